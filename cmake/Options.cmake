@@ -1,0 +1,54 @@
+# What a person can set at configure time, and the flags that every target shares.
+
+if(WIN32)
+  set(HALVORA_NATIVE OFF)
+else()
+  set(HALVORA_NATIVE ON)
+endif()
+
+option(HALVORA_SANITIZE "Address, leak and undefined-behaviour sanitizers (native only)" OFF)
+set(HALVORA_API_HOST "api.flickr.com" CACHE STRING "Host of the photo service's API")
+set(HALVORA_WEB_HOST "www.flickr.com" CACHE STRING "Host of the photo service's web pages")
+set(HALVORA_MAKER_HOST "authorization.halvora.example" CACHE STRING "The maker's authorization host")
+set(HALVORA_APPLICATION_KEY "68616c766f72612d64656d6f2d6b6579" CACHE STRING
+    "OAuth consumer key of the application, 32 characters")
+set(HALVORA_APPLICATION_SECRET "64656d6f2d736563" CACHE STRING
+    "OAuth consumer secret of the application, 16 characters")
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+
+find_program(CCACHE ccache)
+if(CCACHE)
+  set(CMAKE_C_COMPILER_LAUNCHER "${CMAKE_COMMAND};-E;env;CCACHE_SLOPPINESS=pch_defines,time_macros;${CCACHE}")
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_C_COMPILER_LAUNCHER}")
+endif()
+
+# Flags of our own code; third-party sources built here don't get them.
+add_library(halvora_flags INTERFACE)
+target_compile_options(halvora_flags INTERFACE -Wall -Wextra -Wno-missing-field-initializers)
+target_compile_definitions(halvora_flags INTERFACE UNICODE _UNICODE NOMINMAX)
+
+if(HALVORA_NATIVE)
+  # The Windows headers that Debian packages with Wine. windef.h gives every WINAPI function the
+  # Microsoft calling convention, which lambdas and mocks don't survive: natively all functions
+  # have the system's own.
+  target_compile_options(halvora_flags INTERFACE
+    "SHELL:-isystem /usr/include/wine/wine/windows" "SHELL:-include cstdarg"
+    -Dms_abi= -D__ms_va_list=va_list -D__ms_va_start=va_start -D__ms_va_end=va_end
+    -D__ms_va_copy=va_copy -Wno-ignored-attributes -fPIC)
+  if(HALVORA_SANITIZE)
+    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=address,undefined)
+  endif()
+else()
+  target_compile_definitions(halvora_flags INTERFACE STRSAFE_NO_DEPRECATE
+    _WIN32_WINNT=0x0601 WINVER=0x0601)
+  add_link_options(-static)
+endif()

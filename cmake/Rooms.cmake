@@ -1,0 +1,27 @@
+# halvora_room(NAME SOURCES ... HEADERS ... DEPENDS ...)
+#
+# A room of the house: one static library of its own flags. HEADERS are named so that the target
+# all_verify_interface_header_sets can compile each of them alone. Paths are relative to the room;
+# a file is included from elsewhere as "room/File.h".
+function(halvora_room name)
+  cmake_parse_arguments(ROOM "" "" "SOURCES;HEADERS;DEPENDS" ${ARGN})
+  add_library(${name} STATIC ${ROOM_SOURCES})
+  target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS "${CMAKE_SOURCE_DIR}" FILES ${ROOM_HEADERS})
+  target_link_libraries(${name} PUBLIC halvora_flags ${ROOM_DEPENDS})
+  set_target_properties(${name} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
+endfunction()
+
+# halvora_test(NAME SOURCES ... LIBRARIES ... [LABELS ...])
+#
+# A GoogleTest program, one entry of ctest; it runs under the emulator where the world needs one.
+function(halvora_test name)
+  cmake_parse_arguments(TEST "" "" "SOURCES;LIBRARIES;LABELS" ${ARGN})
+  add_executable(${name} ${TEST_SOURCES})
+  target_link_libraries(${name} PRIVATE test_main ${TEST_LIBRARIES})
+  target_include_directories(${name} PRIVATE "${CMAKE_SOURCE_DIR}")
+  # So that resources and exported functions of the program are found as a module's are.
+  set_target_properties(${name} PROPERTIES ENABLE_EXPORTS ON)
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES TIMEOUT 300 LABELS "${TEST_LABELS}"
+    ENVIRONMENT "HALVORA_REGISTRY_FILE=${CMAKE_CURRENT_BINARY_DIR}/${name}.reg")
+endfunction()
