@@ -38,11 +38,12 @@ target_compile_definitions(halvora_flags INTERFACE UNICODE _UNICODE NOMINMAX)
 if(HALVORA_NATIVE)
   # The Windows headers that Debian packages with Wine. windef.h gives every WINAPI function the
   # Microsoft calling convention, which lambdas and mocks don't survive: natively all functions
-  # have the system's own.
+  # have the system's own. They also mark imported functions as hidden, which across shared
+  # libraries is wrong.
   target_compile_options(halvora_flags INTERFACE
     "SHELL:-isystem /usr/include/wine/wine/windows" "SHELL:-include cstdarg"
     -Dms_abi= -D__ms_va_list=va_list -D__ms_va_start=va_start -D__ms_va_end=va_end
-    -D__ms_va_copy=va_copy -Wno-ignored-attributes -fPIC)
+    -D__ms_va_copy=va_copy -DDECLSPEC_HIDDEN= -Wno-ignored-attributes -fPIC)
   if(HALVORA_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)

@@ -1,0 +1,2 @@
+target_sources(platform PRIVATE
+  kernel32/LastError.cpp)
