@@ -1,0 +1,10 @@
+// Text of any length by a printf-style format, with Windows' meanings in both worlds: %ls wide,
+// %d and %lx 32 bits wide, %I64d 64, %S narrow. The format must not be null; E_OUTOFMEMORY is thrown.
+#pragma once
+
+#include "core/WideText.h"
+
+#include <cstdarg>
+
+WideText FormatText(const WCHAR *format, ...);
+WideText FormatTextV(const WCHAR *format, va_list arguments);

@@ -1,0 +1,14 @@
+// The host's log, from any thread. Formats are printf-style with Windows' meanings (FormatText.h); a
+// null format logs "(internal error)", a null host logs nothing. Whether the host took the entry is
+// not looked at.
+#pragma once
+
+#include "core/WideText.h"
+
+#include "HostContract.h"
+
+void LogVerbose(IHalvoraPublishingHost *host, const WCHAR *format, ...);
+void LogInfo(IHalvoraPublishingHost *host, const WCHAR *format, ...);
+void LogWarning(IHalvoraPublishingHost *host, const WCHAR *format, ...);
+void LogError(IHalvoraPublishingHost *host, const WCHAR *format, ...);
+void LogFatal(IHalvoraPublishingHost *host, const WCHAR *format, ...);

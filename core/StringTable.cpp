@@ -1,0 +1,33 @@
+#include "core/StringTable.h"
+
+#include "core/ThisModule.h"
+
+namespace
+{
+// The entry where it lies in the module; empty if there is none.
+WideView FindEntry(UINT id) noexcept
+{
+    // A buffer of length 0 asks for a pointer to the read-only entry, which isn't terminated.
+    const WCHAR *entry = nullptr;
+    const int length = LoadStringW(ThisModule(), id, reinterpret_cast<LPWSTR>(&entry), 0);
+    return length > 0 && entry != nullptr ? WideView(entry, static_cast<size_t>(length)) : WideView();
+}
+} // namespace
+
+bool LoadStringResource(UINT id, BstrOwner &text)
+{
+    text.Reset();
+    const WideView entry = FindEntry(id);
+    if (entry.empty())
+    {
+        return false;
+    }
+    text = BstrOwner(entry);
+    return true;
+}
+
+WideText LoadStringOrPlaceholder(UINT id)
+{
+    const WideView entry = FindEntry(id);
+    return entry.empty() ? WideText(TEXT("?")) : WideText(entry);
+}

@@ -1,0 +1,15 @@
+// The texts of the module's string table, by the identifiers of resources/resource.h. All words
+// that a person reads come from here.
+#pragma once
+
+#include "core/BstrOwner.h"
+#include "core/WideText.h"
+
+#include <windows.h>
+
+// Frees what text held and looks id up. False, with a null text, if the table has no such entry or
+// an empty one. E_OUTOFMEMORY is thrown.
+bool LoadStringResource(UINT id, BstrOwner &text);
+
+// The entry, or "?" for one that is absent: a missing text is never a failure.
+WideText LoadStringOrPlaceholder(UINT id);

@@ -1,0 +1,33 @@
+#include "core/TextPieces.h"
+
+#include <algorithm>
+#include <cwctype>
+
+std::vector<WideView> SplitText(WideView text, WCHAR separator)
+{
+    std::vector<WideView> pieces;
+    while (!text.empty())
+    {
+        const size_t length = std::min(text.find(separator), text.size());
+        if (length > 0)
+        {
+            pieces.push_back(text.substr(0, length));
+        }
+        text.remove_prefix(std::min(length + 1, text.size()));
+    }
+    return pieces;
+}
+
+WideView StripWhiteSpace(WideView text) noexcept
+{
+    const auto isSpace = [](WCHAR unit) { return std::iswspace(static_cast<wint_t>(unit)) != 0; };
+    while (!text.empty() && isSpace(text.front()))
+    {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && isSpace(text.back()))
+    {
+        text.remove_suffix(1);
+    }
+    return text;
+}

@@ -1,0 +1,13 @@
+// Cutting texts: lists with a separator, and white space at the ends.
+#pragma once
+
+#include "core/WideText.h"
+
+#include <vector>
+
+// The pieces between separators; runs of separators and separators at the ends give no piece. The
+// views point into text.
+std::vector<WideView> SplitText(WideView text, WCHAR separator);
+
+// Without white space at both ends.
+WideView StripWhiteSpace(WideView text) noexcept;

@@ -1,0 +1,32 @@
+#include "core/ThisModule.h"
+
+HMODULE ThisModule() noexcept
+{
+    // Asked by the address of something that can only lie here, so that the answer is right however
+    // the module was loaded.
+    static const char anchor = 0;
+    HMODULE module = nullptr;
+    if (!GetModuleHandleExW(
+            GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+            reinterpret_cast<LPCWSTR>(&anchor), &module))
+    {
+        return nullptr;
+    }
+    return module;
+}
+
+WideText ThisModulePath()
+{
+    WideText path(MAX_PATH, 0);
+    for (;;)
+    {
+        const DWORD length =
+            GetModuleFileNameW(ThisModule(), path.data(), static_cast<DWORD>(path.size()));
+        if (length < path.size())
+        {
+            path.resize(length);
+            return path;
+        }
+        path.resize(path.size() * 2);
+    }
+}
