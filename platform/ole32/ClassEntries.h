@@ -1,0 +1,12 @@
+// What the registry says of a class.
+#pragma once
+
+#include "core/WideText.h"
+
+#include <objbase.h>
+
+// Path of the class's key below HKEY_CLASSES_ROOT.
+WideText ClassKeyPath(REFCLSID clsid);
+
+// The default value of a key below HKEY_CLASSES_ROOT. False if there is none, or an empty text.
+bool ReadClassesEntry(const WideText &path, WideText &text);

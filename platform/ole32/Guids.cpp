@@ -1,0 +1,10 @@
+// The identifiers that the Windows headers declare, defined for this library.
+#include <initguid.h>
+
+#include <windows.h>
+#include <objbase.h>
+#include <ole2.h>
+#include <oleauto.h>
+#include <shlwapi.h>
+#include <wincodec.h>
+#include <wincodecsdk.h>
