@@ -1,0 +1,3 @@
+target_sources(platform PRIVATE
+  strsafe/StringCch.cpp
+  strsafe/WideFormat.cpp)
