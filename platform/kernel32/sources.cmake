@@ -1,4 +1,9 @@
 target_sources(platform PRIVATE
   kernel32/LastError.cpp
-  kernel32/PathText.cpp
+  kernel32/LoadedModules.cpp
+  kernel32/MemoryBlocks.cpp
+  kernel32/Modules.cpp
+  kernel32/ResourceSection.cpp
+  kernel32/Resources.cpp
+  kernel32/Time.cpp
   kernel32/Utf8.cpp)

@@ -1,0 +1,167 @@
+// Module handles, loading and exported functions, over the system's dynamic loader.
+#include "platform/kernel32/LoadedModules.h"
+#include "platform/kernel32/Utf8.h"
+
+#include "core/WideText.h"
+
+#include <dlfcn.h>
+#include <link.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+namespace
+{
+constexpr DWORD knownFlags = GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT |
+                             GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS;
+
+// The loader's own handle of a module that is loaded already, with one count more.
+void *OpenLoaded(const LoadedModule &module, int flags = 0)
+{
+    return dlopen(module.isProgram ? nullptr : module.path.c_str(), RTLD_LAZY | RTLD_NOLOAD | flags);
+}
+
+std::optional<LoadedModule> Identify(DWORD flags, const WCHAR *name)
+{
+    if (flags & GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS)
+    {
+        return FindModuleOfAddress(name);
+    }
+    return name == nullptr ? FindModule(nullptr) : FindModuleByName(ToUtf8(name));
+}
+} // namespace
+
+BOOL WINAPI GetModuleHandleExW(DWORD flags, const WCHAR *name, HMODULE *module)
+{
+    constexpr DWORD exclusive = GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+    if (module == nullptr)
+    {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
+    *module = nullptr;
+    if ((flags & ~knownFlags) != 0 || (flags & exclusive) == exclusive)
+    {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
+    const auto found = Identify(flags, name);
+    if (!found)
+    {
+        SetLastError(ERROR_MOD_NOT_FOUND);
+        return FALSE;
+    }
+    if (!(flags & GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT))
+    {
+        OpenLoaded(*found, flags & GET_MODULE_HANDLE_EX_FLAG_PIN ? RTLD_NODELETE : 0);
+    }
+    *module = found->handle;
+    return TRUE;
+}
+
+HMODULE WINAPI GetModuleHandleW(const WCHAR *name)
+{
+    HMODULE module = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT, name, &module);
+    return module;
+}
+
+DWORD WINAPI GetModuleFileNameW(HMODULE module, WCHAR *buffer, DWORD capacity)
+{
+    const auto found = FindModule(module);
+    if (!found)
+    {
+        SetLastError(ERROR_MOD_NOT_FOUND);
+        return 0;
+    }
+    const WideText path = FromUtf8(found->path);
+    if (capacity <= path.size())
+    {
+        if (capacity > 0)
+        {
+            *std::copy_n(path.begin(), capacity - 1, buffer) = 0;
+        }
+        SetLastError(ERROR_INSUFFICIENT_BUFFER);
+        return capacity;
+    }
+    *std::copy(path.begin(), path.end(), buffer) = 0;
+    SetLastError(ERROR_SUCCESS);
+    return static_cast<DWORD>(path.size());
+}
+
+HMODULE WINAPI LoadLibraryW(const WCHAR *name)
+{
+    const std::string path = name == nullptr ? std::string() : ToUtf8(name);
+    if (path.empty())
+    {
+        SetLastError(name == nullptr ? ERROR_MOD_NOT_FOUND : ERROR_INVALID_PARAMETER);
+        return nullptr;
+    }
+    void *const loaded = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (loaded == nullptr)
+    {
+        SetLastError(access(path.c_str(), F_OK) == 0 ? ERROR_BAD_EXE_FORMAT : ERROR_MOD_NOT_FOUND);
+        return nullptr;
+    }
+    // The dynamic section lies inside the module, whatever it was found by.
+    link_map *map = nullptr;
+    const bool mapped = dlinfo(loaded, RTLD_DI_LINKMAP, &map) == 0;
+    const auto found = mapped ? FindModuleOfAddress(map->l_ld) : std::nullopt;
+    if (!found)
+    {
+        dlclose(loaded);
+        SetLastError(ERROR_MOD_NOT_FOUND);
+        return nullptr;
+    }
+    return found->handle;
+}
+
+HMODULE WINAPI LoadLibraryExW(const WCHAR *name, HANDLE file, DWORD flags)
+{
+    // How the system searches is the loader's; the flags of searching ask for nothing else here.
+    constexpr DWORD searching = LOAD_WITH_ALTERED_SEARCH_PATH | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS |
+                                LOAD_LIBRARY_SEARCH_SYSTEM32 | LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR;
+    if (file != nullptr || (flags & ~searching) != 0)
+    {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return nullptr;
+    }
+    return LoadLibraryW(name);
+}
+
+BOOL WINAPI FreeLibrary(HMODULE module)
+{
+    const auto found = module == nullptr ? std::nullopt : FindModule(module);
+    void *const loaded = found ? OpenLoaded(*found) : nullptr;
+    if (loaded == nullptr)
+    {
+        SetLastError(ERROR_MOD_NOT_FOUND);
+        return FALSE;
+    }
+    // Once for the count just taken, once for the caller's.
+    dlclose(loaded);
+    dlclose(loaded);
+    return TRUE;
+}
+
+FARPROC WINAPI GetProcAddress(HMODULE module, const char *name)
+{
+    const auto found = FindModule(module);
+    void *const loaded = found ? OpenLoaded(*found) : nullptr;
+    if (loaded == nullptr)
+    {
+        SetLastError(ERROR_MOD_NOT_FOUND);
+        return nullptr;
+    }
+    const bool isOrdinal = reinterpret_cast<ULONG_PTR>(name) <= 0xFFFF;
+    void *const symbol = isOrdinal ? nullptr : dlsym(loaded, name);
+    dlclose(loaded);
+    // The loader looks into the libraries behind the module too, which doesn't make it the module's.
+    const auto owner = symbol == nullptr ? std::nullopt : FindModuleOfAddress(symbol);
+    if (!owner || owner->handle != found->handle)
+    {
+        SetLastError(ERROR_PROC_NOT_FOUND);
+        return nullptr;
+    }
+    return reinterpret_cast<FARPROC>(symbol);
+}

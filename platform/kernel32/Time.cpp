@@ -1,0 +1,33 @@
+#include <windows.h>
+
+#include <chrono>
+#include <thread>
+
+void WINAPI GetSystemTimeAsFileTime(FILETIME *time)
+{
+    // From 1601, where file times begin, to 1970, in ticks of 100 ns.
+    constexpr ULONGLONG unixEpoch = 116444736000000000;
+    using Ticks = std::chrono::duration<ULONGLONG, std::ratio<1, 10000000>>;
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    const ULONGLONG ticks = unixEpoch + std::chrono::duration_cast<Ticks>(now).count();
+    time->dwLowDateTime = static_cast<DWORD>(ticks);
+    time->dwHighDateTime = static_cast<DWORD>(ticks >> 32);
+}
+
+ULONGLONG WINAPI GetTickCount64()
+{
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
+}
+
+void WINAPI Sleep(DWORD milliseconds)
+{
+    if (milliseconds == INFINITE)
+    {
+        for (;;)
+        {
+            std::this_thread::sleep_for(std::chrono::hours(24));
+        }
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}

@@ -1,0 +1,55 @@
+// The string table: blocks of 16 strings, each a length and that many characters.
+#include "platform/kernel32/ResourceSection.h"
+
+#include "core/WideText.h"
+
+#include <algorithm>
+
+namespace
+{
+// The text lies in the module's resources, without a terminator; empty if the table has none.
+WideView FindString(HINSTANCE module, UINT id)
+{
+    constexpr UINT perBlock = 16;
+    const HRSRC block = FindResourceW(module, MAKEINTRESOURCEW(id / perBlock + 1), MAKEINTRESOURCEW(6));
+    if (block == nullptr)
+    {
+        return {};
+    }
+    const auto data = ResourceEntryData(reinterpret_cast<const BYTE *>(block));
+    WideView left(reinterpret_cast<const WCHAR *>(data.data()), data.size() / sizeof(WCHAR));
+    for (UINT skipped = 0; !left.empty(); ++skipped)
+    {
+        const size_t length = std::min<size_t>(left[0], left.size() - 1);
+        if (skipped == id % perBlock)
+        {
+            return left.substr(1, length);
+        }
+        left.remove_prefix(1 + length);
+    }
+    return {};
+}
+} // namespace
+
+int WINAPI LoadStringW(HINSTANCE module, UINT id, WCHAR *buffer, int capacity)
+{
+    if (buffer == nullptr || capacity < 0)
+    {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return 0;
+    }
+    const WideView text = FindString(module, id);
+    if (capacity == 0)
+    {
+        // The caller gets the table's own text, by way of a buffer that is a pointer.
+        *reinterpret_cast<const WCHAR **>(buffer) = text.empty() ? nullptr : text.data();
+        return static_cast<int>(text.size());
+    }
+    const size_t length = std::min(text.size(), static_cast<size_t>(capacity) - 1);
+    *std::copy_n(text.begin(), length, buffer) = 0;
+    if (text.empty())
+    {
+        SetLastError(ERROR_RESOURCE_NAME_NOT_FOUND);
+    }
+    return static_cast<int>(length);
+}

@@ -1,0 +1,2 @@
+target_sources(platform PRIVATE
+  user32/StringResources.cpp)
