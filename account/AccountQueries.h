@@ -1,0 +1,18 @@
+// What the service tells about the account. Both block the calling thread for as long as the web
+// client takes, show nothing and log nothing. E_UNEXPECTED if no web client can be made; a string that
+// can't be allocated throws E_OUTOFMEMORY.
+#pragma once
+
+#include <windows.h>
+
+struct AccountRecord;
+class VersionBlock;
+
+// Reads the names, the address of the photos page and then the limits. The result is that of the first
+// request if that failed, else that of QueryUploadStatus: there a token that the service refuses shows.
+HRESULT RefreshAccount(AccountRecord &account, const VersionBlock &version);
+
+// Reads level and limits. A failure leaves the account "Basic" and, unless a value was read before the
+// failure, its limits as they were: E_POINTER if the request failed, E_FAIL if the service refused or
+// a value is missing from its reply.
+HRESULT QueryUploadStatus(AccountRecord &account, const VersionBlock &version);

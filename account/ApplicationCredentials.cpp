@@ -1,0 +1,70 @@
+#include "account/ApplicationCredentials.h"
+
+#include "account/SecuredTransformation.h"
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <new>
+
+namespace
+{
+constexpr std::align_val_t BufferAlignment{16};
+
+struct WipeAndFree
+{
+    size_t Length = 0;
+
+    void operator()(BYTE *plain) const noexcept
+    {
+        // Volatile, for a plain fill of memory that is about to be freed is dropped by compilers.
+        for (volatile BYTE *byte = plain; byte != plain + Length; ++byte)
+        {
+            *byte = 0;
+        }
+        ::operator delete(plain, BufferAlignment);
+    }
+};
+
+struct OpenString
+{
+    std::unique_ptr<BYTE[], WipeAndFree> Plain;
+    UINT32 OpenCount = 0;
+};
+
+std::mutex openStringsLock;
+std::map<const SecuredString *, OpenString> openStrings;
+
+std::unique_ptr<BYTE[], WipeAndFree> MakePlain(const SecuredString &record)
+{
+    const size_t length = record.lengthWord & 0x7FFFFFFF;
+    // Read as volatile so that no optimiser that sees the record undoes the seal at build time.
+    const UINT32 mask = *static_cast<const volatile UINT32 *>(&record.maskWord);
+    std::unique_ptr<BYTE[], WipeAndFree> plain(static_cast<BYTE *>(::operator new(length, BufferAlignment)),
+                                               WipeAndFree{length});
+    TransformSecured(reinterpret_cast<const BYTE *>(&record) + sizeof(SecuredString), plain.get(), length, mask);
+    return plain;
+}
+} // namespace
+
+const WCHAR *OpenSecuredString(const SecuredString &record)
+{
+    const std::scoped_lock lock(openStringsLock);
+    auto found = openStrings.find(&record);
+    if (found == openStrings.end())
+    {
+        found = openStrings.emplace(&record, OpenString{MakePlain(record), 0}).first;
+    }
+    ++found->second.OpenCount;
+    return reinterpret_cast<const WCHAR *>(found->second.Plain.get());
+}
+
+void CloseSecuredString(const SecuredString &record) noexcept
+{
+    const std::scoped_lock lock(openStringsLock);
+    const auto found = openStrings.find(&record);
+    if (found != openStrings.end() && --found->second.OpenCount == 0)
+    {
+        openStrings.erase(found);
+    }
+}
