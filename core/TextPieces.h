@@ -11,3 +11,6 @@ std::vector<WideView> SplitText(WideView text, WCHAR separator);
 
 // Without white space at both ends.
 WideView StripWhiteSpace(WideView text) noexcept;
+
+// Whether both are alike but for the case of A to Z: for words of a format, whatever the locale.
+bool EqualsIgnoringCase(WideView left, WideView right) noexcept;

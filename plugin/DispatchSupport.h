@@ -1,0 +1,29 @@
+// IDispatch of the plug-in's dual interface, answered from the type library in the module's
+// resources. The library is loaded at the first call that needs it. Any thread.
+#pragma once
+
+#include "core/ComPtr.h"
+
+#include <windows.h>
+#include <oaidl.h>
+
+#include <mutex>
+
+class DispatchSupport
+{
+public:
+    HRESULT GetTypeInfoCount(UINT *count) noexcept;
+    HRESULT GetTypeInfo(UINT index, ITypeInfo **info) noexcept;
+    HRESULT GetIDsOfNames(REFIID reserved, LPOLESTR *names, UINT count, DISPID *ids) noexcept;
+
+    // Calls object, which is the dual interface that the library describes.
+    HRESULT Invoke(void *object, REFIID reserved, DISPID id, WORD flags, DISPPARAMS *parameters,
+                   VARIANT *result, EXCEPINFO *exception, UINT *argumentError) noexcept;
+
+private:
+    // Throws what loading the library fails with.
+    ComPtr<ITypeInfo> Info();
+
+    std::mutex m_lock;
+    ComPtr<ITypeInfo> m_info;
+};

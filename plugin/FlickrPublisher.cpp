@@ -1,0 +1,257 @@
+#include "plugin/FlickrPublisher.h"
+
+#include "account/AccountQueries.h"
+#include "account/WebClientFactory.h"
+#include "core/StringTable.h"
+#include "core/ThisModule.h"
+#include "plugin/InitDataStream.h"
+#include "plugin/UsageMetrics.h"
+#include "publish/ProgressReport.h"
+#include "publish/PublishDriver.h"
+#include "resources/resource.h"
+#include "settings/StateLine.h"
+
+namespace
+{
+constexpr auto capabilities = static_cast<HVRPUBLISHINGCAPABILITIES>(
+    HVRPUBLISHINGCAPS_CONFIGURABLE | HVRPUBLISHINGCAPS_USES_INIT_DATA | HVRPUBLISHINGCAPS_CANCELABLE |
+    HVRPUBLISHINGCAPS_AUTHORIZATION);
+
+// Fills an out text with what make gives; thrown is the result for whatever goes wrong.
+template <class Make>
+HRESULT GiveText(BSTR *text, HRESULT thrown, Make &&make) noexcept
+{
+    if (text == nullptr)
+    {
+        return E_INVALIDARG;
+    }
+    *text = nullptr;
+    return AtBoundaryAs(thrown, [&] {
+        *text = BstrOwner(make()).Detach();
+        return S_OK;
+    });
+}
+} // namespace
+
+CFlickrPublisher::CFlickrPublisher() : m_version(VersionBlock::OfThisModule()) {}
+
+HRESULT CFlickrPublisher::FinishCreation() noexcept
+{
+    return CoCreateFreeThreadedMarshaler(ControllingUnknown(), m_marshaler.Put());
+}
+
+HRESULT CFlickrPublisher::QueryFurther(REFIID iid, void **object) noexcept
+{
+    if (iid == __uuidof(IMarshal) && m_marshaler)
+    {
+        return m_marshaler->QueryInterface(iid, object);
+    }
+    return E_NOINTERFACE;
+}
+
+// What can't be shown stops no upload: only an abrupt cancel does.
+HRESULT CFlickrPublisher::OnUploadProgress(UINT32 code, UINT32 total, UINT32 done) noexcept
+{
+    AtBoundary([&] {
+        ProgressDisplay display{m_windows, m_statistics, m_numberFormat, SystemTicks};
+        ShowProgress(display, code, total, done);
+        return S_OK;
+    });
+    return m_cancel.Abruptly ? E_ABORT : S_OK;
+}
+
+HRESULT CFlickrPublisher::InterfaceSupportsErrorInfo(REFIID iid) noexcept
+{
+    return iid == __uuidof(IHalvoraPublishingPlugin) ? S_OK : S_FALSE;
+}
+
+HRESULT CFlickrPublisher::GetTypeInfoCount(UINT *count) noexcept
+{
+    return m_dispatch.GetTypeInfoCount(count);
+}
+
+HRESULT CFlickrPublisher::GetTypeInfo(UINT index, LCID, ITypeInfo **info) noexcept
+{
+    return m_dispatch.GetTypeInfo(index, info);
+}
+
+HRESULT CFlickrPublisher::GetIDsOfNames(REFIID reserved, LPOLESTR *names, UINT count, LCID, DISPID *ids) noexcept
+{
+    return m_dispatch.GetIDsOfNames(reserved, names, count, ids);
+}
+
+HRESULT CFlickrPublisher::Invoke(DISPID id, REFIID reserved, LCID, WORD flags, DISPPARAMS *parameters,
+                                 VARIANT *result, EXCEPINFO *exception, UINT *argumentError) noexcept
+{
+    return m_dispatch.Invoke(static_cast<IHalvoraPublishingPlugin *>(this), reserved, id, flags, parameters,
+                             result, exception, argumentError);
+}
+
+void CFlickrPublisher::AcceptHost(IUnknown *host)
+{
+    if (host != m_host.Get())
+    {
+        m_host = QueryFor<IHalvoraPublishingHost>(host);
+    }
+    if (!m_host)
+    {
+        ThrowHresult(E_INVALIDARG);
+    }
+}
+
+void CFlickrPublisher::AcceptStream(IUnknown *stream)
+{
+    if (stream != m_initStream.Get())
+    {
+        m_initStream = QueryFor<IStream>(stream);
+    }
+}
+
+HRESULT CFlickrPublisher::Initialize(IUnknown *lpHost, USHORT langid, IUnknown *lpStream, ULONG) noexcept
+{
+    if (lpHost == nullptr)
+    {
+        return E_INVALIDARG;
+    }
+    return AtBoundary([&] {
+        AcceptHost(lpHost);
+        m_languageId = langid;
+        AcceptStream(lpStream);
+        if (m_initStream)
+        {
+            ReadInitData(m_initStream.Get(), m_account);
+        }
+        CreateUsageMetrics();
+        return S_OK;
+    });
+}
+
+HRESULT CFlickrPublisher::Terminate() noexcept
+{
+    if (!m_initStream)
+    {
+        return S_OK;
+    }
+    return AtBoundary([&] {
+        WriteInitData(m_initStream.Get(), m_account);
+        gUsageMetrics.Reset();
+        return S_OK;
+    });
+}
+
+HRESULT CFlickrPublisher::GetCapabilities(HVRPUBLISHINGCAPABILITIES *lpCapabilities) noexcept
+{
+    if (lpCapabilities == nullptr)
+    {
+        return E_INVALIDARG;
+    }
+    *lpCapabilities = capabilities;
+    return S_OK;
+}
+
+HRESULT CFlickrPublisher::GetIcon(HICON *lphIcon) noexcept
+{
+    if (lphIcon == nullptr)
+    {
+        return E_INVALIDARG;
+    }
+    *lphIcon = LoadIconW(ThisModule(), MAKEINTRESOURCEW(IDI_PUBLISHER));
+    return *lphIcon ? S_OK : E_FAIL;
+}
+
+HRESULT CFlickrPublisher::GetDisplayName(BSTR *pbstrDisplayName) noexcept
+{
+    if (pbstrDisplayName == nullptr)
+    {
+        return E_INVALIDARG;
+    }
+    *pbstrDisplayName = nullptr;
+    return AtBoundaryAs(E_POINTER, [&] {
+        BstrOwner name;
+        const bool isFound = LoadStringResource(IDS_DISPLAY_NAME, name);
+        *pbstrDisplayName = name.Detach();
+        return isFound ? S_OK : E_FAIL;
+    });
+}
+
+HRESULT CFlickrPublisher::GetDescription(BSTR *pbstrDescription) noexcept
+{
+    return GiveText(pbstrDescription, E_POINTER, [&] { return m_version.String(TEXT("FileDescription")); });
+}
+
+HRESULT CFlickrPublisher::GetAuthorInformation(BSTR *pbstrAuthorInformation) noexcept
+{
+    return GiveText(pbstrAuthorInformation, E_POINTER, [&] { return m_version.String(TEXT("LegalCopyright")); });
+}
+
+HRESULT CFlickrPublisher::GetVersionInformation(BSTR *pbstrVersionInformation) noexcept
+{
+    return GiveText(pbstrVersionInformation, E_UNEXPECTED,
+                    [&] { return m_version.String(TEXT("FileVersion")); });
+}
+
+HRESULT CFlickrPublisher::GetDisplayState(BSTR *pbstrDisplayState) noexcept
+{
+    return GiveText(pbstrDisplayState, E_UNEXPECTED, [&] { return ComposeStateLine(m_account, m_settings); });
+}
+
+HRESULT CFlickrPublisher::Configure(HWND hWndParent, LPWSTR lpszVerb, LPWSTR lpszParameters) noexcept
+{
+    if (!IsInitialized())
+    {
+        return E_UNEXPECTED;
+    }
+    if (hWndParent == nullptr || lpszVerb == nullptr || lpszParameters == nullptr)
+    {
+        return E_INVALIDARG;
+    }
+    return AtBoundary([&] {
+        // The verbs have nothing behind them yet; an unknown verb stays without effect for good.
+        return CreateWebClient(m_account, m_version) ? S_OK : E_UNEXPECTED;
+    });
+}
+
+HRESULT CFlickrPublisher::Publish(HWND hWndProgressControl, HWND hWndStaticTextControl) noexcept
+{
+    if (!IsInitialized())
+    {
+        return E_UNEXPECTED;
+    }
+    if (hWndProgressControl == nullptr || hWndStaticTextControl == nullptr)
+    {
+        return E_INVALIDARG;
+    }
+    return AtBoundary([&] {
+        const ComPtr<IUsageMetrics> usage = gUsageMetrics;
+        const RunContext run{m_host.Get(), usage.Get(),   this,      m_account, m_version,
+                             m_settings,   m_statistics,  m_windows, m_cancel,  SystemTicks};
+        RunPublish(run, hWndProgressControl, hWndStaticTextControl);
+        return S_OK;
+    });
+}
+
+HRESULT CFlickrPublisher::CanPublish(HWND, BOOL fIncludeActualConnectivityCheck) noexcept
+{
+    if (!IsInitialized())
+    {
+        return E_UNEXPECTED;
+    }
+    return AtBoundary([&] {
+        if (!m_account.IsAuthorized())
+        {
+            return S_FALSE;
+        }
+        if (!fIncludeActualConnectivityCheck)
+        {
+            return S_OK;
+        }
+        const bool isReached = SUCCEEDED(QueryUploadStatus(m_account, m_version));
+        return isReached && m_account.UploadLeftThisMonth != 0 ? S_OK : S_FALSE;
+    });
+}
+
+HRESULT CFlickrPublisher::Cancel(BOOL fAbruptly) noexcept
+{
+    RequestCancel(m_host.Get(), m_cancel, fAbruptly != FALSE);
+    return S_OK;
+}

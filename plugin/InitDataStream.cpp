@@ -1,0 +1,149 @@
+#include "plugin/InitDataStream.h"
+
+#include "account/AccountRecord.h"
+#include "core/BstrOwner.h"
+#include "core/Hresult.h"
+
+namespace
+{
+constexpr signed char FormatMarker = 1;
+constexpr UINT32 TerminatorSize = sizeof(WCHAR);
+constexpr UINT32 LargestString = 0x100000;
+
+constexpr BstrOwner AccountRecord::*storedTexts[] = {
+    &AccountRecord::OAuthToken, &AccountRecord::OAuthTokenSecret, &AccountRecord::UserName,
+    &AccountRecord::FullName,   &AccountRecord::PhotosUrl,        &AccountRecord::AccountType,
+};
+
+// All of size, or a failure.
+void ReadExactly(IStream *stream, void *data, UINT32 size)
+{
+    ULONG read = 0;
+    ThrowIfFailed(stream->Read(data, size, &read));
+    if (read != size)
+    {
+        ThrowHresult(E_FAIL);
+    }
+}
+
+void WriteExactly(IStream *stream, const void *data, UINT32 size)
+{
+    ULONG written = 0;
+    ThrowIfFailed(stream->Write(data, size, &written));
+    if (written != size)
+    {
+        ThrowHresult(STG_E_MEDIUMFULL);
+    }
+}
+
+// Puts the stream back where it stood, unless the reading went well.
+class PositionKeeper
+{
+public:
+    explicit PositionKeeper(IStream *stream) noexcept : m_stream(stream)
+    {
+        m_isKnown = SUCCEEDED(stream->Seek(LARGE_INTEGER{}, STREAM_SEEK_CUR, &m_position));
+    }
+    ~PositionKeeper()
+    {
+        if (m_isKnown)
+        {
+            LARGE_INTEGER back;
+            back.QuadPart = static_cast<INT64>(m_position.QuadPart);
+            m_stream->Seek(back, STREAM_SEEK_SET, nullptr);
+        }
+    }
+    PositionKeeper(const PositionKeeper &) = delete;
+    PositionKeeper &operator=(const PositionKeeper &) = delete;
+
+    void Forget() noexcept { m_isKnown = false; }
+
+private:
+    IStream *m_stream;
+    ULARGE_INTEGER m_position{};
+    bool m_isKnown;
+};
+
+BstrOwner ReadText(IStream *stream)
+{
+    PositionKeeper position(stream);
+    UINT32 size = 0;
+    ReadExactly(stream, &size, sizeof size);
+    BstrOwner text;
+    if (size == 1)
+    {
+        ThrowHresult(E_FAIL);
+    }
+    if (size > LargestString)
+    {
+        ThrowHresult(E_ACCESSDENIED);
+    }
+    if (size > 0)
+    {
+        const UINT32 textSize = size - TerminatorSize;
+        WideText units((textSize + 1) / sizeof(WCHAR), 0);
+        ReadExactly(stream, units.data(), textSize);
+        WCHAR terminator = 0;
+        ReadExactly(stream, &terminator, sizeof terminator);
+        if (terminator != 0)
+        {
+            ThrowHresult(E_FAIL);
+        }
+        // An odd byte at the end is no unit.
+        text = BstrOwner(WideView(units).substr(0, textSize / sizeof(WCHAR)));
+    }
+    position.Forget();
+    return text;
+}
+
+void WriteText(IStream *stream, const BstrOwner &text)
+{
+    if (text.Get() == nullptr)
+    {
+        const UINT32 none = 0;
+        WriteExactly(stream, &none, sizeof none);
+        return;
+    }
+    const WideText copy(text.Text());
+    const auto size = static_cast<UINT32>((copy.size() + 1) * sizeof(WCHAR));
+    WriteExactly(stream, &size, sizeof size);
+    WriteExactly(stream, copy.c_str(), size);
+}
+} // namespace
+
+void ReadInitData(IStream *stream, AccountRecord &account)
+{
+    signed char marker = 0;
+    ThrowIfFailed(stream->Read(&marker, sizeof marker, nullptr));
+    if (marker < 1)
+    {
+        account.MaxFileSize = 0;
+        return;
+    }
+    for (const auto field : storedTexts)
+    {
+        BstrOwner &text = account.*field;
+        text.Reset();
+        text = ReadText(stream);
+    }
+    INT64 maxFileSize = 0;
+    ULONG read = 0;
+    stream->Read(&maxFileSize, sizeof maxFileSize, &read);
+    if (read < sizeof maxFileSize)
+    {
+        ThrowHresult(HRESULT_FROM_WIN32(ERROR_INVALID_DATA));
+    }
+    account.MaxFileSize = maxFileSize;
+}
+
+void WriteInitData(IStream *stream, const AccountRecord &account)
+{
+    ThrowIfFailed(stream->Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr));
+    ThrowIfFailed(stream->SetSize(ULARGE_INTEGER{}));
+    WriteExactly(stream, &FormatMarker, sizeof FormatMarker);
+    for (const auto field : storedTexts)
+    {
+        WriteText(stream, account.*field);
+    }
+    WriteExactly(stream, &account.MaxFileSize, sizeof account.MaxFileSize);
+}

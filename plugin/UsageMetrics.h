@@ -1,0 +1,12 @@
+// The host family's usage counter, shared by all objects of the process. Null without the component;
+// the plug-in works without it. Not locked.
+#pragma once
+
+#include "core/ComPtr.h"
+
+#include "HostContract.h"
+
+extern ComPtr<IUsageMetrics> &gUsageMetrics;
+
+// Creates the counter if there is none yet. That the component may be missing is no failure.
+void CreateUsageMetrics() noexcept;

@@ -1,0 +1,97 @@
+#include "publish/FormFields.h"
+
+#include "core/BstrOwner.h"
+#include "core/Hresult.h"
+#include "publish/TagList.h"
+#include "settings/SettingsStore.h"
+
+namespace
+{
+// The callee copies the value, so the string stays its owner's.
+VARIANT TextValue(const BstrOwner &text) noexcept
+{
+    VARIANT value;
+    VariantInit(&value);
+    value.vt = VT_BSTR;
+    value.bstrVal = text.Get();
+    return value;
+}
+
+VARIANT NumberValue(VARTYPE type, UINT32 number) noexcept
+{
+    VARIANT value;
+    VariantInit(&value);
+    value.vt = type;
+    value.ulVal = number;
+    return value;
+}
+
+// A number that always goes with the picture.
+struct NumberField
+{
+    const WCHAR *name;
+    const WCHAR *setting;
+    UINT32 fallback;
+    UINT32 offset;      // what the service's counting begins with
+};
+constexpr NumberField numberFields[] = {
+    {TEXT("is_public"), TEXT("IsPublic"), 1, 0},
+    {TEXT("is_friend"), TEXT("IsFriend"), 0, 0},
+    {TEXT("is_family"), TEXT("IsFamily"), 0, 0},
+    {TEXT("safety_level"), TEXT("SafetyLevel"), 0, 1},
+    {TEXT("content_type"), TEXT("ContentType"), 0, 1},
+    {TEXT("hidden"), TEXT("SearchVisibility"), 0, 1},
+};
+
+class FormFiller
+{
+public:
+    FormFiller(IRequestParameters *parameters, IMultipartFormData *form) noexcept
+        : m_parameters(parameters), m_form(form)
+    {
+    }
+
+    void AddSwitch(const WCHAR *name, const WCHAR *setting)
+    {
+        if (m_settings.Number(setting, 0) != 0)
+        {
+            ThrowIfFailed(m_parameters->Add(name, NumberValue(VT_I4, 1)));
+            ThrowIfFailed(m_form->AddTextField(name, TEXT("1")));
+        }
+    }
+
+    void AddText(const WCHAR *name, const WCHAR *setting, const BstrOwner &text)
+    {
+        if (m_settings.Number(setting, 1) != 0 && !text.IsEmpty())
+        {
+            ThrowIfFailed(m_parameters->Add(name, TextValue(text)));
+            ThrowIfFailed(m_form->AddTextField(name, text.Get()));
+        }
+    }
+
+    void AddNumber(const NumberField &field)
+    {
+        const UINT32 number = m_settings.Number(field.setting, field.fallback) + field.offset;
+        ThrowIfFailed(m_parameters->Add(field.name, NumberValue(VT_UI4, number)));
+        ThrowIfFailed(m_form->AddNumberField(field.name, number));
+    }
+
+private:
+    SettingsReader m_settings;
+    IRequestParameters *m_parameters;
+    IMultipartFormData *m_form;
+};
+} // namespace
+
+void AddFormFields(const ItemTexts &texts, IRequestParameters *parameters, IMultipartFormData *form)
+{
+    FormFiller filler(parameters, form);
+    filler.AddSwitch(TEXT("async"), TEXT("AsyncUpload"));
+    filler.AddText(TEXT("title"), TEXT("WriteTitle"), texts.Title);
+    filler.AddText(TEXT("description"), TEXT("WriteDescription"), texts.Description);
+    filler.AddText(TEXT("tags"), TEXT("WriteTags"), BstrOwner(QuotedTagList(texts.Tags.View())));
+    for (const NumberField &field : numberFields)
+    {
+        filler.AddNumber(field);
+    }
+}

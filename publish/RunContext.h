@@ -1,0 +1,45 @@
+// What a publish run works with. The plug-in object owns all of it and lends it for one call.
+#pragma once
+
+#include "core/ComPtr.h"
+#include "publish/PublishStatistics.h"
+
+#include "HostContract.h"
+#include "WebComponents.h"
+
+#include <windows.h>
+
+#include <atomic>
+
+class LocaleNumberFormat;
+class VersionBlock;
+struct AccountRecord;
+struct SettingsBlock;
+
+// The host's progress bar and status line; null outside a run.
+struct ProgressWindows
+{
+    HWND Bar = nullptr;
+    HWND StatusText = nullptr;
+};
+
+// Set by Cancel on any thread, cleared when a run starts.
+struct CancelFlags
+{
+    std::atomic<BYTE> Requested{0};
+    std::atomic<BYTE> Abruptly{0};
+};
+
+struct RunContext
+{
+    IHalvoraPublishingHost *Host;
+    IUsageMetrics *Usage;                   // may be null
+    IUploadProgressCallback *Progress;      // the plug-in object itself
+    const AccountRecord &Account;
+    const VersionBlock &Version;
+    SettingsBlock &Settings;
+    PublishStatistics &Statistics;
+    ProgressWindows &Windows;
+    CancelFlags &Cancel;
+    TickSource Now;
+};
