@@ -8,6 +8,7 @@
 
 #include "WebComponents.h"
 
+#include <algorithm>
 #include <charconv>
 #include <optional>
 #include <string>

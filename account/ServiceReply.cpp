@@ -3,6 +3,7 @@
 #include "core/ErrorText.h"
 #include "core/FormatText.h"
 #include "core/StringTable.h"
+#include "core/TextPieces.h"
 #include "resources/resource.h"
 
 #include <shlwapi.h>
@@ -65,9 +66,7 @@ WideText ComposeServiceError(IXMLDOMDocument2 *document, const WCHAR *code)
     if (!message.IsEmpty())
     {
         WideText words(message.View());
-        // A pointer whose upper part is 0 is taken as one character.
-        const auto upper = reinterpret_cast<UINT_PTR>(CharUpperW(reinterpret_cast<LPWSTR>(UINT_PTR{words[0]})));
-        words[0] = upper ? static_cast<WCHAR>(upper) : words[0];
+        CapitalizeFirst(words);
         text.append(TEXT(": ")).append(words);
     }
     return text;

@@ -40,3 +40,17 @@ bool EqualsIgnoringCase(WideView left, WideView right) noexcept
     return std::equal(left.begin(), left.end(), right.begin(), right.end(),
                       [fold](WCHAR a, WCHAR b) { return fold(a) == fold(b); });
 }
+
+void CapitalizeFirst(WideText &text)
+{
+    if (text.empty())
+    {
+        return;
+    }
+    // A pointer with nothing but its lower 16 bits is taken as one character, and comes back as one.
+    const auto upper = reinterpret_cast<UINT_PTR>(CharUpperW(reinterpret_cast<LPWSTR>(UINT_PTR{text.front()})));
+    if (upper != 0)
+    {
+        text.front() = static_cast<WCHAR>(upper);
+    }
+}

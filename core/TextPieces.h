@@ -14,3 +14,6 @@ WideView StripWhiteSpace(WideView text) noexcept;
 
 // Whether both are alike but for the case of A to Z: for words of a format, whatever the locale.
 bool EqualsIgnoringCase(WideView left, WideView right) noexcept;
+
+// The first character in upper case, as the user's language has it; an empty text stays empty.
+void CapitalizeFirst(WideText &text);

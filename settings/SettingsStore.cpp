@@ -1,0 +1,99 @@
+#include "settings/SettingsStore.h"
+
+#include "resources/resource.h"
+#include "settings/OutputSize.h"
+#include "settings/StoredSettings.h"
+
+#include <algorithm>
+#include <string>
+
+namespace
+{
+constexpr UINT32 SendProcessed = 2;
+
+struct FlagName
+{
+    const WCHAR *Name;
+    UINT32 ConversionSettings::*Field;
+};
+constexpr FlagName flagNames[] = {
+    {TEXT("Minimize"), &ConversionSettings::Minimize},     {TEXT("WriteCopyright"), &ConversionSettings::WriteCopyright},
+    {TEXT("WriteEXIF"), &ConversionSettings::WriteEXIF},   {TEXT("WriteXMP"), &ConversionSettings::WriteXMP},
+    {TEXT("WriteGPS"), &ConversionSettings::WriteGPS},     {TEXT("WriteIPTC"), &ConversionSettings::WriteIPTC},
+};
+
+void LoadConversion(const SettingsReader &reader, const WideText &kind, ConversionSettings &conversion)
+{
+    for (const FlagName &flag : flagNames)
+    {
+        UINT32 &field = conversion.*flag.Field;
+        reader.ReadInto((kind + flag.Name).c_str(), field);
+        field = field != 0;
+    }
+    WCHAR size[OutputSizeCapacity] = {};
+    reader.Text((kind + TEXT("LongDimension")).c_str()).copy(size, OutputSizeCapacity - 1);
+    NormalizeOutputSize(size, OutputSizeCapacity, IDS_SIZE_PRINT);
+    conversion.LongDimension = size;
+
+    OutputSizeUnit unit;
+    const INT32 pixels = OutputSizeToPixels(conversion.LongDimension, conversion.PrintDpi, unit);
+    conversion.LongEdgePixels = static_cast<UINT32>(pixels);
+}
+} // namespace
+
+SettingsReader::SettingsReader() noexcept
+{
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, SettingsKeyPath, 0, KEY_READ, m_key.Put()) != ERROR_SUCCESS)
+    {
+        m_key = RegistryKeyOwner();
+    }
+}
+
+UINT32 SettingsReader::Number(const WCHAR *name) const noexcept
+{
+    const StoredSetting *setting = FindStoredSetting(name);
+    UINT32 value = setting ? setting->Default : 0;
+    ReadInto(name, value);
+    return value;
+}
+
+void SettingsReader::ReadInto(const WCHAR *name, UINT32 &value) const noexcept
+{
+    if (!m_key)
+    {
+        return;
+    }
+    UINT32 stored = value;
+    DWORD size = sizeof(stored);
+    if (RegQueryValueExW(m_key.Get(), name, nullptr, nullptr, reinterpret_cast<BYTE *>(&stored), &size) ==
+        ERROR_SUCCESS)
+    {
+        value = stored;
+    }
+}
+
+WideText SettingsReader::Text(const WCHAR *name) const
+{
+    // One unit more than is read: a stored text need not bring its closing zero.
+    WCHAR buffer[OutputSizeCapacity + 1] = {};
+    DWORD size = OutputSizeCapacity * sizeof(WCHAR);
+    if (!m_key || RegQueryValueExW(m_key.Get(), name, nullptr, nullptr, reinterpret_cast<BYTE *>(buffer), &size) !=
+                      ERROR_SUCCESS)
+    {
+        return {};
+    }
+    return buffer;
+}
+
+void LoadSettings(SettingsBlock &block)
+{
+    const SettingsReader reader;
+    if (!reader.IsOpen())
+    {
+        return;
+    }
+    reader.ReadInto(TEXT("JPEGMode"), block.JPEGMode);
+    block.JPEGMode = std::min(block.JPEGMode, SendProcessed);
+    LoadConversion(reader, TEXT("JPEG"), block.JPEG);
+    LoadConversion(reader, TEXT("RAW"), block.RAW);
+}
