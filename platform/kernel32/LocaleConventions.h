@@ -1,0 +1,28 @@
+// How a locale writes numbers, from ICU. The header names neither ICU's nor Windows' types, since
+// their declarations don't agree with each other.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+struct LocaleConventions
+{
+    std::u16string decimalSeparator;
+    std::u16string thousandsSeparator;
+    std::u16string negativeSign;
+    // Digits in the group next to the decimal separator, and in all others; 0 for no groups.
+    int firstGroup = 0;
+    int furtherGroups = 0;
+    bool signBehind = false;
+    // Windows' identifier of the locale, an LCID.
+    uint32_t windowsId = 0;
+};
+
+// The user's locale is the environment's, read anew at each call: the first of LC_ALL, LC_NUMERIC
+// and LANG that isn't empty. The C and POSIX locales, a locale that isn't known, and no locale at
+// all count as en-US.
+LocaleConventions UserConventions();
+
+// By Windows' identifier; nothing if there is no such locale. 127 is the invariant locale.
+std::optional<LocaleConventions> ConventionsOf(uint32_t windowsId);
