@@ -192,7 +192,7 @@ HRESULT CFlickrPublisher::GetVersionInformation(BSTR *pbstrVersionInformation) n
 
 HRESULT CFlickrPublisher::GetDisplayState(BSTR *pbstrDisplayState) noexcept
 {
-    return GiveText(pbstrDisplayState, E_UNEXPECTED, [&] { return ComposeStateLine(m_account, m_settings); });
+    return GiveText(pbstrDisplayState, E_UNEXPECTED, [&] { return ComposeDisplayState(m_account, m_settings); });
 }
 
 HRESULT CFlickrPublisher::Configure(HWND hWndParent, LPWSTR lpszVerb, LPWSTR lpszParameters) noexcept

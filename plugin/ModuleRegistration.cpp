@@ -4,8 +4,6 @@
 #include "core/Hresult.h"
 #include "core/ThisModule.h"
 
-const CLSID CLSID_FlickrPublisher = {0x46519402, 0x3380, 0x4D48, {0xBC, 0x76, 0x63, 0xFF, 0xAA, 0x27, 0x16, 0x5C}};
-
 namespace
 {
 #define CLASS_ID TEXT("{46519402-3380-4D48-BC76-63FFAA27165C}")

@@ -2,9 +2,6 @@
 #pragma once
 
 #include <windows.h>
-#include <guiddef.h>
-
-extern const CLSID CLSID_FlickrPublisher;
 
 enum class RegistrationScope
 {

@@ -31,16 +31,15 @@ struct NumberField
 {
     const WCHAR *name;
     const WCHAR *setting;
-    UINT32 fallback;
     UINT32 offset;      // what the service's counting begins with
 };
 constexpr NumberField numberFields[] = {
-    {TEXT("is_public"), TEXT("IsPublic"), 1, 0},
-    {TEXT("is_friend"), TEXT("IsFriend"), 0, 0},
-    {TEXT("is_family"), TEXT("IsFamily"), 0, 0},
-    {TEXT("safety_level"), TEXT("SafetyLevel"), 0, 1},
-    {TEXT("content_type"), TEXT("ContentType"), 0, 1},
-    {TEXT("hidden"), TEXT("SearchVisibility"), 0, 1},
+    {TEXT("is_public"), TEXT("IsPublic"), 0},
+    {TEXT("is_friend"), TEXT("IsFriend"), 0},
+    {TEXT("is_family"), TEXT("IsFamily"), 0},
+    {TEXT("safety_level"), TEXT("SafetyLevel"), 1},
+    {TEXT("content_type"), TEXT("ContentType"), 1},
+    {TEXT("hidden"), TEXT("SearchVisibility"), 1},
 };
 
 class FormFiller
@@ -53,7 +52,7 @@ public:
 
     void AddSwitch(const WCHAR *name, const WCHAR *setting)
     {
-        if (m_settings.Number(setting, 0) != 0)
+        if (m_settings.Number(setting) != 0)
         {
             ThrowIfFailed(m_parameters->Add(name, NumberValue(VT_I4, 1)));
             ThrowIfFailed(m_form->AddTextField(name, TEXT("1")));
@@ -62,7 +61,7 @@ public:
 
     void AddText(const WCHAR *name, const WCHAR *setting, const BstrOwner &text)
     {
-        if (m_settings.Number(setting, 1) != 0 && !text.IsEmpty())
+        if (m_settings.Number(setting) != 0 && !text.IsEmpty())
         {
             ThrowIfFailed(m_parameters->Add(name, TextValue(text)));
             ThrowIfFailed(m_form->AddTextField(name, text.Get()));
@@ -71,7 +70,7 @@ public:
 
     void AddNumber(const NumberField &field)
     {
-        const UINT32 number = m_settings.Number(field.setting, field.fallback) + field.offset;
+        const UINT32 number = m_settings.Number(field.setting) + field.offset;
         ThrowIfFailed(m_parameters->Add(field.name, NumberValue(VT_UI4, number)));
         ThrowIfFailed(m_form->AddNumberField(field.name, number));
     }

@@ -18,19 +18,19 @@
 
 namespace
 {
-UploadOptions JpegOptions(const SettingsBlock &settings)
+UploadOptions Options(UINT32 mode, bool verifyContainer, const ConversionSettings &settings)
 {
     UploadOptions options;
-    options.Mode = settings.JPEGMode;
-    options.VerifyContainer = true;
-    options.Minimize = settings.JPEGMinimize != 0;
-    options.WriteCopyright = settings.JPEGWriteCopyright != 0;
-    options.WriteExif = settings.JPEGWriteEXIF != 0;
-    options.WriteXmp = settings.JPEGWriteXMP != 0;
-    options.WriteGps = settings.JPEGWriteGPS != 0;
-    options.WriteIptc = settings.JPEGWriteIPTC != 0;
-    options.LongEdgePixels = settings.JPEGLongEdgePixels;
-    options.PrintDpi = settings.JPEGPrintDpi;
+    options.Mode = mode;
+    options.VerifyContainer = verifyContainer;
+    options.Minimize = settings.Minimize != 0;
+    options.WriteCopyright = settings.WriteCopyright != 0;
+    options.WriteExif = settings.WriteEXIF != 0;
+    options.WriteXmp = settings.WriteXMP != 0;
+    options.WriteGps = settings.WriteGPS != 0;
+    options.WriteIptc = settings.WriteIPTC != 0;
+    options.LongEdgePixels = settings.LongEdgePixels;
+    options.PrintDpi = settings.PrintDpi;
     return options;
 }
 
@@ -39,21 +39,6 @@ UploadOptions WebOptions()
     UploadOptions options;
     options.Mode = SendAsIs;
     options.VerifyContainer = true;
-    return options;
-}
-
-UploadOptions ProcessedOptions(const SettingsBlock &settings)
-{
-    UploadOptions options;
-    options.Mode = SendProcessed;
-    options.Minimize = settings.RAWMinimize != 0;
-    options.WriteCopyright = settings.RAWWriteCopyright != 0;
-    options.WriteExif = settings.RAWWriteEXIF != 0;
-    options.WriteXmp = settings.RAWWriteXMP != 0;
-    options.WriteGps = settings.RAWWriteGPS != 0;
-    options.WriteIptc = settings.RAWWriteIPTC != 0;
-    options.LongEdgePixels = settings.RAWLongEdgePixels;
-    options.PrintDpi = settings.RAWPrintDpi;
     return options;
 }
 
@@ -102,7 +87,7 @@ void LogPath(void (*log)(IHalvoraPublishingHost *, const WCHAR *, ...), const Ru
 
 void UploadProcessed(const RunContext &run, Item &item)
 {
-    Upload(run, item, item.JpegName, ProcessedOptions(run.Settings));
+    Upload(run, item, item.JpegName, Options(SendProcessed, false, run.Settings.RAW));
 }
 
 // The file is not what its extension says. With processing allowed it may still be a picture that
@@ -130,7 +115,7 @@ void UploadChosenFile(const RunContext &run, Item &item)
     LogPath(LogInfo, run, IDS_LOG_PUBLISHING, item);
     if (item.Choice.Class == ExtensionClass::Jpeg)
     {
-        Upload(run, item, item.JpegName, JpegOptions(run.Settings));
+        Upload(run, item, item.JpegName, Options(run.Settings.JPEGMode, true, run.Settings.JPEG));
     }
     else
     {

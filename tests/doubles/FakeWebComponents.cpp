@@ -1,0 +1,386 @@
+#include "tests/doubles/FakeWebComponents.h"
+
+#include "core/BstrOwner.h"
+#include "core/ComObject.h"
+#include "tests/doubles/MemoryStream.h"
+#include "tests/doubles/ReplyDocuments.h"
+
+#include <objbase.h>
+
+#include <gtest/gtest.h>
+
+#include <utility>
+
+namespace
+{
+WideText Text(LPCWSTR text)
+{
+    return text ? WideText(text) : WideText(TEXT("(null)"));
+}
+
+WideText Text(UINT32 number)
+{
+    const std::string digits = std::to_string(number);
+    return WideText(digits.begin(), digits.end());
+}
+
+WideText Present(IUnknown *object)
+{
+    return object ? TEXT("(object)") : TEXT("(null)");
+}
+
+std::string Narrow(LPCWSTR text)
+{
+    const WideView view(text);
+    return std::string(view.begin(), view.end());
+}
+
+std::string ReadAll(IStream *stream, size_t most)
+{
+    std::string content;
+    char buffer[4096];
+    ULONG done = 0;
+    do
+    {
+        const auto wanted = static_cast<ULONG>(std::min(most - content.size(), sizeof(buffer)));
+        if (FAILED(stream->Read(buffer, wanted, &done)))
+        {
+            break;
+        }
+        content.append(buffer, done);
+    } while (done != 0 && content.size() < most);
+    return content;
+}
+
+class FakeParameters final : public ComObject<FakeParameters, IRequestParameters>
+{
+public:
+    explicit FakeParameters(FakeWebComponents &record) : m_record(record) {}
+
+    STDMETHODIMP Add(LPCWSTR name, VARIANT value) override
+    {
+        const WideText text = value.vt == VT_BSTR ? Text(value.bstrVal) : Text(value.ulVal);
+        if (value.vt != VT_BSTR && value.vt != VT_I4 && value.vt != VT_UI4)
+        {
+            ADD_FAILURE() << "a parameter of type " << value.vt;
+        }
+        const HRESULT result = m_record.Record("Add", {Text(name), text});
+        if (SUCCEEDED(result))
+        {
+            m_list += WideText(m_list.empty() ? TEXT("") : TEXT("&")) + name + TEXT("=") + text;
+        }
+        return result;
+    }
+
+    static WideText List(IRequestParameters *parameters)
+    {
+        auto *fake = dynamic_cast<FakeParameters *>(parameters);
+        return fake ? fake->m_list : Text(LPCWSTR{nullptr});
+    }
+
+private:
+    FakeWebComponents &m_record;
+    WideText m_list;
+};
+
+// Its body is a line "name=value" for each field and each file's bytes as they are.
+class FakeForm final : public ComObject<FakeForm, IMultipartFormData>
+{
+public:
+    explicit FakeForm(FakeWebComponents &record) : m_record(record) {}
+
+    STDMETHODIMP AddNumberField(LPCWSTR name, UINT32 value) override
+    {
+        m_body += Narrow(name) + "=" + std::to_string(value) + "\n";
+        return m_record.Record("AddNumberField", {Text(name), Text(value)});
+    }
+
+    STDMETHODIMP AddTextField(LPCWSTR name, LPCWSTR value) override
+    {
+        m_body += Narrow(name) + "=" + Narrow(value ? value : TEXT("")) + "\n";
+        return m_record.Record("AddTextField", {Text(name), Text(value)});
+    }
+
+    STDMETHODIMP AddFilePart(LPCWSTR name, IStream *content, LPCWSTR mimeType, LPCWSTR fileName,
+                             UINT32 reserved1, UINT32 reserved2) override
+    {
+        const HRESULT result = m_record.Record("AddFilePart", {Text(name), Present(content), Text(mimeType),
+                                                               Text(fileName), Text(reserved1), Text(reserved2)});
+        if (SUCCEEDED(result) && content != nullptr)
+        {
+            m_record.FileParts.push_back(ReadAll(content, SIZE_MAX));
+            m_body += m_record.FileParts.back();
+        }
+        return result;
+    }
+
+    STDMETHODIMP GetBodyLength(UINT32 *length) override
+    {
+        *length = m_record.BodyLength.value_or(static_cast<UINT32>(m_body.size()));
+        return m_record.Record("GetBodyLength");
+    }
+
+    STDMETHODIMP GetContentType(BSTR *contentType) override
+    {
+        *contentType = nullptr;
+        const HRESULT result = m_record.Record("GetContentType");
+        if (SUCCEEDED(result))
+        {
+            *contentType = BstrOwner(TEXT("multipart/form-data; boundary=fake")).Detach();
+        }
+        return result;
+    }
+
+    HRESULT QueryFurther(REFIID iid, void **object)
+    {
+        if (iid != __uuidof(IStream))
+        {
+            return E_NOINTERFACE;
+        }
+        const HRESULT result = m_record.Record("QueryInterface IStream");
+        return FAILED(result) ? result : MemoryStream::CreateInstance(nullptr, iid, object, m_body);
+    }
+
+private:
+    FakeWebComponents &m_record;
+    std::string m_body;
+};
+
+class FakeWebClient final : public ComObject<FakeWebClient, IOAuthWebClient>
+{
+public:
+    explicit FakeWebClient(FakeWebComponents &record) : m_record(record) {}
+
+    STDMETHODIMP SetService(LPCWSTR userAgent, LPCWSTR restEndpoint, LPCWSTR signatureMethod,
+                            LPCWSTR applicationKey, LPCWSTR applicationSecret, LPCWSTR requestTokenUrl,
+                            LPCWSTR authorizeUrl, LPCWSTR accessTokenUrl, LPCWSTR callbackUrl, UINT32 flags) override
+    {
+        return m_record.Record("SetService",
+                               {Text(userAgent), Text(restEndpoint), Text(signatureMethod), Text(applicationKey),
+                                Text(applicationSecret), Text(requestTokenUrl), Text(authorizeUrl),
+                                Text(accessTokenUrl), Text(callbackUrl), Text(flags)});
+    }
+
+    STDMETHODIMP GetAuthorizationUrl(UINT32 flags, IRequestParameters *parameters, BSTR *url) override
+    {
+        *url = nullptr;
+        const HRESULT result =
+            m_record.Record("GetAuthorizationUrl", {Text(flags), FakeParameters::List(parameters)});
+        if (SUCCEEDED(result))
+        {
+            *url = BstrOwner(m_record.AuthorizationUrl).Detach();
+        }
+        return result;
+    }
+
+    STDMETHODIMP GetAccessToken(UINT32 flags, LPCWSTR verifier, BSTR *token, BSTR *tokenSecret) override
+    {
+        *token = nullptr;
+        *tokenSecret = nullptr;
+        const HRESULT result = m_record.Record("GetAccessToken", {Text(flags), Text(verifier)});
+        if (SUCCEEDED(result))
+        {
+            *token = BstrOwner(m_record.AccessToken).Detach();
+            *tokenSecret = BstrOwner(m_record.AccessTokenSecret).Detach();
+        }
+        return result;
+    }
+
+    STDMETHODIMP SetAccessToken(LPCWSTR token, LPCWSTR tokenSecret) override
+    {
+        return m_record.Record("SetAccessToken", {Text(token), Text(tokenSecret)});
+    }
+
+    STDMETHODIMP RestRequest(LPCWSTR resource, LPCWSTR method, IRequestParameters *headers,
+                             IRequestParameters *fields, UINT32 flags, IUnknown **reply) override
+    {
+        *reply = nullptr;
+        const HRESULT result =
+            m_record.Record("RestRequest", {Text(resource), Text(method), FakeParameters::List(headers),
+                                            FakeParameters::List(fields), Text(flags)});
+        return FAILED(result) ? result : m_record.TakeAnswer(reply);
+    }
+
+    STDMETHODIMP UploadRequest(LPCWSTR url, LPCWSTR resource, LPCWSTR method, IRequestParameters *headers,
+                               IRequestParameters *query, IRequestParameters *fields, IStream *body,
+                               UINT32 bodyLength, IUploadProgressCallback *callback, UINT32 flags,
+                               IUnknown **reply) override
+    {
+        *reply = nullptr;
+        HRESULT result = m_record.Record(
+            "UploadRequest", {Text(url), Text(resource), Text(method), FakeParameters::List(headers),
+                              FakeParameters::List(query), FakeParameters::List(fields), Present(body),
+                              Text(bodyLength), Present(callback), Text(flags)});
+        if (FAILED(result))
+        {
+            return result;
+        }
+        m_record.Bodies.push_back(body ? ReadAll(body, bodyLength) : std::string());
+        if (m_record.DuringUpload)
+        {
+            result = m_record.DuringUpload(callback, bodyLength);
+        }
+        else if (callback != nullptr)
+        {
+            result = callback->OnUploadProgress(UPLOAD_BYTES, bodyLength, bodyLength);
+        }
+        return FAILED(result) ? result : m_record.TakeAnswer(reply);
+    }
+
+    STDMETHODIMP GetMimeTypeForFile(LPCWSTR fileName, BSTR *mimeType) override
+    {
+        *mimeType = nullptr;
+        const HRESULT result = m_record.Record("GetMimeTypeForFile", {Text(fileName)});
+        if (SUCCEEDED(result))
+        {
+            *mimeType = BstrOwner(m_record.MimeType).Detach();
+        }
+        return result;
+    }
+
+    STDMETHODIMP Reserved1() override { return Unexpected(); }
+    STDMETHODIMP Reserved2() override { return Unexpected(); }
+    STDMETHODIMP Reserved3() override { return Unexpected(); }
+
+private:
+    static HRESULT Unexpected()
+    {
+        ADD_FAILURE() << "an operation that nobody calls";
+        return E_NOTIMPL;
+    }
+
+    FakeWebComponents &m_record;
+};
+
+template <class Fake>
+class FakeFactory final : public ComObject<FakeFactory<Fake>, IClassFactory>
+{
+public:
+    FakeFactory(FakeWebComponents &record, const char *interfaceName)
+        : m_record(record), m_operation(std::string("Create ") + interfaceName)
+    {
+    }
+
+    STDMETHODIMP CreateInstance(IUnknown *outer, REFIID iid, void **object) override
+    {
+        *object = nullptr;
+        const HRESULT result = m_record.Record(m_operation);
+        return FAILED(result) ? result : Fake::CreateInstance(outer, iid, object, m_record);
+    }
+
+    STDMETHODIMP LockServer(BOOL) override { return S_OK; }
+
+private:
+    FakeWebComponents &m_record;
+    std::string m_operation;
+};
+
+template <class Fake>
+DWORD PutInPlace(FakeWebComponents &record, REFCLSID classId, const char *interfaceName)
+{
+    const auto factory = FakeFactory<Fake>::Make(record, interfaceName);
+    DWORD cookie = 0;
+    const HRESULT result =
+        CoRegisterClassObject(classId, factory.Get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie);
+    EXPECT_EQ(result, S_OK);
+    return cookie;
+}
+} // namespace
+
+FakeWebComponents::FakeWebComponents()
+    : m_classObjects{PutInPlace<FakeWebClient>(*this, CLSID_OAuthWebClient, "IOAuthWebClient"),
+                     PutInPlace<FakeParameters>(*this, CLSID_RequestParameters, "IRequestParameters"),
+                     PutInPlace<FakeForm>(*this, CLSID_MultipartFormData, "IMultipartFormData")}
+{
+}
+
+FakeWebComponents::~FakeWebComponents()
+{
+    for (DWORD cookie : m_classObjects)
+    {
+        CoRevokeClassObject(cookie);
+    }
+}
+
+std::vector<WebCall> FakeWebComponents::Calls() const
+{
+    const std::scoped_lock lock(m_lock);
+    return m_calls;
+}
+
+std::vector<WebCall> FakeWebComponents::CallsOf(std::string_view operation) const
+{
+    std::vector<WebCall> calls = Calls();
+    std::erase_if(calls, [&](const WebCall &call) { return call.Operation != operation; });
+    return calls;
+}
+
+std::vector<std::string> FakeWebComponents::Operations() const
+{
+    std::vector<std::string> operations;
+    for (const WebCall &call : Calls())
+    {
+        operations.push_back(call.Operation);
+    }
+    return operations;
+}
+
+void FakeWebComponents::ForgetCalls()
+{
+    const std::scoped_lock lock(m_lock);
+    m_calls.clear();
+    m_callCount = 0;
+    m_operationCounts.clear();
+}
+
+void FakeWebComponents::FailCall(size_t number, HRESULT code)
+{
+    const std::scoped_lock lock(m_lock);
+    m_failingCalls[m_callCount + number] = code;
+}
+
+void FakeWebComponents::FailOperation(const std::string &operation, HRESULT code, size_t nth)
+{
+    const std::scoped_lock lock(m_lock);
+    m_failingOperations[operation][m_operationCounts[operation] + nth] = code;
+}
+
+void FakeWebComponents::Answer(WideView xml)
+{
+    AnswerWith(S_OK, MakeDocument(xml));
+}
+
+void FakeWebComponents::AnswerWith(HRESULT result, ComPtr<IUnknown> reply)
+{
+    const std::scoped_lock lock(m_lock);
+    m_answers.push_back({result, std::move(reply)});
+}
+
+HRESULT FakeWebComponents::Record(std::string operation, std::vector<WideText> arguments)
+{
+    const std::scoped_lock lock(m_lock);
+    const size_t number = ++m_callCount;
+    const size_t nth = ++m_operationCounts[operation];
+    const auto &failingOperation = m_failingOperations[operation];
+    m_calls.push_back({std::move(operation), std::move(arguments)});
+    if (const auto failing = m_failingCalls.find(number); failing != m_failingCalls.end())
+    {
+        return failing->second;
+    }
+    const auto failing = failingOperation.find(nth);
+    return failing == failingOperation.end() ? S_OK : failing->second;
+}
+
+HRESULT FakeWebComponents::TakeAnswer(IUnknown **reply)
+{
+    const std::scoped_lock lock(m_lock);
+    if (m_answers.empty())
+    {
+        ADD_FAILURE() << "a request for which no answer was prepared";
+        return E_UNEXPECTED;
+    }
+    Prepared answer = std::move(m_answers.front());
+    m_answers.pop_front();
+    *reply = answer.Reply.Detach();
+    return answer.Result;
+}

@@ -1,0 +1,116 @@
+#include "tests/doubles/MemoryStream.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+void MemoryStream::FailCall(size_t number, HRESULT code)
+{
+    m_failing = number;
+    m_failure = code;
+}
+
+HRESULT MemoryStream::Record(std::string call)
+{
+    Calls.push_back(std::move(call));
+    return Calls.size() == m_failing ? m_failure : S_OK;
+}
+
+HRESULT MemoryStream::Read(void *target, ULONG length, ULONG *done)
+{
+    const HRESULT result = Record("Read " + std::to_string(length));
+    size_t count = 0;
+    if (SUCCEEDED(result) && Position < Content.size())
+    {
+        count = std::min<size_t>(length, Content.size() - Position);
+        std::memcpy(target, Content.data() + Position, count);
+        Position += count;
+    }
+    if (done != nullptr)
+    {
+        *done = static_cast<ULONG>(count);
+    }
+    return FAILED(result) ? result : count == length ? S_OK : S_FALSE;
+}
+
+HRESULT MemoryStream::Write(const void *source, ULONG length, ULONG *done)
+{
+    const HRESULT result = Record("Write " + std::to_string(length));
+    const bool written = SUCCEEDED(result);
+    if (written)
+    {
+        Content.resize(std::max(Content.size(), Position + length));
+        Content.replace(Position, length, static_cast<const char *>(source), length);
+        Position += length;
+    }
+    if (done != nullptr)
+    {
+        *done = written ? length : 0;
+    }
+    return result;
+}
+
+HRESULT MemoryStream::Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER *position)
+{
+    const HRESULT result = Record("Seek");
+    if (FAILED(result))
+    {
+        return result;
+    }
+    const size_t bases[] = {0, Position, Content.size()};
+    if (origin > STREAM_SEEK_END || static_cast<INT64>(bases[origin]) + move.QuadPart < 0)
+    {
+        return STG_E_INVALIDFUNCTION;
+    }
+    Position = static_cast<size_t>(static_cast<INT64>(bases[origin]) + move.QuadPart);
+    if (position != nullptr)
+    {
+        position->QuadPart = Position;
+    }
+    return S_OK;
+}
+
+HRESULT MemoryStream::SetSize(ULARGE_INTEGER size)
+{
+    const HRESULT result = Record("SetSize " + std::to_string(size.QuadPart));
+    if (SUCCEEDED(result))
+    {
+        Content.resize(static_cast<size_t>(size.QuadPart));
+    }
+    return result;
+}
+
+HRESULT MemoryStream::Commit(DWORD)
+{
+    return Record("Commit");
+}
+
+HRESULT MemoryStream::Stat(STATSTG *statistics, DWORD)
+{
+    const HRESULT result = Record("Stat");
+    *statistics = {};
+    statistics->type = STGTY_STREAM;
+    statistics->cbSize.QuadPart = Content.size();
+    return result;
+}
+
+HRESULT MemoryStream::CopyTo(IStream *, ULARGE_INTEGER, ULARGE_INTEGER *, ULARGE_INTEGER *)
+{
+    return E_NOTIMPL;
+}
+HRESULT MemoryStream::Revert()
+{
+    return E_NOTIMPL;
+}
+HRESULT MemoryStream::LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD)
+{
+    return E_NOTIMPL;
+}
+HRESULT MemoryStream::UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD)
+{
+    return E_NOTIMPL;
+}
+HRESULT MemoryStream::Clone(IStream **)
+{
+    return E_NOTIMPL;
+}

@@ -1,0 +1,10 @@
+// Replies of the service as the documents that a web client hands out.
+#pragma once
+
+#include "core/ComPtr.h"
+#include "core/WideText.h"
+
+#include "XmlInterfaces.h"
+
+// A document of the system's XML component; a text that is no XML fails the test and gives null.
+ComPtr<IXMLDOMDocument2> MakeDocument(WideView xml);

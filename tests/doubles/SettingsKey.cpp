@@ -1,0 +1,64 @@
+#include "tests/doubles/SettingsKey.h"
+
+#include "core/HandleOwner.h"
+#include "settings/StoredSettings.h"
+#include "tests/doubles/SystemModules.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+RegistryKeyOwner OpenForWriting()
+{
+    RegistryKeyOwner key;
+    const LONG result = RegOpenKeyExW(HKEY_CURRENT_USER, SettingsKeyPath, 0, KEY_WRITE, key.Put());
+    EXPECT_EQ(result, ERROR_SUCCESS);
+    return key;
+}
+} // namespace
+
+SettingsKey::SettingsKey()
+{
+    UsePrivateRegistryStore();
+    RemoveKey();
+    RegistryKeyOwner key;
+    const LONG result = RegCreateKeyExW(HKEY_CURRENT_USER, SettingsKeyPath, 0, nullptr, 0, KEY_WRITE, nullptr,
+                                        key.Put(), nullptr);
+    EXPECT_EQ(result, ERROR_SUCCESS);
+}
+
+SettingsKey::~SettingsKey()
+{
+    RemoveKey();
+}
+
+void SettingsKey::Set(const WCHAR *name, UINT32 value)
+{
+    const auto *bytes = reinterpret_cast<const BYTE *>(&value);
+    SetBytes(name, REG_DWORD, std::vector<BYTE>(bytes, bytes + sizeof(value)));
+}
+
+void SettingsKey::Set(const WCHAR *name, const WCHAR *text)
+{
+    const auto *bytes = reinterpret_cast<const BYTE *>(text);
+    SetBytes(name, REG_SZ, std::vector<BYTE>(bytes, bytes + (WideView(text).size() + 1) * sizeof(WCHAR)));
+}
+
+void SettingsKey::SetBytes(const WCHAR *name, DWORD type, const std::vector<BYTE> &bytes)
+{
+    const RegistryKeyOwner key = OpenForWriting();
+    const LONG result =
+        RegSetValueExW(key.Get(), name, 0, type, bytes.data(), static_cast<DWORD>(bytes.size()));
+    EXPECT_EQ(result, ERROR_SUCCESS);
+}
+
+void SettingsKey::Remove(const WCHAR *name)
+{
+    const RegistryKeyOwner key = OpenForWriting();
+    EXPECT_EQ(RegDeleteValueW(key.Get(), name), ERROR_SUCCESS);
+}
+
+void SettingsKey::RemoveKey()
+{
+    RegDeleteKeyW(HKEY_CURRENT_USER, SettingsKeyPath);
+}

@@ -1,0 +1,25 @@
+// The settings key as a fixture: there and empty from construction on, gone afterwards.
+#pragma once
+
+#include "core/WideText.h"
+
+#include <windows.h>
+
+#include <vector>
+
+class SettingsKey
+{
+public:
+    SettingsKey();
+    ~SettingsKey();
+    SettingsKey(const SettingsKey &) = delete;
+    SettingsKey &operator=(const SettingsKey &) = delete;
+
+    void Set(const WCHAR *name, UINT32 value);
+    void Set(const WCHAR *name, const WCHAR *text);
+    void SetBytes(const WCHAR *name, DWORD type, const std::vector<BYTE> &bytes);
+    void Remove(const WCHAR *name);
+
+    // Removes the key itself.
+    void RemoveKey();
+};

@@ -1,0 +1,40 @@
+#include "tests/doubles/SystemModules.h"
+
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <unistd.h>
+
+namespace
+{
+void RegisterModule(const char *name)
+{
+    const std::filesystem::path file = std::filesystem::path(HALVORA_MODULE_FOLDER) / name;
+    const HMODULE module = LoadLibraryW(file.u16string().c_str());
+    ASSERT_NE(module, nullptr) << file << " can't be loaded, error " << GetLastError();
+    const auto registerServer =
+        reinterpret_cast<HRESULT(STDAPICALLTYPE *)()>(GetProcAddress(module, "DllRegisterServer"));
+    ASSERT_NE(registerServer, nullptr) << file << " has no DllRegisterServer";
+    ASSERT_GE(registerServer(), 0) << file << " can't be registered";
+}
+} // namespace
+
+void RegisterSystemModules()
+{
+    UsePrivateRegistryStore();
+    static const bool done = [] {
+        RegisterModule("msxml.so");
+        return true;
+    }();
+    (void)done;
+}
+
+void UsePrivateRegistryStore()
+{
+    const auto file =
+        std::filesystem::temp_directory_path() / ("halvora-test-" + std::to_string(getpid()) + ".reg");
+    setenv("HALVORA_REGISTRY_FILE", file.c_str(), 0);
+}
