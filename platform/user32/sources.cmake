@@ -1,2 +1,9 @@
 target_sources(platform PRIVATE
-  user32/StringResources.cpp)
+  user32/CaseMapping.cpp
+  user32/CharacterCase.cpp
+  user32/DefaultProcedure.cpp
+  user32/Icons.cpp
+  user32/StringResources.cpp
+  user32/WindowClasses.cpp
+  user32/WindowStore.cpp
+  user32/Windows.cpp)

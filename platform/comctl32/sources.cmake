@@ -1,0 +1,2 @@
+target_sources(platform PRIVATE
+  comctl32/ProgressBar.cpp)

@@ -1,0 +1,68 @@
+// The windows and window classes of the process. Windows natively are never drawn: they are what a
+// host hands the plug-in to send messages to. There is no queue; a message runs the window's
+// procedure on the thread that sends it, so a procedure guards its own data.
+#pragma once
+
+#include "core/WideText.h"
+
+#include <windows.h>
+
+#include <memory>
+#include <mutex>
+#include <vector>
+
+struct WindowClass
+{
+    ATOM atom = 0;
+    WideText name;
+    WNDPROC procedure = nullptr;
+    int extraBytes = 0;
+    HINSTANCE module = nullptr;
+};
+
+struct Window
+{
+    HWND handle = nullptr;
+    std::shared_ptr<const WindowClass> windowClass;
+    WNDPROC procedure = nullptr;
+    WideText text;
+    LONG_PTR userData = 0;
+    LONG_PTR style = 0;
+    LONG_PTR extendedStyle = 0;
+    LONG_PTR id = 0;
+    HINSTANCE module = nullptr;
+    HWND parent = nullptr;
+    // The words of the class, by byte offset.
+    std::vector<BYTE> extra;
+};
+
+class WindowStore
+{
+public:
+    static WindowStore &Instance();
+
+    // What is read or written of a window or class is read or written under this lock, which is
+    // never held while a procedure runs.
+    std::mutex &Lock() { return m_lock; }
+
+    // The rest under the lock. Names are compared without regard to case; an atom may stand for one.
+    std::shared_ptr<const WindowClass> FindClass(const WCHAR *nameOrAtom) const;
+    ATOM AddClass(WindowClass added);
+    void RemoveClass(ATOM atom);
+    bool HasWindows(const WindowClass &windowClass) const;
+
+    Window &AddWindow(const std::shared_ptr<const WindowClass> &windowClass);
+    // Null, with the last error set, if there is no such window.
+    Window *FindWindow(HWND handle);
+    void RemoveWindow(HWND handle);
+    std::vector<HWND> ChildrenOf(HWND parent) const;
+
+private:
+    WindowStore();
+
+    std::mutex m_lock;
+    std::vector<std::shared_ptr<const WindowClass>> m_classes;
+    std::vector<std::unique_ptr<Window>> m_windows;
+    ATOM m_lastAtom = 0xC000;
+    ULONG_PTR m_lastHandle = 0x10000;
+};
