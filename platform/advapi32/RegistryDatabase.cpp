@@ -1,0 +1,215 @@
+#include "platform/advapi32/RegistryDatabase.h"
+
+#include "platform/advapi32/RegistryText.h"
+
+#include <cstdlib>
+#include <utility>
+
+namespace
+{
+std::string DefaultPath()
+{
+    if (const char *file = std::getenv("HALVORA_REGISTRY_FILE"); file && *file)
+    {
+        return file;
+    }
+    const char *data = std::getenv("XDG_DATA_HOME");
+    const char *home = std::getenv("HOME");
+    // The base directory specification: a relative path counts as none.
+    const std::string folder = data && *data == '/' ? data : std::string(home ? home : "") + "/.local/share";
+    return folder + "/halvora/registry.reg";
+}
+} // namespace
+
+RegistryDatabase &RegistryDatabase::Instance()
+{
+    // Never destroyed: objects that die at exit may still close keys.
+    static auto *instance = new RegistryDatabase;
+    return *instance;
+}
+
+void RegistryDatabase::Load()
+{
+    std::string bytes;
+    m_tree = RegistryTree();
+    m_loaded = true;
+    m_blocked = false;
+    if (ReadWholeFile(m_path, bytes, m_stamp) != ERROR_SUCCESS)
+    {
+        m_blocked = true;
+        m_problem = RegistryProblem{m_path, {}};
+        return;
+    }
+    if (auto parsed = ParseRegistryText(bytes))
+    {
+        m_tree = std::move(*parsed);
+        return;
+    }
+    if (!SetAside())
+    {
+        m_blocked = true;
+        m_problem = RegistryProblem{m_path, {}};
+    }
+}
+
+// The file may have been put right between the look at it and the lock, so it is looked at again.
+bool RegistryDatabase::SetAside()
+{
+    const bool heldBefore = m_fileLock.IsHeld();
+    if (m_fileLock.Acquire(m_path) != ERROR_SUCCESS)
+    {
+        return false;
+    }
+    std::string bytes;
+    std::string keptAs;
+    bool done = ReadWholeFile(m_path, bytes, m_stamp) == ERROR_SUCCESS;
+    if (auto parsed = done ? ParseRegistryText(bytes) : std::nullopt)
+    {
+        m_tree = std::move(*parsed);
+    }
+    else if (done && (done = SetFileAside(m_path, keptAs) == ERROR_SUCCESS))
+    {
+        m_stamp = {};
+        m_problem = RegistryProblem{m_path, keptAs};
+    }
+    if (!heldBefore)
+    {
+        m_fileLock.Release();
+    }
+    return done;
+}
+
+void RegistryDatabase::Refresh()
+{
+    if (m_path.empty())
+    {
+        m_path = DefaultPath();
+    }
+    // Within a batch the file can't change but by us.
+    if (!m_loaded || (!(m_batches != 0 && m_fileLock.IsHeld()) && !(StampOf(m_path) == m_stamp)))
+    {
+        Load();
+    }
+}
+
+LSTATUS RegistryDatabase::Read(const std::function<LSTATUS(const RegistryTree &)> &look)
+{
+    const std::lock_guard guard(m_lock);
+    Refresh();
+    return look(m_tree);
+}
+
+LSTATUS RegistryDatabase::Write(const std::function<LSTATUS(RegistryTree &)> &change)
+{
+    const std::lock_guard guard(m_lock);
+    Refresh();
+    LSTATUS result = m_blocked ? ERROR_ACCESS_DENIED : m_fileLock.Acquire(m_path);
+    if (result == ERROR_PATH_NOT_FOUND)
+    {
+        result = ERROR_ACCESS_DENIED; // a folder that can't be made
+    }
+    if (result == ERROR_SUCCESS)
+    {
+        Refresh();
+        result = m_blocked ? ERROR_ACCESS_DENIED : change(m_tree);
+        if (result == ERROR_SUCCESS && m_batches != 0)
+        {
+            m_changedInBatch = true;
+        }
+        else if (result == ERROR_SUCCESS)
+        {
+            result = Save();
+        }
+    }
+    if (m_batches == 0)
+    {
+        m_fileLock.Release();
+    }
+    return result;
+}
+
+LSTATUS RegistryDatabase::Save()
+{
+    const LSTATUS result = ReplaceFile(m_path, FormatRegistryText(m_tree), m_stamp);
+    m_loaded = result == ERROR_SUCCESS;
+    return result;
+}
+
+void RegistryDatabase::BeginBatch()
+{
+    const std::lock_guard guard(m_lock);
+    ++m_batches;
+}
+
+LSTATUS RegistryDatabase::EndBatch()
+{
+    const std::lock_guard guard(m_lock);
+    if (--m_batches != 0)
+    {
+        return ERROR_SUCCESS;
+    }
+    const LSTATUS result = m_changedInBatch ? Save() : ERROR_SUCCESS;
+    m_changedInBatch = false;
+    m_fileLock.Release();
+    return result;
+}
+
+void RegistryDatabase::SetPath(const std::string &path)
+{
+    const std::lock_guard guard(m_lock);
+    m_path = path;
+    m_loaded = false;
+    m_problem.reset();
+}
+
+std::string RegistryDatabase::Path()
+{
+    const std::lock_guard guard(m_lock);
+    return m_path.empty() ? DefaultPath() : m_path;
+}
+
+std::optional<RegistryProblem> RegistryDatabase::TakeProblem()
+{
+    const std::lock_guard guard(m_lock);
+    Refresh();
+    return std::exchange(m_problem, std::nullopt);
+}
+
+FILETIME RegistryDatabase::LastChange()
+{
+    const std::lock_guard guard(m_lock);
+    // Units of 100 ns since 1601.
+    const ULONGLONG time =
+        m_stamp.exists ? (m_stamp.modified.tv_sec + 11644473600ULL) * 10000000 + m_stamp.modified.tv_nsec / 100 : 0;
+    return {static_cast<DWORD>(time), static_cast<DWORD>(time >> 32)};
+}
+
+void SetRegistryStorePath(const std::string &path)
+{
+    RegistryDatabase::Instance().SetPath(path);
+}
+
+std::string RegistryStorePath()
+{
+    return RegistryDatabase::Instance().Path();
+}
+
+std::optional<RegistryProblem> RegistryStoreProblem()
+{
+    return RegistryDatabase::Instance().TakeProblem();
+}
+
+RegistryStoreBatch::RegistryStoreBatch() : m_open(true)
+{
+    RegistryDatabase::Instance().BeginBatch();
+}
+
+RegistryStoreBatch::~RegistryStoreBatch()
+{
+    Commit();
+}
+
+LSTATUS RegistryStoreBatch::Commit()
+{
+    return std::exchange(m_open, false) ? RegistryDatabase::Instance().EndBatch() : ERROR_SUCCESS;
+}

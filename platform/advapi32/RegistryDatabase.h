@@ -1,0 +1,51 @@
+// The one registry of the process: the tree, kept in step with its file.
+#pragma once
+
+#include "platform/advapi32/RegistryFile.h"
+#include "platform/advapi32/RegistryStore.h"
+#include "platform/advapi32/RegistryTree.h"
+
+#include <functional>
+#include <mutex>
+
+class RegistryDatabase
+{
+public:
+    static RegistryDatabase &Instance();
+
+    // Looks at the tree as it is now. The look must not call the registry again.
+    LSTATUS Read(const std::function<LSTATUS(const RegistryTree &)> &look);
+
+    // Lets change alter the tree, under the lock between processes, and writes the file if the
+    // result is ERROR_SUCCESS. If that fails the tree is again what the file says.
+    LSTATUS Write(const std::function<LSTATUS(RegistryTree &)> &change);
+
+    void SetPath(const std::string &path);
+    std::string Path();
+    std::optional<RegistryProblem> TakeProblem();
+
+    // Time of the file's last change.
+    FILETIME LastChange();
+
+    void BeginBatch();
+    LSTATUS EndBatch();
+
+private:
+    RegistryDatabase() = default;
+
+    void Refresh();
+    void Load();
+    bool SetAside();
+    LSTATUS Save();
+
+    std::mutex m_lock;
+    std::string m_path;
+    RegistryTree m_tree;
+    FileStamp m_stamp;
+    bool m_loaded = false;
+    bool m_blocked = false; // the file couldn't be read and mustn't be replaced
+    FileLock m_fileLock;
+    int m_batches = 0;
+    bool m_changedInBatch = false;
+    std::optional<RegistryProblem> m_problem;
+};

@@ -1,0 +1,47 @@
+// The registry's store: one text file in the form of "Windows Registry Editor Version 5.00", UTF-8
+// or UTF-16 with a byte order mark, that all processes of a user share.
+//
+// Each change replaces the file as a whole, or leaves the old one as it was; changes by another
+// process are seen with the next call. What the store doesn't understand stays in the file. A file
+// that is no such text is moved aside as NAME.damaged-N before anything is written.
+// All functions may be called from any thread.
+#pragma once
+
+#include <windows.h>
+
+#include <optional>
+#include <string>
+
+// Names the file. Without it the store is what the environment variable HALVORA_REGISTRY_FILE
+// names, or else halvora/registry.reg in $XDG_DATA_HOME (~/.local/share). Open keys stay valid and
+// refer to the new file.
+void SetRegistryStorePath(const std::string &path);
+std::string RegistryStorePath();
+
+struct RegistryProblem
+{
+    std::string file;   // the store's path
+    std::string keptAs; // where the damaged file is now; empty: it could not be read or moved, the
+                        // store reads as empty, and every change fails with ERROR_ACCESS_DENIED
+};
+
+// What was found wrong with the store's file; each trouble is told once.
+std::optional<RegistryProblem> RegistryStoreProblem();
+
+// Gathers all changes of its lifetime, by whatever thread, in one replacement of the file. Other
+// processes wait with their changes meanwhile.
+class RegistryStoreBatch
+{
+public:
+    RegistryStoreBatch();
+    ~RegistryStoreBatch();
+    RegistryStoreBatch(const RegistryStoreBatch &) = delete;
+    RegistryStoreBatch &operator=(const RegistryStoreBatch &) = delete;
+
+    // Writes what has changed: ERROR_SUCCESS, ERROR_ACCESS_DENIED, ERROR_DISK_FULL,
+    // ERROR_WRITE_FAULT. After a failure the changes are gone.
+    LSTATUS Commit();
+
+private:
+    bool m_open;
+};

@@ -1,0 +1,237 @@
+#include "core/HandleOwner.h"
+#include "core/WideText.h"
+
+#include <gmock/gmock.h>
+
+#include <vector>
+
+namespace
+{
+const WCHAR *const testKey = TEXT("Software\\HalvoraPlatformTest");
+
+template <class T>
+const BYTE *Bytes(const T &value)
+{
+    return reinterpret_cast<const BYTE *>(&value);
+}
+
+class RegistryTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        RegDeleteTreeW(HKEY_CURRENT_USER, testKey);
+        DWORD disposition = 0;
+        ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_CURRENT_USER, testKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
+                                                 m_key.Put(), &disposition));
+        ASSERT_EQ(DWORD(REG_CREATED_NEW_KEY), disposition);
+    }
+
+    void TearDown() override
+    {
+        m_key.Reset();
+        RegDeleteTreeW(HKEY_CURRENT_USER, testKey);
+    }
+
+    RegistryKeyOwner Open(const WCHAR *subkey, REGSAM access = KEY_READ) const
+    {
+        RegistryKeyOwner key;
+        RegOpenKeyExW(m_key.Get(), subkey, 0, access, key.Put());
+        return key;
+    }
+
+    RegistryKeyOwner Create(const WCHAR *subkey) const
+    {
+        RegistryKeyOwner key;
+        EXPECT_EQ(ERROR_SUCCESS, RegCreateKeyExW(m_key.Get(), subkey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
+                                                 key.Put(), nullptr));
+        return key;
+    }
+
+    LSTATUS SetText(const WCHAR *name, const WideText &text, DWORD type = REG_SZ) const
+    {
+        return RegSetValueExW(m_key.Get(), name, 0, type, reinterpret_cast<const BYTE *>(text.c_str()),
+                              static_cast<DWORD>((text.size() + 1) * sizeof(WCHAR)));
+    }
+
+    RegistryKeyOwner m_key;
+};
+
+TEST_F(RegistryTest, KeepsEveryTypeOfValueAsItWasWritten)
+{
+    const struct
+    {
+        const WCHAR *name;
+        DWORD type;
+        std::vector<BYTE> data;
+    } cases[] = {
+        {TEXT(""), REG_SZ, {'d', 0, 0, 0}},
+        {TEXT("Number"), REG_DWORD, {1, 2, 3, 0x84}},
+        {TEXT("Short number"), REG_DWORD, {1, 2}},
+        {TEXT("Bytes"), REG_BINARY, std::vector<BYTE>(100, 0xA5)},
+        {TEXT("Nothing"), REG_BINARY, {}},
+        {TEXT("Unclosed text"), REG_SZ, {'x', 0}},
+        {TEXT("Odd text"), REG_SZ, {'x', 0, 0}},
+        {TEXT("Text with zero"), REG_SZ, {'x', 0, 0, 0, 'y', 0, 0, 0}},
+        {TEXT("Two lines"), REG_SZ, {'x', 0, '\n', 0, 'y', 0, 0, 0}},
+        {TEXT("Half a pair"), REG_SZ, {0x00, 0xD8, 0, 0}},
+        {TEXT("Expandable"), REG_EXPAND_SZ, {'%', 0, 'A', 0, '%', 0, 0, 0}},
+        {TEXT("Texts"), REG_MULTI_SZ, {'a', 0, 0, 0, 'b', 0, 0, 0, 0, 0}},
+        {TEXT("Foreign type"), 0x1234, {9, 8, 7}},
+        {TEXT("Quote \" = [backslash \\]"), REG_SZ, {'\\', 0, '"', 0, 0xE9, 0, 0x3D, 0xD8, 0x00, 0xDE, 0, 0}},
+    };
+    for (const auto &c : cases)
+    {
+        ASSERT_EQ(ERROR_SUCCESS, RegSetValueExW(m_key.Get(), c.name, 0, c.type, c.data.empty() ? nullptr : c.data.data(),
+                                                static_cast<DWORD>(c.data.size())));
+    }
+    for (const auto &c : cases)
+    {
+        std::vector<BYTE> data(200);
+        DWORD type = 0;
+        DWORD size = static_cast<DWORD>(data.size());
+        ASSERT_EQ(ERROR_SUCCESS, RegQueryValueExW(m_key.Get(), c.name, nullptr, &type, data.data(), &size));
+        data.resize(size);
+        EXPECT_EQ(c.type, type);
+        EXPECT_EQ(c.data, data);
+    }
+}
+
+TEST_F(RegistryTest, TellsTheSizeThatAValueNeeds)
+{
+    ASSERT_EQ(ERROR_SUCCESS, SetText(TEXT("Text"), TEXT("1234567")));
+    BYTE buffer[16] = {};
+    DWORD type = 0;
+    DWORD size = 0;
+    EXPECT_EQ(ERROR_SUCCESS, RegQueryValueExW(m_key.Get(), TEXT("Text"), nullptr, &type, nullptr, &size));
+    EXPECT_EQ(16u, size);
+    EXPECT_EQ(DWORD(REG_SZ), type);
+    size = 15;
+    EXPECT_EQ(ERROR_MORE_DATA, RegQueryValueExW(m_key.Get(), TEXT("Text"), nullptr, nullptr, buffer, &size));
+    EXPECT_EQ(16u, size);
+    EXPECT_EQ(ERROR_SUCCESS, RegQueryValueExW(m_key.Get(), TEXT("TEXT"), nullptr, nullptr, buffer, &size));
+    EXPECT_EQ(ERROR_INVALID_PARAMETER,
+              RegQueryValueExW(m_key.Get(), TEXT("Text"), nullptr, nullptr, buffer, nullptr));
+    EXPECT_EQ(ERROR_FILE_NOT_FOUND, RegQueryValueExW(m_key.Get(), TEXT("None"), nullptr, &type, buffer, &size));
+}
+
+TEST_F(RegistryTest, NamesAreFoundInAnyCaseAndKeptAsWritten)
+{
+    Create(TEXT("Größe\\Below"));
+    EXPECT_TRUE(Open(TEXT("gRÖßE\\BELOW")));
+    EXPECT_FALSE(Open(TEXT("Größe\\Other")));
+    ASSERT_EQ(ERROR_SUCCESS, SetText(TEXT("Été"), TEXT("a")));
+    ASSERT_EQ(ERROR_SUCCESS, SetText(TEXT("éTÉ"), TEXT("b")));
+    WCHAR name[16];
+    DWORD length = 16;
+    ASSERT_EQ(ERROR_SUCCESS, RegEnumValueW(m_key.Get(), 0, name, &length, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_TRUE(WideText(name) == TEXT("Été"));
+    length = 16;
+    EXPECT_EQ(ERROR_NO_MORE_ITEMS,
+              RegEnumValueW(m_key.Get(), 1, name, &length, nullptr, nullptr, nullptr, nullptr));
+}
+
+TEST_F(RegistryTest, ListsKeysAndTellsHowManyThereAre)
+{
+    Create(TEXT("b"));
+    Create(TEXT("A\\deep"));
+    Create(TEXT("Longest"));
+    std::vector<WideText> names;
+    WCHAR name[8];
+    for (DWORD index = 0;; ++index)
+    {
+        DWORD length = 8;
+        const LSTATUS result =
+            RegEnumKeyExW(m_key.Get(), index, name, &length, nullptr, nullptr, nullptr, nullptr);
+        if (result != ERROR_SUCCESS)
+        {
+            EXPECT_EQ(ERROR_NO_MORE_ITEMS, result);
+            break;
+        }
+        EXPECT_EQ(WideText(name).size(), length);
+        names.emplace_back(name);
+    }
+    EXPECT_THAT(names, testing::ElementsAre(TEXT("A"), TEXT("b"), TEXT("Longest")));
+    DWORD tooShort = 7;
+    EXPECT_EQ(ERROR_MORE_DATA, RegEnumKeyExW(m_key.Get(), 2, name, &tooShort, nullptr, nullptr, nullptr, nullptr));
+
+    ASSERT_EQ(ERROR_SUCCESS, SetText(TEXT("Value"), TEXT("abc")));
+    DWORD keys = 0, longestKey = 0, values = 0, longestName = 0, longestData = 0;
+    ASSERT_EQ(ERROR_SUCCESS, RegQueryInfoKeyW(m_key.Get(), nullptr, nullptr, nullptr, &keys, &longestKey, nullptr,
+                                              &values, &longestName, &longestData, nullptr, nullptr));
+    EXPECT_THAT((std::vector<DWORD>{keys, longestKey, values, longestName, longestData}),
+                testing::ElementsAre(3, 7, 1, 5, 8));
+}
+
+TEST_F(RegistryTest, AccessIsWhatTheKeyWasOpenedWith)
+{
+    const DWORD number = 1;
+    const RegistryKeyOwner reader = Open(nullptr, KEY_READ);
+    EXPECT_EQ(ERROR_ACCESS_DENIED, RegSetValueExW(reader.Get(), TEXT("n"), 0, REG_DWORD, Bytes(number), 4));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, RegDeleteValueW(reader.Get(), TEXT("n")));
+    const RegistryKeyOwner writer = Open(nullptr, 0x20006);
+    EXPECT_EQ(ERROR_SUCCESS, RegSetValueExW(writer.Get(), TEXT("n"), 0, REG_DWORD, Bytes(number), 4));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, RegQueryValueExW(writer.Get(), TEXT("n"), nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, RegSetValueExW(reader.Get(), TEXT("n"), 0, REG_DWORD, Bytes(number), 4));
+}
+
+TEST_F(RegistryTest, DeletesAKeyOnlyWhenNothingIsBelow)
+{
+    Create(TEXT("a\\b\\c"));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, RegDeleteKeyW(m_key.Get(), TEXT("a")));
+    EXPECT_EQ(ERROR_SUCCESS, RegDeleteKeyW(m_key.Get(), TEXT("a\\b\\c")));
+    EXPECT_TRUE(Open(TEXT("a\\b")));
+    EXPECT_EQ(ERROR_FILE_NOT_FOUND, RegDeleteKeyW(m_key.Get(), TEXT("a\\b\\c")));
+    const RegistryKeyOwner inside = Create(TEXT("a\\b\\d"));
+    EXPECT_EQ(ERROR_SUCCESS, RegDeleteTreeW(m_key.Get(), TEXT("a")));
+    EXPECT_FALSE(Open(TEXT("a")));
+    EXPECT_EQ(ERROR_KEY_DELETED, RegQueryValueExW(inside.Get(), nullptr, nullptr, nullptr, nullptr, nullptr));
+    Create(TEXT("e"));
+    ASSERT_EQ(ERROR_SUCCESS, SetText(TEXT("v"), TEXT("x")));
+    EXPECT_EQ(ERROR_SUCCESS, RegDeleteTreeW(m_key.Get(), nullptr));
+    EXPECT_TRUE(Open(nullptr));
+    EXPECT_FALSE(Open(TEXT("e")));
+    EXPECT_EQ(ERROR_FILE_NOT_FOUND, RegDeleteValueW(m_key.Get(), TEXT("v")));
+}
+
+TEST_F(RegistryTest, ClassesOfTheUserStandAheadOfTheMachines)
+{
+    const WCHAR *const user = TEXT("Software\\Classes\\HalvoraPlatformTest");
+    const auto set = [](HKEY root, const WCHAR *path, const WideText &text) {
+        RegistryKeyOwner key;
+        ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(root, path, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, key.Put(), nullptr));
+        RegSetValueExW(key.Get(), nullptr, 0, REG_SZ, reinterpret_cast<const BYTE *>(text.c_str()),
+                       static_cast<DWORD>((text.size() + 1) * sizeof(WCHAR)));
+    };
+    const auto read = [] {
+        RegistryKeyOwner key;
+        WCHAR text[16] = {};
+        DWORD size = sizeof(text);
+        RegOpenKeyExW(HKEY_CLASSES_ROOT, TEXT("HalvoraPlatformTest"), 0, KEY_READ, key.Put());
+        RegQueryValueExW(key.Get(), nullptr, nullptr, nullptr, reinterpret_cast<BYTE *>(text), &size);
+        return WideText(text);
+    };
+    set(HKEY_CLASSES_ROOT, TEXT("HalvoraPlatformTest"), TEXT("machine"));
+    RegistryKeyOwner machine;
+    EXPECT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_LOCAL_MACHINE, user, 0, KEY_READ, machine.Put()));
+    EXPECT_TRUE(read() == TEXT("machine"));
+    set(HKEY_CURRENT_USER, user, TEXT("user"));
+    EXPECT_TRUE(read() == TEXT("user"));
+    EXPECT_EQ(ERROR_SUCCESS, RegDeleteTreeW(HKEY_CURRENT_USER, user));
+    EXPECT_TRUE(read() == TEXT("machine"));
+    EXPECT_EQ(ERROR_SUCCESS, RegDeleteTreeW(HKEY_LOCAL_MACHINE, user));
+    EXPECT_TRUE(read().empty());
+}
+
+TEST_F(RegistryTest, RefusesWhatIsNoKey)
+{
+    RegistryKeyOwner key;
+    EXPECT_EQ(ERROR_INVALID_HANDLE,
+              RegOpenKeyExW(reinterpret_cast<HKEY>(ULONG_PTR{0x7ffffff4}), nullptr, 0, KEY_READ, key.Put()));
+    EXPECT_EQ(ERROR_FILE_NOT_FOUND, RegOpenKeyExW(m_key.Get(), TEXT("none"), 0, KEY_READ, key.Put()));
+    EXPECT_FALSE(key);
+    HKEY closed = Open(nullptr).Detach();
+    EXPECT_EQ(ERROR_SUCCESS, RegCloseKey(closed));
+    EXPECT_EQ(ERROR_INVALID_HANDLE, RegCloseKey(closed));
+}
+} // namespace
