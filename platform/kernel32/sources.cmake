@@ -1,4 +1,6 @@
 target_sources(platform PRIVATE
+  kernel32/PathText.cpp
+  kernel32/FormatMessage.cpp
   kernel32/LastError.cpp
   kernel32/LoadedModules.cpp
   kernel32/LocaleConventions.cpp
@@ -8,5 +10,6 @@ target_sources(platform PRIVATE
   kernel32/NumberFormat.cpp
   kernel32/ResourceSection.cpp
   kernel32/Resources.cpp
+  kernel32/SystemMessages.cpp
   kernel32/Time.cpp
   kernel32/Utf8.cpp)
