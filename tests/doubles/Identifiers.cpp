@@ -1,6 +1,9 @@
-// Definitions of the identifiers that the test program names.
+// The identifiers that test programs refer to by name, defined once for each program.
 #include <initguid.h>
 
+#include "HVRPublishToFlickr.h"
 #include "HostContract.h"
 #include "WebComponents.h"
 #include "XmlInterfaces.h"
+
+#include <wincodec.h>
