@@ -1,6 +1,10 @@
 target_sources(platform PRIVATE
+  kernel32/PathText.cpp
   ole32/Apartment.cpp
   ole32/ClassObjects.cpp
+  ole32/FileStream.cpp
+  ole32/FreeThreadedMarshaler.cpp
   ole32/Guids.cpp
   ole32/Identifiers.cpp
+  ole32/MemoryStream.cpp
   ole32/TaskMemory.cpp)
