@@ -2,13 +2,13 @@
 
 #include "core/BstrOwner.h"
 #include "core/ComObject.h"
+#include "tests/doubles/CallRecord.h"
 #include "tests/doubles/MemoryStream.h"
 #include "tests/doubles/ReplyDocuments.h"
 
-#include <objbase.h>
-
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace
@@ -27,12 +27,6 @@ WideText Text(UINT32 number)
 WideText Present(IUnknown *object)
 {
     return object ? TEXT("(object)") : TEXT("(null)");
-}
-
-std::string Narrow(LPCWSTR text)
-{
-    const WideView view(text);
-    return std::string(view.begin(), view.end());
 }
 
 std::string ReadAll(IStream *stream, size_t most)
@@ -253,53 +247,20 @@ private:
 };
 
 template <class Fake>
-class FakeFactory final : public ComObject<FakeFactory<Fake>, IClassFactory>
+ClassInPlace::Create Creating(FakeWebComponents &record, const char *operation)
 {
-public:
-    FakeFactory(FakeWebComponents &record, const char *interfaceName)
-        : m_record(record), m_operation(std::string("Create ") + interfaceName)
-    {
-    }
-
-    STDMETHODIMP CreateInstance(IUnknown *outer, REFIID iid, void **object) override
-    {
-        *object = nullptr;
-        const HRESULT result = m_record.Record(m_operation);
-        return FAILED(result) ? result : Fake::CreateInstance(outer, iid, object, m_record);
-    }
-
-    STDMETHODIMP LockServer(BOOL) override { return S_OK; }
-
-private:
-    FakeWebComponents &m_record;
-    std::string m_operation;
-};
-
-template <class Fake>
-DWORD PutInPlace(FakeWebComponents &record, REFCLSID classId, const char *interfaceName)
-{
-    const auto factory = FakeFactory<Fake>::Make(record, interfaceName);
-    DWORD cookie = 0;
-    const HRESULT result =
-        CoRegisterClassObject(classId, factory.Get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie);
-    EXPECT_EQ(result, S_OK);
-    return cookie;
+    return [&record, operation](REFIID iid, void **object) {
+        const HRESULT result = record.Record(operation);
+        return FAILED(result) ? result : Fake::CreateInstance(nullptr, iid, object, record);
+    };
 }
 } // namespace
 
 FakeWebComponents::FakeWebComponents()
-    : m_classObjects{PutInPlace<FakeWebClient>(*this, CLSID_OAuthWebClient, "IOAuthWebClient"),
-                     PutInPlace<FakeParameters>(*this, CLSID_RequestParameters, "IRequestParameters"),
-                     PutInPlace<FakeForm>(*this, CLSID_MultipartFormData, "IMultipartFormData")}
+    : m_webClient(CLSID_OAuthWebClient, Creating<FakeWebClient>(*this, "Create IOAuthWebClient")),
+      m_parameters(CLSID_RequestParameters, Creating<FakeParameters>(*this, "Create IRequestParameters")),
+      m_form(CLSID_MultipartFormData, Creating<FakeForm>(*this, "Create IMultipartFormData"))
 {
-}
-
-FakeWebComponents::~FakeWebComponents()
-{
-    for (DWORD cookie : m_classObjects)
-    {
-        CoRevokeClassObject(cookie);
-    }
 }
 
 std::vector<WebCall> FakeWebComponents::Calls() const

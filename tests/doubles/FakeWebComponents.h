@@ -5,6 +5,7 @@
 
 #include "core/ComPtr.h"
 #include "core/WideText.h"
+#include "tests/doubles/ClassInPlace.h"
 
 #include "WebComponents.h"
 
@@ -29,7 +30,6 @@ class FakeWebComponents
 {
 public:
     FakeWebComponents();
-    ~FakeWebComponents();
     FakeWebComponents(const FakeWebComponents &) = delete;
     FakeWebComponents &operator=(const FakeWebComponents &) = delete;
 
@@ -85,5 +85,7 @@ private:
     std::map<std::string, size_t> m_operationCounts;
     size_t m_callCount = 0;
     std::deque<Prepared> m_answers;
-    std::vector<DWORD> m_classObjects;
+    ClassInPlace m_webClient;
+    ClassInPlace m_parameters;
+    ClassInPlace m_form;
 };
