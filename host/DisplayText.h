@@ -1,0 +1,21 @@
+// Text as a terminal shows it: what takes how many columns, and what must not reach it.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+// Columns that UTF-8 text takes: combining marks none, East Asian wide characters and emoji two.
+size_t DisplayWidth(std::string_view utf8);
+
+// The longest beginning of the text that fits in columns, closed with "..." (a "…" if unicode) where
+// something was cut. Never wider than columns, and never cut inside a character.
+std::string CutToWidth(std::string_view utf8, size_t columns, bool unicode);
+
+// The text in one line and without power over the terminal: line breaks and tabs become blanks, other
+// control characters show in caret notation, and direction overrides and bytes that are no UTF-8 as
+// U+FFFD.
+std::string OneSafeLine(std::string_view utf8);
+
+// The text in ASCII, everything else as "?".
+std::string AsciiOnly(std::string_view utf8);

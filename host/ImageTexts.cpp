@@ -1,0 +1,72 @@
+#include "host/ImageTexts.h"
+
+#include "core/BstrOwner.h"
+
+#include <algorithm>
+
+namespace
+{
+WideView Trimmed(WideView text)
+{
+    constexpr WideView blanks = TEXT(" \t\r\n");
+    const auto first = text.find_first_not_of(blanks);
+    return first == text.npos ? WideView() : text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+void PutText(BSTR &field, WideView text)
+{
+    if (!text.empty())
+    {
+        BstrOwner owned(text);
+        BstrOwner::Adopt(field).Reset();
+        field = owned.Detach();
+    }
+}
+} // namespace
+
+WideText JoinKeywords(const std::vector<WideText> &keywords)
+{
+    WideText joined;
+    for (const WideText &keyword : keywords)
+    {
+        const WideView word = Trimmed(keyword);
+        if (word.empty())
+        {
+            continue;
+        }
+        if (!joined.empty())
+        {
+            joined += TEXT(';');
+        }
+        const size_t start = joined.size();
+        joined += word;
+        std::replace(joined.begin() + static_cast<ptrdiff_t>(start), joined.end(), TEXT(';'), TEXT(','));
+    }
+    return joined;
+}
+
+std::vector<WideText> SplitKeywords(WideView list)
+{
+    std::vector<WideText> words;
+    while (!list.empty())
+    {
+        const size_t end = std::min(list.find(TEXT(';')), list.size());
+        if (const WideView word = Trimmed(list.substr(0, end)); !word.empty())
+        {
+            words.emplace_back(word);
+        }
+        list.remove_prefix(std::min(end + 1, list.size()));
+    }
+    return words;
+}
+
+void FillTexts(ItemRecord &record, const ImageTexts &texts)
+{
+    PutText(record.Iptc.Texts[IPTC_TEXT_CAPTION], texts.title);
+    PutText(record.Iptc.Texts[IPTC_TEXT_DESCRIPTION], texts.description);
+    PutText(record.Iptc.Texts[IPTC_TEXT_KEYWORDS], JoinKeywords(texts.keywords));
+    PutText(record.ExifComment, texts.comment);
+    PutText(record.CopyrightTexts[0], texts.artist);
+    PutText(record.CopyrightTexts[1], texts.copyright);
+    PutText(record.CopyrightTexts[2], texts.credit);
+}

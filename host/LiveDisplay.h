@@ -1,0 +1,62 @@
+// What a run shows: log lines that scroll, and below them, on a terminal, one progress line that is
+// redrawn in place. Lines and progress may come from any thread.
+#pragma once
+
+#include "host/ProgressLine.h"
+
+#include <chrono>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <string_view>
+
+struct DisplayOptions
+{
+    bool live = false;      // a progress line is drawn; needs a terminal
+    bool unicode = false;
+    bool colour = false;
+    int lowestLevel = 1;    // log lines below this level are left out
+};
+
+class LiveDisplay
+{
+public:
+    using Clock = std::chrono::steady_clock;
+    using Sink = std::function<void(std::string_view)>;
+
+    // The sink gets whole drawings, each in one call, and is never called by two threads at once.
+    LiveDisplay(const DisplayOptions &options, Sink sink);
+
+    // One line, levels as in WriteLogEntry: plain from level 1, else with the level's word in front.
+    void Log(int level, std::string_view text);
+
+    // Text that is no log entry, such as a summary: always shown, line by line.
+    void Print(std::string_view lines);
+
+    // Takes over the progress; it is drawn at once if the last drawing is long enough ago.
+    void ShowProgress(const ProgressView &view, Clock::time_point now);
+
+    // Draws progress that came too early to be drawn. To be called now and then.
+    void Refresh(Clock::time_point now);
+
+    // The terminal's width changed; draws again.
+    void Resize(size_t columns);
+
+    // Takes the progress line away for good.
+    void EndProgress();
+
+private:
+    std::string EraseLine() const;
+    std::string DrawLine();
+    void Redraw(Clock::time_point now);
+
+    const DisplayOptions m_options;
+    const Sink m_sink;
+    std::mutex m_lock;
+    ProgressView m_view;
+    size_t m_columns = 80;
+    bool m_hasProgress = false;
+    bool m_drawn = false;       // the line stands on the screen
+    bool m_stale = false;       // the screen shows less than m_view
+    Clock::time_point m_lastDrawing{};
+};

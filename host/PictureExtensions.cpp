@@ -1,0 +1,41 @@
+#include "host/PictureExtensions.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+
+namespace
+{
+// Sorted. What goes up as it lies on disk first of all, then what is decoded: TIFF, WebP, HEIF and
+// the camera makers' raw formats.
+constexpr auto PICTURES = std::to_array<std::string_view>({
+    "3fr",  "arw", "avif", "bmp", "cap", "cr2", "cr3", "crw", "dcr", "dng",  "erf", "exif", "fff", "gif",
+    "heic", "heif", "hif", "iiq", "jfif", "jpe", "jpeg", "jpg", "k25", "kdc", "mef", "mos", "mrw", "nef",
+    "nrw",  "orf", "pef", "png", "psd", "raf", "raw", "rw2", "rwl", "sr2", "srf", "srw", "tif", "tiff",
+    "webp", "x3f",
+});
+static_assert(std::is_sorted(PICTURES.begin(), PICTURES.end()));
+
+constexpr auto SIDECARS = std::to_array<std::string_view>({"dop", "pp3", "thm", "xmp"});
+static_assert(std::is_sorted(SIDECARS.begin(), SIDECARS.end()));
+
+std::string Lower(std::string_view extension)
+{
+    std::string lower(extension);
+    for (char &c : lower)
+    {
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+    return lower;
+}
+} // namespace
+
+bool IsPictureExtension(std::string_view extension)
+{
+    return std::binary_search(PICTURES.begin(), PICTURES.end(), std::string_view(Lower(extension)));
+}
+
+bool IsSidecarExtension(std::string_view extension)
+{
+    return std::binary_search(SIDECARS.begin(), SIDECARS.end(), std::string_view(Lower(extension)));
+}

@@ -1,0 +1,224 @@
+#include "host/PictureItems.h"
+
+#include "host/NaturalOrder.h"
+#include "host/PictureExtensions.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+
+namespace fs = std::filesystem;
+
+namespace
+{
+// Lengths on the road to the service are unsigned 32-bit numbers of bytes.
+constexpr uintmax_t LARGEST_FILE = 0xFFFFFFFF;
+
+struct CloseFile
+{
+    void operator()(std::FILE *file) const noexcept { std::fclose(file); }
+};
+
+std::string Words(const std::error_code &error)
+{
+    return error.message();
+}
+
+std::string ExtensionOf(const fs::path &file)
+{
+    const std::string extension = file.extension().string();
+    return extension.empty() ? extension : extension.substr(1);
+}
+
+// Why the file can't be published; nothing if it can, as far as can be told without reading it.
+std::optional<std::string> FaultOf(const fs::path &file)
+{
+    std::error_code error;
+    const fs::file_status status = fs::status(file, error);
+    if (status.type() == fs::file_type::not_found)
+    {
+        if (fs::is_symlink(fs::symlink_status(file, error)))
+        {
+            return "is a link to a file that isn't there; mend the link or name the file itself";
+        }
+        return "isn't there; check the name, or whether it was moved";
+    }
+    if (error)
+    {
+        return "can't be looked at: " + Words(error);
+    }
+    if (status.type() != fs::file_type::regular)
+    {
+        return "is not an ordinary file";
+    }
+    const std::unique_ptr<std::FILE, CloseFile> opened(std::fopen(file.c_str(), "rb"));
+    if (!opened)
+    {
+        return "can't be read: " + Words(std::error_code(errno, std::generic_category())) +
+               "; check its permissions";
+    }
+    const uintmax_t size = fs::file_size(file, error);
+    if (!error && size == 0)
+    {
+        return "is empty (0 bytes); copy it again from its source";
+    }
+    if (!error && size > LARGEST_FILE)
+    {
+        return "is " + std::to_string(size) + " bytes long; files of 4 GiB and more can't be published";
+    }
+    return std::nullopt;
+}
+
+class Collector
+{
+public:
+    explicit Collector(bool recursive) : m_recursive(recursive) {}
+
+    void Take(const fs::path &argument)
+    {
+        std::error_code error;
+        if (!fs::is_directory(argument, error))
+        {
+            TakeNamedFile(argument);
+            return;
+        }
+        if (!m_recursive)
+        {
+            m_collection.folders.push_back(argument);
+            return;
+        }
+        const size_t before = m_seen.size() + m_collection.refused.size();
+        const bool walked = Walk(argument);
+        if (walked && m_seen.size() + m_collection.refused.size() == before)
+        {
+            m_collection.refused.push_back({argument, "holds no pictures that aren't hidden"});
+        }
+    }
+
+    ItemCollection Finish() { return std::move(m_collection); }
+
+private:
+    void TakeNamedFile(const fs::path &file)
+    {
+        const std::string extension = ExtensionOf(file);
+        if (auto fault = FaultOf(file))
+        {
+            m_collection.refused.push_back({file, *fault});
+        }
+        else if (IsSidecarExtension(extension))
+        {
+            m_collection.passedOver.push_back(file);
+        }
+        else if (extension.empty())
+        {
+            m_collection.refused.push_back(
+                {file, "has no extension to tell what kind of picture it is; give it one, such as .jpg"});
+        }
+        else if (!IsPictureExtension(extension))
+        {
+            m_collection.refused.push_back(
+                {file, "has the extension \"" + extension + "\", which is no picture's; rename it if it is one"});
+        }
+        else
+        {
+            Add(file, extension);
+        }
+    }
+
+    void TakeFoundFile(const fs::path &file)
+    {
+        if (!IsPictureExtension(ExtensionOf(file)))
+        {
+            return;
+        }
+        if (auto fault = FaultOf(file))
+        {
+            m_collection.refused.push_back({file, *fault});
+            return;
+        }
+        Add(file, ExtensionOf(file));
+    }
+
+    void Add(const fs::path &file, const std::string &extension)
+    {
+        std::error_code error;
+        const fs::path whole = fs::absolute(file, error);
+        fs::path folder = fs::canonical(whole.parent_path(), error);
+        if (error)
+        {
+            folder = whole.parent_path();
+        }
+        const fs::path identity = folder / whole.filename();
+        if (!m_seen.insert(identity).second)
+        {
+            return;
+        }
+        const fs::path stem = folder / whole.stem();
+        const auto [known, isNew] = m_byStem.try_emplace(stem, m_collection.items.size());
+        if (isNew)
+        {
+            m_collection.items.push_back({whole.parent_path() / whole.stem(), {}});
+        }
+        m_collection.items[known->second].extensions.push_back(extension);
+    }
+
+    // False if the folder was walked before or can't be read.
+    bool Walk(const fs::path &folder)
+    {
+        std::error_code error;
+        const fs::path real = fs::canonical(folder, error);
+        if (error || !m_walked.insert(real).second)
+        {
+            return false;
+        }
+        std::vector<fs::path> entries;
+        for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
+        {
+            entries.push_back(entry->path());
+        }
+        if (error)
+        {
+            m_collection.refused.push_back({folder, "can't be listed: " + Words(error)});
+            return false;
+        }
+        std::sort(entries.begin(), entries.end(), [](const fs::path &a, const fs::path &b) {
+            return NaturallyBefore(a.filename().native(), b.filename().native());
+        });
+        for (const fs::path &entry : entries)
+        {
+            if (entry.filename().native().front() == '.')
+            {
+                continue;
+            }
+            fs::is_directory(entry, error) ? void(Walk(entry)) : TakeFoundFile(entry);
+        }
+        return true;
+    }
+
+    const bool m_recursive;
+    ItemCollection m_collection;
+    std::map<fs::path, size_t> m_byStem;
+    std::set<fs::path> m_seen;
+    std::set<fs::path> m_walked;
+};
+} // namespace
+
+fs::path PictureItem::File(size_t index) const
+{
+    return fs::path(stem.native() + "." + extensions[index]);
+}
+
+ItemCollection CollectItems(const std::vector<fs::path> &arguments, bool recursive)
+{
+    Collector collector(recursive);
+    for (const fs::path &argument : arguments)
+    {
+        collector.Take(argument);
+    }
+    return collector.Finish();
+}

@@ -1,0 +1,36 @@
+// From the paths that a person gives to the items of a run. What can be known to fail before the run
+// is refused here, in words, so that the rest can go ahead.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+// One picture. Its files lie in one folder and differ only in their extension.
+struct PictureItem
+{
+    std::filesystem::path stem;             // absolute, without the dot and extension
+    std::vector<std::string> extensions;    // without dots, as on disk, in the order of their discovery
+
+    std::filesystem::path File(size_t index) const;
+};
+
+struct RefusedFile
+{
+    std::filesystem::path path;     // as given, or as found in a folder
+    std::string reason;             // what is wrong and what to do, UTF-8
+};
+
+struct ItemCollection
+{
+    std::vector<PictureItem> items;
+    std::vector<RefusedFile> refused;                   // count as pictures that did not go up
+    std::vector<std::filesystem::path> folders;         // given without leave to walk them
+    std::vector<std::filesystem::path> passedOver;      // sidecars named beside pictures
+};
+
+// Items in the order of the arguments; within a folder in natural order, subfolders included. A file
+// that is named twice, also through a link to its folder, is taken once. Hidden files, hidden folders
+// and files without a picture's extension are left out of a walk, and links back into a folder that
+// was walked are not followed.
+ItemCollection CollectItems(const std::vector<std::filesystem::path> &arguments, bool recursive);

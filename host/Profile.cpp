@@ -1,0 +1,149 @@
+#include "host/Profile.h"
+
+#include "host/FileNames.h"
+#include "host/InitData.h"
+#include "host/WholeFile.h"
+
+#include <cstdlib>
+
+namespace fs = std::filesystem;
+
+namespace
+{
+// Six texts of at most 1 MiB and a few bytes; anything longer isn't ours.
+constexpr size_t LONGEST_INIT_DATA = 7 << 20;
+
+std::string Failure(const std::string &what, const std::system_error &error, const std::string &advice)
+{
+    return what + ": " + error.code().message() + ". " + advice;
+}
+} // namespace
+
+fs::path Profile::DefaultFolder()
+{
+    // The base directory specification has relative values ignored.
+    if (const char *data = std::getenv("XDG_DATA_HOME"); data != nullptr && fs::path(data).is_absolute())
+    {
+        return fs::path(data) / "halvora";
+    }
+    if (const char *home = std::getenv("HOME"); home != nullptr && *home != '\0')
+    {
+        return fs::path(home) / ".local" / "share" / "halvora";
+    }
+    return fs::path();
+}
+
+Profile::Profile(const fs::path &folder)
+{
+    if (folder.empty())
+    {
+        throw ProfileError("There is no home folder to keep the profile in. Name a folder with --profile DIR.");
+    }
+    try
+    {
+        m_folder = fs::absolute(folder);
+        if (!m_folder.has_filename())
+        {
+            m_folder = m_folder.parent_path();
+        }
+        MakePrivateFolder(m_folder);
+    }
+    catch (const std::system_error &error)
+    {
+        throw ProfileError(Failure("The profile folder " + ShownPath(folder) + " can't be made", error,
+                                   "Make it yourself or name another with --profile DIR."));
+    }
+}
+
+void InitDataStore::Load()
+{
+    const fs::path file = m_profile.InitDataFile();
+    try
+    {
+        m_content = ReadWholeFile(file, LONGEST_INIT_DATA).value_or(std::string());
+    }
+    catch (const std::system_error &error)
+    {
+        if (error.code() != std::errc::file_too_large)
+        {
+            throw ProfileError(Failure("The account data in " + ShownPath(file) + " can't be read", error,
+                                       "Check the permissions of the file and its folder."));
+        }
+        SetAsideDamaged();
+        return;
+    }
+    if (!ParseInitData(m_content))
+    {
+        SetAsideDamaged();
+    }
+}
+
+void InitDataStore::SetAsideDamaged()
+{
+    const fs::path file = m_profile.InitDataFile();
+    m_content.clear();
+    try
+    {
+        const FolderLock lock(m_profile.Folder());
+        const fs::path aside = SetFileAside(file, ".damaged");
+        m_notices.push_back("The account data in " + ShownPath(file) +
+                            " is damaged. It was kept as " + ShownPath(aside.filename()) +
+                            "; the account has to be set again.");
+    }
+    catch (const std::system_error &error)
+    {
+        throw ProfileError(Failure("The account data in " + ShownPath(file) +
+                                       " is damaged and can't be kept under another name",
+                                   error, "Move the file away yourself, or name another folder with --profile DIR."));
+    }
+}
+
+StoreOutcome InitDataStore::Store(const std::string &content)
+{
+    if (content == m_content)
+    {
+        return StoreOutcome::Unchanged;
+    }
+    try
+    {
+        const FolderLock lock(m_profile.Folder());
+        const std::string present =
+            ReadWholeFile(m_profile.InitDataFile(), LONGEST_INIT_DATA).value_or(std::string());
+        if (present == content)
+        {
+            return StoreOutcome::Unchanged;
+        }
+        if (present != m_content)
+        {
+            return StoreOutcome::KeptNewer;
+        }
+        Replace(content);
+        return StoreOutcome::Stored;
+    }
+    catch (const std::system_error &error)
+    {
+        throw ProfileError(Failure("The account data can't be kept in " + ShownPath(m_profile.InitDataFile()), error,
+                                   "What was there before is still there."));
+    }
+}
+
+void InitDataStore::Overwrite(const std::string &content)
+{
+    try
+    {
+        const FolderLock lock(m_profile.Folder());
+        Replace(content);
+    }
+    catch (const std::system_error &error)
+    {
+        throw ProfileError(Failure("The account data can't be kept in " + ShownPath(m_profile.InitDataFile()), error,
+                                   "What was there before is still there."));
+    }
+}
+
+void InitDataStore::Replace(const std::string &content)
+{
+    FileReplacement replacement(m_profile.InitDataFile(), content);
+    replacement.Commit();
+    m_content = content;
+}

@@ -1,0 +1,145 @@
+#include "host/RunRecord.h"
+
+#include "host/DisplayText.h"
+#include "host/FileNames.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace
+{
+constexpr std::string_view CODE_MARK = "0x";
+constexpr size_t CODE_DIGITS = 8;
+constexpr std::string_view HEX_DIGITS = "0123456789abcdefABCDEF";
+
+std::string Trimmed(std::string text)
+{
+    const auto last = text.find_last_not_of(" \t\r\n");
+    text.resize(last == text.npos ? 0 : last + 1);
+    const auto first = text.find_first_not_of(" \t\r\n");
+    return first == text.npos ? std::string() : text.substr(first);
+}
+
+bool SaysNothing(const std::string &text)
+{
+    return text.empty() || text.starts_with("(internal");
+}
+
+// The first file of the item stands for it.
+std::string NameOf(const PictureItem &item)
+{
+    return ShownPath(item.File(0));
+}
+
+std::string Count(size_t number, const char *one, const char *several)
+{
+    return std::to_string(number) + " " + (number == 1 ? one : several);
+}
+} // namespace
+
+std::string ReasonOfEntry(const std::string &entry, const ErrorWords &words)
+{
+    // The code stands in parentheses. A path in front of it may look like one, so the last counts.
+    for (size_t at = entry.rfind(CODE_MARK); at != entry.npos;
+         at = at == 0 ? entry.npos : entry.rfind(CODE_MARK, at - 1))
+    {
+        const std::string digits = entry.substr(at + CODE_MARK.size(), CODE_DIGITS);
+        const size_t end = at + CODE_MARK.size() + CODE_DIGITS;
+        if (end >= entry.size() || entry[end] != ')' || digits.find_first_not_of(HEX_DIGITS) != digits.npos)
+        {
+            continue;
+        }
+        const std::string rest = Trimmed(entry.substr(end + 1));
+        if (!SaysNothing(rest))
+        {
+            return rest;
+        }
+        const auto code = static_cast<HRESULT>(std::strtoul(digits.c_str(), nullptr, 16));
+        const std::string meaning = Trimmed(words(code));
+        return (meaning.empty() ? "error" : meaning) + " (0x" + digits + ")";
+    }
+    return entry;
+}
+
+RunRecord::RunRecord(ItemCollection collection)
+    : m_collection(std::move(collection)), m_states(m_collection.items.size())
+{
+}
+
+void RunRecord::ItemBegins(size_t index)
+{
+    const std::lock_guard guard(m_lock);
+    if (index < m_states.size())
+    {
+        m_states[index].begun = true;
+        m_current = index;
+    }
+}
+
+void RunRecord::NoteEntry(int level, const std::string &text)
+{
+    if (level < 3)
+    {
+        return;
+    }
+    const std::lock_guard guard(m_lock);
+    (m_current ? m_states[*m_current].errors : m_runErrors).push_back(text);
+}
+
+void RunRecord::RunEnds()
+{
+    const std::lock_guard guard(m_lock);
+    m_current.reset();
+}
+
+ItemEnd RunRecord::EndOf(size_t index) const
+{
+    const std::lock_guard guard(m_lock);
+    const ItemState &state = m_states.at(index);
+    return !state.begun ? ItemEnd::NotTried : state.errors.empty() ? ItemEnd::WentUp : ItemEnd::Failed;
+}
+
+RunSummary RunRecord::Summarize(bool cancelled, const ErrorWords &words) const
+{
+    size_t wentUp = 0;
+    std::string failures;
+    const auto addFailure = [&](const std::string &name, const std::string &reason) {
+        failures += "  " + name + ": " + OneSafeLine(reason) + "\n";
+    };
+    for (const RefusedFile &refused : m_collection.refused)
+    {
+        addFailure(ShownPath(refused.path), refused.reason);
+    }
+    for (size_t i = 0; i < m_states.size(); ++i)
+    {
+        const ItemEnd end = EndOf(i);
+        wentUp += end == ItemEnd::WentUp;
+        if (end == ItemEnd::NotTried)
+        {
+            addFailure(NameOf(m_collection.items[i]), cancelled ? "not tried, the run was cancelled" : "not tried");
+        }
+        else if (end == ItemEnd::Failed)
+        {
+            // The last entry is the driver's verdict; an earlier one tells what led to it.
+            const auto &errors = m_states[i].errors;
+            const std::string cause = errors.size() > 1 ? errors.front() : ReasonOfEntry(errors.back(), words);
+            addFailure(NameOf(m_collection.items[i]), cause);
+        }
+    }
+    const size_t total = m_states.size() + m_collection.refused.size();
+
+    RunSummary summary;
+    for (const std::string &error : m_runErrors)
+    {
+        summary.text += OneSafeLine(ReasonOfEntry(error, words)) + "\n";
+    }
+    if (wentUp == total && m_runErrors.empty())
+    {
+        summary.text += "Published " + Count(total, "picture", "pictures") + ".\n";
+        return summary;
+    }
+    summary.exitCode = cancelled ? ExitCode::Cancelled : ExitCode::SomeFailed;
+    summary.text += "Published " + std::to_string(wentUp) + " of " + Count(total, "picture", "pictures") + ". " +
+                    Count(total - wentUp, "file", "files") + " did not go up:\n" + failures;
+    return summary;
+}

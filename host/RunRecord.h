@@ -1,0 +1,76 @@
+// What became of each item of a run, as far as the host learns it: by the records that the plug-in
+// asks for, and by what it writes to the log in between.
+#pragma once
+
+#include "host/PictureItems.h"
+
+#include "core/WideText.h"
+
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+enum class ExitCode
+{
+    AllWentUp = 0,
+    SomeFailed = 1,
+    Usage = 2,
+    Cancelled = 3
+};
+
+enum class ItemEnd
+{
+    NotTried,
+    WentUp,
+    Failed
+};
+
+struct RunSummary
+{
+    ExitCode exitCode = ExitCode::AllWentUp;
+    std::string text;   // UTF-8 lines, each closed by a line feed
+};
+
+// Words of an HRESULT in UTF-8, empty if there are none.
+using ErrorWords = std::function<std::string(HRESULT)>;
+
+// The reason in an error entry of the plug-in: the service's own words, or the words of the code that
+// the entry names where the entry says nothing more.
+std::string ReasonOfEntry(const std::string &entry, const ErrorWords &words);
+
+class RunRecord
+{
+public:
+    explicit RunRecord(ItemCollection collection);
+
+    const std::vector<PictureItem> &Items() const { return m_collection.items; }
+
+    // The item before it, if any, is over. Any thread.
+    void ItemBegins(size_t index);
+
+    // Entries of level 3 and 4 belong to the item that is running, or to the run itself. Any thread.
+    void NoteEntry(int level, const std::string &text);
+
+    // The last item is over.
+    void RunEnds();
+
+    ItemEnd EndOf(size_t index) const;
+
+    // Counts, and each file that did not go up with the reason.
+    RunSummary Summarize(bool cancelled, const ErrorWords &words) const;
+
+private:
+    struct ItemState
+    {
+        bool begun = false;
+        std::vector<std::string> errors;
+    };
+
+    mutable std::mutex m_lock;
+    ItemCollection m_collection;
+    std::vector<ItemState> m_states;
+    std::vector<std::string> m_runErrors;
+    std::optional<size_t> m_current;
+};

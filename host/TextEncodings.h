@@ -1,0 +1,38 @@
+// Text in the encodings in which it lies in files. Nothing here throws but for memory; bytes that
+// fit no encoding become U+FFFD.
+#pragma once
+
+#include "core/WideText.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+enum class ByteOrder16
+{
+    LittleEndian,
+    BigEndian
+};
+
+// Null if the bytes are no valid UTF-8.
+std::optional<WideText> TextFromUtf8(std::string_view bytes);
+
+// UTF-8 if the bytes are valid as such, else Windows-1252, the superset of Latin-1 that cameras and
+// editors wrote before UTF-8.
+WideText TextFromUtf8OrLatin(std::string_view bytes);
+
+// UTF-16 without a length; an odd last byte is dropped, a byte order mark decides and is dropped.
+WideText TextFromUtf16(std::string_view bytes, ByteOrder16 order);
+
+// As TextFromUtf16, for writers that disagree with their own file about the byte order: the order
+// in which more units look like Latin text wins, and expected where neither does.
+WideText TextFromUtf16Guessing(std::string_view bytes, ByteOrder16 expected);
+
+// ISO-2022-JP, or bare JIS X 0208 rows without escapes, or Shift_JIS.
+WideText TextFromJis(std::string_view bytes);
+
+// Surrogates without their partner become U+FFFD.
+std::string Utf8FromText(WideView text);
+
+// Cuts the text at its first NUL and strips white space from the end.
+WideText WithoutPadding(WideText text);

@@ -1,0 +1,52 @@
+// Files that are read and replaced as a whole.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+// Nothing if there is no such file. Throws std::system_error for any other failure, and for a file
+// of more than limit bytes.
+std::optional<std::string> ReadWholeFile(const std::filesystem::path &file, size_t limit);
+
+// The new content of a file, readable by its owner alone. It takes the file's place at Commit, in one
+// step and after it reached the disk: a crash at any moment leaves the old content or the new one
+// whole. What a crash leaves behind is overwritten by the next replacement. One at a time per file:
+// the caller holds a lock. All throw std::system_error.
+class FileReplacement
+{
+public:
+    FileReplacement(std::filesystem::path file, std::string_view content);
+    ~FileReplacement();
+    FileReplacement(const FileReplacement &) = delete;
+    FileReplacement &operator=(const FileReplacement &) = delete;
+
+    void Commit();
+
+private:
+    std::filesystem::path m_file;
+    std::filesystem::path m_pending;
+};
+
+// Holds the lock of a folder, against other processes and other holders in this one; waits for it.
+// Throws std::system_error.
+class FolderLock
+{
+public:
+    explicit FolderLock(const std::filesystem::path &folder);
+    ~FolderLock();
+    FolderLock(const FolderLock &) = delete;
+    FolderLock &operator=(const FolderLock &) = delete;
+
+private:
+    int m_descriptor;
+};
+
+// Gives the file another name that is not taken: name + "-1", "-2" and so on. Gives the new path back.
+// Throws std::system_error.
+std::filesystem::path SetFileAside(const std::filesystem::path &file, const std::string &suffix);
+
+// Makes the folder and what lies above it, readable by its owner alone. Throws std::system_error.
+void MakePrivateFolder(const std::filesystem::path &folder);

@@ -1,0 +1,232 @@
+// Ahead of the Windows headers, whose struct timeval is shorter than the system's.
+#include <sys/resource.h>
+
+#include "host/ImageMetadata.h"
+
+#include "tests/host/TemporaryFolder.h"
+
+#include <wincodec.h>
+
+#include <exiv2/exiv2.hpp>
+#include <gmock/gmock.h>
+
+#include <functional>
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using namespace std::string_literals;
+
+namespace
+{
+using Edit = std::function<void(Exiv2::Image &)>;
+
+void SetExif(Exiv2::Image &image, const char *key, Exiv2::TypeId type, const std::string &bytes)
+{
+    const auto value = Exiv2::Value::create(type);
+    value->read(reinterpret_cast<const Exiv2::byte *>(bytes.data()), static_cast<long>(bytes.size()),
+                image.byteOrder());
+    image.exifData().add(Exiv2::ExifKey(key), value.get());
+}
+
+void SetIptc(Exiv2::Image &image, const char *key, const std::string &bytes)
+{
+    Exiv2::StringValue value(bytes);
+    image.iptcData().add(Exiv2::IptcKey(key), &value);
+}
+
+void SetXmp(Exiv2::Image &image, const char *key, Exiv2::TypeId type, std::initializer_list<const char *> texts)
+{
+    const auto value = Exiv2::Value::create(type);
+    for (const char *text : texts)
+    {
+        value->read(text);
+    }
+    image.xmpData().add(Exiv2::XmpKey(key), value.get());
+}
+
+class ImageMetadata : public testing::Test
+{
+protected:
+    fs::path Make(const Edit &edit, const char *name = "picture.jpg")
+    {
+        const fs::path file = m_folder.Path() / name;
+        const auto image = Exiv2::ImageFactory::create(Exiv2::ImageType::jpeg, file.native());
+        image->setByteOrder(Exiv2::littleEndian);
+        edit(*image);
+        image->writeMetadata();
+        return file;
+    }
+
+    ImageTexts Read(const Edit &edit)
+    {
+        ImageTexts texts;
+        EXPECT_EQ(ReadImageTexts(Make(edit), texts), S_OK);
+        return texts;
+    }
+
+    TemporaryFolder m_folder;
+};
+} // namespace
+
+TEST_F(ImageMetadata, APictureWithoutMetadataHasNoTexts)
+{
+    const ImageTexts texts = Read([](Exiv2::Image &) {});
+    EXPECT_EQ(texts.title + texts.description + texts.comment + texts.artist + texts.copyright, u"");
+    EXPECT_THAT(texts.keywords, IsEmpty());
+}
+
+TEST_F(ImageMetadata, XmpComesBeforeIptcAndExif)
+{
+    const ImageTexts texts = Read([](Exiv2::Image &image) {
+        SetXmp(image, "Xmp.dc.title", Exiv2::langAlt, {"lang=de-DE Titel", "lang=x-default Title"});
+        SetXmp(image, "Xmp.dc.description", Exiv2::langAlt, {"lang=ja-JP 説明"});
+        SetXmp(image, "Xmp.dc.subject", Exiv2::xmpBag, {"sea", "New York", "a;b"});
+        SetXmp(image, "Xmp.dc.creator", Exiv2::xmpSeq, {"Ann", "Bob"});
+        SetIptc(image, "Iptc.Application2.ObjectName", "other");
+        SetIptc(image, "Iptc.Application2.Caption", "other");
+        SetIptc(image, "Iptc.Application2.Keywords", "other");
+        image.exifData()["Exif.Image.ImageDescription"] = "other";
+    });
+    EXPECT_EQ(texts.title, u"Title");
+    EXPECT_EQ(texts.description, u"説明");
+    EXPECT_THAT(texts.keywords, ElementsAre(u"sea", u"New York", u"a;b"));
+    EXPECT_EQ(texts.artist, u"Ann; Bob");
+}
+
+TEST_F(ImageMetadata, IptcIsReadWithAndWithoutItsDeclaredCharset)
+{
+    struct Case
+    {
+        std::string charset;
+        std::string bytes;
+        WideText expected;
+    };
+    const Case cases[] = {{"\x1B%G", "Größe 漢字 📷", u"Größe 漢字 📷"},
+                          {"", "Größe 漢字", u"Größe 漢字"},
+                          {"", "Gr\xF6\xDF"s + "e", u"Größe"},
+                          {"\x1B%G", "Gr\xF6\xDF"s + "e", u"Größe"},
+                          {"", "padded\0\0"s, u"padded"}};
+    for (const Case &c : cases)
+    {
+        const ImageTexts texts = Read([&](Exiv2::Image &image) {
+            if (!c.charset.empty())
+            {
+                SetIptc(image, "Iptc.Envelope.CharacterSet", c.charset);
+            }
+            SetIptc(image, "Iptc.Application2.ObjectName", c.bytes);
+            SetIptc(image, "Iptc.Application2.Caption", c.bytes);
+            SetIptc(image, "Iptc.Application2.Keywords", c.bytes);
+            SetIptc(image, "Iptc.Application2.Keywords", "second");
+        });
+        EXPECT_EQ(texts.title, c.expected);
+        EXPECT_EQ(texts.description, c.expected);
+        EXPECT_THAT(texts.keywords, ElementsAre(c.expected, u"second"));
+    }
+}
+
+TEST_F(ImageMetadata, UserCommentsAreReadInTheirNamedCharsetAndAnyByteOrder)
+{
+    struct Case
+    {
+        std::string bytes;
+        WideText expected;
+    };
+    const Case cases[] = {{"ASCII\0\0\0plain\0\0"s, u"plain"},
+                          {"ASCII\0\0\0caf\xE9"s, u"café"},
+                          {"UNICODE\0H\0i\0\xF6\0"s, u"Hiö"},
+                          {"UNICODE\0\0H\0i\0\xF6"s, u"Hiö"},
+                          {"UNICODE\0\xFE\xFF\x6F\x22"s, u"漢"},
+                          {"JIS\0\0\0\0\0\x1B$B4A;z\x1B(B"s, u"漢字"},
+                          {"\0\0\0\0\0\0\0\0größe"s, u"größe"},
+                          {"ASCII\0\0\0        "s, u""},
+                          {"ASCII"s, u""}};
+    for (const Case &c : cases)
+    {
+        const ImageTexts texts = Read([&](Exiv2::Image &image) {
+            SetExif(image, "Exif.Photo.UserComment", Exiv2::undefined, c.bytes);
+        });
+        EXPECT_EQ(texts.comment, c.expected) << c.bytes;
+    }
+}
+
+TEST_F(ImageMetadata, BigEndianFilesKeepTheirComments)
+{
+    const ImageTexts texts = Read([](Exiv2::Image &image) {
+        image.setByteOrder(Exiv2::bigEndian);
+        SetExif(image, "Exif.Photo.UserComment", Exiv2::undefined, "UNICODE\0\x6F\x22\x5B\x57"s);
+    });
+    EXPECT_EQ(texts.comment, u"漢字");
+}
+
+TEST_F(ImageMetadata, ExifAndWindowsTagsFillWhatTheOthersLack)
+{
+    const auto wide = [](std::u16string_view text) {
+        std::string bytes;
+        for (const char16_t unit : text)
+        {
+            bytes += static_cast<char>(unit & 0xFF);
+            bytes += static_cast<char>(unit >> 8);
+        }
+        return bytes;
+    };
+    const ImageTexts texts = Read([&](Exiv2::Image &image) {
+        image.exifData()["Exif.Image.ImageDescription"] = "OLYMPUS      ";
+        image.exifData()["Exif.Image.Copyright"] = "(c) J\xFCrgen"s;
+        image.exifData()["Exif.Image.Artist"] = "Jürgen";
+        SetExif(image, "Exif.Image.XPTitle", Exiv2::unsignedByte, wide(std::u16string_view(u"Čas\0\0", 5)));
+        SetExif(image, "Exif.Image.XPKeywords", Exiv2::unsignedByte, wide(u"a;b c; ď"));
+        SetExif(image, "Exif.Image.XPComment", Exiv2::unsignedByte, wide(u"komentář"));
+        image.setComment("of the segment");
+    });
+    EXPECT_EQ(texts.title, u"Čas");
+    EXPECT_EQ(texts.description, u"OLYMPUS");
+    EXPECT_THAT(texts.keywords, ElementsAre(u"a", u"b c", u"ď"));
+    EXPECT_EQ(texts.comment, u"komentář");
+    EXPECT_EQ(texts.copyright, u"(c) Jürgen");
+    EXPECT_EQ(texts.artist, u"Jürgen");
+    EXPECT_EQ(Read([](Exiv2::Image &image) { image.setComment("of the segment"); }).comment, u"of the segment");
+}
+
+TEST_F(ImageMetadata, AFileThatIsNoPictureFailsInCodes)
+{
+    ImageTexts texts;
+    EXPECT_EQ(ReadImageTexts(m_folder.Path() / "gone.jpg", texts), HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(ReadImageTexts(m_folder.Write("text.jpg", "not a picture at all, really"), texts),
+              WINCODEC_ERR_UNKNOWNIMAGEFORMAT);
+    EXPECT_LT(ReadImageTexts(m_folder.Write("empty.jpg", ""), texts), 0);
+    EXPECT_LT(ReadImageTexts(m_folder.Path(), texts), 0);
+}
+
+TEST_F(ImageMetadata, NoDamageBreaksTheReader)
+{
+    const fs::path whole = Make([](Exiv2::Image &image) {
+        SetXmp(image, "Xmp.dc.title", Exiv2::langAlt, {"lang=x-default Title"});
+        SetIptc(image, "Iptc.Application2.Keywords", "word");
+        SetExif(image, "Exif.Photo.UserComment", Exiv2::undefined, "ASCII\0\0\0text"s);
+        image.exifData()["Exif.Image.Artist"] = "someone";
+    });
+    const std::string bytes = m_folder.Read(whole.filename());
+    for (size_t at = 2; at < bytes.size(); at += 17)
+    {
+        std::string broken = bytes;
+        broken[at] = static_cast<char>(broken[at] ^ 0xFF);
+        ImageTexts texts;
+        ReadImageTexts(m_folder.Write("broken.jpg", broken), texts);
+        ReadImageTexts(m_folder.Write("cut.jpg", bytes.substr(0, at)), texts);
+    }
+}
+
+TEST_F(ImageMetadata, AHugeFileIsNotLoaded)
+{
+    const fs::path file = Make([](Exiv2::Image &image) { SetIptc(image, "Iptc.Application2.ObjectName", "huge"); });
+    fs::resize_file(file, 1500u << 20);
+    rusage before = {};
+    ::getrusage(RUSAGE_SELF, &before);
+    ImageTexts texts;
+    ASSERT_EQ(ReadImageTexts(file, texts), S_OK);
+    rusage after = {};
+    ::getrusage(RUSAGE_SELF, &after);
+    EXPECT_EQ(texts.title, u"huge");
+    EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 32 << 10) << "KiB";
+}

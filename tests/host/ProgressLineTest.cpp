@@ -1,0 +1,78 @@
+#include "host/ProgressLine.h"
+
+#include "host/DisplayText.h"
+
+#include <gmock/gmock.h>
+
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+namespace
+{
+ProgressView View(int64_t position, std::string status)
+{
+    return {0, 200, position, BarState::Normal, std::move(status)};
+}
+} // namespace
+
+TEST(ProgressLine, ShowsBarPercentAndStatus)
+{
+    EXPECT_EQ(RenderProgressLine(View(100, "Half way."), {40, false, false}), "[#####......]  50%  Half way.");
+    EXPECT_EQ(RenderProgressLine(View(101, "ok"), {25, true, false}), "████░░░░  50%  ok");
+    EXPECT_EQ(RenderProgressLine(View(3, ""), {25, true, false}), "▏░░░░░░░   1%");
+    EXPECT_EQ(RenderProgressLine(View(200, ""), {25, true, false}), "████████ 100%");
+}
+
+TEST(ProgressLine, APositionOutsideOfTheRangeIsHeldInIt)
+{
+    EXPECT_THAT(RenderProgressLine(View(-5, ""), {40, false, false}), HasSubstr("  0%"));
+    EXPECT_THAT(RenderProgressLine(View(500, ""), {40, false, false}), HasSubstr("100%"));
+    EXPECT_THAT(RenderProgressLine({0, 0, 0, BarState::Normal, ""}, {40, false, false}), HasSubstr("  0%"));
+    const ProgressView huge{0, INT32_MAX, INT32_MAX / 2, BarState::Normal, ""};
+    EXPECT_THAT(RenderProgressLine(huge, {40, false, false}), HasSubstr(" 49%"));
+}
+
+TEST(ProgressLine, NeverReachesTheLastColumnWhateverTheWidth)
+{
+    const std::string statuses[] = {"Published 12 of 40 items. Estimated time left: 3 minutes.", "漢字漢字漢字漢字漢字漢字漢字漢字",
+                                    "é\xCC\x81 e\xCC\x81 📷📷📷 x", ""};
+    for (const std::string &status : statuses)
+    {
+        for (size_t columns = 0; columns < 120; ++columns)
+        {
+            for (const bool unicode : {false, true})
+            {
+                const std::string line = RenderProgressLine(View(77, status), {columns, unicode, false});
+                EXPECT_LT(DisplayWidth(line), std::max<size_t>(columns, 1)) << columns << line;
+                EXPECT_EQ(line.find('\x1B'), line.npos);
+            }
+        }
+    }
+}
+
+TEST(ProgressLine, CutsBetweenCharactersAndSaysSo)
+{
+    EXPECT_EQ(CutToWidth("漢字漢字", 6, true), "漢字…");
+    EXPECT_EQ(CutToWidth("漢字漢字", 8, true), "漢字漢字");
+    EXPECT_EQ(CutToWidth("abcdef", 5, false), "ab...");
+    EXPECT_EQ(CutToWidth("abcdef", 2, false), "..");
+}
+
+TEST(ProgressLine, ColourTellsTheState)
+{
+    ProgressView view = View(100, "x");
+    const LineStyle style{40, false, true};
+    EXPECT_THAT(RenderProgressLine(view, style), StartsWith("\x1b[32m"));
+    view.state = BarState::Error;
+    EXPECT_THAT(RenderProgressLine(view, style), StartsWith("\x1b[31m"));
+    view.state = BarState::Paused;
+    EXPECT_THAT(RenderProgressLine(view, style), StartsWith("\x1b[33m"));
+}
+
+TEST(DisplayText, NothingThatCommandsATerminalPasses)
+{
+    EXPECT_EQ(OneSafeLine("a\x1b]0;t\x07" "b\r\nc\td\x7f"), "a^[]0;t^Gb c d^?");
+    EXPECT_EQ(OneSafeLine("\xC2\x9B" "2J \xE2\x80\xAE" "gpj.x \xFF"), "\xEF\xBF\xBD" "2J \xEF\xBF\xBDgpj.x \xEF\xBF\xBD");
+    EXPECT_EQ(OneSafeLine("שלום 漢字 📷"), "שלום 漢字 📷");
+}
