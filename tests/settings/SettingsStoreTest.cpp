@@ -1,0 +1,182 @@
+#include "settings/SettingsStore.h"
+
+#include "settings/StoredSettings.h"
+#include "tests/doubles/SettingsKey.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace
+{
+std::vector<BYTE> TextBytes(const WideText &text)
+{
+    const auto *bytes = reinterpret_cast<const BYTE *>(text.data());
+    return std::vector<BYTE>(bytes, bytes + text.size() * sizeof(WCHAR));
+}
+} // namespace
+
+TEST(SettingsStore, WithoutTheKeyTheBlockStaysAsItIs)
+{
+    SettingsKey key;
+    key.RemoveKey();
+    SettingsBlock block;
+    block.JPEG.WriteXMP = 7;
+    block.RAW.LongDimension = TEXT("kept");
+    LoadSettings(block);
+    EXPECT_EQ(block.JPEGMode, 2u);
+    EXPECT_EQ(block.JPEG.WriteXMP, 7u);
+    EXPECT_EQ(block.JPEG.LongEdgePixels, 0u);
+    EXPECT_TRUE(block.JPEG.LongDimension.empty());
+    EXPECT_EQ(block.RAW.LongDimension, TEXT("kept"));
+    EXPECT_EQ(SettingsReader().Number(TEXT("WriteTags")), 1u);
+}
+
+TEST(SettingsStore, AnEmptyKeyGivesTheDefaults)
+{
+    SettingsKey key;
+    SettingsBlock block;
+    LoadSettings(block);
+    EXPECT_EQ(block.JPEGMode, 2u);
+    for (const ConversionSettings &conversion : {block.JPEG, block.RAW})
+    {
+        EXPECT_EQ(conversion.Minimize, 1u);
+        EXPECT_EQ(conversion.WriteCopyright, 1u);
+        EXPECT_EQ(conversion.WriteEXIF, 1u);
+        EXPECT_EQ(conversion.WriteXMP, 0u);
+        EXPECT_EQ(conversion.WriteGPS, 1u);
+        EXPECT_EQ(conversion.WriteIPTC, 0u);
+        EXPECT_EQ(conversion.LongDimension, TEXT("Original"));
+        EXPECT_EQ(conversion.LongEdgePixels, 0u);
+        EXPECT_EQ(conversion.PrintDpi, 300.0);
+    }
+}
+
+TEST(SettingsStore, EachValueReachesItsOwnFieldClampedOrFolded)
+{
+    static constexpr const WCHAR *flags[] = {TEXT("Minimize"), TEXT("WriteCopyright"), TEXT("WriteEXIF"),
+                                             TEXT("WriteXMP"), TEXT("WriteGPS"),       TEXT("WriteIPTC")};
+    static constexpr UINT32 ConversionSettings::*fields[] = {
+        &ConversionSettings::Minimize, &ConversionSettings::WriteCopyright, &ConversionSettings::WriteEXIF,
+        &ConversionSettings::WriteXMP, &ConversionSettings::WriteGPS,       &ConversionSettings::WriteIPTC};
+    for (const bool raw : {false, true})
+    {
+        for (size_t set = 0; set < std::size(flags); ++set)
+        {
+            SettingsKey key;
+            for (size_t i = 0; i < std::size(flags); ++i)
+            {
+                key.Set((WideText(raw ? TEXT("RAW") : TEXT("JPEG")) + flags[i]).c_str(), i == set ? 5u : 0u);
+            }
+            SettingsBlock block;
+            LoadSettings(block);
+            for (size_t i = 0; i < std::size(flags); ++i)
+            {
+                EXPECT_EQ((raw ? block.RAW : block.JPEG).*fields[i], i == set ? 1u : 0u);
+            }
+        }
+    }
+    const struct
+    {
+        UINT32 stored;
+        UINT32 loaded;
+    } modes[] = {{0, 0}, {1, 1}, {2, 2}, {3, 2}, {7, 2}, {0xFFFFFFFF, 2}};
+    for (const auto &[stored, loaded] : modes)
+    {
+        SettingsKey key;
+        key.Set(TEXT("JPEGMode"), stored);
+        SettingsBlock block;
+        LoadSettings(block);
+        EXPECT_EQ(block.JPEGMode, loaded);
+    }
+}
+
+TEST(SettingsStore, OutputSizesAreLoadedInTheirDisplayForm)
+{
+    const struct
+    {
+        DWORD type;
+        WideText bytes;
+        const WCHAR *text;
+        UINT32 pixels;
+    } cases[] = {
+        {REG_SZ, WideText(TEXT("800px\0"), 6), TEXT("800 px"), 800},
+        {REG_EXPAND_SZ, WideText(TEXT("8 inches\0"), 9), TEXT("8\" print"), 2455},
+        {REG_SZ, WideText(), TEXT("Original"), 0},
+        {REG_SZ, WideText(31, '0') + TEXT("64"), TEXT("Original"), 0},
+        // Without a closing zero; of another type, for the system adds one to a text that lacks it.
+        {REG_BINARY, TEXT("640"), TEXT("640 px"), 640},
+        {REG_BINARY, WideText(30, '0') + TEXT("64"), TEXT("6 px"), 6},
+        {REG_SZ, WideText(40, '1'), TEXT("Original"), 0},
+        {REG_SZ, WideText(TEXT("huge\0"), 5), TEXT("Original"), 0},
+    };
+    for (const auto &[type, bytes, text, pixels] : cases)
+    {
+        SCOPED_TRACE(testing::PrintToString(bytes));
+        SettingsKey key;
+        key.SetBytes(TEXT("JPEGLongDimension"), type, TextBytes(bytes));
+        key.SetBytes(TEXT("RAWLongDimension"), type, TextBytes(bytes));
+        SettingsBlock block;
+        LoadSettings(block);
+        for (const ConversionSettings &conversion : {block.JPEG, block.RAW})
+        {
+            EXPECT_EQ(conversion.LongDimension, text);
+            EXPECT_EQ(conversion.LongEdgePixels, pixels);
+        }
+    }
+}
+
+TEST(SettingsStore, AValueThatGoesAwayKeepsWhatWasLoadedLast)
+{
+    SettingsKey key;
+    key.Set(TEXT("JPEGWriteEXIF"), 0u);
+    key.Set(TEXT("JPEGLongDimension"), TEXT("500"));
+    SettingsBlock block;
+    LoadSettings(block);
+    key.Remove(TEXT("JPEGWriteEXIF"));
+    key.Remove(TEXT("JPEGLongDimension"));
+    LoadSettings(block);
+    EXPECT_EQ(block.JPEG.WriteEXIF, 0u);
+    EXPECT_EQ(block.JPEG.LongDimension, TEXT("Original"));
+}
+
+TEST(SettingsStore, AValueTooLongForANumberReadsAsMissing)
+{
+    SettingsKey key;
+    key.SetBytes(TEXT("SafetyLevel"), REG_QWORD, std::vector<BYTE>(8, 1));
+    key.SetBytes(TEXT("WriteTitle"), REG_QWORD, std::vector<BYTE>(8, 0));
+    key.Set(TEXT("ContentType"), 7u);
+    const SettingsReader reader;
+    EXPECT_TRUE(reader.IsOpen());
+    EXPECT_EQ(reader.Number(TEXT("SafetyLevel")), 0u);
+    EXPECT_EQ(reader.Number(TEXT("WriteTitle")), 1u);
+    EXPECT_EQ(reader.Number(TEXT("ContentType")), 7u) << "as stored, whatever the range";
+}
+
+TEST(StoredSettings, AgreeWithTheBlock)
+{
+    std::set<WideText> names;
+    for (const StoredSetting &setting : StoredSettings())
+    {
+        EXPECT_TRUE(names.insert(setting.Name).second);
+        EXPECT_EQ(FindStoredSetting(setting.Name), &setting);
+        EXPECT_LE(setting.Default, setting.Largest);
+    }
+    EXPECT_EQ(names.size(), 25u);
+    EXPECT_EQ(FindStoredSetting(TEXT("jpegmode")), nullptr);
+
+    // What the table says of the two groups must be what a block that loads nothing holds.
+    const SettingsBlock block;
+    const auto standard = [](const WCHAR *name) { return FindStoredSetting(name)->Default; };
+    EXPECT_EQ(standard(TEXT("JPEGMode")), block.JPEGMode);
+    for (const WideText &kind : {WideText(TEXT("JPEG")), WideText(TEXT("RAW"))})
+    {
+        const ConversionSettings &conversion = kind == TEXT("RAW") ? block.RAW : block.JPEG;
+        EXPECT_EQ(standard((kind + TEXT("Minimize")).c_str()), conversion.Minimize);
+        EXPECT_EQ(standard((kind + TEXT("WriteCopyright")).c_str()), conversion.WriteCopyright);
+        EXPECT_EQ(standard((kind + TEXT("WriteEXIF")).c_str()), conversion.WriteEXIF);
+        EXPECT_EQ(standard((kind + TEXT("WriteXMP")).c_str()), conversion.WriteXMP);
+        EXPECT_EQ(standard((kind + TEXT("WriteGPS")).c_str()), conversion.WriteGPS);
+        EXPECT_EQ(standard((kind + TEXT("WriteIPTC")).c_str()), conversion.WriteIPTC);
+    }
+}
