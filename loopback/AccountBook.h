@@ -1,0 +1,74 @@
+// The one account of the service, its tokens, and the applications that it knows; kept in the index.
+// Thread-safe.
+#pragma once
+
+#include "loopback/Database.h"
+
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace loopback
+{
+
+struct Account
+{
+    std::string nsid;
+    std::string userName;
+    std::string fullName;
+    std::string photosUrl;
+    bool isPro = false;
+    // Bytes. A bandwidth maximum of 0 is no limit; a pro account has none anyway.
+    std::int64_t maxFileSize = 0;
+    std::int64_t bandwidthMax = 0;
+    std::int64_t bandwidthUsed = 0;
+    // The same bytes a second time are refused.
+    bool refuseDuplicates = false;
+    // How long a ticket of an asynchronous upload stays open, in milliseconds.
+    std::int64_t ticketDelay = 0;
+};
+
+struct TokenRecord
+{
+    std::string token;
+    std::string secret;
+    // "read", "write" or "delete"
+    std::string permission;
+};
+
+class AccountBook
+{
+public:
+    // A new index gets the demonstration account, token and application.
+    explicit AccountBook(Database &database);
+
+    Account Get() const;
+
+    // Sets a property by its name; the reason in words when that can't be.
+    std::optional<std::string> Set(const std::string &name, const std::string &value);
+    // Names and values of all properties, in order.
+    std::map<std::string, std::string> Properties() const;
+
+    // Counts an upload against the bandwidth; false, with nothing counted, when it doesn't fit.
+    bool UseBandwidth(std::int64_t bytes);
+
+    std::optional<TokenRecord> FindToken(const std::string &token) const;
+    std::vector<TokenRecord> Tokens() const;
+    void AddToken(const TokenRecord &record);
+    void RemoveToken(const std::string &token);
+
+    std::optional<std::string> FindConsumerSecret(const std::string &key) const;
+    void AddConsumer(const std::string &key, const std::string &secret);
+
+private:
+    void Store(const std::string &name, const std::string &value);
+
+    Database &m_database;
+    mutable std::mutex m_mutex;
+    std::map<std::string, std::string> m_properties;
+};
+
+}

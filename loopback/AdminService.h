@@ -1,0 +1,46 @@
+// The service's back door for tests and experiments, under /_loopback/: account, tokens, faults, what
+// was uploaded and asked. Answers in JSON; takes form fields. No OAuth.
+#pragma once
+
+#include "loopback/AccountBook.h"
+#include "loopback/FaultQueue.h"
+#include "loopback/HttpMessages.h"
+#include "loopback/HttpServer.h"
+#include "loopback/PhotoIndex.h"
+#include "loopback/RequestJournal.h"
+#include "loopback/UploadService.h"
+
+#include <functional>
+#include <string>
+
+namespace loopback
+{
+
+class AdminService
+{
+public:
+    using CountConnections = std::function<ConnectionCounts()>;
+
+    AdminService(AccountBook &accounts, PhotoIndex &photos, UploadService &uploads, FaultQueue &faults,
+                 RequestJournal &journal, CountConnections counts);
+
+    // `path` is what follows "/_loopback/".
+    HttpReply Handle(HttpExchange &exchange, const std::string &path);
+
+private:
+    HttpReply Read(const std::string &path) const;
+    HttpReply Change(const std::string &path, const FormFields &fields);
+    std::string UploadsJson() const;
+    std::string JournalJson() const;
+    std::string FaultsJson() const;
+    std::string StatisticsJson() const;
+
+    AccountBook &m_accounts;
+    PhotoIndex &m_photos;
+    UploadService &m_uploads;
+    FaultQueue &m_faults;
+    RequestJournal &m_journal;
+    CountConnections m_counts;
+};
+
+}

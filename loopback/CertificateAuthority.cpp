@@ -1,0 +1,248 @@
+#include "loopback/CertificateAuthority.h"
+
+#include "loopback/ServiceHosts.h"
+
+#include <openssl/bio.h>
+#include <openssl/ec.h>
+#include <openssl/evp.h>
+#include <openssl/pem.h>
+#include <openssl/rand.h>
+#include <openssl/x509.h>
+#include <openssl/x509v3.h>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <ctime>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace loopback
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+template <auto Release>
+struct Releaser
+{
+    template <typename T>
+    void operator()(T *object) const
+    {
+        Release(object);
+    }
+};
+using Certificate = std::unique_ptr<X509, Releaser<X509_free>>;
+using Key = std::unique_ptr<EVP_PKEY, Releaser<EVP_PKEY_free>>;
+using Bio = std::unique_ptr<BIO, Releaser<BIO_free_all>>;
+
+constexpr long Day = 24L * 60 * 60;
+constexpr long AuthorityLife = 3650 * Day;
+// Clients refuse server certificates that are good for more than 825 days.
+constexpr long ServerLife = 397 * Day;
+constexpr long RenewAhead = 30 * Day;
+
+struct Pair
+{
+    Certificate certificate;
+    Key key;
+};
+
+void Require(bool condition, const char *step)
+{
+    if (!condition)
+    {
+        throw std::runtime_error(std::string("certificates: ") + step + " failed");
+    }
+}
+
+std::string AsPem(const std::function<int(BIO *)> &write)
+{
+    Bio memory(BIO_new(BIO_s_mem()));
+    Require(memory && write(memory.get()) == 1, "encoding");
+    char *bytes = nullptr;
+    const long size = BIO_get_mem_data(memory.get(), &bytes);
+    return std::string(bytes, static_cast<std::size_t>(size));
+}
+
+std::string CertificatePem(X509 *certificate)
+{
+    return AsPem([&](BIO *out) { return PEM_write_bio_X509(out, certificate); });
+}
+
+std::string KeyPem(EVP_PKEY *key)
+{
+    return AsPem([&](BIO *out)
+                 { return PEM_write_bio_PrivateKey(out, key, nullptr, nullptr, 0, nullptr, nullptr); });
+}
+
+void WriteFile(const fs::path &path, const std::string &text, mode_t mode)
+{
+    const fs::path fresh = path.string() + ".new";
+    fs::remove(fresh);
+    const int file = open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    Require(file >= 0, "creating a file in the certificates' folder");
+    const bool written = write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+    Require(close(file) == 0 && written, "writing a file in the certificates' folder");
+    fs::rename(fresh, path);
+}
+
+Pair Load(const fs::path &certificate, const fs::path &key)
+{
+    Pair pair;
+    Bio certificateFile(BIO_new_file(certificate.c_str(), "r"));
+    Bio keyFile(BIO_new_file(key.c_str(), "r"));
+    if (certificateFile && keyFile)
+    {
+        pair.certificate.reset(PEM_read_bio_X509(certificateFile.get(), nullptr, nullptr, nullptr));
+        pair.key.reset(PEM_read_bio_PrivateKey(keyFile.get(), nullptr, nullptr, nullptr));
+    }
+    if (!pair.certificate || !pair.key || X509_check_private_key(pair.certificate.get(), pair.key.get()) != 1)
+    {
+        return {};
+    }
+    return pair;
+}
+
+void AddExtension(X509 *certificate, X509 *issuer, int kind, const std::string &value)
+{
+    X509V3_CTX context;
+    X509V3_set_ctx_nodb(&context);
+    X509V3_set_ctx(&context, issuer, certificate, nullptr, nullptr, 0);
+    std::unique_ptr<X509_EXTENSION, Releaser<X509_EXTENSION_free>> extension(
+        X509V3_EXT_conf_nid(nullptr, &context, kind, value.c_str()));
+    Require(extension && X509_add_ext(certificate, extension.get(), -1) == 1, "adding an extension");
+}
+
+Certificate NewCertificate(EVP_PKEY *key, const char *commonName, long life)
+{
+    Certificate certificate(X509_new());
+    Require(certificate != nullptr, "allocating");
+    X509_set_version(certificate.get(), X509_VERSION_3);
+    unsigned char serial[16];
+    Require(RAND_bytes(serial, sizeof serial) == 1, "making a serial number");
+    serial[0] = static_cast<unsigned char>((serial[0] & 0x7f) | 0x40);
+    std::unique_ptr<BIGNUM, Releaser<BN_free>> number(BN_bin2bn(serial, sizeof serial, nullptr));
+    BN_to_ASN1_INTEGER(number.get(), X509_get_serialNumber(certificate.get()));
+    // A day back, for clocks that aren't quite right.
+    X509_gmtime_adj(X509_getm_notBefore(certificate.get()), -Day);
+    X509_gmtime_adj(X509_getm_notAfter(certificate.get()), life);
+    X509_set_pubkey(certificate.get(), key);
+    X509_NAME_add_entry_by_txt(X509_get_subject_name(certificate.get()), "CN", MBSTRING_UTF8,
+                               reinterpret_cast<const unsigned char *>(commonName), -1, -1, 0);
+    return certificate;
+}
+
+std::string NameList(const char *dnsPrefix, const char *ipPrefix, const char *ipSuffix)
+{
+    std::string list;
+    for (const auto &host : KnownHosts())
+    {
+        list += list.empty() ? "" : ",";
+        list += host == "127.0.0.1" ? ipPrefix + host + ipSuffix : dnsPrefix + host;
+    }
+    return list;
+}
+
+Pair MakeAuthority()
+{
+    Pair pair;
+    pair.key.reset(EVP_EC_gen("P-256"));
+    Require(pair.key != nullptr, "making a key");
+    pair.certificate = NewCertificate(pair.key.get(), "Halvora loopback authority", AuthorityLife);
+    X509 *certificate = pair.certificate.get();
+    X509_set_issuer_name(certificate, X509_get_subject_name(certificate));
+    AddExtension(certificate, certificate, NID_basic_constraints, "critical,CA:TRUE,pathlen:0");
+    AddExtension(certificate, certificate, NID_key_usage, "critical,keyCertSign,cRLSign");
+    AddExtension(certificate, certificate, NID_subject_key_identifier, "hash");
+    AddExtension(certificate, certificate, NID_name_constraints,
+                 "critical," + NameList("permitted;DNS:", "permitted;IP:", "/255.255.255.255"));
+    Require(X509_sign(certificate, pair.key.get(), EVP_sha256()) > 0, "signing");
+    return pair;
+}
+
+Pair MakeServer(const Pair &authority)
+{
+    Pair pair;
+    pair.key.reset(EVP_EC_gen("P-256"));
+    Require(pair.key != nullptr, "making a key");
+    pair.certificate = NewCertificate(pair.key.get(), "Halvora loopback service", ServerLife);
+    X509 *certificate = pair.certificate.get();
+    X509 *issuer = authority.certificate.get();
+    X509_set_issuer_name(certificate, X509_get_subject_name(issuer));
+    AddExtension(certificate, issuer, NID_basic_constraints, "critical,CA:FALSE");
+    AddExtension(certificate, issuer, NID_key_usage, "critical,digitalSignature");
+    AddExtension(certificate, issuer, NID_ext_key_usage, "serverAuth");
+    AddExtension(certificate, issuer, NID_subject_key_identifier, "hash");
+    AddExtension(certificate, issuer, NID_authority_key_identifier, "keyid");
+    AddExtension(certificate, issuer, NID_subject_alt_name, NameList("DNS:", "IP:", ""));
+    Require(X509_sign(certificate, authority.key.get(), EVP_sha256()) > 0, "signing");
+    return pair;
+}
+
+bool LastsLongEnough(X509 *certificate)
+{
+    std::time_t then = std::time(nullptr) + RenewAhead;
+    return X509_cmp_time(X509_get0_notAfter(certificate), &then) > 0;
+}
+
+// As a client would: the chain, the dates and every name.
+bool IsUsable(const Pair &server, const Pair &authority)
+{
+    if (!server.certificate || !authority.certificate || !LastsLongEnough(server.certificate.get()) ||
+        !LastsLongEnough(authority.certificate.get()))
+    {
+        return false;
+    }
+    std::unique_ptr<X509_STORE, Releaser<X509_STORE_free>> trusted(X509_STORE_new());
+    std::unique_ptr<X509_STORE_CTX, Releaser<X509_STORE_CTX_free>> check(X509_STORE_CTX_new());
+    Require(trusted && check, "allocating");
+    X509_STORE_add_cert(trusted.get(), authority.certificate.get());
+    X509_STORE_CTX_init(check.get(), trusted.get(), server.certificate.get(), nullptr);
+    X509_STORE_CTX_set_default(check.get(), "ssl_server");
+    bool usable = X509_verify_cert(check.get()) == 1;
+    for (const auto &host : KnownHosts())
+    {
+        usable = usable && (host == "127.0.0.1"
+                                ? X509_check_ip_asc(server.certificate.get(), host.c_str(), 0) == 1
+                                : X509_check_host(server.certificate.get(), host.c_str(), 0, 0, nullptr) == 1);
+    }
+    return usable;
+}
+
+}
+
+CertificateFiles PrepareCertificates(const fs::path &folder)
+{
+    fs::create_directories(folder);
+    const CertificateFiles files{folder / "ca.pem", folder / "server.pem", folder / "server.key"};
+    const fs::path authorityKey = folder / "ca.key";
+
+    Pair authority = Load(files.authority, authorityKey);
+    Pair server = Load(files.serverChain, files.serverKey);
+    if (IsUsable(server, authority))
+    {
+        return files;
+    }
+    if (authority.certificate)
+    {
+        server = MakeServer(authority);
+    }
+    if (!IsUsable(server, authority))
+    {
+        authority = MakeAuthority();
+        server = MakeServer(authority);
+        Require(IsUsable(server, authority), "checking the new certificates");
+        WriteFile(authorityKey, KeyPem(authority.key.get()), 0600);
+        WriteFile(files.authority, CertificatePem(authority.certificate.get()), 0644);
+    }
+    WriteFile(files.serverKey, KeyPem(server.key.get()), 0600);
+    WriteFile(files.serverChain, CertificatePem(server.certificate.get()), 0644);
+    return files;
+}
+
+}

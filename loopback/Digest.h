@@ -1,0 +1,36 @@
+// The hashes of the service: HMAC-SHA1 for signatures, SHA-256 for the identity of a file.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+struct evp_md_ctx_st;
+
+namespace loopback
+{
+
+// In base64.
+std::string HmacSha1(std::string_view key, std::string_view message);
+
+// In a time that doesn't depend on where the texts differ.
+bool EqualSecretly(std::string_view one, std::string_view other);
+
+class Sha256
+{
+public:
+    Sha256();
+    ~Sha256();
+    void Add(std::string_view bytes);
+    // 64 lower-case hexadecimal digits; the object is used up.
+    std::string Finish();
+
+private:
+    struct Release
+    {
+        void operator()(evp_md_ctx_st *context) const;
+    };
+    std::unique_ptr<evp_md_ctx_st, Release> m_context;
+};
+
+}

@@ -1,0 +1,72 @@
+#include "loopback/Gallery.h"
+
+#include "loopback/FormFields.h"
+#include "loopback/GalleryPage.h"
+#include "loopback/PhotoMetadata.h"
+
+namespace loopback
+{
+
+namespace
+{
+
+HttpReply Page(std::string html)
+{
+    HttpReply reply{200, "text/html; charset=utf-8", std::move(html)};
+    reply.headers = {{"Content-Security-Policy",
+                      "default-src 'none'; img-src 'self'; media-src 'self'; style-src 'unsafe-inline'"},
+                     {"X-Content-Type-Options", "nosniff"},
+                     {"Referrer-Policy", "no-referrer"},
+                     {"Cache-Control", "no-store"}};
+    return reply;
+}
+
+HttpReply Picture(const PhotoRecord &record, const std::filesystem::path &path)
+{
+    HttpReply reply{200, record.detectedType};
+    reply.headers = {{"X-Content-Type-Options", "nosniff"},
+                     {"Content-Security-Policy", "default-src 'none'"},
+                     {"Cache-Control", "max-age=86400, immutable"}};
+    reply.file = path;
+    return reply;
+}
+
+}
+
+Gallery::Gallery(const AccountBook &accounts, const PhotoIndex &photos, const UploadService &uploads)
+    : m_accounts(accounts), m_photos(photos), m_uploads(uploads)
+{
+}
+
+HttpReply Gallery::Handle(const HttpRequest &request) const
+{
+    constexpr std::string_view photoPrefix = "/photo/";
+    constexpr std::string_view fileSuffix = "/file";
+    std::string path = request.Path();
+    if (request.method == "POST")
+    {
+        return {405, "text/plain; charset=utf-8", "These pages are only read.\n"};
+    }
+    if (path == "/")
+    {
+        return Page(OverviewPage(m_accounts.Get(), m_photos.All()));
+    }
+    if (path.starts_with(photoPrefix))
+    {
+        path.erase(0, photoPrefix.size());
+        const bool isFile = path.ends_with(fileSuffix);
+        path.resize(path.size() - (isFile ? fileSuffix.size() : 0));
+        const auto id = ParseWholeNumber(path);
+        const auto record = id ? m_photos.Find(*id) : std::nullopt;
+        if (record)
+        {
+            return isFile ? Picture(*record, m_uploads.PathOf(*record))
+                          : Page(PhotoPage(*record, ReadPhotoMetadata(m_uploads.PathOf(*record))));
+        }
+    }
+    HttpReply missing = Page(MissingPage());
+    missing.status = 404;
+    return missing;
+}
+
+}

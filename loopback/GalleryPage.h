@@ -1,0 +1,21 @@
+// The gallery's HTML. Everything that came from outside is escaped; nothing is fetched from elsewhere.
+#pragma once
+
+#include "loopback/AccountBook.h"
+#include "loopback/PhotoIndex.h"
+#include "loopback/PhotoMetadata.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace loopback
+{
+
+std::string EscapeHtml(std::string_view text);
+
+std::string OverviewPage(const Account &account, const std::vector<PhotoRecord> &photos);
+std::string PhotoPage(const PhotoRecord &photo, const std::vector<MetadataGroup> &metadata);
+std::string MissingPage();
+
+}

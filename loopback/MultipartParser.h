@@ -1,0 +1,68 @@
+// A multipart/form-data body taken apart as it arrives (RFC 7578), part by part, without holding
+// more of it than a part's header or one piece. Strict: a body that isn't well formed is an error.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace loopback
+{
+
+struct PartHeader
+{
+    std::string name;
+    // Absent for ordinary fields. As sent, whatever it holds.
+    std::optional<std::string> fileName;
+    std::string contentType;
+};
+
+class MultipartParser
+{
+public:
+    struct Sinks
+    {
+        std::function<void(const PartHeader &)> beginPart;
+        std::function<void(std::string_view)> partBytes;
+        std::function<void()> endPart;
+    };
+
+    // The boundary of a Content-Type value, or nothing when it is no multipart/form-data.
+    static std::optional<std::string> BoundaryOf(const std::string &contentType);
+
+    MultipartParser(const std::string &boundary, Sinks sinks);
+
+    // False from the first error on.
+    bool Feed(std::string_view bytes);
+
+    // The closing delimiter was there.
+    bool IsComplete() const { return m_state == State::Epilogue; }
+
+    // In words; empty while all is well.
+    const std::string &Error() const { return m_error; }
+
+private:
+    enum class State
+    {
+        Preamble,
+        Delimiter,
+        Header,
+        Body,
+        Epilogue
+    };
+
+    bool Step();
+    bool StepToDelimiter();
+    bool StepPastDelimiter();
+    bool StepHeader();
+    bool Fail(std::string words);
+
+    std::string m_delimiter;
+    Sinks m_sinks;
+    State m_state = State::Preamble;
+    std::string m_pending;
+    std::string m_error;
+};
+
+}

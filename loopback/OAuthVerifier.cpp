@@ -1,0 +1,215 @@
+#include "loopback/OAuthVerifier.h"
+
+#include "loopback/Digest.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+
+namespace loopback
+{
+
+namespace
+{
+
+constexpr std::int64_t TimestampWindow = 600;
+// With this many in ten minutes the oldest are forgotten early.
+constexpr std::size_t NonceLimit = 200'000;
+constexpr std::string_view Scheme = "OAuth ";
+
+std::string_view Trim(std::string_view text)
+{
+    const auto first = text.find_first_not_of(" \t\r\n");
+    if (first == std::string_view::npos)
+    {
+        return {};
+    }
+    return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
+}
+
+bool IsOAuthScheme(std::string_view header)
+{
+    return header.size() >= Scheme.size() &&
+           std::equal(Scheme.begin(), Scheme.end(), header.begin(),
+                      [](unsigned char a, unsigned char b) { return std::tolower(a) == std::tolower(b); });
+}
+
+// RFC 5849, 3.5.1; the realm takes no part.
+FormFields ParseAuthorization(std::string_view header)
+{
+    FormFields fields;
+    if (!IsOAuthScheme(header))
+    {
+        return fields;
+    }
+    header.remove_prefix(Scheme.size());
+    while (!header.empty())
+    {
+        const auto comma = std::min(header.find(','), header.size());
+        const auto entry = Trim(header.substr(0, comma));
+        header.remove_prefix(std::min(comma + 1, header.size()));
+        const auto equals = entry.find('=');
+        if (equals == std::string_view::npos)
+        {
+            continue;
+        }
+        const auto name = Trim(entry.substr(0, equals));
+        auto value = Trim(entry.substr(equals + 1));
+        if (value.size() >= 2 && value.front() == '"' && value.back() == '"')
+        {
+            value = value.substr(1, value.size() - 2);
+        }
+        if (name != "realm")
+        {
+            fields.emplace_back(PercentDecode(name), PercentDecode(value));
+        }
+    }
+    return fields;
+}
+
+OAuthOutcome Refused(std::string problem)
+{
+    return {.problem = "oauth_problem=" + std::move(problem)};
+}
+
+// The names of the required parameters that aren't there, joined as the service joins them.
+std::string AbsentNames(const FormFields &parameters)
+{
+    constexpr std::array required = {"oauth_consumer_key", "oauth_signature_method", "oauth_signature",
+                                     "oauth_timestamp", "oauth_nonce"};
+    std::string absent;
+    for (const auto *name : required)
+    {
+        if (FindField(parameters, name).value_or("").empty())
+        {
+            absent += (absent.empty() ? "" : "%26") + std::string(name);
+        }
+    }
+    return absent;
+}
+
+// The first oauth_ parameter that occurs twice.
+std::string RepeatedName(const FormFields &parameters)
+{
+    std::set<std::string> seen;
+    for (const auto &[name, value] : parameters)
+    {
+        if (name.starts_with("oauth_") && !seen.insert(name).second)
+        {
+            return name;
+        }
+    }
+    return {};
+}
+
+}
+
+std::string SignatureBase(const std::string &method, const std::string &url, const FormFields &parameters)
+{
+    FormFields encoded;
+    for (const auto &[name, value] : parameters)
+    {
+        if (name != "oauth_signature")
+        {
+            encoded.emplace_back(PercentEncode(name), PercentEncode(value));
+        }
+    }
+    std::sort(encoded.begin(), encoded.end());
+    std::string normalized;
+    for (const auto &[name, value] : encoded)
+    {
+        normalized += (normalized.empty() ? "" : "&") + name + "=" + value;
+    }
+    return method + "&" + PercentEncode(url) + "&" + PercentEncode(normalized);
+}
+
+OAuthVerifier::OAuthVerifier(SecretLookup consumerSecret, SecretLookup tokenSecret, Clock clock)
+    : m_consumerSecret(std::move(consumerSecret)), m_tokenSecret(std::move(tokenSecret)),
+      m_clock(std::move(clock))
+{
+}
+
+OAuthOutcome OAuthVerifier::Check(const SignedRequest &request)
+{
+    FormFields parameters = ParseAuthorization(request.authorization);
+    parameters.insert(parameters.end(), request.parameters.begin(), request.parameters.end());
+    const auto value = [&](const char *name) { return FindField(parameters, name).value_or(""); };
+
+    if (std::none_of(parameters.begin(), parameters.end(), [](const auto &parameter)
+                     { return parameter.first.starts_with("oauth_"); }))
+    {
+        return {.isUnsigned = true, .problem = "oauth_problem=parameter_absent&oauth_parameters_absent=" +
+                                               AbsentNames(parameters)};
+    }
+    if (FindField(parameters, "oauth_version").value_or("1.0") != "1.0")
+    {
+        return Refused("version_rejected&oauth_acceptable_versions=1.0-1.0");
+    }
+    if (const auto absent = AbsentNames(parameters); !absent.empty())
+    {
+        return Refused("parameter_absent&oauth_parameters_absent=" + absent);
+    }
+    if (const auto repeated = RepeatedName(parameters); !repeated.empty())
+    {
+        return Refused("parameter_rejected&oauth_parameters_rejected=" + repeated);
+    }
+    if (value("oauth_signature_method") != "HMAC-SHA1")
+    {
+        return Refused("signature_method_rejected");
+    }
+    const auto consumerSecret = m_consumerSecret(value("oauth_consumer_key"));
+    if (!consumerSecret)
+    {
+        return Refused("consumer_key_unknown");
+    }
+    const auto timestamp = ParseWholeNumber(value("oauth_timestamp"));
+    const std::int64_t now = m_clock();
+    if (!timestamp || *timestamp < now - TimestampWindow || *timestamp > now + TimestampWindow)
+    {
+        return Refused("timestamp_refused&oauth_acceptable_timestamps=" + std::to_string(now - TimestampWindow) +
+                       "-" + std::to_string(now + TimestampWindow));
+    }
+    const std::string token = value("oauth_token");
+    const auto tokenSecret = token.empty() ? std::optional(std::string()) : m_tokenSecret(token);
+    if (!tokenSecret)
+    {
+        return Refused("token_rejected");
+    }
+
+    const std::string base = SignatureBase(request.method, request.url, parameters);
+    const std::string key = PercentEncode(*consumerSecret) + "&" + PercentEncode(*tokenSecret);
+    if (!EqualSecretly(HmacSha1(key, base), value("oauth_signature")))
+    {
+        return Refused("signature_invalid&debug_sbs=" + base);
+    }
+    // Only what is truly signed can use a nonce up.
+    const std::string nonce = value("oauth_timestamp") + " " + value("oauth_consumer_key") + " " + token + " " +
+                              value("oauth_nonce");
+    std::lock_guard lock(m_mutex);
+    if (!IsNonceFresh(nonce, now))
+    {
+        return Refused("nonce_used");
+    }
+    RememberNonce(nonce, now);
+    return {.accepted = true, .consumerKey = value("oauth_consumer_key"), .token = token};
+}
+
+bool OAuthVerifier::IsNonceFresh(const std::string &nonce, std::int64_t now)
+{
+    // A timestamp may lie a window ahead, so its nonce counts for two windows.
+    while (!m_nonceAges.empty() &&
+           (m_nonceAges.front().first < now - 2 * TimestampWindow || m_nonceAges.size() >= NonceLimit))
+    {
+        m_nonces.erase(m_nonceAges.front().second);
+        m_nonceAges.pop_front();
+    }
+    return !m_nonces.contains(nonce);
+}
+
+void OAuthVerifier::RememberNonce(const std::string &nonce, std::int64_t now)
+{
+    m_nonces.insert(nonce);
+    m_nonceAges.emplace_back(now, nonce);
+}
+
+}

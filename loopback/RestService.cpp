@@ -1,0 +1,179 @@
+#include "loopback/RestService.h"
+
+#include "loopback/XmlReply.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <sstream>
+
+namespace loopback
+{
+
+namespace
+{
+
+constexpr std::size_t BodyLimit = 1024 * 1024;
+
+struct Call
+{
+    const FormFields &fields;
+    const TokenRecord &token;
+    const Account &account;
+    const PhotoIndex &photos;
+};
+
+HttpReply CheckToken(const Call &call)
+{
+    const auto &account = call.account;
+    HttpReply reply = OkReply({{"oauth",
+                                {},
+                                "",
+                                {{"token", {}, call.token.token},
+                                 {"perms", {}, call.token.permission},
+                                 {"user",
+                                  {{"nsid", account.nsid},
+                                   {"username", account.userName},
+                                   {"fullname", account.fullName}}}}}});
+    // The service puts a blank line ahead of some of its replies.
+    reply.body.insert(0, "\n");
+    return reply;
+}
+
+HttpReply GetUserPhotos(const Call &call)
+{
+    return OkReply({{"user", {{"nsid", call.account.nsid}, {"url", call.account.photosUrl}}}});
+}
+
+HttpReply TestLogin(const Call &call)
+{
+    return OkReply({{"user", {{"id", call.account.nsid}}, "", {{"username", {}, call.account.userName}}}});
+}
+
+HttpReply GetUploadStatus(const Call &call)
+{
+    const Account &account = call.account;
+    const auto text = [](std::int64_t number) { return std::to_string(number); };
+    const bool isUnlimited = account.isPro || account.bandwidthMax == 0;
+    const auto left = std::max<std::int64_t>(account.bandwidthMax - account.bandwidthUsed, 0);
+    XmlElement bandwidth{"bandwidth",
+                         {{"max", text(account.bandwidthMax)},
+                          {"used", text(account.bandwidthUsed)},
+                          {"maxbytes", text(account.bandwidthMax)},
+                          {"usedbytes", text(account.bandwidthUsed)},
+                          {"remainingbytes", text(left)},
+                          {"maxkb", text(account.bandwidthMax / 1024)},
+                          {"usedkb", text(account.bandwidthUsed / 1024)},
+                          {"remainingkb", text(left / 1024)},
+                          {"unlimited", isUnlimited ? "1" : "0"}}};
+    XmlElement fileSize{"filesize",
+                        {{"max", text(account.maxFileSize)},
+                         {"maxbytes", text(account.maxFileSize)},
+                         {"maxkb", text(account.maxFileSize / 1024)},
+                         {"maxmb", text(account.maxFileSize / 1024 / 1024)}}};
+    return OkReply({{"user",
+                     {{"id", account.nsid}, {"username", account.userName}, {"ispro", account.isPro ? "1" : "0"}},
+                     "",
+                     {{"username", {}, account.userName},
+                      std::move(bandwidth),
+                      std::move(fileSize),
+                      {"sets", {{"created", "0"}, {"remaining", "lots"}}},
+                      {"videos", {{"uploaded", "0"}, {"remaining", "lots"}}}}}});
+}
+
+HttpReply CheckTickets(const Call &call)
+{
+    const auto tickets = FindField(call.fields, "tickets");
+    if (!tickets || tickets->empty())
+    {
+        return FailReply(1, "Required parameter missing: tickets");
+    }
+    const auto now = std::chrono::duration_cast<std::chrono::milliseconds>(
+                         std::chrono::system_clock::now().time_since_epoch())
+                         .count();
+    XmlElement uploader{"uploader"};
+    std::istringstream list(*tickets);
+    for (std::string ticket; std::getline(list, ticket, ',');)
+    {
+        const TicketAnswer answer = call.photos.CheckTicket(ticket, now);
+        XmlElement element{"ticket", {{"id", ticket}}};
+        switch (answer.state)
+        {
+        case TicketState::Unknown:
+            element.attributes.emplace_back("invalid", "1");
+            break;
+        case TicketState::Open:
+            element.attributes.emplace_back("complete", "0");
+            break;
+        case TicketState::Failed:
+            element.attributes.emplace_back("complete", "2");
+            break;
+        case TicketState::Complete:
+            element.attributes.emplace_back("complete", "1");
+            element.attributes.emplace_back("photoid", std::to_string(answer.photoId));
+            break;
+        }
+        uploader.children.push_back(std::move(element));
+    }
+    return OkReply({std::move(uploader)});
+}
+
+struct Method
+{
+    const char *name;
+    Permission permission;
+    HttpReply (*answer)(const Call &);
+};
+
+constexpr std::array Methods = {
+    Method{"flickr.auth.oauth.checkToken", Permission::Read, CheckToken},
+    Method{"flickr.urls.getUserPhotos", Permission::Read, GetUserPhotos},
+    Method{"flickr.people.getUploadStatus", Permission::Read, GetUploadStatus},
+    Method{"flickr.photos.upload.checkTickets", Permission::None, CheckTickets},
+    Method{"flickr.test.login", Permission::Read, TestLogin},
+};
+
+}
+
+RestService::RestService(AccountBook &accounts, PhotoIndex &photos, Admission &admission)
+    : m_accounts(accounts), m_photos(photos), m_admission(admission)
+{
+}
+
+RestReply RestService::Handle(HttpExchange &exchange)
+{
+    const HttpRequest &request = exchange.Request();
+    std::string body;
+    if (!exchange.ReadBody([&](std::string_view bytes)
+                           { return body.append(bytes).size() <= BodyLimit; }))
+    {
+        return {HttpReply{400}, ""};
+    }
+    FormFields bodyFields;
+    if (request.Header("content-type").starts_with("application/x-www-form-urlencoded"))
+    {
+        bodyFields = ParseForm(body);
+    }
+    FormFields fields = ParseForm(request.Query());
+    fields.insert(fields.end(), bodyFields.begin(), bodyFields.end());
+
+    const std::string name = FindField(fields, "method").value_or("");
+    const auto method = std::find_if(Methods.begin(), Methods.end(),
+                                     [&](const Method &candidate) { return name == candidate.name; });
+    if (method == Methods.end())
+    {
+        return {FailReply(112, "Method \"" + name + "\" not found"), name};
+    }
+    if (FindField(fields, "format").value_or("rest") != "rest")
+    {
+        return {FailReply(111, "Format \"" + *FindField(fields, "format") + "\" not found"), name};
+    }
+    const Caller caller = m_admission.Admit(request, bodyFields, method->permission);
+    if (caller.refusal)
+    {
+        return {*caller.refusal, name};
+    }
+    return {method->answer({fields, caller.token, m_accounts.Get(), m_photos}), name};
+}
+
+}

@@ -1,0 +1,34 @@
+// The REST endpoint: the methods that publishers call. Thread-safe.
+#pragma once
+
+#include "loopback/AccountBook.h"
+#include "loopback/Admission.h"
+#include "loopback/HttpMessages.h"
+#include "loopback/PhotoIndex.h"
+
+#include <string>
+
+namespace loopback
+{
+
+struct RestReply
+{
+    HttpReply reply;
+    // The "method" that was called, as it came.
+    std::string method;
+};
+
+class RestService
+{
+public:
+    RestService(AccountBook &accounts, PhotoIndex &photos, Admission &admission);
+
+    RestReply Handle(HttpExchange &exchange);
+
+private:
+    AccountBook &m_accounts;
+    PhotoIndex &m_photos;
+    Admission &m_admission;
+};
+
+}

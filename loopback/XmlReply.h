@@ -1,0 +1,30 @@
+// The XML of the service's replies.
+#pragma once
+
+#include "loopback/HttpMessages.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace loopback
+{
+
+struct XmlElement
+{
+    std::string name;
+    std::vector<std::pair<std::string, std::string>> attributes;
+    std::string text;
+    std::vector<XmlElement> children;
+};
+
+// The document in UTF-8 with its declaration; characters that XML can't hold become U+FFFD or "?".
+std::string WriteXml(const XmlElement &root);
+
+// <rsp stat="ok"> around the children.
+HttpReply OkReply(std::vector<XmlElement> children);
+
+// <rsp stat="fail"> with code and message; the HTTP status of these is 200.
+HttpReply FailReply(int code, const std::string &message);
+
+}
