@@ -31,7 +31,9 @@ const char *LocaleName(LCID locale)
             return name;
         }
     }
-    return uloc_getDefault();
+    // The C locale would compare code points, which no language does and Windows doesn't know.
+    const char *environment = uloc_getDefault();
+    return std::strstr(environment, "POSIX") ? "en_US" : environment;
 }
 
 CollatorOwner OpenCollator(LCID locale, ULONG flags)

@@ -1,0 +1,205 @@
+#include "core/ComPtr.h"
+#include "core/HandleOwner.h"
+#include "core/WideText.h"
+
+#include <gmock/gmock.h>
+#include <shlwapi.h>
+
+#include <cstring>
+#include <string>
+
+namespace
+{
+LARGE_INTEGER Move(LONGLONG bytes)
+{
+    LARGE_INTEGER result;
+    result.QuadPart = bytes;
+    return result;
+}
+
+ULARGE_INTEGER Size(ULONGLONG bytes)
+{
+    ULARGE_INTEGER result;
+    result.QuadPart = bytes;
+    return result;
+}
+
+ULONGLONG SizeOf(IStream *stream)
+{
+    STATSTG status{};
+    EXPECT_EQ(S_OK, stream->Stat(&status, STATFLAG_NONAME));
+    EXPECT_EQ(nullptr, status.pwcsName);
+    EXPECT_EQ(DWORD(STGTY_STREAM), status.type);
+    return status.cbSize.QuadPart;
+}
+
+std::string ReadFrom(IStream *stream, LONGLONG position, ULONG bytes)
+{
+    std::string text(bytes, '?');
+    ULONG read = 0;
+    EXPECT_EQ(S_OK, stream->Seek(Move(position), STREAM_SEEK_SET, nullptr));
+    EXPECT_TRUE(SUCCEEDED(stream->Read(text.data(), bytes, &read)));
+    text.resize(read);
+    return text;
+}
+
+ComPtr<IStream> NewMemoryStream()
+{
+    ComPtr<IStream> stream;
+    EXPECT_EQ(S_OK, CreateStreamOnHGlobal(nullptr, TRUE, stream.Put()));
+    return stream;
+}
+
+TEST(MemoryStreams, GrowAndShrinkAndKeepAPosition)
+{
+    const ComPtr<IStream> stream = NewMemoryStream();
+    EXPECT_EQ(0u, SizeOf(stream.Get()));
+    ULONG count = 9;
+    char byte;
+    EXPECT_EQ(S_OK, stream->Read(&byte, 1, &count));
+    EXPECT_EQ(0u, count);
+    EXPECT_EQ(S_OK, stream->Write("abcdef", 6, &count));
+    EXPECT_EQ(6u, count);
+    ULARGE_INTEGER position;
+    EXPECT_EQ(S_OK, stream->Seek(Move(-2), STREAM_SEEK_CUR, &position));
+    EXPECT_EQ(4u, position.QuadPart);
+    EXPECT_EQ(STG_E_INVALIDFUNCTION, stream->Seek(Move(-1), STREAM_SEEK_SET, nullptr));
+    EXPECT_EQ(STG_E_INVALIDFUNCTION, stream->Seek(Move(0), 3, nullptr));
+    EXPECT_EQ(S_OK, stream->Seek(Move(2), STREAM_SEEK_END, &position));
+    EXPECT_EQ(8u, position.QuadPart);
+    EXPECT_EQ(S_OK, stream->Write("x", 1, nullptr));
+    EXPECT_EQ(9u, SizeOf(stream.Get()));
+    EXPECT_EQ(std::string("abcdef", 6), ReadFrom(stream.Get(), 0, 6));
+    EXPECT_EQ("x", ReadFrom(stream.Get(), 8, 5));
+    EXPECT_EQ(S_OK, stream->SetSize(Size(3)));
+    EXPECT_EQ("bc", ReadFrom(stream.Get(), 1, 100));
+    EXPECT_EQ(STG_E_INVALIDPOINTER, stream->Stat(nullptr, STATFLAG_NONAME));
+    EXPECT_EQ(STG_E_INVALIDFUNCTION, stream->LockRegion(Size(0), Size(1), LOCK_WRITE));
+}
+
+TEST(MemoryStreams, ClonesShareTheBytesAndNotThePosition)
+{
+    const ComPtr<IStream> stream = NewMemoryStream();
+    stream->Write("abc", 3, nullptr);
+    ComPtr<IStream> clone;
+    ASSERT_EQ(S_OK, stream->Clone(clone.Put()));
+    EXPECT_EQ(S_OK, clone->Write("def", 3, nullptr));
+    ULARGE_INTEGER position;
+    stream->Seek(Move(0), STREAM_SEEK_CUR, &position);
+    EXPECT_EQ(3u, position.QuadPart);
+    EXPECT_EQ("abcdef", ReadFrom(stream.Get(), 0, 6));
+}
+
+TEST(MemoryStreams, HandOutTheirMemory)
+{
+    ComPtr<IStream> stream;
+    {
+        GlobalMemoryOwner memory(GlobalAlloc(GMEM_MOVEABLE, 4));
+        std::memcpy(GlobalLock(memory.Get()), "wxyz", 4);
+        GlobalUnlock(memory.Get());
+        ASSERT_EQ(S_OK, CreateStreamOnHGlobal(memory.Get(), FALSE, stream.Put()));
+        EXPECT_EQ("wxyz", ReadFrom(stream.Get(), 0, 4));
+        HGLOBAL found = nullptr;
+        EXPECT_EQ(S_OK, GetHGlobalFromStream(stream.Get(), &found));
+        EXPECT_EQ(memory.Get(), found);
+        stream.Reset();
+        const GlobalLockOwner lock(memory.Get());
+        EXPECT_EQ(0, std::memcmp(GlobalLock(memory.Get()), "wxyz", 4));
+    }
+    stream = NewMemoryStream();
+    const std::string many(100000, 'm');
+    stream->Write(many.data(), 100000, nullptr);
+    HGLOBAL memory = nullptr;
+    ASSERT_EQ(S_OK, GetHGlobalFromStream(stream.Get(), &memory));
+    EXPECT_GE(GlobalSize(memory), 100000u);
+    const GlobalLockOwner lock(memory);
+    EXPECT_EQ(0, std::memcmp(GlobalLock(memory), many.data(), many.size()));
+}
+
+TEST(MemoryStreams, CopyUpToTheirEnd)
+{
+    const ComPtr<IStream> source = NewMemoryStream();
+    const ComPtr<IStream> target = NewMemoryStream();
+    const std::string many(40000, 'c');
+    source->Write(many.data(), 40000, nullptr);
+    source->Seek(Move(10000), STREAM_SEEK_SET, nullptr);
+    ULARGE_INTEGER read, written;
+    EXPECT_EQ(S_OK, source->CopyTo(target.Get(), Size(~0ull >> 1), &read, &written));
+    EXPECT_EQ(30000u, read.QuadPart);
+    EXPECT_EQ(30000u, written.QuadPart);
+    EXPECT_EQ(30000u, SizeOf(target.Get()));
+    EXPECT_EQ(STG_E_INVALIDPOINTER, source->CopyTo(nullptr, Size(1), nullptr, nullptr));
+}
+
+class FileStreams : public testing::Test
+{
+protected:
+    void SetUp() override { ASSERT_EQ(S_OK, Make(TEXT("stream-test-ä€😀.bin"), m_stream)); }
+
+    static HRESULT Make(const WCHAR *name, ComPtr<IStream> &stream)
+    {
+        return SHCreateStreamOnFileW(name, STGM_READWRITE | STGM_CREATE, stream.Put());
+    }
+
+    static HRESULT Read(const WCHAR *name, ComPtr<IStream> &stream)
+    {
+        return SHCreateStreamOnFileW(name, 0x20, stream.Put());
+    }
+
+    ComPtr<IStream> m_stream;
+    const WCHAR *const m_name = TEXT("stream-test-ä€😀.bin");
+};
+
+TEST_F(FileStreams, ReadWhatWasWrittenAndRefuseToWriteWhenOpenForReading)
+{
+    EXPECT_EQ(S_OK, m_stream->Write("0123456789", 10, nullptr));
+    EXPECT_EQ(10u, SizeOf(m_stream.Get()));
+    m_stream.Reset();
+    ComPtr<IStream> reader;
+    ASSERT_EQ(S_OK, Read(m_name, reader));
+    EXPECT_EQ(10u, SizeOf(reader.Get()));
+    EXPECT_EQ("456", ReadFrom(reader.Get(), 4, 3));
+    EXPECT_EQ("89", ReadFrom(reader.Get(), 8, 3));
+    EXPECT_TRUE(FAILED(reader->Write("x", 1, nullptr)));
+    EXPECT_TRUE(FAILED(reader->SetSize(Size(0))));
+    EXPECT_EQ(10u, SizeOf(reader.Get()));
+    const ComPtr<IStream> memory = NewMemoryStream();
+    ULARGE_INTEGER read;
+    reader->Seek(Move(1), STREAM_SEEK_SET, nullptr);
+    EXPECT_EQ(S_OK, reader->CopyTo(memory.Get(), Size(5), &read, nullptr));
+    EXPECT_EQ("12345", ReadFrom(memory.Get(), 0, 9));
+}
+
+TEST_F(FileStreams, HavePositionsAndSizesOf64Bits)
+{
+    ULARGE_INTEGER position;
+    EXPECT_EQ(S_OK, m_stream->Seek(Move(5000000000), STREAM_SEEK_SET, &position));
+    EXPECT_EQ(5000000000u, position.QuadPart);
+    EXPECT_EQ(S_OK, m_stream->Write("x", 1, nullptr));
+    EXPECT_EQ(5000000001u, SizeOf(m_stream.Get()));
+    EXPECT_EQ("x", ReadFrom(m_stream.Get(), 5000000000, 2));
+    EXPECT_EQ(S_OK, m_stream->SetSize(Size(2)));
+    EXPECT_EQ(2u, SizeOf(m_stream.Get()));
+}
+
+TEST_F(FileStreams, SayWhyAFileCannotBeOpened)
+{
+    const struct
+    {
+        const WCHAR *name;
+        HRESULT expected;
+    } cases[] = {
+        {TEXT("no-such-file.jpg"), HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND)},
+        {TEXT("no-such-folder/file.jpg"), HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND)},
+        {TEXT("."), HRESULT_FROM_WIN32(ERROR_ACCESS_DENIED)},
+    };
+    for (const auto &c : cases)
+    {
+        ComPtr<IStream> stream;
+        EXPECT_EQ(c.expected, Read(c.name, stream)) << testing::PrintToString(WideText(c.name));
+        EXPECT_FALSE(stream);
+    }
+    ComPtr<IStream> stream;
+    EXPECT_EQ(HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND), Make(TEXT("no-such-folder/new.bin"), stream));
+}
+} // namespace
