@@ -1,0 +1,3 @@
+#include "tests/webclient/DocumentText.h"
+
+void UseDocumentComponent() {}

@@ -1,0 +1,69 @@
+#include "webclient/ErrorBody.h"
+#include "webclient/TransportWords.h"
+
+#include <gmock/gmock.h>
+
+namespace
+{
+using testing::HasSubstr;
+using testing::Not;
+
+TEST(ErrorBody, SaysInOneLineWhatThePageSaid)
+{
+    const std::pair<std::string, std::string> cases[] = {
+        {"", ""},
+        {" \r\n", ""},
+        {"Rate limit exceeded.\r\nTry later.\r\n", "Rate limit exceeded. Try later."},
+        {"\xEF\xBB\xBF<!DOCTYPE html>\n<html><head>\n<TITLE lang=en>\n 504  Gateway\nTime-out &amp; more</TITLE>"
+         "<script>x</script></head><body>long</body></html>", "504 Gateway Time-out & more"},
+        {"<html><body><h1>Bad, <b>bad</b> gateway</h1>text</body></html>", "Bad, bad gateway"},
+        {"<html><head><title></title></head><body>text</body></html>", ""},
+        {"<html><title>never closed", ""},
+        {"&amp;lt; stays", "&amp;lt; stays"},
+        {"<title>&amp;lt;b&amp;gt;</title>", "&lt;b&gt;"},
+        {std::string("GIF89a\x01\x00\x02", 9), ""},
+    };
+    for (const auto &[body, expected] : cases)
+    {
+        EXPECT_EQ(DescribeErrorBody(body), expected) << body;
+    }
+}
+
+TEST(ErrorBody, OAuthProblemsArePutPlainlyAndWithoutTheirDetails)
+{
+    const std::string signature = DescribeErrorBody(
+        "oauth_problem=signature_invalid&debug_sbs=POST&https%3A%2F%2Fapi&oauth_token%3Dsecret-token");
+    EXPECT_EQ(signature, "The service did not accept the signature of the request (signature_invalid)");
+    EXPECT_THAT(DescribeErrorBody("oauth_problem=token_rejected\n"), HasSubstr("authorize again (token_rejected)"));
+    EXPECT_EQ(DescribeErrorBody("oauth_problem=parameter_absent&oauth_parameters_absent=oauth_nonce%26oauth_token"),
+              "The request lacked a parameter: oauth_nonce oauth_token (parameter_absent)");
+    EXPECT_EQ(DescribeErrorBody("oauth_problem=brand_new<b>"), "The service refused the request (brand_new b )");
+}
+
+TEST(ErrorBody, LongTextIsCutBetweenCharacters)
+{
+    std::string text;
+    for (int i = 0; i < 1000; ++i)
+    {
+        text += "\xC3\xA4";
+    }
+    const std::string line = DescribeErrorBody(text);
+    EXPECT_EQ(line.size(), 200 * 2 + 3u);
+    EXPECT_TRUE(line.ends_with("\xC3\xA4..."));
+}
+
+TEST(TransportWords, EveryProblemFailsWithWords)
+{
+    for (int problem = 0; problem <= static_cast<int>(TransportProblem::Other); ++problem)
+    {
+        const auto words = WordsFor({static_cast<TransportProblem>(problem), E_ABORT}, "api.example", "picture");
+        EXPECT_TRUE(FAILED(words.code));
+        EXPECT_FALSE(words.status.empty());
+        EXPECT_THAT(words.description, Not(HasSubstr("{"))) << words.description;
+    }
+    EXPECT_EQ(WordsFor({TransportProblem::EndedByCaller, E_ABORT}, "h", "picture").code, E_ABORT);
+    EXPECT_EQ(WordsFor({TransportProblem::NameNotFound}, "h", "picture").code, static_cast<HRESULT>(0x80072EE7));
+    EXPECT_THAT(WordsFor({TransportProblem::LostBeforeAnswer}, "h", "picture").description,
+                HasSubstr("the picture may or may not have arrived"));
+}
+} // namespace

@@ -1,0 +1,7 @@
+// The identifiers of this program.
+#include <windows.h>
+#include <objbase.h>
+#include <initguid.h>
+
+#include "WebComponents.h"
+#include "XmlInterfaces.h"

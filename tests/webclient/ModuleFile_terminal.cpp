@@ -1,0 +1,31 @@
+#include "tests/webclient/ModuleFile.h"
+
+#include "tests/webclient/DocumentText.h"
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+void *ModuleFunction(const char *name, const char *function)
+{
+    // Never closed: registered classes stay for the whole program.
+    void *module = dlopen((std::string(MODULE_FOLDER "/") + name).c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (module == nullptr)
+    {
+        ADD_FAILURE() << dlerror();
+        return nullptr;
+    }
+    return dlsym(module, function);
+}
+
+bool RegisterModule(const char *name)
+{
+    const auto registerServer = reinterpret_cast<HRESULT (*)()>(ModuleFunction(name, "DllRegisterServer"));
+    return registerServer != nullptr && SUCCEEDED(registerServer());
+}
+
+void UseDocumentComponent()
+{
+    ASSERT_TRUE(RegisterModule("msxml.so"));
+}

@@ -1,0 +1,203 @@
+#include "core/BstrOwner.h"
+#include "tests/webclient/ScriptedStream.h"
+#include "webclient/MimeType.h"
+#include "webclient/MultipartForm.h"
+#include "webclient/RequestParameters.h"
+#include "webclient/Utf8.h"
+
+#include <gmock/gmock.h>
+
+namespace
+{
+using testing::HasSubstr;
+using testing::Not;
+
+std::string ReadAll(IStream *stream, ULONG chunk, HRESULT *result = nullptr)
+{
+    std::string all;
+    std::string buffer(chunk, 0);
+    for (;;)
+    {
+        ULONG read = 0;
+        const HRESULT code = stream->Read(buffer.data(), chunk, &read);
+        all.append(buffer, 0, read);
+        if (FAILED(code) || read == 0)
+        {
+            if (result != nullptr)
+            {
+                *result = code;
+            }
+            return all;
+        }
+    }
+}
+
+std::string BoundaryOf(IMultipartFormData *form)
+{
+    BstrOwner type;
+    EXPECT_EQ(form->GetContentType(type.Put()), S_OK);
+    const std::string text = Utf8FromWide(type.View());
+    EXPECT_TRUE(text.starts_with("multipart/form-data; boundary=")) << text;
+    return text.substr(text.find('=') + 1);
+}
+
+UINT32 LengthOf(IMultipartFormData *form)
+{
+    UINT32 length = 0;
+    EXPECT_EQ(form->GetBodyLength(&length), S_OK);
+    return length;
+}
+
+class MultipartFormTest : public testing::Test
+{
+protected:
+    ComPtr<CMultipartFormData> form = CMultipartFormData::Make();
+    ComPtr<IStream> body = QueryFor<IStream>(static_cast<IMultipartFormData *>(form.Get()));
+};
+
+TEST_F(MultipartFormTest, BodyIsByteForByteWhatTheFormHolds)
+{
+    const auto picture = ScriptedStream::Make("\xFF\xD8 bytes \r\n--x\0 of it", 4);
+    ASSERT_EQ(form->AddTextField(TEXT("title"), TEXT("Gr\u00FC\u00DFe \U0001F600\x01\r\n\ttab")), S_OK);
+    ASSERT_EQ(form->AddNumberField(TEXT("is_public"), 4000000000u), S_OK);
+    ASSERT_EQ(form->AddFilePart(TEXT("photo"), picture.Get(), TEXT("image/jpeg"), TEXT("b.jpg"), 0, 0), S_OK);
+    const std::string b = BoundaryOf(form.Get());
+    const std::string expected =
+        "--" + b + "\r\nContent-Disposition: form-data; name=\"title\"\r\n\r\n" +
+        "Gr\xC3\xBC\xC3\x9F" "e \xF0\x9F\x98\x80\x01\r\n\ttab\r\n" +
+        "--" + b + "\r\nContent-Disposition: form-data; name=\"is_public\"\r\n\r\n4000000000\r\n" +
+        "--" + b + "\r\nContent-Disposition: form-data; name=\"photo\"; filename=\"b.jpg\"\r\n" +
+        "Content-Type: image/jpeg\r\n\r\n" + picture->Bytes() + "\r\n--" + b + "--\r\n";
+    EXPECT_EQ(LengthOf(form.Get()), expected.size());
+    for (const ULONG chunk : {1u, 7u, 65536u})
+    {
+        EXPECT_EQ(ReadAll(body.Get(), chunk), expected) << chunk;
+        EXPECT_EQ(body->Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr), S_OK);
+    }
+}
+
+TEST_F(MultipartFormTest, FileNameIsQuotedAndWithoutFolders)
+{
+    const std::pair<const WCHAR *, const char *> cases[] = {
+        {TEXT("C:\\Users\\me\\a.jpg"), "\"a.jpg\""},
+        {TEXT("/home/me/\u65E5\u672C.jpg"), "\"\xE6\x97\xA5\xE6\x9C\xAC.jpg\""},
+        {TEXT("say \"hi\"\r\nX: y.jpg"), "\"say %22hi%22%0D%0AX: y.jpg\""},
+    };
+    for (const auto &[name, expected] : cases)
+    {
+        const auto one = CMultipartFormData::Make();
+        ASSERT_EQ(one->AddFilePart(TEXT("photo"), ScriptedStream::Make("x").Get(), TEXT("image/jpeg"), name, 0, 0), S_OK);
+        const auto text = ReadAll(QueryFor<IStream>(static_cast<IMultipartFormData *>(one.Get())).Get(), 4096);
+        EXPECT_THAT(text, HasSubstr("filename=" + std::string(expected) + "\r\n"));
+        EXPECT_THAT(text, Not(HasSubstr("me/")));
+    }
+}
+
+TEST_F(MultipartFormTest, FileGoesFromItsPresentPosition)
+{
+    const auto picture = ScriptedStream::Make("0123456789");
+    LARGE_INTEGER four{};
+    four.QuadPart = 4;
+    ASSERT_EQ(picture->Seek(four, STREAM_SEEK_SET, nullptr), S_OK);
+    ASSERT_EQ(form->AddFilePart(TEXT("photo"), picture.Get(), TEXT("image/gif"), TEXT("a.gif"), 0, 0), S_OK);
+    for (int pass = 0; pass < 2; ++pass)
+    {
+        const std::string text = ReadAll(body.Get(), 100);
+        EXPECT_EQ(text.size(), LengthOf(form.Get()));
+        EXPECT_THAT(text, HasSubstr("\r\n\r\n456789\r\n--"));
+        body->Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr);
+    }
+}
+
+TEST_F(MultipartFormTest, BodyOfFourGibibytesFailsItsLength)
+{
+    const auto picture = ScriptedStream::Make("x");
+    ASSERT_EQ(form->AddFilePart(TEXT("photo"), picture.Get(), TEXT("image/jpeg"), TEXT("a.jpg"), 0, 0), S_OK);
+    const UINT64 frame = LengthOf(form.Get()) - 1;
+    for (const UINT64 whole : {UINT64(0xFFFFFFFF), UINT64(0x100000000)})
+    {
+        const auto big = CMultipartFormData::Make();
+        const auto content = ScriptedStream::Make("x");
+        content->claimedSize = whole - frame;
+        ASSERT_EQ(big->AddFilePart(TEXT("photo"), content.Get(), TEXT("image/jpeg"), TEXT("a.jpg"), 0, 0), S_OK);
+        UINT32 length = 77;
+        const bool fits = whole <= 0xFFFFFFFF;
+        EXPECT_EQ(big->GetBodyLength(&length), fits ? S_OK : static_cast<HRESULT>(0x800700DF));
+        EXPECT_EQ(length, fits ? 0xFFFFFFFFu : 0u);
+    }
+}
+
+TEST_F(MultipartFormTest, TroubleWithTheFileIsTold)
+{
+    const auto shrunk = ScriptedStream::Make("12345");
+    shrunk->claimedSize = 9;
+    ASSERT_EQ(form->AddFilePart(TEXT("photo"), shrunk.Get(), TEXT("image/jpeg"), TEXT("a.jpg"), 0, 0), S_OK);
+    HRESULT result = S_OK;
+    EXPECT_THAT(ReadAll(body.Get(), 4096, &result), HasSubstr("\r\n\r\n12345"));
+    EXPECT_EQ(result, HRESULT_FROM_WIN32(ERROR_HANDLE_EOF));
+
+    const auto other = CMultipartFormData::Make();
+    const auto broken = ScriptedStream::Make("12345");
+    broken->failAt = 3;
+    broken->failure = STG_E_READFAULT;
+    ASSERT_EQ(other->AddFilePart(TEXT("photo"), broken.Get(), TEXT("image/jpeg"), TEXT("a.jpg"), 0, 0), S_OK);
+    ReadAll(QueryFor<IStream>(static_cast<IMultipartFormData *>(other.Get())).Get(), 4096, &result);
+    EXPECT_EQ(result, STG_E_READFAULT);
+}
+
+TEST_F(MultipartFormTest, IncompleteCallsAreRefused)
+{
+    EXPECT_EQ(form->AddTextField(nullptr, TEXT("x")), E_INVALIDARG);
+    EXPECT_EQ(form->AddTextField(TEXT("x"), nullptr), E_INVALIDARG);
+    EXPECT_EQ(form->AddFilePart(TEXT("x"), nullptr, TEXT("y"), TEXT("z"), 0, 0), E_INVALIDARG);
+    EXPECT_EQ(form->GetBodyLength(nullptr), E_INVALIDARG);
+    EXPECT_EQ(form->GetContentType(nullptr), E_INVALIDARG);
+    ComPtr<IStream> clone;
+    EXPECT_EQ(body->Clone(clone.Put()), E_NOTIMPL);
+    EXPECT_NE(BoundaryOf(form.Get()), BoundaryOf(CMultipartFormData::Make().Get()));
+}
+
+TEST(RequestParameters, ValuesBecomeTheTextsOfTheForm)
+{
+    const auto parameters = CRequestParameters::Make();
+    VARIANT value{};
+    V_VT(&value) = VT_I4;
+    V_I4(&value) = -5;
+    ASSERT_EQ(parameters->Add(TEXT("negative"), value), S_OK);
+    V_VT(&value) = VT_UI4;
+    V_UI4(&value) = 4000000000u;
+    ASSERT_EQ(parameters->Add(TEXT("unsigned"), value), S_OK);
+    const WCHAR withZero[] = {'a', 0xD800, 0, 'b', 0};
+    const BstrOwner text(WideView(withZero, 4));
+    V_VT(&value) = VT_BSTR;
+    V_BSTR(&value) = text.Get();
+    ASSERT_EQ(parameters->Add(TEXT("title"), value), S_OK);
+    V_BSTR(&value) = nullptr;
+    ASSERT_EQ(parameters->Add(TEXT("none"), value), S_OK);
+    V_VT(&value) = VT_R8;
+    EXPECT_EQ(parameters->Add(TEXT("real"), value), DISP_E_BADVARTYPE);
+    EXPECT_EQ(parameters->Add(nullptr, value), E_INVALIDARG);
+
+    const ParameterList read = ReadParameters(parameters.Get());
+    ASSERT_EQ(read.size(), 4u);
+    EXPECT_EQ(read[0].value.View(), "-5");
+    EXPECT_EQ(read[1].value.View(), "4000000000");
+    EXPECT_EQ(read[2].name, "title");
+    EXPECT_EQ(read[2].value.View(), "a\xEF\xBF\xBD"); // up to the zero, as a form's field would be
+    EXPECT_EQ(read[3].value.View(), "");
+    EXPECT_TRUE(ReadParameters(nullptr).empty());
+}
+
+TEST(MimeType, GoesByTheExtension)
+{
+    const std::pair<const WCHAR *, const WCHAR *> cases[] = {
+        {TEXT("a.JPG"), TEXT("image/jpeg")},      {TEXT("a.b.jpeg"), TEXT("image/jpeg")},
+        {TEXT("x.png"), TEXT("image/png")},       {TEXT("x.tif"), TEXT("image/tiff")},
+        {TEXT("x.MOV"), TEXT("video/quicktime")}, {TEXT("jpg"), TEXT("application/octet-stream")},
+        {TEXT("a.jpg/b"), TEXT("application/octet-stream")}, {TEXT("a."), TEXT("application/octet-stream")}};
+    for (const auto &[name, expected] : cases)
+    {
+        EXPECT_EQ(WideText(MimeTypeOfFile(name)), expected);
+    }
+}
+} // namespace

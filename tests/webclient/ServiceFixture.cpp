@@ -1,0 +1,160 @@
+#include "tests/webclient/ServiceFixture.h"
+
+#include "core/BstrOwner.h"
+#include "tests/webclient/DocumentText.h"
+#include "tests/webclient/ModuleFile.h"
+#include "tests/webclient/ScriptedStream.h"
+#include "webclient/OAuthSignature.h"
+#include "webclient/OAuthWebClient.h"
+#include "webclient/PercentEncoding.h"
+
+#include <cstdlib>
+
+namespace
+{
+const char *TrustFile = "webclient-test-ca.pem";
+} // namespace
+
+std::string UploadOutcome::Text(const char *path) const
+{
+    return DocumentText(reply.Get(), path);
+}
+
+const TestAuthority &ServiceFixture::Authority()
+{
+    static const TestAuthority authority;
+    return authority;
+}
+
+void ServiceFixture::SetUpTestSuite()
+{
+    UseDocumentComponent();
+    ASSERT_TRUE(RegisterModule("Halvora.WebComponents.so"));
+    Authority().Save(TrustFile);
+}
+
+void ServiceFixture::SetUp()
+{
+    setenv("HALVORA_CA_FILE", TrustFile, 1);
+}
+
+void ServiceFixture::TearDown()
+{
+    m_server.reset();
+    unsetenv("HALVORA_CONNECT_TO");
+    unsetenv("HALVORA_CA_FILE");
+}
+
+TlsTestServer &ServiceFixture::StartServer(TlsTestServer::Script script)
+{
+    static const IssuedCertificate usual = Authority().Issue("DNS:*.flickr.com,DNS:flickr.com");
+    return StartServer(usual, std::move(script));
+}
+
+TlsTestServer &ServiceFixture::StartServer(const IssuedCertificate &certificate, TlsTestServer::Script script)
+{
+    m_server = std::make_unique<TlsTestServer>(certificate, std::move(script));
+    ConnectTo(m_server->Port());
+    return *m_server;
+}
+
+void ServiceFixture::ConnectTo(unsigned port)
+{
+    const std::string there = ":127.0.0.1:" + std::to_string(port);
+    const std::string entries = "api.flickr.com:443" + there + ";;www.flickr.com:443" + there;
+    setenv("HALVORA_CONNECT_TO", entries.c_str(), 1);
+}
+
+ComPtr<IOAuthWebClient> ServiceFixture::Client()
+{
+    ComPtr<IOAuthWebClient> client;
+    EXPECT_EQ(CoCreateInstance(CLSID_OAuthWebClient, nullptr, 23, __uuidof(IOAuthWebClient), client.PutVoid()), S_OK);
+    SetService(client.Get());
+    return client;
+}
+
+ComPtr<IOAuthWebClient> ServiceFixture::ClientWithLimits(const TransportLimits &limits)
+{
+    ComPtr<IOAuthWebClient> client;
+    EXPECT_EQ(COAuthWebClient::CreateInstance(nullptr, __uuidof(IOAuthWebClient), client.PutVoid(),
+                                              CreateTransport(limits)), S_OK);
+    SetService(client.Get());
+    return client;
+}
+
+void ServiceFixture::SetService(IOAuthWebClient *client)
+{
+    ASSERT_EQ(client->SetService(TEXT("Halvora/1.2.3.4"), TEXT("https://api.flickr.com/services/rest"),
+                                 TEXT("HMAC-SHA1"), TEXT("application-key"), TEXT("application-secret"),
+                                 TEXT("http://www.flickr.com/services/oauth/request_token"),
+                                 TEXT("http://www.flickr.com/services/oauth/authorize"),
+                                 TEXT("http://www.flickr.com/services/oauth/access_token"),
+                                 TEXT("http://authorization.halvora.example/flickr/authorization/"), 0), S_OK);
+    ASSERT_EQ(client->SetAccessToken(TEXT("the-token"), TEXT("token-secret")), S_OK);
+}
+
+ComPtr<IRequestParameters>
+ServiceFixture::Parameters(const std::vector<std::pair<const WCHAR *, const WCHAR *>> &pairs)
+{
+    ComPtr<IRequestParameters> parameters;
+    EXPECT_EQ(CoCreateInstance(CLSID_RequestParameters, nullptr, 23, __uuidof(IRequestParameters),
+                               parameters.PutVoid()), S_OK);
+    for (const auto &[name, value] : pairs)
+    {
+        const BstrOwner text{WideView(value)};
+        VARIANT variant{};
+        V_VT(&variant) = VT_BSTR;
+        V_BSTR(&variant) = text.Get();
+        EXPECT_EQ(parameters->Add(name, variant), S_OK);
+    }
+    return parameters;
+}
+
+UploadOutcome ServiceFixture::Upload(IOAuthWebClient *client, IStream *body, UINT32 length,
+                                     IUploadProgressCallback *callback, IRequestParameters *fields,
+                                     IRequestParameters *headers, const WCHAR *url)
+{
+    UploadOutcome outcome;
+    outcome.result = client->UploadRequest(url, nullptr, TEXT("POST"), headers, nullptr, fields, body, length,
+                                           callback, 0, outcome.reply.Put());
+    return outcome;
+}
+
+UploadOutcome ServiceFixture::UploadText(IOAuthWebClient *client, const std::string &body)
+{
+    return Upload(client, ScriptedStream::Make(body).Get(), static_cast<UINT32>(body.size()));
+}
+
+UploadOutcome ServiceFixture::CallMethod(IOAuthWebClient *client, IRequestParameters *fields)
+{
+    UploadOutcome outcome;
+    outcome.result = client->RestRequest(nullptr, TEXT("POST"), nullptr, fields, 0, outcome.reply.Put());
+    return outcome;
+}
+
+bool ServiceFixture::IsSignedRight(const SeenRequest &request, const std::string &url, ParameterList parameters,
+                                   const std::string &tokenSecret)
+{
+    const std::string header = request.Header("authorization");
+    std::string signature;
+    EXPECT_TRUE(header.starts_with("OAuth ")) << header;
+    for (size_t at = 6; at < header.size();)
+    {
+        const size_t equals = header.find("=\"", at);
+        const size_t end = header.find('"', equals + 2);
+        const std::string name = header.substr(at, equals - at);
+        const SecretText value = FormDecode(header.substr(equals + 2, end - equals - 2));
+        if (name == "oauth_signature")
+        {
+            signature = value.View();
+        }
+        else
+        {
+            parameters.push_back({name, value});
+        }
+        at = end + 3; // behind '", '
+    }
+    const SecretText base = SignatureBaseString(request.line.substr(0, request.line.find(' ')),
+                                                RequestUrl::Parse(url), parameters);
+    return signature == SignText(base.View(), "application-secret", tokenSecret);
+}

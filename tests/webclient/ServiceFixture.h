@@ -1,0 +1,85 @@
+// A client that believes to talk to api.flickr.com, and a TLS server on this machine that is it.
+#pragma once
+
+#include "WebComponents.h"
+#include "core/ComObject.h"
+#include "tests/webclient/TestCertificates.h"
+#include "tests/webclient/TlsTestServer.h"
+#include "webclient/HttpTransport.h"
+#include "webclient/RequestUrl.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+// Keeps a record of the reports and answers as it is told.
+class RecordedProgress final : public ComObject<RecordedProgress, IUploadProgressCallback>
+{
+public:
+    struct ProgressEntry
+    {
+        UINT32 code, total, done;
+    };
+    using Answer = std::function<HRESULT(const ProgressEntry &)>;
+
+    explicit RecordedProgress(Answer answer = nullptr) : m_answer(std::move(answer)) {}
+
+    STDMETHODIMP OnUploadProgress(UINT32 code, UINT32 total, UINT32 done) noexcept override
+    {
+        entries.push_back({code, total, done});
+        return m_answer ? m_answer(entries.back()) : S_OK;
+    }
+
+    std::vector<ProgressEntry> entries;
+
+private:
+    Answer m_answer;
+};
+
+struct UploadOutcome
+{
+    HRESULT result = E_FAIL;
+    ComPtr<IUnknown> reply;
+
+    std::string Text(const char *path) const;
+    // Result, status words and description of an HttpError, for messages and comparisons.
+    std::string Description() const { return Text("/HttpError/Description"); }
+};
+
+class ServiceFixture : public testing::Test
+{
+protected:
+    static void SetUpTestSuite();
+    void SetUp() override;
+    void TearDown() override;
+
+    TlsTestServer &StartServer(TlsTestServer::Script script = TlsTestServer::AnswerAll);
+    TlsTestServer &StartServer(const IssuedCertificate &certificate, TlsTestServer::Script script);
+    static void ConnectTo(unsigned port);
+
+    // From the registered module, as everybody gets it; with limits, one of this program's own.
+    static ComPtr<IOAuthWebClient> Client();
+    static ComPtr<IOAuthWebClient> ClientWithLimits(const TransportLimits &limits);
+    static void SetService(IOAuthWebClient *client);
+
+    static ComPtr<IRequestParameters> Parameters(const std::vector<std::pair<const WCHAR *, const WCHAR *>> &pairs);
+
+    static UploadOutcome Upload(IOAuthWebClient *client, IStream *body, UINT32 length,
+                                IUploadProgressCallback *callback = nullptr,
+                                IRequestParameters *fields = nullptr, IRequestParameters *headers = nullptr,
+                                const WCHAR *url = TEXT("https://api.flickr.com/services/upload/"));
+    static UploadOutcome UploadText(IOAuthWebClient *client, const std::string &body);
+    static UploadOutcome CallMethod(IOAuthWebClient *client, IRequestParameters *fields);
+
+    // True if the request's Authorization header bears the right signature over url and parameters.
+    static bool IsSignedRight(const SeenRequest &request, const std::string &url, ParameterList parameters,
+                              const std::string &tokenSecret);
+
+    static const TestAuthority &Authority();
+
+    std::unique_ptr<TlsTestServer> m_server;
+};

@@ -1,0 +1,201 @@
+#include "tests/webclient/TlsTestServer.h"
+
+#include <openssl/ssl.h>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+
+namespace
+{
+constexpr size_t KeptBody = 1024 * 1024;
+
+std::string LowerAscii(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
+    return text;
+}
+} // namespace
+
+std::string SeenRequest::Header(const std::string &name) const
+{
+    const std::string lower = "\r\n" + LowerAscii(headers);
+    const size_t at = lower.find("\r\n" + name + ": ");
+    if (at == std::string::npos)
+    {
+        return "(none)";
+    }
+    const size_t start = at + name.size() + 2; // "\r\n" was put in front
+    return headers.substr(start, headers.find("\r\n", start) - start);
+}
+
+bool Conversation::Fill()
+{
+    char buffer[65536];
+    const int read = SSL_read(m_tls, buffer, sizeof(buffer));
+    if (read > 0)
+    {
+        m_ahead.append(buffer, static_cast<size_t>(read));
+    }
+    return read > 0;
+}
+
+std::optional<SeenRequest> Conversation::ReadHead()
+{
+    size_t end;
+    while ((end = m_ahead.find("\r\n\r\n")) == std::string::npos)
+    {
+        if (!Fill())
+        {
+            return std::nullopt;
+        }
+    }
+    SeenRequest request;
+    request.connection = m_number;
+    const size_t lineEnd = m_ahead.find("\r\n");
+    request.line = m_ahead.substr(0, lineEnd);
+    request.headers = m_ahead.substr(lineEnd + 2, end - lineEnd);
+    m_ahead.erase(0, end + 4);
+    return request;
+}
+
+void Conversation::ReadBody(SeenRequest &request, unsigned long long length)
+{
+    while (request.bodyBytes < length && (!m_ahead.empty() || Fill()))
+    {
+        const auto taken = static_cast<size_t>(std::min<unsigned long long>(m_ahead.size(), length - request.bodyBytes));
+        request.body.append(m_ahead, 0, std::min(taken, KeptBody - std::min(KeptBody, request.body.size())));
+        request.bodyBytes += taken;
+        m_ahead.erase(0, taken);
+    }
+}
+
+std::optional<SeenRequest> Conversation::ReadRequest()
+{
+    std::optional<SeenRequest> request = ReadHead();
+    if (request)
+    {
+        const std::string length = request->Header("content-length");
+        ReadBody(*request, length == "(none)" ? 0 : std::stoull(length));
+        m_server.Record(*request);
+    }
+    return request;
+}
+
+void Conversation::Write(const std::string &text)
+{
+    SSL_write(m_tls, text.data(), static_cast<int>(text.size()));
+}
+
+void Conversation::WriteReply(int status, const std::string &words, const std::string &body,
+                              const std::string &headers)
+{
+    Write("HTTP/1.1 " + std::to_string(status) + " " + words + "\r\n" + headers +
+          "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body);
+}
+
+void Conversation::WaitForEnd()
+{
+    // Looks at the socket without taking anything from it: a peer that waits must go on waiting.
+    char byte;
+    while (!m_server.m_isEnding && recv(m_socket, &byte, 1, MSG_PEEK) > 0)
+    {
+        usleep(20'000);
+    }
+}
+
+TlsTestServer::TlsTestServer(const IssuedCertificate &certificate, Script script)
+    : m_context(SSL_CTX_new(TLS_server_method()), SSL_CTX_free), m_script(std::move(script))
+{
+    std::signal(SIGPIPE, SIG_IGN);
+    SSL_CTX_use_certificate(m_context.get(), certificate.certificate.get());
+    SSL_CTX_use_PrivateKey(m_context.get(), certificate.key.get());
+    m_listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    bind(m_listener, reinterpret_cast<sockaddr *>(&address), sizeof(address));
+    listen(m_listener, 16);
+    socklen_t size = sizeof(address);
+    getsockname(m_listener, reinterpret_cast<sockaddr *>(&address), &size);
+    m_port = ntohs(address.sin_port);
+    m_threads.emplace_back([this] { Accept(); });
+}
+
+TlsTestServer::~TlsTestServer()
+{
+    m_isEnding = true;
+    shutdown(m_listener, SHUT_RDWR);
+    m_threads.front().join();
+    {
+        const std::lock_guard guard(m_lock);
+        for (const int open : m_open)
+        {
+            shutdown(open, SHUT_RDWR);
+        }
+    }
+    for (size_t i = 1; i < m_threads.size(); ++i)
+    {
+        m_threads[i].join();
+    }
+    close(m_listener);
+}
+
+void TlsTestServer::Accept()
+{
+    for (;;)
+    {
+        const int connection = accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
+        if (connection < 0)
+        {
+            return;
+        }
+        const int number = ++m_connections;
+        {
+            const std::lock_guard guard(m_lock);
+            m_open.insert(connection);
+        }
+        m_threads.emplace_back([this, connection, number] { Serve(connection, number); });
+    }
+}
+
+void TlsTestServer::Serve(int socket, int number)
+{
+    std::unique_ptr<SSL, void (*)(SSL *)> tls(SSL_new(m_context.get()), SSL_free);
+    SSL_set_fd(tls.get(), socket);
+    if (SSL_accept(tls.get()) == 1)
+    {
+        m_resumed += SSL_session_reused(tls.get());
+        Conversation conversation(*this, tls.get(), socket, number);
+        m_script(conversation);
+        SSL_shutdown(tls.get());
+    }
+    const std::lock_guard guard(m_lock);
+    m_open.erase(socket);
+    close(socket);
+}
+
+void TlsTestServer::Record(const SeenRequest &request)
+{
+    const std::lock_guard guard(m_lock);
+    m_requests.push_back(request);
+}
+
+std::vector<SeenRequest> TlsTestServer::Requests()
+{
+    const std::lock_guard guard(m_lock);
+    return m_requests;
+}
+
+void TlsTestServer::AnswerAll(Conversation &conversation)
+{
+    while (conversation.ReadRequest())
+    {
+        conversation.WriteReply(200, "OK", Success);
+    }
+}

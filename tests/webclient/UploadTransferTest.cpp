@@ -1,0 +1,153 @@
+// Uploads while they run: progress, the caller's stop, stalls, limits, and memory.
+#include "tests/webclient/ScriptedStream.h"
+#include "tests/webclient/ServiceFixture.h"
+
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <thread>
+
+namespace
+{
+using testing::HasSubstr;
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+constexpr UINT32 ThirtyMegabytes = 30'000'000;
+
+class UploadTransferTest : public ServiceFixture
+{
+protected:
+    // Takes the head of each request and nothing of its body.
+    static void TakeNothing(Conversation &conversation)
+    {
+        conversation.ReadHead();
+        conversation.WaitForEnd();
+    }
+
+    static ComPtr<ScriptedStream> Body(UINT64 size)
+    {
+        auto body = ScriptedStream::Make(std::string(1'000'000, 'x'));
+        body->claimedSize = size;
+        body->endless = true;
+        return body;
+    }
+};
+
+TEST_F(UploadTransferTest, FailingAnswerEndsTheTransferWithItsCode)
+{
+    TlsTestServer &server = StartServer();
+    const auto client = Client();
+    const auto progress = RecordedProgress::Make([](const RecordedProgress::ProgressEntry &entry) {
+        return entry.code == UPLOAD_BYTES && entry.done > 0 ? static_cast<HRESULT>(0x80041234) : S_OK;
+    });
+    const UploadOutcome outcome = Upload(client.Get(), Body(ThirtyMegabytes).Get(), ThirtyMegabytes, progress.Get());
+    EXPECT_EQ(outcome.result, static_cast<HRESULT>(0x80041234));
+    EXPECT_LT(progress->entries.back().done, ThirtyMegabytes);
+    EXPECT_EQ(progress->entries.back().total, ThirtyMegabytes);
+
+    const auto never = RecordedProgress::Make([](const RecordedProgress::ProgressEntry &) { return E_ABORT; });
+    EXPECT_EQ(Upload(client.Get(), Body(10).Get(), 10, never.Get()).result, E_ABORT);
+    EXPECT_EQ(never->entries.size(), 1u);
+    EXPECT_LE(server.Connections(), 1);
+}
+
+TEST_F(UploadTransferTest, StopReachesATransferThatStands)
+{
+    StartServer(TakeNothing);
+    int repeats = 0;
+    UINT32 last = 0;
+    const auto progress = RecordedProgress::Make([&](const RecordedProgress::ProgressEntry &entry) {
+        repeats = entry.done > 0 && entry.done == last ? repeats + 1 : 0;
+        last = entry.done;
+        return repeats == 2 ? E_ABORT : S_OK;
+    });
+    const auto start = Clock::now();
+    const UploadOutcome outcome = Upload(Client().Get(), Body(ThirtyMegabytes).Get(), ThirtyMegabytes, progress.Get());
+    EXPECT_EQ(outcome.result, E_ABORT);
+    EXPECT_LT(Clock::now() - start, 20s);
+}
+
+TEST_F(UploadTransferTest, LimitsEndWhatDoesNotMove)
+{
+    TransportLimits limits;
+    limits.stall = 700ms;
+    limits.answer = 700ms;
+    StartServer(TakeNothing);
+    const UploadOutcome stalled =
+        Upload(ClientWithLimits(limits).Get(), Body(ThirtyMegabytes).Get(), ThirtyMegabytes);
+    EXPECT_EQ(stalled.result, static_cast<HRESULT>(0x80072EE2));
+    EXPECT_EQ(stalled.Text("/HttpError/Status"), "Transfer stalled");
+
+    StartServer([](Conversation &conversation) {
+        conversation.ReadRequest();
+        conversation.WaitForEnd();
+    });
+    const UploadOutcome unanswered = Upload(ClientWithLimits(limits).Get(), Body(1000).Get(), 1000);
+    EXPECT_EQ(unanswered.result, static_cast<HRESULT>(0x80072EE2));
+    EXPECT_THAT(unanswered.Description(), HasSubstr("the picture may or may not have arrived"));
+    EXPECT_EQ(m_server->Requests().size(), 1u);
+
+    // While the service thinks, nothing moves: that is no stall.
+    limits.answer = 20s;
+    StartServer([](Conversation &conversation) {
+        conversation.ReadRequest();
+        std::this_thread::sleep_for(2500ms);
+        conversation.WriteReply(200, "OK", TlsTestServer::Success);
+    });
+    EXPECT_EQ(Upload(ClientWithLimits(limits).Get(), Body(1000).Get(), 1000).result, S_OK);
+}
+
+TEST_F(UploadTransferTest, ConnectingHasALimit)
+{
+    // The system takes the connection into the listener's queue; nobody answers the greeting of TLS.
+    const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t addressSize = sizeof(address);
+    ASSERT_EQ(bind(listener, reinterpret_cast<sockaddr *>(&address), addressSize), 0);
+    ASSERT_EQ(listen(listener, 1), 0);
+    getsockname(listener, reinterpret_cast<sockaddr *>(&address), &addressSize);
+    ConnectTo(ntohs(address.sin_port));
+    TransportLimits limits;
+    limits.connect = 500ms;
+    const UploadOutcome outcome = Upload(ClientWithLimits(limits).Get(), Body(10).Get(), 10);
+    EXPECT_EQ(outcome.result, static_cast<HRESULT>(0x80072EE2));
+    EXPECT_THAT(outcome.Description(), HasSubstr("timed out"));
+    close(listener);
+}
+
+long PeakKilobytes()
+{
+    long peak = 0;
+    std::unique_ptr<FILE, int (*)(FILE *)> status(std::fopen("/proc/self/status", "r"), std::fclose);
+    for (char line[256]; status && std::fgets(line, sizeof(line), status.get()) != nullptr;)
+    {
+        std::sscanf(line, "VmHWM: %ld kB", &peak);
+    }
+    return peak;
+}
+
+TEST_F(UploadTransferTest, LargeBodiesPassThroughLittleMemory)
+{
+#ifdef __SANITIZE_ADDRESS__
+    constexpr UINT32 size = 100'000'000; // the sanitizer keeps memory of its own
+    constexpr long limit = 1'000'000;
+#else
+    constexpr UINT32 size = 1'500'000'000;
+    constexpr long limit = 48 * 1024;
+#endif
+    TlsTestServer &server = StartServer();
+    const auto progress = RecordedProgress::Make();
+    const UploadOutcome outcome = Upload(Client().Get(), Body(size).Get(), size, progress.Get());
+    EXPECT_EQ(outcome.result, S_OK) << outcome.Description();
+    ASSERT_EQ(server.Requests().size(), 1u);
+    EXPECT_EQ(server.Requests()[0].bodyBytes, size);
+    EXPECT_EQ(progress->entries.back().done, size);
+    EXPECT_LT(PeakKilobytes(), limit);
+}
+} // namespace

@@ -1,0 +1,387 @@
+// Requests through the registered component, against a TLS server that keeps a record of them.
+#include "core/BstrOwner.h"
+#include "tests/webclient/ScriptedStream.h"
+#include "tests/webclient/ServiceFixture.h"
+#include "webclient/Utf8.h"
+
+#include <thread>
+
+namespace
+{
+using testing::HasSubstr;
+using testing::Not;
+
+class WebClientTest : public ServiceFixture
+{
+};
+
+const WCHAR *const Title = TEXT("Gr\u00FC\u00DFe \u65E5\u672C & +50% \U0001F600\x01");
+
+TEST_F(WebClientTest, RestRequestIsASignedForm)
+{
+    TlsTestServer &server = StartServer();
+    const auto client = Client();
+    const auto fields = Parameters({{TEXT("method"), TEXT("flickr.test.echo")}, {TEXT("title"), Title}});
+    const UploadOutcome outcome = CallMethod(client.Get(), fields.Get());
+    EXPECT_EQ(outcome.result, S_OK);
+    EXPECT_EQ(outcome.Text("/rsp/@stat"), "ok");
+    CallMethod(client.Get(), fields.Get());
+
+    const auto requests = server.Requests();
+    ASSERT_EQ(requests.size(), 2u);
+    const SeenRequest &request = requests[0];
+    EXPECT_EQ(request.line, "POST /services/rest HTTP/1.1");
+    EXPECT_EQ(request.Header("content-type"), "application/x-www-form-urlencoded");
+    EXPECT_EQ(request.Header("user-agent"), "Halvora/1.2.3.4");
+    EXPECT_EQ(request.Header("expect"), "(none)");
+    EXPECT_THAT(request.body, HasSubstr("title=Gr%C3%BC%C3%9Fe%20%E6%97%A5%E6%9C%AC%20%26%20%2B50%25%20%F0%9F%98%80%01"));
+    EXPECT_THAT(request.body, Not(HasSubstr("oauth_")));
+    EXPECT_THAT(request.Header("authorization"), HasSubstr("oauth_token=\"the-token\""));
+    EXPECT_TRUE(IsSignedRight(request, "https://api.flickr.com/services/rest", ParseForm(request.body), "token-secret"));
+    EXPECT_NE(request.Header("authorization"), requests[1].Header("authorization"));
+}
+
+TEST_F(WebClientTest, UploadCarriesTheFormAsItIs)
+{
+    TlsTestServer &server = StartServer();
+    ComPtr<IMultipartFormData> form;
+    ASSERT_EQ(CoCreateInstance(CLSID_MultipartFormData, nullptr, 23, __uuidof(IMultipartFormData), form.PutVoid()), S_OK);
+    const auto picture = ScriptedStream::Make(std::string(300'000, 'p'), 10'000);
+    form->AddTextField(TEXT("title"), Title);
+    form->AddNumberField(TEXT("is_public"), 1);
+    form->AddFilePart(TEXT("photo"), picture.Get(), TEXT("image/jpeg"), TEXT("C:\\pictures\\b\u00E4r.jpg"), 0, 0);
+    UINT32 length = 0;
+    ASSERT_EQ(form->GetBodyLength(&length), S_OK);
+    BstrOwner type;
+    form->GetContentType(type.Put());
+    const auto headers = Parameters({{TEXT("Content-Type"), type.Text()}, {TEXT("Content-Length"), TEXT("-5")}});
+    const auto fields = Parameters({{TEXT("title"), Title}, {TEXT("is_public"), TEXT("1")}});
+    const auto progress = RecordedProgress::Make();
+    const UploadOutcome outcome =
+        Upload(Client().Get(), QueryFor<IStream>(form.Get()).Get(), length, progress.Get(), fields.Get(), headers.Get(),
+               TEXT("http://api.flickr.com/services/upload/"));
+    EXPECT_EQ(outcome.result, S_OK);
+    EXPECT_EQ(outcome.Text("/rsp/photoid"), "17");
+
+    ASSERT_EQ(server.Requests().size(), 1u);
+    const SeenRequest request = server.Requests()[0];
+    EXPECT_EQ(request.line, "POST /services/upload/ HTTP/1.1");
+    EXPECT_EQ(request.Header("content-length"), std::to_string(length));
+    EXPECT_EQ(request.Header("content-type"), Utf8FromWide(type.View()));
+    EXPECT_EQ(request.Header("expect"), "(none)");
+    EXPECT_EQ(request.bodyBytes, length);
+    EXPECT_THAT(request.body, HasSubstr("\r\n\r\n" + Utf8FromWide(Title) + "\r\n"));
+    EXPECT_THAT(request.body, HasSubstr("filename=\"b\xC3\xA4r.jpg\""));
+    EXPECT_THAT(request.body, HasSubstr("\r\n\r\n" + std::string(300'000, 'p') + "\r\n--"));
+    EXPECT_TRUE(IsSignedRight(request, "https://api.flickr.com/services/upload/",
+                              {{"title", SecretText(Utf8FromWide(Title))}, {"is_public", SecretText("1")}},
+                              "token-secret"));
+
+    const auto &entries = progress->entries;
+    ASSERT_GE(entries.size(), 2u);
+    EXPECT_EQ(entries.front().code, static_cast<UINT32>(UPLOAD_BEGIN));
+    for (size_t i = 1; i < entries.size(); ++i)
+    {
+        EXPECT_EQ(entries[i].code, static_cast<UINT32>(UPLOAD_BYTES));
+        EXPECT_EQ(entries[i].total, length);
+        EXPECT_GE(entries[i].done, i > 1 ? entries[i - 1].done : 0);
+    }
+    EXPECT_EQ(entries.back().done, length);
+}
+
+TEST_F(WebClientTest, FreshClientsShareOneConnection)
+{
+    TlsTestServer &server = StartServer();
+    for (int i = 0; i < 5; ++i)
+    {
+        EXPECT_EQ(UploadText(Client().Get(), "picture").result, S_OK);
+        EXPECT_EQ(CallMethod(Client().Get(), nullptr).result, S_OK);
+    }
+    EXPECT_EQ(server.Requests().size(), 10u);
+    EXPECT_EQ(server.Connections(), 1);
+}
+
+TEST_F(WebClientTest, ThreadsKeepTheirConnectionsApart)
+{
+    TlsTestServer &server = StartServer();
+    std::atomic<int> successes{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+    {
+        threads.emplace_back([&successes, i] {
+            for (int k = 0; k < 5; ++k)
+            {
+                const std::string body(1000 + 100 * i + k, static_cast<char>('a' + i));
+                successes += UploadText(Client().Get(), body).result == S_OK ? 1 : 0;
+            }
+        });
+    }
+    for (std::thread &thread : threads)
+    {
+        thread.join();
+    }
+    EXPECT_EQ(successes, 20);
+    EXPECT_LE(server.Connections(), 4);
+    for (const SeenRequest &request : server.Requests())
+    {
+        EXPECT_EQ(request.body, std::string(request.body.size(), request.body[0]));
+    }
+}
+
+TEST_F(WebClientTest, ConnectionThatClosedWhileIdleFailsNothing)
+{
+    TlsTestServer &server = StartServer([](Conversation &conversation) {
+        conversation.ReadRequest();
+        conversation.WriteReply(200, "OK", TlsTestServer::Success);
+    });
+    for (int i = 0; i < 3; ++i)
+    {
+        EXPECT_EQ(UploadText(Client().Get(), "picture").result, S_OK);
+        std::this_thread::sleep_for(std::chrono::milliseconds(200)); // until the server's goodbye is here
+    }
+    EXPECT_EQ(server.Connections(), 3);
+    EXPECT_EQ(server.ResumedSessions(), 2);
+}
+
+TEST_F(WebClientTest, RequestThatWasReadButNotAnsweredIsNotRepeated)
+{
+    TlsTestServer &server = StartServer([](Conversation &conversation) {
+        conversation.ReadRequest();
+        if (conversation.Number() == 1)
+        {
+            conversation.WriteReply(200, "OK", TlsTestServer::Success);
+            conversation.ReadRequest();
+        }
+    });
+    EXPECT_EQ(UploadText(Client().Get(), "first").result, S_OK);
+    const UploadOutcome outcome = UploadText(Client().Get(), "second");
+    EXPECT_EQ(outcome.result, static_cast<HRESULT>(0x80072EFE));
+    EXPECT_THAT(outcome.Description(), HasSubstr("the picture may or may not have arrived"));
+    EXPECT_EQ(outcome.Text("/HttpError/@HttpStatus"), "0");
+    EXPECT_EQ(server.Requests().size(), 2u);
+    EXPECT_EQ(server.Connections(), 1);
+}
+
+TEST_F(WebClientTest, HeadThatReachedADyingConnectionIsNotRepeated)
+{
+    std::atomic<int> heads{0};
+    StartServer([&heads](Conversation &conversation) {
+        while (conversation.ReadHead())
+        {
+            if (++heads > 1)
+            {
+                return;
+            }
+            conversation.WriteReply(200, "OK", TlsTestServer::Success);
+        }
+    });
+    const auto fields = Parameters({});
+    UploadOutcome outcome;
+    const auto client = Client();
+    // GETs have no body that would stop libcurl from trying again.
+    const auto get = [&] {
+        return client->RestRequest(nullptr, TEXT("GET"), nullptr, fields.Get(), 0, outcome.reply.Put());
+    };
+    EXPECT_EQ(get(), S_OK);
+    EXPECT_EQ(get(), static_cast<HRESULT>(0x80072EFE));
+    EXPECT_EQ(heads, 2);
+}
+
+TEST_F(WebClientTest, ConnectionCutMidwayIsNotASuccess)
+{
+    StartServer([](Conversation &conversation) {
+        conversation.ReadHead();
+    });
+    const UploadOutcome sending = UploadText(Client().Get(), std::string(30'000'000, 'x'));
+    EXPECT_EQ(sending.result, static_cast<HRESULT>(0x80072EFE));
+    EXPECT_THAT(sending.Description(), HasSubstr("did not arrive"));
+
+    StartServer([](Conversation &conversation) {
+        conversation.ReadRequest();
+        conversation.Write("HTTP/1.1 200 OK\r\nContent-Length: 500\r\n\r\n<rsp stat=\"ok\">");
+    });
+    const UploadOutcome answering = UploadText(Client().Get(), "x");
+    EXPECT_EQ(answering.result, static_cast<HRESULT>(0x80072EFE));
+    EXPECT_THAT(answering.Description(), HasSubstr("may or may not have arrived"));
+}
+
+struct RefusalCase
+{
+    int status;
+    const char *words;
+    const char *body;
+    HRESULT result;
+    const char *description;
+};
+
+TEST_F(WebClientTest, RefusalsAreToldInTheServicesWords)
+{
+    const RefusalCase cases[] = {
+        {504, "Gateway Time-out", "<html><head><title>504 Gateway Time-out</title></head></html>",
+         static_cast<HRESULT>(0x801901F8), "504 Gateway Time-out"},
+        {401, "Unauthorized", "oauth_problem=token_rejected&debug=the-token", static_cast<HRESULT>(0x80190191),
+         "The service does not know the authorization, or it was revoked: authorize again (token_rejected)"},
+        {429, "Too Many Requests", "slow\ndown", static_cast<HRESULT>(0x801901AD), "slow down"},
+        {302, "Found", "", static_cast<HRESULT>(0x8019012E), "Redirections are not followed"},
+        {200, "OK", "all fine", static_cast<HRESULT>(0x80072F78), "The answer is not in the service's form: all fine"},
+    };
+    for (const RefusalCase &refusal : cases)
+    {
+        TlsTestServer &server = StartServer([&refusal](Conversation &conversation) {
+            while (conversation.ReadRequest())
+            {
+                conversation.WriteReply(refusal.status, refusal.words, refusal.body,
+                                        "Location: https://www.flickr.com/elsewhere\r\n");
+            }
+        });
+        const UploadOutcome outcome = UploadText(Client().Get(), "x");
+        EXPECT_EQ(outcome.result, refusal.result);
+        EXPECT_EQ(outcome.Text("/HttpError/@HttpStatus"), std::to_string(refusal.status));
+        EXPECT_EQ(outcome.Text("/HttpError/Status"), refusal.words);
+        EXPECT_EQ(outcome.Description(), refusal.description);
+        EXPECT_EQ(server.Requests().size(), 1u);
+    }
+}
+
+TEST_F(WebClientTest, EarlyRefusalWinsOverTheRestOfTheBody)
+{
+    StartServer([](Conversation &conversation) {
+        conversation.ReadHead();
+        conversation.WriteReply(413, "Too Large", "Files of that size are not for us", "Connection: close\r\n");
+        conversation.WaitForEnd();
+    });
+    const auto progress = RecordedProgress::Make();
+    const UploadOutcome outcome = Upload(Client().Get(), ScriptedStream::Make(std::string(30'000'000, 'x')).Get(),
+                                         30'000'000, progress.Get());
+    EXPECT_EQ(outcome.result, static_cast<HRESULT>(0x8019019D));
+    EXPECT_EQ(outcome.Description(), "Files of that size are not for us");
+    EXPECT_LT(progress->entries.back().done, 30'000'000u);
+}
+
+TEST_F(WebClientTest, OnlyGoodCertificatesAreSpokenTo)
+{
+    const TestAuthority stranger;
+    const struct
+    {
+        IssuedCertificate certificate;
+        HRESULT result;
+        const char *words;
+    } cases[] = {
+        {Authority().Issue("DNS:api.flickr.com", -20, -10), static_cast<HRESULT>(0x80072F05), "has expired"},
+        {Authority().Issue("DNS:api.flickr.com", 10, 20), static_cast<HRESULT>(0x80072F05), "not valid yet"},
+        {Authority().Issue("DNS:api.flickr.org"), static_cast<HRESULT>(0x80072F06), "belongs to another host"},
+        {stranger.Issue("DNS:api.flickr.com"), static_cast<HRESULT>(0x80072F0D), "unknown authority"},
+    };
+    for (const auto &refused : cases)
+    {
+        TlsTestServer &server = StartServer(refused.certificate, TlsTestServer::AnswerAll);
+        const auto body = ScriptedStream::Make("secret picture");
+        const UploadOutcome outcome = Upload(Client().Get(), body.Get(), 14);
+        EXPECT_EQ(outcome.result, refused.result);
+        EXPECT_THAT(outcome.Description(), HasSubstr(refused.words));
+        EXPECT_EQ(outcome.Text("/HttpError/Status"), "Connection not secure");
+        EXPECT_TRUE(server.Requests().empty());
+    }
+    setenv("HALVORA_CA_FILE", "there-is-no-such-file.pem", 1);
+    EXPECT_THAT(UploadText(Client().Get(), "x").Description(), HasSubstr("trusted certificates"));
+    unsetenv("HALVORA_CA_FILE");
+    StartServer();
+    EXPECT_EQ(UploadText(Client().Get(), "x").result, static_cast<HRESULT>(0x80072F0D));
+}
+
+TEST_F(WebClientTest, UnreachableServiceIsToldInWords)
+{
+    const unsigned port = StartServer().Port();
+    m_server.reset();
+    ConnectTo(port);
+    const UploadOutcome refused = UploadText(Client().Get(), "x");
+    EXPECT_EQ(refused.result, static_cast<HRESULT>(0x80072EFD));
+    EXPECT_EQ(refused.Text("/HttpError/Status"), "No connection");
+    EXPECT_THAT(refused.Description(), HasSubstr("api.flickr.com was refused"));
+
+    setenv("HALVORA_CONNECT_TO", "api.flickr.com:443:no-such-host.invalid:443", 1);
+    const UploadOutcome unknown = UploadText(Client().Get(), "x");
+    EXPECT_EQ(unknown.result, static_cast<HRESULT>(0x80072EE7));
+    EXPECT_THAT(unknown.Description(), HasSubstr("was not found"));
+}
+
+TEST_F(WebClientTest, TroubleWithTheBodyEndsTheTransferWithItsCode)
+{
+    TlsTestServer &server = StartServer();
+    const auto broken = ScriptedStream::Make(std::string(1'000'000, 'x'));
+    broken->failAt = 500'000;
+    broken->failure = STG_E_READFAULT;
+    const UploadOutcome unreadable = Upload(Client().Get(), broken.Get(), 1'000'000);
+    EXPECT_EQ(unreadable.result, STG_E_READFAULT);
+    EXPECT_THAT(unreadable.Description(), HasSubstr("could not be read"));
+    EXPECT_EQ(Upload(Client().Get(), ScriptedStream::Make("short").Get(), 1000).result,
+              HRESULT_FROM_WIN32(ERROR_HANDLE_EOF));
+    for (const SeenRequest &request : server.Requests())
+    {
+        EXPECT_LT(std::to_string(request.bodyBytes).size(), request.Header("content-length").size() + 1);
+        EXPECT_NE(std::to_string(request.bodyBytes), request.Header("content-length"));
+    }
+}
+
+TEST_F(WebClientTest, AuthorizationTradesItsTokens)
+{
+    TlsTestServer &server = StartServer([](Conversation &conversation) {
+        while (const auto request = conversation.ReadRequest())
+        {
+            const bool isFirst = request->line.find("request_token") != std::string::npos;
+            conversation.WriteReply(200, "OK", isFirst ? "oauth_callback_confirmed=true&oauth_token=req%2B1&oauth_token_secret=reqs"
+                                                       : "fullname=J%20D&oauth_token=acc&oauth_token_secret=accs%21");
+        }
+    });
+    const auto client = Client();
+    BstrOwner token;
+    BstrOwner secret;
+    EXPECT_EQ(client->GetAccessToken(0, TEXT("v"), token.Put(), secret.Put()), E_UNEXPECTED);
+    BstrOwner url;
+    const auto perms = Parameters({{TEXT("perms"), TEXT("write")}});
+    ASSERT_EQ(client->GetAuthorizationUrl(0, perms.Get(), url.Put()), S_OK);
+    EXPECT_EQ(Utf8FromWide(url.View()),
+              "https://www.flickr.com/services/oauth/authorize?perms=write&oauth_token=req%2B1");
+    ASSERT_EQ(client->GetAccessToken(0, TEXT("ver/1"), token.Put(), secret.Put()), S_OK);
+    EXPECT_EQ(Utf8FromWide(token.View()), "acc");
+    EXPECT_EQ(Utf8FromWide(secret.View()), "accs!");
+
+    const auto requests = server.Requests();
+    ASSERT_EQ(requests.size(), 2u);
+    EXPECT_THAT(requests[0].Header("authorization"),
+                HasSubstr("oauth_callback=\"http%3A%2F%2Fauthorization.halvora.example%2Fflickr%2Fauthorization%2F\""));
+    EXPECT_THAT(requests[0].Header("authorization"), Not(HasSubstr("oauth_token=")));
+    EXPECT_TRUE(IsSignedRight(requests[0], "https://www.flickr.com/services/oauth/request_token", {}, ""));
+    EXPECT_THAT(requests[1].Header("authorization"), HasSubstr("oauth_verifier=\"ver%2F1\""));
+    EXPECT_TRUE(IsSignedRight(requests[1], "https://www.flickr.com/services/oauth/access_token", {}, "reqs"));
+
+    StartServer([](Conversation &conversation) {
+        conversation.ReadRequest();
+        conversation.WriteReply(401, "Unauthorized", "oauth_problem=consumer_key_unknown");
+        conversation.ReadRequest();
+        conversation.WriteReply(200, "OK", "<html>what?</html>");
+    });
+    EXPECT_EQ(client->GetAuthorizationUrl(0, nullptr, url.Put()), static_cast<HRESULT>(0x80190191));
+    EXPECT_EQ(client->GetAuthorizationUrl(0, nullptr, url.Put()), static_cast<HRESULT>(0x80072F78));
+    EXPECT_EQ(url.Get(), nullptr);
+}
+
+TEST_F(WebClientTest, IncompleteCallsAreRefused)
+{
+    ComPtr<IOAuthWebClient> bare;
+    ASSERT_EQ(CoCreateInstance(CLSID_OAuthWebClient, nullptr, 23, __uuidof(IOAuthWebClient), bare.PutVoid()), S_OK);
+    EXPECT_EQ(bare->SetAccessToken(TEXT("a"), TEXT("b")), E_UNEXPECTED);
+    EXPECT_EQ(CallMethod(bare.Get(), nullptr).result, E_UNEXPECTED);
+    EXPECT_EQ(bare->RestRequest(nullptr, TEXT("POST"), nullptr, nullptr, 0, nullptr), E_INVALIDARG);
+    EXPECT_EQ(bare->SetService(TEXT("a"), TEXT("https://h/"), TEXT("PLAINTEXT"), TEXT("k"), TEXT("s"), TEXT("https://h/"),
+                               TEXT("https://h/"), TEXT("https://h/"), TEXT("x"), 0), E_INVALIDARG);
+    const auto client = Client();
+    EXPECT_EQ(UploadText(client.Get(), "").result, E_INVALIDARG);
+    const auto evil = Parameters({{TEXT("X"), TEXT("a\r\nY: b")}});
+    EXPECT_EQ(Upload(client.Get(), ScriptedStream::Make("x").Get(), 1, nullptr, nullptr, evil.Get()).result, E_INVALIDARG);
+    BstrOwner type;
+    EXPECT_EQ(client->GetMimeTypeForFile(TEXT("x.JPG"), type.Put()), S_OK);
+    EXPECT_EQ(Utf8FromWide(type.View()), "image/jpeg");
+    EXPECT_EQ(client->GetMimeTypeForFile(nullptr, type.Put()), E_INVALIDARG);
+}
+} // namespace

@@ -1,0 +1,523 @@
+// HTTP over libcurl, the only file that knows it. Every exchange borrows an easy handle from a pool
+// of the process: the handle keeps its connections, TLS sessions and host addresses from one
+// exchange to the next, and is used by one thread at a time.
+#include "webclient/HttpTransport.h"
+
+#include "core/Hresult.h"
+
+#include <curl/curl.h>
+#include <openssl/x509_vfy.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <mutex>
+#include <optional>
+
+namespace
+{
+using Clock = std::chrono::steady_clock;
+
+struct HandleCloser
+{
+    void operator()(CURL *handle) const noexcept { curl_easy_cleanup(handle); }
+};
+using EasyHandle = std::unique_ptr<CURL, HandleCloser>;
+
+class HandlePool
+{
+public:
+    // Made on first use. libcurl and OpenSSL are set up inside the constructor, so that their own
+    // ends, registered there, come after the pool's when the process exits.
+    static HandlePool &Get()
+    {
+        static HandlePool pool;
+        return pool;
+    }
+
+    ~HandlePool()
+    {
+        m_idle.clear();
+        curl_global_cleanup();
+    }
+
+    // The handle that was used last: its connection is the most likely to be still open.
+    EasyHandle Take()
+    {
+        {
+            const std::lock_guard guard(m_lock);
+            if (!m_idle.empty())
+            {
+                EasyHandle handle = std::move(m_idle.back());
+                m_idle.pop_back();
+                return handle;
+            }
+        }
+        EasyHandle handle(curl_easy_init());
+        if (!handle)
+        {
+            ThrowHresult(E_OUTOFMEMORY);
+        }
+        return handle;
+    }
+
+    void GiveBack(EasyHandle handle) noexcept
+    {
+        curl_easy_reset(handle.get()); // keeps connections and sessions
+        const std::lock_guard guard(m_lock);
+        if (m_idle.size() < MostIdle)
+        {
+            m_idle.push_back(std::move(handle)); // reserved: doesn't throw
+        }
+    }
+
+private:
+    static constexpr size_t MostIdle = 8;
+
+    HandlePool()
+    {
+        if (curl_global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK)
+        {
+            ThrowHresult(E_FAIL);
+        }
+        m_idle.reserve(MostIdle);
+    }
+
+    std::mutex m_lock;
+    std::vector<EasyHandle> m_idle;
+};
+
+// The Authorization header is in the list: its bytes are wiped too.
+struct ListCloser
+{
+    void operator()(curl_slist *list) const noexcept
+    {
+        for (curl_slist *node = list; node != nullptr; node = node->next)
+        {
+            WipeMemory(node->data, std::string_view(node->data).size());
+        }
+        curl_slist_free_all(list);
+    }
+};
+
+class TextList
+{
+public:
+    void Add(const char *line)
+    {
+        curl_slist *longer = curl_slist_append(m_list.get(), line);
+        if (longer == nullptr)
+        {
+            throw std::bad_alloc();
+        }
+        static_cast<void>(m_list.release());
+        m_list.reset(longer);
+    }
+
+    curl_slist *Get() const noexcept { return m_list.get(); }
+
+private:
+    std::unique_ptr<curl_slist, ListCloser> m_list;
+};
+
+// One request on its way.
+class CurlExchange
+{
+public:
+    CurlExchange(CURL *handle, const HttpRequest &request, const TransportLimits &limits)
+        : m_handle(handle), m_request(request), m_limits(limits)
+    {
+    }
+
+    HttpReply Run();
+
+private:
+    enum class Stop
+    {
+        No,
+        Stalled,
+        NoAnswer,
+        Resend
+    };
+
+    template <class Value>
+    void Set(CURLoption option, Value value)
+    {
+        const CURLcode code = curl_easy_setopt(m_handle, option, value);
+        if (code != CURLE_OK)
+        {
+            ThrowHresult(code == CURLE_OUT_OF_MEMORY ? E_OUTOFMEMORY : E_FAIL);
+        }
+    }
+
+    void SetConnection();
+    void SetTrust();
+    void SetRequest();
+    void SetBody();
+    void SetCallbacks();
+
+    size_t OnRead(char *buffer, size_t size);
+    size_t OnHeader(std::string_view line);
+    size_t OnWrite(const char *bytes, size_t size);
+    int OnProgress(UINT64 received, UINT64 sent);
+    int OnBeforeRequest();
+    bool IsPatienceOver(UINT64 received, UINT64 sent);
+
+    UINT64 BodyLength() const { return m_request.body != nullptr ? m_request.body->Length() : 0; }
+    void ReportLast();
+    TransportError ErrorOf(CURLcode code) const;
+    TransportError CertificateError() const;
+
+    CURL *m_handle;
+    const HttpRequest &m_request;
+    const TransportLimits &m_limits;
+    TextList m_headers;
+    TextList m_connectTo;
+    HttpReply m_reply;
+    UINT64 m_bodyRead = 0;
+    UINT64 m_sent = 0;
+    UINT64 m_received = 0;
+    bool m_hasMoved = false; // a header line has come since the last look
+    std::optional<Clock::time_point> m_lastMove; // set when the request starts on its connection
+    std::optional<Clock::time_point> m_allSent;
+    std::optional<long> m_requestSize; // what libcurl had sent when the request started
+    Stop m_stop = Stop::No;
+    HRESULT m_readFailure = S_OK;
+    HRESULT m_callerFailure = S_OK;
+};
+
+void CurlExchange::SetConnection()
+{
+    Set(CURLOPT_NOSIGNAL, 1L);
+    Set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+    Set(CURLOPT_PROTOCOLS_STR, "http,https");
+    Set(CURLOPT_FOLLOWLOCATION, 0L);
+    Set(CURLOPT_TCP_KEEPALIVE, 1L);
+    Set(CURLOPT_MAXCONNECTS, 4L);
+    Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(m_limits.connect.count()));
+    Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+    if (const char *entries = std::getenv("HALVORA_CONNECT_TO"))
+    {
+        for (std::string_view rest = entries; !rest.empty();)
+        {
+            const size_t end = std::min(rest.find(';'), rest.size());
+            if (end > 0)
+            {
+                m_connectTo.Add(std::string(rest.substr(0, end)).c_str());
+            }
+            rest.remove_prefix(std::min(end + 1, rest.size()));
+        }
+        Set(CURLOPT_CONNECT_TO, m_connectTo.Get());
+    }
+}
+
+void CurlExchange::SetTrust()
+{
+    Set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+    Set(CURLOPT_SSL_VERIFYPEER, 1L);
+    Set(CURLOPT_SSL_VERIFYHOST, 2L);
+    const char *bundle = std::getenv("HALVORA_CA_FILE");
+    if (bundle != nullptr && *bundle != 0)
+    {
+        Set(CURLOPT_CAINFO, bundle);
+        Set(CURLOPT_CAPATH, static_cast<const char *>(nullptr)); // instead of the system's, not beside it
+    }
+}
+
+void CurlExchange::SetBody()
+{
+    Set(CURLOPT_POST, 1L);
+    Set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(BodyLength()));
+    if (BodyLength() == 0)
+    {
+        Set(CURLOPT_POSTFIELDS, "");
+        return;
+    }
+    Set(CURLOPT_UPLOAD_BUFFERSIZE, 256L * 1024);
+    Set(CURLOPT_READDATA, this);
+    Set(CURLOPT_READFUNCTION, +[](char *buffer, size_t one, size_t size, void *self) -> size_t {
+        return static_cast<CurlExchange *>(self)->OnRead(buffer, one * size);
+    });
+    // libcurl asks for this when it wants to send a body once more.
+    Set(CURLOPT_SEEKFUNCTION, +[](void *, curl_off_t, int) -> int { return CURL_SEEKFUNC_FAIL; });
+}
+
+void CurlExchange::SetRequest()
+{
+    Set(CURLOPT_URL, m_request.url.c_str());
+    Set(CURLOPT_USERAGENT, m_request.userAgent.c_str());
+    if (m_request.method == "POST")
+    {
+        SetBody();
+    }
+    else
+    {
+        Set(CURLOPT_HTTPGET, 1L);
+    }
+    m_headers.Add("Expect:"); // no waiting for "100 Continue"
+    if (BodyLength() == 0)
+    {
+        m_headers.Add("Content-Type:"); // libcurl would name one for a POST without a body
+    }
+    for (const HttpHeader &header : m_request.headers)
+    {
+        SecretText line{header.name};
+        line.Append(": ");
+        line.Append(header.value.View());
+        line.Append('\0');
+        m_headers.Add(line.View().data());
+    }
+    Set(CURLOPT_HTTPHEADER, m_headers.Get());
+}
+
+void CurlExchange::SetCallbacks()
+{
+    Set(CURLOPT_WRITEDATA, this);
+    Set(CURLOPT_WRITEFUNCTION, +[](char *bytes, size_t one, size_t size, void *self) -> size_t {
+        return static_cast<CurlExchange *>(self)->OnWrite(bytes, one * size);
+    });
+    Set(CURLOPT_HEADERDATA, this);
+    Set(CURLOPT_HEADERFUNCTION, +[](char *line, size_t one, size_t size, void *self) -> size_t {
+        return static_cast<CurlExchange *>(self)->OnHeader({line, one * size});
+    });
+    Set(CURLOPT_NOPROGRESS, 0L);
+    Set(CURLOPT_XFERINFODATA, this);
+    Set(CURLOPT_XFERINFOFUNCTION,
+        +[](void *self, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) -> int {
+            return static_cast<CurlExchange *>(self)->OnProgress(static_cast<UINT64>(received),
+                                                                 static_cast<UINT64>(sent));
+        });
+    Set(CURLOPT_PREREQDATA, this);
+    Set(CURLOPT_PREREQFUNCTION, +[](void *self, char *, char *, int, int) -> int {
+        return static_cast<CurlExchange *>(self)->OnBeforeRequest();
+    });
+}
+
+size_t CurlExchange::OnRead(char *buffer, size_t size)
+{
+    const UINT64 left = BodyLength() - m_bodyRead;
+    if (left == 0)
+    {
+        return 0;
+    }
+    ULONG read = 0;
+    const HRESULT result = m_request.body->Read(buffer, static_cast<ULONG>(std::min<UINT64>(left, size)), &read);
+    if (FAILED(result))
+    {
+        m_readFailure = result;
+        return CURL_READFUNC_ABORT;
+    }
+    m_bodyRead += read;
+    return read;
+}
+
+size_t CurlExchange::OnHeader(std::string_view line)
+{
+    m_hasMoved = true;
+    if (line.starts_with("HTTP/"))
+    {
+        // "HTTP/1.1 503 Service Unavailable"; a later answer takes the place of an interim one.
+        m_reply.status = 0;
+        m_reply.statusWords.clear();
+        const size_t status = line.find(' ');
+        if (status != std::string_view::npos)
+        {
+            m_reply.status = std::atoi(std::string(line.substr(status + 1, 3)).c_str());
+            const size_t words = line.find(' ', status + 1);
+            const size_t end = line.find_last_not_of(" \r\n");
+            if (words != std::string_view::npos && end > words)
+            {
+                m_reply.statusWords = line.substr(words + 1, end - words);
+            }
+        }
+    }
+    return line.size();
+}
+
+size_t CurlExchange::OnWrite(const char *bytes, size_t size)
+{
+    if (m_reply.body.size() + size > m_limits.replyBytes)
+    {
+        return 0;
+    }
+    m_reply.body.append(bytes, size);
+    return size;
+}
+
+// Called on a connection that is ready, before the request goes out on it.
+int CurlExchange::OnBeforeRequest()
+{
+    long requestSize = 0;
+    curl_easy_getinfo(m_handle, CURLINFO_REQUEST_SIZE, &requestSize);
+    // libcurl tries again by itself on a new connection when a kept one dies. That may be only as
+    // long as nothing of the request went out.
+    if (m_requestSize && (requestSize > *m_requestSize || m_bodyRead > 0))
+    {
+        m_stop = Stop::Resend;
+        return CURL_PREREQFUNC_ABORT;
+    }
+    m_requestSize = requestSize;
+    m_lastMove = Clock::now();
+    if (BodyLength() == 0)
+    {
+        m_allSent = m_lastMove;
+    }
+    return CURL_PREREQFUNC_OK;
+}
+
+bool CurlExchange::IsPatienceOver(UINT64 received, UINT64 sent)
+{
+    if (!m_lastMove)
+    {
+        return false; // still connecting, which has a limit of its own
+    }
+    const auto now = Clock::now();
+    if (received != m_received || sent != m_sent || m_hasMoved)
+    {
+        m_lastMove = now;
+        m_hasMoved = false;
+    }
+    if (!m_allSent && sent == BodyLength())
+    {
+        m_allSent = now;
+    }
+    const bool isAnswering = m_reply.status != 0;
+    if (m_allSent && now - *m_allSent > m_limits.answer)
+    {
+        m_stop = Stop::NoAnswer;
+    }
+    else if ((!m_allSent || isAnswering) && now - *m_lastMove > m_limits.stall)
+    {
+        m_stop = m_allSent ? Stop::NoAnswer : Stop::Stalled;
+    }
+    return m_stop != Stop::No;
+}
+
+int CurlExchange::OnProgress(UINT64 received, UINT64 sent)
+{
+    if (IsPatienceOver(received, sent))
+    {
+        return 1;
+    }
+    m_received = received;
+    m_sent = std::max(m_sent, sent);
+    m_callerFailure = m_request.body != nullptr ? m_request.body->Report(m_sent) : S_OK;
+    return FAILED(m_callerFailure) ? 1 : 0;
+}
+
+// The last bytes may have gone out, and been answered, since the last look. The exchange is over
+// then: an answer that would end it comes too late to undo anything.
+void CurlExchange::ReportLast()
+{
+    curl_off_t sent = 0;
+    if (m_request.body != nullptr && curl_easy_getinfo(m_handle, CURLINFO_SIZE_UPLOAD_T, &sent) == CURLE_OK &&
+        static_cast<UINT64>(sent) > m_sent)
+    {
+        static_cast<void>(m_request.body->Report(static_cast<UINT64>(sent)));
+    }
+}
+
+HttpReply CurlExchange::Run()
+{
+    SetConnection();
+    SetTrust();
+    SetRequest();
+    SetCallbacks();
+    m_reply.body.reserve(4096); // token replies stay in one buffer, where they can be wiped
+    const CURLcode code = curl_easy_perform(m_handle);
+    // A refusal counts even if the server then closed the connection on the rest of the body.
+    const bool isRefusal = m_reply.status >= 400 && (code == CURLE_SEND_ERROR || code == CURLE_RECV_ERROR ||
+                                                     code == CURLE_SEND_FAIL_REWIND);
+    if (code != CURLE_OK && !isRefusal)
+    {
+        throw ErrorOf(code);
+    }
+    ReportLast();
+    return std::move(m_reply);
+}
+
+TransportError CurlExchange::CertificateError() const
+{
+    long verdict = X509_V_OK;
+    curl_easy_getinfo(m_handle, CURLINFO_SSL_VERIFYRESULT, &verdict);
+    switch (verdict)
+    {
+    case X509_V_OK: // the chain is good, and libcurl missed the host's name in it
+    case X509_V_ERR_HOSTNAME_MISMATCH:
+    case X509_V_ERR_IP_ADDRESS_MISMATCH:
+        return {TransportProblem::CertificateForOtherHost};
+    case X509_V_ERR_CERT_HAS_EXPIRED:
+        return {TransportProblem::CertificateExpired};
+    case X509_V_ERR_CERT_NOT_YET_VALID:
+        return {TransportProblem::CertificateNotYetValid};
+    default:
+        return {TransportProblem::CertificateUntrusted};
+    }
+}
+
+TransportError CurlExchange::ErrorOf(CURLcode code) const
+{
+    // What the callbacks decided goes ahead of how libcurl puts it.
+    if (FAILED(m_callerFailure))
+    {
+        return {TransportProblem::EndedByCaller, m_callerFailure};
+    }
+    if (FAILED(m_readFailure))
+    {
+        return {TransportProblem::BodyUnreadable, m_readFailure};
+    }
+    if (m_stop == Stop::Stalled || m_stop == Stop::NoAnswer)
+    {
+        return {m_stop == Stop::Stalled ? TransportProblem::SendStalled : TransportProblem::AnswerMissing};
+    }
+    switch (code)
+    {
+    case CURLE_COULDNT_RESOLVE_HOST: return {TransportProblem::NameNotFound};
+    case CURLE_COULDNT_RESOLVE_PROXY: return {TransportProblem::ProxyNotFound};
+    case CURLE_COULDNT_CONNECT: return {TransportProblem::CannotConnect};
+    case CURLE_OPERATION_TIMEDOUT: return {TransportProblem::ConnectTimedOut}; // no other limit is libcurl's
+    case CURLE_PEER_FAILED_VERIFICATION: return CertificateError();
+    case CURLE_SSL_CACERT_BADFILE: return {TransportProblem::TrustFileUnreadable};
+    case CURLE_OUT_OF_MEMORY: return {TransportProblem::Other, E_OUTOFMEMORY};
+    default: break;
+    }
+    if (!m_lastMove)
+    {
+        return {code == CURLE_SSL_CONNECT_ERROR ? TransportProblem::TlsFailed : TransportProblem::CannotConnect};
+    }
+    if (code == CURLE_WRITE_ERROR || code == CURLE_WEIRD_SERVER_REPLY || code == CURLE_UNSUPPORTED_PROTOCOL)
+    {
+        return {TransportProblem::AnswerGarbled};
+    }
+    // All that libcurl was given counts as sent: it may lie in the server's hands.
+    return {m_bodyRead == BodyLength() ? TransportProblem::LostBeforeAnswer : TransportProblem::LostWhileSending};
+}
+
+class CurlTransport final : public HttpTransport
+{
+public:
+    explicit CurlTransport(const TransportLimits &limits) : m_limits(limits) {}
+
+    HttpReply Exchange(const HttpRequest &request) override
+    {
+        HandlePool &pool = HandlePool::Get();
+        Loan loan{pool, pool.Take()};
+        return CurlExchange(loan.handle.get(), request, m_limits).Run();
+    }
+
+private:
+    struct Loan
+    {
+        HandlePool &pool;
+        EasyHandle handle;
+
+        ~Loan() { pool.GiveBack(std::move(handle)); }
+    };
+
+    TransportLimits m_limits;
+};
+} // namespace
+
+std::shared_ptr<HttpTransport> CreateTransport(const TransportLimits &limits)
+{
+    return std::make_shared<CurlTransport>(limits);
+}

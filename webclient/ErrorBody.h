@@ -1,0 +1,12 @@
+// What the body of a refusal says, in one line for a person: an OAuth problem in plain words, the
+// title of a page, or the first words of a plain text. Empty if it says nothing readable.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// Bytes as they came; the result is UTF-8 of at most some 200 characters.
+std::string DescribeErrorBody(std::string_view body);
+
+// "Service Unavailable" for 503; empty for a status without a name.
+std::string_view StandardStatusWords(int status);

@@ -1,0 +1,52 @@
+#include "webclient/MimeType.h"
+
+#include <algorithm>
+
+namespace
+{
+struct MediaType
+{
+    const WCHAR *extension; // lower case
+    const WCHAR *mimeType;
+};
+
+constexpr MediaType MediaTypes[] = {
+    {TEXT("jpg"), TEXT("image/jpeg")},      {TEXT("jpeg"), TEXT("image/jpeg")},
+    {TEXT("jpe"), TEXT("image/jpeg")},      {TEXT("jfif"), TEXT("image/jpeg")},
+    {TEXT("exif"), TEXT("image/jpeg")},     {TEXT("png"), TEXT("image/png")},
+    {TEXT("gif"), TEXT("image/gif")},       {TEXT("tif"), TEXT("image/tiff")},
+    {TEXT("tiff"), TEXT("image/tiff")},     {TEXT("webp"), TEXT("image/webp")},
+    {TEXT("bmp"), TEXT("image/bmp")},       {TEXT("heic"), TEXT("image/heic")},
+    {TEXT("heif"), TEXT("image/heif")},     {TEXT("avif"), TEXT("image/avif")},
+    {TEXT("mov"), TEXT("video/quicktime")}, {TEXT("mp4"), TEXT("video/mp4")},
+    {TEXT("m4v"), TEXT("video/mp4")},       {TEXT("avi"), TEXT("video/x-msvideo")},
+};
+
+WCHAR LowerAscii(WCHAR c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<WCHAR>(c + ('a' - 'A')) : c;
+}
+
+bool EqualsLower(WideView text, WideView lower)
+{
+    return std::equal(text.begin(), text.end(), lower.begin(), lower.end(),
+                      [](WCHAR a, WCHAR b) { return LowerAscii(a) == b; });
+}
+} // namespace
+
+const WCHAR *MimeTypeOfFile(WideView fileName) noexcept
+{
+    const size_t dot = fileName.find_last_of(TEXT("./\\"));
+    if (dot != WideView::npos && fileName[dot] == '.')
+    {
+        const WideView extension = fileName.substr(dot + 1);
+        for (const MediaType &type : MediaTypes)
+        {
+            if (EqualsLower(extension, type.extension))
+            {
+                return type.mimeType;
+            }
+        }
+    }
+    return TEXT("application/octet-stream");
+}

@@ -1,0 +1,7 @@
+// The media type of a file by its name's extension, whatever its case. A name that tells nothing
+// gives "application/octet-stream".
+#pragma once
+
+#include "core/WideText.h"
+
+const WCHAR *MimeTypeOfFile(WideView fileName) noexcept;

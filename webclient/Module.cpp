@@ -1,0 +1,141 @@
+// The module of the web components: its class objects and its registration.
+#include <windows.h>
+#include <objbase.h>
+#include <initguid.h>
+
+#include "WebComponents.h"
+#include "XmlInterfaces.h"
+
+#include "core/BstrOwner.h"
+#include "core/ClassFactory.h"
+#include "core/HandleOwner.h"
+#include "core/Hresult.h"
+#include "core/ModuleLocks.h"
+#include "core/ThisModule.h"
+#include "webclient/MultipartForm.h"
+#include "webclient/OAuthWebClient.h"
+#include "webclient/RequestParameters.h"
+
+namespace
+{
+ClassFactory<COAuthWebClient> clientFactory;
+ClassFactory<CRequestParameters> parametersFactory;
+ClassFactory<CMultipartFormData> formFactory;
+
+struct ComponentClass
+{
+    const CLSID &clsid;
+    const WCHAR *name;
+    IClassFactory *factory;
+};
+
+const ComponentClass Classes[] = {
+    {CLSID_OAuthWebClient, TEXT("Halvora OAuth Web Client"), &clientFactory},
+    {CLSID_RequestParameters, TEXT("Halvora Request Parameters"), &parametersFactory},
+    {CLSID_MultipartFormData, TEXT("Halvora Multipart Form Data"), &formFactory},
+};
+
+WideText ClassKeyPath(const CLSID &clsid)
+{
+    WCHAR text[40] = {};
+    if (StringFromGUID2(clsid, text, 40) == 0)
+    {
+        ThrowHresult(E_UNEXPECTED);
+    }
+    return WideText(TEXT("CLSID\\")) + text;
+}
+
+void SetText(HKEY key, const WCHAR *name, const WideText &text)
+{
+    const auto *bytes = reinterpret_cast<const BYTE *>(text.c_str());
+    const auto size = static_cast<DWORD>((text.size() + 1) * sizeof(WCHAR));
+    ThrowIfFailed(HRESULT_FROM_WIN32(RegSetValueExW(key, name, 0, REG_SZ, bytes, size)));
+}
+
+RegistryKeyOwner CreateKey(const WideText &path)
+{
+    RegistryKeyOwner key;
+    ThrowIfFailed(HRESULT_FROM_WIN32(RegCreateKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, nullptr, 0,
+                                                     KEY_READ | KEY_WRITE, nullptr, key.Put(), nullptr)));
+    return key;
+}
+
+void Register(const ComponentClass &component, const WideText &modulePath)
+{
+    const WideText path = ClassKeyPath(component.clsid);
+    SetText(CreateKey(path).Get(), nullptr, component.name);
+    const RegistryKeyOwner server = CreateKey(path + TEXT("\\InprocServer32"));
+    SetText(server.Get(), nullptr, modulePath);
+    SetText(server.Get(), TEXT("ThreadingModel"), TEXT("Both"));
+}
+
+// A key that isn't there is as good as one that was deleted.
+HRESULT Delete(const WideText &path)
+{
+    const LSTATUS status = RegDeleteTreeW(HKEY_CLASSES_ROOT, path.c_str());
+    return status == ERROR_FILE_NOT_FOUND ? S_OK : HRESULT_FROM_WIN32(status);
+}
+
+HRESULT Unregister()
+{
+    HRESULT result = S_OK;
+    for (const ComponentClass &component : Classes)
+    {
+        const HRESULT deleted = Delete(ClassKeyPath(component.clsid));
+        result = FAILED(result) ? result : deleted;
+    }
+    return result;
+}
+} // namespace
+
+#pragma GCC visibility push(default)
+
+STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void **object)
+{
+    if (object == nullptr)
+    {
+        return E_INVALIDARG;
+    }
+    *object = nullptr;
+    for (const ComponentClass &component : Classes)
+    {
+        if (clsid == component.clsid)
+        {
+            return component.factory->QueryInterface(iid, object);
+        }
+    }
+    return CLASS_E_CLASSNOTAVAILABLE;
+}
+
+STDAPI DllCanUnloadNow()
+{
+    return ModuleLocks::Read() == 0 ? S_OK : S_FALSE;
+}
+
+STDAPI DllRegisterServer()
+{
+    const HRESULT result = AtBoundary([] {
+        const WideText path = ThisModulePath();
+        if (path.empty())
+        {
+            return E_UNEXPECTED;
+        }
+        for (const ComponentClass &component : Classes)
+        {
+            Register(component, path);
+        }
+        return S_OK;
+    });
+    if (FAILED(result))
+    {
+        AtBoundary(Unregister); // all or nothing
+    }
+    return result;
+}
+
+STDAPI DllUnregisterServer()
+{
+    return AtBoundary(Unregister);
+}
+
+#pragma GCC visibility pop

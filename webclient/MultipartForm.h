@@ -1,0 +1,75 @@
+// The component that encodes a form with a file as multipart/form-data (RFC 7578). The body is
+// made while it is read: file parts are streamed, never copied into memory. Names and texts go out
+// as UTF-8; the file name goes without any folder.
+#pragma once
+
+#include "WebComponents.h"
+#include "core/ComObject.h"
+#include "core/WideText.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+class CMultipartFormData final
+    : public ComObject<CMultipartFormData, IMultipartFormData, Answers<IStream, ISequentialStream>>
+{
+public:
+    CMultipartFormData();
+
+    STDMETHODIMP AddNumberField(LPCWSTR name, UINT32 value) noexcept override;
+    STDMETHODIMP AddTextField(LPCWSTR name, LPCWSTR value) noexcept override;
+    STDMETHODIMP AddFilePart(LPCWSTR name, IStream *content, LPCWSTR mimeType, LPCWSTR fileName,
+                             UINT32 reserved1, UINT32 reserved2) noexcept override;
+    STDMETHODIMP GetBodyLength(UINT32 *length) noexcept override;
+    STDMETHODIMP GetContentType(BSTR *contentType) noexcept override;
+
+    // The body. A file that ends before the length that it had when it was added fails the read
+    // with ERROR_HANDLE_EOF; what it has gained since is left out.
+    STDMETHODIMP Read(void *buffer, ULONG size, ULONG *read) noexcept override;
+    // To the start of the body, or by nothing; elsewhere the body can't be entered.
+    STDMETHODIMP Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER *position) noexcept override;
+    STDMETHODIMP Stat(STATSTG *status, DWORD flags) noexcept override;
+
+    STDMETHODIMP Write(const void *, ULONG, ULONG *) noexcept override { return STG_E_ACCESSDENIED; }
+    STDMETHODIMP SetSize(ULARGE_INTEGER) noexcept override { return STG_E_ACCESSDENIED; }
+    STDMETHODIMP CopyTo(IStream *, ULARGE_INTEGER, ULARGE_INTEGER *, ULARGE_INTEGER *) noexcept override
+    {
+        return E_NOTIMPL;
+    }
+    STDMETHODIMP Commit(DWORD) noexcept override { return S_OK; }
+    STDMETHODIMP Revert() noexcept override { return S_OK; }
+    STDMETHODIMP LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) noexcept override
+    {
+        return STG_E_INVALIDFUNCTION;
+    }
+    STDMETHODIMP UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) noexcept override
+    {
+        return STG_E_INVALIDFUNCTION;
+    }
+    STDMETHODIMP Clone(IStream **clone) noexcept override;
+
+private:
+    // A stretch of the body: bytes of its own, then those of a file, if there is one.
+    struct Part
+    {
+        std::string bytes;
+        ComPtr<IStream> content;
+        UINT64 start = 0; // where the file's bytes begin in content
+        UINT64 length = 0;
+    };
+
+    void AddField(LPCWSTR name, std::string_view value);
+    std::string OpenPart(LPCWSTR name) const;
+    std::string Closing() const;
+    UINT64 BodyLength() const;
+    ULONG ReadSome(BYTE *buffer, ULONG size);
+    ULONG ReadContent(const Part &part, BYTE *buffer, ULONG size);
+    void Rewind();
+
+    std::string m_boundary;
+    std::vector<Part> m_parts;
+    size_t m_part = 0;      // being read; m_parts.size() is the closing boundary
+    UINT64 m_inPart = 0;    // bytes of it that were read
+    UINT64 m_position = 0;  // in the whole body
+};

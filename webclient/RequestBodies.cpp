@@ -1,0 +1,51 @@
+#include "webclient/RequestBodies.h"
+
+#include <algorithm>
+#include <cstring>
+
+HRESULT TextBody::Read(void *buffer, ULONG size, ULONG *read)
+{
+    *read = static_cast<ULONG>(std::min<size_t>(size, m_text.size() - m_position));
+    std::memcpy(buffer, m_text.data() + m_position, *read);
+    m_position += *read;
+    return *read > 0 ? S_OK : HRESULT_FROM_WIN32(ERROR_HANDLE_EOF);
+}
+
+UploadBody::UploadBody(IStream *content, UINT32 length, IUploadProgressCallback *callback)
+    : m_content(content), m_length(length), m_callback(callback)
+{
+}
+
+HRESULT UploadBody::Read(void *buffer, ULONG size, ULONG *read)
+{
+    *read = 0;
+    const HRESULT result = m_content->Read(buffer, std::min<ULONG>(size, m_length - m_read), read);
+    m_read += *read;
+    // What was read ahead of a failure is no use: the rest will never follow.
+    if (FAILED(result))
+    {
+        return result;
+    }
+    return *read > 0 ? S_OK : HRESULT_FROM_WIN32(ERROR_HANDLE_EOF);
+}
+
+HRESULT UploadBody::Report(UINT64 sent)
+{
+    constexpr auto leastInterval = std::chrono::milliseconds(10);
+    constexpr auto heartbeat = std::chrono::milliseconds(900);
+    if (!m_callback || m_length == 0)
+    {
+        return S_OK;
+    }
+    const auto now = Clock::now();
+    const bool isNews = m_reported != sent;
+    const auto age = now - m_reportTime;
+    const bool isDue = !m_reported || (isNews && (sent == m_length || age >= leastInterval)) || age >= heartbeat;
+    if (!isDue)
+    {
+        return S_OK;
+    }
+    m_reported = sent;
+    m_reportTime = now;
+    return m_callback->OnUploadProgress(UPLOAD_BYTES, m_length, static_cast<UINT32>(sent));
+}

@@ -1,0 +1,87 @@
+#include "webclient/TransportWords.h"
+
+namespace
+{
+// Codes of WinINet and WinHTTP, which number their errors alike.
+constexpr HRESULT InternetError(unsigned number)
+{
+    return static_cast<HRESULT>(0x80070000u | number);
+}
+
+struct Row
+{
+    TransportProblem problem;
+    HRESULT code; // 0: the error's own
+    const char *status;
+    const char *description; // {host} and {what} are put in
+};
+
+constexpr Row Rows[] = {
+    {TransportProblem::NameNotFound, InternetError(12007), "No connection",
+     "The host name {host} was not found. Is this computer connected to the Internet?"},
+    {TransportProblem::ProxyNotFound, InternetError(12007), "No connection",
+     "The name of the proxy on the way to {host} was not found."},
+    {TransportProblem::CannotConnect, InternetError(12029), "No connection",
+     "The connection to {host} was refused, or no way leads there."},
+    {TransportProblem::ConnectTimedOut, InternetError(12002), "No connection",
+     "The connection to {host} timed out."},
+    {TransportProblem::SendStalled, InternetError(12002), "Transfer stalled",
+     "The transfer to {host} was given up because no byte moved any more."},
+    {TransportProblem::AnswerMissing, InternetError(12002), "Sent but not answered",
+     "{host} took everything but did not answer in time: the {what} may or may not have arrived. It is not "
+     "sent again."},
+    {TransportProblem::LostWhileSending, InternetError(12030), "Connection lost",
+     "The connection to {host} was closed before everything was sent: the {what} did not arrive."},
+    {TransportProblem::LostBeforeAnswer, InternetError(12030), "Sent but not answered",
+     "The connection to {host} was closed after everything was sent and before the answer was complete: the "
+     "{what} may or may not have arrived. It is not sent again."},
+    {TransportProblem::CertificateExpired, InternetError(12037), "Connection not secure",
+     "The certificate of {host} has expired. Nothing was sent. Is the clock of this computer right?"},
+    {TransportProblem::CertificateNotYetValid, InternetError(12037), "Connection not secure",
+     "The certificate of {host} is not valid yet. Nothing was sent. Is the clock of this computer right?"},
+    {TransportProblem::CertificateForOtherHost, InternetError(12038), "Connection not secure",
+     "The certificate that was shown belongs to another host than {host}. Nothing was sent."},
+    {TransportProblem::CertificateUntrusted, InternetError(12045), "Connection not secure",
+     "The certificate of {host} comes from an unknown authority. Nothing was sent."},
+    {TransportProblem::TlsFailed, InternetError(12175), "Connection not secure",
+     "No secure connection could be agreed on with {host}. Nothing was sent."},
+    {TransportProblem::TrustFileUnreadable, InternetError(12175), "Connection not secure",
+     "The file of trusted certificates can't be read. Nothing was sent."},
+    {TransportProblem::AnswerGarbled, InternetError(12152), "Answer not understood",
+     "{host} answered with something that is no proper HTTP reply, or with too much: the {what} may or may not "
+     "have arrived. It is not sent again."},
+    {TransportProblem::BodyUnreadable, 0, "Not sent",
+     "The {what} could not be read to its end while it was being sent: it did not arrive."},
+    {TransportProblem::EndedByCaller, 0, "Ended", "The transfer to {host} was ended on request."},
+    {TransportProblem::Other, 0, "Transfer failed", "The transfer to {host} failed."},
+};
+
+std::string Fill(std::string text, std::string_view mark, std::string_view value)
+{
+    for (size_t at = text.find(mark); at != std::string::npos; at = text.find(mark, at + value.size()))
+    {
+        text.replace(at, mark.size(), value);
+    }
+    return text;
+}
+
+const Row &RowOf(TransportProblem problem)
+{
+    for (const Row &row : Rows)
+    {
+        if (row.problem == problem)
+        {
+            return row;
+        }
+    }
+    return Rows[std::size(Rows) - 1];
+}
+} // namespace
+
+TransportWords WordsFor(const TransportError &error, std::string_view host, std::string_view what)
+{
+    const Row &row = RowOf(error.problem);
+    const HRESULT own = FAILED(error.code) ? error.code : E_FAIL;
+    return {row.code != 0 ? row.code : own, row.status,
+            Fill(Fill(row.description, "{host}", host), "{what}", what)};
+}

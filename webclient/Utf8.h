@@ -1,0 +1,13 @@
+// UTF-16 to UTF-8 and back. Nothing is refused: a lone surrogate, or a byte that belongs to no
+// character, becomes U+FFFD, so that what is signed and what is sent are always the same bytes.
+#pragma once
+
+#include "core/WideText.h"
+#include "webclient/SecretText.h"
+
+#include <string>
+#include <string_view>
+
+std::string Utf8FromWide(WideView text);
+SecretText SecretUtf8FromWide(WideView text);
+WideText WideFromUtf8(std::string_view bytes);
