@@ -1,0 +1,57 @@
+// The finished module must not show the application's key and secret to who looks at its bytes.
+#include "core/ThisModule.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace
+{
+// Both forms lie in this program, so that a search that finds nothing anywhere is noticed.
+const char narrowKey[] = PLAIN_KEY;
+const char narrowSecret[] = PLAIN_SECRET;
+const char16_t wideKey[] = u"" PLAIN_KEY;
+const char16_t wideSecret[] = u"" PLAIN_SECRET;
+
+std::string ContentOf(const std::filesystem::path &file)
+{
+    std::ifstream in(file, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+// The value itself and each quarter of it, in one byte and in two bytes a character.
+template <class Character>
+std::string PartsFound(const std::string &content, const Character *value, size_t length)
+{
+    const auto *bytes = reinterpret_cast<const char *>(value);
+    const size_t size = length * sizeof(Character);
+    std::string found;
+    for (size_t from = 0; from < size; from += size / 4)
+    {
+        const bool isThere = content.find(std::string(bytes + from, size / 4)) != std::string::npos;
+        found += isThere ? 'x' : '-';
+    }
+    return found;
+}
+} // namespace
+
+TEST(SealedCredentials, AreNotToBeReadInTheModule)
+{
+    const std::string module = ContentOf(SEALED_MODULE);
+    ASSERT_GT(module.size(), 10000u) << SEALED_MODULE;
+    const std::string control = ContentOf(std::filesystem::path(ThisModulePath()));
+    ASSERT_GT(control.size(), 10000u);
+
+    const auto look = [&](const auto &value) {
+        const size_t length = std::size(value) - 1;
+        EXPECT_EQ(PartsFound(control, value, length), "xxxx") << "the search itself is at fault";
+        EXPECT_EQ(PartsFound(module, value, length), "----");
+    };
+    look(narrowKey);
+    look(narrowSecret);
+    look(wideKey);
+    look(wideSecret);
+}
