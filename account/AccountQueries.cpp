@@ -30,8 +30,8 @@ HRESULT CallMethod(IOAuthWebClient &client, const WCHAR *method, Document &reply
     }
     const BstrOwner name{WideView(method)};
     VARIANT value{};
-    value.vt = VT_BSTR;
-    value.bstrVal = name.Get();
+    V_VT(&value) = VT_BSTR;
+    V_BSTR(&value) = name.Get();
     result = parameters->Add(TEXT("method"), value);
     if (FAILED(result))
     {

@@ -12,8 +12,8 @@ VARIANT TextValue(const BstrOwner &text) noexcept
 {
     VARIANT value;
     VariantInit(&value);
-    value.vt = VT_BSTR;
-    value.bstrVal = text.Get();
+    V_VT(&value) = VT_BSTR;
+    V_BSTR(&value) = text.Get();
     return value;
 }
 
@@ -21,8 +21,8 @@ VARIANT NumberValue(VARTYPE type, UINT32 number) noexcept
 {
     VARIANT value;
     VariantInit(&value);
-    value.vt = type;
-    value.ulVal = number;
+    V_VT(&value) = type;
+    V_UI4(&value) = number;
     return value;
 }
 

@@ -88,11 +88,11 @@ ComPtr<IRequestParameters> RequestHeaders(const BstrOwner &contentType, UINT32 c
     auto headers = CreateParameters();
     VARIANT value;
     VariantInit(&value);
-    value.vt = VT_BSTR;
-    value.bstrVal = contentType.Get();
+    V_VT(&value) = VT_BSTR;
+    V_BSTR(&value) = contentType.Get();
     ThrowIfFailed(headers->Add(TEXT("Content-Type"), value));
-    value.vt = VT_I4;
-    value.lVal = static_cast<INT32>(contentLength);
+    V_VT(&value) = VT_I4;
+    V_I4(&value) = static_cast<INT32>(contentLength);
     ThrowIfFailed(headers->Add(TEXT("Content-Length"), value));
     return headers;
 }

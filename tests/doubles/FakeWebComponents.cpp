@@ -53,10 +53,10 @@ public:
 
     STDMETHODIMP Add(LPCWSTR name, VARIANT value) override
     {
-        const WideText text = value.vt == VT_BSTR ? Text(value.bstrVal) : Text(value.ulVal);
-        if (value.vt != VT_BSTR && value.vt != VT_I4 && value.vt != VT_UI4)
+        const WideText text = V_VT(&value) == VT_BSTR ? Text(V_BSTR(&value)) : Text(V_UI4(&value));
+        if (V_VT(&value) != VT_BSTR && V_VT(&value) != VT_I4 && V_VT(&value) != VT_UI4)
         {
-            ADD_FAILURE() << "a parameter of type " << value.vt;
+            ADD_FAILURE() << "a parameter of type " << V_VT(&value);
         }
         const HRESULT result = m_record.Record("Add", {Text(name), text});
         if (SUCCEEDED(result))
