@@ -1,0 +1,112 @@
+#include "core/WideText.h"
+#include "tests/platform/World.h"
+
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+extern "C"
+#ifdef __MINGW32__
+    __declspec(dllexport)
+#else
+    __attribute__((visibility("default")))
+#endif
+    int ExportedForTheTest()
+{
+    return 7;
+}
+
+namespace
+{
+const WCHAR *const here = reinterpret_cast<const WCHAR *>(&ExportedForTheTest);
+
+HMODULE ModuleAt(const void *address, DWORD flags)
+{
+    HMODULE module = nullptr;
+    return GetModuleHandleExW(flags | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, static_cast<const WCHAR *>(address),
+                              &module)
+               ? module
+               : nullptr;
+}
+
+TEST(Modules, AnAddressInTheProgramGivesTheProgram)
+{
+    HMODULE program = nullptr;
+    ASSERT_TRUE(GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT, nullptr, &program));
+    EXPECT_EQ(ModuleAt(here, GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT), program);
+    EXPECT_EQ(GetModuleHandleW(nullptr), program);
+    // Counted: freed again.
+    EXPECT_EQ(ModuleAt(here, 0), program);
+    EXPECT_TRUE(FreeLibrary(program));
+}
+
+TEST(Modules, BadArgumentsAndStrangeAddresses)
+{
+    HMODULE module = reinterpret_cast<HMODULE>(1);
+    SetLastError(0);
+    EXPECT_FALSE(GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                                    nullptr, &module));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
+    EXPECT_EQ(module, nullptr);
+    EXPECT_EQ(ModuleAt(reinterpret_cast<const void *>(16), 0), nullptr);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_MOD_NOT_FOUND});
+    EXPECT_EQ(GetModuleHandleW(TEXT("no-such-module.so")), nullptr);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_MOD_NOT_FOUND});
+}
+
+TEST(Modules, TheFileNameIsCutAndReportedIfTheBufferIsSmall)
+{
+    WCHAR path[1024];
+    const DWORD length = GetModuleFileNameW(nullptr, path, ARRAYSIZE(path));
+    ASSERT_GT(length, 10u);
+    const WideText whole(path, length);
+    EXPECT_NE(whole.find(TEXT("platform_kernel32_tests")), WideText::npos);
+    EXPECT_EQ(path[length], 0);
+
+    WCHAR brief[10];
+    SetLastError(0);
+    EXPECT_EQ(GetModuleFileNameW(nullptr, brief, ARRAYSIZE(brief)), ARRAYSIZE(brief));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
+    EXPECT_EQ(WideText(brief, ARRAYSIZE(brief) - 1), whole.substr(0, ARRAYSIZE(brief) - 1));
+    // Windows terminates what it cuts, Wine doesn't.
+    EXPECT_EQ(brief[ARRAYSIZE(brief) - 1], underWine ? whole[ARRAYSIZE(brief) - 1] : 0);
+}
+
+TEST(Modules, ExportedFunctionsAreFoundInTheirOwnModuleOnly)
+{
+    const HMODULE program = GetModuleHandleW(nullptr);
+    const auto found = reinterpret_cast<int (*)()>(reinterpret_cast<void *>(GetProcAddress(program, "ExportedForTheTest")));
+    ASSERT_NE(found, nullptr);
+    EXPECT_EQ(found(), 7);
+    SetLastError(0);
+    EXPECT_EQ(GetProcAddress(program, "CoCreateInstance"), nullptr);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_PROC_NOT_FOUND});
+}
+
+TEST(Modules, LoadingCountsUntilFreed)
+{
+    const WCHAR *const library = underWine ? TEXT("winmm.dll") : TEXT("libsqlite3.so.0");
+    const char *const function = underWine ? "timeGetTime" : "sqlite3_open";
+    ASSERT_EQ(GetModuleHandleW(library), nullptr);
+    const HMODULE loaded = LoadLibraryW(library);
+    ASSERT_NE(loaded, nullptr);
+    EXPECT_EQ(LoadLibraryW(library), loaded);
+    EXPECT_NE(GetProcAddress(loaded, function), nullptr);
+    EXPECT_TRUE(FreeLibrary(loaded));
+    const void *const inside = reinterpret_cast<const void *>(GetProcAddress(loaded, function));
+    EXPECT_EQ(ModuleAt(inside, GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT), loaded);
+    EXPECT_TRUE(FreeLibrary(loaded));
+    EXPECT_EQ(ModuleAt(inside, GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT), nullptr);
+}
+
+TEST(Modules, WhatCannotBeLoadedSaysWhy)
+{
+    EXPECT_EQ(LoadLibraryW(TEXT("/no/such/module.so")), nullptr);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_MOD_NOT_FOUND});
+    if (!underWine)
+    {
+        EXPECT_EQ(LoadLibraryW(TEXT("/etc/passwd")), nullptr);
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_BAD_EXE_FORMAT});
+    }
+}
+} // namespace
