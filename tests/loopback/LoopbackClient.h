@@ -1,0 +1,107 @@
+// A service in the test's own process, and a client for it: libcurl with a small OAuth signer of its
+// own, as the counter-check of the service's verifier.
+#pragma once
+
+#include "loopback/LoopbackService.h"
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+using Fields = std::vector<std::pair<std::string, std::string>>;
+
+// What a signature is made of; a test spoils one piece at a time.
+struct Signature
+{
+    std::string consumerKey = "68616c766f72612d64656d6f2d6b6579";
+    std::string consumerSecret = "64656d6f2d736563";
+    std::string token = "72157600000000000-demo000000000000";
+    std::string tokenSecret = "demosecret000000";
+    std::string version = "1.0";
+    std::string method = "HMAC-SHA1";
+    std::string nonce;
+    long timestampOffset = 0;
+    // The names of OAuth parameters that are left out.
+    std::vector<std::string> omitted;
+    // Signed, but not what is sent.
+    Fields extraSigned;
+    std::string signedUrl;
+
+    // The value of the Authorization header.
+    std::string Header(const std::string &url, const Fields &parameters) const;
+};
+
+struct Answer
+{
+    // libcurl's result code; 0 is success.
+    int result = 0;
+    long status = 0;
+    std::string body;
+    std::string contentType;
+};
+
+struct UploadFile
+{
+    std::string name = "picture.jpg";
+    std::string bytes = "\xFF\xD8\xFF\xE0 a picture \xFF\xD9";
+    std::string type = "image/jpeg";
+};
+
+// One kept connection, as long as the service keeps it.
+class LoopbackClient
+{
+public:
+    LoopbackClient(int port, std::filesystem::path authority);
+    ~LoopbackClient();
+
+    Answer Rest(const std::string &method, const Signature &signature = {}, const Fields &more = {});
+    Answer Upload(const Fields &fields, const UploadFile &file = {}, const Signature &signature = {});
+    // A body of the caller's own, signed as if it held these fields.
+    Answer UploadBody(const std::string &contentType, const std::string &body, const Fields &fields = {});
+    Answer Get(const std::string &url);
+    // Plain HTTP to the service's own address.
+    Answer Admin(const std::string &path);
+    Answer Admin(const std::string &path, const Fields &form);
+
+private:
+    Answer Send(const std::string &url, const std::string &authorization,
+                const std::function<void(void *curl)> &setUp);
+
+    void *m_curl;
+    int m_port;
+    std::filesystem::path m_authority;
+};
+
+// A folder of its own, gone with the object.
+class TestFolder
+{
+public:
+    TestFolder();
+    ~TestFolder();
+    const std::filesystem::path &Path() const { return m_path; }
+
+private:
+    std::filesystem::path m_path;
+};
+
+class RunningService
+{
+public:
+    RunningService() : RunningService(loopback::ServiceOptions{}) {}
+    explicit RunningService(loopback::ServiceOptions options);
+    ~RunningService();
+
+    LoopbackClient Client() const { return LoopbackClient(m_service.Port(), m_service.AuthorityFile()); }
+    std::filesystem::path Store() const { return m_folder.Path() / "store"; }
+
+private:
+    TestFolder m_folder;
+    loopback::LoopbackService m_service;
+    std::thread m_thread;
+};
+
+// The one member of that name in a JSON text, as it stands there.
+std::string JsonValue(const std::string &json, const std::string &name);
