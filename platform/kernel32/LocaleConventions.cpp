@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <string_view>
 
 namespace
 {
@@ -43,13 +44,20 @@ bool HasNegativePrefix(const UNumberFormat *format)
     return unum_getTextAttribute(format, UNUM_NEGATIVE_PREFIX, text, 16, &status) > 0;
 }
 
+// Whether nothing is known of the locale asked for, and the data of the root locale stand in.
+bool IsStandIn(const UNumberFormat *format)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    const char *const name = unum_getLocaleByType(format, ULOC_VALID_LOCALE, &status);
+    return U_FAILURE(status) || name == nullptr || *name == '\0' || std::string_view(name) == "root";
+}
+
 std::optional<LocaleConventions> ReadConventions(const std::string &name)
 {
     UErrorCode status = U_ZERO_ERROR;
     const std::unique_ptr<UNumberFormat, void (*)(UNumberFormat *)> format(
         unum_open(UNUM_DECIMAL, nullptr, 0, name.c_str(), nullptr, &status), [](UNumberFormat *f) { unum_close(f); });
-    // The warning says that nothing is known of the locale, and that the root's data stand in.
-    if (U_FAILURE(status) || (status == U_USING_DEFAULT_WARNING && !name.empty()))
+    if (U_FAILURE(status) || (!name.empty() && IsStandIn(format.get())))
     {
         return std::nullopt;
     }

@@ -102,8 +102,8 @@ WideText ApplySign(const WideText &text, UINT order, const WideText &sign)
 
 bool IsValidFormat(const NUMBERFMTW &format)
 {
-    return format.NumDigits <= 9 && format.LeadingZero <= 1 && format.NegativeOrder <= 4 &&
-           format.lpDecimalSep != nullptr && format.lpThousandSep != nullptr;
+    return format.LeadingZero <= 1 && format.NegativeOrder <= 4 && format.lpDecimalSep != nullptr &&
+           format.lpThousandSep != nullptr;
 }
 
 int Fail(DWORD error)
