@@ -38,6 +38,25 @@ Gallery::Gallery(const AccountBook &accounts, const PhotoIndex &photos, const Up
 {
 }
 
+std::string Gallery::GroupNames(const PhotoRecord &record) const
+{
+    {
+        std::lock_guard lock(m_mutex);
+        const auto known = m_groupNames.find(record.id);
+        if (known != m_groupNames.end())
+        {
+            return known->second;
+        }
+    }
+    std::string names;
+    for (const auto &group : ReadPhotoMetadata(m_uploads.PathOf(record)))
+    {
+        names += (names.empty() ? "" : " · ") + group.name;
+    }
+    std::lock_guard lock(m_mutex);
+    return m_groupNames[record.id] = names;
+}
+
 HttpReply Gallery::Handle(const HttpRequest &request) const
 {
     constexpr std::string_view photoPrefix = "/photo/";
@@ -49,7 +68,8 @@ HttpReply Gallery::Handle(const HttpRequest &request) const
     }
     if (path == "/")
     {
-        return Page(OverviewPage(m_accounts.Get(), m_photos.All()));
+        return Page(OverviewPage(m_accounts.Get(), m_photos.All(),
+                                 [this](const PhotoRecord &record) { return GroupNames(record); }));
     }
     if (path.starts_with(photoPrefix))
     {

@@ -6,6 +6,11 @@
 #include "loopback/PhotoIndex.h"
 #include "loopback/UploadService.h"
 
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <string>
+
 namespace loopback
 {
 
@@ -18,9 +23,14 @@ public:
     HttpReply Handle(const HttpRequest &request) const;
 
 private:
+    // Names of the groups in the photo's file; read once, since a stored file never changes.
+    std::string GroupNames(const PhotoRecord &record) const;
+
     const AccountBook &m_accounts;
     const PhotoIndex &m_photos;
     const UploadService &m_uploads;
+    mutable std::mutex m_mutex;
+    mutable std::map<std::int64_t, std::string> m_groupNames;
 };
 
 }

@@ -131,16 +131,16 @@ std::string DescriptionHtml(const PhotoRecord &photo)
     return photo.description.empty() ? "" : "<p dir=\"auto\">" + EscapeHtml(photo.description) + "</p>";
 }
 
-std::string CardHtml(const PhotoRecord &photo)
+std::string CardHtml(const PhotoRecord &photo, const std::string &groupNames)
 {
     return fmt::format("<article class=\"card\"><a class=\"picture\" href=\"/photo/{0}\">{1}</a>"
                        "<div class=\"text\"><h2 dir=\"auto\"><a href=\"/photo/{0}\">{2}</a></h2>{3}{4}"
                        "<div class=\"facts\"><b>{5}</b><span>{6}</span><span>{7}</span><span>{8}</span>"
-                       "<span>{9}</span></div></div></article>\n",
+                       "<span>{9}</span><span>{10}</span></div></div></article>\n",
                        photo.id, PictureHtml(photo), TitleHtml(photo), DescriptionHtml(photo), TagsHtml(photo),
                        Audience(photo), Word(SafetyWords, photo.safetyLevel),
                        Word(ContentWords, photo.contentType), EscapeHtml(photo.detectedType),
-                       SizeText(photo.size));
+                       SizeText(photo.size), groupNames.empty() ? "no metadata in the file" : groupNames);
 }
 
 std::string RowHtml(const std::string &name, const std::string &value)
@@ -199,14 +199,15 @@ std::string EscapeHtml(std::string_view text)
     return html;
 }
 
-std::string OverviewPage(const Account &account, const std::vector<PhotoRecord> &photos)
+std::string OverviewPage(const Account &account, const std::vector<PhotoRecord> &photos,
+                         const std::function<std::string(const PhotoRecord &)> &groupNames)
 {
     std::int64_t bytes = 0;
     std::string cards;
     for (const auto &photo : photos)
     {
         bytes += photo.size;
-        cards += CardHtml(photo);
+        cards += CardHtml(photo, groupNames(photo));
     }
     const std::string heading =
         fmt::format("<h1>{}<i>.</i></h1><p>{} · {} account · {} {}, {}</p>", EscapeHtml(account.fullName),

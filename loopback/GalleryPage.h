@@ -5,6 +5,7 @@
 #include "loopback/PhotoIndex.h"
 #include "loopback/PhotoMetadata.h"
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,7 +15,9 @@ namespace loopback
 
 std::string EscapeHtml(std::string_view text);
 
-std::string OverviewPage(const Account &account, const std::vector<PhotoRecord> &photos);
+// `groupNames` gives the names of the metadata groups in a photo's file, for its card.
+std::string OverviewPage(const Account &account, const std::vector<PhotoRecord> &photos,
+                         const std::function<std::string(const PhotoRecord &)> &groupNames);
 std::string PhotoPage(const PhotoRecord &photo, const std::vector<MetadataGroup> &metadata);
 std::string MissingPage();
 

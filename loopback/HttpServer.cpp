@@ -10,6 +10,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cctype>
+#include <exception>
 #include <fstream>
 #include <stdexcept>
 #include <thread>
@@ -114,11 +116,28 @@ public:
         {
             return true;
         }
-        m_drained = (*m_reader)([&](const char *bytes, std::size_t size)
-                                { return sink(std::string_view(bytes, size)) && !m_connection.IsDropped(); });
+        // A sink that fails must not leave half a body on a connection that goes on.
+        std::exception_ptr failure;
+        m_drained = (*m_reader)(
+            [&](const char *bytes, std::size_t size)
+            {
+                try
+                {
+                    return (failure || sink(std::string_view(bytes, size))) && !m_connection.IsDropped();
+                }
+                catch (...)
+                {
+                    failure = std::current_exception();
+                    return true;
+                }
+            });
         if (!m_drained)
         {
             m_connection.Drop(ConnectionEnd::Reset);
+        }
+        if (failure)
+        {
+            std::rethrow_exception(failure);
         }
         return m_drained;
     }

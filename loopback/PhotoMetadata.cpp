@@ -71,6 +71,11 @@ void AddExif(const Exiv2::ExifData &data, MetadataGroup &exif, MetadataGroup &gp
 {
     for (const auto &datum : data)
     {
+        // Where the two other directories lie in the file is nothing about the picture.
+        if (datum.key() == "Exif.Image.ExifTag" || datum.key() == "Exif.Image.GPSTag")
+        {
+            continue;
+        }
         const bool isOpaque = datum.size() > 4096 || datum.groupName().starts_with("Thumbnail");
         MetadataGroup &group = datum.groupName() == "GPSInfo" ? gps : exif;
         group.entries.emplace_back(datum.key(), isOpaque ? std::to_string(datum.size()) + " bytes"

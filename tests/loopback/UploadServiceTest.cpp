@@ -148,6 +148,19 @@ TEST(UploadService, RefusesABodyThatIsNoForm)
     EXPECT_EQ(client.Admin("uploads").body, "[]\n");
 }
 
+TEST(UploadService, AStoreThatCannotBeWrittenIsAnAnswerAndNoHang)
+{
+    RunningService service;
+    auto client = service.Client();
+    std::filesystem::remove(service.Store() / "incoming");
+    UploadFile file;
+    file.bytes.resize(3'000'000);
+    EXPECT_EQ(client.Upload({}, file).status, 500);
+    std::filesystem::create_directory(service.Store() / "incoming");
+    EXPECT_THAT(client.Upload({}).body, HasSubstr("photoid"));
+    EXPECT_EQ(JsonValue(client.Admin("statistics").body, "secure_connections"), "1");
+}
+
 TEST(UploadService, CountsTheAllowanceUntilItIsSpent)
 {
     RunningService service;
