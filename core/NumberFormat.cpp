@@ -68,7 +68,8 @@ bool PrintPlain(NumberValue value, NumberKind kind, UINT32 decimals, char *first
         result = std::to_chars(first, last, value.Unsigned);
         break;
     case NUMBER_DOUBLE:
-        result = std::to_chars(first, last, value.Double, std::chars_format::fixed, static_cast<int>(decimals));
+        result =
+            std::to_chars(first, last, value.Double, std::chars_format::fixed, static_cast<int>(decimals));
         break;
     }
     if (result.ec != std::errc() || result.ptr == last)

@@ -17,9 +17,12 @@ struct FlagName
     UINT32 ConversionSettings::*Field;
 };
 constexpr FlagName flagNames[] = {
-    {TEXT("Minimize"), &ConversionSettings::Minimize},     {TEXT("WriteCopyright"), &ConversionSettings::WriteCopyright},
-    {TEXT("WriteEXIF"), &ConversionSettings::WriteEXIF},   {TEXT("WriteXMP"), &ConversionSettings::WriteXMP},
-    {TEXT("WriteGPS"), &ConversionSettings::WriteGPS},     {TEXT("WriteIPTC"), &ConversionSettings::WriteIPTC},
+    {TEXT("Minimize"), &ConversionSettings::Minimize},
+    {TEXT("WriteCopyright"), &ConversionSettings::WriteCopyright},
+    {TEXT("WriteEXIF"), &ConversionSettings::WriteEXIF},
+    {TEXT("WriteXMP"), &ConversionSettings::WriteXMP},
+    {TEXT("WriteGPS"), &ConversionSettings::WriteGPS},
+    {TEXT("WriteIPTC"), &ConversionSettings::WriteIPTC},
 };
 
 void LoadConversion(const SettingsReader &reader, const WideText &kind, ConversionSettings &conversion)
@@ -77,8 +80,8 @@ WideText SettingsReader::Text(const WCHAR *name) const
     // One unit more than is read: a stored text need not bring its closing zero.
     WCHAR buffer[OutputSizeCapacity + 1] = {};
     DWORD size = OutputSizeCapacity * sizeof(WCHAR);
-    if (!m_key || RegQueryValueExW(m_key.Get(), name, nullptr, nullptr, reinterpret_cast<BYTE *>(buffer), &size) !=
-                      ERROR_SUCCESS)
+    if (!m_key || RegQueryValueExW(m_key.Get(), name, nullptr, nullptr, reinterpret_cast<BYTE *>(buffer),
+                                   &size) != ERROR_SUCCESS)
     {
         return {};
     }

@@ -6,7 +6,7 @@ namespace
 {
 constexpr StoredSetting settings[] = {
     {TEXT("JPEGMode"), REG_DWORD, 2, 2,
-     TEXT("how JPEG files are sent: 0 as they are on disk, 1 original pixels with chosen metadata, 2 processed")},
+     TEXT("how JPEG files are sent: 0 as they are on disk, 1 pixels intact, metadata chosen, 2 processed")},
     {TEXT("JPEGMinimize"), REG_DWORD, 1, 1, TEXT("JPEG files: further reduce the upload size")},
     {TEXT("JPEGWriteCopyright"), REG_DWORD, 1, 1, TEXT("JPEG files: keep artist, copyright and comment")},
     {TEXT("JPEGWriteEXIF"), REG_DWORD, 1, 1, TEXT("JPEG files: keep camera and shooting data")},
@@ -17,7 +17,8 @@ constexpr StoredSetting settings[] = {
     {TEXT("JPEGLongDimension"), REG_SZ, 0, 0,
      TEXT("JPEG files: maximum output size, such as Original, 1024 px, 8\" or 20 cm")},
     {TEXT("RAWMinimize"), REG_DWORD, 1, 1, TEXT("RAW and TIFF files: further reduce the upload size")},
-    {TEXT("RAWWriteCopyright"), REG_DWORD, 1, 1, TEXT("RAW and TIFF files: keep artist, copyright and comment")},
+    {TEXT("RAWWriteCopyright"), REG_DWORD, 1, 1,
+     TEXT("RAW and TIFF files: keep artist, copyright and comment")},
     {TEXT("RAWWriteEXIF"), REG_DWORD, 1, 1, TEXT("RAW and TIFF files: keep camera and shooting data")},
     {TEXT("RAWWriteXMP"), REG_DWORD, 1, 0, TEXT("RAW and TIFF files: keep rating, label and urgency")},
     {TEXT("RAWWriteGPS"), REG_DWORD, 1, 1, TEXT("RAW and TIFF files: keep position data")},
@@ -45,6 +46,7 @@ std::span<const StoredSetting> StoredSettings() noexcept
 
 const StoredSetting *FindStoredSetting(WideView name) noexcept
 {
-    const auto found = std::ranges::find(settings, name, [](const StoredSetting &s) { return WideView(s.Name); });
+    const auto found =
+        std::ranges::find(settings, name, [](const StoredSetting &s) { return WideView(s.Name); });
     return found == std::end(settings) ? nullptr : found;
 }

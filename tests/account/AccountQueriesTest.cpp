@@ -13,8 +13,10 @@ namespace
 {
 constexpr const WCHAR *TokenReply =
     TEXT("<rsp stat='ok'><oauth><user username='jdoe' fullname='Jane Doe'/></oauth></rsp>");
-constexpr const WCHAR *PhotosReply = TEXT("<rsp stat='ok'><user url='https://www.flickr.com/photos/jdoe/'/></rsp>");
-constexpr const WCHAR *ProReply = TEXT("<rsp stat='ok'><user ispro='1'><filesize maxbytes='209715200'/></user></rsp>");
+constexpr const WCHAR *PhotosReply =
+    TEXT("<rsp stat='ok'><user url='https://www.flickr.com/photos/jdoe/'/></rsp>");
+constexpr const WCHAR *ProReply =
+    TEXT("<rsp stat='ok'><user ispro='1'><filesize maxbytes='209715200'/></user></rsp>");
 constexpr const WCHAR *Refusal = TEXT("<rsp stat='fail'><err code='98' msg='Invalid auth token'/></rsp>");
 
 // As an earlier run may have left it.
@@ -59,21 +61,30 @@ TEST(QueryUploadStatus, TakesLevelAndLimitsFromTheReply)
         INT64 left;
     } cases[] = {
         {ProReply, S_OK, TEXT("Pro"), 209715200, unlimited},
-        {TEXT("<rsp stat='OK'><user ispro='1 year'><filesize maxbytes='7'/></user></rsp>"), S_OK, TEXT("Pro"), 7, unlimited},
+        {TEXT("<rsp stat='OK'><user ispro='1 year'><filesize maxbytes='7'/></user></rsp>"), S_OK, TEXT("Pro"),
+         7, unlimited},
         {TEXT("<rsp stat='ok'><user ispro='1'/></rsp>"), E_FAIL, TEXT("Pro"), 1000, unlimited},
-        {TEXT("<rsp stat='ok'><user ispro='0'><filesize maxbytes='5'/><bandwidth maxbytes='300' usedbytes='100'/></user></rsp>"),
+        {TEXT(
+             "<rsp stat='ok'><user ispro='0'><filesize maxbytes='5'/><bandwidth maxbytes='300' usedbytes='100'/></user></rsp>"),
          S_OK, TEXT("Basic"), 5, 200},
-        {TEXT("<rsp stat='ok'><user ispro=''><filesize maxbytes='5'/><bandwidth maxbytes='0' usedbytes='100'/></user></rsp>"),
+        {TEXT(
+             "<rsp stat='ok'><user ispro=''><filesize maxbytes='5'/><bandwidth maxbytes='0' usedbytes='100'/></user></rsp>"),
          S_OK, TEXT("Basic"), 5, unlimited},
-        {TEXT("<rsp stat='ok'><user ispro='0'><filesize maxbytes='5'/><bandwidth maxbytes='100' usedbytes='100'/></user></rsp>"),
+        {TEXT(
+             "<rsp stat='ok'><user ispro='0'><filesize maxbytes='5'/><bandwidth maxbytes='100' usedbytes='100'/></user></rsp>"),
          S_OK, TEXT("Basic"), 5, 0},
-        {TEXT("<rsp stat='ok'><user ispro='0'><filesize maxbytes='5'/><bandwidth maxbytes='100' usedbytes='101'/></user></rsp>"),
+        {TEXT(
+             "<rsp stat='ok'><user ispro='0'><filesize maxbytes='5'/><bandwidth maxbytes='100' usedbytes='101'/></user></rsp>"),
          S_OK, TEXT("Basic"), 5, 0},
-        {TEXT("<rsp stat='ok'><user ispro='0'><filesize maxbytes=''/><bandwidth maxbytes='9223372036854775807' usedbytes='-1'/></user></rsp>"),
+        {TEXT(
+             "<rsp stat='ok'><user ispro='0'><filesize maxbytes=''/><bandwidth maxbytes='9223372036854775807' usedbytes='-1'/></user></rsp>"),
          S_OK, TEXT("Basic"), 1000, unlimited},
-        {TEXT("<rsp stat='ok'><user ispro='0'><filesize maxbytes='5'/></user></rsp>"), E_FAIL, TEXT("Basic"), 5, 500},
-        {TEXT("<rsp stat='ok'><user ispro='0'><bandwidth maxbytes='300' usedbytes='100'/></user></rsp>"), E_FAIL, TEXT("Basic"), 1000, 500},
-        {TEXT("<rsp stat='ok'><user><filesize maxbytes='5'/></user></rsp>"), E_FAIL, TEXT("Basic"), 1000, 500},
+        {TEXT("<rsp stat='ok'><user ispro='0'><filesize maxbytes='5'/></user></rsp>"), E_FAIL, TEXT("Basic"),
+         5, 500},
+        {TEXT("<rsp stat='ok'><user ispro='0'><bandwidth maxbytes='300' usedbytes='100'/></user></rsp>"),
+         E_FAIL, TEXT("Basic"), 1000, 500},
+        {TEXT("<rsp stat='ok'><user><filesize maxbytes='5'/></user></rsp>"), E_FAIL, TEXT("Basic"), 1000,
+         500},
         {TEXT("<rsp stat='fail'><user ispro='1'/></rsp>"), E_FAIL, TEXT("Basic"), 1000, 500},
         {TEXT("<rsp stat=''/>"), E_FAIL, TEXT("Basic"), 1000, 500},
         {TEXT("<rsp/>"), E_FAIL, TEXT("Basic"), 1000, 500},
@@ -109,7 +120,8 @@ TEST(QueryUploadStatus, ARequestThatFailsIsAMissingDocument)
     FakeWebComponents web;
     web.AnswerWith(E_ABORT, MakeDocument(ProReply));
     AccountRecord account = EarlierAccount();
-    EXPECT_EQ(QueryUploadStatus(account, VersionBlock()), E_POINTER) << "a failing request's document isn't looked at";
+    EXPECT_EQ(QueryUploadStatus(account, VersionBlock()), E_POINTER)
+        << "a failing request's document isn't looked at";
     EXPECT_EQ(account.AccountType.View(), TEXT("Basic"));
 }
 
@@ -145,7 +157,8 @@ TEST(RefreshAccount, ReadsNamesAddressAndLimitsInThisOrder)
         EXPECT_EQ(MethodsAsked(web), (std::vector<WideText>{TEXT("method=flickr.auth.oauth.checkToken"),
                                                             TEXT("method=flickr.urls.getUserPhotos"),
                                                             TEXT("method=flickr.people.getUploadStatus")}));
-        EXPECT_EQ(web.CallsOf("Create IOAuthWebClient").size(), 2u) << "one for the names, one for the limits";
+        EXPECT_EQ(web.CallsOf("Create IOAuthWebClient").size(), 2u)
+            << "one for the names, one for the limits";
     }
     EXPECT_EQ(ModuleLocks::Read(), before);
 }

@@ -24,7 +24,8 @@ WideText ErrorDescription()
 
 TEST(ServiceReply, ReadsOneTextByItsPath)
 {
-    const auto document = MakeDocument(TEXT("<rsp stat='ok'><user ispro='1' note=''><name>J\x00fcrgen \xd83d\xde00</name></user></rsp>"));
+    const auto document = MakeDocument(
+        TEXT("<rsp stat='ok'><user ispro='1' note=''><name>J\x00fcrgen \xd83d\xde00</name></user></rsp>"));
     const struct
     {
         const WCHAR *path;
@@ -99,11 +100,17 @@ TEST(ServiceReply, AFailureIsToldInOneLine)
          TEXT("Flickr Status = 5: Filetype was not recognised"), true},
         {TEXT("<rsp stat='fail'><err code='9'/></rsp>"), TEXT("Flickr Status = 9"), true},
         {TEXT("<rsp stat='fail'><err code='9' msg=''/></rsp>"), TEXT("Flickr Status = 9"), true},
-        {TEXT("<rsp stat='fail'><err code='x9' msg='\x00e9""chec'/></rsp>"), TEXT("Flickr Status = x9: \x00c9""chec"), true},
-        {TEXT("<rsp stat='fail'><err code='8' msg='100 MB at most'/></rsp>"), TEXT("Flickr Status = 8: 100 MB at most"), true},
+        {TEXT("<rsp stat='fail'><err code='x9' msg='\x00e9"
+              "chec'/></rsp>"),
+         TEXT("Flickr Status = x9: \x00c9"
+              "chec"),
+         true},
+        {TEXT("<rsp stat='fail'><err code='8' msg='100 MB at most'/></rsp>"),
+         TEXT("Flickr Status = 8: 100 MB at most"), true},
         {TEXT("<rsp stat='fail'><err msg='no code'/></rsp>"), TEXT(""), false},
         {TEXT("<rsp stat='fail'/>"), TEXT(""), false},
-        {TEXT("<HttpError HttpStatus='504'><Status>Gateway Timeout</Status><Description>Try later</Description></HttpError>"),
+        {TEXT(
+             "<HttpError HttpStatus='504'><Status>Gateway Timeout</Status><Description>Try later</Description></HttpError>"),
          TEXT("HTTP Status = 504: Gateway Timeout, Try later"), false},
         {TEXT("<HttpError HttpStatus='504'><Status>Gateway Timeout</Status></HttpError>"),
          TEXT("HTTP Status = 504: Gateway Timeout"), false},

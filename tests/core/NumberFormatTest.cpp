@@ -42,8 +42,15 @@ TEST(NumberFormat, PrintsEachKindByTheConventionsItWasGiven)
         {English(), {.Signed = 0}, NUMBER_SIGNED, 0, TEXT("0")},
         {English(), {.Signed = 1024}, NUMBER_SIGNED, LocaleDecimals, TEXT("1,024")},
         {English(), {.Signed = 1024}, NUMBER_SIGNED, 5, TEXT("1,024")},
-        {English(), {.Signed = std::numeric_limits<INT64>::min()}, NUMBER_SIGNED, 0, TEXT("-9,223,372,036,854,775,808")},
-        {English(), {.Unsigned = std::numeric_limits<UINT64>::max()}, NUMBER_UNSIGNED, 0,
+        {English(),
+         {.Signed = std::numeric_limits<INT64>::min()},
+         NUMBER_SIGNED,
+         0,
+         TEXT("-9,223,372,036,854,775,808")},
+        {English(),
+         {.Unsigned = std::numeric_limits<UINT64>::max()},
+         NUMBER_UNSIGNED,
+         0,
          TEXT("18,446,744,073,709,551,615")},
         {English(), {.Double = 8.26}, NUMBER_DOUBLE, 1, TEXT("8.3")},
         {English(), {.Double = 0.5}, NUMBER_DOUBLE, LocaleDecimals, TEXT("0.50")},
@@ -66,7 +73,8 @@ TEST(NumberFormat, RefusesWhatItCannotFormat)
     {
         NumberKind kind;
         INT32 decimals;
-    } refused[] = {{NUMBER_DOUBLE, 31}, {NUMBER_DOUBLE, -2}, {NUMBER_SIGNED, 31}, {static_cast<NumberKind>(3), 0}};
+    } refused[] = {
+        {NUMBER_DOUBLE, 31}, {NUMBER_DOUBLE, -2}, {NUMBER_SIGNED, 31}, {static_cast<NumberKind>(3), 0}};
     for (const auto &[kind, decimals] : refused)
     {
         WCHAR text[64] = TEXT("before");
@@ -89,7 +97,9 @@ TEST(NumberFormat, ReadsTheConventionsOfALocale)
         LCID locale;
         const WCHAR *decimal;
         const WCHAR *thousand;
-    } cases[] = {{EnglishUnitedStates, TEXT("."), TEXT(",")}, {German, TEXT(","), TEXT(".")}, {Hindi, TEXT("."), TEXT(",")}};
+    } cases[] = {{EnglishUnitedStates, TEXT("."), TEXT(",")},
+                 {German, TEXT(","), TEXT(".")},
+                 {Hindi, TEXT("."), TEXT(",")}};
     for (const auto &[locale, decimal, thousand] : cases)
     {
         LocaleNumberFormat format(locale);

@@ -98,8 +98,9 @@ public:
     STDMETHODIMP AddFilePart(LPCWSTR name, IStream *content, LPCWSTR mimeType, LPCWSTR fileName,
                              UINT32 reserved1, UINT32 reserved2) override
     {
-        const HRESULT result = m_record.Record("AddFilePart", {Text(name), Present(content), Text(mimeType),
-                                                               Text(fileName), Text(reserved1), Text(reserved2)});
+        const HRESULT result =
+            m_record.Record("AddFilePart", {Text(name), Present(content), Text(mimeType), Text(fileName),
+                                            Text(reserved1), Text(reserved2)});
         if (SUCCEEDED(result) && content != nullptr)
         {
             m_record.FileParts.push_back(ReadAll(content, SIZE_MAX));
@@ -147,12 +148,13 @@ public:
 
     STDMETHODIMP SetService(LPCWSTR userAgent, LPCWSTR restEndpoint, LPCWSTR signatureMethod,
                             LPCWSTR applicationKey, LPCWSTR applicationSecret, LPCWSTR requestTokenUrl,
-                            LPCWSTR authorizeUrl, LPCWSTR accessTokenUrl, LPCWSTR callbackUrl, UINT32 flags) override
+                            LPCWSTR authorizeUrl, LPCWSTR accessTokenUrl, LPCWSTR callbackUrl,
+                            UINT32 flags) override
     {
         return m_record.Record("SetService",
-                               {Text(userAgent), Text(restEndpoint), Text(signatureMethod), Text(applicationKey),
-                                Text(applicationSecret), Text(requestTokenUrl), Text(authorizeUrl),
-                                Text(accessTokenUrl), Text(callbackUrl), Text(flags)});
+                               {Text(userAgent), Text(restEndpoint), Text(signatureMethod),
+                                Text(applicationKey), Text(applicationSecret), Text(requestTokenUrl),
+                                Text(authorizeUrl), Text(accessTokenUrl), Text(callbackUrl), Text(flags)});
     }
 
     STDMETHODIMP GetAuthorizationUrl(UINT32 flags, IRequestParameters *parameters, BSTR *url) override

@@ -56,7 +56,10 @@ TEST(OutputSize, HasOneDisplayFormAndOneValueForEachWayOfWritingIt)
         {English(), TEXT("1024px"), TEXT("1,024 px"), 1024, 300, UNIT_PIXELS},
         {English(), TEXT("1,024 PIXELS"), TEXT("1,024 px"), 1024, 300, UNIT_PIXELS},
         {English(), TEXT("1024 x 768"), TEXT("1,024 px"), 1024, 300, UNIT_PIXELS},
-        {English(), TEXT("\t1 0\x00a0""2 4\x3000"), TEXT("1,024 px"), 1024, 300, UNIT_PIXELS},
+        {English(),
+         TEXT("\t1 0\x00a0"
+              "2 4\x3000"),
+         TEXT("1,024 px"), 1024, 300, UNIT_PIXELS},
         {English(), TEXT("800.9"), TEXT("800 px"), 800, 300, UNIT_PIXELS},
         {English(), TEXT("8\""), TEXT("8\" print"), 2455, 306.923, UNIT_INCHES},
         {English(), TEXT("8in"), TEXT("8\" print"), 2455, 306.923, UNIT_INCHES},
@@ -76,7 +79,12 @@ TEST(OutputSize, HasOneDisplayFormAndOneValueForEachWayOfWritingIt)
         {German(), TEXT("2,5 cm"), TEXT("2,5 cm print"), 325, 330, UNIT_CENTIMETRES},
         {German(), TEXT("2.5 cm"), TEXT("25 cm print"), 2912, 295.909, UNIT_CENTIMETRES},
         {German(), TEXT("1.024 px"), TEXT("1.024 px"), 1024, 300, UNIT_PIXELS},
-        {French(), TEXT("1\x202f""024 px"), TEXT("1\x202f""024 px"), 1024, 300, UNIT_PIXELS},
+        {French(),
+         TEXT("1\x202f"
+              "024 px"),
+         TEXT("1\x202f"
+              "024 px"),
+         1024, 300, UNIT_PIXELS},
         {Conventions(TEXT("*"), TEXT(" ")), TEXT("2*5 in"), TEXT("2*5\" print"), 825, 330, UNIT_INCHES},
     };
     for (auto [format, text, display, pixels, dpi, unit] : cases)
@@ -105,10 +113,10 @@ TEST(OutputSize, PrintsGetFewerDotsPerInchTheLargerTheyAre)
         double dpi;
         INT32 pixels;
     } cases[] = {
-        {TEXT("1 in"), 330, 330},        {TEXT("4 in"), 330, 1320},      {TEXT("8 in"), 306.923, 2455},
-        {TEXT("16 in"), 260.769, 4172},  {TEXT("24 in"), 214.615, 5151}, {TEXT("30 in"), 180, 5400},
-        {TEXT("40 in"), 180, 7200},      {TEXT("10 cm"), 330, 1299},     {TEXT("20 cm"), 307.273, 2419},
-        {TEXT("50 cm"), 239.091, 4707},  {TEXT("76 cm"), 180, 5386},     {TEXT("100 cm"), 180, 7087},
+        {TEXT("1 in"), 330, 330},       {TEXT("4 in"), 330, 1320},      {TEXT("8 in"), 306.923, 2455},
+        {TEXT("16 in"), 260.769, 4172}, {TEXT("24 in"), 214.615, 5151}, {TEXT("30 in"), 180, 5400},
+        {TEXT("40 in"), 180, 7200},     {TEXT("10 cm"), 330, 1299},     {TEXT("20 cm"), 307.273, 2419},
+        {TEXT("50 cm"), 239.091, 4707}, {TEXT("76 cm"), 180, 5386},     {TEXT("100 cm"), 180, 7087},
     };
     for (const auto &[text, dpi, pixels] : cases)
     {
@@ -137,8 +145,10 @@ TEST(OutputSize, ALongTextIsCutAndAHugeNumberIsNoFault)
 
     double dpi;
     OutputSizeUnit unit;
-    EXPECT_EQ(OutputSizeToPixels(WideText(400, '9'), dpi, unit, English()), std::numeric_limits<INT32>::max());
-    EXPECT_EQ(OutputSizeToPixels(TEXT("999999999999 in"), dpi, unit, English()), std::numeric_limits<INT32>::max());
+    EXPECT_EQ(OutputSizeToPixels(WideText(400, '9'), dpi, unit, English()),
+              std::numeric_limits<INT32>::max());
+    EXPECT_EQ(OutputSizeToPixels(TEXT("999999999999 in"), dpi, unit, English()),
+              std::numeric_limits<INT32>::max());
 }
 
 TEST(OutputSize, WithoutLocaleDataAPointSeparatesDecimals)
