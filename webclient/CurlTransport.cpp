@@ -1,6 +1,8 @@
 // HTTP over libcurl, the only file that knows it. Every exchange borrows an easy handle from a pool
 // of the process: the handle keeps its connections, TLS sessions and host addresses from one
 // exchange to the next, and is used by one thread at a time.
+// Without the socket and cryptography headers of Windows, which clash with the system's own.
+#define WIN32_LEAN_AND_MEAN
 #include "webclient/HttpTransport.h"
 
 #include "core/Hresult.h"

@@ -1,5 +1,7 @@
 #include "webclient/HmacSha1.h"
 
+// Without the cryptography headers of Windows, which use some names of OpenSSL for macros.
+#define WIN32_LEAN_AND_MEAN
 #include "core/Hresult.h"
 
 #include <openssl/evp.h>

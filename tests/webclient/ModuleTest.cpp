@@ -1,5 +1,6 @@
 // The module as a file: its exports and its entries in the registry.
 #include "WebComponents.h"
+#include "XmlInterfaces.h"
 #include "core/ComPtr.h"
 #include "core/HandleOwner.h"
 #include "core/WideText.h"
@@ -63,7 +64,7 @@ TEST(WebComponentsModule, KnowsWhenItMayBeUnloaded)
     }
     EXPECT_EQ(canUnload(), S_OK);
     void *object = &object;
-    EXPECT_EQ(getClassObject(CLSID_NULL, __uuidof(IClassFactory), &object), CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_EQ(getClassObject(CLSID_DOMDocument60, __uuidof(IClassFactory), &object), CLASS_E_CLASSNOTAVAILABLE);
     EXPECT_EQ(object, nullptr);
 }
 } // namespace

@@ -70,7 +70,7 @@ TEST(OAuthSignature, SignaturesOfPublishedExamples)
     const SignedExample examples[] = {
         // RFC 5849, section 1.2: temporary credentials, token, and a request with it.
         {"POST", "https://photos.example.net/initiate",
-         {P("oauth_timestamp", "137131200"), P("oauth_nonce", "wIjqoxSZ"),
+         {P("oauth_timestamp", "137131200"), P("oauth_nonce", "wIjqoS"),
           P("oauth_callback", "http://printer.example.com/ready")},
          "dpf43f3p2l4k3l03", "kd94hf93k423kf44", "", "74KNZJeDHnMBp0EMJ9ZHt/XKycU="},
         {"POST", "https://photos.example.net/token",

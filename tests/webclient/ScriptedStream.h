@@ -30,6 +30,15 @@ public:
         return ComObject::Make(std::string(literal, N - 1), portion);
     }
 
+    // So many bytes without holding them.
+    static ComPtr<ScriptedStream> MakeEndless(UINT64 size)
+    {
+        auto stream = Make(std::string(100'000, 'x'));
+        stream->claimedSize = size;
+        stream->endless = true;
+        return stream;
+    }
+
     const std::string &Bytes() const { return m_bytes; }
 
     std::optional<UINT64> claimedSize;

@@ -20,6 +20,20 @@ std::string LowerAscii(std::string text)
                    [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
     return text;
 }
+
+int Listen(unsigned &port)
+{
+    const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    bind(listener, reinterpret_cast<sockaddr *>(&address), sizeof(address));
+    listen(listener, 16);
+    socklen_t size = sizeof(address);
+    getsockname(listener, reinterpret_cast<sockaddr *>(&address), &size);
+    port = ntohs(address.sin_port);
+    return listener;
+}
 } // namespace
 
 std::string SeenRequest::Header(const std::string &name) const
@@ -115,23 +129,15 @@ TlsTestServer::TlsTestServer(const IssuedCertificate &certificate, Script script
     std::signal(SIGPIPE, SIG_IGN);
     SSL_CTX_use_certificate(m_context.get(), certificate.certificate.get());
     SSL_CTX_use_PrivateKey(m_context.get(), certificate.key.get());
-    m_listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    bind(m_listener, reinterpret_cast<sockaddr *>(&address), sizeof(address));
-    listen(m_listener, 16);
-    socklen_t size = sizeof(address);
-    getsockname(m_listener, reinterpret_cast<sockaddr *>(&address), &size);
-    m_port = ntohs(address.sin_port);
-    m_threads.emplace_back([this] { Accept(); });
+    m_listener = Listen(m_port);
+    m_acceptor = std::thread([this] { Accept(); });
 }
 
 TlsTestServer::~TlsTestServer()
 {
     m_isEnding = true;
     shutdown(m_listener, SHUT_RDWR);
-    m_threads.front().join();
+    m_acceptor.join();
     {
         const std::lock_guard guard(m_lock);
         for (const int open : m_open)
@@ -139,9 +145,9 @@ TlsTestServer::~TlsTestServer()
             shutdown(open, SHUT_RDWR);
         }
     }
-    for (size_t i = 1; i < m_threads.size(); ++i)
+    for (std::thread &thread : m_threads)
     {
-        m_threads[i].join();
+        thread.join();
     }
     close(m_listener);
 }
@@ -198,4 +204,11 @@ void TlsTestServer::AnswerAll(Conversation &conversation)
     {
         conversation.WriteReply(200, "OK", Success);
     }
+}
+
+SilentListener::SilentListener() : m_listener(Listen(m_port)) {}
+
+SilentListener::~SilentListener()
+{
+    close(m_listener);
 }

@@ -2,10 +2,6 @@
 #include "tests/webclient/ScriptedStream.h"
 #include "tests/webclient/ServiceFixture.h"
 
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
 #include <chrono>
 #include <cstdio>
 #include <thread>
@@ -27,14 +23,6 @@ protected:
         conversation.ReadHead();
         conversation.WaitForEnd();
     }
-
-    static ComPtr<ScriptedStream> Body(UINT64 size)
-    {
-        auto body = ScriptedStream::Make(std::string(1'000'000, 'x'));
-        body->claimedSize = size;
-        body->endless = true;
-        return body;
-    }
 };
 
 TEST_F(UploadTransferTest, FailingAnswerEndsTheTransferWithItsCode)
@@ -44,13 +32,13 @@ TEST_F(UploadTransferTest, FailingAnswerEndsTheTransferWithItsCode)
     const auto progress = RecordedProgress::Make([](const RecordedProgress::ProgressEntry &entry) {
         return entry.code == UPLOAD_BYTES && entry.done > 0 ? static_cast<HRESULT>(0x80041234) : S_OK;
     });
-    const UploadOutcome outcome = Upload(client.Get(), Body(ThirtyMegabytes).Get(), ThirtyMegabytes, progress.Get());
+    const UploadOutcome outcome = Upload(client.Get(), ScriptedStream::MakeEndless(ThirtyMegabytes).Get(), ThirtyMegabytes, progress.Get());
     EXPECT_EQ(outcome.result, static_cast<HRESULT>(0x80041234));
     EXPECT_LT(progress->entries.back().done, ThirtyMegabytes);
     EXPECT_EQ(progress->entries.back().total, ThirtyMegabytes);
 
     const auto never = RecordedProgress::Make([](const RecordedProgress::ProgressEntry &) { return E_ABORT; });
-    EXPECT_EQ(Upload(client.Get(), Body(10).Get(), 10, never.Get()).result, E_ABORT);
+    EXPECT_EQ(Upload(client.Get(), ScriptedStream::MakeEndless(10).Get(), 10, never.Get()).result, E_ABORT);
     EXPECT_EQ(never->entries.size(), 1u);
     EXPECT_LE(server.Connections(), 1);
 }
@@ -66,7 +54,7 @@ TEST_F(UploadTransferTest, StopReachesATransferThatStands)
         return repeats == 2 ? E_ABORT : S_OK;
     });
     const auto start = Clock::now();
-    const UploadOutcome outcome = Upload(Client().Get(), Body(ThirtyMegabytes).Get(), ThirtyMegabytes, progress.Get());
+    const UploadOutcome outcome = Upload(Client().Get(), ScriptedStream::MakeEndless(ThirtyMegabytes).Get(), ThirtyMegabytes, progress.Get());
     EXPECT_EQ(outcome.result, E_ABORT);
     EXPECT_LT(Clock::now() - start, 20s);
 }
@@ -78,7 +66,7 @@ TEST_F(UploadTransferTest, LimitsEndWhatDoesNotMove)
     limits.answer = 700ms;
     StartServer(TakeNothing);
     const UploadOutcome stalled =
-        Upload(ClientWithLimits(limits).Get(), Body(ThirtyMegabytes).Get(), ThirtyMegabytes);
+        Upload(ClientWithLimits(limits).Get(), ScriptedStream::MakeEndless(ThirtyMegabytes).Get(), ThirtyMegabytes);
     EXPECT_EQ(stalled.result, static_cast<HRESULT>(0x80072EE2));
     EXPECT_EQ(stalled.Text("/HttpError/Status"), "Transfer stalled");
 
@@ -86,7 +74,7 @@ TEST_F(UploadTransferTest, LimitsEndWhatDoesNotMove)
         conversation.ReadRequest();
         conversation.WaitForEnd();
     });
-    const UploadOutcome unanswered = Upload(ClientWithLimits(limits).Get(), Body(1000).Get(), 1000);
+    const UploadOutcome unanswered = Upload(ClientWithLimits(limits).Get(), ScriptedStream::MakeEndless(1000).Get(), 1000);
     EXPECT_EQ(unanswered.result, static_cast<HRESULT>(0x80072EE2));
     EXPECT_THAT(unanswered.Description(), HasSubstr("the picture may or may not have arrived"));
     EXPECT_EQ(m_server->Requests().size(), 1u);
@@ -98,27 +86,18 @@ TEST_F(UploadTransferTest, LimitsEndWhatDoesNotMove)
         std::this_thread::sleep_for(2500ms);
         conversation.WriteReply(200, "OK", TlsTestServer::Success);
     });
-    EXPECT_EQ(Upload(ClientWithLimits(limits).Get(), Body(1000).Get(), 1000).result, S_OK);
+    EXPECT_EQ(Upload(ClientWithLimits(limits).Get(), ScriptedStream::MakeEndless(1000).Get(), 1000).result, S_OK);
 }
 
 TEST_F(UploadTransferTest, ConnectingHasALimit)
 {
-    // The system takes the connection into the listener's queue; nobody answers the greeting of TLS.
-    const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t addressSize = sizeof(address);
-    ASSERT_EQ(bind(listener, reinterpret_cast<sockaddr *>(&address), addressSize), 0);
-    ASSERT_EQ(listen(listener, 1), 0);
-    getsockname(listener, reinterpret_cast<sockaddr *>(&address), &addressSize);
-    ConnectTo(ntohs(address.sin_port));
+    const SilentListener listener;
+    ConnectTo(listener.Port());
     TransportLimits limits;
     limits.connect = 500ms;
-    const UploadOutcome outcome = Upload(ClientWithLimits(limits).Get(), Body(10).Get(), 10);
+    const UploadOutcome outcome = Upload(ClientWithLimits(limits).Get(), ScriptedStream::MakeEndless(10).Get(), 10);
     EXPECT_EQ(outcome.result, static_cast<HRESULT>(0x80072EE2));
     EXPECT_THAT(outcome.Description(), HasSubstr("timed out"));
-    close(listener);
 }
 
 long PeakKilobytes()
@@ -143,7 +122,7 @@ TEST_F(UploadTransferTest, LargeBodiesPassThroughLittleMemory)
 #endif
     TlsTestServer &server = StartServer();
     const auto progress = RecordedProgress::Make();
-    const UploadOutcome outcome = Upload(Client().Get(), Body(size).Get(), size, progress.Get());
+    const UploadOutcome outcome = Upload(Client().Get(), ScriptedStream::MakeEndless(size).Get(), size, progress.Get());
     EXPECT_EQ(outcome.result, S_OK) << outcome.Description();
     ASSERT_EQ(server.Requests().size(), 1u);
     EXPECT_EQ(server.Requests()[0].bodyBytes, size);

@@ -192,7 +192,7 @@ TEST_F(WebClientTest, ConnectionCutMidwayIsNotASuccess)
     StartServer([](Conversation &conversation) {
         conversation.ReadHead();
     });
-    const UploadOutcome sending = UploadText(Client().Get(), std::string(30'000'000, 'x'));
+    const UploadOutcome sending = Upload(Client().Get(), ScriptedStream::MakeEndless(30'000'000).Get(), 30'000'000);
     EXPECT_EQ(sending.result, static_cast<HRESULT>(0x80072EFE));
     EXPECT_THAT(sending.Description(), HasSubstr("did not arrive"));
 
@@ -251,7 +251,7 @@ TEST_F(WebClientTest, EarlyRefusalWinsOverTheRestOfTheBody)
         conversation.WaitForEnd();
     });
     const auto progress = RecordedProgress::Make();
-    const UploadOutcome outcome = Upload(Client().Get(), ScriptedStream::Make(std::string(30'000'000, 'x')).Get(),
+    const UploadOutcome outcome = Upload(Client().Get(), ScriptedStream::MakeEndless(30'000'000).Get(),
                                          30'000'000, progress.Get());
     EXPECT_EQ(outcome.result, static_cast<HRESULT>(0x8019019D));
     EXPECT_EQ(outcome.Description(), "Files of that size are not for us");
