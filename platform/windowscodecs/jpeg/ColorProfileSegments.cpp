@@ -1,0 +1,69 @@
+#include "core/Hresult.h"
+#include "platform/windowscodecs/jpeg/ColorProfile.h"
+#include "platform/windowscodecs/jpeg/JpegMarkers.h"
+#include "platform/windowscodecs/jpeg/MetadataBlocks.h"
+
+#include <algorithm>
+
+#include <wincodec.h>
+
+using namespace std::string_view_literals;
+
+namespace
+{
+constexpr auto SIGNATURE = "ICC_PROFILE\0"sv;
+constexpr size_t HEAD_BYTES = SIGNATURE.size() + 2; // the part's number from 1, and how many there are
+} // namespace
+
+Bytes ReadColorProfile(StreamBytes &source, const JpegStructure &structure)
+{
+    const SegmentPlace *parts[256] = {};
+    UINT count = 0;
+    for (const SegmentPlace &place : structure.Segments)
+    {
+        if (place.Marker != MARKER_APP2 || place.Length < HEAD_BYTES)
+        {
+            continue;
+        }
+        const Bytes head = ReadSegment(source, {place.Marker, static_cast<UINT>(HEAD_BYTES), place.Offset});
+        if (!BeginsWith(head, SIGNATURE))
+        {
+            continue;
+        }
+        const BYTE number = head[SIGNATURE.size()];
+        if (parts[number] == nullptr)
+        {
+            parts[number] = &place;
+        }
+        count = std::max<UINT>(count, head[SIGNATURE.size() + 1]);
+    }
+    Bytes profile;
+    for (UINT number = 1; number <= count; ++number)
+    {
+        if (parts[number] == nullptr)
+        {
+            return {};
+        }
+        const Bytes part = ReadSegment(source, *parts[number]);
+        profile.insert(profile.end(), part.begin() + HEAD_BYTES, part.end());
+    }
+    return IsColorProfile(profile) ? profile : Bytes();
+}
+
+void AppendColorProfile(const Bytes &profile, std::vector<OutputSegment> &head)
+{
+    const size_t room = MAX_SEGMENT_BYTES - HEAD_BYTES;
+    const size_t count = (profile.size() + room - 1) / room;
+    if (count > 255)
+    {
+        ThrowHresult(WINCODEC_ERR_TOOMUCHMETADATA);
+    }
+    for (size_t number = 0; number < count; ++number)
+    {
+        Bytes contents(SIGNATURE.begin(), SIGNATURE.end());
+        contents.insert(contents.end(), {static_cast<BYTE>(number + 1), static_cast<BYTE>(count)});
+        const auto from = profile.begin() + static_cast<ptrdiff_t>(number * room);
+        contents.insert(contents.end(), from, from + std::min<ptrdiff_t>(room, profile.end() - from));
+        head.push_back({MARKER_APP2, std::move(contents)});
+    }
+}

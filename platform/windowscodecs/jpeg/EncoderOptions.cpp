@@ -1,0 +1,171 @@
+#include "platform/windowscodecs/jpeg/EncoderOptions.h"
+
+#include "core/ComObject.h"
+#include "core/WideText.h"
+
+#include <cstring>
+
+namespace
+{
+struct Option
+{
+    const WCHAR *Name;
+    VARTYPE Type;
+};
+
+constexpr Option OPTIONS[] = {{TEXT("ImageQuality"), VT_R4}, {TEXT("JpegYCrCbSubsampling"), VT_UI1}};
+constexpr ULONG OPTION_COUNT = sizeof OPTIONS / sizeof *OPTIONS;
+
+class COptionBag final : public ComObject<COptionBag, IPropertyBag2>
+{
+public:
+    STDMETHODIMP Read(ULONG count, PROPBAG2 *names, IErrorLog *, VARIANT *values, HRESULT *results) noexcept override
+    {
+        if (names == nullptr || values == nullptr || results == nullptr)
+        {
+            return E_INVALIDARG;
+        }
+        HRESULT all = S_OK;
+        for (ULONG i = 0; i < count; ++i)
+        {
+            const ULONG option = Find(names[i].pstrName);
+            values[i] = {};
+            results[i] = option < OPTION_COUNT ? S_OK : WINCODEC_ERR_PROPERTYNOTSUPPORTED;
+            if (option < OPTION_COUNT)
+            {
+                values[i] = m_values[option];
+            }
+            all = FAILED(results[i]) ? results[i] : all;
+        }
+        return all;
+    }
+
+    STDMETHODIMP Write(ULONG count, PROPBAG2 *names, VARIANT *values) noexcept override
+    {
+        if (names == nullptr || values == nullptr)
+        {
+            return E_INVALIDARG;
+        }
+        for (ULONG i = 0; i < count; ++i)
+        {
+            const ULONG option = Find(names[i].pstrName);
+            if (option == OPTION_COUNT)
+            {
+                return WINCODEC_ERR_PROPERTYNOTSUPPORTED;
+            }
+            if (V_VT(&values[i]) != OPTIONS[option].Type)
+            {
+                return WINCODEC_ERR_PROPERTYUNEXPECTEDTYPE;
+            }
+            m_values[option] = values[i];
+        }
+        return S_OK;
+    }
+
+    STDMETHODIMP CountProperties(ULONG *count) noexcept override
+    {
+        if (count == nullptr)
+        {
+            return E_INVALIDARG;
+        }
+        *count = OPTION_COUNT;
+        return S_OK;
+    }
+
+    STDMETHODIMP GetPropertyInfo(ULONG first, ULONG count, PROPBAG2 *infos, ULONG *given) noexcept override
+    {
+        if (infos == nullptr || given == nullptr)
+        {
+            return E_INVALIDARG;
+        }
+        *given = 0;
+        for (; *given < count && first + *given < OPTION_COUNT; ++*given)
+        {
+            const Option &option = OPTIONS[first + *given];
+            const size_t bytes = (WideView(option.Name).size() + 1) * sizeof(WCHAR);
+            PROPBAG2 &info = infos[*given];
+            info = {};
+            info.dwType = PROPBAG2_TYPE_DATA;
+            info.vt = option.Type;
+            info.dwHint = first + *given + 1;
+            info.pstrName = static_cast<LPOLESTR>(CoTaskMemAlloc(bytes));
+            if (info.pstrName == nullptr)
+            {
+                return E_OUTOFMEMORY;
+            }
+            std::memcpy(info.pstrName, option.Name, bytes);
+        }
+        return S_OK;
+    }
+
+    STDMETHODIMP LoadObject(LPCOLESTR, DWORD, IUnknown *, IErrorLog *) noexcept override
+    {
+        return WINCODEC_ERR_UNSUPPORTEDOPERATION;
+    }
+
+private:
+    static ULONG Find(const WCHAR *name) noexcept
+    {
+        ULONG option = 0;
+        while (option < OPTION_COUNT && (name == nullptr || WideView(name) != OPTIONS[option].Name))
+        {
+            ++option;
+        }
+        return option;
+    }
+
+    VARIANT m_values[OPTION_COUNT] = {}; // of the types above, so that they own nothing
+};
+
+// Empty if the bag doesn't know the option or nobody has given it.
+VARIANT ReadOption(IPropertyBag2 *bag, const Option &option)
+{
+    WideText name(option.Name);
+    PROPBAG2 wanted{};
+    wanted.dwType = PROPBAG2_TYPE_DATA;
+    wanted.vt = option.Type;
+    wanted.pstrName = name.data();
+    VARIANT value{};
+    HRESULT result = S_OK;
+    if (FAILED(bag->Read(1, &wanted, nullptr, &value, &result)) || FAILED(result) || V_VT(&value) != option.Type)
+    {
+        return {};
+    }
+    return value;
+}
+} // namespace
+
+ComPtr<IPropertyBag2> MakeOptionBag()
+{
+    return COptionBag::Make();
+}
+
+EncoderOptions ReadOptions(IPropertyBag2 *bag)
+{
+    EncoderOptions options;
+    if (bag == nullptr)
+    {
+        return options;
+    }
+    if (const VARIANT quality = ReadOption(bag, OPTIONS[0]); V_VT(&quality) == VT_R4)
+    {
+        if (!(V_R4(&quality) >= 0 && V_R4(&quality) <= 1))
+        {
+            ThrowHresult(E_INVALIDARG);
+        }
+        options.Quality = V_R4(&quality);
+    }
+    if (const VARIANT subsampling = ReadOption(bag, OPTIONS[1]); V_VT(&subsampling) == VT_UI1)
+    {
+        if (V_UI1(&subsampling) > WICJpegYCrCbSubsampling440)
+        {
+            ThrowHresult(E_INVALIDARG);
+        }
+        // The default counts as not given.
+        if (V_UI1(&subsampling) != WICJpegYCrCbSubsamplingDefault)
+        {
+            options.Subsampling = V_UI1(&subsampling);
+        }
+    }
+    return options;
+}

@@ -1,0 +1,100 @@
+// The EXIF block of a picture as a tree of directories that can be changed and written anew. Only
+// what is in the tree is written, so what was removed leaves no byte behind.
+//
+// Reading is tolerant: an entry that points outside of the block is left out, the rest stays. Left
+// out are also descriptions of further pictures (SubIFDs, strips), padding, and directories that no
+// reader looks for. The thumbnail of IFD1 stays as a JPEG without any metadata of its own.
+#pragma once
+
+#include "platform/windowscodecs/jpeg/StreamBytes.h"
+
+#include <map>
+#include <optional>
+#include <vector>
+
+namespace ExifTag
+{
+constexpr WORD XmpPacket = 700;
+constexpr WORD XResolution = 282;
+constexpr WORD YResolution = 283;
+constexpr WORD ResolutionUnit = 296;
+constexpr WORD IptcRecords = 33723;
+constexpr WORD PhotoshopResources = 34377;
+constexpr WORD ExifDirectory = 34665;
+constexpr WORD GpsDirectory = 34853;
+constexpr WORD InteropDirectory = 40965;
+constexpr WORD MakerNote = 37500;
+constexpr WORD UserComment = 37510;
+constexpr WORD ThumbnailOffset = 513;
+constexpr WORD ThumbnailLength = 514;
+} // namespace ExifTag
+
+// TIFF 6.0's field types.
+enum ExifType : WORD
+{
+    EXIF_BYTE = 1,
+    EXIF_ASCII = 2,
+    EXIF_SHORT = 3,
+    EXIF_LONG = 4,
+    EXIF_RATIONAL = 5,
+    EXIF_SBYTE = 6,
+    EXIF_UNDEFINED = 7,
+    EXIF_SSHORT = 8,
+    EXIF_SLONG = 9,
+    EXIF_SRATIONAL = 10,
+    EXIF_FLOAT = 11,
+    EXIF_DOUBLE = 12
+};
+
+// Bytes of one element, and of the pieces that byte order turns round; 0 for an unknown type.
+UINT ExifElementBytes(WORD type) noexcept;
+UINT ExifPieceBytes(WORD type) noexcept;
+
+struct ExifEntry
+{
+    WORD Tag;
+    WORD Type;
+    Bytes Data; // in the byte order of the block
+};
+
+struct ExifDirectory
+{
+    std::vector<ExifEntry> Entries;
+    std::map<WORD, ExifDirectory> Children; // by the tag that points to them
+
+    bool IsEmpty() const noexcept;
+    const ExifEntry *Find(WORD tag) const noexcept;
+    void Set(ExifEntry entry);
+    bool Remove(WORD tag);
+};
+
+class ExifBlock
+{
+public:
+    ExifDirectory Main;                     // IFD0, with the EXIF, GPS and interoperability directories
+    std::optional<ExifDirectory> Thumbnail; // IFD1
+    Bytes ThumbnailPicture;
+    bool BigEndian = false;
+
+    // The contents of an APP1 segment, signature included. Nothing if no IFD0 can be read.
+    static std::optional<ExifBlock> Read(const Bytes &contents);
+
+    bool IsEmpty() const noexcept { return Main.IsEmpty() && !Thumbnail; }
+    void RemoveThumbnail() noexcept;
+
+    // Turns the elements of a value from little-endian into the block's order, and back.
+    void ConvertOrder(ExifEntry &entry) const noexcept;
+
+    // Both axes in dots per inch.
+    void SetResolution(double x, double y);
+    bool GetResolution(double &x, double &y) const;
+
+    // The contents of an APP1 segment. A maker note keeps its place in the block where that can be,
+    // since its own offsets often count from the block's start. What doesn't fit into a segment goes
+    // without its thumbnail; throws WINCODEC_ERR_TOOMUCHMETADATA if that isn't enough.
+    Bytes Write() const;
+
+private:
+    friend class ExifReader;
+    UINT m_makerNoteOffset = 0;
+};

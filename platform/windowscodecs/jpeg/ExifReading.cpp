@@ -1,0 +1,164 @@
+#include "platform/windowscodecs/jpeg/ExifBlock.h"
+#include "platform/windowscodecs/jpeg/JpegStructure.h"
+#include "platform/windowscodecs/jpeg/PictureOnly.h"
+
+#include <algorithm>
+
+using namespace std::string_view_literals;
+
+namespace
+{
+constexpr auto SIGNATURE = "Exif\0\0"sv;
+
+// What describes pictures that don't go along, or only holds room.
+constexpr WORD LEFT_OUT[] = {
+    254,    255,    273,    278,    279,    322, 323, 324, 325, // subfile kind, strips, tiles
+    330,                                                        // SubIFDs
+    ExifTag::ThumbnailOffset, ExifTag::ThumbnailLength,
+    0xEA1C, 0xEA1D // padding, and how far a maker note was moved
+};
+
+bool IsLeftOut(WORD tag) noexcept
+{
+    return std::find(std::begin(LEFT_OUT), std::end(LEFT_OUT), tag) != std::end(LEFT_OUT);
+}
+} // namespace
+
+class ExifReader
+{
+public:
+    ExifReader(const Bytes &contents, ExifBlock &block)
+        : m_data(contents.data() + SIGNATURE.size()), m_size(static_cast<UINT>(contents.size() - SIGNATURE.size())),
+          m_block(block), m_budget(2 * m_size)
+    {
+    }
+
+    bool Read()
+    {
+        if (m_size < 8 || m_data[0] != m_data[1] || (m_data[0] != 'I' && m_data[0] != 'M'))
+        {
+            return false;
+        }
+        m_block.BigEndian = m_data[0] == 'M';
+        if (Get16(2) != 42)
+        {
+            return false;
+        }
+        UINT next = 0;
+        if (!ReadDirectory(Get32(4), m_block.Main, &next))
+        {
+            return false;
+        }
+        if (next != 0)
+        {
+            ReadThumbnail(next);
+        }
+        return true;
+    }
+
+private:
+    UINT Get16(UINT at) const noexcept
+    {
+        return m_block.BigEndian ? m_data[at] << 8 | m_data[at + 1] : m_data[at] | m_data[at + 1] << 8;
+    }
+
+    UINT Get32(UINT at) const noexcept
+    {
+        return m_block.BigEndian ? Get16(at) << 16 | Get16(at + 2) : Get16(at) | Get16(at + 2) << 16;
+    }
+
+    bool Holds(UINT at, ULONGLONG size) const noexcept { return at <= m_size && size <= m_size - at; }
+
+    // Entries may share their bytes; the budget keeps a crafted block from growing without limit, and
+    // the list of directories from running in circles.
+    bool ReadDirectory(UINT at, ExifDirectory &directory, UINT *next)
+    {
+        if (!Holds(at, 2) || std::find(m_seen.begin(), m_seen.end(), at) != m_seen.end())
+        {
+            return false;
+        }
+        m_seen.push_back(at);
+        const UINT count = Get16(at);
+        UINT place = at + 2;
+        for (UINT i = 0; i < count && Holds(place, 12); ++i, place += 12)
+        {
+            ReadEntry(place, directory);
+        }
+        if (next != nullptr)
+        {
+            *next = Holds(place, 4) ? Get32(place) : 0;
+        }
+        return true;
+    }
+
+    void ReadEntry(UINT place, ExifDirectory &directory)
+    {
+        const WORD tag = static_cast<WORD>(Get16(place));
+        const WORD type = static_cast<WORD>(Get16(place + 2));
+        if (tag == ExifTag::ExifDirectory || tag == ExifTag::GpsDirectory || tag == ExifTag::InteropDirectory)
+        {
+            ReadChild(tag, Get32(place + 8), directory);
+            return;
+        }
+        const ULONGLONG size = ULONGLONG{Get32(place + 4)} * ExifElementBytes(type);
+        const UINT offset = size <= 4 ? place + 8 : Get32(place + 8);
+        if (size == 0 || !Holds(offset, size) || size > m_budget || IsLeftOut(tag) || directory.Find(tag) != nullptr)
+        {
+            return;
+        }
+        m_budget -= static_cast<UINT>(size);
+        if (tag == ExifTag::MakerNote)
+        {
+            m_block.m_makerNoteOffset = size > 4 ? offset : 0;
+        }
+        directory.Set({tag, type, Bytes(m_data + offset, m_data + offset + size)});
+    }
+
+    void ReadChild(WORD tag, UINT offset, ExifDirectory &directory)
+    {
+        ExifDirectory child;
+        if (directory.Children.count(tag) == 0 && ReadDirectory(offset, child, nullptr) && !child.IsEmpty())
+        {
+            directory.Children.emplace(tag, std::move(child));
+        }
+    }
+
+    void ReadThumbnail(UINT at)
+    {
+        UINT offset = 0;
+        UINT length = 0;
+        const UINT count = Holds(at, 2) ? Get16(at) : 0;
+        for (UINT place = at + 2, i = 0; i < count && Holds(place, 12); ++i, place += 12)
+        {
+            offset = Get16(place) == ExifTag::ThumbnailOffset ? Get32(place + 8) : offset;
+            length = Get16(place) == ExifTag::ThumbnailLength ? Get32(place + 8) : length;
+        }
+        ExifDirectory directory;
+        if (length == 0 || !Holds(offset, length) || !ReadDirectory(at, directory, nullptr))
+        {
+            return;
+        }
+        directory.Children.clear();
+        m_block.ThumbnailPicture = KeepPictureOnly(Bytes(m_data + offset, m_data + offset + length));
+        if (!m_block.ThumbnailPicture.empty())
+        {
+            m_block.Thumbnail = std::move(directory);
+        }
+    }
+
+    const BYTE *m_data;
+    UINT m_size;
+    ExifBlock &m_block;
+    UINT m_budget;
+    std::vector<UINT> m_seen;
+};
+
+std::optional<ExifBlock> ExifBlock::Read(const Bytes &contents)
+{
+    ExifBlock block;
+    if (!BeginsWith(contents, SIGNATURE) || !ExifReader(contents, block).Read())
+    {
+        return std::nullopt;
+    }
+    return block;
+}

@@ -1,0 +1,193 @@
+#include "core/Hresult.h"
+#include "platform/windowscodecs/jpeg/ExifBlock.h"
+#include "platform/windowscodecs/jpeg/JpegMarkers.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include <wincodec.h>
+
+namespace
+{
+constexpr UINT SIGNATURE_BYTES = 6;
+
+// Lays out one block. Room is given from the start on, round the range that a maker note reserves.
+class Layout
+{
+public:
+    Layout(bool bigEndian, UINT reservedAt, UINT reservedSize)
+        : m_bigEndian(bigEndian), m_reservedAt(reservedAt), m_reservedEnd(reservedAt + reservedSize)
+    {
+        m_out.resize(std::max(8u, m_reservedEnd));
+        m_out[0] = m_out[1] = bigEndian ? 'M' : 'I';
+        Put16(2, 42);
+        m_free = 8;
+    }
+
+    bool Reserves() const noexcept { return m_reservedEnd > m_reservedAt; }
+
+    UINT Place(UINT size)
+    {
+        UINT at = m_free + (m_free & 1);
+        if (Reserves() && at < m_reservedEnd && at + size > m_reservedAt)
+        {
+            at = m_reservedEnd + (m_reservedEnd & 1);
+        }
+        m_free = at + size;
+        if (m_out.size() < m_free)
+        {
+            m_out.resize(m_free);
+        }
+        return at;
+    }
+
+    void Put16(UINT at, UINT value) noexcept
+    {
+        m_out[at] = static_cast<BYTE>(m_bigEndian ? value >> 8 : value);
+        m_out[at + 1] = static_cast<BYTE>(m_bigEndian ? value : value >> 8);
+    }
+
+    void Put32(UINT at, UINT value) noexcept
+    {
+        Put16(at, m_bigEndian ? value >> 16 : value & 0xFFFF);
+        Put16(at + 2, m_bigEndian ? value & 0xFFFF : value >> 16);
+    }
+
+    UINT PlaceData(const Bytes &data)
+    {
+        const UINT at = Place(static_cast<UINT>(data.size()));
+        Copy(at, data);
+        return at;
+    }
+
+    void Copy(UINT at, const Bytes &data) { std::memcpy(&m_out[at], data.data(), data.size()); }
+
+    UINT ReservedAt() const noexcept { return m_reservedAt; }
+    Bytes Take() { return std::move(m_out); }
+
+private:
+    Bytes m_out;
+    bool m_bigEndian;
+    UINT m_reservedAt;
+    UINT m_reservedEnd;
+    UINT m_free = 0;
+};
+
+struct Slot
+{
+    WORD Tag;
+    const ExifEntry *Entry;
+    const ExifDirectory *Child;
+    UINT Value;
+};
+
+std::vector<Slot> SlotsOf(const ExifDirectory &directory)
+{
+    std::vector<Slot> slots;
+    for (const ExifEntry &entry : directory.Entries)
+    {
+        slots.push_back({entry.Tag, &entry, nullptr, 0});
+    }
+    for (const auto &[tag, child] : directory.Children)
+    {
+        if (!child.IsEmpty())
+        {
+            slots.push_back({tag, nullptr, &child, 0});
+        }
+    }
+    return slots;
+}
+
+UINT WriteDirectory(Layout &layout, const ExifDirectory &directory, const Bytes *picture);
+
+void WriteSlot(Layout &layout, UINT place, const Slot &slot)
+{
+    layout.Put16(place, slot.Tag);
+    if (slot.Entry == nullptr)
+    {
+        layout.Put16(place + 2, EXIF_LONG);
+        layout.Put32(place + 4, 1);
+        layout.Put32(place + 8, slot.Child != nullptr ? WriteDirectory(layout, *slot.Child, nullptr) : slot.Value);
+        return;
+    }
+    const Bytes &data = slot.Entry->Data;
+    layout.Put16(place + 2, slot.Entry->Type);
+    layout.Put32(place + 4, static_cast<UINT>(data.size()) / ExifElementBytes(slot.Entry->Type));
+    if (data.size() <= 4)
+    {
+        layout.Copy(place + 8, data);
+    }
+    else if (slot.Tag == ExifTag::MakerNote && layout.Reserves())
+    {
+        layout.Copy(layout.ReservedAt(), data);
+        layout.Put32(place + 8, layout.ReservedAt());
+    }
+    else
+    {
+        layout.Put32(place + 8, layout.PlaceData(data));
+    }
+}
+
+// The table first, then what its entries point to. Returns where the table lies.
+UINT WriteDirectory(Layout &layout, const ExifDirectory &directory, const Bytes *picture)
+{
+    std::vector<Slot> slots = SlotsOf(directory);
+    const UINT count = static_cast<UINT>(slots.size()) + (picture != nullptr ? 2 : 0);
+    const UINT at = layout.Place(2 + 12 * count + 4);
+    if (picture != nullptr)
+    {
+        slots.push_back({ExifTag::ThumbnailOffset, nullptr, nullptr, layout.PlaceData(*picture)});
+        slots.push_back({ExifTag::ThumbnailLength, nullptr, nullptr, static_cast<UINT>(picture->size())});
+    }
+    std::sort(slots.begin(), slots.end(), [](const Slot &a, const Slot &b) { return a.Tag < b.Tag; });
+    layout.Put16(at, count);
+    UINT place = at + 2;
+    for (const Slot &slot : slots)
+    {
+        WriteSlot(layout, place, slot);
+        place += 12;
+    }
+    return at;
+}
+
+const ExifEntry *MakerNoteOf(const ExifBlock &block) noexcept
+{
+    const auto exif = block.Main.Children.find(ExifTag::ExifDirectory);
+    return exif != block.Main.Children.end() ? exif->second.Find(ExifTag::MakerNote) : nullptr;
+}
+
+Bytes Lay(const ExifBlock &block, UINT makerNoteAt, bool withThumbnail)
+{
+    const ExifEntry *note = makerNoteAt >= 8 ? MakerNoteOf(block) : nullptr;
+    const bool reserve = note != nullptr && note->Data.size() > 4;
+    Layout layout(block.BigEndian, reserve ? makerNoteAt : 0, reserve ? static_cast<UINT>(note->Data.size()) : 0);
+    const UINT main = WriteDirectory(layout, block.Main, nullptr);
+    layout.Put32(4, main);
+    if (withThumbnail && block.Thumbnail)
+    {
+        const UINT thumbnail = WriteDirectory(layout, *block.Thumbnail, &block.ThumbnailPicture);
+        layout.Put32(main + 2 + 12 * static_cast<UINT>(SlotsOf(block.Main).size()), thumbnail);
+    }
+    return layout.Take();
+}
+} // namespace
+
+Bytes ExifBlock::Write() const
+{
+    const struct
+    {
+        UINT MakerNoteAt;
+        bool WithThumbnail;
+    } attempts[] = {{m_makerNoteOffset, true}, {0, true}, {m_makerNoteOffset, false}, {0, false}};
+    for (const auto &attempt : attempts)
+    {
+        const Bytes block = Lay(*this, attempt.MakerNoteAt, attempt.WithThumbnail);
+        if (block.size() + SIGNATURE_BYTES <= MAX_SEGMENT_BYTES)
+        {
+            Bytes contents = {'E', 'x', 'i', 'f', 0, 0};
+            contents.insert(contents.end(), block.begin(), block.end());
+            return contents;
+        }
+    }
+    ThrowHresult(WINCODEC_ERR_TOOMUCHMETADATA);
+}

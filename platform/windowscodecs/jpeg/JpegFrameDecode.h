@@ -1,0 +1,72 @@
+// The one frame of a JPEG file.
+#pragma once
+
+#include "core/ComObject.h"
+#include "platform/windowscodecs/jpeg/JpegStructure.h"
+#include "platform/windowscodecs/jpeg/MetadataBlocks.h"
+#include "platform/windowscodecs/jpeg/PixelCoding.h"
+
+#include <wincodec.h>
+#include <wincodecsdk.h>
+
+#include <memory>
+#include <mutex>
+
+// What the encoder asks of a source to know that it is one of this component's frames. Never leaves
+// the component.
+struct IJpegFrameSource : public IUnknown
+{
+    virtual const JpegStructure &Structure() const noexcept = 0;
+    virtual StreamBytes OpenBytes() const = 0;
+
+    // Throws WINCODEC_ERR_BADIMAGE if the compressed data is damaged, and what RowDecoder throws.
+    virtual void CheckPixels() const = 0;
+
+protected:
+    ~IJpegFrameSource() = default;
+};
+__CRT_UUID_DECL(IJpegFrameSource, 0x5f0c8e7a, 0x2f3d, 0x4b0b, 0x9a, 0x61, 0x6c, 0x1d, 0x38, 0x52, 0xe4, 0x97)
+
+class CJpegFrameDecode final
+    : public ComObject<CJpegFrameDecode, Answers<IWICBitmapFrameDecode, IWICBitmapSource>, IWICMetadataBlockReader,
+                       IJpegFrameSource>
+{
+public:
+    // The picture begins at base in the stream, which the frame keeps.
+    CJpegFrameDecode(ComPtr<IStream> stream, ULONGLONG base, JpegStructure structure);
+
+    STDMETHODIMP GetSize(UINT *width, UINT *height) noexcept override;
+    STDMETHODIMP GetPixelFormat(WICPixelFormatGUID *format) noexcept override;
+
+    // JFIF's density, else that of the EXIF block, else 96.
+    STDMETHODIMP GetResolution(double *x, double *y) noexcept override;
+    STDMETHODIMP CopyPalette(IWICPalette *palette) noexcept override;
+
+    // Parts that follow each other downwards are decoded in one pass.
+    STDMETHODIMP CopyPixels(const WICRect *part, UINT stride, UINT size, BYTE *buffer) noexcept override;
+
+    STDMETHODIMP GetMetadataQueryReader(IWICMetadataQueryReader **reader) noexcept override;
+    STDMETHODIMP GetColorContexts(UINT count, IWICColorContext **contexts, UINT *actual) noexcept override;
+    STDMETHODIMP GetThumbnail(IWICBitmapSource **thumbnail) noexcept override;
+
+    STDMETHODIMP GetContainerFormat(GUID *format) noexcept override;
+    STDMETHODIMP GetCount(UINT *count) noexcept override;
+    STDMETHODIMP GetReaderByIndex(UINT index, IWICMetadataReader **reader) noexcept override;
+    STDMETHODIMP GetEnumerator(IEnumUnknown **enumerator) noexcept override;
+
+    const JpegStructure &Structure() const noexcept override { return m_structure; }
+    StreamBytes OpenBytes() const override { return StreamBytes(m_stream, m_base); }
+    void CheckPixels() const override;
+
+private:
+    PixelLayout Layout() const noexcept;
+    MetadataBlocks &Metadata();
+    void CopyRows(const WICRect &part, UINT stride, BYTE *buffer);
+
+    ComPtr<IStream> m_stream;
+    ULONGLONG m_base;
+    JpegStructure m_structure;
+    std::mutex m_mutex;
+    std::unique_ptr<RowDecoder> m_rows;
+    std::unique_ptr<MetadataBlocks> m_metadata; // once asked for
+};

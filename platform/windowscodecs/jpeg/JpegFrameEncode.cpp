@@ -1,0 +1,435 @@
+#include "platform/windowscodecs/jpeg/JpegFrameEncode.h"
+
+#include "platform/windowscodecs/jpeg/BitmapFormats.h"
+#include "platform/windowscodecs/jpeg/JpegMarkers.h"
+#include "platform/windowscodecs/jpeg/MetadataBlockAccess.h"
+#include "platform/windowscodecs/jpeg/MetadataQueryObject.h"
+#include "platform/windowscodecs/jpeg/ScanCopy.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+constexpr float STANDARD_QUALITY = 0.9f;
+constexpr double DEFAULT_DPI = 96;
+
+// Rows of a source that are asked for at once: few calls, and little memory at any width.
+constexpr UINT STRIP_BYTES = 1024 * 1024;
+
+WORD JfifDensity(double dpi) noexcept
+{
+    return static_cast<WORD>(std::clamp(std::round(dpi), 1.0, 65535.0));
+}
+
+// JFIF 1.01 with dots per inch and no thumbnail.
+OutputSegment JfifHeader(double x, double y)
+{
+    const WORD densityX = JfifDensity(x);
+    const WORD densityY = JfifDensity(y);
+    return {MARKER_APP0,
+            {'J', 'F', 'I', 'F', 0, 1, 1, 1, static_cast<BYTE>(densityX >> 8), static_cast<BYTE>(densityX),
+             static_cast<BYTE>(densityY >> 8), static_cast<BYTE>(densityY), 0, 0}};
+}
+
+// Version 100, no flags.
+OutputSegment AdobeMarker(BYTE transform)
+{
+    return {MARKER_APP14, {'A', 'd', 'o', 'b', 'e', 0, 100, 0, 0, 0, 0, transform}};
+}
+} // namespace
+
+void CJpegFrameEncode::RequireSetting() const
+{
+    if (m_state != State::Setting)
+    {
+        ThrowHresult(m_state == State::Created ? WINCODEC_ERR_NOTINITIALIZED : WINCODEC_ERR_WRONGSTATE);
+    }
+}
+
+HRESULT CJpegFrameEncode::Initialize(IPropertyBag2 *options) noexcept
+{
+    return AtBoundary([&] {
+        if (m_state != State::Created)
+        {
+            return WINCODEC_ERR_WRONGSTATE;
+        }
+        m_options = ReadOptions(options);
+        m_state = State::Setting;
+        return S_OK;
+    });
+}
+
+HRESULT CJpegFrameEncode::SetSize(UINT width, UINT height) noexcept
+{
+    return AtBoundary([&] {
+        RequireSetting();
+        if (width == 0 || height == 0)
+        {
+            return E_INVALIDARG;
+        }
+        if (width > MAX_JPEG_SIDE || height > MAX_JPEG_SIDE)
+        {
+            return WINCODEC_ERR_IMAGESIZEOUTOFRANGE;
+        }
+        m_width = width;
+        m_height = height;
+        return S_OK;
+    });
+}
+
+HRESULT CJpegFrameEncode::SetResolution(double x, double y) noexcept
+{
+    return AtBoundary([&] {
+        RequireSetting();
+        if (!(x > 0) || !(y > 0) || !std::isfinite(x) || !std::isfinite(y))
+        {
+            return E_INVALIDARG;
+        }
+        m_dpiX = x;
+        m_dpiY = y;
+        return S_OK;
+    });
+}
+
+HRESULT CJpegFrameEncode::SetPixelFormat(WICPixelFormatGUID *format) noexcept
+{
+    if (format == nullptr)
+    {
+        return E_INVALIDARG;
+    }
+    return AtBoundary([&] {
+        RequireSetting();
+        m_layout = LayoutOfFormat(*format).value_or(PixelLayout::Bgr24);
+        *format = FormatOfLayout(m_layout);
+        return S_OK;
+    });
+}
+
+// The first profile counts; a mere EXIF colour space is the metadata's affair.
+HRESULT CJpegFrameEncode::SetColorContexts(UINT count, IWICColorContext **contexts) noexcept
+{
+    return AtBoundary([&] {
+        RequireSetting();
+        if (count > 0 && contexts == nullptr)
+        {
+            return E_INVALIDARG;
+        }
+        for (UINT i = 0; i < count; ++i)
+        {
+            WICColorContextType type = WICColorContextUninitialized;
+            if (contexts[i] == nullptr || FAILED(contexts[i]->GetType(&type)) || type != WICColorContextProfile)
+            {
+                continue;
+            }
+            UINT size = 0;
+            ThrowIfFailed(contexts[i]->GetProfileBytes(0, nullptr, &size));
+            Bytes profile(size);
+            ThrowIfFailed(contexts[i]->GetProfileBytes(size, profile.data(), &size));
+            m_profile = std::move(profile);
+            return S_OK;
+        }
+        return S_OK;
+    });
+}
+
+HRESULT CJpegFrameEncode::SetPalette(IWICPalette *) noexcept
+{
+    return WINCODEC_ERR_UNSUPPORTEDOPERATION;
+}
+
+HRESULT CJpegFrameEncode::SetThumbnail(IWICBitmapSource *) noexcept
+{
+    return WINCODEC_ERR_UNSUPPORTEDOPERATION;
+}
+
+void CJpegFrameEncode::BeginPixels()
+{
+    m_state = State::Writing;
+    m_closed = true;
+}
+
+// Resolution goes into the JFIF header and into an EXIF block alike; where there can't be a JFIF
+// header, an EXIF block is made for it.
+std::vector<OutputSegment> CJpegFrameEncode::Head(bool allowsJfif)
+{
+    std::vector<OutputSegment> head;
+    if (allowsJfif)
+    {
+        head.push_back(JfifHeader(m_dpiX > 0 ? m_dpiX : DEFAULT_DPI, m_dpiY > 0 ? m_dpiY : DEFAULT_DPI));
+    }
+    if (m_dpiX > 0 && (m_metadata.Exif || !allowsJfif))
+    {
+        if (!m_metadata.Exif)
+        {
+            m_metadata.Exif.emplace();
+        }
+        m_metadata.Exif->SetResolution(m_dpiX, m_dpiY);
+    }
+    m_metadata.AppendSegments(head);
+    AppendColorProfile(m_profile, head);
+    return head;
+}
+
+void CJpegFrameEncode::CopyIntact(const IJpegFrameSource &source)
+{
+    source.CheckPixels();
+    const JpegStructure &structure = source.Structure();
+    std::vector<OutputSegment> head = Head(structure.AllowsJfif());
+    if (structure.HasAdobe)
+    {
+        head.push_back(AdobeMarker(structure.AdobeTransform));
+    }
+    StreamBytes bytes = source.OpenBytes();
+    BeginPixels();
+    CopyScans(bytes, head, m_stream.Get());
+    m_state = State::Complete;
+}
+
+void CJpegFrameEncode::StartEncoding()
+{
+    if (m_width == 0 || m_height == 0)
+    {
+        ThrowHresult(WINCODEC_ERR_WRONGSTATE);
+    }
+    const float quality = m_options.Quality.value_or(STANDARD_QUALITY);
+    EncodingParameters parameters{m_width, m_height, m_layout, std::max(1, static_cast<int>(std::lround(quality * 100))),
+                                  m_options.Subsampling.value_or(WICJpegYCrCbSubsampling420),
+                                  Head(m_layout != PixelLayout::Cmyk32)};
+    BeginPixels();
+    m_rows = std::make_unique<RowEncoder>(m_stream, parameters);
+}
+
+void CJpegFrameEncode::CountRow()
+{
+    if (++m_rowsWritten == m_height)
+    {
+        m_rows->Finish();
+        m_rows.reset();
+        m_state = State::Complete;
+    }
+}
+
+HRESULT CJpegFrameEncode::WritePixels(UINT lines, UINT stride, UINT size, BYTE *pixels) noexcept
+{
+    return AtBoundary([&] {
+        if (m_state != State::Writing)
+        {
+            RequireSetting();
+        }
+        if (pixels == nullptr || lines == 0)
+        {
+            return E_INVALIDARG;
+        }
+        if (m_width == 0 || (m_state == State::Writing && !m_rows))
+        {
+            return WINCODEC_ERR_WRONGSTATE;
+        }
+        if (lines > m_height - m_rowsWritten)
+        {
+            return WINCODEC_ERR_CODECTOOMANYSCANLINES;
+        }
+        CheckCopyRequest(nullptr, m_width, lines, BytesPerPixel(m_layout), stride, size);
+        if (m_state == State::Setting)
+        {
+            StartEncoding();
+        }
+        for (UINT y = 0; y < lines; ++y)
+        {
+            m_rows->WriteRow(pixels + size_t{stride} * y);
+            CountRow();
+        }
+        return S_OK;
+    });
+}
+
+void CJpegFrameEncode::EncodeSource(IWICBitmapSource *source, const WICRect &part)
+{
+    WICPixelFormatGUID format{};
+    ThrowIfFailed(source->GetPixelFormat(&format));
+    const UINT pixel = BytesOfFormat(format);
+    Bytes converted(size_t{m_width} * BytesPerPixel(m_layout));
+    if (pixel == 0)
+    {
+        ThrowHresult(WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT);
+    }
+    const UINT stride = (m_width * pixel + 3) / 4 * 4;
+    const UINT rows = std::clamp(STRIP_BYTES / stride, 1u, m_height);
+    Bytes strip(size_t{stride} * rows);
+    if (!ConvertRow(format, strip.data(), m_layout, converted.data(), m_width))
+    {
+        ThrowHresult(WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT);
+    }
+    StartEncoding();
+    for (UINT y = 0; y < m_height; y += rows)
+    {
+        const UINT count = std::min(rows, m_height - y);
+        const WICRect wanted = {part.X, part.Y + static_cast<INT>(y), part.Width, static_cast<INT>(count)};
+        ThrowIfFailed(source->CopyPixels(&wanted, stride, static_cast<UINT>(strip.size()), strip.data()));
+        for (UINT row = 0; row < count; ++row)
+        {
+            ConvertRow(format, &strip[size_t{stride} * row], m_layout, converted.data(), m_width);
+            m_rows->WriteRow(converted.data());
+            CountRow();
+        }
+    }
+}
+
+HRESULT CJpegFrameEncode::WriteSource(IWICBitmapSource *source, WICRect *wanted) noexcept
+{
+    if (source == nullptr)
+    {
+        return E_INVALIDARG;
+    }
+    return AtBoundary([&] {
+        RequireSetting();
+        UINT width = 0;
+        UINT height = 0;
+        ThrowIfFailed(source->GetSize(&width, &height));
+        const WICRect all = {0, 0, static_cast<INT>(width), static_cast<INT>(height)};
+        const WICRect part = wanted != nullptr ? *wanted : all;
+        if (part.X < 0 || part.Y < 0 || part.Width <= 0 || part.Height <= 0 || part.X > all.Width - part.Width ||
+            part.Y > all.Height - part.Height)
+        {
+            return E_INVALIDARG;
+        }
+        if (m_width == 0)
+        {
+            ThrowIfFailed(SetSize(static_cast<UINT>(part.Width), static_cast<UINT>(part.Height)));
+        }
+        if (static_cast<UINT>(part.Width) != m_width || static_cast<UINT>(part.Height) != m_height)
+        {
+            return WINCODEC_ERR_SOURCERECTDOESNOTMATCHDIMENSIONS;
+        }
+        const bool whole = m_width == width && m_height == height;
+        const auto frame = whole && !m_options.AreGiven() ? QueryFor<IJpegFrameSource>(source) : nullptr;
+        if (frame)
+        {
+            CopyIntact(*frame.Get());
+        }
+        else
+        {
+            EncodeSource(source, part);
+        }
+        return S_OK;
+    });
+}
+
+HRESULT CJpegFrameEncode::Commit() noexcept
+{
+    if (m_state != State::Complete)
+    {
+        return m_state == State::Created ? WINCODEC_ERR_NOTINITIALIZED : WINCODEC_ERR_WRONGSTATE;
+    }
+    m_state = State::Committed;
+    return S_OK;
+}
+
+HRESULT CJpegFrameEncode::GetMetadataQueryWriter(IWICMetadataQueryWriter **writer) noexcept
+{
+    if (writer == nullptr)
+    {
+        return E_INVALIDARG;
+    }
+    *writer = nullptr;
+    return AtBoundary([&] {
+        if (m_state == State::Created)
+        {
+            return WINCODEC_ERR_NOTINITIALIZED;
+        }
+        const ComPtr<IUnknown> self(static_cast<IWICBitmapFrameEncode *>(this));
+        *writer = MakeQueryWriter(self, m_metadata, m_closed).Detach();
+        return S_OK;
+    });
+}
+
+HRESULT CJpegFrameEncode::GetContainerFormat(GUID *format) noexcept
+{
+    if (format == nullptr)
+    {
+        return E_INVALIDARG;
+    }
+    *format = GUID_ContainerFormatJpeg;
+    return S_OK;
+}
+
+HRESULT CJpegFrameEncode::GetCount(UINT *count) noexcept
+{
+    if (count == nullptr)
+    {
+        return E_INVALIDARG;
+    }
+    *count = 0;
+    return AtBoundary([&] {
+        *count = CountBlocks(m_metadata);
+        return S_OK;
+    });
+}
+
+HRESULT CJpegFrameEncode::GetReaderByIndex(UINT index, IWICMetadataReader **reader) noexcept
+{
+    if (reader == nullptr)
+    {
+        return E_INVALIDARG;
+    }
+    *reader = nullptr;
+    return AtBoundary([&] {
+        *reader = MakeBlockReader(m_metadata, index).Detach();
+        return S_OK;
+    });
+}
+
+HRESULT CJpegFrameEncode::GetEnumerator(IEnumUnknown **enumerator) noexcept
+{
+    if (enumerator == nullptr)
+    {
+        return E_INVALIDARG;
+    }
+    *enumerator = nullptr;
+    return WINCODEC_ERR_UNSUPPORTEDOPERATION;
+}
+
+HRESULT CJpegFrameEncode::InitializeFromBlockReader(IWICMetadataBlockReader *reader) noexcept
+{
+    if (reader == nullptr)
+    {
+        return E_INVALIDARG;
+    }
+    return AtBoundary([&] {
+        RequireSetting();
+        const auto frame = QueryFor<IJpegFrameSource>(reader);
+        if (!frame)
+        {
+            return WINCODEC_ERR_UNSUPPORTEDOPERATION;
+        }
+        StreamBytes bytes = frame->OpenBytes();
+        m_metadata.Load(bytes, frame->Structure());
+        return S_OK;
+    });
+}
+
+// Blocks are changed by queries, not one by one.
+HRESULT CJpegFrameEncode::GetWriterByIndex(UINT, IWICMetadataWriter **writer) noexcept
+{
+    if (writer == nullptr)
+    {
+        return E_INVALIDARG;
+    }
+    *writer = nullptr;
+    return WINCODEC_ERR_UNSUPPORTEDOPERATION;
+}
+
+HRESULT CJpegFrameEncode::AddWriter(IWICMetadataWriter *) noexcept
+{
+    return WINCODEC_ERR_UNSUPPORTEDOPERATION;
+}
+
+HRESULT CJpegFrameEncode::SetWriterByIndex(UINT, IWICMetadataWriter *) noexcept
+{
+    return WINCODEC_ERR_UNSUPPORTEDOPERATION;
+}
+
+HRESULT CJpegFrameEncode::RemoveWriterByIndex(UINT) noexcept
+{
+    return WINCODEC_ERR_UNSUPPORTEDOPERATION;
+}

@@ -1,0 +1,42 @@
+// Everything in a picture's application segments and comments that is metadata: what the block
+// reader shows, the block writer takes over and the query writer changes. Not part of it are the
+// JFIF header, the colour profile and Adobe's marker, which belong to the coding, and lists of
+// further pictures behind the end of image.
+#pragma once
+
+#include "platform/windowscodecs/jpeg/ExifBlock.h"
+#include "platform/windowscodecs/jpeg/JpegStructure.h"
+#include "platform/windowscodecs/jpeg/PhotoshopBlock.h"
+#include "platform/windowscodecs/jpeg/PixelCoding.h"
+#include "platform/windowscodecs/jpeg/XmpBlock.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+class MetadataBlocks
+{
+public:
+    std::optional<ExifBlock> Exif;
+    XmpBlock Xmp;
+    PhotoshopBlock Photoshop;
+    std::vector<std::string> Comments;
+    std::vector<OutputSegment> Others; // application segments of other kinds, as they are
+
+    // Replaces what is there by what the picture holds. A second EXIF block is left out. Throws
+    // WINCODEC_ERR_TOOMUCHMETADATA above 16 MB.
+    void Load(StreamBytes &source, const JpegStructure &structure);
+
+    // What goes into the file, in the order of the file.
+    void AppendSegments(std::vector<OutputSegment> &head) const;
+
+private:
+    void Sort(BYTE marker, Bytes contents);
+};
+
+// The colour profile in the APP2 segments of a picture, put together; empty if there is none, if
+// parts are missing, or if it is no valid profile.
+Bytes ReadColorProfile(StreamBytes &source, const JpegStructure &structure);
+
+// Cuts a profile into APP2 segments. Throws WINCODEC_ERR_TOOMUCHMETADATA for more than 255.
+void AppendColorProfile(const Bytes &profile, std::vector<OutputSegment> &head);

@@ -1,0 +1,457 @@
+#include "platform/windowscodecs/jpeg/PixelCoding.h"
+
+#include "core/Hresult.h"
+#include "platform/windowscodecs/jpeg/JpegMarkers.h"
+
+#include <algorithm>
+#include <csetjmp>
+#include <cstdio>
+
+#include <wincodec.h>
+
+// The library's boolean is an int, that of Windows' headers a byte.
+#define boolean JpegBoolean
+#include <jpeglib.h>
+#include <jerror.h>
+#undef boolean
+
+namespace
+{
+constexpr size_t BUFFER_BYTES = 64 * 1024;
+
+// Coefficients of a progressive picture are all held at once, two bytes each.
+constexpr long DECODER_MEMORY_BYTES = 1024L * 1024 * 1024;
+
+// A file of a few megabytes can name so many scans over a large frame that it decodes for hours.
+constexpr int MAX_SCANS = 500;
+
+// Where the library's way out leads. It is a longjmp: between Guard and the library's functions no
+// frame may hold anything with a destructor.
+struct ErrorTrap
+{
+    jpeg_error_mgr Manager;
+    jmp_buf Home;
+    HRESULT Code;
+    bool Damaged;
+};
+
+ErrorTrap *TrapOf(j_common_ptr common) noexcept
+{
+    return reinterpret_cast<ErrorTrap *>(common->err);
+}
+
+HRESULT CodeOf(int message) noexcept
+{
+    switch (message)
+    {
+    case JERR_OUT_OF_MEMORY:
+        return E_OUTOFMEMORY;
+    case JERR_NO_BACKING_STORE:
+    case JERR_IMAGE_TOO_BIG:
+    case JERR_WIDTH_OVERFLOW:
+        return WINCODEC_ERR_IMAGESIZEOUTOFRANGE;
+    default:
+        return WINCODEC_ERR_BADIMAGE;
+    }
+}
+
+bool TellsDamage(int message) noexcept
+{
+    return message == JWRN_JPEG_EOF || message == JWRN_HIT_MARKER || message == JWRN_HUFF_BAD_CODE ||
+           message == JWRN_ARITH_BAD_CODE || message == JWRN_BOGUS_PROGRESSION || message == JWRN_MUST_RESYNC;
+}
+
+[[noreturn]] void LeaveLibrary(j_common_ptr common)
+{
+    ErrorTrap *trap = TrapOf(common);
+    if (SUCCEEDED(trap->Code))
+    {
+        trap->Code = CodeOf(common->err->msg_code);
+    }
+    longjmp(trap->Home, 1);
+}
+
+void NoteMessage(j_common_ptr common, int level)
+{
+    if (level < 0 && TellsDamage(common->err->msg_code))
+    {
+        TrapOf(common)->Damaged = true;
+    }
+}
+
+void KeepSilent(j_common_ptr) {}
+
+void SetTrap(ErrorTrap &trap) noexcept
+{
+    jpeg_std_error(&trap.Manager);
+    trap.Manager.error_exit = LeaveLibrary;
+    trap.Manager.emit_message = NoteMessage;
+    trap.Manager.output_message = KeepSilent;
+    trap.Code = S_OK;
+    trap.Damaged = false;
+}
+
+// Runs a piece of work that calls the library; false if the library gave up.
+template <class Work>
+bool Survives(ErrorTrap &trap, Work work) noexcept
+{
+    if (setjmp(trap.Home) != 0)
+    {
+        return false;
+    }
+    work();
+    return true;
+}
+
+template <class Work>
+void Guard(ErrorTrap &trap, Work work)
+{
+    if (!Survives(trap, work))
+    {
+        ThrowHresult(trap.Code);
+    }
+}
+
+struct StreamSource
+{
+    jpeg_source_mgr Manager;
+    IStream *Stream;
+    ULONGLONG Offset;
+    bool AtStart;
+    JOCTET Buffer[BUFFER_BYTES];
+};
+
+void BeginSource(j_decompress_ptr) {}
+
+// A file that ends too soon gets an end of image, and a warning that counts as damage.
+JpegBoolean FillSource(j_decompress_ptr decoder)
+{
+    auto *source = reinterpret_cast<StreamSource *>(decoder->src);
+    ULONG got = 0;
+    const HRESULT result = ReadAt(source->Stream, source->Offset, source->Buffer, BUFFER_BYTES, &got);
+    if (FAILED(result))
+    {
+        TrapOf(reinterpret_cast<j_common_ptr>(decoder))->Code = result;
+        ERREXIT(decoder, JERR_FILE_READ);
+    }
+    source->Offset += got;
+    if (got == 0)
+    {
+        WARNMS(decoder, JWRN_JPEG_EOF);
+        source->Buffer[0] = 0xFF;
+        source->Buffer[1] = JPEG_EOI;
+        got = 2;
+    }
+    source->Manager.next_input_byte = source->Buffer;
+    source->Manager.bytes_in_buffer = got;
+    return TRUE;
+}
+
+void SkipSource(j_decompress_ptr decoder, long count)
+{
+    jpeg_source_mgr *source = decoder->src;
+    while (count > static_cast<long>(source->bytes_in_buffer))
+    {
+        count -= static_cast<long>(source->bytes_in_buffer);
+        FillSource(decoder);
+    }
+    if (count > 0)
+    {
+        source->next_input_byte += count;
+        source->bytes_in_buffer -= static_cast<size_t>(count);
+    }
+}
+
+void EndSource(j_decompress_ptr) {}
+
+void SetSource(StreamSource &source, IStream *stream, ULONGLONG base) noexcept
+{
+    source.Manager = {};
+    source.Manager.init_source = BeginSource;
+    source.Manager.fill_input_buffer = FillSource;
+    source.Manager.skip_input_data = SkipSource;
+    source.Manager.resync_to_restart = jpeg_resync_to_restart;
+    source.Manager.term_source = EndSource;
+    source.Stream = stream;
+    source.Offset = base;
+}
+
+void WatchScans(j_common_ptr common)
+{
+    if (common->is_decompressor && reinterpret_cast<j_decompress_ptr>(common)->input_scan_number > MAX_SCANS)
+    {
+        TrapOf(common)->Code = WINCODEC_ERR_BADIMAGE;
+        LeaveLibrary(common);
+    }
+}
+
+ULONGLONG CoefficientBytes(const jpeg_decompress_struct &decoder) noexcept
+{
+    ULONGLONG blocks = 0;
+    for (int i = 0; i < decoder.num_components; ++i)
+    {
+        const jpeg_component_info &component = decoder.comp_info[i];
+        blocks += static_cast<ULONGLONG>(component.width_in_blocks) * component.height_in_blocks;
+    }
+    return blocks * DCTSIZE2 * sizeof(JCOEF);
+}
+
+void Invert(BYTE *row, size_t size) noexcept
+{
+    std::transform(row, row + size, row, [](BYTE value) { return static_cast<BYTE>(255 - value); });
+}
+} // namespace
+
+struct RowDecoder::State
+{
+    ErrorTrap Trap;
+    jpeg_decompress_struct Decoder{};
+    jpeg_progress_mgr Progress{};
+    StreamSource Source;
+    ComPtr<IStream> Stream;
+    bool Started = false;
+
+    ~State() { jpeg_destroy_decompress(&Decoder); }
+
+    void ThrowIfDamaged() const
+    {
+        if (Trap.Damaged)
+        {
+            ThrowHresult(WINCODEC_ERR_BADIMAGE);
+        }
+    }
+
+    // One size with the layout that the frame reports.
+    void Start()
+    {
+        Guard(Trap, [this] {
+            const int components = Decoder.num_components;
+            Decoder.out_color_space = components == 1 ? JCS_GRAYSCALE : components == 3 ? JCS_EXT_BGR : JCS_CMYK;
+            Decoder.dct_method = JDCT_ISLOW;
+            jpeg_start_decompress(&Decoder);
+        });
+        Started = true;
+    }
+};
+
+RowDecoder::RowDecoder(ComPtr<IStream> stream, ULONGLONG base) : m_state(new State)
+{
+    State &state = *m_state;
+    state.Stream = std::move(stream);
+    SetTrap(state.Trap);
+    state.Decoder.err = &state.Trap.Manager;
+    SetSource(state.Source, state.Stream.Get(), base);
+    state.Progress.progress_monitor = WatchScans;
+    Guard(state.Trap, [&state] {
+        jpeg_create_decompress(&state.Decoder);
+        state.Decoder.mem->max_memory_to_use = DECODER_MEMORY_BYTES;
+        state.Decoder.src = &state.Source.Manager;
+        state.Decoder.progress = &state.Progress;
+        jpeg_read_header(&state.Decoder, TRUE);
+    });
+}
+
+RowDecoder::~RowDecoder() = default;
+
+UINT RowDecoder::NextRow() const noexcept
+{
+    return m_state->Started ? m_state->Decoder.output_scanline : 0;
+}
+
+void RowDecoder::SkipTo(UINT row)
+{
+    State &state = *m_state;
+    if (!state.Started)
+    {
+        state.Start();
+    }
+    if (row > state.Decoder.output_scanline)
+    {
+        Guard(state.Trap, [&state, row] {
+            jpeg_skip_scanlines(&state.Decoder, row - state.Decoder.output_scanline);
+        });
+        state.ThrowIfDamaged();
+    }
+}
+
+void RowDecoder::ReadRow(BYTE *row)
+{
+    State &state = *m_state;
+    if (!state.Started)
+    {
+        state.Start();
+    }
+    Guard(state.Trap, [&state, row] {
+        JSAMPROW rows[1] = {row};
+        jpeg_read_scanlines(&state.Decoder, rows, 1);
+    });
+    state.ThrowIfDamaged();
+    // Writers of Adobe's marker store the complement of the ink.
+    if (state.Decoder.out_color_space == JCS_CMYK && state.Decoder.saw_Adobe_marker)
+    {
+        Invert(row, state.Decoder.output_width * size_t{4});
+    }
+}
+
+bool RowDecoder::CheckAll(ULONGLONG coefficientLimit)
+{
+    State &state = *m_state;
+    jpeg_decompress_struct &decoder = state.Decoder;
+    if (jpeg_has_multiple_scans(&decoder) && CoefficientBytes(decoder) > coefficientLimit)
+    {
+        return false;
+    }
+    Guard(state.Trap, [&decoder] {
+        decoder.scale_num = 1;
+        decoder.scale_denom = 8;
+        decoder.out_color_space = decoder.jpeg_color_space;
+        decoder.do_fancy_upsampling = FALSE;
+        decoder.do_block_smoothing = FALSE;
+        jpeg_start_decompress(&decoder);
+    });
+    std::vector<BYTE> row(size_t{decoder.output_width} * decoder.output_components);
+    BYTE *const start = row.data();
+    Guard(state.Trap, [&decoder, start] {
+        JSAMPROW rows[1] = {start};
+        while (decoder.output_scanline < decoder.output_height)
+        {
+            jpeg_read_scanlines(&decoder, rows, 1);
+        }
+    });
+    state.ThrowIfDamaged();
+    return true;
+}
+
+namespace
+{
+struct StreamDestination
+{
+    jpeg_destination_mgr Manager;
+    IStream *Stream;
+    JOCTET Buffer[BUFFER_BYTES];
+};
+
+HRESULT WriteOut(IStream *stream, const BYTE *data, size_t size) noexcept
+{
+    return AtBoundary([&] {
+        WriteAll(stream, data, size);
+        return S_OK;
+    });
+}
+
+void Flush(j_compress_ptr encoder, size_t size)
+{
+    auto *destination = reinterpret_cast<StreamDestination *>(encoder->dest);
+    const HRESULT result = WriteOut(destination->Stream, destination->Buffer, size);
+    if (FAILED(result))
+    {
+        TrapOf(reinterpret_cast<j_common_ptr>(encoder))->Code = result;
+        ERREXIT(encoder, JERR_FILE_WRITE);
+    }
+    destination->Manager.next_output_byte = destination->Buffer;
+    destination->Manager.free_in_buffer = BUFFER_BYTES;
+}
+
+void BeginDestination(j_compress_ptr encoder)
+{
+    Flush(encoder, 0);
+}
+
+JpegBoolean EmptyDestination(j_compress_ptr encoder)
+{
+    Flush(encoder, BUFFER_BYTES);
+    return TRUE;
+}
+
+void EndDestination(j_compress_ptr encoder)
+{
+    Flush(encoder, BUFFER_BYTES - encoder->dest->free_in_buffer);
+}
+
+void SetSubsampling(jpeg_compress_struct &encoder, BYTE option) noexcept
+{
+    if (encoder.jpeg_color_space != JCS_YCbCr)
+    {
+        return;
+    }
+    jpeg_component_info &luma = encoder.comp_info[0];
+    const bool full = option == WICJpegYCrCbSubsampling444;
+    luma.h_samp_factor = full || option == WICJpegYCrCbSubsampling440 ? 1 : 2;
+    luma.v_samp_factor = full || option == WICJpegYCrCbSubsampling422 ? 1 : 2;
+}
+} // namespace
+
+struct RowEncoder::State
+{
+    ErrorTrap Trap;
+    jpeg_compress_struct Encoder{};
+    StreamDestination Destination;
+    ComPtr<IStream> Stream;
+    PixelLayout Layout;
+    Bytes Inverted;
+
+    ~State() { jpeg_destroy_compress(&Encoder); }
+};
+
+RowEncoder::RowEncoder(ComPtr<IStream> stream, const EncodingParameters &parameters) : m_state(new State)
+{
+    State &state = *m_state;
+    state.Stream = std::move(stream);
+    state.Layout = parameters.Layout;
+    SetTrap(state.Trap);
+    state.Encoder.err = &state.Trap.Manager;
+    state.Destination.Manager = {};
+    state.Destination.Manager.init_destination = BeginDestination;
+    state.Destination.Manager.empty_output_buffer = EmptyDestination;
+    state.Destination.Manager.term_destination = EndDestination;
+    state.Destination.Stream = state.Stream.Get();
+    Guard(state.Trap, [&state, &parameters] {
+        jpeg_compress_struct &encoder = state.Encoder;
+        jpeg_create_compress(&encoder);
+        encoder.dest = &state.Destination.Manager;
+        encoder.image_width = parameters.Width;
+        encoder.image_height = parameters.Height;
+        encoder.input_components = static_cast<int>(BytesPerPixel(parameters.Layout));
+        encoder.in_color_space = parameters.Layout == PixelLayout::Gray8   ? JCS_GRAYSCALE
+                                 : parameters.Layout == PixelLayout::Bgr24 ? JCS_EXT_BGR
+                                                                           : JCS_CMYK;
+        jpeg_set_defaults(&encoder);
+        jpeg_set_quality(&encoder, parameters.Quality, TRUE);
+        SetSubsampling(encoder, parameters.Subsampling);
+        encoder.write_JFIF_header = FALSE;
+        encoder.dct_method = JDCT_ISLOW;
+        jpeg_start_compress(&encoder, TRUE);
+        for (const OutputSegment &segment : parameters.Head)
+        {
+            jpeg_write_marker(&encoder, segment.Marker, segment.Contents.data(),
+                              static_cast<unsigned>(segment.Contents.size()));
+        }
+    });
+    if (state.Layout == PixelLayout::Cmyk32)
+    {
+        state.Inverted.resize(size_t{parameters.Width} * 4);
+    }
+}
+
+RowEncoder::~RowEncoder() = default;
+
+void RowEncoder::WriteRow(const BYTE *row)
+{
+    State &state = *m_state;
+    if (!state.Inverted.empty())
+    {
+        std::copy_n(row, state.Inverted.size(), state.Inverted.begin());
+        Invert(state.Inverted.data(), state.Inverted.size());
+        row = state.Inverted.data();
+    }
+    Guard(state.Trap, [&state, row] {
+        JSAMPROW rows[1] = {const_cast<BYTE *>(row)};
+        jpeg_write_scanlines(&state.Encoder, rows, 1);
+    });
+}
+
+void RowEncoder::Finish()
+{
+    State &state = *m_state;
+    Guard(state.Trap, [&state] { jpeg_finish_compress(&state.Encoder); });
+}

@@ -1,0 +1,165 @@
+#include "platform/windowscodecs/jpeg/QueryPath.h"
+
+#include "core/Hresult.h"
+
+#include <algorithm>
+
+#include <wincodec.h>
+
+namespace
+{
+WCHAR Lower(WCHAR c) noexcept
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<WCHAR>(c + 32) : c;
+}
+
+[[noreturn]] void Refuse()
+{
+    ThrowHresult(WINCODEC_ERR_INVALIDQUERYREQUEST);
+}
+
+class PathParser
+{
+public:
+    explicit PathParser(WideView text) : m_text(text) {}
+
+    QueryPath Parse()
+    {
+        QueryPath path;
+        while (m_at < m_text.size())
+        {
+            Expect('/');
+            path.push_back(ParseItem());
+        }
+        if (path.empty())
+        {
+            Refuse();
+        }
+        return path;
+    }
+
+private:
+    bool Sees(WCHAR c) const noexcept { return m_at < m_text.size() && m_text[m_at] == c; }
+
+    void Expect(WCHAR c)
+    {
+        if (!Sees(c))
+        {
+            Refuse();
+        }
+        ++m_at;
+    }
+
+    // Up to one of the ends, which stays; a backslash takes the next character's meaning away.
+    WideText TakeUntil(WideView ends)
+    {
+        WideText taken;
+        while (m_at < m_text.size() && ends.find(m_text[m_at]) == WideView::npos)
+        {
+            if (m_text[m_at] == '\\' && m_at + 1 < m_text.size())
+            {
+                ++m_at;
+            }
+            taken += m_text[m_at++];
+        }
+        return taken;
+    }
+
+    ULONG ParseNumber(WideView digits)
+    {
+        ULONGLONG value = 0;
+        if (digits.empty() || digits.size() > 10)
+        {
+            Refuse();
+        }
+        for (const WCHAR digit : digits)
+        {
+            if (digit < '0' || digit > '9')
+            {
+                Refuse();
+            }
+            value = value * 10 + (digit - '0');
+        }
+        if (value > 0xFFFFFFFF)
+        {
+            Refuse();
+        }
+        return static_cast<ULONG>(value);
+    }
+
+    void ParseTyped(QueryItem &item)
+    {
+        Expect('{');
+        const WideText type = TakeUntil(TEXT("=}"));
+        Expect('=');
+        const WideText value = TakeUntil(TEXT("}"));
+        Expect('}');
+        if (SameName(type, TEXT("str")) || SameName(type, TEXT("wstr")))
+        {
+            item.Text = value;
+            return;
+        }
+        for (const WideView number : {WideView(TEXT("ushort")), WideView(TEXT("ulong")), WideView(TEXT("uint")),
+                                      WideView(TEXT("uchar")), WideView(TEXT("short")), WideView(TEXT("long"))})
+        {
+            if (SameName(type, number))
+            {
+                item.ItemKind = QueryItem::Kind::Number;
+                item.Number = ParseNumber(value);
+                return;
+            }
+        }
+        Refuse();
+    }
+
+    QueryItem ParseItem()
+    {
+        QueryItem item;
+        if (Sees('['))
+        {
+            ++m_at;
+            item.Index = ParseNumber(TakeUntil(TEXT("]")));
+            Expect(']');
+        }
+        if (Sees('<'))
+        {
+            ++m_at;
+            item.Collection = TakeUntil(TEXT(">"));
+            Expect('>');
+        }
+        if (Sees('{'))
+        {
+            ParseTyped(item);
+            if (Sees(':') && item.ItemKind == QueryItem::Kind::Name)
+            {
+                ++m_at;
+                item.Schema = std::move(item.Text);
+                item.Text = TakeUntil(TEXT("/"));
+            }
+        }
+        else
+        {
+            item.Text = TakeUntil(TEXT("/"));
+        }
+        if (item.ItemKind == QueryItem::Kind::Name && item.Text.empty())
+        {
+            Refuse();
+        }
+        return item;
+    }
+
+    WideView m_text;
+    size_t m_at = 0;
+};
+} // namespace
+
+QueryPath ParseQueryPath(WideView text)
+{
+    return PathParser(text).Parse();
+}
+
+bool SameName(WideView name, WideView other) noexcept
+{
+    return std::equal(name.begin(), name.end(), other.begin(), other.end(),
+                      [](WCHAR a, WCHAR b) { return Lower(a) == Lower(b); });
+}

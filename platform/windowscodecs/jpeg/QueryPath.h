@@ -1,0 +1,29 @@
+// A metadata query's path, "/app1/ifd/{ushort=271}", taken apart.
+#pragma once
+
+#include "core/WideText.h"
+
+#include <vector>
+
+struct QueryItem
+{
+    enum class Kind
+    {
+        Name,   // app1, dc:title; also {str=Caption}
+        Number  // {ushort=271}, {ulong=0}
+    };
+    Kind ItemKind = Kind::Name;
+    UINT Index = 0;       // of "[1]app1"
+    WideText Text;        // of a Name
+    WideText Schema;      // of "{wstr=http://...}:title", a Name as well
+    WideText Collection;  // of "<xmpbag>dc:subject", as it stands between the brackets
+    ULONG Number = 0;
+};
+
+using QueryPath = std::vector<QueryItem>;
+
+// Throws WINCODEC_ERR_INVALIDQUERYREQUEST for what is no path.
+QueryPath ParseQueryPath(WideView text);
+
+// Without regard to the case of ASCII letters.
+bool SameName(WideView name, WideView other) noexcept;

@@ -1,0 +1,145 @@
+#include "platform/windowscodecs/jpeg/ScanCopy.h"
+
+#include "core/Hresult.h"
+#include "platform/windowscodecs/jpeg/JpegMarkers.h"
+#include "platform/windowscodecs/jpeg/JpegStructure.h"
+
+#include <cstring>
+
+namespace
+{
+constexpr size_t BUFFER_BYTES = 64 * 1024;
+
+// Collects small pieces, so that the stream sees few and large writes.
+class Output
+{
+public:
+    explicit Output(IStream *stream) : m_stream(stream) { m_buffer.reserve(BUFFER_BYTES); }
+
+    void Put(BYTE byte)
+    {
+        if (m_buffer.size() == BUFFER_BYTES)
+        {
+            Flush();
+        }
+        m_buffer.push_back(byte);
+    }
+
+    void Put(const BYTE *data, size_t size)
+    {
+        if (m_buffer.size() + size > BUFFER_BYTES)
+        {
+            Flush();
+        }
+        if (size > BUFFER_BYTES)
+        {
+            WriteAll(m_stream, data, size);
+            return;
+        }
+        m_buffer.insert(m_buffer.end(), data, data + size);
+    }
+
+    void PutSegment(BYTE marker, const Bytes &contents)
+    {
+        const size_t length = contents.size() + 2;
+        const BYTE start[] = {0xFF, marker, static_cast<BYTE>(length >> 8), static_cast<BYTE>(length)};
+        Put(start, sizeof start);
+        Put(contents.data(), contents.size());
+    }
+
+    void Flush()
+    {
+        WriteAll(m_stream, m_buffer.data(), m_buffer.size());
+        m_buffer.clear();
+    }
+
+private:
+    IStream *m_stream;
+    Bytes m_buffer;
+};
+
+// Copies entropy-coded data with its restart markers up to the next marker, and returns that one;
+// 0 at the end of the stream.
+BYTE CopyEntropyCoded(StreamBytes &source, Output &output)
+{
+    for (;;)
+    {
+        const StreamBytes::Run run = source.Peek();
+        if (run.Size == 0)
+        {
+            return 0;
+        }
+        const auto *marker = static_cast<const BYTE *>(std::memchr(run.Data, 0xFF, run.Size));
+        const size_t plain = marker != nullptr ? static_cast<size_t>(marker - run.Data) : run.Size;
+        output.Put(run.Data, plain);
+        source.Take(plain);
+        if (marker == nullptr)
+        {
+            continue;
+        }
+        int code = source.Next();
+        while (code == 0xFF)
+        {
+            code = source.Next();
+        }
+        if (code < 0)
+        {
+            return 0;
+        }
+        if (code != 0 && (code < MARKER_RST0 || code > MARKER_RST7))
+        {
+            return static_cast<BYTE>(code);
+        }
+        output.Put(0xFF);
+        output.Put(static_cast<BYTE>(code));
+    }
+}
+
+// What decoding needs; everything else that has a length is left behind.
+bool BelongsToPicture(BYTE marker) noexcept
+{
+    return IsFrameHeader(marker) || marker == MARKER_DHT || marker == MARKER_DAC || marker == MARKER_DQT ||
+           marker == MARKER_DRI || marker == MARKER_SOS;
+}
+
+bool IsAlone(BYTE marker) noexcept
+{
+    return marker == MARKER_TEM || (marker >= MARKER_RST0 && marker <= MARKER_SOI);
+}
+} // namespace
+
+void CopyScans(StreamBytes &source, const std::vector<OutputSegment> &head, IStream *target)
+{
+    Output output(target);
+    output.Put(0xFF);
+    output.Put(MARKER_SOI);
+    for (const OutputSegment &segment : head)
+    {
+        output.PutSegment(segment.Marker, segment.Contents);
+    }
+    source.Seek(2);
+    BYTE marker = NextMarker(source);
+    while (marker != MARKER_EOI)
+    {
+        if (marker == 0)
+        {
+            ThrowHresult(WINCODEC_ERR_BADIMAGE);
+        }
+        if (IsAlone(marker))
+        {
+            marker = NextMarker(source);
+            continue;
+        }
+        SegmentPlace place{marker, ReadSegmentLength(source), 0};
+        place.Offset = source.Position();
+        if (BelongsToPicture(marker))
+        {
+            output.PutSegment(marker, ReadSegment(source, place));
+        }
+        source.Seek(place.Offset + place.Length);
+        marker = marker == MARKER_SOS ? CopyEntropyCoded(source, output) : NextMarker(source);
+    }
+    output.Put(0xFF);
+    output.Put(MARKER_EOI);
+    output.Flush();
+}
