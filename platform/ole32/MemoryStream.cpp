@@ -144,7 +144,7 @@ public:
         {
             position->QuadPart = m_position;
         }
-        return valid ? S_OK : STG_E_INVALIDFUNCTION;
+        return valid ? S_OK : STG_E_SEEKERROR;
     }
 
     STDMETHODIMP SetSize(ULARGE_INTEGER size) noexcept override

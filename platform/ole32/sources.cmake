@@ -1,5 +1,4 @@
 target_sources(platform PRIVATE
-  kernel32/PathText.cpp
   ole32/Apartment.cpp
   ole32/ClassObjects.cpp
   ole32/FileStream.cpp
@@ -7,4 +6,5 @@ target_sources(platform PRIVATE
   ole32/Guids.cpp
   ole32/Identifiers.cpp
   ole32/MemoryStream.cpp
+  ole32/PropVariant.cpp
   ole32/TaskMemory.cpp)

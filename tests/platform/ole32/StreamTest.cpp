@@ -63,8 +63,8 @@ TEST(MemoryStreams, GrowAndShrinkAndKeepAPosition)
     ULARGE_INTEGER position;
     EXPECT_EQ(S_OK, stream->Seek(Move(-2), STREAM_SEEK_CUR, &position));
     EXPECT_EQ(4u, position.QuadPart);
-    EXPECT_EQ(STG_E_INVALIDFUNCTION, stream->Seek(Move(-1), STREAM_SEEK_SET, nullptr));
-    EXPECT_EQ(STG_E_INVALIDFUNCTION, stream->Seek(Move(0), 3, nullptr));
+    EXPECT_EQ(STG_E_SEEKERROR, stream->Seek(Move(-1), STREAM_SEEK_SET, nullptr));
+    EXPECT_EQ(STG_E_SEEKERROR, stream->Seek(Move(0), 3, nullptr));
     EXPECT_EQ(S_OK, stream->Seek(Move(2), STREAM_SEEK_END, &position));
     EXPECT_EQ(8u, position.QuadPart);
     EXPECT_EQ(S_OK, stream->Write("x", 1, nullptr));
@@ -73,7 +73,6 @@ TEST(MemoryStreams, GrowAndShrinkAndKeepAPosition)
     EXPECT_EQ("x", ReadFrom(stream.Get(), 8, 5));
     EXPECT_EQ(S_OK, stream->SetSize(Size(3)));
     EXPECT_EQ("bc", ReadFrom(stream.Get(), 1, 100));
-    EXPECT_EQ(STG_E_INVALIDPOINTER, stream->Stat(nullptr, STATFLAG_NONAME));
     EXPECT_EQ(STG_E_INVALIDFUNCTION, stream->LockRegion(Size(0), Size(1), LOCK_WRITE));
 }
 

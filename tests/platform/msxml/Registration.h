@@ -1,0 +1,4 @@
+// Makes the document class available to CoCreateInstance.
+#pragma once
+
+void RegisterDocumentClass();

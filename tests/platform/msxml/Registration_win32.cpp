@@ -1,0 +1,6 @@
+#include "Registration.h"
+
+// Windows has the class.
+void RegisterDocumentClass()
+{
+}

@@ -1,0 +1,1 @@
+list(APPEND libraries core_interfaces)
