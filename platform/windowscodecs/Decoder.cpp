@@ -1,0 +1,68 @@
+#include "platform/windowscodecs/Decoder.h"
+
+#include "core/ComObject.h"
+#include "platform/windowscodecs/ContainerSignature.h"
+
+namespace
+{
+class CDecoder final : public ComObject<CDecoder, IWICBitmapDecoder>
+{
+public:
+    explicit CDecoder(REFGUID format) : m_format(format) {}
+
+    STDMETHODIMP GetContainerFormat(GUID *format) noexcept override
+    {
+        if (format == nullptr)
+        {
+            return E_INVALIDARG;
+        }
+        *format = m_format;
+        return S_OK;
+    }
+
+    STDMETHODIMP QueryCapability(IStream *, DWORD *) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Initialize(IStream *, WICDecodeOptions) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetDecoderInfo(IWICBitmapDecoderInfo **) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP CopyPalette(IWICPalette *) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetMetadataQueryReader(IWICMetadataQueryReader **) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetPreview(IWICBitmapSource **) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetColorContexts(UINT, IWICColorContext **, UINT *) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetThumbnail(IWICBitmapSource **) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetFrameCount(UINT *) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetFrame(UINT, IWICBitmapFrameDecode **) noexcept override { return E_NOTIMPL; }
+
+private:
+    const GUID m_format;
+};
+
+// A stream may give less than it was asked for without being at its end.
+ULONG ReadHead(IStream *stream, BYTE (&head)[signatureLength])
+{
+    ULONG length = 0;
+    while (length < signatureLength)
+    {
+        ULONG read = 0;
+        ThrowIfFailed(stream->Read(head + length, signatureLength - length, &read));
+        if (read == 0)
+        {
+            break;
+        }
+        length += read;
+    }
+    return length;
+}
+} // namespace
+
+HRESULT CreateDecoderOf(IStream *stream, IWICBitmapDecoder **decoder) noexcept
+{
+    return AtBoundary([&] {
+        BYTE head[signatureLength];
+        const GUID *const format = RecogniseContainer({head, ReadHead(stream, head)});
+        if (format == nullptr)
+        {
+            ThrowHresult(WINCODEC_ERR_COMPONENTNOTFOUND);
+        }
+        *decoder = CDecoder::Make(*format).Detach();
+        return S_OK;
+    });
+}
