@@ -328,7 +328,9 @@ HRESULT FakeWebComponents::Record(std::string operation, std::vector<WideText> a
     m_calls.push_back({std::move(operation), std::move(arguments)});
     if (const auto failing = m_failingCalls.find(number); failing != m_failingCalls.end())
     {
-        return failing->second;
+        const HRESULT code = failing->second;
+        m_failingCalls.erase(failing);
+        return code;
     }
     const auto failing = failingOperation.find(nth);
     return failing == failingOperation.end() ? S_OK : failing->second;

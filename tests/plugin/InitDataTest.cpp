@@ -1,0 +1,175 @@
+#include "plugin/InitDataStream.h"
+
+#include "account/AccountRecord.h"
+#include "core/Hresult.h"
+#include "tests/doubles/CallRecord.h"
+#include "tests/doubles/MemoryStream.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+std::string Bytes(std::initializer_list<std::string_view> parts)
+{
+    std::string bytes;
+    for (const auto part : parts)
+    {
+        bytes += part;
+    }
+    return bytes;
+}
+
+using namespace std::literals;
+constexpr auto none = "\0\0\0\0"sv;
+constexpr auto size5 = "\5\0\0\0\0\0\0\0"sv;
+
+HRESULT Read(MemoryStream *stream, AccountRecord &account)
+{
+    return AtBoundary([&] {
+        ReadInitData(stream, account);
+        return S_OK;
+    });
+}
+
+HRESULT Write(MemoryStream *stream, const AccountRecord &account)
+{
+    return AtBoundary([&] {
+        WriteInitData(stream, account);
+        return S_OK;
+    });
+}
+
+AccountRecord SomeAccount()
+{
+    AccountRecord account;
+    account.OAuthToken = BstrOwner(TEXT("ab"));
+    account.OAuthTokenSecret = BstrOwner(TEXT(""));
+    account.FullName = BstrOwner(WideView(TEXT("\u00E9\0x"), 3));
+    account.AccountType = BstrOwner(TEXT("Pro"));
+    account.MaxFileSize = 0x0102030405060708;
+    return account;
+}
+
+const std::string someBytes = Bytes({"\1"sv, "\6\0\0\0a\0b\0\0\0"sv, "\2\0\0\0\0\0"sv, none,
+                                     "\4\0\0\0\xE9\0\0\0"sv, none, "\10\0\0\0P\0r\0o\0\0\0"sv,
+                                     "\x08\x07\x06\x05\x04\x03\x02\x01"sv});
+} // namespace
+
+TEST(InitData, IsWrittenByteForByteOverWhatWasThere)
+{
+    const auto stream = MemoryStream::Make(std::string(500, 'x'));
+    stream->Position = 77;
+    EXPECT_EQ(Write(stream.Get(), SomeAccount()), S_OK);
+    EXPECT_EQ(stream->Content, someBytes);
+    EXPECT_EQ(Write(stream.Get(), AccountRecord()), S_OK);
+    EXPECT_EQ(stream->Content, "\1" + std::string(32, '\0'));
+}
+
+TEST(InitData, ComesBackAsItWas)
+{
+    AccountRecord account;
+    const auto stream = MemoryStream::Make(someBytes);
+    EXPECT_EQ(Read(stream.Get(), account), S_OK);
+    EXPECT_EQ(Narrow(account.OAuthToken.View()), "ab");
+    EXPECT_NE(account.OAuthTokenSecret.Get(), nullptr);
+    EXPECT_TRUE(account.OAuthTokenSecret.IsEmpty());
+    EXPECT_EQ(account.UserName.Get(), nullptr);
+    EXPECT_EQ(Narrow(account.FullName.View()), "\xC3\xA9");
+    EXPECT_EQ(Narrow(account.AccountType.View()), "Pro");
+    EXPECT_EQ(account.MaxFileSize, 0x0102030405060708);
+}
+
+TEST(InitData, WithoutAPositiveMarkerLeavesTheTextsAlone)
+{
+    for (const std::string &content : {""s, "\0rest"s, "\x80rest"s, "\xFFrest"s})
+    {
+        AccountRecord account = SomeAccount();
+        const auto stream = MemoryStream::Make(content);
+        EXPECT_EQ(Read(stream.Get(), account), S_OK);
+        EXPECT_EQ(account.MaxFileSize, 0);
+        EXPECT_EQ(Narrow(account.OAuthToken.View()), "ab");
+        EXPECT_LE(stream->Position, 1u);
+    }
+    AccountRecord account;
+    EXPECT_EQ(Read(MemoryStream::Make(Bytes({"\x7F"sv, none, none, none, none, none, none, size5})).Get(), account),
+              S_OK);
+    EXPECT_EQ(account.MaxFileSize, 5);
+}
+
+TEST(InitData, RefusesEachMalformedShape)
+{
+    const std::string head = Bytes({"\1"sv, "\4\0\0\0o\0\0\0"sv});
+    const struct
+    {
+        std::string second;
+        HRESULT result;
+    } cases[] = {
+        {"", E_FAIL},
+        {"\2\0\0", E_FAIL},
+        {"\1\0\0\0xx"s, E_FAIL},
+        {"\1\0\x10\0"s + std::string(0x100001, 'x'), E_ACCESSDENIED},
+        {"\xFF\xFF\xFF\xFF"s, E_ACCESSDENIED},
+        {"\6\0\0\0a\0b"s, E_FAIL},
+        {"\6\0\0\0a\0b\0"s, E_FAIL},
+        {"\6\0\0\0a\0b\0\0"s, E_FAIL},
+        {"\6\0\0\0a\0b\0c\0"s, E_FAIL},
+    };
+    for (const auto &c : cases)
+    {
+        AccountRecord account = SomeAccount();
+        const auto stream = MemoryStream::Make(head + c.second);
+        EXPECT_EQ(Read(stream.Get(), account), c.result) << testing::PrintToString(c.second.substr(0, 12));
+        EXPECT_EQ(Narrow(account.OAuthToken.View()), "o") << "what was read stays";
+        EXPECT_EQ(account.OAuthTokenSecret.Get(), nullptr);
+        EXPECT_EQ(Narrow(account.AccountType.View()), "Pro") << "what comes later isn't touched";
+        EXPECT_EQ(stream->Position, head.size());
+    }
+}
+
+TEST(InitData, TakesAStringOfTheLargestSize)
+{
+    std::string content = "\1\0\0\x10\0"s;
+    content.append(0x100000 - 2, 'a').append(2, '\0').append(5 * 4 + 8, '\0');
+    AccountRecord account;
+    EXPECT_EQ(Read(MemoryStream::Make(content).Get(), account), S_OK);
+    EXPECT_EQ(account.OAuthToken.View().size(), 0x80000u - 1);
+}
+
+TEST(InitData, NeedsItsLastEightBytes)
+{
+    AccountRecord account;
+    const std::string content = Bytes({"\1"sv, none, none, none, none, none, none, "\1\2\3\4\5\6\7"sv});
+    EXPECT_EQ(Read(MemoryStream::Make(content).Get(), account), HRESULT_FROM_WIN32(ERROR_INVALID_DATA));
+    EXPECT_EQ(account.MaxFileSize, 0);
+}
+
+TEST(InitData, GivesTheFailureOfAnyCallOfTheStream)
+{
+    const AccountRecord account = SomeAccount();
+    const auto whole = MemoryStream::Make();
+    ASSERT_EQ(Write(whole.Get(), account), S_OK);
+    const size_t writes = whole->Calls.size();
+    for (size_t call = 1; call <= writes; ++call)
+    {
+        const auto stream = MemoryStream::Make();
+        stream->FailCall(call, STG_E_MEDIUMFULL);
+        EXPECT_EQ(Write(stream.Get(), account), STG_E_MEDIUMFULL) << call;
+        EXPECT_EQ(stream->Calls.size(), call) << "nothing goes on after a failure";
+        EXPECT_TRUE(someBytes.starts_with(stream->Content)) << call;
+    }
+
+    const auto full = MemoryStream::Make(someBytes);
+    AccountRecord read;
+    ASSERT_EQ(Read(full.Get(), read), S_OK);
+    const size_t reads = full->Calls.size();
+    for (size_t call = 1; call <= reads; ++call)
+    {
+        const auto stream = MemoryStream::Make(someBytes);
+        stream->FailCall(call, STG_E_READFAULT);
+        const bool isSeek = full->Calls[call - 1].starts_with("Seek");
+        const HRESULT expected = isSeek          ? S_OK
+                                 : call == reads ? HRESULT_FROM_WIN32(ERROR_INVALID_DATA)
+                                                 : STG_E_READFAULT;
+        EXPECT_EQ(Read(stream.Get(), read), expected) << call << " " << full->Calls[call - 1];
+    }
+}

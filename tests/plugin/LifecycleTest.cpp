@@ -1,0 +1,184 @@
+// The object as COM and the host see it outside a run.
+#include "core/BstrOwner.h"
+#include "core/ModuleLocks.h"
+#include "plugin/FlickrPublisher.h"
+#include "plugin/UsageMetrics.h"
+#include "tests/doubles/PublishWorld.h"
+
+#include <gmock/gmock.h>
+
+namespace
+{
+using Plugin = ComPtr<IHalvoraPublishingPlugin>;
+
+Plugin CreatePlugin()
+{
+    Plugin plugin;
+    EXPECT_EQ(CFlickrPublisher::CreateInstance(nullptr, __uuidof(IHalvoraPublishingPlugin), plugin.PutVoid()), S_OK);
+    return plugin;
+}
+
+using TextOperation = HRESULT (STDMETHODCALLTYPE IHalvoraPublishingPlugin::*)(BSTR *);
+
+std::string TextOf(const Plugin &plugin, TextOperation operation)
+{
+    BstrOwner text;
+    EXPECT_EQ((plugin.Get()->*operation)(text.Put()), S_OK);
+    return Narrow(text.View());
+}
+
+// An outer object that answers nothing of its own.
+class Outer final : public ComObject<Outer, IProvideClassInfo>
+{
+public:
+    ComPtr<IUnknown> Inner;
+
+    HRESULT QueryFurther(REFIID iid, void **object) noexcept { return Inner->QueryInterface(iid, object); }
+    STDMETHODIMP GetClassInfo(ITypeInfo **) noexcept override { return E_NOTIMPL; }
+};
+} // namespace
+
+TEST(Lifecycle, TellsWhoItIs)
+{
+    const Plugin plugin = CreatePlugin();
+    EXPECT_EQ(TextOf(plugin, &IHalvoraPublishingPlugin::GetDisplayName), "Publish to Flickr");
+    EXPECT_EQ(TextOf(plugin, &IHalvoraPublishingPlugin::GetDescription), "Halvora Publish to Flickr Component");
+    EXPECT_EQ(TextOf(plugin, &IHalvoraPublishingPlugin::GetVersionInformation), "1.96 (Build 401)");
+    EXPECT_THAT(TextOf(plugin, &IHalvoraPublishingPlugin::GetAuthorInformation), testing::HasSubstr("2026"));
+    EXPECT_THAT(TextOf(plugin, &IHalvoraPublishingPlugin::GetDisplayState), testing::HasSubstr("<a id=\"authorize\""));
+    HVRPUBLISHINGCAPABILITIES capabilities{};
+    EXPECT_EQ(plugin->GetCapabilities(&capabilities), S_OK);
+    EXPECT_EQ(capabilities, 15);
+    HICON icon = nullptr;
+    EXPECT_EQ(plugin->GetIcon(&icon), S_OK);
+    EXPECT_NE(icon, nullptr);
+
+    EXPECT_EQ(plugin->GetDisplayName(nullptr), E_INVALIDARG);
+    EXPECT_EQ(plugin->GetDescription(nullptr), E_INVALIDARG);
+    EXPECT_EQ(plugin->GetAuthorInformation(nullptr), E_INVALIDARG);
+    EXPECT_EQ(plugin->GetVersionInformation(nullptr), E_INVALIDARG);
+    EXPECT_EQ(plugin->GetDisplayState(nullptr), E_INVALIDARG);
+    EXPECT_EQ(plugin->GetCapabilities(nullptr), E_INVALIDARG);
+    EXPECT_EQ(plugin->GetIcon(nullptr), E_INVALIDARG);
+}
+
+TEST(Lifecycle, AnswersItsInterfacesAndLeavesNothingBehind)
+{
+    const long locks = ModuleLocks::Read();
+    {
+        const Plugin plugin = CreatePlugin();
+        EXPECT_EQ(ModuleLocks::Read(), locks + 1);
+        const auto identity = plugin.As<IUnknown>();
+        for (const IID &iid : {__uuidof(IDispatch), __uuidof(IHalvoraPublishingPlugin), __uuidof(ISupportErrorInfo),
+                               __uuidof(IUploadProgressCallback), __uuidof(IMarshal)})
+        {
+            ComPtr<IUnknown> face;
+            ASSERT_EQ(plugin->QueryInterface(iid, face.PutVoid()), S_OK);
+            EXPECT_EQ(face.As<IUnknown>().Get(), identity.Get());
+        }
+        ComPtr<IUnknown> none;
+        EXPECT_EQ(plugin->QueryInterface(__uuidof(IPersist), none.PutVoid()), E_NOINTERFACE);
+        EXPECT_FALSE(none);
+        const auto errors = plugin.As<ISupportErrorInfo>();
+        EXPECT_EQ(errors->InterfaceSupportsErrorInfo(__uuidof(IHalvoraPublishingPlugin)), S_OK);
+        EXPECT_EQ(errors->InterfaceSupportsErrorInfo(__uuidof(IDispatch)), S_FALSE);
+        UINT count = 0;
+        EXPECT_EQ(plugin->GetTypeInfoCount(&count), S_OK);
+        EXPECT_EQ(count, 1u);
+        ComPtr<ITypeInfo> info;
+        EXPECT_EQ(plugin->GetTypeInfo(1, 0, info.Put()), DISP_E_BADINDEX);
+    }
+    EXPECT_EQ(ModuleLocks::Read(), locks);
+}
+
+TEST(Lifecycle, CanBeAggregated)
+{
+    const long locks = ModuleLocks::Read();
+    {
+        const auto outer = Outer::Make();
+        void *face = nullptr;
+        EXPECT_EQ(CFlickrPublisher::CreateInstance(outer.Get(), __uuidof(IDispatch), &face), CLASS_E_NOAGGREGATION);
+        ASSERT_EQ(CFlickrPublisher::CreateInstance(outer.Get(), __uuidof(IUnknown), outer->Inner.PutVoid()), S_OK);
+        for (const IID &iid : {__uuidof(IHalvoraPublishingPlugin), __uuidof(ISupportErrorInfo),
+                               __uuidof(IUploadProgressCallback), __uuidof(IMarshal)})
+        {
+            ComPtr<IUnknown> part;
+            ASSERT_EQ(outer->QueryInterface(iid, part.PutVoid()), S_OK);
+            EXPECT_EQ(part.As<IUnknown>().Get(), outer.As<IUnknown>().Get());
+            EXPECT_TRUE(part.As<IProvideClassInfo>());
+        }
+    }
+    EXPECT_EQ(ModuleLocks::Read(), locks);
+}
+
+TEST(Lifecycle, ChecksTheHostAndTakesItOnce)
+{
+    PublishWorld world;
+    const Plugin plugin = CreatePlugin();
+    EXPECT_EQ(plugin->Initialize(nullptr, 0, world.Stream.Get(), 0), E_INVALIDARG);
+    EXPECT_EQ(plugin->Initialize(world.Stream.Get(), 0, world.Stream.Get(), 0), E_INVALIDARG);
+    EXPECT_EQ(plugin->Initialize(world.Host.Get(), 0, nullptr, 0), S_OK);
+    const size_t calls = world.Stream->Calls.size();
+    EXPECT_EQ(plugin->Terminate(), S_OK);
+    EXPECT_EQ(world.Stream->Calls.size(), calls) << "no stream, nothing written";
+    EXPECT_TRUE(gUsageMetrics);
+    EXPECT_EQ(plugin->Publish(world.Windows.Bar(), world.Windows.StatusText()), E_UNEXPECTED);
+
+    world.Host->AddRef();
+    const ULONG references = world.Host->Release();
+    EXPECT_EQ(plugin->Initialize(world.Host.Get(), 0, world.Stream.Get(), 0), S_OK);
+    world.Host->AddRef();
+    EXPECT_EQ(world.Host->Release(), references);
+    EXPECT_EQ(plugin->Terminate(), S_OK);
+    EXPECT_FALSE(gUsageMetrics);
+    EXPECT_EQ(world.Stream->Content, PublishWorld::AuthorizedInitData());
+}
+
+TEST(Lifecycle, AFailingStreamKeepsHostAndCounterAsTheyWere)
+{
+    PublishWorld world;
+    const Plugin plugin = CreatePlugin();
+    world.Stream->Content.resize(10);
+    EXPECT_EQ(plugin->Initialize(world.Host.Get(), 0, world.Stream.Get(), 0), E_FAIL);
+    EXPECT_FALSE(gUsageMetrics);
+    EXPECT_EQ(plugin->CanPublish(nullptr, FALSE), S_FALSE) << "initialized, not authorized";
+}
+
+TEST(Lifecycle, ConfigureChecksBeforeItLooksAtTheVerb)
+{
+    PublishWorld world;
+    const Plugin plugin = CreatePlugin();
+    WCHAR text[] = TEXT("other");
+    const HWND window = world.Windows.Bar();
+    EXPECT_EQ(plugin->Configure(window, text, text), E_UNEXPECTED);
+    ASSERT_EQ(plugin->Initialize(world.Host.Get(), 0, world.Stream.Get(), 0), S_OK);
+    EXPECT_EQ(plugin->Configure(nullptr, text, text), E_INVALIDARG);
+    EXPECT_EQ(plugin->Configure(window, nullptr, text), E_INVALIDARG);
+    EXPECT_EQ(plugin->Configure(window, text, nullptr), E_INVALIDARG);
+    EXPECT_EQ(plugin->Configure(window, text, text), S_OK);
+    world.Web.FailOperation("SetService", E_FAIL);
+    EXPECT_EQ(plugin->Configure(window, text, text), E_UNEXPECTED);
+    EXPECT_EQ(plugin->Terminate(), S_OK);
+}
+
+TEST(Lifecycle, CanPublishAsksTheServiceOnlyIfItIsTold)
+{
+    PublishWorld world;
+    const Plugin plugin = CreatePlugin();
+    EXPECT_EQ(plugin->CanPublish(nullptr, FALSE), E_UNEXPECTED);
+    ASSERT_EQ(plugin->Initialize(world.Host.Get(), 0, world.Stream.Get(), 0), S_OK);
+    EXPECT_EQ(plugin->CanPublish(nullptr, FALSE), S_OK);
+    EXPECT_TRUE(world.Web.Operations().empty());
+    const WCHAR *const user = TEXT("<rsp stat=\"ok\"><user ispro=\"0\"><filesize maxbytes=\"9\"/>"
+                                   "<bandwidth maxbytes=\"10\" usedbytes=\"%d\"/></user></rsp>");
+    const std::pair<const WCHAR *, HRESULT> cases[] = {{TEXT("4"), S_OK}, {TEXT("10"), S_FALSE}};
+    for (const auto &[used, result] : cases)
+    {
+        WideText reply(user);
+        world.Web.Answer(reply.replace(reply.find(TEXT("%d")), 2, used));
+        EXPECT_EQ(plugin->CanPublish(nullptr, TRUE), result);
+    }
+    world.Web.AnswerWith(E_FAIL, nullptr);
+    EXPECT_EQ(plugin->CanPublish(nullptr, TRUE), S_FALSE);
+    EXPECT_EQ(plugin->Terminate(), S_OK);
+}

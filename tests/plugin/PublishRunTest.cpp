@@ -1,0 +1,332 @@
+// Runs, through the interface that the host has.
+#include "core/Hresult.h"
+#include "plugin/FlickrPublisher.h"
+#include "tests/doubles/PublishWorld.h"
+#include "tests/doubles/ReplyDocuments.h"
+
+#include <gmock/gmock.h>
+
+#include <thread>
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using Lines = std::vector<std::string>;
+
+namespace
+{
+const WCHAR *const refusal = TEXT("<rsp stat=\"fail\"><err code=\"5\" msg=\"filetype was not recognised\"/></rsp>");
+
+class PublishRun : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_EQ(CFlickrPublisher::CreateInstance(nullptr, __uuidof(IHalvoraPublishingPlugin), Plugin.PutVoid()),
+                  S_OK);
+        ASSERT_EQ(Plugin->Initialize(World.Host.Get(), 1033, World.Stream.Get(), 0), S_OK);
+    }
+
+    void TearDown() override { EXPECT_EQ(Plugin->Terminate(), S_OK); }
+
+    void AddPictures(int count)
+    {
+        for (int i = 0; i < count; ++i)
+        {
+            World.AddItem("p" + std::to_string(i), TEXT("jpg"), JpegBytes);
+        }
+    }
+
+    void Publish()
+    {
+        EXPECT_EQ(Plugin->Publish(World.Windows.Bar(), World.Windows.StatusText()), S_OK);
+    }
+
+    Lines Log(const char *level) const { return World.Record.LinesOf(std::string("log ") + level + " "); }
+    std::string LastStatus() const
+    {
+        const Lines lines = World.Record.LinesOf("status ");
+        return lines.empty() ? "" : lines.back();
+    }
+    std::string LastState() const { return World.Record.LinesOf("bar state ").back(); }
+
+    PublishWorld World;
+    ComPtr<IHalvoraPublishingPlugin> Plugin;
+};
+} // namespace
+
+TEST_F(PublishRun, TellsItsCourseToLogStatusAndBar)
+{
+    AddPictures(2);
+    World.Web.Answer(OkReply);
+    World.Web.Answer(OkReply);
+    Publish();
+    EXPECT_THAT(World.Record.Lines(),
+                ElementsAreArray(Lines{
+                    "log verbose Starting.",
+                    "log verbose Publish to Flickr 1.96 (Build 401)",
+                    "log verbose Name=, Type=, MaxFileSize=0 bytes, UploadLeftThisMonth=0 bytes",
+                    "status Checking connectivity...",
+                    "bar position 0",
+                    "bar state 1",
+                    "log info Publishing to User Photostream",
+                    "status Publishing...",
+                    "list",
+                    "log info Send JPEG files intact",
+                    "bar range 0 200",
+                    "bar state 1",
+                    "bar position 0",
+                    "usage WebPublisher:Flickr Publishing 2",
+                    "item 0",
+                    "log info Publishing \"" + World.PathOf("p0.jpg") + "\".",
+                    "read " + World.PathOf("p0.jpg"),
+                    "bar position 100",
+                    "status Published 1 of 2 items. Estimating remaining time...",
+                    "item 1",
+                    "log info Publishing \"" + World.PathOf("p1.jpg") + "\".",
+                    "read " + World.PathOf("p1.jpg"),
+                    "status Done.",
+                    "log verbose Ending.",
+                }));
+}
+
+TEST_F(PublishRun, SendsTheFileAsItLiesUnderItsName)
+{
+    World.AddItem("photo", TEXT("tif;jpeg"), JpegBytes);
+    World.Host->Metadata->Caption = TEXT("A title");
+    World.Host->Metadata->Keywords = TEXT("a; b c");
+    World.Settings.Set(TEXT("AsyncUpload"), 7);
+    World.Settings.Set(TEXT("IsPublic"), 3);
+    World.Settings.Set(TEXT("SafetyLevel"), 2);
+    World.Web.Answer(OkReply);
+    Publish();
+    EXPECT_EQ(LastStatus(), "Done.");
+    ASSERT_EQ(World.Web.FileParts.size(), 1u);
+    EXPECT_EQ(World.Web.FileParts[0], JpegBytes);
+    const auto uploads = World.Web.CallsOf("UploadRequest");
+    ASSERT_EQ(uploads.size(), 1u);
+    EXPECT_EQ(Narrow(uploads[0].Arguments[0]), "https://api.flickr.com/services/upload/");
+    EXPECT_EQ(Narrow(uploads[0].Arguments[2]), "POST");
+    EXPECT_EQ(Narrow(uploads[0].Arguments[5]), "async=1&title=A title&tags=\"a\" \"b c\"&is_public=3&is_friend=0&"
+                                               "is_family=0&safety_level=3&content_type=1&hidden=1");
+    const auto parts = World.Web.CallsOf("AddFilePart");
+    EXPECT_EQ(Narrow(parts.at(0).Arguments[0]), "photo");
+    EXPECT_EQ(Narrow(parts.at(0).Arguments[3]), "photo.jpg");
+    EXPECT_THAT(World.Web.Operations(),
+                ElementsAreArray(Lines{"Create IOAuthWebClient", "SetService", "SetAccessToken",
+                                       "Create IMultipartFormData", "GetMimeTypeForFile", "Create IRequestParameters",
+                                       "Add", "AddTextField", "Add", "AddTextField", "Add", "AddTextField",
+                                       "Add", "AddNumberField", "Add", "AddNumberField", "Add", "AddNumberField",
+                                       "Add", "AddNumberField", "Add", "AddNumberField", "Add", "AddNumberField",
+                                       "AddFilePart", "QueryInterface IStream", "GetBodyLength", "GetContentType",
+                                       "Create IRequestParameters", "Add", "Add", "UploadRequest"}));
+}
+
+TEST_F(PublishRun, FailsTheItemByTheCodeOfTheCallThatFailed)
+{
+    AddPictures(1);
+    World.Web.Answer(OkReply);
+    Publish();
+    const Lines operations = World.Web.Operations();
+    for (size_t call = 1; call <= operations.size(); ++call)
+    {
+        const std::string &operation = operations[call - 1];
+        if (operation == "GetMimeTypeForFile" || operation == "GetBodyLength")
+        {
+            continue;
+        }
+        World.Record.Clear();
+        World.Web.ForgetCalls();
+        World.Web.FailCall(call, 0x80031234);
+        Publish();
+        const bool isSwallowed = operation == "Create IOAuthWebClient" || operation == "SetService" ||
+                                 operation == "SetAccessToken" || operation == "Create IMultipartFormData";
+        EXPECT_THAT(Log("error"), ElementsAre("Could not publish \"" + World.PathOf("p0.jpg") + "\" (Error code: 0x" +
+                                              (isSwallowed ? "8000ffff" : "80031234") +
+                                              ") (internal: invalid argument)"))
+            << operation;
+        EXPECT_EQ(World.Web.Operations().size(), call) << operation;
+        EXPECT_EQ(LastState(), "3");
+        EXPECT_EQ(LastStatus(), "Done.");
+    }
+}
+
+TEST_F(PublishRun, GoesOnAfterATransportFailureAndStopsAtARefusal)
+{
+    AddPictures(4);
+    World.Web.Answer(OkReply);
+    World.Web.AnswerWith(E_FAIL, MakeDocument(TEXT("<HttpError HttpStatus=\"503\"><Status>Busy</Status></HttpError>")));
+    World.Web.Answer(refusal);
+    Publish();
+    EXPECT_THAT(World.Record.LinesOf("item "), ElementsAre("0", "1", "2"));
+    EXPECT_THAT(Log("error"), ElementsAre("Could not publish \"" + World.PathOf("p1.jpg") +
+                                          "\" (Error code: 0x80004005) HTTP Status = 503: Busy"));
+    EXPECT_THAT(Log("fatal"), ElementsAre("Could not publish \"" + World.PathOf("p2.jpg") +
+                                          "\" (Error code: 0x80004005) Flickr Status = 5: Filetype was not recognised"));
+    EXPECT_EQ(LastState(), "2");
+    EXPECT_EQ(LastStatus(), "Error.");
+}
+
+TEST_F(PublishRun, TakesAnAnswerWithoutAVerdictForASuccess)
+{
+    AddPictures(3);
+    World.Web.AnswerWith(S_OK, nullptr);
+    World.Web.Answer(TEXT("<rsp/>"));
+    World.Web.Answer(TEXT("<rsp stat=\"OK\"/>"));
+    Publish();
+    EXPECT_TRUE(Log("error").empty());
+    EXPECT_EQ(LastState(), "1");
+}
+
+TEST_F(PublishRun, ChecksWhatAFileReallyIs)
+{
+    const struct
+    {
+        const WCHAR *extension;
+        std::string_view content;
+        bool isSent;
+        const char *code;
+        bool isWrong;
+    } cases[] = {
+        {TEXT("gif"), GifBytes, true, "", false},
+        {TEXT("png"), JpegBytes, true, "", false},
+        {TEXT("jpg"), "BM bitmap", false, "80004005", true},
+        {TEXT("png"), "text", false, "88982f50", false},
+        {TEXT("jpg"), "", false, "88982f50", false},
+    };
+    for (const auto &c : cases)
+    {
+        World.Record.Clear();
+        World.Web.ForgetCalls();
+        World.Host->Items.clear();
+        World.AddItem("x", c.extension, c.content);
+        if (c.isSent)
+        {
+            World.Web.Answer(OkReply);
+        }
+        Publish();
+        const std::string path = World.PathOf("x." + Narrow(c.extension));
+        Lines errors;
+        if (c.isWrong)
+        {
+            errors.push_back("\"" + path + "\" is not what it appears to be (wrong file extension?)");
+        }
+        if (!c.isSent)
+        {
+            errors.push_back("Could not publish \"" + path + "\" (Error code: 0x" + c.code +
+                             ") (internal: invalid argument)");
+        }
+        EXPECT_EQ(Log("error"), errors);
+        EXPECT_EQ(World.Web.CallsOf("UploadRequest").size(), c.isSent ? 1u : 0u);
+        if (c.isSent)
+        {
+            EXPECT_EQ(World.Web.FileParts.back(), c.content) << "rewound after the check";
+        }
+    }
+}
+
+TEST_F(PublishRun, FailsWhatItCannotPrepareYet)
+{
+    World.AddItem("raw", TEXT("nef;tif"), "raw");
+    World.Host->Items.push_back({TEXT("C:\\nothing"), std::nullopt});
+    Publish();
+    EXPECT_THAT(Log("error"),
+                ElementsAre("Could not publish \"" + World.PathOf("raw.nef") +
+                                "\" (Error code: 0x80004001) (internal: invalid argument)",
+                            "Could not publish \"\" (Error code: 0x80004001) (internal: invalid argument)"));
+    EXPECT_THAT(Log("info"), testing::Contains("Publishing \"\" as JPEG."));
+
+    // A mislabelled file gets a second try as a processed one where processing is the mode.
+    World.Record.Clear();
+    World.Settings.Set(TEXT("JPEGMode"), 2);
+    World.Host->Items.clear();
+    World.AddItem("x", TEXT("png"), "BM bitmap");
+    Publish();
+    EXPECT_THAT(Log("warning"), ElementsAre("\"" + World.PathOf("x.png") +
+                                            "\" is not what it appears to be (wrong file extension?)"));
+    EXPECT_THAT(Log("error"), ElementsAre(testing::HasSubstr("0x80004001")));
+}
+
+TEST_F(PublishRun, EndsWithoutAList)
+{
+    World.Host->ListResult = E_ACCESSDENIED;
+    Publish();
+    EXPECT_THAT(Log("fatal"), ElementsAre("Could not retrieve the list of images to be published."));
+    EXPECT_EQ(LastStatus(), "Error.");
+    EXPECT_EQ(LastState(), "1");
+
+    World.Host->ListResult = S_OK;
+    World.Host->ListCanBeLocked = false;
+    Publish();
+    EXPECT_EQ(LastStatus(), "Error.");
+    EXPECT_EQ(LastState(), "2");
+}
+
+TEST_F(PublishRun, HasNothingToDoForAnEmptyList)
+{
+    Publish();
+    EXPECT_THAT(World.Record.LinesOf("usage "), ElementsAre("WebPublisher:Flickr Publishing 0"));
+    EXPECT_THAT(World.Record.LinesOf("bar range "), ElementsAre("0 0"));
+    EXPECT_EQ(LastStatus(), "Done.");
+}
+
+TEST_F(PublishRun, StopsBetweenItemsAndWithinThem)
+{
+    AddPictures(3);
+    // A polite cancel lets the upload that is on its way finish; it comes on a thread of its own.
+    World.Web.Answer(OkReply);
+    World.Web.DuringUpload = [&](IUploadProgressCallback *callback, UINT32 length) {
+        std::thread([&] { EXPECT_EQ(Plugin->Cancel(FALSE), S_OK); }).join();
+        return callback->OnUploadProgress(UPLOAD_BYTES, length, length / 2);
+    };
+    Publish();
+    EXPECT_THAT(World.Record.LinesOf("item "), ElementsAre("0"));
+    EXPECT_THAT(Log("warning"), ElementsAre("Cancelling at user request."));
+    EXPECT_EQ(LastStatus(), "Cancelled.");
+    EXPECT_EQ(LastState(), "3");
+
+    World.Record.Clear();
+    World.Web.DuringUpload = [&](IUploadProgressCallback *callback, UINT32 length) {
+        std::thread([&] { EXPECT_EQ(Plugin->Cancel(TRUE), S_OK); }).join();
+        return callback->OnUploadProgress(UPLOAD_BYTES, length, length / 2);
+    };
+    Publish();
+    EXPECT_THAT(World.Record.LinesOf("item "), ElementsAre("0"));
+    EXPECT_THAT(Log("warning"), ElementsAre("Cancelling ABRUPTLY at user request."));
+    EXPECT_THAT(Log("error"), ElementsAre(testing::HasSubstr("0x80004004")));
+    EXPECT_EQ(LastStatus(), "Cancelled, aborted uploads.");
+
+    // A second, polite cancel takes the abruptness back.
+    World.Record.Clear();
+    World.Web.Answer(OkReply);
+    World.Web.DuringUpload = [&](IUploadProgressCallback *callback, UINT32 length) {
+        Plugin->Cancel(TRUE);
+        Plugin->Cancel(FALSE);
+        return callback->OnUploadProgress(UPLOAD_BYTES, length, length);
+    };
+    Publish();
+    EXPECT_EQ(LastStatus(), "Cancelled.");
+}
+
+TEST_F(PublishRun, MovesTheBarByWholePercents)
+{
+    AddPictures(1);
+    World.Web.Answer(OkReply);
+    World.Web.DuringUpload = [](IUploadProgressCallback *callback, UINT32) {
+        callback->OnUploadProgress(UPLOAD_BEGIN, 0, 0);
+        for (const UINT32 done : {0u, 4'000'000'000u / 100, 41'000'000u, 3'000'000'000u, 2'000'000'000u, 4'000'000'000u})
+        {
+            EXPECT_EQ(callback->OnUploadProgress(UPLOAD_BYTES, 4'000'000'000u, done), S_OK);
+        }
+        callback->OnUploadProgress(99, 1, 1);
+        return S_OK;
+    };
+    Publish();
+    EXPECT_THAT(World.Record.LinesOf("bar position "), ElementsAre("0", "0", "1", "75", "50", "100"));
+}
+
+TEST_F(PublishRun, NeedsBothWindows)
+{
+    EXPECT_EQ(Plugin->Publish(nullptr, World.Windows.StatusText()), E_INVALIDARG);
+    EXPECT_EQ(Plugin->Publish(World.Windows.Bar(), nullptr), E_INVALIDARG);
+    EXPECT_TRUE(World.Record.Lines().empty());
+}

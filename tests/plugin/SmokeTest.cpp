@@ -1,0 +1,87 @@
+// The product as a host loads it: the module by its file, the object by the class factory, a stream of
+// the system's own, the user's registry key, and web components in place of the real ones.
+#include "core/ComPtr.h"
+#include "tests/doubles/PublishWorld.h"
+
+#include <gtest/gtest.h>
+
+#include <objbase.h>
+#include <olectl.h>
+
+namespace
+{
+template <class Function>
+Function *Exported(HMODULE module, const char *name)
+{
+    return reinterpret_cast<Function *>(reinterpret_cast<void *>(GetProcAddress(module, name)));
+}
+} // namespace
+
+TEST(Smoke, PublishesThroughTheModule)
+{
+    PublishWorld world;
+    world.AddItem("one", TEXT("jpg"), JpegBytes);
+    world.AddItem("two", TEXT("gif"), GifBytes);
+    world.Web.Answer(OkReply);
+    world.Web.Answer(OkReply);
+
+    const HMODULE module = LoadLibraryW(std::filesystem::path(HALVORA_MODULE).string<WCHAR>().c_str());
+    ASSERT_NE(module, nullptr) << GetLastError();
+    const auto getClassObject =
+        Exported<HRESULT STDAPICALLTYPE(REFCLSID, REFIID, void **)>(module, "DllGetClassObject");
+    const auto canUnload = Exported<HRESULT STDAPICALLTYPE()>(module, "DllCanUnloadNow");
+    ASSERT_TRUE(getClassObject && canUnload);
+    EXPECT_EQ(canUnload(), S_OK);
+    ComPtr<IClassFactory> factory;
+    EXPECT_EQ(getClassObject(CLSID_FlickrPublisher, __uuidof(IClassFactory), nullptr), E_POINTER);
+    EXPECT_EQ(getClassObject(CLSID_UsageMetrics, __uuidof(IClassFactory), factory.PutVoid()),
+              CLASS_E_CLASSNOTAVAILABLE);
+    ASSERT_EQ(getClassObject(CLSID_FlickrPublisher, __uuidof(IClassFactory), factory.PutVoid()), S_OK);
+    ComPtr<IHalvoraPublishingPlugin> plugin;
+    ASSERT_EQ(factory->CreateInstance(nullptr, __uuidof(IHalvoraPublishingPlugin), plugin.PutVoid()), S_OK);
+    factory.Reset();
+    EXPECT_EQ(canUnload(), S_FALSE);
+
+    ComPtr<IStream> stream;
+    ASSERT_EQ(CreateStreamOnHGlobal(nullptr, TRUE, stream.Put()), S_OK);
+    const std::string data = PublishWorld::AuthorizedInitData();
+    ASSERT_EQ(stream->Write(data.data(), static_cast<ULONG>(data.size()), nullptr), S_OK);
+    ASSERT_EQ(stream->Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr), S_OK);
+    ASSERT_EQ(plugin->Initialize(world.Host.Get(), 1033, stream.Get(), 0), S_OK);
+    EXPECT_EQ(plugin->CanPublish(nullptr, FALSE), S_OK);
+    EXPECT_EQ(plugin->Publish(world.Windows.Bar(), world.Windows.StatusText()), S_OK);
+    EXPECT_EQ(world.Record.LinesOf("status ").back(), "Done.");
+    EXPECT_TRUE(world.Record.LinesOf("log error ").empty());
+    EXPECT_EQ(world.Web.FileParts, (std::vector<std::string>{std::string(JpegBytes), std::string(GifBytes)}));
+
+    EXPECT_EQ(plugin->Terminate(), S_OK);
+    STATSTG status{};
+    ASSERT_EQ(stream->Stat(&status, STATFLAG_NONAME), S_OK);
+    EXPECT_EQ(status.cbSize.QuadPart, data.size());
+    plugin.Reset();
+    EXPECT_EQ(canUnload(), S_OK);
+}
+
+TEST(Smoke, RegistersTheClassForCoCreateInstance)
+{
+    UsePrivateRegistryStore();
+    const HMODULE module = LoadLibraryW(std::filesystem::path(HALVORA_MODULE).string<WCHAR>().c_str());
+    ASSERT_NE(module, nullptr);
+    const auto registerServer = Exported<HRESULT STDAPICALLTYPE()>(module, "DllRegisterServer");
+    const auto unregisterServer = Exported<HRESULT STDAPICALLTYPE()>(module, "DllUnregisterServer");
+    ASSERT_TRUE(registerServer && unregisterServer);
+    ASSERT_EQ(registerServer(), S_OK);
+    CLSID named{};
+    EXPECT_EQ(CLSIDFromProgID(TEXT("Halvora.Publishing.Plugin.Flickr"), &named), S_OK);
+    EXPECT_TRUE(named == CLSID_FlickrPublisher);
+    ComPtr<IHalvoraPublishingPlugin> plugin;
+    EXPECT_EQ(CoCreateInstance(CLSID_FlickrPublisher, nullptr, CLSCTX_ALL, __uuidof(IHalvoraPublishingPlugin),
+                               plugin.PutVoid()),
+              S_OK);
+    plugin.Reset();
+    EXPECT_EQ(unregisterServer(), S_OK);
+    EXPECT_EQ(CoCreateInstance(CLSID_FlickrPublisher, nullptr, CLSCTX_ALL, __uuidof(IHalvoraPublishingPlugin),
+                               plugin.PutVoid()),
+              REGDB_E_CLASSNOTREG);
+    EXPECT_EQ(unregisterServer(), S_OK) << "nothing left to remove";
+}
