@@ -139,9 +139,9 @@ TEST(OutputSize, ALongTextIsCutAndAHugeNumberIsNoFault)
     NormalizeOutputSize(buffer, OutputSizeCapacity, IDS_SIZE_PRINT);
     EXPECT_LT(WideView(buffer).size(), OutputSizeCapacity);
 
-    WCHAR small[6] = TEXT("8 in");
-    NormalizeOutputSize(small, std::size(small), IDS_SIZE_PRINT);
-    EXPECT_EQ(WideView(small), WideView(TEXT("8\" pr")));
+    WCHAR tight[6] = TEXT("8 in");
+    NormalizeOutputSize(tight, std::size(tight), IDS_SIZE_PRINT);
+    EXPECT_EQ(WideView(tight), WideView(TEXT("8\" pr")));
 
     double dpi;
     OutputSizeUnit unit;
