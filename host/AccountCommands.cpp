@@ -1,0 +1,160 @@
+#include "host/Commands.h"
+
+#include "host/DisplayText.h"
+#include "host/InitData.h"
+#include "host/InstalledModules.h"
+#include "host/LinkText.h"
+#include "host/PluginSession.h"
+#include "host/PublishingHost.h"
+#include "host/SettingsKey.h"
+#include "host/SystemWords.h"
+#include "host/Terminal.h"
+#include "host/TextEncodings.h"
+
+#include "core/BstrOwner.h"
+
+#include <algorithm>
+#include <iostream>
+
+namespace
+{
+void TellNotices(const InitDataStore &store)
+{
+    for (const std::string &notice : store.Notices())
+    {
+        Complain(notice);
+    }
+}
+
+std::string Shown(const std::optional<WideText> &text)
+{
+    return text && !text->empty() ? OneSafeLine(Utf8FromText(*text)) : "(not known)";
+}
+
+std::string DescribeAccount(const AccountData &account)
+{
+    if (!account.IsAuthorized())
+    {
+        return "No account is set. Store an access token with: halvora account --set-token -\n";
+    }
+    return "Authorized:    yes\n"
+           "Name:          " + Shown(account.fullName) + "\n" +
+           "Login name:    " + Shown(account.userName) + "\n" +
+           "Type:          " + Shown(account.accountType) + "\n" +
+           "Photos page:   " + Shown(account.photosUrl) + "\n" +
+           "Largest file:  " +
+           (account.maxFileSize > 0 ? std::to_string(account.maxFileSize) + " bytes" : "(not known)") + "\n";
+}
+
+std::string WithoutLineEnd(std::string line)
+{
+    const auto last = line.find_last_not_of(" \t\r\n");
+    line.resize(last == line.npos ? 0 : last + 1);
+    return line;
+}
+
+// The text of a token; nothing if it can't be one.
+std::optional<WideText> TokenText(const std::string &bytes)
+{
+    const bool isPrintable = !bytes.empty() && std::all_of(bytes.begin(), bytes.end(), [](char c) {
+        return c > 0x20 && c < 0x7F;
+    });
+    return isPrintable ? TextFromUtf8(bytes) : std::nullopt;
+}
+
+ExitCode SetToken(std::vector<std::string> words, InitDataStore &store)
+{
+    if (words.size() == 1)
+    {
+        words.assign(2, std::string());
+        std::getline(std::cin, words[0]);
+        std::getline(std::cin, words[1]);
+    }
+    const auto token = TokenText(WithoutLineEnd(words[0]));
+    const auto secret = TokenText(WithoutLineEnd(words[1]));
+    if (!token || !secret)
+    {
+        Complain("A token and its secret are two words of printable ASCII characters; nothing was stored.");
+        return ExitCode::Usage;
+    }
+    AccountData account = ParseInitData(store.Content()).value_or(AccountData());
+    if (account.token != token)
+    {
+        // Name, type and limits belong to the account of the old token.
+        account = AccountData();
+    }
+    account.token = token;
+    account.tokenSecret = secret;
+    store.Overwrite(ComposeInitData(account));
+    WriteOut("The access token is stored.\n");
+    return ExitCode::AllWentUp;
+}
+} // namespace
+
+ExitCode RunStatusCommand(const Profile &profile)
+{
+    InitDataStore store(profile);
+    store.Load();
+    TellNotices(store);
+    for (const std::string &problem : RegisterInstalledModules(ModuleFolders()).problems)
+    {
+        Complain(problem);
+    }
+    RunRecord record{ItemCollection()};
+    const auto host = PublishingHost::Make(record, [](int, const std::string &, const std::string &) {});
+    PluginSession session(static_cast<IHalvoraPublishingHost *>(host.Get()), store);
+    BstrOwner line;
+    ThrowIfFailed(session.Plugin()->GetDisplayState(line.Put()));
+    WriteOut(OneSafeLine(LinksAsText(Utf8FromText(line.View()))) + "\n");
+    return ExitCode::AllWentUp;
+}
+
+ExitCode RunSettingsCommand(const CommandLine &line)
+{
+    if (const HRESULT result = MakeSettingsKey(); FAILED(result))
+    {
+        Complain("The settings can't be kept in the profile: " + SystemWords(result));
+    }
+    std::vector<SettingAssignment> changes;
+    bool allRight = true;
+    for (const std::string &text : line.assignments)
+    {
+        auto parsed = ParseSettingAssignment(text);
+        if (const auto *fault = std::get_if<std::string>(&parsed))
+        {
+            Complain(*fault);
+            allRight = false;
+            continue;
+        }
+        changes.push_back(std::get<SettingAssignment>(std::move(parsed)));
+    }
+    if (!allRight)
+    {
+        Complain("Nothing was stored.");
+        return ExitCode::Usage;
+    }
+    if (changes.empty())
+    {
+        WriteOut(ListSettings());
+        return ExitCode::AllWentUp;
+    }
+    if (const HRESULT result = StoreSettings(changes); FAILED(result))
+    {
+        Complain("The settings could not be stored: " + SystemWords(result));
+        return ExitCode::SomeFailed;
+    }
+    return ExitCode::AllWentUp;
+}
+
+ExitCode RunAccountCommand(const CommandLine &line, const Profile &profile)
+{
+    InitDataStore store(profile);
+    store.Load();
+    TellNotices(store);
+    if (!line.setToken.empty())
+    {
+        return SetToken(line.setToken, store);
+    }
+    WriteOut(DescribeAccount(ParseInitData(store.Content()).value_or(AccountData())));
+    return ExitCode::AllWentUp;
+}

@@ -1,0 +1,10 @@
+#include "host/Commands.h"
+
+#include "host/DisplayText.h"
+
+#include <iostream>
+
+void Complain(const std::string &words)
+{
+    std::cerr << "halvora: " << OneSafeLine(words) << std::endl;
+}

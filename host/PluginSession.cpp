@@ -1,0 +1,72 @@
+#include "host/PluginSession.h"
+
+#include "host/InitData.h"
+
+#include "core/Hresult.h"
+
+namespace
+{
+// What a stream holds, from its start.
+std::string ReadStream(IStream *stream)
+{
+    LARGE_INTEGER start = {};
+    ThrowIfFailed(stream->Seek(start, STREAM_SEEK_SET, nullptr));
+    std::string content;
+    char part[4096];
+    for (;;)
+    {
+        ULONG count = 0;
+        ThrowIfFailed(stream->Read(part, sizeof(part), &count));
+        content.append(part, count);
+        if (count < sizeof(part))
+        {
+            return content;
+        }
+    }
+}
+
+ComPtr<IStream> MakeStream(const std::string &content)
+{
+    ComPtr<IStream> stream;
+    ThrowIfFailed(CreateStreamOnHGlobal(nullptr, TRUE, stream.Put()));
+    ULONG written = 0;
+    LARGE_INTEGER start = {};
+    if (!content.empty())
+    {
+        ThrowIfFailed(stream->Write(content.data(), static_cast<ULONG>(content.size()), &written));
+    }
+    ThrowIfFailed(stream->Seek(start, STREAM_SEEK_SET, nullptr));
+    return stream;
+}
+} // namespace
+
+PluginSession::PluginSession(IUnknown *host, InitDataStore &store) : m_store(store)
+{
+    ThrowIfFailed(CoCreateInstance(__uuidof(FlickrPublisher), nullptr, CLSCTX_INPROC_SERVER,
+                                   __uuidof(IHalvoraPublishingPlugin), m_plugin.PutVoid()));
+    if (SUCCEEDED(Initialize(host, store.Content())))
+    {
+        return;
+    }
+    if (!store.Content().empty())
+    {
+        store.SetAsideDamaged();
+    }
+    ThrowIfFailed(Initialize(host, std::string()));
+}
+
+HRESULT PluginSession::Initialize(IUnknown *host, const std::string &content)
+{
+    m_stream = MakeStream(content);
+    return m_plugin->Initialize(host, LANG_NEUTRAL, m_stream.Get(), 0);
+}
+
+StoreOutcome PluginSession::Finish()
+{
+    // Half-written data are never stored.
+    ThrowIfFailed(m_plugin->Terminate());
+    const std::string content = ReadStream(m_stream.Get());
+    // An account that was never set is no reason to make a file.
+    return m_store.Content().empty() && content == ComposeInitData(AccountData()) ? StoreOutcome::Unchanged
+                                                                                  : m_store.Store(content);
+}

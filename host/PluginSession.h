@@ -1,0 +1,33 @@
+// One use of the plug-in: created through COM, given its host and its stored data, and at the end the
+// data taken back.
+#pragma once
+
+#include "host/Profile.h"
+
+#include "core/ComPtr.h"
+
+#include "HVRPublishToFlickr.h"
+
+#include <objidl.h>
+
+#include <string>
+
+class PluginSession
+{
+public:
+    // Creates and initializes the plug-in. Stored data that it refuses are set aside, and it gets none.
+    // Throws ProfileError, or the HRESULT of a plug-in that can't be created or initialized.
+    PluginSession(IUnknown *host, InitDataStore &store);
+
+    IHalvoraPublishingPlugin *Plugin() const { return m_plugin.Get(); }
+
+    // Ends the use and stores what the plug-in gave back. Throws ProfileError.
+    StoreOutcome Finish();
+
+private:
+    HRESULT Initialize(IUnknown *host, const std::string &content);
+
+    InitDataStore &m_store;
+    ComPtr<IHalvoraPublishingPlugin> m_plugin;
+    ComPtr<IStream> m_stream;
+};

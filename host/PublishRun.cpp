@@ -1,0 +1,98 @@
+#include "host/PublishRun.h"
+
+#include "host/ProgressWindows.h"
+#include "host/Terminal.h"
+
+#include <atomic>
+#include <thread>
+
+namespace
+{
+constexpr std::chrono::milliseconds WAITING_STEP(50);
+
+// Passes the user's wish on, in the strength that the number of interrupts gives it.
+class Canceller
+{
+public:
+    Canceller(IHalvoraPublishingPlugin &plugin, LiveDisplay &display, SignalWatch &signals)
+        : m_plugin(plugin), m_display(display), m_signals(signals)
+    {
+    }
+
+    bool IsCancelled() const { return m_interrupts > 0; }
+
+    void Interrupt()
+    {
+        switch (++m_interrupts)
+        {
+        case 1:
+            m_plugin.Cancel(FALSE);
+            m_display.Log(1, "The picture that is on its way is finished first; Ctrl-C again stops it.");
+            break;
+        case 2:
+            m_plugin.Cancel(TRUE);
+            break;
+        default:
+            m_display.EndProgress();
+            m_signals.EndProcessByInterrupt();
+        }
+    }
+
+    void Terminate()
+    {
+        if (m_interrupts < 2)
+        {
+            m_interrupts = 2;
+            m_plugin.Cancel(TRUE);
+        }
+    }
+
+private:
+    IHalvoraPublishingPlugin &m_plugin;
+    LiveDisplay &m_display;
+    SignalWatch &m_signals;
+    int m_interrupts = 0;
+};
+} // namespace
+
+RunEnd RunPublication(IHalvoraPublishingPlugin &plugin, LiveDisplay &display, SignalWatch &signals)
+{
+    const ProgressWindows windows(
+        [&](const ProgressView &view) { display.ShowProgress(view, LiveDisplay::Clock::now()); });
+    display.Resize(TerminalColumns());
+    Canceller canceller(plugin, display, signals);
+    RunEnd end;
+    std::atomic<bool> over = false;
+    std::thread worker([&] {
+        const HRESULT apartment = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+        end.result = plugin.Publish(windows.Bar(), windows.Status());
+        if (SUCCEEDED(apartment))
+        {
+            CoUninitialize();
+        }
+        over = true;
+        signals.Wake();
+    });
+    while (!over)
+    {
+        switch (signals.Wait(WAITING_STEP))
+        {
+        case RunSignal::Interrupt:
+            canceller.Interrupt();
+            break;
+        case RunSignal::Terminate:
+            canceller.Terminate();
+            break;
+        case RunSignal::Resize:
+            display.Resize(TerminalColumns());
+            break;
+        case RunSignal::None:
+            break;
+        }
+        display.Refresh(LiveDisplay::Clock::now());
+    }
+    worker.join();
+    display.EndProgress();
+    end.cancelled = canceller.IsCancelled();
+    return end;
+}

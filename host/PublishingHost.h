@@ -1,0 +1,43 @@
+// The host as the plug-in sees it: the items of a run, their records, a log, and the metadata of
+// picture files. One object answers both of the host's interfaces, from any thread.
+#pragma once
+
+#include "host/RunRecord.h"
+
+#include "core/ComObject.h"
+#include "core/HandleOwner.h"
+
+#include "HostContract.h"
+
+#include <functional>
+#include <string>
+
+// level, source and message as the plug-in gave them, in UTF-8. Any thread.
+using LogSink = std::function<void(int level, const std::string &source, const std::string &message)>;
+
+class PublishingHost final : public ComObject<PublishingHost, IHalvoraPublishingHost, IHalvoraImageMetadata>
+{
+public:
+    // The record must outlive every run with this host. Item handles are 1 and up, in the record's order.
+    PublishingHost(RunRecord &record, LogSink log);
+
+    STDMETHODIMP Reserved1() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Reserved2() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetItemList(INT32 *count, HGLOBAL *items) noexcept override;
+    STDMETHODIMP GetItemRecord(UINT64 item, ItemRecord *record) noexcept override;
+    STDMETHODIMP Reserved3() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Reserved4() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Reserved5() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP WriteLogEntry(INT32 level, LPCWSTR source, LPCWSTR message) noexcept override;
+
+    STDMETHODIMP ReadImageMetadata(LPCWSTR path, INT32 reserved, INT32 longEdge, IWICBitmapSource **source,
+                                   INT32 flags, ItemRecord *record) noexcept override;
+    STDMETHODIMP WriteImageMetadata(IWICMetadataQueryWriter *writer, INT32 reserved, INT32 one, ItemRecord *record,
+                                    INT32 copyright, INT32 exif, INT32 xmp, INT32 gps, INT32 iptc, INT32 anyGroup,
+                                    INT32 processed) noexcept override;
+
+private:
+    RunRecord &m_record;
+    const LogSink m_log;
+    GlobalMemoryOwner m_list;
+};

@@ -1,0 +1,21 @@
+// A person's NAME=VALUE for one of the stored settings.
+#pragma once
+
+#include "settings/StoredSettings.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+
+// One checked change. Without a value the setting goes back to its default.
+struct SettingAssignment
+{
+    const StoredSetting *setting = nullptr;
+    std::variant<std::monostate, UINT32, WideText> value;
+};
+
+// The change, or what is wrong with the text and what would be right. Names are taken in any case. Numbers
+// are decimal; where only 0 and 1 are allowed, on/off, yes/no and true/false too. Output sizes are kept
+// in their display form, in the user's locale.
+std::variant<SettingAssignment, std::string> ParseSettingAssignment(std::string_view text);

@@ -1,0 +1,36 @@
+// The signals that a run listens to, waited for by one thread.
+#pragma once
+
+#include <chrono>
+
+enum class RunSignal
+{
+    None,
+    Interrupt,      // Ctrl-C
+    Terminate,
+    Resize          // the terminal has another width
+};
+
+// While it lives, the signals above reach Wait alone. To be made before any other thread is, since
+// threads take over what their maker has blocked. Throws std::system_error.
+class SignalWatch
+{
+public:
+    SignalWatch();
+    ~SignalWatch();
+    SignalWatch(const SignalWatch &) = delete;
+    SignalWatch &operator=(const SignalWatch &) = delete;
+
+    // Waits for a signal, a Wake, or the end of the time.
+    RunSignal Wait(std::chrono::milliseconds time);
+
+    // Ends the present or next Wait with None. Any thread.
+    void Wake();
+
+    // Ends the process the way the signal would have.
+    [[noreturn]] void EndProcessByInterrupt();
+
+private:
+    int m_signals = -1;
+    int m_wakings = -1;
+};

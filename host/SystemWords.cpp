@@ -1,0 +1,28 @@
+#include "host/SystemWords.h"
+
+#include "host/TextEncodings.h"
+
+#include "core/HandleOwner.h"
+
+#include <cstdio>
+
+std::string SystemWordsOrNone(HRESULT code)
+{
+    LocalTextOwner message;
+    FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS |
+                       FORMAT_MESSAGE_MAX_WIDTH_MASK,
+                   nullptr, static_cast<DWORD>(code), 0, reinterpret_cast<LPWSTR>(message.Put()), 0, nullptr);
+    return message ? Utf8FromText(WithoutPadding(message.Get())) : std::string();
+}
+
+std::string SystemWords(HRESULT code)
+{
+    const std::string words = SystemWordsOrNone(code);
+    if (!words.empty())
+    {
+        return words;
+    }
+    char number[16];
+    std::snprintf(number, sizeof(number), "0x%08x", static_cast<unsigned>(code));
+    return std::string("error ") + number;
+}

@@ -1,0 +1,121 @@
+#include "host/PublishingHost.h"
+#include "host/ProgressWindows.h"
+
+
+#include "core/BstrOwner.h"
+#include "core/ComPtr.h"
+
+#include <commctrl.h>
+#include <wincodec.h>
+
+#include <gmock/gmock.h>
+
+#include <thread>
+
+using testing::ElementsAre;
+
+namespace
+{
+class PublishingHostTest : public testing::Test
+{
+protected:
+    static ItemCollection TwoItems()
+    {
+        ItemCollection collection;
+        collection.items.push_back({"/p/caf\xE9", {"tif", "jpg"}});
+        collection.items.push_back({"/p/two", {"png"}});
+        return collection;
+    }
+
+    RunRecord m_record{TwoItems()};
+    std::vector<std::string> m_log;
+    ComPtr<PublishingHost> m_host = PublishingHost::Make(
+        m_record, [this](int level, const std::string &source, const std::string &message) {
+            m_log.push_back(std::to_string(level) + " " + source + ": " + message);
+        });
+};
+} // namespace
+
+TEST_F(PublishingHostTest, AnswersBothInterfaces)
+{
+    const auto metadata = m_host.As<IHalvoraImageMetadata>();
+    ASSERT_TRUE(metadata);
+    EXPECT_TRUE(metadata.As<IHalvoraPublishingHost>());
+}
+
+TEST_F(PublishingHostTest, GivesTheItemsAndTheirRecords)
+{
+    INT32 count = 0;
+    HGLOBAL list = nullptr;
+    ASSERT_EQ(m_host->GetItemList(&count, &list), S_OK);
+    ASSERT_EQ(count, 2);
+    const auto *handles = static_cast<const UINT64 *>(GlobalLock(list));
+    ASSERT_NE(handles, nullptr);
+    ItemRecord record = {};
+    ASSERT_EQ(m_host->GetItemRecord(handles[0], &record), S_OK);
+    GlobalUnlock(list);
+    const BstrOwner path = BstrOwner::Adopt(record.Path);
+    const BstrOwner extensions = BstrOwner::Adopt(record.Extensions);
+    EXPECT_EQ(path.View(), (WideText(u"/p/caf") + WCHAR(0xDCE9)));
+    EXPECT_EQ(extensions.View(), u"tif;jpg");
+    EXPECT_EQ(m_record.EndOf(0), ItemEnd::WentUp);
+    EXPECT_EQ(m_record.EndOf(1), ItemEnd::NotTried);
+    EXPECT_EQ(m_host->GetItemRecord(3, &record), E_INVALIDARG);
+    EXPECT_EQ(m_host->GetItemRecord(0, &record), E_INVALIDARG);
+}
+
+TEST_F(PublishingHostTest, AnEmptyListCanBeLocked)
+{
+    RunRecord record{ItemCollection()};
+    const auto host = PublishingHost::Make(record, [](int, const std::string &, const std::string &) {});
+    INT32 count = -1;
+    HGLOBAL list = nullptr;
+    ASSERT_EQ(host->GetItemList(&count, &list), S_OK);
+    EXPECT_EQ(count, 0);
+    EXPECT_NE(GlobalLock(list), nullptr);
+    GlobalUnlock(list);
+}
+
+TEST_F(PublishingHostTest, LogEntriesReachSinkAndRecord)
+{
+    ItemRecord record = {};
+    m_host->GetItemRecord(2, &record);
+    const BstrOwner path = BstrOwner::Adopt(record.Path);
+    const BstrOwner extensions = BstrOwner::Adopt(record.Extensions);
+    EXPECT_EQ(m_host->WriteLogEntry(3, u"Flickr", u"größe"), S_OK);
+    EXPECT_EQ(m_host->WriteLogEntry(1, nullptr, nullptr), S_OK);
+    EXPECT_THAT(m_log, ElementsAre("3 Flickr: größe", "1 : "));
+    EXPECT_EQ(m_record.EndOf(1), ItemEnd::Failed);
+}
+
+TEST_F(PublishingHostTest, MetadataThatCanNotBeReadFailInCodes)
+{
+    ItemRecord record = {};
+    IWICBitmapSource *source = nullptr;
+    const WideText strange = u"/nowhere/x.jpg";
+    EXPECT_EQ(m_host->ReadImageMetadata(strange.c_str(), 0, 0, nullptr, READ_METADATA_ONLY, &record),
+              HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(m_host->ReadImageMetadata(nullptr, 0, 0, nullptr, READ_METADATA_ONLY, &record), E_INVALIDARG);
+    EXPECT_EQ(m_host->ReadImageMetadata(strange.c_str(), 0, 0, &source, READ_METADATA_AND_PICTURE, &record), E_NOTIMPL);
+    EXPECT_EQ(record.Iptc.Texts[IPTC_TEXT_CAPTION], nullptr);
+}
+
+TEST(ProgressWindowsTest, EveryChangeIsToldWhateverThreadMakesIt)
+{
+    std::vector<ProgressView> views;
+    {
+        const ProgressWindows windows([&](const ProgressView &view) { views.push_back(view); });
+        std::thread([&] {
+            SendMessageW(windows.Bar(), PBM_SETRANGE32, 0, 200);
+            SendMessageW(windows.Bar(), PBM_SETPOS, 50, 0);
+            SendMessageW(windows.Bar(), PBM_SETSTATE, PBST_PAUSED, 0);
+            SetWindowTextW(windows.Status(), u"größer");
+        }).join();
+        EXPECT_EQ(SendMessageW(windows.Bar(), PBM_GETPOS, 0, 0), 50);
+    }
+    ASSERT_EQ(views.size(), 4u);
+    EXPECT_EQ(views[1].position, 50);
+    EXPECT_EQ(views[3].high, 200);
+    EXPECT_EQ(views[3].state, BarState::Paused);
+    EXPECT_EQ(views[3].status, "größer");
+}
