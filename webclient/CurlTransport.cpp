@@ -1,6 +1,6 @@
 // HTTP over libcurl, the only file that knows it. Every exchange borrows an easy handle from a pool
-// of the process: the handle keeps its connections, TLS sessions and host addresses from one
-// exchange to the next, and is used by one thread at a time.
+// of the process: the handle keeps its connection, TLS sessions and host addresses from one
+// exchange with a host to the next, and is used by one thread at a time.
 // Without the socket and cryptography headers of Windows, which clash with the system's own.
 #define WIN32_LEAN_AND_MEAN
 #include "webclient/HttpTransport.h"
@@ -9,6 +9,8 @@
 
 #include <curl/curl.h>
 #include <openssl/x509_vfy.h>
+
+#include <sys/socket.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -42,15 +44,19 @@ public:
         curl_global_cleanup();
     }
 
-    // The handle that was used last: its connection is the most likely to be still open.
-    EasyHandle Take()
+    // Of the handles that have spoken to the origin, the one that was used last: its connection is the
+    // most likely to be still open.
+    EasyHandle Take(std::string_view origin)
     {
         {
             const std::lock_guard guard(m_lock);
-            if (!m_idle.empty())
+            const auto found = std::find_if(m_idle.rbegin(), m_idle.rend(),
+                                            [&](const Idle &idle) { return idle.origin == origin; });
+            if (found != m_idle.rend())
             {
-                EasyHandle handle = std::move(m_idle.back());
-                m_idle.pop_back();
+                EasyHandle handle = std::move(found->handle);
+                m_idle.erase(std::next(found).base());
+                CloseIfLeft(handle.get());
                 return handle;
             }
         }
@@ -62,18 +68,44 @@ public:
         return handle;
     }
 
-    void GiveBack(EasyHandle handle) noexcept
+    // At most as many as MostIdle are kept: the one that has waited longest goes.
+    void GiveBack(EasyHandle handle, std::string origin) noexcept
     {
-        curl_easy_reset(handle.get()); // keeps connections and sessions
+        curl_easy_reset(handle.get()); // keeps connection and sessions
         const std::lock_guard guard(m_lock);
-        if (m_idle.size() < MostIdle)
+        if (m_idle.size() == MostIdle)
         {
-            m_idle.push_back(std::move(handle)); // reserved: doesn't throw
+            m_idle.erase(m_idle.begin());
         }
+        m_idle.push_back({std::move(origin), std::move(handle)}); // reserved: doesn't throw
     }
 
 private:
     static constexpr size_t MostIdle = 8;
+
+    struct Idle
+    {
+        std::string origin;
+        EasyHandle handle;
+    };
+
+    // A server that leaves says so by a last record, in which libcurl sees a sign of life, and the next
+    // request would go to nobody. On a connection that rests there is nothing to read otherwise.
+    static void CloseIfLeft(CURL *handle) noexcept
+    {
+        curl_socket_t connection = CURL_SOCKET_BAD;
+        char bytes[256];
+        if (curl_easy_getinfo(handle, CURLINFO_ACTIVESOCKET, &connection) != CURLE_OK ||
+            connection == CURL_SOCKET_BAD || recv(connection, bytes, sizeof(bytes), MSG_DONTWAIT) <= 0)
+        {
+            return; // none, at rest, or at an end that libcurl sees itself
+        }
+        // The record is gone now, and with it the use of the connection: let libcurl see its end.
+        shutdown(connection, SHUT_RDWR);
+        while (recv(connection, bytes, sizeof(bytes), MSG_DONTWAIT) > 0)
+        {
+        }
+    }
 
     HandlePool()
     {
@@ -85,7 +117,7 @@ private:
     }
 
     std::mutex m_lock;
-    std::vector<EasyHandle> m_idle;
+    std::vector<Idle> m_idle;
 };
 
 // The Authorization header is in the list: its bytes are wiped too.
@@ -194,7 +226,7 @@ void CurlExchange::SetConnection()
     Set(CURLOPT_PROTOCOLS_STR, "http,https");
     Set(CURLOPT_FOLLOWLOCATION, 0L);
     Set(CURLOPT_TCP_KEEPALIVE, 1L);
-    Set(CURLOPT_MAXCONNECTS, 4L);
+    Set(CURLOPT_MAXCONNECTS, 1L); // the one that the pool looks after
     Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(m_limits.connect.count()));
     Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
     if (const char *entries = std::getenv("HALVORA_CONNECT_TO"))
@@ -443,7 +475,8 @@ TransportError CurlExchange::CertificateError() const
     curl_easy_getinfo(m_handle, CURLINFO_SSL_VERIFYRESULT, &verdict);
     switch (verdict)
     {
-    case X509_V_OK: // the chain is good, and libcurl missed the host's name in it
+    case X509_V_OK:
+    case X509_V_ERR_UNSPECIFIED: // the chain is good: libcurl missed the host's name before it noted a verdict
     case X509_V_ERR_HOSTNAME_MISMATCH:
     case X509_V_ERR_IP_ADDRESS_MISMATCH:
         return {TransportProblem::CertificateForOtherHost};
@@ -502,7 +535,9 @@ public:
     HttpReply Exchange(const HttpRequest &request) override
     {
         HandlePool &pool = HandlePool::Get();
-        Loan loan{pool, pool.Take()};
+        std::string origin = OriginOf(request.url);
+        EasyHandle handle = pool.Take(origin);
+        Loan loan{pool, std::move(handle), std::move(origin)};
         return CurlExchange(loan.handle.get(), request, m_limits).Run();
     }
 
@@ -511,9 +546,17 @@ private:
     {
         HandlePool &pool;
         EasyHandle handle;
+        std::string origin;
 
-        ~Loan() { pool.GiveBack(std::move(handle)); }
+        ~Loan() { pool.GiveBack(std::move(handle), std::move(origin)); }
     };
+
+    // "https://host:port" of an address.
+    static std::string OriginOf(std::string_view url)
+    {
+        const size_t host = url.find("://");
+        return std::string(url.substr(0, url.find_first_of("/?", host == std::string_view::npos ? 0 : host + 3)));
+    }
 
     TransportLimits m_limits;
 };

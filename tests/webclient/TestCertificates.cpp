@@ -39,10 +39,10 @@ std::shared_ptr<EVP_PKEY> NewKey()
 }
 } // namespace
 
-TestAuthority::TestAuthority()
+TestAuthority::TestAuthority(const char *name)
 {
     m_own.key = NewKey();
-    m_own.certificate = NewCertificate(m_own.key.get(), "Test authority", -3000, 3000);
+    m_own.certificate = NewCertificate(m_own.key.get(), name, -3000, 3000);
     X509 *own = m_own.certificate.get();
     X509_set_issuer_name(own, X509_get_subject_name(own));
     Extend(own, own, NID_basic_constraints, "critical,CA:TRUE");

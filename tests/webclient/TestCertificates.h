@@ -16,7 +16,7 @@ struct IssuedCertificate
 class TestAuthority
 {
 public:
-    TestAuthority();
+    explicit TestAuthority(const char *name = "Test authority");
 
     // hosts: "DNS:a.example,DNS:*.b.example". Valid from now + firstDay to now + lastDay.
     IssuedCertificate Issue(const std::string &hosts, int firstDay = -1, int lastDay = 30) const;

@@ -159,7 +159,6 @@ TEST_F(WebClientTest, RequestThatWasReadButNotAnsweredIsNotRepeated)
     EXPECT_THAT(outcome.Description(), HasSubstr("the picture may or may not have arrived"));
     EXPECT_EQ(outcome.Text("/HttpError/@HttpStatus"), "0");
     EXPECT_EQ(server.Requests().size(), 2u);
-    EXPECT_EQ(server.Connections(), 1);
 }
 
 TEST_F(WebClientTest, HeadThatReachedADyingConnectionIsNotRepeated)
@@ -260,7 +259,7 @@ TEST_F(WebClientTest, EarlyRefusalWinsOverTheRestOfTheBody)
 
 TEST_F(WebClientTest, OnlyGoodCertificatesAreSpokenTo)
 {
-    const TestAuthority stranger;
+    const TestAuthority stranger("Another authority");
     const struct
     {
         IssuedCertificate certificate;
