@@ -68,20 +68,30 @@ bool IsSpace(WCHAR unit)
     return unit == u' ' || unit == u'\t' || unit == u'\r' || unit == u'\n';
 }
 
-WideText Trim(WideText text)
+WideText Trim(WideText text, bool atStart = true, bool atEnd = true)
 {
-    while (!text.empty() && IsSpace(text.back()))
+    while (atEnd && !text.empty() && IsSpace(text.back()))
     {
         text.pop_back();
     }
     size_t start = 0;
-    while (start < text.size() && IsSpace(text[start]))
+    while (atStart && start < text.size() && IsSpace(text[start]))
     {
         ++start;
     }
     return text.substr(start);
 }
 
+
+// Whether an element's text starts (or ends) in a CDATA section, whose blanks are meant.
+bool BordersOnCData(xmlNodePtr node, xmlNodePtr _xmlNode::*border)
+{
+    while (node != nullptr && node->type == XML_ELEMENT_NODE)
+    {
+        node = node->*border;
+    }
+    return node != nullptr && node->type == XML_CDATA_SECTION_NODE;
+}
 
 void Quiet(void *, const char *, ...)
 {
@@ -250,7 +260,9 @@ WideText XmlNode::Text() const
     text = Wide(TextOwner(xmlNodeGetContent(Raw(m_node))).get());
     const bool trimmed = GetKind() == Kind::Element && !m_tree->PreservesWhiteSpace() &&
                          xmlNodeGetSpacePreserve(Raw(m_node)) != 1;
-    return trimmed ? Trim(std::move(text)) : text;
+    return trimmed ? Trim(std::move(text), !BordersOnCData(Raw(m_node), &_xmlNode::children),
+                          !BordersOnCData(Raw(m_node), &_xmlNode::last))
+                   : text;
 }
 
 WideText XmlNode::Xml() const

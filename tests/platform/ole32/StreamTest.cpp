@@ -29,7 +29,6 @@ ULONGLONG SizeOf(IStream *stream)
     STATSTG status{};
     EXPECT_EQ(S_OK, stream->Stat(&status, STATFLAG_NONAME));
     EXPECT_EQ(nullptr, status.pwcsName);
-    EXPECT_EQ(DWORD(STGTY_STREAM), status.type);
     return status.cbSize.QuadPart;
 }
 
@@ -127,7 +126,6 @@ TEST(MemoryStreams, CopyUpToTheirEnd)
     EXPECT_EQ(30000u, read.QuadPart);
     EXPECT_EQ(30000u, written.QuadPart);
     EXPECT_EQ(30000u, SizeOf(target.Get()));
-    EXPECT_EQ(STG_E_INVALIDPOINTER, source->CopyTo(nullptr, Size(1), nullptr, nullptr));
 }
 
 class FileStreams : public testing::Test
@@ -163,22 +161,10 @@ TEST_F(FileStreams, ReadWhatWasWrittenAndRefuseToWriteWhenOpenForReading)
     EXPECT_TRUE(FAILED(reader->SetSize(Size(0))));
     EXPECT_EQ(10u, SizeOf(reader.Get()));
     const ComPtr<IStream> memory = NewMemoryStream();
-    ULARGE_INTEGER read;
+    ULARGE_INTEGER read, written;
     reader->Seek(Move(1), STREAM_SEEK_SET, nullptr);
-    EXPECT_EQ(S_OK, reader->CopyTo(memory.Get(), Size(5), &read, nullptr));
+    EXPECT_EQ(S_OK, reader->CopyTo(memory.Get(), Size(5), &read, &written));
     EXPECT_EQ("12345", ReadFrom(memory.Get(), 0, 9));
-}
-
-TEST_F(FileStreams, HavePositionsAndSizesOf64Bits)
-{
-    ULARGE_INTEGER position;
-    EXPECT_EQ(S_OK, m_stream->Seek(Move(5000000000), STREAM_SEEK_SET, &position));
-    EXPECT_EQ(5000000000u, position.QuadPart);
-    EXPECT_EQ(S_OK, m_stream->Write("x", 1, nullptr));
-    EXPECT_EQ(5000000001u, SizeOf(m_stream.Get()));
-    EXPECT_EQ("x", ReadFrom(m_stream.Get(), 5000000000, 2));
-    EXPECT_EQ(S_OK, m_stream->SetSize(Size(2)));
-    EXPECT_EQ(2u, SizeOf(m_stream.Get()));
 }
 
 TEST_F(FileStreams, SayWhyAFileCannotBeOpened)
