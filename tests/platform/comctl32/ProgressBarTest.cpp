@@ -59,9 +59,9 @@ TEST_F(ProgressBar, ANewRangeTakesThePositionAlong)
 // Wine's bar knows the normal state only.
 TEST_F(ProgressBar, StatesAnswerWithTheLast)
 {
-    EXPECT_EQ(Send(PBM_GETSTATE), underWine ? 0 : PBST_NORMAL);
-    Send(PBM_SETSTATE, PBST_PAUSED);
-    EXPECT_EQ(Send(PBM_SETSTATE, PBST_ERROR), underWine ? 0 : PBST_PAUSED);
-    EXPECT_EQ(Send(PBM_GETSTATE), underWine ? 0 : PBST_ERROR);
+    EXPECT_EQ(Send(PBM_GETSTATE), PBST_NORMAL);
+    EXPECT_EQ(Send(PBM_SETSTATE, PBST_PAUSED), PBST_NORMAL);
+    EXPECT_EQ(Send(PBM_SETSTATE, PBST_ERROR), underWine ? PBST_NORMAL : PBST_PAUSED);
+    EXPECT_EQ(Send(PBM_GETSTATE), underWine ? PBST_NORMAL : PBST_ERROR);
 }
 } // namespace
