@@ -8,3 +8,6 @@
 #include <shlwapi.h>
 #include <wincodec.h>
 #include <wincodecsdk.h>
+
+// Windows has this one in a library for linking; here it is the platform's for every module.
+extern "C" const IID GUID_NULL = {};

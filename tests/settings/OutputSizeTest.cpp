@@ -157,3 +157,16 @@ TEST(OutputSize, WithoutLocaleDataAPointSeparatesDecimals)
     OutputSizeUnit unit;
     EXPECT_EQ(OutputSizeToPixels(TEXT("2.5 in"), dpi, unit, LocaleNumberFormat()), 825);
 }
+
+TEST(OutputSize, FollowsTheUsersLocaleUnlessToldOtherwise)
+{
+    LocaleNumberFormat user;
+    ASSERT_TRUE(LoadLocaleFormat(user, true));
+    WCHAR buffer[OutputSizeCapacity] = {};
+    (TEXT("2") + user.DecimalSeparator + TEXT("5cm")).copy(buffer, OutputSizeCapacity - 1);
+    double dpi;
+    OutputSizeUnit unit;
+    EXPECT_EQ(OutputSizeToPixels(buffer, dpi, unit), 325);
+    NormalizeOutputSize(buffer, OutputSizeCapacity, IDS_SIZE_PRINT);
+    EXPECT_EQ(buffer, TEXT("2") + user.DecimalSeparator + TEXT("5 cm print"));
+}
