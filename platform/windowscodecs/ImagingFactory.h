@@ -1,5 +1,5 @@
-// The imaging component's factory. It opens decoders on streams; everything else answers E_NOTIMPL
-// until pictures are decoded here.
+// The imaging component's factory: decoders on streams, the JPEG decoder and encoder, colour contexts
+// and bitmaps in memory. What nobody here asks for answers E_NOTIMPL.
 #pragma once
 
 #include "core/ComObject.h"
@@ -23,15 +23,16 @@ public:
         return E_NOTIMPL;
     }
     STDMETHODIMP CreateComponentInfo(REFCLSID, IWICComponentInfo **) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP CreateDecoder(REFGUID, const GUID *, IWICBitmapDecoder **) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP CreateEncoder(REFGUID, const GUID *, IWICBitmapEncoder **) noexcept override { return E_NOTIMPL; }
+    // JPEG by no vendor or Microsoft; WINCODEC_ERR_COMPONENTNOTFOUND for everything else.
+    STDMETHODIMP CreateDecoder(REFGUID container, const GUID *vendor, IWICBitmapDecoder **decoder) noexcept override;
+    STDMETHODIMP CreateEncoder(REFGUID container, const GUID *vendor, IWICBitmapEncoder **encoder) noexcept override;
     STDMETHODIMP CreatePalette(IWICPalette **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP CreateFormatConverter(IWICFormatConverter **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP CreateBitmapScaler(IWICBitmapScaler **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP CreateBitmapClipper(IWICBitmapClipper **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP CreateBitmapFlipRotator(IWICBitmapFlipRotator **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP CreateStream(IWICStream **) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP CreateColorContext(IWICColorContext **) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP CreateColorContext(IWICColorContext **context) noexcept override;
     STDMETHODIMP CreateColorTransformer(IWICColorTransform **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP CreateBitmap(UINT, UINT, REFWICPixelFormatGUID, WICBitmapCreateCacheOption,
                               IWICBitmap **) noexcept override
@@ -46,11 +47,8 @@ public:
     {
         return E_NOTIMPL;
     }
-    STDMETHODIMP CreateBitmapFromMemory(UINT, UINT, REFWICPixelFormatGUID, UINT, UINT, BYTE *,
-                                        IWICBitmap **) noexcept override
-    {
-        return E_NOTIMPL;
-    }
+    STDMETHODIMP CreateBitmapFromMemory(UINT width, UINT height, REFWICPixelFormatGUID format, UINT stride, UINT size,
+                                        BYTE *pixels, IWICBitmap **bitmap) noexcept override;
     STDMETHODIMP CreateBitmapFromHBITMAP(HBITMAP, HPALETTE, WICBitmapAlphaChannelOption, IWICBitmap **) noexcept override
     {
         return E_NOTIMPL;
