@@ -64,9 +64,9 @@ void SetErrorInfoText(const WCHAR *text)
     {
         return;
     }
-    creation->SetGUID(GUID_NULL);
+    creation->SetGUID(GUID{});
     TaskTextOwner source;
-    if (SUCCEEDED(ProgIDFromCLSID(GUID_NULL, source.Put())) && source)
+    if (SUCCEEDED(ProgIDFromCLSID(CLSID{}, source.Put())) && source)
     {
         creation->SetSource(source.Get());
     }

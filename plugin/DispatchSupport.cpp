@@ -48,7 +48,7 @@ HRESULT DispatchSupport::GetTypeInfo(UINT index, ITypeInfo **info) noexcept
 
 HRESULT DispatchSupport::GetIDsOfNames(REFIID reserved, LPOLESTR *names, UINT count, DISPID *ids) noexcept
 {
-    if (reserved != IID_NULL)
+    if (reserved != IID{})
     {
         return DISP_E_UNKNOWNINTERFACE;
     }
@@ -58,7 +58,7 @@ HRESULT DispatchSupport::GetIDsOfNames(REFIID reserved, LPOLESTR *names, UINT co
 HRESULT DispatchSupport::Invoke(void *object, REFIID reserved, DISPID id, WORD flags, DISPPARAMS *parameters,
                                 VARIANT *result, EXCEPINFO *exception, UINT *argumentError) noexcept
 {
-    if (reserved != IID_NULL)
+    if (reserved != IID{})
     {
         return DISP_E_UNKNOWNINTERFACE;
     }

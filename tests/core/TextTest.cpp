@@ -85,5 +85,5 @@ TEST(ErrorText, ReachesTheThreadsErrorObject)
     EXPECT_EQ(Narrow(description.View()), "A node was missing.");
     GUID source = IID_IUnknown;
     EXPECT_EQ(error->GetGUID(&source), S_OK);
-    EXPECT_TRUE(source == GUID_NULL);
+    EXPECT_TRUE(source == GUID{});
 }

@@ -4,13 +4,14 @@
 
 #include <atomic>
 #include <fstream>
+#include <random>
 
 namespace
 {
 std::filesystem::path NewFolder()
 {
     static std::atomic<int> number{0};
-    const auto name = "halvora-publish-" + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++number);
+    const auto name = "halvora-publish-" + std::to_string(std::random_device()()) + "-" + std::to_string(++number);
     const auto folder = std::filesystem::temp_directory_path() / name;
     std::filesystem::create_directories(folder);
     return folder;
