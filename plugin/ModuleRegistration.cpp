@@ -41,23 +41,32 @@ void ThrowIfError(LSTATUS status)
     ThrowIfFailed(HRESULT_FROM_WIN32(static_cast<DWORD>(status)));
 }
 
-RegistryKeyOwner CreateKey(HKEY parent, const WCHAR *path)
+// Where the classes of a scope lie; prefix is put in front of every path.
+struct Classes
 {
+    HKEY root;
+    const WCHAR *prefix;
+};
+
+Classes ClassesOf(RegistrationScope scope) noexcept
+{
+    return scope == RegistrationScope::User ? Classes{HKEY_CURRENT_USER, TEXT("Software\\Classes\\")}
+                                            : Classes{HKEY_CLASSES_ROOT, TEXT("")};
+}
+
+RegistryKeyOwner CreateKey(const Classes &classes, const WCHAR *name)
+{
+    const WideText path = WideText(classes.prefix) + name;
     RegistryKeyOwner key;
-    ThrowIfError(RegCreateKeyExW(parent, path, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_READ | KEY_WRITE, nullptr,
-                                 key.Put(), nullptr));
+    ThrowIfError(RegCreateKeyExW(classes.root, path.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                                 KEY_READ | KEY_WRITE, nullptr, key.Put(), nullptr));
     return key;
 }
 
-RegistryKeyOwner OpenClasses(RegistrationScope scope)
+void RemoveTree(const Classes &classes, const WCHAR *name)
 {
-    return scope == RegistrationScope::User ? CreateKey(HKEY_CURRENT_USER, TEXT("Software\\Classes"))
-                                            : CreateKey(HKEY_CLASSES_ROOT, nullptr);
-}
-
-void RemoveTree(HKEY parent, const WCHAR *path)
-{
-    const LSTATUS status = RegDeleteTreeW(parent, path);
+    const WideText path = WideText(classes.prefix) + name;
+    const LSTATUS status = RegDeleteTreeW(classes.root, path.c_str());
     if (status != ERROR_FILE_NOT_FOUND)
     {
         ThrowIfError(status);
@@ -69,12 +78,12 @@ HRESULT RegisterClassEntries(RegistrationScope scope) noexcept
 {
     return AtBoundary([&] {
         const WideText module = ThisModulePath();
-        const RegistryKeyOwner classes = OpenClasses(scope);
-        RemoveTree(classes.Get(), CLASS_KEY);
+        const Classes classes = ClassesOf(scope);
+        RemoveTree(classes, CLASS_KEY);
         for (const ClassEntry &entry : classEntries)
         {
             const WideView value = entry.value ? WideView(entry.value) : WideView(module);
-            const RegistryKeyOwner key = CreateKey(classes.Get(), entry.key);
+            const RegistryKeyOwner key = CreateKey(classes, entry.key);
             ThrowIfError(RegSetValueExW(key.Get(), entry.name, 0, REG_SZ,
                                         reinterpret_cast<const BYTE *>(value.data()),
                                         static_cast<DWORD>((value.size() + 1) * sizeof(WCHAR))));
@@ -86,10 +95,10 @@ HRESULT RegisterClassEntries(RegistrationScope scope) noexcept
 HRESULT UnregisterClassEntries(RegistrationScope scope) noexcept
 {
     return AtBoundary([&] {
-        const RegistryKeyOwner classes = OpenClasses(scope);
+        const Classes classes = ClassesOf(scope);
         for (const WCHAR *key : classKeys)
         {
-            RemoveTree(classes.Get(), key);
+            RemoveTree(classes, key);
         }
         return S_OK;
     });
