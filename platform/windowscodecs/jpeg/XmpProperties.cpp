@@ -5,6 +5,7 @@
 
 #include <exiv2/exiv2.hpp>
 
+#include <algorithm>
 #include <mutex>
 
 #include <wincodec.h>
@@ -162,6 +163,12 @@ struct XmpProperties::State
 {
     Exiv2::XmpData Data;
 
+    // By comparison, since making a key of a text fails for a schema that the library doesn't know.
+    Exiv2::XmpData::iterator Find(const std::string &key)
+    {
+        return std::find_if(Data.begin(), Data.end(), [&](const Exiv2::Xmpdatum &datum) { return datum.key() == key; });
+    }
+
     bool Erase(const std::string &key)
     {
         bool erased = false;
@@ -217,7 +224,9 @@ XmpProperties::~XmpProperties() = default;
 
 void XmpProperties::Parse(const std::string &packet)
 {
-    Translate(WINCODEC_ERR_BADMETADATAHEADER, [&] {
+    try
+    {
+        const std::lock_guard lock(libraryLock);
         Exiv2::XmpData parsed;
         if (Exiv2::XmpParser::decode(parsed, packet) != 0)
         {
@@ -225,26 +234,28 @@ void XmpProperties::Parse(const std::string &packet)
         }
         for (const Exiv2::Xmpdatum &datum : parsed)
         {
-            if (m_state->Data.findKey(Exiv2::XmpKey(datum.key())) == m_state->Data.end())
+            if (m_state->Find(datum.key()) == m_state->Data.end())
             {
                 m_state->Data.add(datum);
             }
         }
-    });
+    }
+    catch (const Exiv2::AnyError &)
+    {
+        // What was read up to here stays.
+    }
 }
 
 std::string XmpProperties::TakeExtensionIdentifier()
 {
-    return Translate(WINCODEC_ERR_BADMETADATAHEADER, [&] {
-        const auto found = m_state->Data.findKey(Exiv2::XmpKey("Xmp.xmpNote.HasExtendedXMP"));
-        if (found == m_state->Data.end())
-        {
-            return std::string();
-        }
-        const std::string identifier = found->toString();
-        m_state->Data.erase(found);
-        return identifier;
-    });
+    const auto found = m_state->Find("Xmp.xmpNote.HasExtendedXMP");
+    if (found == m_state->Data.end())
+    {
+        return {};
+    }
+    const std::string identifier = found->toString();
+    m_state->Data.erase(found);
+    return identifier;
 }
 
 bool XmpProperties::IsEmpty() const noexcept
