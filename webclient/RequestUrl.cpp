@@ -73,8 +73,8 @@ std::string EncodeForm(const ParameterList &parameters)
     std::string result;
     for (const Parameter &parameter : parameters)
     {
-        result += (result.empty() ? "" : "&") + PercentEncode(parameter.name) + "=" +
-                  PercentEncode(parameter.value.View());
+        result.append(result.empty() ? "" : "&").append(PercentEncode(parameter.name)).append("=");
+        result.append(PercentEncode(parameter.value.View()));
     }
     return result;
 }
