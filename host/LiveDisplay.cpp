@@ -71,7 +71,7 @@ void LiveDisplay::Resize(size_t columns)
     m_columns = columns;
     if (m_drawn)
     {
-        m_sink(EraseLine() + DrawLine());
+        Draw();
     }
 }
 
@@ -101,11 +101,18 @@ std::string LiveDisplay::DrawLine()
     return RenderProgressLine(m_view, {m_columns, m_options.unicode, m_options.colour});
 }
 
+void LiveDisplay::Draw()
+{
+    std::string drawing = EraseLine();
+    drawing += DrawLine();
+    m_sink(drawing);
+}
+
 void LiveDisplay::Redraw(Clock::time_point now)
 {
     if (m_stale && now - m_lastDrawing >= DRAWING_PAUSE)
     {
         m_lastDrawing = now;
-        m_sink(EraseLine() + DrawLine());
+        Draw();
     }
 }

@@ -48,6 +48,7 @@ public:
 private:
     std::string EraseLine() const;
     std::string DrawLine();
+    void Draw();
     void Redraw(Clock::time_point now);
 
     const DisplayOptions m_options;

@@ -20,7 +20,7 @@ TEST(ProgressLine, ShowsBarPercentAndStatus)
 {
     EXPECT_EQ(RenderProgressLine(View(100, "Half way."), {40, false, false}), "[#####......]  50%  Half way.");
     EXPECT_EQ(RenderProgressLine(View(101, "ok"), {25, true, false}), "████░░░░  50%  ok");
-    EXPECT_EQ(RenderProgressLine(View(3, ""), {25, true, false}), "▏░░░░░░░   1%");
+    EXPECT_EQ(RenderProgressLine(View(4, ""), {25, true, false}), "▏░░░░░░░   2%");
     EXPECT_EQ(RenderProgressLine(View(200, ""), {25, true, false}), "████████ 100%");
 }
 
