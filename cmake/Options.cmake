@@ -41,7 +41,7 @@ if(HALVORA_NATIVE)
   # have the system's own. They also mark imported functions as hidden, which across shared
   # libraries is wrong.
   target_compile_options(halvora_flags INTERFACE
-    "SHELL:-isystem /usr/include/wine/wine/windows" "SHELL:-include cstdarg"
+    "SHELL:-isystem /usr/include/wine/wine/windows" "$<$<COMPILE_LANGUAGE:CXX>:SHELL:-include cstdarg>"
     -Dms_abi= -D__ms_va_list=va_list -D__ms_va_start=va_start -D__ms_va_end=va_end
     -D__ms_va_copy=va_copy -DDECLSPEC_HIDDEN= -Wno-ignored-attributes -fPIC)
   if(HALVORA_SANITIZE)

@@ -21,8 +21,7 @@ function(halvora_resources target rc)
     file(WRITE "${out}.S.new"
       ".section .rsrc,\"a\",@progbits\n.balign 8\n.incbin \"${out}.res\"\n.section .note.GNU-stack,\"\",@progbits\n")
     file(COPY_FILE "${out}.S.new" "${out}.S" ONLY_IF_DIFFERENT)
-    set_source_files_properties("${out}.S" PROPERTIES LANGUAGE C OBJECT_DEPENDS "${out}.res"
-      COMPILE_OPTIONS "-xassembler")
+    set_source_files_properties("${out}.S" PROPERTIES LANGUAGE ASM OBJECT_DEPENDS "${out}.res")
     target_sources(${target} PRIVATE "${out}.S")
   else()
     set(object "${CMAKE_CURRENT_BINARY_DIR}/${target}.${base}.o")

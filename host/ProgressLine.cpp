@@ -9,6 +9,10 @@ namespace
 constexpr size_t WIDEST_BAR = 40;
 constexpr size_t NARROWEST_BAR = 6;
 
+// What stands beside the bar: the percentage, the blanks between, and a status text of some hundred
+// items with two-part times. The bar gives way to it, and keeps its width while texts change.
+constexpr size_t BESIDE_THE_BAR = 4 + 3 + 68;
+
 // The position in parts of the range, at most parts, never rounded up.
 uint64_t PartsDone(const ProgressView &view, uint64_t parts)
 {
@@ -76,7 +80,9 @@ std::string RenderProgressLine(const ProgressView &view, const LineStyle &style)
     }
     std::string bar;
     size_t used = percent.size();
-    if (const size_t columns = std::min(WIDEST_BAR, room / 3); columns >= NARROWEST_BAR)
+    const size_t spare = room > BESIDE_THE_BAR ? room - BESIDE_THE_BAR : 0;
+    const size_t columns = std::min(room / 3, std::clamp(spare, NARROWEST_BAR, WIDEST_BAR));
+    if (columns >= NARROWEST_BAR)
     {
         bar = RenderBar(view, columns, style.unicode);
         used += columns + 1;

@@ -10,6 +10,8 @@
 #include <curl/curl.h>
 #include <openssl/x509_vfy.h>
 
+#include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sys/socket.h>
 
 #include <algorithm>
@@ -226,6 +228,13 @@ void CurlExchange::SetConnection()
     Set(CURLOPT_PROTOCOLS_STR, "http,https");
     Set(CURLOPT_FOLLOWLOCATION, 0L);
     Set(CURLOPT_TCP_KEEPALIVE, 1L);
+    // What waits in the socket unsent counts as progress though it has gone nowhere; the system
+    // would let megabytes wait, a whole picture.
+    Set(CURLOPT_SOCKOPTFUNCTION, +[](void *, curl_socket_t socket, curlsocktype) -> int {
+        const int bytes = 128 * 1024;
+        setsockopt(socket, IPPROTO_TCP, TCP_NOTSENT_LOWAT, &bytes, sizeof bytes);
+        return CURL_SOCKOPT_OK;
+    });
     Set(CURLOPT_MAXCONNECTS, 1L); // the one that the pool looks after
     Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(m_limits.connect.count()));
     Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);

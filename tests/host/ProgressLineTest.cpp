@@ -18,10 +18,19 @@ ProgressView View(int64_t position, std::string status)
 
 TEST(ProgressLine, ShowsBarPercentAndStatus)
 {
-    EXPECT_EQ(RenderProgressLine(View(100, "Half way."), {40, false, false}), "[#####......]  50%  Half way.");
-    EXPECT_EQ(RenderProgressLine(View(101, "ok"), {25, true, false}), "████░░░░  50%  ok");
-    EXPECT_EQ(RenderProgressLine(View(4, ""), {25, true, false}), "▏░░░░░░░   2%");
-    EXPECT_EQ(RenderProgressLine(View(200, ""), {25, true, false}), "████████ 100%");
+    EXPECT_EQ(RenderProgressLine(View(100, "Half way."), {40, false, false}), "[##..]  50%  Half way.");
+    EXPECT_EQ(RenderProgressLine(View(101, "ok"), {25, true, false}), "███░░░  50%  ok");
+    EXPECT_EQ(RenderProgressLine(View(5, ""), {25, true, false}), "▏░░░░░   2%");
+    EXPECT_EQ(RenderProgressLine(View(200, ""), {25, true, false}), "██████ 100%");
+}
+
+TEST(ProgressLine, TheBarGivesWayToTheStatus)
+{
+    const std::string status = "Published 5 of 6 items. Estimated time left: less than one minute.";
+    for (const size_t columns : {size_t{80}, size_t{100}, size_t{200}})
+    {
+        EXPECT_THAT(RenderProgressLine(View(100, status), {columns, true, false}), testing::EndsWith(status));
+    }
 }
 
 TEST(ProgressLine, APositionOutsideOfTheRangeIsHeldInIt)
