@@ -1,7 +1,13 @@
 #include "core/TextPieces.h"
 
 #include <algorithm>
-#include <cwctype>
+
+bool IsWhiteSpace(WCHAR unit) noexcept
+{
+    return (unit >= 0x09 && unit <= 0x0D) || unit == 0x20 || unit == 0x85 || unit == 0xA0 || unit == 0x1680 ||
+           (unit >= 0x2000 && unit <= 0x200A) || unit == 0x2028 || unit == 0x2029 || unit == 0x202F ||
+           unit == 0x205F || unit == 0x3000;
+}
 
 std::vector<WideView> SplitText(WideView text, WCHAR separator)
 {
@@ -20,12 +26,11 @@ std::vector<WideView> SplitText(WideView text, WCHAR separator)
 
 WideView StripWhiteSpace(WideView text) noexcept
 {
-    const auto isSpace = [](WCHAR unit) { return std::iswspace(static_cast<wint_t>(unit)) != 0; };
-    while (!text.empty() && isSpace(text.front()))
+    while (!text.empty() && IsWhiteSpace(text.front()))
     {
         text.remove_prefix(1);
     }
-    while (!text.empty() && isSpace(text.back()))
+    while (!text.empty() && IsWhiteSpace(text.back()))
     {
         text.remove_suffix(1);
     }

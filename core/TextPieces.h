@@ -5,6 +5,9 @@
 
 #include <vector>
 
+// Unicode's White_Space property, whatever the C library's locale says of it.
+bool IsWhiteSpace(WCHAR unit) noexcept;
+
 // The pieces between separators; runs of separators and separators at the ends give no piece. The
 // views point into text.
 std::vector<WideView> SplitText(WideView text, WCHAR separator);

@@ -1,6 +1,7 @@
 #include "settings/OutputSize.h"
 
 #include "core/StringTable.h"
+#include "core/TextPieces.h"
 #include "resources/resource.h"
 
 #include <algorithm>
@@ -30,14 +31,6 @@ LocaleNumberFormat UserFormat()
     LocaleNumberFormat format;
     LoadLocaleFormat(format, true);
     return format;
-}
-
-// Unicode's property White_Space.
-bool IsWhiteSpace(WCHAR unit)
-{
-    return (unit >= 0x09 && unit <= 0x0D) || unit == 0x20 || unit == 0x85 || unit == 0xA0 || unit == 0x1680 ||
-           (unit >= 0x2000 && unit <= 0x200A) || unit == 0x2028 || unit == 0x2029 || unit == 0x202F ||
-           unit == 0x205F || unit == 0x3000;
 }
 
 WideText Prepare(WideView text, const LocaleNumberFormat &format)
