@@ -32,7 +32,8 @@ endif()
 
 # Flags of our own code; third-party sources built here don't get them.
 add_library(halvora_flags INTERFACE)
-target_compile_options(halvora_flags INTERFACE -Wall -Wextra -Wno-missing-field-initializers)
+target_compile_options(halvora_flags INTERFACE -Wall -Wextra -Wno-missing-field-initializers
+  -Wno-restrict) # g++ 12 warns falsely of "literal" + std::string&&
 target_compile_definitions(halvora_flags INTERFACE UNICODE _UNICODE NOMINMAX)
 
 if(HALVORA_NATIVE)

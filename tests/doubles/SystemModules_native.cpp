@@ -15,8 +15,8 @@ void RegisterModule(const char *name)
     const std::filesystem::path file = std::filesystem::path(HALVORA_MODULE_FOLDER) / name;
     const HMODULE module = LoadLibraryW(file.u16string().c_str());
     ASSERT_NE(module, nullptr) << file << " can't be loaded, error " << GetLastError();
-    const auto registerServer =
-        reinterpret_cast<HRESULT(STDAPICALLTYPE *)()>(GetProcAddress(module, "DllRegisterServer"));
+    const auto registerServer = reinterpret_cast<HRESULT(STDAPICALLTYPE *)()>(
+        reinterpret_cast<void *>(GetProcAddress(module, "DllRegisterServer")));
     ASSERT_NE(registerServer, nullptr) << file << " has no DllRegisterServer";
     ASSERT_GE(registerServer(), 0) << file << " can't be registered";
 }
