@@ -2,6 +2,7 @@
 // the system's own, the user's registry key, and web components in place of the real ones.
 #include "core/ComPtr.h"
 #include "tests/doubles/PublishWorld.h"
+#include "tests/platform/World.h"
 
 #include <gtest/gtest.h>
 
@@ -60,6 +61,37 @@ TEST(Smoke, PublishesThroughTheModule)
     EXPECT_EQ(status.cbSize.QuadPart, data.size());
     plugin.Reset();
     EXPECT_EQ(canUnload(), S_OK);
+}
+
+TEST(Smoke, AnswersScriptsFromTheTypeLibrary)
+{
+    const HMODULE module = LoadLibraryW(std::filesystem::path(HALVORA_MODULE).string<WCHAR>().c_str());
+    ASSERT_NE(module, nullptr);
+    const auto getClassObject =
+        Exported<HRESULT STDAPICALLTYPE(REFCLSID, REFIID, void **)>(module, "DllGetClassObject");
+    ASSERT_TRUE(getClassObject);
+    ComPtr<IClassFactory> factory;
+    ASSERT_EQ(getClassObject(CLSID_FlickrPublisher, __uuidof(IClassFactory), factory.PutVoid()), S_OK);
+    ComPtr<IDispatch> plugin;
+    ASSERT_EQ(factory->CreateInstance(nullptr, __uuidof(IDispatch), plugin.PutVoid()), S_OK);
+
+    WideText publish = TEXT("publish");
+    LPOLESTR name = publish.data();
+    DISPID id = 0;
+    const HRESULT found = plugin->GetIDsOfNames(IID{}, &name, 1, 0x409, &id);
+    if (!underWine)
+    {
+        // The platform layer can't read type libraries yet.
+        EXPECT_EQ(found, TYPE_E_CANTLOADLIBRARY);
+        return;
+    }
+    EXPECT_EQ(found, S_OK);
+    EXPECT_EQ(id, 11);
+    DISPPARAMS none{};
+    // Terminate, which has nothing to do without a stream.
+    EXPECT_EQ(plugin->Invoke(2, IID{}, 0x409, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr), S_OK);
+    EXPECT_EQ(plugin->Invoke(99, IID{}, 0x409, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr),
+              DISP_E_MEMBERNOTFOUND);
 }
 
 TEST(Smoke, RegistersTheClassForCoCreateInstance)
