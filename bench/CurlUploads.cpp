@@ -5,8 +5,10 @@
 #include "webclient/OAuthSignature.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <utility>
 
 namespace
 {
@@ -59,7 +61,7 @@ int main(int argc, char **argv)
     const OAuthIdentity identity{SecretText(argv[1]), SecretText(argv[2]), SecretText(argv[3]), SecretText(argv[4])};
     for (int i = 5; i < argc; ++i)
     {
-        std::printf(i > 5 ? "next\n" : "");
+        std::fputs(i > 5 ? "next\n" : "", stdout);
         // What holds for one transfer only; curl forgets it at each "next".
         std::printf("silent\nshow-error\nfail\n");
         if (const char *entries = std::getenv("HALVORA_CONNECT_TO"))
