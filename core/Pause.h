@@ -1,0 +1,15 @@
+// Waiting, as a parameter, so that a test need not.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+
+// Blocks the calling thread for the given number of milliseconds.
+using Pause = std::function<void(DWORD)>;
+
+// The system's own.
+inline void SystemPause(DWORD milliseconds)
+{
+    Sleep(milliseconds);
+}
