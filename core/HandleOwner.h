@@ -79,6 +79,14 @@ struct GlobalMemoryPolicy
 };
 using GlobalMemoryOwner = HandleOwner<GlobalMemoryPolicy>;
 
+struct GlobalTextPolicy
+{
+    using Handle = WCHAR *;
+    static Handle Empty() noexcept { return nullptr; }
+    static void Free(Handle handle) noexcept { GlobalFree(handle); }
+};
+using GlobalTextOwner = HandleOwner<GlobalTextPolicy>;
+
 // Unlocks, and doesn't free: the memory itself is somebody else's.
 struct GlobalLockPolicy
 {

@@ -1,0 +1,121 @@
+#include "account/AuthorizationFlow.h"
+
+#include "account/AccountQueries.h"
+#include "account/AccountRecord.h"
+#include "account/VerifierExchange.h"
+#include "core/BstrOwner.h"
+#include "core/ComPtr.h"
+#include "core/ErrorText.h"
+#include "core/SecretText.h"
+#include "core/StringTable.h"
+#include "resources/resource.h"
+
+namespace
+{
+// Milliseconds that the browser gets to come up before the second dialog takes the front.
+constexpr DWORD BrowserStart = 3000;
+
+// Held while the second dialog is up.
+class ForegroundLock
+{
+public:
+    explicit ForegroundLock(AuthorizationScene &scene) : m_scene(scene) { m_scene.LockForeground(true); }
+    ~ForegroundLock() { m_scene.LockForeground(false); }
+    ForegroundLock(const ForegroundLock &) = delete;
+    ForegroundLock &operator=(const ForegroundLock &) = delete;
+
+private:
+    AuthorizationScene &m_scene;
+};
+
+HRESULT CreateScope(ComPtr<IRequestParameters> &parameters)
+{
+    const HRESULT created = CoCreateInstance(CLSID_RequestParameters, nullptr, CLSCTX_ALL,
+                                             __uuidof(IRequestParameters), parameters.PutVoid());
+    if (FAILED(created))
+    {
+        return created;
+    }
+    const BstrOwner scope{WideView(TEXT("write"))};
+    VARIANT value{};
+    V_VT(&value) = VT_BSTR;
+    V_BSTR(&value) = scope.Get();
+    return parameters->Add(TEXT("perms"), value);
+}
+
+// Tells a person that the service couldn't be reached, and passes the code on.
+HRESULT TellUnreachable(const AuthorizationContext &context, HRESULT code)
+{
+    const WideText text = LoadStringOrPlaceholder(IDS_AUTHORIZATION_UNREACHABLE) + TEXT(' ') + FormatErrorText(code);
+    context.Scene.ShowError(context.Parent, text.c_str(),
+                            LoadStringOrPlaceholder(IDS_AUTHORIZATION_ERROR_CAPTION).c_str());
+    return code;
+}
+
+// Whether the person says that the permission is granted.
+bool AwaitGrant(const AuthorizationContext &context, const SecretText &page)
+{
+    context.Scene.PrepareCompletion();
+    context.Scene.OpenPage(context.Parent, page.Text());
+    context.Wait(BrowserStart);
+    const ForegroundLock lock(context.Scene);
+    return context.Scene.AskCompletion(context.Parent) != IDCANCEL;
+}
+
+// Trades what the person granted for the token pair.
+HRESULT ExchangeTokens(const AuthorizationContext &context, const SecretText &page)
+{
+    AccountRecord &account = context.Account;
+    account.OAuthToken.Reset();
+    account.OAuthTokenSecret.Reset();
+    SecretText verifier;
+    const HRESULT fetched = FetchVerifier(page.View(), context.DiscoverProxy, verifier);
+    if (FAILED(fetched))
+    {
+        return fetched;
+    }
+    return context.Client.GetAccessToken(0, verifier.Text(), account.OAuthToken.Put(),
+                                         account.OAuthTokenSecret.Put());
+}
+
+HRESULT ReadAccount(const AuthorizationContext &context)
+{
+    if (SUCCEEDED(RefreshAccount(context.Account, context.Version)))
+    {
+        return S_OK;
+    }
+    context.Scene.ShowError(context.Parent, LoadStringOrPlaceholder(IDS_ACCOUNT_UNREADABLE).c_str(),
+                            LoadStringOrPlaceholder(IDS_SERVICE_ERROR_CAPTION).c_str());
+    return E_FAIL;
+}
+} // namespace
+
+HRESULT Authorize(const AuthorizationContext &context)
+{
+    if (context.Scene.AskConsent(context.Parent) == IDCANCEL)
+    {
+        return S_FALSE;
+    }
+    ComPtr<IRequestParameters> parameters;
+    HRESULT result = CreateScope(parameters);
+    if (FAILED(result))
+    {
+        return result;
+    }
+    SecretText page;
+    result = context.Client.GetAuthorizationUrl(0, parameters.Get(), page.Fill().Put());
+    if (FAILED(result))
+    {
+        return TellUnreachable(context, result);
+    }
+    if (!AwaitGrant(context, page))
+    {
+        return S_FALSE;
+    }
+    result = ExchangeTokens(context, page);
+    if (FAILED(result))
+    {
+        return TellUnreachable(context, result);
+    }
+    return ReadAccount(context);
+}

@@ -1,0 +1,43 @@
+#include "account/SystemProxy.h"
+
+namespace
+{
+struct InternetHandlePolicy
+{
+    using Handle = HINTERNET;
+    static Handle Empty() noexcept { return nullptr; }
+    static void Free(Handle handle) noexcept { WinHttpCloseHandle(handle); }
+};
+
+// The code of a call that failed, which is never 0.
+DWORD FailureCode()
+{
+    const DWORD error = GetLastError();
+    return error != 0 ? error : ERROR_WINHTTP_INTERNAL_ERROR;
+}
+
+// A session that WinHTTP refused shows as a failure of the calls.
+class Session final : public ProxyLookup
+{
+public:
+    DWORD ReadUserSettings(WINHTTP_CURRENT_USER_IE_PROXY_CONFIG &settings) override
+    {
+        return WinHttpGetIEProxyConfigForCurrentUser(&settings) ? 0 : FailureCode();
+    }
+
+    DWORD FindProxy(const WCHAR *url, WINHTTP_AUTOPROXY_OPTIONS &options, WINHTTP_PROXY_INFO &found) override
+    {
+        return WinHttpGetProxyForUrl(m_session.Get(), url, &options, &found) ? 0 : FailureCode();
+    }
+
+private:
+    HandleOwner<InternetHandlePolicy> m_session{
+        WinHttpOpen(TEXT("Halvora"), WINHTTP_ACCESS_TYPE_DEFAULT_PROXY, nullptr, nullptr, 0)};
+};
+} // namespace
+
+DWORD DiscoverSystemProxy(const WCHAR *url, ProxySetting &setting)
+{
+    Session session;
+    return DiscoverProxy(url, setting, session);
+}
