@@ -3,6 +3,10 @@
 
 #define IDI_PUBLISHER 200
 
+// Task dialogs, of the type TDXML
+#define IDX_AUTHORIZE 202
+#define IDX_COMPLETION 204
+
 // Words of the plug-in
 #define IDS_DISPLAY_NAME 101
 #define IDS_LOG_SOURCE 102
@@ -79,3 +83,9 @@
 #define IDS_SIZE_ORIGINAL 191
 #define IDS_SIZE_PRINT 192
 #define IDS_SIZE_PIXELS_SUFFIX 193
+
+// The task dialogs as message boxes
+#define IDS_AUTHORIZE_CAPTION 206
+#define IDS_AUTHORIZE_TEXT 207
+#define IDS_COMPLETION_CAPTION 208
+#define IDS_COMPLETION_TEXT 209

@@ -34,6 +34,7 @@ struct Window
     HWND parent = nullptr;
     // The words of the class, by byte offset.
     std::vector<BYTE> extra;
+    std::vector<std::pair<WideText, HANDLE>> properties;
 };
 
 class WindowStore

@@ -1,0 +1,176 @@
+#include "taskdialog/TaskDialogLoader.h"
+
+#include "core/Hresult.h"
+#include "core/TextPieces.h"
+#include "taskdialog/TaskDialogWords.h"
+#include "taskdialog/XmlDocument.h"
+
+namespace
+{
+// Where a text of the document goes, and where the icon of its element if it can have one.
+struct TextPart
+{
+    const WCHAR *expression;
+    const WCHAR *TASKDIALOGCONFIG::*text;
+    const WCHAR *TASKDIALOGCONFIG::*icon;
+};
+
+const TextPart textParts[] = {
+    {TEXT("/task_dialog/title"), &TASKDIALOGCONFIG::pszWindowTitle, nullptr},
+    {TEXT("/task_dialog/main_text"), &TASKDIALOGCONFIG::pszMainInstruction, &TASKDIALOGCONFIG::pszMainIcon},
+    {TEXT("/task_dialog/content"), &TASKDIALOGCONFIG::pszContent, nullptr},
+    {TEXT("/task_dialog/footer"), &TASKDIALOGCONFIG::pszFooter, &TASKDIALOGCONFIG::pszFooterIcon},
+    {TEXT("/task_dialog/expanded_text"), &TASKDIALOGCONFIG::pszExpandedInformation, nullptr},
+    {TEXT("/task_dialog/expando/text[@state='collapsed']"), &TASKDIALOGCONFIG::pszCollapsedControlText, nullptr},
+    {TEXT("/task_dialog/expando/text[@state='expanded']"), &TASKDIALOGCONFIG::pszExpandedControlText, nullptr},
+    {TEXT("/task_dialog/checkbox"), &TASKDIALOGCONFIG::pszVerificationText, nullptr},
+};
+
+bool StartsWithDigit(WideView text)
+{
+    return !text.empty() && text[0] >= TEXT('0') && text[0] <= TEXT('9');
+}
+
+const WCHAR *Keep(TaskDialogDocument &document, WideText text)
+{
+    return document.strings.emplace_back(std::move(text)).c_str();
+}
+
+void RequireVersion(IXMLDOMNode *xml)
+{
+    const ComPtr<IXMLDOMNode> root = SelectNode(xml, TEXT("/task_dialog[@version]"));
+    if (!root || Int32OfText(AttributeText(root.Get(), TEXT("@version")).value_or(WideText())) != 1)
+    {
+        ThrowHresult(E_FAIL);
+    }
+}
+
+void ReadTexts(IXMLDOMNode *xml, TaskDialogDocument &document)
+{
+    for (const TextPart &part : textParts)
+    {
+        const std::optional<WideText> text = ElementText(xml, part.expression);
+        if (!text)
+        {
+            continue;
+        }
+        document.config.*part.text = Keep(document, *text);
+        if (part.icon != nullptr)
+        {
+            const ComPtr<IXMLDOMNode> element = SelectNode(xml, part.expression);
+            const std::optional<WideText> word = AttributeText(element.Get(), TEXT("@icon"));
+            document.config.*part.icon = word ? IconOfWord(*word) : nullptr;
+        }
+    }
+}
+
+void ReadDefaultButton(IXMLDOMNode *xml, TASKDIALOGCONFIG &config)
+{
+    const std::optional<WideText> text = AttributeText(xml, TEXT("/task_dialog/buttons/@default"));
+    if (text)
+    {
+        const INT32 number = StartsWithDigit(*text) ? Int32OfText(*text) : 0;
+        config.nDefaultButton = number != 0 ? number : ButtonIdOfWord(*text);
+    }
+}
+
+void ReadButton(IXMLDOMNode *element, TaskDialogDocument &document)
+{
+    const WideText id = AttributeText(element, TEXT("@id")).value_or(WideText());
+    if (!StartsWithDigit(id))
+    {
+        document.config.dwCommonButtons |= CommonButtonOfWord(id);
+        return;
+    }
+    const INT32 number = Int32OfText(id);
+    std::optional<WideText> text = number != 0 ? ElementText(element, TEXT("text[@line=1]")) : std::nullopt;
+    if (!text)
+    {
+        return;
+    }
+    if (const std::optional<WideText> note = ElementText(element, TEXT("text[@line=2]")))
+    {
+        *text += TEXT('\n') + *note;
+    }
+    document.customButtons.push_back({number, Keep(document, std::move(*text))});
+    if (AttributeText(element, TEXT("@icon")) == TEXT("shield"))
+    {
+        document.shieldButtonIds.push_back(number);
+    }
+}
+
+void ReadButtons(IXMLDOMNode *xml, TaskDialogDocument &document)
+{
+    ReadDefaultButton(xml, document.config);
+    for (const auto &element : SelectAllNodes(xml, TEXT("/task_dialog/buttons/button[@id]")))
+    {
+        ReadButton(element.Get(), document);
+    }
+    if (!document.customButtons.empty())
+    {
+        document.config.cButtons = static_cast<UINT>(document.customButtons.size());
+        document.config.pButtons = document.customButtons.data();
+    }
+}
+
+void ReadDefaultRadioButton(IXMLDOMNode *xml, TASKDIALOGCONFIG &config)
+{
+    const WideText text = AttributeText(xml, TEXT("/task_dialog/radio_buttons/@default")).value_or(WideText());
+    if (StartsWithDigit(text))
+    {
+        config.nDefaultRadioButton = Int32OfText(text);
+    }
+    else if (text == TEXT("none"))
+    {
+        config.dwFlags |= TDF_NO_DEFAULT_RADIO_BUTTON;
+    }
+}
+
+void ReadRadioButtons(IXMLDOMNode *xml, TaskDialogDocument &document)
+{
+    ReadDefaultRadioButton(xml, document.config);
+    for (const auto &element : SelectAllNodes(xml, TEXT("/task_dialog/radio_buttons/button[@id]")))
+    {
+        const INT32 number = Int32OfText(AttributeText(element.Get(), TEXT("@id")).value_or(WideText()));
+        const std::optional<WideText> text = number != 0 ? ElementText(element.Get(), TEXT("text")) : std::nullopt;
+        if (text)
+        {
+            document.radioButtons.push_back({number, Keep(document, *text)});
+        }
+    }
+    if (!document.radioButtons.empty())
+    {
+        document.config.cRadioButtons = static_cast<UINT>(document.radioButtons.size());
+        document.config.pRadioButtons = document.radioButtons.data();
+    }
+}
+
+void ReadFlags(IXMLDOMNode *xml, TaskDialogDocument &document)
+{
+    const ComPtr<IXMLDOMNode> flags = SelectNode(xml, TEXT("/task_dialog/flags"));
+    if (!flags)
+    {
+        return;
+    }
+    const auto attribute = [&](const WCHAR *name) { return AttributeText(flags.Get(), name).value_or(WideText()); };
+    // Blanks alone separate words: what a tab or a line end holds together is one unknown word.
+    const WideText words = ElementText(xml, TEXT("/task_dialog/flags")).value_or(WideText());
+    for (const WideView word : SplitText(words, TEXT(' ')))
+    {
+        document.config.dwFlags |= FlagOfWord(word);
+    }
+    document.config.dwFlags |= Int32OfText(attribute(TEXT("@extra")));
+    document.config.cxWidth = UInt32OfText(attribute(TEXT("@dialog_width")));
+    document.marqueeTime = Int64OfText(attribute(TEXT("@marquee_time")));
+}
+} // namespace
+
+void LoadTaskDialog(std::span<const BYTE> bytes, TaskDialogDocument &document)
+{
+    const ComPtr<IXMLDOMNode> xml = ParseXmlBytes(bytes);
+    RequireVersion(xml.Get());
+    ReadTexts(xml.Get(), document);
+    ReadButtons(xml.Get(), document);
+    ReadRadioButtons(xml.Get(), document);
+    ReadFlags(xml.Get(), document);
+}

@@ -1,0 +1,66 @@
+#include "taskdialog/TaskDialogRunner.h"
+
+#include "core/StringTable.h"
+#include "ui/CentredMessageBox.h"
+#include "ui/DialogHook.h"
+
+#include <optional>
+
+namespace
+{
+using ShowFunction = HRESULT(WINAPI *)(const TASKDIALOGCONFIG *, int *, int *, BOOL *);
+
+// Bound at run time and only in the library that the host has loaded: an older one has no such entry.
+ShowFunction FindShowFunction()
+{
+    const HMODULE controls = GetModuleHandleW(TEXT("comctl32"));
+    return controls == nullptr ? nullptr
+                               : reinterpret_cast<ShowFunction>(
+                                     reinterpret_cast<void *>(GetProcAddress(controls, "TaskDialogIndirect")));
+}
+
+// The hook lives no longer than the call that it is armed for, whichever way that ends.
+class HookedCall
+{
+public:
+    explicit HookedCall(bool hooked)
+    {
+        if (hooked)
+        {
+            ArmTaskDialogHook();
+        }
+    }
+    ~HookedCall() { DisarmHook(); }
+    HookedCall(const HookedCall &) = delete;
+    HookedCall &operator=(const HookedCall &) = delete;
+};
+
+std::optional<int> ShowByPlatform(TaskDialogDocument &document, bool centred)
+{
+    const HookedCall call(centred);
+    const ShowFunction show = FindShowFunction();
+    const bool shown = show != nullptr &&
+                       SUCCEEDED(show(&document.config, &document.selectedButton, &document.selectedRadioButton,
+                                      &document.verificationChecked));
+    return shown ? std::optional(document.selectedButton) : std::nullopt;
+}
+
+int ShowMessageBox(HWND parent, const MessageBoxFallback &fallback)
+{
+    const WideText caption = LoadStringOrPlaceholder(fallback.CaptionId);
+    const WideText text = LoadStringOrPlaceholder(fallback.TextId);
+    const auto show = fallback.Centred ? CentredMessageBox : MessageBoxW;
+    return show(parent, text.c_str(), caption.c_str(), MB_OKCANCEL | MB_ICONINFORMATION);
+}
+} // namespace
+
+int ShowTaskDialog(TaskDialogDocument &document, HWND parent, bool centred, const MessageBoxFallback &fallback)
+{
+    std::optional<int> outcome;
+    if (document.loaded)
+    {
+        document.config.hwndParent = parent;
+        outcome = ShowByPlatform(document, centred);
+    }
+    return outcome ? *outcome : ShowMessageBox(parent, fallback);
+}

@@ -1,0 +1,19 @@
+// The words of a task dialog document, and what they stand for. All are compared exactly.
+#pragma once
+
+#include "core/WideText.h"
+
+#include <windows.h>
+#include <commctrl.h>
+
+// TD_INFORMATION_ICON and its like; null for a word that names no icon.
+const WCHAR *IconOfWord(WideView word) noexcept;
+
+// A bit of dwCommonButtons; 0 for a word that names no common button.
+int CommonButtonOfWord(WideView word) noexcept;
+
+// The identifier that the common button of that name has; 0 for a word that names none.
+int ButtonIdOfWord(WideView word) noexcept;
+
+// A bit of dwFlags; 0 for a word that names no flag.
+int FlagOfWord(WideView word) noexcept;

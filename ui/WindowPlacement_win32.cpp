@@ -1,0 +1,116 @@
+#include "ui/WindowPlacement.h"
+
+#include "ui/PlacementArithmetic.h"
+
+#include <dwmapi.h>
+
+#include <atomic>
+#include <utility>
+
+namespace
+{
+constexpr UINT placeOnly = SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE;
+
+bool WorkAreaOf(HMONITOR monitor, RECT &workArea)
+{
+    MONITORINFO information{sizeof(information)};
+    if (monitor == nullptr || !GetMonitorInfoW(monitor, &information))
+    {
+        return false;
+    }
+    workArea = information.rcWork;
+    return true;
+}
+
+// What a window that is no child is centred on; null for the work area.
+HWND VisibleOwnerOf(HWND window)
+{
+    const HWND owner = GetWindow(window, GW_OWNER);
+    const auto style = owner != nullptr ? GetWindowLongPtrW(owner, GWL_STYLE) : 0;
+    return (style & (WS_VISIBLE | WS_MINIMIZE)) == WS_VISIBLE ? owner : nullptr;
+}
+
+void PlaceAt(HWND window, POINT corner)
+{
+    SetWindowPos(window, nullptr, corner.x, corner.y, 0, 0, placeOnly);
+}
+
+// The window without the invisible border that the desktop composition gives it.
+bool VisibleFrameOf(HWND window, RECT &frame)
+{
+    return (IsVistaOrLater() &&
+            SUCCEEDED(DwmGetWindowAttribute(window, DWMWA_EXTENDED_FRAME_BOUNDS, &frame, sizeof(frame)))) ||
+           GetWindowRect(window, &frame);
+}
+} // namespace
+
+void CentreWindow(HWND window) noexcept
+{
+    RECT size{}, around{}, limits{};
+    if (GetWindowLongPtrW(window, GWL_STYLE) & WS_CHILD)
+    {
+        GetClientRect(GetParent(window), &limits);
+        around = limits;
+    }
+    else
+    {
+        const HWND owner = VisibleOwnerOf(window);
+        const HMONITOR monitor = MonitorFromWindow(owner != nullptr ? owner : window, MONITOR_DEFAULTTONEAREST);
+        if (!WorkAreaOf(monitor, limits))
+        {
+            return;
+        }
+        if (owner == nullptr || !GetWindowRect(owner, &around))
+        {
+            around = limits;
+        }
+    }
+    if (GetWindowRect(window, &size))
+    {
+        PlaceAt(window, CentredWithin(size, around, limits));
+    }
+}
+
+void CentreOnPointer(HWND window) noexcept
+{
+    POINT pointer{};
+    RECT frame{}, workArea{};
+    if (GetCursorPos(&pointer) && VisibleFrameOf(window, frame) &&
+        WorkAreaOf(MonitorFromPoint(pointer, MONITOR_DEFAULTTONEAREST), workArea))
+    {
+        PlaceAt(window, CentredOnPoint(frame, pointer, workArea));
+    }
+}
+
+void MoveChildBy(HWND parent, HWND child, INT32 dx, INT32 dy, INT32 dw, INT32 dh) noexcept
+{
+    const HDC context = GetDC(parent);
+    const int horizontal = GetDeviceCaps(context, LOGPIXELSX);
+    const int vertical = GetDeviceCaps(context, LOGPIXELSY);
+    ReleaseDC(parent, context);
+    RECT place{};
+    if (!GetWindowRect(child, &place))
+    {
+        return;
+    }
+    OffsetRect(&place, OffsetInPixels(dx, horizontal), OffsetInPixels(dy, vertical));
+    MapWindowPoints(nullptr, parent, reinterpret_cast<POINT *>(&place), 2);
+    // In a mirrored parent the corners come back exchanged.
+    if (place.left > place.right)
+    {
+        std::swap(place.left, place.right);
+    }
+    MoveWindow(child, place.left, place.top, place.right - place.left + dw, place.bottom - place.top + dh, FALSE);
+}
+
+bool IsVistaOrLater() noexcept
+{
+    constexpr DWORD notTested = 0xFFFFFFFF;
+    static std::atomic<DWORD> kept{notTested};
+    if (kept.load() == notTested)
+    {
+        OSVERSIONINFOW version{sizeof(version)};
+        kept = GetVersionExW(&version) && version.dwMajorVersion >= 6;
+    }
+    return kept.load() != 0;
+}
