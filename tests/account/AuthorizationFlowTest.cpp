@@ -1,0 +1,290 @@
+#include "account/AuthorizationFlow.h"
+
+#include "account/AccountRecord.h"
+#include "account/ServiceHosts.h"
+#include "account/WebClientFactory.h"
+#include "core/ErrorText.h"
+#include "core/ModuleLocks.h"
+#include "core/VersionBlock.h"
+#include "tests/doubles/CallRecord.h"
+#include "tests/doubles/FakeWebComponents.h"
+#include "tests/doubles/FakeXmlHttp.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <new>
+
+namespace
+{
+constexpr const WCHAR *TokenReply =
+    TEXT("<rsp stat='ok'><oauth><user username='jdoe' fullname='Jane Doe'/></oauth></rsp>");
+constexpr const WCHAR *PhotosReply = TEXT("<rsp stat='ok'><user url='https://photos/jdoe/'/></rsp>");
+constexpr const WCHAR *ProReply =
+    TEXT("<rsp stat='ok'><user ispro='1'><filesize maxbytes='209715200'/></user></rsp>");
+constexpr const WCHAR *Refusal = TEXT("<rsp stat='fail'><err code='98' msg='Invalid auth token'/></rsp>");
+constexpr const WCHAR *VerifierReply =
+    TEXT("<TRNQVerifierExchange><Verifier>the-verifier</Verifier></TRNQVerifierExchange>");
+
+constexpr HRESULT NoClass = REGDB_E_CLASSNOTREG;
+const HRESULT NotReached = HRESULT_FROM_WIN32(12029);
+
+// Lines of the record: "consent", "prepare", "open ADDRESS", "lock", "unlock", "completion", and
+// "error CAPTION: TEXT".
+class FakeScene final : public AuthorizationScene
+{
+public:
+    explicit FakeScene(CallRecord &record) : m_record(record) {}
+
+    int ConsentOutcome = 1;
+    int CompletionOutcome = 1;
+    std::function<void()> DuringCompletion;
+
+    int AskConsent(HWND parent) override { return Note(parent, "consent", ConsentOutcome); }
+    void PrepareCompletion() override { m_record.Add("prepare"); }
+    void OpenPage(HWND parent, const WCHAR *address) override { Note(parent, "open " + Narrow(address), 0); }
+    void LockForeground(bool isLocked) override { m_record.Add(isLocked ? "lock" : "unlock"); }
+
+    int AskCompletion(HWND parent) override
+    {
+        Note(parent, "completion", 0);
+        if (DuringCompletion)
+        {
+            DuringCompletion();
+        }
+        return CompletionOutcome;
+    }
+
+    void ShowError(HWND parent, const WCHAR *text, const WCHAR *caption) override
+    {
+        Note(parent, "error " + Narrow(caption) + ": " + Narrow(text), 0);
+    }
+
+    static HWND Parent() { return reinterpret_cast<HWND>(UINT_PTR{0x1234}); }
+
+private:
+    int Note(HWND parent, const std::string &line, int outcome)
+    {
+        EXPECT_EQ(parent, Parent());
+        m_record.Add(line);
+        return outcome;
+    }
+
+    CallRecord &m_record;
+};
+
+// An authorization in which everything goes well, until a case spoils something.
+struct World
+{
+    explicit World(bool isAuthorized)
+    {
+        Http.Answer(VerifierReply);
+        Account.UserName = BstrOwner(TEXT("earlier user"));
+        if (isAuthorized)
+        {
+            Account.OAuthToken = BstrOwner(TEXT("old"));
+            Account.OAuthTokenSecret = BstrOwner(TEXT("old secret"));
+        }
+    }
+
+    HRESULT Run()
+    {
+        if (!HasAccountReplies)
+        {
+            AnswerAccount(TokenReply, PhotosReply, ProReply);
+        }
+        const VersionBlock version;
+        const auto client = CreateWebClient(Account, version);
+        return Authorize({Account, version, *client.Get(), FakeScene::Parent(), Scene, Wait, Discovery});
+    }
+
+    void AnswerAccount(const WCHAR *token, const WCHAR *photos, const WCHAR *limits)
+    {
+        HasAccountReplies = true;
+        for (const WCHAR *const reply : {token, photos, limits})
+        {
+            Web.Answer(reply);
+        }
+    }
+
+    std::string Pair() const
+    {
+        return Narrow(Account.OAuthToken.View()) + "|" + Narrow(Account.OAuthTokenSecret.View());
+    }
+
+    CallRecord Record;
+    FakeWebComponents Web;
+    FakeXmlHttp Http{Record};
+    FakeScene Scene{Record};
+    AccountRecord Account;
+    Pause Wait = [this](DWORD milliseconds) { Record.Add("wait " + std::to_string(milliseconds)); };
+    ProxyDiscovery Discovery = [](const WCHAR *, ProxySetting &) -> DWORD { return 12180; };
+    bool HasAccountReplies = false;
+};
+
+enum class Pair
+{
+    Unchanged,
+    Empty,
+    New
+};
+
+enum class Message
+{
+    None,
+    Unreachable,
+    AccountUnreadable
+};
+
+std::vector<std::string> ExpectedErrors(Message message, HRESULT code)
+{
+    switch (message)
+    {
+    case Message::Unreachable:
+        return {"Authorization Error: Could not connect to the Flickr authorization server. " +
+                Narrow(FormatErrorText(code))};
+    case Message::AccountUnreadable:
+        return {"An error occurred while talking to Flickr: Unknown reply format. Cannot understand server anwser."};
+    default:
+        return {};
+    }
+}
+} // namespace
+
+TEST(AuthorizationFlow, EndsAsEachOutcomeOfItsStepsSays)
+{
+    const struct
+    {
+        const char *name;
+        std::function<void(World &)> spoil;
+        HRESULT result;
+        Pair pair;
+        Message message;
+    } cases[] = {
+        {"all is well", [](World &) {}, S_OK, Pair::New, Message::None},
+        {"consent refused", [](World &w) { w.Scene.ConsentOutcome = IDCANCEL; }, S_FALSE, Pair::Unchanged,
+         Message::None},
+        {"any other button goes on", [](World &w) { w.Scene.ConsentOutcome = w.Scene.CompletionOutcome = -1; }, S_OK,
+         Pair::New, Message::None},
+        {"no parameters", [](World &w) { w.Web.FailOperation("Create IRequestParameters", NoClass); }, NoClass,
+         Pair::Unchanged, Message::None},
+        {"scope not taken", [](World &w) { w.Web.FailOperation("Add", E_OUTOFMEMORY); }, E_OUTOFMEMORY,
+         Pair::Unchanged, Message::None},
+        {"no request token", [](World &w) { w.Web.FailOperation("GetAuthorizationUrl", NotReached); }, NotReached,
+         Pair::Unchanged, Message::Unreachable},
+        {"completion refused", [](World &w) { w.Scene.CompletionOutcome = IDCANCEL; }, S_FALSE, Pair::Unchanged,
+         Message::None},
+        {"no HTTP object",
+         [](World &w) {
+             w.Http.ServerCreation = E_ACCESSDENIED;
+             w.Http.PlainCreation = NoClass;
+         },
+         NoClass, Pair::Empty, Message::Unreachable},
+        {"no server object", [](World &w) { w.Http.ServerCreation = NoClass; }, S_OK, Pair::New, Message::None},
+        {"page without a request token", [](World &w) { w.Web.AuthorizationUrl = TEXT("http://h/?t=1"); }, E_FAIL,
+         Pair::Empty, Message::Unreachable},
+        {"open fails", [](World &w) { w.Http.OpenResult = E_INVALIDARG; }, E_INVALIDARG, Pair::Empty,
+         Message::Unreachable},
+        {"send fails", [](World &w) { w.Http.SendResult = NotReached; }, NotReached, Pair::Empty,
+         Message::Unreachable},
+        {"no reply", [](World &w) { w.Http.ReplyResult = E_PENDING; }, E_PENDING, Pair::Empty, Message::Unreachable},
+        {"a reply without a document", [](World &w) { w.Http.Reply = nullptr; }, E_NOINTERFACE, Pair::Empty,
+         Message::Unreachable},
+        {"not granted in the browser", [](World &w) { w.Http.Answer(TEXT("<TRNQVerifierExchange/>")); }, E_FAIL,
+         Pair::Empty, Message::Unreachable},
+        {"an error page of the endpoint", [](World &w) { w.Http.Answer(TEXT("<html><body/></html>")); }, E_FAIL,
+         Pair::Empty, Message::Unreachable},
+        {"verifier refused", [](World &w) { w.Web.FailOperation("GetAccessToken", E_ACCESSDENIED); }, E_ACCESSDENIED,
+         Pair::Empty, Message::Unreachable},
+        {"account not reached",
+         [](World &w) {
+             w.HasAccountReplies = true;
+             w.Web.AnswerWith(NotReached, nullptr);
+         },
+         E_FAIL, Pair::New, Message::AccountUnreadable},
+        {"new token refused", [](World &w) { w.AnswerAccount(Refusal, Refusal, Refusal); }, E_FAIL, Pair::New,
+         Message::AccountUnreadable},
+    };
+    for (const auto &c : cases)
+    {
+        for (const bool wasAuthorized : {false, true})
+        {
+            SCOPED_TRACE(std::string(c.name) + (wasAuthorized ? ", authorized before" : ""));
+            const long objects = ModuleLocks::Read();
+            {
+                World world(wasAuthorized);
+                const std::string before = world.Pair();
+                c.spoil(world);
+                EXPECT_EQ(world.Run(), c.result);
+                EXPECT_EQ(world.Pair(), c.pair == Pair::New     ? "access-token|access-secret"
+                                        : c.pair == Pair::Empty ? "|"
+                                                                : before);
+                EXPECT_EQ(world.Account.IsAuthorized(),
+                          c.pair == Pair::New || (c.pair == Pair::Unchanged && wasAuthorized));
+                EXPECT_EQ(world.Record.LinesOf("error "), ExpectedErrors(c.message, c.result));
+                EXPECT_EQ(world.Record.LinesOf("lock").size(), world.Record.LinesOf("unlock").size());
+            }
+            EXPECT_EQ(ModuleLocks::Read(), objects) << "objects left behind";
+        }
+    }
+}
+
+TEST(AuthorizationFlow, TakesItsStepsInOrder)
+{
+    World world(true);
+    world.Scene.DuringCompletion = [&] { EXPECT_EQ(world.Pair(), "old|old secret") << "lost before it must be"; };
+    EXPECT_EQ(world.Run(), S_OK);
+    EXPECT_EQ(world.Record.Lines(),
+              (std::vector<std::string>{"consent", "prepare", "open " + Narrow(world.Web.AuthorizationUrl),
+                                        "wait 3000", "lock", "completion", "unlock", "create server",
+                                        "open GET " + Narrow(ServiceHosts::VerifierEndpoint) +
+                                            "/?oauth_token=request-token",
+                                        "send", "read reply"}));
+    EXPECT_EQ(world.Web.CallsOf("GetAuthorizationUrl")[0].Arguments,
+              (std::vector<WideText>{TEXT("0"), TEXT("perms=write")}));
+    EXPECT_EQ(world.Web.CallsOf("GetAccessToken")[0].Arguments,
+              (std::vector<WideText>{TEXT("0"), TEXT("the-verifier")}));
+    // The client of the call knows the old pair, those that read the account the new one.
+    const auto pairs = world.Web.CallsOf("SetAccessToken");
+    ASSERT_EQ(pairs.size(), 3u);
+    EXPECT_EQ(pairs[0].Arguments[0], TEXT("old"));
+    EXPECT_EQ(pairs[2].Arguments, (std::vector<WideText>{TEXT("access-token"), TEXT("access-secret")}));
+    EXPECT_EQ(Narrow(world.Account.UserName.View()), "jdoe");
+    EXPECT_EQ(Narrow(world.Account.AccountType.View()), "Pro");
+}
+
+TEST(AuthorizationFlow, DoesNothingBehindARefusedConsent)
+{
+    World world(true);
+    world.Scene.ConsentOutcome = IDCANCEL;
+    EXPECT_EQ(world.Run(), S_FALSE);
+    EXPECT_EQ(world.Record.Lines(), (std::vector<std::string>{"consent"}));
+    EXPECT_TRUE(world.Web.CallsOf("Create IRequestParameters").empty());
+}
+
+TEST(AuthorizationFlow, DoesNothingBehindARefusedCompletion)
+{
+    World world(true);
+    world.Scene.CompletionOutcome = IDCANCEL;
+    EXPECT_EQ(world.Run(), S_FALSE);
+    EXPECT_EQ(world.Record.Lines().back(), "unlock") << "nothing was asked of the endpoint";
+    EXPECT_TRUE(world.Web.CallsOf("GetAccessToken").empty());
+    EXPECT_TRUE(world.Web.CallsOf("RestRequest").empty());
+}
+
+TEST(AuthorizationFlow, LeavesAnEmptyVerifierToTheService)
+{
+    World world(false);
+    world.Http.Answer(TEXT("<TRNQVerifierExchange><Verifier/></TRNQVerifierExchange>"));
+    EXPECT_EQ(world.Run(), S_OK);
+    EXPECT_EQ(world.Web.CallsOf("GetAccessToken")[0].Arguments[1], TEXT(""));
+}
+
+TEST(AuthorizationFlow, GivesTheForegroundBackIfTheDialogFails)
+{
+    World world(true);
+    world.Scene.DuringCompletion = [] { throw std::bad_alloc(); };
+    EXPECT_THROW(world.Run(), std::bad_alloc);
+    EXPECT_EQ(world.Record.Lines().back(), "unlock");
+    EXPECT_EQ(world.Pair(), "old|old secret");
+}

@@ -1,0 +1,115 @@
+#include "tests/doubles/FakeXmlHttp.h"
+
+#include "core/ComObject.h"
+#include "tests/doubles/ReplyDocuments.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+std::string ListText(const VARIANT &list)
+{
+    EXPECT_EQ(V_VT(&list), VT_BSTR) << "a proxy list is a text";
+    return V_BSTR(&list) ? Narrow(V_BSTR(&list)) : "(null)";
+}
+
+// A request with Interface as its richest face: IXMLHTTPRequest or IServerXMLHTTPRequest2.
+template <class Interface>
+class FakeRequest final : public ComObject<FakeRequest<Interface>, Answers<Interface, IXMLHTTPRequest, IDispatch>>
+{
+public:
+    explicit FakeRequest(FakeXmlHttp &fake) : m_fake(fake) {}
+
+    STDMETHODIMP open(BSTR method, BSTR url, VARIANT isAsync, VARIANT user, VARIANT password) noexcept override
+    {
+        EXPECT_EQ(V_VT(&isAsync), VT_BOOL);
+        EXPECT_EQ(V_BOOL(&isAsync), VARIANT_FALSE);
+        EXPECT_EQ(V_VT(&user), VT_EMPTY);
+        EXPECT_EQ(V_VT(&password), VT_EMPTY);
+        m_fake.Record().Add("open " + Narrow(method) + " " + Narrow(url));
+        return m_fake.OpenResult;
+    }
+
+    STDMETHODIMP send(VARIANT body) noexcept override
+    {
+        EXPECT_EQ(V_VT(&body), VT_EMPTY);
+        m_fake.Record().Add("send");
+        return m_fake.SendResult;
+    }
+
+    STDMETHODIMP get_responseXML(IDispatch **document) noexcept override
+    {
+        m_fake.Record().Add("read reply");
+        *document = SUCCEEDED(m_fake.ReplyResult) ? ComPtr<IDispatch>(m_fake.Reply).Detach() : nullptr;
+        return m_fake.ReplyResult;
+    }
+
+    // Reached through IServerXMLHTTPRequest2 alone.
+    virtual HRESULT STDMETHODCALLTYPE setProxy(SXH_PROXY_SETTING setting, VARIANT servers,
+                                               VARIANT bypassList) noexcept
+    {
+        m_fake.Record().Add("proxy " + std::to_string(setting) + " " + ListText(servers) + " " +
+                            ListText(bypassList));
+        return m_fake.ProxyResult;
+    }
+
+    STDMETHODIMP setRequestHeader(BSTR, BSTR) noexcept override { return Unexpected(); }
+    STDMETHODIMP getResponseHeader(BSTR, BSTR *) noexcept override { return Unexpected(); }
+    STDMETHODIMP getAllResponseHeaders(BSTR *) noexcept override { return Unexpected(); }
+    STDMETHODIMP abort() noexcept override { return Unexpected(); }
+    STDMETHODIMP get_status(LONG *) noexcept override { return Unexpected(); }
+    STDMETHODIMP get_statusText(BSTR *) noexcept override { return Unexpected(); }
+    STDMETHODIMP get_responseText(BSTR *) noexcept override { return Unexpected(); }
+    STDMETHODIMP get_responseBody(VARIANT *) noexcept override { return Unexpected(); }
+    STDMETHODIMP get_responseStream(VARIANT *) noexcept override { return Unexpected(); }
+    STDMETHODIMP get_readyState(LONG *) noexcept override { return Unexpected(); }
+    STDMETHODIMP put_onreadystatechange(IDispatch *) noexcept override { return Unexpected(); }
+    STDMETHODIMP GetTypeInfoCount(UINT *) noexcept override { return Unexpected(); }
+    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo **) noexcept override { return Unexpected(); }
+    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR *, UINT, LCID, DISPID *) noexcept override
+    {
+        return Unexpected();
+    }
+    STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS *, VARIANT *, EXCEPINFO *, UINT *) noexcept override
+    {
+        return Unexpected();
+    }
+    virtual HRESULT STDMETHODCALLTYPE setTimeouts(LONG, LONG, LONG, LONG) noexcept { return Unexpected(); }
+    virtual HRESULT STDMETHODCALLTYPE waitForResponse(VARIANT, VARIANT_BOOL *) noexcept { return Unexpected(); }
+    virtual HRESULT STDMETHODCALLTYPE getOption(SERVERXMLHTTP_OPTION, VARIANT *) noexcept { return Unexpected(); }
+    virtual HRESULT STDMETHODCALLTYPE setOption(SERVERXMLHTTP_OPTION, VARIANT) noexcept { return Unexpected(); }
+    virtual HRESULT STDMETHODCALLTYPE setProxyCredentials(BSTR, BSTR) noexcept { return Unexpected(); }
+
+private:
+    static HRESULT Unexpected()
+    {
+        ADD_FAILURE() << "an operation that nobody calls";
+        return E_NOTIMPL;
+    }
+
+    FakeXmlHttp &m_fake;
+};
+
+template <class Interface>
+ClassInPlace::Create Creating(FakeXmlHttp &fake, const char *line, HRESULT FakeXmlHttp::*result)
+{
+    return [&fake, line, result](REFIID iid, void **object) {
+        fake.Record().Add(line);
+        return FAILED(fake.*result) ? fake.*result
+                                    : FakeRequest<Interface>::CreateInstance(nullptr, iid, object, fake);
+    };
+}
+} // namespace
+
+FakeXmlHttp::FakeXmlHttp(CallRecord &record)
+    : m_record(record),
+      m_server(CLSID_ServerXMLHTTP60,
+               Creating<IServerXMLHTTPRequest2>(*this, "create server", &FakeXmlHttp::ServerCreation)),
+      m_plain(CLSID_XMLHTTP60, Creating<IXMLHTTPRequest>(*this, "create plain", &FakeXmlHttp::PlainCreation))
+{
+}
+
+void FakeXmlHttp::Answer(WideView xml)
+{
+    Reply = MakeDocument(xml);
+}
