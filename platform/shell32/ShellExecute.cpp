@@ -1,0 +1,103 @@
+// Opening a document, which natively is always a web page: the desktop's xdg-open takes its address to
+// the user's browser.
+//
+// The address is an argument of that program and of the browser, and arguments can be seen by everybody
+// on the machine: an address that is opened must not hold a secret. The page on which a user grants an
+// authorization doesn't: its request token is of no use without the secret that belongs to it.
+#include <windows.h>
+#include <shellapi.h>
+
+#include "core/Hresult.h"
+#include "core/WideText.h"
+#include "platform/kernel32/Utf8.h"
+#include "platform/shell32/DetachedProgram.h"
+
+#include <cerrno>
+
+namespace
+{
+bool EqualsIgnoringCase(WideView text, WideView lowerAscii)
+{
+    if (text.size() != lowerAscii.size())
+    {
+        return false;
+    }
+    for (size_t i = 0; i < text.size(); ++i)
+    {
+        const WCHAR unit = text[i] >= 'A' && text[i] <= 'Z' ? static_cast<WCHAR>(text[i] | 0x20) : text[i];
+        if (unit != lowerAscii[i])
+        {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool IsWebAddress(WideView text)
+{
+    for (const WideView scheme : {WideView(TEXT("https://")), WideView(TEXT("http://"))})
+    {
+        if (text.size() > scheme.size() && EqualsIgnoringCase(text.substr(0, scheme.size()), scheme))
+        {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool HasControlCharacter(WideView text)
+{
+    return text.find_first_of(TEXT("\r\n\t\x1b\x7f")) != WideView::npos;
+}
+
+struct Outcome
+{
+    INT_PTR code; // of ShellExecute's own numbering
+    DWORD lastError;
+};
+
+Outcome Open(WideView verb, WideView address)
+{
+    if (!verb.empty() && !EqualsIgnoringCase(verb, TEXT("open")))
+    {
+        return {SE_ERR_NOASSOC, ERROR_NO_ASSOCIATION};
+    }
+    if (address.empty())
+    {
+        return {SE_ERR_FNF, ERROR_FILE_NOT_FOUND};
+    }
+    if (!IsWebAddress(address))
+    {
+        return {SE_ERR_NOASSOC, ERROR_NO_ASSOCIATION};
+    }
+    if (HasControlCharacter(address))
+    {
+        return {SE_ERR_ACCESSDENIED, ERROR_ACCESS_DENIED};
+    }
+    const std::string opener = FindProgram("xdg-open");
+    if (opener.empty())
+    {
+        return {SE_ERR_FNF, ERROR_FILE_NOT_FOUND};
+    }
+    switch (StartDetached(opener, {ToUtf8(address)}))
+    {
+    case 0: return {33, ERROR_SUCCESS}; // any number above 32
+    case ENOENT: return {SE_ERR_FNF, ERROR_FILE_NOT_FOUND};
+    case ENOMEM:
+    case EAGAIN: return {SE_ERR_OOM, ERROR_NOT_ENOUGH_MEMORY};
+    default: return {SE_ERR_ACCESSDENIED, ERROR_ACCESS_DENIED};
+    }
+}
+} // namespace
+
+// Parameters, folder and show command have no meaning for a page.
+HINSTANCE WINAPI ShellExecuteW(HWND, LPCWSTR verb, LPCWSTR file, LPCWSTR, LPCWSTR, INT)
+{
+    Outcome outcome{SE_ERR_OOM, ERROR_NOT_ENOUGH_MEMORY};
+    AtBoundary([&] {
+        outcome = Open(verb ? WideView(verb) : WideView(), file ? WideView(file) : WideView());
+        return S_OK;
+    });
+    SetLastError(outcome.lastError);
+    return reinterpret_cast<HINSTANCE>(outcome.code);
+}
