@@ -1,0 +1,20 @@
+// An authorization's dialogs and browser as a person gets them.
+#pragma once
+
+#include "account/AuthorizationFlow.h"
+#include "taskdialog/TaskDialogDocument.h"
+
+// For one authorization, on the thread of the parent window.
+class AuthorizationDialogs final : public AuthorizationScene
+{
+public:
+    int AskConsent(HWND parent) override;
+    void PrepareCompletion() override;
+    void OpenPage(HWND parent, const WCHAR *address) override;
+    void LockForeground(bool isLocked) override;
+    int AskCompletion(HWND parent) override;
+    void ShowError(HWND parent, const WCHAR *text, const WCHAR *caption) override;
+
+private:
+    TaskDialogDocument m_document;      // of the dialog whose turn it is
+};
