@@ -37,12 +37,14 @@ constexpr std::array PropertyRules = {
     PropertyRule{"bandwidth_used", Kind::Size, "0"},
     PropertyRule{"refuse_duplicates", Kind::Flag, "0"},
     PropertyRule{"ticket_delay_ms", Kind::Size, "0"},
+    PropertyRule{"request_token_seconds", Kind::Size, "600"},
 };
 
 constexpr char DemoToken[] = "72157600000000000-demo000000000000";
 constexpr char DemoSecret[] = "demosecret000000";
 constexpr char DemoConsumerKey[] = "68616c766f72612d64656d6f2d6b6579";
 constexpr char DemoConsumerSecret[] = "64656d6f2d736563";
+constexpr char DemoConsumerName[] = "Halvora";
 
 std::optional<std::string> Complaint(const PropertyRule &rule, const std::string &value)
 {
@@ -63,6 +65,15 @@ std::optional<std::string> Complaint(const PropertyRule &rule, const std::string
     return std::nullopt;
 }
 
+// For an index of before the column was thought of.
+void EnsureTextColumn(Database &database, const std::string &table, const std::string &column)
+{
+    if (database.Run("SELECT 1 FROM pragma_table_info(?) WHERE name = ?", {table, column}).empty())
+    {
+        database.Run(("ALTER TABLE " + table + " ADD COLUMN " + column + " TEXT NOT NULL DEFAULT ''").c_str());
+    }
+}
+
 }
 
 AccountBook::AccountBook(Database &database) : m_database(database)
@@ -71,15 +82,18 @@ AccountBook::AccountBook(Database &database) : m_database(database)
     database.Run("CREATE TABLE IF NOT EXISTS consumers (key TEXT PRIMARY KEY, secret TEXT NOT NULL)");
     database.Run("CREATE TABLE IF NOT EXISTS tokens (token TEXT PRIMARY KEY, secret TEXT NOT NULL, "
                  "permission TEXT NOT NULL)");
+    EnsureTextColumn(database, "consumers", "name");
+    EnsureTextColumn(database, "tokens", "consumer");
     for (const auto &row : database.Run("SELECT name, value FROM account"))
     {
         m_properties[TextAt(row, 0)] = TextAt(row, 1);
     }
     if (m_properties.empty())
     {
-        AddConsumer(DemoConsumerKey, DemoConsumerSecret);
+        AddConsumer(DemoConsumerKey, DemoConsumerSecret, DemoConsumerName);
         AddToken({DemoToken, DemoSecret, "write"});
     }
+    database.Run("UPDATE consumers SET name = ? WHERE key = ? AND name = ''", {DemoConsumerName, DemoConsumerKey});
     for (const auto &rule : PropertyRules)
     {
         if (!m_properties.contains(rule.name))
@@ -103,7 +117,8 @@ Account AccountBook::Get() const
             m_properties.at("full_name"),    m_properties.at("photos_url"),
             m_properties.at("level") == "pro", number("max_file_size"),
             number("bandwidth_max"),         number("bandwidth_used"),
-            number("refuse_duplicates") == 1, number("ticket_delay_ms")};
+            number("refuse_duplicates") == 1, number("ticket_delay_ms"),
+            number("request_token_seconds")};
 }
 
 std::optional<std::string> AccountBook::Set(const std::string &name, const std::string &value)
@@ -145,28 +160,28 @@ bool AccountBook::UseBandwidth(std::int64_t bytes)
 
 std::optional<TokenRecord> AccountBook::FindToken(const std::string &token) const
 {
-    const auto rows = m_database.Run("SELECT token, secret, permission FROM tokens WHERE token = ?", {token});
+    const auto rows = m_database.Run("SELECT token, secret, permission, consumer FROM tokens WHERE token = ?", {token});
     if (rows.empty())
     {
         return std::nullopt;
     }
-    return TokenRecord{TextAt(rows[0], 0), TextAt(rows[0], 1), TextAt(rows[0], 2)};
+    return TokenRecord{TextAt(rows[0], 0), TextAt(rows[0], 1), TextAt(rows[0], 2), TextAt(rows[0], 3)};
 }
 
 std::vector<TokenRecord> AccountBook::Tokens() const
 {
     std::vector<TokenRecord> tokens;
-    for (const auto &row : m_database.Run("SELECT token, secret, permission FROM tokens ORDER BY rowid"))
+    for (const auto &row : m_database.Run("SELECT token, secret, permission, consumer FROM tokens ORDER BY rowid"))
     {
-        tokens.push_back({TextAt(row, 0), TextAt(row, 1), TextAt(row, 2)});
+        tokens.push_back({TextAt(row, 0), TextAt(row, 1), TextAt(row, 2), TextAt(row, 3)});
     }
     return tokens;
 }
 
 void AccountBook::AddToken(const TokenRecord &record)
 {
-    m_database.Run("INSERT OR REPLACE INTO tokens VALUES (?, ?, ?)",
-                   {record.token, record.secret, record.permission});
+    m_database.Run("INSERT OR REPLACE INTO tokens (token, secret, permission, consumer) VALUES (?, ?, ?, ?)",
+                   {record.token, record.secret, record.permission, record.consumer});
 }
 
 void AccountBook::RemoveToken(const std::string &token)
@@ -180,9 +195,15 @@ std::optional<std::string> AccountBook::FindConsumerSecret(const std::string &ke
     return rows.empty() ? std::nullopt : std::optional(TextAt(rows[0], 0));
 }
 
-void AccountBook::AddConsumer(const std::string &key, const std::string &secret)
+std::string AccountBook::ConsumerName(const std::string &key) const
 {
-    m_database.Run("INSERT OR REPLACE INTO consumers VALUES (?, ?)", {key, secret});
+    const auto rows = m_database.Run("SELECT name FROM consumers WHERE key = ?", {key});
+    return rows.empty() ? std::string() : TextAt(rows[0], 0);
+}
+
+void AccountBook::AddConsumer(const std::string &key, const std::string &secret, const std::string &name)
+{
+    m_database.Run("INSERT OR REPLACE INTO consumers (key, secret, name) VALUES (?, ?, ?)", {key, secret, name});
 }
 
 }

@@ -29,6 +29,8 @@ struct Account
     bool refuseDuplicates = false;
     // How long a ticket of an asynchronous upload stays open, in milliseconds.
     std::int64_t ticketDelay = 0;
+    // How long a request token is good for, in seconds.
+    std::int64_t requestTokenLife = 0;
 };
 
 struct TokenRecord
@@ -37,6 +39,8 @@ struct TokenRecord
     std::string secret;
     // "read", "write" or "delete"
     std::string permission;
+    // The key of the only application that may use it; empty for any.
+    std::string consumer;
 };
 
 class AccountBook
@@ -61,7 +65,9 @@ public:
     void RemoveToken(const std::string &token);
 
     std::optional<std::string> FindConsumerSecret(const std::string &key) const;
-    void AddConsumer(const std::string &key, const std::string &secret);
+    // What a person is told who asks; empty for an unknown or nameless application.
+    std::string ConsumerName(const std::string &key) const;
+    void AddConsumer(const std::string &key, const std::string &secret, const std::string &name);
 
 private:
     void Store(const std::string &name, const std::string &value);

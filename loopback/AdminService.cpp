@@ -15,13 +15,17 @@ constexpr char Help[] =
     "GET  account                  the account's properties\n"
     "POST account                  NAME=VALUE...: level=pro|basic max_file_size bandwidth_max bandwidth_used\n"
     "                              user_name full_name photos_url nsid refuse_duplicates ticket_delay_ms\n"
+    "                              request_token_seconds\n"
     "GET  tokens                   tokens and their permissions\n"
     "POST tokens                   token=T&secret=S[&permission=read|write|delete]\n"
     "POST tokens/remove            token=T\n"
-    "POST consumers                key=K&secret=S: an application\n"
+    "POST consumers                key=K&secret=S[&name=N]: an application\n"
+    "GET  authorizations           request tokens, oldest first: pending granted denied used expired; and\n"
+    "                              what the maker's endpoint has for each: none waiting taken expired\n"
+    "POST authorizations/advance   seconds=N: they all become so much older\n"
     "GET  faults                   what is still to be played\n"
     "POST faults                   kind=status|error|cut|no-answer|delay|stall|slow|garbage|truncated\n"
-    "                              [&target=upload|rest|any][&count=N][&skip=N] and, by kind:\n"
+    "                              [&target=upload|rest|oauth|maker|any][&count=N][&skip=N] and, by kind:\n"
     "                              status=503&body=html|text|empty|TEXT&type=TYPE&store=1; code=105&message=M&store=1;\n"
     "                              after=BYTES (cut, stall); ms=MILLISECONDS (delay, stall); rate=BYTES a second\n"
     "POST faults/clear\n"
@@ -91,10 +95,11 @@ bool IsForeignPage(const HttpRequest &request)
 
 }
 
-AdminService::AdminService(AccountBook &accounts, PhotoIndex &photos, UploadService &uploads,
-                           FaultQueue &faults, RequestJournal &journal, CountConnections counts)
-    : m_accounts(accounts), m_photos(photos), m_uploads(uploads), m_faults(faults), m_journal(journal),
-      m_counts(std::move(counts))
+AdminService::AdminService(AccountBook &accounts, RequestTokenBook &requests, MakerEndpoint &maker,
+                           PhotoIndex &photos, UploadService &uploads, FaultQueue &faults,
+                           RequestJournal &journal, CountConnections counts)
+    : m_accounts(accounts), m_requests(requests), m_maker(maker), m_photos(photos), m_uploads(uploads),
+      m_faults(faults), m_journal(journal), m_counts(std::move(counts))
 {
 }
 
@@ -141,6 +146,10 @@ HttpReply AdminService::Read(const std::string &path) const
         }
         json.EndArray();
         return Json(json.Json());
+    }
+    if (path == "authorizations")
+    {
+        return Json(AuthorizationsJson());
     }
     if (path == "faults")
     {
@@ -192,7 +201,18 @@ HttpReply AdminService::Change(const std::string &path, const FormFields &fields
     }
     if (path == "consumers" && !field("key").empty())
     {
-        m_accounts.AddConsumer(field("key"), field("secret"));
+        m_accounts.AddConsumer(field("key"), field("secret"), field("name"));
+        return Done();
+    }
+    if (path == "authorizations/advance")
+    {
+        const auto seconds = ParseWholeNumber(field("seconds")).value_or(-1);
+        if (seconds < 0 || seconds > 366 * 24 * 60 * 60)
+        {
+            return Refused("seconds: a whole number from 0 to a year is wanted");
+        }
+        m_requests.Advance(seconds);
+        m_maker.Advance(seconds);
         return Done();
     }
     if (path == "faults")
@@ -221,6 +241,28 @@ HttpReply AdminService::Change(const std::string &path, const FormFields &fields
         return Done();
     }
     return {404, "text/plain; charset=utf-8", Help};
+}
+
+std::string AdminService::AuthorizationsJson() const
+{
+    const auto kept = m_maker.States();
+    JsonWriter json;
+    json.BeginArray();
+    for (const auto &token : m_requests.All())
+    {
+        const auto atMaker = std::find_if(kept.begin(), kept.end(),
+                                          [&](const auto &entry) { return entry.first == token.token; });
+        json.BeginObject();
+        json.Name("token").Text(token.token);
+        json.Name("application").Text(m_accounts.ConsumerName(token.consumer));
+        json.Name("state").Text(StateName(token.state));
+        json.Name("permission").Text(token.permission);
+        json.Name("seconds_left").Number(token.secondsLeft);
+        json.Name("at_maker").Text(atMaker == kept.end() ? "none" : atMaker->second);
+        json.EndObject();
+    }
+    json.EndArray();
+    return json.Json();
 }
 
 std::string AdminService::UploadsJson() const

@@ -6,8 +6,10 @@
 #include "loopback/FaultQueue.h"
 #include "loopback/HttpMessages.h"
 #include "loopback/HttpServer.h"
+#include "loopback/MakerEndpoint.h"
 #include "loopback/PhotoIndex.h"
 #include "loopback/RequestJournal.h"
+#include "loopback/RequestTokenBook.h"
 #include "loopback/UploadService.h"
 
 #include <functional>
@@ -21,8 +23,8 @@ class AdminService
 public:
     using CountConnections = std::function<ConnectionCounts()>;
 
-    AdminService(AccountBook &accounts, PhotoIndex &photos, UploadService &uploads, FaultQueue &faults,
-                 RequestJournal &journal, CountConnections counts);
+    AdminService(AccountBook &accounts, RequestTokenBook &requests, MakerEndpoint &maker, PhotoIndex &photos,
+                 UploadService &uploads, FaultQueue &faults, RequestJournal &journal, CountConnections counts);
 
     // `path` is what follows "/_loopback/".
     HttpReply Handle(HttpExchange &exchange, const std::string &path);
@@ -30,12 +32,15 @@ public:
 private:
     HttpReply Read(const std::string &path) const;
     HttpReply Change(const std::string &path, const FormFields &fields);
+    std::string AuthorizationsJson() const;
     std::string UploadsJson() const;
     std::string JournalJson() const;
     std::string FaultsJson() const;
     std::string StatisticsJson() const;
 
     AccountBook &m_accounts;
+    RequestTokenBook &m_requests;
+    MakerEndpoint &m_maker;
     PhotoIndex &m_photos;
     UploadService &m_uploads;
     FaultQueue &m_faults;

@@ -37,6 +37,10 @@ Caller Admission::Admit(const HttpRequest &request, const FormFields &fields, Pe
     }
     Caller caller;
     caller.token = m_accounts.FindToken(outcome.token).value_or(TokenRecord{});
+    if (!caller.token.consumer.empty() && caller.token.consumer != outcome.consumerKey)
+    {
+        return {HttpReply{401, "text/plain; charset=utf-8", "oauth_problem=token_rejected"}};
+    }
     if (wanted != Permission::None && caller.token.token.empty())
     {
         return {FailReply(99, "User not logged in / Insufficient permissions")};

@@ -104,9 +104,10 @@ std::optional<std::string> ReadFault(const FormFields &fields, Fault &fault)
     }
     fault.kind = found->kind;
     fault.target = FindField(fields, "target").value_or(fault.target);
-    if (fault.target != "upload" && fault.target != "rest" && fault.target != "any")
+    constexpr std::array targets = {"upload", "rest", "oauth", "maker", "any"};
+    if (std::find(targets.begin(), targets.end(), fault.target) == targets.end())
     {
-        return "the target is upload, rest or any";
+        return "the target is upload, rest, oauth, maker or any";
     }
     fault.body = FindField(fields, "body").value_or(fault.body);
     fault.contentType = FindField(fields, "type").value_or("");

@@ -40,7 +40,8 @@ enum class FaultKind
 struct Fault
 {
     FaultKind kind = FaultKind::Status;
-    // "upload", "rest" or "any"
+    // "upload", "rest", "oauth" (the steps and the page of an authorization), "maker" (the maker's
+    // endpoint) or "any"
     std::string target = "any";
     int count = 1;
     // So many requests of the target pass first.

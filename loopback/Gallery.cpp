@@ -2,6 +2,7 @@
 
 #include "loopback/FormFields.h"
 #include "loopback/GalleryPage.h"
+#include "loopback/PageFrame.h"
 #include "loopback/PhotoMetadata.h"
 
 namespace loopback
@@ -9,17 +10,6 @@ namespace loopback
 
 namespace
 {
-
-HttpReply Page(std::string html)
-{
-    HttpReply reply{200, "text/html; charset=utf-8", std::move(html)};
-    reply.headers = {{"Content-Security-Policy",
-                      "default-src 'none'; img-src 'self'; media-src 'self'; style-src 'unsafe-inline'"},
-                     {"X-Content-Type-Options", "nosniff"},
-                     {"Referrer-Policy", "no-referrer"},
-                     {"Cache-Control", "no-store"}};
-    return reply;
-}
 
 HttpReply Picture(const PhotoRecord &record, const std::filesystem::path &path)
 {
@@ -68,8 +58,8 @@ HttpReply Gallery::Handle(const HttpRequest &request) const
     }
     if (path == "/")
     {
-        return Page(OverviewPage(m_accounts.Get(), m_photos.All(),
-                                 [this](const PhotoRecord &record) { return GroupNames(record); }));
+        return PageReply(200, OverviewPage(m_accounts.Get(), m_photos.All(),
+                                           [this](const PhotoRecord &record) { return GroupNames(record); }));
     }
     if (path.starts_with(photoPrefix))
     {
@@ -81,12 +71,10 @@ HttpReply Gallery::Handle(const HttpRequest &request) const
         if (record)
         {
             return isFile ? Picture(*record, m_uploads.PathOf(*record))
-                          : Page(PhotoPage(*record, ReadPhotoMetadata(m_uploads.PathOf(*record))));
+                          : PageReply(200, PhotoPage(*record, ReadPhotoMetadata(m_uploads.PathOf(*record))));
         }
     }
-    HttpReply missing = Page(MissingPage());
-    missing.status = 404;
-    return missing;
+    return PageReply(404, MissingPage());
 }
 
 }

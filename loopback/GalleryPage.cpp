@@ -1,7 +1,7 @@
 #include "loopback/GalleryPage.h"
 
+#include "loopback/PageFrame.h"
 #include "loopback/UploadParameters.h"
-#include "loopback/Utf8.h"
 
 #include <fmt/chrono.h>
 #include <fmt/format.h>
@@ -16,13 +16,6 @@ namespace
 {
 
 constexpr char Style[] = R"(
-:root{color-scheme:light dark;--page:#f6f5f2;--card:#fff;--ink:#1d1f23;--soft:#666b75;--line:#e2e0da;
---accent:#0b62c4;--pink:#d6106f;--chip:#eef1f5;--shade:0 1px 2px #0001,0 6px 20px #0000000d}
-@media(prefers-color-scheme:dark){:root{--page:#15171a;--card:#1f2226;--ink:#eceef1;--soft:#9aa1ac;
---line:#30343a;--accent:#6fb1ff;--pink:#ff6db0;--chip:#2b3037;--shade:0 1px 2px #0006}}
-*{box-sizing:border-box}
-body{margin:0;background:var(--page);color:var(--ink);font:15px/1.5 system-ui,sans-serif}
-a{color:var(--accent);text-decoration:none}a:hover{text-decoration:underline}
 header{display:flex;flex-wrap:wrap;gap:.4rem 1.5rem;align-items:baseline;padding:1.4rem max(1.2rem,calc(50vw - 36rem));
 border-bottom:1px solid var(--line);background:var(--card)}
 h1{font-size:1.35rem;margin:0;letter-spacing:-.01em}h1 i{font-style:normal;color:var(--pink)}
@@ -90,11 +83,7 @@ std::string TimeText(std::int64_t unixSeconds)
 
 std::string Frame(const std::string &title, const std::string &heading, const std::string &main)
 {
-    return "<!doctype html>\n<html lang=\"en\"><head><meta charset=\"utf-8\">"
-           "<meta name=\"viewport\" content=\"width=device-width,initial-scale=1\">"
-           "<link rel=\"icon\" href=\"data:,\"><title>" +
-           EscapeHtml(title) + "</title><style>" + Style + "</style></head>\n<body><header>" + heading +
-           "</header>\n<main>" + main + "</main></body></html>\n";
+    return PageFrame({title, Style, heading, main});
 }
 
 std::string TitleHtml(const PhotoRecord &photo)
@@ -168,35 +157,6 @@ std::string UploadTable(const PhotoRecord &photo)
     return "<table>" + rows + "</table>";
 }
 
-}
-
-std::string EscapeHtml(std::string_view text)
-{
-    std::string html;
-    for (const char c : RepairUtf8(text))
-    {
-        switch (c)
-        {
-        case '&':
-            html += "&amp;";
-            break;
-        case '<':
-            html += "&lt;";
-            break;
-        case '>':
-            html += "&gt;";
-            break;
-        case '"':
-            html += "&quot;";
-            break;
-        case '\'':
-            html += "&#39;";
-            break;
-        default:
-            html += c;
-        }
-    }
-    return html;
 }
 
 std::string OverviewPage(const Account &account, const std::vector<PhotoRecord> &photos,

@@ -7,13 +7,10 @@
 
 #include <functional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace loopback
 {
-
-std::string EscapeHtml(std::string_view text);
 
 // `groupNames` gives the names of the metadata groups in a photo's file, for its card.
 std::string OverviewPage(const Account &account, const std::vector<PhotoRecord> &photos,

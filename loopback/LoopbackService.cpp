@@ -4,19 +4,24 @@
 #include "loopback/AdminService.h"
 #include "loopback/Admission.h"
 #include "loopback/CertificateAuthority.h"
+#include "loopback/ConsentService.h"
 #include "loopback/Database.h"
 #include "loopback/FaultQueue.h"
 #include "loopback/FaultyExchange.h"
 #include "loopback/Gallery.h"
+#include "loopback/MakerEndpoint.h"
 #include "loopback/PhotoIndex.h"
 #include "loopback/RequestJournal.h"
+#include "loopback/RequestTokenBook.h"
 #include "loopback/RestService.h"
 #include "loopback/ServiceHosts.h"
 #include "loopback/StoreLock.h"
+#include "loopback/TokenService.h"
 #include "loopback/UploadService.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <ctime>
 #include <stdexcept>
 
@@ -36,6 +41,10 @@ enum class Room
     Nowhere,
     Upload,
     Rest,
+    RequestToken,
+    Consent,
+    AccessToken,
+    Maker,
     Admin,
     Gallery
 };
@@ -58,16 +67,48 @@ Room RoomFor(const HttpRequest &request)
     {
         return isLocal || host == ApiHost() ? Room::Rest : Room::Nowhere;
     }
+    if (path.starts_with("/services/oauth/"))
+    {
+        const bool isHere = isLocal || host == WebHost() || host == ApiHost();
+        return !isHere                                     ? Room::Nowhere
+               : path == "/services/oauth/request_token" ? Room::RequestToken
+               : path == "/services/oauth/authorize"     ? Room::Consent
+               : path == "/services/oauth/access_token"  ? Room::AccessToken
+                                                         : Room::Nowhere;
+    }
     if (request.target.starts_with(AdminPrefix))
     {
         return Room::Admin;
+    }
+    if (host == MakerHost())
+    {
+        return Room::Maker;
     }
     return path.starts_with("/services/") ? Room::Nowhere : Room::Gallery;
 }
 
 const char *FaultTarget(Room room)
 {
-    return room == Room::Upload ? "upload" : room == Room::Rest ? "rest" : nullptr;
+    switch (room)
+    {
+    case Room::Upload:
+        return "upload";
+    case Room::Rest:
+        return "rest";
+    case Room::RequestToken:
+    case Room::Consent:
+    case Room::AccessToken:
+        return "oauth";
+    case Room::Maker:
+        return "maker";
+    default:
+        return nullptr;
+    }
+}
+
+std::int64_t Now()
+{
+    return static_cast<std::int64_t>(std::time(nullptr));
 }
 
 fs::path Prepared(const fs::path &store)
@@ -93,9 +134,11 @@ struct LoopbackService::Rooms
 {
     explicit Rooms(const ServiceOptions &options)
         : lock(Prepared(options.store)), database(options.store / "index.sqlite"), accounts(database),
-          photos(database), admission(accounts, [] { return static_cast<std::int64_t>(std::time(nullptr)); }),
+          photos(database), requestTokens(database, Now, [this] { return accounts.Get().requestTokenLife; }),
+          maker(database, Now, [this] { return accounts.Get().requestTokenLife; }),
+          tokens(accounts, requestTokens, Now), consent(accounts, requestTokens), admission(accounts, Now),
           uploads(options.store, accounts, photos, admission), rest(accounts, photos, admission),
-          admin(accounts, photos, uploads, faults, journal, [this] { return server.Counts(); }),
+          admin(accounts, requestTokens, maker, photos, uploads, faults, journal, [this] { return server.Counts(); }),
           gallery(accounts, photos, uploads),
           certificates(PrepareCertificates(options.certificates.empty() ? options.store / "ca"
                                                                         : options.certificates)),
@@ -124,7 +167,9 @@ struct LoopbackService::Rooms
         for (const auto &pair : options.consumers)
         {
             const auto [key, secret] = SplitAt(pair, ':');
-            accounts.AddConsumer(key, secret);
+            const auto mark = std::min(secret.find(':'), secret.size());
+            accounts.AddConsumer(key, secret.substr(0, mark),
+                                 secret.substr(std::min(mark + 1, secret.size())));
         }
         for (const auto &text : options.faults)
         {
@@ -203,6 +248,14 @@ struct LoopbackService::Rooms
             entry.apiMethod = answer.method;
             return answer.reply;
         }
+        case Room::RequestToken:
+            return tokens.RequestToken(exchange);
+        case Room::Consent:
+            return consent.Handle(exchange);
+        case Room::AccessToken:
+            return tokens.AccessToken(exchange);
+        case Room::Maker:
+            return maker.Handle(exchange.Request());
         case Room::Admin:
             return admin.Handle(exchange, exchange.Request().Path().substr(AdminPrefix.size()));
         case Room::Gallery:
@@ -217,6 +270,10 @@ struct LoopbackService::Rooms
     Database database;
     AccountBook accounts;
     PhotoIndex photos;
+    RequestTokenBook requestTokens;
+    MakerEndpoint maker;
+    TokenService tokens;
+    ConsentService consent;
     Admission admission;
     UploadService uploads;
     RestService rest;

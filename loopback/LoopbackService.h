@@ -21,8 +21,9 @@ struct ServiceOptions
     std::filesystem::path certificates;
     // NAME=VALUE
     std::vector<std::string> accountProperties;
-    // KEY:SECRET
+    // TOKEN:SECRET
     std::vector<std::string> tokens;
+    // KEY:SECRET or KEY:SECRET:NAME
     std::vector<std::string> consumers;
     // As form fields, in the words of FaultQueue.h.
     std::vector<std::string> faults;

@@ -191,7 +191,8 @@ OAuthOutcome OAuthVerifier::Check(const SignedRequest &request)
         return Refused("nonce_used");
     }
     RememberNonce(nonce, now);
-    return {.accepted = true, .consumerKey = value("oauth_consumer_key"), .token = token};
+    return {.accepted = true, .consumerKey = value("oauth_consumer_key"), .token = token,
+            .parameters = std::move(parameters)};
 }
 
 bool OAuthVerifier::IsNonceFresh(const std::string &nonce, std::int64_t now)

@@ -36,6 +36,8 @@ struct OAuthOutcome
     std::string consumerKey;
     // Empty when the request was signed by the application alone.
     std::string token;
+    // When accepted: everything that was signed, decoded.
+    FormFields parameters;
 };
 
 // The text whose HMAC is the signature: method, URL and sorted parameters (RFC 5849, 3.4.1).

@@ -43,6 +43,19 @@ std::size_t Append(char *bytes, std::size_t size, std::size_t count, void *text)
     return size * count;
 }
 
+std::size_t AddHeader(char *bytes, std::size_t size, std::size_t count, void *answer)
+{
+    std::string line(bytes, size * count);
+    const auto colon = line.find(": ");
+    if (colon != std::string::npos)
+    {
+        std::string name = line.substr(0, colon);
+        std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::tolower(c); });
+        static_cast<Answer *>(answer)->headers[name] = line.substr(colon + 2, line.size() - colon - 4);
+    }
+    return size * count;
+}
+
 loopback::ServiceOptions In(loopback::ServiceOptions options, const std::filesystem::path &store)
 {
     options.store = store;
@@ -60,6 +73,7 @@ std::string Signature::Header(const std::string &url, const Fields &parameters) 
                     {"oauth_timestamp", std::to_string(std::time(nullptr) + timestampOffset)},
                     {"oauth_token", token},
                     {"oauth_version", version}};
+    oauth.insert(oauth.end(), further.begin(), further.end());
     std::erase_if(oauth, [&](const auto &field)
                   { return std::find(omitted.begin(), omitted.end(), field.first) != omitted.end(); });
     Fields all = oauth;
@@ -111,6 +125,8 @@ Answer LoopbackClient::Send(const std::string &url, const std::string &authoriza
     curl_easy_setopt(m_curl, CURLOPT_TIMEOUT, 60L);
     curl_easy_setopt(m_curl, CURLOPT_WRITEFUNCTION, Append);
     curl_easy_setopt(m_curl, CURLOPT_WRITEDATA, &answer.body);
+    curl_easy_setopt(m_curl, CURLOPT_HEADERFUNCTION, AddHeader);
+    curl_easy_setopt(m_curl, CURLOPT_HEADERDATA, &answer);
     setUp(m_curl);
     // After setUp, which may have wanted a header of its own.
     char *ownHeader = nullptr;
@@ -175,9 +191,26 @@ Answer LoopbackClient::UploadBody(const std::string &contentType, const std::str
                 });
 }
 
-Answer LoopbackClient::Get(const std::string &url)
+Answer LoopbackClient::Signed(const std::string &url, const Signature &signature)
 {
-    return Send(url, "", [](void *) {});
+    return Send(url, signature.Header(url, {}), [](void *curl) { curl_easy_setopt(curl, CURLOPT_POSTFIELDS, ""); });
+}
+
+Answer LoopbackClient::Get(const std::string &url, const std::string &header)
+{
+    return Send(url, "",
+                [&](void *curl) { curl_easy_setopt(curl, CURLOPT_PRIVATE, header.empty() ? nullptr : header.c_str()); });
+}
+
+Answer LoopbackClient::Post(const std::string &url, const Fields &form, const std::string &header)
+{
+    const std::string body = Joined(form);
+    return Send(url, "",
+                [&](void *curl)
+                {
+                    curl_easy_setopt(curl, CURLOPT_PRIVATE, header.empty() ? nullptr : header.c_str());
+                    curl_easy_setopt(curl, CURLOPT_COPYPOSTFIELDS, body.c_str());
+                });
 }
 
 Answer LoopbackClient::Admin(const std::string &path)
@@ -187,9 +220,7 @@ Answer LoopbackClient::Admin(const std::string &path)
 
 Answer LoopbackClient::Admin(const std::string &path, const Fields &form)
 {
-    const std::string body = Joined(form);
-    return Send("http://127.0.0.1/_loopback/" + path, "",
-                [&](void *curl) { curl_easy_setopt(curl, CURLOPT_COPYPOSTFIELDS, body.c_str()); });
+    return Post("http://127.0.0.1/_loopback/" + path, form);
 }
 
 TestFolder::TestFolder()

@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <string>
 #include <thread>
 #include <utility>
@@ -24,6 +25,8 @@ struct Signature
     std::string method = "HMAC-SHA1";
     std::string nonce;
     long timestampOffset = 0;
+    // More OAuth parameters, signed and sent in the header.
+    Fields further;
     // The names of OAuth parameters that are left out.
     std::vector<std::string> omitted;
     // Signed, but not what is sent.
@@ -41,6 +44,8 @@ struct Answer
     long status = 0;
     std::string body;
     std::string contentType;
+    // Names in lower case; of repeated ones the last.
+    std::map<std::string, std::string> headers;
 };
 
 struct UploadFile
@@ -61,7 +66,11 @@ public:
     Answer Upload(const Fields &fields, const UploadFile &file = {}, const Signature &signature = {});
     // A body of the caller's own, signed as if it held these fields.
     Answer UploadBody(const std::string &contentType, const std::string &body, const Fields &fields = {});
-    Answer Get(const std::string &url);
+    // An empty body, with the signature in the header.
+    Answer Signed(const std::string &url, const Signature &signature);
+    // Without a signature; redirects are not followed. `header` is one more, such as "Cookie: a=b".
+    Answer Get(const std::string &url, const std::string &header = "");
+    Answer Post(const std::string &url, const Fields &form, const std::string &header = "");
     // Plain HTTP to the service's own address.
     Answer Admin(const std::string &path);
     Answer Admin(const std::string &path, const Fields &form);

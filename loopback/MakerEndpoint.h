@@ -1,0 +1,46 @@
+// The authorization endpoint of the application's maker, a party of its own beside the photo
+// service: the browser leaves a verifier here, the application fetches it once. Thread-safe.
+#pragma once
+
+#include "loopback/Database.h"
+#include "loopback/FormFields.h"
+#include "loopback/HttpMessages.h"
+
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace loopback
+{
+
+class MakerEndpoint
+{
+public:
+    using Seconds = std::function<std::int64_t()>;
+
+    // `lifetime` is how many seconds a verifier stays.
+    MakerEndpoint(Database &database, Seconds now, Seconds lifetime);
+
+    // GET /flickr/authorization/?oauth_token=T&oauth_verifier=V keeps V, once for a T, and leads to a
+    // page for the person. With the token alone, over TLS: the document with V, once.
+    HttpReply Handle(const HttpRequest &request);
+
+    // Tokens with "waiting", "taken" or "expired"; never a verifier.
+    std::vector<std::pair<std::string, std::string>> States() const;
+    // Makes everything so much older.
+    void Advance(std::int64_t seconds);
+
+private:
+    HttpReply Keep(const std::string &token, const std::string &verifier);
+    HttpReply HandOver(const HttpRequest &request, const std::string &token);
+
+    Database &m_database;
+    Seconds m_now;
+    Seconds m_lifetime;
+    std::mutex m_mutex;
+};
+
+}

@@ -1,0 +1,30 @@
+// The two signed steps of an authorization: /services/oauth/request_token and access_token. Answers
+// are forms; a refusal is HTTP 401 with "oauth_problem=...". Thread-safe.
+#pragma once
+
+#include "loopback/AccountBook.h"
+#include "loopback/HttpMessages.h"
+#include "loopback/OAuthVerifier.h"
+#include "loopback/RequestTokenBook.h"
+
+namespace loopback
+{
+
+class TokenService
+{
+public:
+    TokenService(AccountBook &accounts, RequestTokenBook &requests, OAuthVerifier::Clock clock);
+
+    HttpReply RequestToken(HttpExchange &exchange);
+    // The token is good for one access token, with its verifier and for the application that asked.
+    HttpReply AccessToken(HttpExchange &exchange);
+
+private:
+    OAuthOutcome Check(HttpExchange &exchange);
+
+    AccountBook &m_accounts;
+    RequestTokenBook &m_requests;
+    OAuthVerifier m_verifier;
+};
+
+}

@@ -1,0 +1,473 @@
+// The whole authorization, step by step as an application and a browser take it, and every way in
+// which it ends early.
+#include "LoopbackClient.h"
+
+#include "loopback/FormFields.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <thread>
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+namespace
+{
+
+const std::string Steps = "https://www.flickr.com/services/oauth/";
+const std::string MakerCallback = "http://authorization.halvora.example/flickr/authorization/";
+const std::string MakerExchange = "https://authorization.halvora.example/flickr/authorization/?oauth_token=";
+
+std::string FieldOf(const std::string &form, const char *name)
+{
+    return loopback::FindField(loopback::ParseForm(form), name).value_or("");
+}
+
+// The value of a hidden field of a page.
+std::string HiddenField(const std::string &html, const std::string &name)
+{
+    const std::string mark = "name=\"" + name + "\" value=\"";
+    const auto begin = html.find(mark);
+    return begin == std::string::npos ? ""
+                                      : html.substr(begin + mark.size(),
+                                                    html.find('"', begin + mark.size()) - begin - mark.size());
+}
+
+Signature Application()
+{
+    Signature signature;
+    signature.token = "";
+    signature.tokenSecret = "";
+    return signature;
+}
+
+Signature ForToken(const std::string &form, const std::string &verifier)
+{
+    Signature signature;
+    signature.token = FieldOf(form, "oauth_token");
+    signature.tokenSecret = FieldOf(form, "oauth_token_secret");
+    signature.further = {{"oauth_verifier", verifier}};
+    return signature;
+}
+
+struct Road
+{
+    RunningService service;
+    LoopbackClient client = service.Client();
+
+    // The form with the request token.
+    std::string AskForToken(const std::string &callback = MakerCallback)
+    {
+        Signature signature = Application();
+        signature.further = {{"oauth_callback", callback}};
+        const Answer answer = client.Signed(Steps + "request_token", signature);
+        EXPECT_EQ(answer.status, 200) << answer.body;
+        EXPECT_EQ(FieldOf(answer.body, "oauth_callback_confirmed"), "true");
+        return answer.body;
+    }
+
+    std::string PageAddress(const std::string &form, const std::string &permission = "write")
+    {
+        return Steps + "authorize?perms=" + permission + "&oauth_token=" + FieldOf(form, "oauth_token");
+    }
+
+    // What the person's browser sends, and what it gets; `spoil` changes the form's fields first.
+    Answer Decide(const std::string &form, const std::string &decision, const std::string &permission = "write",
+                  const std::function<void(Fields &)> &spoil = [](Fields &) {})
+    {
+        const Answer page = client.Get(PageAddress(form, permission));
+        const std::string cookie = page.headers.at("set-cookie");
+        Fields fields = {{"decision", decision}, {"user", "halvora-demo"}};
+        for (const char *name : {"oauth_token", "perms", "form_key"})
+        {
+            fields.emplace_back(name, HiddenField(page.body, name));
+        }
+        spoil(fields);
+        return client.Post(Steps + "authorize", fields, "Cookie: a=b; " + cookie.substr(0, cookie.find(';')));
+    }
+
+    std::string Verifier(const std::string &form)
+    {
+        const Answer answer = Decide(form, "allow");
+        EXPECT_EQ(answer.status, 302);
+        return FieldOf(answer.headers.at("location"), "oauth_verifier");
+    }
+
+    Answer Trade(const std::string &form, const std::string &verifier)
+    {
+        return client.Signed(Steps + "access_token", ForToken(form, verifier));
+    }
+
+    std::string State() { return JsonValue(client.Admin("authorizations").body, "state"); }
+};
+
+}
+
+TEST(Authorization, LeadsFromTheApplicationOverTheBrowserToATokenThatPublishes)
+{
+    Road road;
+    const std::string form = road.AskForToken();
+    const std::string token = FieldOf(form, "oauth_token");
+    const Answer page = road.client.Get(road.PageAddress(form));
+    EXPECT_EQ(page.status, 200);
+    EXPECT_THAT(page.body, AllOf(HasSubstr("May Halvora upload photos to your account?"), HasSubstr("Ada Lovelace"),
+                                 HasSubstr("authorization.halvora.example"), Not(HasSubstr("<script"))));
+    EXPECT_THAT(page.headers.at("content-security-policy"),
+                AllOf(HasSubstr("default-src 'none'"), HasSubstr("frame-ancestors 'none'"),
+                      HasSubstr("form-action 'self' http://authorization.halvora.example")));
+    EXPECT_THAT(page.headers.at("set-cookie"), AllOf(HasSubstr("HttpOnly"), HasSubstr("SameSite"), HasSubstr("Secure")));
+
+    const Answer granted = road.Decide(form, "allow");
+    ASSERT_EQ(granted.status, 302);
+    const std::string callback = granted.headers.at("location");
+    EXPECT_THAT(callback, StartsWith(MakerCallback + "?oauth_token=" + token + "&oauth_verifier="));
+    const std::string verifier = FieldOf(callback, "oauth_verifier");
+
+    EXPECT_EQ(road.client.Get(MakerExchange + token).status, 404) << "the browser isn't there yet";
+    const Answer arrival = road.client.Get(callback);
+    EXPECT_EQ(arrival.status, 303);
+    EXPECT_THAT(arrival.headers.at("location"), Not(HasSubstr(verifier)));
+    EXPECT_THAT(road.client.Get("http://authorization.halvora.example" + arrival.headers.at("location")).body,
+                HasSubstr("You can return to Halvora now"));
+
+    const Answer exchange = road.client.Get(MakerExchange + token);
+    EXPECT_THAT(exchange.contentType, StartsWith("text/xml"));
+    EXPECT_THAT(exchange.body, AllOf(HasSubstr("<TRNQVerifierExchange>"),
+                                     HasSubstr("<Verifier>" + verifier + "</Verifier>")));
+    // Once and never again, even if the page is loaded again.
+    road.client.Get(callback);
+    EXPECT_THAT(road.client.Get(MakerExchange + token).body,
+                AllOf(HasSubstr("<TRNQVerifierExchange>"), Not(HasSubstr("Verifier>" + verifier))));
+
+    const Answer pair = road.Trade(form, verifier);
+    ASSERT_EQ(pair.status, 200) << pair.body;
+    EXPECT_EQ(FieldOf(pair.body, "username"), "halvora-demo");
+    EXPECT_EQ(FieldOf(pair.body, "fullname"), "Ada Lovelace");
+    Signature signature = ForToken(pair.body, "");
+    signature.further.clear();
+    EXPECT_NE(signature.token, token);
+    EXPECT_THAT(road.client.Rest("flickr.auth.oauth.checkToken", signature).body,
+                AllOf(HasSubstr("<perms>write</perms>"), HasSubstr(signature.token)));
+    EXPECT_THAT(road.client.Upload({{"title", "with the new pair"}}, {}, signature).body, HasSubstr("photoid"));
+    EXPECT_EQ(road.Trade(form, verifier).body, "oauth_problem=token_rejected") << "a second time";
+
+    // Nobody who looks at the service from behind learns a secret.
+    const std::string admin = road.client.Admin("authorizations").body + road.client.Admin("tokens").body +
+                              road.client.Admin("requests").body + road.client.Admin("account").body;
+    for (const auto &secret : {verifier, FieldOf(form, "oauth_token_secret"), signature.tokenSecret})
+    {
+        EXPECT_THAT(admin, Not(HasSubstr(secret)));
+    }
+    EXPECT_EQ(road.State(), "\"used\"");
+}
+
+TEST(Authorization, AsksForAWholeAndUsableRequest)
+{
+    struct Case
+    {
+        const char *what;
+        std::function<void(Signature &)> spoil;
+        const char *answer;
+    };
+    const auto callback = [](const char *text)
+    { return [text](Signature &s) { s.further = {{"oauth_callback", text}}; }; };
+    const Case cases[] = {
+        {"no callback", [](Signature &s) { s.further.clear(); },
+         "oauth_problem=parameter_absent&oauth_parameters_absent=oauth_callback"},
+        {"no address", callback("test"), "oauth_problem=parameter_rejected&oauth_parameters_rejected=oauth_callback"},
+        {"script", callback("javascript:alert(1)"), "oauth_problem=parameter_rejected"},
+        {"second header", callback("http://a.example/\r\nX-Other: 1"), "oauth_problem=parameter_rejected"},
+        {"second policy", callback("http://a.example;script-src *"), "oauth_problem=parameter_rejected"},
+        {"no host", callback("http:///x"), "oauth_problem=parameter_rejected"},
+        {"unsigned", [](Signature &s) { s.omitted = {"oauth_signature_method", "oauth_nonce"}; },
+         "oauth_problem=parameter_absent&oauth_parameters_absent=oauth_signature_method%26oauth_nonce"},
+        {"key", [](Signature &s) { s.consumerKey[0] = '7'; }, "oauth_problem=consumer_key_unknown"},
+        {"secret", [](Signature &s) { s.consumerSecret += "x"; }, "oauth_problem=signature_invalid&debug_sbs=POST&https"},
+        {"an old token", [](Signature &s) { s.token = "72157600000000000-demo000000000000"; },
+         "oauth_problem=token_rejected"},
+        {"late", [](Signature &s) { s.timestampOffset = -700; }, "oauth_problem=timestamp_refused"},
+        {"http", [](Signature &s) { s.signedUrl = "http://www.flickr.com/services/oauth/request_token"; },
+         "oauth_problem=signature_invalid"},
+    };
+    Road road;
+    for (const auto &spoilt : cases)
+    {
+        SCOPED_TRACE(spoilt.what);
+        Signature signature = Application();
+        signature.further = {{"oauth_callback", MakerCallback}};
+        spoilt.spoil(signature);
+        const Answer answer = road.client.Signed(Steps + "request_token", signature);
+        EXPECT_EQ(answer.status, 401);
+        EXPECT_THAT(answer.contentType, StartsWith("text/plain"));
+        EXPECT_THAT(answer.body, StartsWith(spoilt.answer));
+    }
+    Signature again = Application();
+    again.further = {{"oauth_callback", "oob"}};
+    again.nonce = "once";
+    EXPECT_EQ(road.client.Signed(Steps + "request_token", again).status, 200);
+    EXPECT_EQ(road.client.Signed(Steps + "request_token", again).body, "oauth_problem=nonce_used");
+    EXPECT_THAT(road.client.Signed("http://www.flickr.com/services/oauth/request_token", again).body,
+                HasSubstr("code=\"95\""));
+}
+
+TEST(Authorization, TradesOnlyAGrantedTokenWithItsOwnVerifierInTime)
+{
+    struct Case
+    {
+        const char *what;
+        // Goes as far as the case does; the verifier that is then tried.
+        std::function<std::string(Road &, const std::string &form)> prepare;
+        std::function<void(Signature &)> spoil;
+        const char *answer;
+    };
+    const auto nothing = [](Signature &) {};
+    const auto grant = [](Road &road, const std::string &form) { return road.Verifier(form); };
+    const Case cases[] = {
+        {"too early", [](Road &, const std::string &) { return std::string("0123456789abcdef"); }, nothing,
+         "oauth_problem=verifier_invalid"},
+        {"too early, empty", [](Road &, const std::string &) { return std::string(); }, nothing,
+         "oauth_problem=verifier_invalid"},
+        {"denied",
+         [](Road &road, const std::string &form)
+         {
+             road.Decide(form, "deny");
+             return std::string("0123456789abcdef");
+         },
+         nothing, "oauth_problem=token_rejected"},
+        {"another's verifier", [](Road &road, const std::string &form)
+         { road.Verifier(form); return road.Verifier(road.AskForToken()); }, nothing, "oauth_problem=verifier_invalid"},
+        {"no verifier", grant, [](Signature &s) { s.further.clear(); },
+         "oauth_problem=parameter_absent&oauth_parameters_absent=oauth_verifier"},
+        {"no token", grant,
+         [](Signature &s)
+         {
+             s.omitted = {"oauth_token"};
+             s.tokenSecret = "";
+         },
+         "oauth_problem=parameter_absent&oauth_parameters_absent=oauth_token"},
+        {"unknown token", grant, [](Signature &s) { s.token += "0"; }, "oauth_problem=token_rejected"},
+        {"token secret", grant, [](Signature &s) { s.tokenSecret = ""; }, "oauth_problem=signature_invalid"},
+        {"another application", grant,
+         [](Signature &s)
+         {
+             s.consumerKey = "other";
+             s.consumerSecret = "other secret";
+         },
+         "oauth_problem=token_rejected"},
+        {"late",
+         [](Road &road, const std::string &form)
+         {
+             const std::string verifier = road.Verifier(form);
+             road.client.Admin("authorizations/advance", {{"seconds", "601"}});
+             return verifier;
+         },
+         nothing, "oauth_problem=token_rejected"},
+    };
+    for (const auto &spoilt : cases)
+    {
+        SCOPED_TRACE(spoilt.what);
+        Road road;
+        road.client.Admin("consumers", {{"key", "other"}, {"secret", "other secret"}});
+        const std::string form = road.AskForToken();
+        Signature signature = ForToken(form, spoilt.prepare(road, form));
+        spoilt.spoil(signature);
+        const Answer answer = road.client.Signed(Steps + "access_token", signature);
+        EXPECT_EQ(answer.status, 401);
+        EXPECT_THAT(answer.body, StartsWith(spoilt.answer));
+        EXPECT_THAT(answer.body, Not(HasSubstr("oauth_token_secret")));
+    }
+}
+
+TEST(Authorization, AWrongVerifierDoesNotSpoilTheRightOne)
+{
+    Road road;
+    const std::string form = road.AskForToken();
+    const std::string verifier = road.Verifier(form);
+    EXPECT_EQ(road.Trade(form, "0000000000000000").body, "oauth_problem=verifier_invalid");
+    EXPECT_EQ(road.Trade(form, verifier).status, 200);
+}
+
+TEST(Authorization, GivesTheAccessTokenOnceEvenToTheHasty)
+{
+    Road road;
+    const std::string form = road.AskForToken();
+    const std::string verifier = road.Verifier(form);
+    std::atomic<int> given = 0;
+    std::vector<std::thread> traders;
+    for (int i = 0; i < 8; ++i)
+    {
+        Signature signature = ForToken(form, verifier);
+        signature.nonce = "hasty-" + std::to_string(i);
+        traders.emplace_back(
+            [&, signature]
+            { given += road.service.Client().Signed(Steps + "access_token", signature).status == 200 ? 1 : 0; });
+    }
+    for (auto &trader : traders)
+    {
+        trader.join();
+    }
+    EXPECT_EQ(given, 1);
+}
+
+TEST(Authorization, KeepsThePermissionAndTheApplicationWithTheToken)
+{
+    struct Case
+    {
+        const char *permission;
+        bool mayUpload;
+        const char *question;
+    };
+    for (const auto &[permission, mayUpload, question] :
+         {Case{"read", false, "see your photos?"}, Case{"write", true, "upload photos to your account?"},
+          Case{"delete", true, "upload and delete photos in your account?"}})
+    {
+        SCOPED_TRACE(permission);
+        Road road;
+        const std::string form = road.AskForToken();
+        EXPECT_THAT(road.client.Get(road.PageAddress(form, permission)).body, HasSubstr(question));
+        const Answer granted = road.Decide(form, "allow", permission);
+        const std::string pair = road.Trade(form, FieldOf(granted.headers.at("location"), "oauth_verifier")).body;
+        Signature signature = ForToken(pair, "");
+        signature.further.clear();
+        EXPECT_THAT(road.client.Rest("flickr.auth.oauth.checkToken", signature).body,
+                    HasSubstr(std::string("<perms>") + permission + "</perms>"));
+        EXPECT_THAT(road.client.Upload({}, {}, signature).body, HasSubstr(mayUpload ? "photoid" : "code=\"99\""));
+        road.client.Admin("consumers", {{"key", "other"}, {"secret", "other secret"}});
+        signature.consumerKey = "other";
+        signature.consumerSecret = "other secret";
+        EXPECT_EQ(road.client.Rest("flickr.test.login", signature).body, "oauth_problem=token_rejected");
+    }
+}
+
+TEST(Authorization, TheAnswerCountsOnlyFromThePageAsThisBrowserShowsIt)
+{
+    struct Case
+    {
+        const char *what;
+        std::function<void(Fields &)> spoil;
+        long status;
+        const char *words;
+    };
+    const auto set = [](const char *name, const char *value)
+    {
+        return [=](Fields &fields)
+        {
+            std::erase_if(fields, [&](const auto &field) { return field.first == name; });
+            fields.emplace_back(name, value);
+        };
+    };
+    const Case cases[] = {
+        {"form key", set("form_key", "AAAAAAAAAAAAAAAAAAAAAAAAAAA="), 403, "did not count"},
+        {"more than was shown", set("perms", "delete"), 403, "did not count"},
+        {"another account", set("user", "somebody"), 422, "There is no account of this name here."},
+        {"markup", set("user", "\"><script>"), 422, "value=\"&quot;&gt;&lt;script&gt;\""},
+        {"no decision", set("decision", ""), 200, "upload photos to your account?"},
+        {"another token", set("oauth_token", "72157000000000000-0000000000000000"), 404, "known here"},
+    };
+    Road road;
+    const std::string form = road.AskForToken();
+    for (const auto &spoilt : cases)
+    {
+        SCOPED_TRACE(spoilt.what);
+        const Answer answer = road.Decide(form, "allow", "write", spoilt.spoil);
+        EXPECT_EQ(answer.status, spoilt.status);
+        EXPECT_THAT(answer.body, HasSubstr(spoilt.words));
+        EXPECT_EQ(road.State(), "\"pending\"");
+    }
+    const Answer page = road.client.Get(road.PageAddress(form));
+    const Fields fields = {{"decision", "allow"}, {"user", "halvora-demo"}, {"perms", "write"},
+                           {"oauth_token", FieldOf(form, "oauth_token")},
+                           {"form_key", HiddenField(page.body, "form_key")}};
+    for (const char *header : {"", "Cookie: visitor=00000000000000000000000000000000", "Origin: https://evil.example"})
+    {
+        EXPECT_EQ(road.client.Post(Steps + "authorize", fields, header).status, 403) << header;
+    }
+    EXPECT_EQ(road.State(), "\"pending\"");
+}
+
+TEST(Authorization, SaysWhyThereIsNothingToAnswer)
+{
+    struct Case
+    {
+        std::function<void(Road &, const std::string &)> prepare;
+        const char *query;
+        long status;
+        const char *words;
+        const char *state;
+    };
+    const Case cases[] = {
+        {[](Road &, const std::string &) {}, "", 404, "known here", "\"pending\""},
+        {[](Road &, const std::string &) {}, "oauth_token=%00%3Cb%3E", 404, "known here", "\"pending\""},
+        {[](Road &, const std::string &) {}, "perms=everything&oauth_token=", 400, "doesn’t exist", "\"pending\""},
+        {[](Road &road, const std::string &form) { road.Decide(form, "deny"); }, "perms=write&oauth_token=", 410,
+         "You have already said no", "\"denied\""},
+        {[](Road &road, const std::string &form) { road.Decide(form, "allow"); }, "perms=write&oauth_token=", 410,
+         "You have already allowed this", "\"granted\""},
+        {[](Road &road, const std::string &) { road.client.Admin("authorizations/advance", {{"seconds", "600"}}); },
+         "perms=write&oauth_token=", 410, "time for this question is over", "\"expired\""},
+        {[](Road &road, const std::string &) { road.client.Admin("account", {{"request_token_seconds", "0"}}); },
+         "perms=write&oauth_token=", 410, "time for this question is over", "\"expired\""},
+    };
+    for (const auto &reason : cases)
+    {
+        SCOPED_TRACE(std::string(reason.words) + reason.query);
+        Road road;
+        const std::string form = road.AskForToken();
+        reason.prepare(road, form);
+        std::string query = reason.query;
+        query += query.ends_with('=') ? FieldOf(form, "oauth_token") : "";
+        const Answer answer = road.client.Get(Steps + "authorize?" + query);
+        EXPECT_EQ(answer.status, reason.status);
+        EXPECT_THAT(answer.body, HasSubstr(reason.words));
+        EXPECT_EQ(road.State(), reason.state);
+    }
+}
+
+TEST(Authorization, ADenialGrantsNothingAndCallsNobody)
+{
+    Road road;
+    const std::string form = road.AskForToken();
+    // Not even a name is needed to say no.
+    const Answer denied = road.Decide(form, "deny", "write", [](Fields &fields) { fields[1].second = ""; });
+    EXPECT_EQ(denied.status, 200);
+    EXPECT_FALSE(denied.headers.contains("location"));
+    EXPECT_THAT(denied.body, HasSubstr("Nothing was granted"));
+    EXPECT_EQ(road.Decide(road.AskForToken(), "allow").status, 302) << "the next time is a new one";
+    EXPECT_THAT(road.client.Get(MakerExchange + FieldOf(form, "oauth_token")).body, Not(HasSubstr("<Verifier>")));
+}
+
+TEST(Authorization, AProgramWithoutACallbackGetsItsCodeThroughThePerson)
+{
+    Road road;
+    const std::string form = road.AskForToken("oob");
+    const Answer page = road.Decide(form, "allow");
+    EXPECT_EQ(page.status, 200);
+    const auto begin = page.body.find("class=\"code\">") + 13;
+    EXPECT_EQ(road.Trade(form, page.body.substr(begin, page.body.find('<', begin) - begin)).status, 200);
+}
+
+TEST(Authorization, TheMakersEndpointKeepsOnlyWhatItWasSentAndOnlyForAWhile)
+{
+    Road road;
+    const std::string secure = "https://authorization.halvora.example/flickr/authorization";
+    for (const auto &[query, status] : {std::pair{"", 400L}, {"?oauth_token=&oauth_verifier=v", 400L},
+                                        {"?oauth_token=t&oauth_verifier=", 400L}, {"?oauth_verifier=v", 400L},
+                                        {"?oauth_token=t&oauth_verifier=a%0Ab", 400L}, {"?oauth_token=t", 404L},
+                                        {"/other", 404L}})
+    {
+        const Answer answer = road.client.Get(secure + query);
+        EXPECT_EQ(answer.status, status) << query;
+        EXPECT_THAT(answer.body, Not(HasSubstr("<Verifier>"))) << query;
+    }
+    road.client.Get(MakerCallback + "?oauth_token=t&oauth_verifier=first%3C");
+    road.client.Get(MakerCallback + "?oauth_token=t&oauth_verifier=second");
+    EXPECT_EQ(road.client.Get(MakerCallback + "?oauth_token=t").status, 403) << "not in plain";
+    EXPECT_THAT(road.client.Get(secure + "?oauth_token=t").body, HasSubstr("<Verifier>first&lt;</Verifier>"));
+    road.client.Get(MakerCallback + "?oauth_token=u&oauth_verifier=v");
+    road.client.Admin("authorizations/advance", {{"seconds", "600"}});
+    EXPECT_EQ(road.client.Get(secure + "?oauth_token=u").status, 404);
+    EXPECT_EQ(road.client.Admin("authorizations/advance", {{"seconds", "-1"}}).status, 400);
+}
