@@ -224,7 +224,7 @@ HRESULT CFlickrPublisher::Publish(HWND hWndProgressControl, HWND hWndStaticTextC
     return AtBoundary([&] {
         const ComPtr<IUsageMetrics> usage = gUsageMetrics;
         const RunContext run{m_host.Get(), usage.Get(),   this,      m_account, m_version,
-                             m_settings,   m_statistics,  m_windows, m_cancel,  SystemTicks};
+                             m_settings,   m_statistics,  m_windows, m_cancel,  SystemTicks, SystemPause};
         RunPublish(run, hWndProgressControl, hWndStaticTextControl);
         return S_OK;
     });

@@ -1,9 +1,186 @@
 #include "publish/ImagePreparation.h"
 
 #include "core/Hresult.h"
+#include "publish/ColorProfile.h"
+#include "publish/EncoderOptions.h"
+#include "publish/ItemRecord.h"
+#include "publish/JpegSource.h"
+#include "publish/JpegSubsampling.h"
+#include "publish/MetadataSelection.h"
+#include "publish/OutputResolution.h"
+#include "publish/RetryRule.h"
 
-ComPtr<IStream> PrepareJpeg(IHalvoraImageMetadata *, const WCHAR *, const WCHAR *, const UploadOptions &,
-                            ItemTexts &)
+#include <objbase.h>
+#include <wincodec.h>
+
+#include <optional>
+
+namespace
 {
-    ThrowHresult(E_NOTIMPL);
+// What all passes share.
+struct Preparation
+{
+    IHalvoraImageMetadata *Metadata;
+    const WCHAR *SourcePath;
+    const WCHAR *UploadName;
+    const UploadOptions &Options;
+    ComPtr<IWICImagingFactory> Factory;
+
+    bool IsIntact() const noexcept { return Options.Mode == SendPixelsIntact; }
+};
+
+// What is written. Frame is the source's own where its pixels stay, and null for a processed picture.
+struct Source
+{
+    ComPtr<IWICBitmapFrameDecode> Frame;
+    ComPtr<IWICBitmapSource> Bitmap;
+};
+
+struct Encoder
+{
+    ComPtr<IStream> Picture;
+    ComPtr<IWICBitmapEncoder> Container;
+    ComPtr<IWICBitmapFrameEncode> Frame;
+};
+
+ComPtr<IWICImagingFactory> CreateImagingFactory()
+{
+    ComPtr<IWICImagingFactory> factory;
+    ThrowIfFailed(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_ALL, __uuidof(IWICImagingFactory),
+                                   factory.PutVoid()));
+    return factory;
+}
+
+Source OpenSource(const Preparation &preparation, ItemRecord *record)
+{
+    Source source;
+    if (preparation.IsIntact())
+    {
+        source.Frame =
+            OpenJpegFrame(preparation.Factory.Get(), preparation.SourcePath, GUID_VendorMicrosoft);
+        source.Bitmap = source.Frame;
+        ThrowIfFailed(preparation.Metadata->ReadImageMetadata(preparation.SourcePath, 0, 0, nullptr,
+                                                              READ_METADATA_ONLY, record));
+        return source;
+    }
+    const auto longEdge = static_cast<INT32>(preparation.Options.LongEdgePixels);
+    ThrowIfFailed(preparation.Metadata->ReadImageMetadata(preparation.SourcePath, 0, longEdge, source.Bitmap.Put(),
+                                                          READ_METADATA_AND_PICTURE, record));
+    if (!source.Bitmap)
+    {
+        ThrowHresult(E_UNEXPECTED);
+    }
+    return source;
+}
+
+Encoder CreateEncoder(const Preparation &preparation)
+{
+    Encoder encoder;
+    ThrowIfFailed(preparation.Factory->CreateEncoder(GUID_ContainerFormatJpeg, &GUID_VendorMicrosoft,
+                                                     encoder.Container.Put()));
+    ThrowIfFailed(CreateStreamOnHGlobal(nullptr, TRUE, encoder.Picture.Put()));
+    ThrowIfFailed(encoder.Container->Initialize(encoder.Picture.Get(), WICBitmapEncoderNoCache));
+    // Without options the encoder may keep the source's coded pixels; any option makes it code anew.
+    ComPtr<IPropertyBag2> options;
+    ThrowIfFailed(encoder.Container->CreateNewFrame(encoder.Frame.Put(),
+                                                    preparation.IsIntact() ? nullptr : options.Put()));
+    if (!preparation.IsIntact())
+    {
+        WriteEncoderOptions(options.Get(), preparation.Options.Minimize, JpegSubsamplingSupported());
+    }
+    ThrowIfFailed(encoder.Frame->Initialize(options.Get()));
+    return encoder;
+}
+
+// Size, resolution and pixel format, the former two also for the host's writer of metadata.
+void DescribeFrame(const Preparation &preparation, const Source &source, IWICBitmapFrameEncode *frame,
+                   ItemRecord &record)
+{
+    UINT width = 0;
+    UINT height = 0;
+    ThrowIfFailed(source.Bitmap->GetSize(&width, &height));
+    record.Widths[0] = record.Widths[1] = width;
+    record.Heights[0] = record.Heights[1] = height;
+    ThrowIfFailed(frame->SetSize(width, height));
+
+    const Resolution resolution = ChooseResolution(preparation.Options, source.Bitmap.Get());
+    record.ResolutionX = static_cast<float>(resolution.X);
+    record.ResolutionY = static_cast<float>(resolution.Y);
+    ThrowIfFailed(frame->SetResolution(resolution.X, resolution.Y));
+
+    // What the encoder takes instead is its own affair: WriteSource converts.
+    WICPixelFormatGUID format = GUID_WICPixelFormat24bppBGR;
+    ThrowIfFailed(frame->SetPixelFormat(&format));
+}
+
+HRESULT TransferMetadata(const Preparation &preparation, const Source &source, IWICBitmapFrameEncode *frame,
+                         ItemRecord *record, bool copyBlocks)
+{
+    if (!preparation.IsIntact())
+    {
+        return SelectProcessedMetadata(preparation.Metadata, frame, record, preparation.Options);
+    }
+    CopyColorProfile(preparation.Factory.Get(), preparation.SourcePath, source.Frame.Get(), frame);
+    return SelectIntactMetadata(preparation.Metadata, source.Frame.Get(), frame, record, preparation.Options,
+                                copyBlocks);
+}
+
+// A pass that has ended: with its picture, or with what failed and after how many milliseconds another
+// pass is to follow.
+struct PassResult
+{
+    ComPtr<IStream> Picture;
+    HRESULT Failure = S_OK;
+    std::optional<DWORD> NextPass;
+};
+
+PassResult RunPass(const Preparation &preparation, RetryRule &rule, ItemTexts &texts)
+{
+    ItemRecordOwner record;
+    const Source source = OpenSource(preparation, record.Get());
+    texts = ChooseItemTexts(*record, preparation.UploadName);
+    const Encoder encoder = CreateEncoder(preparation);
+    DescribeFrame(preparation, source, encoder.Frame.Get(), *record.Get());
+
+    const HRESULT transferred =
+        TransferMetadata(preparation, source, encoder.Frame.Get(), record.Get(), rule.CopiesBlocks());
+    if (FAILED(transferred))
+    {
+        return {nullptr, transferred, rule.AfterMetadataFailure()};
+    }
+    const HRESULT written = encoder.Frame->WriteSource(source.Bitmap.Get(), nullptr);
+    const std::optional<DWORD> nextPass = rule.AfterPixels(written);
+    if (FAILED(written))
+    {
+        return {nullptr, written, nextPass};
+    }
+    ThrowIfFailed(encoder.Frame->Commit());
+    ThrowIfFailed(encoder.Container->Commit());
+    ThrowIfFailed(encoder.Picture->Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr));
+    return {encoder.Picture, S_OK, std::nullopt};
+}
+} // namespace
+
+ComPtr<IStream> PrepareJpeg(IHalvoraImageMetadata *metadata, const WCHAR *sourcePath,
+                            const WCHAR *uploadName, const UploadOptions &options, const Pause &wait,
+                            ItemTexts &texts)
+{
+    const Preparation preparation{metadata, sourcePath, uploadName, options, CreateImagingFactory()};
+    RetryRule rule(preparation.IsIntact());
+    for (;;)
+    {
+        const PassResult pass = RunPass(preparation, rule, texts);
+        if (pass.Picture)
+        {
+            return pass.Picture;
+        }
+        if (!pass.NextPass)
+        {
+            ThrowHresult(pass.Failure);
+        }
+        if (*pass.NextPass != 0)
+        {
+            wait(*pass.NextPass);
+        }
+    }
 }

@@ -3,12 +3,19 @@
 #pragma once
 
 #include "core/ComPtr.h"
+#include "core/Pause.h"
 #include "publish/ItemTexts.h"
 #include "publish/UploadOptions.h"
 
 #include "HostContract.h"
 
-// The stream, at its start, and in texts the words that the host read. Failures are thrown. Not
-// built yet: every call fails with E_NOTIMPL, which fails the item like any other failure.
+#include <windows.h>
+
+// The stream, at its start, and in texts the words that the host read. The mode is SendPixelsIntact or
+// SendProcessed. The source is only ever read. A picture that can't be written is tried again, if need be
+// without the metadata blocks of its source; wait is for the pauses between such tries, at most 600
+// milliseconds. A failure that stands is thrown: WINCODEC_ERR_BADHEADER where the pixels of a file are to
+// be kept that is no JPEG.
 ComPtr<IStream> PrepareJpeg(IHalvoraImageMetadata *metadata, const WCHAR *sourcePath,
-                            const WCHAR *uploadName, const UploadOptions &options, ItemTexts &texts);
+                            const WCHAR *uploadName, const UploadOptions &options, const Pause &wait,
+                            ItemTexts &texts);

@@ -53,6 +53,11 @@ void ReleaseItemRecord(ItemRecord *record) noexcept
     FreeTexts(record->CopyrightTexts);
     FreeTexts(record->Texts0F0);
     FreeTexts({&record->Text170, 1});
-    FreeTexts(record->Iptc.Texts);
-    BlankIptcHead(record->Iptc);
+    ReleaseIptcBlock(record->Iptc);
+}
+
+void ReleaseIptcBlock(IptcBlock &iptc) noexcept
+{
+    FreeTexts(iptc.Texts);
+    BlankIptcHead(iptc);
 }

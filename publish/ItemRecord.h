@@ -12,6 +12,9 @@ void LayOutItemRecord(ItemRecord *record) noexcept;
 // Frees every text that is set and blanks the IPTC group; may be repeated. Null does nothing.
 void ReleaseItemRecord(ItemRecord *record) noexcept;
 
+// Frees the texts of the IPTC group and gives it its empty form; may be repeated.
+void ReleaseIptcBlock(IptcBlock &iptc) noexcept;
+
 // A record that is laid out from its first moment and released at its last.
 class ItemRecordOwner
 {

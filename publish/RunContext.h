@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/ComPtr.h"
+#include "core/Pause.h"
 #include "publish/PublishStatistics.h"
 
 #include "HostContract.h"
@@ -42,4 +43,5 @@ struct RunContext
     ProgressWindows &Windows;
     CancelFlags &Cancel;
     TickSource Now;
+    Pause Wait;                             // between two tries at one picture
 };

@@ -31,7 +31,7 @@ ItemTexts ReadTexts(IHalvoraImageMetadata *metadata, const WCHAR *sourcePath, co
 }
 
 Picture ObtainPicture(IHalvoraImageMetadata *metadata, const WCHAR *sourcePath, const WCHAR *uploadName,
-                      const UploadOptions &options)
+                      const UploadOptions &options, const Pause &wait)
 {
     Picture picture;
     if (options.Mode == SendAsIs)
@@ -41,7 +41,7 @@ Picture ObtainPicture(IHalvoraImageMetadata *metadata, const WCHAR *sourcePath, 
     }
     else
     {
-        picture.Stream = PrepareJpeg(metadata, sourcePath, uploadName, options, picture.Texts);
+        picture.Stream = PrepareJpeg(metadata, sourcePath, uploadName, options, wait, picture.Texts);
     }
     return picture;
 }
@@ -138,7 +138,7 @@ HRESULT UploadOneFile(const RunContext &run, const WCHAR *sourcePath, const WCHA
         reply.Reset();
         ComPtr<IHalvoraImageMetadata> metadata;
         ThrowIfFailed(run.Host->QueryInterface(__uuidof(IHalvoraImageMetadata), metadata.PutVoid()));
-        const Picture picture = ObtainPicture(metadata.Get(), sourcePath, uploadName, options);
+        const Picture picture = ObtainPicture(metadata.Get(), sourcePath, uploadName, options, run.Wait);
         return SendPicture(run, picture, uploadName, reply);
     });
 }

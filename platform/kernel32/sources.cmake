@@ -11,5 +11,6 @@ target_sources(platform PRIVATE
   kernel32/ResourceSection.cpp
   kernel32/Resources.cpp
   kernel32/SystemMessages.cpp
+  kernel32/SystemVersion.cpp
   kernel32/Time.cpp
   kernel32/Utf8.cpp)

@@ -1,0 +1,43 @@
+#include "publish/ColorProfile.h"
+
+#include "core/ComPtr.h"
+#include "core/Hresult.h"
+#include "publish/JpegSource.h"
+
+namespace
+{
+// {A6D092A4-081A-4F0E-9356-DA167E87D922}, a vendor of JPEG decoders of whom nothing else is known.
+constexpr GUID profileDecoderVendor = {
+    0xA6D092A4, 0x081A, 0x4F0E, {0x93, 0x56, 0xDA, 0x16, 0x7E, 0x87, 0xD9, 0x22}};
+
+// A frame without a profile is a success.
+HRESULT PassProfileOn(IWICBitmapFrameDecode *source, IWICColorContext *profile, IWICBitmapFrameEncode *target)
+{
+    UINT count = 0;
+    const HRESULT asked = source->GetColorContexts(1, &profile, &count);
+    if (FAILED(asked) || count == 0)
+    {
+        return asked;
+    }
+    // A frame counts all the profiles that it has, also those beyond the one that was asked for.
+    return target->SetColorContexts(1, &profile);
+}
+} // namespace
+
+void CopyColorProfile(IWICImagingFactory *factory, const WCHAR *sourcePath, IWICBitmapFrameDecode *source,
+                      IWICBitmapFrameEncode *target) noexcept
+{
+    ComPtr<IWICColorContext> profile;
+    if (FAILED(factory->CreateColorContext(profile.Put())))
+    {
+        return;
+    }
+    const HRESULT result = AtBoundary([&] {
+        const auto frame = OpenJpegFrame(factory, sourcePath, profileDecoderVendor);
+        return PassProfileOn(frame.Get(), profile.Get(), target);
+    });
+    if (FAILED(result))
+    {
+        PassProfileOn(source, profile.Get(), target);
+    }
+}

@@ -1,0 +1,52 @@
+#include "publish/JpegSubsampling.h"
+
+#include "core/HandleOwner.h"
+#include "core/WideText.h"
+
+#include <shlwapi.h>
+
+#include <iterator>
+
+namespace
+{
+const WCHAR *const imagingServerKey = TEXT("CLSID\\{CACAF262-9370-4615-A13B-9F5539DA4C0A}\\InProcServer32");
+
+bool FindOut() noexcept
+{
+    OSVERSIONINFOW version{};
+    version.dwOSVersionInfoSize = sizeof version;
+    return (GetVersionExW(&version) && VersionHasJpegSubsampling(version.dwMajorVersion, version.dwMinorVersion)) ||
+           IsFreeThreaded(HKEY_CLASSES_ROOT, imagingServerKey);
+}
+} // namespace
+
+bool JpegSubsamplingSupported()
+{
+    static const bool answer = FindOut();
+    return answer;
+}
+
+bool VersionHasJpegSubsampling(DWORD major, DWORD minor) noexcept
+{
+    return major > 6 || (major == 6 && minor != 0);
+}
+
+bool IsFreeThreaded(HKEY root, const WCHAR *serverKey) noexcept
+{
+    RegistryKeyOwner key;
+    if (RegOpenKeyExW(root, serverKey, 0, KEY_QUERY_VALUE, key.Put()) != ERROR_SUCCESS)
+    {
+        return false;
+    }
+    // One unit stays zero, since a stored text need not end in one. Longer texts are none of ours.
+    WCHAR model[16] = {};
+    DWORD type = REG_NONE;
+    DWORD size = sizeof model - sizeof(WCHAR);
+    if (RegQueryValueExW(key.Get(), TEXT("ThreadingModel"), nullptr, &type, reinterpret_cast<BYTE *>(model), &size) !=
+            ERROR_SUCCESS ||
+        (type != REG_SZ && type != REG_EXPAND_SZ))
+    {
+        return false;
+    }
+    return StrCmpIW(model, TEXT("Both")) == 0 || StrCmpIW(model, TEXT("Free")) == 0;
+}

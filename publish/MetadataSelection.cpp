@@ -1,0 +1,123 @@
+#include "publish/MetadataSelection.h"
+
+#include "core/BstrOwner.h"
+#include "core/ComPtr.h"
+#include "core/FormatText.h"
+#include "core/Hresult.h"
+#include "publish/ItemRecord.h"
+
+#include <wincodecsdk.h>
+
+#include <cstring>
+#include <utility>
+
+namespace
+{
+// Of the EXIF standard: how the picture was rendered, and the value for a custom process.
+constexpr UINT tagCustomRendered = 41985;
+constexpr USHORT customProcess = 1;
+
+void FreeText(BSTR &text) noexcept
+{
+    BstrOwner::Adopt(std::exchange(text, nullptr));
+}
+
+void CopyBlocks(IWICBitmapFrameDecode *source, IWICBitmapFrameEncode *target)
+{
+    const auto reader = QueryFor<IWICMetadataBlockReader>(source);
+    if (!reader)
+    {
+        return;
+    }
+    ComPtr<IWICMetadataBlockWriter> writer;
+    ThrowIfFailed(target->QueryInterface(__uuidof(IWICMetadataBlockWriter), writer.PutVoid()));
+    // A block that doesn't go over is no reason to keep the picture back.
+    writer->InitializeFromBlockReader(reader.Get());
+}
+
+ComPtr<IWICMetadataQueryWriter> QueryWriter(IWICBitmapFrameEncode *target)
+{
+    ComPtr<IWICMetadataQueryWriter> writer;
+    ThrowIfFailed(target->GetMetadataQueryWriter(writer.Put()));
+    return writer;
+}
+
+void MarkAsProcessed(IWICMetadataQueryWriter *writer)
+{
+    const WideText name = FormatText(TEXT("/app1/ifd/exif/{ushort=%d}"), tagCustomRendered);
+    PROPVARIANT value{};
+    value.vt = VT_UI2;
+    value.uiVal = customProcess;
+    writer->SetMetadataByName(name.c_str(), &value);
+}
+} // namespace
+
+bool WantsAnyMetadata(const UploadOptions &options) noexcept
+{
+    return options.WriteCopyright || options.WriteExif || options.WriteXmp || options.WriteGps || options.WriteIptc;
+}
+
+void BlankDeselectedGroups(ItemRecord &record, const UploadOptions &options) noexcept
+{
+    if (!options.WriteCopyright)
+    {
+        FreeText(record.ExifComment);
+        for (BSTR &text : record.CopyrightTexts)
+        {
+            FreeText(text);
+        }
+    }
+    if (!options.WriteExif)
+    {
+        record.ExifGroup = 0;
+    }
+    if (!options.WriteXmp)
+    {
+        std::memset(record.XmpGroup, 0xFF, sizeof record.XmpGroup);
+    }
+    if (!options.WriteGps)
+    {
+        record.GpsGroup = 0;
+    }
+    if (!options.WriteIptc)
+    {
+        ReleaseIptcBlock(record.Iptc);
+        // Tells the host that there is a group, and that it is blank.
+        record.Iptc.Word10 = 1;
+    }
+}
+
+HRESULT SelectIntactMetadata(IHalvoraImageMetadata *metadata, IWICBitmapFrameDecode *source,
+                             IWICBitmapFrameEncode *target, ItemRecord *record, const UploadOptions &options,
+                             bool copyBlocks)
+{
+    if (copyBlocks)
+    {
+        CopyBlocks(source, target);
+    }
+    const auto writer = QueryWriter(target);
+    // These two go up, if at all, as the host writes them from the record. They need not be there.
+    writer->RemoveMetadataByName(TEXT("/xmp"));
+    writer->RemoveMetadataByName(TEXT("/app13"));
+    BlankDeselectedGroups(*record, options);
+    const HRESULT written = metadata->WriteImageMetadata(writer.Get(), 0, 1, record, TRUE, TRUE, TRUE, TRUE, TRUE,
+                                                         WantsAnyMetadata(options), FALSE);
+    ReleaseItemRecord(record);
+    return written;
+}
+
+HRESULT SelectProcessedMetadata(IHalvoraImageMetadata *metadata, IWICBitmapFrameEncode *target,
+                                ItemRecord *record, const UploadOptions &options)
+{
+    const auto writer = QueryWriter(target);
+    const bool any = WantsAnyMetadata(options);
+    const HRESULT written = metadata->WriteImageMetadata(writer.Get(), 0, 1, record, options.WriteCopyright,
+                                                         options.WriteExif, options.WriteXmp, options.WriteGps,
+                                                         options.WriteIptc, any, TRUE);
+    if (any && SUCCEEDED(written))
+    {
+        MarkAsProcessed(writer.Get());
+    }
+    ReleaseItemRecord(record);
+    return written;
+}

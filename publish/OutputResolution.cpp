@@ -1,0 +1,23 @@
+#include "publish/OutputResolution.h"
+
+#include "core/Hresult.h"
+
+#include <cmath>
+
+namespace
+{
+// For a size without one: that of a screen, as printing programs assume it.
+constexpr double screenDpi = 72.0;
+} // namespace
+
+Resolution ChooseResolution(const UploadOptions &options, IWICBitmapSource *source)
+{
+    const double wanted = options.PrintDpi != 0.0 ? std::fabs(options.PrintDpi) : screenDpi;
+    if (options.Mode == SendProcessed && options.LongEdgePixels != 0)
+    {
+        return {wanted, wanted};
+    }
+    Resolution own{};
+    ThrowIfFailed(source->GetResolution(&own.X, &own.Y));
+    return own.X >= 1.0 && own.Y >= 1.0 ? own : Resolution{wanted, wanted};
+}
