@@ -35,7 +35,7 @@ std::string DescribeAccount(const AccountData &account)
 {
     if (!account.IsAuthorized())
     {
-        return "No account is set. Store an access token with: halvora account --set-token -\n";
+        return "No account is set. Let Halvora publish on one with: halvora authorize\n";
     }
     return "Authorized:    yes\n"
            "Name:          " + Shown(account.fullName) + "\n" +

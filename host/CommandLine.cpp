@@ -24,6 +24,9 @@ void DescribePublish(CLI::App &app, CommandLine &line)
 
 void DescribeOthers(CLI::App &app, CommandLine &line)
 {
+    app.add_subcommand("authorize", "Let Halvora publish on a Flickr account, by way of the web browser")
+        ->footer("Exit codes: 0 authorized, 1 failed, 2 the call was wrong, 3 cancelled.");
+
     app.add_subcommand("status", "Tell what state the plug-in is in and what the next publish will do");
 
     CLI::App *const settings = app.add_subcommand("settings", "List the settings, or change some");
@@ -72,7 +75,8 @@ std::variant<CommandLine, CommandLineEnd> ParseCommandLine(int argc, const char 
     static constexpr std::pair<const char *, Command> commands[] = {{"publish", Command::Publish},
                                                                     {"status", Command::Status},
                                                                     {"settings", Command::Settings},
-                                                                    {"account", Command::Account}};
+                                                                    {"account", Command::Account},
+                                                                    {"authorize", Command::Authorize}};
     for (const auto &[name, command] : commands)
     {
         if (app.got_subcommand(name))

@@ -11,7 +11,8 @@ enum class Command
     Publish,
     Status,
     Settings,
-    Account
+    Account,
+    Authorize
 };
 
 struct CommandLine

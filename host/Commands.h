@@ -12,6 +12,7 @@ ExitCode RunPublishCommand(const CommandLine &line, const Profile &profile);
 ExitCode RunStatusCommand(const Profile &profile);
 ExitCode RunSettingsCommand(const CommandLine &line);
 ExitCode RunAccountCommand(const CommandLine &line, const Profile &profile);
+ExitCode RunAuthorizeCommand(const Profile &profile);
 
 // The words for a person who must act, on standard error.
 void Complain(const std::string &words);

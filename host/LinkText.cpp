@@ -5,7 +5,7 @@
 namespace
 {
 constexpr std::pair<std::string_view, std::string_view> COMMANDS[] = {
-    {"authorize", "halvora account --set-token -"},
+    {"authorize", "halvora authorize"},
     {"settings", "halvora settings"},
 };
 

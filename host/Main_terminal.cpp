@@ -51,6 +51,8 @@ ExitCode Run(const CommandLine &line)
         return RunStatusCommand(profile);
     case Command::Settings:
         return RunSettingsCommand(line);
+    case Command::Authorize:
+        return RunAuthorizeCommand(profile);
     default:
         return RunAccountCommand(line, profile);
     }

@@ -61,12 +61,20 @@ HRESULT PluginSession::Initialize(IUnknown *host, const std::string &content)
     return m_plugin->Initialize(host, LANG_NEUTRAL, m_stream.Get(), 0);
 }
 
-StoreOutcome PluginSession::Finish()
+StoreOutcome PluginSession::Finish(Storing storing)
 {
     // Half-written data are never stored.
     ThrowIfFailed(m_plugin->Terminate());
     const std::string content = ReadStream(m_stream.Get());
     // An account that was never set is no reason to make a file.
-    return m_store.Content().empty() && content == ComposeInitData(AccountData()) ? StoreOutcome::Unchanged
-                                                                                  : m_store.Store(content);
+    if (m_store.Content().empty() && content == ComposeInitData(AccountData()))
+    {
+        return StoreOutcome::Unchanged;
+    }
+    if (storing == Storing::UnlessNewer || content == m_store.Content())
+    {
+        return m_store.Store(content);
+    }
+    m_store.Overwrite(content);
+    return StoreOutcome::Stored;
 }

@@ -12,6 +12,13 @@
 
 #include <string>
 
+// Whether data that another process stored meanwhile stay.
+enum class Storing
+{
+    UnlessNewer,
+    Always
+};
+
 class PluginSession
 {
 public:
@@ -22,7 +29,7 @@ public:
     IHalvoraPublishingPlugin *Plugin() const { return m_plugin.Get(); }
 
     // Ends the use and stores what the plug-in gave back. Throws ProfileError.
-    StoreOutcome Finish();
+    StoreOutcome Finish(Storing storing = Storing::UnlessNewer);
 
 private:
     HRESULT Initialize(IUnknown *host, const std::string &content);

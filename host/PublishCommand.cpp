@@ -58,7 +58,7 @@ bool MayPublish(InitDataStore &store)
     {
         return true;
     }
-    Complain("No Flickr account is set. Store its access token with: halvora account --set-token -");
+    Complain("No Flickr account is set. Let Halvora publish on one with: halvora authorize");
     return false;
 }
 

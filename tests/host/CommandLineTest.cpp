@@ -44,6 +44,7 @@ TEST(CommandLineTest, ReadsEveryCommand)
     EXPECT_THAT(Parsed({"account", "--set-token", "t", "s"}).setToken, ElementsAre("t", "s"));
     EXPECT_THAT(Parsed({"account", "--set-token", "-"}).setToken, ElementsAre("-"));
     EXPECT_TRUE(Parsed({"account"}).setToken.empty());
+    EXPECT_EQ(Parsed({"authorize"}).command, Command::Authorize);
 }
 
 TEST(CommandLineTest, WrongCallsEndInWords)

@@ -1,0 +1,110 @@
+#include "host/Commands.h"
+
+#include "host/DisplayText.h"
+#include "host/InitData.h"
+#include "host/InstalledModules.h"
+#include "host/PluginSession.h"
+#include "host/PublishingHost.h"
+#include "host/SystemWords.h"
+#include "host/Terminal.h"
+#include "host/TextEncodings.h"
+
+#include "core/Hresult.h"
+
+namespace
+{
+// The window that the plug-in's dialogs belong to. In a terminal nothing of it is seen.
+class ParentWindow
+{
+public:
+    ParentWindow()
+        : m_window(CreateWindowExW(0, TEXT("Static"), TEXT("Halvora"), 0, 0, 0, 0, 0, nullptr, nullptr, nullptr,
+                                   nullptr))
+    {
+        if (m_window == nullptr)
+        {
+            ThrowHresult(HRESULT_FROM_WIN32(GetLastError()));
+        }
+    }
+    ~ParentWindow() { DestroyWindow(m_window); }
+    ParentWindow(const ParentWindow &) = delete;
+    ParentWindow &operator=(const ParentWindow &) = delete;
+
+    HWND Get() const { return m_window; }
+
+private:
+    HWND m_window;
+};
+
+HRESULT RunVerb(IHalvoraPublishingPlugin &plugin, WideText verb)
+{
+    const ParentWindow parent;
+    WideText noParameters;
+    return plugin.Configure(parent.Get(), verb.data(), noParameters.data());
+}
+
+AccountData AccountIn(const InitDataStore &store)
+{
+    return ParseInitData(store.Content()).value_or(AccountData());
+}
+
+std::string NameOf(const AccountData &account)
+{
+    for (const auto &name : {account.fullName, account.userName})
+    {
+        if (name && !name->empty())
+        {
+            return " of " + OneSafeLine(Utf8FromText(*name));
+        }
+    }
+    return "";
+}
+
+// What came of it, and what to do next. The plug-in's own words of a failure were shown before.
+ExitCode TellOutcome(HRESULT result, const AccountData &before, const AccountData &after)
+{
+    if (result == S_FALSE)
+    {
+        WriteOut("Cancelled; the account stays as it was.\n");
+        return ExitCode::Cancelled;
+    }
+    if (SUCCEEDED(result))
+    {
+        WriteOut("Halvora may now publish on the Flickr account" + NameOf(after) + ".\n");
+        return ExitCode::AllWentUp;
+    }
+    if (after.IsAuthorized() && after.token != before.token)
+    {
+        Complain("The authorization is stored, but Flickr did not tell about the account. If publishing is "
+                 "refused, call again: halvora authorize");
+        return ExitCode::SomeFailed;
+    }
+    const bool isLost = before.IsAuthorized() && !after.IsAuthorized();
+    Complain("Halvora could not be authorized: " + SystemWords(result) +
+             (isLost ? " The earlier authorization is gone; to publish, call again: halvora authorize"
+                     : " To try again: halvora authorize"));
+    return ExitCode::SomeFailed;
+}
+} // namespace
+
+ExitCode RunAuthorizeCommand(const Profile &profile)
+{
+    InitDataStore store(profile);
+    store.Load();
+    const AccountData before = AccountIn(store);
+    for (const std::string &problem : RegisterInstalledModules(ModuleFolders()).problems)
+    {
+        Complain(problem);
+    }
+    RunRecord record{ItemCollection()};
+    const auto host = PublishingHost::Make(record, [](int, const std::string &, const std::string &) {});
+    PluginSession session(static_cast<IHalvoraPublishingHost *>(host.Get()), store);
+    for (const std::string &notice : store.Notices())
+    {
+        Complain(notice);
+    }
+    const HRESULT result = RunVerb(*session.Plugin(), TEXT("authorize"));
+    // What the user granted just now is stored whatever another halvora stored meanwhile.
+    session.Finish(result == S_FALSE ? Storing::UnlessNewer : Storing::Always);
+    return TellOutcome(result, before, AccountIn(store));
+}
