@@ -13,13 +13,13 @@ namespace
 constexpr char Style[] = R"(
 header{padding:1.1rem 1.25rem;text-align:center}
 .brand{margin:0;font-weight:700;font-size:1.15rem;letter-spacing:-.02em}.brand i{font-style:normal;color:var(--pink)}
-main{max-width:33rem;margin:0 auto;padding:0 1rem 3rem}
+main{max-width:35rem;margin:0 auto;padding:0 1rem 3rem}
 .sheet{background:var(--card);border:1px solid var(--line);border-radius:14px;box-shadow:var(--shade);
 padding:clamp(1.25rem,5vw,2.25rem)}
 .who{display:flex;align-items:center;gap:.7rem;margin:0 0 1rem;color:var(--soft)}.who b{color:var(--ink)}
 .badge{flex:none;width:2.6rem;height:2.6rem;border-radius:10px;display:grid;place-items:center;font-weight:700;
 font-size:1.2rem;background:var(--accent);color:var(--card)}
-h1{font-size:1.5rem;line-height:1.25;margin:0 0 1.2rem;letter-spacing:-.015em;overflow-wrap:anywhere}
+h1{font-size:1.5rem;line-height:1.25;margin:0 0 1.2rem;letter-spacing:-.015em;overflow-wrap:anywhere;text-wrap:balance}
 h2{font-size:.95rem;margin:1.1rem 0 .35rem}
 .sheet ul{list-style:none;margin:0;padding:0}
 .sheet li{position:relative;padding:.15rem 0 .15rem 1.7rem}
@@ -62,8 +62,8 @@ std::string Question(const std::string &application, const std::string &permissi
 
 std::string TimeLeft(std::int64_t seconds)
 {
-    const std::int64_t minutes = seconds / 60;
-    return minutes >= 2 ? fmt::format("for {} minutes", minutes) : minutes == 1 ? "for a minute" : "for less than a minute";
+    const std::int64_t minutes = (seconds + 30) / 60;
+    return minutes >= 2 ? fmt::format("{} minutes", minutes) : minutes == 1 ? "a minute" : "less than a minute";
 }
 
 // The first character, however many bytes it has.
@@ -126,7 +126,7 @@ std::string ConsentQuestionPage(const ConsentQuestion &question)
         "<h2>It will be able to</h2><ul class=\"can\">" + MaySee + (mayWrite ? MayWrite : "") +
         (mayDelete ? MayDelete : "") + "</ul><h2>It won’t be able to</h2><ul class=\"cannot\">" +
         (mayWrite ? "" : MayWrite) + (mayDelete ? "" : MayDelete) + NeverPassword + "</ul>" + FormHtml(question) +
-        "<p class=\"after\">" + after + " You can answer " + TimeLeft(question.secondsLeft) + ".</p>";
+        "<p class=\"after\">" + after + " You can answer for " + TimeLeft(question.secondsLeft) + ".</p>";
     return PageFrame({question.application + " asks for access", Style, Brand, Sheet(main)});
 }
 

@@ -18,7 +18,7 @@ constexpr std::size_t LongestValue = 200;
 
 constexpr char Style[] = R"(
 header{padding:1.1rem 1.25rem;text-align:center;font-weight:700;letter-spacing:.01em}
-main{max-width:33rem;margin:0 auto;padding:0 1rem 3rem;text-align:center}
+main{max-width:35rem;margin:0 auto;padding:0 1rem 3rem;text-align:center}
 .sheet{background:var(--card);border:1px solid var(--line);border-radius:14px;box-shadow:var(--shade);
 padding:clamp(1.5rem,6vw,2.75rem)}
 .mark{width:3.6rem;height:3.6rem;margin:0 auto 1.1rem;border-radius:50%;display:grid;place-items:center;
