@@ -1,4 +1,5 @@
-// Exports of the module: the classes DOMDocument of MSXML 6 and of MSXML without a version.
+// Exports of the module: the classes DOMDocument of MSXML 6 and of MSXML without a version, and the
+// request classes of MSXML 6.
 #include <initguid.h>
 
 #include "core/HandleOwner.h"
@@ -13,6 +14,8 @@
 DEFINE_GUID(CLSID_DOMDocumentOfNoVersion, 0x2933bf90, 0x7b36, 0x11d2, 0xb2, 0x0e, 0x00, 0xc0, 0x4f, 0x98, 0x3e, 0x60);
 
 IClassFactory *DocumentFactory();
+IClassFactory *UserRequestFactory();
+IClassFactory *ServerRequestFactory();
 
 namespace
 {
@@ -20,11 +23,15 @@ struct ClassEntry
 {
     const GUID &clsid;
     const WCHAR *progId;
+    const WCHAR *name;
+    IClassFactory *(*factory)();
 };
 
 const ClassEntry classes[] = {
-    {CLSID_DOMDocument60, TEXT("Msxml2.DOMDocument.6.0")},
-    {CLSID_DOMDocumentOfNoVersion, TEXT("Msxml2.DOMDocument")},
+    {CLSID_DOMDocument60, TEXT("Msxml2.DOMDocument.6.0"), TEXT("XML DOM Document"), DocumentFactory},
+    {CLSID_DOMDocumentOfNoVersion, TEXT("Msxml2.DOMDocument"), TEXT("XML DOM Document"), DocumentFactory},
+    {CLSID_XMLHTTP60, TEXT("Msxml2.XMLHTTP.6.0"), TEXT("XML HTTP Request"), UserRequestFactory},
+    {CLSID_ServerXMLHTTP60, TEXT("Msxml2.ServerXMLHTTP.6.0"), TEXT("Server XML HTTP Request"), ServerRequestFactory},
 };
 
 WideText GuidText(REFGUID guid)
@@ -65,7 +72,7 @@ extern "C" DECLSPEC_EXPORT HRESULT WINAPI DllGetClassObject(REFCLSID clsid, REFI
     {
         if (entry.clsid == clsid)
         {
-            return DocumentFactory()->QueryInterface(iid, object);
+            return entry.factory()->QueryInterface(iid, object);
         }
     }
     return CLASS_E_CLASSNOTAVAILABLE;
@@ -88,7 +95,7 @@ extern "C" DECLSPEC_EXPORT HRESULT WINAPI DllRegisterServer()
             const WCHAR *name;
             WideText text;
         } values[] = {
-            {path, nullptr, TEXT("XML DOM Document")},
+            {path, nullptr, entry.name},
             {path + TEXT("\\InprocServer32"), nullptr, module},
             {path + TEXT("\\InprocServer32"), TEXT("ThreadingModel"), TEXT("Both")},
             {path + TEXT("\\ProgID"), nullptr, entry.progId},
