@@ -6,7 +6,7 @@
 #include "core/BstrOwner.h"
 #include "core/ComPtr.h"
 #include "core/ErrorText.h"
-#include "core/SecretText.h"
+#include "core/SecretBstr.h"
 #include "core/StringTable.h"
 #include "resources/resource.h"
 
@@ -53,7 +53,7 @@ HRESULT TellUnreachable(const AuthorizationContext &context, HRESULT code)
 }
 
 // Whether the person says that the permission is granted.
-bool AwaitGrant(const AuthorizationContext &context, const SecretText &page)
+bool AwaitGrant(const AuthorizationContext &context, const SecretBstr &page)
 {
     context.Scene.PrepareCompletion();
     context.Scene.OpenPage(context.Parent, page.Text());
@@ -63,12 +63,12 @@ bool AwaitGrant(const AuthorizationContext &context, const SecretText &page)
 }
 
 // Trades what the person granted for the token pair.
-HRESULT ExchangeTokens(const AuthorizationContext &context, const SecretText &page)
+HRESULT ExchangeTokens(const AuthorizationContext &context, const SecretBstr &page)
 {
     AccountRecord &account = context.Account;
     account.OAuthToken.Reset();
     account.OAuthTokenSecret.Reset();
-    SecretText verifier;
+    SecretBstr verifier;
     const HRESULT fetched = FetchVerifier(page.View(), context.DiscoverProxy, verifier);
     if (FAILED(fetched))
     {
@@ -102,7 +102,7 @@ HRESULT Authorize(const AuthorizationContext &context)
     {
         return result;
     }
-    SecretText page;
+    SecretBstr page;
     result = context.Client.GetAuthorizationUrl(0, parameters.Get(), page.Fill().Put());
     if (FAILED(result))
     {

@@ -22,7 +22,7 @@ ComPtr<IXMLHTTPRequest> CreateRequest()
     return request;
 }
 
-HRESULT Open(IXMLHTTPRequest &request, const SecretText &url)
+HRESULT Open(IXMLHTTPRequest &request, const SecretBstr &url)
 {
     const BstrOwner method{WideView(TEXT("GET"))};
     VARIANT isAsync{};
@@ -56,7 +56,7 @@ ComPtr<IXMLDOMDocument2> ReadReply(IXMLHTTPRequest &request)
 }
 } // namespace
 
-SecretText VerifierUrl(WideView pageAddress)
+SecretBstr VerifierUrl(WideView pageAddress)
 {
     const size_t start = pageAddress.find(TEXT("oauth_token="));
     if (start == pageAddress.npos)
@@ -64,15 +64,15 @@ SecretText VerifierUrl(WideView pageAddress)
         ThrowHresult(E_FAIL);
     }
     const WideView tail = pageAddress.substr(start);
-    return SecretText({ServiceHosts::VerifierEndpoint, TEXT("/?"), tail.substr(0, tail.rfind(TEXT('&')))});
+    return SecretBstr({ServiceHosts::VerifierEndpoint, TEXT("/?"), tail.substr(0, tail.rfind(TEXT('&')))});
 }
 
-HRESULT FetchVerifier(WideView pageAddress, const ProxyDiscovery &discoverProxy, SecretText &verifier)
+HRESULT FetchVerifier(WideView pageAddress, const ProxyDiscovery &discoverProxy, SecretBstr &verifier)
 {
     try
     {
         const auto request = CreateRequest();
-        const SecretText url = VerifierUrl(pageAddress);
+        const SecretBstr url = VerifierUrl(pageAddress);
         ThrowIfFailed(Open(*request.Get(), url));
         ThrowIfFailed(Send(request, discoverProxy));
         const auto reply = ReadReply(*request.Get());

@@ -2,16 +2,16 @@
 #pragma once
 
 #include "account/ProxyDiscovery.h"
-#include "core/SecretText.h"
+#include "core/SecretBstr.h"
 #include "core/WideText.h"
 
 #include <windows.h>
 
 // Where the verifier lies that belongs to the authorization page at this address; E_FAIL is thrown if the
 // address names no request token.
-SecretText VerifierUrl(WideView pageAddress);
+SecretBstr VerifierUrl(WideView pageAddress);
 
 // Asks once and blocks the calling thread until the reply is there or the system gives up. A failure is the
 // code of the step that failed: E_NOINTERFACE for a reply that is no document, E_FAIL for one without a
 // verifier, with a message in the thread's COM error object. A proxy that can't be found is no failure.
-HRESULT FetchVerifier(WideView pageAddress, const ProxyDiscovery &discoverProxy, SecretText &verifier);
+HRESULT FetchVerifier(WideView pageAddress, const ProxyDiscovery &discoverProxy, SecretBstr &verifier);

@@ -88,7 +88,7 @@ TEST(VerifierExchange, SendsOneRequestByTheProxyThatWasFound)
             FakeXmlHttp http(record);
             http.ServerCreation = c.serverCreation;
             http.Answer(Reply);
-            SecretText verifier;
+            SecretBstr verifier;
             EXPECT_EQ(FetchVerifier(Page, c.discovery, verifier), S_OK);
             EXPECT_EQ(Narrow(verifier.View()), "v-1");
             EXPECT_EQ(record.Lines(), c.lines);
@@ -102,17 +102,17 @@ TEST(VerifierExchange, TellsInTheErrorObjectThatTheReplyHoldsNoVerifier)
     CallRecord record;
     FakeXmlHttp http(record);
     http.Answer(TEXT("<TRNQVerifierExchange/>"));
-    SecretText verifier;
+    SecretBstr verifier;
     EXPECT_EQ(FetchVerifier(Page, NoProxyFound, verifier), E_FAIL);
     EXPECT_EQ(ErrorDescription(), "Unexpected data format. The node \"/TRNQVerifierExchange/Verifier\" was not "
                                   "found in XML document.");
     EXPECT_TRUE(verifier.View().empty());
 }
 
-TEST(SecretText, LeavesZeroesBehind)
+TEST(SecretBstr, LeavesZeroesBehind)
 {
     const BstrOwner text(TEXT("secret"));
-    SecretText::Overwrite(text);
+    SecretBstr::Overwrite(text);
     EXPECT_EQ(text.View(), WideView(TEXT("\0\0\0\0\0\0"), 6));
-    EXPECT_EQ(Narrow(SecretText({TEXT("a"), TEXT(""), TEXT("bc")}).View()), "abc");
+    EXPECT_EQ(Narrow(SecretBstr({TEXT("a"), TEXT(""), TEXT("bc")}).View()), "abc");
 }

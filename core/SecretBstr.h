@@ -5,13 +5,13 @@
 
 #include <initializer_list>
 
-class SecretText
+class SecretBstr
 {
 public:
-    SecretText() noexcept = default;
+    SecretBstr() noexcept = default;
 
     // The pieces one behind the other, with no copy elsewhere; E_OUTOFMEMORY is thrown.
-    explicit SecretText(std::initializer_list<WideView> pieces)
+    explicit SecretBstr(std::initializer_list<WideView> pieces)
     {
         size_t length = 0;
         for (const WideView piece : pieces)
@@ -31,9 +31,9 @@ public:
         *end = 0;
     }
 
-    SecretText(const SecretText &) = delete;
-    SecretText &operator=(const SecretText &) = delete;
-    ~SecretText() { Overwrite(m_text); }
+    SecretBstr(const SecretBstr &) = delete;
+    SecretBstr &operator=(const SecretBstr &) = delete;
+    ~SecretBstr() { Overwrite(m_text); }
 
     BSTR Get() const noexcept { return m_text.Get(); }
     WideView View() const noexcept { return m_text.View(); }
