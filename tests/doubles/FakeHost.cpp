@@ -1,8 +1,12 @@
 #include "tests/doubles/FakeHost.h"
 
 #include "core/BstrOwner.h"
+#include "publish/ItemRecord.h"
 
 #include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <string>
 
 namespace
 {
@@ -13,27 +17,120 @@ BSTR TextFor(const std::optional<WideText> &text)
 {
     return text ? BstrOwner(WideView(*text)).Detach() : nullptr;
 }
-} // namespace
 
-HRESULT FakeImageMetadata::ReadImageMetadata(LPCWSTR path, INT32, INT32 longEdge, IWICBitmapSource **source,
-                                             INT32 flags, ItemRecord *record) noexcept
+constexpr WideView fillerText = TEXT("filler");
+
+bool SameText(BSTR left, BSTR right)
 {
-    const bool isTextsOnly = source == nullptr && flags == READ_METADATA_ONLY && longEdge == 0;
-    m_record.Add("read " + Narrow(path) + (isTextsOnly ? "" : " with the picture"));
-    if (SUCCEEDED(Result))
-    {
-        record->Iptc.Texts[IPTC_TEXT_CAPTION] = TextFor(Caption);
-        record->Iptc.Texts[IPTC_TEXT_DESCRIPTION] = TextFor(Description);
-        record->Iptc.Texts[IPTC_TEXT_KEYWORDS] = TextFor(Keywords);
-        record->ExifComment = TextFor(ExifComment);
-    }
-    return Result;
+    const auto view = [](BSTR text) { return text ? WideView(text, SysStringLen(text)) : WideView(); };
+    return (left == nullptr) == (right == nullptr) && view(left) == view(right);
 }
 
-HRESULT FakeImageMetadata::WriteImageMetadata(IWICMetadataQueryWriter *, INT32, INT32, ItemRecord *, INT32, INT32,
-                                              INT32, INT32, INT32, INT32, INT32) noexcept
+template <size_t count>
+bool SameTexts(const BSTR (&left)[count], const BSTR (&right)[count])
 {
-    return E_NOTIMPL;
+    return std::equal(left, left + count, right, SameText);
+}
+
+template <size_t count>
+bool AllNull(const BSTR (&texts)[count])
+{
+    return std::all_of(texts, texts + count, [](BSTR text) { return text == nullptr; });
+}
+} // namespace
+
+void FakeImageMetadata::Fill(ItemRecord &record) const
+{
+    record.Iptc.Texts[IPTC_TEXT_CAPTION] = TextFor(Caption);
+    record.Iptc.Texts[IPTC_TEXT_DESCRIPTION] = TextFor(Description);
+    record.Iptc.Texts[IPTC_TEXT_KEYWORDS] = TextFor(Keywords);
+    record.ExifComment = TextFor(ExifComment);
+    if (!HasGroups)
+    {
+        return;
+    }
+    const auto put = [](BSTR &text) { text = BstrOwner(fillerText).Detach(); };
+    put(record.Text028);
+    put(record.Text170);
+    std::for_each(std::begin(record.Texts0B0), std::end(record.Texts0B0), put);
+    std::for_each(std::begin(record.Texts0F0), std::end(record.Texts0F0), put);
+    std::for_each(std::begin(record.CopyrightTexts), std::end(record.CopyrightTexts), put);
+    std::for_each(record.Iptc.Texts, record.Iptc.Texts + IPTC_TEXT_CAPTION, put);
+    std::for_each(record.Iptc.Texts + IPTC_TEXT_KEYWORDS + 1, std::end(record.Iptc.Texts), put);
+    record.Iptc.Head[0] = 3;
+    record.Iptc.Word10 = 5;
+    record.Iptc.Word14 = 6;
+    record.ExifGroup = 0x1'0000'0001;
+    std::fill(std::begin(record.XmpGroup), std::end(record.XmpGroup), BYTE{4});
+    record.GpsGroup = 7;
+}
+
+HRESULT FakeImageMetadata::ReadImageMetadata(LPCWSTR path, INT32 reserved, INT32 longEdge,
+                                             IWICBitmapSource **source, INT32 flags, ItemRecord *record) noexcept
+{
+    const bool isTextsOnly = source == nullptr && flags == READ_METADATA_ONLY && longEdge == 0;
+    const bool isWithPicture = source != nullptr && flags == READ_METADATA_AND_PICTURE && reserved == 0;
+    m_record.Add("read " + Narrow(path) + (isTextsOnly ? "" : " with the picture"));
+    HRESULT result = Result;
+    if (Calls && SUCCEEDED(result))
+    {
+        result = Calls->Enter("ReadImageMetadata", isTextsOnly     ? "only"
+                                                   : isWithPicture ? "with picture of " + std::to_string(longEdge)
+                                                                   : "?");
+    }
+    if (source)
+    {
+        *source = nullptr;
+    }
+    // What a failing reader has put in already is the caller's too.
+    Fill(*record);
+    if (SUCCEEDED(result) && source && Picture)
+    {
+        *source = Picture().Detach();
+    }
+    return result;
+}
+
+HRESULT FakeImageMetadata::WriteImageMetadata(IWICMetadataQueryWriter *writer, INT32 reserved, INT32 one,
+                                              ItemRecord *record, INT32 copyright, INT32 exif, INT32 xmp,
+                                              INT32 gps, INT32 iptc, INT32 anyGroup, INT32 processed) noexcept
+{
+    if (Calls == nullptr || writer == nullptr || reserved != 0 || one != 1)
+    {
+        return E_NOTIMPL;
+    }
+    std::string line;
+    for (const INT32 flag : {copyright, exif, xmp, gps, iptc, anyGroup, processed})
+    {
+        line += std::to_string(flag);
+    }
+    const bool isSizeTwice = record->Widths[0] == record->Widths[1] && record->Heights[0] == record->Heights[1];
+    line += " " + std::to_string(record->Widths[0]) + "x" + std::to_string(record->Heights[0]) +
+            (isSizeTwice ? "" : "?") + " at " + std::to_string(std::lround(record->ResolutionX)) + "x" +
+            std::to_string(std::lround(record->ResolutionY));
+
+    ItemRecordOwner asRead;
+    Fill(*asRead.Get());
+    const ItemRecord &read = *asRead;
+    const auto group = [&](const char *name, bool isHeld, bool isBlank) {
+        line += isHeld ? std::string(" ") + name : isBlank ? "" : std::string(" ") + name + "?";
+    };
+    group("copyright",
+          SameText(record->ExifComment, read.ExifComment) &&
+              SameTexts(record->CopyrightTexts, read.CopyrightTexts),
+          record->ExifComment == nullptr && AllNull(record->CopyrightTexts));
+    group("exif", record->ExifGroup == read.ExifGroup, record->ExifGroup == 0);
+    group("xmp", std::ranges::equal(record->XmpGroup, read.XmpGroup),
+          std::ranges::all_of(record->XmpGroup, [](BYTE byte) { return byte == 0xFF; }));
+    group("gps", record->GpsGroup == read.GpsGroup, record->GpsGroup == 0);
+    constexpr BYTE blankHead[16] = {255, 255, 255, 255, 0,   0,   255, 255,
+                                    255, 255, 255, 255, 255, 255, 255, 255};
+    group("iptc",
+          SameTexts(record->Iptc.Texts, read.Iptc.Texts) && std::ranges::equal(record->Iptc.Head, read.Iptc.Head) &&
+              record->Iptc.Word10 == read.Iptc.Word10 && record->Iptc.Word14 == read.Iptc.Word14,
+          AllNull(record->Iptc.Texts) && std::ranges::equal(record->Iptc.Head, blankHead) &&
+              record->Iptc.Word10 == 1 && record->Iptc.Word14 == 0x80000000);
+    return Calls->Enter("WriteImageMetadata", line);
 }
 
 FakeHost::FakeHost(CallRecord &record) : Metadata(FakeImageMetadata::Make(record)), m_record(record) {}

@@ -6,13 +6,15 @@
 #include "core/ComObject.h"
 #include "core/HandleOwner.h"
 #include "tests/doubles/CallRecord.h"
+#include "tests/doubles/CallScript.h"
 
 #include "HostContract.h"
 
 #include <functional>
 #include <optional>
 
-// Gives every picture the same texts, those that are set.
+// Gives every picture the same metadata: the texts that are set, and with HasGroups also every other text
+// and the data of the five groups.
 class FakeImageMetadata final : public ComObject<FakeImageMetadata, IHalvoraImageMetadata>
 {
 public:
@@ -23,6 +25,16 @@ public:
     std::optional<WideText> Description;
     std::optional<WideText> Keywords;
     std::optional<WideText> ExifComment;
+    bool HasGroups = false;
+
+    // Gets the calls "ReadImageMetadata" and "WriteImageMetadata" too, and says which of them fail; null for
+    // a test without a picture that is made anew. A writing shows its flags, the size and resolution told,
+    // and the groups that the record holds: "exif" as it was read, nothing for a blank one, "exif?" for one
+    // that is neither.
+    CallScript *Calls = nullptr;
+
+    // The picture that goes with the metadata where one is asked for.
+    std::function<ComPtr<IWICBitmapSource>()> Picture;
 
     STDMETHODIMP ReadImageMetadata(LPCWSTR path, INT32 reserved, INT32 longEdge, IWICBitmapSource **source,
                                    INT32 flags, ItemRecord *record) noexcept override;
@@ -31,6 +43,8 @@ public:
                                     INT32 iptc, INT32 anyGroup, INT32 processed) noexcept override;
 
 private:
+    void Fill(ItemRecord &record) const;
+
     CallRecord &m_record;
 };
 

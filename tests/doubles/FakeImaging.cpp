@@ -1,53 +1,33 @@
 #include "tests/doubles/FakeImaging.h"
 
+#include "tests/doubles/FakeDecoding.h"
+#include "tests/doubles/FakeEncoding.h"
+
 #include <windows.h>
 #include <wincodec.h>
 
-#include <string_view>
-
 namespace
 {
-const GUID *FormatOf(std::string_view head)
+constexpr GUID otherVendor = {
+    0xA6D092A4, 0x081A, 0x4F0E, {0x93, 0x56, 0xDA, 0x16, 0x7E, 0x87, 0xD9, 0x22}};
+
+// "jpeg Microsoft", "jpeg other", and "?" for what else is asked for.
+std::string NameOf(REFGUID format, const GUID *vendor)
 {
-    if (head.starts_with("\xFF\xD8"))
-    {
-        return &GUID_ContainerFormatJpeg;
-    }
-    if (head.starts_with("GIF8"))
-    {
-        return &GUID_ContainerFormatGif;
-    }
-    if (head.starts_with("\x89PNG"))
-    {
-        return &GUID_ContainerFormatPng;
-    }
-    return head.starts_with("BM") ? &GUID_ContainerFormatBmp : nullptr;
+    const bool isJpeg = format == GUID_ContainerFormatJpeg;
+    const bool isKnown = vendor != nullptr && (*vendor == GUID_VendorMicrosoft || *vendor == otherVendor);
+    return std::string(isJpeg ? "jpeg " : "? ") + (!isKnown ? "?" : *vendor == otherVendor ? "other" : "Microsoft");
 }
 
-class Decoder final : public ComObject<Decoder, IWICBitmapDecoder>
+class ColorContext final : public ComObject<ColorContext, IWICColorContext>
 {
 public:
-    Decoder(const GUID &format, HRESULT result) : m_format(format), m_result(result) {}
-
-    STDMETHODIMP GetContainerFormat(GUID *format) override
-    {
-        *format = m_format;
-        return m_result;
-    }
-    STDMETHODIMP QueryCapability(IStream *, DWORD *) override { return E_NOTIMPL; }
-    STDMETHODIMP Initialize(IStream *, WICDecodeOptions) override { return E_NOTIMPL; }
-    STDMETHODIMP GetDecoderInfo(IWICBitmapDecoderInfo **) override { return E_NOTIMPL; }
-    STDMETHODIMP CopyPalette(IWICPalette *) override { return E_NOTIMPL; }
-    STDMETHODIMP GetMetadataQueryReader(IWICMetadataQueryReader **) override { return E_NOTIMPL; }
-    STDMETHODIMP GetPreview(IWICBitmapSource **) override { return E_NOTIMPL; }
-    STDMETHODIMP GetColorContexts(UINT, IWICColorContext **, UINT *) override { return E_NOTIMPL; }
-    STDMETHODIMP GetThumbnail(IWICBitmapSource **) override { return E_NOTIMPL; }
-    STDMETHODIMP GetFrameCount(UINT *) override { return E_NOTIMPL; }
-    STDMETHODIMP GetFrame(UINT, IWICBitmapFrameDecode **) override { return E_NOTIMPL; }
-
-private:
-    GUID m_format;
-    HRESULT m_result;
+    STDMETHODIMP InitializeFromFilename(LPCWSTR) override { return E_NOTIMPL; }
+    STDMETHODIMP InitializeFromMemory(const BYTE *, UINT) override { return E_NOTIMPL; }
+    STDMETHODIMP InitializeFromExifColorSpace(UINT) override { return E_NOTIMPL; }
+    STDMETHODIMP GetType(WICColorContextType *) override { return E_NOTIMPL; }
+    STDMETHODIMP GetProfileBytes(UINT, BYTE *, UINT *) override { return E_NOTIMPL; }
+    STDMETHODIMP GetExifColorSpace(UINT *) override { return E_NOTIMPL; }
 };
 
 using Format = REFWICPixelFormatGUID;
@@ -61,31 +41,56 @@ public:
                                          IWICBitmapDecoder **decoder) override
     {
         *decoder = nullptr;
-        char head[4] = {};
-        ULONG read = 0;
-        stream->Read(head, sizeof head, &read);
-        const GUID *format = FormatOf({head, read});
-        if (vendor != nullptr || options != WICDecodeMetadataCacheOnDemand || format == nullptr)
+        const HRESULT result = m_imaging.Calls.Enter("CreateDecoderFromStream");
+        const GUID *format = ContainerOf(stream);
+        if (FAILED(result) || vendor != nullptr || options != WICDecodeMetadataCacheOnDemand || format == nullptr)
         {
-            return WINCODEC_ERR_COMPONENTNOTFOUND;
+            return FAILED(result) ? result : WINCODEC_ERR_COMPONENTNOTFOUND;
         }
-        *decoder = Decoder::Make(*format, m_imaging.FormatResult).Detach();
+        *decoder = MakeFakeDecoder(m_imaging, *format).Detach();
         return S_OK;
+    }
+    STDMETHODIMP CreateDecoder(REFGUID format, const GUID *vendor, IWICBitmapDecoder **decoder) override
+    {
+        *decoder = nullptr;
+        const HRESULT result = m_imaging.Calls.Enter("CreateDecoder", NameOf(format, vendor));
+        if (SUCCEEDED(result))
+        {
+            *decoder = MakeFakeDecoder(m_imaging, vendor && *vendor == otherVendor ? "Other " : "").Detach();
+        }
+        return result;
+    }
+    STDMETHODIMP CreateEncoder(REFGUID format, const GUID *vendor, IWICBitmapEncoder **encoder) override
+    {
+        *encoder = nullptr;
+        const HRESULT result = m_imaging.Calls.Enter("CreateEncoder", NameOf(format, vendor));
+        if (SUCCEEDED(result))
+        {
+            *encoder = MakeFakeEncoder(m_imaging).Detach();
+        }
+        return result;
+    }
+    STDMETHODIMP CreateColorContext(IWICColorContext **context) override
+    {
+        *context = nullptr;
+        const HRESULT result = m_imaging.Calls.Enter("CreateColorContext");
+        if (SUCCEEDED(result))
+        {
+            *context = ColorContext::Make().Detach();
+        }
+        return result;
     }
     STDMETHODIMP CreateDecoderFromFilename(LPCWSTR, const GUID *, DWORD, WICDecodeOptions,
                                            IWICBitmapDecoder **) override { return E_NOTIMPL; }
     STDMETHODIMP CreateDecoderFromFileHandle(ULONG_PTR, const GUID *, WICDecodeOptions,
                                              IWICBitmapDecoder **) override { return E_NOTIMPL; }
     STDMETHODIMP CreateComponentInfo(REFCLSID, IWICComponentInfo **) override { return E_NOTIMPL; }
-    STDMETHODIMP CreateDecoder(REFGUID, const GUID *, IWICBitmapDecoder **) override { return E_NOTIMPL; }
-    STDMETHODIMP CreateEncoder(REFGUID, const GUID *, IWICBitmapEncoder **) override { return E_NOTIMPL; }
     STDMETHODIMP CreatePalette(IWICPalette **) override { return E_NOTIMPL; }
     STDMETHODIMP CreateFormatConverter(IWICFormatConverter **) override { return E_NOTIMPL; }
     STDMETHODIMP CreateBitmapScaler(IWICBitmapScaler **) override { return E_NOTIMPL; }
     STDMETHODIMP CreateBitmapClipper(IWICBitmapClipper **) override { return E_NOTIMPL; }
     STDMETHODIMP CreateBitmapFlipRotator(IWICBitmapFlipRotator **) override { return E_NOTIMPL; }
     STDMETHODIMP CreateStream(IWICStream **) override { return E_NOTIMPL; }
-    STDMETHODIMP CreateColorContext(IWICColorContext **) override { return E_NOTIMPL; }
     STDMETHODIMP CreateColorTransformer(IWICColorTransform **) override { return E_NOTIMPL; }
     STDMETHODIMP CreateBitmap(UINT, UINT, Format, WICBitmapCreateCacheOption, IWICBitmap **) override
     {
@@ -126,7 +131,8 @@ private:
 
 FakeImaging::FakeImaging()
     : m_factory(CLSID_WICImagingFactory, [this](REFIID iid, void **object) {
-          return FAILED(CreationResult) ? CreationResult : Factory::CreateInstance(nullptr, iid, object, *this);
+          const HRESULT result = Calls.Enter("CreateFactory");
+          return FAILED(result) ? result : Factory::CreateInstance(nullptr, iid, object, *this);
       })
 {
 }

@@ -224,26 +224,79 @@ TEST_F(PublishRun, ChecksWhatAFileReallyIs)
     }
 }
 
-TEST_F(PublishRun, FailsWhatItCannotPrepareYet)
+TEST_F(PublishRun, SendsEveryOtherFileAsAJpegOfTheHostsMaking)
 {
     World.AddItem("raw", TEXT("nef;tif"), "raw");
     World.Host->Items.push_back({TEXT("C:\\nothing"), std::nullopt});
+    World.Imaging.Calls.FailOperation("ReadImageMetadata", HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND), 2);
+    World.Web.Answer(OkReply);
     Publish();
+    EXPECT_THAT(World.Web.FileParts, ElementsAre(FakeImaging::EncodedBytes));
+    EXPECT_EQ(Narrow(World.Web.CallsOf("AddFilePart").at(0).Arguments[3]), "raw.jpg");
+    EXPECT_THAT(Log("info"), testing::IsSupersetOf({"Publishing \"" + World.PathOf("raw.nef") + "\" as JPEG.",
+                                                    std::string("Publishing \"\" as JPEG.")}));
     EXPECT_THAT(Log("error"),
-                ElementsAre("Could not publish \"" + World.PathOf("raw.nef") +
-                                "\" (Error code: 0x80004001) (internal: invalid argument)",
-                            "Could not publish \"\" (Error code: 0x80004001) (internal: invalid argument)"));
-    EXPECT_THAT(Log("info"), testing::Contains("Publishing \"\" as JPEG."));
+                ElementsAre("Could not publish \"\" (Error code: 0x80070002) (internal: invalid argument)"));
 
     // A mislabelled file gets a second try as a processed one where processing is the mode.
     World.Record.Clear();
+    World.Web.ForgetCalls();
     World.Settings.Set(TEXT("JPEGMode"), 2);
     World.Host->Items.clear();
     World.AddItem("x", TEXT("png"), "BM bitmap");
+    World.Web.Answer(OkReply);
     Publish();
     EXPECT_THAT(Log("warning"), ElementsAre("\"" + World.PathOf("x.png") +
                                             "\" is not what it appears to be (wrong file extension?)"));
-    EXPECT_THAT(Log("error"), ElementsAre(testing::HasSubstr("0x80004001")));
+    EXPECT_THAT(Log("error"), testing::IsEmpty());
+    EXPECT_EQ(Narrow(World.Web.CallsOf("AddFilePart").at(0).Arguments[3]), "x.jpg");
+}
+
+TEST_F(PublishRun, TellsOfAFileThatIsNoJpegInEveryMode)
+{
+    World.AddItem("x", TEXT("jpg"), std::string_view("II*\0 a TIFF", 11));
+    World.Settings.Set(TEXT("JPEGMode"), 1);
+    Publish();
+    const std::string path = World.PathOf("x.jpg");
+    EXPECT_THAT(Log("error"),
+                ElementsAre("\"" + path + "\" is not what it appears to be (wrong file extension?)",
+                            "Could not publish \"" + path +
+                                "\" (Error code: 0x80004005) (internal: invalid argument)"));
+    EXPECT_TRUE(World.Web.CallsOf("UploadRequest").empty());
+
+    // As a processed picture it goes by the settings of JPEG files, if the host can read it.
+    World.Record.Clear();
+    World.Settings.Set(TEXT("JPEGMode"), 2);
+    World.Settings.Set(TEXT("JPEGWriteGPS"), UINT32{0});
+    World.Settings.Set(TEXT("RAWWriteEXIF"), UINT32{0});
+    World.Web.Answer(OkReply);
+    Publish();
+    EXPECT_THAT(Log("error"), testing::IsEmpty());
+    EXPECT_THAT(World.Imaging.Calls.DetailsOf("WriteImageMetadata"), ElementsAre(testing::StartsWith("1100011 ")));
+}
+
+// A picture of the same name may be another one when it is read again.
+TEST_F(PublishRun, TakesTheWordsOfTheLastPass)
+{
+    AddPictures(1);
+    World.Settings.Set(TEXT("JPEGMode"), 1);
+    World.Imaging.Calls.FailOperation("WriteImageMetadata", E_FAIL);
+    World.Imaging.Calls.FailOperation("Frame.WriteSource", WINCODEC_ERR_BADIMAGE);
+    World.Imaging.Calls.OnCall = [&](const std::string &call) {
+        if (call == "ReadImageMetadata")
+        {
+            const size_t pass = World.Imaging.Calls.DetailsOf(call).size();
+            World.Host->Metadata->Caption = pass == 1 ? TEXT("First") : pass == 2 ? TEXT("Second") : TEXT("Third");
+            World.Host->Metadata->Description =
+                pass == 1 ? std::optional<WideText>(TEXT("Words")) : std::nullopt;
+            World.Host->Metadata->Keywords = pass == 3 ? std::optional<WideText>(TEXT("tag")) : std::nullopt;
+        }
+    };
+    World.Web.Answer(OkReply);
+    Publish();
+    EXPECT_EQ(LastStatus(), "Done.");
+    EXPECT_THAT(Narrow(World.Web.CallsOf("UploadRequest").at(0).Arguments[5]),
+                testing::StartsWith("title=Third&tags=\"tag\"&is_public="));
 }
 
 TEST_F(PublishRun, EndsWithoutAList)

@@ -1,0 +1,21 @@
+// The reading half of FakeImaging.
+#pragma once
+
+#include "core/ComPtr.h"
+#include "tests/doubles/FakeImaging.h"
+
+#include <wincodec.h>
+
+#include <string>
+
+// For a stream that is to be told with Initialize: JPEG only. The prefix is that of its calls, "" or "Other ".
+ComPtr<IWICBitmapDecoder> MakeFakeDecoder(FakeImaging &imaging, const std::string &prefix);
+
+// For a container that is known already.
+ComPtr<IWICBitmapDecoder> MakeFakeDecoder(FakeImaging &imaging, const GUID &format);
+
+// The container of a stream, told by its first bytes; null if it is unknown.
+const GUID *ContainerOf(IStream *stream);
+
+// "frame", "other frame", "picture" for those of the fakes, else "?".
+std::string NameOfSource(IUnknown *source);
