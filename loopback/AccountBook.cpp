@@ -38,6 +38,7 @@ constexpr std::array PropertyRules = {
     PropertyRule{"refuse_duplicates", Kind::Flag, "0"},
     PropertyRule{"ticket_delay_ms", Kind::Size, "0"},
     PropertyRule{"request_token_seconds", Kind::Size, "600"},
+    PropertyRule{"run", Kind::Text, ""},
 };
 
 constexpr char DemoToken[] = "72157600000000000-demo000000000000";
@@ -63,15 +64,6 @@ std::optional<std::string> Complaint(const PropertyRule &rule, const std::string
                                                   : std::optional<std::string>("pro or basic is wanted");
     }
     return std::nullopt;
-}
-
-// For an index of before the column was thought of.
-void EnsureTextColumn(Database &database, const std::string &table, const std::string &column)
-{
-    if (database.Run("SELECT 1 FROM pragma_table_info(?) WHERE name = ?", {table, column}).empty())
-    {
-        database.Run(("ALTER TABLE " + table + " ADD COLUMN " + column + " TEXT NOT NULL DEFAULT ''").c_str());
-    }
 }
 
 }
@@ -118,7 +110,7 @@ Account AccountBook::Get() const
             m_properties.at("level") == "pro", number("max_file_size"),
             number("bandwidth_max"),         number("bandwidth_used"),
             number("refuse_duplicates") == 1, number("ticket_delay_ms"),
-            number("request_token_seconds")};
+            number("request_token_seconds"), m_properties.at("run")};
 }
 
 std::optional<std::string> AccountBook::Set(const std::string &name, const std::string &value)

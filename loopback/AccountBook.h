@@ -31,6 +31,8 @@ struct Account
     std::int64_t ticketDelay = 0;
     // How long a request token is good for, in seconds.
     std::int64_t requestTokenLife = 0;
+    // What the uploads of now are called where uploads are compared; may be empty.
+    std::string run;
 };
 
 struct TokenRecord

@@ -15,7 +15,7 @@ constexpr char Help[] =
     "GET  account                  the account's properties\n"
     "POST account                  NAME=VALUE...: level=pro|basic max_file_size bandwidth_max bandwidth_used\n"
     "                              user_name full_name photos_url nsid refuse_duplicates ticket_delay_ms\n"
-    "                              request_token_seconds\n"
+    "                              request_token_seconds run (what the uploads of now are called at /compare)\n"
     "GET  tokens                   tokens and their permissions\n"
     "POST tokens                   token=T&secret=S[&permission=read|write|delete]\n"
     "POST tokens/remove            token=T\n"
@@ -83,6 +83,7 @@ void WritePhoto(JsonWriter &json, const PhotoRecord &photo, const std::string &p
     text("token", photo.token);
     text("user_agent", photo.userAgent);
     number("connection", photo.connection);
+    text("run", photo.run);
     json.EndObject();
 }
 

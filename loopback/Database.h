@@ -30,6 +30,9 @@ private:
 };
 
 // The column of a row as a number or a text; the column must be of that kind.
+// Adds the column, empty in every row, to the table of an index of before the column was thought of.
+void EnsureTextColumn(Database &database, const std::string &table, const std::string &column);
+
 std::int64_t NumberAt(const Database::Row &row, std::size_t column);
 const std::string &TextAt(const Database::Row &row, std::size_t column);
 

@@ -1,9 +1,9 @@
 #include "loopback/Gallery.h"
 
+#include "loopback/ComparisonPage.h"
 #include "loopback/FormFields.h"
 #include "loopback/GalleryPage.h"
 #include "loopback/PageFrame.h"
-#include "loopback/PhotoMetadata.h"
 
 namespace loopback
 {
@@ -28,23 +28,19 @@ Gallery::Gallery(const AccountBook &accounts, const PhotoIndex &photos, const Up
 {
 }
 
-std::string Gallery::GroupNames(const PhotoRecord &record) const
+std::shared_ptr<const PhotoFacts> Gallery::Facts(const PhotoRecord &record) const
 {
     {
         std::lock_guard lock(m_mutex);
-        const auto known = m_groupNames.find(record.id);
-        if (known != m_groupNames.end())
+        const auto known = m_facts.find(record.id);
+        if (known != m_facts.end())
         {
             return known->second;
         }
     }
-    std::string names;
-    for (const auto &group : ReadPhotoMetadata(m_uploads.PathOf(record)))
-    {
-        names += (names.empty() ? "" : " · ") + group.name;
-    }
+    auto facts = std::make_shared<const PhotoFacts>(ReadPhotoFacts(m_uploads.PathOf(record)));
     std::lock_guard lock(m_mutex);
-    return m_groupNames[record.id] = names;
+    return m_facts[record.id] = std::move(facts);
 }
 
 HttpReply Gallery::Handle(const HttpRequest &request) const
@@ -56,10 +52,14 @@ HttpReply Gallery::Handle(const HttpRequest &request) const
     {
         return {405, "text/plain; charset=utf-8", "These pages are only read.\n"};
     }
+    const auto facts = [this](const PhotoRecord &record) { return Facts(record); };
     if (path == "/")
     {
-        return PageReply(200, OverviewPage(m_accounts.Get(), m_photos.All(),
-                                           [this](const PhotoRecord &record) { return GroupNames(record); }));
+        return PageReply(200, OverviewPage(m_accounts.Get(), m_photos.All(), facts));
+    }
+    if (path == "/compare")
+    {
+        return PageReply(200, ComparisonPage(m_photos.All(), facts));
     }
     if (path.starts_with(photoPrefix))
     {
@@ -71,7 +71,7 @@ HttpReply Gallery::Handle(const HttpRequest &request) const
         if (record)
         {
             return isFile ? Picture(*record, m_uploads.PathOf(*record))
-                          : PageReply(200, PhotoPage(*record, ReadPhotoMetadata(m_uploads.PathOf(*record))));
+                          : PageReply(200, PhotoPage(*record, *Facts(*record)));
         }
     }
     return PageReply(404, MissingPage());

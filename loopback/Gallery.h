@@ -4,12 +4,13 @@
 #include "loopback/AccountBook.h"
 #include "loopback/HttpMessages.h"
 #include "loopback/PhotoIndex.h"
+#include "loopback/PhotoMetadata.h"
 #include "loopback/UploadService.h"
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <mutex>
-#include <string>
 
 namespace loopback
 {
@@ -19,18 +20,19 @@ class Gallery
 public:
     Gallery(const AccountBook &accounts, const PhotoIndex &photos, const UploadService &uploads);
 
-    // "/" is the overview, "/photo/ID" a photo's page, "/photo/ID/file" its bytes.
+    // "/" is the overview, "/compare" the uploads of one title side by side, "/photo/ID" a photo's page,
+    // "/photo/ID/file" its bytes.
     HttpReply Handle(const HttpRequest &request) const;
 
 private:
-    // Names of the groups in the photo's file; read once, since a stored file never changes.
-    std::string GroupNames(const PhotoRecord &record) const;
+    // Read once, since a stored file never changes.
+    std::shared_ptr<const PhotoFacts> Facts(const PhotoRecord &record) const;
 
     const AccountBook &m_accounts;
     const PhotoIndex &m_photos;
     const UploadService &m_uploads;
     mutable std::mutex m_mutex;
-    mutable std::map<std::int64_t, std::string> m_groupNames;
+    mutable std::map<std::int64_t, std::shared_ptr<const PhotoFacts>> m_facts;
 };
 
 }

@@ -69,13 +69,6 @@ const char *Audience(const PhotoRecord &photo)
                                               : "Only the owner";
 }
 
-std::string SizeText(std::int64_t bytes)
-{
-    return bytes < 1000        ? fmt::format("{} bytes", bytes)
-           : bytes < 1'000'000 ? fmt::format("{:.0f} KB", static_cast<double>(bytes) / 1e3)
-                               : fmt::format("{:.1f} MB", static_cast<double>(bytes) / 1e6);
-}
-
 std::string TimeText(std::int64_t unixSeconds)
 {
     return fmt::format("{:%Y-%m-%d %H:%M}", fmt::localtime(static_cast<std::time_t>(unixSeconds)));
@@ -84,6 +77,78 @@ std::string TimeText(std::int64_t unixSeconds)
 std::string Frame(const std::string &title, const std::string &heading, const std::string &main)
 {
     return PageFrame({title, Style, heading, main});
+}
+
+std::string TagsHtml(const PhotoRecord &photo)
+{
+    std::string html;
+    for (const auto &tag : SplitTags(photo.tags))
+    {
+        html += "<li>" + EscapeHtml(tag) + "</li>";
+    }
+    return html.empty() ? html : "<ul class=\"tags\" aria-label=\"Tags\">" + html + "</ul>";
+}
+
+std::string DescriptionHtml(const PhotoRecord &photo)
+{
+    return photo.description.empty() ? "" : "<p dir=\"auto\">" + EscapeHtml(photo.description) + "</p>";
+}
+
+std::string GroupNames(const PhotoFacts &facts)
+{
+    std::string names;
+    for (const auto &group : facts.groups)
+    {
+        names += (names.empty() ? "" : " · ") + group.name;
+    }
+    return names;
+}
+
+std::string CardHtml(const PhotoRecord &photo, const std::string &groupNames)
+{
+    return fmt::format("<article class=\"card\"><a class=\"picture\" href=\"/photo/{0}\">{1}</a>"
+                       "<div class=\"text\"><h2 dir=\"auto\"><a href=\"/photo/{0}\">{2}</a></h2>{3}{4}"
+                       "<div class=\"facts\"><b>{5}</b><span>{6}</span><span>{7}</span><span>{8}</span>"
+                       "<span>{9}</span><span>{10}</span></div></div></article>\n",
+                       photo.id, PictureHtml(photo), TitleHtml(photo), DescriptionHtml(photo), TagsHtml(photo),
+                       Audience(photo), Word(SafetyWords, photo.safetyLevel),
+                       Word(ContentWords, photo.contentType), EscapeHtml(photo.detectedType),
+                       SizeText(photo.size), groupNames.empty() ? "no metadata in the file" : groupNames);
+}
+
+std::string RowHtml(const std::string &name, const std::string &value)
+{
+    return "<tr><td>" + EscapeHtml(name) + "</td><td dir=\"auto\">" + EscapeHtml(value) + "</td></tr>";
+}
+
+std::string UploadTable(const PhotoRecord &photo, const PhotoFacts &facts)
+{
+    std::string rows = RowHtml("Who may see it", Audience(photo)) +
+                       RowHtml("Safety", Word(SafetyWords, photo.safetyLevel)) +
+                       RowHtml("Content", Word(ContentWords, photo.contentType)) +
+                       RowHtml("Search", Word(SearchWords, photo.hidden)) +
+                       RowHtml("File name", photo.fileName) +
+                       RowHtml("Type", photo.detectedType + (photo.mimeType == photo.detectedType
+                                                                 ? ""
+                                                                 : " (sent as " + photo.mimeType + ")")) +
+                       RowHtml("Size", fmt::format("{} ({} bytes)", SizeText(photo.size), photo.size)) +
+                       RowHtml("Pixels", facts.width > 0 ? fmt::format("{} × {}", facts.width, facts.height) : "unknown") +
+                       RowHtml("SHA-256", photo.sha256) + RowHtml("Uploaded", TimeText(photo.uploaded)) +
+                       RowHtml("Program", photo.userAgent) + RowHtml("Photo id", std::to_string(photo.id));
+    if (!photo.ticket.empty())
+    {
+        rows += RowHtml("Ticket", photo.ticket);
+    }
+    return "<table>" + rows + "</table>";
+}
+
+}
+
+std::string SizeText(std::int64_t bytes)
+{
+    return bytes < 1000        ? fmt::format("{} bytes", bytes)
+           : bytes < 1'000'000 ? fmt::format("{:.0f} KB", static_cast<double>(bytes) / 1e3)
+                               : fmt::format("{:.1f} MB", static_cast<double>(bytes) / 1e6);
 }
 
 std::string TitleHtml(const PhotoRecord &photo)
@@ -105,72 +170,18 @@ std::string PictureHtml(const PhotoRecord &photo)
     return "<img loading=\"lazy\" alt=\"" + EscapeHtml(photo.title) + "\" src=\"" + source + "\">";
 }
 
-std::string TagsHtml(const PhotoRecord &photo)
-{
-    std::string html;
-    for (const auto &tag : SplitTags(photo.tags))
-    {
-        html += "<li>" + EscapeHtml(tag) + "</li>";
-    }
-    return html.empty() ? html : "<ul class=\"tags\" aria-label=\"Tags\">" + html + "</ul>";
-}
-
-std::string DescriptionHtml(const PhotoRecord &photo)
-{
-    return photo.description.empty() ? "" : "<p dir=\"auto\">" + EscapeHtml(photo.description) + "</p>";
-}
-
-std::string CardHtml(const PhotoRecord &photo, const std::string &groupNames)
-{
-    return fmt::format("<article class=\"card\"><a class=\"picture\" href=\"/photo/{0}\">{1}</a>"
-                       "<div class=\"text\"><h2 dir=\"auto\"><a href=\"/photo/{0}\">{2}</a></h2>{3}{4}"
-                       "<div class=\"facts\"><b>{5}</b><span>{6}</span><span>{7}</span><span>{8}</span>"
-                       "<span>{9}</span><span>{10}</span></div></div></article>\n",
-                       photo.id, PictureHtml(photo), TitleHtml(photo), DescriptionHtml(photo), TagsHtml(photo),
-                       Audience(photo), Word(SafetyWords, photo.safetyLevel),
-                       Word(ContentWords, photo.contentType), EscapeHtml(photo.detectedType),
-                       SizeText(photo.size), groupNames.empty() ? "no metadata in the file" : groupNames);
-}
-
-std::string RowHtml(const std::string &name, const std::string &value)
-{
-    return "<tr><td>" + EscapeHtml(name) + "</td><td dir=\"auto\">" + EscapeHtml(value) + "</td></tr>";
-}
-
-std::string UploadTable(const PhotoRecord &photo)
-{
-    std::string rows = RowHtml("Who may see it", Audience(photo)) +
-                       RowHtml("Safety", Word(SafetyWords, photo.safetyLevel)) +
-                       RowHtml("Content", Word(ContentWords, photo.contentType)) +
-                       RowHtml("Search", Word(SearchWords, photo.hidden)) +
-                       RowHtml("File name", photo.fileName) +
-                       RowHtml("Type", photo.detectedType + (photo.mimeType == photo.detectedType
-                                                                 ? ""
-                                                                 : " (sent as " + photo.mimeType + ")")) +
-                       RowHtml("Size", fmt::format("{} ({} bytes)", SizeText(photo.size), photo.size)) +
-                       RowHtml("SHA-256", photo.sha256) + RowHtml("Uploaded", TimeText(photo.uploaded)) +
-                       RowHtml("Program", photo.userAgent) + RowHtml("Photo id", std::to_string(photo.id));
-    if (!photo.ticket.empty())
-    {
-        rows += RowHtml("Ticket", photo.ticket);
-    }
-    return "<table>" + rows + "</table>";
-}
-
-}
-
-std::string OverviewPage(const Account &account, const std::vector<PhotoRecord> &photos,
-                         const std::function<std::string(const PhotoRecord &)> &groupNames)
+std::string OverviewPage(const Account &account, const std::vector<PhotoRecord> &photos, const FactsOf &facts)
 {
     std::int64_t bytes = 0;
     std::string cards;
     for (const auto &photo : photos)
     {
         bytes += photo.size;
-        cards += CardHtml(photo, groupNames(photo));
+        cards += CardHtml(photo, GroupNames(*facts(photo)));
     }
     const std::string heading =
-        fmt::format("<h1>{}<i>.</i></h1><p>{} · {} account · {} {}, {}</p>", EscapeHtml(account.fullName),
+        fmt::format("<h1>{}<i>.</i></h1><p>{} · {} account · {} {}, {}</p><p><a href=\"/compare\">Compare uploads</a></p>",
+                    EscapeHtml(account.fullName),
                     EscapeHtml(account.userName), account.isPro ? "Pro" : "Basic", photos.size(),
                     photos.size() == 1 ? "photo" : "photos", SizeText(bytes));
     return Frame(account.fullName + "’s photos", heading,
@@ -179,10 +190,10 @@ std::string OverviewPage(const Account &account, const std::vector<PhotoRecord> 
                                 : "<div class=\"grid\">" + cards + "</div>");
 }
 
-std::string PhotoPage(const PhotoRecord &photo, const std::vector<MetadataGroup> &metadata)
+std::string PhotoPage(const PhotoRecord &photo, const PhotoFacts &facts)
 {
     std::string groups;
-    for (const auto &group : metadata)
+    for (const auto &group : facts.groups)
     {
         std::string rows;
         for (const auto &[key, value] : group.entries)
@@ -202,7 +213,7 @@ std::string PhotoPage(const PhotoRecord &photo, const std::vector<MetadataGroup>
                     "<div class=\"panel\"><div class=\"text\"><h2 dir=\"auto\">{2}</h2>{3}{4}</div>{5}</div></div>"
                     "<section class=\"groups\" aria-label=\"Metadata in the file\">{6}</section>",
                     photo.id, PictureHtml(photo), TitleHtml(photo), DescriptionHtml(photo), TagsHtml(photo),
-                    UploadTable(photo), groups);
+                    UploadTable(photo, facts), groups);
     return Frame(photo.title.empty() ? "Photo " + std::to_string(photo.id) : photo.title,
                  "<h1><a href=\"/\">← All photos</a></h1>", main);
 }

@@ -5,17 +5,26 @@
 #include "loopback/PhotoIndex.h"
 #include "loopback/PhotoMetadata.h"
 
+#include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace loopback
 {
 
-// `groupNames` gives the names of the metadata groups in a photo's file, for its card.
-std::string OverviewPage(const Account &account, const std::vector<PhotoRecord> &photos,
-                         const std::function<std::string(const PhotoRecord &)> &groupNames);
-std::string PhotoPage(const PhotoRecord &photo, const std::vector<MetadataGroup> &metadata);
+using FactsOf = std::function<std::shared_ptr<const PhotoFacts>(const PhotoRecord &)>;
+
+// How photos are called on the pages; HTML.
+std::string TitleHtml(const PhotoRecord &photo);
+// The picture, or what stands for it; HTML.
+std::string PictureHtml(const PhotoRecord &photo);
+// "2.3 MB"
+std::string SizeText(std::int64_t bytes);
+
+std::string OverviewPage(const Account &account, const std::vector<PhotoRecord> &photos, const FactsOf &facts);
+std::string PhotoPage(const PhotoRecord &photo, const PhotoFacts &facts);
 std::string MissingPage();
 
 }

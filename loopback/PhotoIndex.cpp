@@ -12,7 +12,7 @@ namespace
 #define PHOTO_COLUMNS                                                                                        \
     "id, title, description, tags, is_public, is_friend, is_family, safety_level, content_type, hidden, "    \
     "ticket, file_name, mime_type, detected_type, stored_name, sha256, size, uploaded, token, user_agent, "  \
-    "connection"
+    "connection, run"
 
 PhotoRecord RecordOf(const Database::Row &row)
 {
@@ -41,6 +41,7 @@ PhotoRecord RecordOf(const Database::Row &row)
     record.token = text();
     record.userAgent = text();
     record.connection = number();
+    record.run = text();
     return record;
 }
 
@@ -56,6 +57,7 @@ PhotoIndex::PhotoIndex(Database &database) : m_database(database)
                  "stored_name TEXT NOT NULL, sha256 TEXT NOT NULL, size INTEGER NOT NULL, "
                  "uploaded INTEGER NOT NULL, token TEXT NOT NULL, user_agent TEXT NOT NULL, "
                  "connection INTEGER NOT NULL)");
+    EnsureTextColumn(database, "photos", "run");
     database.Run("CREATE INDEX IF NOT EXISTS photos_by_content ON photos (sha256)");
     database.Run("CREATE TABLE IF NOT EXISTS tickets (number INTEGER PRIMARY KEY, photo INTEGER NOT NULL, "
                  "closes INTEGER NOT NULL)");
@@ -74,11 +76,11 @@ void PhotoIndex::Add(const PhotoRecord &r)
 {
     const auto flag = [](int value) { return static_cast<std::int64_t>(value); };
     m_database.Run("INSERT INTO photos (" PHOTO_COLUMNS ") VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
-                   "?, ?, ?, ?, ?, ?)",
+                   "?, ?, ?, ?, ?, ?, ?)",
                    {r.id, r.title, r.description, r.tags, flag(r.isPublic), flag(r.isFriend), flag(r.isFamily),
                     flag(r.safetyLevel), flag(r.contentType), flag(r.hidden), r.ticket, r.fileName, r.mimeType,
                     r.detectedType, r.storedName, r.sha256, r.size, r.uploaded, r.token, r.userAgent,
-                    r.connection});
+                    r.connection, r.run});
 }
 
 std::vector<PhotoRecord> PhotoIndex::All() const

@@ -40,6 +40,8 @@ struct PhotoRecord
     std::string token;
     std::string userAgent;
     std::int64_t connection = 0;
+    // The account's "run" of that time.
+    std::string run;
 };
 
 enum class TicketState

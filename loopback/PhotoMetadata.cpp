@@ -85,7 +85,7 @@ void AddExif(const Exiv2::ExifData &data, MetadataGroup &exif, MetadataGroup &gp
 
 }
 
-std::vector<MetadataGroup> ReadPhotoMetadata(const std::filesystem::path &file)
+PhotoFacts ReadPhotoFacts(const std::filesystem::path &file)
 {
     // exiv2's XMP parser is not made for several threads.
     static std::mutex oneReader;
@@ -95,11 +95,15 @@ std::vector<MetadataGroup> ReadPhotoMetadata(const std::filesystem::path &file)
     MetadataGroup iptc{"IPTC"};
     MetadataGroup xmp{"XMP"};
     MetadataGroup comment{"Comment"};
+    PhotoFacts facts;
     try
     {
         Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
         const auto image = Exiv2::ImageFactory::open(file.string());
         image->readMetadata();
+        facts.width = image->pixelWidth();
+        facts.height = image->pixelHeight();
+        facts.profileSize = image->iccProfileDefined() ? static_cast<std::size_t>(image->iccProfile()->size_) : 0;
         AddExif(image->exifData(), exif, gps);
         AddEntries(image->iptcData(), iptc);
         AddEntries(image->xmpData(), xmp);
@@ -112,15 +116,14 @@ std::vector<MetadataGroup> ReadPhotoMetadata(const std::filesystem::path &file)
     {
         // What was read until then is shown.
     }
-    std::vector<MetadataGroup> groups;
     for (auto *group : {&exif, &gps, &iptc, &xmp, &comment})
     {
         if (!group->entries.empty())
         {
-            groups.push_back(std::move(*group));
+            facts.groups.push_back(std::move(*group));
         }
     }
-    return groups;
+    return facts;
 }
 
 }

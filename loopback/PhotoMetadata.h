@@ -1,4 +1,4 @@
-// The metadata that lies in a picture file, in groups, as texts for people.
+// What a picture file tells of itself: its measures, and its metadata in groups, as texts for people.
 #pragma once
 
 #include <filesystem>
@@ -17,7 +17,18 @@ struct MetadataGroup
     std::vector<std::pair<std::string, std::string>> entries;
 };
 
-// The groups that hold anything. A file that can't be read has none.
-std::vector<MetadataGroup> ReadPhotoMetadata(const std::filesystem::path &file);
+struct PhotoFacts
+{
+    // Pixels as they are stored, before any turning; 0 if the file doesn't tell.
+    int width = 0;
+    int height = 0;
+    // Bytes; 0 for no profile.
+    std::size_t profileSize = 0;
+    // Those that hold anything.
+    std::vector<MetadataGroup> groups;
+};
+
+// A file that can't be read has no facts.
+PhotoFacts ReadPhotoFacts(const std::filesystem::path &file);
 
 }

@@ -183,6 +183,7 @@ HttpReply UploadService::Accept(PhotoRecord record, Form &form, bool isAsynchron
 {
     std::lock_guard lock(m_acceptance);
     const Account account = m_accounts.Get();
+    record.run = account.run;
     const auto ticketReply = [&](std::int64_t photoId)
     {
         record.ticket = m_photos.AddTicket(photoId, UnixMilliseconds() + account.ticketDelay);
