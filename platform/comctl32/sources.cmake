@@ -1,2 +1,4 @@
 target_sources(platform PRIVATE
-  comctl32/ProgressBar.cpp)
+  comctl32/ProgressBar.cpp
+  comctl32/TaskDialog.cpp
+  comctl32/TaskDialogPage.cpp)

@@ -9,6 +9,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cctype>
+#include <iterator>
+#include <string_view>
 
 namespace
 {
@@ -21,13 +24,30 @@ void *OpenLoaded(const LoadedModule &module, int flags = 0)
     return dlopen(module.isProgram ? nullptr : module.path.c_str(), RTLD_LAZY | RTLD_NOLOAD | flags);
 }
 
+// The system's own libraries are all in one here, and are known by the names that Windows gives them.
+bool IsSystemLibrary(std::string name)
+{
+    static const std::string_view names[] = {"kernel32", "user32",   "comctl32", "shlwapi", "version",
+                                             "advapi32", "oleaut32", "ole32"};
+    std::transform(name.begin(), name.end(), name.begin(), [](unsigned char unit) { return std::tolower(unit); });
+    const bool hasExtension = name.ends_with(".dll");
+    const std::string_view bare(name.data(), name.size() - (hasExtension ? 4 : 0));
+    return std::find(std::begin(names), std::end(names), bare) != std::end(names);
+}
+
+std::optional<LoadedModule> FindNamed(const std::string &name)
+{
+    return IsSystemLibrary(name) ? FindModuleOfAddress(reinterpret_cast<const void *>(&GetModuleHandleExW))
+                                 : FindModuleByName(name);
+}
+
 std::optional<LoadedModule> Identify(DWORD flags, const WCHAR *name)
 {
     if (flags & GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS)
     {
         return FindModuleOfAddress(name);
     }
-    return name == nullptr ? FindModule(nullptr) : FindModuleByName(ToUtf8(name));
+    return name == nullptr ? FindModule(nullptr) : FindNamed(ToUtf8(name));
 }
 } // namespace
 

@@ -61,6 +61,26 @@ std::string ReadStream(IStream *stream)
     return bytes;
 }
 
+// A vector of bytes, whole; nothing else among the arrays is a document.
+std::string ReadBytes(SAFEARRAY *array)
+{
+    VARTYPE type = VT_EMPTY;
+    LONG first = 0, last = -1;
+    void *data = nullptr;
+    if (array == nullptr || SafeArrayGetDim(array) != 1 || FAILED(SafeArrayGetVartype(array, &type)) ||
+        type != VT_UI1)
+    {
+        ThrowHresult(E_INVALIDARG);
+    }
+    ThrowIfFailed(SafeArrayGetLBound(array, 1, &first));
+    ThrowIfFailed(SafeArrayGetUBound(array, 1, &last));
+    std::string bytes(static_cast<size_t>(LONGLONG{last} - first + 1), '\0');
+    ThrowIfFailed(SafeArrayAccessData(array, &data));
+    bytes.assign(static_cast<const char *>(data), bytes.size());
+    ThrowIfFailed(SafeArrayUnaccessData(array));
+    return bytes;
+}
+
 class Document final
     : public ComObject<Document, Answers<DocumentOperations, IXMLDOMDocument, IXMLDOMNode, IDispatch>>
 {
@@ -75,6 +95,10 @@ public:
     STDMETHODIMP load(VARIANT source, VARIANT_BOOL *success) noexcept override
     {
         return AtBoundary([&]() -> HRESULT {
+            if (V_VT(&source) == (VT_ARRAY | VT_UI1))
+            {
+                return Load(ReadBytes(V_ARRAY(&source)), false, success);
+            }
             const bool isObject = V_VT(&source) == VT_UNKNOWN || V_VT(&source) == VT_DISPATCH;
             const auto stream = QueryFor<IStream>(isObject ? V_UNKNOWN(&source) : nullptr);
             if (!stream)

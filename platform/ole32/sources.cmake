@@ -7,4 +7,5 @@ target_sources(platform PRIVATE
   ole32/Identifiers.cpp
   ole32/MemoryStream.cpp
   ole32/PropVariant.cpp
+  ole32/RunnableObject.cpp
   ole32/TaskMemory.cpp)

@@ -1,5 +1,5 @@
 // VARIANT: initialising, clearing and copying of the types that automation of this system uses.
-// Arrays and records are not among them: DISP_E_BADVARTYPE.
+// Arrays can be cleared, and not copied; records are not among them: DISP_E_BADVARTYPE.
 #include <windows.h>
 #include <oleauto.h>
 
@@ -39,6 +39,11 @@ bool IsObject(VARTYPE type)
     return type == VT_UNKNOWN || type == VT_DISPATCH;
 }
 
+bool IsArray(VARTYPE type)
+{
+    return (type & (VT_ARRAY | VT_BYREF)) == VT_ARRAY && IsPlain(type & ~VT_ARRAY);
+}
+
 bool IsKnown(VARTYPE type)
 {
     const VARTYPE bare = type & ~VT_BYREF;
@@ -58,6 +63,15 @@ HRESULT WINAPI VariantClear(VARIANTARG *variant)
     if (variant == nullptr)
     {
         return E_INVALIDARG;
+    }
+    if (IsArray(V_VT(variant)))
+    {
+        const HRESULT destroyed = SafeArrayDestroy(V_ARRAY(variant));
+        if (SUCCEEDED(destroyed))
+        {
+            V_VT(variant) = VT_EMPTY;
+        }
+        return destroyed;
     }
     if (!IsKnown(V_VT(variant)))
     {

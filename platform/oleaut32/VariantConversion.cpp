@@ -157,6 +157,41 @@ HRESULT ToInteger(const VARIANTARG &source, const IntegerRange &range, VARIANT &
     return S_OK;
 }
 
+// A double has no room for all numbers of 64 bits: text of plain digits is read as it stands.
+bool Integer64OfText(BSTR text, int64_t &value)
+{
+    std::string plain;
+    for (UINT i = 0; i < SysStringLen(text); ++i)
+    {
+        plain += text[i] < 0x80 ? static_cast<char>(text[i]) : '?';
+    }
+    std::string_view trimmed = Trim(plain);
+    if (trimmed.starts_with('+'))
+    {
+        trimmed.remove_prefix(1);
+    }
+    const auto [end, error] = std::from_chars(trimmed.data(), trimmed.data() + trimmed.size(), value);
+    return error == std::errc() && end == trimmed.data() + trimmed.size();
+}
+
+HRESULT ToInteger64(const VARIANTARG &source, VARIANT &result)
+{
+    int64_t value = 0;
+    if (V_VT(&source) == VT_BSTR && Integer64OfText(V_BSTR(&source), value))
+    {
+        V_I8(&result) = value;
+        return S_OK;
+    }
+    const Number number = NumberOf(source);
+    const double rounded = std::nearbyint(number.value);
+    if (FAILED(number.result) || rounded < -0x1p63 || rounded >= 0x1p63)
+    {
+        return FAILED(number.result) ? number.result : DISP_E_OVERFLOW;
+    }
+    V_I8(&result) = static_cast<int64_t>(rounded);
+    return S_OK;
+}
+
 HRESULT ToTruth(const VARIANTARG &source, VARIANT &result)
 {
     if (const auto truth = V_VT(&source) == VT_BSTR ? TruthOfText(V_BSTR(&source)) : std::nullopt)
@@ -223,6 +258,8 @@ HRESULT Convert(const VARIANTARG &source, USHORT flags, VARTYPE type, VARIANT &r
     }
     switch (type)
     {
+    case VT_I8:
+        return ToInteger64(source, result);
     case VT_BSTR:
         return ToText(source, flags, result);
     case VT_BOOL:

@@ -1,6 +1,7 @@
 target_sources(platform PRIVATE
   oleaut32/Bstr.cpp
   oleaut32/ErrorInfo.cpp
+  oleaut32/SafeArray.cpp
   oleaut32/TypeLibrary.cpp
   oleaut32/VarBstrCmp.cpp
   oleaut32/Variant.cpp

@@ -4,6 +4,7 @@ target_sources(platform PRIVATE
   user32/DefaultProcedure.cpp
   user32/Foreground.cpp
   user32/Icons.cpp
+  user32/MessageBox.cpp
   user32/StringResources.cpp
   user32/WindowClasses.cpp
   user32/WindowProperties.cpp

@@ -1,0 +1,11 @@
+#include "core/ComPtr.h"
+
+#include <windows.h>
+#include <ole2.h>
+
+// An object that isn't told to run is running.
+HRESULT WINAPI OleRun(IUnknown *object)
+{
+    const auto runnable = QueryFor<IRunnableObject>(object);
+    return object == nullptr ? E_INVALIDARG : runnable ? runnable->Run(nullptr) : S_OK;
+}
