@@ -45,15 +45,15 @@ void ServiceFixture::TearDown()
     unsetenv("HALVORA_CA_FILE");
 }
 
-TlsTestServer &ServiceFixture::StartServer(TlsTestServer::Script script)
+HttpTestServer &ServiceFixture::StartServer(HttpTestServer::Script script)
 {
     static const IssuedCertificate usual = Authority().Issue("DNS:*.flickr.com,DNS:flickr.com");
     return StartServer(usual, std::move(script));
 }
 
-TlsTestServer &ServiceFixture::StartServer(const IssuedCertificate &certificate, TlsTestServer::Script script)
+HttpTestServer &ServiceFixture::StartServer(const IssuedCertificate &certificate, HttpTestServer::Script script)
 {
-    m_server = std::make_unique<TlsTestServer>(certificate, std::move(script));
+    m_server = std::make_unique<HttpTestServer>(certificate, std::move(script));
     ConnectTo(m_server->Port());
     return *m_server;
 }

@@ -3,8 +3,8 @@
 
 #include "WebComponents.h"
 #include "core/ComObject.h"
-#include "tests/webclient/TestCertificates.h"
-#include "tests/webclient/TlsTestServer.h"
+#include "tests/server/TestCertificates.h"
+#include "tests/server/HttpTestServer.h"
 #include "webclient/HttpTransport.h"
 #include "webclient/RequestUrl.h"
 
@@ -57,8 +57,8 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    TlsTestServer &StartServer(TlsTestServer::Script script = TlsTestServer::AnswerAll);
-    TlsTestServer &StartServer(const IssuedCertificate &certificate, TlsTestServer::Script script);
+    HttpTestServer &StartServer(HttpTestServer::Script script = HttpTestServer::AnswerAll);
+    HttpTestServer &StartServer(const IssuedCertificate &certificate, HttpTestServer::Script script);
     static void ConnectTo(unsigned port);
 
     // From the registered module, as everybody gets it; with limits, one of this program's own.
@@ -81,5 +81,5 @@ protected:
 
     static const TestAuthority &Authority();
 
-    std::unique_ptr<TlsTestServer> m_server;
+    std::unique_ptr<HttpTestServer> m_server;
 };

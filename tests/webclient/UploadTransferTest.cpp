@@ -27,7 +27,7 @@ protected:
 
 TEST_F(UploadTransferTest, FailingAnswerEndsTheTransferWithItsCode)
 {
-    TlsTestServer &server = StartServer();
+    HttpTestServer &server = StartServer();
     const auto client = Client();
     const auto progress = RecordedProgress::Make([](const RecordedProgress::ProgressEntry &entry) {
         return entry.code == UPLOAD_BYTES && entry.done > 0 ? static_cast<HRESULT>(0x80041234) : S_OK;
@@ -84,7 +84,7 @@ TEST_F(UploadTransferTest, LimitsEndWhatDoesNotMove)
     StartServer([](Conversation &conversation) {
         conversation.ReadRequest();
         std::this_thread::sleep_for(2500ms);
-        conversation.WriteReply(200, "OK", TlsTestServer::Success);
+        conversation.WriteReply(200, "OK", HttpTestServer::Success);
     });
     EXPECT_EQ(Upload(ClientWithLimits(limits).Get(), ScriptedStream::MakeEndless(1000).Get(), 1000).result, S_OK);
 }
@@ -120,7 +120,7 @@ TEST_F(UploadTransferTest, LargeBodiesPassThroughLittleMemory)
     constexpr UINT32 size = 1'500'000'000;
     constexpr long limit = 48 * 1024;
 #endif
-    TlsTestServer &server = StartServer();
+    HttpTestServer &server = StartServer();
     const auto progress = RecordedProgress::Make();
     const UploadOutcome outcome = Upload(Client().Get(), ScriptedStream::MakeEndless(size).Get(), size, progress.Get());
     EXPECT_EQ(outcome.result, S_OK) << outcome.Description();

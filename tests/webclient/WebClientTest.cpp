@@ -19,7 +19,7 @@ const WCHAR *const Title = TEXT("Gr\u00FC\u00DFe \u65E5\u672C & +50% \U0001F600\
 
 TEST_F(WebClientTest, RestRequestIsASignedForm)
 {
-    TlsTestServer &server = StartServer();
+    HttpTestServer &server = StartServer();
     const auto client = Client();
     const auto fields = Parameters({{TEXT("method"), TEXT("flickr.test.echo")}, {TEXT("title"), Title}});
     const UploadOutcome outcome = CallMethod(client.Get(), fields.Get());
@@ -43,7 +43,7 @@ TEST_F(WebClientTest, RestRequestIsASignedForm)
 
 TEST_F(WebClientTest, UploadCarriesTheFormAsItIs)
 {
-    TlsTestServer &server = StartServer();
+    HttpTestServer &server = StartServer();
     ComPtr<IMultipartFormData> form;
     ASSERT_EQ(CoCreateInstance(CLSID_MultipartFormData, nullptr, 23, __uuidof(IMultipartFormData), form.PutVoid()), S_OK);
     const auto picture = ScriptedStream::Make(std::string(300'000, 'p'), 10'000);
@@ -91,7 +91,7 @@ TEST_F(WebClientTest, UploadCarriesTheFormAsItIs)
 
 TEST_F(WebClientTest, FreshClientsShareOneConnection)
 {
-    TlsTestServer &server = StartServer();
+    HttpTestServer &server = StartServer();
     for (int i = 0; i < 5; ++i)
     {
         EXPECT_EQ(UploadText(Client().Get(), "picture").result, S_OK);
@@ -103,7 +103,7 @@ TEST_F(WebClientTest, FreshClientsShareOneConnection)
 
 TEST_F(WebClientTest, ThreadsKeepTheirConnectionsApart)
 {
-    TlsTestServer &server = StartServer();
+    HttpTestServer &server = StartServer();
     std::atomic<int> successes{0};
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i)
@@ -130,9 +130,9 @@ TEST_F(WebClientTest, ThreadsKeepTheirConnectionsApart)
 
 TEST_F(WebClientTest, ConnectionThatClosedWhileIdleFailsNothing)
 {
-    TlsTestServer &server = StartServer([](Conversation &conversation) {
+    HttpTestServer &server = StartServer([](Conversation &conversation) {
         conversation.ReadRequest();
-        conversation.WriteReply(200, "OK", TlsTestServer::Success);
+        conversation.WriteReply(200, "OK", HttpTestServer::Success);
     });
     for (int i = 0; i < 3; ++i)
     {
@@ -145,11 +145,11 @@ TEST_F(WebClientTest, ConnectionThatClosedWhileIdleFailsNothing)
 
 TEST_F(WebClientTest, RequestThatWasReadButNotAnsweredIsNotRepeated)
 {
-    TlsTestServer &server = StartServer([](Conversation &conversation) {
+    HttpTestServer &server = StartServer([](Conversation &conversation) {
         conversation.ReadRequest();
         if (conversation.Number() == 1)
         {
-            conversation.WriteReply(200, "OK", TlsTestServer::Success);
+            conversation.WriteReply(200, "OK", HttpTestServer::Success);
             conversation.ReadRequest();
         }
     });
@@ -171,7 +171,7 @@ TEST_F(WebClientTest, HeadThatReachedADyingConnectionIsNotRepeated)
             {
                 return;
             }
-            conversation.WriteReply(200, "OK", TlsTestServer::Success);
+            conversation.WriteReply(200, "OK", HttpTestServer::Success);
         }
     });
     const auto fields = Parameters({});
@@ -226,7 +226,7 @@ TEST_F(WebClientTest, RefusalsAreToldInTheServicesWords)
     };
     for (const RefusalCase &refusal : cases)
     {
-        TlsTestServer &server = StartServer([&refusal](Conversation &conversation) {
+        HttpTestServer &server = StartServer([&refusal](Conversation &conversation) {
             while (conversation.ReadRequest())
             {
                 conversation.WriteReply(refusal.status, refusal.words, refusal.body,
@@ -273,7 +273,7 @@ TEST_F(WebClientTest, OnlyGoodCertificatesAreSpokenTo)
     };
     for (const auto &refused : cases)
     {
-        TlsTestServer &server = StartServer(refused.certificate, TlsTestServer::AnswerAll);
+        HttpTestServer &server = StartServer(refused.certificate, HttpTestServer::AnswerAll);
         const auto body = ScriptedStream::Make("secret picture");
         const UploadOutcome outcome = Upload(Client().Get(), body.Get(), 14);
         EXPECT_EQ(outcome.result, refused.result);
@@ -306,7 +306,7 @@ TEST_F(WebClientTest, UnreachableServiceIsToldInWords)
 
 TEST_F(WebClientTest, TroubleWithTheBodyEndsTheTransferWithItsCode)
 {
-    TlsTestServer &server = StartServer();
+    HttpTestServer &server = StartServer();
     const auto broken = ScriptedStream::Make(std::string(1'000'000, 'x'));
     broken->failAt = 500'000;
     broken->failure = STG_E_READFAULT;
@@ -324,7 +324,7 @@ TEST_F(WebClientTest, TroubleWithTheBodyEndsTheTransferWithItsCode)
 
 TEST_F(WebClientTest, AuthorizationTradesItsTokens)
 {
-    TlsTestServer &server = StartServer([](Conversation &conversation) {
+    HttpTestServer &server = StartServer([](Conversation &conversation) {
         while (const auto request = conversation.ReadRequest())
         {
             const bool isFirst = request->line.find("request_token") != std::string::npos;

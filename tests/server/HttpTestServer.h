@@ -1,8 +1,8 @@
-// A TLS server on 127.0.0.1 that keeps a record of what reached it, and that a test can make
-// misbehave. Each connection is a thread that runs the test's script.
+// An HTTP server on 127.0.0.1, with TLS or plain, that keeps a record of what reached it, and that a
+// test can make misbehave. Each connection is a thread that runs the test's script.
 #pragma once
 
-#include "tests/webclient/TestCertificates.h"
+#include "tests/server/TestCertificates.h"
 
 #include <atomic>
 #include <functional>
@@ -29,13 +29,13 @@ struct SeenRequest
     std::string Header(const std::string &name) const;
 };
 
-class TlsTestServer;
+class HttpTestServer;
 
 // What a script can do on its connection.
 class Conversation
 {
 public:
-    Conversation(TlsTestServer &server, ssl_st *tls, int socket, int number)
+    Conversation(HttpTestServer &server, ssl_st *tls, int socket, int number)
         : m_server(server), m_tls(tls), m_socket(socket), m_number(number)
     {
     }
@@ -56,22 +56,25 @@ public:
 
 private:
     bool Fill();
+    int Read(char *buffer, int size);
     void ReadBody(SeenRequest &request, unsigned long long length);
 
-    TlsTestServer &m_server;
-    ssl_st *m_tls;
+    HttpTestServer &m_server;
+    ssl_st *m_tls; // null on a plain connection
     int m_socket;
     int m_number;
     std::string m_ahead; // read and not used yet
 };
 
-class TlsTestServer
+class HttpTestServer
 {
 public:
     using Script = std::function<void(Conversation &)>;
 
-    explicit TlsTestServer(const IssuedCertificate &certificate, Script script = AnswerAll);
-    ~TlsTestServer();
+    // Plain, and with TLS.
+    explicit HttpTestServer(Script script);
+    explicit HttpTestServer(const IssuedCertificate &certificate, Script script = AnswerAll);
+    ~HttpTestServer();
 
     // Answers each request with a success.
     static void AnswerAll(Conversation &conversation);
@@ -89,7 +92,9 @@ private:
     void Serve(int socket, int number);
     void Record(const SeenRequest &request);
 
-    std::shared_ptr<ssl_ctx_st> m_context;
+    void Start();
+
+    std::shared_ptr<ssl_ctx_st> m_context; // null: plain
     Script m_script;
     int m_listener = -1;
     unsigned m_port = 0;

@@ -1,4 +1,4 @@
-#include "tests/webclient/TlsTestServer.h"
+#include "tests/server/HttpTestServer.h"
 
 #include <openssl/ssl.h>
 
@@ -48,10 +48,15 @@ std::string SeenRequest::Header(const std::string &name) const
     return headers.substr(start, headers.find("\r\n", start) - start);
 }
 
+int Conversation::Read(char *buffer, int size)
+{
+    return m_tls ? SSL_read(m_tls, buffer, size) : static_cast<int>(recv(m_socket, buffer, static_cast<size_t>(size), 0));
+}
+
 bool Conversation::Fill()
 {
     char buffer[65536];
-    const int read = SSL_read(m_tls, buffer, sizeof(buffer));
+    const int read = Read(buffer, sizeof(buffer));
     if (read > 0)
     {
         m_ahead.append(buffer, static_cast<size_t>(read));
@@ -103,7 +108,20 @@ std::optional<SeenRequest> Conversation::ReadRequest()
 
 void Conversation::Write(const std::string &text)
 {
-    SSL_write(m_tls, text.data(), static_cast<int>(text.size()));
+    if (m_tls)
+    {
+        SSL_write(m_tls, text.data(), static_cast<int>(text.size()));
+        return;
+    }
+    for (size_t done = 0; done < text.size();)
+    {
+        const ssize_t sent = send(m_socket, text.data() + done, text.size() - done, MSG_NOSIGNAL);
+        if (sent <= 0)
+        {
+            return;
+        }
+        done += static_cast<size_t>(sent);
+    }
 }
 
 void Conversation::WriteReply(int status, const std::string &words, const std::string &body,
@@ -123,17 +141,27 @@ void Conversation::WaitForEnd()
     }
 }
 
-TlsTestServer::TlsTestServer(const IssuedCertificate &certificate, Script script)
+HttpTestServer::HttpTestServer(const IssuedCertificate &certificate, Script script)
     : m_context(SSL_CTX_new(TLS_server_method()), SSL_CTX_free), m_script(std::move(script))
 {
-    std::signal(SIGPIPE, SIG_IGN);
     SSL_CTX_use_certificate(m_context.get(), certificate.certificate.get());
     SSL_CTX_use_PrivateKey(m_context.get(), certificate.key.get());
+    Start();
+}
+
+HttpTestServer::HttpTestServer(Script script) : m_script(std::move(script))
+{
+    Start();
+}
+
+void HttpTestServer::Start()
+{
+    std::signal(SIGPIPE, SIG_IGN);
     m_listener = Listen(m_port);
     m_acceptor = std::thread([this] { Accept(); });
 }
 
-TlsTestServer::~TlsTestServer()
+HttpTestServer::~HttpTestServer()
 {
     m_isEnding = true;
     shutdown(m_listener, SHUT_RDWR);
@@ -152,7 +180,7 @@ TlsTestServer::~TlsTestServer()
     close(m_listener);
 }
 
-void TlsTestServer::Accept()
+void HttpTestServer::Accept()
 {
     for (;;)
     {
@@ -170,11 +198,15 @@ void TlsTestServer::Accept()
     }
 }
 
-void TlsTestServer::Serve(int socket, int number)
+void HttpTestServer::Serve(int socket, int number)
 {
-    std::unique_ptr<SSL, void (*)(SSL *)> tls(SSL_new(m_context.get()), SSL_free);
-    SSL_set_fd(tls.get(), socket);
-    if (SSL_accept(tls.get()) == 1)
+    std::unique_ptr<SSL, void (*)(SSL *)> tls(m_context ? SSL_new(m_context.get()) : nullptr, SSL_free);
+    if (!tls)
+    {
+        Conversation conversation(*this, nullptr, socket, number);
+        m_script(conversation);
+    }
+    else if (SSL_set_fd(tls.get(), socket) == 1 && SSL_accept(tls.get()) == 1)
     {
         m_resumed += SSL_session_reused(tls.get());
         Conversation conversation(*this, tls.get(), socket, number);
@@ -186,19 +218,19 @@ void TlsTestServer::Serve(int socket, int number)
     close(socket);
 }
 
-void TlsTestServer::Record(const SeenRequest &request)
+void HttpTestServer::Record(const SeenRequest &request)
 {
     const std::lock_guard guard(m_lock);
     m_requests.push_back(request);
 }
 
-std::vector<SeenRequest> TlsTestServer::Requests()
+std::vector<SeenRequest> HttpTestServer::Requests()
 {
     const std::lock_guard guard(m_lock);
     return m_requests;
 }
 
-void TlsTestServer::AnswerAll(Conversation &conversation)
+void HttpTestServer::AnswerAll(Conversation &conversation)
 {
     while (conversation.ReadRequest())
     {

@@ -1,4 +1,4 @@
-#include "tests/webclient/TestCertificates.h"
+#include "tests/server/TestCertificates.h"
 
 #include <openssl/evp.h>
 #include <openssl/pem.h>

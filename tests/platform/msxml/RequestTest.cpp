@@ -1,0 +1,91 @@
+// Requests without a server: what can be asked when.
+#include "Registration.h"
+#include "RequestUse.h"
+#include "tests/platform/World.h"
+
+#include <gmock/gmock.h>
+
+namespace
+{
+// No server has this port, so near as the system tells.
+const char *const closedPort = "http://127.0.0.1:1/";
+
+class Request : public testing::TestWithParam<const CLSID *>
+{
+protected:
+    static void SetUpTestSuite() { RegisterDocumentClass(); }
+};
+
+INSTANTIATE_TEST_SUITE_P(BothClasses, Request, testing::Values(&serverRequestClass, &userRequestClass));
+
+TEST_P(Request, HasNothingToReadAndNothingToSendBeforeItIsOpen)
+{
+    RequestUse use(*GetParam());
+    ASSERT_EQ(S_OK, use.creation);
+    LONG number = 77;
+    BstrOwner text;
+    ComPtr<IDispatch> document;
+    EXPECT_EQ(S_OK, use.request->get_readyState(&number));
+    EXPECT_EQ(0, number);
+    EXPECT_EQ(E_FAIL, use.Send());
+    EXPECT_EQ(E_FAIL, use.request->setRequestHeader(Bstr("X-A").Get(), Bstr("b").Get()));
+    EXPECT_EQ(E_FAIL, use.request->get_status(&number));
+    EXPECT_EQ(E_FAIL, use.request->get_statusText(text.Put()));
+    EXPECT_EQ(E_FAIL, use.request->get_responseText(text.Put()));
+    EXPECT_EQ(E_FAIL, use.request->get_responseXML(document.Put()));
+    EXPECT_FALSE(document);
+    EXPECT_EQ(E_INVALIDARG, use.request->get_status(nullptr));
+    EXPECT_EQ(E_INVALIDARG, use.request->get_responseXML(nullptr));
+    EXPECT_EQ(S_OK, use.request->abort());
+}
+
+TEST_P(Request, OpensWhatIsAnAddressAndAMethod)
+{
+    RequestUse use(*GetParam());
+    ASSERT_EQ(S_OK, use.creation);
+    EXPECT_EQ(S_OK, use.Open(closedPort));
+    LONG state = 77;
+    EXPECT_EQ(S_OK, use.request->get_readyState(&state));
+    EXPECT_EQ(1, state);
+    EXPECT_EQ(E_INVALIDARG, use.request->setRequestHeader(nullptr, nullptr));
+    EXPECT_EQ(S_OK, use.request->setRequestHeader(Bstr("X-A").Get(), Bstr("b").Get()));
+    EXPECT_TRUE(FAILED(use.request->open(nullptr, Bstr(closedPort).Get(), VARIANT{}, VARIANT{}, VARIANT{})));
+    EXPECT_TRUE(FAILED(use.request->open(Bstr("GET").Get(), nullptr, VARIANT{}, VARIANT{}, VARIANT{})));
+    EXPECT_EQ(S_OK, use.request->abort());
+    EXPECT_EQ(E_FAIL, use.Send());
+}
+
+TEST_P(Request, FailsToSendWhereNobodyListensAndCanBeUsedAgain)
+{
+    RequestUse use(*GetParam());
+    ASSERT_EQ(S_OK, use.creation);
+    for (int round = 0; round < 2; ++round)
+    {
+        const HRESULT result = use.Get(closedPort);
+        // Wine has codes of its own for this.
+        EXPECT_EQ(!underWine, result == static_cast<HRESULT>(0x80072EFD)) << std::hex << result;
+        EXPECT_TRUE(FAILED(result));
+        EXPECT_EQ(-1, use.Status());
+    }
+}
+
+TEST(RequestClasses, OnlyTheServersCanBeGivenAProxy)
+{
+    RegisterDocumentClass();
+    for (const CLSID *requestClass : {&serverRequestClass, &userRequestClass})
+    {
+        RequestUse use(*requestClass);
+        ASSERT_EQ(S_OK, use.creation);
+        ComPtr<IDispatch> automation;
+        EXPECT_EQ(S_OK, use.request->QueryInterface(__uuidof(IDispatch), automation.PutVoid()));
+        for (const IID &iid : {__uuidof(IServerXMLHTTPRequest), __uuidof(IServerXMLHTTPRequest2)})
+        {
+            ComPtr<IUnknown> server;
+            // Wine's class has the first of the two interfaces alone.
+            const bool has = requestClass == &serverRequestClass &&
+                             (!underWine || iid == __uuidof(IServerXMLHTTPRequest));
+            EXPECT_EQ(has ? S_OK : E_NOINTERFACE, use.request->QueryInterface(iid, server.PutVoid()));
+        }
+    }
+}
+} // namespace
