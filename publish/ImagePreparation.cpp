@@ -64,8 +64,8 @@ Source OpenSource(const Preparation &preparation, ItemRecord *record)
         return source;
     }
     const auto longEdge = static_cast<INT32>(preparation.Options.LongEdgePixels);
-    ThrowIfFailed(preparation.Metadata->ReadImageMetadata(preparation.SourcePath, 0, longEdge, source.Bitmap.Put(),
-                                                          READ_METADATA_AND_PICTURE, record));
+    ThrowIfFailed(preparation.Metadata->ReadImageMetadata(preparation.SourcePath, 0, longEdge,
+                                                          source.Bitmap.Put(), READ_METADATA_AND_PICTURE, record));
     if (!source.Bitmap)
     {
         ThrowHresult(E_UNEXPECTED);

@@ -15,7 +15,8 @@ bool FindOut() noexcept
 {
     OSVERSIONINFOW version{};
     version.dwOSVersionInfoSize = sizeof version;
-    return (GetVersionExW(&version) && VersionHasJpegSubsampling(version.dwMajorVersion, version.dwMinorVersion)) ||
+    const bool isKnown = GetVersionExW(&version);
+    return (isKnown && VersionHasJpegSubsampling(version.dwMajorVersion, version.dwMinorVersion)) ||
            IsFreeThreaded(HKEY_CLASSES_ROOT, imagingServerKey);
 }
 } // namespace
@@ -42,9 +43,9 @@ bool IsFreeThreaded(HKEY root, const WCHAR *serverKey) noexcept
     WCHAR model[16] = {};
     DWORD type = REG_NONE;
     DWORD size = sizeof model - sizeof(WCHAR);
-    if (RegQueryValueExW(key.Get(), TEXT("ThreadingModel"), nullptr, &type, reinterpret_cast<BYTE *>(model), &size) !=
-            ERROR_SUCCESS ||
-        (type != REG_SZ && type != REG_EXPAND_SZ))
+    const LSTATUS read = RegQueryValueExW(key.Get(), TEXT("ThreadingModel"), nullptr, &type,
+                                          reinterpret_cast<BYTE *>(model), &size);
+    if (read != ERROR_SUCCESS || (type != REG_SZ && type != REG_EXPAND_SZ))
     {
         return false;
     }

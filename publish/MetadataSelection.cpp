@@ -54,7 +54,8 @@ void MarkAsProcessed(IWICMetadataQueryWriter *writer)
 
 bool WantsAnyMetadata(const UploadOptions &options) noexcept
 {
-    return options.WriteCopyright || options.WriteExif || options.WriteXmp || options.WriteGps || options.WriteIptc;
+    return options.WriteCopyright || options.WriteExif || options.WriteXmp || options.WriteGps ||
+           options.WriteIptc;
 }
 
 void BlankDeselectedGroups(ItemRecord &record, const UploadOptions &options) noexcept
