@@ -13,7 +13,8 @@ endfunction()
 
 # halvora_test(NAME SOURCES ... LIBRARIES ... [LABELS ...])
 #
-# A GoogleTest program, one entry of ctest; it runs under the emulator where the world needs one.
+# A GoogleTest program, one entry of ctest; it runs under the emulator where the world needs one. A
+# program that shows windows has no display until test_shows_windows(NAME) gives it one.
 function(halvora_test name)
   cmake_parse_arguments(TEST "" "" "SOURCES;LIBRARIES;LABELS" ${ARGN})
   add_executable(${name} ${TEST_SOURCES})
@@ -28,4 +29,12 @@ function(halvora_test name)
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES TIMEOUT 300 LABELS "${TEST_LABELS}"
     ENVIRONMENT "HALVORA_REGISTRY_FILE=${CMAKE_CURRENT_BINARY_DIR}/${name}.reg")
+endfunction()
+
+function(test_shows_windows name)
+  if(NOT HALVORA_NATIVE)
+    set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT "HALVORA_DISPLAY=own")
+    # Starting a display and a prefix takes time; a dialog that hangs must not take all of it.
+    set_tests_properties(${name} PROPERTIES RESOURCE_LOCK display TIMEOUT 180)
+  endif()
 endfunction()
