@@ -16,7 +16,7 @@ using namespace std::chrono_literals;
 
 namespace
 {
-constexpr auto ProgramLimit = 10s;
+constexpr auto ProgramLimit = 6s;
 constexpr auto ScriptLimit = 15s;
 constexpr auto DetectionLimit = 4s; // in a network without such a host the name's lookup may hang
 constexpr const char *DetectedScript = "http://wpad/wpad.dat";

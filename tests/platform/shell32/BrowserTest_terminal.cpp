@@ -1,0 +1,134 @@
+// What reaches the opener of pages, for which a script stands in: it writes down how it was started.
+#include <windows.h>
+#include <shellapi.h>
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace
+{
+using testing::HasSubstr;
+using testing::Not;
+
+class Browser : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        m_path = std::getenv("PATH");
+        m_folder = fs::temp_directory_path() / ("halvora-shell-" + std::to_string(getpid()));
+        fs::create_directory(m_folder);
+        setenv("PATH", (m_folder.string() + ":" + m_path).c_str(), 1);
+        setenv("RECORD", (m_folder / "record").c_str(), 1);
+    }
+    void TearDown() override
+    {
+        setenv("PATH", m_path.c_str(), 1);
+        fs::remove_all(m_folder);
+    }
+
+    void Install(const std::string &script)
+    {
+        const fs::path file = m_folder / "xdg-open";
+        std::ofstream(file) << "#!/bin/sh\n" << script;
+        fs::permissions(file, fs::perms::owner_all);
+    }
+
+    // What the opener wrote, once it is done with it; empty after some seconds without.
+    std::string Record() const
+    {
+        for (int i = 0; i < 500 && !fs::exists(m_folder / "record"); ++i)
+        {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+        std::stringstream text;
+        text << std::ifstream(m_folder / "record").rdbuf();
+        return text.str();
+    }
+
+    static INT_PTR Open(const WCHAR *address, const WCHAR *verb = TEXT("open"))
+    {
+        return reinterpret_cast<INT_PTR>(ShellExecuteW(nullptr, verb, address, nullptr, nullptr, SW_SHOWMAXIMIZED));
+    }
+
+    fs::path m_folder;
+    std::string m_path;
+};
+
+TEST_F(Browser, GetsTheAddressAsItIsAndNothingElse)
+{
+    const int leaked = open("/dev/null", O_RDONLY); // without close-on-exec
+    Install("{ printf '%s\\n' \"$#\" \"$@\"; ls -l /proc/$$/fd; echo noise; echo noise >&2; } > \"$RECORD.new\" 2>&1\n"
+            "echo 'scribbled on the terminal'\nps -o sid= -p $$ >> \"$RECORD.new\"; mv \"$RECORD.new\" \"$RECORD\"\n");
+    const WCHAR *const address = TEXT("https://www.example/authorize?a=$(id)&b=`x`;'\"%20é oauth_token=1-2");
+    testing::internal::CaptureStdout();
+    ASSERT_GT(Open(address), 32);
+    const std::string record = Record();
+    EXPECT_EQ("", testing::internal::GetCapturedStdout());
+    EXPECT_THAT(record, testing::StartsWith("1\nhttps://www.example/authorize?a=$(id)&b=`x`;'\"%20\xC3\xA9 oauth_token=1-2\n"));
+    EXPECT_THAT(record, HasSubstr("0 -> /dev/null"));
+    EXPECT_THAT(record, Not(HasSubstr(" " + std::to_string(leaked) + " -> /dev/null"))) << record;
+    close(leaked);
+}
+
+TEST_F(Browser, IsNotWaitedForAndLeavesNoZombie)
+{
+    Install("mv \"$0\" \"$RECORD\"; sleep 2\n");
+    const auto before = std::chrono::steady_clock::now();
+    ASSERT_GT(Open(TEXT("HTTP://www.example/"), nullptr), 32);
+    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(2));
+    EXPECT_NE("", Record());
+    // Once it has ended this process has no child left, not even a dead one.
+    int result = 0;
+    for (int i = 0; i < 500 && result == 0; ++i)
+    {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        siginfo_t info{};
+        result = waitid(P_ALL, 0, &info, WEXITED | WNOWAIT | WNOHANG);
+    }
+    EXPECT_EQ(-1, result);
+}
+
+TEST_F(Browser, OpensPagesOfTheWebAlone)
+{
+    Install("touch \"$RECORD\"\n");
+    const struct
+    {
+        const WCHAR *verb, *file;
+        INT_PTR result;
+    } cases[] = {
+        {TEXT("open"), TEXT("file:///etc/passwd"), SE_ERR_NOASSOC},
+        {TEXT("open"), TEXT("/bin/sh"), SE_ERR_NOASSOC},
+        {TEXT("open"), TEXT("--help"), SE_ERR_NOASSOC},
+        {TEXT("open"), TEXT("javascript:alert(1)"), SE_ERR_NOASSOC},
+        {TEXT("open"), TEXT("http://"), SE_ERR_NOASSOC},
+        {TEXT("open"), TEXT("http://a.example/\nX"), SE_ERR_ACCESSDENIED},
+        {TEXT("print"), TEXT("http://a.example/"), SE_ERR_NOASSOC},
+        {TEXT("open"), TEXT(""), SE_ERR_FNF},
+        {TEXT("open"), nullptr, SE_ERR_FNF},
+    };
+    for (const auto &c : cases)
+    {
+        EXPECT_EQ(c.result, Open(c.file, c.verb));
+        EXPECT_NE(DWORD{ERROR_SUCCESS}, GetLastError());
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    EXPECT_FALSE(fs::exists(m_folder / "record"));
+
+    setenv("PATH", "relative:/no/such/folder", 1);
+    EXPECT_EQ(SE_ERR_FNF, Open(TEXT("http://a.example/")));
+    EXPECT_EQ(DWORD{ERROR_FILE_NOT_FOUND}, GetLastError());
+}
+} // namespace

@@ -1,0 +1,3 @@
+if(WIN32)
+  list(APPEND libraries shell32)
+endif()
