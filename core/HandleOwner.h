@@ -95,3 +95,11 @@ struct GlobalLockPolicy
     static void Free(Handle handle) noexcept { GlobalUnlock(handle); }
 };
 using GlobalLockOwner = HandleOwner<GlobalLockPolicy>;
+
+struct BitmapPolicy
+{
+    using Handle = HBITMAP;
+    static Handle Empty() noexcept { return nullptr; }
+    static void Free(Handle handle) noexcept { DeleteObject(handle); }
+};
+using BitmapOwner = HandleOwner<BitmapPolicy>;

@@ -2,13 +2,15 @@
 #pragma once
 
 #define IDI_PUBLISHER 200
+#define IDB_WAITING 216
+#define IDR_COMMON_CONTROLS_6 2
 
 // Task dialogs, of the type TDXML
 #define IDX_AUTHORIZE 202
 #define IDX_COMPLETION 204
 
 // Words of the plug-in
-#define IDS_DISPLAY_NAME 101
+#define IDS_DISPLAY_NAME 100
 #define IDS_LOG_SOURCE 102
 #define IDS_ERROR_CODE 103
 
@@ -89,3 +91,61 @@
 #define IDS_AUTHORIZE_TEXT 207
 #define IDS_COMPLETION_CAPTION 208
 #define IDS_COMPLETION_TEXT 209
+
+// Settings sheet
+#define IDS_HOMEPAGE_LINK 221
+#define IDS_ABOUT_ACCOUNT 222
+#define IDS_REFRESH_FAILED 223
+
+// Templates of the sheet's pages
+#define IDD_PHOTOS 100
+#define IDD_ABOUT 205
+#define IDD_JPEG 206
+#define IDD_RAW 208
+#define IDD_OPTIONS 209
+
+// Beside the sheet's buttons
+#define IDC_HOMEPAGE_LINK 123
+
+// Controls, page by page: a number means something on its own page alone.
+// Photos
+#define IDC_WRITE_TITLE 237
+#define IDC_WRITE_DESCRIPTION 238
+#define IDC_WRITE_TAGS 239
+#define IDC_VISIBLE_TO_ANYONE 243
+#define IDC_VISIBLE_TO_FRIENDS_AND_FAMILY 246
+#define IDC_VISIBLE_TO_FRIENDS 245
+#define IDC_VISIBLE_TO_FAMILY 244
+#define IDC_VISIBLE_TO_NOBODY 240
+#define IDC_ASYNC_UPLOAD 257
+
+// Options
+#define IDC_SAFETY_SAFE 250
+#define IDC_SAFETY_MODERATE 251
+#define IDC_SAFETY_RESTRICTED 252
+#define IDC_CONTENT_PHOTOS 253
+#define IDC_CONTENT_SCREENSHOTS 254
+#define IDC_CONTENT_OTHER 255
+#define IDC_SEARCH_SHOW 256
+#define IDC_SEARCH_HIDE 257
+
+// JPEG Settings and RAW/TIFF Settings; the modes are on the first of the two alone
+#define IDC_MODE_AS_IS 215
+#define IDC_MODE_PIXELS_INTACT 224
+#define IDC_MODE_PROCESSED 216
+#define IDC_MINIMIZE 217
+#define IDC_WRITE_COPYRIGHT 228
+#define IDC_WRITE_EXIF 218
+#define IDC_WRITE_XMP 219
+#define IDC_WRITE_GPS 220
+#define IDC_WRITE_IPTC 221
+#define IDC_OUTPUT_SIZE_LABEL 223
+#define IDC_OUTPUT_SIZE 222
+#define IDC_OUTPUT_SIZE_NOTE 225
+
+// About
+#define IDC_VERSION 208
+#define IDC_COPYRIGHT 209
+#define IDC_ACCOUNT 205
+#define IDC_REFRESH 210
+#define IDC_REVOKE 237

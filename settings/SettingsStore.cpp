@@ -42,14 +42,20 @@ void LoadConversion(const SettingsReader &reader, const WideText &kind, Conversi
     const INT32 pixels = OutputSizeToPixels(conversion.LongDimension, conversion.PrintDpi, unit);
     conversion.LongEdgePixels = static_cast<UINT32>(pixels);
 }
+
+RegistryKeyOwner OpenSettingsKey(REGSAM access) noexcept
+{
+    RegistryKeyOwner key;
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, SettingsKeyPath, 0, access, key.Put()) != ERROR_SUCCESS)
+    {
+        return RegistryKeyOwner();
+    }
+    return key;
+}
 } // namespace
 
-SettingsReader::SettingsReader() noexcept
+SettingsReader::SettingsReader() noexcept : m_key(OpenSettingsKey(KEY_READ))
 {
-    if (RegOpenKeyExW(HKEY_CURRENT_USER, SettingsKeyPath, 0, KEY_READ, m_key.Put()) != ERROR_SUCCESS)
-    {
-        m_key = RegistryKeyOwner();
-    }
 }
 
 UINT32 SettingsReader::Number(const WCHAR *name) const noexcept
@@ -86,6 +92,21 @@ WideText SettingsReader::Text(const WCHAR *name) const
         return {};
     }
     return buffer;
+}
+
+SettingsWriter::SettingsWriter() noexcept : m_key(OpenSettingsKey(KEY_WRITE))
+{
+}
+
+void SettingsWriter::Write(const WCHAR *name, UINT32 value) const noexcept
+{
+    RegSetValueExW(m_key.Get(), name, 0, REG_DWORD, reinterpret_cast<const BYTE *>(&value), sizeof(value));
+}
+
+void SettingsWriter::Write(const WCHAR *name, const WideText &text) const noexcept
+{
+    const auto size = static_cast<DWORD>((text.size() + 1) * sizeof(WCHAR));
+    RegSetValueExW(m_key.Get(), name, 0, REG_SZ, reinterpret_cast<const BYTE *>(text.c_str()), size);
 }
 
 void LoadSettings(SettingsBlock &block)

@@ -1,5 +1,5 @@
-// Reading of the user's preferences. The registry key is the store: nothing is cached between reads, a
-// value that is missing or doesn't fit reads as its default, and no failure of the registry is reported.
+// The user's preferences. The registry key is the store: nothing is cached between reads, a value that
+// is missing or doesn't fit reads as its default, and no failure of the registry is reported.
 // No lock: a save that goes on beside a read may be seen half done, each value by itself whole.
 #pragma once
 
@@ -49,6 +49,23 @@ public:
 
     // Empty if there is no value or one of more than 64 bytes.
     WideText Text(const WCHAR *name) const;
+
+private:
+    RegistryKeyOwner m_key;
+};
+
+// The settings key, opened for writing; it is never created. Each value stands by itself: one that can't
+// be written doesn't keep the others from being written.
+class SettingsWriter
+{
+public:
+    SettingsWriter() noexcept;
+
+    // Without an open key nothing may be written.
+    bool IsOpen() const noexcept { return static_cast<bool>(m_key); }
+
+    void Write(const WCHAR *name, UINT32 value) const noexcept;
+    void Write(const WCHAR *name, const WideText &text) const noexcept;
 
 private:
     RegistryKeyOwner m_key;

@@ -1,0 +1,109 @@
+#include "settings/FlickrPages.h"
+
+#include "resources/resource.h"
+#include "settings/WinDataExchange.h"
+#include "ui/CentredMessageBox.h"
+
+namespace
+{
+// The account text comes just after the page has been painted.
+constexpr UINT_PTR showAccountTimer = 1;
+constexpr UINT showAccountDelay = 1;
+
+bool IsOfSheet(HWND page, const NMHDR &notification)
+{
+    return notification.hwndFrom == page || notification.hwndFrom == GetParent(page);
+}
+} // namespace
+
+bool CSettingsPageImpl::ProcessWindowMessage(HWND page, UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result)
+{
+    CWinDataExchange controls(page);
+    switch (message)
+    {
+    case WM_INITDIALOG:
+        m_logic.Load(controls);
+        result = TRUE;
+        return true;
+    case WM_COMMAND:
+        if (HIWORD(wParam) != BN_CLICKED)
+        {
+            return false;
+        }
+        m_logic.Click(controls, LOWORD(wParam));
+        return true;
+    case WM_NOTIFY:
+    {
+        const auto &notification = *reinterpret_cast<const NMHDR *>(lParam);
+        if (!IsOfSheet(page, notification))
+        {
+            return false;
+        }
+        if (notification.code == PSN_APPLY)
+        {
+            m_logic.Save(controls);
+            result = PSNRET_NOERROR;
+        }
+        return true;
+    }
+    default:
+        return false;
+    }
+}
+
+bool CFlickrAboutPage::ProcessWindowMessage(HWND page, UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result)
+{
+    CWinDataExchange controls(page);
+    switch (message)
+    {
+    case WM_INITDIALOG:
+        SetTimer(page, showAccountTimer, showAccountDelay, nullptr);
+        break;
+    case WM_TIMER:
+        if (wParam != showAccountTimer)
+        {
+            return false;
+        }
+        KillTimer(page, showAccountTimer);
+        Page.ShowAccountData(controls);
+        return true;
+    case WM_NOTIFY:
+    {
+        const auto &notification = *reinterpret_cast<const NMHDR *>(lParam);
+        if (notification.idFrom == IDC_REFRESH && notification.code == NM_CLICK)
+        {
+            Page.Refresh(controls, *this);
+            return true;
+        }
+        if (IsOfSheet(page, notification) && notification.code == PSN_SETACTIVE)
+        {
+            controls.SetText(IDC_ACCOUNT, {});
+            SetTimer(page, showAccountTimer, showAccountDelay, nullptr);
+        }
+        break;
+    }
+    default:
+        break;
+    }
+    return CSettingsPageImpl::ProcessWindowMessage(page, message, wParam, lParam, result);
+}
+
+void CFlickrAboutPage::ShowPending()
+{
+    MSG message;
+    while (PeekMessageW(&message, Window(), 0, 0, PM_REMOVE))
+    {
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+
+void CFlickrAboutPage::ShowWaiting(bool isWaiting)
+{
+    SetCursor(LoadCursorW(nullptr, isWaiting ? IDC_WAIT : IDC_ARROW));
+}
+
+void CFlickrAboutPage::ShowError(const WideText &text, const WideText &caption)
+{
+    CentredMessageBox(Window(), text.c_str(), caption.c_str(), MB_ICONERROR);
+}

@@ -1,0 +1,180 @@
+#include "settings/FlickrProperties.h"
+
+#include "account/AccountRecord.h"
+#include "core/Hresult.h"
+#include "core/StringTable.h"
+#include "core/ThisModule.h"
+#include "resources/resource.h"
+#include "settings/SettingsSheet.h"
+#include "settings/SheetLayout.h"
+#include "ui/PlacementArithmetic.h"
+#include "ui/WindowPlacement.h"
+
+#include <shellapi.h>
+
+namespace
+{
+// The browser takes a while to come; the wait cursor tells of it.
+constexpr DWORD browserPause = 500;
+
+// In 1/96 inch.
+constexpr INT32 downwardMove = 10;
+
+// As long as the module stays loaded.
+int lastPageIndex = 0;
+
+void ShowCursorOf(const WCHAR *cursor)
+{
+    SetCursor(LoadCursorW(nullptr, cursor));
+}
+
+// A button of the sheet, or of the windows around it.
+HWND FindButton(HWND sheet, int id)
+{
+    HWND window = sheet;
+    for (int generation = 0; generation < 3 && window != nullptr; ++generation)
+    {
+        if (const HWND button = GetDlgItem(window, id))
+        {
+            return button;
+        }
+        window = GetParent(window);
+    }
+    return nullptr;
+}
+
+void EnableButton(HWND sheet, int id, bool isEnabled)
+{
+    if (const HWND button = FindButton(sheet, id))
+    {
+        EnableWindow(button, isEnabled);
+    }
+}
+
+int VerticalDotsPerInch()
+{
+    const HDC screen = GetDC(nullptr);
+    const int dots = GetDeviceCaps(screen, LOGPIXELSY);
+    ReleaseDC(nullptr, screen);
+    return dots;
+}
+
+void MoveDown(HWND window, int pixels)
+{
+    RECT place{};
+    GetWindowRect(window, &place);
+    SetWindowPos(window, nullptr, place.left, place.top + pixels, 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+} // namespace
+
+CFlickrProperties::CFlickrProperties(SheetAccount &account, UINT titleId)
+    : CPropertySheetImpl(titleId), m_aboutPage(account), m_account(account)
+{
+    for (CPropertyPageImpl *page : {static_cast<CPropertyPageImpl *>(&m_photosPage),
+                                    static_cast<CPropertyPageImpl *>(&m_optionsPage),
+                                    static_cast<CPropertyPageImpl *>(&m_jpegPage),
+                                    static_cast<CPropertyPageImpl *>(&m_rawPage),
+                                    static_cast<CPropertyPageImpl *>(&m_aboutPage)})
+    {
+        AddPage(page->Create());
+    }
+}
+
+bool CFlickrProperties::ProcessWindowMessage(HWND sheet, UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result)
+{
+    switch (message)
+    {
+    case WM_SHOWWINDOW:
+        if (wParam != FALSE && !m_centredOnce)
+        {
+            m_centredOnce = true;
+            AtBoundary([&] {
+                OnFirstShow(sheet);
+                return S_OK;
+            });
+        }
+        return false;
+    case WM_COMMAND:
+        if (wParam == IDOK || wParam == IDCANCEL)
+        {
+            RememberPage(sheet);
+        }
+        return false;
+    case WM_NOTIFY:
+    {
+        const auto &notification = *reinterpret_cast<const NMHDR *>(lParam);
+        if (notification.idFrom != IDC_HOMEPAGE_LINK || notification.code != NM_CLICK)
+        {
+            return false;
+        }
+        OpenHomepage(sheet);
+        result = 0;
+        return true;
+    }
+    case StartWaiting:
+    case StopWaiting:
+    {
+        const bool isStart = message == StartWaiting;
+        isStart ? m_waitingAnimation.Start() : m_waitingAnimation.Stop();
+        EnableButton(sheet, IDOK, false);
+        EnableButton(sheet, IDCANCEL, !isStart);
+        result = 0;
+        return true;
+    }
+    default:
+        return false;
+    }
+}
+
+void CFlickrProperties::OnFirstShow(HWND sheet)
+{
+    TightenLayout(sheet);
+    if (const HWND animation = m_waitingAnimation.Create(TabControlOf(sheet)))
+    {
+        PlaceInTabRow(sheet, animation);
+    }
+    if (!m_account.Account.PhotosUrl.IsEmpty())
+    {
+        CreateHomepageLink(sheet);
+    }
+    CentreOnPointer(sheet);
+    MoveDown(sheet, OffsetInPixels(downwardMove, VerticalDotsPerInch()));
+    SendMessageW(sheet, PSM_SETCURSEL, static_cast<WPARAM>(lastPageIndex), 0);
+}
+
+void CFlickrProperties::CreateHomepageLink(HWND sheet)
+{
+    // Its room is cut down to what it needs when that is known.
+    constexpr int ample = 10000;
+    m_homepageLink = CreateWindowExW(0, WC_LINK, LoadStringOrPlaceholder(IDS_HOMEPAGE_LINK).c_str(),
+                                     WS_CHILD | WS_VISIBLE | WS_TABSTOP, 0, 0, ample, ample, sheet,
+                                     reinterpret_cast<HMENU>(IDC_HOMEPAGE_LINK), ThisModule(), nullptr);
+    if (m_homepageLink != nullptr)
+    {
+        SendMessageW(m_homepageLink, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
+        PlaceBesideButtons(sheet, m_homepageLink);
+    }
+}
+
+void CFlickrProperties::OpenHomepage(HWND sheet)
+{
+    ShowCursorOf(IDC_WAIT);
+    ShellExecuteW(sheet, TEXT("open"), m_account.Account.PhotosUrl.Text(), nullptr, nullptr, SW_SHOWNORMAL);
+    Sleep(browserPause);
+    ShowCursorOf(IDC_ARROW);
+    const HWND ok = FindButton(sheet, IDOK);
+    if (SetFocus(ok) == nullptr || GetFocus() != ok)
+    {
+        SetFocus(FindButton(sheet, IDCANCEL));
+    }
+}
+
+void CFlickrProperties::RememberPage(HWND sheet)
+{
+    const LRESULT selected = SendMessageW(TabControlOf(sheet), TCM_GETCURSEL, 0, 0);
+    if (selected >= 0)
+    {
+        lastPageIndex = static_cast<int>(selected);
+    }
+}

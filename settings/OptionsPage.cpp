@@ -1,0 +1,49 @@
+#include "settings/OptionsPage.h"
+
+#include "resources/resource.h"
+#include "settings/SettingsStore.h"
+#include "settings/StoredSettings.h"
+
+const OptionsPage::Group OptionsPage::groups[] = {
+    {IDC_SAFETY_SAFE, TEXT("SafetyLevel"), &OptionsPage::m_safetyLevel},
+    {IDC_CONTENT_PHOTOS, TEXT("ContentType"), &OptionsPage::m_contentType},
+    {IDC_SEARCH_SHOW, TEXT("SearchVisibility"), &OptionsPage::m_searchVisibility},
+};
+
+UINT OptionsPage::Template() const noexcept
+{
+    return IDD_OPTIONS;
+}
+
+void OptionsPage::Load(IPageControls &controls)
+{
+    const SettingsReader reader;
+    for (const Group &group : groups)
+    {
+        UINT32 &field = this->*group.Field;
+        reader.ReadInto(group.Setting, field);
+        // A value has a radio button, or shows as the first.
+        if (field > FindStoredSetting(group.Setting)->Largest)
+        {
+            field = 0;
+        }
+        controls.SetRadio(group.FirstId, field);
+    }
+}
+
+void OptionsPage::Save(IPageControls &controls)
+{
+    for (const Group &group : groups)
+    {
+        this->*group.Field = controls.Radio(group.FirstId);
+    }
+    const SettingsWriter writer;
+    if (!writer.IsOpen())
+    {
+        return;
+    }
+    for (const Group &group : groups)
+    {
+        writer.Write(group.Setting, this->*group.Field);
+    }
+}

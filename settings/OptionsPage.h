@@ -1,0 +1,25 @@
+// The page "Options": what the service is told of every picture.
+#pragma once
+
+#include "settings/SettingsPage.h"
+
+class OptionsPage final : public SettingsPage
+{
+public:
+    UINT Template() const noexcept override;
+    void Load(IPageControls &controls) override;
+    void Save(IPageControls &controls) override;
+
+private:
+    struct Group
+    {
+        UINT FirstId;
+        const WCHAR *Setting;
+        UINT32 OptionsPage::*Field;
+    };
+    static const Group groups[3];
+
+    UINT32 m_safetyLevel = 0;
+    UINT32 m_contentType = 0;
+    UINT32 m_searchVisibility = 0;
+};

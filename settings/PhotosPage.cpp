@@ -1,0 +1,89 @@
+#include "settings/PhotosPage.h"
+
+#include "resources/resource.h"
+#include "settings/SettingsStore.h"
+#include "settings/Visibility.h"
+
+#include <algorithm>
+
+const PhotosPage::Flag PhotosPage::flags[] = {
+    {IDC_ASYNC_UPLOAD, TEXT("AsyncUpload"), &PhotosPage::m_asyncUpload},
+    {IDC_WRITE_TITLE, TEXT("WriteTitle"), &PhotosPage::m_writeTitle},
+    {IDC_WRITE_DESCRIPTION, TEXT("WriteDescription"), &PhotosPage::m_writeDescription},
+    {IDC_WRITE_TAGS, TEXT("WriteTags"), &PhotosPage::m_writeTags},
+};
+
+namespace
+{
+UINT32 LoadVisibility(const SettingsReader &reader)
+{
+    VisibilityNumbers numbers{1, 0, 0};
+    reader.ReadInto(TEXT("IsPublic"), numbers.IsPublic);
+    if (numbers.IsPublic == 0)
+    {
+        reader.ReadInto(TEXT("IsFriend"), numbers.IsFriend);
+        reader.ReadInto(TEXT("IsFamily"), numbers.IsFamily);
+    }
+    return VisibilityOfNumbers(numbers);
+}
+} // namespace
+
+UINT PhotosPage::Template() const noexcept
+{
+    return IDD_PHOTOS;
+}
+
+void PhotosPage::Load(IPageControls &controls)
+{
+    const SettingsReader reader;
+    if (reader.IsOpen())
+    {
+        for (const Flag &flag : flags)
+        {
+            UINT32 &field = this->*flag.Field;
+            reader.ReadInto(flag.Setting, field);
+            field = std::min(field, UINT32{1});
+        }
+        m_visibilityIndex = LoadVisibility(reader);
+    }
+    Show(controls);
+}
+
+void PhotosPage::Save(IPageControls &controls)
+{
+    Take(controls);
+    const SettingsWriter writer;
+    if (!writer.IsOpen())
+    {
+        return;
+    }
+    for (const Flag &flag : flags)
+    {
+        writer.Write(flag.Setting, this->*flag.Field);
+    }
+    if (m_visibilityIndex < VisibilityChoices)
+    {
+        const VisibilityNumbers numbers = NumbersOfVisibility(m_visibilityIndex);
+        writer.Write(TEXT("IsPublic"), numbers.IsPublic);
+        writer.Write(TEXT("IsFriend"), numbers.IsFriend);
+        writer.Write(TEXT("IsFamily"), numbers.IsFamily);
+    }
+}
+
+void PhotosPage::Show(IPageControls &controls)
+{
+    for (const Flag &flag : flags)
+    {
+        controls.SetCheck(flag.Id, this->*flag.Field);
+    }
+    controls.SetRadio(IDC_VISIBLE_TO_ANYONE, m_visibilityIndex);
+}
+
+void PhotosPage::Take(IPageControls &controls)
+{
+    for (const Flag &flag : flags)
+    {
+        this->*flag.Field = controls.Check(flag.Id);
+    }
+    m_visibilityIndex = controls.Radio(IDC_VISIBLE_TO_ANYONE);
+}

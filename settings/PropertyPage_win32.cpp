@@ -1,0 +1,59 @@
+#include "settings/PropertyPage.h"
+
+#include "core/Hresult.h"
+#include "core/ThisModule.h"
+
+HPROPSHEETPAGE CPropertyPageImpl::Create() noexcept
+{
+    PROPSHEETPAGEW page{sizeof(page)};
+    page.dwFlags = PSP_USECALLBACK;
+    page.hInstance = ThisModule();
+    page.pszTemplate = MAKEINTRESOURCEW(m_templateId);
+    page.pfnDlgProc = Procedure;
+    page.pfnCallback = OnPage;
+    page.lParam = reinterpret_cast<LPARAM>(this);
+    return CreatePropertySheetPageW(&page);
+}
+
+UINT CALLBACK CPropertyPageImpl::OnPage(HWND, UINT message, PROPSHEETPAGEW *)
+{
+    // 0 would keep the page from being created.
+    return message == PSPCB_CREATE;
+}
+
+INT_PTR CALLBACK CPropertyPageImpl::Procedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_INITDIALOG)
+    {
+        const auto *description = reinterpret_cast<const PROPSHEETPAGEW *>(lParam);
+        reinterpret_cast<CPropertyPageImpl *>(description->lParam)->m_window = page;
+        SetWindowLongPtrW(page, DWLP_USER, description->lParam);
+    }
+    auto *const object = reinterpret_cast<CPropertyPageImpl *>(GetWindowLongPtrW(page, DWLP_USER));
+    if (object == nullptr)
+    {
+        return FALSE;
+    }
+    LRESULT result = 0;
+    bool isHandled = true;
+    AtBoundary([&] {
+        isHandled = object->ProcessWindowMessage(page, message, wParam, lParam, result);
+        return S_OK;
+    });
+    if (message == WM_NCDESTROY)
+    {
+        SetWindowLongPtrW(page, DWLP_USER, 0);
+        object->m_window = nullptr;
+    }
+    if (!isHandled)
+    {
+        return FALSE;
+    }
+    // These give their result themselves; of all others it lies with the window.
+    if (message == WM_INITDIALOG || (message >= WM_CTLCOLORMSGBOX && message <= WM_CTLCOLORSTATIC))
+    {
+        return result;
+    }
+    SetWindowLongPtrW(page, DWLP_MSGRESULT, result);
+    return TRUE;
+}

@@ -1,0 +1,109 @@
+#include "settings/SheetLayout.h"
+
+#include "ui/WindowPlacement.h"
+
+#include <commctrl.h>
+
+namespace
+{
+// LM_GETIDEALSIZE, which not every platform header has: lParam takes the size, wParam is the widest allowed.
+constexpr UINT getIdealSize = WM_USER + 0x301;
+
+// Pixels of dialog units of one sheet.
+struct DialogUnits
+{
+    explicit DialogUnits(HWND sheet) noexcept
+    {
+        RECT base{0, 0, 4, 8};
+        if (MapDialogRect(sheet, &base))
+        {
+            m_base = {base.right, base.bottom};
+        }
+        else
+        {
+            const LONG units = GetDialogBaseUnits();
+            m_base = {LOWORD(units), HIWORD(units)};
+        }
+    }
+
+    int Across(int units) const noexcept { return units * m_base.cx / 4; }
+    int Down(int units) const noexcept { return units * m_base.cy / 8; }
+    int HalfAcross() const noexcept { return m_base.cx / 8; }
+
+private:
+    SIZE m_base;
+};
+
+RECT PlaceIn(HWND parent, HWND window)
+{
+    RECT place{};
+    GetWindowRect(window, &place);
+    MapWindowPoints(nullptr, parent, reinterpret_cast<POINT *>(&place), 2);
+    return place;
+}
+
+void Resize(HWND window, int width, int height)
+{
+    SetWindowPos(window, nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void Enlarge(HWND window, int byWidth, int byHeight)
+{
+    RECT place{};
+    GetWindowRect(window, &place);
+    Resize(window, place.right - place.left + byWidth, place.bottom - place.top + byHeight);
+}
+} // namespace
+
+HWND TabControlOf(HWND sheet) noexcept
+{
+    return reinterpret_cast<HWND>(SendMessageW(sheet, PSM_GETTABCONTROL, 0, 0));
+}
+
+void TightenLayout(HWND sheet) noexcept
+{
+    const DialogUnits units(sheet);
+    const HWND tabs = TabControlOf(sheet);
+    const RECT place = PlaceIn(sheet, tabs);
+    if (place.left != units.Across(4) || place.top != units.Down(4))
+    {
+        return;
+    }
+    const int dx = units.Across(6);
+    const int dy = units.Down(4);
+    const int below = dy + units.Down(4) + 1;
+    const HWND ok = GetDlgItem(sheet, IDOK);
+    const HWND cancel = GetDlgItem(sheet, IDCANCEL);
+    MoveChildBy(sheet, tabs, dx, dy, 0, 0);
+    Resize(ok, units.Across(50), units.Down(16));
+    Resize(cancel, units.Across(50), units.Down(16));
+    MoveChildBy(sheet, ok, dx - units.Across(4) - 1, below, 0, 0);
+    MoveChildBy(sheet, cancel, dx - 1, below, 0, 0);
+    Enlarge(sheet, 2 * dx, 2 * dy + units.Down(6));
+    if (const HWND page = FindWindowExW(sheet, nullptr, TEXT("#32770"), nullptr))
+    {
+        MoveChildBy(sheet, page, dx, dy, 0, 0);
+    }
+}
+
+void PlaceInTabRow(HWND sheet, HWND child) noexcept
+{
+    RECT row{}, size{};
+    GetClientRect(GetParent(child), &row);
+    GetWindowRect(child, &size);
+    const int left = row.right - (size.right - size.left) - DialogUnits(sheet).Across(3);
+    SetWindowPos(child, nullptr, left, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void PlaceBesideButtons(HWND sheet, HWND link) noexcept
+{
+    const DialogUnits units(sheet);
+    SIZE size{};
+    SendMessageW(link, getIdealSize, 0, reinterpret_cast<LPARAM>(&size));
+    const HWND ok = GetDlgItem(sheet, IDOK);
+    const RECT button = PlaceIn(sheet, ok);
+    const int left = PlaceIn(sheet, TabControlOf(sheet)).left + units.HalfAcross();
+    const int top = (button.top + button.bottom - size.cy) / 2 - units.Down(1);
+    const HWND before = GetWindow(ok, GW_HWNDPREV);
+    SetWindowPos(link, before != nullptr ? before : HWND_TOP, left, top, size.cx, size.cy, SWP_NOACTIVATE);
+}

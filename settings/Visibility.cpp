@@ -1,0 +1,32 @@
+#include "settings/Visibility.h"
+
+namespace
+{
+constexpr VisibilityNumbers choices[VisibilityChoices] = {
+    {1, 1, 1},
+    {0, 1, 1},
+    {0, 1, 0},
+    {0, 0, 1},
+    {0, 0, 0},
+};
+} // namespace
+
+VisibilityNumbers NumbersOfVisibility(UINT32 index) noexcept
+{
+    return choices[index];
+}
+
+UINT32 VisibilityOfNumbers(const VisibilityNumbers &numbers) noexcept
+{
+    if (numbers.IsPublic != 0)
+    {
+        return 0;
+    }
+    UINT32 index = 1;
+    while (choices[index].IsFriend != (numbers.IsFriend != 0) ||
+           choices[index].IsFamily != (numbers.IsFamily != 0))
+    {
+        ++index;
+    }
+    return index;
+}

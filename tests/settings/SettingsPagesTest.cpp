@@ -1,0 +1,329 @@
+// The pages without windows: what they load, enable, save, and leave alone.
+#include "core/NumberFormat.h"
+#include "resources/resource.h"
+#include "settings/JpegPage.h"
+#include "settings/OptionsPage.h"
+#include "settings/PhotosPage.h"
+#include "settings/RawPage.h"
+#include "settings/SettingsStore.h"
+#include "settings/StoredSettings.h"
+#include "tests/doubles/SettingsKey.h"
+#include "tests/settings/FakePageControls.h"
+
+#include <gmock/gmock.h>
+
+namespace
+{
+constexpr UINT32 Untouched = 77;
+
+// Every setting with a value that no page writes, so that what a page wrote shows.
+void MarkAll(SettingsKey &key)
+{
+    for (const StoredSetting &setting : StoredSettings())
+    {
+        if (setting.Type == REG_DWORD)
+        {
+            key.Set(setting.Name, Untouched);
+        }
+        else
+        {
+            key.Set(setting.Name, TEXT("untouched"));
+        }
+    }
+}
+
+// "IsPublic=1 IsFriend=1": what isn't as MarkAll left it, in the order of the table.
+std::string Written()
+{
+    const SettingsReader reader;
+    std::string written;
+    for (const StoredSetting &setting : StoredSettings())
+    {
+        const bool isText = setting.Type != REG_DWORD;
+        const bool isUntouched =
+            isText ? reader.Text(setting.Name) == TEXT("untouched") : reader.Number(setting.Name) == Untouched;
+        if (!isUntouched)
+        {
+            written += (written.empty() ? "" : " ") + Narrow(setting.Name) + "=" +
+                       (isText ? Narrow(reader.Text(setting.Name)) : std::to_string(reader.Number(setting.Name)));
+        }
+    }
+    return written;
+}
+
+// A page that was shown with the settings as they are now.
+template <class Page>
+struct Shown
+{
+    Shown() { Logic.Load(Controls); }
+
+    void Save() { Logic.Save(Controls); }
+
+    Page Logic;
+    FakePageControls Controls{Logic.Template()};
+};
+
+// Digits as the user's locale groups them.
+WideText Grouped(const WCHAR *plain)
+{
+    WideText text = plain;
+    LocaleNumberFormat format;
+    LoadLocaleFormat(format, true);
+    if (text.size() > 3 && format.Grouping == 3)
+    {
+        text.insert(text.size() - 3, format.ThousandSeparator);
+    }
+    return text;
+}
+} // namespace
+
+TEST(PhotosPage, ShowsWhatIsStored)
+{
+    const struct
+    {
+        std::vector<std::pair<const WCHAR *, UINT32>> stored;
+        std::vector<UINT32> flags; // AsyncUpload, title, description, tags
+        UINT32 visibility;
+    } cases[] = {
+        {{}, {0, 0, 0, 0}, 0},
+        {{{TEXT("AsyncUpload"), 7}, {TEXT("WriteDescription"), 1}}, {1, 0, 1, 0}, 0},
+        {{{TEXT("WriteTitle"), 1}, {TEXT("WriteTags"), 0xFFFFFFFF}, {TEXT("IsPublic"), 0}}, {0, 1, 0, 1}, 4},
+        {{{TEXT("IsPublic"), 9}, {TEXT("IsFriend"), 0}, {TEXT("IsFamily"), 0}}, {0, 0, 0, 0}, 0},
+        {{{TEXT("IsPublic"), 0}, {TEXT("IsFriend"), 9}}, {0, 0, 0, 0}, 2},
+        {{{TEXT("IsPublic"), 0}, {TEXT("IsFriend"), 9}, {TEXT("IsFamily"), 5}}, {0, 0, 0, 0}, 1},
+        {{{TEXT("IsPublic"), 0}, {TEXT("IsFamily"), 2}}, {0, 0, 0, 0}, 3},
+    };
+    for (const auto &[stored, flags, visibility] : cases)
+    {
+        SCOPED_TRACE(testing::PrintToString(stored.size()) + " stored, visibility " + std::to_string(visibility));
+        SettingsKey key;
+        for (const auto &[name, value] : stored)
+        {
+            key.Set(name, value);
+        }
+        Shown<PhotosPage> page;
+        EXPECT_EQ(page.Controls.Check(IDC_ASYNC_UPLOAD), flags[0]);
+        EXPECT_EQ(page.Controls.Check(IDC_WRITE_TITLE), flags[1]);
+        EXPECT_EQ(page.Controls.Check(IDC_WRITE_DESCRIPTION), flags[2]);
+        EXPECT_EQ(page.Controls.Check(IDC_WRITE_TAGS), flags[3]);
+        EXPECT_EQ(page.Controls.Radio(IDC_VISIBLE_TO_ANYONE), visibility);
+    }
+}
+
+TEST(PhotosPage, SavesItsOwnValuesAndTheChoiceAsThreeNumbers)
+{
+    const struct
+    {
+        UINT32 choice;
+        const char *written;
+    } cases[] = {
+        {0, "AsyncUpload=1 WriteTitle=0 WriteDescription=1 WriteTags=0 IsPublic=1 IsFriend=1 IsFamily=1"},
+        {1, "AsyncUpload=1 WriteTitle=0 WriteDescription=1 WriteTags=0 IsPublic=0 IsFriend=1 IsFamily=1"},
+        {2, "AsyncUpload=1 WriteTitle=0 WriteDescription=1 WriteTags=0 IsPublic=0 IsFriend=1 IsFamily=0"},
+        {3, "AsyncUpload=1 WriteTitle=0 WriteDescription=1 WriteTags=0 IsPublic=0 IsFriend=0 IsFamily=1"},
+        {4, "AsyncUpload=1 WriteTitle=0 WriteDescription=1 WriteTags=0 IsPublic=0 IsFriend=0 IsFamily=0"},
+        {IPageControls::NoRadio, "AsyncUpload=1 WriteTitle=0 WriteDescription=1 WriteTags=0"},
+    };
+    for (const auto &[choice, written] : cases)
+    {
+        SettingsKey key;
+        Shown<PhotosPage> page;
+        MarkAll(key);
+        page.Controls.SetCheck(IDC_ASYNC_UPLOAD, 1);
+        page.Controls.SetCheck(IDC_WRITE_DESCRIPTION, 1);
+        page.Controls.SetRadio(IDC_VISIBLE_TO_ANYONE, choice);
+        page.Save();
+        EXPECT_EQ(Written(), written);
+        if (choice != IPageControls::NoRadio)
+        {
+            EXPECT_EQ(Shown<PhotosPage>().Controls.Radio(IDC_VISIBLE_TO_ANYONE), choice);
+        }
+    }
+}
+
+TEST(OptionsPage, ShowsAndSavesEachGroup)
+{
+    const struct
+    {
+        UINT32 stored[3];
+        UINT32 shown[3];
+    } cases[] = {
+        {{0, 0, 0}, {0, 0, 0}}, {{2, 1, 1}, {2, 1, 1}}, {{1, 2, 0}, {1, 2, 0}}, {{3, 5, 2}, {0, 0, 0}},
+    };
+    for (const auto &[stored, shown] : cases)
+    {
+        SettingsKey key;
+        key.Set(TEXT("SafetyLevel"), stored[0]);
+        key.Set(TEXT("ContentType"), stored[1]);
+        key.Set(TEXT("SearchVisibility"), stored[2]);
+        Shown<OptionsPage> page;
+        EXPECT_EQ(page.Controls.Radio(IDC_SAFETY_SAFE), shown[0]);
+        EXPECT_EQ(page.Controls.Radio(IDC_CONTENT_PHOTOS), shown[1]);
+        EXPECT_EQ(page.Controls.Radio(IDC_SEARCH_SHOW), shown[2]);
+        MarkAll(key);
+        page.Save();
+        EXPECT_EQ(Written(), "SafetyLevel=" + std::to_string(shown[0]) + " ContentType=" + std::to_string(shown[1]) +
+                                 " SearchVisibility=" + std::to_string(shown[2]));
+    }
+}
+
+TEST(JpegPage, TheModeRulesWhatIsEnabledAndNothingElse)
+{
+    const std::set<UINT> metadata = {IDC_WRITE_COPYRIGHT, IDC_WRITE_EXIF, IDC_WRITE_XMP, IDC_WRITE_GPS, IDC_WRITE_IPTC};
+    const std::set<UINT> processing = {IDC_MINIMIZE, IDC_OUTPUT_SIZE_LABEL, IDC_OUTPUT_SIZE, IDC_OUTPUT_SIZE_NOTE};
+    std::set<UINT> all = metadata;
+    all.insert(processing.begin(), processing.end());
+    const struct
+    {
+        UINT32 mode;
+        UINT button;
+        std::set<UINT> disabled;
+    } cases[] = {{0, IDC_MODE_AS_IS, all}, {1, IDC_MODE_PIXELS_INTACT, processing}, {2, IDC_MODE_PROCESSED, {}}};
+    for (const auto &from : cases)
+    {
+        for (const auto &to : cases)
+        {
+            SettingsKey key;
+            key.Set(TEXT("JPEGMode"), from.mode);
+            Shown<JpegPage> page;
+            EXPECT_EQ(page.Controls.Radio(IDC_MODE_AS_IS), from.mode);
+            EXPECT_EQ(page.Controls.Disabled, from.disabled);
+
+            page.Controls.SetRadio(IDC_MODE_AS_IS, to.mode);
+            page.Logic.Click(page.Controls, IDC_WRITE_XMP);
+            EXPECT_EQ(page.Controls.Disabled, from.disabled) << "no rule follows that click";
+            page.Logic.Click(page.Controls, to.button);
+            EXPECT_EQ(page.Controls.Disabled, to.disabled);
+        }
+    }
+}
+
+TEST(JpegPage, DisabledControlsKeepAndSaveWhatTheyShow)
+{
+    SettingsKey key;
+    key.Set(TEXT("JPEGMode"), 7u);
+    key.Set(TEXT("JPEGWriteXMP"), 1u);
+    key.Set(TEXT("JPEGLongDimension"), TEXT("8in"));
+    Shown<JpegPage> page;
+    EXPECT_EQ(page.Controls.Radio(IDC_MODE_AS_IS), 2u);
+    page.Controls.SetRadio(IDC_MODE_AS_IS, 0);
+    page.Logic.Click(page.Controls, IDC_MODE_AS_IS);
+    MarkAll(key);
+    page.Save();
+    EXPECT_EQ(Written(), "JPEGMode=0 JPEGMinimize=1 JPEGWriteCopyright=1 JPEGWriteEXIF=1 JPEGWriteXMP=1 "
+                         "JPEGWriteGPS=1 JPEGWriteIPTC=0 JPEGLongDimension=8\" print");
+}
+
+TEST(ConversionPages, FieldsStartAtTheirDefaultsAndAreNotFolded)
+{
+    // A box shows an undetermined state as checked, and that is what is saved; anything else is clear.
+    const struct
+    {
+        std::optional<UINT32> stored;
+        UINT32 shown;
+    } cases[] = {{std::nullopt, 0}, {0, 0}, {1, 1}, {2, 1}, {3, 0}, {0xFFFFFFFF, 0}};
+    for (const auto &[stored, shown] : cases)
+    {
+        SettingsKey key;
+        if (stored)
+        {
+            key.Set(TEXT("RAWWriteIPTC"), *stored);
+            key.Set(TEXT("JPEGWriteIPTC"), *stored);
+        }
+        Shown<RawPage> raw;
+        Shown<JpegPage> jpeg;
+        EXPECT_EQ(raw.Controls.Check(IDC_WRITE_IPTC), shown);
+        EXPECT_EQ(jpeg.Controls.Check(IDC_WRITE_IPTC), shown);
+        EXPECT_EQ(raw.Controls.Disabled, std::set<UINT>());
+        MarkAll(key);
+        raw.Save();
+        EXPECT_EQ(Written(), "RAWMinimize=1 RAWWriteCopyright=1 RAWWriteEXIF=1 RAWWriteXMP=0 RAWWriteGPS=1 "
+                             "RAWWriteIPTC=" + std::to_string(shown) + " RAWLongDimension=Original");
+    }
+}
+
+TEST(ConversionPages, SizesAreShownAndStoredInTheirDisplayForm)
+{
+    const struct
+    {
+        const WCHAR *typed;
+        WideText stored;
+        bool beeps;
+    } cases[] = {
+        {TEXT("1024"), Grouped(TEXT("1024")) + TEXT(" px"), false},
+        {TEXT("20cm"), TEXT("20 cm print"), false},
+        {TEXT(""), TEXT("Original"), false},
+        {TEXT("very large"), TEXT("Original"), false},
+        {TEXT("500 px and thirty-one characters"), TEXT("500 px"), true},
+        {TEXT("500 px and thirty-one character"), TEXT("500 px"), false},
+        {TEXT("0000000000000000000000000000000000000800"), TEXT("Original"), true},
+        {TEXT("0000000000000000000000000000500 px and more"), TEXT("500 px"), true},
+    };
+    for (const auto &[typed, stored, beeps] : cases)
+    {
+        SCOPED_TRACE(Narrow(typed));
+        SettingsKey key;
+        Shown<JpegPage> jpeg;
+        Shown<RawPage> raw;
+        for (FakePageControls *controls : {&jpeg.Controls, &raw.Controls})
+        {
+            controls->SetText(IDC_OUTPUT_SIZE, typed);
+            controls->Record.Clear();
+        }
+        jpeg.Save();
+        raw.Save();
+        EXPECT_EQ(Narrow(SettingsReader().Text(TEXT("JPEGLongDimension"))), Narrow(stored));
+        EXPECT_EQ(Narrow(SettingsReader().Text(TEXT("RAWLongDimension"))), Narrow(stored));
+        for (FakePageControls *controls : {&jpeg.Controls, &raw.Controls})
+        {
+            EXPECT_EQ(controls->Record.LinesOf("beep").size(), beeps ? 1u : 0u);
+            EXPECT_EQ(controls->Record.LinesOf("focus 222").size(), beeps ? 1u : 0u);
+        }
+        EXPECT_EQ(Narrow(Shown<RawPage>().Controls.Text(IDC_OUTPUT_SIZE)), Narrow(stored));
+    }
+}
+
+TEST(ConversionPages, OfferTheUsualSizes)
+{
+    SettingsKey key;
+    Shown<JpegPage> jpeg;
+    Shown<RawPage> raw;
+    const std::pair<const WCHAR *, UINT32> sizes[] = {{TEXT("240"), 240},   {TEXT("320"), 320},   {TEXT("500"), 500},
+                                                      {TEXT("800"), 800},   {TEXT("1024"), 1024}, {TEXT("1600"), 1600},
+                                                      {TEXT("2048"), 2048}};
+    for (const FakePageControls *controls : {&jpeg.Controls, &raw.Controls})
+    {
+        ASSERT_EQ(controls->List.size(), 8u);
+        EXPECT_EQ(controls->List[0].Text, TEXT("Original"));
+        EXPECT_EQ(controls->List[0].Pixels, std::nullopt);
+        for (size_t i = 0; i < std::size(sizes); ++i)
+        {
+            EXPECT_EQ(Narrow(controls->List[i + 1].Text), Narrow(Grouped(sizes[i].first) + TEXT(" px")));
+            EXPECT_EQ(controls->List[i + 1].Pixels, sizes[i].second);
+        }
+    }
+}
+
+TEST(SettingsPages, WithoutTheKeyShowDefaultsAndSaveNothing)
+{
+    SettingsKey key;
+    key.RemoveKey();
+    Shown<PhotosPage> photos;
+    Shown<OptionsPage> options;
+    Shown<JpegPage> jpeg;
+    Shown<RawPage> raw;
+    EXPECT_EQ(photos.Controls.Radio(IDC_VISIBLE_TO_ANYONE), 0u);
+    EXPECT_EQ(options.Controls.Radio(IDC_SEARCH_SHOW), 0u);
+    EXPECT_EQ(jpeg.Controls.Radio(IDC_MODE_AS_IS), 2u);
+    for (FakePageControls *controls : {&jpeg.Controls, &raw.Controls})
+    {
+        EXPECT_EQ(controls->Text(IDC_OUTPUT_SIZE), TEXT("Original"));
+        EXPECT_EQ(controls->Check(IDC_WRITE_GPS), 1u);
+        EXPECT_EQ(controls->Check(IDC_WRITE_XMP), 0u);
+    }
+    photos.Save();
+    options.Save();
+    jpeg.Save();
+    raw.Save();
+    EXPECT_FALSE(SettingsReader().IsOpen()) << "the key comes into being elsewhere";
+}
