@@ -5,26 +5,40 @@
 #include "taskdialog/TaskDialogWords.h"
 #include "taskdialog/XmlDocument.h"
 
+#include <cstddef>
+#include <cstring>
+
 namespace
 {
-// Where a text of the document goes, and where the icon of its element if it can have one.
+constexpr size_t noIcon = 0;
+
+// Where in the record a text of the document goes, and where the icon of its element if it can have one.
+// By offsets: the record is packed, so that a pointer to one of its members can't be relied on.
 struct TextPart
 {
     const WCHAR *expression;
-    const WCHAR *TASKDIALOGCONFIG::*text;
-    const WCHAR *TASKDIALOGCONFIG::*icon;
+    size_t text;
+    size_t icon;
 };
 
 const TextPart textParts[] = {
-    {TEXT("/task_dialog/title"), &TASKDIALOGCONFIG::pszWindowTitle, nullptr},
-    {TEXT("/task_dialog/main_text"), &TASKDIALOGCONFIG::pszMainInstruction, &TASKDIALOGCONFIG::pszMainIcon},
-    {TEXT("/task_dialog/content"), &TASKDIALOGCONFIG::pszContent, nullptr},
-    {TEXT("/task_dialog/footer"), &TASKDIALOGCONFIG::pszFooter, &TASKDIALOGCONFIG::pszFooterIcon},
-    {TEXT("/task_dialog/expanded_text"), &TASKDIALOGCONFIG::pszExpandedInformation, nullptr},
-    {TEXT("/task_dialog/expando/text[@state='collapsed']"), &TASKDIALOGCONFIG::pszCollapsedControlText, nullptr},
-    {TEXT("/task_dialog/expando/text[@state='expanded']"), &TASKDIALOGCONFIG::pszExpandedControlText, nullptr},
-    {TEXT("/task_dialog/checkbox"), &TASKDIALOGCONFIG::pszVerificationText, nullptr},
+    {TEXT("/task_dialog/title"), offsetof(TASKDIALOGCONFIG, pszWindowTitle), noIcon},
+    {TEXT("/task_dialog/main_text"), offsetof(TASKDIALOGCONFIG, pszMainInstruction),
+     offsetof(TASKDIALOGCONFIG, pszMainIcon)},
+    {TEXT("/task_dialog/content"), offsetof(TASKDIALOGCONFIG, pszContent), noIcon},
+    {TEXT("/task_dialog/footer"), offsetof(TASKDIALOGCONFIG, pszFooter), offsetof(TASKDIALOGCONFIG, pszFooterIcon)},
+    {TEXT("/task_dialog/expanded_text"), offsetof(TASKDIALOGCONFIG, pszExpandedInformation), noIcon},
+    {TEXT("/task_dialog/expando/text[@state='collapsed']"),
+     offsetof(TASKDIALOGCONFIG, pszCollapsedControlText), noIcon},
+    {TEXT("/task_dialog/expando/text[@state='expanded']"),
+     offsetof(TASKDIALOGCONFIG, pszExpandedControlText), noIcon},
+    {TEXT("/task_dialog/checkbox"), offsetof(TASKDIALOGCONFIG, pszVerificationText), noIcon},
 };
+
+void SetPointer(TASKDIALOGCONFIG &config, size_t offset, const WCHAR *pointer)
+{
+    std::memcpy(reinterpret_cast<BYTE *>(&config) + offset, &pointer, sizeof(pointer));
+}
 
 bool StartsWithDigit(WideView text)
 {
@@ -54,12 +68,12 @@ void ReadTexts(IXMLDOMNode *xml, TaskDialogDocument &document)
         {
             continue;
         }
-        document.config.*part.text = Keep(document, *text);
-        if (part.icon != nullptr)
+        SetPointer(document.config, part.text, Keep(document, *text));
+        if (part.icon != noIcon)
         {
             const ComPtr<IXMLDOMNode> element = SelectNode(xml, part.expression);
             const std::optional<WideText> word = AttributeText(element.Get(), TEXT("@icon"));
-            document.config.*part.icon = word ? IconOfWord(*word) : nullptr;
+            SetPointer(document.config, part.icon, word ? IconOfWord(*word) : nullptr);
         }
     }
 }
