@@ -9,6 +9,9 @@ namespace
 {
 const CLSID documentClass = {0x2933bf90, 0x7b36, 0x11d2, {0xb2, 0x0e, 0x00, 0xc0, 0x4f, 0x98, 0x3e, 0x60}};
 
+// IXMLDOMDocument; not every compiler's headers give it to __uuidof.
+const IID documentInterface = {0x2933bf81, 0x7b36, 0x11d2, {0xb2, 0x0e, 0x00, 0xc0, 0x4f, 0x98, 0x3e, 0x60}};
+
 class VariantOwner
 {
 public:
@@ -60,7 +63,7 @@ ComPtr<IXMLDOMNode> ParseXmlBytes(std::span<const BYTE> bytes)
     ThrowIfFailed(CoCreateInstance(documentClass, nullptr, CLSCTX_ALL, __uuidof(IUnknown), created.PutVoid()));
     ThrowIfFailed(OleRun(created.Get()));
     ComPtr<IXMLDOMDocument> document;
-    ThrowIfFailed(created->QueryInterface(__uuidof(IXMLDOMDocument), document.PutVoid()));
+    ThrowIfFailed(created->QueryInterface(documentInterface, document.PutVoid()));
     ThrowIfFailed(document->put_async(VARIANT_FALSE));
     VariantOwner source;
     FillWithBytes(source, bytes);
