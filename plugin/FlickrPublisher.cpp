@@ -1,6 +1,8 @@
 #include "plugin/FlickrPublisher.h"
 
-#include "account/AccountQueries.h"
+#include "account/AuthorizationDialogs.h"
+#include "account/Connectivity.h"
+#include "account/SystemProxy.h"
 #include "account/WebClientFactory.h"
 #include "core/StringTable.h"
 #include "core/ThisModule.h"
@@ -10,6 +12,8 @@
 #include "publish/PublishDriver.h"
 #include "resources/resource.h"
 #include "settings/StateLine.h"
+
+#include <shlwapi.h>
 
 namespace
 {
@@ -205,10 +209,42 @@ HRESULT CFlickrPublisher::Configure(HWND hWndParent, LPWSTR lpszVerb, LPWSTR lps
     {
         return E_INVALIDARG;
     }
+    static constexpr struct
+    {
+        const WCHAR *Name;
+        HRESULT (CFlickrPublisher::*Run)(HWND parent, IOAuthWebClient &client);
+    } verbs[] = {
+        {TEXT("authorize"), &CFlickrPublisher::AuthorizeAccount},
+        {TEXT("settings"), &CFlickrPublisher::EditSettings},
+    };
     return AtBoundary([&] {
-        // The verbs have nothing behind them yet; an unknown verb stays without effect for good.
-        return CreateWebClient(m_account, m_version) ? S_OK : E_UNEXPECTED;
+        // Every verb needs a client that could be made, whether it uses it or not.
+        const auto client = CreateWebClient(m_account, m_version);
+        if (!client)
+        {
+            return E_UNEXPECTED;
+        }
+        for (const auto &verb : verbs)
+        {
+            if (StrCmpIW(lpszVerb, verb.Name) == 0)
+            {
+                return (this->*verb.Run)(hWndParent, *client.Get());
+            }
+        }
+        return S_OK;
     });
+}
+
+HRESULT CFlickrPublisher::AuthorizeAccount(HWND parent, IOAuthWebClient &client)
+{
+    AuthorizationDialogs dialogs;
+    return Authorize({m_account, m_version, client, parent, dialogs, SystemPause, DiscoverSystemProxy});
+}
+
+// The place of the settings sheet.
+HRESULT CFlickrPublisher::EditSettings(HWND, IOAuthWebClient &)
+{
+    return S_OK;
 }
 
 HRESULT CFlickrPublisher::Publish(HWND hWndProgressControl, HWND hWndStaticTextControl) noexcept
@@ -236,18 +272,8 @@ HRESULT CFlickrPublisher::CanPublish(HWND, BOOL fIncludeActualConnectivityCheck)
     {
         return E_UNEXPECTED;
     }
-    return AtBoundary([&] {
-        if (!m_account.IsAuthorized())
-        {
-            return S_FALSE;
-        }
-        if (!fIncludeActualConnectivityCheck)
-        {
-            return S_OK;
-        }
-        const bool isReached = SUCCEEDED(QueryUploadStatus(m_account, m_version));
-        return isReached && m_account.UploadLeftThisMonth != 0 ? S_OK : S_FALSE;
-    });
+    return AtBoundary(
+        [&] { return AnswerCanPublish(m_account, m_version, fIncludeActualConnectivityCheck != FALSE); });
 }
 
 HRESULT CFlickrPublisher::Cancel(BOOL fAbruptly) noexcept

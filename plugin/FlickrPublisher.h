@@ -60,6 +60,10 @@ private:
     void AcceptStream(IUnknown *stream);
     bool IsInitialized() const noexcept { return m_host && m_initStream; }
 
+    // The verbs of Configure.
+    HRESULT AuthorizeAccount(HWND parent, IOAuthWebClient &client);
+    HRESULT EditSettings(HWND parent, IOAuthWebClient &client);
+
     VersionBlock m_version;
     PublishStatistics m_statistics;
     LocaleNumberFormat m_numberFormat;
