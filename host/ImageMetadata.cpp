@@ -1,6 +1,7 @@
 #include "host/ImageMetadata.h"
 
 #include "host/ErrnoCodes.h"
+#include "host/IptcTexts.h"
 #include "host/TextEncodings.h"
 
 #include "core/Hresult.h"
@@ -9,6 +10,7 @@
 
 #include <exiv2/exiv2.hpp>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <initializer_list>
@@ -24,12 +26,20 @@ std::mutex &ReadingLock()
     return lock;
 }
 
+// The imaging component uses the same library from the plug-in's thread, and the library's XMP toolkit is
+// started once for all with the lock of whoever comes first.
+void LockToolkit(void *, bool lock)
+{
+    static std::recursive_mutex toolkit;
+    lock ? toolkit.lock() : toolkit.unlock();
+}
+
 // exiv2 wants its XMP toolkit started before a second thread uses it, and speaks on stderr by itself.
 void StartLibraryOnce()
 {
     static const bool started = [] {
         Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
-        return Exiv2::XmpParser::initialize();
+        return Exiv2::XmpParser::initialize(LockToolkit, nullptr);
     }();
     static_cast<void>(started);
 }
@@ -201,7 +211,159 @@ ImageTexts ChooseTexts(const MetadataBlocks &blocks)
     texts.copyright = FirstText({blocks.Xmp("Xmp.dc.rights"), blocks.Iptc("Iptc.Application2.Copyright"),
                                  blocks.Exif("Exif.Image.Copyright")});
     texts.credit = FirstText({blocks.Xmp("Xmp.photoshop.Credit"), blocks.Iptc("Iptc.Application2.Credit")});
+    for (const IptcTextPlace &place : IPTC_TEXT_PLACES)
+    {
+        texts.places[place.number] = FirstText({blocks.Xmp(place.xmpKey),
+                                                place.iptcKey != nullptr ? blocks.Iptc(place.iptcKey) : WideText()});
+    }
     return texts;
+}
+
+// A block of EXIF has room for 64 KB; a field of the lists that is larger than this is not sane.
+constexpr size_t LONGEST_FIELD = 4096;
+constexpr size_t MOST_FIELD_BYTES = 40000;
+
+struct TagRange
+{
+    uint16_t first;
+    uint16_t last;
+};
+
+// Make, model, software, date, host computer. The rest of IFD0 describes the file's own layout or
+// belongs to other groups.
+constexpr TagRange CAMERA_MAIN[] = {{271, 272}, {305, 306}, {316, 316}};
+
+// EXIF 2.32 without the maker note, the user's comment, the owner's name, sound files, and what the new
+// file's own pixels say. Dates, exposure, light, sensor, conditions, lens, serial numbers.
+constexpr TagRange CAMERA_EXIF[] = {
+    {33434, 33434}, {33437, 33437}, {34850, 34850}, {34852, 34852}, {34855, 34856}, {34864, 34869},
+    {36864, 36864}, {36867, 36868}, {36880, 36882}, {37121, 37122}, {37377, 37386}, {37396, 37396},
+    {37520, 37522}, {37888, 37893}, {40961, 40961}, {41483, 41484}, {41486, 41488}, {41492, 41493}, {41495, 41495},
+    {41728, 41730}, {41985, 41996}, {42016, 42016}, {42033, 42037}, {42080, 42082}, {42240, 42240},
+};
+
+constexpr TagRange GPS_TAGS[] = {{0, 31}};
+
+template <size_t N>
+bool IsIn(const TagRange (&ranges)[N], uint16_t tag)
+{
+    return std::any_of(std::begin(ranges), std::end(ranges),
+                       [&](const TagRange &range) { return tag >= range.first && tag <= range.last; });
+}
+
+class GroupReading
+{
+public:
+    GroupReading(const Exiv2::Image &image, MetadataSnapshot &groups) : m_groups(groups)
+    {
+        for (const Exiv2::Exifdatum &datum : image.exifData())
+        {
+            Take(datum);
+        }
+    }
+
+    // What a file tells in XMP alone, as PNG files and raw files with their notes in XMP do.
+    void TakeFromXmp(const Exiv2::XmpData &xmp)
+    {
+        Exiv2::ExifData converted;
+        try
+        {
+            Exiv2::copyXmpToExif(xmp, converted);
+        }
+        catch (const Exiv2::AnyError &)
+        {
+            // What was converted up to here is taken.
+        }
+        // Half of a place from one source and half from another would be a third place.
+        const bool hasPlace = !m_groups.gps.empty();
+        for (const Exiv2::Exifdatum &datum : converted)
+        {
+            if (datum.groupName() != "GPSInfo" || !hasPlace)
+            {
+                Take(datum);
+            }
+        }
+    }
+
+private:
+    void Take(const Exiv2::Exifdatum &datum)
+    {
+        using enum ExifField::Directory;
+        const std::string group = datum.groupName();
+        if (group == "Image" && datum.tag() == 274 && datum.count() > 0)
+        {
+            const long orientation = datum.toLong();
+            m_groups.orientation = static_cast<UINT16>(orientation >= 1 && orientation <= 8 ? orientation : 1);
+        }
+        else if (group == "Image" && IsIn(CAMERA_MAIN, datum.tag()))
+        {
+            Keep(m_groups.camera, Main, datum);
+        }
+        else if (group == "Photo" && IsIn(CAMERA_EXIF, datum.tag()))
+        {
+            Keep(m_groups.camera, Exif, datum);
+        }
+        else if (group == "GPSInfo" && IsIn(GPS_TAGS, datum.tag()))
+        {
+            Keep(m_groups.gps, Gps, datum);
+        }
+    }
+
+    void Keep(std::vector<ExifField> &fields, ExifField::Directory directory, const Exiv2::Exifdatum &datum)
+    {
+        const size_t size = datum.size() > 0 ? static_cast<size_t>(datum.size()) : 0;
+        const bool known = std::any_of(fields.begin(), fields.end(), [&](const ExifField &field) {
+            return field.directory == directory && field.tag == datum.tag();
+        });
+        if (known || size == 0 || size > LONGEST_FIELD || size > MOST_FIELD_BYTES - m_bytes || datum.typeId() > 12)
+        {
+            return;
+        }
+        ExifField field{directory, datum.tag(), static_cast<WORD>(datum.typeId()), std::vector<BYTE>(size)};
+        if (datum.copy(field.data.data(), Exiv2::littleEndian) == static_cast<long>(size))
+        {
+            m_bytes += size;
+            fields.push_back(std::move(field));
+        }
+    }
+
+    MetadataSnapshot &m_groups;
+    size_t m_bytes = 0;
+};
+
+int NumberOf(const WideText &text, int least, int most)
+{
+    const bool negative = text.starts_with(TEXT('-'));
+    const WideView digits = WideView(text).substr(negative ? 1 : 0);
+    if (digits.empty() || digits[0] < '0' || digits[0] > '9')
+    {
+        return NO_NUMBER;
+    }
+    // Some writers say "3.0"; no scale has two digits.
+    if (digits.size() > 1 && digits[1] != '.')
+    {
+        return NO_NUMBER;
+    }
+    const int number = (negative ? -1 : 1) * (digits[0] - '0');
+    return number >= least && number <= most ? number : NO_NUMBER;
+}
+
+MetadataSnapshot ReadGroups(const Exiv2::Image &image, const MetadataBlocks &blocks)
+{
+    MetadataSnapshot groups;
+    GroupReading reading(image, groups);
+    reading.TakeFromXmp(image.xmpData());
+    groups.rating = NumberOf(blocks.Xmp("Xmp.xmp.Rating"), -1, 5);
+    if (const auto datum = image.exifData().findKey(Exiv2::ExifKey("Exif.Image.Rating"));
+        groups.rating == NO_NUMBER && datum != image.exifData().end() && datum->count() > 0)
+    {
+        const long rating = datum->toLong();
+        groups.rating = rating >= 1 && rating <= 5 ? static_cast<int>(rating) : NO_NUMBER;
+    }
+    groups.urgency = NumberOf(FirstText({blocks.Xmp("Xmp.photoshop.Urgency"),
+                                         blocks.Iptc("Iptc.Application2.Urgency")}), 0, 8);
+    groups.label = blocks.Xmp("Xmp.xmp.Label");
+    return groups;
 }
 
 // Not left to the library, which tells a missing file and a strange one apart by prose alone.
@@ -216,9 +378,13 @@ HRESULT TryOpen(const std::filesystem::path &file)
 }
 } // namespace
 
-HRESULT ReadImageTexts(const std::filesystem::path &file, ImageTexts &texts) noexcept
+HRESULT ReadMetadata(const std::filesystem::path &file, ImageTexts &texts, MetadataSnapshot *groups) noexcept
 {
     texts = ImageTexts();
+    if (groups != nullptr)
+    {
+        *groups = MetadataSnapshot();
+    }
     return AtBoundary([&] {
         ThrowIfFailed(TryOpen(file));
         const std::lock_guard guard(ReadingLock());
@@ -228,11 +394,20 @@ HRESULT ReadImageTexts(const std::filesystem::path &file, ImageTexts &texts) noe
             // Absolute, so that no name looks like one of the library's protocols.
             const auto image = Exiv2::ImageFactory::open(std::filesystem::absolute(file).native());
             image->readMetadata();
-            texts = ChooseTexts(MetadataBlocks(*image));
+            const MetadataBlocks blocks(*image);
+            if (groups != nullptr)
+            {
+                *groups = ReadGroups(*image, blocks);
+            }
+            texts = ChooseTexts(blocks);
         }
         catch (const Exiv2::BasicError<char> &error)
         {
             texts = ImageTexts();
+            if (groups != nullptr)
+            {
+                *groups = MetadataSnapshot();
+            }
             return error.code() == Exiv2::kerFileContainsUnknownImageType ? WINCODEC_ERR_UNKNOWNIMAGEFORMAT
                                                                          : WINCODEC_ERR_BADMETADATAHEADER;
         }

@@ -2,11 +2,18 @@
 #pragma once
 
 #include "host/ImageTexts.h"
+#include "host/MetadataSnapshots.h"
 
 #include <filesystem>
 
-// Reads the texts of a file without loading its pixels; may be called from any thread, one reading at
-// a time. On failure texts is empty, and the result is the code of the file system's refusal,
+// Reads the texts of a file without loading its pixels, and if groups isn't null, what is to be written
+// again of EXIF, GPS and XMP; may be called from any thread, one reading at a time. On failure texts and
+// groups are empty, and the result is the code of the file system's refusal,
 // WINCODEC_ERR_UNKNOWNIMAGEFORMAT for a file of no known kind, or WINCODEC_ERR_BADMETADATAHEADER for
 // blocks that can't be read. Damage within a block costs what it hit and is no failure.
-HRESULT ReadImageTexts(const std::filesystem::path &file, ImageTexts &texts) noexcept;
+HRESULT ReadMetadata(const std::filesystem::path &file, ImageTexts &texts, MetadataSnapshot *groups) noexcept;
+
+inline HRESULT ReadImageTexts(const std::filesystem::path &file, ImageTexts &texts) noexcept
+{
+    return ReadMetadata(file, texts, nullptr);
+}

@@ -18,6 +18,7 @@
 
 #include "HostContract.h"
 
+#include <array>
 #include <vector>
 
 // Texts are empty where the file has none, free of NUL padding and white space at their end.
@@ -30,6 +31,7 @@ struct ImageTexts
     WideText artist;
     WideText copyright;
     WideText credit;
+    std::array<WideText, 32> places;    // further texts of the record's IPTC group, by number (IptcTexts.h)
 };
 
 // The keywords of a record: joined with ";". A ";" inside a keyword becomes ",", so that it stays one
@@ -40,6 +42,7 @@ WideText JoinKeywords(const std::vector<WideText> &keywords);
 std::vector<WideText> SplitKeywords(WideView list);
 
 // Puts the texts that are there into a laid-out record, whose texts are then its user's to free. An
-// absent text stays null: an empty title would stand for "no title", not for "none known". Throws
-// E_OUTOFMEMORY.
+// absent text stays null: an empty title would stand for "no title", not for "none known". Only the
+// artist of a file without one is an empty text, by which a group that was read is told from one that the
+// plug-in took out. Throws E_OUTOFMEMORY.
 void FillTexts(ItemRecord &record, const ImageTexts &texts);

@@ -75,6 +75,7 @@ RunEnd Publish(RunRecord &record, InitDataStore &store, LiveDisplay &display, Si
         display.Log(2, store.Notices()[i]);
     }
     const RunEnd end = RunPublication(*session.Plugin(), display, signals);
+    host->RunEnds();
     record.RunEnds();
     KeepAccount(session, display);
     if (FAILED(end.result))

@@ -2,9 +2,13 @@
 
 #include "host/FileNames.h"
 #include "host/ImageMetadata.h"
+#include "host/MetadataWriting.h"
+#include "host/PictureSource.h"
 #include "host/TextEncodings.h"
 
 #include "core/BstrOwner.h"
+
+#include <wincodec.h>
 
 namespace
 {
@@ -20,7 +24,10 @@ WideText JoinExtensions(const PictureItem &item)
 }
 } // namespace
 
-PublishingHost::PublishingHost(RunRecord &record, LogSink log) : m_record(record), m_log(std::move(log)) {}
+PublishingHost::PublishingHost(RunRecord &record, LogSink log)
+    : m_record(record), m_log(std::move(log)), m_ahead(record.Items(), DecodePicture)
+{
+}
 
 STDMETHODIMP PublishingHost::GetItemList(INT32 *count, HGLOBAL *items) noexcept
 {
@@ -60,6 +67,7 @@ STDMETHODIMP PublishingHost::GetItemRecord(UINT64 item, ItemRecord *record) noex
     return AtBoundary([&] {
         const size_t index = static_cast<size_t>(item - 1);
         m_record.ItemBegins(index);
+        m_ahead.ItemBegins(index);
         const PictureItem &picture = m_record.Items()[index];
         BstrOwner path(TextOfPath(picture.stem));
         BstrOwner extensions(JoinExtensions(picture));
@@ -79,31 +87,77 @@ STDMETHODIMP PublishingHost::WriteLogEntry(INT32 level, LPCWSTR source, LPCWSTR 
     });
 }
 
-STDMETHODIMP PublishingHost::ReadImageMetadata(LPCWSTR path, INT32, INT32, IWICBitmapSource **source, INT32 flags,
-                                               ItemRecord *record) noexcept
+ComPtr<IWICBitmapSource> PublishingHost::ReadPicture(const std::filesystem::path &file, UINT longEdge)
+{
+    try
+    {
+        return MakePictureSource(m_ahead.Take(file, longEdge));
+    }
+    catch (const DecodingError &error)
+    {
+        Tell(LOG_LEVEL_WARNING, ShownPath(file) + " " + error.what() + ".");
+        ThrowHresult(error.Code());
+    }
+}
+
+STDMETHODIMP PublishingHost::ReadImageMetadata(LPCWSTR path, INT32, INT32 longEdge, IWICBitmapSource **source,
+                                               INT32 flags, ItemRecord *record) noexcept
 {
     if (source != nullptr)
     {
         *source = nullptr;
     }
-    if (path == nullptr || record == nullptr)
+    const bool wantsPicture = flags == READ_METADATA_AND_PICTURE;
+    if (path == nullptr || record == nullptr || longEdge < 0 || (!wantsPicture && flags != READ_METADATA_ONLY) ||
+        (wantsPicture && source == nullptr))
     {
         return E_INVALIDARG;
     }
-    if (flags != READ_METADATA_ONLY)
-    {
-        return flags == READ_METADATA_AND_PICTURE ? E_NOTIMPL : E_INVALIDARG;
-    }
     return AtBoundary([&] {
+        const std::filesystem::path file = PathOfText(path);
         ImageTexts texts;
-        ThrowIfFailed(ReadImageTexts(PathOfText(path), texts));
+        const auto groups = std::make_shared<MetadataSnapshot>();
+        const HRESULT read = ReadMetadata(file, texts, groups.get());
+        ComPtr<IWICBitmapSource> picture;
+        if (wantsPicture)
+        {
+            picture = ReadPicture(file, static_cast<UINT>(longEdge));
+        }
+        else
+        {
+            m_ahead.NoteUndecoded(file);
+        }
+        // A picture that can be read goes up without metadata that can't.
+        if (FAILED(read) && (wantsPicture || read == WINCODEC_ERR_BADMETADATAHEADER))
+        {
+            Tell(LOG_LEVEL_WARNING, "The metadata of " + ShownPath(file) + " can't be read; none of it is used.");
+        }
+        else
+        {
+            ThrowIfFailed(read);
+        }
         FillTexts(*record, texts);
+        m_snapshots.Put(groups, *record);
+        if (wantsPicture)
+        {
+            *source = picture.Detach();
+        }
         return S_OK;
     });
 }
 
-STDMETHODIMP PublishingHost::WriteImageMetadata(IWICMetadataQueryWriter *, INT32, INT32, ItemRecord *, INT32, INT32,
-                                                INT32, INT32, INT32, INT32, INT32) noexcept
+STDMETHODIMP PublishingHost::WriteImageMetadata(IWICMetadataQueryWriter *writer, INT32, INT32, ItemRecord *record,
+                                                INT32 copyright, INT32 exif, INT32 xmp, INT32 gps, INT32 iptc, INT32,
+                                                INT32 processed) noexcept
 {
-    return E_NOTIMPL;
+    if (writer == nullptr || record == nullptr)
+    {
+        return E_INVALIDARG;
+    }
+    return AtBoundary([&] {
+        const GroupSwitches switches = {copyright != 0, exif != 0, xmp != 0, gps != 0, iptc != 0};
+        WriteRecordMetadata(*writer, *record, m_snapshots, switches, processed != 0,
+                            [&](const std::string &words) { Tell(LOG_LEVEL_VERBOSE, words); });
+        return S_OK;
+    });
 }

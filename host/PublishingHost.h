@@ -2,6 +2,8 @@
 // picture files. One object answers both of the host's interfaces, from any thread.
 #pragma once
 
+#include "host/MetadataSnapshots.h"
+#include "host/PicturesAhead.h"
 #include "host/RunRecord.h"
 
 #include "core/ComObject.h"
@@ -36,8 +38,16 @@ public:
                                     INT32 copyright, INT32 exif, INT32 xmp, INT32 gps, INT32 iptc, INT32 anyGroup,
                                     INT32 processed) noexcept override;
 
+    // Ends the work ahead of the plug-in's requests. To be called when a run is over, also a cancelled one.
+    void RunEnds() { m_ahead.Stop(); }
+
 private:
+    void Tell(int level, const std::string &text) { m_log(level, "halvora", text); }
+    ComPtr<IWICBitmapSource> ReadPicture(const std::filesystem::path &file, UINT longEdge);
+
     RunRecord &m_record;
     const LogSink m_log;
     GlobalMemoryOwner m_list;
+    MetadataSnapshots m_snapshots;
+    PicturesAhead m_ahead;
 };

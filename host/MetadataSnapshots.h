@@ -1,0 +1,82 @@
+// What was read of the groups for which an item record has no room, kept until the record is written.
+//
+// The record's words for EXIF, GPS and XMP hold the key of a snapshot. A read picture has its key in all
+// of them, also for a group of which it holds nothing, so that 0 and 0xFF mean one thing alone: the
+// plug-in took the group out.
+#pragma once
+
+#include "core/WideText.h"
+
+#include "HostContract.h"
+
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+// One field of an EXIF block.
+struct ExifField
+{
+    enum class Directory
+    {
+        Main,
+        Exif,
+        Gps
+    };
+    Directory directory;
+    WORD tag;
+    WORD type;                  // TIFF 6.0's numbers, 1 to 12
+    std::vector<BYTE> data;     // little-endian
+};
+
+constexpr int NO_NUMBER = -100;
+
+struct MetadataSnapshot
+{
+    std::vector<ExifField> camera;  // camera and shooting data, by their lists in ImageMetadata.cpp
+    std::vector<ExifField> gps;
+    int rating = NO_NUMBER;         // -1 (rejected) to 5
+    int urgency = NO_NUMBER;        // 0 to 8
+    WideText label;
+    UINT16 orientation = 1;         // EXIF's numbers, 1 to 8
+};
+
+using SnapshotPtr = std::shared_ptr<const MetadataSnapshot>;
+
+// What a record says of the three groups: a group taken out has no snapshot and is blank.
+struct RecordGroup
+{
+    bool blank = true;
+    SnapshotPtr snapshot;   // null too if the record outlived its snapshot
+};
+
+// Keeps the last 8; any thread. An older record's key finds nothing, never another picture's snapshot.
+class MetadataSnapshots
+{
+public:
+    // Keeps the snapshot and puts its key and the orientation into the record.
+    void Put(SnapshotPtr snapshot, ItemRecord &record);
+
+    RecordGroup Exif(const ItemRecord &record) const;
+    RecordGroup Gps(const ItemRecord &record) const;
+    RecordGroup Xmp(const ItemRecord &record) const;
+
+private:
+    struct Entry
+    {
+        UINT64 key;
+        SnapshotPtr snapshot;
+    };
+
+    SnapshotPtr Find(UINT64 key) const;
+
+    mutable std::mutex m_lock;
+    std::deque<Entry> m_entries;
+    UINT64 m_lastKey = 0;
+};
+
+// 1 for a record that was never read into.
+UINT16 OrientationOf(const ItemRecord &record);
+
+bool IsCopyrightBlank(const ItemRecord &record);
+bool IsIptcBlank(const ItemRecord &record);

@@ -1,0 +1,46 @@
+// Writing of a record's metadata into a new file.
+//
+//     copyright   EXIF Artist, Copyright, UserComment; dc:creator, dc:rights, photoshop:Credit;
+//                 IPTC By-line, Copyright Notice, Credit; the comment segments of a copied picture
+//     EXIF        camera and shooting data of IFD0 and the EXIF directory, the maker note
+//     XMP         xmp:Rating, xmp:Label, photoshop:Urgency
+//     GPS         the GPS directory
+//     IPTC        ImageDescription; title, caption, keywords, place, usage terms and the like as IPTC
+//                 datasets and as their counterparts in XMP (IptcTexts.h)
+//
+// In a picture that keeps its pixels the encoder holds copies of the source's blocks. Where all five
+// groups go, the EXIF block stays and is only completed; otherwise every copied block goes, and the groups
+// that are wanted are written anew from the lists. So what isn't known to belong to a wanted group never
+// goes up: a maker note and the segments of makers are closed boxes that may hold a place, an owner or a
+// title, and go with all five groups or not at all. XMP and IPTC blocks are always written anew.
+// Thumbnails never go: they show what was cropped away or painted over.
+//
+// Orientation isn't metadata but says how the pixels lie, as the colour profile says how they look. It
+// stays with pixels that weren't turned, whatever the switches say.
+#pragma once
+
+#include "host/MetadataSnapshots.h"
+
+#include <wincodec.h>
+
+#include <functional>
+#include <string>
+
+struct GroupSwitches
+{
+    bool copyright;
+    bool exif;
+    bool xmp;
+    bool gps;
+    bool iptc;
+};
+
+// Words in UTF-8 about what was left out, for the log.
+using WritingNotice = std::function<void(const std::string &words)>;
+
+// A group that is switched off or blank in the record leaves nothing behind. Throws the code of a removal
+// that failed; a single value that can't be written is left out and noticed. processed: the picture was
+// decoded, and the writer starts empty.
+void WriteRecordMetadata(IWICMetadataQueryWriter &writer, const ItemRecord &record,
+                         const MetadataSnapshots &snapshots, const GroupSwitches &switches, bool processed,
+                         const WritingNotice &notice);

@@ -1,0 +1,219 @@
+#include "host/PicturesAhead.h"
+
+#include <algorithm>
+
+namespace fs = std::filesystem;
+
+namespace
+{
+constexpr size_t MOST_AHEAD = 2;
+constexpr size_t MOST_BYTES_AHEAD = size_t{64} << 20;
+// How far the next picture to decode is looked for among items that go up without.
+constexpr size_t SIGHT = 8;
+
+std::string LowerExtension(std::string extension)
+{
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    return extension;
+}
+
+std::string ExtensionOf(const fs::path &file)
+{
+    const std::string extension = file.extension().string();
+    return extension.empty() ? extension : LowerExtension(extension.substr(1));
+}
+} // namespace
+
+PicturesAhead::PicturesAhead(const std::vector<PictureItem> &items, PictureDecoder decoder)
+    : m_items(items), m_decoder(std::move(decoder))
+{
+}
+
+void PicturesAhead::ItemBegins(size_t index)
+{
+    const std::lock_guard guard(m_lock);
+    m_item = index;
+    // What lies behind was guessed wrongly.
+    for (const JobPtr &job : std::list<JobPtr>(m_jobs))
+    {
+        if (job->item < index)
+        {
+            DropLocked(job);
+        }
+    }
+}
+
+std::shared_ptr<const DecodedPicture> PicturesAhead::Take(const fs::path &file, UINT longEdge)
+{
+    std::shared_ptr<const DecodedPicture> picture;
+    {
+        std::unique_lock lock(m_lock);
+        if (const JobPtr job = Find(file, longEdge))
+        {
+            // One that isn't begun is made sooner here than behind another one.
+            m_changed.wait(lock, [&] { return job->stage != Stage::Making || m_stopped; });
+            Stamp now;
+            if (job->stage == Stage::Ready && StampOf(file, now) && now == job->stamp)
+            {
+                picture = job->picture;
+                ++m_hits;
+            }
+            DropLocked(job);
+        }
+        m_isDecoded[ExtensionOf(file)] = true;
+        // Before the size of this picture is known, the last guess stands.
+        if (picture || longEdge != 0)
+        {
+            PlanLocked(file, longEdge, picture ? picture->pixels.size() : 0);
+        }
+    }
+    if (picture)
+    {
+        return picture;
+    }
+    picture = std::make_shared<const DecodedPicture>(m_decoder(file, longEdge, nullptr));
+    const std::lock_guard guard(m_lock);
+    PlanLocked(file, longEdge, picture->pixels.size());
+    return picture;
+}
+
+void PicturesAhead::NoteUndecoded(const fs::path &file)
+{
+    const std::lock_guard guard(m_lock);
+    m_isDecoded[ExtensionOf(file)] = false;
+}
+
+void PicturesAhead::Stop()
+{
+    {
+        const std::lock_guard guard(m_lock);
+        m_stopped = true;
+        for (const JobPtr &job : std::list<JobPtr>(m_jobs))
+        {
+            DropLocked(job);
+        }
+    }
+    m_changed.notify_all();
+    if (m_worker.joinable())
+    {
+        m_worker.join();
+    }
+}
+
+size_t PicturesAhead::Hits() const
+{
+    const std::lock_guard guard(m_lock);
+    return m_hits;
+}
+
+bool PicturesAhead::StampOf(const fs::path &file, Stamp &stamp)
+{
+    std::error_code error;
+    stamp.size = fs::file_size(file, error);
+    if (!error)
+    {
+        stamp.time = fs::last_write_time(file, error);
+    }
+    return !error;
+}
+
+PicturesAhead::JobPtr PicturesAhead::Find(const fs::path &file, UINT longEdge) const
+{
+    const auto found = std::find_if(m_jobs.begin(), m_jobs.end(), [&](const JobPtr &job) {
+        return job->file == file && job->longEdge == longEdge;
+    });
+    return found == m_jobs.end() ? nullptr : *found;
+}
+
+// Null where the plug-in is likely to send the file as it lies, or where nothing is known.
+const std::string *PicturesAhead::GuessExtension(const PictureItem &item, const std::string &asked) const
+{
+    for (const std::string &extension : item.extensions)
+    {
+        if (LowerExtension(extension) == asked)
+        {
+            return &extension;
+        }
+    }
+    if (item.extensions.size() != 1)
+    {
+        return nullptr;
+    }
+    const auto known = m_isDecoded.find(LowerExtension(item.extensions[0]));
+    return known != m_isDecoded.end() && known->second ? &item.extensions[0] : nullptr;
+}
+
+// bytes: of the picture asked for, 0 if not known.
+void PicturesAhead::PlanLocked(const fs::path &asked, UINT longEdge, size_t bytes)
+{
+    const size_t expected = longEdge == 0 ? bytes : size_t{longEdge} * longEdge * 3;
+    const size_t room = expected > MOST_BYTES_AHEAD / MOST_AHEAD ? 1 : MOST_AHEAD;
+    const std::string extension = ExtensionOf(asked);
+    const size_t end = std::min(m_items.size(), m_item + 1 + SIGHT);
+    for (size_t item = m_item + 1; item < end && m_jobs.size() < room && !m_stopped; ++item)
+    {
+        const std::string *const guess = GuessExtension(m_items[item], extension);
+        if (guess == nullptr)
+        {
+            continue;
+        }
+        const auto job = std::make_shared<Job>();
+        job->item = item;
+        job->file = fs::path(m_items[item].stem.native() + "." + *guess);
+        job->longEdge = longEdge;
+        if (!Find(job->file, longEdge) && StampOf(job->file, job->stamp))
+        {
+            m_jobs.push_back(job);
+        }
+    }
+    if (!m_jobs.empty() && !m_worker.joinable() && !m_stopped)
+    {
+        m_worker = std::thread([this] { Work(); });
+    }
+    m_changed.notify_all();
+}
+
+void PicturesAhead::DropLocked(const JobPtr &job)
+{
+    job->dropped = true;
+    job->picture.reset();
+    m_jobs.remove(job);
+}
+
+void PicturesAhead::Work()
+{
+    std::unique_lock lock(m_lock);
+    for (;;)
+    {
+        JobPtr next;
+        m_changed.wait(lock, [&] {
+            const auto waiting = std::find_if(m_jobs.begin(), m_jobs.end(),
+                                              [](const JobPtr &job) { return job->stage == Stage::Waiting; });
+            next = waiting == m_jobs.end() ? nullptr : *waiting;
+            return next || m_stopped;
+        });
+        if (m_stopped)
+        {
+            return;
+        }
+        next->stage = Stage::Making;
+        lock.unlock();
+        std::shared_ptr<const DecodedPicture> made;
+        try
+        {
+            made = std::make_shared<const DecodedPicture>(m_decoder(next->file, next->longEdge, &next->dropped));
+        }
+        catch (...)
+        {
+            // Whoever asks for the picture meets the same failure, and tells of it.
+        }
+        lock.lock();
+        next->stage = made ? Stage::Ready : Stage::Failed;
+        if (!next->dropped)
+        {
+            next->picture = std::move(made);
+        }
+        m_changed.notify_all();
+    }
+}

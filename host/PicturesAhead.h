@@ -1,0 +1,94 @@
+// Pictures decoded before they are asked for, while an earlier one is on its way to the service.
+//
+// The plug-in asks for one picture after the other and says with each what it wants of it. The next ones
+// are guessed: the items that follow, of the same extension or of one asked for before, at the size last
+// asked for. A wrong guess costs time on another core and nothing else.
+//
+// At most two pictures wait or are being made, and one where two could take more than 64 MB.
+#pragma once
+
+#include "host/PictureDecoding.h"
+#include "host/PictureItems.h"
+
+#include <condition_variable>
+#include <functional>
+#include <list>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+// As DecodePicture.
+using PictureDecoder =
+    std::function<DecodedPicture(const std::filesystem::path &, UINT longEdge, const std::atomic<bool> *stop)>;
+
+class PicturesAhead
+{
+public:
+    // The items must outlive the object.
+    PicturesAhead(const std::vector<PictureItem> &items, PictureDecoder decoder);
+    ~PicturesAhead() { Stop(); }
+    PicturesAhead(const PicturesAhead &) = delete;
+    PicturesAhead &operator=(const PicturesAhead &) = delete;
+
+    // The item that is asked about from here on.
+    void ItemBegins(size_t index);
+
+    // The picture of a file: the one made ahead if path and longEdge are those it was made for and the
+    // file has kept its size and time, else made now, on this thread. Starts those that follow. Throws
+    // what the decoder throws; a failure ahead is tried again here, so that it is told where it belongs.
+    std::shared_ptr<const DecodedPicture> Take(const std::filesystem::path &file, UINT longEdge);
+
+    // The file of the current item was not asked for as a picture: those like it need not be made.
+    void NoteUndecoded(const std::filesystem::path &file);
+
+    // Ends the thread; nothing is made ahead any more. Idempotent, and called on one thread.
+    void Stop();
+
+    // How many were found ready or in the making, for measuring.
+    size_t Hits() const;
+
+private:
+    struct Stamp
+    {
+        std::uintmax_t size = 0;
+        std::filesystem::file_time_type time;
+        bool operator==(const Stamp &) const = default;
+    };
+    enum class Stage
+    {
+        Waiting,
+        Making,
+        Ready,
+        Failed
+    };
+    struct Job
+    {
+        size_t item;
+        std::filesystem::path file;
+        UINT longEdge;
+        Stamp stamp;
+        Stage stage = Stage::Waiting;
+        std::shared_ptr<const DecodedPicture> picture;
+        std::atomic<bool> dropped = false;
+    };
+    using JobPtr = std::shared_ptr<Job>;
+
+    static bool StampOf(const std::filesystem::path &file, Stamp &stamp);
+    JobPtr Find(const std::filesystem::path &file, UINT longEdge) const;
+    void PlanLocked(const std::filesystem::path &asked, UINT longEdge, size_t bytes);
+    const std::string *GuessExtension(const PictureItem &item, const std::string &asked) const;
+    void DropLocked(const JobPtr &job);
+    void Work();
+
+    const std::vector<PictureItem> &m_items;
+    const PictureDecoder m_decoder;
+    mutable std::mutex m_lock;
+    std::condition_variable m_changed;
+    std::list<JobPtr> m_jobs;                   // in the order of the items
+    std::map<std::string, bool> m_isDecoded;    // by extension, as the plug-in asked last
+    size_t m_item = 0;
+    size_t m_hits = 0;
+    bool m_stopped = false;
+    std::thread m_worker;
+};
