@@ -26,9 +26,9 @@ h2{font-size:1.1rem;margin:0;padding:.9rem 1.1rem;overflow-wrap:anywhere}
 .wide{overflow-x:auto}
 table{border-collapse:collapse;width:100%;table-layout:fixed}
 th,td{padding:.45rem 1.1rem;border-top:1px solid var(--line);text-align:left;vertical-align:top;overflow-wrap:anywhere}
-thead th{vertical-align:bottom;border-top:0}
-th[scope=row]{width:9rem;font-weight:400;color:var(--soft)}
-td,thead th{min-width:12rem}
+thead th{vertical-align:bottom}
+th[scope=row],.corner{width:9rem;font-weight:400;color:var(--soft)}
+thead .corner,thead th{border-top:0}
 .picture{display:block;aspect-ratio:3/2;background:var(--chip);border-radius:8px;overflow:hidden;margin-bottom:.5rem}
 .picture img,.picture video{width:100%;height:100%;object-fit:contain;display:block}
 .none{display:grid;place-items:center;height:100%;color:var(--soft)}
@@ -40,8 +40,8 @@ summary{cursor:pointer}summary b{font-weight:600}
 dl{margin:.4rem 0 .2rem;font-size:.82rem}dt{color:var(--soft)}dd{margin:0 0 .3rem}
 .empty{text-align:center;color:var(--soft);padding:4rem 1rem}
 .untitled{color:var(--soft);font-style:italic;font-weight:400}
-@media(max-width:45rem){table{width:max-content;min-width:100%;table-layout:auto}td,thead th{width:14rem;min-width:14rem}
-th[scope=row]{width:6rem;min-width:6rem;padding-right:.2rem}}
+@media(max-width:45rem){table{width:max-content}td,thead th{width:12.5rem;padding:.45rem .8rem}
+th[scope=row],.corner{width:6rem;padding:.45rem .4rem .45rem .8rem;font-size:.85rem;position:sticky;left:0;background:var(--card);z-index:1}}
 )";
 
 constexpr std::array GroupNames = {"EXIF", "GPS", "IPTC", "XMP", "Comment"};
@@ -79,7 +79,7 @@ std::string Row(const std::string &name, const std::vector<Upload> &uploads, con
 
 std::string HeadRow(const std::vector<Upload> &uploads)
 {
-    std::string html = "<thead><tr><td></td>";
+    std::string html = "<thead><tr><td class=\"corner\"></td>";
     int number = 0;
     for (const auto &upload : uploads)
     {
@@ -165,7 +165,7 @@ std::string Section(const std::vector<Upload> &uploads, int number)
         }
     }
     return fmt::format("<section aria-labelledby=\"title-{0}\"><h2 id=\"title-{0}\" dir=\"auto\">{1}</h2>"
-                       "<div class=\"wide\"><table>{2}<tbody>{3}</tbody></table></div></section>\n",
+                       "<div class=\"wide\" role=\"region\" tabindex=\"0\" aria-labelledby=\"title-{0}\"><table>{2}<tbody>{3}</tbody></table></div></section>\n",
                        number, EscapeHtml(NameOf(*uploads.front().photo)), HeadRow(uploads), rows);
 }
 

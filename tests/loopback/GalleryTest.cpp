@@ -29,3 +29,22 @@ TEST(Gallery, ShowsWhatWasPublishedAndNothingRuns)
     EXPECT_EQ(client.Get("http://127.0.0.1/photo/1").status, 404);
     EXPECT_EQ(client.Get("http://127.0.0.1/photo/..%2F..%2Findex.sqlite/file").status, 404);
 }
+
+TEST(Gallery, ComparesUploadsOfOneTitle)
+{
+    RunningService service;
+    auto client = service.Client();
+    const std::string page = "http://127.0.0.1/compare";
+    EXPECT_THAT(client.Get(page).body, HasSubstr("Nothing to compare yet"));
+    // A comment of JPEG's own kind, the smallest metadata that there is.
+    UploadFile withComment{"a.jpg", "\xFF\xD8\xFF\xFE" + std::string("\x00\x07Notes", 7) + "\xFF\xD9"};
+    client.Admin("account", {{"run", "<b>whole"}});
+    client.Upload({{"title", "Twice & again"}}, withComment);
+    client.Upload({{"title", "Once"}}, withComment);
+    client.Admin("account", {{"run", "bare"}});
+    client.Upload({{"title", "Twice & again"}}, {"b.jpg", "\xFF\xD8\xFF\xD9"});
+    const std::string html = client.Get(page).body;
+    EXPECT_THAT(html, AllOf(HasSubstr("Twice &amp; again"), Not(HasSubstr("Once")), Not(HasSubstr("<b>whole")),
+                            HasSubstr("<dd dir=\"auto\">Notes</dd>"), HasSubstr("none</span>")));
+    EXPECT_LT(html.find("&lt;b&gt;whole"), html.find("bare")) << "the earliest on the left";
+}
