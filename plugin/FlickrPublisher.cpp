@@ -1,5 +1,6 @@
 #include "plugin/FlickrPublisher.h"
 
+#include "account/AccountQueries.h"
 #include "account/AuthorizationDialogs.h"
 #include "account/Connectivity.h"
 #include "account/SystemProxy.h"
@@ -11,8 +12,10 @@
 #include "publish/ProgressReport.h"
 #include "publish/PublishDriver.h"
 #include "resources/resource.h"
+#include "settings/SettingsSheet.h"
 #include "settings/StateLine.h"
 
+#include <commctrl.h>
 #include <shlwapi.h>
 
 namespace
@@ -241,10 +244,28 @@ HRESULT CFlickrPublisher::AuthorizeAccount(HWND parent, IOAuthWebClient &client)
     return Authorize({m_account, m_version, client, parent, dialogs, SystemPause, DiscoverSystemProxy});
 }
 
-// The place of the settings sheet.
-HRESULT CFlickrPublisher::EditSettings(HWND, IOAuthWebClient &)
+HRESULT CFlickrPublisher::EditSettings(HWND parent, IOAuthWebClient &)
 {
-    return S_OK;
+    SheetAccount shown{m_account, m_version.String(TEXT("FileVersion")), m_version.String(TEXT("LegalCopyright")),
+                       [this] { return RefreshAccount(m_account, m_version); }};
+    const SheetOutcome outcome = ShowSettingsSheet(parent, shown);
+    if (!outcome.Applied)
+    {
+        return S_OK;
+    }
+    if (IsWindow(m_windows.Bar))
+    {
+        SendMessageW(m_windows.Bar, PBM_SETPOS, 0, 0);
+        SendMessageW(m_windows.Bar, PBM_SETSTATE, PBST_NORMAL, 0);
+    }
+    if (!outcome.RevokeRequested)
+    {
+        return S_OK;
+    }
+    // The service isn't told: there the token stays valid until the user withdraws it.
+    m_account.OAuthToken.Reset();
+    m_account.OAuthTokenSecret.Reset();
+    return S_FALSE;
 }
 
 HRESULT CFlickrPublisher::Publish(HWND hWndProgressControl, HWND hWndStaticTextControl) noexcept

@@ -53,6 +53,20 @@ void Enlarge(HWND window, int byWidth, int byHeight)
     GetWindowRect(window, &place);
     Resize(window, place.right - place.left + byWidth, place.bottom - place.top + byHeight);
 }
+
+SIZE IdealSize(HWND link)
+{
+    SIZE size{};
+    SendMessageW(link, getIdealSize, 0, reinterpret_cast<LPARAM>(&size));
+    if (size.cy > size.cx)
+    {
+        // Not every platform takes 0 for "as wide as need be": some break the text at each letter.
+        RECT ample{};
+        GetClientRect(link, &ample);
+        SendMessageW(link, getIdealSize, static_cast<WPARAM>(ample.right), reinterpret_cast<LPARAM>(&size));
+    }
+    return size;
+}
 } // namespace
 
 HWND TabControlOf(HWND sheet) noexcept
@@ -98,8 +112,7 @@ void PlaceInTabRow(HWND sheet, HWND child) noexcept
 void PlaceBesideButtons(HWND sheet, HWND link) noexcept
 {
     const DialogUnits units(sheet);
-    SIZE size{};
-    SendMessageW(link, getIdealSize, 0, reinterpret_cast<LPARAM>(&size));
+    const SIZE size = IdealSize(link);
     const HWND ok = GetDlgItem(sheet, IDOK);
     const RECT button = PlaceIn(sheet, ok);
     const int left = PlaceIn(sheet, TabControlOf(sheet)).left + units.HalfAcross();

@@ -1,0 +1,75 @@
+// A person at the settings sheet: works on its real windows from a thread beside the one that shows it.
+#pragma once
+
+#include "core/WideText.h"
+
+#include <windows.h>
+
+#include <atomic>
+#include <functional>
+#include <optional>
+#include <thread>
+
+// The sheet, while it is open. A window or control that should be there and isn't, or doesn't come in time,
+// fails the test.
+class OpenSheet
+{
+public:
+    // thread: the one that shows the sheet.
+    OpenSheet(HWND sheet, DWORD thread) noexcept : m_sheet(sheet), m_thread(thread) {}
+
+    HWND Window() const noexcept { return m_sheet; }
+    HWND Tabs() const;
+    HWND Button(int id) const;
+
+    // Null if the sheet has none.
+    HWND HomepageLink() const;
+    HWND Animation() const;
+
+    // Pages by their place in the tab row.
+    void SelectPage(int index) const;
+    int SelectedPage() const;
+
+    // Of the page on top.
+    HWND Control(UINT id) const;
+    void Click(UINT id) const;
+    bool IsChecked(UINT id) const;
+    bool IsEnabled(UINT id) const;
+    WideText Text(UINT id) const;
+
+    // Replaces what stands in the edit field of a combo box.
+    void Type(UINT id, const WCHAR *text) const;
+
+    // With the mouse, and without waiting for what comes of it.
+    void ClickLink(HWND link) const;
+
+    // OK or Cancel; returns when the sheet is gone.
+    void Close(int button) const;
+
+    // Another dialog over the sheet, by its title and what it isn't; waits for it.
+    HWND WaitForDialog(const WCHAR *title) const;
+
+    // Waits until that is true.
+    static bool WaitUntil(const std::function<bool()> &condition);
+
+private:
+    HWND m_sheet;
+    DWORD m_thread;
+};
+
+class SheetDriver
+{
+public:
+    // The next sheet that the calling thread shows is handed to act, and cancelled if act leaves it open.
+    explicit SheetDriver(std::function<void(const OpenSheet &)> act);
+
+    // Waits for act to end.
+    ~SheetDriver();
+    SheetDriver(const SheetDriver &) = delete;
+    SheetDriver &operator=(const SheetDriver &) = delete;
+
+private:
+    void Drive(DWORD thread, const std::function<void(const OpenSheet &)> &act);
+
+    std::thread m_thread;
+};
