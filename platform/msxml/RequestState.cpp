@@ -193,14 +193,34 @@ WideText ReplyText(const std::string &body)
     return FromUtf8(bytes.substr(bytes.starts_with("\xEF\xBB\xBF") ? 3 : 0));
 }
 
-ComPtr<IDispatch> ReplyDocument(const std::string &body)
+SAFEARRAY *ReplyBytes(const std::string &body)
 {
-    ComPtr<IXMLDOMDocument2> document;
-    ThrowIfFailed(DocumentFactory()->CreateInstance(nullptr, __uuidof(IXMLDOMDocument2), document.PutVoid()));
+    SAFEARRAY *array = SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(body.size()));
+    void *bytes = nullptr;
+    if (array == nullptr)
+    {
+        ThrowHresult(E_OUTOFMEMORY);
+    }
+    SafeArrayAccessData(array, &bytes);
+    std::copy(body.begin(), body.end(), static_cast<char *>(bytes));
+    SafeArrayUnaccessData(array);
+    return array;
+}
+
+ComPtr<IStream> ReplyStream(const std::string &body)
+{
     ComPtr<IStream> stream;
     ThrowIfFailed(CreateStreamOnHGlobal(nullptr, TRUE, stream.Put()));
     ThrowIfFailed(stream->Write(body.data(), static_cast<ULONG>(body.size()), nullptr));
     ThrowIfFailed(stream->Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr));
+    return stream;
+}
+
+ComPtr<IDispatch> ReplyDocument(const std::string &body)
+{
+    ComPtr<IXMLDOMDocument2> document;
+    ThrowIfFailed(DocumentFactory()->CreateInstance(nullptr, __uuidof(IXMLDOMDocument2), document.PutVoid()));
+    const ComPtr<IStream> stream = ReplyStream(body);
     VARIANT source{};
     V_VT(&source) = VT_UNKNOWN;
     V_UNKNOWN(&source) = stream.Get();

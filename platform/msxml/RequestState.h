@@ -52,5 +52,9 @@ private:
 // The reply's bytes as a text: by a byte order mark, else UTF-8.
 WideText ReplyText(const std::string &body);
 
+// Copies of the reply: an array for SafeArrayDestroy, a stream at its start.
+SAFEARRAY *ReplyBytes(const std::string &body);
+ComPtr<IStream> ReplyStream(const std::string &body);
+
 // A new document with the reply in it, one without content if it is no XML.
 ComPtr<IDispatch> ReplyDocument(const std::string &body);

@@ -9,7 +9,8 @@
 
 namespace
 {
-// What both classes answer alike. Nothing of a reply can be read before it is there: E_FAIL.
+// What both classes answer alike. Nothing of a reply can be read before it is there: E_FAIL, and
+// E_PENDING for its bytes.
 template <class Interface, ProxyUse Usual>
 class RequestOperations : public WithoutAutomation<Interface>
 {
@@ -98,10 +99,24 @@ public:
         return S_OK;
     }
 
-    // Nobody reads a reply's bytes but as text and document, and nothing happens later that a sink
-    // could be told.
-    STDMETHODIMP get_responseBody(VARIANT *) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP get_responseStream(VARIANT *) noexcept override { return E_NOTIMPL; }
+    // A vector of VT_UI1.
+    STDMETHODIMP get_responseBody(VARIANT *bytes) noexcept override
+    {
+        return ReadBytes(bytes, [&](const HttpAnswer &answer) {
+            V_ARRAY(bytes) = ReplyBytes(answer.body);
+            V_VT(bytes) = VT_ARRAY | VT_UI1;
+        });
+    }
+    // An IStream of its own at its start.
+    STDMETHODIMP get_responseStream(VARIANT *stream) noexcept override
+    {
+        return ReadBytes(stream, [&](const HttpAnswer &answer) {
+            V_UNKNOWN(stream) = ReplyStream(answer.body).Detach();
+            V_VT(stream) = VT_UNKNOWN;
+        });
+    }
+
+    // Nothing happens later that a sink could be told.
     STDMETHODIMP put_onreadystatechange(IDispatch *) noexcept override { return E_NOTIMPL; }
 
 protected:
@@ -123,6 +138,24 @@ private:
         }
         *out = nullptr;
         return AtBoundary([&]() -> HRESULT { return m_state.Answer() ? body(*m_state.Answer()) : E_FAIL; });
+    }
+
+    template <class Body>
+    HRESULT ReadBytes(VARIANT *out, Body &&body) noexcept
+    {
+        if (out == nullptr)
+        {
+            return E_INVALIDARG;
+        }
+        V_VT(out) = VT_EMPTY;
+        return AtBoundary([&]() -> HRESULT {
+            if (!m_state.Answer())
+            {
+                return E_PENDING;
+            }
+            body(*m_state.Answer());
+            return S_OK;
+        });
     }
 };
 } // namespace

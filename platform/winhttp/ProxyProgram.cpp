@@ -13,6 +13,9 @@
 namespace
 {
 constexpr const char *Program = "/usr/bin/proxy"; // of Debian's libproxy-tools
+// Now and then a script engine crashes while its process exits, and takes along what the program had
+// not written yet: it is made to write each line at once.
+constexpr const char *Unbuffered = "/usr/bin/stdbuf";
 constexpr int ScriptFile = 3;                     // its number in the program
 constexpr size_t LargestAnswer = 64 * 1024;
 
@@ -80,8 +83,8 @@ private:
     posix_spawn_file_actions_t m_actions;
 };
 
-// All that it writes until it closes its output, or nothing when the limit has passed.
-std::optional<std::string> ReadAll(int file, std::chrono::milliseconds limit)
+// The first line, without its end; nothing if the output or the time ends before it does.
+std::optional<std::string> ReadLine(int file, std::chrono::milliseconds limit)
 {
     const auto deadline = std::chrono::steady_clock::now() + limit;
     std::string text;
@@ -96,22 +99,21 @@ std::optional<std::string> ReadAll(int file, std::chrono::milliseconds limit)
         }
         char buffer[4096];
         const ssize_t read = ready > 0 ? ::read(file, buffer, sizeof(buffer)) : -1;
-        if (read == 0)
-        {
-            return text;
-        }
-        if (read < 0 || text.size() > LargestAnswer)
+        if (read <= 0 || text.size() > LargestAnswer)
         {
             return std::nullopt;
         }
         text.append(buffer, static_cast<size_t>(read));
+        if (const size_t end = text.find('\n'); end != std::string::npos)
+        {
+            return text.substr(0, end);
+        }
     }
 }
 
 std::vector<std::string> Words(std::string_view line)
 {
     std::vector<std::string> words;
-    line = line.substr(0, line.find('\n'));
     while (!line.empty())
     {
         const size_t end = std::min(line.find(' '), line.size());
@@ -136,22 +138,20 @@ std::optional<std::vector<std::string>> Run(const std::string &url, int script, 
     File output(ends[1]);
     const File input(TextFile(url + '\n'));
     pid_t program = 0;
-    char *arguments[] = {const_cast<char *>(Program), nullptr};
-    if (input.Get() < 0 || posix_spawn(&program, Program, FileActions(input.Get(), output.Get(), script).Get(),
+    char *arguments[] = {const_cast<char *>(Unbuffered), const_cast<char *>("-oL"), const_cast<char *>(Program),
+                         nullptr};
+    if (input.Get() < 0 || posix_spawn(&program, Unbuffered, FileActions(input.Get(), output.Get(), script).Get(),
                                        nullptr, arguments, environment) != 0)
     {
         return std::nullopt;
     }
     output.Close();
-    const std::optional<std::string> text = ReadAll(answer.Get(), limit);
-    if (!text)
-    {
-        kill(program, SIGKILL);
-    }
+    const std::optional<std::string> line = ReadLine(answer.Get(), limit);
+    kill(program, SIGKILL); // nothing that it may still do is wanted
     while (waitpid(program, nullptr, 0) < 0 && errno == EINTR)
     {
     }
-    std::vector<std::string> words = Words(text.value_or(""));
+    std::vector<std::string> words = Words(line.value_or(""));
     return words.empty() ? std::nullopt : std::optional(std::move(words));
 }
 } // namespace

@@ -109,6 +109,54 @@ TEST_F(RequestExchange, GivesStatusHeadersTextAndDocumentOfAReply)
     }
 }
 
+TEST_F(RequestExchange, GivesABodyAsBytesAsAStreamAndAsText)
+{
+    const struct
+    {
+        std::string body;
+        std::u16string text;
+    } cases[] = {
+        {std::string("a\0b", 3), std::u16string(u"a\0b", 3)},
+        {"", u""},
+        {"\xEF\xBB\xBFGr\xC3\xB6\xC3\x9F" "e \xFF", u"Größe \uFFFD"},
+        {std::string("\xFF\xFEG\0\xF6\0x", 7), u"Gö"},
+        {std::string("\xFE\xFF\0G\0\xF6", 6), u"Gö"},
+    };
+    for (const auto &c : cases)
+    {
+        HttpTestServer server(Answer(Reply(c.body)));
+        RequestUse use;
+        VARIANT value{};
+        EXPECT_EQ(E_PENDING, use.request->get_responseBody(&value));
+        EXPECT_EQ(E_PENDING, use.request->get_responseStream(&value));
+        ASSERT_EQ(S_OK, use.Get(UrlOf(server)));
+        BstrOwner text;
+        EXPECT_EQ(S_OK, use.request->get_responseText(text.Put()));
+        EXPECT_EQ(c.text, text.View());
+
+        ASSERT_EQ(S_OK, use.request->get_responseBody(&value));
+        ASSERT_EQ(VT_ARRAY | VT_UI1, V_VT(&value));
+        LONG last = 77;
+        void *bytes = nullptr;
+        EXPECT_EQ(S_OK, SafeArrayGetUBound(V_ARRAY(&value), 1, &last));
+        ASSERT_EQ(static_cast<LONG>(c.body.size()) - 1, last);
+        EXPECT_EQ(S_OK, SafeArrayAccessData(V_ARRAY(&value), &bytes));
+        EXPECT_EQ(c.body, std::string(static_cast<char *>(bytes), c.body.size()));
+        SafeArrayUnaccessData(V_ARRAY(&value));
+        VariantClear(&value);
+
+        ASSERT_EQ(S_OK, use.request->get_responseStream(&value));
+        ASSERT_EQ(VT_UNKNOWN, V_VT(&value));
+        ComPtr<IStream> stream;
+        EXPECT_EQ(S_OK, V_UNKNOWN(&value)->QueryInterface(__uuidof(IStream), stream.PutVoid()));
+        VariantClear(&value);
+        char read[100];
+        ULONG count = 0;
+        stream->Read(read, sizeof(read), &count);
+        EXPECT_EQ(c.body, std::string(read, count));
+    }
+}
+
 TEST_F(RequestExchange, TakesWhateverTheServerAnswersForAReply)
 {
     std::string bomb = "<!DOCTYPE a [<!ENTITY b \"bbbbbbbbbb\">";

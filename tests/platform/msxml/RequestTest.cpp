@@ -34,8 +34,10 @@ TEST_P(Request, HasNothingToReadAndNothingToSendBeforeItIsOpen)
     EXPECT_EQ(E_FAIL, use.request->get_responseText(text.Put()));
     EXPECT_EQ(E_FAIL, use.request->get_responseXML(document.Put()));
     EXPECT_FALSE(document);
-    EXPECT_EQ(E_INVALIDARG, use.request->get_status(nullptr));
-    EXPECT_EQ(E_INVALIDARG, use.request->get_responseXML(nullptr));
+    // Wine's classes stay in an apartment of their own, and what leads there stops at the null.
+    const HRESULT nullPointer = underWine ? static_cast<HRESULT>(0x800706F4) : E_INVALIDARG;
+    EXPECT_EQ(nullPointer, use.request->get_status(nullptr));
+    EXPECT_EQ(nullPointer, use.request->get_responseXML(nullptr));
     EXPECT_EQ(S_OK, use.request->abort());
 }
 
