@@ -27,6 +27,7 @@ void RegisterSystemModules()
     UsePrivateRegistryStore();
     static const bool done = [] {
         RegisterModule("msxml.so");
+        RegisterModule("windowscodecs.so");
         return true;
     }();
     (void)done;

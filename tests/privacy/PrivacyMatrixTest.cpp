@@ -1,0 +1,336 @@
+// Whatever is switched off stays at home: the plug-in's upload with the real imaging component and the real
+// host, over all choices of the five groups. Looked at are the bytes of the picture as they would be sent,
+// for values rather than tags. The form around the picture is another matter: title, description and tags
+// have switches of their own.
+#include "tests/privacy/MarkedPicture.h"
+
+#include <exiv2/exiv2.hpp>
+
+#include "account/AccountRecord.h"
+#include "core/BstrOwner.h"
+#include "core/VersionBlock.h"
+#include "host/PublishingHost.h"
+#include "publish/UploadRequest.h"
+#include "settings/SettingsStore.h"
+#include "tests/doubles/CallRecord.h"
+#include "tests/doubles/FakeWebComponents.h"
+#include "tests/doubles/SettingsKey.h"
+#include "tests/doubles/SystemModules.h"
+#include "tests/host/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using Lines = std::vector<std::string>;
+
+namespace
+{
+enum class FirstWriting
+{
+    Succeeds,
+    FailsBefore,    // nothing is written
+    FailsAfter      // everything is written, and then it fails
+};
+
+// The real host, but that its first writing of metadata may fail.
+class Host final : public ComObject<Host, IHalvoraPublishingHost, IHalvoraImageMetadata>
+{
+public:
+    Host() : m_record(ItemCollection()), m_host(PublishingHost::Make(m_record, [](int, const auto &, const auto &) {}))
+    {
+    }
+
+    FirstWriting First = FirstWriting::Succeeds;
+    int Writings = 0;
+
+    STDMETHODIMP Reserved1() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Reserved2() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetItemList(INT32 *, HGLOBAL *) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetItemRecord(UINT64, ItemRecord *) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Reserved3() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Reserved4() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP Reserved5() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP WriteLogEntry(INT32, LPCWSTR, LPCWSTR) noexcept override { return S_OK; }
+
+    STDMETHODIMP ReadImageMetadata(LPCWSTR path, INT32 reserved, INT32 longEdge, IWICBitmapSource **source,
+                                   INT32 flags, ItemRecord *record) noexcept override
+    {
+        return m_host->ReadImageMetadata(path, reserved, longEdge, source, flags, record);
+    }
+    STDMETHODIMP WriteImageMetadata(IWICMetadataQueryWriter *writer, INT32 reserved, INT32 one, ItemRecord *record,
+                                    INT32 copyright, INT32 exif, INT32 xmp, INT32 gps, INT32 iptc, INT32 anyGroup,
+                                    INT32 processed) noexcept override
+    {
+        const bool isFirst = ++Writings == 1;
+        if (isFirst && First == FirstWriting::FailsBefore)
+        {
+            return E_FAIL;
+        }
+        const HRESULT result = m_host->WriteImageMetadata(writer, reserved, one, record, copyright, exif, xmp, gps,
+                                                          iptc, anyGroup, processed);
+        return isFirst && First == FirstWriting::FailsAfter ? E_FAIL : result;
+    }
+
+private:
+    RunRecord m_record;
+    ComPtr<PublishingHost> m_host;
+};
+
+class Progress final : public ComObject<Progress, IUploadProgressCallback>
+{
+public:
+    STDMETHODIMP OnUploadProgress(UINT32, UINT32, UINT32) noexcept override { return S_OK; }
+};
+
+std::string NameOf(unsigned groups)
+{
+    const struct
+    {
+        unsigned bit;
+        const char *name;
+    } names[] = {{Copyright, " copyright"}, {Exif, " exif"}, {Xmp, " xmp"}, {Gps, " gps"}, {Iptc, " iptc"}};
+    std::string text = "on:";
+    for (const auto &name : names)
+    {
+        text += groups & name.bit ? name.name : "";
+    }
+    return text;
+}
+
+bool MayLeave(const MarkedValue &value, unsigned groups)
+{
+    return std::any_of(value.leave.begin(), value.leave.end(),
+                       [&](unsigned needed) { return (groups & needed) == needed; });
+}
+
+class PrivacyMatrix : public testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        RegisterSystemModules();
+        Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);   // the odd blocks are meant to be odd
+    }
+
+    void SetUp() override
+    {
+        UsePicture(Blocks::Everything);
+        Account.OAuthToken = BstrOwner(TEXT("t"));
+        Account.OAuthTokenSecret = BstrOwner(TEXT("s"));
+    }
+
+    void UsePicture(Blocks blocks)
+    {
+        Source = blocks;
+        Marked = MakeMarkedPicture(blocks);
+        Path = Folder.Write("p.jpg", Marked);
+    }
+
+    // The picture as it would be sent; empty after a failure, which fails the test.
+    std::string Send(UINT32 mode, unsigned groups, FirstWriting first)
+    {
+        const auto host = Host::Make();
+        host->First = first;
+        UploadOptions options;
+        options.Mode = mode;
+        options.WriteCopyright = groups & Copyright;
+        options.WriteExif = groups & Exif;
+        options.WriteXmp = groups & Xmp;
+        options.WriteGps = groups & Gps;
+        options.WriteIptc = groups & Iptc;
+        options.PrintDpi = 300;
+        const RunContext run{host.Get(), nullptr,  Callback.Get(), Account, Version, Settings,
+                             Statistics, Windows,  Cancel,         SystemTicks, [](DWORD) {}};
+        Web.ForgetCalls();
+        Web.FileParts.clear();
+        Web.AnswerWith(S_OK, nullptr);
+        ComPtr<IUnknown> reply;
+        const HRESULT result = UploadOneFile(run, Path.u16string().c_str(), TEXT("p.jpg"), reply, options);
+        EXPECT_EQ(result, S_OK) << NameOf(groups);
+        return Web.FileParts.empty() ? std::string() : Web.FileParts.back();
+    }
+
+    // A line for each value that went up and shouldn't have.
+    static void ExpectNothingSwitchedOff(const std::string &sent, unsigned groups)
+    {
+        Lines leaks;
+        for (const MarkedValue &value : MarkedValues())
+        {
+            const size_t found = FindValue(sent, value);
+            if (found != std::string::npos && !MayLeave(value, groups))
+            {
+                leaks.push_back(value.place + " at " + std::to_string(found));
+            }
+        }
+        const auto tags = Read(sent);
+        if (!(groups & Gps))
+        {
+            for (const std::string &tag : tags)
+            {
+                if (tag.starts_with("Exif.GPSInfo.") || tag.starts_with("Exif.Image.GPSTag") ||
+                    tag.starts_with("Xmp.exif.GPS"))
+                {
+                    leaks.push_back(tag);
+                }
+            }
+        }
+        EXPECT_THAT(leaks, IsEmpty());
+    }
+
+    // What the host keeps of a group: the first source of each text.
+    void ExpectWhatIsSwitchedOn(const std::string &sent, unsigned groups) const
+    {
+        const bool isExifAlone = Source == Blocks::ExifAlone;
+        const struct
+        {
+            unsigned group;
+            const char *place;
+        } cases[] = {
+            {Copyright, isExifAlone ? "Exif.Image.Artist" : "Xmp.dc.creator"},
+            {Copyright, isExifAlone ? "Exif.Image.Copyright" : "Xmp.dc.rights"},
+            {Copyright, "Exif.Photo.UserComment"},
+            {Exif, "Exif.Image.Model"},
+            {Exif, "Exif.Photo.LensModel"},
+            {Exif, "Exif.Photo.DateTimeOriginal"},
+            {isExifAlone ? 0u : Xmp, "Xmp.xmp.Label"},
+            {Gps, "Exif.GPSInfo.GPSMapDatum"},
+            {Gps, "Exif.GPSInfo.GPSDateStamp"},
+            {Iptc, isExifAlone ? "Exif.Image.ImageDescription" : "Xmp.dc.description"},
+            {Iptc, isExifAlone ? "Exif.Image.XPTitle" : "Xmp.dc.title"},
+            {isExifAlone ? 0u : Iptc, "Xmp.photoshop.City"},
+        };
+        for (const auto &c : cases)
+        {
+            const auto value = std::find_if(MarkedValues().begin(), MarkedValues().end(),
+                                            [&](const MarkedValue &marked) { return marked.place == c.place; });
+            if (groups & c.group)
+            {
+                EXPECT_NE(FindValue(sent, *value), std::string::npos) << value->place << " is missing";
+            }
+        }
+        if (groups & Gps)
+        {
+            EXPECT_THAT(Read(sent), testing::Contains("Exif.GPSInfo.GPSLatitude"));
+        }
+    }
+
+    // The keys of everything that is read from a file.
+    static Lines Read(const std::string &file)
+    {
+        Lines keys;
+        const auto image = Exiv2::ImageFactory::open(reinterpret_cast<const Exiv2::byte *>(file.data()),
+                                                     static_cast<long>(file.size()));
+        image->readMetadata();
+        const auto add = [&](const auto &data) {
+            for (const auto &datum : data)
+            {
+                keys.push_back(datum.key());
+            }
+        };
+        add(image->exifData());
+        add(image->iptcData());
+        add(image->xmpData());
+        return keys;
+    }
+
+    void SendEveryChoice(UINT32 mode, FirstWriting first)
+    {
+        for (unsigned groups = 0; groups <= AllGroups; ++groups)
+        {
+            SCOPED_TRACE(NameOf(groups));
+            const std::string sent = Send(mode, groups, first);
+            if (sent.empty())
+            {
+                continue;
+            }
+            ExpectNothingSwitchedOff(sent, groups);
+            ExpectWhatIsSwitchedOn(sent, groups);
+        }
+    }
+
+    Blocks Source = Blocks::Everything;
+    std::string Marked;
+    TemporaryFolder Folder;
+    std::filesystem::path Path;
+    SettingsKey Key;
+    FakeWebComponents Web;
+    AccountRecord Account;
+    VersionBlock Version = VersionBlock::OfThisModule();
+    SettingsBlock Settings;
+    PublishStatistics Statistics;
+    ProgressWindows Windows;
+    CancelFlags Cancel;
+    ComPtr<Progress> Callback = Progress::Make();
+};
+} // namespace
+
+// Or the search would prove nothing.
+TEST_F(PrivacyMatrix, EveryValueIsFoundInThePictureOnDisk)
+{
+    for (const MarkedValue &value : MarkedValues())
+    {
+        if (value.isText)
+        {
+            EXPECT_NE(FindValue(Marked, value), std::string::npos) << value.place;
+        }
+    }
+    EXPECT_EQ(std::ranges::count_if(MarkedValues(),
+                                    [&](const MarkedValue &value) {
+                                        return !value.isText && FindValue(Marked, value) != std::string::npos;
+                                    }),
+              1)
+        << "the latitude, in the byte order of the file";
+    const Lines keys = Read(Marked);
+    for (const char *key : {"Exif.GPSInfo.GPSLatitude", "Xmp.exif.GPSLatitude", "Exif.Panasonic.City",
+                            "Exif.Thumbnail.JPEGInterchangeFormat", "Iptc.Application2.Byline"})
+    {
+        EXPECT_THAT(keys, testing::Contains(key));
+    }
+}
+
+TEST_F(PrivacyMatrix, IntactPixels)
+{
+    for (const Blocks blocks : {Blocks::Everything, Blocks::ExifAlone})
+    {
+        UsePicture(blocks);
+        SendEveryChoice(SendPixelsIntact, FirstWriting::Succeeds);
+    }
+}
+
+TEST_F(PrivacyMatrix, IntactPixelsWithoutBlocksAfterAFailure)
+{
+    SendEveryChoice(SendPixelsIntact, FirstWriting::FailsBefore);
+    SendEveryChoice(SendPixelsIntact, FirstWriting::FailsAfter);
+}
+
+TEST_F(PrivacyMatrix, ProcessedPixels)
+{
+    for (const Blocks blocks : {Blocks::Everything, Blocks::ExifAlone})
+    {
+        UsePicture(blocks);
+        SendEveryChoice(SendProcessed, FirstWriting::Succeeds);
+    }
+}
+
+// What is in the form goes by its own switches, and is in the form alone.
+TEST_F(PrivacyMatrix, WordsOfTheFormAreNoPartOfThePicture)
+{
+    for (const UINT32 mode : {SendPixelsIntact, SendProcessed})
+    {
+        const std::string sent = Send(mode, 0, FirstWriting::Succeeds);
+        const auto uploads = Web.CallsOf("UploadRequest");
+        ASSERT_EQ(uploads.size(), 1u);
+        EXPECT_THAT(Narrow(uploads[0].Arguments[5]), HasSubstr("title=qzXmpTitle&description=qzXmpDescription"));
+        EXPECT_EQ(sent.find("qzXmpTitle"), std::string::npos);
+        EXPECT_EQ(sent.find("qzXmpDescription"), std::string::npos);
+    }
+}
+
+// The file as it lies is another promise: nothing is taken out.
+TEST_F(PrivacyMatrix, TheFileAsItLiesGoesWithEverything)
+{
+    EXPECT_EQ(Send(SendAsIs, 0, FirstWriting::Succeeds), Marked);
+}
