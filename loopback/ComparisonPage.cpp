@@ -22,7 +22,7 @@ h1{font-size:1.35rem;margin:0;letter-spacing:-.01em}
 header p{margin:0;color:var(--soft)}
 main{padding:1.6rem max(1.2rem,calc(50vw - 36rem)) 4rem;display:grid;gap:1.6rem;grid-template-columns:minmax(0,1fr)}
 section{background:var(--card);border:1px solid var(--line);border-radius:12px;box-shadow:var(--shade);overflow:hidden}
-h2{font-size:1.1rem;margin:0;padding:.9rem 1.1rem;overflow-wrap:anywhere}
+h2{font-size:1.1rem;margin:0;text-align:left;padding:.9rem 1.1rem;overflow-wrap:anywhere}
 .wide{overflow-x:auto}
 table{border-collapse:collapse;width:100%;table-layout:fixed}
 th,td{padding:.45rem 1.1rem;border-top:1px solid var(--line);text-align:left;vertical-align:top;overflow-wrap:anywhere}
