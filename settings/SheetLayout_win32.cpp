@@ -26,9 +26,10 @@ struct DialogUnits
         }
     }
 
-    int Across(int units) const noexcept { return units * m_base.cx / 4; }
-    int Down(int units) const noexcept { return units * m_base.cy / 8; }
-    int HalfAcross() const noexcept { return m_base.cx / 8; }
+    // Rounded as the platform rounds: the tab control stands where it maps 4 units.
+    int Across(int units) const noexcept { return MulDiv(units, m_base.cx, 4); }
+    int Down(int units) const noexcept { return MulDiv(units, m_base.cy, 8); }
+    int HalfAcross() const noexcept { return MulDiv(1, m_base.cx, 8); }
 
 private:
     SIZE m_base;
