@@ -139,6 +139,9 @@ const std::vector<Place> &OtherPlaces()
         {"APP1, second EXIF block", "qzSecondExifGps", {}},
         {"APP2, list of further pictures", "qzFurtherPictures", {AllGroups}},
         {"APP13, second segment", "qzSecondResources", {Iptc}},
+        {"COM before the first scan", "qzLateComment", {Copyright}},
+        {"APP1 before the first scan", "qzLateExifGps", {}},
+        {"APP6 between two scans", "qzLaterTelemetryGps", {AllGroups}},
         {"thumbnail, COM", "qzThumbComment", {Exif | Copyright}},
         {"thumbnail, EXIF", "qzThumbGps", {Exif | Gps}},
         {"unused bytes in the EXIF block", "qzStaleGps", {}},
@@ -179,8 +182,37 @@ void RenameBlockTags(std::string &file)
 {
     for (const unsigned char (&tag)[2] : blockTags)
     {
-        const std::string written{static_cast<char>(tag[1] + 1), static_cast<char>(tag[0]), 1, 0};
-        file.at(file.find(written)) = static_cast<char>(tag[1]);
+        const auto low = static_cast<char>(tag[1] + 1);
+        const auto high = static_cast<char>(tag[0]);
+        // Of type 1, in the byte order of the file.
+        const bool isBigEndian = file.find(std::string{high, low, 0, 1}) != std::string::npos;
+        const size_t found = isBigEndian ? file.find(std::string{high, low, 0, 1}) + 1 : file.find(std::string{low, high, 1, 0});
+        file.at(found) = static_cast<char>(tag[1]);
+    }
+}
+
+// In the form that the tag has its text in.
+void AddText(Exiv2::ExifData &data, const Exiv2::ExifKey &key, const std::string &text)
+{
+    static const std::vector<std::string> withCharset{"UserComment", "GPSProcessingMethod", "GPSAreaInformation"};
+    const bool isWide = key.tagName().starts_with("XP");
+    if (isWide || IsBlockInIfd0(key))
+    {
+        const std::string bytes = isWide ? Text(text, false) + "\0\0"s : text;
+        const auto value = Exiv2::Value::create(Exiv2::unsignedByte);
+        value->read(reinterpret_cast<const Exiv2::byte *>(bytes.data()), static_cast<long>(bytes.size()),
+                    Exiv2::littleEndian);
+        data.add(key, value.get());
+    }
+    else if (std::ranges::count(withCharset, key.tagName()) != 0)
+    {
+        const Exiv2::CommentValue value("charset=Ascii " + text);
+        data.add(key, &value);
+    }
+    else
+    {
+        const Exiv2::AsciiValue value(text);
+        data.add(key, &value);
     }
 }
 
@@ -189,29 +221,7 @@ void AddExif(Exiv2::ExifData &data)
     data["Exif.Image.Make"] = std::string("Panasonic");
     for (const Place &place : ExifPlaces())
     {
-        const Exiv2::ExifKey key(place.key);
-        const bool isWide = key.tagName().starts_with("XP");
-        const bool isBlock = IsBlockInIfd0(key);
-        const bool isMarked = key.tagName() == "UserComment" || key.groupName() == "GPSInfo";
-        const std::string text = isWide ? Text(place.value, false) + "\0\0"s : std::string(place.value);
-        const bool isAsciiGps = key.tagName() == "GPSMapDatum" || key.tagName() == "GPSDateStamp";
-        if (isWide || isBlock)
-        {
-            const auto value = Exiv2::Value::create(Exiv2::unsignedByte);
-            value->read(reinterpret_cast<const Exiv2::byte *>(text.data()), static_cast<long>(text.size()),
-                        Exiv2::littleEndian);
-            data.add(key, value.get());
-        }
-        else if (isMarked && !isAsciiGps)
-        {
-            const Exiv2::CommentValue value("charset=Ascii " + text);
-            data.add(key, &value);
-        }
-        else
-        {
-            const Exiv2::AsciiValue value(text);
-            data.add(key, &value);
-        }
+        AddText(data, Exiv2::ExifKey(place.key), place.value);
     }
     data["Exif.GPSInfo.GPSLatitudeRef"] = std::string("N");
     Exiv2::URationalValue latitude;
@@ -285,7 +295,14 @@ void AddSegments(std::string &file)
         Segment(0xE6, "GoPro\0DEVC"s + ValueOf("APP6, telemetry of an action camera")) +
         Segment(0xEC, "Ducky\0\2\0\x10\0\0\0\x0E"s + ValueOf("APP12, picture information")) +
         Segment(0xFE, ValueOf("second COM"));
-    file.insert(EndOfHead(file, [](size_t, size_t) {}), added);
+    const size_t endOfHead = EndOfHead(file, [](size_t, size_t) {});
+    file.insert(endOfHead, added);
+    const size_t firstScan = file.find("\xFF\xDA", endOfHead + added.size());
+    const size_t secondScan = file.find("\xFF\xDA", firstScan + 1);
+    file.insert(secondScan, Segment(0xE6, ValueOf("APP6 between two scans")));
+    file.insert(firstScan,
+                Segment(0xFE, ValueOf("COM before the first scan")) +
+                    Segment(0xE1, "Exif\0\0II*\0\x08\0\0\0\0\0\0\0\0\0"s + ValueOf("APP1 before the first scan")));
 
     SampleOptions small{.Width = 16, .Height = 12};
     small.Markers = {{0xE1, "Exif\0\0"s + ValueOf("second picture behind the end")}};
@@ -327,12 +344,13 @@ const std::vector<MarkedValue> &MarkedValues()
 
 std::string MakeMarkedPicture(Blocks blocks)
 {
-    const Octets plain = MakeJpeg(SampleOptions());
+    const Octets plain = MakeJpeg({.SeveralScans = true});
     const auto image = Exiv2::ImageFactory::open(plain.data(), static_cast<long>(plain.size()));
     image->readMetadata();
     AddExif(image->exifData());
     if (blocks == Blocks::ExifAlone)
     {
+        image->setByteOrder(Exiv2::bigEndian);
         return Written(*image);
     }
     image->setComment(ValueOf("COM"));

@@ -19,7 +19,7 @@ enum Group : unsigned
 enum class Blocks
 {
     Everything,
-    ExifAlone   // as a camera writes it
+    ExifAlone   // as a camera writes it, in its own byte order
 };
 
 struct MarkedValue

@@ -24,6 +24,7 @@
 
 using testing::HasSubstr;
 using testing::IsEmpty;
+using namespace std::string_literals;
 using Lines = std::vector<std::string>;
 
 namespace
@@ -277,12 +278,16 @@ TEST_F(PrivacyMatrix, EveryValueIsFoundInThePictureOnDisk)
             EXPECT_NE(FindValue(Marked, value), std::string::npos) << value.place;
         }
     }
-    EXPECT_EQ(std::ranges::count_if(MarkedValues(),
-                                    [&](const MarkedValue &value) {
-                                        return !value.isText && FindValue(Marked, value) != std::string::npos;
-                                    }),
-              1)
-        << "the latitude, in the byte order of the file";
+    for (const Blocks blocks : {Blocks::Everything, Blocks::ExifAlone})
+    {
+        UsePicture(blocks);
+        const auto isRationalHere = [&](const MarkedValue &value) {
+            return !value.isText && FindValue(Marked, value) != std::string::npos;
+        };
+        EXPECT_EQ(std::ranges::count_if(MarkedValues(), isRationalHere), 1) << "in one byte order";
+        EXPECT_EQ(Marked.find("Exif\0\0MM"s) != std::string::npos, blocks == Blocks::ExifAlone);
+    }
+    UsePicture(Blocks::Everything);
     const Lines keys = Read(Marked);
     for (const char *key : {"Exif.GPSInfo.GPSLatitude", "Xmp.exif.GPSLatitude", "Exif.Panasonic.City",
                             "Exif.Thumbnail.JPEGInterchangeFormat", "Iptc.Application2.Byline"})
