@@ -155,7 +155,10 @@ TEST(Lifecycle, ConfigureChecksBeforeItLooksAtTheVerb)
     EXPECT_EQ(plugin->Configure(nullptr, text, text), E_INVALIDARG);
     EXPECT_EQ(plugin->Configure(window, nullptr, text), E_INVALIDARG);
     EXPECT_EQ(plugin->Configure(window, text, nullptr), E_INVALIDARG);
-    EXPECT_EQ(plugin->Configure(window, text, text), S_OK);
+    WCHAR empty[] = TEXT("");
+    EXPECT_EQ(plugin->Configure(window, text, empty), S_OK) << "an unknown verb has no effect";
+    EXPECT_EQ(plugin->Configure(window, empty, empty), S_OK);
+    EXPECT_TRUE(world.Web.CallsOf("GetAuthorizationUrl").empty());
     world.Web.FailOperation("SetService", E_FAIL);
     EXPECT_EQ(plugin->Configure(window, text, text), E_UNEXPECTED);
     EXPECT_EQ(plugin->Terminate(), S_OK);
