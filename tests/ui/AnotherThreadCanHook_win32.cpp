@@ -1,0 +1,15 @@
+#include "tests/ui/DialogDriver_win32.h"
+
+#include "ui/DialogHook.h"
+
+bool AnotherThreadCanHook()
+{
+    // Shared with a thread that may never come back.
+    const auto done = std::make_shared<std::promise<void>>();
+    std::thread([done] {
+        ArmTaskDialogHook();
+        DisarmHook();
+        done->set_value();
+    }).detach();
+    return done->get_future().wait_for(std::chrono::seconds(10)) == std::future_status::ready;
+}

@@ -1,0 +1,125 @@
+// What a person does with a dialog, from a thread of its own: waits until it is on the screen, looks,
+// and answers. A dialog that doesn't come fails the test, and whatever blocks its thread is closed.
+#pragma once
+
+#include "core/WideText.h"
+
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <future>
+#include <string>
+#include <thread>
+#include <vector>
+
+inline bool WaitFor(const std::function<bool()> &condition, DWORD milliseconds = 20000)
+{
+    for (DWORD waited = 0; waited < milliseconds; waited += 20)
+    {
+        if (condition())
+        {
+            return true;
+        }
+        Sleep(20);
+    }
+    return condition();
+}
+
+inline RECT PlaceOf(HWND window)
+{
+    RECT place{};
+    GetWindowRect(window, &place);
+    return place;
+}
+
+// The texts of a window and all windows in it, each on a line.
+inline WideText TextsOf(HWND window)
+{
+    WideText texts;
+    const auto add = [](HWND part, LPARAM all) -> BOOL {
+        WCHAR text[2048];
+        GetWindowTextW(part, text, ARRAYSIZE(text));
+        *reinterpret_cast<WideText *>(all) += WideText(text) + TEXT("\n");
+        return TRUE;
+    };
+    add(window, reinterpret_cast<LPARAM>(&texts));
+    EnumChildWindows(window, add, reinterpret_cast<LPARAM>(&texts));
+    return texts;
+}
+
+// That the middle of a window lies on the middle of another, each half of a pixel cut off by itself.
+inline void ExpectCentred(const RECT &window, const RECT &on)
+{
+    EXPECT_EQ(window.left, (on.left + on.right) / 2 - (window.right - window.left) / 2);
+    EXPECT_EQ(window.top, (on.top + on.bottom) / 2 - (window.bottom - window.top) / 2);
+}
+
+class DialogDriver
+{
+public:
+    // For a dialog that the thread which makes the driver is about to show.
+    DialogDriver(const WCHAR *caption, std::function<void(HWND)> act)
+        : m_caption(caption), m_act(std::move(act)), m_blocked(GetCurrentThreadId()), m_thread([this] { Drive(); })
+    {
+    }
+    ~DialogDriver()
+    {
+        m_thread.join();
+        EXPECT_TRUE(m_came) << "The dialog didn't come.";
+    }
+
+private:
+    void Drive()
+    {
+        HWND dialog = nullptr;
+        m_came = WaitFor([&] {
+            dialog = FindWindowW(nullptr, m_caption.c_str());
+            return dialog != nullptr && IsWindowVisible(dialog);
+        });
+        if (m_came)
+        {
+            // A modal dialog is ready when its thread takes messages for it.
+            SendMessageW(dialog, WM_NULL, 0, 0);
+            m_act(dialog);
+            m_came = WaitFor([&] { return !IsWindow(dialog); });
+        }
+        if (!m_came)
+        {
+            EnumThreadWindows(m_blocked, [](HWND window, LPARAM) -> BOOL {
+                return PostMessageW(window, WM_COMMAND, IDCANCEL, 0) && PostMessageW(window, WM_CLOSE, 0, 0);
+            }, 0);
+        }
+    }
+
+    WideText m_caption;
+    std::function<void(HWND)> m_act;
+    DWORD m_blocked;
+    bool m_came = false;
+    std::thread m_thread;
+};
+
+// A window that dialogs belong to, away from the middle of the screen.
+class OwnerWindow
+{
+public:
+    explicit OwnerWindow(RECT place = {60, 40, 701, 523})
+        : m_window(CreateWindowExW(0, TEXT("Static"), TEXT("Owner"), WS_OVERLAPPEDWINDOW | WS_VISIBLE, place.left,
+                                   place.top, place.right - place.left, place.bottom - place.top, nullptr, nullptr,
+                                   nullptr, nullptr))
+    {
+        EXPECT_NE(m_window, nullptr);
+    }
+    ~OwnerWindow() { DestroyWindow(m_window); }
+    OwnerWindow(const OwnerWindow &) = delete;
+    OwnerWindow &operator=(const OwnerWindow &) = delete;
+
+    HWND Handle() const { return m_window; }
+
+private:
+    HWND m_window;
+};
+
+// Whether nothing of the hook has stayed behind: another thread can have it without waiting.
+bool AnotherThreadCanHook();
