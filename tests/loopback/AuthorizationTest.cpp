@@ -2,7 +2,9 @@
 // which it ends early.
 #include "LoopbackClient.h"
 
+#include "loopback/AccountBook.h"
 #include "loopback/FormFields.h"
+#include "loopback/RequestTokenBook.h"
 
 #include <gmock/gmock.h>
 
@@ -465,9 +467,60 @@ TEST(Authorization, TheMakersEndpointKeepsOnlyWhatItWasSentAndOnlyForAWhile)
     road.client.Get(MakerCallback + "?oauth_token=t&oauth_verifier=first%3C");
     road.client.Get(MakerCallback + "?oauth_token=t&oauth_verifier=second");
     EXPECT_EQ(road.client.Get(MakerCallback + "?oauth_token=t").status, 403) << "not in plain";
+    EXPECT_EQ(road.client.Head(secure + "?oauth_token=t").status, 405) << "a look at the headers takes nothing";
     EXPECT_THAT(road.client.Get(secure + "?oauth_token=t").body, HasSubstr("<Verifier>first&lt;</Verifier>"));
     road.client.Get(MakerCallback + "?oauth_token=u&oauth_verifier=v");
     road.client.Admin("authorizations/advance", {{"seconds", "600"}});
     EXPECT_EQ(road.client.Get(secure + "?oauth_token=u").status, 404);
     EXPECT_EQ(road.client.Admin("authorizations/advance", {{"seconds", "-1"}}).status, 400);
+}
+
+TEST(Authorization, CanBeMadeToFailAtEachParty)
+{
+    Road road;
+    road.client.Admin("faults", {{"kind", "garbage"}, {"target", "maker"}});
+    road.client.Admin("faults", {{"kind", "status"}, {"target", "oauth"}, {"status", "503"}});
+    EXPECT_THAT(road.client.Get(MakerExchange + "t").body, Not(HasSubstr("TRNQVerifierExchange")));
+    Signature signature = Application();
+    signature.further = {{"oauth_callback", MakerCallback}};
+    EXPECT_EQ(road.client.Signed(Steps + "request_token", signature).status, 503);
+    EXPECT_THAT(road.client.Get(MakerExchange + "t").body, HasSubstr("TRNQVerifierExchange"));
+    EXPECT_FALSE(road.AskForToken().empty());
+}
+
+TEST(Authorization, OutlivesTheService)
+{
+    TestFolder folder;
+    const auto now = [] { return std::int64_t{1000}; };
+    const auto life = [] { return std::int64_t{600}; };
+    std::string token;
+    std::string verifier;
+    {
+        loopback::Database database(folder.Path() / "index.sqlite");
+        loopback::RequestTokenBook book(database, now, life);
+        token = book.Add("key", "oob").token;
+        verifier = book.Grant(token, "read").value().verifier;
+    }
+    loopback::Database database(folder.Path() / "index.sqlite");
+    loopback::RequestTokenBook book(database, now, life);
+    EXPECT_EQ(book.Find(token).value().verifier, verifier);
+    EXPECT_EQ(book.Use(token), "read");
+    EXPECT_EQ(book.Use(token), std::nullopt);
+}
+
+TEST(Authorization, AnIndexOfBeforeThereWasAnyIsGoodStill)
+{
+    TestFolder folder;
+    loopback::Database database(folder.Path() / "index.sqlite");
+    database.Run("CREATE TABLE account (name TEXT PRIMARY KEY, value TEXT NOT NULL)");
+    database.Run("CREATE TABLE consumers (key TEXT PRIMARY KEY, secret TEXT NOT NULL)");
+    database.Run("CREATE TABLE tokens (token TEXT PRIMARY KEY, secret TEXT NOT NULL, permission TEXT NOT NULL)");
+    database.Run("INSERT INTO account VALUES ('user_name', 'kept')");
+    database.Run("INSERT INTO consumers VALUES ('68616c766f72612d64656d6f2d6b6579', '64656d6f2d736563')");
+    database.Run("INSERT INTO tokens VALUES ('t', 's', 'write')");
+    loopback::AccountBook accounts(database);
+    EXPECT_EQ(accounts.Get().userName, "kept");
+    EXPECT_EQ(accounts.Get().requestTokenLife, 600);
+    EXPECT_EQ(accounts.ConsumerName("68616c766f72612d64656d6f2d6b6579"), "Halvora");
+    EXPECT_EQ(accounts.FindToken("t").value().permission, "write");
 }

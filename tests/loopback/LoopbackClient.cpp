@@ -202,6 +202,11 @@ Answer LoopbackClient::Get(const std::string &url, const std::string &header)
                 [&](void *curl) { curl_easy_setopt(curl, CURLOPT_PRIVATE, header.empty() ? nullptr : header.c_str()); });
 }
 
+Answer LoopbackClient::Head(const std::string &url)
+{
+    return Send(url, "", [](void *curl) { curl_easy_setopt(curl, CURLOPT_NOBODY, 1L); });
+}
+
 Answer LoopbackClient::Post(const std::string &url, const Fields &form, const std::string &header)
 {
     const std::string body = Joined(form);

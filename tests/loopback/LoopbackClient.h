@@ -70,6 +70,7 @@ public:
     Answer Signed(const std::string &url, const Signature &signature);
     // Without a signature; redirects are not followed. `header` is one more, such as "Cookie: a=b".
     Answer Get(const std::string &url, const std::string &header = "");
+    Answer Head(const std::string &url);
     Answer Post(const std::string &url, const Fields &form, const std::string &header = "");
     // Plain HTTP to the service's own address.
     Answer Admin(const std::string &path);

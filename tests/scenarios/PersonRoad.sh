@@ -8,7 +8,9 @@ bin=$(cd "$1" && pwd)
 tools=$(cd "$2" && pwd)
 work=$(mktemp -d)
 service=
-screen() { tmux -S "$work/terminal" "$@"; }
+# A terminal for each run: a new one can't be had of a server that is just ending.
+terminals=0
+screen() { tmux -S "$work/terminal-$terminals" "$@"; }
 finish() {
     screen kill-server 2>/dev/null || true
     "$tools/browser" stop "$work/browser" 2>/dev/null || true
@@ -37,14 +39,17 @@ key() { screen send-keys "$@"; }
 authorize() {
     rm -f "$work/browser/answered" "$work/code"
     screen kill-server 2>/dev/null || true
+    terminals=$((terminals + 1))
     HALVORA_ANSWER=$1 screen -f /dev/null new-session -d -x 90 -y 40 \
         "'$bin/halvora' --profile '$work/profile' authorize; echo \$? >'$work/code'; sleep 60"
     sees 'Halvora needs your permission to publish images to Flickr.'
+    sees 'Enter: Authorize. Esc'
     key Enter
     for _ in $(seq 300); do [ ! -f "$work/browser/answered" ] || break; sleep 0.1; done
     [ -f "$work/browser/answered" ] || fail 'nobody answered in the browser'
     page_says page 'May Halvora upload photos to your account?'
     sees "Return to this window once you've authorized Halvora on Flickr."
+    sees 'Enter: Authorization Granted. Esc'
 }
 ends_with() {
     for _ in $(seq 100); do [ ! -s "$work/code" ] || break; sleep 0.1; done
@@ -53,6 +58,7 @@ ends_with() {
 is_refused() {
     key Enter
     sees 'Could not connect to the Flickr authorization server. The error code was 0x80004005.'
+    sees 'Enter: OK. Esc'
     key Enter
     ends_with 1
     "$bin/halvora" --profile "$work/profile" account >"$work/out" 2>&1 || true
