@@ -1,0 +1,75 @@
+// Message boxes as a person at a terminal sees and answers them.
+#include "tests/platform/PseudoTerminal.h"
+
+#include <windows.h>
+
+#include <gmock/gmock.h>
+
+namespace
+{
+using testing::HasSubstr;
+
+std::string Ask(UINT style)
+{
+    return std::to_string(MessageBoxW(nullptr, u"Something has happened.", u"Caption", style));
+}
+
+TEST(TerminalMessageBox, IsAnswered)
+{
+    const struct
+    {
+        UINT style;
+        const char *shown;
+        const char *typed;
+        const char *result;
+    } cases[] = {
+        {MB_OK, "1 [ OK ]", "\n", "1"},
+        {MB_OK | MB_ICONERROR, "Error", "\x1B", "1"},
+        {MB_OKCANCEL | MB_ICONINFORMATION, "Information", "\n", "1"},
+        {MB_OKCANCEL, "1 [ OK ]   2 [ Cancel ]", "c\n", "2"},
+        {MB_OKCANCEL, "Esc: cancel", "\x1B", "2"},
+        {MB_OKCANCEL | MB_DEFBUTTON2, "Enter: Cancel", "\n", "2"},
+        {MB_YESNOCANCEL | MB_DEFBUTTON3, "3 [ Cancel ]", "yes\n", "6"},
+        {MB_YESNO | MB_ICONQUESTION, "Question", "2\n", "7"},
+        {MB_YESNO, "1 [ Yes ]   2 [ No ]", "\x04", "7"},
+        {MB_ABORTRETRYIGNORE | MB_ICONWARNING, "1 [ Abort ]   2 [ Retry ]   3 [ Ignore ]", "ig\n", "5"},
+        {MB_RETRYCANCEL, "1 [ Retry ]   2 [ Cancel ]", "1\n", "4"},
+        {MB_CANCELTRYCONTINUE, "2 [ Try Again ]   3 [ Continue ]", "con\n", "11"},
+    };
+    for (const auto &c : cases)
+    {
+        TerminalRun run([&] { return Ask(c.style); });
+        ASSERT_TRUE(run.Answer(c.typed)) << c.shown;
+        EXPECT_THAT(run.Screen(), HasSubstr(c.shown));
+        EXPECT_THAT(run.Screen(), HasSubstr("Caption"));
+        EXPECT_THAT(run.Screen(), HasSubstr("Something has happened."));
+        EXPECT_EQ(run.Result(), c.result) << c.shown << " " << c.typed;
+        EXPECT_TRUE(run.EchoesKeys());
+    }
+}
+
+TEST(TerminalMessageBox, ThatMustBeAnsweredStaysUntilItIs)
+{
+    TerminalRun run([] { return Ask(MB_YESNO); });
+    ASSERT_TRUE(run.Answer("\x1B"));
+    ASSERT_TRUE(run.WaitFor("This can't be cancelled"));
+    ASSERT_TRUE(run.Answer("perhaps\n"));
+    ASSERT_TRUE(run.WaitFor("That is none of the choices."));
+    ASSERT_TRUE(run.Answer("n\n"));
+    EXPECT_EQ(run.Result(), "7");
+}
+
+TEST(TerminalMessageBox, SaysItsTextWhereNobodyCanAnswer)
+{
+    EXPECT_THAT(RunWithoutTerminal([] { return Ask(MB_OKCANCEL); }), testing::EndsWith("Something has happened.\n2"));
+    EXPECT_THAT(RunWithoutTerminal([] { return Ask(MB_OK | MB_ICONERROR); }),
+                testing::EndsWith("Caption (Error)\nSomething has happened.\n1"));
+}
+
+TEST(TerminalMessageBox, OfAnUnknownStyleIsRefused)
+{
+    SetLastError(0);
+    EXPECT_EQ(MessageBoxW(nullptr, u"Text", u"Caption", 7), 0);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_MSGBOX_STYLE});
+}
+} // namespace
