@@ -90,7 +90,8 @@ std::optional<std::string> ReadLine(int file, std::chrono::milliseconds limit)
     std::string text;
     for (;;)
     {
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+        const auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
         pollfd waiting{file, POLLIN, 0};
         const int ready = left.count() > 0 ? poll(&waiting, 1, static_cast<int>(left.count())) : 0;
         if (ready < 0 && errno == EINTR)

@@ -50,7 +50,8 @@ std::string SeenRequest::Header(const std::string &name) const
 
 int Conversation::Read(char *buffer, int size)
 {
-    return m_tls ? SSL_read(m_tls, buffer, size) : static_cast<int>(recv(m_socket, buffer, static_cast<size_t>(size), 0));
+    return m_tls ? SSL_read(m_tls, buffer, size)
+                 : static_cast<int>(recv(m_socket, buffer, static_cast<size_t>(size), 0));
 }
 
 bool Conversation::Fill()

@@ -70,14 +70,15 @@ protected:
 TEST_F(Browser, GetsTheAddressAsItIsAndNothingElse)
 {
     const int leaked = open("/dev/null", O_RDONLY); // without close-on-exec
-    Install("{ printf '%s\\n' \"$#\" \"$@\"; ls -l /proc/$$/fd; echo noise; echo noise >&2; } > \"$RECORD.new\" 2>&1\n"
-            "echo 'scribbled on the terminal'\nps -o sid= -p $$ >> \"$RECORD.new\"; mv \"$RECORD.new\" \"$RECORD\"\n");
+    Install("{ printf '%s\\n' \"$#\" \"$@\"; ls -l /proc/$$/fd; } > \"$RECORD.new\" 2>&1\n"
+            "echo 'scribbled on the terminal'\nmv \"$RECORD.new\" \"$RECORD\"\n");
     const WCHAR *const address = TEXT("https://www.example/authorize?a=$(id)&b=`x`;'\"%20é oauth_token=1-2");
     testing::internal::CaptureStdout();
     ASSERT_GT(Open(address), 32);
     const std::string record = Record();
     EXPECT_EQ("", testing::internal::GetCapturedStdout());
-    EXPECT_THAT(record, testing::StartsWith("1\nhttps://www.example/authorize?a=$(id)&b=`x`;'\"%20\xC3\xA9 oauth_token=1-2\n"));
+    EXPECT_THAT(record, testing::StartsWith("1\nhttps://www.example/authorize?a=$(id)&b=`x`;'\"%20\xC3\xA9 "
+                                            "oauth_token=1-2\n"));
     EXPECT_THAT(record, HasSubstr("0 -> /dev/null"));
     EXPECT_THAT(record, Not(HasSubstr(" " + std::to_string(leaked) + " -> /dev/null"))) << record;
     close(leaked);

@@ -18,7 +18,8 @@ TEST(ShellExecute, RefusesWhatNobodyOpens)
     };
     for (const auto &c : cases)
     {
-        const auto result = reinterpret_cast<INT_PTR>(ShellExecuteW(nullptr, c.verb, c.file, nullptr, nullptr, SW_SHOWNORMAL));
+        const auto result =
+            reinterpret_cast<INT_PTR>(ShellExecuteW(nullptr, c.verb, c.file, nullptr, nullptr, SW_SHOWNORMAL));
         EXPECT_GE(result, 0);
         EXPECT_LE(result, 32);
     }

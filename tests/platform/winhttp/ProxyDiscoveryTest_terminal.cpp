@@ -139,11 +139,16 @@ TEST_F(ProxyDiscovery, RunsScriptsAndTellsWhyTheyCannotBe)
         const char *script;
         const WCHAR *url, *expected;
     } cases[] = {
-        {"function FindProxyForURL(url, host) { return 'PROXY p.example:8080; DIRECT'; }", u"https://a.example/", u"p.example:8080"},
-        {"function FindProxyForURL(u, h) { return 'PROXY a:1; PROXY b:2'; }", u"http://a.example/", u"a:1;b:2"},
-        {"function FindProxyForURL(u, h) { return h == 'a.example' ? 'DIRECT' : 'PROXY b:2'; }", u"http://a.example/", u"direct"},
-        {"function FindProxyForURL(u, h) { return h == 'a.example' ? 'DIRECT' : 'PROXY b:2'; }", u"http://b.example/", u"b:2"},
-        {"function FindProxyForURL(u, h) { return 'SOCKS s.example:1080'; }", u"http://a.example/", u"socks=s.example:1080"},
+        {"function FindProxyForURL(url, host) { return 'PROXY p.example:8080; DIRECT'; }",
+         u"https://a.example/", u"p.example:8080"},
+        {"function FindProxyForURL(u, h) { return 'PROXY a:1; PROXY b:2'; }",
+         u"http://a.example/", u"a:1;b:2"},
+        {"function FindProxyForURL(u, h) { return h == 'a.example' ? 'DIRECT' : 'PROXY b:2'; }",
+         u"http://a.example/", u"direct"},
+        {"function FindProxyForURL(u, h) { return h == 'a.example' ? 'DIRECT' : 'PROXY b:2'; }",
+         u"http://b.example/", u"b:2"},
+        {"function FindProxyForURL(u, h) { return 'SOCKS s.example:1080'; }",
+         u"http://a.example/", u"socks=s.example:1080"},
         {"function FindProxyForURL(u, h) { return null; }", u"http://a.example/", u"direct"},
         {"function FindProxyForURL(u, h) { return noSuchThing; }", u"http://a.example/", u"12166"},
         {"function FindProxyForURL(u, h) {", u"http://a.example/", u"12166"},
