@@ -83,20 +83,21 @@ std::string HeadRow(const std::vector<Upload> &uploads)
     int number = 0;
     for (const auto &upload : uploads)
     {
-        const std::string name = upload.photo->run.empty() ? fmt::format("Upload {}", ++number)
-                                                           : EscapeHtml(upload.photo->run);
-        html += fmt::format("<th scope=\"col\" dir=\"auto\"><a class=\"picture\" href=\"/photo/{}\">{}</a>{}</th>",
-                            upload.photo->id, PictureHtml(*upload.photo), name);
+        const std::string name =
+            upload.photo->run.empty() ? fmt::format("Upload {}", ++number) : EscapeHtml(upload.photo->run);
+        html += fmt::format(
+            "<th scope=\"col\" dir=\"auto\"><a class=\"picture\" href=\"/photo/{}\">{}</a>{}</th>",
+            upload.photo->id, PictureHtml(*upload.photo), name);
     }
     return html + "</tr></thead>";
 }
 
 std::string SizeCell(const Upload &upload, std::int64_t largest)
 {
-    return fmt::format("{}<span class=\"bar\" aria-hidden=\"true\"><i style=\"width:{:.1f}%\"></i></span>",
-                       SizeText(upload.photo->size),
-                       largest > 0 ? 100.0 * static_cast<double>(upload.photo->size) / static_cast<double>(largest)
-                                   : 0.0);
+    return fmt::format(
+        "{}<span class=\"bar\" aria-hidden=\"true\"><i style=\"width:{:.1f}%\"></i></span>",
+        SizeText(upload.photo->size),
+        largest > 0 ? 100.0 * static_cast<double>(upload.photo->size) / static_cast<double>(largest) : 0.0);
 }
 
 // How many different entries any of the uploads has in the group.
@@ -147,8 +148,9 @@ std::string Section(const std::vector<Upload> &uploads, int number)
         Row("Pixels", uploads,
             [](const Upload &upload)
             {
-                return upload.facts->width > 0 ? fmt::format("{} × {}", upload.facts->width, upload.facts->height)
-                                               : std::string("<span class=\"missing\">unknown</span>");
+                return upload.facts->width > 0
+                           ? fmt::format("{} × {}", upload.facts->width, upload.facts->height)
+                           : std::string("<span class=\"missing\">unknown</span>");
             }) +
         Row("Colour profile", uploads,
             [](const Upload &upload)
@@ -165,7 +167,8 @@ std::string Section(const std::vector<Upload> &uploads, int number)
         }
     }
     return fmt::format("<section aria-labelledby=\"title-{0}\"><h2 id=\"title-{0}\" dir=\"auto\">{1}</h2>"
-                       "<div class=\"wide\" role=\"region\" tabindex=\"0\" aria-labelledby=\"title-{0}\"><table>{2}<tbody>{3}</tbody></table></div></section>\n",
+                       "<div class=\"wide\" role=\"region\" tabindex=\"0\" "
+                       "aria-labelledby=\"title-{0}\"><table>{2}<tbody>{3}</tbody></table></div></section>\n",
                        number, EscapeHtml(NameOf(*uploads.front().photo)), HeadRow(uploads), rows);
 }
 
@@ -177,7 +180,8 @@ std::string ComparisonPage(const std::vector<PhotoRecord> &photos, const FactsOf
     std::vector<std::vector<Upload>> comparisons;
     for (auto photo = photos.rbegin(); photo != photos.rend(); ++photo)
     {
-        const auto same = std::find_if(comparisons.begin(), comparisons.end(), [&](const auto &uploads)
+        const auto same = std::find_if(comparisons.begin(), comparisons.end(),
+                                       [&](const auto &uploads)
                                        { return NameOf(*uploads.front().photo) == NameOf(*photo); });
         auto &uploads = same == comparisons.end() ? comparisons.emplace_back() : *same;
         uploads.push_back({&*photo, facts(*photo)});
@@ -191,13 +195,15 @@ std::string ComparisonPage(const std::vector<PhotoRecord> &photos, const FactsOf
     }
     if (main.empty())
     {
-        main = "<div class=\"empty\"><h2>Nothing to compare yet</h2><p>Photos that were uploaded more than once "
-               "under the same title appear here side by side.</p></div>";
+        main =
+            "<div class=\"empty\"><h2>Nothing to compare yet</h2><p>Photos that were uploaded more than once "
+            "under the same title appear here side by side.</p></div>";
     }
-    return PageFrame({"Uploads side by side", Style,
-                      "<h1>Uploads side by side</h1><p>What came through each time, the earliest on the left</p>"
-                      "<p><a href=\"/\">← All photos</a></p>",
-                      main});
+    return PageFrame(
+        {"Uploads side by side", Style,
+         "<h1>Uploads side by side</h1><p>What came through each time, the earliest on the left</p>"
+         "<p><a href=\"/\">← All photos</a></p>",
+         main});
 }
 
 }

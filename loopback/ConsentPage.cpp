@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace loopback
 {
 
@@ -63,7 +65,9 @@ std::string Question(const std::string &application, const std::string &permissi
 std::string TimeLeft(std::int64_t seconds)
 {
     const std::int64_t minutes = (seconds + 30) / 60;
-    return minutes >= 2 ? fmt::format("{} minutes", minutes) : minutes == 1 ? "a minute" : "less than a minute";
+    return minutes >= 2   ? fmt::format("{} minutes", minutes)
+           : minutes == 1 ? "a minute"
+                          : "less than a minute";
 }
 
 // The first character, however many bytes it has.
@@ -84,16 +88,18 @@ std::string Hidden(const char *name, const std::string &value)
 
 std::string FormHtml(const ConsentQuestion &question)
 {
-    const std::string hint =
-        question.isUserUnknown
-            ? "<p class=\"hint wrong\" id=\"user-hint\" role=\"alert\">There is no account of this name here.</p>"
-            : "<p class=\"hint\" id=\"user-hint\">" + EscapeHtml(question.fullName) +
-                  ". On this machine no password is asked for.</p>";
-    return "<form method=\"post\" action=\"/services/oauth/authorize\">" + Hidden("oauth_token", question.token) +
-           Hidden("perms", question.permission) + Hidden("form_key", question.formKey) +
+    const std::string hint = question.isUserUnknown
+                                 ? "<p class=\"hint wrong\" id=\"user-hint\" role=\"alert\">There is no "
+                                   "account of this name here.</p>"
+                                 : "<p class=\"hint\" id=\"user-hint\">" + EscapeHtml(question.fullName) +
+                                       ". On this machine no password is asked for.</p>";
+    return "<form method=\"post\" action=\"/services/oauth/authorize\">" +
+           Hidden("oauth_token", question.token) + Hidden("perms", question.permission) +
+           Hidden("form_key", question.formKey) +
            "<label for=\"user\">Your account</label><input id=\"user\" name=\"user\" value=\"" +
            EscapeHtml(question.userName) +
-           "\" autocomplete=\"username\" autocapitalize=\"none\" spellcheck=\"false\" maxlength=\"200\" required "
+           "\" autocomplete=\"username\" autocapitalize=\"none\" spellcheck=\"false\" maxlength=\"200\" "
+           "required "
            "aria-describedby=\"user-hint\"" +
            (question.isUserUnknown ? " aria-invalid=\"true\" autofocus" : "") + ">" + hint +
            "<div class=\"choice\"><button class=\"allow\" name=\"decision\" value=\"allow\">Allow</button>"
@@ -112,28 +118,32 @@ std::string ConsentQuestionPage(const ConsentQuestion &question)
     const std::string name = EscapeHtml(question.application);
     const bool mayWrite = question.permission != "read";
     const bool mayDelete = question.permission == "delete";
-    const std::string after =
-        question.callbackHost.empty()
-            ? "If you allow it, you see a code to type into " + name + "."
-            : "If you allow it, your browser goes on to <b>" + EscapeHtml(question.callbackHost) +
-                  "</b>, which lets " + name + " know.";
+    const std::string after = question.callbackHost.empty()
+                                  ? "If you allow it, you see a code to type into " + name + "."
+                                  : "If you allow it, your browser goes on to <b>" +
+                                        EscapeHtml(question.callbackHost) + "</b>, which lets " + name +
+                                        " know.";
     const std::string main =
-        "<p class=\"who\"><span class=\"badge\" aria-hidden=\"true\">" + EscapeHtml(Initial(question.application)) +
-        "</span><span>The program <b>" + name + "</b> asks</span></p><h1 id=\"heading\" dir=\"auto\">" +
+        "<p class=\"who\"><span class=\"badge\" aria-hidden=\"true\">" +
+        EscapeHtml(Initial(question.application)) + "</span><span>The program <b>" + name +
+        "</b> asks</span></p><h1 id=\"heading\" dir=\"auto\">" +
         EscapeHtml(Question(question.application, question.permission)) + "</h1>" +
-        (question.notice.empty() ? ""
-                                 : "<p class=\"notice\" role=\"alert\">" + EscapeHtml(question.notice) + "</p>") +
+        (question.notice.empty()
+             ? ""
+             : "<p class=\"notice\" role=\"alert\">" + EscapeHtml(question.notice) + "</p>") +
         "<h2>It will be able to</h2><ul class=\"can\">" + MaySee + (mayWrite ? MayWrite : "") +
         (mayDelete ? MayDelete : "") + "</ul><h2>It won’t be able to</h2><ul class=\"cannot\">" +
-        (mayWrite ? "" : MayWrite) + (mayDelete ? "" : MayDelete) + NeverPassword + "</ul>" + FormHtml(question) +
-        "<p class=\"after\">" + after + " You can answer for " + TimeLeft(question.secondsLeft) + ".</p>";
+        (mayWrite ? "" : MayWrite) + (mayDelete ? "" : MayDelete) + NeverPassword + "</ul>" +
+        FormHtml(question) + "<p class=\"after\">" + after + " You can answer for " +
+        TimeLeft(question.secondsLeft) + ".</p>";
     return PageFrame({question.application + " asks for access", Style, Brand, Sheet(main)});
 }
 
 std::string ConsentOutcomePage(std::string_view heading, std::string_view text)
 {
-    return PageFrame({std::string(heading), Style, Brand,
-                      Sheet("<h1 id=\"heading\">" + EscapeHtml(heading) + "</h1><p>" + EscapeHtml(text) + "</p>")});
+    return PageFrame(
+        {std::string(heading), Style, Brand,
+         Sheet("<h1 id=\"heading\">" + EscapeHtml(heading) + "</h1><p>" + EscapeHtml(text) + "</p>")});
 }
 
 std::string ConsentCodePage(const std::string &application, const std::string &code)

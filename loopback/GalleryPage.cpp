@@ -132,7 +132,8 @@ std::string UploadTable(const PhotoRecord &photo, const PhotoFacts &facts)
                                                                  ? ""
                                                                  : " (sent as " + photo.mimeType + ")")) +
                        RowHtml("Size", fmt::format("{} ({} bytes)", SizeText(photo.size), photo.size)) +
-                       RowHtml("Pixels", facts.width > 0 ? fmt::format("{} × {}", facts.width, facts.height) : "unknown") +
+                       RowHtml("Pixels", facts.width > 0 ? fmt::format("{} × {}", facts.width, facts.height)
+                                                         : "unknown") +
                        RowHtml("SHA-256", photo.sha256) + RowHtml("Uploaded", TimeText(photo.uploaded)) +
                        RowHtml("Program", photo.userAgent) + RowHtml("Photo id", std::to_string(photo.id));
     if (!photo.ticket.empty())
@@ -180,7 +181,8 @@ std::string OverviewPage(const Account &account, const std::vector<PhotoRecord> 
         cards += CardHtml(photo, GroupNames(*facts(photo)));
     }
     const std::string heading =
-        fmt::format("<h1>{}<i>.</i></h1><p>{} · {} account · {} {}, {}</p><p><a href=\"/compare\">Compare uploads</a></p>",
+        fmt::format("<h1>{}<i>.</i></h1><p>{} · {} account · {} {}, {}</p>"
+                    "<p><a href=\"/compare\">Compare uploads</a></p>",
                     EscapeHtml(account.fullName),
                     EscapeHtml(account.userName), account.isPro ? "Pro" : "Basic", photos.size(),
                     photos.size() == 1 ? "photo" : "photos", SizeText(bytes));

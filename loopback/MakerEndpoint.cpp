@@ -36,11 +36,12 @@ std::string Page(const std::string &title, const std::string &html)
 
 std::string ThankYouPage()
 {
-    return Page("Return to Halvora",
-                "<div class=\"mark\" aria-hidden=\"true\">✓</div>"
-                "<h1 id=\"heading\">You can return to Halvora now</h1>"
-                "<p>Flickr has passed on your permission. In Halvora, choose <b>Authorization Granted</b>.</p>"
-                "<p>You can close this page.</p>");
+    return Page(
+        "Return to Halvora",
+        "<div class=\"mark\" aria-hidden=\"true\">✓</div>"
+        "<h1 id=\"heading\">You can return to Halvora now</h1>"
+        "<p>Flickr has passed on your permission. In Halvora, choose <b>Authorization Granted</b>.</p>"
+        "<p>You can close this page.</p>");
 }
 
 std::string LostPage()
@@ -120,8 +121,9 @@ HttpReply MakerEndpoint::HandOver(const HttpRequest &request, const std::string 
         return Problem(403, "A verifier is handed over by https only.");
     }
     std::lock_guard lock(m_mutex);
-    const auto rows = m_database.Run("SELECT verifier FROM verifiers WHERE token = ? AND verifier <> '' AND kept > ?",
-                                     {token, m_now() - m_lifetime()});
+    const auto rows =
+        m_database.Run("SELECT verifier FROM verifiers WHERE token = ? AND verifier <> '' AND kept > ?",
+                       {token, m_now() - m_lifetime()});
     if (rows.empty())
     {
         return Problem(404, "There is no verifier for this token.");
@@ -136,7 +138,9 @@ std::vector<std::pair<std::string, std::string>> MakerEndpoint::States() const
     for (const auto &row : m_database.Run("SELECT token, verifier <> '', kept FROM verifiers ORDER BY rowid"))
     {
         const bool isExpired = NumberAt(row, 2) <= m_now() - m_lifetime();
-        states.emplace_back(TextAt(row, 0), NumberAt(row, 1) == 0 ? "taken" : isExpired ? "expired" : "waiting");
+        states.emplace_back(TextAt(row, 0), NumberAt(row, 1) == 0 ? "taken"
+                                            : isExpired           ? "expired"
+                                                                  : "waiting");
     }
     return states;
 }

@@ -40,7 +40,8 @@ std::int64_t RequestTokenBook::Deadline() const
 
 RequestToken RequestTokenBook::TokenOf(const Database::Row &row) const
 {
-    RequestToken token{TextAt(row, 0), TextAt(row, 1), TextAt(row, 2), TextAt(row, 3), TextAt(row, 4), TextAt(row, 5)};
+    RequestToken token{TextAt(row, 0), TextAt(row, 1), TextAt(row, 2),
+                       TextAt(row, 3), TextAt(row, 4), TextAt(row, 5)};
     const auto state = std::find(StateNames.begin(), StateNames.end(), TextAt(row, 6));
     token.state = static_cast<RequestTokenState>(state - StateNames.begin());
     token.secondsLeft = NumberAt(row, 7) - Deadline();
@@ -81,10 +82,10 @@ std::vector<RequestToken> RequestTokenBook::All() const
 
 std::optional<RequestToken> RequestTokenBook::Grant(const std::string &token, const std::string &permission)
 {
-    const auto granted =
-        m_database.Run("UPDATE request_tokens SET state = 'granted', permission = ?, verifier = ? WHERE token = ? "
-                       "AND state = 'pending' AND asked > ? RETURNING " TOKEN_COLUMNS,
-                       {permission, RandomHex(8), token, Deadline()});
+    const auto granted = m_database.Run(
+        "UPDATE request_tokens SET state = 'granted', permission = ?, verifier = ? WHERE token = ? "
+        "AND state = 'pending' AND asked > ? RETURNING " TOKEN_COLUMNS,
+        {permission, RandomHex(8), token, Deadline()});
     return granted.empty() ? std::nullopt : std::optional(TokenOf(granted[0]));
 }
 
@@ -99,9 +100,10 @@ bool RequestTokenBook::Deny(const std::string &token)
 
 std::optional<std::string> RequestTokenBook::Use(const std::string &token)
 {
-    const auto used = m_database.Run("UPDATE request_tokens SET state = 'used', secret = '', verifier = '' "
-                                     "WHERE token = ? AND state = 'granted' AND asked > ? RETURNING permission",
-                                     {token, Deadline()});
+    const auto used =
+        m_database.Run("UPDATE request_tokens SET state = 'used', secret = '', verifier = '' "
+                       "WHERE token = ? AND state = 'granted' AND asked > ? RETURNING permission",
+                       {token, Deadline()});
     return used.empty() ? std::nullopt : std::optional(TextAt(used[0], 0));
 }
 

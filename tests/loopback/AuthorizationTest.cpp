@@ -33,9 +33,9 @@ std::string HiddenField(const std::string &html, const std::string &name)
 {
     const std::string mark = "name=\"" + name + "\" value=\"";
     const auto begin = html.find(mark);
-    return begin == std::string::npos ? ""
-                                      : html.substr(begin + mark.size(),
-                                                    html.find('"', begin + mark.size()) - begin - mark.size());
+    return begin == std::string::npos
+               ? ""
+               : html.substr(begin + mark.size(), html.find('"', begin + mark.size()) - begin - mark.size());
 }
 
 Signature Application()
@@ -77,8 +77,9 @@ struct Road
     }
 
     // What the person's browser sends, and what it gets; `spoil` changes the form's fields first.
-    Answer Decide(const std::string &form, const std::string &decision, const std::string &permission = "write",
-                  const std::function<void(Fields &)> &spoil = [](Fields &) {})
+    Answer Decide(
+        const std::string &form, const std::string &decision, const std::string &permission = "write",
+        const std::function<void(Fields &)> &spoil = [](Fields &) {})
     {
         const Answer page = client.Get(PageAddress(form, permission));
         const std::string cookie = page.headers.at("set-cookie");
@@ -115,12 +116,14 @@ TEST(Authorization, LeadsFromTheApplicationOverTheBrowserToATokenThatPublishes)
     const std::string token = FieldOf(form, "oauth_token");
     const Answer page = road.client.Get(road.PageAddress(form));
     EXPECT_EQ(page.status, 200);
-    EXPECT_THAT(page.body, AllOf(HasSubstr("May Halvora upload photos to your account?"), HasSubstr("Ada Lovelace"),
-                                 HasSubstr("authorization.halvora.example"), Not(HasSubstr("<script"))));
+    EXPECT_THAT(page.body,
+                AllOf(HasSubstr("May Halvora upload photos to your account?"), HasSubstr("Ada Lovelace"),
+                      HasSubstr("authorization.halvora.example"), Not(HasSubstr("<script"))));
     EXPECT_THAT(page.headers.at("content-security-policy"),
                 AllOf(HasSubstr("default-src 'none'"), HasSubstr("frame-ancestors 'none'"),
                       HasSubstr("form-action 'self' http://authorization.halvora.example")));
-    EXPECT_THAT(page.headers.at("set-cookie"), AllOf(HasSubstr("HttpOnly"), HasSubstr("SameSite"), HasSubstr("Secure")));
+    EXPECT_THAT(page.headers.at("set-cookie"),
+                AllOf(HasSubstr("HttpOnly"), HasSubstr("SameSite"), HasSubstr("Secure")));
 
     const Answer granted = road.Decide(form, "allow");
     ASSERT_EQ(granted.status, 302);
@@ -153,7 +156,8 @@ TEST(Authorization, LeadsFromTheApplicationOverTheBrowserToATokenThatPublishes)
     EXPECT_NE(signature.token, token);
     EXPECT_THAT(road.client.Rest("flickr.auth.oauth.checkToken", signature).body,
                 AllOf(HasSubstr("<perms>write</perms>"), HasSubstr(signature.token)));
-    EXPECT_THAT(road.client.Upload({{"title", "with the new pair"}}, {}, signature).body, HasSubstr("photoid"));
+    EXPECT_THAT(road.client.Upload({{"title", "with the new pair"}}, {}, signature).body,
+                HasSubstr("photoid"));
     EXPECT_EQ(road.Trade(form, verifier).body, "oauth_problem=token_rejected") << "a second time";
 
     // Nobody who looks at the service from behind learns a secret.
@@ -174,20 +178,26 @@ TEST(Authorization, AsksForAWholeAndUsableRequest)
         std::function<void(Signature &)> spoil;
         const char *answer;
     };
-    const auto callback = [](const char *text)
-    { return [text](Signature &s) { s.further = {{"oauth_callback", text}}; }; };
+    const auto callback = [](const char *text) {
+        return [text](Signature &s) { s.further = {{"oauth_callback", text}}; };
+    };
     const Case cases[] = {
         {"no callback", [](Signature &s) { s.further.clear(); },
          "oauth_problem=parameter_absent&oauth_parameters_absent=oauth_callback"},
-        {"no address", callback("test"), "oauth_problem=parameter_rejected&oauth_parameters_rejected=oauth_callback"},
+        {"no address", callback("test"),
+         "oauth_problem=parameter_rejected&oauth_parameters_rejected=oauth_callback"},
         {"script", callback("javascript:alert(1)"), "oauth_problem=parameter_rejected"},
         {"second header", callback("http://a.example/\r\nX-Other: 1"), "oauth_problem=parameter_rejected"},
         {"second policy", callback("http://a.example;script-src *"), "oauth_problem=parameter_rejected"},
         {"no host", callback("http:///x"), "oauth_problem=parameter_rejected"},
-        {"unsigned", [](Signature &s) { s.omitted = {"oauth_signature_method", "oauth_nonce"}; },
+        {"unsigned",
+         [](Signature &s) {
+             s.omitted = {"oauth_signature_method", "oauth_nonce"};
+         },
          "oauth_problem=parameter_absent&oauth_parameters_absent=oauth_signature_method%26oauth_nonce"},
         {"key", [](Signature &s) { s.consumerKey[0] = '7'; }, "oauth_problem=consumer_key_unknown"},
-        {"secret", [](Signature &s) { s.consumerSecret += "x"; }, "oauth_problem=signature_invalid&debug_sbs=POST&https"},
+        {"secret", [](Signature &s) { s.consumerSecret += "x"; },
+         "oauth_problem=signature_invalid&debug_sbs=POST&https"},
         {"an old token", [](Signature &s) { s.token = "72157600000000000-demo000000000000"; },
          "oauth_problem=token_rejected"},
         {"late", [](Signature &s) { s.timestampOffset = -700; }, "oauth_problem=timestamp_refused"},
@@ -239,8 +249,13 @@ TEST(Authorization, TradesOnlyAGrantedTokenWithItsOwnVerifierInTime)
              return std::string("0123456789abcdef");
          },
          nothing, "oauth_problem=token_rejected"},
-        {"another's verifier", [](Road &road, const std::string &form)
-         { road.Verifier(form); return road.Verifier(road.AskForToken()); }, nothing, "oauth_problem=verifier_invalid"},
+        {"another's verifier",
+         [](Road &road, const std::string &form)
+         {
+             road.Verifier(form);
+             return road.Verifier(road.AskForToken());
+         },
+         nothing, "oauth_problem=verifier_invalid"},
         {"no verifier", grant, [](Signature &s) { s.further.clear(); },
          "oauth_problem=parameter_absent&oauth_parameters_absent=oauth_verifier"},
         {"no token", grant,
@@ -304,8 +319,10 @@ TEST(Authorization, GivesTheAccessTokenOnceEvenToTheHasty)
         Signature signature = ForToken(form, verifier);
         signature.nonce = "hasty-" + std::to_string(i);
         traders.emplace_back(
-            [&, signature]
-            { given += road.service.Client().Signed(Steps + "access_token", signature).status == 200 ? 1 : 0; });
+            [&, signature] {
+                given +=
+                    road.service.Client().Signed(Steps + "access_token", signature).status == 200 ? 1 : 0;
+            });
     }
     for (auto &trader : traders)
     {
@@ -331,12 +348,14 @@ TEST(Authorization, KeepsThePermissionAndTheApplicationWithTheToken)
         const std::string form = road.AskForToken();
         EXPECT_THAT(road.client.Get(road.PageAddress(form, permission)).body, HasSubstr(question));
         const Answer granted = road.Decide(form, "allow", permission);
-        const std::string pair = road.Trade(form, FieldOf(granted.headers.at("location"), "oauth_verifier")).body;
+        const std::string pair =
+            road.Trade(form, FieldOf(granted.headers.at("location"), "oauth_verifier")).body;
         Signature signature = ForToken(pair, "");
         signature.further.clear();
         EXPECT_THAT(road.client.Rest("flickr.auth.oauth.checkToken", signature).body,
                     HasSubstr(std::string("<perms>") + permission + "</perms>"));
-        EXPECT_THAT(road.client.Upload({}, {}, signature).body, HasSubstr(mayUpload ? "photoid" : "code=\"99\""));
+        EXPECT_THAT(road.client.Upload({}, {}, signature).body,
+                    HasSubstr(mayUpload ? "photoid" : "code=\"99\""));
         road.client.Admin("consumers", {{"key", "other"}, {"secret", "other secret"}});
         signature.consumerKey = "other";
         signature.consumerSecret = "other secret";
@@ -380,10 +399,13 @@ TEST(Authorization, TheAnswerCountsOnlyFromThePageAsThisBrowserShowsIt)
         EXPECT_EQ(road.State(), "\"pending\"");
     }
     const Answer page = road.client.Get(road.PageAddress(form));
-    const Fields fields = {{"decision", "allow"}, {"user", "halvora-demo"}, {"perms", "write"},
+    const Fields fields = {{"decision", "allow"},
+                           {"user", "halvora-demo"},
+                           {"perms", "write"},
                            {"oauth_token", FieldOf(form, "oauth_token")},
                            {"form_key", HiddenField(page.body, "form_key")}};
-    for (const char *header : {"", "Cookie: visitor=00000000000000000000000000000000", "Origin: https://evil.example"})
+    for (const char *header :
+         {"", "Cookie: visitor=00000000000000000000000000000000", "Origin: https://evil.example"})
     {
         EXPECT_EQ(road.client.Post(Steps + "authorize", fields, header).status, 403) << header;
     }
@@ -403,14 +425,19 @@ TEST(Authorization, SaysWhyThereIsNothingToAnswer)
     const Case cases[] = {
         {[](Road &, const std::string &) {}, "", 404, "known here", "\"pending\""},
         {[](Road &, const std::string &) {}, "oauth_token=%00%3Cb%3E", 404, "known here", "\"pending\""},
-        {[](Road &, const std::string &) {}, "perms=everything&oauth_token=", 400, "doesn’t exist", "\"pending\""},
-        {[](Road &road, const std::string &form) { road.Decide(form, "deny"); }, "perms=write&oauth_token=", 410,
-         "You have already said no", "\"denied\""},
-        {[](Road &road, const std::string &form) { road.Decide(form, "allow"); }, "perms=write&oauth_token=", 410,
-         "You have already allowed this", "\"granted\""},
-        {[](Road &road, const std::string &) { road.client.Admin("authorizations/advance", {{"seconds", "600"}}); },
+        {[](Road &, const std::string &) {}, "perms=everything&oauth_token=", 400, "doesn’t exist",
+         "\"pending\""},
+        {[](Road &road, const std::string &form) { road.Decide(form, "deny"); },
+         "perms=write&oauth_token=", 410, "You have already said no", "\"denied\""},
+        {[](Road &road, const std::string &form) { road.Decide(form, "allow"); },
+         "perms=write&oauth_token=", 410, "You have already allowed this", "\"granted\""},
+        {[](Road &road, const std::string &) {
+             road.client.Admin("authorizations/advance", {{"seconds", "600"}});
+         },
          "perms=write&oauth_token=", 410, "time for this question is over", "\"expired\""},
-        {[](Road &road, const std::string &) { road.client.Admin("account", {{"request_token_seconds", "0"}}); },
+        {[](Road &road, const std::string &) {
+             road.client.Admin("account", {{"request_token_seconds", "0"}});
+         },
          "perms=write&oauth_token=", 410, "time for this question is over", "\"expired\""},
     };
     for (const auto &reason : cases)
@@ -438,7 +465,8 @@ TEST(Authorization, ADenialGrantsNothingAndCallsNobody)
     EXPECT_FALSE(denied.headers.contains("location"));
     EXPECT_THAT(denied.body, HasSubstr("Nothing was granted"));
     EXPECT_EQ(road.Decide(road.AskForToken(), "allow").status, 302) << "the next time is a new one";
-    EXPECT_THAT(road.client.Get(MakerExchange + FieldOf(form, "oauth_token")).body, Not(HasSubstr("<Verifier>")));
+    EXPECT_THAT(road.client.Get(MakerExchange + FieldOf(form, "oauth_token")).body,
+                Not(HasSubstr("<Verifier>")));
 }
 
 TEST(Authorization, AProgramWithoutACallbackGetsItsCodeThroughThePerson)
@@ -455,9 +483,12 @@ TEST(Authorization, TheMakersEndpointKeepsOnlyWhatItWasSentAndOnlyForAWhile)
 {
     Road road;
     const std::string secure = "https://authorization.halvora.example/flickr/authorization";
-    for (const auto &[query, status] : {std::pair{"", 400L}, {"?oauth_token=&oauth_verifier=v", 400L},
-                                        {"?oauth_token=t&oauth_verifier=", 400L}, {"?oauth_verifier=v", 400L},
-                                        {"?oauth_token=t&oauth_verifier=a%0Ab", 400L}, {"?oauth_token=t", 404L},
+    for (const auto &[query, status] : {std::pair{"", 400L},
+                                        {"?oauth_token=&oauth_verifier=v", 400L},
+                                        {"?oauth_token=t&oauth_verifier=", 400L},
+                                        {"?oauth_verifier=v", 400L},
+                                        {"?oauth_token=t&oauth_verifier=a%0Ab", 400L},
+                                        {"?oauth_token=t", 404L},
                                         {"/other", 404L}})
     {
         const Answer answer = road.client.Get(secure + query);
@@ -467,7 +498,8 @@ TEST(Authorization, TheMakersEndpointKeepsOnlyWhatItWasSentAndOnlyForAWhile)
     road.client.Get(MakerCallback + "?oauth_token=t&oauth_verifier=first%3C");
     road.client.Get(MakerCallback + "?oauth_token=t&oauth_verifier=second");
     EXPECT_EQ(road.client.Get(MakerCallback + "?oauth_token=t").status, 403) << "not in plain";
-    EXPECT_EQ(road.client.Head(secure + "?oauth_token=t").status, 405) << "a look at the headers takes nothing";
+    EXPECT_EQ(road.client.Head(secure + "?oauth_token=t").status, 405)
+        << "a look at the headers takes nothing";
     EXPECT_THAT(road.client.Get(secure + "?oauth_token=t").body, HasSubstr("<Verifier>first&lt;</Verifier>"));
     road.client.Get(MakerCallback + "?oauth_token=u&oauth_verifier=v");
     road.client.Admin("authorizations/advance", {{"seconds", "600"}});
@@ -514,7 +546,8 @@ TEST(Authorization, AnIndexOfBeforeThereWasAnyIsGoodStill)
     loopback::Database database(folder.Path() / "index.sqlite");
     database.Run("CREATE TABLE account (name TEXT PRIMARY KEY, value TEXT NOT NULL)");
     database.Run("CREATE TABLE consumers (key TEXT PRIMARY KEY, secret TEXT NOT NULL)");
-    database.Run("CREATE TABLE tokens (token TEXT PRIMARY KEY, secret TEXT NOT NULL, permission TEXT NOT NULL)");
+    database.Run(
+        "CREATE TABLE tokens (token TEXT PRIMARY KEY, secret TEXT NOT NULL, permission TEXT NOT NULL)");
     database.Run("INSERT INTO account VALUES ('user_name', 'kept')");
     database.Run("INSERT INTO consumers VALUES ('68616c766f72612d64656d6f2d6b6579', '64656d6f2d736563')");
     database.Run("INSERT INTO tokens VALUES ('t', 's', 'write')");
