@@ -1,6 +1,7 @@
 #include "tests/privacy/MarkedPicture.h"
 
 #include "tests/platform/windowscodecs_jpeg/SamplePictures.h"
+#include "tests/privacy/MarkedValues.h"
 
 #include <exiv2/exiv2.hpp>
 
@@ -12,147 +13,9 @@ using namespace std::string_literals;
 
 namespace
 {
-// Seconds of the latitude: a fraction that no other value of the file has.
-constexpr unsigned secondsNumerator = 987654321;
-constexpr unsigned secondsDenominator = 20000003;
-
-std::string Text(const std::string &value, bool isBigEndian)
-{
-    std::string wide;
-    for (const char unit : value)
-    {
-        wide += isBigEndian ? "\0"s + unit : unit + "\0"s;
-    }
-    return wide;
-}
-
-std::string Bytes(unsigned value, bool isBigEndian)
-{
-    std::string bytes;
-    for (int shift = 0; shift < 32; shift += 8)
-    {
-        bytes += static_cast<char>(value >> shift & 0xFF);
-    }
-    if (isBigEndian)
-    {
-        std::reverse(bytes.begin(), bytes.end());
-    }
-    return bytes;
-}
-
-struct Place
-{
-    const char *key;    // Exiv2's, or a word for what it doesn't write
-    const char *value;
-    std::vector<unsigned> leave;
-};
-
-// Copyright: artist, copyright, comment. EXIF: camera and shooting data. XMP: rating, label, urgency.
-// IPTC: caption, title, keywords, location, usage rights. What one program's group names by another's
-// word belongs to the group of its meaning, wherever it lies.
-const std::vector<Place> &ExifPlaces()
-{
-    static const std::vector<Place> places{
-        {"Exif.Image.Artist", "qzArtistIfd0", {Copyright}},
-        {"Exif.Image.Copyright", "qzCopyrightIfd0", {Copyright}},
-        {"Exif.Image.XPAuthor", "qzXpAuthor", {Copyright}},
-        {"Exif.Image.XPComment", "qzXpComment", {Copyright}},
-        {"Exif.Photo.UserComment", "qzUserComment", {Copyright}},
-        {"Exif.Photo.CameraOwnerName", "qzCameraOwner", {Exif, Copyright}},
-        {"Exif.Thumbnail.Artist", "qzArtistIfd1", {Copyright}},
-        {"Exif.Thumbnail.Copyright", "qzCopyrightIfd1", {Copyright}},
-        {"Exif.Thumbnail.Model", "qzModelIfd1", {Exif}},
-        {"Exif.Image.Model", "qzModelIfd0", {Exif}},
-        {"Exif.Image.Software", "qzSoftware", {Exif}},
-        {"Exif.Photo.LensModel", "qzLensModel", {Exif}},
-        {"Exif.Photo.BodySerialNumber", "qzBodySerial", {Exif}},
-        {"Exif.Panasonic.InternalSerialNumber", "qzMakerSerial", {Exif}},
-        {"Exif.Panasonic.City", "qzMakerCity", {Exif | Gps}},
-        {"Exif.Panasonic.Landmark", "qzMakerLandmark", {Exif | Gps}},
-        {"Exif.GPSInfo.GPSProcessingMethod", "qzGpsMethod", {Gps}},
-        {"Exif.GPSInfo.GPSAreaInformation", "qzGpsArea", {Gps}},
-        {"Exif.GPSInfo.GPSMapDatum", "qzGpsDatum", {Gps}},
-        {"Exif.GPSInfo.GPSDateStamp", "1971:02:03", {Gps}},
-        {"Exif.Photo.DateTimeOriginal", "1972:03:04 05:06:07", {Exif}},
-        {"Exif.Photo.ImageUniqueID", "qzUniqueId", {Exif}},
-        {"Exif.Image.HostComputer", "qzHostComputer", {Exif}},
-        {"Exif.Image.DocumentName", "qzDocumentName", {Exif, Iptc}},
-        {"Exif.Photo.0xa436", "qzExif3Title", {Iptc}},
-        {"Exif.Photo.0xa437", "qzExif3Photographer", {Copyright}},
-        {"Exif.Image.0x02bd", "<x qzXmpGpsInIfd0/>", {AllGroups}},
-        {"Exif.Image.0x83bc", "qzIptcInIfd0", {AllGroups}},
-        {"Exif.Image.0x864a", "8BIMqzResourceInIfd0", {AllGroups}},
-        {"Exif.Image.ImageDescription", "qzImageDescription", {Iptc}},
-        {"Exif.Image.XPTitle", "qzXpTitle", {Iptc}},
-        {"Exif.Image.XPSubject", "qzXpSubject", {Iptc}},
-        {"Exif.Image.XPKeywords", "qzXpKeywords", {Iptc}},
-    };
-    return places;
-}
-
-const std::vector<Place> &IptcPlaces()
-{
-    static const std::vector<Place> places{
-        {"Iptc.Application2.Caption", "qzIptcCaption", {Iptc}},
-        {"Iptc.Application2.ObjectName", "qzIptcTitle", {Iptc}},
-        {"Iptc.Application2.Keywords", "qzIptcKeyword", {Iptc}},
-        {"Iptc.Application2.City", "qzIptcCity", {Iptc}},
-        {"Iptc.Application2.SubLocation", "qzIptcSubLocation", {Iptc}},
-        {"Iptc.Application2.Byline", "qzIptcByline", {Iptc, Copyright}},
-        {"Iptc.Application2.Copyright", "qzIptcCopyright", {Iptc, Copyright}},
-        {"Iptc.Application2.Credit", "qzIptcCredit", {Iptc, Copyright}},
-    };
-    return places;
-}
-
-const std::vector<Place> &XmpPlaces()
-{
-    static const std::vector<Place> places{
-        {"Xmp.xmp.Label", "qzXmpLabel", {Xmp}},
-        {"Xmp.dc.title", "qzXmpTitle", {Iptc}},
-        {"Xmp.dc.description", "qzXmpDescription", {Iptc}},
-        {"Xmp.dc.subject", "qzXmpSubject", {Iptc}},
-        {"Xmp.photoshop.City", "qzXmpCity", {Iptc}},
-        {"Xmp.photoshop.Credit", "qzXmpCredit", {Iptc, Copyright}},
-        {"Xmp.dc.creator", "qzXmpCreator", {Iptc, Copyright}},
-        {"Xmp.dc.rights", "qzXmpRights", {Iptc, Copyright}},
-        {"Xmp.xmpRights.UsageTerms", "qzXmpUsage", {Iptc, Copyright}},
-        {"Xmp.exif.UserComment", "qzXmpComment", {Copyright}},
-        {"Xmp.exif.GPSLatitude", "47,13.8264135N", {Gps}},
-        {"Xmp.exif.GPSProcessingMethod", "qzXmpGps", {Gps}},
-        {"Xmp.aux.SerialNumber", "qzXmpSerial", {Exif}},
-        {"Xmp.tiff.Model", "qzXmpModel", {Exif}},
-    };
-    return places;
-}
-
-// Segments that are no EXIF, XMP or IPTC, or more of it than the usual. What programs put into segments of
-// their own can be anything, so these go only with everything.
-const std::vector<Place> &OtherPlaces()
-{
-    static const std::vector<Place> places{
-        {"COM", "qzComment", {Copyright}},
-        {"second COM", "qzSecondComment", {Copyright}},
-        {"APP1, extended XMP", "qzExtendedXmpGps", {Gps}},
-        {"APP6, telemetry of an action camera", "qzTelemetryGps", {AllGroups}},
-        {"APP12, picture information", "qzDuckyComment", {AllGroups}},
-        {"APP1, second EXIF block", "qzSecondExifGps", {}},
-        {"APP2, list of further pictures", "qzFurtherPictures", {AllGroups}},
-        {"APP13, second segment", "qzSecondResources", {Iptc}},
-        {"COM before the first scan", "qzLateComment", {Copyright}},
-        {"APP1 before the first scan", "qzLateExifGps", {}},
-        {"APP6 between two scans", "qzLaterTelemetryGps", {AllGroups}},
-        {"thumbnail, COM", "qzThumbComment", {Exif | Copyright}},
-        {"thumbnail, EXIF", "qzThumbGps", {Exif | Gps}},
-        {"unused bytes in the EXIF block", "qzStaleGps", {}},
-        {"second picture behind the end", "qzTrailerGps", {}},
-    };
-    return places;
-}
-
 const char *ValueOf(const char *place)
 {
-    for (const Place &other : OtherPlaces())
+    for (const MarkedPlace &other : OtherPlaces())
     {
         if (place == std::string(other.key))
         {
@@ -198,7 +61,7 @@ void AddText(Exiv2::ExifData &data, const Exiv2::ExifKey &key, const std::string
     const bool isWide = key.tagName().starts_with("XP");
     if (isWide || IsBlockInIfd0(key))
     {
-        const std::string bytes = isWide ? Text(text, false) + "\0\0"s : text;
+        const std::string bytes = isWide ? WideBytes(text, false) + "\0\0"s : text;
         const auto value = Exiv2::Value::create(Exiv2::unsignedByte);
         value->read(reinterpret_cast<const Exiv2::byte *>(bytes.data()), static_cast<long>(bytes.size()),
                     Exiv2::littleEndian);
@@ -216,10 +79,39 @@ void AddText(Exiv2::ExifData &data, const Exiv2::ExifKey &key, const std::string
     }
 }
 
-void AddExif(Exiv2::ExifData &data)
+std::string Thumbnail()
+{
+    SampleOptions small{.Width = 16, .Height = 12};
+    small.Markers = {{0xE1, "Exif\0\0"s + ValueOf("thumbnail, EXIF")}, {0xFE, ValueOf("thumbnail, COM")}};
+    return AsString(MakeJpeg(small));
+}
+
+// Eight by eight pixels of gray: the smallest set of tags, pointing behind themselves.
+std::string MakePlainTiff()
+{
+    const std::pair<int, int> shorts[] = {{256, 8}, {257, 8},  {258, 8}, {259, 1}, {262, 1},
+                                          {273, 110}, {277, 1}, {278, 8}};
+    const auto number = [](int value, int bytes) {
+        std::string text;
+        for (; bytes > 0; --bytes, value >>= 8)
+        {
+            text += static_cast<char>(value & 0xFF);
+        }
+        return text;
+    };
+    std::string file = "II*\0\x08\0\0\0"s + number(std::size(shorts), 2);
+    for (const auto &[tag, value] : shorts)
+    {
+        file += number(tag, 2) + number(3, 2) + number(1, 4) + number(value, 4);
+    }
+    file += number(0, 4);
+    return file + std::string(64, '\x80');
+}
+
+void AddExif(Exiv2::ExifData &data, const std::string &thumbnail)
 {
     data["Exif.Image.Make"] = std::string("Panasonic");
-    for (const Place &place : ExifPlaces())
+    for (const MarkedPlace &place : ExifPlaces())
     {
         AddText(data, Exiv2::ExifKey(place.key), place.value);
     }
@@ -231,10 +123,22 @@ void AddExif(Exiv2::ExifData &data)
     latitude.value_ = {{8, 1}, {32, 1}, {1, 1}};
     data["Exif.GPSInfo.GPSLongitude"] = latitude;
 
-    SampleOptions small{.Width = 16, .Height = 12};
-    small.Markers = {{0xE1, "Exif\0\0"s + ValueOf("thumbnail, EXIF")}, {0xFE, ValueOf("thumbnail, COM")}};
-    const Octets thumbnail = MakeJpeg(small);
-    Exiv2::ExifThumb(data).setJpegThumbnail(thumbnail.data(), static_cast<long>(thumbnail.size()));
+    if (!thumbnail.empty())
+    {
+        Exiv2::ExifThumb(data).setJpegThumbnail(reinterpret_cast<const Exiv2::byte *>(thumbnail.data()),
+                                                static_cast<long>(thumbnail.size()));
+    }
+}
+
+// Four bytes, the highest first.
+std::string BigEndian(size_t value)
+{
+    std::string bytes;
+    for (int shift = 24; shift >= 0; shift -= 8)
+    {
+        bytes += static_cast<char>(value >> shift & 0xFF);
+    }
+    return bytes;
 }
 
 std::string Segment(int marker, const std::string &contents)
@@ -287,7 +191,7 @@ void AddSegments(std::string &file)
                                ValueOf("APP1, extended XMP") + "\"/></rdf:RDF></x:xmpmeta>";
     const std::string added =
         Segment(0xE1, "http://ns.adobe.com/xmp/extension/\0"s + std::string(32, 'A') +
-                          Bytes(static_cast<unsigned>(packet.size()), true) + Bytes(0, true) + packet) +
+                          BigEndian(packet.size()) + BigEndian(0) + packet) +
         Segment(0xE1, "Exif\0\0II*\0\x08\0\0\0\0\0\0\0\0\0"s + ValueOf("APP1, second EXIF block")) +
         Segment(0xE2, "MPF\0"s + ValueOf("APP2, list of further pictures")) +
         Segment(0xED, "Photoshop 3.0\0"s + "8BIM\x04\x04\0\0\0\0\0\x16\x1C\x02\x78\0\x11"s +
@@ -315,69 +219,43 @@ std::string Written(Exiv2::Image &image)
     image.io().seek(0, Exiv2::BasicIo::beg);
     const Exiv2::DataBuf bytes = image.io().read(static_cast<long>(image.io().size()));
     std::string file(reinterpret_cast<const char *>(bytes.pData_), static_cast<size_t>(bytes.size_));
-    RenameBlockTags(file);
+    if (image.mimeType() == "image/jpeg")
+    {
+        RenameBlockTags(file);
+    }
     return file;
 }
 } // namespace
 
-const std::vector<MarkedValue> &MarkedValues()
+std::string MakeMarkedPicture(Contents contents)
 {
-    static const std::vector<MarkedValue> values = [] {
-        std::vector<MarkedValue> all;
-        for (const auto *places : {&ExifPlaces(), &IptcPlaces(), &XmpPlaces(), &OtherPlaces()})
-        {
-            for (const Place &place : *places)
-            {
-                all.push_back({place.key, place.value, true, place.leave});
-            }
-        }
-        for (const bool isBigEndian : {false, true})
-        {
-            all.push_back({"Exif.GPSInfo.GPSLatitude",
-                           Bytes(secondsNumerator, isBigEndian) + Bytes(secondsDenominator, isBigEndian), false,
-                           {Gps}});
-        }
-        return all;
-    }();
-    return values;
-}
-
-std::string MakeMarkedPicture(Blocks blocks)
-{
-    const Octets plain = MakeJpeg({.SeveralScans = true});
-    const auto image = Exiv2::ImageFactory::open(plain.data(), static_cast<long>(plain.size()));
+    const bool isTiff = contents == Contents::Tiff;
+    const std::string plain = isTiff ? MakePlainTiff() : AsString(MakeJpeg({.SeveralScans = true}));
+    const auto image = Exiv2::ImageFactory::open(reinterpret_cast<const Exiv2::byte *>(plain.data()),
+                                                 static_cast<long>(plain.size()));
     image->readMetadata();
-    AddExif(image->exifData());
-    if (blocks == Blocks::ExifAlone)
+    AddExif(image->exifData(), isTiff ? std::string() : Thumbnail());
+    if (contents == Contents::JpegWithExifAlone)
     {
         image->setByteOrder(Exiv2::bigEndian);
         return Written(*image);
     }
-    image->setComment(ValueOf("COM"));
-    for (const Place &place : IptcPlaces())
+    for (const MarkedPlace &place : IptcPlaces())
     {
         image->iptcData()[place.key] = std::string(place.value);
     }
-    for (const Place &place : XmpPlaces())
+    for (const MarkedPlace &place : XmpPlaces())
     {
         image->xmpData()[place.key] = std::string(place.value);
     }
     image->xmpData()["Xmp.xmp.Rating"] = std::string("4");
+    if (isTiff)
+    {
+        return Written(*image);
+    }
+    image->setComment(ValueOf("COM"));
     std::string file = Written(*image);
     AddStaleBytes(file);
     AddSegments(file);
     return file;
-}
-
-size_t FindValue(const std::string &file, const MarkedValue &value)
-{
-    size_t found = file.find(value.bytes);
-    for (const bool isBigEndian : {false, true})
-    {
-        if (found == std::string::npos && value.isText)
-        {
-            found = file.find(Text(value.bytes, isBigEndian));
-        }
-    }
-    return found;
 }

@@ -3,6 +3,7 @@
 // for values rather than tags. The form around the picture is another matter: title, description and tags
 // have switches of their own.
 #include "tests/privacy/MarkedPicture.h"
+#include "tests/privacy/MarkedValues.h"
 
 #include <exiv2/exiv2.hpp>
 
@@ -118,16 +119,16 @@ protected:
 
     void SetUp() override
     {
-        UsePicture(Blocks::Everything);
+        UsePicture(Contents::JpegWithEverything);
         Account.OAuthToken = BstrOwner(TEXT("t"));
         Account.OAuthTokenSecret = BstrOwner(TEXT("s"));
     }
 
-    void UsePicture(Blocks blocks)
+    void UsePicture(Contents contents)
     {
-        Source = blocks;
-        Marked = MakeMarkedPicture(blocks);
-        Path = Folder.Write("p.jpg", Marked);
+        Source = contents;
+        Marked = MakeMarkedPicture(contents);
+        Path = Folder.Write(contents == Contents::Tiff ? "p.tif" : "p.jpg", Marked);
     }
 
     // The picture as it would be sent; empty after a failure, which fails the test.
@@ -184,7 +185,7 @@ protected:
     // What the host keeps of a group: the first source of each text.
     void ExpectWhatIsSwitchedOn(const std::string &sent, unsigned groups) const
     {
-        const bool isExifAlone = Source == Blocks::ExifAlone;
+        const bool isExifAlone = Source == Contents::JpegWithExifAlone;
         const struct
         {
             unsigned group;
@@ -252,7 +253,7 @@ protected:
         }
     }
 
-    Blocks Source = Blocks::Everything;
+    Contents Source = Contents::JpegWithEverything;
     std::string Marked;
     TemporaryFolder Folder;
     std::filesystem::path Path;
@@ -278,16 +279,16 @@ TEST_F(PrivacyMatrix, EveryValueIsFoundInThePictureOnDisk)
             EXPECT_NE(FindValue(Marked, value), std::string::npos) << value.place;
         }
     }
-    for (const Blocks blocks : {Blocks::Everything, Blocks::ExifAlone})
+    for (const Contents contents : {Contents::JpegWithEverything, Contents::JpegWithExifAlone})
     {
-        UsePicture(blocks);
+        UsePicture(contents);
         const auto isRationalHere = [&](const MarkedValue &value) {
             return !value.isText && FindValue(Marked, value) != std::string::npos;
         };
         EXPECT_EQ(std::ranges::count_if(MarkedValues(), isRationalHere), 1) << "in one byte order";
-        EXPECT_EQ(Marked.find("Exif\0\0MM"s) != std::string::npos, blocks == Blocks::ExifAlone);
+        EXPECT_EQ(Marked.find("Exif\0\0MM"s) != std::string::npos, contents == Contents::JpegWithExifAlone);
     }
-    UsePicture(Blocks::Everything);
+    UsePicture(Contents::JpegWithEverything);
     const Lines keys = Read(Marked);
     for (const char *key : {"Exif.GPSInfo.GPSLatitude", "Xmp.exif.GPSLatitude", "Exif.Panasonic.City",
                             "Exif.Thumbnail.JPEGInterchangeFormat", "Iptc.Application2.Byline"})
@@ -298,9 +299,9 @@ TEST_F(PrivacyMatrix, EveryValueIsFoundInThePictureOnDisk)
 
 TEST_F(PrivacyMatrix, IntactPixels)
 {
-    for (const Blocks blocks : {Blocks::Everything, Blocks::ExifAlone})
+    for (const Contents contents : {Contents::JpegWithEverything, Contents::JpegWithExifAlone})
     {
-        UsePicture(blocks);
+        UsePicture(contents);
         SendEveryChoice(SendPixelsIntact, FirstWriting::Succeeds);
     }
 }
@@ -313,9 +314,9 @@ TEST_F(PrivacyMatrix, IntactPixelsWithoutBlocksAfterAFailure)
 
 TEST_F(PrivacyMatrix, ProcessedPixels)
 {
-    for (const Blocks blocks : {Blocks::Everything, Blocks::ExifAlone})
+    for (const Contents contents : {Contents::JpegWithEverything, Contents::JpegWithExifAlone, Contents::Tiff})
     {
-        UsePicture(blocks);
+        UsePicture(contents);
         SendEveryChoice(SendProcessed, FirstWriting::Succeeds);
     }
 }
