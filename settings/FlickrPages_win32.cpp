@@ -100,6 +100,14 @@ void CFlickrAboutPage::ShowPending()
 
 void CFlickrAboutPage::ShowWaiting(bool isWaiting)
 {
+    if (!isWaiting)
+    {
+        // Impatient clicks on the link, which is still disabled, don't ask the service again.
+        MSG click;
+        while (PeekMessageW(&click, Window(), WM_MOUSEFIRST, WM_MOUSELAST, PM_REMOVE))
+        {
+        }
+    }
     SetCursor(LoadCursorW(nullptr, isWaiting ? IDC_WAIT : IDC_ARROW));
 }
 

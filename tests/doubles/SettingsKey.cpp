@@ -1,13 +1,18 @@
 #include "tests/doubles/SettingsKey.h"
 
 #include "core/HandleOwner.h"
+#include "settings/SettingsStore.h"
 #include "settings/StoredSettings.h"
+#include "tests/doubles/CallRecord.h"
 #include "tests/doubles/SystemModules.h"
 
 #include <gtest/gtest.h>
 
 namespace
 {
+constexpr UINT32 mark = 77;
+constexpr const WCHAR *markText = TEXT("untouched");
+
 RegistryKeyOwner OpenForWriting()
 {
     RegistryKeyOwner key;
@@ -56,6 +61,38 @@ void SettingsKey::Remove(const WCHAR *name)
 {
     const RegistryKeyOwner key = OpenForWriting();
     EXPECT_EQ(RegDeleteValueW(key.Get(), name), ERROR_SUCCESS);
+}
+
+void SettingsKey::MarkAll()
+{
+    for (const StoredSetting &setting : StoredSettings())
+    {
+        if (setting.Type == REG_DWORD)
+        {
+            Set(setting.Name, mark);
+        }
+        else
+        {
+            Set(setting.Name, markText);
+        }
+    }
+}
+
+std::string SettingsKey::Written() const
+{
+    const SettingsReader reader;
+    std::string written;
+    for (const StoredSetting &setting : StoredSettings())
+    {
+        const bool isText = setting.Type != REG_DWORD;
+        const std::string value =
+            isText ? Narrow(reader.Text(setting.Name)) : std::to_string(reader.Number(setting.Name));
+        if (value != (isText ? Narrow(markText) : std::to_string(mark)))
+        {
+            written += (written.empty() ? "" : " ") + Narrow(setting.Name) + "=" + value;
+        }
+    }
+    return written;
 }
 
 void SettingsKey::RemoveKey()

@@ -5,6 +5,7 @@
 
 #include <windows.h>
 
+#include <string>
 #include <vector>
 
 class SettingsKey
@@ -19,6 +20,11 @@ public:
     void Set(const WCHAR *name, const WCHAR *text);
     void SetBytes(const WCHAR *name, DWORD type, const std::vector<BYTE> &bytes);
     void Remove(const WCHAR *name);
+
+    // Gives every setting a value that nobody writes, and tells what isn't so any more, in the order of the
+    // table: "IsPublic=1 IsFriend=1".
+    void MarkAll();
+    std::string Written() const;
 
     // Removes the key itself.
     void RemoveKey();

@@ -6,7 +6,6 @@
 #include "settings/PhotosPage.h"
 #include "settings/RawPage.h"
 #include "settings/SettingsStore.h"
-#include "settings/StoredSettings.h"
 #include "tests/doubles/SettingsKey.h"
 #include "tests/settings/FakePageControls.h"
 
@@ -14,43 +13,6 @@
 
 namespace
 {
-constexpr UINT32 Untouched = 77;
-
-// Every setting with a value that no page writes, so that what a page wrote shows.
-void MarkAll(SettingsKey &key)
-{
-    for (const StoredSetting &setting : StoredSettings())
-    {
-        if (setting.Type == REG_DWORD)
-        {
-            key.Set(setting.Name, Untouched);
-        }
-        else
-        {
-            key.Set(setting.Name, TEXT("untouched"));
-        }
-    }
-}
-
-// "IsPublic=1 IsFriend=1": what isn't as MarkAll left it, in the order of the table.
-std::string Written()
-{
-    const SettingsReader reader;
-    std::string written;
-    for (const StoredSetting &setting : StoredSettings())
-    {
-        const bool isText = setting.Type != REG_DWORD;
-        const bool isUntouched =
-            isText ? reader.Text(setting.Name) == TEXT("untouched") : reader.Number(setting.Name) == Untouched;
-        if (!isUntouched)
-        {
-            written += (written.empty() ? "" : " ") + Narrow(setting.Name) + "=" +
-                       (isText ? Narrow(reader.Text(setting.Name)) : std::to_string(reader.Number(setting.Name)));
-        }
-    }
-    return written;
-}
-
 // A page that was shown with the settings as they are now.
 template <class Page>
 struct Shown
@@ -128,12 +90,12 @@ TEST(PhotosPage, SavesItsOwnValuesAndTheChoiceAsThreeNumbers)
     {
         SettingsKey key;
         Shown<PhotosPage> page;
-        MarkAll(key);
+        key.MarkAll();
         page.Controls.SetCheck(IDC_ASYNC_UPLOAD, 1);
         page.Controls.SetCheck(IDC_WRITE_DESCRIPTION, 1);
         page.Controls.SetRadio(IDC_VISIBLE_TO_ANYONE, choice);
         page.Save();
-        EXPECT_EQ(Written(), written);
+        EXPECT_EQ(key.Written(), written);
         if (choice != IPageControls::NoRadio)
         {
             EXPECT_EQ(Shown<PhotosPage>().Controls.Radio(IDC_VISIBLE_TO_ANYONE), choice);
@@ -160,9 +122,9 @@ TEST(OptionsPage, ShowsAndSavesEachGroup)
         EXPECT_EQ(page.Controls.Radio(IDC_SAFETY_SAFE), shown[0]);
         EXPECT_EQ(page.Controls.Radio(IDC_CONTENT_PHOTOS), shown[1]);
         EXPECT_EQ(page.Controls.Radio(IDC_SEARCH_SHOW), shown[2]);
-        MarkAll(key);
+        key.MarkAll();
         page.Save();
-        EXPECT_EQ(Written(), "SafetyLevel=" + std::to_string(shown[0]) + " ContentType=" + std::to_string(shown[1]) +
+        EXPECT_EQ(key.Written(), "SafetyLevel=" + std::to_string(shown[0]) + " ContentType=" + std::to_string(shown[1]) +
                                  " SearchVisibility=" + std::to_string(shown[2]));
     }
 }
@@ -208,9 +170,9 @@ TEST(JpegPage, DisabledControlsKeepAndSaveWhatTheyShow)
     EXPECT_EQ(page.Controls.Radio(IDC_MODE_AS_IS), 2u);
     page.Controls.SetRadio(IDC_MODE_AS_IS, 0);
     page.Logic.Click(page.Controls, IDC_MODE_AS_IS);
-    MarkAll(key);
+    key.MarkAll();
     page.Save();
-    EXPECT_EQ(Written(), "JPEGMode=0 JPEGMinimize=1 JPEGWriteCopyright=1 JPEGWriteEXIF=1 JPEGWriteXMP=1 "
+    EXPECT_EQ(key.Written(), "JPEGMode=0 JPEGMinimize=1 JPEGWriteCopyright=1 JPEGWriteEXIF=1 JPEGWriteXMP=1 "
                          "JPEGWriteGPS=1 JPEGWriteIPTC=0 JPEGLongDimension=8\" print");
 }
 
@@ -235,9 +197,9 @@ TEST(ConversionPages, FieldsStartAtTheirDefaultsAndAreNotFolded)
         EXPECT_EQ(raw.Controls.Check(IDC_WRITE_IPTC), shown);
         EXPECT_EQ(jpeg.Controls.Check(IDC_WRITE_IPTC), shown);
         EXPECT_EQ(raw.Controls.Disabled, std::set<UINT>());
-        MarkAll(key);
+        key.MarkAll();
         raw.Save();
-        EXPECT_EQ(Written(), "RAWMinimize=1 RAWWriteCopyright=1 RAWWriteEXIF=1 RAWWriteXMP=0 RAWWriteGPS=1 "
+        EXPECT_EQ(key.Written(), "RAWMinimize=1 RAWWriteCopyright=1 RAWWriteEXIF=1 RAWWriteXMP=0 RAWWriteGPS=1 "
                              "RAWWriteIPTC=" + std::to_string(shown) + " RAWLongDimension=Original");
     }
 }

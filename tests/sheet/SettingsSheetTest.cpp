@@ -1,0 +1,423 @@
+// The settings sheet as a person meets it: opened by the host's verb, worked on with its real windows.
+#include "plugin/FlickrPublisher.h"
+#include "resources/resource.h"
+#include "settings/FlickrProperties.h"
+#include "settings/SettingsSheet.h"
+#include "tests/doubles/PublishWorld.h"
+#include "tests/sheet/SheetDriver.h"
+
+#include <gmock/gmock.h>
+
+#include <cstring>
+#include <fstream>
+
+namespace
+{
+enum Pages
+{
+    PagePhotos,
+    PageOptions,
+    PageJpeg,
+    PageRaw,
+    PageAbout
+};
+
+constexpr const WCHAR *photosUrl = TEXT("halvora-test:photos");
+
+// Init-data of an account that was read once.
+std::string InitDataOf(const std::vector<WideText> &texts, INT64 maxFileSize)
+{
+    std::string data("\x01");
+    const auto append = [&data](const void *bytes, size_t size) {
+        data.append(static_cast<const char *>(bytes), size);
+    };
+    for (const WideText &text : texts)
+    {
+        const auto size = static_cast<UINT32>(text.empty() ? 0 : (text.size() + 1) * sizeof(WCHAR));
+        append(&size, sizeof(size));
+        append(text.c_str(), size);
+    }
+    append(&maxFileSize, sizeof(maxFileSize));
+    return data;
+}
+
+class SettingsSheet : public testing::Test
+{
+protected:
+    SettingsSheet()
+    {
+        World.Stream->Content = InitDataOf({TEXT("t"), TEXT("s"), TEXT("jane"), TEXT("Jane Doe"), photosUrl,
+                                            TEXT("Basic")}, 1048576);
+        m_owner = CreateWindowExW(0, WC_STATIC, TEXT("owner"), WS_OVERLAPPEDWINDOW | WS_VISIBLE, 100, 100, 900, 700,
+                                  nullptr, nullptr, nullptr, nullptr);
+        EXPECT_EQ(CFlickrPublisher::CreateInstance(nullptr, __uuidof(IHalvoraPublishingPlugin), Plugin.PutVoid()),
+                  S_OK);
+        EXPECT_EQ(Plugin->Initialize(World.Host.Get(), 1033, World.Stream.Get(), 0), S_OK);
+    }
+
+    ~SettingsSheet() override { DestroyWindow(m_owner); }
+
+    HRESULT Configure(std::function<void(const OpenSheet &)> act)
+    {
+        SheetDriver driver(std::move(act));
+        WideText verb = TEXT("Settings");
+        WideText parameters = TEXT("parameters");
+        return Plugin->Configure(m_owner, verb.data(), parameters.data());
+    }
+
+    // So that the next sheet opens with its first page.
+    void TurnToFirstPage()
+    {
+        EXPECT_EQ(Configure([](const OpenSheet &sheet) { sheet.SelectPage(PagePhotos); }), S_OK);
+    }
+
+    // Token and secret as the plug-in gives them back to the host.
+    std::string StoredAccount()
+    {
+        EXPECT_EQ(Plugin->Terminate(), S_OK);
+        return World.Stream->Content;
+    }
+
+    PublishWorld World;
+    ComPtr<IHalvoraPublishingPlugin> Plugin;
+    HWND m_owner = nullptr;
+};
+
+std::set<UINT> DisabledOf(const OpenSheet &sheet, const std::set<UINT> &controls)
+{
+    std::set<UINT> disabled;
+    for (const UINT id : controls)
+    {
+        if (!sheet.IsEnabled(id))
+        {
+            disabled.insert(id);
+        }
+    }
+    return disabled;
+}
+
+// A program that opens the page's address and leaves a file behind. Registered for the machine: a user's own
+// classes aren't looked at by Wine.
+class OpenedAddress
+{
+public:
+    OpenedAddress()
+    {
+        const auto temporary = std::filesystem::temp_directory_path();
+        m_file = temporary / ("halvora-opened-" + std::to_string(GetCurrentProcessId()) + ".txt");
+        std::filesystem::remove(m_file);
+        const WideText command = TEXT("C:\\windows\\system32\\cmd.exe /c echo %1>") + m_file.wstring();
+        Write(TEXT("halvora-test"), TEXT("URL Protocol"), TEXT(""));
+        Write(TEXT("halvora-test\\shell\\open\\command"), nullptr, command);
+    }
+    ~OpenedAddress()
+    {
+        RegDeleteTreeW(HKEY_CLASSES_ROOT, TEXT("halvora-test"));
+        std::error_code ignored;
+        std::filesystem::remove(m_file, ignored);
+    }
+
+    std::string Wait() const
+    {
+        std::string address;
+        OpenSheet::WaitUntil([&] {
+            std::ifstream file(m_file);
+            std::getline(file, address);
+            return !address.empty();
+        });
+        return address;
+    }
+
+private:
+    static void Write(const WCHAR *path, const WCHAR *name, const WideText &text)
+    {
+        RegistryKeyOwner key;
+        ASSERT_EQ(RegCreateKeyExW(HKEY_CLASSES_ROOT, path, 0, nullptr, 0, KEY_WRITE, nullptr, key.Put(), nullptr), 0);
+        RegSetValueExW(key.Get(), name, 0, REG_SZ, reinterpret_cast<const BYTE *>(text.c_str()),
+                       static_cast<DWORD>((text.size() + 1) * sizeof(WCHAR)));
+    }
+
+    std::filesystem::path m_file;
+};
+} // namespace
+
+TEST_F(SettingsSheet, SavesThePagesThatWereShownAndNoOthers)
+{
+    TurnToFirstPage();
+    World.Settings.MarkAll();
+    World.Settings.Set(TEXT("IsPublic"), 0u);
+    World.Settings.Set(TEXT("AsyncUpload"), 0u);
+    EXPECT_EQ(Configure([](const OpenSheet &sheet) {
+                  EXPECT_EQ(sheet.SelectedPage(), PagePhotos);
+                  EXPECT_TRUE(sheet.IsChecked(IDC_WRITE_TITLE));
+                  EXPECT_TRUE(sheet.IsChecked(IDC_VISIBLE_TO_FRIENDS_AND_FAMILY));
+                  sheet.Click(IDC_WRITE_TITLE);
+                  sheet.Click(IDC_VISIBLE_TO_FAMILY);
+                  EXPECT_FALSE(sheet.IsChecked(IDC_VISIBLE_TO_FRIENDS_AND_FAMILY));
+                  sheet.SelectPage(PageOptions);
+                  EXPECT_TRUE(sheet.IsChecked(IDC_SAFETY_SAFE)) << "a value without a button shows as the first";
+                  sheet.Click(IDC_SAFETY_RESTRICTED);
+                  sheet.Click(IDC_SEARCH_HIDE);
+                  EXPECT_TRUE(sheet.IsChecked(IDC_CONTENT_PHOTOS)) << "each group by itself";
+                  sheet.Close(IDOK);
+              }),
+              S_OK);
+    EXPECT_EQ(World.Settings.Written(), "AsyncUpload=0 WriteTitle=0 WriteDescription=1 WriteTags=1 IsPublic=0 "
+                                        "IsFriend=0 IsFamily=1 SafetyLevel=2 ContentType=0 SearchVisibility=1");
+}
+
+TEST_F(SettingsSheet, SavesThePhotosPageThoughAnotherIsOnTop)
+{
+    EXPECT_EQ(Configure([](const OpenSheet &sheet) { sheet.SelectPage(PageAbout); }), S_OK);
+    World.Settings.RemoveKey();
+    SettingsKey fresh;
+    EXPECT_EQ(Configure([](const OpenSheet &sheet) {
+                  EXPECT_EQ(sheet.SelectedPage(), PageAbout);
+                  sheet.Close(IDOK);
+              }),
+              S_OK);
+    const SettingsReader reader;
+    EXPECT_EQ(reader.Number(TEXT("WriteTitle")), 0u) << "as the page shows it of a fresh account";
+    UINT32 options = 99;
+    reader.ReadInto(TEXT("SafetyLevel"), options);
+    EXPECT_EQ(options, 99u);
+}
+
+TEST_F(SettingsSheet, CancelSavesNothingAndRevokesNothing)
+{
+    TurnToFirstPage();
+    World.Settings.MarkAll();
+    EXPECT_EQ(Configure([](const OpenSheet &sheet) {
+                  sheet.Click(IDC_ASYNC_UPLOAD);
+                  for (const int page : {PageOptions, PageJpeg, PageRaw, PageAbout})
+                  {
+                      sheet.SelectPage(page);
+                  }
+                  sheet.Click(IDC_REVOKE);
+                  EXPECT_TRUE(sheet.IsChecked(IDC_REVOKE));
+                  sheet.Close(IDCANCEL);
+              }),
+              S_OK);
+    EXPECT_EQ(World.Settings.Written(), "");
+    const std::string before = World.Stream->Content;
+    EXPECT_EQ(StoredAccount(), before);
+}
+
+TEST_F(SettingsSheet, OpensWithThePageThatWasOnTopLast)
+{
+    for (const auto &[page, button] : {std::pair{PageAbout, IDCANCEL}, {PageRaw, IDOK}, {PagePhotos, IDCANCEL}})
+    {
+        Configure([page = page, button = button](const OpenSheet &sheet) {
+            sheet.SelectPage(page);
+            sheet.Close(button);
+        });
+        Configure([page = page](const OpenSheet &sheet) { EXPECT_EQ(sheet.SelectedPage(), page); });
+    }
+}
+
+TEST_F(SettingsSheet, TheModeOfTheJpegPageEnablesWhatItUses)
+{
+    TurnToFirstPage();
+    World.Settings.Set(TEXT("JPEGMode"), 1u);
+    World.Settings.Set(TEXT("JPEGWriteIPTC"), 1u);
+    const std::set<UINT> metadata = {IDC_WRITE_COPYRIGHT, IDC_WRITE_EXIF, IDC_WRITE_XMP, IDC_WRITE_GPS, IDC_WRITE_IPTC};
+    const std::set<UINT> processing = {IDC_MINIMIZE, IDC_OUTPUT_SIZE_LABEL, IDC_OUTPUT_SIZE, IDC_OUTPUT_SIZE_NOTE};
+    std::set<UINT> all = metadata;
+    all.insert(processing.begin(), processing.end());
+    Configure([&](const OpenSheet &sheet) {
+        sheet.SelectPage(PageJpeg);
+        EXPECT_EQ(DisabledOf(sheet, all), processing);
+        sheet.Click(IDC_MODE_PROCESSED);
+        EXPECT_EQ(DisabledOf(sheet, all), std::set<UINT>());
+        sheet.Click(IDC_WRITE_XMP);
+        sheet.Click(IDC_MODE_AS_IS);
+        EXPECT_EQ(DisabledOf(sheet, all), all);
+        EXPECT_TRUE(sheet.IsChecked(IDC_WRITE_XMP));
+        sheet.Close(IDOK);
+    });
+    const SettingsReader reader;
+    EXPECT_EQ(reader.Number(TEXT("JPEGMode")), 0u);
+    EXPECT_EQ(reader.Number(TEXT("JPEGWriteXMP")), 1u);
+    EXPECT_EQ(reader.Number(TEXT("JPEGWriteIPTC")), 1u);
+}
+
+TEST_F(SettingsSheet, ATypedSizeIsCutAndStoredInItsDisplayForm)
+{
+    const struct
+    {
+        int page;
+        const WCHAR *setting;
+        const WCHAR *typed;
+        const char *stored;
+    } cases[] = {
+        {PageRaw, TEXT("RAWLongDimension"), TEXT("20cm"), "20 cm print"},
+        {PageJpeg, TEXT("JPEGLongDimension"), TEXT("0000000000000000000000000000500 px and m"), "500 px"},
+    };
+    for (const auto &[page, setting, typed, stored] : cases)
+    {
+        World.Settings.Set(TEXT("JPEGMode"), 2u);
+        Configure([page = page, typed = typed](const OpenSheet &sheet) {
+            sheet.SelectPage(page);
+            EXPECT_EQ(sheet.Text(IDC_OUTPUT_SIZE), TEXT("Original"));
+            EXPECT_EQ(SendMessageW(sheet.Control(IDC_OUTPUT_SIZE), CB_GETCOUNT, 0, 0), 8);
+            EXPECT_EQ(SendMessageW(sheet.Control(IDC_OUTPUT_SIZE), CB_GETITEMDATA, 7, 0), 2048);
+            sheet.Type(IDC_OUTPUT_SIZE, typed);
+            EXPECT_EQ(sheet.Text(IDC_OUTPUT_SIZE), typed);
+            sheet.Close(IDOK);
+        });
+        EXPECT_EQ(Narrow(SettingsReader().Text(setting)), stored);
+    }
+}
+
+TEST_F(SettingsSheet, TheAboutPageShowsTheAccountAtEachVisit)
+{
+    Configure([](const OpenSheet &sheet) {
+        for (int visit = 0; visit < 2; ++visit)
+        {
+            sheet.SelectPage(PagePhotos);
+            sheet.SelectPage(PageAbout);
+            EXPECT_EQ(sheet.Text(IDC_VERSION), TEXT("Halvora Publish to Flickr Plugin Version 1.96 (Build 401)"));
+            EXPECT_TRUE(OpenSheet::WaitUntil([&] {
+                return sheet.Text(IDC_ACCOUNT) == TEXT("Name=Jane Doe, Type=Basic, MaxFileSize=1.00 MB, ")
+                                                  TEXT("UploadLeftThisMonth=0 bytes, URL=halvora-test:photos");
+            })) << Narrow(sheet.Text(IDC_ACCOUNT));
+        }
+    });
+}
+
+TEST_F(SettingsSheet, RefreshShowsWhatTheServiceSays)
+{
+    World.Web.Answer(TEXT("<rsp stat='ok'><oauth><user username='jane' fullname='Jane Roe'/></oauth></rsp>"));
+    World.Web.Answer(TEXT("<rsp stat='ok'><user url='halvora-test:new'/></rsp>"));
+    World.Web.Answer(TEXT("<rsp stat='ok'><user ispro='1'><filesize maxbytes='2097152'/></user></rsp>"));
+    Configure([](const OpenSheet &sheet) {
+        sheet.SelectPage(PageAbout);
+        sheet.ClickLink(sheet.Control(IDC_REFRESH));
+        EXPECT_TRUE(OpenSheet::WaitUntil([&] {
+            return sheet.Text(IDC_ACCOUNT) == TEXT("Name=Jane Roe, Type=Pro, MaxFileSize=2.00 MB, ")
+                                              TEXT("UploadLeftThisMonth=Unlimited, URL=halvora-test:new");
+        })) << Narrow(sheet.Text(IDC_ACCOUNT));
+        EXPECT_TRUE(OpenSheet::WaitUntil([&] { return sheet.IsEnabled(IDC_REFRESH); }));
+    });
+}
+
+TEST_F(SettingsSheet, ARefreshThatFailsIsToldOverTheSheetAndLeavesThePair)
+{
+    World.Web.FailOperation("RestRequest", E_FAIL);
+    Configure([](const OpenSheet &sheet) {
+        sheet.SelectPage(PageAbout);
+        sheet.ClickLink(sheet.Control(IDC_REFRESH));
+        const HWND box = sheet.WaitForDialog(TEXT("Publish to Flickr"));
+        ASSERT_NE(box, nullptr);
+        WCHAR text[400] = {};
+        GetDlgItemTextW(box, 0xFFFF, text, 400);
+        EXPECT_THAT(Narrow(text), testing::StartsWith("Failed to refresh account data. The authorization status"));
+        RECT over{}, under{};
+        GetWindowRect(box, &over);
+        GetWindowRect(sheet.Window(), &under);
+        EXPECT_NEAR(over.left + over.right, under.left + under.right, 2);
+        EXPECT_FALSE(sheet.IsEnabled(IDC_REFRESH));
+        PostMessageW(box, WM_COMMAND, IDOK, 0);
+        EXPECT_TRUE(OpenSheet::WaitUntil([&] { return sheet.IsEnabled(IDC_REFRESH); }));
+        EXPECT_TRUE(WideView(sheet.Text(IDC_ACCOUNT)).starts_with(TEXT("Name=Jane Doe")));
+        sheet.Close(IDOK);
+    });
+    EXPECT_EQ(StoredAccount().substr(0, 17), PublishWorld::AuthorizedInitData().substr(0, 17));
+}
+
+TEST_F(SettingsSheet, WhileTheServiceIsSlowTheLinkCannotBeClickedAgain)
+{
+    const HANDLE asked = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    const HANDLE answer = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    int calls = 0;
+    AccountRecord account;
+    SheetAccount shown{account, {}, {}, [&] {
+                           ++calls;
+                           SetEvent(asked);
+                           EXPECT_EQ(WaitForSingleObject(answer, 30000), WAIT_OBJECT_0);
+                           account.FullName = BstrOwner(TEXT("Late"));
+                           return S_OK;
+                       }};
+    {
+        SheetDriver driver([&](const OpenSheet &sheet) {
+            EXPECT_EQ(sheet.HomepageLink(), nullptr) << "of an account that was never read";
+            sheet.SelectPage(PageAbout);
+            const HWND link = sheet.Control(IDC_REFRESH);
+            sheet.ClickLink(link);
+            EXPECT_EQ(WaitForSingleObject(asked, 30000), WAIT_OBJECT_0);
+            EXPECT_FALSE(IsWindowEnabled(link));
+            sheet.ClickLink(link);
+            SetEvent(answer);
+            EXPECT_TRUE(OpenSheet::WaitUntil([&] { return IsWindowEnabled(link) != FALSE; }));
+            EXPECT_TRUE(WideView(sheet.Text(IDC_ACCOUNT)).starts_with(TEXT("Name=Late")));
+            sheet.Close(IDCANCEL);
+        });
+        EXPECT_FALSE(ShowSettingsSheet(m_owner, shown).Applied);
+    }
+    EXPECT_EQ(calls, 1);
+    CloseHandle(asked);
+    CloseHandle(answer);
+}
+
+TEST_F(SettingsSheet, RevocationDropsThePairAndNothingElse)
+{
+    const HRESULT result = Configure([](const OpenSheet &sheet) {
+        sheet.SelectPage(PageAbout);
+        sheet.Click(IDC_REVOKE);
+        sheet.Close(IDOK);
+    });
+    EXPECT_EQ(result, S_FALSE);
+    EXPECT_EQ(StoredAccount(), InitDataOf({{}, {}, TEXT("jane"), TEXT("Jane Doe"), photosUrl, TEXT("Basic")}, 1048576));
+    EXPECT_TRUE(World.Web.CallsOf("RestRequest").empty()) << "the service isn't told";
+}
+
+TEST_F(SettingsSheet, ConfirmedDuringARunItPutsTheBarBack)
+{
+    TurnToFirstPage();
+    World.AddItem("p", TEXT("jpg"), JpegBytes);
+    World.Web.Answer(OkReply);
+    std::vector<std::string> lines[2];
+    World.Host->OnItem = [&](size_t) {
+        for (const int button : {IDCANCEL, IDOK})
+        {
+            const size_t before = World.Record.Lines().size();
+            EXPECT_EQ(Configure([button](const OpenSheet &sheet) { sheet.Close(button); }), S_OK);
+            const auto all = World.Record.Lines();
+            lines[button == IDOK].assign(all.begin() + static_cast<ptrdiff_t>(before), all.end());
+        }
+    };
+    EXPECT_EQ(Plugin->Publish(World.Windows.Bar(), World.Windows.StatusText()), S_OK);
+    EXPECT_THAT(lines[0], testing::IsEmpty());
+    EXPECT_THAT(lines[1], testing::ElementsAre("bar position 0", "bar state 1"));
+}
+
+TEST_F(SettingsSheet, TheLinkBesideTheButtonsOpensThePhotosPage)
+{
+    const OpenedAddress opened;
+    Configure([&](const OpenSheet &sheet) {
+        const HWND link = sheet.HomepageLink();
+        ASSERT_NE(link, nullptr);
+        EXPECT_EQ(GetWindow(link, GW_HWNDNEXT), sheet.Button(IDOK)) << "the tab key comes to it just before OK";
+        sheet.ClickLink(link);
+        EXPECT_EQ(opened.Wait(), "halvora-test:photos");
+        GUITHREADINFO focus{sizeof(focus)};
+        EXPECT_TRUE(OpenSheet::WaitUntil([&] {
+            return GetGUIThreadInfo(GetWindowThreadProcessId(sheet.Window(), nullptr), &focus) &&
+                   focus.hwndFocus == sheet.Button(IDOK);
+        }));
+    });
+}
+
+TEST_F(SettingsSheet, WaitingLocksTheButtonsUntilItStops)
+{
+    Configure([](const OpenSheet &sheet) {
+        ASSERT_NE(sheet.Animation(), nullptr);
+        SendMessageW(sheet.Window(), CFlickrProperties::StartWaiting, 0, 0);
+        EXPECT_FALSE(IsWindowEnabled(sheet.Button(IDOK)));
+        EXPECT_FALSE(IsWindowEnabled(sheet.Button(IDCANCEL)));
+        SendMessageW(sheet.Window(), CFlickrProperties::StopWaiting, 0, 0);
+        EXPECT_FALSE(IsWindowEnabled(sheet.Button(IDOK)));
+        EXPECT_TRUE(IsWindowEnabled(sheet.Button(IDCANCEL)));
+        sheet.Close(IDCANCEL);
+    });
+}
