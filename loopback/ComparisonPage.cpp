@@ -37,7 +37,7 @@ thead .corner,thead th{border-top:0}
 .bar i{display:block;height:100%;border-radius:99px;background:var(--accent);min-width:2px}
 summary{cursor:pointer}summary b{font-weight:600}
 .lost{color:var(--pink)}
-dl{margin:.4rem 0 .2rem;font-size:.82rem}dt{color:var(--soft)}dd{margin:0 0 .3rem}
+dl{margin:.4rem 0 .2rem;font-size:.82rem;max-height:18rem;overflow:auto}dt{color:var(--soft)}dd{margin:0 0 .3rem}
 .empty{text-align:center;color:var(--soft);padding:4rem 1rem}
 .untitled{color:var(--soft);font-style:italic;font-weight:400}
 @media(max-width:45rem){table{width:max-content}td,thead th{width:12.5rem;padding:.45rem .8rem}

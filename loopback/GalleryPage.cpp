@@ -109,11 +109,12 @@ std::string CardHtml(const PhotoRecord &photo, const std::string &groupNames)
     return fmt::format("<article class=\"card\"><a class=\"picture\" href=\"/photo/{0}\">{1}</a>"
                        "<div class=\"text\"><h2 dir=\"auto\"><a href=\"/photo/{0}\">{2}</a></h2>{3}{4}"
                        "<div class=\"facts\"><b>{5}</b><span>{6}</span><span>{7}</span><span>{8}</span>"
-                       "<span>{9}</span><span>{10}</span></div></div></article>\n",
+                       "<span>{9}</span><span>{10}</span>{11}</div></div></article>\n",
                        photo.id, PictureHtml(photo), TitleHtml(photo), DescriptionHtml(photo), TagsHtml(photo),
                        Audience(photo), Word(SafetyWords, photo.safetyLevel),
                        Word(ContentWords, photo.contentType), EscapeHtml(photo.detectedType),
-                       SizeText(photo.size), groupNames.empty() ? "no metadata in the file" : groupNames);
+                       SizeText(photo.size), groupNames.empty() ? "no metadata in the file" : groupNames,
+                       photo.run.empty() ? "" : "<span>" + EscapeHtml(photo.run) + "</span>");
 }
 
 std::string RowHtml(const std::string &name, const std::string &value)
