@@ -27,8 +27,8 @@ void *OpenLoaded(const LoadedModule &module, int flags = 0)
 // The system's own libraries are all in one here, and are known by the names that Windows gives them.
 bool IsSystemLibrary(std::string name)
 {
-    static const std::string_view names[] = {"kernel32", "user32",   "comctl32", "shlwapi", "version",
-                                             "advapi32", "oleaut32", "ole32"};
+    static const std::string_view names[] = {"kernel32", "user32",   "comctl32", "shell32", "shlwapi",
+                                             "version",  "advapi32", "oleaut32", "ole32"};
     std::transform(name.begin(), name.end(), name.begin(), [](unsigned char unit) { return std::tolower(unit); });
     const bool hasExtension = name.ends_with(".dll");
     const std::string_view bare(name.data(), name.size() - (hasExtension ? 4 : 0));

@@ -109,4 +109,14 @@ TEST(Modules, WhatCannotBeLoadedSaysWhy)
         EXPECT_EQ(GetLastError(), DWORD{ERROR_BAD_EXE_FORMAT});
     }
 }
+TEST(Modules, TheSystemsOwnAreKnownByName)
+{
+    for (const WCHAR *const name : {TEXT("kernel32"), TEXT("KERNEL32.dll"), TEXT("ole32.DLL")})
+    {
+        EXPECT_NE(GetModuleHandleW(name), nullptr);
+    }
+    const auto entry = reinterpret_cast<void *>(GetProcAddress(GetModuleHandleW(TEXT("kernel32")), "GetModuleHandleW"));
+    EXPECT_NE(entry, nullptr);
+    EXPECT_EQ(GetProcAddress(GetModuleHandleW(TEXT("kernel32")), "NoSuchFunction"), nullptr);
+}
 } // namespace

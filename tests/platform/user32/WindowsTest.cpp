@@ -118,6 +118,25 @@ TEST_F(Windows, KeepWordsOfTheirUsers)
     DestroyWindow(window);
 }
 
+TEST_F(Windows, KeepPropertiesOfOthers)
+{
+    const HWND window = Create();
+    const auto value = reinterpret_cast<HANDLE>(42);
+    EXPECT_EQ(GetPropW(window, TEXT("Halvora.Test")), nullptr);
+    EXPECT_TRUE(SetPropW(window, TEXT("Halvora.Test"), value));
+    EXPECT_EQ(GetPropW(window, TEXT("HALVORA.test")), value);
+    EXPECT_EQ(GetPropW(window, TEXT("Halvora")), nullptr);
+    EXPECT_TRUE(SetPropW(window, TEXT("halvora.Test"), window));
+    EXPECT_EQ(RemovePropW(window, TEXT("Halvora.Test")), window);
+    EXPECT_EQ(GetPropW(window, TEXT("Halvora.Test")), nullptr);
+    EXPECT_EQ(RemovePropW(window, TEXT("Halvora.Test")), nullptr);
+    DestroyWindow(window);
+    SetLastError(0);
+    EXPECT_FALSE(SetPropW(window, TEXT("Halvora.Test"), value));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_WINDOW_HANDLE});
+    EXPECT_EQ(GetPropW(window, TEXT("Halvora.Test")), nullptr);
+}
+
 TEST_F(Windows, CanBeSubclassed)
 {
     const HWND window = Create();
