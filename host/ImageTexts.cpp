@@ -69,10 +69,6 @@ void FillTexts(ItemRecord &record, const ImageTexts &texts)
     PutText(record.CopyrightTexts[0], texts.artist);
     PutText(record.CopyrightTexts[1], texts.copyright);
     PutText(record.CopyrightTexts[2], texts.credit);
-    if (record.CopyrightTexts[0] == nullptr)
-    {
-        record.CopyrightTexts[0] = BstrOwner(WideView(TEXT(""))).Detach();
-    }
     for (size_t i = 0; i < texts.places.size(); ++i)
     {
         PutText(record.Iptc.Texts[i], texts.places[i]);

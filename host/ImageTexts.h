@@ -42,7 +42,6 @@ WideText JoinKeywords(const std::vector<WideText> &keywords);
 std::vector<WideText> SplitKeywords(WideView list);
 
 // Puts the texts that are there into a laid-out record, whose texts are then its user's to free. An
-// absent text stays null: an empty title would stand for "no title", not for "none known". Only the
-// artist of a file without one is an empty text, by which a group that was read is told from one that the
-// plug-in took out. Throws E_OUTOFMEMORY.
+// absent text stays null: an empty title would stand for "no title", not for "none known". Throws
+// E_OUTOFMEMORY.
 void FillTexts(ItemRecord &record, const ImageTexts &texts);

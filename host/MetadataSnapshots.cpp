@@ -1,5 +1,7 @@
 #include "host/MetadataSnapshots.h"
 
+#include "core/BstrOwner.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -14,6 +16,10 @@ static_assert(sizeof(ItemRecord::XmpGroup) > sizeof(UINT64));
 
 void MetadataSnapshots::Put(SnapshotPtr snapshot, ItemRecord &record)
 {
+    if (IsCopyrightBlank(record))
+    {
+        record.CopyrightTexts[0] = BstrOwner(WideView(TEXT(""))).Detach();
+    }
     const UINT16 orientation = snapshot->orientation;
     UINT64 key;
     {

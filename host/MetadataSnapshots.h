@@ -54,7 +54,9 @@ struct RecordGroup
 class MetadataSnapshots
 {
 public:
-    // Keeps the snapshot and puts its key and the orientation into the record.
+    // Keeps the snapshot and puts its key and the orientation into the record, whose texts are there
+    // already. Where none of the copyright group is, the artist becomes an empty text for the same end as
+    // the keys. Throws E_OUTOFMEMORY.
     void Put(SnapshotPtr snapshot, ItemRecord &record);
 
     RecordGroup Exif(const ItemRecord &record) const;

@@ -235,14 +235,25 @@ DecodedPicture DecodePlain(const std::filesystem::path &file, UINT longEdge, con
     const FileHeader header = ReadHeader(file);
     VipsImage *scaled = nullptr;
     const int edge = EdgeFor(longEdge);
-    // The library takes the named profile where the embedded one can't be used.
-    const bool named = header.hasProfile && header.ownProfile != nullptr;
-    const int result =
-        named ? vips_thumbnail(file.c_str(), &scaled, edge, "height", edge, "size", VIPS_SIZE_DOWN, "fail_on",
-                               VIPS_FAIL_ON_TRUNCATED, "export_profile", "srgb", "import_profile", header.ownProfile,
-                               nullptr)
-              : vips_thumbnail(file.c_str(), &scaled, edge, "height", edge, "size", VIPS_SIZE_DOWN, "fail_on",
-                               VIPS_FAIL_ON_TRUNCATED, "export_profile", "srgb", nullptr);
+    // Without a profile the colours are sRGB's already, or are converted when all is done: the road through
+    // profiles would change them. Where an embedded profile can't be used, the library takes the named one.
+    int result = 0;
+    if (!header.hasProfile)
+    {
+        result = vips_thumbnail(file.c_str(), &scaled, edge, "height", edge, "size", VIPS_SIZE_DOWN, "fail_on",
+                                VIPS_FAIL_ON_TRUNCATED, nullptr);
+    }
+    else if (header.ownProfile != nullptr)
+    {
+        result = vips_thumbnail(file.c_str(), &scaled, edge, "height", edge, "size", VIPS_SIZE_DOWN, "fail_on",
+                                VIPS_FAIL_ON_TRUNCATED, "export_profile", "srgb", "import_profile",
+                                header.ownProfile, nullptr);
+    }
+    else
+    {
+        result = vips_thumbnail(file.c_str(), &scaled, edge, "height", edge, "size", VIPS_SIZE_DOWN, "fail_on",
+                                VIPS_FAIL_ON_TRUNCATED, "export_profile", "srgb", nullptr);
+    }
     if (result != 0)
     {
         ThrowBroken(stop);

@@ -82,7 +82,9 @@ DecodedPicture DevelopRaw(const std::filesystem::path &file, UINT longEdge, cons
     {
         library->set_progress_handler(StopAsked, const_cast<std::atomic<bool> *>(stop));
     }
-    Check(library->open_file(file.c_str()));
+    const int opened = library->open_file(file.c_str());
+    // A head that can't be read is one that isn't known: the file itself was read before.
+    Check(opened == LIBRAW_IO_ERROR ? LIBRAW_FILE_UNSUPPORTED : opened);
     const UINT width = library->imgdata.sizes.width;
     const UINT height = library->imgdata.sizes.height;
     if (UINT64{width} * height > MAX_PICTURE_PIXELS)

@@ -96,7 +96,9 @@ TEST_F(PublishingHostTest, MetadataThatCanNotBeReadFailInCodes)
     EXPECT_EQ(m_host->ReadImageMetadata(strange.c_str(), 0, 0, nullptr, READ_METADATA_ONLY, &record),
               HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
     EXPECT_EQ(m_host->ReadImageMetadata(nullptr, 0, 0, nullptr, READ_METADATA_ONLY, &record), E_INVALIDARG);
-    EXPECT_EQ(m_host->ReadImageMetadata(strange.c_str(), 0, 0, &source, READ_METADATA_AND_PICTURE, &record), E_NOTIMPL);
+    EXPECT_EQ(m_host->ReadImageMetadata(strange.c_str(), 0, 0, &source, READ_METADATA_AND_PICTURE, &record),
+              HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
+    EXPECT_EQ(m_host->ReadImageMetadata(strange.c_str(), 0, 0, nullptr, READ_METADATA_AND_PICTURE, &record), E_INVALIDARG);
     EXPECT_EQ(record.Iptc.Texts[IPTC_TEXT_CAPTION], nullptr);
 }
 

@@ -1,0 +1,37 @@
+// Small picture files of many kinds, made by the imaging library when a test needs them.
+#pragma once
+
+#include <windows.h>
+
+#include <array>
+#include <filesystem>
+#include <functional>
+#include <string>
+
+struct Rgb
+{
+    int red;
+    int green;
+    int blue;
+
+    bool operator==(const Rgb &) const = default;
+};
+
+struct PictureOptions
+{
+    std::string saver;              // options behind the file's name, as "[Q=95]"
+    int orientation = 0;            // 0 for none
+    double dpi = 0;                 // 0 for none
+    std::string profile;            // a built-in profile's name or a file
+    std::string interpretation;     // "cmyk", "rgb16", "b-w" convert; empty leaves sRGB
+    bool alpha = false;             // an alpha channel, 0 everywhere
+};
+
+// Four quarters: red, green above, blue, white below.
+void MakeSample(const std::filesystem::path &file, int width, int height, const PictureOptions &options = {});
+
+// Red and green pages one behind the other.
+void MakeAnimation(const std::filesystem::path &file);
+
+// A profile of sRGB's primaries with red and green exchanged.
+std::filesystem::path MakeExchangedProfile(const std::filesystem::path &folder);
