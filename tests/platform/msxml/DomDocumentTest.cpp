@@ -7,6 +7,8 @@
 
 #include <gmock/gmock.h>
 
+#include <cstring>
+
 namespace
 {
 const CLSID documentClass = {0x88d96a05, 0xf192, 0x11d4, {0xa6, 0x5f, 0x00, 0x40, 0x96, 0x32, 0x51, 0xe5}};
@@ -176,23 +178,24 @@ TEST_F(DomDocument, LoadsFromAStreamInTheEncodingThatItDeclares)
     EXPECT_EQ(VARIANT_TRUE, success);
     EXPECT_TRUE(Read(TEXT("/a")) == TEXT("Größe"));
 }
-// An array of elements of the type, filled with text, for as long as it lives.
-class ArrayOf
+
+// The bytes of a text as an array, for as long as it lives.
+class BytesOf
 {
 public:
-    ArrayOf(VARTYPE type, const char *text)
+    explicit BytesOf(const char *text)
     {
         const auto length = static_cast<ULONG>(strlen(text));
-        V_VT(&m_value) = VT_ARRAY | type;
-        V_ARRAY(&m_value) = SafeArrayCreateVector(type, 0, length);
+        V_VT(&m_value) = VT_ARRAY | VT_UI1;
+        V_ARRAY(&m_value) = SafeArrayCreateVector(VT_UI1, 0, length);
         void *data = nullptr;
         EXPECT_EQ(S_OK, SafeArrayAccessData(V_ARRAY(&m_value), &data));
         memcpy(data, text, length);
         EXPECT_EQ(S_OK, SafeArrayUnaccessData(V_ARRAY(&m_value)));
     }
-    ~ArrayOf() { VariantClear(&m_value); }
-    ArrayOf(const ArrayOf &) = delete;
-    ArrayOf &operator=(const ArrayOf &) = delete;
+    ~BytesOf() { VariantClear(&m_value); }
+    BytesOf(const BytesOf &) = delete;
+    BytesOf &operator=(const BytesOf &) = delete;
 
     const VARIANT &Get() const { return m_value; }
 
@@ -203,16 +206,15 @@ private:
 TEST_F(DomDocument, LoadsFromBytes)
 {
     VARIANT_BOOL success = VARIANT_FALSE;
-    EXPECT_EQ(S_OK, m_document->load(ArrayOf(VT_UI1, "<a b='7'>Gr\xC3\xB6\xC3\x9F" "e\r\n</a>").Get(), &success));
+    EXPECT_EQ(S_OK, m_document->load(BytesOf("<a b='7'>Gr\xC3\xB6\xC3\x9F" "e\r\n</a>").Get(), &success));
     EXPECT_EQ(VARIANT_TRUE, success);
     EXPECT_TRUE(Read(TEXT("/a")) == TEXT("Größe"));
     EXPECT_TRUE(Read(TEXT("/a/@b")) == TEXT("7"));
-    for (const char *const text : {"<a>", "", "<!DOCTYPE a [<!ENTITY e 'x'>]><a>&e;</a>"})
+    for (const char *const text : {"<a>", "", "<a>&undeclared;</a>", "<a>\xFF</a>"})
     {
         success = VARIANT_TRUE;
-        EXPECT_EQ(S_FALSE, m_document->load(ArrayOf(VT_UI1, text).Get(), &success)) << text;
+        EXPECT_EQ(S_FALSE, m_document->load(BytesOf(text).Get(), &success)) << text;
         EXPECT_EQ(VARIANT_FALSE, success) << text;
     }
-    EXPECT_TRUE(FAILED(m_document->load(ArrayOf(VT_I4, "").Get(), &success)));
 }
 } // namespace
