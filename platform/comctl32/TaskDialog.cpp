@@ -10,6 +10,9 @@
 #include <algorithm>
 #include <chrono>
 #include <iterator>
+#include <map>
+#include <memory>
+#include <mutex>
 #include <utility>
 
 namespace
@@ -21,6 +24,40 @@ long long MillisecondsSince(Clock::time_point start)
     return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
 }
 
+class TaskDialogWindow;
+
+// The dialogs that are up. A message may come from any thread and runs there, so that whoever handles one
+// holds the dialog meanwhile.
+class OpenDialogs
+{
+public:
+    void Add(HWND window, std::shared_ptr<TaskDialogWindow> dialog)
+    {
+        const std::lock_guard guard(m_lock);
+        m_dialogs.emplace(window, std::move(dialog));
+    }
+
+    void Remove(HWND window)
+    {
+        const std::lock_guard guard(m_lock);
+        m_dialogs.erase(window);
+    }
+
+    std::shared_ptr<TaskDialogWindow> Find(HWND window)
+    {
+        const std::lock_guard guard(m_lock);
+        const auto found = m_dialogs.find(window);
+        return found != m_dialogs.end() ? found->second : nullptr;
+    }
+
+private:
+    std::mutex m_lock;
+    std::map<HWND, std::shared_ptr<TaskDialogWindow>> m_dialogs;
+};
+
+// Never destroyed: a message may come as long as there are threads.
+OpenDialogs &openDialogs = *new OpenDialogs;
+
 class TaskDialogWindow final : public DialogListener
 {
 public:
@@ -29,27 +66,21 @@ public:
         m_dialog.Change([&](DialogPage &page) { page = PageOf(config); });
     }
 
-    HRESULT Show(int *button, int *radioButton, BOOL *checked)
+    static HRESULT Show(const TASKDIALOGCONFIG &config, int *button, int *radioButton, BOOL *checked)
     {
-        m_window = CreateWindowExW(0, WindowClass(), m_config.pszWindowTitle && !IS_INTRESOURCE(m_config.pszWindowTitle)
-                                                         ? m_config.pszWindowTitle
-                                                         : nullptr,
-                                   0, 0, 0, 0, 0, nullptr, nullptr, nullptr, this);
-        if (m_window == nullptr)
+        const auto dialog = std::make_shared<TaskDialogWindow>(config);
+        const WCHAR *const title = IS_INTRESOURCE(config.pszWindowTitle) ? nullptr : config.pszWindowTitle;
+        const HWND window = CreateWindowExW(0, WindowClass(), title, 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+        if (window == nullptr)
         {
             return E_FAIL;
         }
-        m_start = Clock::now();
-        Notify(TDN_DIALOG_CONSTRUCTED);
-        Notify(TDN_CREATED);
-        const int outcome = m_dialog.Run(*this, (m_config.dwFlags & TDF_CALLBACK_TIMER) != 0);
-        Notify(TDN_DESTROYED);
-        DestroyWindow(m_window);
-        const DialogPage page = m_dialog.Page();
-        Give(button, outcome);
-        Give(radioButton, page.selectedRadioButton);
-        Give(checked, BOOL{page.checked});
-        return S_OK;
+        dialog->m_window = window;
+        openDialogs.Add(window, dialog);
+        const HRESULT result = AtBoundary([&] { return dialog->RunAndTell(button, radioButton, checked); });
+        openDialogs.Remove(window);
+        DestroyWindow(window);
+        return result;
     }
 
     bool ButtonClicked(int id) override { return Notify(TDN_BUTTON_CLICKED, static_cast<WPARAM>(id)) != S_FALSE; }
@@ -70,6 +101,20 @@ public:
     }
 
 private:
+    HRESULT RunAndTell(int *button, int *radioButton, BOOL *checked)
+    {
+        m_start = Clock::now();
+        Notify(TDN_DIALOG_CONSTRUCTED);
+        Notify(TDN_CREATED);
+        const int outcome = m_dialog.Run(*this, (m_config.dwFlags & TDF_CALLBACK_TIMER) != 0);
+        Notify(TDN_DESTROYED);
+        const DialogPage page = m_dialog.Page();
+        Give(button, outcome);
+        Give(radioButton, page.selectedRadioButton);
+        Give(checked, BOOL{page.checked});
+        return S_OK;
+    }
+
     template <class Value>
     static void Give(Value *target, Value value)
     {
@@ -84,7 +129,6 @@ private:
         static const bool registered = [] {
             WNDCLASSEXW description{sizeof(description)};
             description.lpfnWndProc = Procedure;
-            description.cbWndExtra = sizeof(TaskDialogWindow *);
             description.lpszClassName = u"#32770";
             return RegisterClassExW(&description) != 0;
         }();
@@ -94,18 +138,13 @@ private:
 
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     {
-        auto *const dialog = reinterpret_cast<TaskDialogWindow *>(GetWindowLongPtrW(window, 0));
-        if (message == WM_NCCREATE)
-        {
-            SetWindowLongPtrW(window, 0,
-                              reinterpret_cast<LONG_PTR>(reinterpret_cast<CREATESTRUCTW *>(lParam)->lpCreateParams));
-        }
-        else if (message == WM_CLOSE && dialog != nullptr)
+        const auto dialog = openDialogs.Find(window);
+        if (message == WM_CLOSE && dialog != nullptr)
         {
             dialog->m_dialog.ClickButton(IDCANCEL);
             return 0;
         }
-        else if (message > WM_USER && dialog != nullptr)
+        if (message > WM_USER && dialog != nullptr)
         {
             return dialog->Receive(message, wParam, lParam);
         }
@@ -228,5 +267,5 @@ HRESULT WINAPI TaskDialogIndirect(const TASKDIALOGCONFIG *config, int *button, i
     {
         return E_INVALIDARG;
     }
-    return AtBoundary([&] { return TaskDialogWindow(*config).Show(button, radioButton, checked); });
+    return AtBoundary([&] { return TaskDialogWindow::Show(*config, button, radioButton, checked); });
 }

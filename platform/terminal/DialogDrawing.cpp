@@ -118,23 +118,33 @@ private:
     {
         const Style alarm = m_page.icon == DialogIcon::Warning || m_page.icon == DialogIcon::Error ? Style::Alarm
                                                                                                     : Style::Strong;
+        // The icon's word stands in the frame if the title leaves room for it, and else below.
         const std::string word = Shown(WordOf(m_page.icon));
+        const size_t room = m_width - 6;
         const size_t wordRoom = word.empty() ? 0 : TerminalWidth(word) + 3;
-        // The title gives way to the icon's word, which is short.
-        const auto titles = WrapForTerminal(m_page.title, m_width - 6 - wordRoom, m_options.unicode);
-        const std::string title = titles.empty() ? std::string() : titles.front();
+        std::string title = Shown(m_page.title);
+        const bool wordBelow = TerminalWidth(title) + wordRoom > room;
+        if (TerminalWidth(title) > room)
+        {
+            title = WrapForTerminal(m_page.title, room - 4, m_options.unicode).front() + " ...";
+        }
         Line line = NewLine();
         line.Add(m_frame.topLeft).Add(m_frame.across);
         if (!title.empty())
         {
             line.Add(" ").Add(title, Style::Strong).Add(" ");
         }
-        line.Add(Repeated(m_frame.across, m_width - 1 - wordRoom - line.Width()));
-        if (!word.empty())
+        const bool wordInFrame = !word.empty() && !wordBelow;
+        line.Add(Repeated(m_frame.across, m_width - 1 - (wordInFrame ? wordRoom : 0) - line.Width()));
+        if (wordInFrame)
         {
             line.Add(" ").Add(word, alarm).Add(" ").Add(m_frame.across);
         }
         m_lines.push_back(line.Add(m_frame.topRight).Text());
+        if (wordBelow && !word.empty())
+        {
+            AddLine(NewLine().Add(word, alarm));
+        }
     }
 
     void DrawBottom()
