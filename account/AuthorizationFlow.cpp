@@ -46,7 +46,8 @@ HRESULT CreateScope(ComPtr<IRequestParameters> &parameters)
 // Tells a person that the service couldn't be reached, and passes the code on.
 HRESULT TellUnreachable(const AuthorizationContext &context, HRESULT code)
 {
-    const WideText text = LoadStringOrPlaceholder(IDS_AUTHORIZATION_UNREACHABLE) + TEXT(' ') + FormatErrorText(code);
+    WideText text = LoadStringOrPlaceholder(IDS_AUTHORIZATION_UNREACHABLE);
+    text.append(TEXT(" ")).append(FormatErrorText(code));
     context.Scene.ShowError(context.Parent, text.c_str(),
                             LoadStringOrPlaceholder(IDS_AUTHORIZATION_ERROR_CAPTION).c_str());
     return code;

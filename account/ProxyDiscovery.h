@@ -23,7 +23,8 @@ class ProxyLookup
 {
 public:
     virtual DWORD ReadUserSettings(WINHTTP_CURRENT_USER_IE_PROXY_CONFIG &settings) = 0;
-    virtual DWORD FindProxy(const WCHAR *url, WINHTTP_AUTOPROXY_OPTIONS &options, WINHTTP_PROXY_INFO &found) = 0;
+    virtual DWORD FindProxy(const WCHAR *url, WINHTTP_AUTOPROXY_OPTIONS &options,
+                            WINHTTP_PROXY_INFO &found) = 0;
 
 protected:
     ~ProxyLookup() = default;

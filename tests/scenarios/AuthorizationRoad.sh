@@ -36,7 +36,7 @@ await() {
 
 start_service() {
     rm -f "$work/env"
-    "$bin/flickr-loopback" --port 0 --store "$work/store" --ready-file "$work/env" >"$work/service.log" 2>&1 &
+    "$bin/flickr-loopback" --port 0 --store "$work/store" --ready-file "$work/env" "$@" >"$work/service.log" 2>&1 &
     service=$!
     for _ in $(seq 300); do [ ! -f "$work/env" ] || break; sleep 0.1; done
     # shellcheck disable=SC1091
@@ -90,11 +90,11 @@ complete() {
     sleep 0.3
     type_in "$1"
 }
-# Waits for the error's dialog, whose text is broken into lines, and confirms it: dismiss_error TEXT
+# Waits for the error's dialog, whose text is broken into lines, and confirms it: dismiss_error CAPTION TEXT
 dismiss_error() {
-    for _ in $(seq 300); do ! shows "$1" || break; sleep 0.1; done
-    shows 'Authorization Error' || fail 'no dialog of an error'
-    shows "$1" || fail "the dialog doesn't say: $1"
+    for _ in $(seq 300); do ! shows "$2" || break; sleep 0.1; done
+    shows "$1" || fail "no dialog with the caption: $1"
+    shows "$2" || fail "the dialog doesn't say: $2"
     sleep 0.3
     type_in ''
 }
@@ -172,10 +172,24 @@ cmp -s "$work/granted" "$work/profile/init-data.bin" || fail 'a refusal changed 
 stop_service
 authorize
 consent Authorize
-dismiss_error 'Could not connect to the Flickr authorization server. The error code was 0x'
+dismiss_error 'Authorization Error' 'Could not connect to the Flickr authorization server. The error code was 0x'
 finish_authorize 1
 says 'halvora authorize'
 cmp -s "$work/granted" "$work/profile/init-data.bin" || fail 'an unreachable service changed the account'
+
+# An account that can't be read right afterwards is authorized all the same.
+start_service --fault 'kind=status&status=504&target=rest&count=9'
+authorize
+consent Authorize
+for _ in $(seq 300); do [ ! -f "$work/landed" ] || break; sleep 0.1; done
+complete 'Authorization Granted'
+dismiss_error 'An error occurred while talking to Flickr' 'Unknown reply format. Cannot understand server anwser.'
+finish_authorize 1
+says 'The authorization is stored'
+! cmp -s "$work/granted" "$work/profile/init-data.bin" || fail 'the new authorization is not stored'
+expect 0 account
+says 'Authorized:    yes'
+stop_service
 
 # "Granted" without a grant ends the earlier authorization, and says so.
 start_service
@@ -184,7 +198,7 @@ authorize
 consent Authorize
 for _ in $(seq 300); do [ ! -f "$work/landed" ] || break; sleep 0.1; done
 complete 'Authorization Granted'
-dismiss_error 'Could not connect to the Flickr authorization server. The error code was 0x80004005.'
+dismiss_error 'Authorization Error' 'Could not connect to the Flickr authorization server. The error code was 0x80004005.'
 finish_authorize 1
 says 'The earlier authorization is gone'
 expect 0 account
