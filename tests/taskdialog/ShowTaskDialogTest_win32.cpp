@@ -127,6 +127,19 @@ TEST_F(Dialogs, ThatThePlatformRefusesBecomeMessageBoxes)
     EXPECT_EQ(ShowTaskDialog(m_document, m_owner.Handle(), true, authorize), IDCANCEL);
 }
 
+TEST_F(Dialogs, OfAWindowThatIsGoneDoNotStayInTheWay)
+{
+    HWND gone = nullptr;
+    {
+        const OwnerWindow owner;
+        gone = owner.Handle();
+    }
+    Load("<task_dialog version='1'/>");
+    ShowTaskDialog(m_document, gone, true, authorize);
+    EXPECT_EQ(m_document.dialogWindow, nullptr);
+    EXPECT_TRUE(AnotherThreadCanHook());
+}
+
 TEST_F(Dialogs, ThatDoNotLoadBecomeMessageBoxes)
 {
     m_document.LoadFromResource(999, TEXT("TDXML"), ThisModule());

@@ -50,6 +50,18 @@ TEST(MessageBoxes, OfAMinimizedOwnerAreCentredOnTheMonitor)
     ExpectCentred(place, workArea);
 }
 
+TEST(MessageBoxes, ThatNeverComeLeaveNothing)
+{
+    HWND gone = nullptr;
+    {
+        const OwnerWindow owner;
+        gone = owner.Handle();
+    }
+    EXPECT_LE(CentredMessageBox(gone, TEXT("Text"), TEXT("No box"), MB_OK), 0); // 0; Wine says -1
+    EXPECT_FALSE(IsHookArmed());
+    EXPECT_TRUE(AnotherThreadCanHook());
+}
+
 TEST(MessageBoxes, OfTwoThreadsAreCentredEachOnItsOwner)
 {
     std::atomic<int> centred{0};
