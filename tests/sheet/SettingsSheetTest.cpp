@@ -96,7 +96,7 @@ std::set<UINT> DisabledOf(const OpenSheet &sheet, const std::set<UINT> &controls
     return disabled;
 }
 
-// A program that opens the page's address and leaves a file behind. Registered for the machine: a user's own
+// Has a program of ours open the addresses of photosUrl's kind. Registered for the machine: a user's own
 // classes aren't looked at by Wine.
 class OpenedAddress
 {
@@ -106,7 +106,9 @@ public:
         const auto temporary = std::filesystem::temp_directory_path();
         m_file = temporary / ("halvora-opened-" + std::to_string(GetCurrentProcessId()) + ".txt");
         std::filesystem::remove(m_file);
-        const WideText command = TEXT("C:\\windows\\system32\\cmd.exe /c echo %1>") + m_file.wstring();
+        const std::filesystem::path program(HALVORA_PAGE_OPENER);
+        const WideText command = TEXT("\"") + std::filesystem::absolute(program).make_preferred().wstring() +
+                                 TEXT("\" \"") + m_file.wstring() + TEXT("\" \"%1\"");
         Write(TEXT("halvora-test"), TEXT("URL Protocol"), TEXT(""));
         Write(TEXT("halvora-test\\shell\\open\\command"), nullptr, command);
     }
