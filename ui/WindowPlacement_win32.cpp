@@ -5,7 +5,6 @@
 #include <dwmapi.h>
 
 #include <atomic>
-#include <utility>
 
 namespace
 {
@@ -95,11 +94,6 @@ void MoveChildBy(HWND parent, HWND child, INT32 dx, INT32 dy, INT32 dw, INT32 dh
     }
     OffsetRect(&place, OffsetInPixels(dx, horizontal), OffsetInPixels(dy, vertical));
     MapWindowPoints(nullptr, parent, reinterpret_cast<POINT *>(&place), 2);
-    // In a mirrored parent the corners come back exchanged.
-    if (place.left > place.right)
-    {
-        std::swap(place.left, place.right);
-    }
     MoveWindow(child, place.left, place.top, place.right - place.left + dw, place.bottom - place.top + dh, FALSE);
 }
 

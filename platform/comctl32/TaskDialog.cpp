@@ -70,7 +70,8 @@ public:
     {
         const auto dialog = std::make_shared<TaskDialogWindow>(config);
         const WCHAR *const title = IS_INTRESOURCE(config.pszWindowTitle) ? nullptr : config.pszWindowTitle;
-        const HWND window = CreateWindowExW(0, WindowClass(), title, 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+        const HWND window =
+            CreateWindowExW(0, WindowClass(), title, 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
         if (window == nullptr)
         {
             return E_FAIL;

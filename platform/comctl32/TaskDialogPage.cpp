@@ -39,9 +39,8 @@ std::u16string WithoutMnemonic(std::u16string_view text)
 
 bool StartsWithTag(std::u16string_view text, std::u16string_view tag)
 {
-    return text.size() >= tag.size() && std::equal(tag.begin(), tag.end(), text.begin(), [](char16_t a, char16_t b) {
-               return a == (b >= u'A' && b <= u'Z' ? b + 32 : b);
-           });
+    const auto same = [](char16_t a, char16_t b) { return a == (b >= u'A' && b <= u'Z' ? b + 32 : b); };
+    return text.size() >= tag.size() && std::equal(tag.begin(), tag.end(), text.begin(), same);
 }
 
 // <a href="address">words</a> becomes: words [L1: address].

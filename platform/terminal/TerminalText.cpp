@@ -34,8 +34,10 @@ UChar32 Harmless(UChar32 character)
     {
         return ' ';
     }
-    const bool overrides = (character >= 0x202A && character <= 0x202E) || (character >= 0x2066 && character <= 0x2069);
-    return overrides || U_IS_SURROGATE(character) || u_charType(character) == U_CONTROL_CHAR ? replacement : character;
+    const bool overrides =
+        (character >= 0x202A && character <= 0x202E) || (character >= 0x2066 && character <= 0x2069);
+    const bool controls = u_charType(character) == U_CONTROL_CHAR;
+    return overrides || controls || U_IS_SURROGATE(character) ? replacement : character;
 }
 
 void Append(std::string &text, UChar32 character)

@@ -105,7 +105,8 @@ TEST_F(Dialogs, AreCentredByTheHookAlone)
 TEST_F(Dialogs, GiveBackAllThatTheUserChose)
 {
     Load("<task_dialog version='1'><title>Choices</title><checkbox>Check</checkbox><buttons><button id='30'>"
-         "<text line='1'>Thirty</text></button></buttons><radio_buttons default='12'><button id='11'><text>A</text></button>"
+         "<text line='1'>Thirty</text></button></buttons><radio_buttons default='12'>"
+         "<button id='11'><text>A</text></button>"
          "<button id='12'><text>B</text></button></radio_buttons></task_dialog>");
     {
         const DialogDriver driver(TEXT("Choices"), [&](HWND dialog) {

@@ -5,8 +5,9 @@
 
 #include <gmock/gmock.h>
 
-#include <functional>
+#include <array>
 #include <string>
+#include <vector>
 
 namespace
 {
@@ -26,7 +27,10 @@ protected:
     }
 
     // The children of a root element of version 1.
-    bool LoadParts(const std::string &parts) { return Load("<task_dialog version=\"1\">" + parts + "</task_dialog>"); }
+    bool LoadParts(const std::string &parts)
+    {
+        return Load("<task_dialog version=\"1\">" + parts + "</task_dialog>");
+    }
 
     TaskDialogDocument m_document;
 };
