@@ -164,7 +164,8 @@ void CFlickrProperties::OpenHomepage(HWND sheet)
     Sleep(browserPause);
     ShowCursorOf(IDC_ARROW);
     const HWND ok = FindButton(sheet, IDOK);
-    if (SetFocus(ok) == nullptr || GetFocus() != ok)
+    SetFocus(ok);
+    if (GetFocus() != ok)
     {
         SetFocus(FindButton(sheet, IDCANCEL));
     }

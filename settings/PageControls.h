@@ -1,8 +1,10 @@
 // The controls of one page of the settings sheet, as the page's logic sees them. Whoever shows a page,
 // in windows or on a terminal, implements this; the rules of a page are then the same everywhere.
 //
-// Controls are named by the identifiers of resources/resource.h. All calls are made on the thread that
-// shows the sheet, within a call of a SettingsPage, and may throw E_OUTOFMEMORY.
+// Controls are named by the identifiers of resources/resource.h; settings/PageTemplate.h tells which a page
+// has, of what kind and with which words. All calls are made on the thread that shows the sheet, within a
+// call of a SettingsPage, and may throw E_OUTOFMEMORY. Where there is no caret, nothing to repaint or no
+// focus to move, those operations do nothing.
 #pragma once
 
 #include "core/WideText.h"

@@ -104,6 +104,21 @@ TEST(PageTemplates, ControlsLieWithinTheirPageAndApart)
     }
 }
 
+TEST(PageTemplates, TheTabKeyComesToEachControlAndOnceToEachGroup)
+{
+    for (const UINT id : pages)
+    {
+        const auto page = ReadPageTemplate(id);
+        ASSERT_TRUE(page);
+        for (const TemplateControl &control : page->Controls)
+        {
+            const bool isWords = control.Kind == ControlKind::Label || control.Kind == ControlKind::Rule;
+            const bool isFurtherRadio = control.Kind == ControlKind::RadioButton && !control.OpensGroup;
+            EXPECT_EQ(control.TakesFocus, !isWords && !isFurtherRadio) << Narrow(control.Text);
+        }
+    }
+}
+
 TEST(PageTemplates, AreReadInWholeOrNotAtAll)
 {
     EXPECT_FALSE(ReadPageTemplate(1)) << "there is none of that number";
