@@ -271,20 +271,25 @@ TEST_F(SettingsSheet, ATypedSizeIsCutAndStoredInItsDisplayForm)
     }
 }
 
-TEST_F(SettingsSheet, TheAboutPageShowsTheAccountAtEachVisit)
+TEST_F(SettingsSheet, TheAboutPageShowsTheAccountAnewAtEachVisit)
 {
-    Configure([](const OpenSheet &sheet) {
-        for (int visit = 0; visit < 2; ++visit)
+    AccountRecord account;
+    SheetAccount shown{account, TEXT("1.96 (Build 401)"), TEXT("Copyright"), [] { return S_OK; }};
+    SheetDriver driver([&](const OpenSheet &sheet) {
+        for (const WCHAR *name : {TEXT("Jane Doe"), TEXT("Jane Roe")})
         {
             sheet.SelectPage(PagePhotos);
+            account.FullName = BstrOwner(name);
             sheet.SelectPage(PageAbout);
             EXPECT_EQ(sheet.Text(IDC_VERSION), TEXT("Halvora Publish to Flickr Plugin Version 1.96 (Build 401)"));
+            EXPECT_EQ(sheet.Text(IDC_COPYRIGHT), TEXT("Copyright"));
             EXPECT_TRUE(OpenSheet::WaitUntil([&] {
-                return sheet.Text(IDC_ACCOUNT) == TEXT("Name=Jane Doe, Type=Basic, MaxFileSize=1.00 MB, ")
-                                                  TEXT("UploadLeftThisMonth=0 bytes, URL=halvora-test:photos");
+                return sheet.Text(IDC_ACCOUNT) == TEXT("Name=") + WideText(name) + TEXT(", Type=, MaxFileSize=0 bytes, ") +
+                                                      TEXT("UploadLeftThisMonth=0 bytes, URL=");
             })) << Narrow(sheet.Text(IDC_ACCOUNT));
         }
     });
+    ShowSettingsSheet(m_owner, shown);
 }
 
 TEST_F(SettingsSheet, RefreshShowsWhatTheServiceSays)
