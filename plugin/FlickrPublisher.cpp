@@ -246,7 +246,8 @@ HRESULT CFlickrPublisher::AuthorizeAccount(HWND parent, IOAuthWebClient &client)
 
 HRESULT CFlickrPublisher::EditSettings(HWND parent, IOAuthWebClient &)
 {
-    SheetAccount shown{m_account, m_version.String(TEXT("FileVersion")), m_version.String(TEXT("LegalCopyright")),
+    SheetAccount shown{m_account, m_version.String(TEXT("FileVersion")),
+                       m_version.String(TEXT("LegalCopyright")),
                        [this] { return RefreshAccount(m_account, m_version); }};
     const SheetOutcome outcome = ShowSettingsSheet(parent, shown);
     if (!outcome.Applied)

@@ -75,7 +75,8 @@ void AboutPage::Refresh(IPageControls &controls, IRefreshDisplay &display)
     ShowAccountData(controls);
     if (FAILED(result))
     {
-        display.ShowError(LoadStringOrPlaceholder(IDS_REFRESH_FAILED), LoadStringOrPlaceholder(IDS_DISPLAY_NAME));
+        display.ShowError(LoadStringOrPlaceholder(IDS_REFRESH_FAILED),
+                          LoadStringOrPlaceholder(IDS_DISPLAY_NAME));
     }
     else
     {

@@ -13,7 +13,10 @@ class CSettingsPageImpl : public CPropertyPageImpl
 {
 public:
     // logic lives as long as this.
-    explicit CSettingsPageImpl(SettingsPage &logic) noexcept : CPropertyPageImpl(logic.Template()), m_logic(logic) {}
+    explicit CSettingsPageImpl(SettingsPage &logic) noexcept
+        : CPropertyPageImpl(logic.Template()), m_logic(logic)
+    {
+    }
 
     bool ProcessWindowMessage(HWND page, UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result) override;
 

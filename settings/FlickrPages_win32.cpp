@@ -16,7 +16,8 @@ bool IsOfSheet(HWND page, const NMHDR &notification)
 }
 } // namespace
 
-bool CSettingsPageImpl::ProcessWindowMessage(HWND page, UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result)
+bool CSettingsPageImpl::ProcessWindowMessage(HWND page, UINT message, WPARAM wParam, LPARAM lParam,
+                                             LRESULT &result)
 {
     CWinDataExchange controls(page);
     switch (message)
@@ -51,7 +52,8 @@ bool CSettingsPageImpl::ProcessWindowMessage(HWND page, UINT message, WPARAM wPa
     }
 }
 
-bool CFlickrAboutPage::ProcessWindowMessage(HWND page, UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result)
+bool CFlickrAboutPage::ProcessWindowMessage(HWND page, UINT message, WPARAM wParam, LPARAM lParam,
+                                            LRESULT &result)
 {
     CWinDataExchange controls(page);
     switch (message)

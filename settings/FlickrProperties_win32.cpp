@@ -81,7 +81,8 @@ CFlickrProperties::CFlickrProperties(SheetAccount &account, UINT titleId)
     }
 }
 
-bool CFlickrProperties::ProcessWindowMessage(HWND sheet, UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result)
+bool CFlickrProperties::ProcessWindowMessage(HWND sheet, UINT message, WPARAM wParam, LPARAM lParam,
+                                             LRESULT &result)
 {
     switch (message)
     {
@@ -152,7 +153,8 @@ void CFlickrProperties::CreateHomepageLink(HWND sheet)
                                      reinterpret_cast<HMENU>(IDC_HOMEPAGE_LINK), ThisModule(), nullptr);
     if (m_homepageLink != nullptr)
     {
-        SendMessageW(m_homepageLink, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
+        const HGDIOBJ font = GetStockObject(DEFAULT_GUI_FONT);
+        SendMessageW(m_homepageLink, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
         PlaceBesideButtons(sheet, m_homepageLink);
     }
 }

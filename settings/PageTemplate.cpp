@@ -100,7 +100,10 @@ WORD OrdinalOf(const WideText &className)
     {
         const WCHAR *Name;
         WORD Ordinal;
-    } classes[] = {{WC_BUTTON, ClassButton}, {WC_EDIT, ClassEdit}, {WC_STATIC, ClassStatic}, {WC_COMBOBOX, ClassComboBox}};
+    } classes[] = {{WC_BUTTON, ClassButton},
+                   {WC_EDIT, ClassEdit},
+                   {WC_STATIC, ClassStatic},
+                   {WC_COMBOBOX, ClassComboBox}};
     for (const auto &[name, ordinal] : classes)
     {
         if (EqualsIgnoringCase(className, name))

@@ -9,7 +9,8 @@
 SheetOutcome ShowSettingsSheet(HWND parent, SheetAccount &account)
 {
     const ActivationContext commonControls6;
-    constexpr INITCOMMONCONTROLSEX classes{sizeof(classes), ICC_TAB_CLASSES | ICC_LINK_CLASS | ICC_STANDARD_CLASSES};
+    constexpr INITCOMMONCONTROLSEX classes{sizeof(classes),
+                                           ICC_TAB_CLASSES | ICC_LINK_CLASS | ICC_STANDARD_CLASSES};
     InitCommonControlsEx(&classes);
     CFlickrProperties sheet(account, IDS_DISPLAY_NAME);
     const bool isApplied = sheet.DoModal(parent) > 0;

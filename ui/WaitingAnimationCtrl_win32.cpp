@@ -88,8 +88,9 @@ bool CWaitingAnimationImpl::ProcessWindowMessage(HWND window, UINT message, WPAR
 
 void CWaitingAnimationImpl::LoadStrip(HWND window) noexcept
 {
-    m_bitmap = BitmapOwner(static_cast<HBITMAP>(LoadImageW(ThisModule(), MAKEINTRESOURCEW(IDB_WAITING), IMAGE_BITMAP,
-                                                           0, 0, LR_CREATEDIBSECTION | LR_DEFAULTSIZE)));
+    const HANDLE loaded = LoadImageW(ThisModule(), MAKEINTRESOURCEW(IDB_WAITING), IMAGE_BITMAP, 0, 0,
+                                     LR_CREATEDIBSECTION | LR_DEFAULTSIZE);
+    m_bitmap = BitmapOwner(static_cast<HBITMAP>(loaded));
     m_bitmapInfo = {};
     GetObjectW(m_bitmap.Get(), sizeof(m_bitmapInfo), &m_bitmapInfo);
     RECT place{};
@@ -159,8 +160,8 @@ void CWaitingAnimationImpl::Draw(HWND window, HDC context) noexcept
     const HDC memory = CreateCompatibleDC(context);
     const HGDIOBJ before = SelectObject(memory, m_bitmap.Get());
     constexpr BLENDFUNCTION sourceOver{AC_SRC_OVER, 0, 255, AC_SRC_ALPHA};
-    AlphaBlend(context, client.left, client.top, size, size, memory, static_cast<int>(frame) * size, 0, size, size,
-               sourceOver);
+    AlphaBlend(context, client.left, client.top, size, size, memory, static_cast<int>(frame) * size, 0, size,
+               size, sourceOver);
     SelectObject(memory, before);
     DeleteDC(memory);
 }

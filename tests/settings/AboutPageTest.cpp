@@ -34,7 +34,7 @@ struct AboutWorld
     HRESULT Result = S_OK;
     SheetAccount Sheet{Account, TEXT("1.96 (Build 401)"), TEXT("Copyright"), [this] { return Refresh(); }};
     FakePageControls Controls{IDD_ABOUT};
-    AboutPage Page{Sheet, [this](DWORD milliseconds) { Controls.Record.Add("pause " + std::to_string(milliseconds)); }};
+    AboutPage Page{Sheet, [this](DWORD length) { Controls.Record.Add("pause " + std::to_string(length)); }};
     FakeRefreshDisplay Display{Controls.Record};
 
     HRESULT Refresh()

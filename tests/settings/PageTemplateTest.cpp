@@ -32,7 +32,8 @@ std::string Outline(const PageTemplate &page)
 
 bool Overlap(const TemplateRectangle &a, const TemplateRectangle &b)
 {
-    return a.Left < b.Left + b.Width && b.Left < a.Left + a.Width && a.Top < b.Top + b.Height && b.Top < a.Top + a.Height;
+    return a.Left < b.Left + b.Width && b.Left < a.Left + a.Width && a.Top < b.Top + b.Height &&
+           b.Top < a.Top + a.Height;
 }
 
 std::vector<BYTE> BytesOf(UINT id)

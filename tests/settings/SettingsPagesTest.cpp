@@ -124,15 +124,18 @@ TEST(OptionsPage, ShowsAndSavesEachGroup)
         EXPECT_EQ(page.Controls.Radio(IDC_SEARCH_SHOW), shown[2]);
         key.MarkAll();
         page.Save();
-        EXPECT_EQ(key.Written(), "SafetyLevel=" + std::to_string(shown[0]) + " ContentType=" + std::to_string(shown[1]) +
-                                 " SearchVisibility=" + std::to_string(shown[2]));
+        EXPECT_EQ(key.Written(), "SafetyLevel=" + std::to_string(shown[0]) +
+                                     " ContentType=" + std::to_string(shown[1]) +
+                                     " SearchVisibility=" + std::to_string(shown[2]));
     }
 }
 
 TEST(JpegPage, TheModeRulesWhatIsEnabledAndNothingElse)
 {
-    const std::set<UINT> metadata = {IDC_WRITE_COPYRIGHT, IDC_WRITE_EXIF, IDC_WRITE_XMP, IDC_WRITE_GPS, IDC_WRITE_IPTC};
-    const std::set<UINT> processing = {IDC_MINIMIZE, IDC_OUTPUT_SIZE_LABEL, IDC_OUTPUT_SIZE, IDC_OUTPUT_SIZE_NOTE};
+    const std::set<UINT> metadata = {IDC_WRITE_COPYRIGHT, IDC_WRITE_EXIF, IDC_WRITE_XMP, IDC_WRITE_GPS,
+                                     IDC_WRITE_IPTC};
+    const std::set<UINT> processing = {IDC_MINIMIZE, IDC_OUTPUT_SIZE_LABEL, IDC_OUTPUT_SIZE,
+                                       IDC_OUTPUT_SIZE_NOTE};
     std::set<UINT> all = metadata;
     all.insert(processing.begin(), processing.end());
     const struct

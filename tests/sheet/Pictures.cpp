@@ -44,8 +44,10 @@ public:
     {
         std::thread photographer([&, thread = GetCurrentThreadId()] {
             HWND dialog = nullptr;
-            const bool isThere = OpenSheet::WaitUntil([&] { return (dialog = FindOther(thread, owner)) != nullptr; });
-            ASSERT_TRUE(isThere) << name;
+            ASSERT_TRUE(OpenSheet::WaitUntil([&] {
+                dialog = FindOther(thread, owner);
+                return dialog != nullptr;
+            })) << name;
             Take(dialog, name);
             PostMessageW(dialog, WM_CLOSE, 0, 0);
         });
@@ -125,7 +127,8 @@ void TakeDialogs(const Album &album, HWND owner)
     {
         const WideText text = LoadStringOrPlaceholder(textId);
         const WideText caption = LoadStringOrPlaceholder(captionId);
-        album.TakeDialog(name, owner, [&] { CentredMessageBox(owner, text.c_str(), caption.c_str(), MB_ICONERROR); });
+        album.TakeDialog(name, owner,
+                         [&] { CentredMessageBox(owner, text.c_str(), caption.c_str(), MB_ICONERROR); });
     }
 }
 } // namespace
@@ -141,8 +144,8 @@ int main(int argc, char **argv)
     SetProcessDPIAware();
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     {
-        const HWND owner = CreateWindowExW(0, TEXT("Static"), TEXT("Halvora"), WS_POPUP | WS_VISIBLE, 0, 0, 1280, 1000,
-                                           nullptr, nullptr, nullptr, nullptr);
+        const HWND owner = CreateWindowExW(0, TEXT("Static"), TEXT("Halvora"), WS_POPUP | WS_VISIBLE, 0, 0, 1280,
+                                           1000, nullptr, nullptr, nullptr, nullptr);
         SetCursorPos(640, 500);
         const Album album(argv[1]);
         TakePages(album, owner);

@@ -134,7 +134,8 @@ private:
     static void Write(const WCHAR *path, const WCHAR *name, const WideText &text)
     {
         RegistryKeyOwner key;
-        ASSERT_EQ(RegCreateKeyExW(HKEY_CLASSES_ROOT, path, 0, nullptr, 0, KEY_WRITE, nullptr, key.Put(), nullptr), 0);
+        ASSERT_EQ(RegCreateKeyExW(HKEY_CLASSES_ROOT, path, 0, nullptr, 0, KEY_WRITE, nullptr, key.Put(), nullptr),
+                  ERROR_SUCCESS);
         RegSetValueExW(key.Get(), name, 0, REG_SZ, reinterpret_cast<const BYTE *>(text.c_str()),
                        static_cast<DWORD>((text.size() + 1) * sizeof(WCHAR)));
     }
@@ -222,8 +223,10 @@ TEST_F(SettingsSheet, TheModeOfTheJpegPageEnablesWhatItUses)
     TurnToFirstPage();
     World.Settings.Set(TEXT("JPEGMode"), 1u);
     World.Settings.Set(TEXT("JPEGWriteIPTC"), 1u);
-    const std::set<UINT> metadata = {IDC_WRITE_COPYRIGHT, IDC_WRITE_EXIF, IDC_WRITE_XMP, IDC_WRITE_GPS, IDC_WRITE_IPTC};
-    const std::set<UINT> processing = {IDC_MINIMIZE, IDC_OUTPUT_SIZE_LABEL, IDC_OUTPUT_SIZE, IDC_OUTPUT_SIZE_NOTE};
+    const std::set<UINT> metadata = {IDC_WRITE_COPYRIGHT, IDC_WRITE_EXIF, IDC_WRITE_XMP, IDC_WRITE_GPS,
+                                     IDC_WRITE_IPTC};
+    const std::set<UINT> processing = {IDC_MINIMIZE, IDC_OUTPUT_SIZE_LABEL, IDC_OUTPUT_SIZE,
+                                       IDC_OUTPUT_SIZE_NOTE};
     std::set<UINT> all = metadata;
     all.insert(processing.begin(), processing.end());
     Configure([&](const OpenSheet &sheet) {
@@ -284,8 +287,9 @@ TEST_F(SettingsSheet, TheAboutPageShowsTheAccountAnewAtEachVisit)
             EXPECT_EQ(sheet.Text(IDC_VERSION), TEXT("Halvora Publish to Flickr Plugin Version 1.96 (Build 401)"));
             EXPECT_EQ(sheet.Text(IDC_COPYRIGHT), TEXT("Copyright"));
             EXPECT_TRUE(OpenSheet::WaitUntil([&] {
-                return sheet.Text(IDC_ACCOUNT) == TEXT("Name=") + WideText(name) + TEXT(", Type=, MaxFileSize=0 bytes, ") +
-                                                      TEXT("UploadLeftThisMonth=0 bytes, URL=");
+                return sheet.Text(IDC_ACCOUNT) ==
+                       TEXT("Name=") + WideText(name) +
+                           TEXT(", Type=, MaxFileSize=0 bytes, UploadLeftThisMonth=0 bytes, URL=");
             })) << Narrow(sheet.Text(IDC_ACCOUNT));
         }
     });
@@ -374,7 +378,8 @@ TEST_F(SettingsSheet, RevocationDropsThePairAndNothingElse)
         sheet.Close(IDOK);
     });
     EXPECT_EQ(result, S_FALSE);
-    EXPECT_EQ(StoredAccount(), InitDataOf({{}, {}, TEXT("jane"), TEXT("Jane Doe"), photosUrl, TEXT("Basic")}, 1048576));
+    EXPECT_EQ(StoredAccount(),
+              InitDataOf({{}, {}, TEXT("jane"), TEXT("Jane Doe"), photosUrl, TEXT("Basic")}, 1048576));
     EXPECT_TRUE(World.Web.CallsOf("RestRequest").empty()) << "the service isn't told";
 }
 

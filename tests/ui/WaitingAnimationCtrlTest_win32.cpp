@@ -116,8 +116,9 @@ bool IsNearly(const Pixels &left, const Pixels &right)
     {
         for (int shift = 0; shift < 24; shift += 8)
         {
-            const int difference = static_cast<int>(left[i] >> shift & 0xFF) - static_cast<int>(right[i] >> shift & 0xFF);
-            if (std::abs(difference) > 1)
+            const auto one = static_cast<int>(left[i] >> shift & 0xFF);
+            const auto other = static_cast<int>(right[i] >> shift & 0xFF);
+            if (std::abs(one - other) > 1)
             {
                 return false;
             }
@@ -158,7 +159,7 @@ protected:
 UINT32 ColourOf(int systemColour)
 {
     const COLORREF colour = GetSysColor(systemColour);
-    return static_cast<UINT32>(GetRValue(colour)) << 16 | static_cast<UINT32>(GetGValue(colour)) << 8 | GetBValue(colour);
+    return UINT32{GetRValue(colour)} << 16 | UINT32{GetGValue(colour)} << 8 | GetBValue(colour);
 }
 } // namespace
 
