@@ -103,7 +103,10 @@ HRESULT RegisterModule(const fs::path &file)
 std::vector<fs::path> ModuleFolders()
 {
     const fs::path folder = fs::read_symlink("/proc/self/exe").parent_path();
-    return {(folder / ".." / "lib").lexically_normal(), folder};
+    const fs::path built = (folder / ".." / "lib").lexically_normal();
+    const fs::path installed = built / "halvora";
+    std::error_code error;
+    return {fs::is_directory(installed, error) ? installed : built, folder};
 }
 
 HRESULT MakeSettingsKey()
