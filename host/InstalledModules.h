@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-// The folders in which a program looks for its modules: beside its own folder lib/halvora, where they
-// are installed, or lib, where they are built; then its own.
+// The folders in which a program looks for its modules: beside its own folder lib/halvora/modules,
+// where they are installed, or lib, where they are built; then its own.
 std::vector<std::filesystem::path> ModuleFolders();
 
 // Makes the key of the plug-in's settings where it is missing.

@@ -104,7 +104,7 @@ std::vector<fs::path> ModuleFolders()
 {
     const fs::path folder = fs::read_symlink("/proc/self/exe").parent_path();
     const fs::path built = (folder / ".." / "lib").lexically_normal();
-    const fs::path installed = built / "halvora";
+    const fs::path installed = built / "halvora" / "modules";
     std::error_code error;
     return {fs::is_directory(installed, error) ? installed : built, folder};
 }

@@ -1,0 +1,116 @@
+# What is installed where, and the packages that CPack makes of it: natively a Debian package, for
+# Windows a zip. Installing and packing build nothing: tools/package has built what they take.
+set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
+set(out "${CMAKE_BINARY_DIR}/packaging")
+set(in "${CMAKE_SOURCE_DIR}/packaging")
+set(script "${CMAKE_SOURCE_DIR}/resources/Publisher.rc")
+
+# The version and the holders of the rights stand in the modules too: the packages must not tell others.
+file(STRINGS "${script}" line REGEX "^FILEVERSION ")
+string(REGEX REPLACE "^FILEVERSION +| " "" version "${line}")
+string(REPLACE "," "." version "${version}")
+if(NOT version STREQUAL PROJECT_VERSION)
+  message(FATAL_ERROR "resources/Publisher.rc has the version ${version}, the project ${PROJECT_VERSION}.")
+endif()
+file(STRINGS "${script}" line REGEX "\"LegalCopyright\"" ENCODING UTF-8)
+string(REGEX REPLACE ".*, \"(.*)\"" "\\1" HALVORA_COPYRIGHT "${line}")
+string(REPLACE "©" "(c)" HALVORA_COPYRIGHT "${HALVORA_COPYRIGHT}")
+
+# All that is installed, to build it and no more.
+add_custom_target(installed)
+
+# A licence text as Debian keeps it beside what we link or compile in: licence_text(PACKAGE NAME)
+function(licence_text package name)
+  install(FILES "/usr/share/doc/${package}/copyright" DESTINATION "${licences}" RENAME "${name}.txt")
+endfunction()
+
+set(CPACK_PACKAGE_NAME halvora)
+set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}")
+set(CPACK_PACKAGE_VENDOR "Halvora")
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+
+if(HALVORA_NATIVE)
+  # Not in lib itself, nor right below it: these libraries are for nobody else, and CPack would tell the
+  # system's loader of them.
+  set(folder lib/halvora/modules)
+  set(programs halvora flickr-loopback)
+  set(modules publisher web_components msxml windowscodecs platform winhttp)
+  install(TARGETS ${programs} RUNTIME DESTINATION bin)
+  install(TARGETS ${modules} LIBRARY DESTINATION ${folder})
+  set_target_properties(halvora PROPERTIES INSTALL_RPATH "$ORIGIN/../${folder}")
+  set_target_properties(${modules} PROPERTIES INSTALL_RPATH "$ORIGIN")
+  add_dependencies(installed ${programs} ${modules})
+
+  # Packed as Debian wants them. The changelog tells no more than the version and its day.
+  execute_process(COMMAND git -C "${CMAKE_SOURCE_DIR}" log -1 --format=%cD
+    OUTPUT_VARIABLE HALVORA_DAY OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+  if(NOT HALVORA_DAY)
+    execute_process(COMMAND date -R OUTPUT_VARIABLE HALVORA_DAY OUTPUT_STRIP_TRAILING_WHITESPACE)
+  endif()
+  set(HALVORA_MAINTAINER "Halvora Publish to Flickr developers <developers@halvora.example>")
+  foreach(text halvora.1 flickr-loopback.1 changelog)
+    configure_file("${in}/debian/${text}" "${out}/${text}" @ONLY)
+    execute_process(COMMAND gzip -9nkf "${out}/${text}" COMMAND_ERROR_IS_FATAL ANY)
+  endforeach()
+  install(FILES "${out}/halvora.1.gz" "${out}/flickr-loopback.1.gz" DESTINATION share/man/man1)
+  set(licences share/doc/halvora)
+  install(FILES "${in}/debian/copyright" "${out}/changelog.gz" DESTINATION "${licences}")
+  licence_text(libcli11-dev CLI11)
+
+  set(CPACK_GENERATOR DEB)
+  set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+  set(CPACK_DEBIAN_PACKAGE_MAINTAINER "${HALVORA_MAINTAINER}")
+  set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
+  set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "publish photographs on a Flickr account from the terminal")
+  set(CPACK_PACKAGE_DESCRIPTION
+    "Puts photographs on their owner's Flickr account: untouched, with their
+pixels intact and only the metadata that the owner allows, or freshly
+rendered from camera RAW and other files. It gets the permission in the web
+browser, says how far it is, and what went wrong with which file.
+.
+With it comes a photo service for this machine alone, to try everything
+without an account.")
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}/lib")
+  # Beside the libraries: whom to trust. The browser and the desktop's proxies can be done without.
+  set(CPACK_DEBIAN_PACKAGE_DEPENDS "ca-certificates")
+  set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xdg-utils, libproxy-tools, libproxy1-plugin-webkit")
+  set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+else()
+  # Whichever of these this build makes.
+  set(HALVORA_MODULES)
+  set(HALVORA_PROGRAMS)
+  foreach(target web_components publisher halvora)
+    if(TARGET ${target})
+      install(TARGETS ${target} RUNTIME DESTINATION . LIBRARY DESTINATION .)
+      add_dependencies(installed ${target})
+      get_target_property(type ${target} TYPE)
+      get_target_property(name ${target} OUTPUT_NAME)
+      if(type STREQUAL EXECUTABLE)
+        string(APPEND HALVORA_PROGRAMS " ${target}.exe")
+      else()
+        string(APPEND HALVORA_MODULES " ${name}.dll")
+      endif()
+    endif()
+  endforeach()
+  foreach(text install.cmd uninstall.cmd ReadMe.txt)
+    configure_file("${in}/windows/${text}" "${out}/${text}" @ONLY NEWLINE_STYLE CRLF)
+    install(FILES "${out}/${text}" DESTINATION .)
+  endforeach()
+  set(licences Licences)
+  configure_file("${in}/windows/Halvora.txt" "${out}/Halvora.txt" @ONLY NEWLINE_STYLE CRLF)
+  install(FILES "${out}/Halvora.txt" DESTINATION "${licences}")
+  # Linked into every module: the C runtime's startup code and winpthreads, libgcc and libstdc++.
+  licence_text(mingw-w64-common mingw-w64)
+  licence_text(gcc-mingw-w64-base gcc)
+  install(FILES /usr/share/common-licenses/GPL-3 DESTINATION "${licences}" RENAME GPL-3.txt)
+  if(TARGET halvora)
+    licence_text(libcli11-dev CLI11)
+  endif()
+
+  set(CPACK_GENERATOR ZIP)
+  set(CPACK_PACKAGE_FILE_NAME "Halvora.Publishing.Plugin.Flickr-${PROJECT_VERSION}-x64")
+endif()
+include(CPack)

@@ -1,0 +1,49 @@
+@echo off
+rem Removes what install.cmd installed for the current user. The settings stay. /quiet: don't wait for
+rem a key at the end.
+setlocal EnableExtensions DisableDelayedExpansion
+set "quiet=%~1"
+set "target=%LOCALAPPDATA%\Halvora\Publish to Flickr"
+set "system=%SystemRoot%\System32"
+if defined PROCESSOR_ARCHITEW6432 set "system=%SystemRoot%\Sysnative"
+set failed=
+
+if not exist "%target%" (
+    echo Halvora Publish to Flickr is not installed for this user.
+    if /i not "%quiet%"=="/quiet" pause
+    exit /b 0
+)
+for %%M in (@HALVORA_MODULES@) do call :unregister %%M
+for %%F in (@HALVORA_MODULES@@HALVORA_PROGRAMS@ ReadMe.txt) do call :remove %%F
+if defined failed (
+    echo Is Halvora still open? Close it and start uninstall.cmd again.
+    echo Halvora Publish to Flickr is NOT removed.
+    if /i not "%quiet%"=="/quiet" pause
+    exit /b 1
+)
+echo Halvora Publish to Flickr is removed; its settings stay.
+if /i not "%quiet%"=="/quiet" pause
+
+rem No folder is removed in which somebody is. The last line is read before this file, which may lie in
+rem the folder, goes.
+cd /d "%SystemRoot%"
+(
+    rmdir /s /q "%target%"
+    rmdir "%LOCALAPPDATA%\Halvora" 2>nul
+    exit /b 0
+)
+
+:unregister
+if not exist "%target%\%1" goto :eof
+"%system%\regsvr32.exe" /s /u /n /i:user "%target%\%1"
+if errorlevel 1 echo Windows can't take back the registration of %1.
+goto :eof
+
+:remove
+if not exist "%target%\%1" goto :eof
+del /f /q "%target%\%1" 2>nul
+if exist "%target%\%1" (
+    echo "%target%\%1" can't be deleted.
+    set failed=yes
+)
+goto :eof

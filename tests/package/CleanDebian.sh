@@ -1,0 +1,32 @@
+#!/usr/bin/env bash
+# The Debian package on a machine that has never seen it: CleanDebian.sh PACKAGE
+# A minimal Debian 12 comes from the mirror into a folder that goes when the trial ends; apt installs the
+# package there, a user publishes, and apt takes it away. Takes minutes; as root.
+set -euo pipefail
+here=$(cd "$(dirname "$0")" && pwd)
+package=$(readlink -f "$1")
+picture=/usr/share/backgrounds/mate/nature/Dune.jpg
+trial=$(mktemp -d)
+trap 'rm -rf "$trial"' EXIT
+cp "$package" "$trial/halvora.deb"
+cp "$here/InstalledRoad.sh" "$trial/InstalledRoad.sh"
+cp "$picture" "$trial/picture.jpg"
+cat >"$trial/try.sh" <<'TRY'
+set -eu
+export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8
+find /usr /etc /var/lib/halvora 2>/dev/null | sort >/trial/before || true
+apt-get install -y -q -o APT::Install-Recommends=true /trial/halvora.deb >/trial/apt.log 2>&1 || { cat /trial/apt.log; exit 1; }
+for needed in xdg-open proxy; do command -v $needed >/dev/null || { echo "FAILED: no $needed came along"; exit 1; }; done
+useradd --create-home person
+su person -c 'bash /trial/InstalledRoad.sh /usr/bin /trial/picture.jpg'
+[ ! -e /home/person/.local ] || { echo 'FAILED: something was written beside the profile'; exit 1; }
+apt-get purge -y -q halvora >/dev/null
+! find / -xdev -path /trial -prune -o -path /proc -prune -o -path '*halvora*' -print | grep -v '^/trial$' |
+    grep . || { echo 'FAILED: something stays behind'; exit 1; }
+echo 'Installed, used and removed.'
+TRY
+chmod -R a+rX "$trial"
+mmdebstrap --quiet --mode=auto --variant=apt --format=null \
+    --customize-hook="mkdir \"\$1/trial\" && cp \"$trial\"/* \"\$1/trial\"" \
+    --customize-hook='chroot "$1" sh /trial/try.sh >&2' \
+    bookworm - ${HALVORA_DEBIAN_MIRROR:+"$HALVORA_DEBIAN_MIRROR"}
