@@ -9,6 +9,7 @@
 
 #include "core/Hresult.h"
 
+#include <malloc.h>
 #include <objbase.h>
 
 #include <clocale>
@@ -61,6 +62,9 @@ ExitCode Run(const CommandLine &line)
 
 int main(int argc, char **argv)
 {
+    // Decoding runs in many short-lived threads. With a heap for each of them, a run over large pictures holds
+    // half as much memory again, and is no faster.
+    mallopt(M_ARENA_MAX, 2);
     std::setlocale(LC_CTYPE, "");
     // A reader that went away is no reason to leave a run half done.
     std::signal(SIGPIPE, SIG_IGN);
