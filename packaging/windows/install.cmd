@@ -16,8 +16,9 @@ if /i "%PROCESSOR_ARCHITECTURE%"=="x86" if not defined PROCESSOR_ARCHITEW6432 (
     echo This is for 64-bit Windows; this Windows is a 32-bit one.
     goto failure
 )
-for %%F in (@HALVORA_MODULES@@HALVORA_PROGRAMS@ uninstall.cmd ReadMe.txt) do if not exist "%source%%%F" (
-    echo %%F is missing. Unpack the whole zip, with "Extract All...", and start install.cmd there.
+for %%F in (@HALVORA_MODULES@@HALVORA_PROGRAMS@ uninstall.cmd ReadMe.txt) do call :find %%F
+if defined failed (
+    echo Unpack the whole zip, with "Extract All...", and start install.cmd there.
     goto failure
 )
 
@@ -40,6 +41,13 @@ echo "%target%"
 echo Start Halvora; it offers to publish to Flickr.
 if /i not "%quiet%"=="/quiet" pause
 exit /b 0
+
+:find
+if not exist "%source%%1" (
+    echo %1 is missing.
+    set failed=yes
+)
+goto :eof
 
 :place
 copy /y "%source%%1" "%target%\%1" >nul

@@ -24,14 +24,18 @@ if defined failed (
 echo Halvora Publish to Flickr is removed; its settings stay.
 if /i not "%quiet%"=="/quiet" pause
 
-rem No folder is removed in which somebody is. The last line is read before this file, which may lie in
-rem the folder, goes.
-cd /d "%SystemRoot%"
-(
+if /i not "%~dp0"=="%target%\" (
     rmdir /s /q "%target%"
     rmdir "%LOCALAPPDATA%\Halvora" 2>nul
     exit /b 0
 )
+rem This file lies in the folder that goes. A goto to nowhere ends it for cmd, which then reads nothing
+rem of it any more and does the rest of the line; no folder can go in which somebody is.
+(goto) 2>nul & cd /d "%SystemRoot%" & rmdir /s /q "%target%" & rmdir "%LOCALAPPDATA%\Halvora" 2>nul & cmd /c exit 0
+rem Wine's cmd, which keeps its scripts open, comes here.
+cd /d "%SystemRoot%"
+rmdir /s /q "%target%"
+exit /b 0
 
 :unregister
 if not exist "%target%\%1" goto :eof

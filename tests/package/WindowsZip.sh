@@ -1,0 +1,123 @@
+#!/usr/bin/env bash
+# The zip for Windows, as a user does with it: WindowsZip.sh ZIP
+# Unpacked, installed, installed again, removed, in a new Windows of Wine's that goes when the trial ends;
+# in folders with every kind of name; and what is said when it can't be done.
+set -euo pipefail
+here=$(cd "$(dirname "$0")" && pwd)
+zip=$(readlink -f "$1")
+work=$(mktemp -d)
+export HALVORA_WINEPREFIX=$work/wine LC_ALL=C.UTF-8
+finish() {
+    WINEPREFIX=$HALVORA_WINEPREFIX wineserver -k 2>/dev/null || true
+    WINEPREFIX=$HALVORA_WINEPREFIX wineserver -w 2>/dev/null || true
+    rm -rf "$work"
+}
+trap finish EXIT
+fail() { printf 'FAILED: %s\n' "$1" >&2; [ ! -f "$work/out" ] || cat "$work/out" >&2; exit 1; }
+windows() { "$here/../../tools/run-wine" "$@" </dev/null 2>/dev/null; }
+says() { grep -qF -- "$1" "$work/out" || fail "nothing said of: $1"; }
+
+# Every program needs what each Windows has, and nothing else; texts are made for Windows' editors.
+unpacked="$work/Entpackt für 写真 (neu)"
+unzip -q "$zip" -d "$unpacked"
+[ "$(ls "$unpacked")" = "$(basename "$zip" .zip)" ] || fail 'the zip unpacks into more than one folder of its own name'
+unpacked="$unpacked/$(basename "$zip" .zip)"
+modules=()
+for file in "$unpacked"/*; do
+    name=${file##*/}
+    case $name in
+    *.dll | *.exe)
+        ! x86_64-w64-mingw32-objdump -p "$file" | grep -i 'DLL Name: lib' || fail "$name needs a library of the compiler"
+        ! x86_64-w64-mingw32-objdump -h "$file" | grep '\.debug_' || fail "$name is not stripped"
+        case $name in *.dll) modules+=("$name") ;; esac
+        ;;
+    *.cmd | *.txt)
+        [ "$(grep -c $'\r$' "$file")" = "$(wc -l <"$file")" ] || fail "$name has line ends of Unix"
+        ! LC_ALL=C grep -q '[^ -~[:cntrl:]]' "$file" || fail "$name has letters that depend on the code page"
+        ;;
+    Licences) for text in Halvora mingw-w64 gcc GPL-3; do [ -s "$file/$text.txt" ] || fail "the text $text is missing"; done ;;
+    *) fail "$name should not be there" ;;
+    esac
+done
+[[ " ${modules[*]} " = *' Halvora.Publishing.Plugin.Flickr.dll '* ]] || fail 'the plug-in is missing'
+grep -q 'Runtime Library Exception' "$unpacked/Licences/gcc.txt" || fail 'the exception of the GCC runtime is missing'
+
+# What the user's and the machine's registry hold; the containers of all classes are there before.
+for container in AppID CLSID TypeLib Interface; do windows reg add "HKCU\\Software\\Classes\\$container" /f >/dev/null; done
+settings='HKCU\SOFTWARE\TRNQ\Halvora\Trial'
+windows reg add "$settings" /v Kept /t REG_SZ /d yes /f >/dev/null
+registry() {
+    rm -f "$work"/{user,machine}.reg
+    windows regedit /E "Z:${work//\//\\}\\user.reg" 'HKEY_CURRENT_USER\Software'
+    windows regedit /E "Z:${work//\//\\}\\machine.reg" 'HKEY_LOCAL_MACHINE\Software\Classes'
+    # Wine registers type libraries for the whole machine, whomever they are for; that is no fault of ours.
+    for part in user machine; do iconv -f UTF-16 -t UTF-8 "$work/$part.reg" | tr -d '\r'; done |
+        awk -v RS= -v ORS='\n\n' -v rest="$work/by-wine" 'BEGIN { printf "" >rest }
+            tolower($1) ~ /^\[hkey_local.*\\(typelib|interface)\\/ { print >rest; next } { print }'
+}
+registry >"$work/before"
+grep -q '"Kept"="yes"' "$work/before" || fail 'the registry is not read'
+
+machine() { sed -n '/^\[HKEY_LOCAL/,$p' "$work/$1"; }
+
+# run FOLDER SCRIPT CODE: runs SCRIPT in FOLDER as the user whose programs lie in $local
+run() {
+    local code=0
+    (cd "$1" && windows cmd /c "set LOCALAPPDATA=$local&& $2 /quiet") | tr -d '\r' >"$work/out" || code=$?
+    [ $code -eq "$3" ] || fail "$2 in $1: exit code $code, not $3"
+}
+nothing_left() {
+    [ ! -e "$home/Halvora" ] || fail "left: $(find "$home/Halvora")"
+    registry >"$work/after"
+    diff "$work/before" "$work/after" >&2 || fail 'the registry is not what it was'
+}
+
+for local in 'C:\users\jo\AppData\Local' 'C:\users\Zoë 写真 (neu)\Local'; do
+    home=$HALVORA_WINEPREFIX/drive_c${local#C:}
+    home=${home//\\//}
+    mkdir -p "$home"
+    run "$unpacked" uninstall.cmd 0
+    says 'is not installed'
+    for _ in once again; do
+        run "$unpacked" install.cmd 0
+        # In a pipe the user's name has the letters of a code page.
+        says '\Local\Halvora\Publish to Flickr"'
+        registry >"$work/installed"
+        for file in "$unpacked"/*.dll "$unpacked"/*.exe; do
+            [ ! -f "$file" ] || cmp -s "$file" "$home/Halvora/Publish to Flickr/${file##*/}" || fail "${file##*/} is not in place"
+        done
+        for module in "${modules[@]}"; do
+            grep -qF "@=\"${local//\\/\\\\}\\\\Halvora\\\\Publish to Flickr\\\\$module\"" "$work/installed" ||
+                fail "$module is not registered where it lies"
+        done
+        diff <(machine before) <(machine installed) >&2 || fail 'something is registered for the whole machine'
+        grep -qi 'typelib\\{20FB81F4' "$work/by-wine" || fail 'Wine keeps the type library to the user now: the allowance can go'
+    done
+    run "$unpacked" uninstall.cmd 0
+    nothing_left
+done
+
+# From the folder that goes. Wine, unlike Windows, keeps a running script open, and so its folder.
+run "$unpacked" install.cmd 0
+run "$home/Halvora/Publish to Flickr" uninstall.cmd 0
+[ -z "$(find "$home/Halvora" -type f)" ] || fail "left: $(find "$home/Halvora")"
+rm -rf "$home/Halvora"
+nothing_left
+
+# What can't be done is said, and leaves nothing behind.
+spoilt="$work/spoilt"
+for fault in missing damaged; do
+    rm -rf "$spoilt"
+    cp -r "$unpacked" "$spoilt"
+    plugin=$spoilt/Halvora.Publishing.Plugin.Flickr.dll
+    if [ $fault = missing ]; then rm "$plugin"; else truncate -s 40000 "$plugin"; fi
+    run "$spoilt" install.cmd 1
+    says 'NOT installed'
+    if [ $fault = missing ]; then says 'Unpack the whole zip'; else says "can't register Halvora.Publishing.Plugin.Flickr.dll"; fi
+    nothing_left
+done
+local='Q:\nowhere'
+run "$unpacked" install.cmd 1
+says "can't be written"
+nothing_left
+echo 'The zip installs and leaves nothing behind.'
