@@ -29,10 +29,11 @@ void DescribeOthers(CLI::App &app, CommandLine &line)
 
     app.add_subcommand("status", "Tell what state the plug-in is in and what the next publish will do");
 
-    CLI::App *const settings = app.add_subcommand("settings", "List the settings, or change some");
+    CLI::App *const settings = app.add_subcommand("settings", "Show the settings in a sheet, list them, or change some");
     settings->add_option("NAME=VALUE", line.assignments,
                          "Changes to store; NAME= alone goes back to the default. Nothing is stored unless "
-                         "every change is right.");
+                         "every change is right. Without changes: before a terminal a sheet to look at and "
+                         "edit the settings, which can also show and forget the account; elsewhere their list.");
 
     CLI::App *const account = app.add_subcommand("account", "Show the account, or set its access token");
     account

@@ -51,7 +51,8 @@ ExitCode Run(const CommandLine &line)
     case Command::Status:
         return RunStatusCommand(profile);
     case Command::Settings:
-        return RunSettingsCommand(line);
+        return line.assignments.empty() && IsPersonAtTerminal() ? RunSheetCommand(profile)
+                                                                : RunSettingsCommand(line);
     case Command::Authorize:
         return RunAuthorizeCommand(profile);
     default:

@@ -10,6 +10,9 @@
 // nothing live on a "dumb" terminal or without one. The program's locale must be set.
 DisplayOptions DetectDisplay();
 
+// Whether standard input and output are a terminal that can show more than lines.
+bool IsPersonAtTerminal();
+
 // Columns of the terminal; 80 if it doesn't tell.
 size_t TerminalColumns();
 

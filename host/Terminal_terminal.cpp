@@ -19,6 +19,11 @@ DisplayOptions DetectDisplay()
     return options;
 }
 
+bool IsPersonAtTerminal()
+{
+    return ::isatty(STDIN_FILENO) && DetectDisplay().live;
+}
+
 size_t TerminalColumns()
 {
     winsize size = {};

@@ -1,6 +1,9 @@
 #include "settings/SettingsSheet.h"
 
-SheetOutcome ShowSettingsSheet(HWND, SheetAccount &)
+#include "settings/TerminalSheet.h"
+
+SheetOutcome ShowSettingsSheet(HWND parent, SheetAccount &account)
 {
-    return {};
+    const auto screen = OpenTerminalScreen();
+    return screen ? RunTerminalSheet(*screen, parent, account, SystemPause) : SheetOutcome{};
 }

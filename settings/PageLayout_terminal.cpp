@@ -1,0 +1,83 @@
+#include "settings/PageLayout.h"
+
+#include "settings/CellText.h"
+
+#include <algorithm>
+
+namespace
+{
+// In dialog units.
+constexpr int unitsOfCell = 4;
+constexpr int pageMargin = 7;
+constexpr int smallestGroupGap = 5;
+
+// The height in a template is that of the open list.
+constexpr int closedComboBoxHeight = 12;
+
+constexpr int fewestEditLines = 4;
+constexpr int narrowestRoom = 8;
+
+int HeightInUnits(const TemplateControl &control)
+{
+    return control.Kind == ControlKind::ComboBox ? closedComboBoxHeight : control.Place.Height;
+}
+
+// An empty row lies before a control that the template sets apart. A rule is the parting itself.
+bool IsSetApart(const TemplateControl &before, const TemplateControl &control)
+{
+    return before.Kind != ControlKind::Rule && control.Kind != ControlKind::Rule &&
+           control.Place.Top - before.Place.Top - HeightInUnits(before) >= smallestGroupGap;
+}
+
+int CellsBeforeText(ControlKind kind)
+{
+    return kind == ControlKind::CheckBox || kind == ControlKind::RadioButton ? MarkCells : 0;
+}
+
+ControlPlace PlaceOf(const TemplateControl &control, const WideText &text, int columns)
+{
+    ControlPlace place{};
+    place.Column = std::min(std::max(control.Place.Left - pageMargin, 0) / unitsOfCell,
+                            std::max(columns - narrowestRoom, 0));
+    place.Width = std::max(columns - place.Column, 1);
+    place.Height = 1;
+    switch (control.Kind)
+    {
+    case ControlKind::Rule:
+        break;
+    case ControlKind::ComboBox:
+        place.Width = std::min(place.Width, control.Place.Width / unitsOfCell);
+        break;
+    case ControlKind::Edit:
+        place.Lines = WrapToCells(text, static_cast<size_t>(std::max(place.Width - 4, 1)));
+        place.Height = std::max(static_cast<int>(place.Lines.size()), fewestEditLines) + 2;
+        break;
+    default:
+        place.Lines =
+            WrapToCells(text, static_cast<size_t>(std::max(place.Width - CellsBeforeText(control.Kind), 1)));
+        place.Height = static_cast<int>(place.Lines.size());
+        break;
+    }
+    return place;
+}
+} // namespace
+
+std::vector<ControlPlace> LayOutPage(const std::vector<TemplateControl> &controls,
+                                     const std::vector<WideText> &texts, int columns)
+{
+    std::vector<ControlPlace> places;
+    int row = 0;
+    for (size_t i = 0; i < controls.size(); ++i)
+    {
+        row += i > 0 && IsSetApart(controls[i - 1], controls[i]) ? 1 : 0;
+        places.push_back(PlaceOf(controls[i], texts[i], columns));
+        places.back().Row = row;
+        row += places.back().Height;
+    }
+    return places;
+}
+
+int RowsOf(const std::vector<ControlPlace> &places)
+{
+    return places.empty() ? 0 : places.back().Row + places.back().Height;
+}
