@@ -183,23 +183,21 @@ TEST_F(PictureDecoding, AnAnimationGivesItsFirstPicture)
 
 TEST_F(PictureDecoding, ACamerasRawFileIsDeveloped)
 {
-    const fs::path file = m_folder.Path() / "sample.dng";
-    MakeDng(file, 240, 160, 1);
-    const DecodedPicture whole = DecodePicture(file, 0, nullptr);
+    const std::string sample = MakeDng(240, 160, 1);
+    const DecodedPicture whole = DecodePicture(m_folder.Write("sample.dng", sample), 0, nullptr);
     EXPECT_EQ(whole.width, 240u);
     EXPECT_EQ(whole.height, 160u);
     ExpectQuarters(whole, {RED, GREEN, BLUE, WHITE}, 40);
 
     // Turned clockwise by a quarter, and at half its size or less.
-    MakeDng(file, 240, 160, 6);
-    const DecodedPicture turned = DecodePicture(file, 60, nullptr);
+    const fs::path upright = m_folder.Write("turned.dng", MakeDng(240, 160, 6));
+    const DecodedPicture turned = DecodePicture(upright, 60, nullptr);
     EXPECT_EQ(turned.width, 40u);
     EXPECT_EQ(turned.height, 60u);
     ExpectQuarters(turned, {BLUE, RED, WHITE, GREEN}, 40);
 
-    std::string cut = m_folder.Read("sample.dng");
-    cut.resize(cut.size() / 2);
-    EXPECT_EQ(FailureOf(m_folder.Write("cut.dng", cut)).first, WINCODEC_ERR_BADIMAGE);
+    const fs::path cut = m_folder.Write("cut.dng", sample.substr(0, sample.size() / 2));
+    EXPECT_EQ(FailureOf(cut).first, WINCODEC_ERR_BADIMAGE);
 }
 
 TEST_F(PictureDecoding, HeifIsReadWhereTheLibraryCan)

@@ -1,9 +1,7 @@
 #include "tests/host/SampleDng.h"
 
 #include <cstdint>
-#include <fstream>
 #include <map>
-#include <string>
 #include <vector>
 
 namespace
@@ -122,7 +120,7 @@ std::string Mosaic(unsigned width, unsigned height)
 }
 } // namespace
 
-void MakeDng(const std::filesystem::path &file, unsigned width, unsigned height, unsigned short orientation)
+std::string MakeDng(unsigned width, unsigned height, unsigned short orientation)
 {
     Directory gps;
     gps.Text(1, "N");
@@ -157,6 +155,5 @@ void MakeDng(const std::filesystem::path &file, unsigned width, unsigned height,
     const uint32_t gpsAt = mainAt + main.Size();
     main.SetLong(34853, gpsAt);
     main.SetLong(273, gpsAt + gps.Size());
-    std::ofstream(file, std::ios::binary) << "II" << Little(42, 2) << Little(mainAt, 4) << main.At(mainAt)
-                                          << gps.At(gpsAt) << Mosaic(width, height);
+    return "II" + Little(42, 2) + Little(mainAt, 4) + main.At(mainAt) + gps.At(gpsAt) + Mosaic(width, height);
 }

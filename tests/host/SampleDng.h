@@ -1,8 +1,8 @@
 // A raw file as a camera writes it, in Adobe's open format: uncompressed, one mosaic of red, green and blue.
 #pragma once
 
-#include <filesystem>
+#include <string>
 
 // Four quarters: red, green above, blue, white below. The sensor's colours are sRGB's. orientation is
 // EXIF's, and a position in the GPS directory says 59 degrees north.
-void MakeDng(const std::filesystem::path &file, unsigned width, unsigned height, unsigned short orientation);
+std::string MakeDng(unsigned width, unsigned height, unsigned short orientation);

@@ -1,5 +1,6 @@
 #include "tests/privacy/MarkedPicture.h"
 
+#include "tests/host/SampleDng.h"
 #include "tests/platform/windowscodecs_jpeg/SamplePictures.h"
 #include "tests/privacy/MarkedValues.h"
 
@@ -225,31 +226,65 @@ std::string Written(Exiv2::Image &image)
     }
     return file;
 }
+
+std::string MakePlainPicture(Contents contents)
+{
+    switch (contents)
+    {
+    case Contents::Tiff:
+        return MakePlainTiff();
+    case Contents::WebP:
+        // One pixel, coded without loss.
+        return "RIFF\x1A\0\0\0WEBPVP8L\x0D\0\0\0\x2F\0\0\0\x10\x07\x10\x11\x11\x88\x88\xFE\x07\0"s;
+    case Contents::Raw:
+        return MakeDng(64, 48, 1);
+    default:
+        return AsString(MakeJpeg({.SeveralScans = true}));
+    }
+}
 } // namespace
+
+const char *ExtensionOf(Contents contents)
+{
+    switch (contents)
+    {
+    case Contents::Tiff:
+        return ".tif";
+    case Contents::WebP:
+        return ".webp";
+    case Contents::Raw:
+        return ".dng";
+    default:
+        return ".jpg";
+    }
+}
 
 std::string MakeMarkedPicture(Contents contents)
 {
-    const bool isTiff = contents == Contents::Tiff;
-    const std::string plain = isTiff ? MakePlainTiff() : AsString(MakeJpeg({.SeveralScans = true}));
+    const bool isJpeg = contents == Contents::JpegWithEverything || contents == Contents::JpegWithExifAlone;
+    const std::string plain = MakePlainPicture(contents);
     const auto image = Exiv2::ImageFactory::open(reinterpret_cast<const Exiv2::byte *>(plain.data()),
                                                  static_cast<long>(plain.size()));
     image->readMetadata();
-    AddExif(image->exifData(), isTiff ? std::string() : Thumbnail());
+    AddExif(image->exifData(), isJpeg ? Thumbnail() : std::string());
     if (contents == Contents::JpegWithExifAlone)
     {
         image->setByteOrder(Exiv2::bigEndian);
         return Written(*image);
     }
-    for (const MarkedPlace &place : IptcPlaces())
+    if (contents != Contents::WebP)
     {
-        image->iptcData()[place.key] = std::string(place.value);
+        for (const MarkedPlace &place : IptcPlaces())
+        {
+            image->iptcData()[place.key] = std::string(place.value);
+        }
     }
     for (const MarkedPlace &place : XmpPlaces())
     {
         image->xmpData()[place.key] = std::string(place.value);
     }
     image->xmpData()["Xmp.xmp.Rating"] = std::string("4");
-    if (isTiff)
+    if (!isJpeg)
     {
         return Written(*image);
     }

@@ -7,7 +7,11 @@ enum class Contents
 {
     JpegWithEverything,
     JpegWithExifAlone,  // as a camera writes it, in its own byte order
-    Tiff                // EXIF, IPTC and XMP
+    Tiff,               // EXIF, IPTC and XMP
+    WebP,               // EXIF and XMP
+    Raw                 // as TIFF, a camera's DNG
 };
 
+// With its dot, as the file is named.
+const char *ExtensionOf(Contents contents);
 std::string MakeMarkedPicture(Contents contents);

@@ -128,7 +128,7 @@ protected:
     {
         Source = contents;
         Marked = MakeMarkedPicture(contents);
-        Path = Folder.Write(contents == Contents::Tiff ? "p.tif" : "p.jpg", Marked);
+        Path = Folder.Write(std::string("p") + ExtensionOf(contents), Marked);
     }
 
     // The picture as it would be sent; empty after a failure, which fails the test.
@@ -314,8 +314,10 @@ TEST_F(PrivacyMatrix, IntactPixelsWithoutBlocksAfterAFailure)
 
 TEST_F(PrivacyMatrix, ProcessedPixels)
 {
-    for (const Contents contents : {Contents::JpegWithEverything, Contents::JpegWithExifAlone, Contents::Tiff})
+    for (const Contents contents : {Contents::JpegWithEverything, Contents::JpegWithExifAlone, Contents::Tiff,
+                                    Contents::WebP, Contents::Raw})
     {
+        SCOPED_TRACE(ExtensionOf(contents));
         UsePicture(contents);
         SendEveryChoice(SendProcessed, FirstWriting::Succeeds);
     }
