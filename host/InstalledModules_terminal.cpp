@@ -22,7 +22,9 @@ struct Module
     const WCHAR *classKey;
 };
 
+// The registrar first: the others' entries are written by it.
 constexpr Module MODULES[] = {
+    {"atl.so", TEXT("CLSID\\{44EC053A-400F-11D0-9DCD-00A0C90391D3}")},
     {"Halvora.Publishing.Plugin.Flickr.so", TEXT("CLSID\\{46519402-3380-4D48-BC76-63FFAA27165C}")},
     {"Halvora.WebComponents.so", TEXT("CLSID\\{5DC9820B-696D-488D-B09C-73CC4D72C85B}")},
     {"msxml.so", TEXT("CLSID\\{2933BF90-7B36-11D2-B20E-00C04F983E60}")},

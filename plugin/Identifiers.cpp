@@ -3,6 +3,7 @@
 
 #include "HVRPublishToFlickr.h"
 #include "HostContract.h"
+#include "RegistrarInterface.h"
 #include "WebComponents.h"
 #include "XmlInterfaces.h"
 

@@ -1,4 +1,4 @@
-// The class entries by which COM finds this module.
+// The entries in the registry by which COM and the host find this module: application, class and type library.
 #pragma once
 
 #include <windows.h>
@@ -9,9 +9,9 @@ enum class RegistrationScope
     User        // HKEY_CURRENT_USER\Software\Classes
 };
 
-// Writes the class, its two ProgIDs and the category under which the host looks for publishers, all
-// pointing at this module's file. What was written stays after a failure.
-HRESULT RegisterClassEntries(RegistrationScope scope) noexcept;
+// Writes all entries, for this module's own file. What was written ahead of a failure stays. The calling
+// thread is in an apartment.
+HRESULT RegisterModule(RegistrationScope scope) noexcept;
 
-// Removes what RegisterClassEntries writes; entries that aren't there are no failure.
-HRESULT UnregisterClassEntries(RegistrationScope scope) noexcept;
+// Removes them. Goes on after a failure and answers the first one; entries that aren't there are none.
+HRESULT UnregisterModule(RegistrationScope scope) noexcept;

@@ -5,6 +5,10 @@
 #define IDB_WAITING 216
 #define IDR_COMMON_CONTROLS_6 2
 
+// Registry scripts, of the type REGISTRY
+#define IDR_APPLICATION_ENTRIES 100
+#define IDR_CLASS_ENTRIES 102
+
 // Task dialogs, of the type TDXML
 #define IDX_AUTHORIZE 202
 #define IDX_COMPLETION 204

@@ -21,6 +21,13 @@ std::map<HKEY, OpenKey> &Table()
     return *table;
 }
 
+// What predefined keys are mapped to in this process.
+std::map<HKEY, OpenKey> &Mappings()
+{
+    static auto *mappings = new std::map<HKEY, OpenKey>;
+    return *mappings;
+}
+
 const KeyPlace *PredefinedPlace(HKEY key)
 {
     struct Predefined
@@ -146,13 +153,35 @@ LSTATUS CloseHandleOf(HKEY key)
     return PredefinedPlace(key) || Table().erase(key) ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
 }
 
+LSTATUS MapPredefinedKey(HKEY key, HKEY target)
+{
+    if (PredefinedPlace(key) == nullptr)
+    {
+        return ERROR_INVALID_HANDLE;
+    }
+    const std::lock_guard guard(tableLock);
+    if (target == nullptr)
+    {
+        Mappings().erase(key);
+        return ERROR_SUCCESS;
+    }
+    const auto found = Table().find(target);
+    if (found == Table().end())
+    {
+        return ERROR_INVALID_HANDLE;
+    }
+    Mappings().insert_or_assign(key, found->second);
+    return ERROR_SUCCESS;
+}
+
 LSTATUS LocateKey(HKEY key, LPCWSTR subkey, REGSAM needed, KeyPlace &place)
 {
-    const KeyPlace *base = PredefinedPlace(key);
     const std::lock_guard guard(tableLock);
+    const auto mapped = Mappings().find(key);
+    const KeyPlace *base = mapped == Mappings().end() ? PredefinedPlace(key) : nullptr;
     if (base == nullptr)
     {
-        const auto found = Table().find(key);
+        const auto found = mapped == Mappings().end() ? Table().find(key) : mapped;
         if (found == Table().end())
         {
             return ERROR_INVALID_HANDLE;

@@ -32,6 +32,10 @@ private:
 HKEY OpenHandle(KeyPlace place, REGSAM access);
 LSTATUS CloseHandleOf(HKEY key);
 
+// Lets the predefined key stand for what the handle target, which isn't a predefined one, was opened for; the
+// handle may be closed afterwards. With null the key is itself again. ERROR_INVALID_HANDLE.
+LSTATUS MapPredefinedKey(HKEY key, HKEY target);
+
 // The place of subkey (may be null) below key. ERROR_INVALID_HANDLE; ERROR_ACCESS_DENIED if the
 // handle lacks one of the rights needed; ERROR_BAD_PATHNAME for a subkey that starts with a
 // backslash; ERROR_INVALID_PARAMETER for a name of more than 255 characters.

@@ -143,6 +143,16 @@ LSTATUS WINAPI RegCreateKeyExW(HKEY key, LPCWSTR subkey, DWORD reserved, LPWSTR,
     });
 }
 
+LSTATUS WINAPI RegOpenCurrentUser(REGSAM access, PHKEY opened)
+{
+    return RegOpenKeyExW(HKEY_CURRENT_USER, nullptr, 0, access, opened);
+}
+
+LSTATUS WINAPI RegOverridePredefKey(HKEY key, HKEY target)
+{
+    return Guarded([&] { return MapPredefinedKey(key, target); });
+}
+
 LSTATUS WINAPI RegCloseKey(HKEY key)
 {
     return CloseHandleOf(key);

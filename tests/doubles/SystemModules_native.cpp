@@ -26,6 +26,7 @@ void RegisterSystemModules()
 {
     UsePrivateRegistryStore();
     static const bool done = [] {
+        RegisterModule("atl.so");
         RegisterModule("msxml.so");
         RegisterModule("windowscodecs.so");
         return true;

@@ -1,0 +1,83 @@
+#include "plugin/RegistryScripts.h"
+
+#include "core/ComPtr.h"
+#include "core/HandleOwner.h"
+#include "core/Hresult.h"
+#include "core/ThisModule.h"
+
+#include "RegistrarInterface.h"
+
+#include <objbase.h>
+
+#include <optional>
+
+namespace
+{
+constexpr const WCHAR *applicationId = TEXT("{BFB39C79-DF27-42C0-8377-1B8ADA033E84}");
+
+void ThrowIfError(LSTATUS status)
+{
+    ThrowIfFailed(HRESULT_FROM_WIN32(static_cast<DWORD>(status)));
+}
+
+// HKEY_CLASSES_ROOT of this process is the user's own classes for as long as this lives.
+class UserClassesMapping
+{
+public:
+    UserClassesMapping()
+    {
+        // A mapping to a predefined key is taken for none, and would let the script write for the machine.
+        RegistryKeyOwner user;
+        ThrowIfError(RegOpenCurrentUser(KEY_READ | KEY_WRITE, user.Put()));
+        RegistryKeyOwner classes;
+        ThrowIfError(RegCreateKeyExW(user.Get(), TEXT("Software\\Classes"), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                                     KEY_READ | KEY_WRITE, nullptr, classes.Put(), nullptr));
+        ThrowIfError(RegOverridePredefKey(HKEY_CLASSES_ROOT, classes.Get()));
+    }
+    ~UserClassesMapping() { RegOverridePredefKey(HKEY_CLASSES_ROOT, nullptr); }
+    UserClassesMapping(const UserClassesMapping &) = delete;
+    UserClassesMapping &operator=(const UserClassesMapping &) = delete;
+};
+
+// Scripts hold the path between single quotes; one in the path is written twice there.
+WideText QuotedPath(const WideText &path)
+{
+    WideText quoted;
+    for (const WCHAR unit : path)
+    {
+        quoted.append(unit == '\'' ? 2 : 1, unit);
+    }
+    return quoted;
+}
+
+using Operation = HRESULT (STDMETHODCALLTYPE IRegistrar::*)(LPCOLESTR file, UINT id, LPCOLESTR type);
+
+HRESULT RunScript(UINT id, RegistrationScope scope, Operation operation) noexcept
+{
+    return AtBoundary([&] {
+        const WideText module = ThisModulePath();
+        // Found while the classes are still the system's.
+        ComPtr<IRegistrar> registrar;
+        ThrowIfFailed(CoCreateInstance(CLSID_Registrar, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IRegistrar),
+                                       registrar.PutVoid()));
+        ThrowIfFailed(registrar->AddReplacement(TEXT("APPID"), applicationId));
+        ThrowIfFailed(registrar->AddReplacement(TEXT("MODULE"), QuotedPath(module).c_str()));
+        std::optional<UserClassesMapping> mapping;
+        if (scope == RegistrationScope::User)
+        {
+            mapping.emplace();
+        }
+        return (registrar.Get()->*operation)(module.c_str(), id, TEXT("REGISTRY"));
+    });
+}
+} // namespace
+
+HRESULT ApplyRegistryScript(UINT id, RegistrationScope scope) noexcept
+{
+    return RunScript(id, scope, &IRegistrar::ResourceRegister);
+}
+
+HRESULT RevertRegistryScript(UINT id, RegistrationScope scope) noexcept
+{
+    return RunScript(id, scope, &IRegistrar::ResourceUnregister);
+}

@@ -1,0 +1,72 @@
+#include "plugin/TypeLibraryRegistration.h"
+
+#include "core/ComPtr.h"
+#include "core/HandleOwner.h"
+#include "core/Hresult.h"
+#include "core/ThisModule.h"
+
+#include "HVRPublishToFlickr.h"
+
+#include <oleauto.h>
+
+namespace
+{
+// Of the type library, as its source gives them.
+constexpr WORD majorVersion = 1;
+constexpr WORD minorVersion = 0;
+constexpr LCID libraryLocale = 0x409;
+constexpr const WCHAR *libraryKey = TEXT("TypeLib\\{20FB81F4-2558-4961-B33E-75C9A90642E9}\\1.0\\409");
+
+using Register = HRESULT WINAPI(ITypeLib *library, LPOLESTR path, LPOLESTR helpFolder);
+using Unregister = HRESULT WINAPI(REFGUID id, WORD major, WORD minor, LCID locale, SYSKIND system);
+
+// Asked for at run time: not every import library knows the functions for one user.
+template <class Function>
+Function *AutomationFunction(const char *name)
+{
+    const HMODULE automation = GetModuleHandleW(TEXT("OLEAUT32.DLL"));
+    const FARPROC function = automation ? GetProcAddress(automation, name) : nullptr;
+    if (function == nullptr)
+    {
+        ThrowHresult(HRESULT_FROM_WIN32(GetLastError()));
+    }
+    return reinterpret_cast<Function *>(reinterpret_cast<void *>(function));
+}
+
+bool IsRegistered(RegistrationScope scope)
+{
+    const bool isUser = scope == RegistrationScope::User;
+    const WideText path = (isUser ? TEXT("Software\\Classes\\") : TEXT("")) + WideText(libraryKey);
+    RegistryKeyOwner key;
+    return RegOpenKeyExW(isUser ? HKEY_CURRENT_USER : HKEY_CLASSES_ROOT, path.c_str(), 0, KEY_READ, key.Put()) !=
+           ERROR_FILE_NOT_FOUND;
+}
+} // namespace
+
+HRESULT RegisterTypeLibrary(RegistrationScope scope) noexcept
+{
+    return AtBoundary([&] {
+        WideText path = ThisModulePath();
+        WideText folder = path.substr(0, path.find_last_of(TEXT("\\/")));
+        ComPtr<ITypeLib> library;
+        ThrowIfFailed(LoadTypeLibEx(path.c_str(), REGKIND_NONE, library.Put()));
+        return scope == RegistrationScope::User
+                   ? AutomationFunction<Register>("RegisterTypeLibForUser")(library.Get(), path.data(), folder.data())
+                   : RegisterTypeLib(library.Get(), path.data(), folder.data());
+    });
+}
+
+HRESULT UnregisterTypeLibrary(RegistrationScope scope) noexcept
+{
+    return AtBoundary([&] {
+        if (!IsRegistered(scope))
+        {
+            return S_OK;
+        }
+        return scope == RegistrationScope::User
+                   ? AutomationFunction<Unregister>("UnRegisterTypeLibForUser")(
+                         LIBID_HVRPublishToFlickrLib, majorVersion, minorVersion, libraryLocale, SYS_WIN64)
+                   : UnRegisterTypeLib(LIBID_HVRPublishToFlickrLib, majorVersion, minorVersion, libraryLocale,
+                                       SYS_WIN64);
+    });
+}
