@@ -1,0 +1,206 @@
+#include "settings/TerminalSheet.h"
+
+#include "account/AccountRecord.h"
+#include "resources/resource.h"
+#include "settings/StoredSettings.h"
+#include "settings/TerminalPage.h"
+#include "tests/doubles/SettingsKey.h"
+#include "tests/settings/GridScreen.h"
+
+#include <gmock/gmock.h>
+
+namespace
+{
+using testing::HasSubstr;
+
+MATCHER_P(Shows, text, "")
+{
+    return arg.find(text) != arg.npos;
+}
+
+class TerminalSheetTest : public testing::Test
+{
+protected:
+    SheetOutcome Run()
+    {
+        SheetAccount shown{account, TEXT("1.0"), TEXT("(c)"), [this] {
+                               atRefresh = screen.Picture();
+                               account.FullName = BstrOwner(TEXT("Ada"));
+                               return refreshResult;
+                           }};
+        return RunTerminalSheet(screen, nullptr, shown, [](DWORD) {});
+    }
+
+    // The sheet remembers its page between openings; each test begins at the first.
+    void TearDown() override
+    {
+        GridScreen other(80, 24);
+        other.PlanClickOn(u"Photos");
+        other.Plan(SheetKey::Escape);
+        SheetAccount shown{account, {}, {}, [] { return E_FAIL; }};
+        RunTerminalSheet(other, nullptr, shown, [](DWORD) {});
+    }
+
+    SettingsKey key;
+    AccountRecord account;
+    GridScreen screen{80, 24};
+    std::u16string atRefresh;
+    HRESULT refreshResult = S_OK;
+};
+
+std::vector<UINT> TabOrder(UINT id, const std::vector<UINT> &disabled = {})
+{
+    GridScreen screen(80, 24);
+    TerminalPage page(ReadPageTemplate(id).value(), screen);
+    for (const UINT control : disabled)
+    {
+        page.Enable(control, false);
+    }
+    std::vector<UINT> order;
+    for (bool is = page.FocusFirst(); is; is = page.FocusNext())
+    {
+        order.push_back(page.Focused());
+    }
+    std::vector<UINT> back;
+    for (bool is = page.FocusLast(); is; is = page.FocusPrevious())
+    {
+        back.insert(back.begin(), page.Focused());
+    }
+    EXPECT_EQ(order, back);
+    return order;
+}
+} // namespace
+
+TEST(TerminalPage, TheTabKeyComesToAGroupOnceAndToNothingDisabled)
+{
+    using testing::ElementsAre;
+    EXPECT_THAT(TabOrder(IDD_PHOTOS), ElementsAre(IDC_WRITE_TITLE, IDC_WRITE_DESCRIPTION, IDC_WRITE_TAGS,
+                                                  IDC_VISIBLE_TO_ANYONE, IDC_ASYNC_UPLOAD));
+    EXPECT_THAT(TabOrder(IDD_OPTIONS), ElementsAre(IDC_SAFETY_SAFE, IDC_CONTENT_PHOTOS, IDC_SEARCH_SHOW));
+    EXPECT_THAT(TabOrder(IDD_JPEG, {IDC_MINIMIZE, IDC_OUTPUT_SIZE, IDC_WRITE_XMP}),
+                ElementsAre(IDC_MODE_AS_IS, IDC_WRITE_COPYRIGHT, IDC_WRITE_EXIF, IDC_WRITE_GPS, IDC_WRITE_IPTC));
+    EXPECT_THAT(TabOrder(IDD_ABOUT), ElementsAre(IDC_ACCOUNT, IDC_REFRESH, IDC_REVOKE));
+}
+
+TEST_F(TerminalSheetTest, SavesThePagesThatWereShownAndNoOthers)
+{
+    key.MarkAll();
+    screen.Plan(SheetKey::NextPage);
+    screen.Plan(SheetKey::Down, 2); // of the safety level
+    screen.Plan(SheetKey::Enter);
+    EXPECT_TRUE(Run().Applied);
+    EXPECT_EQ(key.Written().find("JPEG"), std::string::npos);
+    EXPECT_EQ(key.Written().find("RAW"), std::string::npos);
+    EXPECT_THAT(key.Written(), HasSubstr("SafetyLevel=2"));
+    EXPECT_THAT(key.Written(), HasSubstr("IsPublic=1"));
+}
+
+TEST_F(TerminalSheetTest, CancelledByAnyWayItWritesNothing)
+{
+    for (const SheetKey end : {SheetKey::Escape, SheetKey::Lost})
+    {
+        key.MarkAll();
+        screen.Plan(U" ");
+        screen.Plan(end);
+        EXPECT_FALSE(Run().Applied);
+        EXPECT_EQ(key.Written(), "");
+    }
+    screen.PlanClickOn(u"[ Cancel ]");
+    EXPECT_FALSE(Run().Applied);
+    EXPECT_EQ(key.Written(), "");
+}
+
+TEST_F(TerminalSheetTest, OpensWhereItWasClosed)
+{
+    screen.Plan(SheetKey::PreviousPage);
+    screen.Plan(SheetKey::Escape);
+    Run();
+    screen.Pictures.clear();
+    Run();
+    EXPECT_THAT(screen.Pictures.front(), Shows(u"[About]"));
+}
+
+TEST_F(TerminalSheetTest, RulesFollowTheModeAndTypedTextReplacesTheSize)
+{
+    screen.PlanClickOn(u"JPEG Settings");
+    screen.Plan(SheetKey::Tab);
+    screen.Plan(SheetKey::Tab, 7);
+    screen.Plan(U"800");
+    screen.Plan(SheetKey::Enter);
+    Run();
+    EXPECT_THAT(key.Written(), HasSubstr("JPEGLongDimension=800 px"));
+
+    // Nothing but the mode can be reached when files go up as they are.
+    screen.Plan(SheetKey::Up, 2);
+    screen.Plan(SheetKey::Tab);
+    screen.Plan(SheetKey::Enter);
+    Run();
+    EXPECT_THAT(key.Written(), HasSubstr("JPEGMode=0"));
+    EXPECT_THAT(screen.Focused, Shows(u"OK"));
+}
+
+TEST_F(TerminalSheetTest, TheListOffersSizesAndGivesWayToEscape)
+{
+    screen.PlanClickOn(u"RAW/TIFF");
+    screen.Plan(SheetKey::Tab, 7);
+    screen.Plan(SheetKey::Down);
+    screen.Plan(SheetKey::Down, 3);
+    screen.Plan(SheetKey::Escape);
+    screen.Plan(SheetKey::OpenList);
+    screen.Plan(SheetKey::Down, 2);
+    screen.Plan(SheetKey::Enter);
+    screen.Plan(SheetKey::Enter);
+    EXPECT_TRUE(Run().Applied);
+    EXPECT_THAT(key.Written(), HasSubstr("RAWLongDimension=320 px"));
+}
+
+TEST_F(TerminalSheetTest, RefreshingShowsThatItWaitsAndForgetsImpatientKeys)
+{
+    screen.PlanClickOn(u"About");
+    screen.PlanClickOn(u"Refresh account data");
+    screen.PlanClickOn(u"Revoke");
+    screen.PlanClickOn(u"[   OK   ]");
+    const SheetOutcome outcome = Run();
+    EXPECT_THAT(atRefresh, Shows(u"Please wait..."));
+    EXPECT_EQ(atRefresh.find(u"Name="), atRefresh.npos);
+    EXPECT_EQ(screen.Discards, 1);
+    EXPECT_THAT(screen.Pictures.back(), Shows(u"Name=Ada, "));
+    EXPECT_TRUE(outcome.Applied && outcome.RevokeRequested);
+}
+
+TEST_F(TerminalSheetTest, TheLinkIsThereOnceThePageIsKnown)
+{
+    Run();
+    EXPECT_EQ(screen.Pictures.back().find(u"Homepage"), std::u16string::npos);
+    account.PhotosUrl = BstrOwner(TEXT("https://www.flickr.com/photos/ada/"));
+    Run();
+    EXPECT_THAT(screen.Pictures.back(), Shows(u"Go to your Flickr Homepage"));
+}
+
+TEST_F(TerminalSheetTest, SmallTerminalsScrollToTheFocusAndKeepTabsAndButtons)
+{
+    account.PhotosUrl = BstrOwner(TEXT("https://www.flickr.com/photos/ada/"));
+    for (const auto &[columns, rows] : {std::pair(60, 15), std::pair(40, 12), std::pair(24, 6), std::pair(1, 1)})
+    {
+        screen = GridScreen(columns, rows);
+        for (int page = 0; page < 5; ++page)
+        {
+            screen.Plan(SheetKey::Tab, 12);
+            screen.Plan(SheetKey::PageDown, 3);
+            screen.Plan(SheetKey::NextPage);
+        }
+        Run();
+        for (const std::u16string &picture : screen.Pictures)
+        {
+            if (columns >= 40)
+            {
+                EXPECT_THAT(picture, Shows(u"[ Cancel ]"));
+            }
+        }
+    }
+    screen = GridScreen(40, 12);
+    screen.PlanClickOn(u"Photos");
+    screen.Plan(SheetKey::Tab, 5);
+    Run();
+    EXPECT_THAT(screen.Focused, Shows(u"Use Flickr asynchronous"));
+}
