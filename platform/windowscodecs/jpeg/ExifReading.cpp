@@ -57,6 +57,10 @@ public:
     }
 
 private:
+    // The main directory, EXIF's below it, and that of interoperability below that. A crafted block may
+    // nest thousands of them.
+    static constexpr int MAX_DEPTH = 2;
+
     UINT Get16(UINT at) const noexcept
     {
         return m_block.BigEndian ? m_data[at] << 8 | m_data[at + 1] : m_data[at] | m_data[at + 1] << 8;
@@ -116,11 +120,17 @@ private:
 
     void ReadChild(WORD tag, UINT offset, ExifDirectory &directory)
     {
+        if (m_depth == MAX_DEPTH || directory.Children.count(tag) != 0)
+        {
+            return;
+        }
+        ++m_depth;
         ExifDirectory child;
-        if (directory.Children.count(tag) == 0 && ReadDirectory(offset, child, nullptr) && !child.IsEmpty())
+        if (ReadDirectory(offset, child, nullptr) && !child.IsEmpty())
         {
             directory.Children.emplace(tag, std::move(child));
         }
+        --m_depth;
     }
 
     void ReadThumbnail(UINT at)
@@ -151,6 +161,7 @@ private:
     ExifBlock &m_block;
     UINT m_budget;
     std::vector<UINT> m_seen;
+    int m_depth = 0;
 };
 
 std::optional<ExifBlock> ExifBlock::Read(const Bytes &contents)

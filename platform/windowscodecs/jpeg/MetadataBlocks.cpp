@@ -50,13 +50,18 @@ void MetadataBlocks::Sort(BYTE marker, Bytes contents)
     }
 }
 
-void MetadataBlocks::Load(StreamBytes &source, const JpegStructure &structure)
+void MetadataBlocks::Clear() noexcept
 {
     Exif.reset();
     Xmp.Clear();
     Photoshop.Clear();
     Comments.clear();
     Others.clear();
+}
+
+void MetadataBlocks::Load(StreamBytes &source, const JpegStructure &structure)
+{
+    Clear();
     size_t total = 0;
     for (const SegmentPlace &place : structure.Segments)
     {
@@ -71,6 +76,7 @@ void MetadataBlocks::Load(StreamBytes &source, const JpegStructure &structure)
         total += place.Length;
         if (total > MAX_METADATA_BYTES)
         {
+            Clear();
             ThrowHresult(WINCODEC_ERR_TOOMUCHMETADATA);
         }
         Sort(place.Marker, ReadSegment(source, place));

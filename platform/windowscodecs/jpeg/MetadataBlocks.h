@@ -24,13 +24,14 @@ public:
     std::vector<OutputSegment> Others; // application segments of other kinds, as they are
 
     // Replaces what is there by what the picture holds. A second EXIF block is left out. Throws
-    // WINCODEC_ERR_TOOMUCHMETADATA above 16 MB.
+    // WINCODEC_ERR_TOOMUCHMETADATA above 16 MB, and holds nothing then.
     void Load(StreamBytes &source, const JpegStructure &structure);
 
     // What goes into the file, in the order of the file.
     void AppendSegments(std::vector<OutputSegment> &head) const;
 
 private:
+    void Clear() noexcept;
     void Sort(BYTE marker, Bytes contents);
 };
 

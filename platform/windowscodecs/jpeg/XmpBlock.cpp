@@ -6,6 +6,8 @@
 #include "platform/windowscodecs/jpeg/XmpProperties.h"
 
 #include <map>
+#include <optional>
+#include <utility>
 
 #include <wincodec.h>
 
@@ -29,31 +31,60 @@ std::string MainPacket(const std::vector<Bytes> &segments)
     return {};
 }
 
-// The parts that bear the identifier, in the order of their offsets.
+DWORD BigEndianAt(const Bytes &segment, size_t at)
+{
+    return static_cast<DWORD>(segment[at]) << 24 | segment[at + 1] << 16 | segment[at + 2] << 8 | segment[at + 3];
+}
+
+// The parts that bear the identifier, put together; nothing if they leave gaps, overlap, or make another
+// length than they tell.
 std::string ExtensionPacket(const std::vector<Bytes> &segments, std::string_view identifier)
 {
-    std::map<DWORD, std::string> parts;
+    std::map<DWORD, std::string_view> parts;
+    std::optional<DWORD> length;
     for (const Bytes &segment : segments)
     {
         if (!BeginsWith(segment, EXTENSION_SIGNATURE) || segment.size() < EXTENSION_HEAD)
         {
             continue;
         }
-        const auto *start = reinterpret_cast<const char *>(segment.data());
-        if (std::string_view(start + EXTENSION_SIGNATURE.size(), 32) != identifier)
+        const std::string_view text(reinterpret_cast<const char *>(segment.data()), segment.size());
+        if (text.substr(EXTENSION_SIGNATURE.size(), 32) != identifier)
         {
             continue;
         }
-        const BYTE *at = &segment[EXTENSION_HEAD - 4];
-        const DWORD offset = static_cast<DWORD>(at[0]) << 24 | at[1] << 16 | at[2] << 8 | at[3];
-        parts.emplace(offset, std::string(segment.begin() + EXTENSION_HEAD, segment.end()));
+        const DWORD told = BigEndianAt(segment, EXTENSION_HEAD - 8);
+        const bool isNew = parts.emplace(BigEndianAt(segment, EXTENSION_HEAD - 4), text.substr(EXTENSION_HEAD)).second;
+        if (!isNew || told != length.value_or(told))
+        {
+            return {};
+        }
+        length = told;
     }
     std::string packet;
     for (const auto &[offset, part] : parts)
     {
+        if (offset != packet.size())
+        {
+            return {};
+        }
         packet += part;
     }
-    return packet;
+    return packet.size() == length ? packet : std::string();
+}
+
+void ReadProperties(const std::vector<Bytes> &segments, XmpProperties &properties)
+{
+    if (segments.empty())
+    {
+        return;
+    }
+    properties.Parse(MainPacket(segments));
+    const std::string identifier = properties.TakeExtensionIdentifier();
+    if (!identifier.empty())
+    {
+        properties.Parse(ExtensionPacket(segments, identifier));
+    }
 }
 } // namespace
 
@@ -82,15 +113,7 @@ XmpProperties &XmpBlock::Properties()
     if (!m_properties)
     {
         auto properties = std::make_unique<XmpProperties>();
-        if (!m_segments.empty())
-        {
-            properties->Parse(MainPacket(m_segments));
-            const std::string identifier = properties->TakeExtensionIdentifier();
-            if (!identifier.empty())
-            {
-                properties->Parse(ExtensionPacket(m_segments, identifier));
-            }
-        }
+        ReadProperties(m_segments, *properties);
         m_properties = std::move(properties);
     }
     return *m_properties;
@@ -98,9 +121,14 @@ XmpProperties &XmpBlock::Properties()
 
 void XmpBlock::BeginChange()
 {
-    Properties();
-    m_segments.clear();
+    // The old packets go even where reading them fails.
+    const std::vector<Bytes> segments = std::exchange(m_segments, {});
     m_changed = true;
+    if (!m_properties)
+    {
+        m_properties = std::make_unique<XmpProperties>();
+        ReadProperties(segments, *m_properties);
+    }
 }
 
 std::vector<std::string> XmpBlock::Get(const QueryItem *items, size_t count)

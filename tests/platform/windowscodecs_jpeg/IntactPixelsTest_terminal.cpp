@@ -22,6 +22,8 @@ const Case CASES[] = {
     {"whole units", {.Width = 64, .Height = 48}},
     {"one pixel", {.Width = 1, .Height = 1}},
     {"one column", {.Width = 1, .Height = 200}},
+    {"as wide as can be", {.Width = 65500, .Height = 9}},
+    {"as high as can be", {.Width = 9, .Height = 65500}},
     {"progressive", {.Progressive = true}},
     {"progressive, restarts", {.Progressive = true, .RestartInterval = 3}},
     {"restarts", {.RestartInterval = 2}},

@@ -318,3 +318,97 @@ TEST(ExifBlock, KeepsAMakerNoteWhereItWas)
     EXPECT_EQ("300", tags.at("JFIF:XResolution"));
     EXPECT_EQ(1u, tags.count("IFD1:ThumbnailLength"));
 }
+
+TEST(ExifBlock, NestsNoDeeperThanItsDirectoriesDo)
+{
+    // Each directory holds nothing but the next one, and the last a text.
+    constexpr int depth = 4000;
+    std::string block = "II*";
+    const auto put = [&](unsigned value, int bytes) {
+        for (; bytes > 0; --bytes, value >>= 8)
+        {
+            block += static_cast<char>(value & 0xFF);
+        }
+    };
+    put(0, 1);
+    put(8, 4);
+    for (unsigned i = 0; i < depth; ++i)
+    {
+        put(1, 2); put(0x8769, 2); put(4, 2); put(1, 4); put(static_cast<unsigned>(block.size()) + 4, 4);
+    }
+    put(1, 2); put(271, 2); put(2, 2); put(4, 4); block += "sec"; put(0, 5);
+    Octets result;
+    ASSERT_EQ(S_OK, Rewrite(MakeJpeg({.Markers = {{0xE1, std::string("Exif\0\0", 6) + block}}}), {}, result));
+    EXPECT_FALSE(Holds(result, "sec"));
+    EXPECT_LT(result.size(), 10000u);
+}
+
+TEST(ExtendedXmp, IsReadWholeOrNotAtAll)
+{
+    const std::string identifier = "0123456789ABCDEF0123456789ABCDEF";
+    const auto packet = [](const std::string &properties) {
+        return "<x:xmpmeta xmlns:x='adobe:ns:meta/'><rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'>"
+               "<rdf:Description rdf:about='' xmlns:xmp='http://ns.adobe.com/xap/1.0/' "
+               "xmlns:xmpNote='http://ns.adobe.com/xmp/note/' " + properties + "/></rdf:RDF></x:xmpmeta>";
+    };
+    const std::string main = std::string("http://ns.adobe.com/xap/1.0/\0", 29) +
+                             packet("xmp:Label='near' xmpNote:HasExtendedXMP='" + identifier + "'");
+    const std::string extension = packet("xmp:Nickname='far'");
+    const auto part = [&](size_t offset, size_t length, size_t told) {
+        std::string segment = std::string("http://ns.adobe.com/xmp/extension/\0", 35) + identifier;
+        for (const size_t number : {told, offset})
+        {
+            segment += {static_cast<char>(number >> 24), static_cast<char>(number >> 16),
+                        static_cast<char>(number >> 8), static_cast<char>(number)};
+        }
+        return segment + extension.substr(offset, length);
+    };
+    const size_t all = extension.size();
+    const size_t half = all / 2;
+    const struct
+    {
+        const char *name;
+        std::vector<std::string> parts;
+        bool isRead;
+    } cases[] = {
+        {"whole", {part(0, all, all)}, true},
+        {"in two, the second first", {part(half, all, all), part(0, half, all)}, true},
+        {"a gap", {part(0, half, all), part(half + 1, all, all)}, false},
+        {"an overlap", {part(0, half + 1, all), part(half, all, all)}, false},
+        {"one part twice", {part(0, all, all), part(0, all, all)}, false},
+        {"another length", {part(0, all, all + 1)}, false},
+        {"two lengths", {part(0, half, all), part(half, all, all + 1)}, false},
+        {"no parts", {}, false},
+    };
+    for (const auto &c : cases)
+    {
+        SCOPED_TRACE(c.name);
+        SampleOptions options{.Markers = {{0xE1, main}}};
+        for (const std::string &segment : c.parts)
+        {
+            options.Markers.push_back({0xE1, segment});
+        }
+        Octets result;
+        ASSERT_EQ(S_OK, Rewrite(MakeJpeg(options), {.Edit = [&](IWICMetadataQueryWriter *writer) {
+            EXPECT_EQ(S_OK, writer->GetMetadataByName(TEXT("/xmp/xmp:Label"), nullptr));
+            EXPECT_EQ(c.isRead ? S_OK : WINCODEC_ERR_PROPERTYNOTFOUND,
+                      writer->GetMetadataByName(TEXT("/xmp/xmp:Nickname"), nullptr));
+            EXPECT_EQ(S_OK, writer->RemoveMetadataByName(TEXT("/xmp")));
+        }}, result));
+        EXPECT_FALSE(Holds(result, "near") || Holds(result, "far"));
+    }
+}
+
+TEST(Metadata, OfTwentyMegabytesStaysBehind)
+{
+    SampleOptions options;
+    for (int i = 0; i < 320; ++i)
+    {
+        options.Markers.push_back({0xE5, std::string(65000, 'p')});
+    }
+    const Octets source = MakeJpeg(options);
+    Octets result;
+    ASSERT_EQ(S_OK, Rewrite(source, {}, result));
+    EXPECT_LT(result.size(), 100000u);
+    EXPECT_EQ(DecodeJpeg(source), DecodeJpeg(result));
+}
