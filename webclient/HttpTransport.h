@@ -97,5 +97,5 @@ public:
     virtual HttpReply Exchange(const HttpRequest &request) = 0;
 };
 
-// The transport of the world that this is built for. Connections are shared by the whole process.
+// The transport of the world that this is built for. Connections may be shared by the whole process.
 std::shared_ptr<HttpTransport> CreateTransport(const TransportLimits &limits = {});

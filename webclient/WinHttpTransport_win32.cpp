@@ -1,0 +1,465 @@
+// HTTP over WinHTTP. Every exchange has a connection of its own: on one that was kept WinHTTP repeats a
+// request by itself when the server has left meanwhile, and no picture may go up twice. What is
+// trusted is what Windows trusts, and the proxy is the system's.
+#include "webclient/HttpTransport.h"
+
+#include "core/Hresult.h"
+#include "webclient/Utf8.h"
+#include "webclient/WinHttpRequest_win32.h"
+
+#include <algorithm>
+
+namespace
+{
+using Clock = std::chrono::steady_clock;
+using namespace std::chrono_literals;
+
+// By their numbers: the headers of this compiler don't know them all.
+constexpr DWORD ProtocolTls12 = 0x00000800;
+constexpr DWORD ProtocolTls13 = 0x00002000;
+constexpr DWORD AnswerTimeLimit = 7; // WINHTTP_OPTION_RECEIVE_RESPONSE_TIMEOUT
+
+// Header lines in the form that WinHTTP wants, wiped like the text that they were made of.
+using SecretWideText = std::vector<WCHAR, WipingAllocator<WCHAR>>;
+
+InternetHandle Opened(HINTERNET handle)
+{
+    if (handle == nullptr)
+    {
+        ThrowHresult(HRESULT_FROM_WIN32(GetLastError()));
+    }
+    return InternetHandle(handle);
+}
+
+// A proxy that was set for all programs of the computer goes ahead of the user's settings.
+bool HasComputerProxy()
+{
+    WINHTTP_PROXY_INFO proxy{};
+    if (!WinHttpGetDefaultProxyConfiguration(&proxy))
+    {
+        return false;
+    }
+    GlobalFree(proxy.lpszProxy);
+    GlobalFree(proxy.lpszProxyBypass);
+    return proxy.dwAccessType == WINHTTP_ACCESS_TYPE_NAMED_PROXY;
+}
+
+InternetHandle OpenSession()
+{
+    const auto open = [](DWORD access) {
+        return WinHttpOpen(nullptr, access, WINHTTP_NO_PROXY_NAME, WINHTTP_NO_PROXY_BYPASS, WINHTTP_FLAG_ASYNC);
+    };
+    HINTERNET session = HasComputerProxy() ? nullptr : open(WINHTTP_ACCESS_TYPE_AUTOMATIC_PROXY);
+    if (session == nullptr) // also by Windows 7, which doesn't know the user's settings here
+    {
+        session = open(WINHTTP_ACCESS_TYPE_DEFAULT_PROXY);
+    }
+    InternetHandle opened = Opened(session);
+    WinHttpSetStatusCallback(opened.get(), WinHttpRequest::OnStatus,
+                             WINHTTP_CALLBACK_FLAG_ALL_COMPLETIONS | WINHTTP_CALLBACK_FLAG_HANDLES |
+                                 WINHTTP_CALLBACK_FLAG_SECURE_FAILURE | WINHTTP_CALLBACK_FLAG_RESOLVE_NAME |
+                                 WINHTTP_CALLBACK_FLAG_SEND_REQUEST, 0);
+    DWORD protocols = ProtocolTls12 | ProtocolTls13;
+    if (!WinHttpSetOption(opened.get(), WINHTTP_OPTION_SECURE_PROTOCOLS, &protocols, sizeof(protocols)))
+    {
+        protocols = ProtocolTls12;
+        if (!WinHttpSetOption(opened.get(), WINHTTP_OPTION_SECURE_PROTOCOLS, &protocols, sizeof(protocols)))
+        {
+            ThrowHresult(HRESULT_FROM_WIN32(GetLastError()));
+        }
+    }
+    return opened;
+}
+
+// One request on its way.
+class WinHttpExchange
+{
+public:
+    WinHttpExchange(HINTERNET session, const HttpRequest &request, const TransportLimits &limits)
+        : m_request(request), m_limits(limits), m_connection(Connect(session)), m_http(OpenRequest())
+    {
+        SetPolicy();
+        SetHeaders();
+    }
+
+    HttpReply Run();
+
+private:
+    InternetHandle Connect(HINTERNET session);
+    InternetHandle OpenRequest();
+    void SetPolicy();
+    void SetHeaders();
+    void AddHeader(std::string_view name, std::string_view value);
+
+    void SendHead();
+    bool SendBody();
+    void ReceiveHead();
+    void ReceiveBody();
+
+    WinHttpRequest::Ending Wait();
+    void CheckPatience() const;
+    void Report();
+
+    UINT64 BodyLength() const { return m_request.body != nullptr ? m_request.body->Length() : 0; }
+    DWORD NumberHeader(DWORD query) const;
+    std::string TextHeader(DWORD query) const;
+
+    TransportError ErrorOf(DWORD error);
+    TransportError CertificateError(DWORD error);
+
+    const HttpRequest &m_request;
+    const TransportLimits &m_limits;
+    WideText m_host;
+    WideText m_path;
+    bool m_isSecure = false;
+    InternetHandle m_connection;
+    WinHttpRequest m_http;
+    HttpReply m_reply;
+    UINT64 m_sent = 0;
+    Clock::time_point m_start = Clock::now();
+    Clock::time_point m_lastMove = m_start;
+    std::optional<Clock::time_point> m_allSent;
+    bool m_isConnected = false; // and the head is sent
+    bool m_isAnswering = false;
+};
+
+InternetHandle WinHttpExchange::Connect(HINTERNET session)
+{
+    const WideText url = WideFromUtf8(m_request.url);
+    URL_COMPONENTS parts{};
+    parts.dwStructSize = sizeof(parts);
+    parts.dwHostNameLength = parts.dwUrlPathLength = parts.dwExtraInfoLength = static_cast<DWORD>(-1);
+    if (!WinHttpCrackUrl(url.c_str(), static_cast<DWORD>(url.size()), 0, &parts))
+    {
+        ThrowHresult(HRESULT_FROM_WIN32(GetLastError()));
+    }
+    m_host.assign(parts.lpszHostName, parts.dwHostNameLength);
+    m_path.assign(parts.lpszUrlPath, parts.dwUrlPathLength);
+    m_path.append(parts.lpszExtraInfo, parts.dwExtraInfoLength);
+    m_isSecure = parts.nScheme == INTERNET_SCHEME_HTTPS;
+    return Opened(WinHttpConnect(session, m_host.c_str(), parts.nPort, 0));
+}
+
+InternetHandle WinHttpExchange::OpenRequest()
+{
+    // The address goes as it was signed.
+    const DWORD flags = WINHTTP_FLAG_ESCAPE_DISABLE | WINHTTP_FLAG_ESCAPE_DISABLE_QUERY |
+                        (m_isSecure ? WINHTTP_FLAG_SECURE : 0);
+    return Opened(WinHttpOpenRequest(m_connection.get(), WideFromUtf8(m_request.method).c_str(), m_path.c_str(), nullptr,
+                                     WINHTTP_NO_REFERER, WINHTTP_DEFAULT_ACCEPT_TYPES, flags));
+}
+
+void WinHttpExchange::SetPolicy()
+{
+    DWORD disabled = WINHTTP_DISABLE_COOKIES | WINHTTP_DISABLE_REDIRECTS | WINHTTP_DISABLE_AUTHENTICATION |
+                     WINHTTP_DISABLE_KEEP_ALIVE;
+    if (!WinHttpSetOption(m_http.Get(), WINHTTP_OPTION_DISABLE_FEATURE, &disabled, sizeof(disabled)))
+    {
+        ThrowHresult(HRESULT_FROM_WIN32(GetLastError()));
+    }
+    // Time is kept here, where one limit holds for several of WinHTTP's steps; its own come later.
+    const auto later = [](std::chrono::milliseconds time) { return static_cast<int>((time + 5s).count()); };
+    WinHttpSetTimeouts(m_http.Get(), later(m_limits.connect), later(m_limits.connect), later(m_limits.stall),
+                       later(m_limits.answer));
+    DWORD answer = static_cast<DWORD>(later(m_limits.answer));
+    WinHttpSetOption(m_http.Get(), AnswerTimeLimit, &answer, sizeof(answer));
+}
+
+void WinHttpExchange::AddHeader(std::string_view name, std::string_view value)
+{
+    SecretWideText line;
+    line.reserve(name.size() + value.size() + 2);
+    const auto append = [&line](std::string_view text) {
+        for (const char byte : text)
+        {
+            line.push_back(static_cast<unsigned char>(byte));
+        }
+    };
+    append(name);
+    append(": ");
+    append(value);
+    if (!WinHttpAddRequestHeaders(m_http.Get(), line.data(), static_cast<DWORD>(line.size()),
+                                  WINHTTP_ADDREQ_FLAG_ADD | WINHTTP_ADDREQ_FLAG_REPLACE))
+    {
+        ThrowHresult(HRESULT_FROM_WIN32(GetLastError()));
+    }
+}
+
+void WinHttpExchange::SetHeaders()
+{
+    AddHeader("User-Agent", m_request.userAgent);
+    for (const HttpHeader &header : m_request.headers)
+    {
+        AddHeader(header.name, header.value.View());
+    }
+    if (BodyLength() > MAXDWORD)
+    {
+        AddHeader("Content-Length", std::to_string(BodyLength())); // more than WinHttpSendRequest can say
+    }
+}
+
+void WinHttpExchange::CheckPatience() const
+{
+    const auto now = Clock::now();
+    if (!m_isConnected)
+    {
+        if (now - m_start > m_limits.connect)
+        {
+            throw TransportError{TransportProblem::ConnectTimedOut};
+        }
+        return;
+    }
+    if (m_allSent && now - *m_allSent > m_limits.answer)
+    {
+        throw TransportError{TransportProblem::AnswerMissing};
+    }
+    if ((!m_allSent || m_isAnswering) && now - m_lastMove > m_limits.stall)
+    {
+        throw TransportError{m_allSent ? TransportProblem::AnswerMissing : TransportProblem::SendStalled};
+    }
+}
+
+void WinHttpExchange::Report()
+{
+    const HRESULT answer = m_request.body != nullptr ? m_request.body->Report(m_sent) : S_OK;
+    if (FAILED(answer))
+    {
+        throw TransportError{TransportProblem::EndedByCaller, answer};
+    }
+}
+
+WinHttpRequest::Ending WinHttpExchange::Wait()
+{
+    for (;;)
+    {
+        if (const auto ending = m_http.WaitFor(200ms))
+        {
+            m_lastMove = Clock::now();
+            return *ending;
+        }
+        CheckPatience();
+        Report();
+    }
+}
+
+void WinHttpExchange::SendHead()
+{
+    Report();
+    m_http.Send(BodyLength() > MAXDWORD ? WINHTTP_IGNORE_REQUEST_TOTAL_LENGTH : static_cast<DWORD>(BodyLength()));
+    if (const DWORD error = Wait().error)
+    {
+        throw ErrorOf(error);
+    }
+    m_isConnected = true;
+}
+
+// False if the connection was lost on the way.
+bool WinHttpExchange::SendBody()
+{
+    const UINT64 length = BodyLength();
+    while (m_sent < length)
+    {
+        ULONG read = 0;
+        const auto most = static_cast<ULONG>(std::min<UINT64>(length - m_sent, WinHttpRequest::BufferSize));
+        const HRESULT result = m_request.body->Read(m_http.Buffer(), most, &read);
+        if (FAILED(result))
+        {
+            throw TransportError{TransportProblem::BodyUnreadable, result};
+        }
+        for (ULONG written = 0; written < read;)
+        {
+            m_http.Write(written, read - written);
+            const WinHttpRequest::Ending ending = Wait();
+            if (ending.error != 0 || ending.bytes == 0)
+            {
+                return false;
+            }
+            written += ending.bytes;
+            m_sent += ending.bytes;
+        }
+        if (m_sent == length)
+        {
+            m_allSent = m_lastMove;
+        }
+        Report();
+    }
+    m_allSent = m_lastMove;
+    return true;
+}
+
+void WinHttpExchange::ReceiveHead()
+{
+    m_http.Receive();
+    // ERROR_WINHTTP_RESEND_REQUEST is one of them: whatever WinHTTP wants once more, it doesn't get.
+    if (const DWORD error = Wait().error)
+    {
+        throw ErrorOf(error);
+    }
+    m_isAnswering = true;
+    m_reply.status = static_cast<int>(NumberHeader(WINHTTP_QUERY_STATUS_CODE));
+    m_reply.statusWords = TextHeader(WINHTTP_QUERY_STATUS_TEXT);
+}
+
+void WinHttpExchange::ReceiveBody()
+{
+    const std::string announced = TextHeader(WINHTTP_QUERY_CONTENT_LENGTH);
+    m_reply.body.reserve(4096); // token replies stay in one buffer, where they can be wiped
+    for (;;)
+    {
+        m_http.Read();
+        const WinHttpRequest::Ending ending = Wait();
+        if (ending.error != 0)
+        {
+            throw ErrorOf(ending.error);
+        }
+        if (m_reply.body.size() + ending.bytes > m_limits.replyBytes)
+        {
+            throw TransportError{TransportProblem::AnswerGarbled};
+        }
+        if (ending.bytes == 0)
+        {
+            break;
+        }
+        m_reply.body.append(m_http.Buffer(), ending.bytes);
+    }
+    WipeMemory(m_http.Buffer(), WinHttpRequest::BufferSize);
+    if (!announced.empty() && m_reply.body.size() < std::strtoull(announced.c_str(), nullptr, 10))
+    {
+        throw TransportError{TransportProblem::LostBeforeAnswer};
+    }
+}
+
+HttpReply WinHttpExchange::Run()
+{
+    SendHead();
+    if (SendBody())
+    {
+        ReceiveHead();
+        ReceiveBody();
+        return std::move(m_reply);
+    }
+    // A refusal counts even if the server then closed the connection on the rest of the body.
+    try
+    {
+        ReceiveHead();
+        if (m_reply.status >= 400)
+        {
+            ReceiveBody();
+            return std::move(m_reply);
+        }
+    }
+    catch (const TransportError &error)
+    {
+        if (error.problem == TransportProblem::EndedByCaller)
+        {
+            throw;
+        }
+        if (m_reply.status >= 400)
+        {
+            return std::move(m_reply);
+        }
+    }
+    throw TransportError{TransportProblem::LostWhileSending};
+}
+
+DWORD WinHttpExchange::NumberHeader(DWORD query) const
+{
+    DWORD number = 0;
+    DWORD size = sizeof(number);
+    WinHttpQueryHeaders(m_http.Get(), query | WINHTTP_QUERY_FLAG_NUMBER, WINHTTP_HEADER_NAME_BY_INDEX, &number, &size,
+                        WINHTTP_NO_HEADER_INDEX);
+    return number;
+}
+
+// Empty if there is none, or one of an unreasonable length.
+std::string WinHttpExchange::TextHeader(DWORD query) const
+{
+    WCHAR text[512] = {};
+    DWORD size = sizeof(text);
+    return WinHttpQueryHeaders(m_http.Get(), query, WINHTTP_HEADER_NAME_BY_INDEX, text, &size,
+                               WINHTTP_NO_HEADER_INDEX)
+               ? Utf8FromWide(WideView(text, size / sizeof(WCHAR)))
+               : std::string();
+}
+
+// WinHTTP says of a date only that it is wrong; mostly it has passed.
+TransportError WinHttpExchange::CertificateError(DWORD error)
+{
+    const DWORD flags = m_http.WhatWasSeen().certificateFlags;
+    if (error == ERROR_WINHTTP_SECURE_CERT_CN_INVALID || (flags & WINHTTP_CALLBACK_STATUS_FLAG_CERT_CN_INVALID) != 0)
+    {
+        return {TransportProblem::CertificateForOtherHost};
+    }
+    if (error == ERROR_WINHTTP_SECURE_CERT_DATE_INVALID ||
+        (flags & WINHTTP_CALLBACK_STATUS_FLAG_CERT_DATE_INVALID) != 0)
+    {
+        return {TransportProblem::CertificateExpired};
+    }
+    if (error == ERROR_WINHTTP_SECURE_CHANNEL_ERROR || (flags & WINHTTP_CALLBACK_STATUS_FLAG_SECURITY_CHANNEL_ERROR) != 0)
+    {
+        return {TransportProblem::TlsFailed};
+    }
+    return {TransportProblem::CertificateUntrusted};
+}
+
+TransportError WinHttpExchange::ErrorOf(DWORD error)
+{
+    const WinHttpRequest::Sight sight = m_http.WhatWasSeen();
+    switch (error)
+    {
+    case ERROR_WINHTTP_NAME_NOT_RESOLVED:
+        return {sight.resolvedName.empty() || sight.resolvedName == m_host ? TransportProblem::NameNotFound
+                                                                           : TransportProblem::ProxyNotFound};
+    case ERROR_WINHTTP_CANNOT_CONNECT:
+        return {TransportProblem::CannotConnect};
+    case ERROR_WINHTTP_TIMEOUT:
+        return {!m_isConnected ? TransportProblem::ConnectTimedOut
+                : m_allSent    ? TransportProblem::AnswerMissing
+                               : TransportProblem::SendStalled};
+    case ERROR_WINHTTP_SECURE_FAILURE:
+    case ERROR_WINHTTP_SECURE_CERT_CN_INVALID:
+    case ERROR_WINHTTP_SECURE_CERT_DATE_INVALID:
+    case ERROR_WINHTTP_SECURE_CERT_REV_FAILED:
+    case ERROR_WINHTTP_SECURE_CERT_REVOKED:
+    case ERROR_WINHTTP_SECURE_CERT_WRONG_USAGE:
+    case ERROR_WINHTTP_SECURE_CHANNEL_ERROR:
+    case ERROR_WINHTTP_SECURE_INVALID_CA:
+    case ERROR_WINHTTP_SECURE_INVALID_CERT:
+        return CertificateError(error);
+    case ERROR_WINHTTP_INVALID_SERVER_RESPONSE:
+    case ERROR_WINHTTP_HEADER_COUNT_EXCEEDED:
+    case ERROR_WINHTTP_HEADER_SIZE_OVERFLOW:
+        // Ahead of the request it is the proxy that was not understood.
+        return {m_isConnected ? TransportProblem::AnswerGarbled : TransportProblem::CannotConnect};
+    case ERROR_NOT_ENOUGH_MEMORY:
+        return {TransportProblem::Other, E_OUTOFMEMORY};
+    default:
+        break;
+    }
+    if (!m_isConnected && !sight.isRequestLeaving)
+    {
+        return {TransportProblem::CannotConnect};
+    }
+    return {m_sent == BodyLength() ? TransportProblem::LostBeforeAnswer : TransportProblem::LostWhileSending};
+}
+
+class WinHttpTransport final : public HttpTransport
+{
+public:
+    explicit WinHttpTransport(const TransportLimits &limits) : m_limits(limits), m_session(OpenSession()) {}
+
+    HttpReply Exchange(const HttpRequest &request) override
+    {
+        return WinHttpExchange(m_session.get(), request, m_limits).Run();
+    }
+
+private:
+    TransportLimits m_limits;
+    InternetHandle m_session;
+};
+} // namespace
+
+std::shared_ptr<HttpTransport> CreateTransport(const TransportLimits &limits)
+{
+    return std::make_shared<WinHttpTransport>(limits);
+}
