@@ -211,7 +211,8 @@ public:
             if (kind == ERR)
             {
                 pollfd watched{STDIN_FILENO, POLLIN, 0};
-                if (poll(&watched, 1, pollMilliseconds) > 0 && (watched.revents & (POLLHUP | POLLERR | POLLNVAL)))
+                const bool isAwake = poll(&watched, 1, pollMilliseconds) > 0;
+                if (isAwake && (watched.revents & (POLLHUP | POLLERR | POLLNVAL)))
                 {
                     return {SheetKey::Lost};
                 }

@@ -39,7 +39,8 @@ void TerminalPage::ShowFocus()
         return;
     }
     size_t heading = m_focus;
-    while (heading > 0 && (KindOf(heading - 1) == ControlKind::Label || KindOf(heading - 1) == ControlKind::Rule))
+    while (heading > 0 &&
+           (KindOf(heading - 1) == ControlKind::Label || KindOf(heading - 1) == ControlKind::Rule))
     {
         --heading;
     }
@@ -140,7 +141,8 @@ void TerminalPage::DrawComboBox(size_t control, int column, int row, bool hasFoc
     Write(column, row, TEXT("["), frame);
     Write(column + 1, row, shown, filling);
     Write(textEnd, row, WideText(room - cells, hasFocus ? u'_' : u' '), frame);
-    Write(column + 1 + static_cast<int>(room), row, m_screen.IsUnicode() ? TEXT(" ▾]") : TEXT(" v]"), frame);
+    const WCHAR *const button = m_screen.IsUnicode() ? TEXT(" ▾]") : TEXT(" v]");
+    Write(column + 1 + static_cast<int>(room), row, button, frame);
     if (hasFocus && IsOnScreen(row))
     {
         const size_t before = CellsOf(WideView(text).substr(start, m_caret - start));
@@ -155,7 +157,8 @@ void TerminalPage::DrawEdit(const ControlPlace &place, int column, int row, bool
     const WideText line(static_cast<size_t>(std::max(place.Width - 2, 0)), isUnicode ? u'─' : u'-');
     const WideText side = isUnicode ? TEXT("│") : TEXT("|");
     const int last = row + place.Height - 1;
-    Write(column, row, (isUnicode ? TEXT("┌") : TEXT("+")) + line + (isUnicode ? TEXT("┐") : TEXT("+")), look);
+    const WCHAR *const corners = isUnicode ? TEXT("┌┐└┘") : TEXT("++++");
+    Write(column, row, corners[0] + line + corners[1], look);
     for (int at = row + 1; at < last; ++at)
     {
         Write(column, at, side, look);
@@ -165,7 +168,7 @@ void TerminalPage::DrawEdit(const ControlPlace &place, int column, int row, bool
             Write(column + 2, at, place.Lines[i], Look::Plain);
         }
     }
-    Write(column, last, (isUnicode ? TEXT("└") : TEXT("+")) + line + (isUnicode ? TEXT("┘") : TEXT("+")), look);
+    Write(column, last, corners[2] + line + corners[3], look);
     if (hasFocus && IsOnScreen(row + 1))
     {
         m_screen.PlaceCursor(column + 2, row + 1);

@@ -56,7 +56,8 @@ size_t TerminalPage::Find(UINT id) const
 
 size_t TerminalPage::GroupStart(size_t radio) const
 {
-    while (radio > 0 && !m_template.Controls[radio].OpensGroup && KindOf(radio - 1) == ControlKind::RadioButton)
+    while (radio > 0 && !m_template.Controls[radio].OpensGroup &&
+           KindOf(radio - 1) == ControlKind::RadioButton)
     {
         --radio;
     }
@@ -66,7 +67,8 @@ size_t TerminalPage::GroupStart(size_t radio) const
 size_t TerminalPage::GroupEnd(size_t radio) const
 {
     size_t end = radio + 1;
-    while (end < m_states.size() && KindOf(end) == ControlKind::RadioButton && !m_template.Controls[end].OpensGroup)
+    while (end < m_states.size() && KindOf(end) == ControlKind::RadioButton &&
+           !m_template.Controls[end].OpensGroup)
     {
         ++end;
     }
@@ -175,13 +177,12 @@ bool TerminalPage::TakesFocus(size_t control) const
     {
         const auto isChecked = [](const State &button) { return button.Check != 0; };
         const size_t start = GroupStart(control);
-        const bool isAnyChecked = std::any_of(m_states.begin() + static_cast<std::ptrdiff_t>(start),
-                                              m_states.begin() + static_cast<std::ptrdiff_t>(GroupEnd(control)),
-                                              isChecked);
+        const bool isAnyChecked =
+            std::any_of(m_states.begin() + static_cast<std::ptrdiff_t>(start),
+                        m_states.begin() + static_cast<std::ptrdiff_t>(GroupEnd(control)), isChecked);
         return state.IsEnabled && (isAnyChecked ? state.Check != 0 : control == start);
     }
     default:
-        // A box says WS_TABSTOP by its kind, so that only what never is one matters above.
         return state.IsEnabled && m_template.Controls[control].TakesFocus;
     }
 }
@@ -450,7 +451,8 @@ TerminalPage::Response TerminalPage::Click(int column, int row)
         const ControlPlace &place = m_places[i];
         const bool isHit = pageRow >= place.Row && pageRow < place.Row + place.Height &&
                            pageColumn >= place.Column && pageColumn < place.Column + place.Width;
-        if (!isHit || !m_states[i].IsEnabled || KindOf(i) == ControlKind::Label || KindOf(i) == ControlKind::Rule)
+        const bool isText = KindOf(i) == ControlKind::Label || KindOf(i) == ControlKind::Rule;
+        if (!isHit || isText || !m_states[i].IsEnabled)
         {
             continue;
         }

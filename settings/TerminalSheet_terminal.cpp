@@ -75,9 +75,10 @@ public:
     Sheet(ISheetScreen &screen, HWND parent, SheetAccount &account, const Pause &wait)
         : m_screen(screen), m_parent(parent), m_account(account), m_wait(wait), m_about(account, wait)
     {
-        for (SettingsPage *logic : {static_cast<SettingsPage *>(&m_photos), static_cast<SettingsPage *>(&m_options),
-                                    static_cast<SettingsPage *>(&m_jpeg), static_cast<SettingsPage *>(&m_raw),
-                                    static_cast<SettingsPage *>(&m_about)})
+        for (SettingsPage *logic :
+             {static_cast<SettingsPage *>(&m_photos), static_cast<SettingsPage *>(&m_options),
+              static_cast<SettingsPage *>(&m_jpeg), static_cast<SettingsPage *>(&m_raw),
+              static_cast<SettingsPage *>(&m_about)})
         {
             if (auto page = ReadPageTemplate(logic->Template()))
             {
@@ -313,7 +314,8 @@ private:
     void OpenHomepage()
     {
         ShowWaiting(true);
-        ShellExecuteW(m_parent, TEXT("open"), m_account.Account.PhotosUrl.Text(), nullptr, nullptr, SW_SHOWNORMAL);
+        ShellExecuteW(m_parent, TEXT("open"), m_account.Account.PhotosUrl.Text(), nullptr, nullptr,
+                      SW_SHOWNORMAL);
         m_wait(browserPause);
         ShowWaiting(false);
         m_focus = Place::Ok;
@@ -344,7 +346,7 @@ private:
         ScreenArea sheet{0, 0, std::min(m_screen.Columns(), widest), std::min(m_screen.Rows(), tallest)};
         sheet.Left = (m_screen.Columns() - sheet.Width) / 2;
         sheet.Top = (m_screen.Rows() - sheet.Height) / 2;
-        if (sheet.Left > 0 && sheet.Top > 0 && m_screen.Columns() >= widest + 2 && m_screen.Rows() >= tallest + 2)
+        if (m_screen.Columns() >= widest + 2 && m_screen.Rows() >= tallest + 2)
         {
             DrawFrame(sheet);
         }
@@ -354,8 +356,8 @@ private:
         const int footRows = DrawButtons(sheet, bottom);
         DrawRule(sheet, bottom - footRows);
         m_pageRows = std::max(sheet.Height - footRows - 3, 1);
-        Page().Draw({sheet.Left + pageMargin, sheet.Top + 2, std::max(sheet.Width - 2 * pageMargin, 1), m_pageRows},
-                    m_focus == Place::Page);
+        const int pageColumns = std::max(sheet.Width - 2 * pageMargin, 1);
+        Page().Draw({sheet.Left + pageMargin, sheet.Top + 2, pageColumns, m_pageRows}, m_focus == Place::Page);
         m_screen.Show();
     }
 
@@ -371,10 +373,9 @@ private:
         const WideText line(static_cast<size_t>(sheet.Width), isUnicode ? u'─' : u'-');
         const WideText side = isUnicode ? TEXT("│") : TEXT("|");
         const int bottom = sheet.Top + sheet.Height;
-        m_screen.Write(sheet.Left - 1, sheet.Top - 1,
-                       (isUnicode ? TEXT("╭") : TEXT("+")) + line + (isUnicode ? TEXT("╮") : TEXT("+")), Look::Dim);
-        m_screen.Write(sheet.Left - 1, bottom,
-                       (isUnicode ? TEXT("╰") : TEXT("+")) + line + (isUnicode ? TEXT("╯") : TEXT("+")), Look::Dim);
+        const WCHAR *const corners = isUnicode ? TEXT("╭╮╰╯") : TEXT("++++");
+        m_screen.Write(sheet.Left - 1, sheet.Top - 1, corners[0] + line + corners[1], Look::Dim);
+        m_screen.Write(sheet.Left - 1, bottom, corners[2] + line + corners[3], Look::Dim);
         for (int row = sheet.Top; row < bottom; ++row)
         {
             m_screen.Write(sheet.Left - 1, row, side, Look::Dim);
@@ -404,9 +405,9 @@ private:
         }
         for (size_t i = 0; i < m_tabs.size(); ++i)
         {
-            const bool isTop = i == m_top;
-            DrawTab(i, column, sheet.Top, isTop ? TEXT("[") + m_tabs[i].Title + TEXT("]") : TEXT(" ") + m_tabs[i].Title);
-            column += Cells(m_tabs[i].Title) + 2;
+            const WideText &name = m_tabs[i].Title;
+            DrawTab(i, column, sheet.Top, i == m_top ? TEXT("[") + name + TEXT("]") : TEXT(" ") + name);
+            column += Cells(name) + 2;
         }
     }
 
