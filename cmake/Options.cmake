@@ -52,5 +52,7 @@ if(HALVORA_NATIVE)
 else()
   target_compile_definitions(halvora_flags INTERFACE STRSAFE_NO_DEPRECATE
     _WIN32_WINNT=0x0601 WINVER=0x0601)
-  add_link_options(-static)
+  # For modules and programs alike: any address, no code in data, and a guarded stack.
+  add_compile_options(-fstack-protector-strong)
+  add_link_options(-static -fstack-protector-strong "LINKER:--dynamicbase,--high-entropy-va,--nxcompat")
 endif()

@@ -59,14 +59,14 @@ HRESULT RegisterTypeLibrary(RegistrationScope scope) noexcept
 HRESULT UnregisterTypeLibrary(RegistrationScope scope) noexcept
 {
     return AtBoundary([&] {
-        if (!IsRegistered(scope))
-        {
-            return S_OK;
-        }
-        return scope == RegistrationScope::User
-                   ? AutomationFunction<Unregister>("UnRegisterTypeLibForUser")(
-                         LIBID_HVRPublishToFlickrLib, majorVersion, minorVersion, libraryLocale, SYS_WIN64)
-                   : UnRegisterTypeLib(LIBID_HVRPublishToFlickrLib, majorVersion, minorVersion, libraryLocale,
-                                       SYS_WIN64);
+        const bool wasRegistered = IsRegistered(scope);
+        const HRESULT result = scope == RegistrationScope::User
+                                   ? AutomationFunction<Unregister>("UnRegisterTypeLibForUser")(
+                                         LIBID_HVRPublishToFlickrLib, majorVersion, minorVersion, libraryLocale,
+                                         SYS_WIN64)
+                                   : UnRegisterTypeLib(LIBID_HVRPublishToFlickrLib, majorVersion, minorVersion,
+                                                       libraryLocale, SYS_WIN64);
+        // Where there was nothing to take back, that it failed says nothing.
+        return wasRegistered ? result : S_OK;
     });
 }

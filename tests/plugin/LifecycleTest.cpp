@@ -1,6 +1,7 @@
 // The object as COM and the host see it outside a run.
 #include "core/BstrOwner.h"
 #include "core/ModuleLocks.h"
+#include "plugin/FlickrModule.h"
 #include "plugin/FlickrPublisher.h"
 #include "plugin/UsageMetrics.h"
 #include "tests/doubles/PublishWorld.h"
@@ -109,6 +110,15 @@ TEST(Lifecycle, CanBeAggregated)
         }
     }
     EXPECT_EQ(ModuleLocks::Read(), locks);
+}
+
+TEST(Lifecycle, AModuleThatIsNotSetUpGivesNoClassObject)
+{
+    CFlickrModule module(nullptr);
+    void *factory = &module;
+    EXPECT_EQ(module.GetClassObject(CLSID_FlickrPublisher, __uuidof(IClassFactory), nullptr), E_POINTER);
+    EXPECT_EQ(module.GetClassObject(CLSID_FlickrPublisher, __uuidof(IClassFactory), &factory), E_UNEXPECTED);
+    EXPECT_EQ(factory, nullptr);
 }
 
 TEST(Lifecycle, ChecksTheHostAndTakesItOnce)
