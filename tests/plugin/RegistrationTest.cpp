@@ -97,6 +97,7 @@ public:
         const fs::path source(HALVORA_MODULE);
         m_file = m_folder / source.filename();
         fs::copy_file(source, m_file);
+        LinkSystemLibraries(source.parent_path());
         if (isDamaged)
         {
             DamageTypeLibrary();
@@ -152,6 +153,18 @@ private:
             bytes.replace(found, 4, "XXXX");
         }
         std::ofstream(m_file, std::ios::binary | std::ios::trunc) << bytes;
+    }
+
+    // Off Windows the module finds the libraries that stand for the system's beside itself.
+    void LinkSystemLibraries(const fs::path &folder) const
+    {
+        for (const fs::directory_entry &file : fs::directory_iterator(folder))
+        {
+            if (file.path().filename().string().starts_with("libhalvora-"))
+            {
+                fs::create_symlink(file.path(), m_folder / file.path().filename());
+            }
+        }
     }
 
     fs::path m_folder;
