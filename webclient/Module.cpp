@@ -11,6 +11,7 @@
 #include "core/HandleOwner.h"
 #include "core/Hresult.h"
 #include "core/ModuleLocks.h"
+#include "core/TextPieces.h"
 #include "core/ThisModule.h"
 #include "webclient/MultipartForm.h"
 #include "webclient/OAuthWebClient.h"
@@ -42,7 +43,7 @@ WideText ClassKeyPath(const CLSID &clsid)
     {
         ThrowHresult(E_UNEXPECTED);
     }
-    return WideText(TEXT("CLSID\\")) + text;
+    return WideText(TEXT("Software\\Classes\\CLSID\\")) + text;
 }
 
 void SetText(HKEY key, const WCHAR *name, const WideText &text)
@@ -52,37 +53,65 @@ void SetText(HKEY key, const WCHAR *name, const WideText &text)
     ThrowIfFailed(HRESULT_FROM_WIN32(RegSetValueExW(key, name, 0, REG_SZ, bytes, size)));
 }
 
-RegistryKeyOwner CreateKey(const WideText &path)
+RegistryKeyOwner CreateKey(HKEY parent, const WideText &path)
 {
     RegistryKeyOwner key;
-    ThrowIfFailed(HRESULT_FROM_WIN32(RegCreateKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, nullptr, 0,
-                                                     KEY_READ | KEY_WRITE, nullptr, key.Put(), nullptr)));
+    ThrowIfFailed(HRESULT_FROM_WIN32(RegCreateKeyExW(parent, path.c_str(), 0, nullptr, 0, KEY_READ | KEY_WRITE, nullptr,
+                                                     key.Put(), nullptr)));
     return key;
 }
 
-void Register(const ComponentClass &component, const WideText &modulePath)
+// Where classes are registered. Not in the merged view of both, which would write for the user what is
+// there for the user already.
+const HKEY Machine = HKEY_LOCAL_MACHINE;
+const HKEY User = HKEY_CURRENT_USER;
+
+void Register(const ComponentClass &component, HKEY scope, const WideText &modulePath)
 {
     const WideText path = ClassKeyPath(component.clsid);
-    SetText(CreateKey(path).Get(), nullptr, component.name);
-    const RegistryKeyOwner server = CreateKey(path + TEXT("\\InprocServer32"));
+    SetText(CreateKey(scope, path).Get(), nullptr, component.name);
+    const RegistryKeyOwner server = CreateKey(scope, path + TEXT("\\InprocServer32"));
     SetText(server.Get(), nullptr, modulePath);
     SetText(server.Get(), TEXT("ThreadingModel"), TEXT("Both"));
 }
 
 // A key that isn't there is as good as one that was deleted.
-HRESULT Delete(const WideText &path)
+HRESULT Delete(HKEY scope, const WideText &path)
 {
-    const LSTATUS status = RegDeleteTreeW(HKEY_CLASSES_ROOT, path.c_str());
+    const LSTATUS status = RegDeleteTreeW(scope, path.c_str());
     return status == ERROR_FILE_NOT_FOUND ? S_OK : HRESULT_FROM_WIN32(status);
 }
 
-HRESULT Unregister()
+HRESULT Unregister(HKEY scope) noexcept
 {
-    HRESULT result = S_OK;
-    for (const ComponentClass &component : Classes)
+    return AtBoundary([&] {
+        HRESULT result = S_OK;
+        for (const ComponentClass &component : Classes)
+        {
+            const HRESULT deleted = Delete(scope, ClassKeyPath(component.clsid));
+            result = FAILED(result) ? result : deleted;
+        }
+        return result;
+    });
+}
+
+HRESULT Register(HKEY scope) noexcept
+{
+    const HRESULT result = AtBoundary([&] {
+        const WideText path = ThisModulePath();
+        if (path.empty())
+        {
+            return E_UNEXPECTED;
+        }
+        for (const ComponentClass &component : Classes)
+        {
+            Register(component, scope, path);
+        }
+        return S_OK;
+    });
+    if (FAILED(result))
     {
-        const HRESULT deleted = Delete(ClassKeyPath(component.clsid));
-        result = FAILED(result) ? result : deleted;
+        Unregister(scope); // all or nothing
     }
     return result;
 }
@@ -112,30 +141,21 @@ STDAPI DllCanUnloadNow()
     return ModuleLocks::Read() == 0 ? S_OK : S_FALSE;
 }
 
+// "user", in whatever case, is for the current user alone; anything else for the machine.
+STDAPI DllInstall(BOOL install, LPCWSTR commandLine)
+{
+    const HKEY scope = commandLine != nullptr && EqualsIgnoringCase(commandLine, TEXT("user")) ? User : Machine;
+    return install ? Register(scope) : Unregister(scope);
+}
+
 STDAPI DllRegisterServer()
 {
-    const HRESULT result = AtBoundary([] {
-        const WideText path = ThisModulePath();
-        if (path.empty())
-        {
-            return E_UNEXPECTED;
-        }
-        for (const ComponentClass &component : Classes)
-        {
-            Register(component, path);
-        }
-        return S_OK;
-    });
-    if (FAILED(result))
-    {
-        AtBoundary(Unregister); // all or nothing
-    }
-    return result;
+    return Register(Machine);
 }
 
 STDAPI DllUnregisterServer()
 {
-    return AtBoundary(Unregister);
+    return Unregister(Machine);
 }
 
 #pragma GCC visibility pop

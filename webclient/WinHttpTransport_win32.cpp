@@ -3,6 +3,7 @@
 // trusted is what Windows trusts, and the proxy is the system's.
 #include "webclient/HttpTransport.h"
 
+#include "core/HandleOwner.h"
 #include "core/Hresult.h"
 #include "webclient/Utf8.h"
 #include "webclient/WinHttpRequest_win32.h"
@@ -39,8 +40,8 @@ bool HasComputerProxy()
     {
         return false;
     }
-    GlobalFree(proxy.lpszProxy);
-    GlobalFree(proxy.lpszProxyBypass);
+    const GlobalTextOwner name(proxy.lpszProxy);
+    const GlobalTextOwner bypass(proxy.lpszProxyBypass);
     return proxy.dwAccessType == WINHTTP_ACCESS_TYPE_NAMED_PROXY;
 }
 

@@ -4,6 +4,7 @@
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -142,6 +143,29 @@ void Conversation::WaitForEnd()
     }
 }
 
+void Conversation::Relay(unsigned port)
+{
+    const int other = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(static_cast<uint16_t>(port));
+    // Known to the server, whose end must also end a send that the other side never takes.
+    bool isOpen = m_server.Keep(other) && connect(other, reinterpret_cast<sockaddr *>(&address), sizeof(address)) == 0;
+    pollfd ends[] = {{m_socket, POLLIN, 0}, {other, POLLIN, 0}};
+    while (isOpen && poll(ends, 2, -1) > 0)
+    {
+        for (int i = 0; i < 2 && isOpen; ++i)
+        {
+            char buffer[16384];
+            const ssize_t read = ends[i].revents != 0 ? recv(ends[i].fd, buffer, sizeof(buffer), 0) : 0;
+            isOpen = ends[i].revents == 0 ||
+                     (read > 0 && send(ends[1 - i].fd, buffer, static_cast<size_t>(read), MSG_NOSIGNAL) == read);
+        }
+    }
+    m_server.Close(other);
+}
+
 HttpTestServer::HttpTestServer(const IssuedCertificate &certificate, Script script)
     : m_context(SSL_CTX_new(TLS_server_method()), SSL_CTX_free), m_script(std::move(script))
 {
@@ -191,10 +215,7 @@ void HttpTestServer::Accept()
             return;
         }
         const int number = ++m_connections;
-        {
-            const std::lock_guard guard(m_lock);
-            m_open.insert(connection);
-        }
+        Keep(connection);
         m_threads.emplace_back([this, connection, number] { Serve(connection, number); });
     }
 }
@@ -214,6 +235,18 @@ void HttpTestServer::Serve(int socket, int number)
         m_script(conversation);
         SSL_shutdown(tls.get());
     }
+    Close(socket);
+}
+
+bool HttpTestServer::Keep(int socket)
+{
+    const std::lock_guard guard(m_lock);
+    m_open.insert(socket);
+    return !m_isEnding;
+}
+
+void HttpTestServer::Close(int socket)
+{
     const std::lock_guard guard(m_lock);
     m_open.erase(socket);
     close(socket);

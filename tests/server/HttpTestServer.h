@@ -54,6 +54,9 @@ public:
     // Blocks until the peer closes the connection or the server ends.
     void WaitForEnd();
 
+    // Carries bytes between a plain connection and a port of 127.0.0.1, until one of both is closed.
+    void Relay(unsigned port);
+
 private:
     bool Fill();
     int Read(char *buffer, int size);
@@ -91,6 +94,10 @@ private:
     void Accept();
     void Serve(int socket, int number);
     void Record(const SeenRequest &request);
+
+    // What is kept ends with the server, which sees Keep refuse what comes later.
+    bool Keep(int socket);
+    void Close(int socket);
 
     void Start();
 

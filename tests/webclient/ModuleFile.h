@@ -3,8 +3,13 @@
 
 #include <windows.h>
 
-// Calls DllRegisterServer of lib/<name> of the build. False if that can't be.
+#include <string>
+
+// Full path of the module <name> of the build: a DLL or a shared object.
+std::string ModulePath(const char *name);
+
+// Calls its DllRegisterServer. False if that can't be.
 bool RegisterModule(const char *name);
 
-// An exported function of that module; null if there is none.
+// An exported function of that module, which stays loaded; null if there is none.
 void *ModuleFunction(const char *name, const char *function);

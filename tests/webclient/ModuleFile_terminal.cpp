@@ -5,12 +5,15 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
-#include <string>
+std::string ModulePath(const char *name)
+{
+    return std::string(MODULE_FOLDER "/") + name + ".so";
+}
 
 void *ModuleFunction(const char *name, const char *function)
 {
     // Never closed: registered classes stay for the whole program.
-    void *module = dlopen((std::string(MODULE_FOLDER "/") + name).c_str(), RTLD_NOW | RTLD_LOCAL);
+    void *module = dlopen(ModulePath(name).c_str(), RTLD_NOW | RTLD_LOCAL);
     if (module == nullptr)
     {
         ADD_FAILURE() << dlerror();
@@ -27,5 +30,5 @@ bool RegisterModule(const char *name)
 
 void UseDocumentComponent()
 {
-    ASSERT_TRUE(RegisterModule("msxml.so"));
+    ASSERT_TRUE(RegisterModule("msxml"));
 }

@@ -12,15 +12,21 @@
 
 namespace
 {
-const char *const Module = "Halvora.WebComponents.so";
+const char *const Module = "Halvora.WebComponents";
+const char *const ClientClass = "CLSID\\{C6338984-E934-4679-A284-D35BEC55674C}";
 
-WideText ClassText(const WCHAR *subkey, const WCHAR *value)
+WideText Wide(const std::string &text)
+{
+    return WideText(text.begin(), text.end());
+}
+
+// Of the entry of the web client's class below root.
+WideText ClassText(HKEY root, const std::string &prefix, const char *subkey, const WCHAR *value)
 {
     WCHAR text[1024] = {};
     DWORD size = sizeof(text);
     RegistryKeyOwner key;
-    const WideText path = WideText(TEXT("CLSID\\{C6338984-E934-4679-A284-D35BEC55674C}")) + subkey;
-    if (RegOpenKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, KEY_READ, key.Put()) != ERROR_SUCCESS ||
+    if (RegOpenKeyExW(root, Wide(prefix + ClientClass + subkey).c_str(), 0, KEY_READ, key.Put()) != ERROR_SUCCESS ||
         RegQueryValueExW(key.Get(), value, nullptr, nullptr, reinterpret_cast<BYTE *>(text), &size) != ERROR_SUCCESS)
     {
         return TEXT("(none)");
@@ -28,30 +34,59 @@ WideText ClassText(const WCHAR *subkey, const WCHAR *value)
     return text;
 }
 
+WideText MachineText(const char *subkey, const WCHAR *value = nullptr)
+{
+    return ClassText(HKEY_LOCAL_MACHINE, "Software\\Classes\\", subkey, value);
+}
+
+WideText UserText(const char *subkey, const WCHAR *value = nullptr)
+{
+    return ClassText(HKEY_CURRENT_USER, "Software\\Classes\\", subkey, value);
+}
+
 TEST(WebComponentsModule, RegistersAndUnregistersItsClasses)
 {
-    const auto unregister = reinterpret_cast<HRESULT (*)()>(ModuleFunction(Module, "DllUnregisterServer"));
+    using Unregister = HRESULT(STDAPICALLTYPE *)();
+    const auto unregister = reinterpret_cast<Unregister>(ModuleFunction(Module, "DllUnregisterServer"));
     ASSERT_NE(unregister, nullptr);
     ASSERT_TRUE(RegisterModule(Module));
-    EXPECT_EQ(ClassText(TEXT("\\InprocServer32"), TEXT("ThreadingModel")), TEXT("Both"));
-    const std::string path = MODULE_FOLDER "/Halvora.WebComponents.so";
-    EXPECT_EQ(ClassText(TEXT("\\InprocServer32"), nullptr), WideText(path.begin(), path.end()));
+    EXPECT_EQ(MachineText("\\InprocServer32", TEXT("ThreadingModel")), TEXT("Both"));
+    EXPECT_EQ(MachineText("\\InprocServer32"), Wide(ModulePath(Module)));
     for (const CLSID &clsid : {CLSID_OAuthWebClient, CLSID_RequestParameters, CLSID_MultipartFormData})
     {
         ComPtr<IUnknown> object;
         EXPECT_EQ(CoCreateInstance(clsid, nullptr, 23, __uuidof(IUnknown), object.PutVoid()), S_OK);
     }
     EXPECT_EQ(unregister(), S_OK);
-    EXPECT_EQ(ClassText(TEXT(""), nullptr), TEXT("(none)"));
+    EXPECT_EQ(MachineText(""), TEXT("(none)"));
     EXPECT_EQ(unregister(), S_OK); // nothing left to do is no failure
     ASSERT_TRUE(RegisterModule(Module));
 }
 
+TEST(WebComponentsModule, RegistersForOneUserAlone)
+{
+    using Install = HRESULT(STDAPICALLTYPE *)(BOOL install, LPCWSTR commandLine);
+    using Unregister = HRESULT(STDAPICALLTYPE *)();
+    const auto install = reinterpret_cast<Install>(ModuleFunction(Module, "DllInstall"));
+    const auto unregister = reinterpret_cast<Unregister>(ModuleFunction(Module, "DllUnregisterServer"));
+    ASSERT_TRUE(install != nullptr && unregister != nullptr);
+    EXPECT_EQ(unregister(), S_OK);
+    EXPECT_EQ(install(TRUE, TEXT("User")), S_OK);
+    EXPECT_EQ(UserText("\\InprocServer32"), Wide(ModulePath(Module)));
+    EXPECT_EQ(UserText("\\InprocServer32", TEXT("ThreadingModel")), TEXT("Both"));
+    EXPECT_EQ(MachineText(""), TEXT("(none)"));
+    // Each scope is taken back for itself.
+    EXPECT_EQ(install(TRUE, nullptr), S_OK);
+    EXPECT_EQ(install(FALSE, TEXT("user")), S_OK);
+    EXPECT_EQ(UserText(""), TEXT("(none)"));
+    EXPECT_EQ(MachineText("\\InprocServer32"), Wide(ModulePath(Module)));
+}
+
 TEST(WebComponentsModule, KnowsWhenItMayBeUnloaded)
 {
-    using GetClassObject = HRESULT (*)(REFCLSID, REFIID, void **);
+    using GetClassObject = HRESULT(STDAPICALLTYPE *)(REFCLSID, REFIID, void **);
     const auto getClassObject = reinterpret_cast<GetClassObject>(ModuleFunction(Module, "DllGetClassObject"));
-    const auto canUnload = reinterpret_cast<HRESULT (*)()>(ModuleFunction(Module, "DllCanUnloadNow"));
+    const auto canUnload = reinterpret_cast<HRESULT(STDAPICALLTYPE *)()>(ModuleFunction(Module, "DllCanUnloadNow"));
     ASSERT_TRUE(getClassObject != nullptr && canUnload != nullptr);
     EXPECT_EQ(canUnload(), S_OK);
     {

@@ -29,7 +29,7 @@ const TestAuthority &ServiceFixture::Authority()
 void ServiceFixture::SetUpTestSuite()
 {
     UseDocumentComponent();
-    ASSERT_TRUE(RegisterModule("Halvora.WebComponents.so"));
+    ASSERT_TRUE(RegisterModule("Halvora.WebComponents"));
     Authority().Save(TrustFile);
 }
 

@@ -204,44 +204,6 @@ TEST_F(WebClientTest, ConnectionCutMidwayIsNotASuccess)
     EXPECT_THAT(answering.Description(), HasSubstr("may or may not have arrived"));
 }
 
-struct RefusalCase
-{
-    int status;
-    const char *words;
-    const char *body;
-    HRESULT result;
-    const char *description;
-};
-
-TEST_F(WebClientTest, RefusalsAreToldInTheServicesWords)
-{
-    const RefusalCase cases[] = {
-        {504, "Gateway Time-out", "<html><head><title>504 Gateway Time-out</title></head></html>",
-         static_cast<HRESULT>(0x801901F8), "504 Gateway Time-out"},
-        {401, "Unauthorized", "oauth_problem=token_rejected&debug=the-token", static_cast<HRESULT>(0x80190191),
-         "The service does not know the authorization, or it was revoked: authorize again (token_rejected)"},
-        {429, "Too Many Requests", "slow\ndown", static_cast<HRESULT>(0x801901AD), "slow down"},
-        {302, "Found", "", static_cast<HRESULT>(0x8019012E), "Redirections are not followed"},
-        {200, "OK", "all fine", static_cast<HRESULT>(0x80072F78), "The answer is not in the service's form: all fine"},
-    };
-    for (const RefusalCase &refusal : cases)
-    {
-        HttpTestServer &server = StartServer([&refusal](Conversation &conversation) {
-            while (conversation.ReadRequest())
-            {
-                conversation.WriteReply(refusal.status, refusal.words, refusal.body,
-                                        "Location: https://www.flickr.com/elsewhere\r\n");
-            }
-        });
-        const UploadOutcome outcome = UploadText(Client().Get(), "x");
-        EXPECT_EQ(outcome.result, refusal.result);
-        EXPECT_EQ(outcome.Text("/HttpError/@HttpStatus"), std::to_string(refusal.status));
-        EXPECT_EQ(outcome.Text("/HttpError/Status"), refusal.words);
-        EXPECT_EQ(outcome.Description(), refusal.description);
-        EXPECT_EQ(server.Requests().size(), 1u);
-    }
-}
-
 TEST_F(WebClientTest, EarlyRefusalWinsOverTheRestOfTheBody)
 {
     StartServer([](Conversation &conversation) {
@@ -320,67 +282,5 @@ TEST_F(WebClientTest, TroubleWithTheBodyEndsTheTransferWithItsCode)
         EXPECT_LT(std::to_string(request.bodyBytes).size(), request.Header("content-length").size() + 1);
         EXPECT_NE(std::to_string(request.bodyBytes), request.Header("content-length"));
     }
-}
-
-TEST_F(WebClientTest, AuthorizationTradesItsTokens)
-{
-    HttpTestServer &server = StartServer([](Conversation &conversation) {
-        while (const auto request = conversation.ReadRequest())
-        {
-            const bool isFirst = request->line.find("request_token") != std::string::npos;
-            conversation.WriteReply(200, "OK", isFirst ? "oauth_callback_confirmed=true&oauth_token=req%2B1&oauth_token_secret=reqs"
-                                                       : "fullname=J%20D&oauth_token=acc&oauth_token_secret=accs%21");
-        }
-    });
-    const auto client = Client();
-    BstrOwner token;
-    BstrOwner secret;
-    EXPECT_EQ(client->GetAccessToken(0, TEXT("v"), token.Put(), secret.Put()), E_UNEXPECTED);
-    BstrOwner url;
-    const auto perms = Parameters({{TEXT("perms"), TEXT("write")}});
-    ASSERT_EQ(client->GetAuthorizationUrl(0, perms.Get(), url.Put()), S_OK);
-    EXPECT_EQ(Utf8FromWide(url.View()),
-              "https://www.flickr.com/services/oauth/authorize?perms=write&oauth_token=req%2B1");
-    ASSERT_EQ(client->GetAccessToken(0, TEXT("ver/1"), token.Put(), secret.Put()), S_OK);
-    EXPECT_EQ(Utf8FromWide(token.View()), "acc");
-    EXPECT_EQ(Utf8FromWide(secret.View()), "accs!");
-
-    const auto requests = server.Requests();
-    ASSERT_EQ(requests.size(), 2u);
-    EXPECT_THAT(requests[0].Header("authorization"),
-                HasSubstr("oauth_callback=\"http%3A%2F%2Fauthorization.halvora.example%2Fflickr%2Fauthorization%2F\""));
-    EXPECT_THAT(requests[0].Header("authorization"), Not(HasSubstr("oauth_token=")));
-    EXPECT_TRUE(IsSignedRight(requests[0], "https://www.flickr.com/services/oauth/request_token", {}, ""));
-    EXPECT_THAT(requests[1].Header("authorization"), HasSubstr("oauth_verifier=\"ver%2F1\""));
-    EXPECT_TRUE(IsSignedRight(requests[1], "https://www.flickr.com/services/oauth/access_token", {}, "reqs"));
-
-    StartServer([](Conversation &conversation) {
-        conversation.ReadRequest();
-        conversation.WriteReply(401, "Unauthorized", "oauth_problem=consumer_key_unknown");
-        conversation.ReadRequest();
-        conversation.WriteReply(200, "OK", "<html>what?</html>");
-    });
-    EXPECT_EQ(client->GetAuthorizationUrl(0, nullptr, url.Put()), static_cast<HRESULT>(0x80190191));
-    EXPECT_EQ(client->GetAuthorizationUrl(0, nullptr, url.Put()), static_cast<HRESULT>(0x80072F78));
-    EXPECT_EQ(url.Get(), nullptr);
-}
-
-TEST_F(WebClientTest, IncompleteCallsAreRefused)
-{
-    ComPtr<IOAuthWebClient> bare;
-    ASSERT_EQ(CoCreateInstance(CLSID_OAuthWebClient, nullptr, 23, __uuidof(IOAuthWebClient), bare.PutVoid()), S_OK);
-    EXPECT_EQ(bare->SetAccessToken(TEXT("a"), TEXT("b")), E_UNEXPECTED);
-    EXPECT_EQ(CallMethod(bare.Get(), nullptr).result, E_UNEXPECTED);
-    EXPECT_EQ(bare->RestRequest(nullptr, TEXT("POST"), nullptr, nullptr, 0, nullptr), E_INVALIDARG);
-    EXPECT_EQ(bare->SetService(TEXT("a"), TEXT("https://h/"), TEXT("PLAINTEXT"), TEXT("k"), TEXT("s"), TEXT("https://h/"),
-                               TEXT("https://h/"), TEXT("https://h/"), TEXT("x"), 0), E_INVALIDARG);
-    const auto client = Client();
-    EXPECT_EQ(UploadText(client.Get(), "").result, E_INVALIDARG);
-    const auto evil = Parameters({{TEXT("X"), TEXT("a\r\nY: b")}});
-    EXPECT_EQ(Upload(client.Get(), ScriptedStream::Make("x").Get(), 1, nullptr, nullptr, evil.Get()).result, E_INVALIDARG);
-    BstrOwner type;
-    EXPECT_EQ(client->GetMimeTypeForFile(TEXT("x.JPG"), type.Put()), S_OK);
-    EXPECT_EQ(Utf8FromWide(type.View()), "image/jpeg");
-    EXPECT_EQ(client->GetMimeTypeForFile(nullptr, type.Put()), E_INVALIDARG);
 }
 } // namespace

@@ -1,0 +1,254 @@
+// The client by itself: what it hands to a transport, and what it makes of what comes back.
+#include "core/BstrOwner.h"
+#include "tests/webclient/DocumentText.h"
+#include "tests/webclient/ScriptedStream.h"
+#include "webclient/OAuthWebClient.h"
+#include "webclient/PercentEncoding.h"
+#include "webclient/RequestParameters.h"
+#include "webclient/Utf8.h"
+
+#include <gmock/gmock.h>
+
+#include <vector>
+
+namespace
+{
+using testing::HasSubstr;
+using testing::Not;
+
+struct CarriedRequest
+{
+    std::string method;
+    std::string url;
+    std::string userAgent;
+    std::vector<std::pair<std::string, std::string>> headers;
+    std::string body;
+
+    std::string Header(const std::string &name) const
+    {
+        const auto found = std::find_if(headers.begin(), headers.end(), [&](const auto &h) { return h.first == name; });
+        return found != headers.end() ? found->second : "(none)";
+    }
+};
+
+// Reads each body to its end, keeps what it was given, and answers by turns as it is told.
+class ScriptedTransport final : public HttpTransport
+{
+public:
+    HttpReply Exchange(const HttpRequest &request) override
+    {
+        CarriedRequest carried{request.method, request.url, request.userAgent, {}, {}};
+        for (const HttpHeader &header : request.headers)
+        {
+            carried.headers.emplace_back(header.name, header.value.View());
+        }
+        while (request.body != nullptr && carried.body.size() < request.body->Length())
+        {
+            char buffer[1000];
+            ULONG read = 0;
+            const HRESULT result = request.body->Read(buffer, sizeof(buffer), &read);
+            if (FAILED(result))
+            {
+                throw TransportError{TransportProblem::BodyUnreadable, result};
+            }
+            carried.body.append(buffer, read);
+        }
+        requests.push_back(std::move(carried));
+        if (problem)
+        {
+            throw TransportError{*problem};
+        }
+        return replies.at((requests.size() - 1) % replies.size());
+    }
+
+    std::vector<HttpReply> replies{{200, "OK", "<rsp stat=\"ok\"><photoid>17</photoid></rsp>"}};
+    std::optional<TransportProblem> problem;
+    std::vector<CarriedRequest> requests;
+};
+
+class OAuthWebClientTest : public testing::Test
+{
+protected:
+    static void SetUpTestSuite() { UseDocumentComponent(); }
+
+    OAuthWebClientTest() : m_client(COAuthWebClient::Make(m_transport))
+    {
+        EXPECT_EQ(m_client->SetService(TEXT("Halvora/1.2.3.4"), TEXT("https://api.flickr.com/services/rest"),
+                                       TEXT("HMAC-SHA1"), TEXT("application-key"), TEXT("application-secret"),
+                                       TEXT("http://www.flickr.com/services/oauth/request_token"),
+                                       TEXT("http://www.flickr.com/services/oauth/authorize"),
+                                       TEXT("http://www.flickr.com/services/oauth/access_token"),
+                                       TEXT("http://authorization.halvora.example/flickr/authorization/"), 0), S_OK);
+        EXPECT_EQ(m_client->SetAccessToken(TEXT("the-token"), TEXT("token-secret")), S_OK);
+    }
+
+    static ComPtr<CRequestParameters> Parameters(const std::vector<std::pair<const WCHAR *, const WCHAR *>> &pairs)
+    {
+        auto parameters = CRequestParameters::Make();
+        for (const auto &[name, value] : pairs)
+        {
+            const BstrOwner text{WideView(value)};
+            VARIANT variant{};
+            V_VT(&variant) = VT_BSTR;
+            V_BSTR(&variant) = text.Get();
+            EXPECT_EQ(parameters->Add(name, variant), S_OK);
+        }
+        return parameters;
+    }
+
+    HRESULT UploadText(const std::string &text, IRequestParameters *headers = nullptr,
+                       IRequestParameters *fields = nullptr)
+    {
+        return m_client->UploadRequest(TEXT("http://up.flickr.com/services/upload/"), nullptr, TEXT("POST"), headers,
+                                       nullptr, fields, ScriptedStream::Make(text).Get(),
+                                       static_cast<UINT32>(text.size()), nullptr, 0, m_reply.Put());
+    }
+
+    std::string ReplyText(const char *path) const { return DocumentText(m_reply.Get(), path); }
+
+    // Whether the signature of the Authorization header is that of the address and all parameters.
+    static bool IsSignedRight(const CarriedRequest &request, const std::string &url, ParameterList parameters,
+                              const std::string &tokenSecret)
+    {
+        const std::string header = request.Header("Authorization");
+        std::string signature;
+        EXPECT_TRUE(header.starts_with("OAuth ")) << header;
+        for (size_t at = 6; at < header.size();)
+        {
+            const size_t equals = header.find("=\"", at);
+            const size_t end = header.find('"', equals + 2);
+            const std::string name = header.substr(at, equals - at);
+            const SecretText value = FormDecode(header.substr(equals + 2, end - equals - 2));
+            if (name == "oauth_signature")
+            {
+                signature = value.View();
+            }
+            else
+            {
+                parameters.push_back({name, value});
+            }
+            at = end + 3; // behind '", '
+        }
+        const SecretText base = SignatureBaseString(request.method, RequestUrl::Parse(url), parameters);
+        return signature == SignText(base.View(), "application-secret", tokenSecret);
+    }
+
+    std::shared_ptr<ScriptedTransport> m_transport = std::make_shared<ScriptedTransport>();
+    ComPtr<COAuthWebClient> m_client;
+    ComPtr<IUnknown> m_reply;
+};
+
+TEST_F(OAuthWebClientTest, UploadIsSignedOverItsFieldsAndGoesOutAsItIs)
+{
+    const WCHAR *title = TEXT("Gr\u00FC\u00DFe \u65E5\u672C & +50%");
+    const auto headers = Parameters({{TEXT("Content-Type"), TEXT("multipart/form-data; boundary=b")},
+                                     {TEXT("content-length"), TEXT("-5")}, {TEXT("HOST"), TEXT("elsewhere")},
+                                     {TEXT("Authorization"), TEXT("none")}});
+    ASSERT_EQ(UploadText("the picture", headers.Get(), Parameters({{TEXT("title"), title}}).Get()), S_OK);
+    EXPECT_EQ(ReplyText("/rsp/photoid"), "17");
+    ASSERT_EQ(m_transport->requests.size(), 1u);
+    const CarriedRequest &request = m_transport->requests[0];
+    EXPECT_EQ(request.url, "https://up.flickr.com/services/upload/"); // secure, though it was asked for otherwise
+    EXPECT_EQ(request.userAgent, "Halvora/1.2.3.4");
+    EXPECT_EQ(request.body, "the picture");
+    EXPECT_EQ(request.headers.size(), 2u); // no other of the caller's is his to write
+    EXPECT_EQ(request.Header("Content-Type"), "multipart/form-data; boundary=b");
+    EXPECT_THAT(request.Header("Authorization"), HasSubstr("oauth_token=\"the-token\""));
+    EXPECT_TRUE(IsSignedRight(request, request.url, {{"title", SecretText(Utf8FromWide(title))}}, "token-secret"));
+}
+
+struct RefusalCase
+{
+    int status;
+    const char *words;
+    const char *body;
+    HRESULT result;
+    const char *description;
+};
+
+TEST_F(OAuthWebClientTest, RefusalsAreToldInTheServicesWords)
+{
+    const RefusalCase cases[] = {
+        {504, "Gateway Time-out", "<html><head><title>504 Gateway Time-out</title></head></html>",
+         static_cast<HRESULT>(0x801901F8), "504 Gateway Time-out"},
+        {401, "Unauthorized", "oauth_problem=token_rejected&debug=the-token", static_cast<HRESULT>(0x80190191),
+         "The service does not know the authorization, or it was revoked: authorize again (token_rejected)"},
+        {429, "Too Many Requests", "slow\ndown", static_cast<HRESULT>(0x801901AD), "slow down"},
+        {302, "Found", "", static_cast<HRESULT>(0x8019012E), "Redirections are not followed"},
+        {200, "OK", "all fine", static_cast<HRESULT>(0x80072F78), "The answer is not in the service's form: all fine"},
+    };
+    for (const RefusalCase &refusal : cases)
+    {
+        m_transport->replies = {{refusal.status, refusal.words, refusal.body}};
+        EXPECT_EQ(UploadText("x"), refusal.result);
+        EXPECT_EQ(ReplyText("/HttpError/@HttpStatus"), std::to_string(refusal.status));
+        EXPECT_EQ(ReplyText("/HttpError/Status"), refusal.words);
+        EXPECT_EQ(ReplyText("/HttpError/Description"), refusal.description);
+    }
+    EXPECT_EQ(m_transport->requests.size(), std::size(cases)); // each was sent once
+}
+
+TEST_F(OAuthWebClientTest, BrokenConnectionsAreToldInWords)
+{
+    m_transport->problem = TransportProblem::LostBeforeAnswer;
+    EXPECT_EQ(UploadText("x"), static_cast<HRESULT>(0x80072EFE));
+    EXPECT_EQ(ReplyText("/HttpError/@HttpStatus"), "0");
+    EXPECT_THAT(ReplyText("/HttpError/Description"), HasSubstr("the picture may or may not have arrived"));
+    BstrOwner url;
+    EXPECT_EQ(m_client->GetAuthorizationUrl(0, nullptr, url.Put()), static_cast<HRESULT>(0x80072EFE));
+    m_transport->problem.reset();
+    EXPECT_EQ(m_client->UploadRequest(TEXT("https://up.flickr.com/"), nullptr, TEXT("POST"), nullptr, nullptr, nullptr,
+                                      ScriptedStream::Make("short").Get(), 1000, nullptr, 0, m_reply.Put()),
+              HRESULT_FROM_WIN32(ERROR_HANDLE_EOF));
+}
+
+TEST_F(OAuthWebClientTest, AuthorizationTradesItsTokens)
+{
+    m_transport->replies = {
+        {200, "OK", "oauth_callback_confirmed=true&oauth_token=req%2B1&oauth_token_secret=reqs"},
+        {200, "OK", "fullname=J%20D&oauth_token=acc&oauth_token_secret=accs%21"},
+        {401, "Unauthorized", "oauth_problem=consumer_key_unknown"},
+        {200, "OK", "<html>what?</html>"}};
+    BstrOwner token;
+    BstrOwner secret;
+    EXPECT_EQ(m_client->GetAccessToken(0, TEXT("v"), token.Put(), secret.Put()), E_UNEXPECTED);
+    BstrOwner url;
+    const auto perms = Parameters({{TEXT("perms"), TEXT("write")}});
+    ASSERT_EQ(m_client->GetAuthorizationUrl(0, perms.Get(), url.Put()), S_OK);
+    EXPECT_EQ(Utf8FromWide(url.View()),
+              "https://www.flickr.com/services/oauth/authorize?perms=write&oauth_token=req%2B1");
+    ASSERT_EQ(m_client->GetAccessToken(0, TEXT("ver/1"), token.Put(), secret.Put()), S_OK);
+    EXPECT_EQ(Utf8FromWide(token.View()), "acc");
+    EXPECT_EQ(Utf8FromWide(secret.View()), "accs!");
+
+    const auto &requests = m_transport->requests;
+    ASSERT_EQ(requests.size(), 2u);
+    EXPECT_THAT(requests[0].Header("Authorization"),
+                HasSubstr("oauth_callback=\"http%3A%2F%2Fauthorization.halvora.example%2Fflickr%2Fauthorization%2F\""));
+    EXPECT_THAT(requests[0].Header("Authorization"), Not(HasSubstr("oauth_token=")));
+    EXPECT_TRUE(IsSignedRight(requests[0], "https://www.flickr.com/services/oauth/request_token", {}, ""));
+    EXPECT_THAT(requests[1].Header("Authorization"), HasSubstr("oauth_verifier=\"ver%2F1\""));
+    EXPECT_TRUE(IsSignedRight(requests[1], "https://www.flickr.com/services/oauth/access_token", {}, "reqs"));
+
+    EXPECT_EQ(m_client->GetAuthorizationUrl(0, nullptr, url.Put()), static_cast<HRESULT>(0x80190191));
+    EXPECT_EQ(m_client->GetAuthorizationUrl(0, nullptr, url.Put()), static_cast<HRESULT>(0x80072F78));
+    EXPECT_EQ(url.Get(), nullptr);
+}
+
+TEST_F(OAuthWebClientTest, IncompleteCallsAreRefused)
+{
+    const auto bare = COAuthWebClient::Make(m_transport);
+    EXPECT_EQ(bare->SetAccessToken(TEXT("a"), TEXT("b")), E_UNEXPECTED);
+    EXPECT_EQ(bare->RestRequest(nullptr, TEXT("POST"), nullptr, nullptr, 0, m_reply.Put()), E_UNEXPECTED);
+    EXPECT_EQ(bare->RestRequest(nullptr, TEXT("POST"), nullptr, nullptr, 0, nullptr), E_INVALIDARG);
+    EXPECT_EQ(bare->SetService(TEXT("a"), TEXT("https://h/"), TEXT("PLAINTEXT"), TEXT("k"), TEXT("s"), TEXT("https://h/"),
+                               TEXT("https://h/"), TEXT("https://h/"), TEXT("x"), 0), E_INVALIDARG);
+    EXPECT_EQ(UploadText(""), E_INVALIDARG);
+    EXPECT_EQ(UploadText("x", Parameters({{TEXT("X"), TEXT("a\r\nY: b")}}).Get()), E_INVALIDARG);
+    BstrOwner type;
+    EXPECT_EQ(m_client->GetMimeTypeForFile(TEXT("x.JPG"), type.Put()), S_OK);
+    EXPECT_EQ(Utf8FromWide(type.View()), "image/jpeg");
+    EXPECT_EQ(m_client->GetMimeTypeForFile(nullptr, type.Put()), E_INVALIDARG);
+    EXPECT_TRUE(m_transport->requests.empty());
+}
+} // namespace
