@@ -18,7 +18,8 @@ namespace loopback
 struct HttpRequest
 {
     std::string method;
-    // As it stood in the request line, still percent-encoded, query included.
+    // As it stood in the request line, still percent-encoded, query included; of a whole address what follows
+    // the host.
     std::string target;
     // Lower case, with the port when it isn't the scheme's own.
     std::string host;

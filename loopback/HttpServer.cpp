@@ -38,6 +38,25 @@ std::string LowerCase(std::string text)
     return text;
 }
 
+// A server takes a whole address for its target too, as to a proxy, and that address' host goes ahead of the
+// Host header (RFC 9112, 3.2.2).
+void TakeWholeAddress(HttpRequest &request)
+{
+    const std::size_t host = request.target.starts_with("https://")  ? 8
+                             : request.target.starts_with("http://") ? 7
+                                                                     : 0;
+    if (host > 0)
+    {
+        const std::size_t path = std::min(request.target.find_first_of("/?", host), request.target.size());
+        request.host = request.target.substr(host, path - host);
+        request.target.erase(0, path);
+        if (!request.target.starts_with('/'))
+        {
+            request.target.insert(0, 1, '/');
+        }
+    }
+}
+
 // A connection as httplib wants to see it.
 class ConnectionStream final : public httplib::Stream
 {
@@ -100,7 +119,9 @@ public:
         {
             m_request.headers.emplace(LowerCase(name == HiddenContentType ? "Content-Type" : name), value);
         }
-        m_request.host = LowerCase(m_request.Header("host"));
+        m_request.host = m_request.Header("host");
+        TakeWholeAddress(m_request);
+        m_request.host = LowerCase(m_request.host);
         const std::string ownPort = m_request.secure ? ":443" : ":80";
         if (m_request.host.ends_with(ownPort))
         {

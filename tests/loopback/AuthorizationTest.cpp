@@ -540,6 +540,19 @@ TEST(Authorization, OutlivesTheService)
     EXPECT_EQ(book.Use(token), std::nullopt);
 }
 
+TEST(Authorization, RequestsMayNameTheirWholeAddress)
+{
+    RunningService service;
+    LoopbackClient client = service.Client();
+    Signature signature = Application();
+    signature.further = {{"oauth_callback", MakerCallback}};
+    const std::string step = "services/oauth/request_token";
+    EXPECT_EQ(client.Signed(Steps + "request_token", signature, "https://WWW.flickr.com:443/" + step).status, 200);
+    EXPECT_EQ(client.Signed(Steps + "request_token", signature, "https://other.example/" + step).status, 421);
+    EXPECT_EQ(client.Signed(Steps + "request_token", signature, "https://www.flickr.com/" + step + "?a=b").status, 401)
+        << "its query is signed too";
+}
+
 TEST(Authorization, AnIndexOfBeforeThereWasAnyIsGoodStill)
 {
     TestFolder folder;

@@ -191,9 +191,14 @@ Answer LoopbackClient::UploadBody(const std::string &contentType, const std::str
                 });
 }
 
-Answer LoopbackClient::Signed(const std::string &url, const Signature &signature)
+Answer LoopbackClient::Signed(const std::string &url, const Signature &signature, const std::string &target)
 {
-    return Send(url, signature.Header(url, {}), [](void *curl) { curl_easy_setopt(curl, CURLOPT_POSTFIELDS, ""); });
+    return Send(url, signature.Header(url, {}),
+                [&](void *curl)
+                {
+                    curl_easy_setopt(curl, CURLOPT_POSTFIELDS, "");
+                    curl_easy_setopt(curl, CURLOPT_REQUEST_TARGET, target.empty() ? nullptr : target.c_str());
+                });
 }
 
 Answer LoopbackClient::Get(const std::string &url, const std::string &header)

@@ -66,8 +66,8 @@ public:
     Answer Upload(const Fields &fields, const UploadFile &file = {}, const Signature &signature = {});
     // A body of the caller's own, signed as if it held these fields.
     Answer UploadBody(const std::string &contentType, const std::string &body, const Fields &fields = {});
-    // An empty body, with the signature in the header.
-    Answer Signed(const std::string &url, const Signature &signature);
+    // An empty body, with the signature in the header; target instead of the address' path in the first line.
+    Answer Signed(const std::string &url, const Signature &signature, const std::string &target = "");
     // Without a signature; redirects are not followed. `header` is one more, such as "Cookie: a=b".
     Answer Get(const std::string &url, const std::string &header = "");
     Answer Head(const std::string &url);
