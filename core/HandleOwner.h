@@ -55,6 +55,15 @@ struct RegistryKeyPolicy
 };
 using RegistryKeyOwner = HandleOwner<RegistryKeyPolicy>;
 
+// A file, or a folder that is open as one.
+struct FilePolicy
+{
+    using Handle = HANDLE;
+    static Handle Empty() noexcept { return INVALID_HANDLE_VALUE; }
+    static void Free(Handle handle) noexcept { CloseHandle(handle); }
+};
+using FileOwner = HandleOwner<FilePolicy>;
+
 struct LocalMemoryPolicy
 {
     using Handle = WCHAR *;

@@ -1,11 +1,12 @@
 #include "host/Commands.h"
 
-#include "host/DisplayText.h"
 #include "host/InitData.h"
 #include "host/InstalledModules.h"
+#include "host/SettingsKeyMaking.h"
 #include "host/LinkText.h"
 #include "host/PluginSession.h"
 #include "host/PublishingHost.h"
+#include "host/SafeLine.h"
 #include "host/SettingsKey.h"
 #include "host/SystemWords.h"
 #include "host/Terminal.h"

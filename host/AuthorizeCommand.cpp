@@ -1,11 +1,11 @@
 #include "host/Commands.h"
 
-#include "host/DisplayText.h"
 #include "host/InitData.h"
 #include "host/InstalledModules.h"
 #include "host/PluginSession.h"
 #include "host/PluginVerb.h"
 #include "host/PublishingHost.h"
+#include "host/SafeLine.h"
 #include "host/SystemWords.h"
 #include "host/Terminal.h"
 #include "host/TextEncodings.h"

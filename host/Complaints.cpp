@@ -1,6 +1,6 @@
 #include "host/Commands.h"
 
-#include "host/DisplayText.h"
+#include "host/SafeLine.h"
 
 #include <iostream>
 

@@ -40,11 +40,6 @@ size_t ColumnsOf(UChar32 character)
     const int width = u_getIntPropertyValue(character, UCHAR_EAST_ASIAN_WIDTH);
     return width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
 }
-
-bool OverridesDirection(UChar32 character)
-{
-    return (character >= 0x202A && character <= 0x202E) || (character >= 0x2066 && character <= 0x2069);
-}
 } // namespace
 
 size_t DisplayWidth(std::string_view utf8)
@@ -81,38 +76,6 @@ std::string CutToWidth(std::string_view utf8, size_t columns, bool unicode)
         return true;
     });
     return cut.append(mark);
-}
-
-std::string OneSafeLine(std::string_view utf8)
-{
-    constexpr std::string_view replacement = "\xEF\xBF\xBD";
-    std::string safe;
-    safe.reserve(utf8.size());
-    ForEachCharacter(utf8, [&](UChar32 character, std::string_view bytes) {
-        if (character == '\n' || character == '\t')
-        {
-            safe += ' ';
-        }
-        else if (character == '\r')
-        {
-            // The line feed behind it, or nothing, stands for the break.
-        }
-        else if (character >= 0 && (character < 0x20 || character == 0x7F))
-        {
-            safe += '^';
-            safe += static_cast<char>(character ^ 0x40);
-        }
-        else if (character < 0 || (character >= 0x80 && character < 0xA0) || OverridesDirection(character))
-        {
-            safe += replacement;
-        }
-        else
-        {
-            safe += bytes;
-        }
-        return true;
-    });
-    return safe;
 }
 
 std::string AsciiOnly(std::string_view utf8)

@@ -1,4 +1,4 @@
-// Text as a terminal shows it: what takes how many columns, and what must not reach it.
+// Text as a terminal shows it: what takes how many columns.
 #pragma once
 
 #include <cstddef>
@@ -11,11 +11,6 @@ size_t DisplayWidth(std::string_view utf8);
 // The longest beginning of the text that fits in columns, closed with "..." (a "…" if unicode) where
 // something was cut. Never wider than columns, and never cut inside a character.
 std::string CutToWidth(std::string_view utf8, size_t columns, bool unicode);
-
-// The text in one line and without power over the terminal: line breaks and tabs become blanks, other
-// control characters show in caret notation, and direction overrides and bytes that are no UTF-8 as
-// U+FFFD.
-std::string OneSafeLine(std::string_view utf8);
 
 // The text in ASCII, everything else as "?".
 std::string AsciiOnly(std::string_view utf8);

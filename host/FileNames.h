@@ -1,5 +1,5 @@
-// File names on their way to and from the plug-in. On disk a name is bytes; at the interface it is
-// UTF-16, in the convention of the platform's file functions: a byte that belongs to no valid UTF-8
+// File names on their way to and from the plug-in. At the interface a name is UTF-16. Where it is bytes
+// on disk, the convention is that of the platform's file functions: a byte that belongs to no valid UTF-8
 // sequence is the lone surrogate U+DC00 + byte. Every name survives the round trip.
 #pragma once
 
@@ -10,5 +10,22 @@
 WideText TextOfPath(const std::filesystem::path &path);
 std::filesystem::path PathOfText(WideView text);
 
-// For the terminal: valid UTF-8 in one line, bytes that are no text as U+FFFD.
+// For a person: valid UTF-8 in one line, what is no text as U+FFFD.
 std::string ShownPath(const std::filesystem::path &path);
+
+// A path's text for comparing and sorting: its bytes as on disk, or UTF-8 where names are UTF-16.
+std::string NameBytes(const std::filesystem::path &path);
+
+// Without the dot, as NameBytes.
+inline std::string ExtensionOf(const std::filesystem::path &file)
+{
+    const std::string extension = NameBytes(file.extension());
+    return extension.empty() ? extension : extension.substr(1);
+}
+
+// The same for every name that leads to a file of this name in the same folder: links to folders are
+// resolved, and case is folded where the system doesn't tell it apart. To be compared, not opened.
+std::filesystem::path IdentityOf(const std::filesystem::path &file);
+
+// Whether a walk through a folder passes the entry over.
+bool IsHidden(const std::filesystem::path &entry);

@@ -4,7 +4,7 @@
 
 #include "host/FileNames.h"
 
-#include "host/DisplayText.h"
+#include "host/SafeLine.h"
 
 WideText TextOfPath(const std::filesystem::path &path)
 {
@@ -57,4 +57,22 @@ std::filesystem::path PathOfText(WideView text)
 std::string ShownPath(const std::filesystem::path &path)
 {
     return OneSafeLine(path.native());
+}
+
+std::string NameBytes(const std::filesystem::path &path)
+{
+    return path.native();
+}
+
+std::filesystem::path IdentityOf(const std::filesystem::path &file)
+{
+    std::error_code error;
+    const std::filesystem::path whole = std::filesystem::absolute(file, error);
+    const std::filesystem::path folder = std::filesystem::canonical(whole.parent_path(), error);
+    return (error ? whole.parent_path() : folder) / whole.filename();
+}
+
+bool IsHidden(const std::filesystem::path &entry)
+{
+    return entry.filename().native().starts_with('.');
 }

@@ -12,9 +12,6 @@
 // where they are installed, or lib, where they are built; then its own.
 std::vector<std::filesystem::path> ModuleFolders();
 
-// Makes the key of the plug-in's settings where it is missing.
-HRESULT MakeSettingsKey();
-
 struct RegistrationReport
 {
     std::vector<std::string> problems;  // in words; what could be registered is

@@ -1,10 +1,10 @@
 #include "host/InstalledModules.h"
 
 #include "host/FileNames.h"
+#include "host/SettingsKeyMaking.h"
 #include "host/SystemWords.h"
 
 #include "platform/advapi32/RegistryStore.h"
-#include "settings/StoredSettings.h"
 
 #include "core/HandleOwner.h"
 #include <optional>
@@ -109,17 +109,6 @@ std::vector<fs::path> ModuleFolders()
     const fs::path installed = built / "halvora" / "modules";
     std::error_code error;
     return {fs::is_directory(installed, error) ? installed : built, folder};
-}
-
-HRESULT MakeSettingsKey()
-{
-    RegistryKeyOwner key;
-    if (RegOpenKeyExW(HKEY_CURRENT_USER, SettingsKeyPath, 0, KEY_READ, key.Put()) == ERROR_SUCCESS)
-    {
-        return S_OK;
-    }
-    return HRESULT_FROM_WIN32(RegCreateKeyExW(HKEY_CURRENT_USER, SettingsKeyPath, 0, nullptr, 0,
-                                              KEY_READ | KEY_WRITE, nullptr, key.Put(), nullptr));
 }
 
 RegistrationReport RegisterInstalledModules(const std::vector<fs::path> &folders)

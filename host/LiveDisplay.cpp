@@ -1,6 +1,6 @@
 #include "host/LiveDisplay.h"
 
-#include "host/DisplayText.h"
+#include "host/SafeLine.h"
 
 namespace
 {

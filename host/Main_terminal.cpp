@@ -1,6 +1,5 @@
 // `halvora`, the host for the terminal.
 #include "host/Commands.h"
-#include "host/DisplayText.h"
 #include "host/FileNames.h"
 #include "host/SystemWords.h"
 #include "host/Terminal.h"

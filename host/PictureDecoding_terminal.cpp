@@ -1,6 +1,7 @@
 #include "host/PictureDecoding.h"
 
 #include "host/ErrnoCodes.h"
+#include "host/FileNames.h"
 #include "host/RawDecoding.h"
 
 #include <vips/vips.h>
@@ -279,12 +280,6 @@ DecodedPicture Scale(DecodedPicture developed, UINT longEdge, const std::atomic<
         return vips_thumbnail_image(in, out, edge, "height", edge, "size", VIPS_SIZE_DOWN, nullptr);
     });
     return Finish(std::move(image), stop);
-}
-
-std::string ExtensionOf(const std::filesystem::path &file)
-{
-    const std::string extension = file.extension().string();
-    return extension.empty() ? extension : extension.substr(1);
 }
 } // namespace
 

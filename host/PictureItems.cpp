@@ -1,14 +1,13 @@
 #include "host/PictureItems.h"
 
+#include "host/FileNames.h"
 #include "host/NaturalOrder.h"
 #include "host/PictureExtensions.h"
+#include "host/WholeFile.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdint>
-#include <cstdio>
 #include <map>
-#include <memory>
 #include <optional>
 #include <set>
 
@@ -18,22 +17,6 @@ namespace
 {
 // Lengths on the road to the service are unsigned 32-bit numbers of bytes.
 constexpr uintmax_t LARGEST_FILE = 0xFFFFFFFF;
-
-struct CloseFile
-{
-    void operator()(std::FILE *file) const noexcept { std::fclose(file); }
-};
-
-std::string Words(const std::error_code &error)
-{
-    return error.message();
-}
-
-std::string ExtensionOf(const fs::path &file)
-{
-    const std::string extension = file.extension().string();
-    return extension.empty() ? extension : extension.substr(1);
-}
 
 // Why the file can't be published; nothing if it can, as far as can be told without reading it.
 std::optional<std::string> FaultOf(const fs::path &file)
@@ -50,17 +33,15 @@ std::optional<std::string> FaultOf(const fs::path &file)
     }
     if (error)
     {
-        return "can't be looked at: " + Words(error);
+        return "can't be looked at: " + FileErrorWords(error);
     }
     if (status.type() != fs::file_type::regular)
     {
         return "is not an ordinary file";
     }
-    const std::unique_ptr<std::FILE, CloseFile> opened(std::fopen(file.c_str(), "rb"));
-    if (!opened)
+    if (const std::error_code fault = TryToRead(file))
     {
-        return "can't be read: " + Words(std::error_code(errno, std::generic_category())) +
-               "; check its permissions";
+        return "can't be read: " + FileErrorWords(fault) + "; check its permissions";
     }
     const uintmax_t size = fs::file_size(file, error);
     if (!error && size == 0)
@@ -146,20 +127,15 @@ private:
 
     void Add(const fs::path &file, const std::string &extension)
     {
-        std::error_code error;
-        const fs::path whole = fs::absolute(file, error);
-        fs::path folder = fs::canonical(whole.parent_path(), error);
-        if (error)
-        {
-            folder = whole.parent_path();
-        }
-        const fs::path identity = folder / whole.filename();
+        const fs::path identity = IdentityOf(file);
         if (!m_seen.insert(identity).second)
         {
             return;
         }
-        const fs::path stem = folder / whole.stem();
-        const auto [known, isNew] = m_byStem.try_emplace(stem, m_collection.items.size());
+        std::error_code error;
+        const fs::path whole = fs::absolute(file, error);
+        const auto [known, isNew] =
+            m_byStem.try_emplace(identity.parent_path() / identity.stem(), m_collection.items.size());
         if (isNew)
         {
             m_collection.items.push_back({whole.parent_path() / whole.stem(), {}});
@@ -183,15 +159,15 @@ private:
         }
         if (error)
         {
-            m_collection.refused.push_back({folder, "can't be listed: " + Words(error)});
+            m_collection.refused.push_back({folder, "can't be listed: " + FileErrorWords(error)});
             return false;
         }
         std::sort(entries.begin(), entries.end(), [](const fs::path &a, const fs::path &b) {
-            return NaturallyBefore(a.filename().native(), b.filename().native());
+            return NaturallyBefore(NameBytes(a.filename()), NameBytes(b.filename()));
         });
         for (const fs::path &entry : entries)
         {
-            if (entry.filename().native().front() == '.')
+            if (IsHidden(entry))
             {
                 continue;
             }
@@ -208,9 +184,10 @@ private:
 };
 } // namespace
 
-fs::path PictureItem::File(size_t index) const
+fs::path PictureItem::FileWith(const std::string &extension) const
 {
-    return fs::path(stem.native() + "." + extensions[index]);
+    fs::path file = stem;
+    return file += "." + extension;
 }
 
 ItemCollection CollectItems(const std::vector<fs::path> &arguments, bool recursive)

@@ -10,9 +10,10 @@
 struct PictureItem
 {
     std::filesystem::path stem;             // absolute, without the dot and extension
-    std::vector<std::string> extensions;    // without dots, as on disk, in the order of their discovery
+    std::vector<std::string> extensions;    // without dots, as NameBytes, in the order of their discovery
 
-    std::filesystem::path File(size_t index) const;
+    std::filesystem::path File(size_t index) const { return FileWith(extensions[index]); }
+    std::filesystem::path FileWith(const std::string &extension) const;
 };
 
 struct RefusedFile

@@ -1,5 +1,7 @@
 #include "host/PicturesAhead.h"
 
+#include "host/FileNames.h"
+
 #include <algorithm>
 
 namespace fs = std::filesystem;
@@ -18,10 +20,9 @@ std::string LowerExtension(std::string extension)
     return extension;
 }
 
-std::string ExtensionOf(const fs::path &file)
+std::string LowerExtensionOf(const fs::path &file)
 {
-    const std::string extension = file.extension().string();
-    return extension.empty() ? extension : LowerExtension(extension.substr(1));
+    return LowerExtension(ExtensionOf(file));
 }
 } // namespace
 
@@ -61,7 +62,7 @@ std::shared_ptr<const DecodedPicture> PicturesAhead::Take(const fs::path &file, 
             }
             DropLocked(job);
         }
-        m_isDecoded[ExtensionOf(file)] = true;
+        m_isDecoded[LowerExtensionOf(file)] = true;
         // Before the size of this picture is known, the last guess stands.
         if (picture || longEdge != 0)
         {
@@ -81,7 +82,7 @@ std::shared_ptr<const DecodedPicture> PicturesAhead::Take(const fs::path &file, 
 void PicturesAhead::NoteUndecoded(const fs::path &file)
 {
     const std::lock_guard guard(m_lock);
-    m_isDecoded[ExtensionOf(file)] = false;
+    m_isDecoded[LowerExtensionOf(file)] = false;
 }
 
 void PicturesAhead::Stop()
@@ -149,7 +150,7 @@ void PicturesAhead::PlanLocked(const fs::path &asked, UINT longEdge, size_t byte
 {
     const size_t expected = longEdge == 0 ? bytes : size_t{longEdge} * longEdge * 3;
     const size_t room = expected > MOST_BYTES_AHEAD / MOST_AHEAD ? 1 : MOST_AHEAD;
-    const std::string extension = ExtensionOf(asked);
+    const std::string extension = LowerExtensionOf(asked);
     const size_t end = std::min(m_items.size(), m_item + 1 + SIGHT);
     for (size_t item = m_item + 1; item < end && m_jobs.size() < room && !m_stopped; ++item)
     {
@@ -160,7 +161,7 @@ void PicturesAhead::PlanLocked(const fs::path &asked, UINT longEdge, size_t byte
         }
         const auto job = std::make_shared<Job>();
         job->item = item;
-        job->file = fs::path(m_items[item].stem.native() + "." + *guess);
+        job->file = m_items[item].FileWith(*guess);
         job->longEdge = longEdge;
         if (!Find(job->file, longEdge) && StampOf(job->file, job->stamp))
         {

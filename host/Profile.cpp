@@ -4,8 +4,6 @@
 #include "host/InitData.h"
 #include "host/WholeFile.h"
 
-#include <cstdlib>
-
 namespace fs = std::filesystem;
 
 namespace
@@ -15,23 +13,9 @@ constexpr size_t LONGEST_INIT_DATA = 7 << 20;
 
 std::string Failure(const std::string &what, const std::system_error &error, const std::string &advice)
 {
-    return what + ": " + error.code().message() + ". " + advice;
+    return what + ": " + FileErrorWords(error.code()) + ". " + advice;
 }
 } // namespace
-
-fs::path Profile::DefaultFolder()
-{
-    // The base directory specification has relative values ignored.
-    if (const char *data = std::getenv("XDG_DATA_HOME"); data != nullptr && fs::path(data).is_absolute())
-    {
-        return fs::path(data) / "halvora";
-    }
-    if (const char *home = std::getenv("HOME"); home != nullptr && *home != '\0')
-    {
-        return fs::path(home) / ".local" / "share" / "halvora";
-    }
-    return fs::path();
-}
 
 Profile::Profile(const fs::path &folder)
 {

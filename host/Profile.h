@@ -1,5 +1,6 @@
 // The folder that holds what one user of the program keeps: the registry store and the plug-in's
-// stream with the account. It is the user's own (mode 0700), and so are its files (0600).
+// stream with the account. It is the user's own (mode 0700, its files 0600), or lies where the system
+// keeps others out.
 #pragma once
 
 #include <filesystem>
@@ -17,7 +18,8 @@ public:
 class Profile
 {
 public:
-    // $XDG_DATA_HOME/halvora, else ~/.local/share/halvora; empty if there is no home.
+    // $XDG_DATA_HOME/halvora, else ~/.local/share/halvora; %LOCALAPPDATA%\Halvora on Windows. Empty if
+    // there is no home.
     static std::filesystem::path DefaultFolder();
 
     // Makes the folder if it is missing. Throws ProfileError.

@@ -1,7 +1,7 @@
 #include "host/RunRecord.h"
 
-#include "host/DisplayText.h"
 #include "host/FileNames.h"
+#include "host/SafeLine.h"
 
 #include <algorithm>
 #include <cstdlib>

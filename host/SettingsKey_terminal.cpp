@@ -1,6 +1,7 @@
 #include "host/SettingsKey.h"
 
 #include "host/DisplayText.h"
+#include "host/SafeLine.h"
 #include "host/TextEncodings.h"
 
 #include "platform/advapi32/RegistryStore.h"

@@ -2,6 +2,7 @@
 
 #include "host/InitData.h"
 #include "host/InstalledModules.h"
+#include "host/SettingsKeyMaking.h"
 #include "host/PluginSession.h"
 #include "host/PluginVerb.h"
 #include "host/PublishingHost.h"

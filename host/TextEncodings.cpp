@@ -1,45 +1,11 @@
-// ICU's headers come first: the Windows headers make them take the system for Windows.
-#include <unicode/ucnv.h>
-#include <unicode/ustring.h>
-
 #include "host/TextEncodings.h"
 
+#include "host/CharsetConversion.h"
+
 #include <algorithm>
-#include <memory>
 
 namespace
 {
-constexpr UChar32 REPLACEMENT = 0xFFFD;
-
-struct CloseConverter
-{
-    void operator()(UConverter *converter) const noexcept { ucnv_close(converter); }
-};
-
-// What can't be converted stops the conversion if strict, and becomes U+FFFD otherwise.
-std::optional<WideText> Convert(const char *charset, std::string_view bytes, bool strict)
-{
-    UErrorCode status = U_ZERO_ERROR;
-    std::unique_ptr<UConverter, CloseConverter> converter(ucnv_open(charset, &status));
-    if (U_FAILURE(status))
-    {
-        return std::nullopt;
-    }
-    if (strict)
-    {
-        ucnv_setToUCallBack(converter.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
-    }
-    WideText text(bytes.size() * 2 + 16, 0);
-    const int32_t length = ucnv_toUChars(converter.get(), text.data(), static_cast<int32_t>(text.size()),
-                                         bytes.data(), static_cast<int32_t>(bytes.size()), &status);
-    if (U_FAILURE(status))
-    {
-        return std::nullopt;
-    }
-    text.resize(static_cast<size_t>(length));
-    return text;
-}
-
 WideText ReadUnits(std::string_view bytes, ByteOrder16 order)
 {
     WideText text;
@@ -71,17 +37,7 @@ std::optional<WideText> TextFromUtf8(std::string_view bytes)
     {
         bytes.remove_prefix(3);
     }
-    WideText text(bytes.size(), 0);
-    int32_t length = 0;
-    UErrorCode status = U_ZERO_ERROR;
-    u_strFromUTF8(text.data(), static_cast<int32_t>(text.size()), &length, bytes.data(),
-                  static_cast<int32_t>(bytes.size()), &status);
-    if (U_FAILURE(status))
-    {
-        return std::nullopt;
-    }
-    text.resize(static_cast<size_t>(length));
-    return text;
+    return TextFromCharset(Charset::Utf8, bytes, Faults::Refuse);
 }
 
 WideText TextFromUtf8OrLatin(std::string_view bytes)
@@ -90,7 +46,7 @@ WideText TextFromUtf8OrLatin(std::string_view bytes)
     {
         return *std::move(text);
     }
-    return Convert("windows-1252", bytes, false).value_or(WideText());
+    return TextFromCharset(Charset::Windows1252, bytes, Faults::Replace).value_or(WideText());
 }
 
 WideText TextFromUtf16(std::string_view bytes, ByteOrder16 order)
@@ -119,27 +75,16 @@ WideText TextFromJis(std::string_view bytes)
     {
         const bool escaped = bytes.find('\x1B') != bytes.npos;
         const std::string framed = escaped ? std::string(bytes) : "\x1B$B" + std::string(bytes) + "\x1B(B";
-        if (auto text = Convert("ISO-2022-JP", framed, true))
+        if (auto text = TextFromCharset(Charset::Iso2022Jp, framed, Faults::Refuse))
         {
             return *std::move(text);
         }
     }
-    if (auto text = Convert("Shift_JIS", bytes, true))
+    if (auto text = TextFromCharset(Charset::ShiftJis, bytes, Faults::Refuse))
     {
         return *std::move(text);
     }
-    return Convert("EUC-JP", bytes, false).value_or(WideText());
-}
-
-std::string Utf8FromText(WideView text)
-{
-    std::string bytes(text.size() * 3, '\0');
-    int32_t length = 0;
-    UErrorCode status = U_ZERO_ERROR;
-    u_strToUTF8WithSub(bytes.data(), static_cast<int32_t>(bytes.size()), &length, text.data(),
-                       static_cast<int32_t>(text.size()), REPLACEMENT, nullptr, &status);
-    bytes.resize(U_SUCCESS(status) ? static_cast<size_t>(length) : 0);
-    return bytes;
+    return TextFromCharset(Charset::EucJp, bytes, Faults::Replace).value_or(WideText());
 }
 
 WideText WithoutPadding(WideText text)

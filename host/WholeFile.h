@@ -1,11 +1,18 @@
 // Files that are read and replaced as a whole.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <system_error>
+
+// No error if the file can be read, else the system's.
+std::error_code TryToRead(const std::filesystem::path &file);
+
+// The system's words for a failure of a file's, in UTF-8.
+std::string FileErrorWords(const std::error_code &error);
 
 // Nothing if there is no such file. Throws std::system_error for any other failure, and for a file
 // of more than limit bytes.
@@ -41,7 +48,7 @@ public:
     FolderLock &operator=(const FolderLock &) = delete;
 
 private:
-    int m_descriptor;
+    std::intptr_t m_lock;   // of the system
 };
 
 // Gives the file another name that is not taken: name + "-1", "-2" and so on. Gives the new path back.

@@ -60,6 +60,17 @@ void WriteAll(int descriptor, std::string_view content, const fs::path &path)
 }
 } // namespace
 
+std::error_code TryToRead(const fs::path &file)
+{
+    const Descriptor opened(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+    return opened.Number() < 0 ? std::error_code(errno, std::generic_category()) : std::error_code();
+}
+
+std::string FileErrorWords(const std::error_code &error)
+{
+    return error.message();
+}
+
 std::optional<std::string> ReadWholeFile(const fs::path &file, size_t limit)
 {
     const Descriptor opened(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
@@ -138,14 +149,14 @@ void FileReplacement::Commit()
 }
 
 FolderLock::FolderLock(const fs::path &folder)
-    : m_descriptor(OpenOrThrow(folder / "lock", O_RDWR | O_CREAT, 0600, "locking"))
+    : m_lock(OpenOrThrow(folder / "lock", O_RDWR | O_CREAT, 0600, "locking"))
 {
-    while (::flock(m_descriptor, LOCK_EX) != 0)
+    while (::flock(static_cast<int>(m_lock), LOCK_EX) != 0)
     {
         if (errno != EINTR)
         {
             const int error = errno;
-            ::close(m_descriptor);
+            ::close(static_cast<int>(m_lock));
             errno = error;
             ThrowErrno("locking", folder);
         }
@@ -154,7 +165,7 @@ FolderLock::FolderLock(const fs::path &folder)
 
 FolderLock::~FolderLock()
 {
-    ::close(m_descriptor);
+    ::close(static_cast<int>(m_lock));
 }
 
 fs::path SetFileAside(const fs::path &file, const std::string &suffix)

@@ -2,6 +2,7 @@
 #include "host/SettingsKey.h"
 
 #include "host/InstalledModules.h"
+#include "host/SettingsKeyMaking.h"
 
 #include <gmock/gmock.h>
 

@@ -1,0 +1,217 @@
+#include "host/PictureDecoding.h"
+
+#include "host/Apartment_win32.h"
+#include "host/FrameOrientation_win32.h"
+#include "host/SystemWords.h"
+#include "host/WholeFile.h"
+
+#include "core/ComPtr.h"
+#include "core/Hresult.h"
+
+#include <wincodec.h>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+namespace
+{
+// What one call copies: seldom enough for decoders that begin anew with each call, often enough to stop.
+constexpr size_t BAND_BYTES = size_t{16} << 20;
+
+// Since Windows 10; it takes every pixel of the source into account, as Fant does.
+constexpr auto HIGH_QUALITY_CUBIC = static_cast<WICBitmapInterpolationMode>(4);
+
+[[noreturn]] void ThrowDecoding(HRESULT code)
+{
+    switch (code)
+    {
+    case E_OUTOFMEMORY:
+        throw DecodingError(code, "needs more memory than there is");
+    case WINCODEC_ERR_COMPONENTNOTFOUND:
+    case WINCODEC_ERR_UNKNOWNIMAGEFORMAT:
+        throw DecodingError(WINCODEC_ERR_UNKNOWNIMAGEFORMAT, "is of no kind of picture that is known here");
+    default:
+        throw DecodingError(WINCODEC_ERR_BADIMAGE, "is damaged or was cut short: " + SystemWords(code));
+    }
+}
+
+void Check(HRESULT code)
+{
+    if (FAILED(code))
+    {
+        ThrowDecoding(code);
+    }
+}
+
+struct Size
+{
+    UINT width = 0;
+    UINT height = 0;
+};
+
+Size SizeOf(IWICBitmapSource *source)
+{
+    Size size;
+    Check(source->GetSize(&size.width, &size.height));
+    if (UINT64{size.width} * size.height > MAX_PICTURE_PIXELS)
+    {
+        throw DecodingError(WINCODEC_ERR_IMAGESIZEOUTOFRANGE,
+                            "says that it is " + std::to_string(size.width) + " by " + std::to_string(size.height) +
+                                " pixels large; at most " + std::to_string(MAX_PICTURE_PIXELS / 1'000'000) +
+                                " megapixels can be decoded");
+    }
+    return size;
+}
+
+Size Reduced(const Size &size, UINT longEdge)
+{
+    const UINT longest = std::max(size.width, size.height);
+    if (longEdge == 0 || longest <= longEdge)
+    {
+        return size;
+    }
+    const auto scaled = [&](UINT edge) {
+        return std::max(1u, static_cast<UINT>(std::lround(double(edge) * longEdge / longest)));
+    };
+    return {scaled(size.width), scaled(size.height)};
+}
+
+class PictureReading
+{
+public:
+    PictureReading(UINT longEdge, const std::atomic<bool> *stop) : m_longEdge(longEdge), m_stop(stop)
+    {
+        Check(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IWICImagingFactory),
+                               m_factory.PutVoid()));
+    }
+
+    DecodedPicture Read(const std::filesystem::path &file)
+    {
+        ComPtr<IWICBitmapDecoder> decoder;
+        Check(m_factory->CreateDecoderFromFilename(file.c_str(), nullptr, GENERIC_READ, WICDecodeMetadataCacheOnDemand,
+                                                   decoder.Put()));
+        ComPtr<IWICBitmapFrameDecode> frame;
+        Check(decoder->GetFrame(0, frame.Put()));
+        const Size size = SizeOf(frame.Get());
+        const UINT16 orientation = OrientationOfFrame(*frame.Get());
+
+        // Colours that are multiplied with their alpha can be scaled, and laid on white afterwards.
+        ComPtr<IWICBitmapSource> source = ConvertTo(GUID_WICPixelFormat32bppPBGRA, InScreenColours(frame));
+        const Size wanted = Reduced(size, m_longEdge);
+        if (wanted.width != size.width || wanted.height != size.height)
+        {
+            source = Scale(source, wanted);
+        }
+        DecodedPicture picture = CopyOnWhite(*source.Get(), wanted);
+        frame->GetResolution(&picture.dpiX, &picture.dpiY);
+        return Upright(std::move(picture), orientation);
+    }
+
+private:
+    ComPtr<IWICBitmapSource> ConvertTo(const GUID &format, const ComPtr<IWICBitmapSource> &source)
+    {
+        ComPtr<IWICFormatConverter> converter;
+        Check(m_factory->CreateFormatConverter(converter.Put()));
+        Check(converter->Initialize(source.Get(), format, WICBitmapDitherTypeNone, nullptr, 0,
+                                    WICBitmapPaletteTypeCustom));
+        return converter;
+    }
+
+    // The frame's profile, if it has one and the component can read it.
+    ComPtr<IWICColorContext> ProfileOf(IWICBitmapFrameDecode *frame)
+    {
+        ComPtr<IWICColorContext> profile;
+        UINT count = 0;
+        IWICColorContext *room[1] = {};
+        if (FAILED(frame->GetColorContexts(0, nullptr, &count)) || count == 0 ||
+            FAILED(m_factory->CreateColorContext(profile.Put())))
+        {
+            return nullptr;
+        }
+        room[0] = profile.Get();
+        WICColorContextType type = WICColorContextUninitialized;
+        if (FAILED(frame->GetColorContexts(1, room, &count)) || FAILED(profile->GetType(&type)) ||
+            type == WICColorContextUninitialized)
+        {
+            return nullptr;
+        }
+        return profile;
+    }
+
+    // The frame itself where it has no profile, or none that can be used.
+    ComPtr<IWICBitmapSource> InScreenColours(const ComPtr<IWICBitmapFrameDecode> &frame)
+    {
+        const ComPtr<IWICColorContext> profile = ProfileOf(frame.Get());
+        ComPtr<IWICColorContext> screen;
+        ComPtr<IWICColorTransform> transform;
+        constexpr UINT exifSrgb = 1;
+        if (!profile || FAILED(m_factory->CreateColorContext(screen.Put())) ||
+            FAILED(screen->InitializeFromExifColorSpace(exifSrgb)) ||
+            FAILED(m_factory->CreateColorTransformer(transform.Put())) ||
+            FAILED(transform->Initialize(frame.Get(), profile.Get(), screen.Get(), GUID_WICPixelFormat32bppBGRA)))
+        {
+            return frame;
+        }
+        return transform;
+    }
+
+    ComPtr<IWICBitmapSource> Scale(const ComPtr<IWICBitmapSource> &source, const Size &wanted)
+    {
+        ComPtr<IWICBitmapScaler> scaler;
+        Check(m_factory->CreateBitmapScaler(scaler.Put()));
+        if (FAILED(scaler->Initialize(source.Get(), wanted.width, wanted.height, HIGH_QUALITY_CUBIC)))
+        {
+            Check(m_factory->CreateBitmapScaler(scaler.Put()));
+            Check(scaler->Initialize(source.Get(), wanted.width, wanted.height, WICBitmapInterpolationModeFant));
+        }
+        return scaler;
+    }
+
+    DecodedPicture CopyOnWhite(IWICBitmapSource &source, const Size &size)
+    {
+        DecodedPicture picture;
+        picture.width = size.width;
+        picture.height = size.height;
+        picture.pixels.resize(picture.RowBytes() * size.height);
+        const size_t row = size_t{size.width} * 4;
+        const auto lines = static_cast<UINT>(std::clamp<size_t>(BAND_BYTES / row, 1, size.height));
+        std::vector<BYTE> band(row * lines);
+        BYTE *to = picture.pixels.data();
+        for (UINT top = 0; top < size.height; top += lines)
+        {
+            if (m_stop != nullptr && *m_stop)
+            {
+                throw DecodingError(E_ABORT, "was not finished");
+            }
+            const UINT count = std::min(lines, size.height - top);
+            const WICRect part = {0, static_cast<INT>(top), static_cast<INT>(size.width), static_cast<INT>(count)};
+            Check(source.CopyPixels(&part, static_cast<UINT>(row), static_cast<UINT>(row * count), band.data()));
+            for (const BYTE *from = band.data(), *const end = from + row * count; from != end; from += 4)
+            {
+                const int white = 255 - from[3];
+                for (int i = 0; i < 3; ++i)
+                {
+                    *to++ = static_cast<BYTE>(std::min(from[i] + white, 255));
+                }
+            }
+        }
+        return picture;
+    }
+
+    const UINT m_longEdge;
+    const std::atomic<bool> *const m_stop;
+    ComPtr<IWICImagingFactory> m_factory;
+};
+} // namespace
+
+DecodedPicture DecodePicture(const std::filesystem::path &file, UINT longEdge, const std::atomic<bool> *stop)
+{
+    if (const std::error_code fault = TryToRead(file))
+    {
+        throw DecodingError(HRESULT_FROM_WIN32(static_cast<DWORD>(fault.value())),
+                            "can't be read: " + FileErrorWords(fault));
+    }
+    const Apartment apartment;
+    return PictureReading(longEdge, stop).Read(file);
+}

@@ -1,0 +1,188 @@
+#include "host/WholeFile.h"
+
+#include "host/SystemWords.h"
+
+#include "core/HandleOwner.h"
+
+#include <windows.h>
+
+#include <algorithm>
+
+namespace fs = std::filesystem;
+
+namespace
+{
+// More than any content that is written here; the system takes 32 bits.
+constexpr size_t LARGEST_PART = size_t{1} << 30;
+
+[[noreturn]] void ThrowLastError(const char *deed)
+{
+    throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), deed);
+}
+
+FileOwner Open(const fs::path &path, DWORD access, DWORD disposition)
+{
+    return FileOwner(CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                 disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+FileOwner OpenOrThrow(const fs::path &path, DWORD access, DWORD disposition, const char *deed)
+{
+    FileOwner opened = Open(path, access, disposition);
+    if (!opened)
+    {
+        ThrowLastError(deed);
+    }
+    return opened;
+}
+
+bool IsMissing(DWORD error)
+{
+    return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+}
+
+void WriteAll(HANDLE file, std::string_view content)
+{
+    while (!content.empty())
+    {
+        DWORD written = 0;
+        const auto size = static_cast<DWORD>(std::min(content.size(), LARGEST_PART));
+        if (!WriteFile(file, content.data(), size, &written, nullptr))
+        {
+            ThrowLastError("writing");
+        }
+        content.remove_prefix(written);
+    }
+    // The name must never lead to content that isn't there yet.
+    if (!FlushFileBuffers(file))
+    {
+        ThrowLastError("writing");
+    }
+}
+} // namespace
+
+std::error_code TryToRead(const fs::path &file)
+{
+    return Open(file, GENERIC_READ, OPEN_EXISTING)
+               ? std::error_code()
+               : std::error_code(static_cast<int>(GetLastError()), std::system_category());
+}
+
+std::string FileErrorWords(const std::error_code &error)
+{
+    // The category's own words come in the code page of the day.
+    return error.category() == std::system_category()
+               ? SystemWords(HRESULT_FROM_WIN32(static_cast<DWORD>(error.value())))
+               : error.message();
+}
+
+std::optional<std::string> ReadWholeFile(const fs::path &file, size_t limit)
+{
+    const FileOwner opened = Open(file, GENERIC_READ, OPEN_EXISTING);
+    if (!opened)
+    {
+        if (IsMissing(GetLastError()))
+        {
+            return std::nullopt;
+        }
+        ThrowLastError("opening");
+    }
+    std::string content;
+    char part[4096];
+    for (;;)
+    {
+        DWORD count = 0;
+        if (!ReadFile(opened.Get(), part, sizeof(part), &count, nullptr))
+        {
+            ThrowLastError("reading");
+        }
+        if (count == 0)
+        {
+            return content;
+        }
+        content.append(part, count);
+        if (content.size() > limit)
+        {
+            throw std::system_error(std::make_error_code(std::errc::file_too_large), "reading");
+        }
+    }
+}
+
+// Who may read a file is what its folder passes on; the profile's lets nobody in but its user.
+FileReplacement::FileReplacement(fs::path file, std::string_view content)
+    : m_file(std::move(file)), m_pending(m_file.native() + L".new")
+{
+    // A leftover could be readable by others, or a link.
+    DeleteFileW(m_pending.c_str());
+    FileOwner opened = OpenOrThrow(m_pending, GENERIC_WRITE, CREATE_NEW, "creating");
+    try
+    {
+        WriteAll(opened.Get(), content);
+    }
+    catch (...)
+    {
+        opened.Reset();
+        DeleteFileW(m_pending.c_str());
+        throw;
+    }
+}
+
+FileReplacement::~FileReplacement()
+{
+    if (!m_pending.empty())
+    {
+        DeleteFileW(m_pending.c_str());
+    }
+}
+
+void FileReplacement::Commit()
+{
+    if (!MoveFileExW(m_pending.c_str(), m_file.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+    {
+        ThrowLastError("replacing");
+    }
+    m_pending.clear();
+}
+
+FolderLock::FolderLock(const fs::path &folder)
+{
+    FileOwner opened = OpenOrThrow(folder / L"lock", GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS, "locking");
+    // It belongs to the handle, and goes with it.
+    OVERLAPPED start = {};
+    if (!LockFileEx(opened.Get(), LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &start))
+    {
+        ThrowLastError("locking");
+    }
+    m_lock = reinterpret_cast<std::intptr_t>(opened.Detach());
+}
+
+FolderLock::~FolderLock()
+{
+    const FileOwner opened(reinterpret_cast<HANDLE>(m_lock));
+    OVERLAPPED start = {};
+    // The system may be late with what a closed handle held.
+    UnlockFileEx(opened.Get(), 0, 1, 0, &start);
+}
+
+fs::path SetFileAside(const fs::path &file, const std::string &suffix)
+{
+    for (int number = 1;; ++number)
+    {
+        fs::path aside = file;
+        aside += suffix + "-" + std::to_string(number);
+        if (MoveFileExW(file.c_str(), aside.c_str(), MOVEFILE_WRITE_THROUGH))
+        {
+            return aside;
+        }
+        const DWORD error = GetLastError();
+        if (error != ERROR_ALREADY_EXISTS && error != ERROR_FILE_EXISTS)
+        {
+            ThrowLastError("renaming");
+        }
+    }
+}
+
+void MakePrivateFolder(const fs::path &folder)
+{
+    fs::create_directories(folder);
+}
