@@ -8,7 +8,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
+#include <iterator>
+#include <mutex>
 
 namespace
 {
@@ -32,6 +35,67 @@ winsize SizeOf(int descriptor)
     winsize size{};
     ioctl(descriptor, TIOCGWINSZ, &size);
     return size;
+}
+
+constexpr int endingSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+
+// What a handler needs to give the terminal its manners back. Written while the signals have their
+// former handling.
+struct Lent
+{
+    int descriptor;
+    termios before;
+    struct sigaction handling[std::size(endingSignals)];
+} lent;
+
+// Gives the terminal back, and the signal to whom it would have reached.
+void GiveTerminalBack(int number)
+{
+    tcsetattr(lent.descriptor, TCSANOW, &lent.before);
+    for (size_t i = 0; i < std::size(endingSignals); ++i)
+    {
+        sigaction(endingSignals[i], &lent.handling[i], nullptr);
+    }
+    raise(number);
+}
+
+// Of several devices at a time the first one knows how the terminal was.
+std::mutex watchLock;
+int watchers = 0;
+
+void WatchSignals(int descriptor, const termios &before)
+{
+    const std::lock_guard guard(watchLock);
+    if (++watchers > 1)
+    {
+        return;
+    }
+    lent.descriptor = fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+    lent.before = before;
+    for (size_t i = 0; i < std::size(endingSignals); ++i)
+    {
+        sigaction(endingSignals[i], nullptr, &lent.handling[i]);
+        if (lent.handling[i].sa_handler != SIG_IGN)
+        {
+            struct sigaction watch = {};
+            watch.sa_handler = GiveTerminalBack;
+            sigaction(endingSignals[i], &watch, nullptr);
+        }
+    }
+}
+
+void LeaveSignals()
+{
+    const std::lock_guard guard(watchLock);
+    if (--watchers > 0)
+    {
+        return;
+    }
+    for (size_t i = 0; i < std::size(endingSignals); ++i)
+    {
+        sigaction(endingSignals[i], &lent.handling[i], nullptr);
+    }
+    close(lent.descriptor);
 }
 } // namespace
 
@@ -75,6 +139,7 @@ TerminalDevice::TerminalDevice(int descriptor, const termios &before)
     keys.c_oflag |= OPOST | ONLCR;
     keys.c_cc[VMIN] = 1;
     keys.c_cc[VTIME] = 0;
+    WatchSignals(m_descriptor, m_before);
     tcsetattr(m_descriptor, TCSANOW, &keys);
     tcflush(m_descriptor, TCIFLUSH);
 }
@@ -82,6 +147,7 @@ TerminalDevice::TerminalDevice(int descriptor, const termios &before)
 TerminalDevice::~TerminalDevice()
 {
     tcsetattr(m_descriptor, TCSANOW, &m_before);
+    LeaveSignals();
     close(m_descriptor);
 }
 

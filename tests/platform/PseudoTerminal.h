@@ -106,6 +106,15 @@ public:
         return result;
     }
 
+    // Sends the signal to the child; what it ended by, or 0.
+    int EndBySignal(int number)
+    {
+        int status = 0;
+        const bool hasEnded = kill(m_child, number) == 0 && waitpid(m_child, &status, 0) == m_child;
+        m_child = hasEnded ? -1 : m_child;
+        return hasEnded && WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+    }
+
     bool EchoesKeys() const
     {
         termios settings{};

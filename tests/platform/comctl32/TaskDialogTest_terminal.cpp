@@ -68,6 +68,18 @@ TEST(TerminalTaskDialog, ShowsAllThatTheRecordSays)
     EXPECT_TRUE(run.EchoesKeys());
 }
 
+TEST(TerminalTaskDialog, ASignalThatEndsTheProcessLeavesTheTerminalAsItWas)
+{
+    for (const int number : {SIGTERM, SIGHUP, SIGINT})
+    {
+        TerminalRun run([] { return Show(FullRecord()); });
+        ASSERT_TRUE(run.WaitFor("   > "));
+        EXPECT_FALSE(run.EchoesKeys());
+        EXPECT_EQ(run.EndBySignal(number), number);
+        EXPECT_TRUE(run.EchoesKeys());
+    }
+}
+
 TEST(TerminalTaskDialog, TakesAnswersOfManyKinds)
 {
     const struct
