@@ -1,0 +1,316 @@
+// A person before Windows' screen, for scripts: finds windows of other programs by the beginnings of their
+// captions, reads them and works on them. A caption's window is a visible one at the top; controls are
+// named by their numbers, on whatever page of it they lie.
+//
+//     host-driver trust                        the authority of HALVORA_CA_FILE, from now on, by this user
+//     host-driver has-class CLSID              whether COM makes an object of that class
+//     host-driver await CAPTION                until there is such a window
+//     host-driver await-end CAPTION            until there is none
+//     host-driver await-text CAPTION ID TEXT   until the control's text has TEXT in it
+//     host-driver await-button CAPTION ID      until the control can be pressed
+//     host-driver await-rows CAPTION ID COUNT  until the list has so many rows
+//     host-driver texts CAPTION                all texts of the window, by lines
+//     host-driver text CAPTION ID
+//     host-driver press CAPTION ID             without waiting for what comes of it
+//     host-driver answer CAPTION BUTTON        a task dialog, until it has gone
+//     host-driver follow CAPTION ID NAME       the link with that id or address among the control's links
+//     host-driver page CAPTION INDEX           of a property sheet
+//     host-driver close CAPTION
+//     host-driver picture CAPTION FILE         a PNG of the window as it stands on the screen
+//
+// Ends with 0 when it is done, with 1 when it can't be, and then says what the screen shows instead.
+#include "tests/sheet/WindowPicture.h"
+#include "tests/webclient/TrustedAuthority.h"
+
+#include <windows.h>
+#include <commctrl.h>
+#include <objbase.h>
+#include <prsht.h>
+#include <shellapi.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace
+{
+constexpr DWORD Patience = 60000; // milliseconds
+
+struct Failure
+{
+    std::wstring words;
+};
+
+std::string Utf8(const std::wstring &text)
+{
+    std::string bytes(text.size() * 3, '\0');
+    bytes.resize(static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()),
+                                                         bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr)));
+    return bytes;
+}
+
+std::wstring TextOf(HWND window)
+{
+    DWORD_PTR length = 0;
+    // A program that hangs must not hang this one.
+    SendMessageTimeoutW(window, WM_GETTEXTLENGTH, 0, 0, SMTO_ABORTIFHUNG, 5000, &length);
+    std::wstring text(length + 1, L'\0');
+    DWORD_PTR copied = 0;
+    SendMessageTimeoutW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()), SMTO_ABORTIFHUNG, 5000,
+                        &copied);
+    text.resize(copied);
+    return text;
+}
+
+std::vector<HWND> Collected(const std::function<void(WNDENUMPROC, LPARAM)> &enumerate)
+{
+    std::vector<HWND> windows;
+    enumerate([](HWND window, LPARAM all) -> BOOL {
+        if (IsWindowVisible(window))
+        {
+            reinterpret_cast<std::vector<HWND> *>(all)->push_back(window);
+        }
+        return TRUE;
+    }, reinterpret_cast<LPARAM>(&windows));
+    return windows;
+}
+
+std::vector<HWND> TopWindows()
+{
+    return Collected([](WNDENUMPROC each, LPARAM all) { EnumWindows(each, all); });
+}
+
+std::vector<HWND> PartsOf(HWND window)
+{
+    return Collected([window](WNDENUMPROC each, LPARAM all) { EnumChildWindows(window, each, all); });
+}
+
+std::wstring AllTexts(HWND window)
+{
+    std::wstring texts = TextOf(window) + L"\n";
+    for (const HWND part : PartsOf(window))
+    {
+        texts += TextOf(part) + L"\n";
+    }
+    return texts;
+}
+
+HWND FindTop(const std::wstring &caption)
+{
+    const auto windows = TopWindows();
+    const auto found = std::find_if(windows.begin(), windows.end(),
+                                    [&](HWND window) { return TextOf(window).starts_with(caption); });
+    return found != windows.end() ? *found : nullptr;
+}
+
+HWND FindPart(HWND window, int id)
+{
+    const auto parts = PartsOf(window);
+    const auto found = std::find_if(parts.begin(), parts.end(), [&](HWND part) { return GetDlgCtrlID(part) == id; });
+    return found != parts.end() ? *found : nullptr;
+}
+
+void Await(const std::wstring &what, const std::function<bool()> &condition)
+{
+    const ULONGLONG end = GetTickCount64() + Patience;
+    while (!condition())
+    {
+        if (GetTickCount64() > end)
+        {
+            throw Failure{L"waited in vain for: " + what};
+        }
+        Sleep(50);
+    }
+}
+
+HWND Top(const std::wstring &caption)
+{
+    HWND window = nullptr;
+    Await(L"window " + caption, [&] { return (window = FindTop(caption)) != nullptr; });
+    return window;
+}
+
+HWND Part(const std::wstring &caption, const std::wstring &id)
+{
+    const HWND window = Top(caption);
+    HWND part = nullptr;
+    Await(L"control " + id, [&] { return (part = FindPart(window, std::stoi(id))) != nullptr; });
+    return part;
+}
+
+// Memory that another window's program can reach.
+class SharedMemory
+{
+public:
+    SharedMemory(HWND window, size_t size)
+    {
+        DWORD process = 0;
+        GetWindowThreadProcessId(window, &process);
+        m_process = OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE, FALSE, process);
+        m_place = VirtualAllocEx(m_process, nullptr, size, MEM_COMMIT, PAGE_READWRITE);
+    }
+    ~SharedMemory()
+    {
+        VirtualFreeEx(m_process, m_place, 0, MEM_RELEASE);
+        CloseHandle(m_process);
+    }
+    SharedMemory(const SharedMemory &) = delete;
+    SharedMemory &operator=(const SharedMemory &) = delete;
+
+    LPARAM Place() const { return reinterpret_cast<LPARAM>(m_place); }
+    bool Write(const void *from, size_t size) { return WriteProcessMemory(m_process, m_place, from, size, nullptr); }
+    bool Read(void *to, size_t size) { return ReadProcessMemory(m_process, m_place, to, size, nullptr); }
+
+private:
+    HANDLE m_process;
+    void *m_place;
+};
+
+// A point on the link; nothing of it is on the screen if it has none.
+bool FindLink(HWND control, const std::wstring &name, LPARAM &point)
+{
+    RECT area{};
+    GetClientRect(control, &area);
+    SharedMemory memory(control, sizeof(LHITTESTINFO));
+    for (LONG y = 2; y < area.bottom; y += 4)
+    {
+        for (LONG x = 1; x < area.right; x += 3)
+        {
+            LHITTESTINFO hit{};
+            hit.pt = {x, y};
+            if (memory.Write(&hit, sizeof(hit)) && SendMessageW(control, LM_HITTEST, 0, memory.Place()) &&
+                memory.Read(&hit, sizeof(hit)) && (name == hit.item.szID || name == hit.item.szUrl))
+            {
+                point = MAKELPARAM(x, y);
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+void Follow(HWND control, const std::wstring &name)
+{
+    LPARAM point = 0;
+    Await(L"link " + name, [&] { return FindLink(control, name, point); });
+    PostMessageW(control, WM_LBUTTONDOWN, MK_LBUTTON, point);
+    PostMessageW(control, WM_LBUTTONUP, 0, point);
+}
+
+void Answer(const std::wstring &caption, WPARAM button)
+{
+    const HWND dialog = Top(caption);
+    SendMessageW(dialog, WM_NULL, 0, 0); // a modal dialog is ready when its thread takes messages for it
+    PostMessageW(dialog, TDM_CLICK_BUTTON, button, 0);
+    Await(L"the end of " + caption, [&] { return !IsWindow(dialog) || !IsWindowVisible(dialog); });
+}
+
+void Press(HWND control)
+{
+    Await(L"a control that can be pressed", [&] { return IsWindowEnabled(control) != FALSE; });
+    PostMessageW(control, BM_CLICK, 0, 0);
+}
+
+bool CanCreate(const std::wstring &text)
+{
+    CLSID clsid{};
+    IUnknown *object = nullptr;
+    if (FAILED(CLSIDFromString(text.c_str(), &clsid)) ||
+        FAILED(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IUnknown), reinterpret_cast<void **>(&object))))
+    {
+        return false;
+    }
+    object->Release();
+    return true;
+}
+
+void Check(bool isDone, const wchar_t *words)
+{
+    if (!isDone)
+    {
+        throw Failure{words};
+    }
+}
+
+void Say(const std::wstring &text)
+{
+    const std::string bytes = Utf8(text);
+    fwrite(bytes.data(), 1, bytes.size(), stdout);
+}
+
+using Arguments = std::vector<std::wstring>;
+
+struct Command
+{
+    const wchar_t *name;
+    size_t arguments;
+    std::function<void(const Arguments &)> run;
+};
+
+const Command commands[] = {
+    {L"trust", 0, [](const Arguments &) { Check(TrustedAuthority::Begin(), L"the authority can't be trusted"); }},
+    {L"has-class", 1, [](const Arguments &a) { Check(CanCreate(a[0]), L"there is no such class"); }},
+    {L"await", 1, [](const Arguments &a) { Top(a[0]); }},
+    {L"await-end", 1, [](const Arguments &a) { Await(L"the end of " + a[0], [&] { return FindTop(a[0]) == nullptr; }); }},
+    {L"await-text", 3, [](const Arguments &a) {
+         const HWND control = Part(a[0], a[1]);
+         Await(a[2], [&] { return TextOf(control).find(a[2]) != std::wstring::npos; });
+     }},
+    {L"await-button", 2, [](const Arguments &a) {
+         const HWND control = Part(a[0], a[1]);
+         Await(L"button " + a[1], [&] { return IsWindowEnabled(control) != FALSE; });
+     }},
+    {L"await-rows", 3, [](const Arguments &a) {
+         const HWND list = Part(a[0], a[1]);
+         Await(a[2] + L" rows", [&] { return SendMessageW(list, LVM_GETITEMCOUNT, 0, 0) == std::stoi(a[2]); });
+     }},
+    {L"texts", 1, [](const Arguments &a) { Say(AllTexts(Top(a[0]))); }},
+    {L"text", 2, [](const Arguments &a) { Say(TextOf(Part(a[0], a[1]))); }},
+    {L"press", 2, [](const Arguments &a) { Press(Part(a[0], a[1])); }},
+    {L"answer", 2, [](const Arguments &a) { Answer(a[0], std::stoul(a[1])); }},
+    {L"follow", 3, [](const Arguments &a) { Follow(Part(a[0], a[1]), a[2]); }},
+    {L"page", 2, [](const Arguments &a) { SendMessageW(Top(a[0]), PSM_SETCURSEL, std::stoul(a[1]), 0); }},
+    {L"close", 1, [](const Arguments &a) { PostMessageW(Top(a[0]), WM_CLOSE, 0, 0); }},
+    {L"picture", 2, [](const Arguments &a) { Check(WriteWindowPicture(Top(a[0]), Utf8(a[1])), L"no picture"); }},
+};
+
+// What a person would see, for the log of a failed trial.
+void TellScreen()
+{
+    for (const HWND window : TopWindows())
+    {
+        const std::string texts = Utf8(AllTexts(window));
+        fprintf(stderr, "on the screen: %s\n", texts.c_str());
+    }
+}
+} // namespace
+
+int main()
+{
+    int count = 0;
+    wchar_t **words = CommandLineToArgvW(GetCommandLineW(), &count);
+    const Arguments all(words + 1, words + count);
+    const auto command = std::find_if(std::begin(commands), std::end(commands), [&](const Command &candidate) {
+        return !all.empty() && all[0] == candidate.name && all.size() == candidate.arguments + 1;
+    });
+    if (command == std::end(commands))
+    {
+        fprintf(stderr, "There is no such command, or it has other arguments.\n");
+        return 2;
+    }
+    CoInitialize(nullptr);
+    try
+    {
+        command->run(Arguments(all.begin() + 1, all.end()));
+        return 0;
+    }
+    catch (const Failure &failure)
+    {
+        fprintf(stderr, "host-driver: %s\n", Utf8(failure.words).c_str());
+        TellScreen();
+        return 1;
+    }
+}
