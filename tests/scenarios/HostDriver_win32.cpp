@@ -98,12 +98,20 @@ std::wstring AllTexts(HWND window)
     return texts;
 }
 
+// The one that has just this caption goes ahead.
 HWND FindTop(const std::wstring &caption)
 {
-    const auto windows = TopWindows();
-    const auto found = std::find_if(windows.begin(), windows.end(),
-                                    [&](HWND window) { return TextOf(window).starts_with(caption); });
-    return found != windows.end() ? *found : nullptr;
+    HWND found = nullptr;
+    for (const HWND window : TopWindows())
+    {
+        const std::wstring text = TextOf(window);
+        if (text == caption)
+        {
+            return window;
+        }
+        found = found == nullptr && text.starts_with(caption) ? window : found;
+    }
+    return found;
 }
 
 HWND FindPart(HWND window, int id)

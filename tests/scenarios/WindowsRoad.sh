@@ -102,3 +102,126 @@ publisher={46519402-3380-4D48-BC76-63FFAA27165C}
 modules=(Halvora.Publishing.Plugin.Flickr Halvora.WebComponents)
 for module in "${modules[@]}"; do windows regsvr32 /s "$(windows_path "$installed/$module.dll")"; done
 driver has-class "$publisher"
+
+# Three pictures, one with a name of many letters, opened with the host.
+from=/usr/share/backgrounds/mate/nature
+cp "$from/Dune.jpg" "$from/LadyBird.jpg" "$work/pictures"
+cp "$from/RainDrops.jpg" "$work/pictures/Regen 雨のしずく.jpg"
+files=()
+for file in "$work/pictures"/*; do files+=("$(windows_path "$file")"); done
+program='C:\users\'$(id -un)'\AppData\Local\Halvora\Publish to Flickr\halvora.exe'
+: >"$work/stamp"
+start_host() {
+    "$root/tools/run-wine" "$program" "${files[@]}" </dev/null >"$work/host.log" 2>&1 7>&- &
+    host=$!
+    driver await-rows "$main_window" "$list" 3
+}
+end_host() {
+    driver close "$main_window"
+    wait "$host" || fail "the host ends with $?"
+}
+main_window='Halvora'
+list=$(control IDC_PICTURES) state=$(control IDC_STATE) publish=$(control IDC_PUBLISH) cancel=$(control IDC_CANCEL)
+status=$(control IDC_STATUS)
+shows() { driver await-text "$main_window" "$1" "$2"; }
+start_host
+
+# The permission, asked for in the browser.
+shows "$state" 'needs your permission'
+driver follow "$main_window" "$state" authorize
+driver answer 'Authorize Halvora Professional' 1
+await_file "$work/browser/answered" 'nobody has answered in the browser'
+grep -qF 'May Halvora upload photos to your account?' "$work/browser/page.txt" || fail 'the browser shows another page'
+driver answer 'Authorization Completion' 1
+shows "$state" 'Settings...'
+
+# The settings by their sheet: files as they are.
+sheet() {
+    driver follow "$main_window" "$state" settings
+    driver await "$sheet_window"
+}
+sheet_window='Publish to Flickr'
+sheet
+driver page "$sheet_window" 2
+driver press "$sheet_window" 215
+driver press "$sheet_window" 1
+driver await-end "$sheet_window"
+shows "$state" 'Send JPEG files intact'
+picture host-96
+
+# What arrives is what was sent.
+driver press "$main_window" "$publish"
+shows "$status" 'Done.'
+arrived() {
+    [ "$(uploads | jq length)" = "$1" ] || fail "not $1 uploads: $(uploads | jq -c '[.[] | .title]')"
+    for file in "$work/pictures"/*; do
+        sum=$(sha256sum <"$file")
+        uploads | jq -e --arg sum "${sum%% *}" 'any(.sha256 == $sum)' >/dev/null || fail "${file##*/} did not arrive as it is"
+    done
+}
+arrived 3
+
+# A run that is cancelled while a picture is under way.
+fault 'kind=slow' -d 'rate=100000' -d 'target=upload' "${HALVORA_LOOPBACK_GALLERY}_loopback/faults"
+driver press "$main_window" "$publish"
+shows "$status" 'Published 0 of 3'
+picture host-run-96
+driver press "$main_window" "$cancel"
+shows "$status" 'Cancelled'
+admin -d '' "${HALVORA_LOOPBACK_GALLERY}_loopback/faults/clear" >/dev/null
+arrived 3
+
+# The token pair lies where the host keeps the account, and in no other file of this Windows: as UTF-8, as
+# UTF-16, or as the numbers of a registry file.
+token=$(uploads | jq -r '.[-1].token')
+[ ${#token} -gt 8 ] || fail "no token in the service's list"
+hexadecimal() { iconv -f UTF-8 -t "$1" <<<"$2" | head -c "$3" | od -An -v -tx1 | tr -d ' \n'; }
+holders() { # TEXT
+    local file narrow wide
+    narrow=$(hexadecimal UTF-8 "$1" ${#1}) wide=$(hexadecimal UTF-16LE "$1" $((2 * ${#1})))
+    while IFS= read -r -d '' file; do
+        if LC_ALL=C grep -qaF -- "$1" "$file" || tr -d '\0' <"$file" | LC_ALL=C grep -qaF -- "$1" ||
+            { [[ $file = *.reg ]] && tr -d ',\\ \n' <"$file" | grep -qaF -e "$narrow" -e "$wide"; }; then
+            printf '%s\n' "${file#"$HALVORA_WINEPREFIX/"}"
+        fi
+    done < <(find "$HALVORA_WINEPREFIX" -type f -newer "$work/stamp" -print0)
+}
+end_host
+end_windows() { WINEPREFIX=$HALVORA_WINEPREFIX wineserver -k || true; WINEPREFIX=$HALVORA_WINEPREFIX wineserver -w; }
+end_windows # which writes the registry's files
+mapfile -t found < <(holders "$token")
+[ ${#found[@]} -eq 1 ] || fail "the token is in ${#found[@]} files: ${found[*]}"
+mapfile -t pair < <(strings -n 8 -e l "$HALVORA_WINEPREFIX/${found[0]}" | grep -A1 -F -- "$token" | head -n 2)
+[ ${#pair[@]} -eq 2 ] || fail "no token pair in ${found[0]}"
+[ "$(holders "${pair[1]}")" = "${found[0]}" ] || fail 'the secret is elsewhere too'
+
+# Remembered, and then revoked by the sheet's last page.
+start_host
+shows "$state" 'Send JPEG files intact'
+sheet
+driver page "$sheet_window" 4
+driver press "$sheet_window" 237
+driver press "$sheet_window" 1
+driver await-end "$sheet_window"
+shows "$state" 'needs your permission'
+end_host
+
+# Away again: nothing but the settings stays, no secret, no copy of a picture.
+for module in "${modules[@]}"; do windows regsvr32 /s /u "$(windows_path "$installed/$module.dll")"; done
+(cd "$work/unpacked"/* && windows cmd /c uninstall.cmd /quiet) >"$work/out" || fail 'uninstall.cmd fails'
+[ ! -e "$home/Halvora" ] || fail "left: $(find "$home/Halvora")"
+end_windows
+# Keys by their names, and values below the key that they stand in.
+grep -iE '^\[|halvora|46519402|bfb39c79|20fb81f4|bf23f6e1|c6338984' "$HALVORA_WINEPREFIX"/{user,system}.reg |
+    tr -d '\r' | awk -F: '{ line = substr($0, index($0, ":") + 1) }
+        line ~ /^\[/ { key = line; if (tolower(line) !~ /halvora|46519402|bfb39c79|20fb81f4|bf23f6e1|c6338984/) next; line = "" }
+        { print key " " line }' >"$work/left"
+! grep -vi '^\[Software\\\\TRNQ\\\\Halvora' "$work/left" >"$work/out" || fail 'left in the registry'
+grep -qi 'Plugins\\\\{46519402' "$work/left" || fail 'the settings are gone too'
+for secret in "${pair[@]}"; do
+    holder=$(holders "$secret")
+    [ -z "$holder" ] || fail "a secret stands in $holder"
+done
+copies=$(find "$HALVORA_WINEPREFIX/drive_c/users" "$HALVORA_WINEPREFIX/drive_c/windows/temp" -ipath '*/temp/*' -type f)
+[ -z "$copies" ] || fail "left: $copies"
+echo 'Installed, authorized, published, cancelled, revoked, removed.'
