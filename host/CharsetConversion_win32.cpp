@@ -10,8 +10,6 @@ UINT CodePageOf(Charset charset)
     {
     case Charset::Windows1252:
         return 1252;
-    case Charset::Iso2022Jp:
-        return 50220;
     case Charset::ShiftJis:
         return 932;
     case Charset::EucJp:
@@ -20,18 +18,46 @@ UINT CodePageOf(Charset charset)
         return CP_UTF8;
     }
 }
+
+// The rows of JIS X 0208 behind an escape are those of EUC-JP without the eighth bit. The system's own
+// code page for these bytes checks nothing, and isn't there everywhere.
+std::optional<std::string> EucFromIso2022(std::string_view bytes)
+{
+    std::string euc;
+    bool inRows = false;
+    while (!bytes.empty())
+    {
+        if (bytes.front() == '\x1B')
+        {
+            const std::string_view escape = bytes.substr(0, 3);
+            inRows = escape == "\x1B$B" || escape == "\x1B$@";
+            if (!inRows && escape != "\x1B(B" && escape != "\x1B(J")
+            {
+                return std::nullopt;
+            }
+            bytes.remove_prefix(escape.size());
+            continue;
+        }
+        euc += static_cast<char>(inRows ? bytes.front() | 0x80 : bytes.front());
+        bytes.remove_prefix(1);
+    }
+    return euc;
+}
 } // namespace
 
 std::optional<WideText> TextFromCharset(Charset charset, std::string_view bytes, Faults faults)
 {
+    if (charset == Charset::Iso2022Jp)
+    {
+        const auto euc = EucFromIso2022(bytes);
+        return euc ? TextFromCharset(Charset::EucJp, *euc, faults) : std::nullopt;
+    }
     if (bytes.empty())
     {
         return WideText();
     }
-    // The system knows no check for this character set, and takes no flags with it.
-    const bool checks = faults == Faults::Refuse && charset != Charset::Iso2022Jp;
     const UINT page = CodePageOf(charset);
-    const DWORD flags = checks ? MB_ERR_INVALID_CHARS : 0;
+    const DWORD flags = faults == Faults::Refuse ? MB_ERR_INVALID_CHARS : 0;
     const int size = static_cast<int>(bytes.size());
     const int length = MultiByteToWideChar(page, flags, bytes.data(), size, nullptr, 0);
     if (length <= 0)

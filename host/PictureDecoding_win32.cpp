@@ -28,8 +28,9 @@ constexpr auto HIGH_QUALITY_CUBIC = static_cast<WICBitmapInterpolationMode>(4);
     {
     case E_OUTOFMEMORY:
         throw DecodingError(code, "needs more memory than there is");
+    // No decoder knows the file's first bytes. One that knows them and fails later has met damage, whatever
+    // it calls that.
     case WINCODEC_ERR_COMPONENTNOTFOUND:
-    case WINCODEC_ERR_UNKNOWNIMAGEFORMAT:
         throw DecodingError(WINCODEC_ERR_UNKNOWNIMAGEFORMAT, "is of no kind of picture that is known here");
     default:
         throw DecodingError(WINCODEC_ERR_BADIMAGE, "is damaged or was cut short: " + SystemWords(code));

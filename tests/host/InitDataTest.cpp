@@ -9,10 +9,10 @@ namespace
 AccountData SomeAccount()
 {
     AccountData account;
-    account.token = u"tok";
-    account.tokenSecret = u"s";
-    account.fullName = u"";
-    account.accountType = u"Pro";
+    account.token = TEXT("tok");
+    account.tokenSecret = TEXT("s");
+    account.fullName = TEXT("");
+    account.accountType = TEXT("Pro");
     account.maxFileSize = 0x0102030405060708;
     return account;
 }
@@ -30,9 +30,9 @@ TEST(InitData, ComesBackAsItWas)
 {
     const auto account = ParseInitData(ComposeInitData(SomeAccount()));
     ASSERT_TRUE(account);
-    EXPECT_EQ(account->token, u"tok");
+    EXPECT_EQ(account->token, TEXT("tok"));
     EXPECT_EQ(account->userName, std::nullopt);
-    EXPECT_EQ(account->fullName, u"");
+    EXPECT_EQ(account->fullName, TEXT(""));
     EXPECT_EQ(account->maxFileSize, 0x0102030405060708);
     EXPECT_TRUE(account->IsAuthorized());
     ASSERT_TRUE(ParseInitData(""));

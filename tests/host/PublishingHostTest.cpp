@@ -1,16 +1,15 @@
 #include "host/PublishingHost.h"
-#include "host/ProgressWindows.h"
 
+#include "tests/host/TemporaryFolder.h"
+
+#include "host/FileNames.h"
 
 #include "core/BstrOwner.h"
 #include "core/ComPtr.h"
 
-#include <commctrl.h>
 #include <wincodec.h>
 
 #include <gmock/gmock.h>
-
-#include <thread>
 
 using testing::ElementsAre;
 
@@ -22,7 +21,8 @@ protected:
     static ItemCollection TwoItems()
     {
         ItemCollection collection;
-        collection.items.push_back({"/p/caf\xE9", {"tif", "jpg"}});
+        // As a byte that is no UTF-8 arrives.
+        collection.items.push_back({PathOfText(TEXT("/p/caf") + WideText(1, 0xDCE9)), {"tif", "jpg"}});
         collection.items.push_back({"/p/two", {"png"}});
         return collection;
     }
@@ -56,8 +56,8 @@ TEST_F(PublishingHostTest, GivesTheItemsAndTheirRecords)
     GlobalUnlock(list);
     const BstrOwner path = BstrOwner::Adopt(record.Path);
     const BstrOwner extensions = BstrOwner::Adopt(record.Extensions);
-    EXPECT_EQ(path.View(), (WideText(u"/p/caf") + WCHAR(0xDCE9)));
-    EXPECT_EQ(extensions.View(), u"tif;jpg");
+    EXPECT_EQ(path.View(), TEXT("/p/caf") + WideText(1, 0xDCE9));
+    EXPECT_EQ(extensions.View(), TEXT("tif;jpg"));
     EXPECT_EQ(m_record.EndOf(0), ItemEnd::WentUp);
     EXPECT_EQ(m_record.EndOf(1), ItemEnd::NotTried);
     EXPECT_EQ(m_host->GetItemRecord(3, &record), E_INVALIDARG);
@@ -82,7 +82,7 @@ TEST_F(PublishingHostTest, LogEntriesReachSinkAndRecord)
     m_host->GetItemRecord(2, &record);
     const BstrOwner path = BstrOwner::Adopt(record.Path);
     const BstrOwner extensions = BstrOwner::Adopt(record.Extensions);
-    EXPECT_EQ(m_host->WriteLogEntry(3, u"Flickr", u"größe"), S_OK);
+    EXPECT_EQ(m_host->WriteLogEntry(3, TEXT("Flickr"), TEXT("größe")), S_OK);
     EXPECT_EQ(m_host->WriteLogEntry(1, nullptr, nullptr), S_OK);
     EXPECT_THAT(m_log, ElementsAre("3 Flickr: größe", "1 : "));
     EXPECT_EQ(m_record.EndOf(1), ItemEnd::Failed);
@@ -92,7 +92,8 @@ TEST_F(PublishingHostTest, MetadataThatCanNotBeReadFailInCodes)
 {
     ItemRecord record = {};
     IWICBitmapSource *source = nullptr;
-    const WideText strange = u"/nowhere/x.jpg";
+    const TemporaryFolder folder;
+    const WideText strange = TextOfPath(folder.Path() / "x.jpg");
     EXPECT_EQ(m_host->ReadImageMetadata(strange.c_str(), 0, 0, nullptr, READ_METADATA_ONLY, &record),
               HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
     EXPECT_EQ(m_host->ReadImageMetadata(nullptr, 0, 0, nullptr, READ_METADATA_ONLY, &record), E_INVALIDARG);
@@ -100,24 +101,4 @@ TEST_F(PublishingHostTest, MetadataThatCanNotBeReadFailInCodes)
               HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
     EXPECT_EQ(m_host->ReadImageMetadata(strange.c_str(), 0, 0, nullptr, READ_METADATA_AND_PICTURE, &record), E_INVALIDARG);
     EXPECT_EQ(record.Iptc.Texts[IPTC_TEXT_CAPTION], nullptr);
-}
-
-TEST(ProgressWindowsTest, EveryChangeIsToldWhateverThreadMakesIt)
-{
-    std::vector<ProgressView> views;
-    {
-        const ProgressWindows windows([&](const ProgressView &view) { views.push_back(view); });
-        std::thread([&] {
-            SendMessageW(windows.Bar(), PBM_SETRANGE32, 0, 200);
-            SendMessageW(windows.Bar(), PBM_SETPOS, 50, 0);
-            SendMessageW(windows.Bar(), PBM_SETSTATE, PBST_PAUSED, 0);
-            SetWindowTextW(windows.Status(), u"größer");
-        }).join();
-        EXPECT_EQ(SendMessageW(windows.Bar(), PBM_GETPOS, 0, 0), 50);
-    }
-    ASSERT_EQ(views.size(), 4u);
-    EXPECT_EQ(views[1].position, 50);
-    EXPECT_EQ(views[3].high, 200);
-    EXPECT_EQ(views[3].state, BarState::Paused);
-    EXPECT_EQ(views[3].status, "größer");
 }

@@ -3,23 +3,20 @@
 
 #include <filesystem>
 #include <fstream>
-#include <stdexcept>
+#include <random>
 #include <string>
 #include <string_view>
-
-#include <stdlib.h>
 
 class TemporaryFolder
 {
 public:
     TemporaryFolder()
     {
-        std::string pattern = (std::filesystem::temp_directory_path() / "halvora-test-XXXXXX").string();
-        if (::mkdtemp(pattern.data()) == nullptr)
+        std::random_device number;
+        do
         {
-            throw std::runtime_error("no temporary folder");
-        }
-        m_path = pattern;
+            m_path = std::filesystem::temp_directory_path() / ("halvora-test-" + std::to_string(number()));
+        } while (!std::filesystem::create_directory(m_path));
     }
     ~TemporaryFolder()
     {

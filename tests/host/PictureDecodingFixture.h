@@ -1,0 +1,76 @@
+// Decoded pictures, compared by the colours of their quarters.
+#pragma once
+
+#include "host/PictureDecoding.h"
+
+#include "tests/host/SampleFiles.h"
+#include "tests/host/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <string>
+#include <utility>
+
+inline constexpr Rgb RED = {255, 0, 0};
+inline constexpr Rgb GREEN = {0, 255, 0};
+inline constexpr Rgb BLUE = {0, 0, 255};
+inline constexpr Rgb WHITE = {255, 255, 255};
+
+inline Rgb PixelAt(const DecodedPicture &picture, UINT x, UINT y)
+{
+    const BYTE *pixel = picture.pixels.data() + y * picture.RowBytes() + x * 3;
+    return {pixel[2], pixel[1], pixel[0]};
+}
+
+inline int Distance(const Rgb &a, const Rgb &b)
+{
+    return std::max({std::abs(a.red - b.red), std::abs(a.green - b.green), std::abs(a.blue - b.blue)});
+}
+
+// Colours in the middle of the quarters, row by row.
+inline std::array<Rgb, 4> Quarters(const DecodedPicture &picture)
+{
+    const UINT right = picture.width * 3 / 4;
+    const UINT below = picture.height * 3 / 4;
+    return {PixelAt(picture, picture.width / 4, picture.height / 4), PixelAt(picture, right, picture.height / 4),
+            PixelAt(picture, picture.width / 4, below), PixelAt(picture, right, below)};
+}
+
+inline void ExpectQuarters(const DecodedPicture &picture, const std::array<Rgb, 4> &colours, int tolerance)
+{
+    const auto found = Quarters(picture);
+    for (size_t i = 0; i < 4; ++i)
+    {
+        EXPECT_LE(Distance(found[i], colours[i]), tolerance)
+            << "quarter " << i << ": " << found[i].red << " " << found[i].green << " " << found[i].blue;
+    }
+}
+
+class PictureDecoding : public testing::Test
+{
+protected:
+    std::filesystem::path Sample(const char *name, int width, int height, const PictureOptions &options = {})
+    {
+        const std::filesystem::path file = m_folder.Path() / name;
+        MakeSample(file, width, height, options);
+        return file;
+    }
+
+    static std::pair<HRESULT, std::string> FailureOf(const std::filesystem::path &file)
+    {
+        try
+        {
+            DecodePicture(file, 0, nullptr);
+        }
+        catch (const DecodingError &error)
+        {
+            return {error.Code(), error.what()};
+        }
+        return {S_OK, "decoded"};
+    }
+
+    TemporaryFolder m_folder;
+};
