@@ -349,6 +349,18 @@ void WriteExif(RecordWriting &writing, const MetadataSnapshot &snapshot, const I
 }
 } // namespace
 
+bool RefusesEveryChange(IWICMetadataQueryWriter &writer) noexcept
+{
+    const auto isMissing = [](HRESULT result) {
+        return result == E_NOTIMPL || result == WINCODEC_ERR_UNSUPPORTEDOPERATION;
+    };
+    PROPVARIANT upright = {};
+    upright.vt = VT_UI2;
+    upright.uiVal = 1;
+    return isMissing(writer.RemoveMetadataByName(TEXT("/xmp"))) &&
+           isMissing(writer.SetMetadataByName(TEXT("/app1/ifd/{ushort=274}"), &upright));
+}
+
 void WriteRecordMetadata(IWICMetadataQueryWriter &writer, const ItemRecord &record,
                          const MetadataSnapshots &snapshots, const GroupSwitches &switches, bool processed,
                          const WritingNotice &notice)

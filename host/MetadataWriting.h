@@ -38,6 +38,10 @@ struct GroupSwitches
 // Words in UTF-8 about what was left out, for the log.
 using WritingNotice = std::function<void(const std::string &words)>;
 
+// Whether the writer is one that can't change anything, neither set nor remove. On one that can, it has
+// removed the XMP block, which is written anew or not at all.
+bool RefusesEveryChange(IWICMetadataQueryWriter &writer) noexcept;
+
 // A group that is switched off or blank in the record leaves nothing behind. Throws the code of a removal
 // that failed; a single value that can't be written is left out and noticed. processed: the picture was
 // decoded, and the writer starts empty.

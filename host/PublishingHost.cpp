@@ -1,5 +1,6 @@
 #include "host/PublishingHost.h"
 
+#include "host/CopyTrial.h"
 #include "host/FileNames.h"
 #include "host/ImageMetadata.h"
 #include "host/MetadataWriting.h"
@@ -100,6 +101,22 @@ ComPtr<IWICBitmapSource> PublishingHost::ReadPicture(const std::filesystem::path
     }
 }
 
+void PublishingHost::GoWithoutMetadata(bool processed)
+{
+    // What can't be taken out of a copy must not have got into it.
+    if (!processed && ImagingCopiesMetadata())
+    {
+        Tell(LOG_LEVEL_WARNING, "This system's imaging component copies metadata and can't take any out again, so "
+                                "pictures can't go up with their pixels intact. Send them as files or processed.");
+        ThrowHresult(WINCODEC_ERR_UNSUPPORTEDOPERATION);
+    }
+    if (!m_toldOfNoWriting.exchange(true))
+    {
+        Tell(LOG_LEVEL_WARNING, "This system's imaging component can't write metadata: converted pictures go up without "
+                                "any, and those that only their metadata turns upright stay as they lie.");
+    }
+}
+
 STDMETHODIMP PublishingHost::ReadImageMetadata(LPCWSTR path, INT32, INT32 longEdge, IWICBitmapSource **source,
                                                INT32 flags, ItemRecord *record) noexcept
 {
@@ -155,6 +172,11 @@ STDMETHODIMP PublishingHost::WriteImageMetadata(IWICMetadataQueryWriter *writer,
         return E_INVALIDARG;
     }
     return AtBoundary([&] {
+        if (RefusesEveryChange(*writer))
+        {
+            GoWithoutMetadata(processed != 0);
+            return S_OK;
+        }
         const GroupSwitches switches = {copyright != 0, exif != 0, xmp != 0, gps != 0, iptc != 0};
         WriteRecordMetadata(*writer, *record, m_snapshots, switches, processed != 0,
                             [&](const std::string &words) { Tell(LOG_LEVEL_VERBOSE, words); });

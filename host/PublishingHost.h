@@ -11,6 +11,7 @@
 
 #include "HostContract.h"
 
+#include <atomic>
 #include <functional>
 #include <string>
 
@@ -45,9 +46,12 @@ private:
     void Tell(int level, const std::string &text) { m_log(level, "halvora", text); }
     ComPtr<IWICBitmapSource> ReadPicture(const std::filesystem::path &file, UINT longEdge);
 
+    void GoWithoutMetadata(bool processed);
+
     RunRecord &m_record;
     const LogSink m_log;
     GlobalMemoryOwner m_list;
     MetadataSnapshots m_snapshots;
     PicturesAhead m_ahead;
+    std::atomic<bool> m_toldOfNoWriting = false;
 };

@@ -1,10 +1,13 @@
 #include "host/PublishingHost.h"
 
+#include "tests/doubles/SystemModules.h"
 #include "tests/host/TemporaryFolder.h"
+#include "tests/platform/World.h"
 
 #include "host/FileNames.h"
 
 #include "core/BstrOwner.h"
+#include "core/ComObject.h"
 #include "core/ComPtr.h"
 
 #include <wincodec.h>
@@ -12,9 +15,22 @@
 #include <gmock/gmock.h>
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 
 namespace
 {
+// A writer of metadata that knows no change, as a system's may be.
+class RefusingWriter final : public ComObject<RefusingWriter, IWICMetadataQueryWriter>
+{
+public:
+    STDMETHODIMP SetMetadataByName(LPCWSTR, const PROPVARIANT *) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP RemoveMetadataByName(LPCWSTR) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetContainerFormat(GUID *) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetLocation(UINT, WCHAR *, UINT *) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetMetadataByName(LPCWSTR, PROPVARIANT *) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetEnumerator(IEnumString **) noexcept override { return E_NOTIMPL; }
+};
+
 class PublishingHostTest : public testing::Test
 {
 protected:
@@ -101,4 +117,28 @@ TEST_F(PublishingHostTest, MetadataThatCanNotBeReadFailInCodes)
               HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
     EXPECT_EQ(m_host->ReadImageMetadata(strange.c_str(), 0, 0, nullptr, READ_METADATA_AND_PICTURE, &record), E_INVALIDARG);
     EXPECT_EQ(record.Iptc.Texts[IPTC_TEXT_CAPTION], nullptr);
+}
+
+TEST_F(PublishingHostTest, ThatNoMetadataCanBeWrittenIsSaidOnce)
+{
+    const auto writer = RefusingWriter::Make();
+    ItemRecord record = {};
+    for (int picture = 0; picture < 2; ++picture)
+    {
+        EXPECT_EQ(m_host->WriteImageMetadata(writer.Get(), 0, 1, &record, 1, 1, 1, 1, 1, 1, TRUE), S_OK);
+    }
+    ASSERT_EQ(m_log.size(), 1u);
+    EXPECT_THAT(m_log[0], HasSubstr("2 halvora: This system's imaging component can't write metadata"));
+}
+
+TEST_F(PublishingHostTest, ACopyThatMayHoldMetadataStaysWhereNoneCanBeTakenOut)
+{
+    RegisterSystemModules();
+    ASSERT_GE(CoInitializeEx(nullptr, COINIT_MULTITHREADED), 0);
+    const auto writer = RefusingWriter::Make();
+    ItemRecord record = {};
+    // Under Wine nothing is copied, and so nothing is kept back.
+    EXPECT_EQ(m_host->WriteImageMetadata(writer.Get(), 0, 1, &record, 1, 1, 1, 1, 1, 1, FALSE),
+              underWine ? S_OK : WINCODEC_ERR_UNSUPPORTEDOPERATION);
+    CoUninitialize();
 }

@@ -1,0 +1,130 @@
+#include "host/CopyTrial.h"
+
+#include "host/PictureSource.h"
+
+#include "core/Hresult.h"
+
+#include <objbase.h>
+#include <wincodec.h>
+#include <wincodecsdk.h>
+
+#include <string>
+#include <string_view>
+
+using namespace std::string_literals;
+
+namespace
+{
+// What is looked for in the copy. It stands in each kind of block that a JPEG file holds.
+constexpr std::string_view MARK = "HALVORA-TRIAL-OF-COPIES";
+
+std::string Segment(char marker, const std::string &content)
+{
+    const size_t size = content.size() + 2;
+    return "\xFF"s + marker + static_cast<char>(size >> 8) + static_cast<char>(size) + content;
+}
+
+std::string Segments()
+{
+    const std::string mark(MARK);
+    const auto length = static_cast<char>(mark.size());
+    // One directory with one field, the description, whose text lies behind it.
+    const std::string exif = "Exif\0\0II*\0\x08\0\0\0\x01\0\x0E\x01\x02\0"s + length + "\0\0\0\x1A\0\0\0\0\0\0\0"s + mark;
+    const std::string xmp = "http://ns.adobe.com/xap/1.0/\0"s +
+                            "<x:xmpmeta xmlns:x='adobe:ns:meta/'><rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/"
+                            "22-rdf-syntax-ns#'><rdf:Description rdf:about='' xmlns:photoshop='http://ns.adobe.com/"
+                            "photoshop/1.0/' photoshop:City='" + mark + "'/></rdf:RDF></x:xmpmeta>";
+    const std::string dataset = "\x1C\x02\x5A\0"s + length + mark;
+    const std::string block = "Photoshop 3.0\0" "8BIM\x04\x04\0\0\0\0\0"s + static_cast<char>(dataset.size()) + dataset +
+                              std::string(dataset.size() % 2, '\0');
+    return Segment('\xE1', exif) + Segment('\xE1', xmp) + Segment('\xED', block) + Segment('\xFE', mark);
+}
+
+class Trial
+{
+public:
+    Trial()
+    {
+        ThrowIfFailed(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_ALL, __uuidof(IWICImagingFactory),
+                                       m_factory.PutVoid()));
+    }
+
+    bool Copies()
+    {
+        const auto grey = std::make_shared<const DecodedPicture>(
+            DecodedPicture{16, 16, 96, 96, std::vector<BYTE>(size_t{16} * 16 * 3, 0x80)});
+        std::string marked = Encode(MakePictureSource(grey).Get(), nullptr);
+        marked.insert(2, Segments());
+
+        ComPtr<IStream> file = NewStream();
+        ThrowIfFailed(file->Write(marked.data(), static_cast<ULONG>(marked.size()), nullptr));
+        ThrowIfFailed(file->Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr));
+        ComPtr<IWICBitmapDecoder> decoder;
+        ThrowIfFailed(m_factory->CreateDecoder(GUID_ContainerFormatJpeg, &GUID_VendorMicrosoft, decoder.Put()));
+        ThrowIfFailed(decoder->Initialize(file.Get(), WICDecodeMetadataCacheOnDemand));
+        ComPtr<IWICBitmapFrameDecode> frame;
+        ThrowIfFailed(decoder->GetFrame(0, frame.Put()));
+        const auto blocks = QueryFor<IWICMetadataBlockReader>(frame.Get());
+        return Encode(frame.Get(), blocks.Get()).find(MARK) != std::string::npos;
+    }
+
+private:
+    static ComPtr<IStream> NewStream()
+    {
+        ComPtr<IStream> stream;
+        ThrowIfFailed(CreateStreamOnHGlobal(nullptr, TRUE, stream.Put()));
+        return stream;
+    }
+
+    static std::string BytesOf(IStream *stream)
+    {
+        ThrowIfFailed(stream->Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr));
+        std::string bytes(size_t{1} << 16, '\0');
+        ULONG count = 0;
+        ThrowIfFailed(stream->Read(bytes.data(), static_cast<ULONG>(bytes.size()), &count));
+        bytes.resize(count);
+        return bytes;
+    }
+
+    std::string Encode(IWICBitmapSource *source, IWICMetadataBlockReader *blocks)
+    {
+        const ComPtr<IStream> file = NewStream();
+        ComPtr<IWICBitmapEncoder> encoder;
+        ThrowIfFailed(m_factory->CreateEncoder(GUID_ContainerFormatJpeg, &GUID_VendorMicrosoft, encoder.Put()));
+        ThrowIfFailed(encoder->Initialize(file.Get(), WICBitmapEncoderNoCache));
+        ComPtr<IWICBitmapFrameEncode> frame;
+        ThrowIfFailed(encoder->CreateNewFrame(frame.Put(), nullptr));
+        ThrowIfFailed(frame->Initialize(nullptr));
+        UINT width = 0;
+        UINT height = 0;
+        ThrowIfFailed(source->GetSize(&width, &height));
+        ThrowIfFailed(frame->SetSize(width, height));
+        WICPixelFormatGUID format = GUID_WICPixelFormat24bppBGR;
+        ThrowIfFailed(frame->SetPixelFormat(&format));
+        if (const auto writer = QueryFor<IWICMetadataBlockWriter>(frame.Get()); writer && blocks != nullptr)
+        {
+            // Refused or not, what counts is what the file holds then.
+            writer->InitializeFromBlockReader(blocks);
+        }
+        ThrowIfFailed(frame->WriteSource(source, nullptr));
+        ThrowIfFailed(frame->Commit());
+        ThrowIfFailed(encoder->Commit());
+        return BytesOf(file.Get());
+    }
+
+    ComPtr<IWICImagingFactory> m_factory;
+};
+} // namespace
+
+bool ImagingCopiesMetadata() noexcept
+{
+    static const bool copies = [] {
+        bool found = true;
+        const HRESULT result = AtBoundary([&] {
+            found = Trial().Copies();
+            return S_OK;
+        });
+        return FAILED(result) || found;
+    }();
+    return copies;
+}

@@ -1,0 +1,40 @@
+// What a person can do in the window at the moment, and what they are told while nothing is under way.
+#pragma once
+
+#include <cstddef>
+
+enum class RunPhase
+{
+    Idle,
+    Running,
+    Finishing,  // the picture that is on its way is the last
+    Stopping    // it is stopped
+};
+
+struct HostState
+{
+    bool hasPlugin = false;
+    bool isAuthorized = false;
+    size_t pictures = 0;    // in the list
+    size_t selected = 0;
+    size_t waiting = 0;     // of those, the ones that didn't go up yet
+    RunPhase phase = RunPhase::Idle;
+};
+
+struct HostCommands
+{
+    bool canAdd = false;
+    bool canRemove = false;
+    bool canPublish = false;
+    bool canCancel = false;
+    bool canConfigure = false;
+    bool isCancelAbrupt = false;    // the next click stops at once
+};
+
+HostCommands CommandsIn(const HostState &state);
+
+// The text of the status line, by its number in resource.h. Only while idle.
+unsigned HintIn(const HostState &state);
+
+// What a click on Cancel makes of the phase.
+RunPhase AfterCancel(RunPhase phase);

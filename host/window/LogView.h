@@ -1,0 +1,47 @@
+// The log of the window: entries of any thread in a list with their levels.
+#pragma once
+
+#include <windows.h>
+
+#include <mutex>
+#include <string>
+#include <vector>
+
+class LogView
+{
+public:
+    // list: a report view of the window, which it gives its columns. message is posted to the window when
+    // Show has something to do.
+    LogView(HWND list, UINT message);
+
+    // Levels as in WriteLogEntry; text in UTF-8. Any thread.
+    void Append(int level, std::string text);
+
+    // On the window's thread: takes over what was appended.
+    void Show();
+
+    // Whether entries of level 0 are seen.
+    void ShowDetails(bool details);
+
+    void FitColumns();
+
+    // Of the row: for the colour that it is drawn in.
+    int LevelOf(size_t row) const;
+
+private:
+    struct Entry
+    {
+        int level;
+        std::wstring text;
+    };
+
+    void Insert(const Entry &entry);
+
+    const HWND m_list;
+    const UINT m_message;
+    std::mutex m_lock;
+    std::vector<Entry> m_appended;
+    std::vector<Entry> m_entries;
+    std::vector<int> m_levels;  // row by row
+    bool m_details = false;
+};

@@ -1,0 +1,117 @@
+#include "host/window/LogView.h"
+
+#include "host/SafeLine.h"
+#include "host/window/WindowText.h"
+#include "host/window/resource.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace
+{
+constexpr size_t mostEntries = 10000;
+
+std::wstring LevelText(int level)
+{
+    return ResourceText(static_cast<unsigned>(IDS_LEVEL_VERBOSE + std::clamp(level, 0, 4)));
+}
+} // namespace
+
+LogView::LogView(HWND list, UINT message) : m_list(list), m_message(message)
+{
+    ListView_SetExtendedListViewStyle(m_list, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_LABELTIP);
+    LVCOLUMNW column{};
+    column.mask = LVCF_WIDTH;
+    ListView_InsertColumn(m_list, 0, &column);
+    ListView_InsertColumn(m_list, 1, &column);
+    FitColumns();
+}
+
+void LogView::Append(int level, std::string text)
+{
+    {
+        const std::lock_guard guard(m_lock);
+        m_appended.push_back({level, WideOf(OneSafeLine(text))});
+    }
+    PostMessageW(GetParent(m_list), m_message, 0, 0);
+}
+
+void LogView::Show()
+{
+    std::vector<Entry> appended;
+    {
+        const std::lock_guard guard(m_lock);
+        appended = std::exchange(m_appended, {});
+    }
+    if (appended.empty())
+    {
+        return;
+    }
+    for (Entry &entry : appended)
+    {
+        Insert(entry);
+        m_entries.push_back(std::move(entry));
+    }
+    if (m_entries.size() > mostEntries)
+    {
+        m_entries.erase(m_entries.begin(), m_entries.end() - mostEntries / 2);
+        ShowDetails(m_details);
+    }
+    ListView_EnsureVisible(m_list, static_cast<int>(m_levels.size()) - 1, FALSE);
+}
+
+void LogView::Insert(const Entry &entry)
+{
+    if (entry.level <= 0 && !m_details)
+    {
+        return;
+    }
+    std::wstring level = LevelText(entry.level);
+    std::wstring text = entry.text;
+    LVITEMW row{};
+    row.mask = LVIF_TEXT;
+    row.iItem = static_cast<int>(m_levels.size());
+    row.pszText = level.data();
+    m_levels.push_back(entry.level);
+    ListView_InsertItem(m_list, &row);
+    row.iSubItem = 1;
+    row.pszText = text.data();
+    ListView_SetItem(m_list, &row);
+}
+
+void LogView::ShowDetails(bool details)
+{
+    m_details = details;
+    SendMessageW(m_list, WM_SETREDRAW, FALSE, 0);
+    ListView_DeleteAllItems(m_list);
+    m_levels.clear();
+    for (const Entry &entry : m_entries)
+    {
+        Insert(entry);
+    }
+    SendMessageW(m_list, WM_SETREDRAW, TRUE, 0);
+    InvalidateRect(m_list, nullptr, TRUE);
+    ListView_EnsureVisible(m_list, static_cast<int>(m_levels.size()) - 1, FALSE);
+}
+
+void LogView::FitColumns()
+{
+    int widest = 0;
+    for (int level = 0; level <= 4; ++level)
+    {
+        widest = std::max(widest, ListView_GetStringWidth(m_list, LevelText(level).c_str()));
+    }
+    widest += 4 * GetSystemMetrics(SM_CXEDGE) + GetSystemMetrics(SM_CXSMICON) / 2;
+    RECT area{};
+    GetClientRect(m_list, &area);
+    const int whole = area.right - ((GetWindowLongW(m_list, GWL_STYLE) & WS_VSCROLL) != 0 ? 0 : GetSystemMetrics(SM_CXVSCROLL));
+    ListView_SetColumnWidth(m_list, 0, widest);
+    ListView_SetColumnWidth(m_list, 1, std::max(whole - widest, widest));
+}
+
+int LogView::LevelOf(size_t row) const
+{
+    return row < m_levels.size() ? m_levels[row] : 1;
+}

@@ -1,0 +1,60 @@
+// The pictures of the window: a list view of thumbnails with their names, and what became of each.
+#pragma once
+
+#include "host/PictureItems.h"
+#include "host/RunRecord.h"
+#include "host/window/ThumbnailMaker.h"
+
+#include <windows.h>
+#include <commctrl.h>
+
+#include <memory>
+#include <vector>
+
+class PictureList
+{
+public:
+    // view: an icon view of the window; edge: of a thumbnail, in pixels. thumbnailMessage is posted to the
+    // window when ShowThumbnails has something to do.
+    PictureList(HWND view, int edge, UINT thumbnailMessage);
+    ~PictureList();
+    PictureList(const PictureList &) = delete;
+    PictureList &operator=(const PictureList &) = delete;
+
+    // An item that is there already gets the extensions that it lacks.
+    void Add(const std::vector<PictureItem> &items);
+    void RemoveSelected();
+    void SelectAll();
+
+    void ShowThumbnails();
+
+    size_t Count() const { return m_pictures.size(); }
+    size_t SelectedCount() const;
+
+    // Those that didn't go up yet, in the order of the list, as the next run takes them.
+    std::vector<PictureItem> Waiting() const;
+
+    // What became of the items of Waiting, by their places there. The list was not changed meanwhile.
+    void MarkEnds(const RunRecord &record);
+
+private:
+    struct Picture
+    {
+        int number;
+        PictureItem item;
+        BitmapOwner thumbnail;
+        int image = 0;
+        ItemEnd end = ItemEnd::NotTried;
+    };
+
+    Picture *Find(int number);
+    void Draw(Picture &picture);
+    int RowOf(const Picture &picture) const { return static_cast<int>(&picture - m_pictures.data()); }
+
+    const HWND m_view;
+    const int m_edge;
+    HIMAGELIST m_images;
+    int m_lastNumber = 0;
+    std::vector<Picture> m_pictures;    // row by row
+    ThumbnailMaker m_maker;
+};

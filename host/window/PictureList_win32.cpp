@@ -1,0 +1,174 @@
+#include "host/window/PictureList.h"
+
+#include "host/FileNames.h"
+#include "host/window/Badge.h"
+
+#include <algorithm>
+
+namespace
+{
+std::vector<std::filesystem::path> FilesOf(const PictureItem &item)
+{
+    std::vector<std::filesystem::path> files;
+    for (size_t i = 0; i < item.extensions.size(); ++i)
+    {
+        files.push_back(item.File(i));
+    }
+    return files;
+}
+
+std::wstring NameOf(const PictureItem &item)
+{
+    return item.File(0).filename().wstring();
+}
+} // namespace
+
+PictureList::PictureList(HWND view, int edge, UINT thumbnailMessage)
+    : m_view(view), m_edge(edge), m_images(ImageList_Create(edge, edge, ILC_COLOR32, 16, 16)),
+      m_maker(edge, GetParent(view), thumbnailMessage)
+{
+    ListView_SetImageList(m_view, m_images, LVSIL_NORMAL);
+    const BitmapOwner empty = EmptyFrame(m_edge);
+    ImageList_Add(m_images, empty.Get(), nullptr);
+}
+
+// The view, which is destroyed with the window, has the image list no longer then.
+PictureList::~PictureList()
+{
+    if (IsWindow(m_view))
+    {
+        ListView_SetImageList(m_view, nullptr, LVSIL_NORMAL);
+    }
+    ImageList_Destroy(m_images);
+}
+
+void PictureList::Add(const std::vector<PictureItem> &items)
+{
+    SendMessageW(m_view, WM_SETREDRAW, FALSE, 0);
+    for (const PictureItem &item : items)
+    {
+        const auto known = std::find_if(m_pictures.begin(), m_pictures.end(), [&](const Picture &picture) {
+            return IdentityOf(picture.item.stem) == IdentityOf(item.stem);
+        });
+        if (known != m_pictures.end())
+        {
+            for (const std::string &extension : item.extensions)
+            {
+                auto &extensions = known->item.extensions;
+                if (std::find(extensions.begin(), extensions.end(), extension) == extensions.end())
+                {
+                    extensions.push_back(extension);
+                }
+            }
+            continue;
+        }
+        Picture picture;
+        picture.number = ++m_lastNumber;
+        picture.item = item;
+        m_pictures.push_back(std::move(picture));
+        std::wstring name = NameOf(item);
+        LVITEMW row{};
+        row.mask = LVIF_TEXT | LVIF_IMAGE;
+        row.iItem = static_cast<int>(m_pictures.size()) - 1;
+        row.pszText = name.data();
+        row.iImage = 0;
+        ListView_InsertItem(m_view, &row);
+        m_maker.Ask(m_lastNumber, FilesOf(item));
+    }
+    SendMessageW(m_view, WM_SETREDRAW, TRUE, 0);
+    InvalidateRect(m_view, nullptr, TRUE);
+}
+
+void PictureList::RemoveSelected()
+{
+    for (int row = static_cast<int>(m_pictures.size()) - 1; row >= 0; --row)
+    {
+        if (ListView_GetItemState(m_view, row, LVIS_SELECTED) != 0)
+        {
+            ListView_DeleteItem(m_view, row);
+            m_pictures.erase(m_pictures.begin() + row);
+        }
+    }
+    ListView_Arrange(m_view, LVA_DEFAULT);
+}
+
+void PictureList::SelectAll()
+{
+    ListView_SetItemState(m_view, -1, LVIS_SELECTED, LVIS_SELECTED);
+}
+
+size_t PictureList::SelectedCount() const
+{
+    return ListView_GetSelectedCount(m_view);
+}
+
+PictureList::Picture *PictureList::Find(int number)
+{
+    const auto found = std::find_if(m_pictures.begin(), m_pictures.end(),
+                                    [&](const Picture &picture) { return picture.number == number; });
+    return found == m_pictures.end() ? nullptr : &*found;
+}
+
+void PictureList::ShowThumbnails()
+{
+    for (Thumbnail &thumbnail : m_maker.Take())
+    {
+        // One that was removed meanwhile has no row any more.
+        Picture *const picture = Find(thumbnail.picture);
+        if (picture != nullptr && thumbnail.bitmap)
+        {
+            picture->thumbnail = std::move(thumbnail.bitmap);
+            Draw(*picture);
+        }
+    }
+}
+
+// The picture's image, anew: the thumbnail, and on it the badge of what became of it.
+void PictureList::Draw(Picture &picture)
+{
+    BitmapOwner drawn = picture.thumbnail ? CopyOf(picture.thumbnail.Get(), m_edge) : EmptyFrame(m_edge);
+    if (picture.end != ItemEnd::NotTried)
+    {
+        DrawBadge(drawn.Get(), m_edge, picture.end == ItemEnd::WentUp);
+    }
+    if (picture.image == 0)
+    {
+        picture.image = std::max(ImageList_Add(m_images, drawn.Get(), nullptr), 0);
+        LVITEMW row{};
+        row.mask = LVIF_IMAGE;
+        row.iItem = RowOf(picture);
+        row.iImage = picture.image;
+        ListView_SetItem(m_view, &row);
+    }
+    else
+    {
+        ImageList_Replace(m_images, picture.image, drawn.Get(), nullptr);
+    }
+    ListView_RedrawItems(m_view, RowOf(picture), RowOf(picture));
+}
+
+std::vector<PictureItem> PictureList::Waiting() const
+{
+    std::vector<PictureItem> waiting;
+    for (const Picture &picture : m_pictures)
+    {
+        if (picture.end != ItemEnd::WentUp)
+        {
+            waiting.push_back(picture.item);
+        }
+    }
+    return waiting;
+}
+
+void PictureList::MarkEnds(const RunRecord &record)
+{
+    size_t index = 0;
+    for (Picture &picture : m_pictures)
+    {
+        if (picture.end != ItemEnd::WentUp)
+        {
+            picture.end = record.EndOf(index++);
+            Draw(picture);
+        }
+    }
+}

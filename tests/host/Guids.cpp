@@ -1,5 +1,0 @@
-// The one place of this program where the identifiers are defined.
-#include <initguid.h>
-
-#include "HostContract.h"
-#include "HVRPublishToFlickr.h"
