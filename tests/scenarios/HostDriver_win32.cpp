@@ -19,6 +19,7 @@
 //     host-driver picture CAPTION FILE         a PNG of the window as it stands on the screen
 //
 // Ends with 0 when it is done, with 1 when it can't be, and then says what the screen shows instead.
+#include "core/ComPtr.h"
 #include "tests/sheet/WindowPicture.h"
 #include "tests/webclient/TrustedAuthority.h"
 
@@ -31,7 +32,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <functional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -177,7 +177,7 @@ private:
     void *m_place;
 };
 
-// A point on the link; nothing of it is on the screen if it has none.
+// A point on the link; false if nothing of it is on the screen.
 bool FindLink(HWND control, const std::wstring &name, LPARAM &point)
 {
     RECT area{};
@@ -225,14 +225,9 @@ void Press(HWND control)
 bool CanCreate(const std::wstring &text)
 {
     CLSID clsid{};
-    IUnknown *object = nullptr;
-    if (FAILED(CLSIDFromString(text.c_str(), &clsid)) ||
-        FAILED(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IUnknown), reinterpret_cast<void **>(&object))))
-    {
-        return false;
-    }
-    object->Release();
-    return true;
+    ComPtr<IUnknown> object;
+    return SUCCEEDED(CLSIDFromString(text.c_str(), &clsid)) &&
+           SUCCEEDED(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IUnknown), object.PutVoid()));
 }
 
 void Check(bool isDone, const wchar_t *words)
