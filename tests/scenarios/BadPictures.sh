@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
 # Damaged, odd and wrongly named pictures, in each of the three modes: BadPictures.sh FOLDER-OF-THE-PROGRAMS
-# Each is published alone. What is refused leaves nothing at the service, is named, and gives its reason; what
-# goes up in a mode that writes a new JPEG is one.
+# What is refused leaves nothing at the service, is named, and gives its reason; the rest of the run goes on.
 set -euo pipefail
 bin=$1
 work=$(mktemp -d)
@@ -47,92 +46,86 @@ cp good.jpg jpeg.png
 cp "$work/plain.tif" tiff.jpg
 head -c 33 "$work/plain.png" >cut-png.jpg
 
-"$bin/flickr-loopback" --port 0 --store "$work/store" --token tok:sec --ready-file "$work/env" >"$work/service.log" 2>&1 &
-service=$!
-for _ in $(seq 300); do [ ! -f "$work/env" ] || break; sleep 0.1; done
-# shellcheck disable=SC1091
-. "$work/env"
+start_service() { # STORE OPTIONS...
+    rm -f "$work/env"
+    "$bin/flickr-loopback" --port 0 --store "$work/$1" --token tok:sec --ready-file "$work/env" "${@:2}" \
+        >"$work/service.log" 2>&1 &
+    service=$!
+    for _ in $(seq 300); do [ ! -f "$work/env" ] || break; sleep 0.1; done
+    # shellcheck disable=SC1091
+    . "$work/env"
+}
 host() { "$bin/halvora" --profile "$work/profile" "$@"; }
 uploads() { curl -sS "${HALVORA_LOOPBACK_GALLERY}_loopback/uploads"; }
-printf 'tok\nsec\n' | host account --set-token - >/dev/null
-
-failures=0
 fail() {
-    printf 'FAILED: mode %s, %s: %s\n' "$mode" "$name" "$1" >&2
+    printf 'FAILED: mode %s: %s\n' "$mode" "$1" >&2
     cat "$work/out" >&2
-    failures=$((failures + 1))
+    exit 1
 }
-check() { # OUTCOME: "up", or words of the refusal with blanks as "_"
-    local before after code=0
-    before=$(uploads | jq length)
-    host publish "$name" >"$work/out" 2>&1 || code=$?
-    after=$(uploads | jq length)
-    ! grep -qE 'Sanitizer|runtime error' "$work/out" || fail 'a fault of memory'
-    if [ "$1" = up ]; then
-        [ $code -eq 0 ] || fail "exit code $code, not 0"
-        [ $((after - before)) -eq 1 ] || fail "$((after - before)) pictures arrived, not one"
-        return
-    fi
-    [ $code -eq 1 ] || fail "exit code $code, not 1"
-    [ "$after" = "$before" ] || fail 'something arrived'
-    grep -q "^  .*$name: .*${1//_/ }" "$work/out" || fail "the list at the end doesn't say \"${1//_/ }\""
-    ! grep -q ': \.$' "$work/out" || fail 'a reason without words'
+refused() { # NAME WORDS
+    grep -q "^  .*$1: .*$2" "$work/out" || fail "the list at the end doesn't say of $1: $2"
 }
 
-# What a file is sent as it lies: whatever begins as a JPEG, GIF or PNG. Otherwise the picture must be whole.
-while read -r name asis intact processed; do
-    mode=0
-    for outcome in "$asis" "$intact" "$processed"; do
-        [ "$(cat "$work/mode" 2>/dev/null)" = "$mode" ] || true
-        printf '%s\t%s\t%s\n' "$mode" "$name" "$outcome"
-        mode=$((mode + 1))
-    done
-done >"$work/cases" <<'CASES'
-good.jpg         up                       up                          up
-progressive.jpg  up                       up                          up
-arithmetic.jpg   up                       up                          up
-cmyk.jpg         up                       up                          up
-fill.jpg         up                       up                          up
-trailing.jpg     up                       up                          up
-exifcut.jpg      up                       up                          up
-jpeg.png         up                       up                          up
-png.jpg          up                       not_what_it_appears_to_be   up
-tiff.jpg         not_what_it_appears_to_be not_what_it_appears_to_be  up
-empty.jpg        copy_it_again            copy_it_again               copy_it_again
-gone.jpg         check_the_name           check_the_name              check_the_name
-truncated.jpg    up                       copy_the_file_again         copy_the_file_again
-headonly.jpg     up                       copy_the_file_again         copy_the_file_again
-inexif.jpg       up                       copy_the_file_again         copy_the_file_again
-cut-png.jpg      up                       not_what_it_appears_to_be   copy_the_file_again
-twelve.jpg       up                       8_bits_for_each_colour      8_bits_for_each_colour
-bomb.jpg         up                       copy_the_file_again         save_a_smaller_one
+# In each mode, as it lies, pixels intact, processed: "up", or words of the refusal with "_" for blanks. As it
+# lies goes whatever begins as a JPEG, GIF or PNG does; in the others the picture must be whole.
+cat >"$work/cases" <<'CASES'
+good.jpg         up                         up                         up
+progressive.jpg  up                         up                         up
+arithmetic.jpg   up                         up                         up
+cmyk.jpg         up                         up                         up
+fill.jpg         up                         up                         up
+trailing.jpg     up                         up                         up
+exifcut.jpg      up                         up                         up
+jpeg.png         up                         up                         up
+png.jpg          up                         not_what_it_appears_to_be  up
+tiff.jpg         not_what_it_appears_to_be  not_what_it_appears_to_be  up
+empty.jpg        copy_it_again              copy_it_again              copy_it_again
+gone.jpg         check_the_name             check_the_name             check_the_name
+truncated.jpg    up                         copy_the_file_again        copy_the_file_again
+headonly.jpg     up                         copy_the_file_again        copy_the_file_again
+inexif.jpg       up                         copy_the_file_again        copy_the_file_again
+cut-png.jpg      up                         not_what_it_appears_to_be  copy_the_file_again
+twelve.jpg       up                         8_bits_for_each_colour     8_bits_for_each_colour
+bomb.jpg         up                         copy_the_file_again        save_a_smaller_one
 CASES
+mapfile -t names < <(cut -d' ' -f1 "$work/cases")
 for mode in 0 1 2; do
+    start_service "store$mode"
+    printf 'tok\nsec\n' | host account --set-token - >/dev/null
     host settings JPEGMode=$mode >/dev/null
-    while IFS=$'\t' read -r its name outcome; do
-        [ "$its" != "$mode" ] || check "$outcome"
+    code=0
+    host publish "${names[@]}" >"$work/out" 2>&1 || code=$?
+    [ $code -eq 1 ] || fail "exit code $code, not 1"
+    ! grep -qE 'Sanitizer|runtime error' "$work/out" || fail 'a fault of memory'
+    ! grep -q ': \.$' "$work/out" || fail 'a reason without words'
+    good=0
+    while read -r name outcomes; do
+        read -ra words <<<"$outcomes"
+        case ${words[mode]} in
+        up) good=$((good + 1)) ;;
+        *) refused "$name" "${words[mode]//_/ }" ;;
+        esac
     done <"$work/cases"
+    grep -q "^Published $good of ${#names[@]} pictures" "$work/out" || fail "not $good went up"
+    [ "$(uploads | jq length)" = "$good" ] || fail "not $good arrived"
+    kill "$service"
+    wait "$service" 2>/dev/null || true
 done
 
-# A file that goes while the run is busy with the one before it.
-mode=2
-name=vanishing.jpg
-cp good.jpg $name
-curl -sS -o /dev/null "${HALVORA_LOOPBACK_GALLERY}_loopback/uploads"
-mkfifo "$work/words"
-code=0
-host publish good.jpg $name >"$work/words" 2>&1 &
+# A file that goes while the one before it is under way, and another that turns into a folder.
+start_service store-slow --fault 'kind=delay&ms=1500&target=upload'
+cp good.jpg vanishing.jpg
+cp good.jpg folder.jpg
+host settings JPEGMode=1 >/dev/null
+host publish good.jpg vanishing.jpg folder.jpg progressive.jpg >"$work/out" 2>&1 &
 run=$!
-while IFS= read -r line; do
-    printf '%s\n' "$line"
-    case $line in *'Send '* | *Resample*) rm -f $name ;; esac
-done <"$work/words" >"$work/out"
+for _ in $(seq 100); do ! grep -q 'Publishing ".*good.jpg' "$work/out" || break; sleep 0.05; done
+rm vanishing.jpg folder.jpg
+mkdir folder.jpg
+code=0
 wait $run || code=$?
-[ $code -le 1 ] || fail "exit code $code"
-if [ $code -eq 1 ]; then
-    grep -q "^  .*$name: " "$work/out" || fail 'the file that went away is not named'
-fi
-uploads | jq -e 'all(.width > 0)' >/dev/null 2>&1 || true
-
-[ $failures -eq 0 ] || exit 1
+[ $code -eq 1 ] || fail "exit code $code, not 1"
+refused vanishing.jpg ''
+refused folder.jpg ''
+[ "$(uploads | jq length)" = 2 ] || fail 'not two arrived'
 echo 'Every picture met the right end.'

@@ -47,8 +47,9 @@ struct Failure
 std::string Utf8(const std::wstring &text)
 {
     std::string bytes(text.size() * 3, '\0');
-    bytes.resize(static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()),
-                                                         bytes.data(), static_cast<int>(bytes.size()), nullptr, nullptr)));
+    const int length = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), bytes.data(),
+                                           static_cast<int>(bytes.size()), nullptr, nullptr);
+    bytes.resize(static_cast<size_t>(length));
     return bytes;
 }
 
@@ -59,8 +60,8 @@ std::wstring TextOf(HWND window)
     SendMessageTimeoutW(window, WM_GETTEXTLENGTH, 0, 0, SMTO_ABORTIFHUNG, 5000, &length);
     std::wstring text(length + 1, L'\0');
     DWORD_PTR copied = 0;
-    SendMessageTimeoutW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()), SMTO_ABORTIFHUNG, 5000,
-                        &copied);
+    SendMessageTimeoutW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()), SMTO_ABORTIFHUNG,
+                        5000, &copied);
     text.resize(copied);
     return text;
 }
@@ -257,7 +258,9 @@ const Command commands[] = {
     {L"trust", 0, [](const Arguments &) { Check(TrustedAuthority::Begin(), L"the authority can't be trusted"); }},
     {L"has-class", 1, [](const Arguments &a) { Check(CanCreate(a[0]), L"there is no such class"); }},
     {L"await", 1, [](const Arguments &a) { Top(a[0]); }},
-    {L"await-end", 1, [](const Arguments &a) { Await(L"the end of " + a[0], [&] { return FindTop(a[0]) == nullptr; }); }},
+    {L"await-end", 1, [](const Arguments &a) {
+         Await(L"the end of " + a[0], [&] { return FindTop(a[0]) == nullptr; });
+     }},
     {L"await-text", 3, [](const Arguments &a) {
          const HWND control = Part(a[0], a[1]);
          Await(a[2], [&] { return TextOf(control).find(a[2]) != std::wstring::npos; });

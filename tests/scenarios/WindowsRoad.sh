@@ -16,7 +16,7 @@ for program in "$service_program" "$partner_program" "$driver_program" "$zip"; d
 done
 work=$(mktemp -d)
 export HALVORA_WINEPREFIX=$work/wine LC_ALL=C.UTF-8
-service= partner= screen= host=
+service='' partner='' screen='' host=''
 finish() {
     exec 7>&-
     "$root/tools/browser" stop "$work/browser" 2>/dev/null || true
@@ -75,7 +75,8 @@ Xvfb -displayfd 1 -screen 0 1280x1024x24 -nolisten tcp 7>&- >"$work/screen" 2>/d
 screen=$!
 for _ in $(seq 300); do [ ! -s "$work/screen" ] || break; sleep 0.1; done
 [ -s "$work/screen" ] || fail 'no display: Xvfb (package xvfb) does not start'
-export DISPLAY=":$(<"$work/screen")" http_proxy="http://$proxy" https_proxy="http://$proxy"
+DISPLAY=:$(<"$work/screen")
+export DISPLAY http_proxy="http://$proxy" https_proxy="http://$proxy"
 export PATH="$root/tools/person:$PATH" HALVORA_BROWSER=$work/browser HALVORA_ANSWER=Allow
 "$root/tools/browser" start "$work/browser" 7>&- || fail 'no browser starts (package chromium)'
 {
@@ -87,7 +88,7 @@ export PATH="$root/tools/person:$PATH" HALVORA_BROWSER=$work/browser HALVORA_ANS
     windows reg add 'HKCU\Software\Wine\Explorer' /v Desktop /d Trial /f
     windows reg add 'HKCU\Software\Wine\Explorer\Desktops' /v Trial /d 1280x1024 /f
 } 7>&- >/dev/null
-if [ -d /usr/share/wine/fonts ]; then cp /usr/share/wine/fonts/*.ttf "$HALVORA_WINEPREFIX/drive_c/windows/Fonts/"; fi
+cp /usr/share/wine/fonts/*.ttf "$HALVORA_WINEPREFIX/drive_c/windows/Fonts/"
 driver trust
 
 # Installed for this user, by the script of the zip.
@@ -97,7 +98,7 @@ home=$HALVORA_WINEPREFIX/drive_c/users/$(id -un)/AppData/Local
 installed="$home/Halvora/Publish to Flickr"
 [ -f "$installed/halvora.exe" ] || fail 'the host is not installed'
 # Classes of one user don't count for Wine; when that is no longer so, this can go.
-publisher={46519402-3380-4D48-BC76-63FFAA27165C}
+publisher='{46519402-3380-4D48-BC76-63FFAA27165C}'
 ! windows "$driver_program" has-class "$publisher" || fail 'Wine sees the classes of one user: the detour can go'
 modules=(Halvora.Publishing.Plugin.Flickr Halvora.WebComponents)
 for module in "${modules[@]}"; do windows regsvr32 /s "$(windows_path "$installed/$module.dll")"; done
@@ -121,8 +122,8 @@ end_host() {
     wait "$host" || fail "the host ends with $?"
 }
 main_window='Halvora'
-list=$(control IDC_PICTURES) state=$(control IDC_STATE) publish=$(control IDC_PUBLISH) cancel=$(control IDC_CANCEL)
-status=$(control IDC_STATUS)
+list=$(control IDC_PICTURES) state=$(control IDC_STATE) status=$(control IDC_STATUS)
+publish=$(control IDC_PUBLISH) cancel=$(control IDC_CANCEL)
 shows() { driver await-text "$main_window" "$1" "$2"; }
 start_host
 
@@ -165,7 +166,8 @@ shows "$status" 'Everything here is published'
 [ "$(uploads | jq length)" = 3 ] || fail "not three uploads: $(uploads | jq -c '[.[].title]')"
 for file in "$work/pictures"/*; do
     sum=$(sha256sum <"$file")
-    uploads | jq -e --arg sum "${sum%% *}" 'any(.sha256 == $sum)' >/dev/null || fail "${file##*/} did not arrive as it is"
+    uploads | jq -e --arg sum "${sum%% *}" 'any(.sha256 == $sum)' >/dev/null ||
+        fail "${file##*/} did not arrive as it is"
 done
 
 # The token pair lies where the host keeps the account, and in no other file of this Windows: as UTF-8, as
@@ -208,11 +210,12 @@ for module in "${modules[@]}"; do windows regsvr32 /s /u "$(windows_path "$insta
 (cd "$work/unpacked"/* && windows cmd /c uninstall.cmd /quiet) >"$work/out" || fail 'uninstall.cmd fails'
 [ ! -e "$home/Halvora" ] || fail "left: $(find "$home/Halvora")"
 end_windows
-# Keys by their names, and values below the key that they stand in.
-grep -iE '^\[|halvora|46519402|bfb39c79|20fb81f4|bf23f6e1|c6338984' "$HALVORA_WINEPREFIX"/{user,system}.reg |
-    tr -d '\r' | awk -F: '{ line = substr($0, index($0, ":") + 1) }
-        line ~ /^\[/ { key = line; if (tolower(line) !~ /halvora|46519402|bfb39c79|20fb81f4|bf23f6e1|c6338984/) next; line = "" }
-        { print key " " line }' >"$work/left"
+# Each value with the key that it stands in.
+for hive in user system; do
+    awk '/^\[/ { key = $0 }
+        tolower(key $0) ~ /halvora|46519402|bfb39c79|20fb81f4|bf23f6e1|c6338984/ { print key " " $0 }' \
+        "$HALVORA_WINEPREFIX/$hive.reg"
+done | tr -d '\r' >"$work/left"
 ! grep -vi '^\[Software\\\\TRNQ\\\\Halvora' "$work/left" >"$work/out" || fail 'left in the registry'
 grep -qi 'Plugins\\\\{46519402' "$work/left" || fail 'the settings are gone too'
 for secret in "${pair[@]}"; do

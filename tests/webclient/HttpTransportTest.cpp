@@ -66,10 +66,12 @@ private:
 };
 
 // Through a proxy Wine puts the whole address into a secure request's first line.
-const std::string Target = std::string(underWine ? "https://echo.partner.test:443" : "") + "/a%2Fb?c=%7E%20d HTTP/1.1\r\n";
+const std::string Target =
+    std::string(underWine ? "https://echo.partner.test:443" : "") + "/a%2Fb?c=%7E%20d HTTP/1.1\r\n";
 
 // To Wine a connection that is closed without an answer is an answer that it can't read.
-constexpr TransportProblem NoAnswerAtAll = underWine ? TransportProblem::AnswerGarbled : TransportProblem::LostBeforeAnswer;
+constexpr TransportProblem NoAnswerAtAll =
+    underWine ? TransportProblem::AnswerGarbled : TransportProblem::LostBeforeAnswer;
 
 class HttpTransportTest : public testing::Test
 {
@@ -119,8 +121,8 @@ TEST_F(HttpTransportTest, RequestArrivesAsItIs)
     EXPECT_EQ(outcome.reply.statusWords, "Fine");
     const std::string &echo = outcome.reply.body;
     EXPECT_THAT(echo, testing::StartsWith("POST " + Target));
-    for (const char *header : {"Host: echo.partner.test\r\n", "User-Agent: Halvora/1.2.3.4\r\n", "Content-Length: 700001\r\n",
-                               "Content-Type: application/x-thing\r\n", "Authorization: OAuth x=\"y\"\r\n"})
+    for (const char *header : {"Host: echo.partner.test\r\n", "User-Agent: Halvora/1.2.3.4\r\n",
+                               "Content-Length: 700001\r\n", "Content-Type: application/x-thing\r\n", "Authorization: OAuth x=\"y\"\r\n"})
     {
         EXPECT_THAT(echo.substr(0, 1000), HasSubstr(header));
     }
