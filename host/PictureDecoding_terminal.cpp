@@ -66,7 +66,13 @@ std::string TakeReport()
     {
         throw DecodingError(E_OUTOFMEMORY, "needs more memory than there is");
     }
-    throw DecodingError(WINCODEC_ERR_BADIMAGE, "is damaged or was cut short: " + report);
+    if (report.find("data precision 12") != std::string::npos)
+    {
+        throw DecodingError(WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT,
+                            "is a JPEG with 12 bits for each colour; save it with 8, and publish that");
+    }
+    throw DecodingError(WINCODEC_ERR_BADIMAGE,
+                        "is damaged or was cut short" + (report.empty() ? std::string() : ": " + report));
 }
 
 std::string FirstBytes(const std::filesystem::path &file)
@@ -90,7 +96,6 @@ bool IsPlainKind(std::string_view start)
     return start.starts_with("\xFF\xD8"sv) || start.starts_with("\x89PNG"sv) || start.starts_with("GIF8"sv) ||
            start.starts_with("RIFF"sv);
 }
-
 
 struct FileHeader
 {

@@ -3,6 +3,9 @@
 #include "host/FileNames.h"
 #include "host/SafeLine.h"
 
+#include <windows.h>
+#include <wincodec.h>
+
 #include <algorithm>
 #include <cstdlib>
 
@@ -31,6 +34,23 @@ std::string NameOf(const PictureItem &item)
     return ShownPath(item.File(0));
 }
 
+// What a person can do about it; most codes' words say that themselves.
+const char *AdviceFor(HRESULT code)
+{
+    switch (code)
+    {
+    case WINCODEC_ERR_BADIMAGE:
+    case WINCODEC_ERR_STREAMREAD:
+        return "; copy the file again from its source";
+    case WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT:
+        return "; save it again with 8 bits for each colour";
+    case WINCODEC_ERR_IMAGESIZEOUTOFRANGE:
+        return "; save a smaller one";
+    default:
+        return "";
+    }
+}
+
 std::string Count(size_t number, const char *one, const char *several)
 {
     return std::to_string(number) + " " + (number == 1 ? one : several);
@@ -56,7 +76,7 @@ std::string ReasonOfEntry(const std::string &entry, const ErrorWords &words)
         }
         const auto code = static_cast<HRESULT>(std::strtoul(digits.c_str(), nullptr, 16));
         const std::string meaning = Trimmed(words(code));
-        return (meaning.empty() ? "error" : meaning) + " (0x" + digits + ")";
+        return (meaning.empty() ? "error" : meaning) + " (0x" + digits + ")" + AdviceFor(code);
     }
     return entry;
 }
