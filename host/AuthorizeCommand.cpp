@@ -75,7 +75,6 @@ ExitCode RunAuthorizeCommand(const Profile &profile)
         Complain(notice);
     }
     const HRESULT result = RunVerb(*session.Plugin(), TEXT("authorize"));
-    // What the user granted just now is stored whatever another halvora stored meanwhile.
-    session.Finish(result == S_FALSE ? Storing::UnlessNewer : Storing::Always);
+    session.Finish(StoringAfter(TEXT("authorize"), result));
     return TellOutcome(result, before, AccountIn(store));
 }

@@ -39,3 +39,8 @@ bool IsSidecarExtension(std::string_view extension)
 {
     return std::binary_search(SIDECARS.begin(), SIDECARS.end(), std::string_view(Lower(extension)));
 }
+
+std::span<const std::string_view> PictureExtensions()
+{
+    return PICTURES;
+}

@@ -3,6 +3,7 @@
 #include "host/InitData.h"
 
 #include "core/Hresult.h"
+#include "core/TextPieces.h"
 
 namespace
 {
@@ -40,9 +41,16 @@ ComPtr<IStream> MakeStream(const std::string &content)
 }
 } // namespace
 
-PluginSession::PluginSession(IUnknown *host, InitDataStore &store) : m_store(store)
+Storing StoringAfter(WideView verb, HRESULT result)
 {
-    ThrowIfFailed(CoCreateInstance(__uuidof(FlickrPublisher), nullptr, CLSCTX_INPROC_SERVER,
+    const bool isAuthorization = EqualsIgnoringCase(verb, TEXT("authorize"));
+    // S_FALSE: the authorization was cancelled, or the settings revoked it.
+    return isAuthorization == (result == S_FALSE) ? Storing::UnlessNewer : Storing::Always;
+}
+
+PluginSession::PluginSession(IUnknown *host, InitDataStore &store, const CLSID &plugin) : m_store(store)
+{
+    ThrowIfFailed(CoCreateInstance(plugin, nullptr, CLSCTX_INPROC_SERVER,
                                    __uuidof(IHalvoraPublishingPlugin), m_plugin.PutVoid()));
     if (SUCCEEDED(Initialize(host, store.Content())))
     {

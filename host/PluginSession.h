@@ -5,6 +5,7 @@
 #include "host/Profile.h"
 
 #include "core/ComPtr.h"
+#include "core/WideText.h"
 
 #include "HVRPublishToFlickr.h"
 
@@ -19,12 +20,16 @@ enum class Storing
     Always
 };
 
+// What a verb of Configure means for the data: what the person granted or withdrew just now holds whatever
+// another process stored meanwhile.
+Storing StoringAfter(WideView verb, HRESULT result);
+
 class PluginSession
 {
 public:
     // Creates and initializes the plug-in. Stored data that it refuses are set aside, and it gets none.
     // Throws ProfileError, or the HRESULT of a plug-in that can't be created or initialized.
-    PluginSession(IUnknown *host, InitDataStore &store);
+    PluginSession(IUnknown *host, InitDataStore &store, const CLSID &plugin = __uuidof(FlickrPublisher));
 
     IHalvoraPublishingPlugin *Plugin() const { return m_plugin.Get(); }
 

@@ -32,8 +32,7 @@ ExitCode RunSheetCommand(const Profile &profile)
         Complain(notice);
     }
     const HRESULT result = RunVerb(*session.Plugin(), TEXT("settings"));
-    // A revocation holds whatever another halvora stored meanwhile.
-    session.Finish(result == S_FALSE ? Storing::Always : Storing::UnlessNewer);
+    session.Finish(StoringAfter(TEXT("settings"), result));
     if (FAILED(result))
     {
         Complain("The settings could not be shown: " + SystemWords(result));

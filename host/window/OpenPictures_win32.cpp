@@ -12,6 +12,16 @@
 
 namespace
 {
+std::wstring PicturePatterns()
+{
+    std::wstring patterns;
+    for (const std::string_view extension : PictureExtensions())
+    {
+        patterns += (patterns.empty() ? L"*." : L";*.") + WideOf(extension);
+    }
+    return patterns;
+}
+
 std::filesystem::path PathOf(IShellItem &item)
 {
     TaskTextOwner path;

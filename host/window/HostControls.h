@@ -1,0 +1,39 @@
+// The controls of the host's window, and where they lie.
+#pragma once
+
+#include <windows.h>
+
+class HostControls
+{
+public:
+    // Makes them as children of the window, whose dots per inch they are made for.
+    explicit HostControls(HWND window);
+    ~HostControls();
+    HostControls(const HostControls &) = delete;
+    HostControls &operator=(const HostControls &) = delete;
+
+    HWND operator[](int id) const { return GetDlgItem(m_window, id); }
+
+    void SetText(int id, const wchar_t *text) const;
+    void Enable(int id, bool enabled) const;
+
+    // For the window's present size.
+    void LayOut() const;
+
+    // Of the whole window.
+    SIZE SmallestSize() const;
+    SIZE UsualSize() const;
+
+    // Pixels for so many units of 1/96 inch.
+    int Scaled(int units) const { return MulDiv(units, m_dotsPerInch, 96); }
+
+private:
+    HWND Make(int id, const wchar_t *kind, unsigned text, DWORD style, DWORD extended = 0);
+    int ButtonWidth(int id) const;
+    SIZE Framed(int width, int height) const;
+
+    const HWND m_window;
+    int m_dotsPerInch;
+    HFONT m_font;
+    HFONT m_boldFont;
+};

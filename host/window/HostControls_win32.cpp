@@ -1,0 +1,177 @@
+#include "host/window/HostControls.h"
+
+#include "host/window/WindowText.h"
+#include "host/window/resource.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+
+namespace
+{
+// Units of 1/96 inch.
+constexpr int margin = 12;
+constexpr int gap = 8;
+constexpr int buttonHeight = 26;
+constexpr int smallestButton = 84;
+constexpr int lineHeight = 18;
+
+// LM_GETIDEALSIZE, which the headers of this compiler lack.
+constexpr UINT getIdealSize = WM_USER + 0x301;
+
+HFONT MakeFont(bool bold)
+{
+    NONCLIENTMETRICSW metrics{};
+    metrics.cbSize = sizeof(metrics);
+    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0);
+    if (bold)
+    {
+        metrics.lfMessageFont.lfWeight = FW_BOLD;
+    }
+    return CreateFontIndirectW(&metrics.lfMessageFont);
+}
+
+int DotsPerInch()
+{
+    const HDC screen = GetDC(nullptr);
+    const int dots = GetDeviceCaps(screen, LOGPIXELSY);
+    ReleaseDC(nullptr, screen);
+    return dots;
+}
+} // namespace
+
+HostControls::HostControls(HWND window)
+    : m_window(window), m_dotsPerInch(DotsPerInch()), m_font(MakeFont(false)), m_boldFont(MakeFont(true))
+{
+    constexpr DWORD text = SS_NOPREFIX | SS_ENDELLIPSIS;
+    constexpr DWORD list = WS_TABSTOP | LVS_SHOWSELALWAYS | LVS_AUTOARRANGE;
+    Make(IDC_PLUGIN_ICON, L"Static", 0, SS_ICON | SS_REALSIZECONTROL);
+    SendMessageW(Make(IDC_PLUGIN_NAME, L"Static", 0, text), WM_SETFONT, reinterpret_cast<WPARAM>(m_boldFont), 0);
+    Make(IDC_PLUGIN_VERSION, L"Static", 0, text);
+    Make(IDC_STATE, WC_LINK, 0, WS_TABSTOP);
+    Make(IDC_PICTURES, WC_LISTVIEWW, 0, list | LVS_ICON, WS_EX_CLIENTEDGE);
+    Make(IDC_ADD, L"Button", IDS_ADD, WS_TABSTOP);
+    Make(IDC_REMOVE, L"Button", IDS_REMOVE, WS_TABSTOP);
+    Make(IDC_PUBLISH, L"Button", IDS_PUBLISH, WS_TABSTOP);
+    Make(IDC_CANCEL, L"Button", IDS_CANCEL, WS_TABSTOP);
+    Make(IDC_PROGRESS, PROGRESS_CLASSW, 0, 0);
+    Make(IDC_STATUS, L"Static", 0, text);
+    Make(IDC_LOG, WC_LISTVIEWW, 0, WS_TABSTOP | LVS_REPORT | LVS_NOCOLUMNHEADER | LVS_SINGLESEL, WS_EX_CLIENTEDGE);
+    Make(IDC_DETAILS, L"Button", IDS_DETAILS, WS_TABSTOP | BS_AUTOCHECKBOX);
+}
+
+// The window destroys its children itself.
+HostControls::~HostControls()
+{
+    DeleteObject(m_font);
+    DeleteObject(m_boldFont);
+}
+
+HWND HostControls::Make(int id, const wchar_t *kind, unsigned text, DWORD style, DWORD extended)
+{
+    const HWND control = CreateWindowExW(extended, kind, text != 0 ? ResourceText(text).c_str() : L"",
+                                         WS_CHILD | WS_VISIBLE | style, 0, 0, 0, 0, m_window,
+                                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
+                                         GetModuleHandleW(nullptr), nullptr);
+    SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(m_font), FALSE);
+    return control;
+}
+
+void HostControls::SetText(int id, const wchar_t *text) const
+{
+    SetDlgItemTextW(m_window, id, text);
+}
+
+// A control that has the focus and can't be used any more would take the keyboard with it.
+void HostControls::Enable(int id, bool enabled) const
+{
+    const HWND control = (*this)[id];
+    if (!enabled && GetFocus() == control)
+    {
+        SetFocus((*this)[IDC_PICTURES]);
+    }
+    EnableWindow(control, enabled);
+}
+
+int HostControls::ButtonWidth(int id) const
+{
+    wchar_t text[100] = L"";
+    GetDlgItemTextW(m_window, id, text, ARRAYSIZE(text));
+    const HDC context = GetDC(m_window);
+    const HGDIOBJ before = SelectObject(context, m_font);
+    RECT area{};
+    DrawTextW(context, text, -1, &area, DT_CALCRECT | DT_SINGLELINE);
+    SelectObject(context, before);
+    ReleaseDC(m_window, context);
+    return std::max<int>(Scaled(smallestButton), area.right + Scaled(28));
+}
+
+void HostControls::LayOut() const
+{
+    RECT client{};
+    GetClientRect(m_window, &client);
+    const int left = Scaled(margin), right = client.right - Scaled(margin), space = Scaled(gap);
+    const int width = std::max(right - left, 0);
+    HDWP moves = BeginDeferWindowPos(13);
+    const auto move = [&](int id, int x, int y, int w, int h) {
+        moves = DeferWindowPos(moves, (*this)[id], nullptr, x, y, std::max(w, 0), std::max(h, 0),
+                               SWP_NOZORDER | SWP_NOACTIVATE);
+    };
+
+    // From above: the plug-in, as high as its line of state needs.
+    const int icon = Scaled(32), beside = left + icon + Scaled(12);
+    int top = Scaled(margin);
+    move(IDC_PLUGIN_ICON, left, top, icon, icon);
+    move(IDC_PLUGIN_NAME, beside, top - Scaled(2), right - beside, Scaled(lineHeight));
+    move(IDC_PLUGIN_VERSION, beside, top + Scaled(16), right - beside, Scaled(lineHeight));
+    top += icon + space;
+    SIZE ideal{};
+    const auto stateHeight =
+        static_cast<int>(SendMessageW((*this)[IDC_STATE], getIdealSize, static_cast<WPARAM>(width), reinterpret_cast<LPARAM>(&ideal)));
+    const int lines = std::clamp<int>(ideal.cy > 0 ? ideal.cy : stateHeight, Scaled(lineHeight), Scaled(4 * lineHeight));
+    move(IDC_STATE, left, top, width, lines);
+    top += lines + space;
+
+    // From below: what is told of a run.
+    int bottom = client.bottom - Scaled(margin);
+    const int details = Scaled(lineHeight);
+    move(IDC_DETAILS, left, bottom - details, width, details);
+    bottom -= details + space;
+    const int between = 3 * space + Scaled(buttonHeight) + Scaled(14) + Scaled(lineHeight) + space;
+    const int forLists = std::max(bottom - top - between, 0);
+    const int log = std::max(forLists * 3 / 10, std::min(forLists / 2, Scaled(90)));
+    move(IDC_LOG, left, bottom - log, width, log);
+    bottom -= log + space;
+    move(IDC_STATUS, left, bottom - Scaled(lineHeight), width, Scaled(lineHeight));
+    bottom -= Scaled(lineHeight) + space / 2;
+    move(IDC_PROGRESS, left, bottom - Scaled(14), width, Scaled(14));
+    bottom -= Scaled(14) + space;
+    const int buttonTop = bottom - Scaled(buttonHeight);
+    const int add = ButtonWidth(IDC_ADD), remove = ButtonWidth(IDC_REMOVE);
+    const int publish = ButtonWidth(IDC_PUBLISH), cancel = std::max(ButtonWidth(IDC_CANCEL), Scaled(smallestButton));
+    move(IDC_ADD, left, buttonTop, add, Scaled(buttonHeight));
+    move(IDC_REMOVE, left + add + space, buttonTop, remove, Scaled(buttonHeight));
+    move(IDC_CANCEL, right - cancel, buttonTop, cancel, Scaled(buttonHeight));
+    move(IDC_PUBLISH, right - cancel - space - publish, buttonTop, publish, Scaled(buttonHeight));
+    bottom = buttonTop - space;
+    move(IDC_PICTURES, left, top, width, bottom - top);
+    EndDeferWindowPos(moves);
+}
+
+SIZE HostControls::Framed(int width, int height) const
+{
+    RECT frame{0, 0, Scaled(width), Scaled(height)};
+    AdjustWindowRectEx(&frame, static_cast<DWORD>(GetWindowLongW(m_window, GWL_STYLE)), FALSE,
+                       static_cast<DWORD>(GetWindowLongW(m_window, GWL_EXSTYLE)));
+    return {frame.right - frame.left, frame.bottom - frame.top};
+}
+
+SIZE HostControls::SmallestSize() const
+{
+    return Framed(480, 460);
+}
+
+SIZE HostControls::UsualSize() const
+{
+    return Framed(760, 660);
+}

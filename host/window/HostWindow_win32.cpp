@@ -1,0 +1,567 @@
+#include "host/window/HostWindow.h"
+
+#include "host/FileNames.h"
+#include "host/SettingsKeyMaking.h"
+#include "host/SystemWords.h"
+#include "host/TextEncodings.h"
+#include "host/window/OpenPictures.h"
+#include "host/window/PluginDirectory.h"
+#include "host/window/WindowText.h"
+#include "host/window/resource.h"
+
+#include "core/BstrOwner.h"
+#include "core/Hresult.h"
+
+#include <commctrl.h>
+#include <shellapi.h>
+
+namespace
+{
+constexpr UINT thumbnailMessage = WM_APP + 1;
+constexpr UINT logMessage = WM_APP + 2;
+constexpr UINT endMessage = WM_APP + 3;
+
+constexpr COLORREF errorColour = RGB(176, 32, 20);
+constexpr COLORREF warningColour = RGB(150, 90, 0);
+constexpr COLORREF detailColour = RGB(110, 110, 110);
+
+struct Drop
+{
+    explicit Drop(HDROP handle) : handle(handle) {}
+    ~Drop() { DragFinish(handle); }
+    Drop(const Drop &) = delete;
+    Drop &operator=(const Drop &) = delete;
+
+    HDROP handle;
+};
+
+template <class Getter>
+std::wstring TextFrom(Getter get)
+{
+    BstrOwner text;
+    return SUCCEEDED(get(text.Put())) && text.Get() != nullptr ? std::wstring(text.Get()) : std::wstring();
+}
+} // namespace
+
+HostWindow::HostWindow(const Profile &profile) : m_store(profile)
+{
+    m_store.Load();
+    const INITCOMMONCONTROLSEX controls = {
+        sizeof(controls), ICC_LISTVIEW_CLASSES | ICC_PROGRESS_CLASS | ICC_STANDARD_CLASSES | ICC_LINK_CLASS};
+    InitCommonControlsEx(&controls);
+    WNDCLASSEXW kind{};
+    kind.cbSize = sizeof(kind);
+    kind.lpfnWndProc = Procedure;
+    kind.hInstance = GetModuleHandleW(nullptr);
+    kind.hIcon = LoadIconW(kind.hInstance, MAKEINTRESOURCEW(IDI_HOST));
+    kind.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+    kind.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
+    kind.lpszClassName = L"Halvora.Host";
+    RegisterClassExW(&kind);
+    if (CreateWindowExW(WS_EX_ACCEPTFILES | WS_EX_CONTROLPARENT, kind.lpszClassName, ResourceText(IDS_TITLE).c_str(),
+                        WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT,
+                        CW_USEDEFAULT, nullptr, nullptr, kind.hInstance, this) == nullptr)
+    {
+        ThrowHresult(HRESULT_FROM_WIN32(GetLastError()));
+    }
+}
+
+HostWindow::~HostWindow()
+{
+    if (m_window != nullptr)
+    {
+        DestroyWindow(m_window);
+    }
+}
+
+LRESULT CALLBACK HostWindow::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_NCCREATE)
+    {
+        auto *const host = static_cast<HostWindow *>(reinterpret_cast<CREATESTRUCTW *>(lParam)->lpCreateParams);
+        host->m_window = window;
+        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(host));
+    }
+    auto *const host = reinterpret_cast<HostWindow *>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    if (host == nullptr)
+    {
+        return DefWindowProcW(window, message, wParam, lParam);
+    }
+    const LRESULT result = host->Handle(message, wParam, lParam);
+    if (message == WM_NCDESTROY)
+    {
+        SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+        host->m_window = nullptr;
+    }
+    return result;
+}
+
+// No exception may leave through the system's frames: what went wrong is told in the log.
+void HostWindow::Guarded(const auto &act)
+{
+    try
+    {
+        act();
+    }
+    catch (const HresultError &error)
+    {
+        Tell(LOG_LEVEL_ERROR, IDS_VERB_FAILED, error.Code());
+    }
+    catch (const std::exception &error)
+    {
+        if (m_log)
+        {
+            m_log->Append(LOG_LEVEL_ERROR, error.what());
+        }
+    }
+}
+
+LRESULT HostWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    LRESULT result = 0;
+    switch (message)
+    {
+    case WM_CREATE:
+        Guarded([&] { OnCreate(); });
+        return 0;
+    case WM_SIZE:
+        if (m_controls && wParam != SIZE_MINIMIZED)
+        {
+            m_controls->LayOut();
+            m_log->FitColumns();
+        }
+        return 0;
+    case WM_GETMINMAXINFO:
+        if (m_controls)
+        {
+            const SIZE smallest = m_controls->SmallestSize();
+            reinterpret_cast<MINMAXINFO *>(lParam)->ptMinTrackSize = {smallest.cx, smallest.cy};
+        }
+        return 0;
+    case WM_SETFOCUS:
+        SetFocus((*m_controls)[IDC_PICTURES]);
+        return 0;
+    case WM_COMMAND:
+        if (HIWORD(wParam) <= 1) // of a button, or an accelerator's
+        {
+            Guarded([&] { OnCommand(LOWORD(wParam)); });
+        }
+        return 0;
+    case WM_NOTIFY:
+        Guarded([&] { result = OnNotify(*reinterpret_cast<const NMHDR *>(lParam)); });
+        return result;
+    case WM_DROPFILES:
+        Guarded([&] { OnDrop(reinterpret_cast<HDROP>(wParam)); });
+        return 0;
+    case thumbnailMessage:
+        m_pictures->ShowThumbnails();
+        return 0;
+    case logMessage:
+        m_log->Show();
+        return 0;
+    case endMessage:
+        Guarded([&] { OnRunEnd(static_cast<HRESULT>(wParam)); });
+        return 0;
+    case WM_CLOSE:
+        if (OnClose())
+        {
+            DestroyWindow(m_window);
+        }
+        return 0;
+    case WM_DESTROY:
+        OnDestroy();
+        return 0;
+    default:
+        return DefWindowProcW(m_window, message, wParam, lParam);
+    }
+}
+
+void HostWindow::OnCreate()
+{
+    m_controls.emplace(m_window);
+    m_log.emplace((*m_controls)[IDC_LOG], logMessage);
+    m_pictures.emplace((*m_controls)[IDC_PICTURES], m_controls->Scaled(128), thumbnailMessage);
+    const SIZE usual = m_controls->UsualSize();
+    SetWindowPos(m_window, nullptr, 0, 0, usual.cx, usual.cy, SWP_NOMOVE | SWP_NOZORDER);
+    for (const std::string &notice : m_store.Notices())
+    {
+        m_log->Append(LOG_LEVEL_WARNING, notice);
+    }
+    FindPlugin();
+    Guarded([&] { BeginUse(); });
+    ShowPlugin();
+    ShowHint();
+}
+
+// The first of them, as there is one place for a plug-in in this window.
+void HostWindow::FindPlugin()
+{
+    const std::vector<CLSID> plugins = RegisteredPlugins();
+    if (!plugins.empty())
+    {
+        m_plugin = plugins.front();
+    }
+    if (const HRESULT made = MakeSettingsKey(); FAILED(made))
+    {
+        Tell(LOG_LEVEL_WARNING, IDS_VERB_FAILED, made);
+    }
+}
+
+void HostWindow::BeginUse()
+{
+    if (m_plugin)
+    {
+        m_use = std::make_unique<PluginUse>(*m_plugin, m_store, ItemCollection(),
+                                            [this](int level, const std::string &, const std::string &text) {
+                                                m_log->Append(level, text);
+                                            });
+    }
+}
+
+void HostWindow::EndUse(Storing storing)
+{
+    const std::unique_ptr<PluginUse> use = std::move(m_use);
+    try
+    {
+        if (use && use->Finish(storing) == StoreOutcome::KeptNewer)
+        {
+            Tell(LOG_LEVEL_WARNING, IDS_KEPT_NEWER);
+        }
+    }
+    catch (const ProfileError &error)
+    {
+        m_log->Append(LOG_LEVEL_WARNING, error.what());
+    }
+    catch (const HresultError &error)
+    {
+        Tell(LOG_LEVEL_WARNING, IDS_NOT_STORED, error.Code());
+    }
+}
+
+// Its face, name, version and line of state, as it tells them now.
+void HostWindow::ShowPlugin()
+{
+    if (!m_use)
+    {
+        m_controls->SetText(IDC_PLUGIN_NAME, ResourceText(IDS_NO_PLUGIN).c_str());
+        m_controls->SetText(IDC_STATE, ResourceText(IDS_NO_PLUGIN_LINE).c_str());
+        m_isAuthorized = false;
+    }
+    else
+    {
+        IHalvoraPublishingPlugin &plugin = m_use->Plugin();
+        HICON icon = nullptr;
+        if (SUCCEEDED(plugin.GetIcon(&icon)))
+        {
+            SendMessageW((*m_controls)[IDC_PLUGIN_ICON], STM_SETICON, reinterpret_cast<WPARAM>(icon), 0);
+        }
+        const auto text = [&](auto get) { return TextFrom([&](BSTR *out) { return (plugin.*get)(out); }); };
+        m_controls->SetText(IDC_PLUGIN_NAME, text(&IHalvoraPublishingPlugin::GetDisplayName).c_str());
+        m_controls->SetText(IDC_PLUGIN_VERSION, text(&IHalvoraPublishingPlugin::GetVersionInformation).c_str());
+        m_controls->SetText(IDC_STATE, text(&IHalvoraPublishingPlugin::GetDisplayState).c_str());
+        m_isAuthorized = plugin.CanPublish(m_window, FALSE) == S_OK;
+    }
+    m_controls->LayOut();
+    UpdateCommands();
+}
+
+void HostWindow::OnCommand(int id)
+{
+    const HostCommands commands = CommandsIn(State());
+    switch (id)
+    {
+    case IDC_ADD:
+        if (commands.canAdd)
+        {
+            AddPictures(AskForPictures(m_window));
+        }
+        break;
+    case IDC_REMOVE:
+        if (commands.canRemove)
+        {
+            m_pictures->RemoveSelected();
+            UpdateCommands();
+            ShowHint();
+        }
+        break;
+    case ID_SELECT_ALL:
+        m_pictures->SelectAll();
+        break;
+    case IDC_PUBLISH:
+        if (commands.canPublish)
+        {
+            BeginRun();
+        }
+        break;
+    case IDC_CANCEL:
+        if (commands.canCancel)
+        {
+            CancelRun();
+        }
+        break;
+    case IDC_DETAILS:
+        m_log->ShowDetails(IsDlgButtonChecked(m_window, IDC_DETAILS) == BST_CHECKED);
+        break;
+    default:
+        break;
+    }
+}
+
+LRESULT HostWindow::OnNotify(const NMHDR &header)
+{
+    switch (header.idFrom)
+    {
+    case IDC_STATE:
+        if (header.code == NM_CLICK || header.code == NM_RETURN)
+        {
+            const std::wstring verb = reinterpret_cast<const NMLINK &>(header).item.szID;
+            Configure(verb.c_str());
+        }
+        return 0;
+    case IDC_PICTURES:
+        if (header.code == LVN_ITEMCHANGED && m_pictures)
+        {
+            UpdateCommands();
+        }
+        else if (header.code == LVN_KEYDOWN && reinterpret_cast<const NMLVKEYDOWN &>(header).wVKey == VK_DELETE)
+        {
+            OnCommand(IDC_REMOVE);
+        }
+        return 0;
+    case IDC_LOG:
+        return header.code == NM_CUSTOMDRAW ? DrawLogRow(reinterpret_cast<const NMCUSTOMDRAW &>(header)) : 0;
+    default:
+        return 0;
+    }
+}
+
+LRESULT HostWindow::DrawLogRow(const NMCUSTOMDRAW &drawing) const
+{
+    if (drawing.dwDrawStage == CDDS_PREPAINT)
+    {
+        return CDRF_NOTIFYITEMDRAW;
+    }
+    if (drawing.dwDrawStage == CDDS_ITEMPREPAINT && m_log)
+    {
+        const int level = m_log->LevelOf(drawing.dwItemSpec);
+        auto &row = const_cast<NMLVCUSTOMDRAW &>(reinterpret_cast<const NMLVCUSTOMDRAW &>(drawing));
+        row.clrText = level >= LOG_LEVEL_ERROR     ? errorColour
+                      : level == LOG_LEVEL_WARNING ? warningColour
+                      : level <= LOG_LEVEL_VERBOSE ? detailColour
+                                                   : GetSysColor(COLOR_WINDOWTEXT);
+    }
+    return CDRF_DODEFAULT;
+}
+
+void HostWindow::OnDrop(HDROP handle)
+{
+    const Drop drop(handle);
+    std::vector<std::filesystem::path> paths;
+    const UINT count = DragQueryFileW(drop.handle, 0xFFFFFFFF, nullptr, 0);
+    for (UINT i = 0; i < count; ++i)
+    {
+        std::wstring path(DragQueryFileW(drop.handle, i, nullptr, 0) + 1, L'\0');
+        path.resize(DragQueryFileW(drop.handle, i, path.data(), static_cast<UINT>(path.size())));
+        paths.emplace_back(path);
+    }
+    if (CommandsIn(State()).canAdd)
+    {
+        AddPictures(paths);
+    }
+}
+
+void HostWindow::AddPictures(const std::vector<std::filesystem::path> &paths)
+{
+    if (paths.empty())
+    {
+        return;
+    }
+    const ItemCollection collection = CollectItems(paths, true);
+    for (const RefusedFile &refused : collection.refused)
+    {
+        m_log->Append(LOG_LEVEL_WARNING, ShownPath(refused.path) + " " + refused.reason + ".");
+    }
+    for (const auto &path : collection.passedOver)
+    {
+        m_log->Append(LOG_LEVEL_INFO, ShownPath(path) + " belongs to a picture and isn't published by itself.");
+    }
+    m_pictures->Add(collection.items);
+    UpdateCommands();
+    ShowHint();
+}
+
+// What a click on a link of the line of state starts. The plug-in shows dialogs, and may be long about it.
+void HostWindow::Configure(const wchar_t *verb)
+{
+    if (!CommandsIn(State()).canConfigure || !m_use)
+    {
+        return;
+    }
+    m_isConfiguring = true;
+    UpdateCommands();
+    std::wstring verbText = verb, parameters;
+    const HRESULT result = m_use->Plugin().Configure(m_window, verbText.data(), parameters.data());
+    m_isConfiguring = false;
+    EndUse(StoringAfter(verb, result));
+    Guarded([&] { BeginUse(); });
+    TellOutcome(verb, result);
+    ShowPlugin();
+    ShowHint();
+}
+
+void HostWindow::TellOutcome(const wchar_t *verb, HRESULT result)
+{
+    if (lstrcmpiW(verb, L"authorize") == 0)
+    {
+        if (FAILED(result))
+        {
+            Tell(LOG_LEVEL_ERROR, IDS_AUTHORIZATION_FAILED, result);
+        }
+        else if (result == S_OK)
+        {
+            Tell(LOG_LEVEL_INFO, IDS_AUTHORIZED);
+        }
+    }
+    else if (FAILED(result))
+    {
+        Tell(LOG_LEVEL_ERROR, IDS_VERB_FAILED, result);
+    }
+    else if (result == S_FALSE)
+    {
+        Tell(LOG_LEVEL_INFO, IDS_REVOKED);
+    }
+}
+
+void HostWindow::BeginRun()
+{
+    EndUse(Storing::UnlessNewer);
+    ItemCollection pictures;
+    pictures.items = m_pictures->Waiting();
+    m_use = std::make_unique<PluginUse>(*m_plugin, m_store, std::move(pictures),
+                                        [this](int level, const std::string &, const std::string &text) {
+                                            m_log->Append(level, text);
+                                        });
+    m_phase = RunPhase::Running;
+    UpdateCommands();
+    m_run = std::make_unique<RunThread>(m_use->Plugin(), (*m_controls)[IDC_PROGRESS], (*m_controls)[IDC_STATUS],
+                                        m_window, endMessage);
+}
+
+void HostWindow::CancelRun()
+{
+    m_use->Plugin().Cancel(CommandsIn(State()).isCancelAbrupt);
+    m_phase = AfterCancel(m_phase);
+    if (m_phase == RunPhase::Finishing)
+    {
+        Tell(LOG_LEVEL_INFO, IDS_FINISHING);
+    }
+    UpdateCommands();
+}
+
+void HostWindow::OnRunEnd(HRESULT result)
+{
+    m_run.reset();
+    const bool wasCancelled = m_phase != RunPhase::Running;
+    m_phase = RunPhase::Idle;
+    if (FAILED(result))
+    {
+        Tell(LOG_LEVEL_FATAL, IDS_NOT_STARTED, result);
+    }
+    m_use->RunEnds();
+    m_pictures->MarkEnds(m_use->Record());
+    const std::string summary = m_use->Record().Summarize(wasCancelled, SystemWordsOrNone).text;
+    for (size_t begin = 0; begin < summary.size();)
+    {
+        const size_t end = std::min(summary.find('\n', begin), summary.size());
+        m_log->Append(LOG_LEVEL_INFO, summary.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    EndUse(Storing::UnlessNewer);
+    Guarded([&] { BeginUse(); });
+    ShowPlugin();
+    if (m_closesAfterRun)
+    {
+        DestroyWindow(m_window);
+    }
+}
+
+// A run is never torn: the window goes when it has ended.
+bool HostWindow::OnClose()
+{
+    if (m_isConfiguring)
+    {
+        return false;
+    }
+    if (m_phase == RunPhase::Idle)
+    {
+        return true;
+    }
+    if (MessageBoxW(m_window, ResourceText(IDS_CLOSE_QUESTION).c_str(), ResourceText(IDS_TITLE).c_str(),
+                    MB_YESNO | MB_ICONQUESTION) == IDYES)
+    {
+        if (m_phase == RunPhase::Idle) // it ended while the question stood
+        {
+            return true;
+        }
+        m_closesAfterRun = true;
+        m_phase = RunPhase::Stopping;
+        m_use->Plugin().Cancel(TRUE);
+        UpdateCommands();
+    }
+    return false;
+}
+
+void HostWindow::OnDestroy()
+{
+    EndUse(Storing::UnlessNewer);
+    m_pictures.reset();
+    PostQuitMessage(0);
+}
+
+HostState HostWindow::State() const
+{
+    HostState state;
+    state.hasPlugin = m_use != nullptr;
+    state.isAuthorized = m_isAuthorized;
+    state.pictures = m_pictures->Count();
+    state.selected = m_pictures->SelectedCount();
+    state.waiting = m_pictures->Waiting().size();
+    state.phase = m_phase;
+    return state;
+}
+
+void HostWindow::UpdateCommands()
+{
+    const HostCommands commands = CommandsIn(State());
+    m_controls->Enable(IDC_ADD, commands.canAdd && !m_isConfiguring);
+    m_controls->Enable(IDC_REMOVE, commands.canRemove && !m_isConfiguring);
+    m_controls->Enable(IDC_PUBLISH, commands.canPublish && !m_isConfiguring);
+    m_controls->Enable(IDC_STATE, commands.canConfigure && !m_isConfiguring);
+    m_controls->SetText(IDC_CANCEL, ResourceText(commands.isCancelAbrupt ? IDS_STOP_NOW : IDS_CANCEL).c_str());
+    m_controls->Enable(IDC_CANCEL, commands.canCancel);
+}
+
+void HostWindow::ShowHint()
+{
+    const HostState state = State();
+    if (state.phase == RunPhase::Idle)
+    {
+        m_controls->SetText(IDC_STATUS, ResourceText(HintIn(state), std::to_wstring(state.waiting)).c_str());
+    }
+}
+
+void HostWindow::Tell(int level, unsigned text)
+{
+    if (m_log)
+    {
+        m_log->Append(level, Utf8FromText(ResourceText(text)));
+    }
+}
+
+void HostWindow::Tell(int level, unsigned text, HRESULT code)
+{
+    if (m_log)
+    {
+        m_log->Append(level, Utf8FromText(ResourceText(text, WideOf(SystemWords(code)))));
+    }
+}

@@ -1,0 +1,94 @@
+// halvora.exe: [--profile FOLDER] [PICTURE or FOLDER]...
+#include "host/window/HostWindow.h"
+#include "host/window/WindowText.h"
+#include "host/window/resource.h"
+
+#include "host/SystemWords.h"
+
+#include "core/HandleOwner.h"
+#include "core/Hresult.h"
+
+#include <objbase.h>
+#include <shellapi.h>
+
+#include <string>
+#include <vector>
+
+namespace
+{
+struct Arguments
+{
+    std::filesystem::path profile = Profile::DefaultFolder();
+    std::vector<std::filesystem::path> pictures;
+};
+
+Arguments ReadArguments()
+{
+    int count = 0;
+    wchar_t **const texts = CommandLineToArgvW(GetCommandLineW(), &count);
+    const LocalTextOwner words(reinterpret_cast<wchar_t *>(texts)); // pointers and texts in one block
+    Arguments arguments;
+    for (int i = 1; i < count; ++i)
+    {
+        if (std::wstring_view(texts[i]) == L"--profile" && i + 1 < count)
+        {
+            arguments.profile = texts[++i];
+        }
+        else
+        {
+            arguments.pictures.emplace_back(texts[i]);
+        }
+    }
+    return arguments;
+}
+
+int Run(int show)
+{
+    const Arguments arguments = ReadArguments();
+    const Profile profile(arguments.profile);
+    HostWindow host(profile);
+    host.AddPictures(arguments.pictures);
+    ShowWindow(host.Get(), show);
+    const HACCEL keys = LoadAcceleratorsW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDR_ACCELERATORS));
+    MSG message;
+    while (GetMessageW(&message, nullptr, 0, 0) > 0)
+    {
+        if (!TranslateAcceleratorW(host.Get(), keys, &message) && !IsDialogMessageW(host.Get(), &message))
+        {
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+    }
+    return 0;
+}
+
+int Complain(const std::wstring &words)
+{
+    MessageBoxW(nullptr, words.c_str(), ResourceText(IDS_TITLE).c_str(), MB_OK | MB_ICONERROR);
+    return 1;
+}
+} // namespace
+
+int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int show)
+{
+    // For the plug-in's dialogs and the one that opens files, which need it.
+    const HRESULT apartment = OleInitialize(nullptr);
+    int code = 0;
+    try
+    {
+        code = Run(show);
+    }
+    catch (const HresultError &error)
+    {
+        code = Complain(ResourceText(IDS_VERB_FAILED, WideOf(SystemWords(error.Code()))));
+    }
+    catch (const std::exception &error)
+    {
+        code = Complain(WideOf(error.what()));
+    }
+    if (SUCCEEDED(apartment))
+    {
+        OleUninitialize();
+    }
+    return code;
+}
