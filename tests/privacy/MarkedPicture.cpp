@@ -2,6 +2,7 @@
 
 #include "tests/host/SampleDng.h"
 #include "tests/platform/windowscodecs_jpeg/SamplePictures.h"
+#include "tests/privacy/MarkedPng.h"
 #include "tests/privacy/MarkedValues.h"
 
 #include <exiv2/exiv2.hpp>
@@ -236,6 +237,8 @@ std::string MakePlainPicture(Contents contents)
     case Contents::WebP:
         // One pixel, coded without loss.
         return "RIFF\x1A\0\0\0WEBPVP8L\x0D\0\0\0\x2F\0\0\0\x10\x07\x10\x11\x11\x88\x88\xFE\x07\0"s;
+    case Contents::Png:
+        return MakePlainPng();
     case Contents::Raw:
         return MakeDng(64, 48, 1);
     default:
@@ -252,6 +255,8 @@ const char *ExtensionOf(Contents contents)
         return ".tif";
     case Contents::WebP:
         return ".webp";
+    case Contents::Png:
+        return ".png";
     case Contents::Raw:
         return ".dng";
     default:
@@ -284,6 +289,14 @@ std::string MakeMarkedPicture(Contents contents)
         image->xmpData()[place.key] = std::string(place.value);
     }
     image->xmpData()["Xmp.xmp.Rating"] = std::string("4");
+    if (contents == Contents::Png)
+    {
+        Exiv2::Blob exif;
+        Exiv2::ExifParser::encode(exif, Exiv2::bigEndian, image->exifData());
+        std::string file = Written(*image);
+        AddPngChunks(file, std::string(exif.begin(), exif.end()));
+        return file;
+    }
     if (!isJpeg)
     {
         return Written(*image);

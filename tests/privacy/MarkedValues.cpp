@@ -107,6 +107,20 @@ const std::vector<MarkedPlace> &OtherPlaces()
     return places;
 }
 
+// Programs write what they like under these keywords, so nothing of it goes into a new picture.
+const std::vector<MarkedPlace> &PngPlaces()
+{
+    static const std::vector<MarkedPlace> places{
+        {"PNG tEXt Author", "qzPngAuthor", {}},
+        {"PNG tEXt Comment", "qzPngComment", {}},
+        {"PNG tEXt GPSPosition", "qzPngGps 47.231 8.452", {}},
+        {"PNG iTXt Location", "qzPngLocation", {}},
+        {"PNG tEXt Software", "qzPngSoftware", {}},
+        {"PNG tEXt Description", "qzPngDescription", {}},
+    };
+    return places;
+}
+
 namespace
 {
 std::string Bytes(unsigned value, bool isBigEndian)
@@ -128,7 +142,7 @@ const std::vector<MarkedValue> &MarkedValues()
 {
     static const std::vector<MarkedValue> values = [] {
         std::vector<MarkedValue> all;
-        for (const auto *places : {&ExifPlaces(), &IptcPlaces(), &XmpPlaces(), &OtherPlaces()})
+        for (const auto *places : {&ExifPlaces(), &IptcPlaces(), &XmpPlaces(), &OtherPlaces(), &PngPlaces()})
         {
             for (const MarkedPlace &place : *places)
             {

@@ -41,6 +41,9 @@ const std::vector<MarkedPlace> &XmpPlaces();
 // Of a JPEG: segments that are none of these, or more of them than the usual.
 const std::vector<MarkedPlace> &OtherPlaces();
 
+// Of a PNG: "PNG", the type of the chunk and its keyword.
+const std::vector<MarkedPlace> &PngPlaces();
+
 // Seconds of the latitude 47 degrees 13 minutes: a fraction that no other value has.
 constexpr unsigned secondsNumerator = 987654321;
 constexpr unsigned secondsDenominator = 20000003;
