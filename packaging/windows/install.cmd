@@ -38,7 +38,7 @@ if defined failed goto undo
 
 echo Halvora Publish to Flickr @PROJECT_VERSION@ is installed in
 echo "%target%"
-echo Start Halvora; it offers to publish to Flickr.
+echo Start Halvora, which offers to publish to Flickr, or halvora.exe there.
 if /i not "%quiet%"=="/quiet" pause
 exit /b 0
 
