@@ -1,5 +1,7 @@
 #include "host/FrameOrientation_win32.h"
 
+#include "host/FrameMetadata.h"
+
 #include "core/ComPtr.h"
 
 #include <algorithm>
@@ -8,22 +10,7 @@
 UINT16 OrientationOfFrame(IWICBitmapFrameDecode &frame)
 {
     ComPtr<IWICMetadataQueryReader> reader;
-    if (FAILED(frame.GetMetadataQueryReader(reader.Put())))
-    {
-        return 1;
-    }
-    for (const WCHAR *query : {L"/app1/ifd/{ushort=274}", L"/ifd/{ushort=274}", L"System.Photo.Orientation"})
-    {
-        PROPVARIANT value = {};
-        const HRESULT result = reader->GetMetadataByName(query, &value);
-        const UINT16 orientation = SUCCEEDED(result) && value.vt == VT_UI2 ? value.uiVal : UINT16{0};
-        PropVariantClear(&value);
-        if (orientation >= 1 && orientation <= 8)
-        {
-            return orientation;
-        }
-    }
-    return 1;
+    return SUCCEEDED(frame.GetMetadataQueryReader(reader.Put())) ? ReadFrameOrientation(*reader.Get()) : UINT16{1};
 }
 
 // The imaging component can turn too, but row by row, with a decoder that begins anew for each.

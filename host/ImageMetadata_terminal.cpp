@@ -1,8 +1,8 @@
 #include "host/ImageMetadata.h"
 
 #include "host/ErrnoCodes.h"
-#include "host/IptcTexts.h"
-#include "host/TextEncodings.h"
+#include "host/MetadataTexts.h"
+#include "host/SnapshotFields.h"
 
 #include "core/Hresult.h"
 
@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <initializer_list>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -44,15 +43,15 @@ void StartLibraryOnce()
     static_cast<void>(started);
 }
 
-// What one file holds, with the readers of single values. An absent or broken value reads as empty.
-class MetadataBlocks
+// What one file holds, with the readers of single values.
+class MetadataBlocks final : public MetadataTexts
 {
 public:
-    explicit MetadataBlocks(Exiv2::Image &image) : m_image(image) {}
+    explicit MetadataBlocks(const Exiv2::Image &image) : m_image(image) {}
 
-    WideText Xmp(const char *key) const
+    WideText Xmp(const WCHAR *property) const override
     {
-        const auto datum = m_image.xmpData().findKey(Exiv2::XmpKey(key));
+        const auto datum = m_image.xmpData().findKey(KeyOf(property));
         if (datum == m_image.xmpData().end() || datum->count() == 0)
         {
             return WideText();
@@ -60,81 +59,71 @@ public:
         if (const auto *alternatives = dynamic_cast<const Exiv2::LangAltValue *>(&datum->value()))
         {
             const auto chosen = alternatives->value_.find("x-default");
-            return Clean(chosen != alternatives->value_.end() ? chosen->second
-                                                             : alternatives->value_.begin()->second);
+            return TextOfBytes(chosen != alternatives->value_.end() ? chosen->second
+                                                                   : alternatives->value_.begin()->second);
         }
-        return Clean(datum->toString(0));
+        return TextOfBytes(datum->toString(0));
     }
 
-    std::vector<WideText> XmpList(const char *key) const
+    std::vector<WideText> XmpList(const WCHAR *property) const override
     {
         std::vector<WideText> texts;
-        const auto datum = m_image.xmpData().findKey(Exiv2::XmpKey(key));
+        const auto datum = m_image.xmpData().findKey(KeyOf(property));
         for (long i = 0; datum != m_image.xmpData().end() && i < datum->count(); ++i)
         {
-            Append(texts, Clean(datum->toString(i)));
+            Append(texts, TextOfBytes(datum->toString(i)));
         }
         return texts;
     }
 
-    WideText Iptc(const char *key) const
+    WideText Iptc(const IptcDataset &dataset) const override
     {
-        const auto datum = m_image.iptcData().findKey(Exiv2::IptcKey(key));
-        return datum == m_image.iptcData().end() ? WideText() : Clean(datum->toString());
+        const auto datum = m_image.iptcData().findKey(Exiv2::IptcKey(dataset.number, Exiv2::IptcDataSets::application2));
+        return datum == m_image.iptcData().end() ? WideText() : TextOfBytes(datum->toString());
     }
 
-    std::vector<WideText> IptcList(const char *key) const
+    std::vector<WideText> IptcList(const IptcDataset &dataset) const override
     {
         std::vector<WideText> texts;
-        const Exiv2::IptcKey wanted(key);
         for (const Exiv2::Iptcdatum &datum : m_image.iptcData())
         {
-            if (datum.tag() == wanted.tag() && datum.record() == wanted.record())
+            if (datum.tag() == dataset.number && datum.record() == Exiv2::IptcDataSets::application2)
             {
-                Append(texts, Clean(datum.toString()));
+                Append(texts, TextOfBytes(datum.toString()));
             }
         }
         return texts;
     }
 
-    WideText Exif(const char *key) const { return Clean(ExifBytes(key)); }
+    WideText Exif(WORD tag) const override { return TextOfBytes(BytesOf(Exiv2::ExifKey(tag, "Image"))); }
 
-    // The tags that Windows writes: UTF-16 in little endian whatever the file's own order is.
-    WideText ExifWindowsText(const char *key) const
+    WideText ExifWindowsText(WORD tag) const override
     {
-        return WithoutPadding(TextFromUtf16(ExifBytes(key), ByteOrder16::LittleEndian));
+        return WindowsTextOfBytes(BytesOf(Exiv2::ExifKey(tag, "Image")));
     }
 
-    // A text behind 8 bytes that name its character set.
-    WideText ExifCharsetText(const char *key) const
+    WideText ExifUserComment() const override
     {
-        const std::string bytes = ExifBytes(key);
-        const std::string_view view = bytes;
-        if (view.size() <= 8)
-        {
-            return WideText();
-        }
-        const std::string_view charset = view.substr(0, 8);
-        const std::string_view text = view.substr(8);
-        if (charset == std::string_view("UNICODE\0", 8))
-        {
-            const auto fileOrder = m_image.byteOrder() == Exiv2::bigEndian ? ByteOrder16::BigEndian
-                                                                           : ByteOrder16::LittleEndian;
-            return WithoutPadding(TextFromUtf16Guessing(text, fileOrder));
-        }
-        if (charset == std::string_view("JIS\0\0\0\0\0", 8))
-        {
-            return WithoutPadding(TextFromJis(text.substr(0, text.find('\0'))));
-        }
-        return Clean(std::string(text));
+        return CharsetTextOfBytes(BytesOf(Exiv2::ExifKey("Exif.Photo.UserComment")),
+                                  m_image.byteOrder() == Exiv2::bigEndian ? ByteOrder16::BigEndian
+                                                                          : ByteOrder16::LittleEndian);
     }
 
-    WideText FileComment() const { return Clean(m_image.comment()); }
+    std::optional<long> ExifRating() const override
+    {
+        const auto datum = m_image.exifData().findKey(Exiv2::ExifKey("Exif.Image.Rating"));
+        return datum != m_image.exifData().end() && datum->count() > 0 ? std::optional(datum->toLong()) : std::nullopt;
+    }
+
+    WideText FileComment() const override { return TextOfBytes(m_image.comment()); }
 
 private:
-    static WideText Clean(const std::string &bytes)
+    static Exiv2::XmpKey KeyOf(const WCHAR *property)
     {
-        return WithoutPadding(TextFromUtf8OrLatin(bytes.substr(0, bytes.find('\0'))));
+        const WideView name(property);
+        const size_t colon = name.find(':');
+        return Exiv2::XmpKey(std::string(name.begin(), name.begin() + static_cast<ptrdiff_t>(colon)),
+                             std::string(name.begin() + static_cast<ptrdiff_t>(colon) + 1, name.end()));
     }
 
     static void Append(std::vector<WideText> &texts, WideText text)
@@ -145,9 +134,9 @@ private:
         }
     }
 
-    std::string ExifBytes(const char *key) const
+    std::string BytesOf(const Exiv2::ExifKey &key) const
     {
-        const auto datum = m_image.exifData().findKey(Exiv2::ExifKey(key));
+        const auto datum = m_image.exifData().findKey(key);
         if (datum == m_image.exifData().end() || datum->size() <= 0)
         {
             return std::string();
@@ -157,104 +146,13 @@ private:
         return std::string(bytes.begin(), bytes.begin() + std::max(0L, length));
     }
 
-    Exiv2::Image &m_image;
+    const Exiv2::Image &m_image;
 };
-
-WideText FirstText(std::initializer_list<WideText> candidates)
-{
-    for (const WideText &candidate : candidates)
-    {
-        if (!candidate.empty())
-        {
-            return candidate;
-        }
-    }
-    return WideText();
-}
-
-std::vector<WideText> ChooseKeywords(const MetadataBlocks &blocks)
-{
-    std::vector<WideText> keywords = blocks.XmpList("Xmp.dc.subject");
-    if (keywords.empty())
-    {
-        keywords = blocks.IptcList("Iptc.Application2.Keywords");
-    }
-    return keywords.empty() ? SplitKeywords(blocks.ExifWindowsText("Exif.Image.XPKeywords")) : keywords;
-}
-
-WideText JoinNames(const std::vector<WideText> &names)
-{
-    WideText joined;
-    for (const WideText &name : names)
-    {
-        joined += joined.empty() ? WideText() : WideText(TEXT("; "));
-        joined += name;
-    }
-    return joined;
-}
-
-ImageTexts ChooseTexts(const MetadataBlocks &blocks)
-{
-    ImageTexts texts;
-    texts.title = FirstText({blocks.Xmp("Xmp.dc.title"), blocks.Iptc("Iptc.Application2.ObjectName"),
-                             blocks.ExifWindowsText("Exif.Image.XPTitle"), blocks.Xmp("Xmp.photoshop.Headline"),
-                             blocks.Iptc("Iptc.Application2.Headline")});
-    texts.description = FirstText({blocks.Xmp("Xmp.dc.description"), blocks.Iptc("Iptc.Application2.Caption"),
-                                   blocks.Exif("Exif.Image.ImageDescription")});
-    texts.keywords = ChooseKeywords(blocks);
-    texts.comment = FirstText({blocks.ExifCharsetText("Exif.Photo.UserComment"),
-                               blocks.ExifWindowsText("Exif.Image.XPComment"),
-                               blocks.Xmp("Xmp.exif.UserComment"), blocks.FileComment()});
-    texts.artist = FirstText({JoinNames(blocks.XmpList("Xmp.dc.creator")),
-                              JoinNames(blocks.IptcList("Iptc.Application2.Byline")),
-                              blocks.Exif("Exif.Image.Artist"), blocks.ExifWindowsText("Exif.Image.XPAuthor")});
-    texts.copyright = FirstText({blocks.Xmp("Xmp.dc.rights"), blocks.Iptc("Iptc.Application2.Copyright"),
-                                 blocks.Exif("Exif.Image.Copyright")});
-    texts.credit = FirstText({blocks.Xmp("Xmp.photoshop.Credit"), blocks.Iptc("Iptc.Application2.Credit")});
-    for (const IptcTextPlace &place : IPTC_TEXT_PLACES)
-    {
-        texts.places[place.number] = FirstText({blocks.Xmp(place.xmpKey),
-                                                place.iptcKey != nullptr ? blocks.Iptc(place.iptcKey) : WideText()});
-    }
-    return texts;
-}
-
-// A block of EXIF has room for 64 KB; a field of the lists that is larger than this is not sane.
-constexpr size_t LONGEST_FIELD = 4096;
-constexpr size_t MOST_FIELD_BYTES = 40000;
-
-struct TagRange
-{
-    uint16_t first;
-    uint16_t last;
-};
-
-// Make, model, software, date, host computer. The rest of IFD0 describes the file's own layout or
-// belongs to other groups.
-constexpr TagRange CAMERA_MAIN[] = {{271, 272}, {305, 306}, {316, 316}};
-
-// EXIF 2.32 without the maker note, the user's comment, the owner's name, sound files, and what the new
-// file's own pixels say. Dates, exposure, light, sensor, conditions, lens, serial numbers.
-constexpr TagRange CAMERA_EXIF[] = {
-    {33434, 33434}, {33437, 33437}, {34850, 34850}, {34852, 34852}, {34855, 34856}, {34864, 34869},
-    {36864, 36864}, {36867, 36868}, {36880, 36882}, {37121, 37122}, {37377, 37386}, {37396, 37396},
-    {37520, 37522}, {37888, 37893}, {40961, 40961}, {41483, 41484}, {41486, 41488}, {41492, 41493}, {41495, 41495},
-    {41728, 41730}, {41985, 41996}, {42016, 42016}, {42033, 42037}, {42080, 42082}, {42240, 42240},
-};
-
-constexpr TagRange GPS_TAGS[] = {{0, 31}};
-
-template <size_t N>
-bool IsIn(const TagRange (&ranges)[N], uint16_t tag)
-{
-    return std::any_of(std::begin(ranges), std::end(ranges),
-                       [&](const TagRange &range) { return tag >= range.first && tag <= range.last; });
-}
 
 class GroupReading
 {
 public:
-    GroupReading(const Exiv2::Image &image, MetadataSnapshot &groups) : m_groups(groups)
+    GroupReading(const Exiv2::Image &image, MetadataSnapshot &groups) : m_groups(groups), m_fields(groups)
     {
         for (const Exiv2::Exifdatum &datum : image.exifData())
         {
@@ -295,74 +193,37 @@ private:
             const long orientation = datum.toLong();
             m_groups.orientation = static_cast<UINT16>(orientation >= 1 && orientation <= 8 ? orientation : 1);
         }
-        else if (group == "Image" && IsIn(CAMERA_MAIN, datum.tag()))
+        else if (group == "Image" || group == "Photo" || group == "GPSInfo")
         {
-            Keep(m_groups.camera, Main, datum);
-        }
-        else if (group == "Photo" && IsIn(CAMERA_EXIF, datum.tag()))
-        {
-            Keep(m_groups.camera, Exif, datum);
-        }
-        else if (group == "GPSInfo" && IsIn(GPS_TAGS, datum.tag()))
-        {
-            Keep(m_groups.gps, Gps, datum);
+            Keep(group == "Image" ? Main : group == "Photo" ? Exif : Gps, datum);
         }
     }
 
-    void Keep(std::vector<ExifField> &fields, ExifField::Directory directory, const Exiv2::Exifdatum &datum)
+    void Keep(ExifField::Directory directory, const Exiv2::Exifdatum &datum)
     {
         const size_t size = datum.size() > 0 ? static_cast<size_t>(datum.size()) : 0;
-        const bool known = std::any_of(fields.begin(), fields.end(), [&](const ExifField &field) {
-            return field.directory == directory && field.tag == datum.tag();
-        });
-        if (known || size == 0 || size > LONGEST_FIELD || size > MOST_FIELD_BYTES - m_bytes || datum.typeId() > 12)
+        const auto type = static_cast<WORD>(datum.typeId());
+        if (!m_fields.Wants(directory, datum.tag(), type, size))
         {
             return;
         }
-        ExifField field{directory, datum.tag(), static_cast<WORD>(datum.typeId()), std::vector<BYTE>(size)};
+        ExifField field{directory, datum.tag(), type, std::vector<BYTE>(size)};
         if (datum.copy(field.data.data(), Exiv2::littleEndian) == static_cast<long>(size))
         {
-            m_bytes += size;
-            fields.push_back(std::move(field));
+            m_fields.Keep(std::move(field));
         }
     }
 
     MetadataSnapshot &m_groups;
-    size_t m_bytes = 0;
+    SnapshotFields m_fields;
 };
-
-int NumberOf(const WideText &text, int least, int most)
-{
-    const bool negative = text.starts_with(TEXT('-'));
-    const WideView digits = WideView(text).substr(negative ? 1 : 0);
-    if (digits.empty() || digits[0] < '0' || digits[0] > '9')
-    {
-        return NO_NUMBER;
-    }
-    // Some writers say "3.0"; no scale has two digits.
-    if (digits.size() > 1 && digits[1] != '.')
-    {
-        return NO_NUMBER;
-    }
-    const int number = (negative ? -1 : 1) * (digits[0] - '0');
-    return number >= least && number <= most ? number : NO_NUMBER;
-}
 
 MetadataSnapshot ReadGroups(const Exiv2::Image &image, const MetadataBlocks &blocks)
 {
     MetadataSnapshot groups;
     GroupReading reading(image, groups);
     reading.TakeFromXmp(image.xmpData());
-    groups.rating = NumberOf(blocks.Xmp("Xmp.xmp.Rating"), -1, 5);
-    if (const auto datum = image.exifData().findKey(Exiv2::ExifKey("Exif.Image.Rating"));
-        groups.rating == NO_NUMBER && datum != image.exifData().end() && datum->count() > 0)
-    {
-        const long rating = datum->toLong();
-        groups.rating = rating >= 1 && rating <= 5 ? static_cast<int>(rating) : NO_NUMBER;
-    }
-    groups.urgency = NumberOf(FirstText({blocks.Xmp("Xmp.photoshop.Urgency"),
-                                         blocks.Iptc("Iptc.Application2.Urgency")}), 0, 8);
-    groups.label = blocks.Xmp("Xmp.xmp.Label");
+    ChooseNumbers(blocks, groups);
     return groups;
 }
 

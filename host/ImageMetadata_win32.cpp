@@ -1,8 +1,13 @@
 #include "host/ImageMetadata.h"
 
+#include "host/Apartment_win32.h"
+#include "host/FrameMetadata.h"
 #include "host/WholeFile.h"
 
+#include "core/ComPtr.h"
 #include "core/Hresult.h"
+
+#include <wincodec.h>
 
 HRESULT ReadMetadata(const std::filesystem::path &file, ImageTexts &texts, MetadataSnapshot *groups) noexcept
 {
@@ -12,7 +17,36 @@ HRESULT ReadMetadata(const std::filesystem::path &file, ImageTexts &texts, Metad
         *groups = MetadataSnapshot();
     }
     return AtBoundary([&] {
-        const std::error_code fault = TryToRead(file);
-        return fault ? HRESULT_FROM_WIN32(static_cast<DWORD>(fault.value())) : S_OK;
+        if (const std::error_code fault = TryToRead(file))
+        {
+            return HRESULT_FROM_WIN32(static_cast<DWORD>(fault.value()));
+        }
+        const Apartment apartment;
+        ComPtr<IWICImagingFactory> factory;
+        ThrowIfFailed(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
+                                       __uuidof(IWICImagingFactory), factory.PutVoid()));
+        ComPtr<IWICBitmapDecoder> decoder;
+        ComPtr<IWICBitmapFrameDecode> frame;
+        HRESULT result = factory->CreateDecoderFromFilename(file.c_str(), nullptr, GENERIC_READ,
+                                                            WICDecodeMetadataCacheOnDemand, decoder.Put());
+        if (result == WINCODEC_ERR_COMPONENTNOTFOUND)
+        {
+            return WINCODEC_ERR_UNKNOWNIMAGEFORMAT;
+        }
+        if (SUCCEEDED(result))
+        {
+            result = decoder->GetFrame(0, frame.Put());
+        }
+        if (FAILED(result))
+        {
+            return result == E_OUTOFMEMORY ? result : WINCODEC_ERR_BADMETADATAHEADER;
+        }
+        ComPtr<IWICMetadataQueryReader> reader;
+        // A kind of file, or a system, without metadata is none that fails.
+        if (SUCCEEDED(frame->GetMetadataQueryReader(reader.Put())))
+        {
+            ReadFrameMetadata(*reader.Get(), texts, groups);
+        }
+        return S_OK;
     });
 }

@@ -33,7 +33,7 @@ constexpr int NO_NUMBER = -100;
 
 struct MetadataSnapshot
 {
-    std::vector<ExifField> camera;  // camera and shooting data, by the lists in SnapshotTags.h
+    std::vector<ExifField> camera;  // camera and shooting data, by the lists in SnapshotFields.h
     std::vector<ExifField> gps;
     int rating = NO_NUMBER;         // -1 (rejected) to 5
     int urgency = NO_NUMBER;        // 0 to 8

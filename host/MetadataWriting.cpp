@@ -1,13 +1,12 @@
 #include "host/MetadataWriting.h"
 
+#include "host/ExifFieldValue.h"
 #include "host/ImageTexts.h"
 #include "host/IptcTexts.h"
 #include "host/TextEncodings.h"
 
 #include "core/Hresult.h"
 
-#include <algorithm>
-#include <array>
 #include <cstdio>
 
 namespace
@@ -205,7 +204,15 @@ public:
     void SetDataset(const WCHAR *name, WideView text) { SetText(DatasetPath(name), text); }
     void SetDatasets(const WCHAR *name, std::vector<WideText> texts) { SetTexts(DatasetPath(name), std::move(texts)); }
 
-    void SetField(const ExifField &field);
+    void SetField(const ExifField &field)
+    {
+        const WideText path = ExifPath(field.directory, field.tag);
+        const ExifFieldValue value(field);
+        if (value.Get().vt != VT_EMPTY && !Holds(path))
+        {
+            Set(path, value.Get());
+        }
+    }
 
 private:
     static WideText DatasetPath(const WCHAR *name)
@@ -228,56 +235,6 @@ private:
     const WritingNotice &m_notice;
     size_t m_xmpText = 0;
 };
-
-struct TypeOfField
-{
-    VARTYPE variant;
-    size_t bytes;
-};
-
-// By TIFF's number; rationals pass as their two halves, numerator low.
-constexpr auto FIELD_TYPES = std::to_array<TypeOfField>({
-    {VT_EMPTY, 0}, {VT_UI1, 1}, {VT_LPSTR, 1}, {VT_UI2, 2}, {VT_UI4, 4}, {VT_UI8, 8}, {VT_I1, 1},
-    {VT_BLOB, 1},  {VT_I2, 2},  {VT_I4, 4},    {VT_I8, 8},  {VT_R4, 4},  {VT_R8, 8},
-});
-
-void RecordWriting::SetField(const ExifField &field)
-{
-    const WideText path = ExifPath(field.directory, field.tag);
-    if (field.type >= FIELD_TYPES.size() || field.data.empty() || Holds(path))
-    {
-        return;
-    }
-    const auto [variant, bytes] = FIELD_TYPES[field.type];
-    std::vector<BYTE> data = field.data;
-    data.push_back(0);
-    PROPVARIANT value = {};
-    value.vt = variant;
-    if (variant == VT_LPSTR)
-    {
-        value.pszVal = reinterpret_cast<char *>(data.data());
-    }
-    else if (variant == VT_BLOB)
-    {
-        value.blob.cbSize = static_cast<ULONG>(field.data.size());
-        value.blob.pBlobData = data.data();
-    }
-    else if (bytes == 0 || field.data.size() < bytes)
-    {
-        return;
-    }
-    else if (field.data.size() < 2 * bytes)
-    {
-        std::copy_n(data.begin(), bytes, &value.bVal);
-    }
-    else
-    {
-        value.vt = VT_VECTOR | variant;
-        value.caub.cElems = static_cast<ULONG>(field.data.size() / bytes);
-        value.caub.pElems = data.data();
-    }
-    Set(path, value);
-}
 
 void WriteCopyright(RecordWriting &writing, const ItemRecord &record)
 {
@@ -311,9 +268,9 @@ void WriteIptc(RecordWriting &writing, const ItemRecord &record)
     {
         const WideView text = ViewOf(record.Iptc.Texts[place.number]);
         writing.SetProperty(place.property, text);
-        if (place.dataset != nullptr)
+        if (place.dataset.name != nullptr)
         {
-            writing.SetDataset(place.dataset, text);
+            writing.SetDataset(place.dataset.name, text);
         }
     }
 }

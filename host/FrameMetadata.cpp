@@ -1,0 +1,302 @@
+#include "host/FrameMetadata.h"
+
+#include "host/ExifFieldValue.h"
+#include "host/MetadataTexts.h"
+#include "host/SnapshotFields.h"
+
+#include "core/ComPtr.h"
+
+#include <objbase.h>
+
+#include <array>
+#include <span>
+#include <string>
+
+namespace
+{
+// Where a block lies, by the kinds of files.
+using BlockPaths = std::span<const WideView>;
+constexpr WideView MAIN_PATHS[] = {TEXT("/app1/ifd"), TEXT("/ifd")};
+constexpr WideView EXIF_PATHS[] = {TEXT("/app1/ifd/exif"), TEXT("/ifd/exif")};
+constexpr WideView GPS_PATHS[] = {TEXT("/app1/ifd/gps"), TEXT("/ifd/gps")};
+constexpr WideView XMP_PATHS[] = {TEXT("/xmp"), TEXT("/ifd/xmp")};
+constexpr WideView IPTC_PATHS[] = {TEXT("/app13/irb/8bimiptc/iptc"), TEXT("/ifd/iptc"),
+                                   TEXT("/ifd/irb/8bimiptc/iptc")};
+constexpr WideView COMMENT_PATHS[] = {TEXT("/com")};
+
+namespace Tag
+{
+constexpr WORD Orientation = 274;
+constexpr WORD Rating = 18246;
+constexpr WORD UserComment = 37510;
+} // namespace Tag
+
+// A list in a file that has no end must not hold us.
+constexpr int MOST_ELEMENTS = 1000;
+
+class QueryValue
+{
+public:
+    QueryValue() = default;
+    ~QueryValue() { PropVariantClear(&m_value); }
+    QueryValue(const QueryValue &) = delete;
+    QueryValue &operator=(const QueryValue &) = delete;
+
+    const PROPVARIANT &Get() const noexcept { return m_value; }
+
+    bool Read(IWICMetadataQueryReader &reader, const WideText &path)
+    {
+        PropVariantClear(&m_value);
+        return SUCCEEDED(reader.GetMetadataByName(path.c_str(), &m_value)) && m_value.vt != VT_EMPTY;
+    }
+
+    bool Read(IWICMetadataQueryReader &reader, BlockPaths blocks, const WideText &item)
+    {
+        for (const WideView block : blocks)
+        {
+            if (Read(reader, WideText(block) + item))
+            {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    // Bytes of a field, whether it is called a text, undefined or a list of bytes.
+    std::optional<std::string_view> Bytes() const
+    {
+        const auto view = [](const void *data, size_t size) {
+            return std::string_view(static_cast<const char *>(data), data != nullptr ? size : 0);
+        };
+        switch (m_value.vt)
+        {
+        case VT_LPSTR:
+            return m_value.pszVal != nullptr ? std::string_view(m_value.pszVal) : std::string_view();
+        case VT_BLOB:
+            return view(m_value.blob.pBlobData, m_value.blob.cbSize);
+        case VT_VECTOR | VT_UI1:
+            return view(m_value.caub.pElems, m_value.caub.cElems);
+        default:
+            return std::nullopt;
+        }
+    }
+
+    std::optional<WideText> Wide() const
+    {
+        return m_value.vt == VT_LPWSTR && m_value.pwszVal != nullptr
+                   ? std::optional(WithoutPadding(m_value.pwszVal))
+                   : std::nullopt;
+    }
+
+    std::optional<long> Number() const
+    {
+        switch (m_value.vt)
+        {
+        case VT_UI1:
+            return m_value.bVal;
+        case VT_UI2:
+            return m_value.uiVal;
+        case VT_UI4:
+            return static_cast<long>(m_value.ulVal);
+        default:
+            return std::nullopt;
+        }
+    }
+
+    ComPtr<IWICMetadataQueryReader> Block() const
+    {
+        return m_value.vt == VT_UNKNOWN ? QueryFor<IWICMetadataQueryReader>(m_value.punkVal) : nullptr;
+    }
+
+    // One text or several; empty ones are left out.
+    std::vector<WideText> Texts() const
+    {
+        std::vector<WideText> texts;
+        const auto add = [&](WideText text) {
+            if (!text.empty())
+            {
+                texts.push_back(std::move(text));
+            }
+        };
+        if (const auto text = Wide())
+        {
+            add(*text);
+        }
+        else if (const auto bytes = Bytes())
+        {
+            add(TextOfBytes(*bytes));
+        }
+        else if (m_value.vt == (VT_VECTOR | VT_LPWSTR))
+        {
+            for (ULONG i = 0; i < m_value.calpwstr.cElems; ++i)
+            {
+                add(WithoutPadding(m_value.calpwstr.pElems[i]));
+            }
+        }
+        else if (m_value.vt == (VT_VECTOR | VT_LPSTR))
+        {
+            for (ULONG i = 0; i < m_value.calpstr.cElems; ++i)
+            {
+                add(TextOfBytes(m_value.calpstr.pElems[i]));
+            }
+        }
+        else if (const auto number = Number())
+        {
+            const std::string digits = std::to_string(*number);
+            add(WideText(digits.begin(), digits.end()));
+        }
+        return texts;
+    }
+
+private:
+    PROPVARIANT m_value = {};
+};
+
+WideText NumberedItem(const char *kind, int number)
+{
+    const std::string item = "/{" + std::string(kind) + "=" + std::to_string(number) + "}";
+    return WideText(item.begin(), item.end());
+}
+
+WideText FieldItem(WORD tag)
+{
+    return NumberedItem("ushort", tag);
+}
+
+WideText FirstOf(const std::vector<WideText> &texts)
+{
+    return texts.empty() ? WideText() : texts.front();
+}
+
+class FrameTexts final : public MetadataTexts
+{
+public:
+    explicit FrameTexts(IWICMetadataQueryReader &reader) : m_reader(reader) {}
+
+    WideText Xmp(const WCHAR *property) const override
+    {
+        QueryValue value;
+        if (!value.Read(m_reader, XMP_PATHS, WideText(TEXT("/")) + property))
+        {
+            return WideText();
+        }
+        if (const auto block = value.Block())
+        {
+            QueryValue chosen;
+            return chosen.Read(*block.Get(), TEXT("/x-default")) ? FirstOf(chosen.Texts()) : FirstOf(Elements(*block.Get()));
+        }
+        return FirstOf(value.Texts());
+    }
+
+    std::vector<WideText> XmpList(const WCHAR *property) const override
+    {
+        QueryValue value;
+        if (!value.Read(m_reader, XMP_PATHS, WideText(TEXT("/")) + property))
+        {
+            return {};
+        }
+        const auto block = value.Block();
+        return block ? Elements(*block.Get()) : value.Texts();
+    }
+
+    WideText Iptc(const IptcDataset &dataset) const override { return FirstOf(IptcList(dataset)); }
+
+    std::vector<WideText> IptcList(const IptcDataset &dataset) const override
+    {
+        return TextsOf(IPTC_PATHS, WideText(TEXT("/{str=")) + dataset.name + TEXT("}"));
+    }
+
+    WideText Exif(WORD tag) const override { return FirstOf(TextsOf(MAIN_PATHS, FieldItem(tag))); }
+
+    WideText ExifWindowsText(WORD tag) const override
+    {
+        QueryValue value;
+        value.Read(m_reader, MAIN_PATHS, FieldItem(tag));
+        const auto bytes = value.Bytes();
+        return bytes ? WindowsTextOfBytes(*bytes) : value.Wide().value_or(WideText());
+    }
+
+    WideText ExifUserComment() const override
+    {
+        QueryValue value;
+        value.Read(m_reader, EXIF_PATHS, FieldItem(Tag::UserComment));
+        const auto bytes = value.Bytes();
+        // A query doesn't tell the file's byte order.
+        return bytes ? CharsetTextOfBytes(*bytes, ByteOrder16::LittleEndian) : value.Wide().value_or(WideText());
+    }
+
+    std::optional<long> ExifRating() const override
+    {
+        QueryValue value;
+        value.Read(m_reader, MAIN_PATHS, FieldItem(Tag::Rating));
+        return value.Number();
+    }
+
+    WideText FileComment() const override { return FirstOf(TextsOf(COMMENT_PATHS, TEXT("/TextEntry"))); }
+
+private:
+    std::vector<WideText> TextsOf(BlockPaths blocks, const WideText &item) const
+    {
+        QueryValue value;
+        return value.Read(m_reader, blocks, item) ? value.Texts() : std::vector<WideText>();
+    }
+
+    static std::vector<WideText> Elements(IWICMetadataQueryReader &list)
+    {
+        std::vector<WideText> texts;
+        QueryValue value;
+        for (int i = 0; i < MOST_ELEMENTS && value.Read(list, NumberedItem("ulong", i)); ++i)
+        {
+            if (const WideText text = FirstOf(value.Texts()); !text.empty())
+            {
+                texts.push_back(text);
+            }
+        }
+        return texts;
+    }
+
+    IWICMetadataQueryReader &m_reader;
+};
+
+void ReadFields(IWICMetadataQueryReader &reader, BlockPaths blocks, ExifField::Directory directory,
+                SnapshotFields &fields)
+{
+    for (const TagRange &range : SnapshotTags(directory))
+    {
+        for (WORD tag = range.first; tag <= range.last; ++tag)
+        {
+            QueryValue value;
+            ExifField field{directory, tag, 0, {}};
+            if (value.Read(reader, blocks, FieldItem(tag)) && PutValue(value.Get(), field))
+            {
+                fields.Keep(std::move(field));
+            }
+        }
+    }
+}
+} // namespace
+
+UINT16 ReadFrameOrientation(IWICMetadataQueryReader &reader)
+{
+    QueryValue value;
+    value.Read(reader, MAIN_PATHS, FieldItem(Tag::Orientation));
+    const long orientation = value.Number().value_or(1);
+    return orientation >= 1 && orientation <= 8 ? static_cast<UINT16>(orientation) : UINT16{1};
+}
+
+void ReadFrameMetadata(IWICMetadataQueryReader &reader, ImageTexts &texts, MetadataSnapshot *groups)
+{
+    const FrameTexts blocks(reader);
+    texts = ChooseTexts(blocks);
+    if (groups == nullptr)
+    {
+        return;
+    }
+    *groups = MetadataSnapshot();
+    SnapshotFields fields(*groups);
+    ReadFields(reader, MAIN_PATHS, ExifField::Directory::Main, fields);
+    ReadFields(reader, EXIF_PATHS, ExifField::Directory::Exif, fields);
+    ReadFields(reader, GPS_PATHS, ExifField::Directory::Gps, fields);
+    groups->orientation = ReadFrameOrientation(reader);
+    ChooseNumbers(blocks, *groups);
+}
