@@ -1,0 +1,66 @@
+#include "host/window/HostCommands.h"
+
+#include "host/window/resource.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+constexpr HostState READY{.hasPlugin = true, .isAuthorized = true, .pictures = 3, .selected = 1, .waiting = 2};
+
+HostState With(HostState state, auto change)
+{
+    change(state);
+    return state;
+}
+
+// A letter for each thing that can be done: add, remove, publish, cancel (C: at once), configure (s).
+std::string Possible(const HostState &state)
+{
+    const HostCommands commands = CommandsIn(state);
+    std::string letters;
+    letters += commands.canAdd ? "a" : "";
+    letters += commands.canRemove ? "r" : "";
+    letters += commands.canPublish ? "p" : "";
+    letters += !commands.canCancel ? "" : commands.isCancelAbrupt ? "C" : "c";
+    letters += commands.canConfigure ? "s" : "";
+    return letters;
+}
+} // namespace
+
+TEST(HostCommands, FollowWhatThereIs)
+{
+    const struct
+    {
+        const char *what;
+        HostState state;
+        const char *possible;
+        unsigned hint;
+    } cases[] = {
+        {"ready", READY, "arps", IDS_MANY_READY},
+        {"one left", With(READY, [](HostState &s) { s.waiting = 1; }), "arps", IDS_ONE_READY},
+        {"all up", With(READY, [](HostState &s) { s.waiting = 0; }), "ars", IDS_ALL_UP},
+        {"nothing selected", With(READY, [](HostState &s) { s.selected = 0; }), "aps", IDS_MANY_READY},
+        {"empty", With(READY, [](HostState &s) { s.pictures = s.selected = s.waiting = 0; }), "as", IDS_NO_PICTURES},
+        {"no account", With(READY, [](HostState &s) { s.isAuthorized = false; }), "ars", IDS_NO_ACCOUNT},
+        {"no plug-in", With(READY, [](HostState &s) { s.hasPlugin = s.isAuthorized = false; }), "ar", IDS_NO_PLUGIN},
+    };
+    for (const auto &one : cases)
+    {
+        EXPECT_EQ(Possible(one.state), one.possible) << one.what;
+        EXPECT_EQ(HintIn(one.state), one.hint) << one.what;
+    }
+}
+
+TEST(HostCommands, InARunOnlyItsEndCanBeAskedFor)
+{
+    HostState state = READY;
+    state.phase = RunPhase::Running;
+    EXPECT_EQ(Possible(state), "c");
+    state.phase = AfterCancel(state.phase);
+    EXPECT_EQ(Possible(state), "C");
+    state.phase = AfterCancel(state.phase);
+    EXPECT_EQ(Possible(state), "");
+    EXPECT_EQ(AfterCancel(state.phase), RunPhase::Stopping);
+    EXPECT_EQ(AfterCancel(RunPhase::Idle), RunPhase::Idle);
+}

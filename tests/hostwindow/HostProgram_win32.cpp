@@ -1,0 +1,254 @@
+#include "tests/hostwindow/HostProgram.h"
+
+#include "host/window/resource.h"
+#include "tests/ui/DialogDriver_win32.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+
+namespace
+{
+constexpr DWORD Patience = 20000; // milliseconds
+
+// LM_GETIDEALSIZE, which the headers of this compiler lack.
+constexpr UINT GetIdealSize = WM_USER + 0x301;
+
+// Memory of the other program, in which its controls take and give what a message only points to.
+class OtherMemory
+{
+public:
+    OtherMemory(HANDLE process, size_t size)
+        : m_process(process), m_place(VirtualAllocEx(process, nullptr, size, MEM_COMMIT, PAGE_READWRITE))
+    {
+    }
+    ~OtherMemory() { VirtualFreeEx(m_process, m_place, 0, MEM_RELEASE); }
+    OtherMemory(const OtherMemory &) = delete;
+    OtherMemory &operator=(const OtherMemory &) = delete;
+
+    void *At(size_t offset = 0) const { return static_cast<BYTE *>(m_place) + offset; }
+    LPARAM Pointer() const { return reinterpret_cast<LPARAM>(m_place); }
+    void Write(const void *from, size_t size) { WriteProcessMemory(m_process, m_place, from, size, nullptr); }
+    void Read(void *to, size_t size, size_t offset = 0) const { ReadProcessMemory(m_process, At(offset), to, size, nullptr); }
+
+private:
+    HANDLE m_process;
+    void *m_place;
+};
+
+struct Search
+{
+    DWORD process;
+    bool isQuestion;
+    HWND found = nullptr;
+};
+
+// A visible window at the top: a message box, or one that is none.
+HWND FindTop(DWORD process, bool isQuestion)
+{
+    Search search{process, isQuestion};
+    EnumWindows([](HWND window, LPARAM parameter) -> BOOL {
+        auto &search = *reinterpret_cast<Search *>(parameter);
+        DWORD owner = 0;
+        wchar_t name[32];
+        GetWindowThreadProcessId(window, &owner);
+        GetClassNameW(window, name, ARRAYSIZE(name));
+        if (owner == search.process && IsWindowVisible(window) && (std::wstring(name) == L"#32770") == search.isQuestion)
+        {
+            search.found = window;
+        }
+        return search.found == nullptr;
+    }, reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+std::wstring CommandLineOf(const std::filesystem::path &profile, const std::vector<std::filesystem::path> &pictures)
+{
+    const std::filesystem::path program(HALVORA_PROGRAM);
+    std::wstring line = L"\"" + std::filesystem::absolute(program).make_preferred().wstring() + L"\" --profile \"" +
+                        profile.wstring() + L"\"";
+    for (const auto &picture : pictures)
+    {
+        line += L" \"" + picture.wstring() + L"\"";
+    }
+    return line;
+}
+
+std::wstring Cell(HANDLE process, HWND list, int row, int column)
+{
+    wchar_t text[1024]{};
+    OtherMemory memory(process, sizeof(LVITEMW) + sizeof(text));
+    LVITEMW item{};
+    item.iSubItem = column;
+    item.cchTextMax = ARRAYSIZE(text);
+    item.pszText = static_cast<LPWSTR>(memory.At(sizeof(item)));
+    memory.Write(&item, sizeof(item));
+    SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), memory.Pointer());
+    memory.Read(text, sizeof(text), sizeof(item));
+    return text;
+}
+} // namespace
+
+HostProgram::HostProgram(const std::filesystem::path &profile, const std::vector<std::filesystem::path> &pictures)
+{
+    std::wstring line = CommandLineOf(profile, pictures);
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION process{};
+    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process))
+    {
+        ADD_FAILURE() << "The program doesn't start: " << GetLastError();
+        return;
+    }
+    const FileOwner thread(process.hThread);
+    m_process = FileOwner(process.hProcess);
+    m_number = process.dwProcessId;
+    EXPECT_TRUE(WaitFor([&] { return (m_window = FindTop(m_number, false)) != nullptr; }, Patience));
+    IsAlive();
+}
+
+HostProgram::~HostProgram()
+{
+    if (m_process)
+    {
+        PostMessageW(m_window, WM_CLOSE, 0, 0);
+        if (WaitForSingleObject(m_process.Get(), 3000) == WAIT_TIMEOUT)
+        {
+            TerminateProcess(m_process.Get(), 1);
+        }
+    }
+}
+
+std::vector<HWND> HostProgram::Parts() const
+{
+    std::vector<HWND> parts;
+    EnumChildWindows(m_window, [](HWND part, LPARAM all) -> BOOL {
+        if (IsWindowVisible(part) && GetDlgCtrlID(part) != 0)
+        {
+            reinterpret_cast<std::vector<HWND> *>(all)->push_back(part);
+        }
+        return TRUE;
+    }, reinterpret_cast<LPARAM>(&parts));
+    return parts;
+}
+
+HWND HostProgram::Part(int id) const
+{
+    const auto parts = Parts();
+    const auto found = std::find_if(parts.begin(), parts.end(), [&](HWND part) { return GetDlgCtrlID(part) == id; });
+    return found != parts.end() ? *found : nullptr;
+}
+
+std::wstring HostProgram::Text(int id) const
+{
+    wchar_t text[4096]{};
+    SendMessageW(Part(id), WM_GETTEXT, ARRAYSIZE(text), reinterpret_cast<LPARAM>(text));
+    return text;
+}
+
+std::vector<std::wstring> HostProgram::Rows(int id) const
+{
+    const HWND list = Part(id);
+    const HWND header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
+    const int columns = header == nullptr ? 1 : std::max<int>(1, static_cast<int>(SendMessageW(header, HDM_GETITEMCOUNT, 0, 0)));
+    std::vector<std::wstring> rows(static_cast<size_t>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0)));
+    for (size_t row = 0; row < rows.size(); ++row)
+    {
+        for (int column = 0; column < columns; ++column)
+        {
+            rows[row] += (column == 0 ? L"" : L"|") + Cell(m_process.Get(), list, static_cast<int>(row), column);
+        }
+    }
+    return rows;
+}
+
+std::wstring HostProgram::Log() const
+{
+    std::wstring log;
+    for (const std::wstring &row : Rows(IDC_LOG))
+    {
+        log += row + L"\n";
+    }
+    return log;
+}
+
+bool HostProgram::AwaitText(int id, const std::wstring &text) const
+{
+    return WaitFor([&] { return Text(id).find(text) != std::wstring::npos; }, Patience);
+}
+
+bool HostProgram::AwaitLog(const std::wstring &text) const
+{
+    return WaitFor([&] { return Log().find(text) != std::wstring::npos; }, Patience);
+}
+
+bool HostProgram::AwaitEnabled(int id, bool isEnabled) const
+{
+    return WaitFor([&] { return IsEnabled(id) == isEnabled; }, Patience);
+}
+
+void HostProgram::Follow(int id, const std::wstring &link) const
+{
+    const HWND control = Part(id);
+    RECT area{};
+    GetClientRect(control, &area);
+    OtherMemory memory(m_process.Get(), sizeof(LHITTESTINFO));
+    for (LONG y = 2; y < area.bottom; y += 4)
+    {
+        for (LONG x = 1; x < area.right; x += 4)
+        {
+            LHITTESTINFO hit{};
+            hit.pt = {x, y};
+            memory.Write(&hit, sizeof(hit));
+            const bool isLink = SendMessageW(control, LM_HITTEST, 0, memory.Pointer()) != 0;
+            memory.Read(&hit, sizeof(hit));
+            if (isLink && link == hit.item.szID)
+            {
+                PostMessageW(control, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, y));
+                PostMessageW(control, WM_LBUTTONUP, 0, MAKELPARAM(x, y));
+                return;
+            }
+        }
+    }
+    ADD_FAILURE() << "There is no such link.";
+}
+
+bool HostProgram::IsAlive() const
+{
+    DWORD_PTR ignored = 0;
+    return SendMessageTimeoutW(m_window, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, 2000, &ignored) != 0;
+}
+
+HWND HostProgram::AwaitQuestion() const
+{
+    HWND question = nullptr;
+    WaitFor([&] { return (question = FindTop(m_number, true)) != nullptr; }, Patience);
+    SendMessageW(question, WM_NULL, 0, 0);
+    return question;
+}
+
+std::optional<DWORD> HostProgram::AwaitEnd() const
+{
+    DWORD code = 0;
+    if (WaitForSingleObject(m_process.Get(), Patience) != WAIT_OBJECT_0 || !GetExitCodeProcess(m_process.Get(), &code))
+    {
+        return std::nullopt;
+    }
+    return code;
+}
+
+SIZE HostProgram::IdealSizeOf(HWND button) const
+{
+    SIZE size{};
+    OtherMemory memory(m_process.Get(), sizeof(size));
+    memory.Write(&size, sizeof(size));
+    SendMessageW(button, BCM_GETIDEALSIZE, 0, memory.Pointer());
+    memory.Read(&size, sizeof(size));
+    return size;
+}
+
+int HostProgram::IdealHeightOf(HWND links, int width) const
+{
+    OtherMemory memory(m_process.Get(), sizeof(SIZE));
+    return static_cast<int>(SendMessageW(links, GetIdealSize, static_cast<WPARAM>(width), memory.Pointer()));
+}

@@ -1,0 +1,297 @@
+#include "tests/hostwindow/HostProgram.h"
+#include "tests/hostwindow/TrialPlugin.h"
+
+#include "host/InitData.h"
+#include "host/window/resource.h"
+#include "tests/host/SampleFiles.h"
+#include "tests/host/TemporaryFolder.h"
+#include "tests/ui/DialogDriver_win32.h"
+
+#include <gmock/gmock.h>
+
+#include <shlobj.h>
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace
+{
+const std::wstring classKey = std::wstring(L"CLSID\\") + TRIAL_PLUGIN_TEXT;
+
+// The trial plug-in among the classes and in the category of publishing plug-ins, while this lives.
+class TrialRegistration
+{
+public:
+    TrialRegistration()
+    {
+        const std::filesystem::path file(HALVORA_TRIAL_PLUGIN);
+        Write(L"\\InprocServer32", nullptr, std::filesystem::absolute(file).make_preferred().wstring());
+        Write(L"\\InprocServer32", L"ThreadingModel", L"Both");
+        Write(L"\\Implemented Categories\\{5EE4545B-143B-4f11-B9B3-F919653EB62F}", nullptr, L"");
+    }
+    ~TrialRegistration() { RegDeleteTreeW(HKEY_CLASSES_ROOT, classKey.c_str()); }
+    TrialRegistration(const TrialRegistration &) = delete;
+    TrialRegistration &operator=(const TrialRegistration &) = delete;
+
+private:
+    static void Write(const std::wstring &key, const wchar_t *name, const std::wstring &text)
+    {
+        EXPECT_EQ(RegSetKeyValueW(HKEY_CLASSES_ROOT, (classKey + key).c_str(), name, REG_SZ, text.c_str(),
+                                  static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))), ERROR_SUCCESS);
+    }
+};
+
+class HostWindowTest : public testing::Test
+{
+protected:
+    std::filesystem::path Sample(const char *name) const
+    {
+        const auto file = m_folder.Path() / name;
+        std::filesystem::create_directories(file.parent_path());
+        MakeSample(file, 300, 200);
+        return file;
+    }
+    std::filesystem::path Profile() const { return m_folder.Path() / "profile"; }
+
+    void Authorize() const
+    {
+        AccountData account;
+        account.token = L"trial-token";
+        account.tokenSecret = L"trial-secret";
+        m_folder.Write("profile/init-data.bin", ComposeInitData(account));
+    }
+    bool IsKeptAuthorized() const
+    {
+        const auto account = ParseInitData(m_folder.Read("profile/init-data.bin"));
+        return account && account->IsAuthorized();
+    }
+
+    void LetOnePictureEnd() const { SetEvent(m_next.Get()); }
+
+    TemporaryFolder m_folder;
+    const FileOwner m_next{CreateEventW(nullptr, FALSE, FALSE, NEXT_PICTURE)};
+};
+
+class WithPlugin : public HostWindowTest
+{
+    const TrialRegistration m_registration;
+};
+
+using HostWithoutPlugin = HostWindowTest;
+using HostWithPlugin = WithPlugin;
+using HostLayout = WithPlugin;
+using HostRun = WithPlugin;
+
+// Pixels of the window's part on the screen that are nearly of the colour.
+size_t CountPixels(HWND part, COLORREF colour)
+{
+    const RECT place = PlaceOf(part);
+    const int width = place.right - place.left, height = place.bottom - place.top;
+    const HDC screen = GetDC(nullptr), memory = CreateCompatibleDC(screen);
+    BITMAPINFO layout{};
+    layout.bmiHeader = {sizeof(layout.bmiHeader), width, -height, 1, 32};
+    void *bits = nullptr;
+    const BitmapOwner bitmap(CreateDIBSection(screen, &layout, DIB_RGB_COLORS, &bits, nullptr, 0));
+    const HGDIOBJ before = SelectObject(memory, bitmap.Get());
+    BitBlt(memory, 0, 0, width, height, screen, place.left, place.top, SRCCOPY);
+    GdiFlush();
+    const auto *const pixels = static_cast<const DWORD *>(bits);
+    const auto isNear = [](int a, int b) { return std::abs(a - b) < 24; };
+    const auto count = std::count_if(pixels, pixels + static_cast<size_t>(width) * height, [&](DWORD pixel) {
+        return isNear(pixel >> 16 & 0xFF, GetRValue(colour)) && isNear(pixel >> 8 & 0xFF, GetGValue(colour)) &&
+               isNear(pixel & 0xFF, GetBValue(colour));
+    });
+    SelectObject(memory, before);
+    DeleteDC(memory);
+    ReleaseDC(nullptr, screen);
+    return static_cast<size_t>(count);
+}
+
+RECT PlaceIn(HWND window, HWND part)
+{
+    RECT place = PlaceOf(part);
+    MapWindowPoints(nullptr, window, reinterpret_cast<POINT *>(&place), 2);
+    return place;
+}
+} // namespace
+
+TEST_F(HostWithoutPlugin, TellsWhatToDo)
+{
+    const HostProgram host(Profile(), {Sample("one.jpg")});
+    EXPECT_TRUE(host.AwaitText(IDC_STATE, L"install.cmd"));
+    EXPECT_FALSE(host.IsEnabled(IDC_PUBLISH));
+    EXPECT_FALSE(host.IsEnabled(IDC_CANCEL));
+    EXPECT_TRUE(host.IsEnabled(IDC_ADD));
+    host.Close();
+    EXPECT_EQ(host.AwaitEnd(), 0u);
+}
+
+TEST_F(HostWithoutPlugin, ShowsPicturesAndRefusesTheRest)
+{
+    Sample("folder/deep.png");
+    const HostProgram host(Profile(), {Sample("pair.jpg"), Sample("pair.tif"), m_folder.Write("notes.txt", "words"),
+                                       m_folder.Path() / "missing.jpg", m_folder.Path() / "folder"});
+    EXPECT_THAT(host.Rows(IDC_PICTURES), ElementsAre(L"pair.jpg", L"deep.png"));
+    EXPECT_TRUE(host.AwaitLog(L"notes.txt"));
+    EXPECT_TRUE(host.AwaitLog(L"missing.jpg"));
+    // A quarter of each is green; the frame that stands there before a thumbnail has none.
+    EXPECT_TRUE(WaitFor([&] { return CountPixels(host.Part(IDC_PICTURES), RGB(0, 255, 0)) > 2 * 1200; }));
+}
+
+TEST_F(HostWithoutPlugin, RemovesWhatIsSelected)
+{
+    const HostProgram host(Profile(), {Sample("one.jpg"), Sample("two.jpg")});
+    EXPECT_FALSE(host.IsEnabled(IDC_REMOVE));
+    host.Choose(ID_SELECT_ALL);
+    EXPECT_TRUE(host.AwaitEnabled(IDC_REMOVE, true));
+    host.Press(IDC_REMOVE);
+    EXPECT_TRUE(WaitFor([&] { return host.Rows(IDC_PICTURES).empty(); }));
+    EXPECT_TRUE(host.AwaitEnabled(IDC_REMOVE, false));
+}
+
+TEST_F(HostWithPlugin, ShowsItAndAsksForAuthorization)
+{
+    const HostProgram host(Profile(), {Sample("one.jpg")});
+    EXPECT_EQ(host.Text(IDC_PLUGIN_NAME), L"Publish for trial");
+    EXPECT_THAT(host.Text(IDC_PLUGIN_VERSION), HasSubstr(L"7.5 (Build 3)"));
+    EXPECT_TRUE(host.AwaitText(IDC_STATE, L"needs your leave"));
+    EXPECT_FALSE(host.IsEnabled(IDC_PUBLISH));
+}
+
+TEST_F(HostWithPlugin, FollowsItsLinksAndKeepsTheAccount)
+{
+    {
+        const HostProgram host(Profile(), {Sample("one.jpg")});
+        host.Follow(IDC_STATE, L"authorize");
+        EXPECT_TRUE(host.AwaitText(IDC_STATE, L"Settings..."));
+        EXPECT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
+        // Not only at the program's end.
+        EXPECT_TRUE(IsKeptAuthorized());
+    }
+    const HostProgram again(Profile(), {});
+    EXPECT_TRUE(again.AwaitText(IDC_STATE, L"Settings..."));
+    EXPECT_FALSE(again.IsEnabled(IDC_PUBLISH)) << "without a picture";
+    again.Follow(IDC_STATE, L"settings");
+    EXPECT_TRUE(again.AwaitText(IDC_STATE, L"needs your leave"));
+    EXPECT_TRUE(WaitFor([&] { return !IsKeptAuthorized(); }));
+}
+
+TEST_F(HostRun, PublishesAndMarksWhatBecameOfEach)
+{
+    Authorize();
+    const HostProgram host(Profile(), {Sample("one.jpg"), Sample("bad.jpg"), Sample("two.jpg")});
+    ASSERT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
+    host.Press(IDC_PUBLISH);
+    EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Picture 1 of 3"));
+    EXPECT_TRUE(host.IsAlive());
+    EXPECT_TRUE(host.AwaitEnabled(IDC_CANCEL, true));
+    EXPECT_FALSE(host.IsEnabled(IDC_PUBLISH));
+    EXPECT_FALSE(host.IsEnabled(IDC_ADD));
+    EXPECT_TRUE(WaitFor([&] { return SendMessageW(host.Part(IDC_PROGRESS), PBM_GETPOS, 0, 0) == 50; }));
+    for (const wchar_t *next : {L"Picture 2 of 3", L"Picture 3 of 3", L"Trial done."})
+    {
+        LetOnePictureEnd();
+        EXPECT_TRUE(host.AwaitText(IDC_STATUS, next));
+    }
+    EXPECT_TRUE(host.AwaitLog(L"Published 2 of 3 pictures"));
+    EXPECT_THAT(host.Log(), HasSubstr(L"bad.jpg"));
+    EXPECT_THAT(host.Log(), HasSubstr(L"The trial wants better pictures."));
+    EXPECT_THAT(host.Log(), testing::Not(HasSubstr(L"Extensions are"))) << "details are not asked for";
+    host.Press(IDC_DETAILS);
+    EXPECT_TRUE(host.AwaitLog(L"Extensions are jpg"));
+
+    // What went up doesn't go up again.
+    EXPECT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
+    host.Press(IDC_PUBLISH);
+    EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Picture 1 of 1"));
+    LetOnePictureEnd();
+    EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Trial done."));
+}
+
+TEST_F(HostRun, IsCancelledInTwoSteps)
+{
+    Authorize();
+    const HostProgram host(Profile(), {Sample("one.jpg"), Sample("two.jpg"), Sample("three.jpg")});
+    ASSERT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
+    host.Press(IDC_PUBLISH);
+    ASSERT_TRUE(host.AwaitText(IDC_STATUS, L"Picture 1 of 3"));
+    const std::wstring firstStep = host.Text(IDC_CANCEL);
+    host.Press(IDC_CANCEL);
+    EXPECT_TRUE(WaitFor([&] { return host.Text(IDC_CANCEL) != firstStep; }));
+    LetOnePictureEnd();
+    EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Trial cancelled."));
+    EXPECT_TRUE(host.AwaitLog(L"Published 1 of 3 pictures"));
+    EXPECT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
+
+    host.Press(IDC_PUBLISH);
+    ASSERT_TRUE(host.AwaitText(IDC_STATUS, L"Picture 1 of 2"));
+    EXPECT_EQ(host.Text(IDC_CANCEL), firstStep);
+    host.Press(IDC_CANCEL);
+    ASSERT_TRUE(WaitFor([&] { return host.Text(IDC_CANCEL) != firstStep; }));
+    host.Press(IDC_CANCEL);
+    EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Trial stopped."));
+    EXPECT_TRUE(host.AwaitLog(L"Published 0 of 2 pictures"));
+}
+
+TEST_F(HostRun, IsNotTornByClosingTheWindow)
+{
+    Authorize();
+    const HostProgram host(Profile(), {Sample("one.jpg"), Sample("two.jpg")});
+    ASSERT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
+    host.Press(IDC_PUBLISH);
+    ASSERT_TRUE(host.AwaitText(IDC_STATUS, L"Picture 1 of 2"));
+    host.Close();
+    const HWND stay = host.AwaitQuestion();
+    ASSERT_NE(stay, nullptr);
+    PostMessageW(stay, WM_COMMAND, IDNO, 0);
+    LetOnePictureEnd();
+    EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Picture 2 of 2"));
+    ASSERT_TRUE(WaitFor([&] { return !IsWindow(stay); }));
+    host.Close();
+    const HWND leave = host.AwaitQuestion();
+    ASSERT_NE(leave, nullptr);
+    PostMessageW(leave, WM_COMMAND, IDYES, 0);
+    EXPECT_EQ(host.AwaitEnd(), 0u);
+    EXPECT_TRUE(IsKeptAuthorized());
+}
+
+TEST_F(HostLayout, HoldsEverythingInEverySize)
+{
+    Authorize();
+    const HostProgram host(Profile(), {Sample("one.jpg")});
+    ASSERT_TRUE(host.AwaitText(IDC_STATE, L"Settings..."));
+    for (const SIZE size : {SIZE{100, 100}, SIZE{1200, 500}, SIZE{700, 1000}})
+    {
+        SetWindowPos(host.Window(), nullptr, 0, 0, size.cx, size.cy, SWP_NOZORDER | SWP_NOACTIVATE);
+        ASSERT_TRUE(host.IsAlive());
+        const RECT window = PlaceOf(host.Window());
+        EXPECT_GE(window.bottom - window.top, std::min<LONG>(size.cy, 300));
+        RECT client{};
+        GetClientRect(host.Window(), &client);
+        const std::vector<HWND> parts = host.Parts();
+        for (size_t i = 0; i < parts.size(); ++i)
+        {
+            const RECT place = PlaceIn(host.Window(), parts[i]);
+            const int id = GetDlgCtrlID(parts[i]);
+            RECT both{};
+            EXPECT_TRUE(IntersectRect(&both, &place, &client) && EqualRect(&both, &place))
+                << id << " isn't whole in " << size.cx << "x" << size.cy;
+            for (size_t other = i + 1; other < parts.size(); ++other)
+            {
+                const RECT another = PlaceIn(host.Window(), parts[other]);
+                EXPECT_FALSE(IntersectRect(&both, &place, &another))
+                    << id << " lies on " << GetDlgCtrlID(parts[other]) << " in " << size.cx << "x" << size.cy;
+            }
+        }
+        for (const int id : {IDC_ADD, IDC_REMOVE, IDC_PUBLISH, IDC_CANCEL})
+        {
+            const RECT place = PlaceOf(host.Part(id));
+            const SIZE ideal = host.IdealSizeOf(host.Part(id));
+            EXPECT_GT(ideal.cx, 0);
+            EXPECT_GE(place.right - place.left, ideal.cx) << id;
+            EXPECT_GE(place.bottom - place.top, ideal.cy) << id;
+        }
+        const RECT state = PlaceOf(host.Part(IDC_STATE));
+        EXPECT_GE(state.bottom - state.top, host.IdealHeightOf(host.Part(IDC_STATE), state.right - state.left));
+    }
+}
