@@ -21,6 +21,9 @@ if defined failed (
     if /i not "%quiet%"=="/quiet" pause
     exit /b 1
 )
+rem The account that halvora.exe kept, which holds the permission to publish.
+for %%F in (init-data.bin init-data.bin.new lock) do del /f /q "%LOCALAPPDATA%\Halvora\%%F" 2>nul
+del /f /q "%LOCALAPPDATA%\Halvora\init-data.bin.damaged-*" 2>nul
 echo Halvora Publish to Flickr is removed; its settings stay.
 if /i not "%quiet%"=="/quiet" pause
 
