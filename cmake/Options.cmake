@@ -7,6 +7,7 @@ else()
 endif()
 
 option(HALVORA_SANITIZE "Address, leak and undefined-behaviour sanitizers (native only)" OFF)
+option(HALVORA_FUZZ "Trials of the readers with spoiled samples (native only)" ${HALVORA_SANITIZE})
 set(HALVORA_API_HOST "api.flickr.com" CACHE STRING "Host of the photo service's API")
 set(HALVORA_WEB_HOST "www.flickr.com" CACHE STRING "Host of the photo service's web pages")
 set(HALVORA_MAKER_HOST "authorization.halvora.example" CACHE STRING "The maker's authorization host")

@@ -1,0 +1,109 @@
+#include "fuzz/FuzzTarget.h"
+
+#include "core/Hresult.h"
+#include "platform/windowscodecs/jpeg/QueryPath.h"
+#include "tests/platform/windowscodecs_jpeg/CodecUse.h"
+#include "tests/privacy/MarkedPicture.h"
+
+namespace
+{
+constexpr UINT64 MAX_PIXELS = 1 << 16;
+
+std::vector<std::string> JpegSamples()
+{
+    std::vector<std::string> samples{MakeMarkedPicture(Contents::JpegWithEverything),
+                                     MakeMarkedPicture(Contents::JpegWithExifAlone)};
+    for (const SampleOptions &options :
+         {SampleOptions{.Width = 24, .Height = 16, .Progressive = true},
+          SampleOptions{.Width = 24, .Height = 16, .Components = 4, .StoredAsYcck = true},
+          SampleOptions{.Width = 24, .Height = 16, .Components = 1, .Arithmetic = true, .RestartInterval = 1}})
+    {
+        const Octets file = MakeJpeg(options);
+        samples.emplace_back(file.begin(), file.end());
+    }
+    return samples;
+}
+
+// Values of every kind of block, and the numbers that the directories of a spoiled one may have.
+void AskForMetadata(IWICBitmapFrameDecode *frame)
+{
+    ComPtr<IWICMetadataQueryReader> reader;
+    if (FAILED(frame->GetMetadataQueryReader(reader.Put())))
+    {
+        return;
+    }
+    for (const WCHAR *path :
+         {TEXT("/app1/ifd/{ushort=271}"), TEXT("/app1/ifd/exif/{ushort=36867}"), TEXT("/app1/ifd/gps/{ushort=2}"),
+          TEXT("/app1/thumb/{ushort=315}"), TEXT("/app13/irb/8bimiptc/iptc/{str=Caption}"), TEXT("/xmp/dc:title"),
+          TEXT("/com/TextEntry"), TEXT("/xmp/exif:GPSLatitude")})
+    {
+        QueryValue value;
+        reader->GetMetadataByName(path, &value.Value);
+    }
+}
+
+void ReadJpeg(std::string_view bytes)
+{
+    const Octets file(bytes.begin(), bytes.end());
+    ComPtr<IWICBitmapFrameDecode> frame;
+    if (FAILED(OpenFrame(file, frame)))
+    {
+        return;
+    }
+    AskForMetadata(frame.Get());
+    UINT width = 0;
+    UINT height = 0;
+    frame->GetSize(&width, &height);
+    if (width > 0 && static_cast<UINT64>(width) * height <= MAX_PIXELS)
+    {
+        std::vector<BYTE> pixels(static_cast<size_t>(width) * height * 4);
+        frame->CopyPixels(nullptr, width * 4, static_cast<UINT>(pixels.size()), pixels.data());
+    }
+    Octets rewritten;
+    Rewriting rewriting;
+    rewriting.Edit = [](IWICMetadataQueryWriter *writer) {
+        for (const WCHAR *path : {TEXT("/app1/ifd/gps"), TEXT("/xmp/dc:title"), TEXT("/app13")})
+        {
+            writer->RemoveMetadataByName(path);
+        }
+        const PROPVARIANT name = QueryValue::Narrow("somebody");
+        writer->SetMetadataByName(TEXT("/app1/ifd/{ushort=315}"), &name);
+    };
+    if (SUCCEEDED(Rewrite(file, rewriting, rewritten)))
+    {
+        ComPtr<IWICBitmapFrameDecode> again;
+        if (FAILED(OpenFrame(rewritten, again)))
+        {
+            Broken("what the encoder writes the decoder reads");
+        }
+        UINT newWidth = 0;
+        UINT newHeight = 0;
+        again->GetSize(&newWidth, &newHeight);
+        if (newWidth != width || newHeight != height)
+        {
+            Broken("a picture written anew keeps its size");
+        }
+    }
+}
+
+std::vector<std::string> PathSamples()
+{
+    return {"/app1/ifd/{ushort=271}", "/app1/ifd/exif/{ushort=36867}", "/[1]app13/irb/8bimiptc/iptc/{str=Caption}",
+            "/xmp/<xmpbag>dc:subject/{ulong=0}", "/xmp/{wstr=http://ns.adobe.com/exif/1.0/}:GPSLatitude"};
+}
+
+void ReadPath(std::string_view bytes)
+{
+    const WideText text(bytes.begin(), bytes.end());
+    try
+    {
+        ParseQueryPath(text);
+    }
+    catch (const HresultError &)
+    {
+    }
+}
+} // namespace
+
+const FuzzTarget JpegFiles{"jpeg", JpegSamples, ReadJpeg};
+const FuzzTarget MetadataPaths{"metadata-path", PathSamples, ReadPath};
