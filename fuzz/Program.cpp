@@ -19,7 +19,7 @@
 #include <unistd.h>
 
 // The metadata library keeps the namespaces of every packet for good.
-extern "C" const char *__lsan_default_suppressions()
+extern "C" __attribute__((visibility("default"))) const char *__lsan_default_suppressions()
 {
     return "leak:Exiv2::XmpProperties::registerNs";
 }

@@ -101,7 +101,7 @@ void QuietStructured(void *, xmlErrorPtr)
 {
 }
 
-// Some faults of expressions go to the thread's general error function, which prints.
+// Some faults of expressions and of encodings go to the thread's general error function, which prints.
 class SilentErrors
 {
 public:
@@ -181,6 +181,7 @@ std::optional<XmlNode> ParseXml(std::string_view bytes, const XmlParseOptions &o
     {
         ThrowHresult(E_OUTOFMEMORY);
     }
+    const SilentErrors silent;
     bool refused = false;
     parser->_private = &refused;
     parser->sax->internalSubset = RefuseDocumentType;

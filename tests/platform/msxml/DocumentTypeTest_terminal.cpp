@@ -46,4 +46,39 @@ TEST(DocumentTypes, AreRefusedWithTheirLine)
         EXPECT_EQ(c.line, line);
     }
 }
+
+// Bytes that aren't what their encoding allows: refused, and no word of the parser's on the terminal.
+TEST(DocumentBytes, OfABrokenEncodingAreRefusedSilently)
+{
+    using namespace std::string_literals;
+    RegisterDocumentClass();
+    ComPtr<IXMLDOMDocument2> document;
+    ASSERT_EQ(S_OK, CoCreateInstance(documentClass, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IXMLDOMDocument2),
+                                     document.PutVoid()));
+    const std::string cases[] = {
+        "<?xm\xFF version=\"1.0\" encoding=\"utf-8\"?><a/>"s,
+        "\xFF\xFE<\0a\0>\0\0\xDC<\0/\0a\0>\0"s,
+        "<?xml version=\"1.0\" encoding=\"us-ascii\"?><a>\x80\x80</a>"s,
+        "<?xml version=\"1.0\" encoding=\"shift_jis\"?><a>\x80\0\0\0</a>"s,
+        "<?xml version=\"1.0\" encoding=\"utf-7\"?><a>\xC0\x80</a>"s,
+    };
+    for (const std::string &bytes : cases)
+    {
+        SCOPED_TRACE(bytes.substr(0, 50));
+        VARIANT source{};
+        V_VT(&source) = VT_ARRAY | VT_UI1;
+        V_ARRAY(&source) = SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(bytes.size()));
+        void *data = nullptr;
+        ASSERT_EQ(S_OK, SafeArrayAccessData(V_ARRAY(&source), &data));
+        std::copy(bytes.begin(), bytes.end(), static_cast<char *>(data));
+        SafeArrayUnaccessData(V_ARRAY(&source));
+        VARIANT_BOOL success = VARIANT_TRUE;
+        testing::internal::CaptureStderr();
+        const HRESULT result = document->load(source, &success);
+        EXPECT_EQ("", testing::internal::GetCapturedStderr());
+        EXPECT_EQ(S_FALSE, result);
+        EXPECT_EQ(VARIANT_FALSE, success);
+        VariantClear(&source);
+    }
+}
 } // namespace
