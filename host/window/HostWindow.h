@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 class HostWindow
@@ -47,8 +48,8 @@ private:
     void ShowPlugin();
     void BeginUse();
     void EndUse(Storing storing);
-    void Configure(const wchar_t *verb);
-    void TellOutcome(const wchar_t *verb, HRESULT result);
+    void Configure();
+    void TellOutcome(const std::wstring &verb, HRESULT result);
 
     void BeginRun();
     void CancelRun();
@@ -69,6 +70,7 @@ private:
     std::unique_ptr<PluginUse> m_use;   // between runs, or the run's
     std::unique_ptr<RunThread> m_run;
     RunPhase m_phase = RunPhase::Idle;
+    std::wstring m_verb;                // of the link that was followed last
     bool m_isAuthorized = false;
     bool m_isConfiguring = false;
     bool m_closesAfterRun = false;

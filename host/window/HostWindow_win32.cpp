@@ -20,6 +20,7 @@ namespace
 constexpr UINT thumbnailMessage = WM_APP + 1;
 constexpr UINT logMessage = WM_APP + 2;
 constexpr UINT endMessage = WM_APP + 3;
+constexpr UINT configureMessage = WM_APP + 4;
 
 constexpr COLORREF errorColour = RGB(176, 32, 20);
 constexpr COLORREF warningColour = RGB(150, 90, 0);
@@ -161,6 +162,9 @@ LRESULT HostWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam)
         return 0;
     case endMessage:
         Guarded([&] { OnRunEnd(static_cast<HRESULT>(wParam)); });
+        return 0;
+    case configureMessage:
+        Guarded([&] { Configure(); });
         return 0;
     case WM_CLOSE:
         if (OnClose())
@@ -314,8 +318,9 @@ LRESULT HostWindow::OnNotify(const NMHDR &header)
     case IDC_STATE:
         if (header.code == NM_CLICK || header.code == NM_RETURN)
         {
-            const std::wstring verb = reinterpret_cast<const NMLINK &>(header).item.szID;
-            Configure(verb.c_str());
+            // The text with the link is another one afterwards, which the control doesn't expect while it tells.
+            m_verb = reinterpret_cast<const NMLINK &>(header).item.szID;
+            PostMessageW(m_window, configureMessage, 0, 0);
         }
         return 0;
     case IDC_PICTURES:
@@ -391,16 +396,16 @@ void HostWindow::AddPictures(const std::vector<std::filesystem::path> &paths)
 }
 
 // What a click on a link of the line of state starts. The plug-in shows dialogs, and may be long about it.
-void HostWindow::Configure(const wchar_t *verb)
+void HostWindow::Configure()
 {
-    if (!CommandsIn(State()).canConfigure || !m_use)
+    if (!CommandsIn(State()).canConfigure || m_isConfiguring)
     {
         return;
     }
+    std::wstring verb = m_verb, parameters;
     m_isConfiguring = true;
     UpdateCommands();
-    std::wstring verbText = verb, parameters;
-    const HRESULT result = m_use->Plugin().Configure(m_window, verbText.data(), parameters.data());
+    const HRESULT result = m_use->Plugin().Configure(m_window, verb.data(), parameters.data());
     m_isConfiguring = false;
     EndUse(StoringAfter(verb, result));
     Guarded([&] { BeginUse(); });
@@ -409,9 +414,9 @@ void HostWindow::Configure(const wchar_t *verb)
     ShowHint();
 }
 
-void HostWindow::TellOutcome(const wchar_t *verb, HRESULT result)
+void HostWindow::TellOutcome(const std::wstring &verb, HRESULT result)
 {
-    if (lstrcmpiW(verb, L"authorize") == 0)
+    if (lstrcmpiW(verb.c_str(), L"authorize") == 0)
     {
         if (FAILED(result))
         {
