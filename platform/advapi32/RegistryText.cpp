@@ -82,7 +82,8 @@ private:
         m_lastLineClosed = end < text.size();
         std::string_view line = text.substr(0, end);
         text.remove_prefix(std::min(end + 1, text.size()));
-        if (line.ends_with('\r'))
+        // More than one is what a careless conversion of line ends leaves.
+        while (line.ends_with('\r'))
         {
             line.remove_suffix(1);
         }
