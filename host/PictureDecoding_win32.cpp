@@ -94,22 +94,47 @@ public:
                                                    decoder.Put()));
         ComPtr<IWICBitmapFrameDecode> frame;
         Check(decoder->GetFrame(0, frame.Put()));
-        const Size size = SizeOf(frame.Get());
-        const UINT16 orientation = OrientationOfFrame(*frame.Get());
+        SizeOf(frame.Get());
+        DecodedPicture picture = InScreenColours(frame);
+        frame->GetResolution(&picture.dpiX, &picture.dpiY);
+        return Upright(std::move(picture), OrientationOfFrame(*frame.Get()));
+    }
 
-        // Colours that are multiplied with their alpha can be scaled, and laid on white afterwards.
-        ComPtr<IWICBitmapSource> source = ConvertTo(GUID_WICPixelFormat32bppPBGRA, InScreenColours(frame));
+private:
+    // By the frame's profile if it has one that can be used.
+    DecodedPicture InScreenColours(const ComPtr<IWICBitmapFrameDecode> &frame)
+    {
+        if (const auto converted = Converted(frame.Get()))
+        {
+            try
+            {
+                return Reduce(converted);
+            }
+            catch (const DecodingError &error)
+            {
+                // That a profile doesn't fit its picture may show as late as here.
+                if (error.Code() != WINCODEC_ERR_BADIMAGE)
+                {
+                    throw;
+                }
+            }
+        }
+        return Reduce(frame);
+    }
+
+    DecodedPicture Reduce(ComPtr<IWICBitmapSource> source)
+    {
+        const Size size = SizeOf(source.Get());
         const Size wanted = Reduced(size, m_longEdge);
+        // Colours that are multiplied with their alpha can be scaled, and laid on white afterwards.
+        source = ConvertTo(GUID_WICPixelFormat32bppPBGRA, source);
         if (wanted.width != size.width || wanted.height != size.height)
         {
             source = Scale(source, wanted);
         }
-        DecodedPicture picture = CopyOnWhite(*source.Get(), wanted);
-        frame->GetResolution(&picture.dpiX, &picture.dpiY);
-        return Upright(std::move(picture), orientation);
+        return CopyOnWhite(*source.Get(), wanted);
     }
 
-private:
     ComPtr<IWICBitmapSource> ConvertTo(const GUID &format, const ComPtr<IWICBitmapSource> &source)
     {
         ComPtr<IWICFormatConverter> converter;
@@ -140,19 +165,19 @@ private:
         return profile;
     }
 
-    // The frame itself where it has no profile, or none that can be used.
-    ComPtr<IWICBitmapSource> InScreenColours(const ComPtr<IWICBitmapFrameDecode> &frame)
+    // Null where there is no profile, or none that the component takes.
+    ComPtr<IWICBitmapSource> Converted(IWICBitmapFrameDecode *frame)
     {
-        const ComPtr<IWICColorContext> profile = ProfileOf(frame.Get());
+        const ComPtr<IWICColorContext> profile = ProfileOf(frame);
         ComPtr<IWICColorContext> screen;
         ComPtr<IWICColorTransform> transform;
         constexpr UINT exifSrgb = 1;
         if (!profile || FAILED(m_factory->CreateColorContext(screen.Put())) ||
             FAILED(screen->InitializeFromExifColorSpace(exifSrgb)) ||
             FAILED(m_factory->CreateColorTransformer(transform.Put())) ||
-            FAILED(transform->Initialize(frame.Get(), profile.Get(), screen.Get(), GUID_WICPixelFormat32bppBGRA)))
+            FAILED(transform->Initialize(frame, profile.Get(), screen.Get(), GUID_WICPixelFormat32bppBGRA)))
         {
-            return frame;
+            return nullptr;
         }
         return transform;
     }

@@ -12,6 +12,7 @@
 #include <windows.h>
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -33,9 +34,11 @@ public:
     void AddPictures(const std::vector<std::filesystem::path> &paths);
 
 private:
+    static constexpr UINT RunEndMessage = WM_APP + 3;
+
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
-    void Guarded(const auto &act);
+    void Guarded(const std::function<void()> &act);
     void OnCreate();
     void OnCommand(int id);
     LRESULT OnNotify(const NMHDR &header);
@@ -46,7 +49,7 @@ private:
 
     void FindPlugin();
     void ShowPlugin();
-    void BeginUse();
+    void BeginUse(ItemCollection pictures);
     void EndUse(Storing storing);
     void Configure();
     void TellOutcome(const std::wstring &verb, HRESULT result);
