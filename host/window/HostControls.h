@@ -22,7 +22,8 @@ public:
 
     // Of the whole window.
     SIZE SmallestSize() const;
-    SIZE UsualSize() const;
+    // Where it stands at first: no larger than its screen has room for, and nothing of it outside.
+    RECT UsualPlace() const;
 
     // Pixels for so many units of 1/96 inch.
     int Scaled(int units) const { return MulDiv(units, m_dotsPerInch, 96); }

@@ -171,7 +171,17 @@ SIZE HostControls::SmallestSize() const
     return Framed(480, 460);
 }
 
-SIZE HostControls::UsualSize() const
+RECT HostControls::UsualPlace() const
 {
-    return Framed(760, 660);
+    const SIZE usual = Framed(760, 660);
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof(monitor);
+    GetMonitorInfoW(MonitorFromWindow(m_window, MONITOR_DEFAULTTOPRIMARY), &monitor);
+    const RECT &room = monitor.rcWork;
+    RECT place{};
+    GetWindowRect(m_window, &place);
+    const LONG width = std::min(usual.cx, room.right - room.left), height = std::min(usual.cy, room.bottom - room.top);
+    const LONG left = std::clamp(place.left, room.left, room.right - width);
+    const LONG top = std::clamp(place.top, room.top, room.bottom - height);
+    return {left, top, left + width, top + height};
 }

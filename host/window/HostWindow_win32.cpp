@@ -174,8 +174,8 @@ void HostWindow::OnCreate()
     m_controls.emplace(m_window);
     m_log.emplace((*m_controls)[IDC_LOG], logMessage);
     m_pictures.emplace((*m_controls)[IDC_PICTURES], m_controls->Scaled(128), thumbnailMessage);
-    const SIZE usual = m_controls->UsualSize();
-    SetWindowPos(m_window, nullptr, 0, 0, usual.cx, usual.cy, SWP_NOMOVE | SWP_NOZORDER);
+    const RECT usual = m_controls->UsualPlace();
+    SetWindowPos(m_window, nullptr, usual.left, usual.top, usual.right - usual.left, usual.bottom - usual.top, SWP_NOZORDER);
     for (const std::string &notice : m_store.Notices())
     {
         m_log->Append(LOG_LEVEL_WARNING, notice);
@@ -352,7 +352,7 @@ HostState HostWindow::State() const
     state.isAuthorized = m_isAuthorized;
     state.pictures = m_pictures->Count();
     state.selected = m_pictures->SelectedCount();
-    state.waiting = m_pictures->Waiting().size();
+    state.waiting = m_pictures->WaitingCount();
     state.phase = m_phase;
     return state;
 }

@@ -33,6 +33,7 @@ public:
 
     // Those that didn't go up yet, in the order of the list, as the next run takes them.
     std::vector<PictureItem> Waiting() const;
+    size_t WaitingCount() const;
 
     // What became of the items of Waiting, by their places there. The list was not changed meanwhile.
     void MarkEnds(const RunRecord &record);
@@ -42,11 +43,13 @@ private:
     {
         int number;
         PictureItem item;
+        std::filesystem::path identity; // of the stem
         BitmapOwner thumbnail;
         int image = 0;
         ItemEnd end = ItemEnd::NotTried;
     };
 
+    void Insert(const PictureItem &item, const std::filesystem::path &identity);
     Picture *Find(int number);
     void Draw(Picture &picture);
     int RowOf(const Picture &picture) const { return static_cast<int>(&picture - m_pictures.data()); }

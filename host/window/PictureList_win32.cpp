@@ -4,6 +4,7 @@
 #include "host/window/Badge.h"
 
 #include <algorithm>
+#include <map>
 
 namespace
 {
@@ -20,6 +21,17 @@ std::vector<std::filesystem::path> FilesOf(const PictureItem &item)
 std::wstring NameOf(const PictureItem &item)
 {
     return item.File(0).filename().wstring();
+}
+
+void AddExtensions(PictureItem &item, const std::vector<std::string> &extensions)
+{
+    for (const std::string &extension : extensions)
+    {
+        if (std::find(item.extensions.begin(), item.extensions.end(), extension) == item.extensions.end())
+        {
+            item.extensions.push_back(extension);
+        }
+    }
 }
 } // namespace
 
@@ -44,39 +56,44 @@ PictureList::~PictureList()
 
 void PictureList::Add(const std::vector<PictureItem> &items)
 {
+    std::map<std::filesystem::path, size_t> known;
+    for (size_t row = 0; row < m_pictures.size(); ++row)
+    {
+        known.emplace(m_pictures[row].identity, row);
+    }
     SendMessageW(m_view, WM_SETREDRAW, FALSE, 0);
     for (const PictureItem &item : items)
     {
-        const auto known = std::find_if(m_pictures.begin(), m_pictures.end(), [&](const Picture &picture) {
-            return IdentityOf(picture.item.stem) == IdentityOf(item.stem);
-        });
-        if (known != m_pictures.end())
+        const std::filesystem::path identity = IdentityOf(item.stem);
+        const auto [place, isNew] = known.emplace(identity, m_pictures.size());
+        if (isNew)
         {
-            for (const std::string &extension : item.extensions)
-            {
-                auto &extensions = known->item.extensions;
-                if (std::find(extensions.begin(), extensions.end(), extension) == extensions.end())
-                {
-                    extensions.push_back(extension);
-                }
-            }
-            continue;
+            Insert(item, identity);
         }
-        Picture picture;
-        picture.number = ++m_lastNumber;
-        picture.item = item;
-        m_pictures.push_back(std::move(picture));
-        std::wstring name = NameOf(item);
-        LVITEMW row{};
-        row.mask = LVIF_TEXT | LVIF_IMAGE;
-        row.iItem = static_cast<int>(m_pictures.size()) - 1;
-        row.pszText = name.data();
-        row.iImage = 0;
-        ListView_InsertItem(m_view, &row);
-        m_maker.Ask(m_lastNumber, FilesOf(item));
+        else
+        {
+            AddExtensions(m_pictures[place->second].item, item.extensions);
+        }
     }
     SendMessageW(m_view, WM_SETREDRAW, TRUE, 0);
     InvalidateRect(m_view, nullptr, TRUE);
+}
+
+void PictureList::Insert(const PictureItem &item, const std::filesystem::path &identity)
+{
+    Picture picture;
+    picture.number = ++m_lastNumber;
+    picture.item = item;
+    picture.identity = identity;
+    m_pictures.push_back(std::move(picture));
+    std::wstring name = NameOf(item);
+    LVITEMW row{};
+    row.mask = LVIF_TEXT | LVIF_IMAGE;
+    row.iItem = static_cast<int>(m_pictures.size()) - 1;
+    row.pszText = name.data();
+    row.iImage = 0;
+    ListView_InsertItem(m_view, &row);
+    m_maker.Ask(m_lastNumber, FilesOf(item));
 }
 
 void PictureList::RemoveSelected()
@@ -158,6 +175,13 @@ std::vector<PictureItem> PictureList::Waiting() const
         }
     }
     return waiting;
+}
+
+size_t PictureList::WaitingCount() const
+{
+    return static_cast<size_t>(std::count_if(m_pictures.begin(), m_pictures.end(), [](const Picture &picture) {
+        return picture.end != ItemEnd::WentUp;
+    }));
 }
 
 void PictureList::MarkEnds(const RunRecord &record)

@@ -1,0 +1,187 @@
+// The window's dealings with the plug-in: between runs, in its dialogs, and in a run.
+#include "host/window/HostWindow.h"
+
+#include "host/SettingsKeyMaking.h"
+#include "host/SystemWords.h"
+#include "host/window/PluginDirectory.h"
+#include "host/window/WindowText.h"
+#include "host/window/resource.h"
+
+#include "core/BstrOwner.h"
+#include "core/Hresult.h"
+
+#include <algorithm>
+
+namespace
+{
+template <class Getter>
+std::wstring TextFrom(Getter get)
+{
+    BstrOwner text;
+    return SUCCEEDED(get(text.Put())) && text.Get() != nullptr ? std::wstring(text.Get()) : std::wstring();
+}
+} // namespace
+
+// The first of them, as there is one place for a plug-in in this window.
+void HostWindow::FindPlugin()
+{
+    const std::vector<CLSID> plugins = RegisteredPlugins();
+    if (!plugins.empty())
+    {
+        m_plugin = plugins.front();
+    }
+    if (const HRESULT made = MakeSettingsKey(); FAILED(made))
+    {
+        Tell(LOG_LEVEL_WARNING, IDS_VERB_FAILED, made);
+    }
+}
+
+void HostWindow::BeginUse(ItemCollection pictures)
+{
+    if (m_plugin)
+    {
+        m_use = std::make_unique<PluginUse>(*m_plugin, m_store, std::move(pictures),
+                                            [this](int level, const std::string &, const std::string &text) {
+                                                m_log->Append(level, text);
+                                            });
+    }
+}
+
+void HostWindow::EndUse(Storing storing)
+{
+    const std::unique_ptr<PluginUse> use = std::move(m_use);
+    try
+    {
+        if (use && use->Finish(storing) == StoreOutcome::KeptNewer)
+        {
+            Tell(LOG_LEVEL_WARNING, IDS_KEPT_NEWER);
+        }
+    }
+    catch (const ProfileError &error)
+    {
+        m_log->Append(LOG_LEVEL_WARNING, error.what());
+    }
+    catch (const HresultError &error)
+    {
+        Tell(LOG_LEVEL_WARNING, IDS_NOT_STORED, error.Code());
+    }
+}
+
+// Its face, name, version and line of state, as it tells them now.
+void HostWindow::ShowPlugin()
+{
+    if (!m_use)
+    {
+        m_controls->SetText(IDC_PLUGIN_NAME, ResourceText(IDS_NO_PLUGIN).c_str());
+        m_controls->SetText(IDC_STATE, ResourceText(IDS_NO_PLUGIN_LINE).c_str());
+        m_isAuthorized = false;
+    }
+    else
+    {
+        IHalvoraPublishingPlugin &plugin = m_use->Plugin();
+        HICON icon = nullptr;
+        if (SUCCEEDED(plugin.GetIcon(&icon)))
+        {
+            SendMessageW((*m_controls)[IDC_PLUGIN_ICON], STM_SETICON, reinterpret_cast<WPARAM>(icon), 0);
+        }
+        const auto text = [&](auto get) { return TextFrom([&](BSTR *out) { return (plugin.*get)(out); }); };
+        m_controls->SetText(IDC_PLUGIN_NAME, text(&IHalvoraPublishingPlugin::GetDisplayName).c_str());
+        m_controls->SetText(IDC_PLUGIN_VERSION, text(&IHalvoraPublishingPlugin::GetVersionInformation).c_str());
+        m_controls->SetText(IDC_STATE, text(&IHalvoraPublishingPlugin::GetDisplayState).c_str());
+        m_isAuthorized = plugin.CanPublish(m_window, FALSE) == S_OK;
+    }
+    m_controls->LayOut();
+    UpdateCommands();
+}
+
+// What a click on a link of the line of state starts. The plug-in shows dialogs, and may be long about it.
+void HostWindow::Configure()
+{
+    if (!CommandsIn(State()).canConfigure || m_isConfiguring)
+    {
+        return;
+    }
+    std::wstring verb = m_verb, parameters;
+    m_isConfiguring = true;
+    UpdateCommands();
+    const HRESULT result = m_use->Plugin().Configure(m_window, verb.data(), parameters.data());
+    m_isConfiguring = false;
+    EndUse(StoringAfter(verb, result));
+    Guarded([&] { BeginUse({}); });
+    TellOutcome(verb, result);
+    ShowPlugin();
+    ShowHint();
+}
+
+void HostWindow::TellOutcome(const std::wstring &verb, HRESULT result)
+{
+    if (lstrcmpiW(verb.c_str(), L"authorize") == 0)
+    {
+        if (FAILED(result))
+        {
+            Tell(LOG_LEVEL_ERROR, IDS_AUTHORIZATION_FAILED, result);
+        }
+        else if (result == S_OK)
+        {
+            Tell(LOG_LEVEL_INFO, IDS_AUTHORIZED);
+        }
+    }
+    else if (FAILED(result))
+    {
+        Tell(LOG_LEVEL_ERROR, IDS_VERB_FAILED, result);
+    }
+    else if (result == S_FALSE)
+    {
+        Tell(LOG_LEVEL_INFO, IDS_REVOKED);
+    }
+}
+
+void HostWindow::BeginRun()
+{
+    EndUse(Storing::UnlessNewer);
+    ItemCollection pictures;
+    pictures.items = m_pictures->Waiting();
+    BeginUse(std::move(pictures));
+    m_phase = RunPhase::Running;
+    UpdateCommands();
+    m_run = std::make_unique<RunThread>(m_use->Plugin(), (*m_controls)[IDC_PROGRESS], (*m_controls)[IDC_STATUS],
+                                        m_window, RunEndMessage);
+}
+
+void HostWindow::CancelRun()
+{
+    m_use->Plugin().Cancel(CommandsIn(State()).isCancelAbrupt);
+    m_phase = AfterCancel(m_phase);
+    if (m_phase == RunPhase::Finishing)
+    {
+        Tell(LOG_LEVEL_INFO, IDS_FINISHING);
+    }
+    UpdateCommands();
+}
+
+void HostWindow::OnRunEnd(HRESULT result)
+{
+    m_run.reset();
+    const bool wasCancelled = m_phase != RunPhase::Running;
+    m_phase = RunPhase::Idle;
+    if (FAILED(result))
+    {
+        Tell(LOG_LEVEL_FATAL, IDS_NOT_STARTED, result);
+    }
+    m_use->RunEnds();
+    m_pictures->MarkEnds(m_use->Record());
+    const std::string summary = m_use->Record().Summarize(wasCancelled, SystemWordsOrNone).text;
+    for (size_t begin = 0; begin < summary.size();)
+    {
+        const size_t end = std::min(summary.find('\n', begin), summary.size());
+        m_log->Append(LOG_LEVEL_INFO, summary.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    EndUse(Storing::UnlessNewer);
+    Guarded([&] { BeginUse({}); });
+    ShowPlugin();
+    if (m_closesAfterRun)
+    {
+        DestroyWindow(m_window);
+    }
+}
