@@ -1,0 +1,97 @@
+// The plug-in's preparation of a picture through the system's imaging component and the real host.
+#include "host/PublishingHost.h"
+
+#include "tests/doubles/SystemModules.h"
+#include "tests/host/SampleFiles.h"
+#include "tests/host/TemporaryFolder.h"
+#include "tests/platform/World.h"
+
+#include "core/Hresult.h"
+#include "host/FileNames.h"
+#include "host/PictureDecoding.h"
+#include "publish/ImagePreparation.h"
+
+#include <gmock/gmock.h>
+
+#include <objbase.h>
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+using namespace std::string_literals;
+
+namespace
+{
+// In the comment of the source, which goes up with the copyright group or not at all.
+constexpr const char *SECRET = "a comment that stays";
+
+std::string BytesOf(IStream *stream)
+{
+    std::string bytes(size_t{1} << 20, '\0');
+    ULONG count = 0;
+    EXPECT_GE(stream->Read(bytes.data(), static_cast<ULONG>(bytes.size()), &count), 0);
+    bytes.resize(count);
+    return bytes;
+}
+
+class PreparedPicture : public testing::Test
+{
+protected:
+    PreparedPicture()
+    {
+        RegisterSystemModules();
+        EXPECT_GE(CoInitializeEx(nullptr, COINIT_MULTITHREADED), 0);
+        MakeSample(m_folder.Path() / "plain.jpg", 96, 64);
+        std::string bytes = m_folder.Read("plain.jpg");
+        bytes.insert(2, "\xFF\xFE\0"s + static_cast<char>(std::string(SECRET).size() + 2) + SECRET);
+        m_folder.Write("source.jpg", bytes);
+    }
+    ~PreparedPicture() override { CoUninitialize(); }
+
+    std::string Prepare(const UploadOptions &options, const char *name = "source.jpg")
+    {
+        ItemTexts texts;
+        const auto path = TextOfPath(m_folder.Path() / name);
+        const auto picture = PrepareJpeg(m_host.Get(), path.c_str(), TEXT("upload"), options, [](DWORD) {}, texts);
+        return BytesOf(picture.Get());
+    }
+
+    TemporaryFolder m_folder;
+    RunRecord m_record{ItemCollection()};
+    std::vector<std::string> m_warnings;
+    ComPtr<PublishingHost> m_host =
+        PublishingHost::Make(m_record, [this](int level, const std::string &, const std::string &message) {
+            if (level >= LOG_LEVEL_WARNING)
+            {
+                m_warnings.push_back(message);
+            }
+        });
+};
+} // namespace
+
+TEST_F(PreparedPicture, IsAPictureOfTheWantedSizeWithoutTheGroupsThatAreOff)
+{
+    for (const UINT32 mode : {SendPixelsIntact, SendProcessed})
+    {
+        SCOPED_TRACE(mode);
+        UploadOptions options;
+        options.Mode = mode;
+        options.LongEdgePixels = mode == SendProcessed ? 48 : 0;
+        const std::string bytes = Prepare(options);
+        EXPECT_THAT(bytes, Not(HasSubstr(SECRET)));
+        const DecodedPicture picture = DecodePicture(m_folder.Write("result.jpg", bytes), 0, nullptr);
+        EXPECT_EQ(picture.width, mode == SendProcessed ? 48u : 96u);
+        EXPECT_EQ(picture.height, mode == SendProcessed ? 32u : 64u);
+    }
+    // Under Wine nothing can be written into the new file; two pictures, one warning.
+    EXPECT_EQ(m_warnings.size(), underWine ? 1u : 0u);
+}
+
+TEST_F(PreparedPicture, ADamagedSourceFailsInWords)
+{
+    m_folder.Write("text.jpg", "no picture");
+    UploadOptions options;
+    options.Mode = SendProcessed;
+    EXPECT_THROW(Prepare(options, "text.jpg"), HresultError);
+    EXPECT_THAT(m_warnings, ElementsAre(HasSubstr("text.jpg is of no kind of picture that is known here")));
+}
