@@ -70,6 +70,8 @@ void HostWindow::EndUse(Storing storing)
 // Its face, name, version and line of state, as it tells them now.
 void HostWindow::ShowPlugin()
 {
+    // Links that the line gets while it is disabled stay so.
+    m_controls->Enable(IDC_STATE, true);
     if (!m_use)
     {
         m_controls->SetText(IDC_PLUGIN_NAME, ResourceText(IDS_NO_PLUGIN).c_str());
