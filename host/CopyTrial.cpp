@@ -116,15 +116,15 @@ private:
 };
 } // namespace
 
-bool ImagingCopiesMetadata() noexcept
+CopiedMetadata TryCopyingMetadata() noexcept
 {
-    static const bool copies = [] {
-        bool found = true;
+    static const CopiedMetadata found = [] {
+        bool copies = false;
         const HRESULT result = AtBoundary([&] {
-            found = Trial().Copies();
+            copies = Trial().Copies();
             return S_OK;
         });
-        return FAILED(result) || found;
+        return FAILED(result) ? CopiedMetadata::Unknown : copies ? CopiedMetadata::Some : CopiedMetadata::None;
     }();
-    return copies;
+    return found;
 }

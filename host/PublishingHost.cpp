@@ -104,7 +104,7 @@ ComPtr<IWICBitmapSource> PublishingHost::ReadPicture(const std::filesystem::path
 void PublishingHost::GoWithoutMetadata(bool processed)
 {
     // What can't be taken out of a copy must not have got into it.
-    if (!processed && ImagingCopiesMetadata())
+    if (!processed && TryCopyingMetadata() != CopiedMetadata::None)
     {
         Tell(LOG_LEVEL_WARNING, "This system's imaging component copies metadata and can't take any out again, so "
                                 "pictures can't go up with their pixels intact. Send them as files or processed.");

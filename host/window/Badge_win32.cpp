@@ -83,12 +83,12 @@ BitmapOwner EmptyFrame(int edge)
     return frame;
 }
 
-BitmapOwner CopyOf(HBITMAP bitmap, int edge)
+BitmapOwner CopyOf(HIMAGELIST images, int image, int edge)
 {
     BitmapOwner copy = NewSquare(edge);
     {
-        const Canvas from(bitmap), to(copy.Get());
-        BitBlt(to.Get(), 0, 0, edge, edge, from.Get(), 0, 0, SRCCOPY);
+        const Canvas canvas(copy.Get());
+        ImageList_Draw(images, image, canvas.Get(), 0, 0, ILD_NORMAL);
     }
     MakeOpaque(copy.Get());
     return copy;

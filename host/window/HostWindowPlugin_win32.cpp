@@ -143,11 +143,17 @@ void HostWindow::BeginRun()
     EndUse(Storing::UnlessNewer);
     ItemCollection pictures;
     pictures.items = m_pictures->Waiting();
-    BeginUse(std::move(pictures));
-    m_phase = RunPhase::Running;
-    UpdateCommands();
+    Guarded([&] { BeginUse(std::move(pictures)); });
+    if (!m_use)
+    {
+        ShowPlugin();
+        return;
+    }
     m_run = std::make_unique<RunThread>(m_use->Plugin(), (*m_controls)[IDC_PROGRESS], (*m_controls)[IDC_STATUS],
                                         m_window, RunEndMessage);
+    m_phase = RunPhase::Running;
+    ShutdownBlockReasonCreate(m_window, ResourceText(IDS_PUBLISHING).c_str());
+    UpdateCommands();
 }
 
 void HostWindow::CancelRun()
@@ -164,6 +170,7 @@ void HostWindow::CancelRun()
 void HostWindow::OnRunEnd(HRESULT result)
 {
     m_run.reset();
+    ShutdownBlockReasonDestroy(m_window);
     const bool wasCancelled = m_phase != RunPhase::Running;
     m_phase = RunPhase::Idle;
     if (FAILED(result))

@@ -161,6 +161,8 @@ LRESULT HostWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam)
             DestroyWindow(m_window);
         }
         return 0;
+    case WM_QUERYENDSESSION:
+        return m_phase == RunPhase::Idle;
     case WM_DESTROY:
         OnDestroy();
         return 0;

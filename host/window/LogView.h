@@ -23,6 +23,7 @@ public:
     // Whether entries of level 0 are seen.
     void ShowDetails(bool details);
 
+    // For the window's present size; a text that is longer can be scrolled to.
     void FitColumns();
 
     // Of the row: for the colour that it is drawn in.
@@ -44,4 +45,5 @@ private:
     std::vector<Entry> m_entries;
     std::vector<int> m_levels;  // row by row
     bool m_details = false;
+    int m_longest = 0;          // pixels of the widest text seen
 };

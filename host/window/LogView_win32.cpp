@@ -54,6 +54,7 @@ void LogView::Show()
         Insert(entry);
         m_entries.push_back(std::move(entry));
     }
+    FitColumns();
     if (m_entries.size() > mostEntries)
     {
         m_entries.erase(m_entries.begin(), m_entries.end() - mostEntries / 2);
@@ -76,6 +77,7 @@ void LogView::Insert(const Entry &entry)
     row.pszText = level.data();
     m_levels.push_back(entry.level);
     ListView_InsertItem(m_list, &row);
+    m_longest = std::max(m_longest, ListView_GetStringWidth(m_list, text.c_str()));
     row.iSubItem = 1;
     row.pszText = text.data();
     ListView_SetItem(m_list, &row);
@@ -87,6 +89,7 @@ void LogView::ShowDetails(bool details)
     SendMessageW(m_list, WM_SETREDRAW, FALSE, 0);
     ListView_DeleteAllItems(m_list);
     m_levels.clear();
+    m_longest = 0;
     for (const Entry &entry : m_entries)
     {
         Insert(entry);
@@ -108,7 +111,7 @@ void LogView::FitColumns()
     GetClientRect(m_list, &area);
     const int whole = area.right - ((GetWindowLongW(m_list, GWL_STYLE) & WS_VSCROLL) != 0 ? 0 : GetSystemMetrics(SM_CXVSCROLL));
     ListView_SetColumnWidth(m_list, 0, widest);
-    ListView_SetColumnWidth(m_list, 1, std::max(whole - widest, widest));
+    ListView_SetColumnWidth(m_list, 1, std::max(whole - widest, m_longest + 4 * GetSystemMetrics(SM_CXEDGE)));
 }
 
 int LogView::LevelOf(size_t row) const

@@ -35,7 +35,8 @@ public:
     std::vector<PictureItem> Waiting() const;
     size_t WaitingCount() const;
 
-    // What became of the items of Waiting, by their places there. The list was not changed meanwhile.
+    // What became of the items of Waiting, by their places there. The list was not changed meanwhile. One
+    // that was not tried stays as it was.
     void MarkEnds(const RunRecord &record);
 
 private:
@@ -44,19 +45,20 @@ private:
         int number;
         PictureItem item;
         std::filesystem::path identity; // of the stem
-        BitmapOwner thumbnail;
-        int image = 0;
+        int image = 0;  // 0: none of its own
         ItemEnd end = ItemEnd::NotTried;
     };
 
     void Insert(const PictureItem &item, const std::filesystem::path &identity);
     Picture *Find(int number);
-    void Draw(Picture &picture);
+    // Takes the thumbnail, and puts on it the badge of what became of the picture.
+    void Show(Picture &picture, HBITMAP thumbnail);
     int RowOf(const Picture &picture) const { return static_cast<int>(&picture - m_pictures.data()); }
 
     const HWND m_view;
     const int m_edge;
-    HIMAGELIST m_images;
+    HIMAGELIST m_images;    // the first is the frame of pictures that have no thumbnail
+    std::vector<int> m_freeImages;
     int m_lastNumber = 0;
     std::vector<Picture> m_pictures;    // row by row
     ThumbnailMaker m_maker;

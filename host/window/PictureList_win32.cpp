@@ -103,6 +103,10 @@ void PictureList::RemoveSelected()
         if (ListView_GetItemState(m_view, row, LVIS_SELECTED) != 0)
         {
             ListView_DeleteItem(m_view, row);
+            if (const int image = m_pictures[static_cast<size_t>(row)].image; image != 0)
+            {
+                m_freeImages.push_back(image);
+            }
             m_pictures.erase(m_pictures.begin() + row);
         }
     }
@@ -134,34 +138,36 @@ void PictureList::ShowThumbnails()
         Picture *const picture = Find(thumbnail.picture);
         if (picture != nullptr && thumbnail.bitmap)
         {
-            picture->thumbnail = std::move(thumbnail.bitmap);
-            Draw(*picture);
+            Show(*picture, thumbnail.bitmap.Get());
         }
     }
 }
 
-// The picture's image, anew: the thumbnail, and on it the badge of what became of it.
-void PictureList::Draw(Picture &picture)
+void PictureList::Show(Picture &picture, HBITMAP thumbnail)
 {
-    BitmapOwner drawn = picture.thumbnail ? CopyOf(picture.thumbnail.Get(), m_edge) : EmptyFrame(m_edge);
     if (picture.end != ItemEnd::NotTried)
     {
-        DrawBadge(drawn.Get(), m_edge, picture.end == ItemEnd::WentUp);
+        DrawBadge(thumbnail, m_edge, picture.end == ItemEnd::WentUp);
+    }
+    if (picture.image == 0 && !m_freeImages.empty())
+    {
+        picture.image = m_freeImages.back();
+        m_freeImages.pop_back();
     }
     if (picture.image == 0)
     {
-        picture.image = std::max(ImageList_Add(m_images, drawn.Get(), nullptr), 0);
-        LVITEMW row{};
-        row.mask = LVIF_IMAGE;
-        row.iItem = RowOf(picture);
-        row.iImage = picture.image;
-        ListView_SetItem(m_view, &row);
+        picture.image = std::max(ImageList_Add(m_images, thumbnail, nullptr), 0);
     }
     else
     {
-        ImageList_Replace(m_images, picture.image, drawn.Get(), nullptr);
+        ImageList_Replace(m_images, picture.image, thumbnail, nullptr);
     }
-    ListView_RedrawItems(m_view, RowOf(picture), RowOf(picture));
+    LVITEMW row{};
+    row.mask = LVIF_IMAGE;
+    row.iItem = RowOf(picture);
+    row.iImage = picture.image;
+    ListView_SetItem(m_view, &row);
+    ListView_RedrawItems(m_view, row.iItem, row.iItem);
 }
 
 std::vector<PictureItem> PictureList::Waiting() const
@@ -189,10 +195,15 @@ void PictureList::MarkEnds(const RunRecord &record)
     size_t index = 0;
     for (Picture &picture : m_pictures)
     {
-        if (picture.end != ItemEnd::WentUp)
+        if (picture.end == ItemEnd::WentUp)
         {
-            picture.end = record.EndOf(index++);
-            Draw(picture);
+            continue;
+        }
+        const ItemEnd end = record.EndOf(index++);
+        if (end != ItemEnd::NotTried)
+        {
+            picture.end = end;
+            Show(picture, CopyOf(m_images, picture.image, m_edge).Get());
         }
     }
 }
