@@ -2,6 +2,7 @@
 #include "tests/hostwindow/TrialPlugin.h"
 
 #include "host/InitData.h"
+#include "host/window/HostWindow.h"
 #include "host/window/resource.h"
 #include "tests/host/SampleFiles.h"
 #include "tests/host/TemporaryFolder.h"
@@ -144,9 +145,44 @@ TEST_F(HostWithoutPlugin, RemovesWhatIsSelected)
     EXPECT_FALSE(host.IsEnabled(IDC_REMOVE));
     host.Choose(ID_SELECT_ALL);
     EXPECT_TRUE(host.AwaitEnabled(IDC_REMOVE, true));
-    host.Press(IDC_REMOVE);
+    PostMessageW(host.Part(IDC_PICTURES), WM_KEYDOWN, VK_DELETE, 1);
     EXPECT_TRUE(WaitFor([&] { return host.Rows(IDC_PICTURES).empty(); }));
     EXPECT_TRUE(host.AwaitEnabled(IDC_REMOVE, false));
+}
+
+TEST_F(HostWithoutPlugin, OpensFilesByTheSystemsDialog)
+{
+    const HostProgram host(Profile(), {});
+    host.Press(IDC_ADD);
+    const HWND dialog = host.AwaitQuestion();
+    ASSERT_NE(dialog, nullptr);
+    PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+    EXPECT_TRUE(WaitFor([&] { return !IsWindow(dialog); }));
+    EXPECT_TRUE(host.Rows(IDC_PICTURES).empty());
+}
+
+// In the test's own program: what is dropped lies in its memory.
+TEST_F(HostWithoutPlugin, TakesWhatIsDropped)
+{
+    Sample("folder/two.png");
+    Sample("folder/deeper/three.jpg");
+    const std::wstring names = Sample("one.jpg").wstring() + L'\0' + (m_folder.Path() / "folder").wstring() + L'\0';
+    const size_t bytes = (names.size() + 1) * sizeof(wchar_t);
+    const HGLOBAL drop = GlobalAlloc(GHND, sizeof(DROPFILES) + bytes);
+    auto *const content = static_cast<DROPFILES *>(GlobalLock(drop));
+    content->pFiles = sizeof(DROPFILES);
+    content->fWide = TRUE;
+    memcpy(content + 1, names.c_str(), bytes);
+    GlobalUnlock(drop);
+
+    CoInitialize(nullptr);
+    {
+        const ::Profile profile(Profile());
+        const HostWindow host(profile);
+        SendMessageW(host.Get(), WM_DROPFILES, reinterpret_cast<WPARAM>(drop), 0); // which frees it
+        EXPECT_EQ(SendDlgItemMessageW(host.Get(), IDC_PICTURES, LVM_GETITEMCOUNT, 0, 0), 3);
+    }
+    CoUninitialize();
 }
 
 TEST_F(HostWithPlugin, ShowsItAndAsksForAuthorization)
@@ -184,6 +220,7 @@ TEST_F(HostRun, PublishesAndMarksWhatBecameOfEach)
     host.Press(IDC_PUBLISH);
     EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Picture 1 of 3"));
     EXPECT_TRUE(host.IsAlive());
+    EXPECT_FALSE(SendMessageW(host.Window(), WM_QUERYENDSESSION, 0, 0)) << "the user's session ends under the run";
     EXPECT_TRUE(host.AwaitEnabled(IDC_CANCEL, true));
     EXPECT_FALSE(host.IsEnabled(IDC_PUBLISH));
     EXPECT_FALSE(host.IsEnabled(IDC_ADD));
@@ -199,6 +236,12 @@ TEST_F(HostRun, PublishesAndMarksWhatBecameOfEach)
     EXPECT_THAT(host.Log(), testing::Not(HasSubstr(L"Extensions are"))) << "details are not asked for";
     host.Press(IDC_DETAILS);
     EXPECT_TRUE(host.AwaitLog(L"Extensions are jpg"));
+
+    EXPECT_TRUE(SendMessageW(host.Window(), WM_QUERYENDSESSION, 0, 0));
+
+    // Badges: green for what went up, red for what failed.
+    EXPECT_GT(CountPixels(host.Part(IDC_PICTURES), RGB(16, 124, 16)), 300u);
+    EXPECT_GT(CountPixels(host.Part(IDC_PICTURES), RGB(196, 43, 28)), 150u);
 
     // What went up doesn't go up again.
     EXPECT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
