@@ -36,6 +36,7 @@ fail() {
 }
 await_file() { for _ in $(seq 600); do [ ! -f "$1" ] || return 0; sleep 0.1; done; fail "$2"; }
 
+end_windows() { WINEPREFIX=$HALVORA_WINEPREFIX wineserver -k || true; WINEPREFIX=$HALVORA_WINEPREFIX wineserver -w; }
 windows() { "$root/tools/run-wine" "$@" </dev/null 2>/dev/null; }
 driver() { "$root/tools/run-wine" "$driver_program" "$@" </dev/null 2>"$work/driver.log" || fail "host-driver $*"; }
 windows_path() { printf 'Z:%s' "${1//\//\\}"; }
@@ -88,6 +89,7 @@ export PATH="$root/tools/person:$PATH" HALVORA_BROWSER=$work/browser HALVORA_ANS
     windows reg add 'HKCU\Software\Wine\Explorer' /v Desktop /d Trial /f
     windows reg add 'HKCU\Software\Wine\Explorer\Desktops' /v Trial /d 1280x1024 /f
 } 7>&- >/dev/null
+end_windows # so that the next program makes that desktop
 cp /usr/share/wine/fonts/*.ttf "$HALVORA_WINEPREFIX/drive_c/windows/Fonts/"
 driver trust
 
@@ -107,7 +109,7 @@ driver has-class "$publisher"
 # Three pictures, one with a name of many letters, opened with the host.
 from=/usr/share/backgrounds/mate/nature
 cp "$from/Dune.jpg" "$from/LadyBird.jpg" "$work/pictures"
-cp "$from/RainDrops.jpg" "$work/pictures/Regen 雨のしずく.jpg"
+cp "$from/RainDrops.jpg" "$work/pictures/Regen für später.jpg"
 files=()
 for file in "$work/pictures"/*; do files+=("$(windows_path "$file")"); done
 program='C:\users\'$(id -un)'\AppData\Local\Halvora\Publish to Flickr\halvora.exe'
@@ -150,19 +152,22 @@ driver await-end "$sheet_window"
 shows "$state" 'Send JPEG files intact'
 picture host-96
 
-# A run that is stopped while a picture is under way: what hadn't arrived is still to do.
-fault 'kind=slow' -d 'rate=100000' -d 'target=upload' "${HALVORA_LOOPBACK_GALLERY}_loopback/faults"
+# A run that is stopped while the second picture is under way: what hadn't arrived is still to do.
+fault 'kind=stall' -d 'skip=1' -d 'after=100000' -d 'ms=600000' -d 'target=upload' \
+    "${HALVORA_LOOPBACK_GALLERY}_loopback/faults"
 driver press "$main_window" "$publish"
-shows "$status" 'Published 0 of 3'
+for _ in $(seq 300); do [ "$(uploads | jq length)" = 0 ] || break; sleep 0.1; done
+shows "$status" 'Published 2 of 3'
 picture host-run-96
 driver press "$main_window" "$cancel"
 driver press "$main_window" "$cancel"
+shows "$status" 'Cancelled, aborted uploads.'
 driver await-button "$main_window" "$publish"
-[ "$(uploads | jq length)" = 0 ] || fail 'a picture arrived though the run was stopped'
+[ "$(uploads | jq length)" = 1 ] || fail 'a picture arrived though the run was stopped'
 
 # What arrives is what was sent, each once.
 driver press "$main_window" "$publish"
-shows "$status" 'Everything here is published'
+shows "$status" 'Done.'
 [ "$(uploads | jq length)" = 3 ] || fail "not three uploads: $(uploads | jq -c '[.[].title]')"
 for file in "$work/pictures"/*; do
     sum=$(sha256sum <"$file")
@@ -186,7 +191,6 @@ holders() { # TEXT
     done < <(find "$HALVORA_WINEPREFIX" -type f -newer "$work/stamp" -print0)
 }
 end_host
-end_windows() { WINEPREFIX=$HALVORA_WINEPREFIX wineserver -k || true; WINEPREFIX=$HALVORA_WINEPREFIX wineserver -w; }
 end_windows # which writes the registry's files
 mapfile -t found < <(holders "$token")
 [ ${#found[@]} -eq 1 ] || fail "the token is in ${#found[@]} files: ${found[*]}"
