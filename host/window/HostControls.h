@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <string>
+
 class HostControls
 {
 public:
@@ -14,7 +16,8 @@ public:
 
     HWND operator[](int id) const { return GetDlgItem(m_window, id); }
 
-    void SetText(int id, const wchar_t *text) const;
+    // Draws nothing where the text is the same.
+    void SetText(int id, const std::wstring &text) const;
     void Enable(int id, bool enabled) const;
 
     // For the window's present size.

@@ -56,7 +56,7 @@ HostControls::HostControls(HWND window)
     Make(IDC_CANCEL, L"Button", IDS_CANCEL, WS_TABSTOP);
     Make(IDC_PROGRESS, PROGRESS_CLASSW, 0, 0);
     Make(IDC_STATUS, L"Static", 0, text);
-    Make(IDC_LOG, WC_LISTVIEWW, 0, WS_TABSTOP | LVS_REPORT | LVS_NOCOLUMNHEADER | LVS_SINGLESEL, WS_EX_CLIENTEDGE);
+    Make(IDC_LOG, WC_LISTVIEWW, 0, WS_TABSTOP | LVS_REPORT | LVS_NOCOLUMNHEADER | LVS_SHOWSELALWAYS, WS_EX_CLIENTEDGE);
     Make(IDC_DETAILS, L"Button", IDS_DETAILS, WS_TABSTOP | BS_AUTOCHECKBOX);
 }
 
@@ -77,9 +77,15 @@ HWND HostControls::Make(int id, const wchar_t *kind, unsigned text, DWORD style,
     return control;
 }
 
-void HostControls::SetText(int id, const wchar_t *text) const
+void HostControls::SetText(int id, const std::wstring &text) const
 {
-    SetDlgItemTextW(m_window, id, text);
+    const HWND control = (*this)[id];
+    std::wstring present(static_cast<size_t>(GetWindowTextLengthW(control)) + 1, L'\0');
+    present.resize(static_cast<size_t>(GetWindowTextW(control, present.data(), static_cast<int>(present.size()))));
+    if (text != present)
+    {
+        SetWindowTextW(control, text.c_str());
+    }
 }
 
 // A control that has the focus and can't be used any more would take the keyboard with it.

@@ -66,6 +66,7 @@ private:
 
     InitDataStore m_store;
     HWND m_window = nullptr;
+    HWND m_focus = nullptr; // the control that had it when the window was left
     std::optional<HostControls> m_controls;
     std::optional<LogView> m_log;
     std::optional<PictureList> m_pictures;

@@ -74,8 +74,8 @@ void HostWindow::ShowPlugin()
     m_controls->Enable(IDC_STATE, true);
     if (!m_use)
     {
-        m_controls->SetText(IDC_PLUGIN_NAME, ResourceText(IDS_NO_PLUGIN).c_str());
-        m_controls->SetText(IDC_STATE, ResourceText(IDS_NO_PLUGIN_LINE).c_str());
+        m_controls->SetText(IDC_PLUGIN_NAME, ResourceText(IDS_NO_PLUGIN));
+        m_controls->SetText(IDC_STATE, ResourceText(IDS_NO_PLUGIN_LINE));
         m_isAuthorized = false;
     }
     else
@@ -87,9 +87,9 @@ void HostWindow::ShowPlugin()
             SendMessageW((*m_controls)[IDC_PLUGIN_ICON], STM_SETICON, reinterpret_cast<WPARAM>(icon), 0);
         }
         const auto text = [&](auto get) { return TextFrom([&](BSTR *out) { return (plugin.*get)(out); }); };
-        m_controls->SetText(IDC_PLUGIN_NAME, text(&IHalvoraPublishingPlugin::GetDisplayName).c_str());
-        m_controls->SetText(IDC_PLUGIN_VERSION, text(&IHalvoraPublishingPlugin::GetVersionInformation).c_str());
-        m_controls->SetText(IDC_STATE, text(&IHalvoraPublishingPlugin::GetDisplayState).c_str());
+        m_controls->SetText(IDC_PLUGIN_NAME, text(&IHalvoraPublishingPlugin::GetDisplayName));
+        m_controls->SetText(IDC_PLUGIN_VERSION, text(&IHalvoraPublishingPlugin::GetVersionInformation));
+        m_controls->SetText(IDC_STATE, text(&IHalvoraPublishingPlugin::GetDisplayState));
         m_isAuthorized = plugin.CanPublish(m_window, FALSE) == S_OK;
     }
     m_controls->LayOut();

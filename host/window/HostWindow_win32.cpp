@@ -3,6 +3,7 @@
 #include "host/FileNames.h"
 #include "host/SystemWords.h"
 #include "host/TextEncodings.h"
+#include "host/window/Clipboard.h"
 #include "host/window/OpenPictures.h"
 #include "host/window/WindowText.h"
 #include "host/window/resource.h"
@@ -128,8 +129,14 @@ LRESULT HostWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam)
             reinterpret_cast<MINMAXINFO *>(lParam)->ptMinTrackSize = {smallest.cx, smallest.cy};
         }
         return 0;
+    case WM_ACTIVATE:
+        if (LOWORD(wParam) == WA_INACTIVE)
+        {
+            m_focus = GetFocus();
+        }
+        return DefWindowProcW(m_window, message, wParam, lParam);
     case WM_SETFOCUS:
-        SetFocus((*m_controls)[IDC_PICTURES]);
+        SetFocus(IsChild(m_window, m_focus) && IsWindowEnabled(m_focus) ? m_focus : (*m_controls)[IDC_PICTURES]);
         return 0;
     case WM_COMMAND:
         if (HIWORD(wParam) <= 1) // of a button, or an accelerator's
@@ -208,7 +215,10 @@ void HostWindow::OnCommand(int id)
         }
         break;
     case ID_SELECT_ALL:
-        m_pictures->SelectAll();
+        GetFocus() == (*m_controls)[IDC_LOG] ? m_log->SelectAll() : m_pictures->SelectAll();
+        break;
+    case ID_COPY_LOG:
+        CopyToClipboard(m_window, m_log->SelectedText());
         break;
     case IDC_PUBLISH:
         if (commands.canPublish)
@@ -253,6 +263,11 @@ LRESULT HostWindow::OnNotify(const NMHDR &header)
         }
         return 0;
     case IDC_LOG:
+        if (header.code == LVN_KEYDOWN && reinterpret_cast<const NMLVKEYDOWN &>(header).wVKey == 'C' &&
+            GetKeyState(VK_CONTROL) < 0)
+        {
+            OnCommand(ID_COPY_LOG);
+        }
         return header.code == NM_CUSTOMDRAW ? DrawLogRow(reinterpret_cast<const NMCUSTOMDRAW &>(header)) : 0;
     default:
         return 0;
@@ -366,7 +381,7 @@ void HostWindow::UpdateCommands()
     m_controls->Enable(IDC_REMOVE, commands.canRemove && !m_isConfiguring);
     m_controls->Enable(IDC_PUBLISH, commands.canPublish && !m_isConfiguring);
     m_controls->Enable(IDC_STATE, commands.canConfigure && !m_isConfiguring);
-    m_controls->SetText(IDC_CANCEL, ResourceText(commands.isCancelAbrupt ? IDS_STOP_NOW : IDS_CANCEL).c_str());
+    m_controls->SetText(IDC_CANCEL, ResourceText(commands.isCancelAbrupt ? IDS_STOP_NOW : IDS_CANCEL));
     m_controls->Enable(IDC_CANCEL, commands.canCancel);
 }
 
@@ -375,7 +390,7 @@ void HostWindow::ShowHint()
     const HostState state = State();
     if (state.phase == RunPhase::Idle)
     {
-        m_controls->SetText(IDC_STATUS, ResourceText(HintIn(state), std::to_wstring(state.waiting)).c_str());
+        m_controls->SetText(IDC_STATUS, ResourceText(HintIn(state), std::to_wstring(state.waiting)));
     }
 }
 

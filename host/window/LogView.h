@@ -20,6 +20,11 @@ public:
     // On the window's thread: takes over what was appended.
     void Show();
 
+    void SelectAll();
+
+    // The selected rows, each a line: the level's word if it has one, and the text.
+    std::wstring SelectedText() const;
+
     // Whether entries of level 0 are seen.
     void ShowDetails(bool details);
 
@@ -36,6 +41,7 @@ private:
         std::wstring text;
     };
 
+    bool IsSeen(const Entry &entry) const { return entry.level > 0 || m_details; }
     void Insert(const Entry &entry);
 
     const HWND m_list;

@@ -65,7 +65,7 @@ void LogView::Show()
 
 void LogView::Insert(const Entry &entry)
 {
-    if (entry.level <= 0 && !m_details)
+    if (!IsSeen(entry))
     {
         return;
     }
@@ -81,6 +81,30 @@ void LogView::Insert(const Entry &entry)
     row.iSubItem = 1;
     row.pszText = text.data();
     ListView_SetItem(m_list, &row);
+}
+
+void LogView::SelectAll()
+{
+    ListView_SetItemState(m_list, -1, LVIS_SELECTED, LVIS_SELECTED);
+}
+
+std::wstring LogView::SelectedText() const
+{
+    std::wstring text;
+    size_t row = 0;
+    for (const Entry &entry : m_entries)
+    {
+        if (!IsSeen(entry))
+        {
+            continue;
+        }
+        if (ListView_GetItemState(m_list, static_cast<int>(row++), LVIS_SELECTED) != 0)
+        {
+            const std::wstring level = LevelText(entry.level);
+            text += (level.empty() ? level : level + L": ") + entry.text + L"\r\n";
+        }
+    }
+    return text;
 }
 
 void LogView::ShowDetails(bool details)

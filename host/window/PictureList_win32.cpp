@@ -39,6 +39,7 @@ PictureList::PictureList(HWND view, int edge, UINT thumbnailMessage)
     : m_view(view), m_edge(edge), m_images(ImageList_Create(edge, edge, ILC_COLOR32, 16, 16)),
       m_maker(edge, GetParent(view), thumbnailMessage)
 {
+    ListView_SetExtendedListViewStyle(m_view, LVS_EX_DOUBLEBUFFER);
     ListView_SetImageList(m_view, m_images, LVSIL_NORMAL);
     const BitmapOwner empty = EmptyFrame(m_edge);
     ImageList_Add(m_images, empty.Get(), nullptr);

@@ -16,6 +16,7 @@
 #define IDC_LOG 130
 #define IDC_DETAILS 131
 #define ID_SELECT_ALL 140
+#define ID_COPY_LOG 141
 
 #define IDS_TITLE 1000
 #define IDS_ADD 1001

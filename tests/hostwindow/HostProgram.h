@@ -41,6 +41,8 @@ public:
     void Choose(int command) const { PostMessageW(m_window, WM_COMMAND, static_cast<WPARAM>(command), 0); }
     void Follow(int id, const std::wstring &link) const;
 
+    void SelectLog() const;
+
     // Whether its thread takes a message within two seconds.
     bool IsAlive() const;
 

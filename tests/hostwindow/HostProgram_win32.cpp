@@ -213,6 +213,15 @@ void HostProgram::Follow(int id, const std::wstring &link) const
     ADD_FAILURE() << "There is no such link.";
 }
 
+void HostProgram::SelectLog() const
+{
+    LVITEMW state{};
+    state.state = state.stateMask = LVIS_SELECTED;
+    OtherMemory memory(m_process.Get(), sizeof(state));
+    memory.Write(&state, sizeof(state));
+    SendMessageW(Part(IDC_LOG), LVM_SETITEMSTATE, static_cast<WPARAM>(-1), memory.Pointer());
+}
+
 bool HostProgram::IsAlive() const
 {
     DWORD_PTR ignored = 0;

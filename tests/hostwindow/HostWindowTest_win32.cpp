@@ -108,6 +108,23 @@ size_t CountPixels(HWND part, COLORREF colour)
     return static_cast<size_t>(count);
 }
 
+std::wstring ClipboardText()
+{
+    std::wstring text;
+    if (OpenClipboard(nullptr))
+    {
+        const HANDLE content = GetClipboardData(CF_UNICODETEXT);
+        const auto *const words = content != nullptr ? static_cast<const wchar_t *>(GlobalLock(content)) : nullptr;
+        if (words != nullptr)
+        {
+            text = words;
+            GlobalUnlock(content);
+        }
+        CloseClipboard();
+    }
+    return text;
+}
+
 RECT PlaceIn(HWND window, HWND part)
 {
     RECT place = PlaceOf(part);
@@ -236,6 +253,11 @@ TEST_F(HostRun, PublishesAndMarksWhatBecameOfEach)
     EXPECT_THAT(host.Log(), testing::Not(HasSubstr(L"Extensions are"))) << "details are not asked for";
     host.Press(IDC_DETAILS);
     EXPECT_TRUE(host.AwaitLog(L"Extensions are jpg"));
+
+    host.SelectLog();
+    host.Choose(ID_COPY_LOG);
+    EXPECT_TRUE(WaitFor([] { return ClipboardText().find(L"Error: Could not publish") != std::wstring::npos; }));
+    EXPECT_THAT(ClipboardText(), HasSubstr(L"\r\nDetail: Extensions are jpg\r\n"));
 
     EXPECT_TRUE(SendMessageW(host.Window(), WM_QUERYENDSESSION, 0, 0));
 
