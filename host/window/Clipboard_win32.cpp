@@ -25,18 +25,27 @@ public:
 private:
     const bool m_isOpen;
 };
+
+bool Fill(HGLOBAL memory, const std::wstring &text)
+{
+    auto *const place = memory != nullptr ? static_cast<wchar_t *>(GlobalLock(memory)) : nullptr;
+    if (place == nullptr)
+    {
+        return false;
+    }
+    const GlobalLockOwner locked(memory);
+    std::copy_n(text.c_str(), text.size() + 1, place);
+    return true;
+}
 } // namespace
 
 void CopyToClipboard(HWND owner, const std::wstring &text)
 {
     GlobalMemoryOwner memory(GlobalAlloc(GMEM_MOVEABLE, (text.size() + 1) * sizeof(wchar_t)));
-    auto *const place = memory ? static_cast<wchar_t *>(GlobalLock(memory.Get())) : nullptr;
-    if (text.empty() || place == nullptr)
+    if (text.empty() || !Fill(memory.Get(), text))
     {
         return;
     }
-    std::copy_n(text.c_str(), text.size() + 1, place);
-    GlobalUnlock(memory.Get());
     const OpenClipboardOf clipboard(owner);
     if (clipboard && EmptyClipboard() && SetClipboardData(CF_UNICODETEXT, memory.Get()) != nullptr)
     {

@@ -41,8 +41,7 @@ private:
     void Guarded(const std::function<void()> &act);
     void OnCreate();
     void OnCommand(int id);
-    LRESULT OnNotify(const NMHDR &header);
-    LRESULT DrawLogRow(const NMCUSTOMDRAW &drawing) const;
+    LRESULT OnNotify(NMHDR &header);
     void OnDrop(HDROP drop);
     bool OnClose();
     void OnDestroy();

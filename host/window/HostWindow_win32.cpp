@@ -19,10 +19,6 @@ constexpr UINT thumbnailMessage = WM_APP + 1;
 constexpr UINT logMessage = WM_APP + 2;
 constexpr UINT configureMessage = WM_APP + 4;
 
-constexpr COLORREF errorColour = RGB(176, 32, 20);
-constexpr COLORREF warningColour = RGB(150, 90, 0);
-constexpr COLORREF detailColour = RGB(110, 110, 110);
-
 struct Drop
 {
     explicit Drop(HDROP handle) : handle(handle) {}
@@ -145,7 +141,7 @@ LRESULT HostWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam)
         }
         return 0;
     case WM_NOTIFY:
-        Guarded([&] { result = OnNotify(*reinterpret_cast<const NMHDR *>(lParam)); });
+        Guarded([&] { result = OnNotify(*reinterpret_cast<NMHDR *>(lParam)); });
         return result;
     case WM_DROPFILES:
         Guarded([&] { OnDrop(reinterpret_cast<HDROP>(wParam)); });
@@ -240,7 +236,7 @@ void HostWindow::OnCommand(int id)
     }
 }
 
-LRESULT HostWindow::OnNotify(const NMHDR &header)
+LRESULT HostWindow::OnNotify(NMHDR &header)
 {
     switch (header.idFrom)
     {
@@ -268,28 +264,10 @@ LRESULT HostWindow::OnNotify(const NMHDR &header)
         {
             OnCommand(ID_COPY_LOG);
         }
-        return header.code == NM_CUSTOMDRAW ? DrawLogRow(reinterpret_cast<const NMCUSTOMDRAW &>(header)) : 0;
+        return header.code == NM_CUSTOMDRAW && m_log ? m_log->Draw(reinterpret_cast<NMLVCUSTOMDRAW &>(header)) : 0;
     default:
         return 0;
     }
-}
-
-LRESULT HostWindow::DrawLogRow(const NMCUSTOMDRAW &drawing) const
-{
-    if (drawing.dwDrawStage == CDDS_PREPAINT)
-    {
-        return CDRF_NOTIFYITEMDRAW;
-    }
-    if (drawing.dwDrawStage == CDDS_ITEMPREPAINT && m_log)
-    {
-        const int level = m_log->LevelOf(drawing.dwItemSpec);
-        auto &row = const_cast<NMLVCUSTOMDRAW &>(reinterpret_cast<const NMLVCUSTOMDRAW &>(drawing));
-        row.clrText = level >= LOG_LEVEL_ERROR     ? errorColour
-                      : level == LOG_LEVEL_WARNING ? warningColour
-                      : level <= LOG_LEVEL_VERBOSE ? detailColour
-                                                   : GetSysColor(COLOR_WINDOWTEXT);
-    }
-    return CDRF_DODEFAULT;
 }
 
 void HostWindow::OnDrop(HDROP handle)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <windows.h>
+#include <commctrl.h>
 
 #include <mutex>
 #include <string>
@@ -31,8 +32,8 @@ public:
     // For the window's present size; a text that is longer can be scrolled to.
     void FitColumns();
 
-    // Of the row: for the colour that it is drawn in.
-    int LevelOf(size_t row) const;
+    // Answers the list's question how to draw: in colours of the levels.
+    LRESULT Draw(NMLVCUSTOMDRAW &drawing) const;
 
 private:
     struct Entry

@@ -4,7 +4,7 @@
 #include "host/window/WindowText.h"
 #include "host/window/resource.h"
 
-#include <commctrl.h>
+#include "HostContract.h"
 
 #include <algorithm>
 #include <utility>
@@ -12,6 +12,10 @@
 namespace
 {
 constexpr size_t mostEntries = 10000;
+
+constexpr COLORREF errorColour = RGB(176, 32, 20);
+constexpr COLORREF warningColour = RGB(150, 90, 0);
+constexpr COLORREF detailColour = RGB(110, 110, 110);
 
 std::wstring LevelText(int level)
 {
@@ -138,7 +142,16 @@ void LogView::FitColumns()
     ListView_SetColumnWidth(m_list, 1, std::max(whole - widest, m_longest + 4 * GetSystemMetrics(SM_CXEDGE)));
 }
 
-int LogView::LevelOf(size_t row) const
+LRESULT LogView::Draw(NMLVCUSTOMDRAW &drawing) const
 {
-    return row < m_levels.size() ? m_levels[row] : 1;
+    const size_t row = drawing.nmcd.dwItemSpec;
+    if (drawing.nmcd.dwDrawStage == CDDS_ITEMPREPAINT && row < m_levels.size())
+    {
+        const int level = m_levels[row];
+        drawing.clrText = level >= LOG_LEVEL_ERROR     ? errorColour
+                          : level == LOG_LEVEL_WARNING ? warningColour
+                          : level <= LOG_LEVEL_VERBOSE ? detailColour
+                                                       : GetSysColor(COLOR_WINDOWTEXT);
+    }
+    return drawing.nmcd.dwDrawStage == CDDS_PREPAINT ? CDRF_NOTIFYITEMDRAW : CDRF_DODEFAULT;
 }
