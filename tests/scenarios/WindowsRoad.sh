@@ -58,7 +58,7 @@ await_file "$work/env" 'the service did not start'
 # shellcheck disable=SC1091
 . "$work/env"
 export HALVORA_LOOPBACK_PORT HALVORA_CA_FILE
-mkdir "$work/partner" "$work/pictures"
+mkdir "$work/partner"
 mkfifo "$work/leash"
 leads=()
 for name in api.flickr.com www.flickr.com up.flickr.com authorization.halvora.example; do
@@ -106,12 +106,14 @@ modules=(Halvora.Publishing.Plugin.Flickr Halvora.WebComponents)
 for module in "${modules[@]}"; do windows regsvr32 /s "$(windows_path "$installed/$module.dll")"; done
 driver has-class "$publisher"
 
-# Three pictures, one with a name of many letters, opened with the host.
+# Three pictures, one with letters of its own in its name, opened with the host.
 from=/usr/share/backgrounds/mate/nature
-cp "$from/Dune.jpg" "$from/LadyBird.jpg" "$work/pictures"
-cp "$from/RainDrops.jpg" "$work/pictures/Regen für später.jpg"
+pictures=$HALVORA_WINEPREFIX/drive_c/Pictures
+mkdir "$pictures"
+cp "$from/Dune.jpg" "$from/LadyBird.jpg" "$pictures"
+cp "$from/RainDrops.jpg" "$pictures/Regen für später.jpg"
 files=()
-for file in "$work/pictures"/*; do files+=("$(windows_path "$file")"); done
+for file in "$pictures"/*; do files+=("C:\\Pictures\\${file##*/}"); done
 program='C:\users\'$(id -un)'\AppData\Local\Halvora\Publish to Flickr\halvora.exe'
 : >"$work/stamp"
 start_host() {
@@ -169,11 +171,12 @@ driver await-button "$main_window" "$publish"
 driver press "$main_window" "$publish"
 shows "$status" 'Done.'
 [ "$(uploads | jq length)" = 3 ] || fail "not three uploads: $(uploads | jq -c '[.[].title]')"
-for file in "$work/pictures"/*; do
+for file in "$pictures"/*; do
     sum=$(sha256sum <"$file")
     uploads | jq -e --arg sum "${sum%% *}" 'any(.sha256 == $sum)' >/dev/null ||
         fail "${file##*/} did not arrive as it is"
 done
+uploads | jq -e 'any(.file_name == "Regen für später.jpg")' >/dev/null || fail 'the name did not arrive as it is'
 
 # The token pair lies where the host keeps the account, and in no other file of this Windows: as UTF-8, as
 # UTF-16, or as the numbers of a registry file.
