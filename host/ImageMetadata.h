@@ -13,6 +13,10 @@
 // blocks that can't be read. Damage within a block costs what it hit and is no failure.
 HRESULT ReadMetadata(const std::filesystem::path &file, ImageTexts &texts, MetadataSnapshot *groups) noexcept;
 
+// Whether the system can read the metadata of JPEG files at all. Where it can't, a reading finds nothing,
+// which is no failure.
+bool CanReadMetadata() noexcept;
+
 inline HRESULT ReadImageTexts(const std::filesystem::path &file, ImageTexts &texts) noexcept
 {
     return ReadMetadata(file, texts, nullptr);

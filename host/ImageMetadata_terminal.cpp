@@ -275,3 +275,8 @@ HRESULT ReadMetadata(const std::filesystem::path &file, ImageTexts &texts, Metad
         return S_OK;
     });
 }
+
+bool CanReadMetadata() noexcept
+{
+    return true;
+}

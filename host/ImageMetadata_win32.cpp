@@ -2,6 +2,7 @@
 
 #include "host/Apartment_win32.h"
 #include "host/FrameMetadata.h"
+#include "host/ImagingTrial.h"
 #include "host/WholeFile.h"
 
 #include "core/ComPtr.h"
@@ -49,4 +50,10 @@ HRESULT ReadMetadata(const std::filesystem::path &file, ImageTexts &texts, Metad
         }
         return S_OK;
     });
+}
+
+bool CanReadMetadata() noexcept
+{
+    const Apartment apartment;
+    return TryReadingMetadata();
 }

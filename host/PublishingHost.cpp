@@ -1,8 +1,8 @@
 #include "host/PublishingHost.h"
 
-#include "host/CopyTrial.h"
 #include "host/FileNames.h"
 #include "host/ImageMetadata.h"
+#include "host/ImagingTrial.h"
 #include "host/MetadataWriting.h"
 #include "host/PictureSource.h"
 #include "host/TextEncodings.h"
@@ -132,6 +132,11 @@ STDMETHODIMP PublishingHost::ReadImageMetadata(LPCWSTR path, INT32, INT32 longEd
     }
     return AtBoundary([&] {
         const std::filesystem::path file = PathOfText(path);
+        if (!CanReadMetadata() && !m_toldOfNoReading.exchange(true))
+        {
+            Tell(LOG_LEVEL_WARNING, "This system's imaging component can't read the metadata of JPEG files: texts in them "
+                                    "aren't used, and pictures are taken as they lie.");
+        }
         ImageTexts texts;
         const auto groups = std::make_shared<MetadataSnapshot>();
         const HRESULT read = ReadMetadata(file, texts, groups.get());

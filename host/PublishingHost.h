@@ -53,5 +53,6 @@ private:
     GlobalMemoryOwner m_list;
     MetadataSnapshots m_snapshots;
     PicturesAhead m_ahead;
+    std::atomic<bool> m_toldOfNoReading = false;
     std::atomic<bool> m_toldOfNoWriting = false;
 };

@@ -285,6 +285,10 @@ void HostWindow::OnDrop(HDROP handle)
     {
         AddPictures(paths);
     }
+    else
+    {
+        Tell(LOG_LEVEL_WARNING, IDS_NOT_NOW);
+    }
 }
 
 void HostWindow::AddPictures(const std::vector<std::filesystem::path> &paths)
@@ -293,6 +297,8 @@ void HostWindow::AddPictures(const std::vector<std::filesystem::path> &paths)
     {
         return;
     }
+    // A large folder takes its time; the cursor changes back with the next move.
+    SetCursor(LoadCursorW(nullptr, IDC_WAIT));
     const ItemCollection collection = CollectItems(paths, true);
     for (const RefusedFile &refused : collection.refused)
     {

@@ -17,6 +17,15 @@ constexpr COLORREF errorColour = RGB(176, 32, 20);
 constexpr COLORREF warningColour = RGB(150, 90, 0);
 constexpr COLORREF detailColour = RGB(110, 110, 110);
 
+// A person who chose colours for the whole system gets those.
+bool HasOwnColours()
+{
+    HIGHCONTRASTW contrast{};
+    contrast.cbSize = sizeof(contrast);
+    return SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof(contrast), &contrast, 0) != FALSE &&
+           (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
+}
+
 std::wstring LevelText(int level)
 {
     return ResourceText(static_cast<unsigned>(IDS_LEVEL_VERBOSE + std::clamp(level, 0, 4)));
@@ -145,7 +154,7 @@ void LogView::FitColumns()
 LRESULT LogView::Draw(NMLVCUSTOMDRAW &drawing) const
 {
     const size_t row = drawing.nmcd.dwItemSpec;
-    if (drawing.nmcd.dwDrawStage == CDDS_ITEMPREPAINT && row < m_levels.size())
+    if (drawing.nmcd.dwDrawStage == CDDS_ITEMPREPAINT && row < m_levels.size() && !HasOwnColours())
     {
         const int level = m_levels[row];
         drawing.clrText = level >= LOG_LEVEL_ERROR     ? errorColour

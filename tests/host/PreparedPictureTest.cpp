@@ -15,7 +15,6 @@
 
 #include <objbase.h>
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 using namespace std::string_literals;
@@ -83,8 +82,9 @@ TEST_F(PreparedPicture, IsAPictureOfTheWantedSizeWithoutTheGroupsThatAreOff)
         EXPECT_EQ(picture.width, mode == SendProcessed ? 48u : 96u);
         EXPECT_EQ(picture.height, mode == SendProcessed ? 32u : 64u);
     }
-    // Under Wine nothing can be written into the new file; two pictures, one warning.
-    EXPECT_EQ(m_warnings.size(), underWine ? 1u : 0u);
+    // Under Wine nothing can be read of the source or written into the new file; one warning of each for
+    // both pictures.
+    EXPECT_EQ(m_warnings.size(), underWine ? 2u : 0u);
 }
 
 TEST_F(PreparedPicture, ADamagedSourceFailsInWords)
@@ -93,5 +93,6 @@ TEST_F(PreparedPicture, ADamagedSourceFailsInWords)
     UploadOptions options;
     options.Mode = SendProcessed;
     EXPECT_THROW(Prepare(options, "text.jpg"), HresultError);
-    EXPECT_THAT(m_warnings, ElementsAre(HasSubstr("text.jpg is of no kind of picture that is known here")));
+    ASSERT_FALSE(m_warnings.empty());
+    EXPECT_THAT(m_warnings.back(), HasSubstr("text.jpg is of no kind of picture that is known here"));
 }

@@ -1,4 +1,4 @@
-#include "host/CopyTrial.h"
+#include "host/ImagingTrial.h"
 
 #include "tests/doubles/SystemModules.h"
 #include "tests/platform/World.h"
@@ -7,10 +7,11 @@
 
 #include <objbase.h>
 
-TEST(CopyTrial, TellsWhatTheImagingComponentDoes)
+TEST(ImagingTrial, TellsWhatTheComponentDoes)
 {
     RegisterSystemModules();
     ASSERT_GE(CoInitializeEx(nullptr, COINIT_MULTITHREADED), 0);
     EXPECT_EQ(TryCopyingMetadata(), underWine ? CopiedMetadata::None : CopiedMetadata::Some);
+    EXPECT_EQ(TryReadingMetadata(), !underWine);
     CoUninitialize();
 }

@@ -1,6 +1,8 @@
-#include "host/CopyTrial.h"
+#include "host/ImagingTrial.h"
 
+#include "host/FrameMetadata.h"
 #include "host/PictureSource.h"
+#include "host/TextEncodings.h"
 
 #include "core/Hresult.h"
 
@@ -51,6 +53,30 @@ public:
 
     bool Copies()
     {
+        const ComPtr<IWICBitmapFrameDecode> frame = MarkedFrame();
+        const auto blocks = QueryFor<IWICMetadataBlockReader>(frame.Get());
+        return Encode(frame.Get(), blocks.Get()).find(MARK) != std::string::npos;
+    }
+
+    bool Reads()
+    {
+        ComPtr<IWICMetadataQueryReader> reader;
+        ImageTexts texts;
+        ThrowIfFailed(MarkedFrame()->GetMetadataQueryReader(reader.Put()));
+        ReadFrameMetadata(*reader.Get(), texts, nullptr);
+        return Utf8FromText(texts.description) == MARK;
+    }
+
+private:
+    static ComPtr<IStream> NewStream()
+    {
+        ComPtr<IStream> stream;
+        ThrowIfFailed(CreateStreamOnHGlobal(nullptr, TRUE, stream.Put()));
+        return stream;
+    }
+
+    ComPtr<IWICBitmapFrameDecode> MarkedFrame()
+    {
         const auto grey = std::make_shared<const DecodedPicture>(
             DecodedPicture{16, 16, 96, 96, std::vector<BYTE>(size_t{16} * 16 * 3, 0x80)});
         std::string marked = Encode(MakePictureSource(grey).Get(), nullptr);
@@ -64,16 +90,7 @@ public:
         ThrowIfFailed(decoder->Initialize(file.Get(), WICDecodeMetadataCacheOnDemand));
         ComPtr<IWICBitmapFrameDecode> frame;
         ThrowIfFailed(decoder->GetFrame(0, frame.Put()));
-        const auto blocks = QueryFor<IWICMetadataBlockReader>(frame.Get());
-        return Encode(frame.Get(), blocks.Get()).find(MARK) != std::string::npos;
-    }
-
-private:
-    static ComPtr<IStream> NewStream()
-    {
-        ComPtr<IStream> stream;
-        ThrowIfFailed(CreateStreamOnHGlobal(nullptr, TRUE, stream.Put()));
-        return stream;
+        return frame;
     }
 
     static std::string BytesOf(IStream *stream)
@@ -127,4 +144,17 @@ CopiedMetadata TryCopyingMetadata() noexcept
         return FAILED(result) ? CopiedMetadata::Unknown : copies ? CopiedMetadata::Some : CopiedMetadata::None;
     }();
     return found;
+}
+
+bool TryReadingMetadata() noexcept
+{
+    static const bool reads = [] {
+        bool found = false;
+        const HRESULT result = AtBoundary([&] {
+            found = Trial().Reads();
+            return S_OK;
+        });
+        return SUCCEEDED(result) && found;
+    }();
+    return reads;
 }
