@@ -8,9 +8,10 @@
 
 #include <objbase.h>
 
-#include <array>
+#include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace
 {
@@ -183,7 +184,7 @@ public:
         if (const auto block = value.Block())
         {
             QueryValue chosen;
-            return chosen.Read(*block.Get(), TEXT("/x-default")) ? FirstOf(chosen.Texts()) : FirstOf(Elements(*block.Get()));
+            return FirstOf(chosen.Read(*block.Get(), TEXT("/x-default")) ? chosen.Texts() : Elements(*block.Get()));
         }
         return FirstOf(value.Texts());
     }

@@ -96,8 +96,9 @@ ImageTexts ChooseTexts(const MetadataTexts &blocks)
     texts.credit = FirstText({blocks.Xmp(TEXT("photoshop:Credit")), blocks.Iptc(Dataset::Credit)});
     for (const IptcTextPlace &place : IPTC_TEXT_PLACES)
     {
+        const bool hasDataset = place.dataset.name != nullptr;
         texts.places[place.number] =
-            FirstText({blocks.Xmp(place.property), place.dataset.name != nullptr ? blocks.Iptc(place.dataset) : WideText()});
+            FirstText({blocks.Xmp(place.property), hasDataset ? blocks.Iptc(place.dataset) : WideText()});
     }
     return texts;
 }

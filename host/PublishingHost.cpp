@@ -112,8 +112,8 @@ void PublishingHost::GoWithoutMetadata(bool processed)
     }
     if (!m_toldOfNoWriting.exchange(true))
     {
-        Tell(LOG_LEVEL_WARNING, "This system's imaging component can't write metadata: converted pictures go up without "
-                                "any, and those that only their metadata turns upright stay as they lie.");
+        Tell(LOG_LEVEL_WARNING, "This system's imaging component can't write metadata: converted pictures go up "
+                                "without any, and those that only their metadata turns upright stay as they lie.");
     }
 }
 
@@ -134,8 +134,8 @@ STDMETHODIMP PublishingHost::ReadImageMetadata(LPCWSTR path, INT32, INT32 longEd
         const std::filesystem::path file = PathOfText(path);
         if (!CanReadMetadata() && !m_toldOfNoReading.exchange(true))
         {
-            Tell(LOG_LEVEL_WARNING, "This system's imaging component can't read the metadata of JPEG files: texts in them "
-                                    "aren't used, and pictures are taken as they lie.");
+            Tell(LOG_LEVEL_WARNING, "This system's imaging component can't read the metadata of JPEG files: texts in "
+                                    "them aren't used, and pictures are taken as they lie.");
         }
         ImageTexts texts;
         const auto groups = std::make_shared<MetadataSnapshot>();

@@ -117,7 +117,8 @@ TEST(FrameMetadata, AlternativesAndListsAreBlocksOfTheirOwn)
     const ImageTexts texts = TextsOf({
         {TEXT("/xmp/dc:title"), Block::Make(Values{{TEXT("/x-default"), TEXT("Titel")}, {TEXT("/en"), TEXT("title")}})},
         {TEXT("/xmp/dc:subject"),
-         Block::Make(Values{{TEXT("/{ulong=0}"), TEXT("a")}, {TEXT("/{ulong=1}"), TEXT("")}, {TEXT("/{ulong=2}"), TEXT("b")}})},
+         Block::Make(Values{
+             {TEXT("/{ulong=0}"), TEXT("a")}, {TEXT("/{ulong=1}"), TEXT("")}, {TEXT("/{ulong=2}"), TEXT("b")}})},
         {TEXT("/xmp/dc:rights"), Block::Make(Values{{TEXT("/{ulong=0}"), TEXT("mine")}})},
         {TEXT("/xmp/photoshop:City"), TEXT("Ulm \0")},
     });
