@@ -40,7 +40,7 @@ end_windows() { WINEPREFIX=$HALVORA_WINEPREFIX wineserver -k || true; WINEPREFIX
 windows() { "$root/tools/run-wine" "$@" </dev/null 2>/dev/null; }
 driver() { "$root/tools/run-wine" "$driver_program" "$@" </dev/null 2>"$work/driver.log" || fail "host-driver $*"; }
 windows_path() { printf 'Z:%s' "${1//\//\\}"; }
-control() { sed -nE "s/^#define $1 +([0-9]+).*/\1/p" "$root/host/window/resource.h"; }
+control() { sed -nE "s/^#define $1 +([0-9]+).*/\1/p" "$root/host/window/resource.h" "$root/resources/resource.h"; }
 admin() { curl -sS --noproxy '*' "$@"; }
 uploads() { admin "${HALVORA_LOOPBACK_GALLERY}_loopback/uploads"; }
 fault() { admin --data-urlencode "$@" >/dev/null; }
@@ -146,10 +146,11 @@ sheet() {
     driver await "$sheet_window"
 }
 sheet_window='Publish to Flickr'
+ok=1
 sheet
 driver page "$sheet_window" 2
-driver press "$sheet_window" 215
-driver press "$sheet_window" 1
+driver press "$sheet_window" "$(control IDC_MODE_AS_IS)"
+driver press "$sheet_window" $ok
 driver await-end "$sheet_window"
 shows "$state" 'Send JPEG files intact'
 picture host-96
@@ -206,13 +207,18 @@ start_host
 shows "$state" 'Send JPEG files intact'
 sheet
 driver page "$sheet_window" 4
-driver press "$sheet_window" 237
-driver press "$sheet_window" 1
+driver press "$sheet_window" "$(control IDC_REVOKE)"
+driver press "$sheet_window" $ok
 driver await-end "$sheet_window"
 shows "$state" 'needs your permission'
 end_host
+end_windows
+for secret in "${pair[@]}"; do
+    holder=$(holders "$secret")
+    [ -z "$holder" ] || fail "a secret stands in $holder"
+done
 
-# Away again: nothing but the settings stays, no secret, no copy of a picture.
+# Away again: nothing but the settings stays, and no copy of a picture.
 for module in "${modules[@]}"; do windows regsvr32 /s /u "$(windows_path "$installed/$module.dll")"; done
 (cd "$work/unpacked"/* && windows cmd /c uninstall.cmd /quiet) >"$work/out" || fail 'uninstall.cmd fails'
 [ ! -e "$home/Halvora" ] || fail "left: $(find "$home/Halvora")"
@@ -223,12 +229,9 @@ for hive in user system; do
         tolower(key $0) ~ /halvora|46519402|bfb39c79|20fb81f4|bf23f6e1|c6338984/ { print key " " $0 }' \
         "$HALVORA_WINEPREFIX/$hive.reg"
 done | tr -d '\r' >"$work/left"
-! grep -vi '^\[Software\\\\TRNQ\\\\Halvora' "$work/left" >"$work/out" || fail 'left in the registry'
+! grep -vi '^\[Software\\\\TRNQ\\\\Halvora\\\\Publishing\\\\Plugins\\\\{46519402' "$work/left" >"$work/out" ||
+    fail 'left in the registry'
 grep -qi 'Plugins\\\\{46519402' "$work/left" || fail 'the settings are gone too'
-for secret in "${pair[@]}"; do
-    holder=$(holders "$secret")
-    [ -z "$holder" ] || fail "a secret stands in $holder"
-done
 copies=$(find "$HALVORA_WINEPREFIX/drive_c/users" "$HALVORA_WINEPREFIX/drive_c/windows/temp" -ipath '*/temp/*' -type f)
 [ -z "$copies" ] || fail "left: $copies"
 echo 'Installed, authorized, published, cancelled, revoked, removed.'
