@@ -44,12 +44,28 @@ WideText UserText(const char *subkey, const WCHAR *value = nullptr)
     return ClassText(HKEY_CURRENT_USER, "Software\\Classes\\", subkey, value);
 }
 
-TEST(WebComponentsModule, RegistersAndUnregistersItsClasses)
+using Register = HRESULT(STDAPICALLTYPE *)();
+using Install = HRESULT(STDAPICALLTYPE *)(BOOL install, LPCWSTR commandLine);
+
+// Leaves nothing registered to other tests, which may share the registry.
+class WebComponentsModule : public testing::Test
 {
-    using Unregister = HRESULT(STDAPICALLTYPE *)();
-    const auto unregister = reinterpret_cast<Unregister>(ModuleFunction(Module, "DllUnregisterServer"));
-    ASSERT_NE(unregister, nullptr);
-    ASSERT_TRUE(RegisterModule(Module));
+protected:
+    void SetUp() override { ASSERT_TRUE(m_register != nullptr && m_unregister != nullptr && m_install != nullptr); }
+    void TearDown() override
+    {
+        EXPECT_EQ(m_unregister(), S_OK);
+        EXPECT_EQ(m_install(FALSE, TEXT("user")), S_OK);
+    }
+
+    const Register m_register = reinterpret_cast<Register>(ModuleFunction(Module, "DllRegisterServer"));
+    const Register m_unregister = reinterpret_cast<Register>(ModuleFunction(Module, "DllUnregisterServer"));
+    const Install m_install = reinterpret_cast<Install>(ModuleFunction(Module, "DllInstall"));
+};
+
+TEST_F(WebComponentsModule, RegistersAndUnregistersItsClasses)
+{
+    ASSERT_EQ(m_register(), S_OK);
     EXPECT_EQ(MachineText("\\InprocServer32", TEXT("ThreadingModel")), TEXT("Both"));
     EXPECT_EQ(MachineText("\\InprocServer32"), Wide(ModulePath(Module)));
     for (const CLSID &clsid : {CLSID_OAuthWebClient, CLSID_RequestParameters, CLSID_MultipartFormData})
@@ -57,32 +73,25 @@ TEST(WebComponentsModule, RegistersAndUnregistersItsClasses)
         ComPtr<IUnknown> object;
         EXPECT_EQ(CoCreateInstance(clsid, nullptr, 23, __uuidof(IUnknown), object.PutVoid()), S_OK);
     }
-    EXPECT_EQ(unregister(), S_OK);
+    EXPECT_EQ(m_unregister(), S_OK);
     EXPECT_EQ(MachineText(""), TEXT("(none)"));
-    EXPECT_EQ(unregister(), S_OK); // nothing left to do is no failure
-    ASSERT_TRUE(RegisterModule(Module));
+    EXPECT_EQ(m_unregister(), S_OK); // nothing left to do is no failure
 }
 
-TEST(WebComponentsModule, RegistersForOneUserAlone)
+TEST_F(WebComponentsModule, RegistersForOneUserAlone)
 {
-    using Install = HRESULT(STDAPICALLTYPE *)(BOOL install, LPCWSTR commandLine);
-    using Unregister = HRESULT(STDAPICALLTYPE *)();
-    const auto install = reinterpret_cast<Install>(ModuleFunction(Module, "DllInstall"));
-    const auto unregister = reinterpret_cast<Unregister>(ModuleFunction(Module, "DllUnregisterServer"));
-    ASSERT_TRUE(install != nullptr && unregister != nullptr);
-    EXPECT_EQ(unregister(), S_OK);
-    EXPECT_EQ(install(TRUE, TEXT("User")), S_OK);
+    EXPECT_EQ(m_install(TRUE, TEXT("User")), S_OK);
     EXPECT_EQ(UserText("\\InprocServer32"), Wide(ModulePath(Module)));
     EXPECT_EQ(UserText("\\InprocServer32", TEXT("ThreadingModel")), TEXT("Both"));
     EXPECT_EQ(MachineText(""), TEXT("(none)"));
     // Each scope is taken back for itself.
-    EXPECT_EQ(install(TRUE, nullptr), S_OK);
-    EXPECT_EQ(install(FALSE, TEXT("user")), S_OK);
+    EXPECT_EQ(m_install(TRUE, nullptr), S_OK);
+    EXPECT_EQ(m_install(FALSE, TEXT("user")), S_OK);
     EXPECT_EQ(UserText(""), TEXT("(none)"));
     EXPECT_EQ(MachineText("\\InprocServer32"), Wide(ModulePath(Module)));
 }
 
-TEST(WebComponentsModule, KnowsWhenItMayBeUnloaded)
+TEST_F(WebComponentsModule, KnowsWhenItMayBeUnloaded)
 {
     using GetClassObject = HRESULT(STDAPICALLTYPE *)(REFCLSID, REFIID, void **);
     const auto getClassObject = reinterpret_cast<GetClassObject>(ModuleFunction(Module, "DllGetClassObject"));
