@@ -9,6 +9,7 @@
 //     host-driver await-text CAPTION ID TEXT   until the control's text has TEXT in it
 //     host-driver await-button CAPTION ID      until the control can be pressed
 //     host-driver await-rows CAPTION ID COUNT  until the list has so many rows
+//     host-driver screen                       all texts of all windows
 //     host-driver texts CAPTION                all texts of the window, by lines
 //     host-driver text CAPTION ID
 //     host-driver press CAPTION ID             without waiting for what comes of it
@@ -18,7 +19,7 @@
 //     host-driver close CAPTION
 //     host-driver picture CAPTION FILE         a PNG of the window as it stands on the screen
 //
-// Ends with 0 when it is done, with 1 when it can't be, and then says what the screen shows instead.
+// Ends with 0 when it is done, with 1 when it can't be.
 #include "core/ComPtr.h"
 #include "tests/sheet/WindowPicture.h"
 #include "tests/webclient/TrustedAuthority.h"
@@ -245,6 +246,15 @@ void Say(const std::wstring &text)
     fwrite(bytes.data(), 1, bytes.size(), stdout);
 }
 
+// What a person would see.
+void TellScreen()
+{
+    for (const HWND window : TopWindows())
+    {
+        Say(L"on the screen: " + AllTexts(window));
+    }
+}
+
 using Arguments = std::vector<std::wstring>;
 
 struct Command
@@ -273,6 +283,7 @@ const Command commands[] = {
          const HWND list = Part(a[0], a[1]);
          Await(a[2] + L" rows", [&] { return SendMessageW(list, LVM_GETITEMCOUNT, 0, 0) == std::stoi(a[2]); });
      }},
+    {L"screen", 0, [](const Arguments &) { TellScreen(); }},
     {L"texts", 1, [](const Arguments &a) { Say(AllTexts(Top(a[0]))); }},
     {L"text", 2, [](const Arguments &a) { Say(TextOf(Part(a[0], a[1]))); }},
     {L"press", 2, [](const Arguments &a) { Press(Part(a[0], a[1])); }},
@@ -282,16 +293,6 @@ const Command commands[] = {
     {L"close", 1, [](const Arguments &a) { PostMessageW(Top(a[0]), WM_CLOSE, 0, 0); }},
     {L"picture", 2, [](const Arguments &a) { Check(WriteWindowPicture(Top(a[0]), Utf8(a[1])), L"no picture"); }},
 };
-
-// What a person would see, for the log of a failed trial.
-void TellScreen()
-{
-    for (const HWND window : TopWindows())
-    {
-        const std::string texts = Utf8(AllTexts(window));
-        fprintf(stderr, "on the screen: %s\n", texts.c_str());
-    }
-}
 } // namespace
 
 int main()
@@ -316,7 +317,6 @@ int main()
     catch (const Failure &failure)
     {
         fprintf(stderr, "host-driver: %s\n", Utf8(failure.words).c_str());
-        TellScreen();
         return 1;
     }
 }

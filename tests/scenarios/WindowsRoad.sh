@@ -29,7 +29,8 @@ finish() {
 trap finish EXIT
 fail() {
     printf 'FAILED: %s\n' "$1" >&2
-    for log in "$work"/out "$work"/driver.log "$work"/host.log "$work"/browser/person.log; do
+    "$root/tools/run-wine" "$driver_program" screen </dev/null >"$work/screen.log" 2>/dev/null || true
+    for log in "$work"/out "$work"/driver.log "$work"/host.log "$work"/browser/person.log "$work/screen.log"; do
         [ ! -s "$log" ] || { echo "--- ${log##*/}" >&2; tail -n 60 "$log" >&2; }
     done
     exit 1
@@ -135,6 +136,7 @@ start_host
 shows "$state" 'needs your permission'
 driver follow "$main_window" "$state" authorize
 driver answer 'Authorize Halvora Professional' 1
+await_file "$work/browser/person.log" 'no browser was started'
 await_file "$work/browser/answered" 'nobody has answered in the browser'
 grep -qF 'May Halvora upload photos to your account?' "$work/browser/page.txt" || fail 'the browser shows another page'
 driver answer 'Authorization Completion' 1
