@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The product's file: only the system's libraries, five exports by ordinal, and the protections that Windows
+# A module's file: only the system's libraries, five exports by ordinal, and the protections that Windows
 # gives a module that asks for them.
 #     InspectModule.sh DLL
 set -u
@@ -8,7 +8,7 @@ complain() { echo "$1"; failed=1; }
 headers=$(x86_64-w64-mingw32-objdump -p "$1") || exit 1
 sections=$(x86_64-w64-mingw32-objdump -h "$1") || exit 1
 
-system=' advapi32 comctl32 dwmapi gdi32 kernel32 msimg32 msvcrt ole32 oleaut32 shell32 shlwapi user32 version winhttp windowscodecs '
+system=' advapi32 bcrypt comctl32 dwmapi gdi32 kernel32 msimg32 msvcrt ole32 oleaut32 shell32 shlwapi user32 version winhttp windowscodecs '
 libraries=$(sed -n 's/^\tDLL Name: \(.*\)\.[dD][lL][lL]$/\1/p' <<<"$headers" | tr '[:upper:]' '[:lower:]')
 [ -n "$libraries" ] || complain 'no import table found'
 for library in $libraries; do
