@@ -56,6 +56,7 @@ public:
     // The last item is over.
     void RunEnds();
 
+    // Any thread. An item that is running counts as not tried.
     ItemEnd EndOf(size_t index) const;
 
     // Counts, and each file that did not go up with the reason.

@@ -142,7 +142,7 @@ void HostWindow::BeginRun()
 {
     EndUse(Storing::UnlessNewer);
     ItemCollection pictures;
-    pictures.items = m_pictures->Waiting();
+    pictures.items = m_pictures->BeginRun();
     Guarded([&] { BeginUse(std::move(pictures)); });
     if (!m_use)
     {

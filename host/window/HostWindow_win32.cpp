@@ -151,6 +151,10 @@ LRESULT HostWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam)
         return 0;
     case logMessage:
         m_log->Show();
+        if (m_run)
+        {
+            m_pictures->MarkEnds(m_use->Record());
+        }
         return 0;
     case RunEndMessage:
         Guarded([&] { OnRunEnd(static_cast<HRESULT>(wParam)); });

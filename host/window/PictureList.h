@@ -31,12 +31,13 @@ public:
     size_t Count() const { return m_pictures.size(); }
     size_t SelectedCount() const;
 
-    // Those that didn't go up yet, in the order of the list, as the next run takes them.
-    std::vector<PictureItem> Waiting() const;
+    // Those that didn't go up yet.
     size_t WaitingCount() const;
 
-    // What became of the items of Waiting, by their places there. The list was not changed meanwhile. One
-    // that was not tried stays as it was.
+    // The same for a run that begins, in the order of the list, which isn't changed while the run goes on.
+    std::vector<PictureItem> BeginRun();
+
+    // What has become of the items of BeginRun by now. One that was not tried stays as it was.
     void MarkEnds(const RunRecord &record);
 
 private:
@@ -61,5 +62,6 @@ private:
     std::vector<int> m_freeImages;
     int m_lastNumber = 0;
     std::vector<Picture> m_pictures;    // row by row
+    std::vector<size_t> m_run;          // the rows of the run's items
     ThumbnailMaker m_maker;
 };

@@ -171,19 +171,6 @@ void PictureList::Show(Picture &picture, HBITMAP thumbnail)
     ListView_RedrawItems(m_view, row.iItem, row.iItem);
 }
 
-std::vector<PictureItem> PictureList::Waiting() const
-{
-    std::vector<PictureItem> waiting;
-    for (const Picture &picture : m_pictures)
-    {
-        if (picture.end != ItemEnd::WentUp)
-        {
-            waiting.push_back(picture.item);
-        }
-    }
-    return waiting;
-}
-
 size_t PictureList::WaitingCount() const
 {
     return static_cast<size_t>(std::count_if(m_pictures.begin(), m_pictures.end(), [](const Picture &picture) {
@@ -191,17 +178,28 @@ size_t PictureList::WaitingCount() const
     }));
 }
 
+std::vector<PictureItem> PictureList::BeginRun()
+{
+    std::vector<PictureItem> waiting;
+    m_run.clear();
+    for (const Picture &picture : m_pictures)
+    {
+        if (picture.end != ItemEnd::WentUp)
+        {
+            m_run.push_back(static_cast<size_t>(RowOf(picture)));
+            waiting.push_back(picture.item);
+        }
+    }
+    return waiting;
+}
+
 void PictureList::MarkEnds(const RunRecord &record)
 {
-    size_t index = 0;
-    for (Picture &picture : m_pictures)
+    for (size_t i = 0; i < m_run.size(); ++i)
     {
-        if (picture.end == ItemEnd::WentUp)
-        {
-            continue;
-        }
-        const ItemEnd end = record.EndOf(index++);
-        if (end != ItemEnd::NotTried)
+        Picture &picture = m_pictures[m_run[i]];
+        const ItemEnd end = record.EndOf(i);
+        if (end != ItemEnd::NotTried && end != picture.end)
         {
             picture.end = end;
             Show(picture, CopyOf(m_images, picture.image, m_edge).Get());

@@ -74,6 +74,8 @@ TEST_F(PublishingHostTest, GivesTheItemsAndTheirRecords)
     const BstrOwner extensions = BstrOwner::Adopt(record.Extensions);
     EXPECT_EQ(path.View(), TEXT("/p/caf") + WideText(1, 0xDCE9));
     EXPECT_EQ(extensions.View(), TEXT("tif;jpg"));
+    EXPECT_EQ(m_record.EndOf(0), ItemEnd::NotTried) << "it is running";
+    m_record.RunEnds();
     EXPECT_EQ(m_record.EndOf(0), ItemEnd::WentUp);
     EXPECT_EQ(m_record.EndOf(1), ItemEnd::NotTried);
     EXPECT_EQ(m_host->GetItemRecord(3, &record), E_INVALIDARG);
@@ -101,6 +103,7 @@ TEST_F(PublishingHostTest, LogEntriesReachSinkAndRecord)
     EXPECT_EQ(m_host->WriteLogEntry(3, TEXT("Flickr"), TEXT("größe")), S_OK);
     EXPECT_EQ(m_host->WriteLogEntry(1, nullptr, nullptr), S_OK);
     EXPECT_THAT(m_log, ElementsAre("3 Flickr: größe", "1 : "));
+    m_record.RunEnds();
     EXPECT_EQ(m_record.EndOf(1), ItemEnd::Failed);
 }
 

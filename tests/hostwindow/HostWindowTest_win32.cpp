@@ -242,11 +242,17 @@ TEST_F(HostRun, PublishesAndMarksWhatBecameOfEach)
     EXPECT_FALSE(host.IsEnabled(IDC_PUBLISH));
     EXPECT_FALSE(host.IsEnabled(IDC_ADD));
     EXPECT_TRUE(WaitFor([&] { return SendMessageW(host.Part(IDC_PROGRESS), PBM_GETPOS, 0, 0) == 50; }));
-    for (const wchar_t *next : {L"Picture 2 of 3", L"Picture 3 of 3", L"Trial done."})
-    {
-        LetOnePictureEnd();
-        EXPECT_TRUE(host.AwaitText(IDC_STATUS, next));
-    }
+    // Badges: green for what went up, red for what failed, each when it is over.
+    const auto pixels = [&](COLORREF colour) { return CountPixels(host.Part(IDC_PICTURES), colour); };
+    const COLORREF green = RGB(16, 124, 16), red = RGB(196, 43, 28);
+    LetOnePictureEnd();
+    EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Picture 2 of 3"));
+    EXPECT_TRUE(WaitFor([&] { return pixels(green) > 150; }));
+    EXPECT_EQ(pixels(red), 0u);
+    LetOnePictureEnd();
+    EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Picture 3 of 3"));
+    LetOnePictureEnd();
+    EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Trial done."));
     EXPECT_TRUE(host.AwaitLog(L"Published 2 of 3 pictures"));
     EXPECT_THAT(host.Log(), HasSubstr(L"bad.jpg"));
     EXPECT_THAT(host.Log(), HasSubstr(L"The trial wants better pictures."));
@@ -261,9 +267,8 @@ TEST_F(HostRun, PublishesAndMarksWhatBecameOfEach)
 
     EXPECT_TRUE(SendMessageW(host.Window(), WM_QUERYENDSESSION, 0, 0));
 
-    // Badges: green for what went up, red for what failed.
-    EXPECT_GT(CountPixels(host.Part(IDC_PICTURES), RGB(16, 124, 16)), 300u);
-    EXPECT_GT(CountPixels(host.Part(IDC_PICTURES), RGB(196, 43, 28)), 150u);
+    EXPECT_GT(pixels(green), 300u);
+    EXPECT_GT(pixels(red), 150u);
 
     // What went up doesn't go up again.
     EXPECT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
