@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # The Debian package on a machine that has never seen it: CleanDebian.sh PACKAGE
-# A minimal Debian 12 comes from the mirror into a folder that goes when the trial ends; apt installs the
-# package there, a user publishes, and apt takes it away. Takes minutes; as root.
+# A minimal Debian 12 comes from its usual mirror, or from that of HALVORA_DEBIAN_MIRROR (a line of a list of
+# sources), into a folder that goes when the trial ends; apt installs the package there, a user publishes, and
+# apt takes it away. Takes minutes; as root.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 package=$(readlink -f "$1")
