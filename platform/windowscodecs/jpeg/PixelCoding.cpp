@@ -311,9 +311,10 @@ bool RowDecoder::CheckAll(ULONGLONG coefficientLimit)
     });
     std::vector<BYTE> row(size_t{decoder.output_width} * decoder.output_components);
     BYTE *const start = row.data();
-    Guard(state.Trap, [&decoder, start] {
+    Guard(state.Trap, [&state, &decoder, start] {
         JSAMPROW rows[1] = {start};
-        while (decoder.output_scanline < decoder.output_height)
+        // Damage once seen is enough: the rest of a large picture would be made up from nothing.
+        while (decoder.output_scanline < decoder.output_height && !state.Trap.Damaged)
         {
             jpeg_read_scanlines(&decoder, rows, 1);
         }
