@@ -1,14 +1,9 @@
 #include "account/SystemProxy.h"
 
+#include "core/InternetHandleOwner.h"
+
 namespace
 {
-struct InternetHandlePolicy
-{
-    using Handle = HINTERNET;
-    static Handle Empty() noexcept { return nullptr; }
-    static void Free(Handle handle) noexcept { WinHttpCloseHandle(handle); }
-};
-
 // The code of a call that failed, which is never 0.
 DWORD FailureCode()
 {
@@ -31,7 +26,7 @@ public:
     }
 
 private:
-    HandleOwner<InternetHandlePolicy> m_session{
+    InternetHandleOwner m_session{
         WinHttpOpen(TEXT("Halvora"), WINHTTP_ACCESS_TYPE_DEFAULT_PROXY, nullptr, nullptr, 0)};
 };
 } // namespace

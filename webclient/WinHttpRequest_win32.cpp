@@ -2,12 +2,12 @@
 
 #include "core/Hresult.h"
 
-WinHttpRequest::WinHttpRequest(InternetHandle handle)
+WinHttpRequest::WinHttpRequest(InternetHandleOwner handle)
     : m_state(std::make_shared<State>()), m_context(nullptr), m_handle(std::move(handle))
 {
     auto context = std::make_unique<std::shared_ptr<State>>(m_state);
     auto value = reinterpret_cast<DWORD_PTR>(context.get());
-    if (!WinHttpSetOption(m_handle.get(), WINHTTP_OPTION_CONTEXT_VALUE, &value, sizeof(value)))
+    if (!WinHttpSetOption(m_handle.Get(), WINHTTP_OPTION_CONTEXT_VALUE, &value, sizeof(value)))
     {
         ThrowHresult(HRESULT_FROM_WIN32(GetLastError()));
     }
@@ -16,7 +16,7 @@ WinHttpRequest::WinHttpRequest(InternetHandle handle)
 
 WinHttpRequest::~WinHttpRequest()
 {
-    m_handle.reset();
+    m_handle.Reset();
     std::unique_lock guard(m_state->lock);
     m_state->changed.wait_for(guard, std::chrono::milliseconds(500), [this] { return m_state->isClosed; });
 }

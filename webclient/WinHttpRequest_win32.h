@@ -2,6 +2,7 @@
 // which then waits for the end of each; WinHTTP tells the ends on threads of its own.
 #pragma once
 
+#include "core/InternetHandleOwner.h"
 #include "core/ModuleLocks.h"
 #include "core/WideText.h"
 
@@ -14,12 +15,6 @@
 #include <mutex>
 #include <optional>
 #include <vector>
-
-struct InternetHandleCloser
-{
-    void operator()(HINTERNET handle) const noexcept { WinHttpCloseHandle(handle); }
-};
-using InternetHandle = std::unique_ptr<void, InternetHandleCloser>;
 
 class WinHttpRequest
 {
@@ -43,13 +38,13 @@ public:
 
     // Takes a handle that no operation has been started on, from a session with OnStatus for its callback.
     // HRESULT is thrown.
-    explicit WinHttpRequest(InternetHandle handle);
+    explicit WinHttpRequest(InternetHandleOwner handle);
     // Ends whatever is under way, and waits for a short while until WinHTTP has let go.
     ~WinHttpRequest();
     WinHttpRequest(const WinHttpRequest &) = delete;
     WinHttpRequest &operator=(const WinHttpRequest &) = delete;
 
-    HINTERNET Get() const noexcept { return m_handle.get(); }
+    HINTERNET Get() const noexcept { return m_handle.Get(); }
 
     // BufferSize bytes, what Write takes and Read fills. Not to be touched while one of them is under way.
     char *Buffer() noexcept;
@@ -84,5 +79,5 @@ private:
     // WinHTTP holds a share of its own, which it gives back with the last call of OnStatus.
     std::shared_ptr<State> m_state;
     std::shared_ptr<State> *m_context;
-    InternetHandle m_handle;
+    InternetHandleOwner m_handle;
 };

@@ -23,13 +23,13 @@ constexpr DWORD AnswerTimeLimit = 7; // WINHTTP_OPTION_RECEIVE_RESPONSE_TIMEOUT
 // Header lines in the form that WinHTTP wants, wiped like the text that they were made of.
 using SecretWideText = std::vector<WCHAR, WipingAllocator<WCHAR>>;
 
-InternetHandle Opened(HINTERNET handle)
+InternetHandleOwner Opened(HINTERNET handle)
 {
     if (handle == nullptr)
     {
         ThrowHresult(HRESULT_FROM_WIN32(GetLastError()));
     }
-    return InternetHandle(handle);
+    return InternetHandleOwner(handle);
 }
 
 // A proxy that was set for all programs of the computer goes ahead of the user's settings.
@@ -45,7 +45,7 @@ bool HasComputerProxy()
     return proxy.dwAccessType == WINHTTP_ACCESS_TYPE_NAMED_PROXY;
 }
 
-InternetHandle OpenSession()
+InternetHandleOwner OpenSession()
 {
     const auto open = [](DWORD access) {
         return WinHttpOpen(nullptr, access, WINHTTP_NO_PROXY_NAME, WINHTTP_NO_PROXY_BYPASS, WINHTTP_FLAG_ASYNC);
@@ -55,16 +55,16 @@ InternetHandle OpenSession()
     {
         session = open(WINHTTP_ACCESS_TYPE_DEFAULT_PROXY);
     }
-    InternetHandle opened = Opened(session);
-    WinHttpSetStatusCallback(opened.get(), WinHttpRequest::OnStatus,
+    InternetHandleOwner opened = Opened(session);
+    WinHttpSetStatusCallback(opened.Get(), WinHttpRequest::OnStatus,
                              WINHTTP_CALLBACK_FLAG_ALL_COMPLETIONS | WINHTTP_CALLBACK_FLAG_HANDLES |
                                  WINHTTP_CALLBACK_FLAG_SECURE_FAILURE | WINHTTP_CALLBACK_FLAG_RESOLVE_NAME |
                                  WINHTTP_CALLBACK_FLAG_SEND_REQUEST, 0);
     DWORD protocols = ProtocolTls12 | ProtocolTls13;
-    if (!WinHttpSetOption(opened.get(), WINHTTP_OPTION_SECURE_PROTOCOLS, &protocols, sizeof(protocols)))
+    if (!WinHttpSetOption(opened.Get(), WINHTTP_OPTION_SECURE_PROTOCOLS, &protocols, sizeof(protocols)))
     {
         protocols = ProtocolTls12;
-        if (!WinHttpSetOption(opened.get(), WINHTTP_OPTION_SECURE_PROTOCOLS, &protocols, sizeof(protocols)))
+        if (!WinHttpSetOption(opened.Get(), WINHTTP_OPTION_SECURE_PROTOCOLS, &protocols, sizeof(protocols)))
         {
             ThrowHresult(HRESULT_FROM_WIN32(GetLastError()));
         }
@@ -86,8 +86,8 @@ public:
     HttpReply Run();
 
 private:
-    InternetHandle Connect(HINTERNET session);
-    InternetHandle OpenRequest();
+    InternetHandleOwner Connect(HINTERNET session);
+    InternetHandleOwner OpenRequest();
     void SetPolicy();
     void SetHeaders();
     void AddHeader(std::string_view name, std::string_view value);
@@ -113,7 +113,7 @@ private:
     WideText m_host;
     WideText m_path;
     bool m_isSecure = false;
-    InternetHandle m_connection;
+    InternetHandleOwner m_connection;
     WinHttpRequest m_http;
     HttpReply m_reply;
     UINT64 m_sent = 0;
@@ -124,7 +124,7 @@ private:
     bool m_isAnswering = false;
 };
 
-InternetHandle WinHttpExchange::Connect(HINTERNET session)
+InternetHandleOwner WinHttpExchange::Connect(HINTERNET session)
 {
     const WideText url = WideFromUtf8(m_request.url);
     URL_COMPONENTS parts{};
@@ -141,12 +141,12 @@ InternetHandle WinHttpExchange::Connect(HINTERNET session)
     return Opened(WinHttpConnect(session, m_host.c_str(), parts.nPort, 0));
 }
 
-InternetHandle WinHttpExchange::OpenRequest()
+InternetHandleOwner WinHttpExchange::OpenRequest()
 {
     // The address goes as it was signed.
     const DWORD flags = WINHTTP_FLAG_ESCAPE_DISABLE | WINHTTP_FLAG_ESCAPE_DISABLE_QUERY |
                         (m_isSecure ? WINHTTP_FLAG_SECURE : 0);
-    return Opened(WinHttpOpenRequest(m_connection.get(), WideFromUtf8(m_request.method).c_str(), m_path.c_str(), nullptr,
+    return Opened(WinHttpOpenRequest(m_connection.Get(), WideFromUtf8(m_request.method).c_str(), m_path.c_str(), nullptr,
                                      WINHTTP_NO_REFERER, WINHTTP_DEFAULT_ACCEPT_TYPES, flags));
 }
 
@@ -451,12 +451,12 @@ public:
 
     HttpReply Exchange(const HttpRequest &request) override
     {
-        return WinHttpExchange(m_session.get(), request, m_limits).Run();
+        return WinHttpExchange(m_session.Get(), request, m_limits).Run();
     }
 
 private:
     TransportLimits m_limits;
-    InternetHandle m_session;
+    InternetHandleOwner m_session;
 };
 } // namespace
 

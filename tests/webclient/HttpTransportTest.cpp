@@ -184,7 +184,10 @@ TEST_F(HttpTransportTest, NothingIsSentTwice)
     for (const char *host : {"cut", "cut-head"})
     {
         CountedBody body(1000);
-        EXPECT_EQ(Send(host, &body).problem, NoAnswerAtAll);
+        // One that leaves after the head may be gone before the body is on its way, or after it.
+        const TransportProblem problem = Send(host, &body).problem;
+        EXPECT_TRUE(problem == NoAnswerAtAll ||
+                    (host == std::string_view("cut-head") && problem == TransportProblem::LostWhileSending)) << host;
         EXPECT_EQ(CutRequests(), "1") << host;
         EXPECT_EQ(Send(host, nullptr, {}, "GET").problem, NoAnswerAtAll);
         EXPECT_EQ(CutRequests(), "1") << host;

@@ -2,6 +2,7 @@
 #include "core/BstrOwner.h"
 #include "tests/webclient/DocumentText.h"
 #include "tests/webclient/ScriptedStream.h"
+#include "tests/webclient/SignatureCheck.h"
 #include "webclient/OAuthWebClient.h"
 #include "webclient/PercentEncoding.h"
 #include "webclient/RequestParameters.h"
@@ -106,33 +107,6 @@ protected:
 
     std::string ReplyText(const char *path) const { return DocumentText(m_reply.Get(), path); }
 
-    // Whether the signature of the Authorization header is that of the address and all parameters.
-    static bool IsSignedRight(const CarriedRequest &request, const std::string &url, ParameterList parameters,
-                              const std::string &tokenSecret)
-    {
-        const std::string header = request.Header("Authorization");
-        std::string signature;
-        EXPECT_TRUE(header.starts_with("OAuth ")) << header;
-        for (size_t at = 6; at < header.size();)
-        {
-            const size_t equals = header.find("=\"", at);
-            const size_t end = header.find('"', equals + 2);
-            const std::string name = header.substr(at, equals - at);
-            const SecretText value = FormDecode(header.substr(equals + 2, end - equals - 2));
-            if (name == "oauth_signature")
-            {
-                signature = value.View();
-            }
-            else
-            {
-                parameters.push_back({name, value});
-            }
-            at = end + 3; // behind '", '
-        }
-        const SecretText base = SignatureBaseString(request.method, RequestUrl::Parse(url), parameters);
-        return signature == SignText(base.View(), "application-secret", tokenSecret);
-    }
-
     std::shared_ptr<ScriptedTransport> m_transport = std::make_shared<ScriptedTransport>();
     ComPtr<COAuthWebClient> m_client;
     ComPtr<IUnknown> m_reply;
@@ -154,7 +128,8 @@ TEST_F(OAuthWebClientTest, UploadIsSignedOverItsFieldsAndGoesOutAsItIs)
     EXPECT_EQ(request.headers.size(), 2u); // no other of the caller's is his to write
     EXPECT_EQ(request.Header("Content-Type"), "multipart/form-data; boundary=b");
     EXPECT_THAT(request.Header("Authorization"), HasSubstr("oauth_token=\"the-token\""));
-    EXPECT_TRUE(IsSignedRight(request, request.url, {{"title", SecretText(Utf8FromWide(title))}}, "token-secret"));
+    EXPECT_TRUE(IsSignedRight(request.Header("Authorization"), request.method, request.url,
+                              {{"title", SecretText(Utf8FromWide(title))}}, "token-secret"));
 }
 
 struct RefusalCase
@@ -226,9 +201,11 @@ TEST_F(OAuthWebClientTest, AuthorizationTradesItsTokens)
     EXPECT_THAT(requests[0].Header("Authorization"),
                 HasSubstr("oauth_callback=\"http%3A%2F%2Fauthorization.halvora.example%2Fflickr%2Fauthorization%2F\""));
     EXPECT_THAT(requests[0].Header("Authorization"), Not(HasSubstr("oauth_token=")));
-    EXPECT_TRUE(IsSignedRight(requests[0], "https://www.flickr.com/services/oauth/request_token", {}, ""));
+    EXPECT_TRUE(IsSignedRight(requests[0].Header("Authorization"), requests[0].method,
+                              "https://www.flickr.com/services/oauth/request_token", {}, ""));
     EXPECT_THAT(requests[1].Header("Authorization"), HasSubstr("oauth_verifier=\"ver%2F1\""));
-    EXPECT_TRUE(IsSignedRight(requests[1], "https://www.flickr.com/services/oauth/access_token", {}, "reqs"));
+    EXPECT_TRUE(IsSignedRight(requests[1].Header("Authorization"), requests[1].method,
+                              "https://www.flickr.com/services/oauth/access_token", {}, "reqs"));
 
     EXPECT_EQ(m_client->GetAuthorizationUrl(0, nullptr, url.Put()), static_cast<HRESULT>(0x80190191));
     EXPECT_EQ(m_client->GetAuthorizationUrl(0, nullptr, url.Put()), static_cast<HRESULT>(0x80072F78));

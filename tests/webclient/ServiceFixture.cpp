@@ -131,30 +131,3 @@ UploadOutcome ServiceFixture::CallMethod(IOAuthWebClient *client, IRequestParame
     outcome.result = client->RestRequest(nullptr, TEXT("POST"), nullptr, fields, 0, outcome.reply.Put());
     return outcome;
 }
-
-bool ServiceFixture::IsSignedRight(const SeenRequest &request, const std::string &url, ParameterList parameters,
-                                   const std::string &tokenSecret)
-{
-    const std::string header = request.Header("authorization");
-    std::string signature;
-    EXPECT_TRUE(header.starts_with("OAuth ")) << header;
-    for (size_t at = 6; at < header.size();)
-    {
-        const size_t equals = header.find("=\"", at);
-        const size_t end = header.find('"', equals + 2);
-        const std::string name = header.substr(at, equals - at);
-        const SecretText value = FormDecode(header.substr(equals + 2, end - equals - 2));
-        if (name == "oauth_signature")
-        {
-            signature = value.View();
-        }
-        else
-        {
-            parameters.push_back({name, value});
-        }
-        at = end + 3; // behind '", '
-    }
-    const SecretText base = SignatureBaseString(request.line.substr(0, request.line.find(' ')),
-                                                RequestUrl::Parse(url), parameters);
-    return signature == SignText(base.View(), "application-secret", tokenSecret);
-}

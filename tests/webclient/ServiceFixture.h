@@ -75,10 +75,6 @@ protected:
     static UploadOutcome UploadText(IOAuthWebClient *client, const std::string &body);
     static UploadOutcome CallMethod(IOAuthWebClient *client, IRequestParameters *fields);
 
-    // True if the request's Authorization header bears the right signature over url and parameters.
-    static bool IsSignedRight(const SeenRequest &request, const std::string &url, ParameterList parameters,
-                              const std::string &tokenSecret);
-
     static const TestAuthority &Authority();
 
     std::unique_ptr<HttpTestServer> m_server;

@@ -2,6 +2,7 @@
 #include "core/BstrOwner.h"
 #include "tests/webclient/ScriptedStream.h"
 #include "tests/webclient/ServiceFixture.h"
+#include "tests/webclient/SignatureCheck.h"
 #include "webclient/Utf8.h"
 
 #include <thread>
@@ -37,7 +38,8 @@ TEST_F(WebClientTest, RestRequestIsASignedForm)
     EXPECT_THAT(request.body, HasSubstr("title=Gr%C3%BC%C3%9Fe%20%E6%97%A5%E6%9C%AC%20%26%20%2B50%25%20%F0%9F%98%80%01"));
     EXPECT_THAT(request.body, Not(HasSubstr("oauth_")));
     EXPECT_THAT(request.Header("authorization"), HasSubstr("oauth_token=\"the-token\""));
-    EXPECT_TRUE(IsSignedRight(request, "https://api.flickr.com/services/rest", ParseForm(request.body), "token-secret"));
+    EXPECT_TRUE(IsSignedRight(request.Header("authorization"), "POST", "https://api.flickr.com/services/rest",
+                              ParseForm(request.body), "token-secret"));
     EXPECT_NE(request.Header("authorization"), requests[1].Header("authorization"));
 }
 
@@ -73,7 +75,7 @@ TEST_F(WebClientTest, UploadCarriesTheFormAsItIs)
     EXPECT_THAT(request.body, HasSubstr("\r\n\r\n" + Utf8FromWide(Title) + "\r\n"));
     EXPECT_THAT(request.body, HasSubstr("filename=\"b\xC3\xA4r.jpg\""));
     EXPECT_THAT(request.body, HasSubstr("\r\n\r\n" + std::string(300'000, 'p') + "\r\n--"));
-    EXPECT_TRUE(IsSignedRight(request, "https://api.flickr.com/services/upload/",
+    EXPECT_TRUE(IsSignedRight(request.Header("authorization"), "POST", "https://api.flickr.com/services/upload/",
                               {{"title", SecretText(Utf8FromWide(Title))}, {"is_public", SecretText("1")}},
                               "token-secret"));
 
