@@ -13,8 +13,16 @@ finish() {
     rm -rf "$work"
 }
 trap finish EXIT
-fail() { printf 'FAILED: %s\n' "$1" >&2; [ ! -f "$work/out" ] || cat "$work/out" >&2; exit 1; }
-windows() { "$here/../../tools/run-wine" "$@" </dev/null 2>/dev/null; }
+tell() { printf 'FAILED: %s\n' "$1" >&2; [ ! -f "$work/out" ] || cat "$work/out" >&2; tail -n 20 "$work/wine.log" >&2; }
+fail() { tell "$1"; trap - ERR; exit 1; }
+set -o errtrace
+trap 'tell "line $LINENO: $BASH_COMMAND: exit code $?"' ERR
+windows() { "$here/../../tools/run-wine" "$@" </dev/null 2>>"$work/wine.log"; }
+# Wine's own tools fail without a word once in some hundred calls; they aren't what is tried here.
+wine_tool() {
+    for _ in 1 2 3; do ! windows "$@" >>"$work/wine.log" || return 0; done
+    fail "$*: not even the third time"
+}
 says() { grep -qF -- "$1" "$work/out" || fail "nothing said of: $1"; }
 
 # Every program needs what each Windows has, and nothing else; texts are made for Windows' editors.
@@ -43,13 +51,13 @@ done
 grep -q 'Runtime Library Exception' "$unpacked/Licences/gcc.txt" || fail 'the exception of the GCC runtime is missing'
 
 # What the user's and the machine's registry hold; the containers of all classes are there before.
-for container in AppID CLSID TypeLib Interface; do windows reg add "HKCU\\Software\\Classes\\$container" /f >/dev/null; done
+for container in AppID CLSID TypeLib Interface; do wine_tool reg add "HKCU\\Software\\Classes\\$container" /f; done
 settings='HKCU\SOFTWARE\TRNQ\Halvora\Trial'
-windows reg add "$settings" /v Kept /t REG_SZ /d yes /f >/dev/null
+wine_tool reg add "$settings" /v Kept /t REG_SZ /d yes /f
 registry() {
     rm -f "$work"/{user,machine}.reg
-    windows regedit /E "Z:${work//\//\\}\\user.reg" 'HKEY_CURRENT_USER\Software'
-    windows regedit /E "Z:${work//\//\\}\\machine.reg" 'HKEY_LOCAL_MACHINE\Software\Classes'
+    wine_tool regedit /E "Z:${work//\//\\}\\user.reg" 'HKEY_CURRENT_USER\Software'
+    wine_tool regedit /E "Z:${work//\//\\}\\machine.reg" 'HKEY_LOCAL_MACHINE\Software\Classes'
     # Wine registers type libraries for the whole machine, whomever they are for; that is no fault of ours.
     for part in user machine; do iconv -f UTF-16 -t UTF-8 "$work/$part.reg" | tr -d '\r'; done |
         awk -v RS= -v ORS='\n\n' -v rest="$work/by-wine" 'BEGIN { printf "" >rest }

@@ -35,10 +35,16 @@ fail() {
     done
     exit 1
 }
+trap 'fail "line $LINENO: $BASH_COMMAND: exit code $?"' ERR
 await_file() { for _ in $(seq 600); do [ ! -f "$1" ] || return 0; sleep 0.1; done; fail "$2"; }
 
 end_windows() { WINEPREFIX=$HALVORA_WINEPREFIX wineserver -k || true; WINEPREFIX=$HALVORA_WINEPREFIX wineserver -w; }
 windows() { "$root/tools/run-wine" "$@" </dev/null 2>/dev/null; }
+# Wine's own tools fail without a word once in some hundred calls.
+set_value() {
+    for _ in 1 2 3; do ! windows reg add "$@" /f || return 0; done
+    fail "reg add $*: not even the third time"
+}
 driver() { "$root/tools/run-wine" "$driver_program" "$@" </dev/null 2>"$work/driver.log" || fail "host-driver $*"; }
 windows_path() { printf 'Z:%s' "${1//\//\\}"; }
 control() { sed -nE "s/^#define $1 +([0-9]+).*/\1/p" "$root/host/window/resource.h" "$root/resources/resource.h"; }
@@ -84,11 +90,11 @@ export PATH="$root/tools/person:$PATH" HALVORA_BROWSER=$work/browser HALVORA_ANS
 {
     windows cmd /c exit
     internet='HKCU\Software\Microsoft\Windows\CurrentVersion\Internet Settings'
-    windows reg add "$internet" /v ProxyEnable /t REG_DWORD /d 1 /f
-    windows reg add "$internet" /v ProxyServer /t REG_SZ /d "$proxy" /f
+    set_value "$internet" /v ProxyEnable /t REG_DWORD /d 1
+    set_value "$internet" /v ProxyServer /t REG_SZ /d "$proxy"
     # The frames of windows are drawn in a desktop of Wine's own; there is no window manager on this display.
-    windows reg add 'HKCU\Software\Wine\Explorer' /v Desktop /d Trial /f
-    windows reg add 'HKCU\Software\Wine\Explorer\Desktops' /v Trial /d 1280x1024 /f
+    set_value 'HKCU\Software\Wine\Explorer' /v Desktop /d Trial
+    set_value 'HKCU\Software\Wine\Explorer\Desktops' /v Trial /d 1280x1024
 } 7>&- >/dev/null
 end_windows # so that the next program makes that desktop
 cp /usr/share/wine/fonts/*.ttf "$HALVORA_WINEPREFIX/drive_c/windows/Fonts/"
@@ -104,7 +110,9 @@ installed="$home/Halvora/Publish to Flickr"
 publisher='{46519402-3380-4D48-BC76-63FFAA27165C}'
 ! windows "$driver_program" has-class "$publisher" || fail 'Wine sees the classes of one user: the detour can go'
 modules=(Halvora.Publishing.Plugin.Flickr Halvora.WebComponents)
-for module in "${modules[@]}"; do windows regsvr32 /s "$(windows_path "$installed/$module.dll")"; done
+for module in "${modules[@]}"; do
+    windows regsvr32 /s "$(windows_path "$installed/$module.dll")" || fail "regsvr32 can't register $module.dll"
+done
 driver has-class "$publisher"
 
 # Three pictures, one with letters of its own in its name, opened with the host.
@@ -221,7 +229,9 @@ for secret in "${pair[@]}"; do
 done
 
 # Away again: nothing but the settings stays, and no copy of a picture.
-for module in "${modules[@]}"; do windows regsvr32 /s /u "$(windows_path "$installed/$module.dll")"; done
+for module in "${modules[@]}"; do
+    windows regsvr32 /s /u "$(windows_path "$installed/$module.dll")" || fail "regsvr32 can't take back $module.dll"
+done
 (cd "$work/unpacked"/* && windows cmd /c uninstall.cmd /quiet) >"$work/out" || fail 'uninstall.cmd fails'
 [ ! -e "$home/Halvora" ] || fail "left: $(find "$home/Halvora")"
 end_windows
