@@ -116,7 +116,11 @@ ItemEnd RunRecord::EndOf(size_t index) const
 {
     const std::lock_guard guard(m_lock);
     const ItemState &state = m_states.at(index);
-    return !state.begun || m_current == index ? ItemEnd::NotTried : state.errors.empty() ? ItemEnd::WentUp : ItemEnd::Failed;
+    if (!state.begun || m_current == index)
+    {
+        return ItemEnd::NotTried;
+    }
+    return state.errors.empty() ? ItemEnd::WentUp : ItemEnd::Failed;
 }
 
 RunSummary RunRecord::Summarize(bool cancelled, const ErrorWords &words) const

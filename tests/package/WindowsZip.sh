@@ -18,7 +18,7 @@ fail() { tell "$1"; trap - ERR; exit 1; }
 set -o errtrace
 trap 'tell "line $LINENO: $BASH_COMMAND: exit code $?"' ERR
 windows() { "$here/../../tools/run-wine" "$@" </dev/null 2>>"$work/wine.log"; }
-# Wine's own tools fail without a word once in some hundred calls; they aren't what is tried here.
+# Wine's own tools have failed without a word in a Windows that was new; they aren't what is tried here.
 wine_tool() {
     for _ in 1 2 3; do ! windows "$@" >>"$work/wine.log" || return 0; done
     fail "$*: not even the third time"

@@ -40,7 +40,7 @@ await_file() { for _ in $(seq 600); do [ ! -f "$1" ] || return 0; sleep 0.1; don
 
 end_windows() { WINEPREFIX=$HALVORA_WINEPREFIX wineserver -k || true; WINEPREFIX=$HALVORA_WINEPREFIX wineserver -w; }
 windows() { "$root/tools/run-wine" "$@" </dev/null 2>/dev/null; }
-# Wine's own tools fail without a word once in some hundred calls.
+# Wine's own tools have failed without a word in a Windows that was new.
 set_value() {
     for _ in 1 2 3; do ! windows reg add "$@" /f || return 0; done
     fail "reg add $*: not even the third time"
