@@ -22,8 +22,8 @@ using Document = ComPtr<IXMLDOMDocument2>;
 HRESULT CallMethod(IOAuthWebClient &client, const WCHAR *method, Document &reply)
 {
     ComPtr<IRequestParameters> parameters;
-    HRESULT result = CoCreateInstance(CLSID_RequestParameters, nullptr, CLSCTX_ALL,
-                                      __uuidof(IRequestParameters), parameters.PutVoid());
+    HRESULT result = CoCreateInstance(CLSID_RequestParameters, nullptr, CLSCTX_ALL, __uuidof(IRequestParameters),
+                                      parameters.PutVoid());
     if (FAILED(result))
     {
         return result;

@@ -18,11 +18,11 @@ struct AccountRecord
     BstrOwner UserName;
     BstrOwner FullName;
     BstrOwner PhotosUrl;
-    BstrOwner AccountType;          // "Basic" or "Pro"; empty until the first query
-    INT64 MaxFileSize = 0;          // bytes; shown, never held against a picture
+    BstrOwner AccountType; // "Basic" or "Pro"; empty until the first query
+    INT64 MaxFileSize = 0; // bytes; shown, never held against a picture
 
-    INT64 UploadLeftThisMonth = 0;  // bytes
-    bool AccountRefreshed = false;  // a query of the limits was tried; until then 0 left means unknown
+    INT64 UploadLeftThisMonth = 0; // bytes
+    bool AccountRefreshed = false; // a query of the limits was tried; until then 0 left means unknown
 
     // The one test for an account that may publish: token and secret are both there.
     bool IsAuthorized() const noexcept { return !OAuthToken.IsEmpty() && !OAuthTokenSecret.IsEmpty(); }

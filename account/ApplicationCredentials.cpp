@@ -42,8 +42,7 @@ std::unique_ptr<BYTE[], WipeAndFree> MakePlain(const SecuredString &record)
     const UINT32 mask = *static_cast<const volatile UINT32 *>(&record.maskWord);
     std::unique_ptr<BYTE[], WipeAndFree> plain(static_cast<BYTE *>(::operator new(length, BufferAlignment)),
                                                WipeAndFree{length});
-    TransformSecured(reinterpret_cast<const BYTE *>(&record) + sizeof(SecuredString), plain.get(), length,
-                     mask);
+    TransformSecured(reinterpret_cast<const BYTE *>(&record) + sizeof(SecuredString), plain.get(), length, mask);
     return plain;
 }
 } // namespace

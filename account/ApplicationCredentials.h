@@ -7,9 +7,9 @@
 // Head of a sealed value; its bytes follow. Little-endian.
 struct SecuredString
 {
-    UINT32 lengthWord;  // bits 0 to 30: bytes of the value, its closing zero included; bit 31 is set
+    UINT32 lengthWord; // bits 0 to 30: bytes of the value, its closing zero included; bit 31 is set
     UINT32 maskWord;
-    UINT64 reserved;    // never read
+    UINT64 reserved; // never read
 };
 
 template <UINT32 Length>

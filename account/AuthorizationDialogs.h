@@ -16,5 +16,5 @@ public:
     void ShowError(HWND parent, const WCHAR *text, const WCHAR *caption) override;
 
 private:
-    TaskDialogDocument m_document;      // of the dialog whose turn it is
+    TaskDialogDocument m_document; // of the dialog whose turn it is
 };

@@ -42,7 +42,7 @@ struct AuthorizationContext
 {
     AccountRecord &Account;
     const VersionBlock &Version;
-    IOAuthWebClient &Client;        // keeps the request token from one step to the next
+    IOAuthWebClient &Client; // keeps the request token from one step to the next
     HWND Parent;
     AuthorizationScene &Scene;
     const Pause &Wait;

@@ -12,8 +12,8 @@
 
 struct ProxySetting
 {
-    DWORD AccessType = 0;       // WINHTTP_ACCESS_TYPE_NO_PROXY or _NAMED_PROXY
-    GlobalTextOwner Proxy;      // both lists as the system gave them, or null
+    DWORD AccessType = 0;  // WINHTTP_ACCESS_TYPE_NO_PROXY or _NAMED_PROXY
+    GlobalTextOwner Proxy; // both lists as the system gave them, or null
     GlobalTextOwner Bypass;
 };
 
@@ -23,8 +23,7 @@ class ProxyLookup
 {
 public:
     virtual DWORD ReadUserSettings(WINHTTP_CURRENT_USER_IE_PROXY_CONFIG &settings) = 0;
-    virtual DWORD FindProxy(const WCHAR *url, WINHTTP_AUTOPROXY_OPTIONS &options,
-                            WINHTTP_PROXY_INFO &found) = 0;
+    virtual DWORD FindProxy(const WCHAR *url, WINHTTP_AUTOPROXY_OPTIONS &options, WINHTTP_PROXY_INFO &found) = 0;
 
 protected:
     ~ProxyLookup() = default;

@@ -11,12 +11,12 @@ namespace
 ComPtr<IXMLHTTPRequest> CreateRequest()
 {
     ComPtr<IXMLHTTPRequest> request;
-    HRESULT result = CoCreateInstance(CLSID_ServerXMLHTTP60, nullptr, CLSCTX_ALL, __uuidof(IXMLHTTPRequest),
-                                      request.PutVoid());
+    HRESULT result =
+        CoCreateInstance(CLSID_ServerXMLHTTP60, nullptr, CLSCTX_ALL, __uuidof(IXMLHTTPRequest), request.PutVoid());
     if (FAILED(result))
     {
-        result = CoCreateInstance(CLSID_XMLHTTP60, nullptr, CLSCTX_ALL, __uuidof(IXMLHTTPRequest),
-                                  request.PutVoid());
+        result =
+            CoCreateInstance(CLSID_XMLHTTP60, nullptr, CLSCTX_ALL, __uuidof(IXMLHTTPRequest), request.PutVoid());
     }
     ThrowIfFailed(result);
     return request;

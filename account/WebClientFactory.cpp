@@ -52,10 +52,10 @@ HRESULT SetUp(IOAuthWebClient &client, const AccountRecord &account, const Versi
 {
     OpenCredentials credentials;
     credentials.Open();
-    const HRESULT result = client.SetService(UserAgent(version).c_str(), ServiceHosts::RestEndpoint,
-                                             TEXT("HMAC-SHA1"), credentials.Key, credentials.Secret,
-                                             ServiceHosts::RequestTokenUrl, ServiceHosts::AuthorizeUrl,
-                                             ServiceHosts::AccessTokenUrl, ServiceHosts::CallbackUrl, 0);
+    const HRESULT result =
+        client.SetService(UserAgent(version).c_str(), ServiceHosts::RestEndpoint, TEXT("HMAC-SHA1"),
+                          credentials.Key, credentials.Secret, ServiceHosts::RequestTokenUrl,
+                          ServiceHosts::AuthorizeUrl, ServiceHosts::AccessTokenUrl, ServiceHosts::CallbackUrl, 0);
     if (FAILED(result) || !account.IsAuthorized())
     {
         return result;

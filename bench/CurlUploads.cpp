@@ -17,9 +17,14 @@ constexpr const char *address = "https://api.flickr.com/services/upload/";
 ParameterList FieldsOf(const std::string &name)
 {
     ParameterList fields;
-    for (const auto &[field, value] : std::initializer_list<std::pair<const char *, std::string>>{
-             {"title", name}, {"is_public", "1"}, {"is_friend", "0"}, {"is_family", "0"},
-             {"safety_level", "1"}, {"content_type", "1"}, {"hidden", "1"}})
+    for (const auto &[field, value] :
+         std::initializer_list<std::pair<const char *, std::string>>{{"title", name},
+                                                                     {"is_public", "1"},
+                                                                     {"is_friend", "0"},
+                                                                     {"is_family", "0"},
+                                                                     {"safety_level", "1"},
+                                                                     {"content_type", "1"},
+                                                                     {"hidden", "1"}})
     {
         fields.push_back({field, SecretText(value)});
     }
@@ -34,8 +39,8 @@ std::string Text(const SecretText &text)
 void WriteUpload(const std::string &path, const OAuthIdentity &identity)
 {
     const ParameterList fields = FieldsOf(std::filesystem::path(path).filename().string());
-    const SecretText authorization = ComposeAuthorization("POST", RequestUrl::Parse(address), identity,
-                                                          OAuthMoment::Now(), fields, {});
+    const SecretText authorization =
+        ComposeAuthorization("POST", RequestUrl::Parse(address), identity, OAuthMoment::Now(), fields, {});
     std::string quoted;
     for (const char byte : Text(authorization))
     {
@@ -58,7 +63,8 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "usage: curl_uploads KEY SECRET TOKEN TOKEN-SECRET FILE...\n");
         return 2;
     }
-    const OAuthIdentity identity{SecretText(argv[1]), SecretText(argv[2]), SecretText(argv[3]), SecretText(argv[4])};
+    const OAuthIdentity identity{SecretText(argv[1]), SecretText(argv[2]), SecretText(argv[3]),
+                                 SecretText(argv[4])};
     for (int i = 5; i < argc; ++i)
     {
         std::fputs(i > 5 ? "next\n" : "", stdout);

@@ -65,7 +65,8 @@ int main(int argc, char **argv)
 {
     if (argc < 6)
     {
-        std::fprintf(stderr, "usage: prepare_pictures intact|processed LONG-EDGE ROUNDS TARGET-FOLDER SOURCE...\n");
+        std::fprintf(stderr,
+                     "usage: prepare_pictures intact|processed LONG-EDGE ROUNDS TARGET-FOLDER SOURCE...\n");
         return 2;
     }
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);
@@ -86,7 +87,8 @@ int main(int argc, char **argv)
             ItemTexts texts;
             try
             {
-                Save(PrepareJpeg(host.Get(), path.u16string().c_str(), u"picture", options, SystemPause, texts).Get(),
+                Save(PrepareJpeg(host.Get(), path.u16string().c_str(), u"picture", options, SystemPause, texts)
+                         .Get(),
                      fs::path(argv[4]) / path.filename());
             }
             catch (const HresultError &error)

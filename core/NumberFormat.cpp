@@ -49,9 +49,8 @@ bool ReadLocaleValues(LocaleNumberFormat &format)
         return found;
     };
     return readText(LOCALE_SDECIMAL, format.DecimalSeparator) &&
-           readText(LOCALE_STHOUSAND, format.ThousandSeparator) &&
-           readNumber(LOCALE_ILZERO, format.LeadingZero) && readNumber(LOCALE_SGROUPING, format.Grouping) &&
-           readNumber(LOCALE_INEGNUMBER, format.NegativeOrder) &&
+           readText(LOCALE_STHOUSAND, format.ThousandSeparator) && readNumber(LOCALE_ILZERO, format.LeadingZero) &&
+           readNumber(LOCALE_SGROUPING, format.Grouping) && readNumber(LOCALE_INEGNUMBER, format.NegativeOrder) &&
            readNumber(LOCALE_IDIGITS, format.NumDigits);
 }
 
@@ -68,8 +67,7 @@ bool PrintPlain(NumberValue value, NumberKind kind, UINT32 decimals, char *first
         result = std::to_chars(first, last, value.Unsigned);
         break;
     case NUMBER_DOUBLE:
-        result =
-            std::to_chars(first, last, value.Double, std::chars_format::fixed, static_cast<int>(decimals));
+        result = std::to_chars(first, last, value.Double, std::chars_format::fixed, static_cast<int>(decimals));
         break;
     }
     if (result.ec != std::errc() || result.ptr == last)
@@ -89,8 +87,12 @@ HRESULT LastFailure()
 
 NUMBERFMTW LocaleNumberFormat::PlatformForm() const noexcept
 {
-    return {NumDigits, LeadingZero, Grouping, const_cast<LPWSTR>(DecimalSeparator.c_str()),
-            const_cast<LPWSTR>(ThousandSeparator.c_str()), NegativeOrder};
+    return {NumDigits,
+            LeadingZero,
+            Grouping,
+            const_cast<LPWSTR>(DecimalSeparator.c_str()),
+            const_cast<LPWSTR>(ThousandSeparator.c_str()),
+            NegativeOrder};
 }
 
 bool LoadLocaleFormat(LocaleNumberFormat &format, bool reload)

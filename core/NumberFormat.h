@@ -19,12 +19,12 @@ public:
     NUMBERFMTW PlatformForm() const noexcept;
 
     LCID Locale;
-    UINT32 NumDigits = 0;       // decimals
-    UINT32 LeadingZero = 0;     // 1: "0.5", 0: ".5"
-    UINT32 Grouping = 0;        // digits of a group, the last group's where they differ
+    UINT32 NumDigits = 0;   // decimals
+    UINT32 LeadingZero = 0; // 1: "0.5", 0: ".5"
+    UINT32 Grouping = 0;    // digits of a group, the last group's where they differ
     WideText DecimalSeparator;
     WideText ThousandSeparator;
-    UINT32 NegativeOrder = 0;   // as LOCALE_INEGNUMBER
+    UINT32 NegativeOrder = 0; // as LOCALE_INEGNUMBER
 };
 
 // Fills the record; one that is loaded is left alone unless reload is set. False with the thread's

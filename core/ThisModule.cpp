@@ -6,9 +6,8 @@ HMODULE ThisModule() noexcept
     // the module was loaded.
     static const char anchor = 0;
     HMODULE module = nullptr;
-    if (!GetModuleHandleExW(
-            GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-            reinterpret_cast<LPCWSTR>(&anchor), &module))
+    if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                            reinterpret_cast<LPCWSTR>(&anchor), &module))
     {
         return nullptr;
     }
@@ -20,8 +19,7 @@ WideText ThisModulePath()
     WideText path(MAX_PATH, 0);
     for (;;)
     {
-        const DWORD length =
-            GetModuleFileNameW(ThisModule(), path.data(), static_cast<DWORD>(path.size()));
+        const DWORD length = GetModuleFileNameW(ThisModule(), path.data(), static_cast<DWORD>(path.size()));
         if (length < path.size())
         {
             path.resize(length);

@@ -49,8 +49,7 @@ const void *VersionBlock::Query(const WCHAR *path, UINT *length) const
 WideText VersionBlock::String(const WCHAR *name) const
 {
     UINT length = 0;
-    const auto *translation =
-        static_cast<const Translation *>(Query(TEXT("\\VarFileInfo\\Translation"), &length));
+    const auto *translation = static_cast<const Translation *>(Query(TEXT("\\VarFileInfo\\Translation"), &length));
     if (translation == nullptr || length < sizeof(Translation))
     {
         return WideText();
@@ -76,7 +75,7 @@ bool VersionBlock::FileVersion(std::array<UINT16, 4> &parts) const
     {
         return false;
     }
-    parts = {HIWORD(fixed->dwFileVersionMS), LOWORD(fixed->dwFileVersionMS),
-             HIWORD(fixed->dwFileVersionLS), LOWORD(fixed->dwFileVersionLS)};
+    parts = {HIWORD(fixed->dwFileVersionMS), LOWORD(fixed->dwFileVersionMS), HIWORD(fixed->dwFileVersionLS),
+             LOWORD(fixed->dwFileVersionLS)};
     return true;
 }

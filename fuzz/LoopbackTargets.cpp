@@ -21,11 +21,12 @@ std::vector<std::string> MultipartSamples()
 std::string Parsed(std::string_view bytes, size_t step)
 {
     std::string told;
-    loopback::MultipartParser parser(
-        BOUNDARY, {[&](const loopback::PartHeader &header) {
-                       told += "[" + header.name + "|" + header.fileName.value_or("-") + "|" + header.contentType + "]";
-                   },
-                   [&](std::string_view piece) { told += piece; }, [&] { told += "[end]"; }});
+    loopback::MultipartParser parser(BOUNDARY,
+                                     {[&](const loopback::PartHeader &header) {
+                                          told += "[" + header.name + "|" + header.fileName.value_or("-") + "|" +
+                                                  header.contentType + "]";
+                                      },
+                                      [&](std::string_view piece) { told += piece; }, [&] { told += "[end]"; }});
     bool isWell = true;
     for (size_t at = 0; at < bytes.size() && isWell; at += step)
     {
@@ -46,7 +47,8 @@ void ReadMultipart(std::string_view bytes)
 
 std::vector<std::string> FormSamples()
 {
-    return {"a=b&c=%C3%A4+%zz&&=x&d", "oauth_token=t&oauth_signature=abc%2Bdef%3D", "%", "%4", "1234567890123456789"};
+    return {"a=b&c=%C3%A4+%zz&&=x&d", "oauth_token=t&oauth_signature=abc%2Bdef%3D", "%", "%4",
+            "1234567890123456789"};
 }
 
 void ReadForm(std::string_view bytes)

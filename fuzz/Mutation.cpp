@@ -6,8 +6,8 @@ namespace
 {
 constexpr size_t MAX_BYTES = 1 << 18;
 constexpr size_t MAX_PIECE = 512;
-constexpr uint32_t LIMITS[] = {0,      1,      2,      4,          0x7F,       0x80,       0xFF,      0x100,
-                               0x7FFF, 0x8000, 0xFFFF, 0x10000,    0x7FFFFFFF, 0x80000000, 0xFFFFFFFF, 0xFFFFFFF8};
+constexpr uint32_t LIMITS[] = {0,      1,      2,      4,       0x7F,       0x80,       0xFF,       0x100,
+                               0x7FFF, 0x8000, 0xFFFF, 0x10000, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF, 0xFFFFFFF8};
 } // namespace
 
 std::string Mutation::Next()

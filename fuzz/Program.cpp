@@ -100,11 +100,16 @@ int main(int argc, char **argv)
     for (int i = 2; i + 1 < argc; i += 2)
     {
         const std::string_view option = argv[i];
-        if (option == "--seconds") seconds = std::atof(argv[i + 1]);
-        else if (option == "--count") count = std::strtoul(argv[i + 1], nullptr, 10);
-        else if (option == "--seed") seed = std::strtoull(argv[i + 1], nullptr, 10);
-        else if (option == "--file") file = argv[i + 1];
-        else return Usage();
+        if (option == "--seconds")
+            seconds = std::atof(argv[i + 1]);
+        else if (option == "--count")
+            count = std::strtoul(argv[i + 1], nullptr, 10);
+        else if (option == "--seed")
+            seed = std::strtoull(argv[i + 1], nullptr, 10);
+        else if (option == "--file")
+            file = argv[i + 1];
+        else
+            return Usage();
     }
     std::signal(SIGALRM, EndLate);
     std::signal(SIGABRT, [](int) { KeepBytes(); });

@@ -11,12 +11,14 @@ namespace
 {
 std::vector<std::string> RegistrySamples()
 {
-    return {"Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\Halvora]\r\n"
-            "@=\"default\"\r\n\"Text\"=\"a \\\"quoted\\\" C:\\\\x\"\r\n\"Number\"=dword:0000002a\r\n"
-            "\"Bytes\"=hex:01,02,\\\r\n  03,ff\r\n\"Wide\"=hex(2):41,00,00,00\r\n\"Big\"=hex(b):01,00,00,00,00,00,00,00\r\n"
-            "; words\r\n\r\n[HKEY_CLASSES_ROOT\\CLSID\\{CACAF262-9370-4615-A13B-9F5539DA4C0A}]\r\n@=\"x\"\r\n",
-            "Windows Registry Editor Version 5.00\n\n[HKEY_CURRENT_USER\\A]\r\r\n\"x\"=\"y\"\r\r\n\r\r\n",
-            "Windows Registry Editor Version 5.00\n\n[HKEY_LOCAL_MACHINE\\A]\n\"\xC3\xA4\"=\"\xF0\x9F\x8C\x8A\"\n"};
+    return {
+        "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\Halvora]\r\n"
+        "@=\"default\"\r\n\"Text\"=\"a \\\"quoted\\\" C:\\\\x\"\r\n\"Number\"=dword:0000002a\r\n"
+        "\"Bytes\"=hex:01,02,\\\r\n  "
+        "03,ff\r\n\"Wide\"=hex(2):41,00,00,00\r\n\"Big\"=hex(b):01,00,00,00,00,00,00,00\r\n"
+        "; words\r\n\r\n[HKEY_CLASSES_ROOT\\CLSID\\{CACAF262-9370-4615-A13B-9F5539DA4C0A}]\r\n@=\"x\"\r\n",
+        "Windows Registry Editor Version 5.00\n\n[HKEY_CURRENT_USER\\A]\r\r\n\"x\"=\"y\"\r\r\n\r\r\n",
+        "Windows Registry Editor Version 5.00\n\n[HKEY_LOCAL_MACHINE\\A]\n\"\xC3\xA4\"=\"\xF0\x9F\x8C\x8A\"\n"};
 }
 
 void ReadRegistry(std::string_view bytes)

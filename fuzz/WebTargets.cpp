@@ -39,7 +39,8 @@ std::vector<std::string> ReplySamples()
     return {"<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n<rsp stat=\"ok\"><photoid>12-3</photoid></rsp>",
             "<rsp stat=\"fail\"><err code=\"5\" msg=\"Filetype &amp; more\"/></rsp>",
             "<html><head><title>504 Gateway &lt;Time-out</title></head><body>x</body></html>",
-            "oauth_problem=signature_invalid&debug_sbs=GET%26http", "<rsp stat=\"ok\"><![CDATA[x]]><!-- y --></rsp>"};
+            "oauth_problem=signature_invalid&debug_sbs=GET%26http",
+            "<rsp stat=\"ok\"><![CDATA[x]]><!-- y --></rsp>"};
 }
 
 void ReadReply(std::string_view bytes)

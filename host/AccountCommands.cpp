@@ -39,11 +39,10 @@ std::string DescribeAccount(const AccountData &account)
         return "No account is set. Let Halvora publish on one with: halvora authorize\n";
     }
     return "Authorized:    yes\n"
-           "Name:          " + Shown(account.fullName) + "\n" +
-           "Login name:    " + Shown(account.userName) + "\n" +
-           "Type:          " + Shown(account.accountType) + "\n" +
-           "Photos page:   " + Shown(account.photosUrl) + "\n" +
-           "Largest file:  " +
+           "Name:          " +
+           Shown(account.fullName) + "\n" + "Login name:    " + Shown(account.userName) + "\n" +
+           "Type:          " + Shown(account.accountType) + "\n" + "Photos page:   " + Shown(account.photosUrl) +
+           "\n" + "Largest file:  " +
            (account.maxFileSize > 0 ? std::to_string(account.maxFileSize) + " bytes" : "(not known)") + "\n";
 }
 
@@ -57,9 +56,8 @@ std::string WithoutLineEnd(std::string line)
 // The text of a token; nothing if it can't be one.
 std::optional<WideText> TokenText(const std::string &bytes)
 {
-    const bool isPrintable = !bytes.empty() && std::all_of(bytes.begin(), bytes.end(), [](char c) {
-        return c > 0x20 && c < 0x7F;
-    });
+    const bool isPrintable =
+        !bytes.empty() && std::all_of(bytes.begin(), bytes.end(), [](char c) { return c > 0x20 && c < 0x7F; });
     return isPrintable ? TextFromUtf8(bytes) : std::nullopt;
 }
 

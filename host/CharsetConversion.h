@@ -17,8 +17,8 @@ enum class Charset
 
 enum class Faults
 {
-    Refuse,     // nothing at all for bytes that don't fit
-    Replace     // by U+FFFD
+    Refuse, // nothing at all for bytes that don't fit
+    Replace // by U+FFFD
 };
 
 // Nothing too for a character set that the system doesn't know.

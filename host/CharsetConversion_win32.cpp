@@ -73,7 +73,8 @@ std::string Utf8FromText(WideView text)
 {
     // Without flags a surrogate alone becomes U+FFFD.
     const int size = static_cast<int>(text.size());
-    const int length = size == 0 ? 0 : WideCharToMultiByte(CP_UTF8, 0, text.data(), size, nullptr, 0, nullptr, nullptr);
+    const int length =
+        size == 0 ? 0 : WideCharToMultiByte(CP_UTF8, 0, text.data(), size, nullptr, 0, nullptr, nullptr);
     std::string bytes(static_cast<size_t>(length), '\0');
     if (length > 0)
     {

@@ -9,9 +9,10 @@ namespace
 void DescribePublish(CLI::App &app, CommandLine &line)
 {
     CLI::App *const publish = app.add_subcommand("publish", "Publish pictures on the user's Flickr account");
-    publish->add_option("PATH", line.paths,
-                        "Pictures, and with --recursive folders. Files of one folder that differ only in their "
-                        "extension are one picture.")
+    publish
+        ->add_option("PATH", line.paths,
+                     "Pictures, and with --recursive folders. Files of one folder that differ only in their "
+                     "extension are one picture.")
         ->required();
     publish->add_flag("-r,--recursive", line.recursive, "Publish what is in folders and their subfolders too");
     CLI::Option *const quiet =
@@ -29,7 +30,8 @@ void DescribeOthers(CLI::App &app, CommandLine &line)
 
     app.add_subcommand("status", "Tell what state the plug-in is in and what the next publish will do");
 
-    CLI::App *const settings = app.add_subcommand("settings", "Show the settings in a sheet, list them, or change some");
+    CLI::App *const settings =
+        app.add_subcommand("settings", "Show the settings in a sheet, list them, or change some");
     settings->add_option("NAME=VALUE", line.assignments,
                          "Changes to store; NAME= alone goes back to the default. Nothing is stored unless "
                          "every change is right. Without changes: before a terminal a sheet to look at and "

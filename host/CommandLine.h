@@ -18,13 +18,13 @@ enum class Command
 struct CommandLine
 {
     Command command = Command::Status;
-    std::filesystem::path profile;              // empty: the default
-    std::vector<std::filesystem::path> paths;   // of publish
+    std::filesystem::path profile;            // empty: the default
+    std::vector<std::filesystem::path> paths; // of publish
     bool recursive = false;
     bool quiet = false;
     bool verbose = false;
-    std::vector<std::string> assignments;       // of settings, NAME=VALUE
-    std::vector<std::string> setToken;          // of account: token and secret, or "-" for standard input
+    std::vector<std::string> assignments; // of settings, NAME=VALUE
+    std::vector<std::string> setToken;    // of account: token and secret, or "-" for standard input
 };
 
 // A call that ends with its text: help, the version, or what is wrong with it.

@@ -11,7 +11,7 @@
 ExitCode RunPublishCommand(const CommandLine &line, const Profile &profile);
 ExitCode RunStatusCommand(const Profile &profile);
 ExitCode RunSettingsCommand(const CommandLine &line);
-ExitCode RunSheetCommand(const Profile &profile);     // settings, before a person at a terminal
+ExitCode RunSheetCommand(const Profile &profile); // settings, before a person at a terminal
 ExitCode RunAccountCommand(const CommandLine &line, const Profile &profile);
 ExitCode RunAuthorizeCommand(const Profile &profile);
 

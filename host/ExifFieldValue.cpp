@@ -19,8 +19,19 @@ constexpr WORD UNDEFINED_TYPE = 7;
 
 // By TIFF's number; rationals pass as their two halves, numerator low.
 constexpr auto FIELD_TYPES = std::to_array<TypeOfField>({
-    {VT_EMPTY, 0}, {VT_UI1, 1}, {VT_LPSTR, 1}, {VT_UI2, 2}, {VT_UI4, 4}, {VT_UI8, 8}, {VT_I1, 1},
-    {VT_BLOB, 1},  {VT_I2, 2},  {VT_I4, 4},    {VT_I8, 8},  {VT_R4, 4},  {VT_R8, 8},
+    {VT_EMPTY, 0},
+    {VT_UI1, 1},
+    {VT_LPSTR, 1},
+    {VT_UI2, 2},
+    {VT_UI4, 4},
+    {VT_UI8, 8},
+    {VT_I1, 1},
+    {VT_BLOB, 1},
+    {VT_I2, 2},
+    {VT_I4, 4},
+    {VT_I8, 8},
+    {VT_R4, 4},
+    {VT_R8, 8},
 });
 
 void PutBytes(ExifField &field, WORD type, const void *data, size_t size)

@@ -184,7 +184,8 @@ public:
         if (const auto block = value.Block())
         {
             QueryValue chosen;
-            return FirstOf(chosen.Read(*block.Get(), TEXT("/x-default")) ? chosen.Texts() : Elements(*block.Get()));
+            return FirstOf(chosen.Read(*block.Get(), TEXT("/x-default")) ? chosen.Texts()
+                                                                         : Elements(*block.Get()));
         }
         return FirstOf(value.Texts());
     }

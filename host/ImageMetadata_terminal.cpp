@@ -60,7 +60,7 @@ public:
         {
             const auto chosen = alternatives->value_.find("x-default");
             return TextOfBytes(chosen != alternatives->value_.end() ? chosen->second
-                                                                   : alternatives->value_.begin()->second);
+                                                                    : alternatives->value_.begin()->second);
         }
         return TextOfBytes(datum->toString(0));
     }
@@ -78,7 +78,8 @@ public:
 
     WideText Iptc(const IptcDataset &dataset) const override
     {
-        const auto datum = m_image.iptcData().findKey(Exiv2::IptcKey(dataset.number, Exiv2::IptcDataSets::application2));
+        const auto datum =
+            m_image.iptcData().findKey(Exiv2::IptcKey(dataset.number, Exiv2::IptcDataSets::application2));
         return datum == m_image.iptcData().end() ? WideText() : TextOfBytes(datum->toString());
     }
 
@@ -112,7 +113,8 @@ public:
     std::optional<long> ExifRating() const override
     {
         const auto datum = m_image.exifData().findKey(Exiv2::ExifKey("Exif.Image.Rating"));
-        return datum != m_image.exifData().end() && datum->count() > 0 ? std::optional(datum->toLong()) : std::nullopt;
+        return datum != m_image.exifData().end() && datum->count() > 0 ? std::optional(datum->toLong())
+                                                                       : std::nullopt;
     }
 
     WideText FileComment() const override { return TextOfBytes(m_image.comment()); }
@@ -270,7 +272,7 @@ HRESULT ReadMetadata(const std::filesystem::path &file, ImageTexts &texts, Metad
                 *groups = MetadataSnapshot();
             }
             return error.code() == Exiv2::kerFileContainsUnknownImageType ? WINCODEC_ERR_UNKNOWNIMAGEFORMAT
-                                                                         : WINCODEC_ERR_BADMETADATAHEADER;
+                                                                          : WINCODEC_ERR_BADMETADATAHEADER;
         }
         return S_OK;
     });

@@ -31,7 +31,7 @@ struct ImageTexts
     WideText artist;
     WideText copyright;
     WideText credit;
-    std::array<WideText, 32> places;    // further texts of the record's IPTC group, by number (IptcTexts.h)
+    std::array<WideText, 32> places; // further texts of the record's IPTC group, by number (IptcTexts.h)
 };
 
 // The keywords of a record: joined with ";". A ";" inside a keyword becomes ",", so that it stays one

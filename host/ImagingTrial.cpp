@@ -31,14 +31,18 @@ std::string Segments()
     const std::string mark(MARK);
     const auto length = static_cast<char>(mark.size());
     // One directory with one field, the description, whose text lies behind it.
-    const std::string exif = "Exif\0\0II*\0\x08\0\0\0\x01\0\x0E\x01\x02\0"s + length + "\0\0\0\x1A\0\0\0\0\0\0\0"s + mark;
-    const std::string xmp = "http://ns.adobe.com/xap/1.0/\0"s +
-                            "<x:xmpmeta xmlns:x='adobe:ns:meta/'><rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/"
-                            "22-rdf-syntax-ns#'><rdf:Description rdf:about='' xmlns:photoshop='http://ns.adobe.com/"
-                            "photoshop/1.0/' photoshop:City='" + mark + "'/></rdf:RDF></x:xmpmeta>";
+    const std::string exif =
+        "Exif\0\0II*\0\x08\0\0\0\x01\0\x0E\x01\x02\0"s + length + "\0\0\0\x1A\0\0\0\0\0\0\0"s + mark;
+    const std::string xmp =
+        "http://ns.adobe.com/xap/1.0/\0"s +
+        "<x:xmpmeta xmlns:x='adobe:ns:meta/'><rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/"
+        "22-rdf-syntax-ns#'><rdf:Description rdf:about='' xmlns:photoshop='http://ns.adobe.com/"
+        "photoshop/1.0/' photoshop:City='" +
+        mark + "'/></rdf:RDF></x:xmpmeta>";
     const std::string dataset = "\x1C\x02\x5A\0"s + length + mark;
-    const std::string block = "Photoshop 3.0\0" "8BIM\x04\x04\0\0\0\0\0"s + static_cast<char>(dataset.size()) + dataset +
-                              std::string(dataset.size() % 2, '\0');
+    const std::string block = "Photoshop 3.0\0"
+                              "8BIM\x04\x04\0\0\0\0\0"s +
+                              static_cast<char>(dataset.size()) + dataset + std::string(dataset.size() % 2, '\0');
     return Segment('\xE1', exif) + Segment('\xE1', xmp) + Segment('\xED', block) + Segment('\xFE', mark);
 }
 

@@ -6,7 +6,7 @@ enum class CopiedMetadata
 {
     None,
     Some,
-    Unknown     // the trial failed
+    Unknown // the trial failed
 };
 
 // Whether a JPEG file that the component writes of another one's frame holds metadata of that file.

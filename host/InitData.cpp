@@ -5,11 +5,11 @@
 namespace
 {
 constexpr char FORMAT_MARKER = 1;
-constexpr uint32_t LONGEST_TEXT = 0x100000;     // bytes, as the plug-in allows
+constexpr uint32_t LONGEST_TEXT = 0x100000; // bytes, as the plug-in allows
 
 using TextField = std::optional<WideText> AccountData::*;
-constexpr std::array<TextField, 6> TEXT_FIELDS = {&AccountData::token,    &AccountData::tokenSecret,
-                                                  &AccountData::userName, &AccountData::fullName,
+constexpr std::array<TextField, 6> TEXT_FIELDS = {&AccountData::token,     &AccountData::tokenSecret,
+                                                  &AccountData::userName,  &AccountData::fullName,
                                                   &AccountData::photosUrl, &AccountData::accountType};
 
 class Reader

@@ -19,7 +19,7 @@ struct AccountData
     std::optional<WideText> fullName;
     std::optional<WideText> photosUrl;
     std::optional<WideText> accountType;
-    int64_t maxFileSize = 0;    // bytes
+    int64_t maxFileSize = 0; // bytes
 
     bool IsAuthorized() const;
 };

@@ -14,7 +14,7 @@ std::vector<std::filesystem::path> ModuleFolders();
 
 struct RegistrationReport
 {
-    std::vector<std::string> problems;  // in words; what could be registered is
+    std::vector<std::string> problems; // in words; what could be registered is
 };
 
 // Registers each module by its own DllRegisterServer where its entries are missing or name another

@@ -52,7 +52,8 @@ WideText ReadText(HKEY root, const WideText &path, const WCHAR *name)
     DWORD type = 0;
     DWORD size = sizeof(text) - sizeof(WCHAR);
     if (RegOpenKeyExW(root, path.c_str(), 0, KEY_READ, key.Put()) != ERROR_SUCCESS ||
-        RegQueryValueExW(key.Get(), name, nullptr, &type, reinterpret_cast<BYTE *>(text), &size) != ERROR_SUCCESS ||
+        RegQueryValueExW(key.Get(), name, nullptr, &type, reinterpret_cast<BYTE *>(text), &size) !=
+            ERROR_SUCCESS ||
         type != REG_SZ)
     {
         return WideText();
@@ -82,7 +83,8 @@ WideText StampOf(const fs::path &file)
 
 bool IsRegistered(const Module &module, const fs::path &file)
 {
-    const WideText server = ReadText(HKEY_CLASSES_ROOT, WideText(module.classKey) + TEXT("\\InprocServer32"), nullptr);
+    const WideText server =
+        ReadText(HKEY_CLASSES_ROOT, WideText(module.classKey) + TEXT("\\InprocServer32"), nullptr);
     return server == TextOfPath(file) &&
            ReadText(HKEY_CURRENT_USER, STAMPS_KEY, TextOfPath(module.file).c_str()) == StampOf(file);
 }
@@ -96,7 +98,8 @@ HRESULT RegisterModule(const fs::path &file)
         return HRESULT_FROM_WIN32(GetLastError());
     }
     using Registration = HRESULT(WINAPI *)();
-    const auto registration = reinterpret_cast<Registration>(reinterpret_cast<void *>(GetProcAddress(module, "DllRegisterServer")));
+    const auto registration =
+        reinterpret_cast<Registration>(reinterpret_cast<void *>(GetProcAddress(module, "DllRegisterServer")));
     return registration != nullptr ? registration() : HRESULT_FROM_WIN32(ERROR_PROC_NOT_FOUND);
 }
 

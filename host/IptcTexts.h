@@ -8,13 +8,13 @@
 struct IptcDataset
 {
     WORD number;
-    const WCHAR *name;      // of the query "/app13/irb/8bimiptc/iptc/{str=...}"; null for no dataset
+    const WCHAR *name; // of the query "/app13/irb/8bimiptc/iptc/{str=...}"; null for no dataset
 };
 
 struct IptcTextPlace
 {
-    UINT number;            // of IptcBlock's texts
-    const WCHAR *property;  // of the query "/xmp/..."
+    UINT number;           // of IptcBlock's texts
+    const WCHAR *property; // of the query "/xmp/..."
     IptcDataset dataset;
 };
 

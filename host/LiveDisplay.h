@@ -12,10 +12,10 @@
 
 struct DisplayOptions
 {
-    bool live = false;      // a progress line is drawn; needs a terminal
+    bool live = false; // a progress line is drawn; needs a terminal
     bool unicode = false;
     bool colour = false;
-    int lowestLevel = 1;    // log lines below this level are left out
+    int lowestLevel = 1; // log lines below this level are left out
 };
 
 class LiveDisplay
@@ -57,7 +57,7 @@ private:
     ProgressView m_view;
     size_t m_columns = 80;
     bool m_hasProgress = false;
-    bool m_drawn = false;       // the line stands on the screen
-    bool m_stale = false;       // the screen shows less than m_view
+    bool m_drawn = false; // the line stands on the screen
+    bool m_stale = false; // the screen shows less than m_view
     Clock::time_point m_lastDrawing{};
 };

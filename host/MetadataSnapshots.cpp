@@ -87,9 +87,9 @@ UINT16 OrientationOf(const ItemRecord &record)
 
 bool IsCopyrightBlank(const ItemRecord &record)
 {
-    return record.ExifComment == nullptr && std::all_of(std::begin(record.CopyrightTexts),
-                                                        std::end(record.CopyrightTexts),
-                                                        [](BSTR text) { return text == nullptr; });
+    return record.ExifComment == nullptr &&
+           std::all_of(std::begin(record.CopyrightTexts), std::end(record.CopyrightTexts),
+                       [](BSTR text) { return text == nullptr; });
 }
 
 bool IsIptcBlank(const ItemRecord &record)

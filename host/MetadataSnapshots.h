@@ -25,20 +25,20 @@ struct ExifField
     };
     Directory directory;
     WORD tag;
-    WORD type;                  // TIFF 6.0's numbers, 1 to 12
-    std::vector<BYTE> data;     // little-endian
+    WORD type;              // TIFF 6.0's numbers, 1 to 12
+    std::vector<BYTE> data; // little-endian
 };
 
 constexpr int NO_NUMBER = -100;
 
 struct MetadataSnapshot
 {
-    std::vector<ExifField> camera;  // camera and shooting data, by the lists in SnapshotFields.h
+    std::vector<ExifField> camera; // camera and shooting data, by the lists in SnapshotFields.h
     std::vector<ExifField> gps;
-    int rating = NO_NUMBER;         // -1 (rejected) to 5
-    int urgency = NO_NUMBER;        // 0 to 8
+    int rating = NO_NUMBER;  // -1 (rejected) to 5
+    int urgency = NO_NUMBER; // 0 to 8
     WideText label;
-    UINT16 orientation = 1;         // EXIF's numbers, 1 to 8
+    UINT16 orientation = 1; // EXIF's numbers, 1 to 8
 };
 
 using SnapshotPtr = std::shared_ptr<const MetadataSnapshot>;
@@ -47,7 +47,7 @@ using SnapshotPtr = std::shared_ptr<const MetadataSnapshot>;
 struct RecordGroup
 {
     bool blank = true;
-    SnapshotPtr snapshot;   // null too if the record outlived its snapshot
+    SnapshotPtr snapshot; // null too if the record outlived its snapshot
 };
 
 // Keeps the last 8; any thread. An older record's key finds nothing, never another picture's snapshot.

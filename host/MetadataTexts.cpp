@@ -84,15 +84,16 @@ ImageTexts ChooseTexts(const MetadataTexts &blocks)
     texts.title = FirstText({blocks.Xmp(TEXT("dc:title")), blocks.Iptc(Dataset::ObjectName),
                              blocks.ExifWindowsText(Tag::XPTitle), blocks.Xmp(TEXT("photoshop:Headline")),
                              blocks.Iptc(Dataset::Headline)});
-    texts.description = FirstText({blocks.Xmp(TEXT("dc:description")), blocks.Iptc(Dataset::Caption),
-                                   blocks.Exif(Tag::ImageDescription)});
+    texts.description = FirstText(
+        {blocks.Xmp(TEXT("dc:description")), blocks.Iptc(Dataset::Caption), blocks.Exif(Tag::ImageDescription)});
     texts.keywords = ChooseKeywords(blocks);
     texts.comment = FirstText({blocks.ExifUserComment(), blocks.ExifWindowsText(Tag::XPComment),
                                blocks.Xmp(TEXT("exif:UserComment")), blocks.FileComment()});
-    texts.artist = FirstText({JoinNames(blocks.XmpList(TEXT("dc:creator"))), JoinNames(blocks.IptcList(Dataset::Byline)),
-                              blocks.Exif(Tag::Artist), blocks.ExifWindowsText(Tag::XPAuthor)});
-    texts.copyright = FirstText({blocks.Xmp(TEXT("dc:rights")), blocks.Iptc(Dataset::Copyright),
-                                 blocks.Exif(Tag::Copyright)});
+    texts.artist =
+        FirstText({JoinNames(blocks.XmpList(TEXT("dc:creator"))), JoinNames(blocks.IptcList(Dataset::Byline)),
+                   blocks.Exif(Tag::Artist), blocks.ExifWindowsText(Tag::XPAuthor)});
+    texts.copyright =
+        FirstText({blocks.Xmp(TEXT("dc:rights")), blocks.Iptc(Dataset::Copyright), blocks.Exif(Tag::Copyright)});
     texts.credit = FirstText({blocks.Xmp(TEXT("photoshop:Credit")), blocks.Iptc(Dataset::Credit)});
     for (const IptcTextPlace &place : IPTC_TEXT_PLACES)
     {

@@ -202,7 +202,10 @@ public:
     }
 
     void SetDataset(const WCHAR *name, WideView text) { SetText(DatasetPath(name), text); }
-    void SetDatasets(const WCHAR *name, std::vector<WideText> texts) { SetTexts(DatasetPath(name), std::move(texts)); }
+    void SetDatasets(const WCHAR *name, std::vector<WideText> texts)
+    {
+        SetTexts(DatasetPath(name), std::move(texts));
+    }
 
     void SetField(const ExifField &field)
     {
@@ -295,7 +298,7 @@ void WriteExif(RecordWriting &writing, const MetadataSnapshot &snapshot, const I
     if (processed)
     {
         writing.SetShort(Main, Tag::Orientation, 1);
-        writing.SetShort(Exif, Tag::ColorSpace, 1);     // sRGB
+        writing.SetShort(Exif, Tag::ColorSpace, 1); // sRGB
     }
     for (const ExifField &field : snapshot.camera)
     {

@@ -20,9 +20,9 @@ struct DecodedPicture
 {
     UINT width = 0;
     UINT height = 0;
-    double dpiX = 0;            // of the file; where it tells none 0, or what the decoder takes instead
+    double dpiX = 0; // of the file; where it tells none 0, or what the decoder takes instead
     double dpiY = 0;
-    std::vector<BYTE> pixels;   // blue, green, red; rows without padding, from the top
+    std::vector<BYTE> pixels; // blue, green, red; rows without padding, from the top
 
     size_t RowBytes() const noexcept { return size_t{width} * 3; }
 };

@@ -35,8 +35,8 @@ void StartLibraryOnce()
         }
         // No picture is asked for twice, and its warnings are no lines of ours.
         vips_cache_set_max(0);
-        g_log_set_handler("VIPS", G_LOG_LEVEL_MASK, [](const gchar *, GLogLevelFlags, const gchar *, gpointer) {},
-                          nullptr);
+        g_log_set_handler(
+            "VIPS", G_LOG_LEVEL_MASK, [](const gchar *, GLogLevelFlags, const gchar *, gpointer) {}, nullptr);
         return true;
     }();
     if (!started)
@@ -102,7 +102,7 @@ struct FileHeader
     double dpiX = 0;
     double dpiY = 0;
     bool hasProfile = false;
-    const char *ownProfile = nullptr;   // of the library, should the file's be damaged
+    const char *ownProfile = nullptr; // of the library, should the file's be damaged
 };
 
 FileHeader ReadHeader(const std::filesystem::path &file)
@@ -206,9 +206,8 @@ DecodedPicture Finish(Image image, const std::atomic<bool> *stop)
     }
     if (vips_image_get_bands(image.get()) != 3)
     {
-        Follow(image, stop, [](VipsImage *in, VipsImage **out) {
-            return vips_extract_band(in, out, 0, "n", 3, nullptr);
-        });
+        Follow(image, stop,
+               [](VipsImage *in, VipsImage **out) { return vips_extract_band(in, out, 0, "n", 3, nullptr); });
     }
     DecodedPicture picture;
     picture.width = static_cast<UINT>(vips_image_get_width(image.get()));
@@ -273,8 +272,8 @@ DecodedPicture DecodePlain(const std::filesystem::path &file, UINT longEdge, con
 DecodedPicture Scale(DecodedPicture developed, UINT longEdge, const std::atomic<bool> *stop)
 {
     Image image(vips_image_new_from_memory(developed.pixels.data(), developed.pixels.size(),
-                                           static_cast<int>(developed.width), static_cast<int>(developed.height), 3,
-                                           VIPS_FORMAT_UCHAR));
+                                           static_cast<int>(developed.width), static_cast<int>(developed.height),
+                                           3, VIPS_FORMAT_UCHAR));
     if (!image)
     {
         ThrowBroken(stop);

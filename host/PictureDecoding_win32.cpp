@@ -58,9 +58,9 @@ Size SizeOf(IWICBitmapSource *source)
     if (UINT64{size.width} * size.height > MAX_PICTURE_PIXELS)
     {
         throw DecodingError(WINCODEC_ERR_IMAGESIZEOUTOFRANGE,
-                            "says that it is " + std::to_string(size.width) + " by " + std::to_string(size.height) +
-                                " pixels large; at most " + std::to_string(MAX_PICTURE_PIXELS / 1'000'000) +
-                                " megapixels can be decoded");
+                            "says that it is " + std::to_string(size.width) + " by " +
+                                std::to_string(size.height) + " pixels large; at most " +
+                                std::to_string(MAX_PICTURE_PIXELS / 1'000'000) + " megapixels can be decoded");
     }
     return size;
 }
@@ -83,15 +83,15 @@ class PictureReading
 public:
     PictureReading(UINT longEdge, const std::atomic<bool> *stop) : m_longEdge(longEdge), m_stop(stop)
     {
-        Check(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IWICImagingFactory),
-                               m_factory.PutVoid()));
+        Check(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
+                               __uuidof(IWICImagingFactory), m_factory.PutVoid()));
     }
 
     DecodedPicture Read(const std::filesystem::path &file)
     {
         ComPtr<IWICBitmapDecoder> decoder;
-        Check(m_factory->CreateDecoderFromFilename(file.c_str(), nullptr, GENERIC_READ, WICDecodeMetadataCacheOnDemand,
-                                                   decoder.Put()));
+        Check(m_factory->CreateDecoderFromFilename(file.c_str(), nullptr, GENERIC_READ,
+                                                   WICDecodeMetadataCacheOnDemand, decoder.Put()));
         ComPtr<IWICBitmapFrameDecode> frame;
         Check(decoder->GetFrame(0, frame.Put()));
         SizeOf(frame.Get());

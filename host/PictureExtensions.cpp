@@ -9,10 +9,9 @@ namespace
 // Sorted. What goes up as it lies on disk first of all, then what is decoded: TIFF, WebP, HEIF and
 // the camera makers' raw formats.
 constexpr auto PICTURES = std::to_array<std::string_view>({
-    "3fr",  "arw", "avif", "bmp", "cap", "cr2", "cr3", "crw", "dcr", "dng",  "erf", "exif", "fff", "gif",
-    "heic", "heif", "hif", "iiq", "jfif", "jpe", "jpeg", "jpg", "k25", "kdc", "mef", "mos", "mrw", "nef",
-    "nrw",  "orf", "pef", "png", "psd", "raf", "raw", "rw2", "rwl", "sr2", "srf", "srw", "tif", "tiff",
-    "webp", "x3f",
+    "3fr",  "arw", "avif", "bmp",  "cap", "cr2",  "cr3", "crw", "dcr", "dng", "erf", "exif", "fff",  "gif", "heic",
+    "heif", "hif", "iiq",  "jfif", "jpe", "jpeg", "jpg", "k25", "kdc", "mef", "mos", "mrw",  "nef",  "nrw", "orf",
+    "pef",  "png", "psd",  "raf",  "raw", "rw2",  "rwl", "sr2", "srf", "srw", "tif", "tiff", "webp", "x3f",
 });
 static_assert(std::is_sorted(PICTURES.begin(), PICTURES.end()));
 

@@ -9,8 +9,8 @@
 // One picture. Its files lie in one folder and differ only in their extension.
 struct PictureItem
 {
-    std::filesystem::path stem;             // absolute, without the dot and extension
-    std::vector<std::string> extensions;    // without dots, as NameBytes, in the order of their discovery
+    std::filesystem::path stem;          // absolute, without the dot and extension
+    std::vector<std::string> extensions; // without dots, as NameBytes, in the order of their discovery
 
     std::filesystem::path File(size_t index) const { return FileWith(extensions[index]); }
     std::filesystem::path FileWith(const std::string &extension) const;
@@ -18,16 +18,16 @@ struct PictureItem
 
 struct RefusedFile
 {
-    std::filesystem::path path;     // as given, or as found in a folder
-    std::string reason;             // what is wrong and what to do, UTF-8
+    std::filesystem::path path; // as given, or as found in a folder
+    std::string reason;         // what is wrong and what to do, UTF-8
 };
 
 struct ItemCollection
 {
     std::vector<PictureItem> items;
-    std::vector<RefusedFile> refused;                   // count as pictures that did not go up
-    std::vector<std::filesystem::path> folders;         // given without leave to walk them
-    std::vector<std::filesystem::path> passedOver;      // sidecars named beside pictures
+    std::vector<RefusedFile> refused;              // count as pictures that did not go up
+    std::vector<std::filesystem::path> folders;    // given without leave to walk them
+    std::vector<std::filesystem::path> passedOver; // sidecars named beside pictures
 };
 
 // Items in the order of the arguments; within a folder in natural order, subfolders included. A file

@@ -64,7 +64,8 @@ public:
         {
             return stride < row ? E_INVALIDARG : WINCODEC_ERR_INSUFFICIENTBUFFER;
         }
-        const BYTE *from = m_picture->pixels.data() + size_t(wanted.Y) * m_picture->RowBytes() + size_t(wanted.X) * 3;
+        const BYTE *from =
+            m_picture->pixels.data() + size_t(wanted.Y) * m_picture->RowBytes() + size_t(wanted.X) * 3;
         for (INT line = 0; line < wanted.Height; ++line)
         {
             std::memcpy(buffer, from, row);

@@ -85,8 +85,8 @@ private:
     const PictureDecoder m_decoder;
     mutable std::mutex m_lock;
     std::condition_variable m_changed;
-    std::list<JobPtr> m_jobs;                   // in the order of the items
-    std::map<std::string, bool> m_isDecoded;    // by extension, as the plug-in asked last
+    std::list<JobPtr> m_jobs;                // in the order of the items
+    std::map<std::string, bool> m_isDecoded; // by extension, as the plug-in asked last
     size_t m_item = 0;
     size_t m_hits = 0;
     bool m_stopped = false;

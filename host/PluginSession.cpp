@@ -50,8 +50,8 @@ Storing StoringAfter(WideView verb, HRESULT result)
 
 PluginSession::PluginSession(IUnknown *host, InitDataStore &store, const CLSID &plugin) : m_store(store)
 {
-    ThrowIfFailed(CoCreateInstance(plugin, nullptr, CLSCTX_INPROC_SERVER,
-                                   __uuidof(IHalvoraPublishingPlugin), m_plugin.PutVoid()));
+    ThrowIfFailed(CoCreateInstance(plugin, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IHalvoraPublishingPlugin),
+                                   m_plugin.PutVoid()));
     if (SUCCEEDED(Initialize(host, store.Content())))
     {
         return;

@@ -9,8 +9,8 @@ class ParentWindow
 {
 public:
     ParentWindow()
-        : m_window(CreateWindowExW(0, TEXT("Static"), TEXT("Halvora"), 0, 0, 0, 0, 0, nullptr, nullptr,
-                                   nullptr, nullptr))
+        : m_window(CreateWindowExW(0, TEXT("Static"), TEXT("Halvora"), 0, 0, 0, 0, 0, nullptr, nullptr, nullptr,
+                                   nullptr))
     {
         if (m_window == nullptr)
         {

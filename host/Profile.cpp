@@ -70,15 +70,14 @@ void InitDataStore::SetAsideDamaged()
     {
         const FolderLock lock(m_profile.Folder());
         const fs::path aside = SetFileAside(file, ".damaged");
-        m_notices.push_back("The account data in " + ShownPath(file) +
-                            " is damaged. It was kept as " + ShownPath(aside.filename()) +
-                            "; the account has to be set again.");
+        m_notices.push_back("The account data in " + ShownPath(file) + " is damaged. It was kept as " +
+                            ShownPath(aside.filename()) + "; the account has to be set again.");
     }
     catch (const std::system_error &error)
     {
-        throw ProfileError(Failure("The account data in " + ShownPath(file) +
-                                       " is damaged and can't be kept under another name",
-                                   error, "Move the file away yourself, or name another folder with --profile DIR."));
+        throw ProfileError(
+            Failure("The account data in " + ShownPath(file) + " is damaged and can't be kept under another name",
+                    error, "Move the file away yourself, or name another folder with --profile DIR."));
     }
 }
 
@@ -106,8 +105,8 @@ StoreOutcome InitDataStore::Store(const std::string &content)
     }
     catch (const std::system_error &error)
     {
-        throw ProfileError(Failure("The account data can't be kept in " + ShownPath(m_profile.InitDataFile()), error,
-                                   "What was there before is still there."));
+        throw ProfileError(Failure("The account data can't be kept in " + ShownPath(m_profile.InitDataFile()),
+                                   error, "What was there before is still there."));
     }
 }
 
@@ -120,8 +119,8 @@ void InitDataStore::Overwrite(const std::string &content)
     }
     catch (const std::system_error &error)
     {
-        throw ProfileError(Failure("The account data can't be kept in " + ShownPath(m_profile.InitDataFile()), error,
-                                   "What was there before is still there."));
+        throw ProfileError(Failure("The account data can't be kept in " + ShownPath(m_profile.InitDataFile()),
+                                   error, "What was there before is still there."));
     }
 }
 

@@ -30,14 +30,14 @@ public:
     std::filesystem::path InitDataFile() const { return m_folder / "init-data.bin"; }
 
 private:
-    std::filesystem::path m_folder;     // absolute
+    std::filesystem::path m_folder; // absolute
 };
 
 enum class StoreOutcome
 {
-    Unchanged,      // nothing to store
+    Unchanged, // nothing to store
     Stored,
-    KeptNewer       // another process stored something else meanwhile, which stays
+    KeptNewer // another process stored something else meanwhile, which stays
 };
 
 // The stream's content between runs. Processes that share a profile may all have it loaded; what one

@@ -18,13 +18,13 @@ struct ProgressView
     int64_t high = 0;
     int64_t position = 0;
     BarState state = BarState::Normal;
-    std::string status;     // UTF-8
+    std::string status; // UTF-8
 };
 
 struct LineStyle
 {
-    size_t columns = 80;    // of the terminal
-    bool unicode = false;   // blocks in eighths, and texts as they are; else ASCII alone
+    size_t columns = 80;  // of the terminal
+    bool unicode = false; // blocks in eighths, and texts as they are; else ASCII alone
     bool colour = false;
 };
 

@@ -64,10 +64,8 @@ bool MayPublish(InitDataStore &store)
 
 RunEnd Publish(RunRecord &record, InitDataStore &store, LiveDisplay &display, SignalWatch &signals)
 {
-    const auto host =
-        PublishingHost::Make(record, [&](int level, const std::string &, const std::string &message) {
-            display.Log(level, message);
-        });
+    const auto host = PublishingHost::Make(
+        record, [&](int level, const std::string &, const std::string &message) { display.Log(level, message); });
     const size_t told = store.Notices().size();
     PluginSession session(static_cast<IHalvoraPublishingHost *>(host.Get()), store);
     for (size_t i = told; i < store.Notices().size(); ++i)

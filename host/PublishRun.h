@@ -9,8 +9,8 @@
 
 struct RunEnd
 {
-    HRESULT result = E_UNEXPECTED;  // of Publish
-    bool cancelled = false;         // the user asked for the end
+    HRESULT result = E_UNEXPECTED; // of Publish
+    bool cancelled = false;        // the user asked for the end
 };
 
 // The first interrupt lets the item that is running finish, the second stops it, as a termination does

@@ -134,8 +134,9 @@ STDMETHODIMP PublishingHost::ReadImageMetadata(LPCWSTR path, INT32, INT32 longEd
         const std::filesystem::path file = PathOfText(path);
         if (!CanReadMetadata() && !m_toldOfNoReading.exchange(true))
         {
-            Tell(LOG_LEVEL_WARNING, "This system's imaging component can't read the metadata of JPEG files: texts in "
-                                    "them aren't used, and pictures are taken as they lie.");
+            Tell(LOG_LEVEL_WARNING,
+                 "This system's imaging component can't read the metadata of JPEG files: texts in "
+                 "them aren't used, and pictures are taken as they lie.");
         }
         ImageTexts texts;
         const auto groups = std::make_shared<MetadataSnapshot>();
@@ -169,8 +170,8 @@ STDMETHODIMP PublishingHost::ReadImageMetadata(LPCWSTR path, INT32, INT32 longEd
 }
 
 STDMETHODIMP PublishingHost::WriteImageMetadata(IWICMetadataQueryWriter *writer, INT32, INT32, ItemRecord *record,
-                                                INT32 copyright, INT32 exif, INT32 xmp, INT32 gps, INT32 iptc, INT32,
-                                                INT32 processed) noexcept
+                                                INT32 copyright, INT32 exif, INT32 xmp, INT32 gps, INT32 iptc,
+                                                INT32, INT32 processed) noexcept
 {
     if (writer == nullptr || record == nullptr)
     {

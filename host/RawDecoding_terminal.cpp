@@ -16,8 +16,8 @@
 namespace
 {
 constexpr auto RAW_EXTENSIONS = std::to_array<std::string_view>({
-    "3fr", "arw", "cap", "cr2", "cr3", "crw", "dcr", "dng", "erf", "fff", "iiq", "k25", "kdc", "mef", "mos",
-    "mrw", "nef", "nrw", "orf", "pef", "raf", "raw", "rw2", "rwl", "sr2", "srf", "srw", "x3f",
+    "3fr", "arw", "cap", "cr2", "cr3", "crw", "dcr", "dng", "erf", "fff", "iiq", "k25", "kdc", "mef",
+    "mos", "mrw", "nef", "nrw", "orf", "pef", "raf", "raw", "rw2", "rwl", "sr2", "srf", "srw", "x3f",
 });
 static_assert(std::is_sorted(RAW_EXTENSIONS.begin(), RAW_EXTENSIONS.end()));
 
@@ -93,7 +93,7 @@ DecodedPicture DevelopRaw(const std::filesystem::path &file, UINT longEdge, cons
     }
     libraw_output_params_t &wanted = library->imgdata.params;
     wanted.use_camera_wb = 1;
-    wanted.output_color = 1;    // sRGB
+    wanted.output_color = 1; // sRGB
     wanted.output_bps = 8;
     wanted.half_size = longEdge != 0 && std::max(width, height) / 2 >= longEdge ? 1 : 0;
     Check(library->unpack());

@@ -140,7 +140,8 @@ RunSummary RunRecord::Summarize(bool cancelled, const ErrorWords &words) const
         wentUp += end == ItemEnd::WentUp;
         if (end == ItemEnd::NotTried)
         {
-            addFailure(NameOf(m_collection.items[i]), cancelled ? "not tried, the run was cancelled" : "not tried");
+            addFailure(NameOf(m_collection.items[i]),
+                       cancelled ? "not tried, the run was cancelled" : "not tried");
         }
         else if (end == ItemEnd::Failed)
         {

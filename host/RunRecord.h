@@ -30,7 +30,7 @@ enum class ItemEnd
 struct RunSummary
 {
     ExitCode exitCode = ExitCode::AllWentUp;
-    std::string text;   // UTF-8 lines, each closed by a line feed
+    std::string text; // UTF-8 lines, each closed by a line feed
 };
 
 // Words of an HRESULT in UTF-8, empty if there are none.

@@ -21,7 +21,8 @@ std::optional<std::string> ReadStored(HKEY key, const StoredSetting &setting)
     DWORD type = 0;
     DWORD size = sizeof(text) - sizeof(WCHAR);
     if (key == nullptr ||
-        RegQueryValueExW(key, setting.Name, nullptr, &type, reinterpret_cast<BYTE *>(text), &size) != ERROR_SUCCESS ||
+        RegQueryValueExW(key, setting.Name, nullptr, &type, reinterpret_cast<BYTE *>(text), &size) !=
+            ERROR_SUCCESS ||
         type != setting.Type)
     {
         return std::nullopt;

@@ -6,9 +6,9 @@
 enum class RunSignal
 {
     None,
-    Interrupt,      // Ctrl-C
+    Interrupt, // Ctrl-C
     Terminate,
-    Resize          // the terminal has another width
+    Resize // the terminal has another width
 };
 
 // While it lives, the signals above reach Wait alone. To be made before any other thread is, since

@@ -16,10 +16,10 @@ constexpr TagRange CAMERA_MAIN[] = {{271, 272}, {305, 306}, {316, 316}};
 // EXIF 2.32 without the maker note, the user's comment, the owner's name, sound files, and what the new
 // file's own pixels say. Dates, exposure, light, sensor, conditions, lens, serial numbers.
 constexpr TagRange CAMERA_EXIF[] = {
-    {33434, 33434}, {33437, 33437}, {34850, 34850}, {34852, 34852}, {34855, 34856}, {34864, 34869},
-    {36864, 36864}, {36867, 36868}, {36880, 36882}, {37121, 37122}, {37377, 37386}, {37396, 37396},
-    {37520, 37522}, {37888, 37893}, {40961, 40961}, {41483, 41484}, {41486, 41488}, {41492, 41493}, {41495, 41495},
-    {41728, 41730}, {41985, 41996}, {42016, 42016}, {42033, 42037}, {42080, 42082}, {42240, 42240},
+    {33434, 33434}, {33437, 33437}, {34850, 34850}, {34852, 34852}, {34855, 34856}, {34864, 34869}, {36864, 36864},
+    {36867, 36868}, {36880, 36882}, {37121, 37122}, {37377, 37386}, {37396, 37396}, {37520, 37522}, {37888, 37893},
+    {40961, 40961}, {41483, 41484}, {41486, 41488}, {41492, 41493}, {41495, 41495}, {41728, 41730}, {41985, 41996},
+    {42016, 42016}, {42033, 42037}, {42080, 42082}, {42240, 42240},
 };
 
 constexpr TagRange GPS_TAGS[] = {{0, 31}};
@@ -50,9 +50,8 @@ bool SnapshotFields::Wants(ExifField::Directory directory, WORD tag, WORD type, 
     return size != 0 && size <= LONGEST_FIELD && size <= MOST_FIELD_BYTES - m_bytes && type <= LAST_TYPE &&
            std::any_of(tags.begin(), tags.end(),
                        [&](const TagRange &range) { return tag >= range.first && tag <= range.last; }) &&
-           std::none_of(fields.begin(), fields.end(), [&](const ExifField &field) {
-               return field.directory == directory && field.tag == tag;
-           });
+           std::none_of(fields.begin(), fields.end(),
+                        [&](const ExifField &field) { return field.directory == directory && field.tag == tag; });
 }
 
 void SnapshotFields::Keep(ExifField field)

@@ -14,8 +14,8 @@ WideText ReadUnits(std::string_view bytes, ByteOrder16 order)
     {
         const auto first = static_cast<unsigned char>(bytes[i]);
         const auto second = static_cast<unsigned char>(bytes[i + 1]);
-        text.push_back(static_cast<WCHAR>(order == ByteOrder16::LittleEndian ? first | second << 8
-                                                                             : first << 8 | second));
+        text.push_back(
+            static_cast<WCHAR>(order == ByteOrder16::LittleEndian ? first | second << 8 : first << 8 | second));
     }
     return text;
 }

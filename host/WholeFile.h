@@ -48,7 +48,7 @@ public:
     FolderLock &operator=(const FolderLock &) = delete;
 
 private:
-    std::intptr_t m_lock;   // of the system
+    std::intptr_t m_lock; // of the system
 };
 
 // Gives the file another name that is not taken: name + "-1", "-2" and so on. Gives the new path back.

@@ -22,8 +22,8 @@ constexpr size_t LARGEST_PART = size_t{1} << 30;
 
 FileOwner Open(const fs::path &path, DWORD access, DWORD disposition)
 {
-    return FileOwner(CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                 disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
+    return FileOwner(CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                 nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
 FileOwner OpenOrThrow(const fs::path &path, DWORD access, DWORD disposition, const char *deed)

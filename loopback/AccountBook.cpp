@@ -66,7 +66,7 @@ std::optional<std::string> Complaint(const PropertyRule &rule, const std::string
     return std::nullopt;
 }
 
-}
+} // namespace
 
 AccountBook::AccountBook(Database &database) : m_database(database)
 {
@@ -85,8 +85,7 @@ AccountBook::AccountBook(Database &database) : m_database(database)
         AddConsumer(DemoConsumerKey, DemoConsumerSecret, DemoConsumerName);
         AddToken({DemoToken, DemoSecret, "write"});
     }
-    database.Run("UPDATE consumers SET name = ? WHERE key = ? AND name = ''",
-                 {DemoConsumerName, DemoConsumerKey});
+    database.Run("UPDATE consumers SET name = ? WHERE key = ? AND name = ''", {DemoConsumerName, DemoConsumerKey});
     for (const auto &rule : PropertyRules)
     {
         if (!m_properties.contains(rule.name))
@@ -106,11 +105,10 @@ Account AccountBook::Get() const
 {
     std::lock_guard lock(m_mutex);
     const auto number = [&](const char *name) { return ParseWholeNumber(m_properties.at(name)).value_or(0); };
-    return {
-        m_properties.at("nsid"),       m_properties.at("user_name"),      m_properties.at("full_name"),
-        m_properties.at("photos_url"), m_properties.at("level") == "pro", number("max_file_size"),
-        number("bandwidth_max"),       number("bandwidth_used"),          number("refuse_duplicates") == 1,
-        number("ticket_delay_ms"),     number("request_token_seconds"),   m_properties.at("run")};
+    return {m_properties.at("nsid"),       m_properties.at("user_name"),      m_properties.at("full_name"),
+            m_properties.at("photos_url"), m_properties.at("level") == "pro", number("max_file_size"),
+            number("bandwidth_max"),       number("bandwidth_used"),          number("refuse_duplicates") == 1,
+            number("ticket_delay_ms"),     number("request_token_seconds"),   m_properties.at("run")};
 }
 
 std::optional<std::string> AccountBook::Set(const std::string &name, const std::string &value)
@@ -164,8 +162,7 @@ std::optional<TokenRecord> AccountBook::FindToken(const std::string &token) cons
 std::vector<TokenRecord> AccountBook::Tokens() const
 {
     std::vector<TokenRecord> tokens;
-    for (const auto &row :
-         m_database.Run("SELECT token, secret, permission, consumer FROM tokens ORDER BY rowid"))
+    for (const auto &row : m_database.Run("SELECT token, secret, permission, consumer FROM tokens ORDER BY rowid"))
     {
         tokens.push_back({TextAt(row, 0), TextAt(row, 1), TextAt(row, 2), TextAt(row, 3)});
     }
@@ -197,8 +194,7 @@ std::string AccountBook::ConsumerName(const std::string &key) const
 
 void AccountBook::AddConsumer(const std::string &key, const std::string &secret, const std::string &name)
 {
-    m_database.Run("INSERT OR REPLACE INTO consumers (key, secret, name) VALUES (?, ?, ?)",
-                   {key, secret, name});
+    m_database.Run("INSERT OR REPLACE INTO consumers (key, secret, name) VALUES (?, ?, ?)", {key, secret, name});
 }
 
-}
+} // namespace loopback

@@ -79,4 +79,4 @@ private:
     std::map<std::string, std::string> m_properties;
 };
 
-}
+} // namespace loopback

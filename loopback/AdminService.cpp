@@ -26,7 +26,8 @@ constexpr char Help[] =
     "GET  faults                   what is still to be played\n"
     "POST faults                   kind=status|error|cut|no-answer|delay|stall|slow|garbage|truncated\n"
     "                              [&target=upload|rest|oauth|maker|any][&count=N][&skip=N] and, by kind:\n"
-    "                              status=503&body=html|text|empty|TEXT&type=TYPE&store=1; code=105&message=M&store=1;\n"
+    "                              status=503&body=html|text|empty|TEXT&type=TYPE&store=1; "
+    "code=105&message=M&store=1;\n"
     "                              after=BYTES (cut, stall); ms=MILLISECONDS (delay, stall); rate=BYTES a second\n"
     "POST faults/clear\n"
     "GET  uploads                  every field of every photo, oldest first\n"
@@ -94,13 +95,19 @@ bool IsForeignPage(const HttpRequest &request)
     return !origin.empty() && origin != "http://" + request.host && origin != "https://" + request.host;
 }
 
-}
+} // namespace
 
 AdminService::AdminService(AccountBook &accounts, RequestTokenBook &requests, MakerEndpoint &maker,
-                           PhotoIndex &photos, UploadService &uploads, FaultQueue &faults,
-                           RequestJournal &journal, CountConnections counts)
-    : m_accounts(accounts), m_requests(requests), m_maker(maker), m_photos(photos), m_uploads(uploads),
-      m_faults(faults), m_journal(journal), m_counts(std::move(counts))
+                           PhotoIndex &photos, UploadService &uploads, FaultQueue &faults, RequestJournal &journal,
+                           CountConnections counts)
+    : m_accounts(accounts),
+      m_requests(requests),
+      m_maker(maker),
+      m_photos(photos),
+      m_uploads(uploads),
+      m_faults(faults),
+      m_journal(journal),
+      m_counts(std::move(counts))
 {
 }
 
@@ -251,8 +258,8 @@ std::string AdminService::AuthorizationsJson() const
     json.BeginArray();
     for (const auto &token : m_requests.All())
     {
-        const auto atMaker = std::find_if(kept.begin(), kept.end(),
-                                          [&](const auto &entry) { return entry.first == token.token; });
+        const auto atMaker =
+            std::find_if(kept.begin(), kept.end(), [&](const auto &entry) { return entry.first == token.token; });
         json.BeginObject();
         json.Name("token").Text(token.token);
         json.Name("application").Text(m_accounts.ConsumerName(token.consumer));
@@ -326,8 +333,9 @@ std::string AdminService::StatisticsJson() const
     const ConnectionCounts counts = m_counts();
     JsonWriter json;
     json.BeginObject();
-    const auto number = [&](const char *name, std::uint64_t value)
-    { json.Name(name).Number(static_cast<std::int64_t>(value)); };
+    const auto number = [&](const char *name, std::uint64_t value) {
+        json.Name(name).Number(static_cast<std::int64_t>(value));
+    };
     number("connections", counts.accepted);
     number("secure_connections", counts.secure);
     number("resumed_sessions", counts.resumed);
@@ -337,4 +345,4 @@ std::string AdminService::StatisticsJson() const
     return json.Json();
 }
 
-}
+} // namespace loopback

@@ -48,4 +48,4 @@ private:
     CountConnections m_counts;
 };
 
-}
+} // namespace loopback

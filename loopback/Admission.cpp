@@ -8,8 +8,7 @@ namespace loopback
 Admission::Admission(AccountBook &accounts, OAuthVerifier::Clock clock)
     : m_accounts(accounts),
       m_verifier([&accounts](const std::string &key) { return accounts.FindConsumerSecret(key); },
-                 [&accounts](const std::string &token)
-                 {
+                 [&accounts](const std::string &token) {
                      const auto record = accounts.FindToken(token);
                      return record ? std::optional(record->secret) : std::nullopt;
                  },
@@ -52,4 +51,4 @@ Caller Admission::Admit(const HttpRequest &request, const FormFields &fields, Pe
     return caller;
 }
 
-}
+} // namespace loopback

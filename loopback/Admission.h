@@ -38,4 +38,4 @@ private:
     OAuthVerifier m_verifier;
 };
 
-}
+} // namespace loopback

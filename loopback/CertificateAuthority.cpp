@@ -76,8 +76,8 @@ std::string CertificatePem(X509 *certificate)
 
 std::string KeyPem(EVP_PKEY *key)
 {
-    return AsPem([&](BIO *out)
-                 { return PEM_write_bio_PrivateKey(out, key, nullptr, nullptr, 0, nullptr, nullptr); });
+    return AsPem(
+        [&](BIO *out) { return PEM_write_bio_PrivateKey(out, key, nullptr, nullptr, 0, nullptr, nullptr); });
 }
 
 void WriteFile(const fs::path &path, const std::string &text, mode_t mode)
@@ -214,7 +214,7 @@ bool IsUsable(const Pair &server, const Pair &authority)
     return usable;
 }
 
-}
+} // namespace
 
 CertificateFiles PrepareCertificates(const fs::path &folder)
 {
@@ -245,4 +245,4 @@ CertificateFiles PrepareCertificates(const fs::path &folder)
     return files;
 }
 
-}
+} // namespace loopback

@@ -20,4 +20,4 @@ struct CertificateFiles
 // otherwise makes it anew. Throws std::runtime_error.
 CertificateFiles PrepareCertificates(const std::filesystem::path &folder);
 
-}
+} // namespace loopback

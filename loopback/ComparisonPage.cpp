@@ -85,19 +85,18 @@ std::string HeadRow(const std::vector<Upload> &uploads)
     {
         const std::string name =
             upload.photo->run.empty() ? fmt::format("Upload {}", ++number) : EscapeHtml(upload.photo->run);
-        html += fmt::format(
-            "<th scope=\"col\" dir=\"auto\"><a class=\"picture\" href=\"/photo/{}\">{}</a>{}</th>",
-            upload.photo->id, PictureHtml(*upload.photo), name);
+        html += fmt::format("<th scope=\"col\" dir=\"auto\"><a class=\"picture\" href=\"/photo/{}\">{}</a>{}</th>",
+                            upload.photo->id, PictureHtml(*upload.photo), name);
     }
     return html + "</tr></thead>";
 }
 
 std::string SizeCell(const Upload &upload, std::int64_t largest)
 {
-    return fmt::format(
-        "{}<span class=\"bar\" aria-hidden=\"true\"><i style=\"width:{:.1f}%\"></i></span>",
-        SizeText(upload.photo->size),
-        largest > 0 ? 100.0 * static_cast<double>(upload.photo->size) / static_cast<double>(largest) : 0.0);
+    return fmt::format("{}<span class=\"bar\" aria-hidden=\"true\"><i style=\"width:{:.1f}%\"></i></span>",
+                       SizeText(upload.photo->size),
+                       largest > 0 ? 100.0 * static_cast<double>(upload.photo->size) / static_cast<double>(largest)
+                                   : 0.0);
 }
 
 // How many different entries any of the uploads has in the group.
@@ -146,19 +145,14 @@ std::string Section(const std::vector<Upload> &uploads, int number)
         Row("Size", uploads, [&](const Upload &upload) { return SizeCell(upload, largest); }) +
         Row("Type", uploads, [](const Upload &upload) { return EscapeHtml(upload.photo->detectedType); }) +
         Row("Pixels", uploads,
-            [](const Upload &upload)
-            {
-                return upload.facts->width > 0
-                           ? fmt::format("{} × {}", upload.facts->width, upload.facts->height)
-                           : std::string("<span class=\"missing\">unknown</span>");
+            [](const Upload &upload) {
+                return upload.facts->width > 0 ? fmt::format("{} × {}", upload.facts->width, upload.facts->height)
+                                               : std::string("<span class=\"missing\">unknown</span>");
             }) +
-        Row("Colour profile", uploads,
-            [](const Upload &upload)
-            {
-                return upload.facts->profileSize > 0
-                           ? SizeText(static_cast<std::int64_t>(upload.facts->profileSize))
-                           : std::string("<span class=\"missing\">none in the file</span>");
-            });
+        Row("Colour profile", uploads, [](const Upload &upload) {
+            return upload.facts->profileSize > 0 ? SizeText(static_cast<std::int64_t>(upload.facts->profileSize))
+                                                 : std::string("<span class=\"missing\">none in the file</span>");
+        });
     for (const std::string name : GroupNames)
     {
         if (const std::size_t ofAll = EntriesOfAll(uploads, name))
@@ -172,7 +166,7 @@ std::string Section(const std::vector<Upload> &uploads, int number)
                        number, EscapeHtml(NameOf(*uploads.front().photo)), HeadRow(uploads), rows);
 }
 
-}
+} // namespace
 
 std::string ComparisonPage(const std::vector<PhotoRecord> &photos, const FactsOf &facts)
 {
@@ -180,9 +174,9 @@ std::string ComparisonPage(const std::vector<PhotoRecord> &photos, const FactsOf
     std::vector<std::vector<Upload>> comparisons;
     for (auto photo = photos.rbegin(); photo != photos.rend(); ++photo)
     {
-        const auto same = std::find_if(comparisons.begin(), comparisons.end(),
-                                       [&](const auto &uploads)
-                                       { return NameOf(*uploads.front().photo) == NameOf(*photo); });
+        const auto same = std::find_if(comparisons.begin(), comparisons.end(), [&](const auto &uploads) {
+            return NameOf(*uploads.front().photo) == NameOf(*photo);
+        });
         auto &uploads = same == comparisons.end() ? comparisons.emplace_back() : *same;
         uploads.push_back({&*photo, facts(*photo)});
     }
@@ -195,15 +189,13 @@ std::string ComparisonPage(const std::vector<PhotoRecord> &photos, const FactsOf
     }
     if (main.empty())
     {
-        main =
-            "<div class=\"empty\"><h2>Nothing to compare yet</h2><p>Photos that were uploaded more than once "
-            "under the same title appear here side by side.</p></div>";
+        main = "<div class=\"empty\"><h2>Nothing to compare yet</h2><p>Photos that were uploaded more than once "
+               "under the same title appear here side by side.</p></div>";
     }
-    return PageFrame(
-        {"Uploads side by side", Style,
-         "<h1>Uploads side by side</h1><p>What came through each time, the earliest on the left</p>"
-         "<p><a href=\"/\">← All photos</a></p>",
-         main});
+    return PageFrame({"Uploads side by side", Style,
+                      "<h1>Uploads side by side</h1><p>What came through each time, the earliest on the left</p>"
+                      "<p><a href=\"/\">← All photos</a></p>",
+                      main});
 }
 
-}
+} // namespace loopback

@@ -14,4 +14,4 @@ namespace loopback
 // `photos` are the newest first; in each comparison the oldest is on the left.
 std::string ComparisonPage(const std::vector<PhotoRecord> &photos, const FactsOf &facts);
 
-}
+} // namespace loopback

@@ -27,7 +27,7 @@ constexpr std::chrono::minutes TransferLimit{10};
 constexpr std::size_t BufferSize = 64 * 1024;
 constexpr unsigned char TlsHandshakeRecord = 0x16;
 
-}
+} // namespace
 
 void Connection::TlsRelease::operator()(ssl_st *tls) const
 {
@@ -66,8 +66,8 @@ bool Connection::Wait(short events, std::chrono::milliseconds limit)
     const auto end = std::chrono::steady_clock::now() + limit;
     for (;;)
     {
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-            end - std::chrono::steady_clock::now());
+        const auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
         pollfd polled[] = {{m_stopSignal, POLLIN, 0}, {m_socket, events, 0}};
         const nfds_t count = events != 0 ? 2 : 1;
         const int ready = poll(polled, count, static_cast<int>(std::max<std::int64_t>(left.count(), 0)));
@@ -247,4 +247,4 @@ bool Connection::Pause(std::chrono::milliseconds duration)
     }
 }
 
-}
+} // namespace loopback

@@ -70,4 +70,4 @@ private:
     std::size_t m_end = 0;
 };
 
-}
+} // namespace loopback

@@ -65,9 +65,7 @@ std::string Question(const std::string &application, const std::string &permissi
 std::string TimeLeft(std::int64_t seconds)
 {
     const std::int64_t minutes = (seconds + 30) / 60;
-    return minutes >= 2   ? fmt::format("{} minutes", minutes)
-           : minutes == 1 ? "a minute"
-                          : "less than a minute";
+    return minutes >= 2 ? fmt::format("{} minutes", minutes) : minutes == 1 ? "a minute" : "less than a minute";
 }
 
 // The first character, however many bytes it has.
@@ -93,9 +91,8 @@ std::string FormHtml(const ConsentQuestion &question)
                                    "account of this name here.</p>"
                                  : "<p class=\"hint\" id=\"user-hint\">" + EscapeHtml(question.fullName) +
                                        ". On this machine no password is asked for.</p>";
-    return "<form method=\"post\" action=\"/services/oauth/authorize\">" +
-           Hidden("oauth_token", question.token) + Hidden("perms", question.permission) +
-           Hidden("form_key", question.formKey) +
+    return "<form method=\"post\" action=\"/services/oauth/authorize\">" + Hidden("oauth_token", question.token) +
+           Hidden("perms", question.permission) + Hidden("form_key", question.formKey) +
            "<label for=\"user\">Your account</label><input id=\"user\" name=\"user\" value=\"" +
            EscapeHtml(question.userName) +
            "\" autocomplete=\"username\" autocapitalize=\"none\" spellcheck=\"false\" maxlength=\"200\" "
@@ -111,7 +108,7 @@ std::string Sheet(const std::string &html)
     return "<section class=\"sheet\" aria-labelledby=\"heading\">" + html + "</section>";
 }
 
-}
+} // namespace
 
 std::string ConsentQuestionPage(const ConsentQuestion &question)
 {
@@ -121,21 +118,18 @@ std::string ConsentQuestionPage(const ConsentQuestion &question)
     const std::string after = question.callbackHost.empty()
                                   ? "If you allow it, you see a code to type into " + name + "."
                                   : "If you allow it, your browser goes on to <b>" +
-                                        EscapeHtml(question.callbackHost) + "</b>, which lets " + name +
-                                        " know.";
+                                        EscapeHtml(question.callbackHost) + "</b>, which lets " + name + " know.";
     const std::string main =
         "<p class=\"who\"><span class=\"badge\" aria-hidden=\"true\">" +
         EscapeHtml(Initial(question.application)) + "</span><span>The program <b>" + name +
         "</b> asks</span></p><h1 id=\"heading\" dir=\"auto\">" +
         EscapeHtml(Question(question.application, question.permission)) + "</h1>" +
-        (question.notice.empty()
-             ? ""
-             : "<p class=\"notice\" role=\"alert\">" + EscapeHtml(question.notice) + "</p>") +
+        (question.notice.empty() ? ""
+                                 : "<p class=\"notice\" role=\"alert\">" + EscapeHtml(question.notice) + "</p>") +
         "<h2>It will be able to</h2><ul class=\"can\">" + MaySee + (mayWrite ? MayWrite : "") +
         (mayDelete ? MayDelete : "") + "</ul><h2>It won’t be able to</h2><ul class=\"cannot\">" +
-        (mayWrite ? "" : MayWrite) + (mayDelete ? "" : MayDelete) + NeverPassword + "</ul>" +
-        FormHtml(question) + "<p class=\"after\">" + after + " You can answer for " +
-        TimeLeft(question.secondsLeft) + ".</p>";
+        (mayWrite ? "" : MayWrite) + (mayDelete ? "" : MayDelete) + NeverPassword + "</ul>" + FormHtml(question) +
+        "<p class=\"after\">" + after + " You can answer for " + TimeLeft(question.secondsLeft) + ".</p>";
     return PageFrame({question.application + " asks for access", Style, Brand, Sheet(main)});
 }
 
@@ -154,4 +148,4 @@ std::string ConsentCodePage(const std::string &application, const std::string &c
                             ":</p><p class=\"code\">" + EscapeHtml(code) + "</p>")});
 }
 
-}
+} // namespace loopback

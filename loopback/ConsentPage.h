@@ -38,4 +38,4 @@ std::string ConsentOutcomePage(std::string_view heading, std::string_view text);
 // For an application that can't be called back: the person types this code there.
 std::string ConsentCodePage(const std::string &application, const std::string &code);
 
-}
+} // namespace loopback

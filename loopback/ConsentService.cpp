@@ -46,8 +46,7 @@ std::string VisitorOf(const HttpRequest &request)
         const auto begin = std::min(cookies.find_first_not_of(' ', at), end);
         if (cookies.compare(begin, CookieName.size(), CookieName) == 0)
         {
-            const std::string visitor =
-                cookies.substr(begin + CookieName.size(), end - begin - CookieName.size());
+            const std::string visitor = cookies.substr(begin + CookieName.size(), end - begin - CookieName.size());
             const bool isOurs = visitor.size() == 2 * VisitorBytes &&
                                 visitor.find_first_not_of("0123456789abcdef") == std::string::npos;
             return isOurs ? visitor : std::string();
@@ -85,18 +84,16 @@ HttpReply NothingToAnswer(const std::optional<RequestToken> &token)
 {
     if (!token)
     {
-        return Outcome(
-            404, "This question isn’t known here",
-            "The address is incomplete, or the question was asked too long ago. Go back to the program "
-            "that opened this page and start the authorization again.");
+        return Outcome(404, "This question isn’t known here",
+                       "The address is incomplete, or the question was asked too long ago. Go back to the program "
+                       "that opened this page and start the authorization again.");
     }
     switch (token->state)
     {
     case RequestTokenState::Denied:
-        return Outcome(
-            410, "You have already said no",
-            "Nothing was granted. If you have changed your mind, start the authorization again in the "
-            "program that opened this page.");
+        return Outcome(410, "You have already said no",
+                       "Nothing was granted. If you have changed your mind, start the authorization again in the "
+                       "program that opened this page.");
     case RequestTokenState::Expired:
         return Outcome(410, "The time for this question is over",
                        "Nothing was granted. Go back to the program that opened this page and start the "
@@ -107,7 +104,7 @@ HttpReply NothingToAnswer(const std::optional<RequestToken> &token)
     }
 }
 
-}
+} // namespace
 
 ConsentService::ConsentService(const AccountBook &accounts, RequestTokenBook &requests)
     : m_accounts(accounts), m_requests(requests), m_key(RandomHex(20))
@@ -164,12 +161,10 @@ HttpReply ConsentService::Ask(const HttpRequest &request, const FormFields &fiel
                              token->secondsLeft,
                              notice,
                              isUserUnknown};
-    HttpReply reply =
-        PageReply(notice.empty() ? (isUserUnknown ? 422 : 200) : 403, ConsentQuestionPage(question),
-                  isCallable ? "'self' " + OriginOf(token->callback) : "'self'");
-    reply.headers.emplace_back("Set-Cookie",
-                               fmt::format("{}{}; Path=/services/oauth/; HttpOnly; SameSite=Lax{}",
-                                           CookieName, visitor, request.secure ? "; Secure" : ""));
+    HttpReply reply = PageReply(notice.empty() ? (isUserUnknown ? 422 : 200) : 403, ConsentQuestionPage(question),
+                                isCallable ? "'self' " + OriginOf(token->callback) : "'self'");
+    reply.headers.emplace_back("Set-Cookie", fmt::format("{}{}; Path=/services/oauth/; HttpOnly; SameSite=Lax{}",
+                                                         CookieName, visitor, request.secure ? "; Secure" : ""));
     return reply;
 }
 
@@ -179,11 +174,10 @@ HttpReply ConsentService::Answer(const HttpRequest &request, const FormFields &f
     if (visitor.empty() || !IsFromOwnPage(request) ||
         !EqualSecretly(FormKey(visitor, fields), Field(fields, "form_key")))
     {
-        return Ask(
-            request, fields,
-            "Your answer did not count, since it didn’t come from this page as your browser shows it now. "
-            "Please answer once more. If that doesn’t help, let your browser keep cookies.",
-            false);
+        return Ask(request, fields,
+                   "Your answer did not count, since it didn’t come from this page as your browser shows it now. "
+                   "Please answer once more. If that doesn’t help, let your browser keep cookies.",
+                   false);
     }
     const std::string token = Field(fields, "oauth_token");
     const std::string decision = Field(fields, "decision");
@@ -219,4 +213,4 @@ HttpReply ConsentService::Granted(const RequestToken &token) const
     return reply;
 }
 
-}
+} // namespace loopback

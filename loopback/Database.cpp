@@ -23,7 +23,7 @@ struct FinalizeStatement
 
 using Statement = std::unique_ptr<sqlite3_stmt, FinalizeStatement>;
 
-}
+} // namespace
 
 struct Database::State
 {
@@ -62,10 +62,10 @@ std::vector<Database::Row> Database::Run(const char *sql, const std::vector<Valu
     {
         const int position = static_cast<int>(i) + 1;
         const auto *text = std::get_if<std::string>(&values[i]);
-        m_state->Check(text ? sqlite3_bind_text64(prepared, position, text->data(), text->size(),
-                                                  SQLITE_STATIC, SQLITE_UTF8)
-                            : sqlite3_bind_int64(prepared, position, std::get<std::int64_t>(values[i])),
-                       SQLITE_OK);
+        m_state->Check(
+            text ? sqlite3_bind_text64(prepared, position, text->data(), text->size(), SQLITE_STATIC, SQLITE_UTF8)
+                 : sqlite3_bind_int64(prepared, position, std::get<std::int64_t>(values[i])),
+            SQLITE_OK);
     }
     std::vector<Row> rows;
     int result = SQLITE_ROW;
@@ -77,8 +77,8 @@ std::vector<Database::Row> Database::Run(const char *sql, const std::vector<Valu
             if (sqlite3_column_type(prepared, column) == SQLITE_TEXT)
             {
                 const auto *text = reinterpret_cast<const char *>(sqlite3_column_text(prepared, column));
-                row.emplace_back(std::string(
-                    text, static_cast<std::size_t>(sqlite3_column_bytes(prepared, column))));
+                row.emplace_back(
+                    std::string(text, static_cast<std::size_t>(sqlite3_column_bytes(prepared, column))));
             }
             else
             {
@@ -109,4 +109,4 @@ const std::string &TextAt(const Database::Row &row, std::size_t column)
     return std::get<std::string>(row.at(column));
 }
 
-}
+} // namespace loopback

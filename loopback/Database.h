@@ -36,4 +36,4 @@ void EnsureTextColumn(Database &database, const std::string &table, const std::s
 std::int64_t NumberAt(const Database::Row &row, std::size_t column);
 const std::string &TextAt(const Database::Row &row, std::size_t column);
 
-}
+} // namespace loopback

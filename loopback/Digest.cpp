@@ -54,4 +54,4 @@ std::string Sha256::Finish()
     return text;
 }
 
-}
+} // namespace loopback

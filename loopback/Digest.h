@@ -33,4 +33,4 @@ private:
     std::unique_ptr<evp_md_ctx_st, Release> m_context;
 };
 
-}
+} // namespace loopback

@@ -20,10 +20,14 @@ struct KindName
 };
 
 constexpr std::array KindNames = {
-    KindName{FaultKind::Status, "status"},     KindName{FaultKind::Error, "error"},
-    KindName{FaultKind::Cut, "cut"},           KindName{FaultKind::NoAnswer, "no-answer"},
-    KindName{FaultKind::Delay, "delay"},       KindName{FaultKind::Stall, "stall"},
-    KindName{FaultKind::Slow, "slow"},         KindName{FaultKind::Garbage, "garbage"},
+    KindName{FaultKind::Status, "status"},
+    KindName{FaultKind::Error, "error"},
+    KindName{FaultKind::Cut, "cut"},
+    KindName{FaultKind::NoAnswer, "no-answer"},
+    KindName{FaultKind::Delay, "delay"},
+    KindName{FaultKind::Stall, "stall"},
+    KindName{FaultKind::Slow, "slow"},
+    KindName{FaultKind::Garbage, "garbage"},
     KindName{FaultKind::Truncated, "truncated"},
 };
 
@@ -34,17 +38,22 @@ struct StatusWords
 };
 
 constexpr std::array Words = {
-    StatusWords{400, "Bad Request"},         StatusWords{401, "Unauthorized"},
-    StatusWords{403, "Forbidden"},           StatusWords{404, "Not Found"},
-    StatusWords{413, "Payload Too Large"},   StatusWords{429, "Too Many Requests"},
-    StatusWords{500, "Internal Server Error"}, StatusWords{502, "Bad Gateway"},
-    StatusWords{503, "Service Unavailable"}, StatusWords{504, "Gateway Time-out"},
+    StatusWords{400, "Bad Request"},
+    StatusWords{401, "Unauthorized"},
+    StatusWords{403, "Forbidden"},
+    StatusWords{404, "Not Found"},
+    StatusWords{413, "Payload Too Large"},
+    StatusWords{429, "Too Many Requests"},
+    StatusWords{500, "Internal Server Error"},
+    StatusWords{502, "Bad Gateway"},
+    StatusWords{503, "Service Unavailable"},
+    StatusWords{504, "Gateway Time-out"},
 };
 
 std::string WordsFor(int status)
 {
-    const auto found = std::find_if(Words.begin(), Words.end(),
-                                    [&](const StatusWords &entry) { return entry.status == status; });
+    const auto found =
+        std::find_if(Words.begin(), Words.end(), [&](const StatusWords &entry) { return entry.status == status; });
     return found == Words.end() ? "Error" : found->words;
 }
 
@@ -68,7 +77,7 @@ bool ReadNumber(const FormFields &fields, const char *name, long long lowest, Nu
 
 std::optional<std::string> UnknownField(const FormFields &fields)
 {
-    constexpr std::array known = {"kind", "target", "count", "skip",    "store", "status", "body",
+    constexpr std::array known = {"kind", "target", "count",   "skip",  "store", "status", "body",
                                   "type", "code",   "message", "after", "ms",    "rate"};
     for (const auto &[name, value] : fields)
     {
@@ -80,7 +89,7 @@ std::optional<std::string> UnknownField(const FormFields &fields)
     return std::nullopt;
 }
 
-}
+} // namespace
 
 const char *FaultName(FaultKind kind)
 {
@@ -116,8 +125,8 @@ std::optional<std::string> ReadFault(const FormFields &fields, Fault &fault)
     if (!ReadNumber(fields, "count", 1, fault.count) || !ReadNumber(fields, "skip", 0, fault.skip) ||
         !ReadNumber(fields, "store", 0, store) || !ReadNumber(fields, "status", 200, fault.status) ||
         !ReadNumber(fields, "code", 0, fault.code) || !ReadNumber(fields, "after", 0, fault.after) ||
-        !ReadNumber(fields, "ms", 0, fault.milliseconds) ||
-        !ReadNumber(fields, "rate", 1, fault.bytesPerSecond) || fault.status > 599)
+        !ReadNumber(fields, "ms", 0, fault.milliseconds) || !ReadNumber(fields, "rate", 1, fault.bytesPerSecond) ||
+        fault.status > 599)
     {
         return "a number of the fault is out of range";
     }
@@ -146,8 +155,9 @@ std::vector<Fault> FaultQueue::Pending() const
 std::optional<Fault> FaultQueue::Take(const std::string &target)
 {
     std::lock_guard lock(m_mutex);
-    const auto found = std::find_if(m_faults.begin(), m_faults.end(), [&](const Fault &fault)
-                                    { return fault.target == "any" || fault.target == target; });
+    const auto found = std::find_if(m_faults.begin(), m_faults.end(), [&](const Fault &fault) {
+        return fault.target == "any" || fault.target == target;
+    });
     if (found == m_faults.end())
     {
         return std::nullopt;
@@ -204,4 +214,4 @@ std::optional<HttpReply> FaultAnswer(const Fault &fault)
     }
 }
 
-}
+} // namespace loopback

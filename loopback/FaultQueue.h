@@ -83,4 +83,4 @@ private:
 // The answer that the fault gives in place of the service's own, if it is one that answers.
 std::optional<HttpReply> FaultAnswer(const Fault &fault);
 
-}
+} // namespace loopback

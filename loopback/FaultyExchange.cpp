@@ -10,9 +10,9 @@ bool FaultyExchange::ReadBody(const BodySink &sink)
     {
         return false;
     }
-    return m_exchange.ReadBody(
-        [&](std::string_view bytes)
-        { return BeforeBytes(static_cast<std::int64_t>(bytes.size())) && sink(bytes); });
+    return m_exchange.ReadBody([&](std::string_view bytes) {
+        return BeforeBytes(static_cast<std::int64_t>(bytes.size())) && sink(bytes);
+    });
 }
 
 bool FaultyExchange::BeforeBytes(std::int64_t count)
@@ -38,4 +38,4 @@ bool FaultyExchange::BeforeBytes(std::int64_t count)
     return true;
 }
 
-}
+} // namespace loopback

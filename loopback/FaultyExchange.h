@@ -27,4 +27,4 @@ private:
     std::chrono::steady_clock::time_point m_begin;
 };
 
-}
+} // namespace loopback

@@ -17,7 +17,7 @@ struct Signature
     FileKind kind;
 };
 
-}
+} // namespace
 
 const FileKind *RecogniseFile(std::string_view firstBytes)
 {
@@ -44,4 +44,4 @@ const FileKind *RecogniseFile(std::string_view firstBytes)
     return nullptr;
 }
 
-}
+} // namespace loopback

@@ -20,4 +20,4 @@ constexpr std::size_t FileKindBytes = 64;
 // Null for what the service doesn't take.
 const FileKind *RecogniseFile(std::string_view firstBytes);
 
-}
+} // namespace loopback

@@ -69,8 +69,8 @@ FormFields ParseForm(std::string_view text)
 
 std::optional<std::string> FindField(const FormFields &fields, std::string_view name)
 {
-    const auto found = std::find_if(fields.begin(), fields.end(),
-                                    [&](const auto &field) { return field.first == name; });
+    const auto found =
+        std::find_if(fields.begin(), fields.end(), [&](const auto &field) { return field.first == name; });
     return found == fields.end() ? std::nullopt : std::optional(found->second);
 }
 
@@ -85,4 +85,4 @@ std::optional<long long> ParseWholeNumber(std::string_view text)
     return value;
 }
 
-}
+} // namespace loopback

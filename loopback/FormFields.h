@@ -27,4 +27,4 @@ std::optional<std::string> FindField(const FormFields &fields, std::string_view 
 // A whole number in decimal, with nothing around it.
 std::optional<long long> ParseWholeNumber(std::string_view text);
 
-}
+} // namespace loopback

@@ -21,7 +21,7 @@ HttpReply Picture(const PhotoRecord &record, const std::filesystem::path &path)
     return reply;
 }
 
-}
+} // namespace
 
 Gallery::Gallery(const AccountBook &accounts, const PhotoIndex &photos, const UploadService &uploads)
     : m_accounts(accounts), m_photos(photos), m_uploads(uploads)
@@ -77,4 +77,4 @@ HttpReply Gallery::Handle(const HttpRequest &request) const
     return PageReply(404, MissingPage());
 }
 
-}
+} // namespace loopback

@@ -35,4 +35,4 @@ private:
     mutable std::map<std::int64_t, std::shared_ptr<const PhotoFacts>> m_facts;
 };
 
-}
+} // namespace loopback

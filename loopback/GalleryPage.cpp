@@ -112,8 +112,8 @@ std::string CardHtml(const PhotoRecord &photo, const std::string &groupNames)
                        "<span>{9}</span><span>{10}</span>{11}</div></div></article>\n",
                        photo.id, PictureHtml(photo), TitleHtml(photo), DescriptionHtml(photo), TagsHtml(photo),
                        Audience(photo), Word(SafetyWords, photo.safetyLevel),
-                       Word(ContentWords, photo.contentType), EscapeHtml(photo.detectedType),
-                       SizeText(photo.size), groupNames.empty() ? "no metadata in the file" : groupNames,
+                       Word(ContentWords, photo.contentType), EscapeHtml(photo.detectedType), SizeText(photo.size),
+                       groupNames.empty() ? "no metadata in the file" : groupNames,
                        photo.run.empty() ? "" : "<span>" + EscapeHtml(photo.run) + "</span>");
 }
 
@@ -124,19 +124,16 @@ std::string RowHtml(const std::string &name, const std::string &value)
 
 std::string UploadTable(const PhotoRecord &photo, const PhotoFacts &facts)
 {
-    std::string rows = RowHtml("Who may see it", Audience(photo)) +
-                       RowHtml("Safety", Word(SafetyWords, photo.safetyLevel)) +
-                       RowHtml("Content", Word(ContentWords, photo.contentType)) +
-                       RowHtml("Search", Word(SearchWords, photo.hidden)) +
-                       RowHtml("File name", photo.fileName) +
-                       RowHtml("Type", photo.detectedType + (photo.mimeType == photo.detectedType
-                                                                 ? ""
-                                                                 : " (sent as " + photo.mimeType + ")")) +
-                       RowHtml("Size", fmt::format("{} ({} bytes)", SizeText(photo.size), photo.size)) +
-                       RowHtml("Pixels", facts.width > 0 ? fmt::format("{} × {}", facts.width, facts.height)
-                                                         : "unknown") +
-                       RowHtml("SHA-256", photo.sha256) + RowHtml("Uploaded", TimeText(photo.uploaded)) +
-                       RowHtml("Program", photo.userAgent) + RowHtml("Photo id", std::to_string(photo.id));
+    std::string rows =
+        RowHtml("Who may see it", Audience(photo)) + RowHtml("Safety", Word(SafetyWords, photo.safetyLevel)) +
+        RowHtml("Content", Word(ContentWords, photo.contentType)) +
+        RowHtml("Search", Word(SearchWords, photo.hidden)) + RowHtml("File name", photo.fileName) +
+        RowHtml("Type", photo.detectedType +
+                            (photo.mimeType == photo.detectedType ? "" : " (sent as " + photo.mimeType + ")")) +
+        RowHtml("Size", fmt::format("{} ({} bytes)", SizeText(photo.size), photo.size)) +
+        RowHtml("Pixels", facts.width > 0 ? fmt::format("{} × {}", facts.width, facts.height) : "unknown") +
+        RowHtml("SHA-256", photo.sha256) + RowHtml("Uploaded", TimeText(photo.uploaded)) +
+        RowHtml("Program", photo.userAgent) + RowHtml("Photo id", std::to_string(photo.id));
     if (!photo.ticket.empty())
     {
         rows += RowHtml("Ticket", photo.ticket);
@@ -144,7 +141,7 @@ std::string UploadTable(const PhotoRecord &photo, const PhotoFacts &facts)
     return "<table>" + rows + "</table>";
 }
 
-}
+} // namespace
 
 std::string SizeText(std::int64_t bytes)
 {
@@ -184,9 +181,8 @@ std::string OverviewPage(const Account &account, const std::vector<PhotoRecord> 
     const std::string heading =
         fmt::format("<h1>{}<i>.</i></h1><p>{} · {} account · {} {}, {}</p>"
                     "<p><a href=\"/compare\">Compare uploads</a></p>",
-                    EscapeHtml(account.fullName),
-                    EscapeHtml(account.userName), account.isPro ? "Pro" : "Basic", photos.size(),
-                    photos.size() == 1 ? "photo" : "photos", SizeText(bytes));
+                    EscapeHtml(account.fullName), EscapeHtml(account.userName), account.isPro ? "Pro" : "Basic",
+                    photos.size(), photos.size() == 1 ? "photo" : "photos", SizeText(bytes));
     return Frame(account.fullName + "’s photos", heading,
                  photos.empty() ? "<div class=\"empty\"><h2>Nothing published yet</h2>"
                                   "<p>Pictures appear here as soon as they are uploaded.</p></div>"
@@ -227,4 +223,4 @@ std::string MissingPage()
                  "<div class=\"empty\"><h2>Nothing is here</h2></div>");
 }
 
-}
+} // namespace loopback

@@ -23,9 +23,8 @@ std::string PictureHtml(const PhotoRecord &photo);
 // "2.3 MB"
 std::string SizeText(std::int64_t bytes);
 
-std::string OverviewPage(const Account &account, const std::vector<PhotoRecord> &photos,
-                         const FactsOf &facts);
+std::string OverviewPage(const Account &account, const std::vector<PhotoRecord> &photos, const FactsOf &facts);
 std::string PhotoPage(const PhotoRecord &photo, const PhotoFacts &facts);
 std::string MissingPage();
 
-}
+} // namespace loopback

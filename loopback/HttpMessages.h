@@ -37,10 +37,7 @@ struct HttpRequest
     }
 
     // The target without its query, still percent-encoded.
-    std::string Path() const
-    {
-        return target.substr(0, target.find('?'));
-    }
+    std::string Path() const { return target.substr(0, target.find('?')); }
 
     std::string Query() const
     {
@@ -49,10 +46,7 @@ struct HttpRequest
     }
 
     // The host without its port.
-    std::string HostName() const
-    {
-        return host.substr(0, host.find(':'));
-    }
+    std::string HostName() const { return host.substr(0, host.find(':')); }
 };
 
 struct HttpReply
@@ -97,4 +91,4 @@ public:
 
 using HttpHandler = std::function<HttpReply(HttpExchange &)>;
 
-}
+} // namespace loopback

@@ -82,15 +82,12 @@ public:
     void enqueue(std::function<void()> work) override
     {
         ++m_running;
-        std::thread(
-            [this, work = std::move(work)]
-            {
-                work();
-                std::lock_guard lock(m_mutex);
-                --m_running;
-                m_ended.notify_all();
-            })
-            .detach();
+        std::thread([this, work = std::move(work)] {
+            work();
+            std::lock_guard lock(m_mutex);
+            --m_running;
+            m_ended.notify_all();
+        }).detach();
     }
 
     void shutdown() override
@@ -139,19 +136,17 @@ public:
         }
         // A sink that fails must not leave half a body on a connection that goes on.
         std::exception_ptr failure;
-        m_drained = (*m_reader)(
-            [&](const char *bytes, std::size_t size)
+        m_drained = (*m_reader)([&](const char *bytes, std::size_t size) {
+            try
             {
-                try
-                {
-                    return (failure || sink(std::string_view(bytes, size))) && !m_connection.IsDropped();
-                }
-                catch (...)
-                {
-                    failure = std::current_exception();
-                    return true;
-                }
-            });
+                return (failure || sink(std::string_view(bytes, size))) && !m_connection.IsDropped();
+            }
+            catch (...)
+            {
+                failure = std::current_exception();
+                return true;
+            }
+        });
         if (!m_drained)
         {
             m_connection.Drop(ConnectionEnd::Reset);
@@ -183,16 +178,13 @@ void SendFile(const std::filesystem::path &path, const std::string &type, httpli
         response.status = 404;
         return;
     }
-    response.set_content_provider(size, type,
-                                  [file](std::size_t offset, std::size_t length, httplib::DataSink &sink)
-                                  {
-                                      char bytes[64 * 1024];
-                                      file->seekg(static_cast<std::streamoff>(offset));
-                                      file->read(bytes, static_cast<std::streamsize>(
-                                                            std::min(length, sizeof bytes)));
-                                      return file->gcount() > 0 &&
-                                             sink.write(bytes, static_cast<std::size_t>(file->gcount()));
-                                  });
+    response.set_content_provider(
+        size, type, [file](std::size_t offset, std::size_t length, httplib::DataSink &sink) {
+            char bytes[64 * 1024];
+            file->seekg(static_cast<std::streamoff>(offset));
+            file->read(bytes, static_cast<std::streamsize>(std::min(length, sizeof bytes)));
+            return file->gcount() > 0 && sink.write(bytes, static_cast<std::size_t>(file->gcount()));
+        });
 }
 
 void FillResponse(const HttpReply &reply, httplib::Response &response)
@@ -209,8 +201,7 @@ void FillResponse(const HttpReply &reply, httplib::Response &response)
     else if (reply.cutInBody)
     {
         response.set_content_provider(reply.body.size(), reply.contentType,
-                                      [body = reply.body](std::size_t, std::size_t, httplib::DataSink &sink)
-                                      {
+                                      [body = reply.body](std::size_t, std::size_t, httplib::DataSink &sink) {
                                           sink.write(body.data(), body.size() / 2);
                                           return false;
                                       });
@@ -230,14 +221,15 @@ bool SetUpTls(SSL_CTX &context, const std::filesystem::path &chain, const std::f
            SSL_CTX_use_PrivateKey_file(&context, key.c_str(), SSL_FILETYPE_PEM) == 1;
 }
 
-}
+} // namespace
 
 class HttpServer::Listener final : public httplib::SSLServer
 {
 public:
     Listener(const std::filesystem::path &chain, const std::filesystem::path &key, HttpHandler handler)
         : httplib::SSLServer([&](SSL_CTX &context) { return SetUpTls(context, chain, key); }),
-          m_handler(std::move(handler)), m_stopSignal(eventfd(0, EFD_CLOEXEC))
+          m_handler(std::move(handler)),
+          m_stopSignal(eventfd(0, EFD_CLOEXEC))
     {
         if (!is_valid() || m_stopSignal < 0)
         {
@@ -247,15 +239,14 @@ public:
         set_keep_alive_timeout(std::chrono::seconds(KeepAliveLimit).count());
         new_task_queue = [] { return new ThreadPerConnection; };
         // Not SO_REUSEPORT, with which a second server would take half of the connections unseen.
-        set_socket_options(
-            [](socket_t socket)
-            {
-                const int on = 1;
-                setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-                setsockopt(socket, SOL_SOCKET, SO_RCVBUF, &ReceiveBuffer, sizeof ReceiveBuffer);
-            });
-        Get(".*", [this](const httplib::Request &request, httplib::Response &response)
-            { Answer(request, response, nullptr); });
+        set_socket_options([](socket_t socket) {
+            const int on = 1;
+            setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+            setsockopt(socket, SOL_SOCKET, SO_RCVBUF, &ReceiveBuffer, sizeof ReceiveBuffer);
+        });
+        Get(".*", [this](const httplib::Request &request, httplib::Response &response) {
+            Answer(request, response, nullptr);
+        });
         Post(".*", [this](const httplib::Request &request, httplib::Response &response,
                           const httplib::ContentReader &reader) { Answer(request, response, &reader); });
     }
@@ -264,8 +255,8 @@ public:
 
     int Bind(int port)
     {
-        const int bound = port == 0 ? bind_to_any_port("127.0.0.1")
-                                    : (bind_to_port("127.0.0.1", port) ? port : -1);
+        const int bound =
+            port == 0 ? bind_to_any_port("127.0.0.1") : (bind_to_port("127.0.0.1", port) ? port : -1);
         if (bound <= 0)
         {
             throw std::runtime_error("can't listen on 127.0.0.1, port " + std::to_string(port) +
@@ -283,10 +274,7 @@ public:
         stop();
     }
 
-    ConnectionCounts Counts() const
-    {
-        return {m_accepted, m_secure, m_resumed, m_open, m_requests};
-    }
+    ConnectionCounts Counts() const { return {m_accepted, m_secure, m_resumed, m_open, m_requests}; }
 
 private:
     bool process_and_close_socket(socket_t socket) override
@@ -312,15 +300,13 @@ private:
     {
         bool closed = false;
         bool understood = false;
-        const bool done = process_request(stream, false, closed,
-                                          [&](httplib::Request &request)
-                                          {
-                                              understood = Admit(request);
-                                              if (!understood)
-                                              {
-                                                  connection.Drop(ConnectionEnd::Reset);
-                                              }
-                                          });
+        const bool done = process_request(stream, false, closed, [&](httplib::Request &request) {
+            understood = Admit(request);
+            if (!understood)
+            {
+                connection.Drop(ConnectionEnd::Reset);
+            }
+        });
         return done && understood && !closed && !connection.IsDropped();
     }
 
@@ -343,8 +329,7 @@ private:
         return request.method == "GET" || request.method == "HEAD" || request.method == "POST";
     }
 
-    void Answer(const httplib::Request &request, httplib::Response &response,
-                const httplib::ContentReader *reader)
+    void Answer(const httplib::Request &request, httplib::Response &response, const httplib::ContentReader *reader)
     {
         Exchange exchange(request, *t_connection, reader);
         HttpReply reply;
@@ -402,4 +387,4 @@ ConnectionCounts HttpServer::Counts() const
     return m_listener->Counts();
 }
 
-}
+} // namespace loopback

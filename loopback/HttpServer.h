@@ -44,4 +44,4 @@ private:
     std::unique_ptr<Listener> m_listener;
 };
 
-}
+} // namespace loopback

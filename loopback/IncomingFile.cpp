@@ -60,4 +60,4 @@ void IncomingFile::Keep(const std::filesystem::path &destination)
     m_path.clear();
 }
 
-}
+} // namespace loopback

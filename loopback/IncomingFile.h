@@ -40,4 +40,4 @@ private:
     loopback::Sha256 m_hash;
 };
 
-}
+} // namespace loopback

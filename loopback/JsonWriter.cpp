@@ -82,4 +82,4 @@ JsonWriter &JsonWriter::Flag(bool flag)
     return *this;
 }
 
-}
+} // namespace loopback

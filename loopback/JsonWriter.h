@@ -36,4 +36,4 @@ private:
     bool m_needsComma = false;
 };
 
-}
+} // namespace loopback

@@ -70,7 +70,7 @@ Room RoomFor(const HttpRequest &request)
     if (path.starts_with("/services/oauth/"))
     {
         const bool isHere = isLocal || host == WebHost() || host == ApiHost();
-        return !isHere                                     ? Room::Nowhere
+        return !isHere                                   ? Room::Nowhere
                : path == "/services/oauth/request_token" ? Room::RequestToken
                : path == "/services/oauth/authorize"     ? Room::Consent
                : path == "/services/oauth/access_token"  ? Room::AccessToken
@@ -128,20 +128,27 @@ std::pair<std::string, std::string> SplitAt(const std::string &text, char mark)
     return {text.substr(0, at), text.substr(at + 1)};
 }
 
-}
+} // namespace
 
 struct LoopbackService::Rooms
 {
     explicit Rooms(const ServiceOptions &options)
-        : lock(Prepared(options.store)), database(options.store / "index.sqlite"), accounts(database),
-          photos(database), requestTokens(database, Now, [this] { return accounts.Get().requestTokenLife; }),
+        : lock(Prepared(options.store)),
+          database(options.store / "index.sqlite"),
+          accounts(database),
+          photos(database),
+          requestTokens(database, Now, [this] { return accounts.Get().requestTokenLife; }),
           maker(database, Now, [this] { return accounts.Get().requestTokenLife; }),
-          tokens(accounts, requestTokens, Now), consent(accounts, requestTokens), admission(accounts, Now),
-          uploads(options.store, accounts, photos, admission), rest(accounts, photos, admission),
-          admin(accounts, requestTokens, maker, photos, uploads, faults, journal, [this] { return server.Counts(); }),
+          tokens(accounts, requestTokens, Now),
+          consent(accounts, requestTokens),
+          admission(accounts, Now),
+          uploads(options.store, accounts, photos, admission),
+          rest(accounts, photos, admission),
+          admin(accounts, requestTokens, maker, photos, uploads, faults, journal,
+                [this] { return server.Counts(); }),
           gallery(accounts, photos, uploads),
-          certificates(PrepareCertificates(options.certificates.empty() ? options.store / "ca"
-                                                                        : options.certificates)),
+          certificates(
+              PrepareCertificates(options.certificates.empty() ? options.store / "ca" : options.certificates)),
           server(certificates.serverChain, certificates.serverKey,
                  [this](HttpExchange &exchange) { return Answer(exchange); })
     {
@@ -168,8 +175,7 @@ struct LoopbackService::Rooms
         {
             const auto [key, secret] = SplitAt(pair, ':');
             const auto mark = std::min(secret.find(':'), secret.size());
-            accounts.AddConsumer(key, secret.substr(0, mark),
-                                 secret.substr(std::min(mark + 1, secret.size())));
+            accounts.AddConsumer(key, secret.substr(0, mark), secret.substr(std::min(mark + 1, secret.size())));
         }
         for (const auto &text : options.faults)
         {
@@ -190,11 +196,16 @@ struct LoopbackService::Rooms
             return {421, "text/plain; charset=utf-8", "The host name is none of this service's.\n"};
         }
         const Room room = RoomFor(request);
-        JournalEntry entry{request.connection,           request.secure,
-                           request.method,               request.host,
-                           request.Path(),               "",
-                           request.Header("user-agent"), request.Header("content-type"),
-                           request.Header("content-length"), request.Header("expect")};
+        JournalEntry entry{request.connection,
+                           request.secure,
+                           request.method,
+                           request.host,
+                           request.Path(),
+                           "",
+                           request.Header("user-agent"),
+                           request.Header("content-type"),
+                           request.Header("content-length"),
+                           request.Header("expect")};
         HttpReply reply = AnswerWithFaults(exchange, room, entry);
         if (room != Room::Admin)
         {
@@ -286,9 +297,7 @@ struct LoopbackService::Rooms
     int port = 0;
 };
 
-LoopbackService::LoopbackService(const ServiceOptions &options) : m_rooms(std::make_unique<Rooms>(options))
-{
-}
+LoopbackService::LoopbackService(const ServiceOptions &options) : m_rooms(std::make_unique<Rooms>(options)) {}
 
 LoopbackService::~LoopbackService() = default;
 
@@ -326,4 +335,4 @@ void LoopbackService::Stop()
     m_rooms->server.Stop();
 }
 
-}
+} // namespace loopback

@@ -50,4 +50,4 @@ private:
     std::unique_ptr<Rooms> m_rooms;
 };
 
-}
+} // namespace loopback

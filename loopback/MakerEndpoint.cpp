@@ -30,18 +30,17 @@ p{margin:.5rem 0 0}.sheet p+p{color:var(--soft)}
 
 std::string Page(const std::string &title, const std::string &html)
 {
-    return PageFrame({title, Style, "Halvora",
-                      "<section class=\"sheet\" aria-labelledby=\"heading\">" + html + "</section>"});
+    return PageFrame(
+        {title, Style, "Halvora", "<section class=\"sheet\" aria-labelledby=\"heading\">" + html + "</section>"});
 }
 
 std::string ThankYouPage()
 {
-    return Page(
-        "Return to Halvora",
-        "<div class=\"mark\" aria-hidden=\"true\">✓</div>"
-        "<h1 id=\"heading\">You can return to Halvora now</h1>"
-        "<p>Flickr has passed on your permission. In Halvora, choose <b>Authorization Granted</b>.</p>"
-        "<p>You can close this page.</p>");
+    return Page("Return to Halvora",
+                "<div class=\"mark\" aria-hidden=\"true\">✓</div>"
+                "<h1 id=\"heading\">You can return to Halvora now</h1>"
+                "<p>Flickr has passed on your permission. In Halvora, choose <b>Authorization Granted</b>.</p>"
+                "<p>You can close this page.</p>");
 }
 
 std::string LostPage()
@@ -71,7 +70,7 @@ HttpReply Problem(int status, const std::string &words)
     return Document(status, {{"Problem", {}, words}});
 }
 
-}
+} // namespace
 
 MakerEndpoint::MakerEndpoint(Database &database, Seconds now, Seconds lifetime)
     : m_database(database), m_now(std::move(now)), m_lifetime(std::move(lifetime))
@@ -138,9 +137,7 @@ std::vector<std::pair<std::string, std::string>> MakerEndpoint::States() const
     for (const auto &row : m_database.Run("SELECT token, verifier <> '', kept FROM verifiers ORDER BY rowid"))
     {
         const bool isExpired = NumberAt(row, 2) <= m_now() - m_lifetime();
-        states.emplace_back(TextAt(row, 0), NumberAt(row, 1) == 0 ? "taken"
-                                            : isExpired           ? "expired"
-                                                                  : "waiting");
+        states.emplace_back(TextAt(row, 0), NumberAt(row, 1) == 0 ? "taken" : isExpired ? "expired" : "waiting");
     }
     return states;
 }
@@ -150,4 +147,4 @@ void MakerEndpoint::Advance(std::int64_t seconds)
     m_database.Run("UPDATE verifiers SET kept = kept - ?", {seconds});
 }
 
-}
+} // namespace loopback

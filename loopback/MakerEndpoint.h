@@ -43,4 +43,4 @@ private:
     std::mutex m_mutex;
 };
 
-}
+} // namespace loopback

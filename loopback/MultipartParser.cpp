@@ -39,8 +39,7 @@ std::optional<std::string> Parameter(std::string_view value, const std::string &
         {
             for (++at; at < value.size() && value[at] != '"'; ++at)
             {
-                if (value[at] == '\\' && at + 1 < value.size() &&
-                    (value[at + 1] == '"' || value[at + 1] == '\\'))
+                if (value[at] == '\\' && at + 1 < value.size() && (value[at + 1] == '"' || value[at + 1] == '\\'))
                 {
                     ++at;
                 }
@@ -63,7 +62,7 @@ std::optional<std::string> Parameter(std::string_view value, const std::string &
     return std::nullopt;
 }
 
-}
+} // namespace
 
 std::optional<std::string> MultipartParser::BoundaryOf(const std::string &contentType)
 {
@@ -213,4 +212,4 @@ bool MultipartParser::Fail(std::string words)
     return false;
 }
 
-}
+} // namespace loopback

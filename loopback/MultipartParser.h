@@ -65,4 +65,4 @@ private:
     std::string m_error;
 };
 
-}
+} // namespace loopback

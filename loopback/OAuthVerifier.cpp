@@ -102,7 +102,7 @@ std::string RepeatedName(const FormFields &parameters)
     return {};
 }
 
-}
+} // namespace
 
 std::string SignatureBase(const std::string &method, const std::string &url, const FormFields &parameters)
 {
@@ -124,8 +124,7 @@ std::string SignatureBase(const std::string &method, const std::string &url, con
 }
 
 OAuthVerifier::OAuthVerifier(SecretLookup consumerSecret, SecretLookup tokenSecret, Clock clock)
-    : m_consumerSecret(std::move(consumerSecret)), m_tokenSecret(std::move(tokenSecret)),
-      m_clock(std::move(clock))
+    : m_consumerSecret(std::move(consumerSecret)), m_tokenSecret(std::move(tokenSecret)), m_clock(std::move(clock))
 {
 }
 
@@ -135,11 +134,11 @@ OAuthOutcome OAuthVerifier::Check(const SignedRequest &request)
     parameters.insert(parameters.end(), request.parameters.begin(), request.parameters.end());
     const auto value = [&](const char *name) { return FindField(parameters, name).value_or(""); };
 
-    if (std::none_of(parameters.begin(), parameters.end(), [](const auto &parameter)
-                     { return parameter.first.starts_with("oauth_"); }))
+    if (std::none_of(parameters.begin(), parameters.end(),
+                     [](const auto &parameter) { return parameter.first.starts_with("oauth_"); }))
     {
-        return {.isUnsigned = true, .problem = "oauth_problem=parameter_absent&oauth_parameters_absent=" +
-                                               AbsentNames(parameters)};
+        return {.isUnsigned = true,
+                .problem = "oauth_problem=parameter_absent&oauth_parameters_absent=" + AbsentNames(parameters)};
     }
     if (FindField(parameters, "oauth_version").value_or("1.0") != "1.0")
     {
@@ -183,15 +182,17 @@ OAuthOutcome OAuthVerifier::Check(const SignedRequest &request)
         return Refused("signature_invalid&debug_sbs=" + base);
     }
     // Only what is truly signed can use a nonce up.
-    const std::string nonce = value("oauth_timestamp") + " " + value("oauth_consumer_key") + " " + token + " " +
-                              value("oauth_nonce");
+    const std::string nonce =
+        value("oauth_timestamp") + " " + value("oauth_consumer_key") + " " + token + " " + value("oauth_nonce");
     std::lock_guard lock(m_mutex);
     if (!IsNonceFresh(nonce, now))
     {
         return Refused("nonce_used");
     }
     RememberNonce(nonce, now);
-    return {.accepted = true, .consumerKey = value("oauth_consumer_key"), .token = token,
+    return {.accepted = true,
+            .consumerKey = value("oauth_consumer_key"),
+            .token = token,
             .parameters = std::move(parameters)};
 }
 
@@ -213,4 +214,4 @@ void OAuthVerifier::RememberNonce(const std::string &nonce, std::int64_t now)
     m_nonceAges.emplace_back(now, nonce);
 }
 
-}
+} // namespace loopback

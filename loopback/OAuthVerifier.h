@@ -66,4 +66,4 @@ private:
     std::deque<std::pair<std::int64_t, std::string>> m_nonceAges;
 };
 
-}
+} // namespace loopback

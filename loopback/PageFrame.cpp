@@ -73,4 +73,4 @@ HttpReply PageReply(int status, std::string html, const std::string &formTargets
     return reply;
 }
 
-}
+} // namespace loopback

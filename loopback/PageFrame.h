@@ -29,4 +29,4 @@ std::string PageFrame(const PageParts &parts);
 // framed. A form in it may lead to these sources (CSP's words), by redirects too.
 HttpReply PageReply(int status, std::string html, const std::string &formTargets = "'none'");
 
-}
+} // namespace loopback

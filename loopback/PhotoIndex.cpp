@@ -9,9 +9,9 @@ namespace
 {
 
 // The columns in the order of PhotoRecord.
-#define PHOTO_COLUMNS                                                                                        \
-    "id, title, description, tags, is_public, is_friend, is_family, safety_level, content_type, hidden, "    \
-    "ticket, file_name, mime_type, detected_type, stored_name, sha256, size, uploaded, token, user_agent, "  \
+#define PHOTO_COLUMNS                                                                                             \
+    "id, title, description, tags, is_public, is_friend, is_family, safety_level, content_type, hidden, "         \
+    "ticket, file_name, mime_type, detected_type, stored_name, sha256, size, uploaded, token, user_agent, "       \
     "connection, run"
 
 PhotoRecord RecordOf(const Database::Row &row)
@@ -45,7 +45,7 @@ PhotoRecord RecordOf(const Database::Row &row)
     return record;
 }
 
-}
+} // namespace
 
 PhotoIndex::PhotoIndex(Database &database) : m_database(database)
 {
@@ -77,10 +77,28 @@ void PhotoIndex::Add(const PhotoRecord &r)
     const auto flag = [](int value) { return static_cast<std::int64_t>(value); };
     m_database.Run("INSERT INTO photos (" PHOTO_COLUMNS ") VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
                    "?, ?, ?, ?, ?, ?, ?)",
-                   {r.id, r.title, r.description, r.tags, flag(r.isPublic), flag(r.isFriend), flag(r.isFamily),
-                    flag(r.safetyLevel), flag(r.contentType), flag(r.hidden), r.ticket, r.fileName, r.mimeType,
-                    r.detectedType, r.storedName, r.sha256, r.size, r.uploaded, r.token, r.userAgent,
-                    r.connection, r.run});
+                   {r.id,
+                    r.title,
+                    r.description,
+                    r.tags,
+                    flag(r.isPublic),
+                    flag(r.isFriend),
+                    flag(r.isFamily),
+                    flag(r.safetyLevel),
+                    flag(r.contentType),
+                    flag(r.hidden),
+                    r.ticket,
+                    r.fileName,
+                    r.mimeType,
+                    r.detectedType,
+                    r.storedName,
+                    r.sha256,
+                    r.size,
+                    r.uploaded,
+                    r.token,
+                    r.userAgent,
+                    r.connection,
+                    r.run});
 }
 
 std::vector<PhotoRecord> PhotoIndex::All() const
@@ -112,8 +130,8 @@ void PhotoIndex::Clear()
 
 std::string PhotoIndex::AddTicket(std::int64_t photoId, std::int64_t closes)
 {
-    const auto rows = m_database.Run("INSERT INTO tickets (photo, closes) VALUES (?, ?) RETURNING number",
-                                     {photoId, closes});
+    const auto rows =
+        m_database.Run("INSERT INTO tickets (photo, closes) VALUES (?, ?) RETURNING number", {photoId, closes});
     return fmt::format("2830-{}", 72157000000000 + NumberAt(rows.at(0), 0));
 }
 
@@ -134,4 +152,4 @@ TicketAnswer PhotoIndex::CheckTicket(const std::string &ticket, std::int64_t now
     return {photo == 0 ? TicketState::Failed : TicketState::Complete, photo};
 }
 
-}
+} // namespace loopback

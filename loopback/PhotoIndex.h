@@ -82,4 +82,4 @@ private:
     Database &m_database;
 };
 
-}
+} // namespace loopback

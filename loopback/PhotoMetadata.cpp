@@ -78,12 +78,12 @@ void AddExif(const Exiv2::ExifData &data, MetadataGroup &exif, MetadataGroup &gp
         }
         const bool isOpaque = datum.size() > 4096 || datum.groupName().starts_with("Thumbnail");
         MetadataGroup &group = datum.groupName() == "GPSInfo" ? gps : exif;
-        group.entries.emplace_back(datum.key(), isOpaque ? std::to_string(datum.size()) + " bytes"
-                                                         : Printed(datum, &data));
+        group.entries.emplace_back(datum.key(),
+                                   isOpaque ? std::to_string(datum.size()) + " bytes" : Printed(datum, &data));
     }
 }
 
-}
+} // namespace
 
 PhotoFacts ReadPhotoFacts(const std::filesystem::path &file)
 {
@@ -126,4 +126,4 @@ PhotoFacts ReadPhotoFacts(const std::filesystem::path &file)
     return facts;
 }
 
-}
+} // namespace loopback

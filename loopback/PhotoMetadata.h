@@ -31,4 +31,4 @@ struct PhotoFacts
 // A file that can't be read has no facts.
 PhotoFacts ReadPhotoFacts(const std::filesystem::path &file);
 
-}
+} // namespace loopback

@@ -83,7 +83,7 @@ void Serve(const loopback::ServiceOptions &options, const fs::path &readyFile)
     }
 }
 
-}
+} // namespace
 
 int main(int argc, char **argv)
 {

@@ -21,7 +21,7 @@ std::vector<unsigned char> RandomBytes(std::size_t count)
     return bytes;
 }
 
-}
+} // namespace
 
 std::string RandomHex(std::size_t bytes)
 {
@@ -51,4 +51,4 @@ std::string RandomDigits(std::size_t count)
     return text;
 }
 
-}
+} // namespace loopback

@@ -13,4 +13,4 @@ std::string RandomHex(std::size_t bytes);
 // Decimal digits.
 std::string RandomDigits(std::size_t count);
 
-}
+} // namespace loopback

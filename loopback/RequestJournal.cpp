@@ -32,4 +32,4 @@ std::vector<JournalEntry> RequestJournal::Entries() const
     return {m_entries.begin(), m_entries.end()};
 }
 
-}
+} // namespace loopback

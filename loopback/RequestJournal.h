@@ -42,4 +42,4 @@ private:
     std::deque<JournalEntry> m_entries;
 };
 
-}
+} // namespace loopback

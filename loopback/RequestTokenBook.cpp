@@ -18,7 +18,7 @@ constexpr std::array StateNames = {"pending", "granted", "denied", "used", "expi
 
 #define TOKEN_COLUMNS "token, secret, consumer, callback, permission, verifier, state, asked"
 
-}
+} // namespace
 
 const char *StateName(RequestTokenState state)
 {
@@ -45,8 +45,7 @@ RequestToken RequestTokenBook::TokenOf(const Database::Row &row) const
     const auto state = std::find(StateNames.begin(), StateNames.end(), TextAt(row, 6));
     token.state = static_cast<RequestTokenState>(state - StateNames.begin());
     token.secondsLeft = NumberAt(row, 7) - Deadline();
-    const bool isOpen =
-        token.state == RequestTokenState::Pending || token.state == RequestTokenState::Granted;
+    const bool isOpen = token.state == RequestTokenState::Pending || token.state == RequestTokenState::Granted;
     if (isOpen && token.secondsLeft <= 0)
     {
         token.state = RequestTokenState::Expired;
@@ -82,10 +81,10 @@ std::vector<RequestToken> RequestTokenBook::All() const
 
 std::optional<RequestToken> RequestTokenBook::Grant(const std::string &token, const std::string &permission)
 {
-    const auto granted = m_database.Run(
-        "UPDATE request_tokens SET state = 'granted', permission = ?, verifier = ? WHERE token = ? "
-        "AND state = 'pending' AND asked > ? RETURNING " TOKEN_COLUMNS,
-        {permission, RandomHex(8), token, Deadline()});
+    const auto granted =
+        m_database.Run("UPDATE request_tokens SET state = 'granted', permission = ?, verifier = ? WHERE token = ? "
+                       "AND state = 'pending' AND asked > ? RETURNING " TOKEN_COLUMNS,
+                       {permission, RandomHex(8), token, Deadline()});
     return granted.empty() ? std::nullopt : std::optional(TokenOf(granted[0]));
 }
 
@@ -100,10 +99,9 @@ bool RequestTokenBook::Deny(const std::string &token)
 
 std::optional<std::string> RequestTokenBook::Use(const std::string &token)
 {
-    const auto used =
-        m_database.Run("UPDATE request_tokens SET state = 'used', secret = '', verifier = '' "
-                       "WHERE token = ? AND state = 'granted' AND asked > ? RETURNING permission",
-                       {token, Deadline()});
+    const auto used = m_database.Run("UPDATE request_tokens SET state = 'used', secret = '', verifier = '' "
+                                     "WHERE token = ? AND state = 'granted' AND asked > ? RETURNING permission",
+                                     {token, Deadline()});
     return used.empty() ? std::nullopt : std::optional(TextAt(used[0], 0));
 }
 
@@ -112,4 +110,4 @@ void RequestTokenBook::Advance(std::int64_t seconds)
     m_database.Run("UPDATE request_tokens SET asked = asked - ?", {seconds});
 }
 
-}
+} // namespace loopback

@@ -78,4 +78,4 @@ private:
     Seconds m_lifetime;
 };
 
-}
+} // namespace loopback

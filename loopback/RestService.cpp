@@ -26,15 +26,13 @@ struct Call
 HttpReply CheckToken(const Call &call)
 {
     const auto &account = call.account;
-    HttpReply reply = OkReply({{"oauth",
-                                {},
-                                "",
-                                {{"token", {}, call.token.token},
-                                 {"perms", {}, call.token.permission},
-                                 {"user",
-                                  {{"nsid", account.nsid},
-                                   {"username", account.userName},
-                                   {"fullname", account.fullName}}}}}});
+    HttpReply reply = OkReply(
+        {{"oauth",
+          {},
+          "",
+          {{"token", {}, call.token.token},
+           {"perms", {}, call.token.permission},
+           {"user", {{"nsid", account.nsid}, {"username", account.userName}, {"fullname", account.fullName}}}}}});
     // The service puts a blank line ahead of some of its replies.
     reply.body.insert(0, "\n");
     return reply;
@@ -88,9 +86,9 @@ HttpReply CheckTickets(const Call &call)
     {
         return FailReply(1, "Required parameter missing: tickets");
     }
-    const auto now = std::chrono::duration_cast<std::chrono::milliseconds>(
-                         std::chrono::system_clock::now().time_since_epoch())
-                         .count();
+    const auto now =
+        std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::system_clock::now().time_since_epoch())
+            .count();
     XmlElement uploader{"uploader"};
     std::istringstream list(*tickets);
     for (std::string ticket; std::getline(list, ticket, ',');)
@@ -133,7 +131,7 @@ constexpr std::array Methods = {
     Method{"flickr.test.login", Permission::Read, TestLogin},
 };
 
-}
+} // namespace
 
 RestService::RestService(AccountBook &accounts, PhotoIndex &photos, Admission &admission)
     : m_accounts(accounts), m_photos(photos), m_admission(admission)
@@ -144,8 +142,7 @@ RestReply RestService::Handle(HttpExchange &exchange)
 {
     const HttpRequest &request = exchange.Request();
     std::string body;
-    if (!exchange.ReadBody([&](std::string_view bytes)
-                           { return body.append(bytes).size() <= BodyLimit; }))
+    if (!exchange.ReadBody([&](std::string_view bytes) { return body.append(bytes).size() <= BodyLimit; }))
     {
         return {HttpReply{400}, ""};
     }
@@ -176,4 +173,4 @@ RestReply RestService::Handle(HttpExchange &exchange)
     return {method->answer({fields, caller.token, m_accounts.Get(), m_photos}), name};
 }
 
-}
+} // namespace loopback

@@ -31,4 +31,4 @@ private:
     Admission &m_admission;
 };
 
-}
+} // namespace loopback

@@ -51,4 +51,4 @@ std::string ConnectToEntries(int port)
     return entries;
 }
 
-}
+} // namespace loopback

@@ -21,4 +21,4 @@ bool IsKnownHost(const std::string &name);
 // The value of HALVORA_CONNECT_TO that leads a client's connections to this port.
 std::string ConnectToEntries(int port);
 
-}
+} // namespace loopback

@@ -28,4 +28,4 @@ StoreLock::~StoreLock()
     close(m_file);
 }
 
-}
+} // namespace loopback

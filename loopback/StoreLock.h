@@ -19,4 +19,4 @@ private:
     int m_file;
 };
 
-}
+} // namespace loopback

@@ -55,13 +55,13 @@ bool IsCallback(const std::string &text)
     return text == "oob";
 }
 
-}
+} // namespace
 
 TokenService::TokenService(AccountBook &accounts, RequestTokenBook &requests, OAuthVerifier::Clock clock)
-    : m_accounts(accounts), m_requests(requests),
+    : m_accounts(accounts),
+      m_requests(requests),
       m_verifier([&accounts](const std::string &key) { return accounts.FindConsumerSecret(key); },
-                 [&requests](const std::string &token)
-                 {
+                 [&requests](const std::string &token) {
                      const auto found = requests.Find(token);
                      const bool isOpen = found && (found->state == RequestTokenState::Pending ||
                                                    found->state == RequestTokenState::Granted);
@@ -158,4 +158,4 @@ HttpReply TokenService::AccessToken(HttpExchange &exchange)
                       {"username", account.userName}});
 }
 
-}
+} // namespace loopback

@@ -27,4 +27,4 @@ private:
     OAuthVerifier m_verifier;
 };
 
-}
+} // namespace loopback

@@ -48,7 +48,7 @@ std::string GeneralComplaint(const FormFields &fields)
     return {};
 }
 
-}
+} // namespace
 
 std::vector<std::string> SplitTags(std::string_view tags)
 {
@@ -93,4 +93,4 @@ UploadParameters ReadUploadParameters(const FormFields &fields)
     return parameters;
 }
 
-}
+} // namespace loopback

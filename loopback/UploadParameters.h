@@ -26,4 +26,4 @@ struct UploadParameters
 
 UploadParameters ReadUploadParameters(const FormFields &fields);
 
-}
+} // namespace loopback

@@ -27,7 +27,7 @@ std::int64_t UnixMilliseconds()
         .count();
 }
 
-}
+} // namespace
 
 // What a form has brought so far.
 struct UploadService::Form
@@ -80,8 +80,11 @@ struct UploadService::Form
 
 UploadService::UploadService(std::filesystem::path store, AccountBook &accounts, PhotoIndex &photos,
                              Admission &admission)
-    : m_photosFolder(store / "photos"), m_incomingFolder(store / "incoming"), m_accounts(accounts),
-      m_photos(photos), m_admission(admission)
+    : m_photosFolder(store / "photos"),
+      m_incomingFolder(store / "incoming"),
+      m_accounts(accounts),
+      m_photos(photos),
+      m_admission(admission)
 {
     // What an interrupted run left half-way.
     std::filesystem::remove_all(m_incomingFolder);
@@ -119,20 +122,18 @@ HttpReply UploadService::Handle(HttpExchange &exchange)
         arrived = exchange.ReadBody([&](std::string_view bytes) { return parser.Feed(bytes), true; });
         if (form.complaint.empty())
         {
-            form.complaint = !parser.Error().empty()  ? parser.Error()
-                             : !parser.IsComplete() ? "the form has no end"
-                                                    : "";
+            form.complaint = !parser.Error().empty() ? parser.Error()
+                             : !parser.IsComplete()  ? "the form has no end"
+                                                     : "";
         }
     }
     else
     {
         std::string body;
-        arrived = exchange.ReadBody(
-            [&](std::string_view bytes)
-            {
-                body.append(bytes.substr(0, FieldBytesLimit - std::min(body.size(), FieldBytesLimit)));
-                return true;
-            });
+        arrived = exchange.ReadBody([&](std::string_view bytes) {
+            body.append(bytes.substr(0, FieldBytesLimit - std::min(body.size(), FieldBytesLimit)));
+            return true;
+        });
         form.fields = ParseForm(body);
     }
     // The answer to a broken connection reaches nobody.
@@ -184,8 +185,7 @@ HttpReply UploadService::Accept(PhotoRecord record, Form &form, bool isAsynchron
     std::lock_guard lock(m_acceptance);
     const Account account = m_accounts.Get();
     record.run = account.run;
-    const auto ticketReply = [&](std::int64_t photoId)
-    {
+    const auto ticketReply = [&](std::int64_t photoId) {
         record.ticket = m_photos.AddTicket(photoId, UnixMilliseconds() + account.ticketDelay);
         return OkReply({{"ticketid", {}, record.ticket}});
     };
@@ -207,10 +207,10 @@ HttpReply UploadService::Accept(PhotoRecord record, Form &form, bool isAsynchron
     record.detectedType = kind->mimeType;
     record.storedName = std::to_string(record.id) + "." + kind->extension;
     form.photo->Keep(PathOf(record));
-    HttpReply reply = isAsynchronous ? ticketReply(record.id)
-                                     : OkReply({{"photoid", {}, std::to_string(record.id)}});
+    HttpReply reply =
+        isAsynchronous ? ticketReply(record.id) : OkReply({{"photoid", {}, std::to_string(record.id)}});
     m_photos.Add(record);
     return reply;
 }
 
-}
+} // namespace loopback

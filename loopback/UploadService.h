@@ -40,4 +40,4 @@ private:
     std::mutex m_acceptance;
 };
 
-}
+} // namespace loopback

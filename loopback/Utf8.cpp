@@ -38,7 +38,7 @@ std::size_t SequenceLength(std::string_view bytes)
     return length;
 }
 
-}
+} // namespace
 
 bool IsUtf8(std::string_view bytes)
 {
@@ -67,4 +67,4 @@ std::string RepairUtf8(std::string_view bytes)
     return text;
 }
 
-}
+} // namespace loopback

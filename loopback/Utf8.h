@@ -13,4 +13,4 @@ bool IsUtf8(std::string_view bytes);
 // Every byte that doesn't belong to a well-formed sequence becomes U+FFFD.
 std::string RepairUtf8(std::string_view bytes);
 
-}
+} // namespace loopback

@@ -52,7 +52,7 @@ HttpReply XmlHttpReply(const XmlElement &root)
     return {200, "text/xml; charset=utf-8", WriteXml(root)};
 }
 
-}
+} // namespace
 
 std::string WriteXml(const XmlElement &root)
 {
@@ -83,4 +83,4 @@ HttpReply FailReply(int code, const std::string &message)
         {"rsp", {{"stat", "fail"}}, "", {{"err", {{"code", std::to_string(code)}, {"msg", message}}}}});
 }
 
-}
+} // namespace loopback

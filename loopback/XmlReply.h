@@ -27,4 +27,4 @@ HttpReply OkReply(std::vector<XmlElement> children);
 // <rsp stat="fail"> with code and message; the HTTP status of these is 200.
 HttpReply FailReply(int code, const std::string &message);
 
-}
+} // namespace loopback

@@ -17,8 +17,8 @@ public:
     HRESULT GetIDsOfNames(REFIID reserved, LPOLESTR *names, UINT count, DISPID *ids) noexcept;
 
     // Calls object, which is the dual interface that the library describes.
-    HRESULT Invoke(void *object, REFIID reserved, DISPID id, WORD flags, DISPPARAMS *parameters,
-                   VARIANT *result, EXCEPINFO *exception, UINT *argumentError) noexcept;
+    HRESULT Invoke(void *object, REFIID reserved, DISPID id, WORD flags, DISPPARAMS *parameters, VARIANT *result,
+                   EXCEPINFO *exception, UINT *argumentError) noexcept;
 
 private:
     // Throws what loading the library fails with.

@@ -2,9 +2,7 @@
 
 #include "core/TextPieces.h"
 
-CFlickrModule::CFlickrModule(HMODULE handle) noexcept : m_isSetUp(handle != nullptr)
-{
-}
+CFlickrModule::CFlickrModule(HMODULE handle) noexcept : m_isSetUp(handle != nullptr) {}
 
 // A request that comes while the process takes the module down is refused.
 CFlickrModule::~CFlickrModule()

@@ -20,9 +20,9 @@
 
 namespace
 {
-constexpr auto capabilities = static_cast<HVRPUBLISHINGCAPABILITIES>(
-    HVRPUBLISHINGCAPS_CONFIGURABLE | HVRPUBLISHINGCAPS_USES_INIT_DATA | HVRPUBLISHINGCAPS_CANCELABLE |
-    HVRPUBLISHINGCAPS_AUTHORIZATION);
+constexpr auto capabilities =
+    static_cast<HVRPUBLISHINGCAPABILITIES>(HVRPUBLISHINGCAPS_CONFIGURABLE | HVRPUBLISHINGCAPS_USES_INIT_DATA |
+                                           HVRPUBLISHINGCAPS_CANCELABLE | HVRPUBLISHINGCAPS_AUTHORIZATION);
 
 // Fills an out text with what make gives; thrown is the result for whatever goes wrong.
 template <class Make>
@@ -193,8 +193,7 @@ HRESULT CFlickrPublisher::GetAuthorInformation(BSTR *pbstrAuthorInformation) noe
 
 HRESULT CFlickrPublisher::GetVersionInformation(BSTR *pbstrVersionInformation) noexcept
 {
-    return GiveText(pbstrVersionInformation, E_UNEXPECTED,
-                    [&] { return m_version.String(TEXT("FileVersion")); });
+    return GiveText(pbstrVersionInformation, E_UNEXPECTED, [&] { return m_version.String(TEXT("FileVersion")); });
 }
 
 HRESULT CFlickrPublisher::GetDisplayState(BSTR *pbstrDisplayState) noexcept
@@ -246,8 +245,7 @@ HRESULT CFlickrPublisher::AuthorizeAccount(HWND parent, IOAuthWebClient &client)
 
 HRESULT CFlickrPublisher::EditSettings(HWND parent, IOAuthWebClient &)
 {
-    SheetAccount shown{m_account, m_version.String(TEXT("FileVersion")),
-                       m_version.String(TEXT("LegalCopyright")),
+    SheetAccount shown{m_account, m_version.String(TEXT("FileVersion")), m_version.String(TEXT("LegalCopyright")),
                        [this] { return RefreshAccount(m_account, m_version); }};
     const SheetOutcome outcome = ShowSettingsSheet(parent, shown);
     if (!outcome.Applied)
@@ -281,8 +279,8 @@ HRESULT CFlickrPublisher::Publish(HWND hWndProgressControl, HWND hWndStaticTextC
     }
     return AtBoundary([&] {
         const ComPtr<IUsageMetrics> usage = gUsageMetrics;
-        const RunContext run{m_host.Get(), usage.Get(),   this,      m_account, m_version,
-                             m_settings,   m_statistics,  m_windows, m_cancel,  SystemTicks, SystemPause};
+        const RunContext run{m_host.Get(), usage.Get(), this,     m_account,   m_version,  m_settings,
+                             m_statistics, m_windows,   m_cancel, SystemTicks, SystemPause};
         RunPublish(run, hWndProgressControl, hWndStaticTextControl);
         return S_OK;
     });

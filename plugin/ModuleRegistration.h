@@ -5,8 +5,8 @@
 
 enum class RegistrationScope
 {
-    Machine,    // HKEY_CLASSES_ROOT
-    User        // HKEY_CURRENT_USER\Software\Classes
+    Machine, // HKEY_CLASSES_ROOT
+    User     // HKEY_CURRENT_USER\Software\Classes
 };
 
 // Writes all entries, for this module's own file. What was written ahead of a failure stays. The calling

@@ -50,9 +50,9 @@ HRESULT RegisterTypeLibrary(RegistrationScope scope) noexcept
         WideText folder = path.substr(0, path.find_last_of(TEXT("\\/")));
         ComPtr<ITypeLib> library;
         ThrowIfFailed(LoadTypeLibEx(path.c_str(), REGKIND_NONE, library.Put()));
-        return scope == RegistrationScope::User
-                   ? AutomationFunction<Register>("RegisterTypeLibForUser")(library.Get(), path.data(), folder.data())
-                   : RegisterTypeLib(library.Get(), path.data(), folder.data());
+        return scope == RegistrationScope::User ? AutomationFunction<Register>("RegisterTypeLibForUser")(
+                                                      library.Get(), path.data(), folder.data())
+                                                : RegisterTypeLib(library.Get(), path.data(), folder.data());
     });
 }
 
@@ -60,12 +60,12 @@ HRESULT UnregisterTypeLibrary(RegistrationScope scope) noexcept
 {
     return AtBoundary([&] {
         const bool wasRegistered = IsRegistered(scope);
-        const HRESULT result = scope == RegistrationScope::User
-                                   ? AutomationFunction<Unregister>("UnRegisterTypeLibForUser")(
-                                         LIBID_HVRPublishToFlickrLib, majorVersion, minorVersion, libraryLocale,
-                                         SYS_WIN64)
-                                   : UnRegisterTypeLib(LIBID_HVRPublishToFlickrLib, majorVersion, minorVersion,
-                                                       libraryLocale, SYS_WIN64);
+        const HRESULT result =
+            scope == RegistrationScope::User
+                ? AutomationFunction<Unregister>("UnRegisterTypeLibForUser")(
+                      LIBID_HVRPublishToFlickrLib, majorVersion, minorVersion, libraryLocale, SYS_WIN64)
+                : UnRegisterTypeLib(LIBID_HVRPublishToFlickrLib, majorVersion, minorVersion, libraryLocale,
+                                    SYS_WIN64);
         // Where there was nothing to take back, that it failed says nothing.
         return wasRegistered ? result : S_OK;
     });

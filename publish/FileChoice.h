@@ -15,8 +15,8 @@ ExtensionClass ClassifyExtension(WideView extension) noexcept;
 
 struct FileChoice
 {
-    ExtensionClass Class;   // Other: goes up as a new JPEG
-    WideView Extension;     // as the host gave it; empty for an item without extensions
+    ExtensionClass Class; // Other: goes up as a new JPEG
+    WideView Extension;   // as the host gave it; empty for an item without extensions
 };
 
 // From a list separated by ";". The first JPEG, GIF or PNG wins over whatever stands before it;

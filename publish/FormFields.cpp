@@ -31,15 +31,12 @@ struct NumberField
 {
     const WCHAR *name;
     const WCHAR *setting;
-    UINT32 offset;      // what the service's counting begins with
+    UINT32 offset; // what the service's counting begins with
 };
 constexpr NumberField numberFields[] = {
-    {TEXT("is_public"), TEXT("IsPublic"), 0},
-    {TEXT("is_friend"), TEXT("IsFriend"), 0},
-    {TEXT("is_family"), TEXT("IsFamily"), 0},
-    {TEXT("safety_level"), TEXT("SafetyLevel"), 1},
-    {TEXT("content_type"), TEXT("ContentType"), 1},
-    {TEXT("hidden"), TEXT("SearchVisibility"), 1},
+    {TEXT("is_public"), TEXT("IsPublic"), 0},       {TEXT("is_friend"), TEXT("IsFriend"), 0},
+    {TEXT("is_family"), TEXT("IsFamily"), 0},       {TEXT("safety_level"), TEXT("SafetyLevel"), 1},
+    {TEXT("content_type"), TEXT("ContentType"), 1}, {TEXT("hidden"), TEXT("SearchVisibility"), 1},
 };
 
 class FormFiller

@@ -56,16 +56,15 @@ Source OpenSource(const Preparation &preparation, ItemRecord *record)
     Source source;
     if (preparation.IsIntact())
     {
-        source.Frame =
-            OpenJpegFrame(preparation.Factory.Get(), preparation.SourcePath, GUID_VendorMicrosoft);
+        source.Frame = OpenJpegFrame(preparation.Factory.Get(), preparation.SourcePath, GUID_VendorMicrosoft);
         source.Bitmap = source.Frame;
         ThrowIfFailed(preparation.Metadata->ReadImageMetadata(preparation.SourcePath, 0, 0, nullptr,
                                                               READ_METADATA_ONLY, record));
         return source;
     }
     const auto longEdge = static_cast<INT32>(preparation.Options.LongEdgePixels);
-    ThrowIfFailed(preparation.Metadata->ReadImageMetadata(preparation.SourcePath, 0, longEdge,
-                                                          source.Bitmap.Put(), READ_METADATA_AND_PICTURE, record));
+    ThrowIfFailed(preparation.Metadata->ReadImageMetadata(preparation.SourcePath, 0, longEdge, source.Bitmap.Put(),
+                                                          READ_METADATA_AND_PICTURE, record));
     if (!source.Bitmap)
     {
         ThrowHresult(E_UNEXPECTED);
@@ -82,8 +81,8 @@ Encoder CreateEncoder(const Preparation &preparation)
     ThrowIfFailed(encoder.Container->Initialize(encoder.Picture.Get(), WICBitmapEncoderNoCache));
     // Without options the encoder may keep the source's coded pixels; any option makes it code anew.
     ComPtr<IPropertyBag2> options;
-    ThrowIfFailed(encoder.Container->CreateNewFrame(encoder.Frame.Put(),
-                                                    preparation.IsIntact() ? nullptr : options.Put()));
+    ThrowIfFailed(
+        encoder.Container->CreateNewFrame(encoder.Frame.Put(), preparation.IsIntact() ? nullptr : options.Put()));
     if (!preparation.IsIntact())
     {
         WriteEncoderOptions(options.Get(), preparation.Options.Minimize, JpegSubsamplingSupported());
@@ -161,9 +160,8 @@ PassResult RunPass(const Preparation &preparation, RetryRule &rule, ItemTexts &t
 }
 } // namespace
 
-ComPtr<IStream> PrepareJpeg(IHalvoraImageMetadata *metadata, const WCHAR *sourcePath,
-                            const WCHAR *uploadName, const UploadOptions &options, const Pause &wait,
-                            ItemTexts &texts)
+ComPtr<IStream> PrepareJpeg(IHalvoraImageMetadata *metadata, const WCHAR *sourcePath, const WCHAR *uploadName,
+                            const UploadOptions &options, const Pause &wait, ItemTexts &texts)
 {
     const Preparation preparation{metadata, sourcePath, uploadName, options, CreateImagingFactory()};
     RetryRule rule(preparation.IsIntact());

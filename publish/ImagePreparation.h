@@ -16,6 +16,5 @@
 // without the metadata blocks of its source; wait is for the pauses between such tries, at most 600
 // milliseconds. A failure that stands is thrown: WINCODEC_ERR_BADHEADER where the pixels of a file are to
 // be kept that is no JPEG.
-ComPtr<IStream> PrepareJpeg(IHalvoraImageMetadata *metadata, const WCHAR *sourcePath,
-                            const WCHAR *uploadName, const UploadOptions &options, const Pause &wait,
-                            ItemTexts &texts);
+ComPtr<IStream> PrepareJpeg(IHalvoraImageMetadata *metadata, const WCHAR *sourcePath, const WCHAR *uploadName,
+                            const UploadOptions &options, const Pause &wait, ItemTexts &texts);

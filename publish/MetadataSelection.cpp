@@ -107,14 +107,14 @@ HRESULT SelectIntactMetadata(IHalvoraImageMetadata *metadata, IWICBitmapFrameDec
     return written;
 }
 
-HRESULT SelectProcessedMetadata(IHalvoraImageMetadata *metadata, IWICBitmapFrameEncode *target,
-                                ItemRecord *record, const UploadOptions &options)
+HRESULT SelectProcessedMetadata(IHalvoraImageMetadata *metadata, IWICBitmapFrameEncode *target, ItemRecord *record,
+                                const UploadOptions &options)
 {
     const auto writer = QueryWriter(target);
     const bool any = WantsAnyMetadata(options);
-    const HRESULT written = metadata->WriteImageMetadata(writer.Get(), 0, 1, record, options.WriteCopyright,
-                                                         options.WriteExif, options.WriteXmp, options.WriteGps,
-                                                         options.WriteIptc, any, TRUE);
+    const HRESULT written =
+        metadata->WriteImageMetadata(writer.Get(), 0, 1, record, options.WriteCopyright, options.WriteExif,
+                                     options.WriteXmp, options.WriteGps, options.WriteIptc, any, TRUE);
     if (any && SUCCEEDED(written))
     {
         MarkAsProcessed(writer.Get());

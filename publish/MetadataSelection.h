@@ -24,5 +24,5 @@ HRESULT SelectIntactMetadata(IHalvoraImageMetadata *metadata, IWICBitmapFrameDec
 
 // For a new file of a processed picture, which begins without metadata: has the host write the groups that
 // are switched on, and marks the picture as processed. Record and failures as above.
-HRESULT SelectProcessedMetadata(IHalvoraImageMetadata *metadata, IWICBitmapFrameEncode *target,
-                                ItemRecord *record, const UploadOptions &options);
+HRESULT SelectProcessedMetadata(IHalvoraImageMetadata *metadata, IWICBitmapFrameEncode *target, ItemRecord *record,
+                                const UploadOptions &options);

@@ -89,6 +89,5 @@ double PublishStatistics::MeanRate() const
     {
         return 0;
     }
-    return std::accumulate(m_rateSamples.begin(), m_rateSamples.begin() + count, 0.0) /
-           static_cast<double>(count);
+    return std::accumulate(m_rateSamples.begin(), m_rateSamples.begin() + count, 0.0) / static_cast<double>(count);
 }

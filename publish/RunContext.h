@@ -34,8 +34,8 @@ struct CancelFlags
 struct RunContext
 {
     IHalvoraPublishingHost *Host;
-    IUsageMetrics *Usage;                   // may be null
-    IUploadProgressCallback *Progress;      // the plug-in object itself
+    IUsageMetrics *Usage;              // may be null
+    IUploadProgressCallback *Progress; // the plug-in object itself
     const AccountRecord &Account;
     const VersionBlock &Version;
     SettingsBlock &Settings;
@@ -43,5 +43,5 @@ struct RunContext
     ProgressWindows &Windows;
     CancelFlags &Cancel;
     TickSource Now;
-    Pause Wait;                             // between two tries at one picture
+    Pause Wait; // between two tries at one picture
 };

@@ -14,13 +14,13 @@ enum UploadMode : UINT32
 struct UploadOptions
 {
     UINT32 Mode = SendAsIs;
-    bool VerifyContainer = false;   // SendAsIs: the file must really be JPEG, GIF or PNG
+    bool VerifyContainer = false; // SendAsIs: the file must really be JPEG, GIF or PNG
     bool Minimize = false;
     bool WriteCopyright = false;
     bool WriteExif = false;
     bool WriteXmp = false;
     bool WriteGps = false;
     bool WriteIptc = false;
-    UINT32 LongEdgePixels = 0;      // 0 keeps the size
+    UINT32 LongEdgePixels = 0; // 0 keeps the size
     double PrintDpi = 0.0;
 };

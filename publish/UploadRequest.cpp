@@ -117,8 +117,7 @@ HRESULT SendPicture(const RunContext &run, const Picture &picture, const WCHAR *
     client->GetMimeTypeForFile(uploadName, mimeType.Put());
     const auto parameters = CreateParameters();
     AddFormFields(picture.Texts, parameters.Get(), form.Get());
-    ThrowIfFailed(
-        form->AddFilePart(TEXT("photo"), picture.Stream.Get(), mimeType.Text(), uploadName, 0, 0));
+    ThrowIfFailed(form->AddFilePart(TEXT("photo"), picture.Stream.Get(), mimeType.Text(), uploadName, 0, 0));
 
     ComPtr<IStream> body;
     ThrowIfFailed(form->QueryInterface(__uuidof(IStream), body.PutVoid()));

@@ -34,9 +34,7 @@ WideText ComposeAccountText(const AccountRecord &account)
                       account.PhotosUrl.Text());
 }
 
-AboutPage::AboutPage(SheetAccount &account, Pause wait) : m_account(account), m_wait(std::move(wait))
-{
-}
+AboutPage::AboutPage(SheetAccount &account, Pause wait) : m_account(account), m_wait(std::move(wait)) {}
 
 UINT AboutPage::Template() const noexcept
 {
@@ -75,8 +73,7 @@ void AboutPage::Refresh(IPageControls &controls, IRefreshDisplay &display)
     ShowAccountData(controls);
     if (FAILED(result))
     {
-        display.ShowError(LoadStringOrPlaceholder(IDS_REFRESH_FAILED),
-                          LoadStringOrPlaceholder(IDS_DISPLAY_NAME));
+        display.ShowError(LoadStringOrPlaceholder(IDS_REFRESH_FAILED), LoadStringOrPlaceholder(IDS_DISPLAY_NAME));
     }
     else
     {

@@ -47,5 +47,5 @@ private:
     UINT32 m_writeXMP = 0;
     UINT32 m_writeGPS = 1;
     UINT32 m_writeIPTC = 0;
-    WideText m_longDimension;   // fits OutputSizeCapacity
+    WideText m_longDimension; // fits OutputSizeCapacity
 };

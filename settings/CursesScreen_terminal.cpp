@@ -75,17 +75,26 @@ struct KeyMeaning
     wint_t Code;
     SheetKey Key;
 };
-constexpr KeyMeaning functionKeys[] = {
-    {KEY_RESIZE, SheetKey::Redraw},    {KEY_BTAB, SheetKey::BackTab},  {KEY_UP, SheetKey::Up},
-    {KEY_DOWN, SheetKey::Down},        {KEY_LEFT, SheetKey::Left},     {KEY_RIGHT, SheetKey::Right},
-    {KEY_HOME, SheetKey::Home},        {KEY_END, SheetKey::End},       {KEY_PPAGE, SheetKey::PageUp},
-    {KEY_NPAGE, SheetKey::PageDown},   {KEY_F(4), SheetKey::OpenList}, {KEY_ENTER, SheetKey::Enter},
-    {KEY_BACKSPACE, SheetKey::Backspace}, {KEY_DC, SheetKey::Delete},
-    {keyPreviousPage, SheetKey::PreviousPage}, {keyNextPage, SheetKey::NextPage}};
-constexpr KeyMeaning controlCharacters[] = {
-    {L'\t', SheetKey::Tab},      {L'\r', SheetKey::Enter},     {L'\n', SheetKey::Enter},
-    {0x1B, SheetKey::Escape},    {0x03, SheetKey::Escape},     {0x7F, SheetKey::Backspace},
-    {L'\b', SheetKey::Backspace}, {0x15, SheetKey::EraseLine}};
+constexpr KeyMeaning functionKeys[] = {{KEY_RESIZE, SheetKey::Redraw},
+                                       {KEY_BTAB, SheetKey::BackTab},
+                                       {KEY_UP, SheetKey::Up},
+                                       {KEY_DOWN, SheetKey::Down},
+                                       {KEY_LEFT, SheetKey::Left},
+                                       {KEY_RIGHT, SheetKey::Right},
+                                       {KEY_HOME, SheetKey::Home},
+                                       {KEY_END, SheetKey::End},
+                                       {KEY_PPAGE, SheetKey::PageUp},
+                                       {KEY_NPAGE, SheetKey::PageDown},
+                                       {KEY_F(4), SheetKey::OpenList},
+                                       {KEY_ENTER, SheetKey::Enter},
+                                       {KEY_BACKSPACE, SheetKey::Backspace},
+                                       {KEY_DC, SheetKey::Delete},
+                                       {keyPreviousPage, SheetKey::PreviousPage},
+                                       {keyNextPage, SheetKey::NextPage}};
+constexpr KeyMeaning controlCharacters[] = {{L'\t', SheetKey::Tab},       {L'\r', SheetKey::Enter},
+                                            {L'\n', SheetKey::Enter},     {0x1B, SheetKey::Escape},
+                                            {0x03, SheetKey::Escape},     {0x7F, SheetKey::Backspace},
+                                            {L'\b', SheetKey::Backspace}, {0x15, SheetKey::EraseLine}};
 
 template <size_t Count>
 SheetKey MeaningOf(wint_t code, const KeyMeaning (&meanings)[Count])

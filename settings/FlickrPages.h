@@ -13,8 +13,7 @@ class CSettingsPageImpl : public CPropertyPageImpl
 {
 public:
     // logic lives as long as this.
-    explicit CSettingsPageImpl(SettingsPage &logic) noexcept
-        : CPropertyPageImpl(logic.Template()), m_logic(logic)
+    explicit CSettingsPageImpl(SettingsPage &logic) noexcept : CPropertyPageImpl(logic.Template()), m_logic(logic)
     {
     }
 

@@ -52,8 +52,7 @@ bool CSettingsPageImpl::ProcessWindowMessage(HWND page, UINT message, WPARAM wPa
     }
 }
 
-bool CFlickrAboutPage::ProcessWindowMessage(HWND page, UINT message, WPARAM wParam, LPARAM lParam,
-                                            LRESULT &result)
+bool CFlickrAboutPage::ProcessWindowMessage(HWND page, UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result)
 {
     CWinDataExchange controls(page);
     switch (message)

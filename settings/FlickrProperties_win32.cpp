@@ -71,11 +71,10 @@ void MoveDown(HWND window, int pixels)
 CFlickrProperties::CFlickrProperties(SheetAccount &account, UINT titleId)
     : CPropertySheetImpl(titleId), m_aboutPage(account), m_account(account)
 {
-    for (CPropertyPageImpl *page : {static_cast<CPropertyPageImpl *>(&m_photosPage),
-                                    static_cast<CPropertyPageImpl *>(&m_optionsPage),
-                                    static_cast<CPropertyPageImpl *>(&m_jpegPage),
-                                    static_cast<CPropertyPageImpl *>(&m_rawPage),
-                                    static_cast<CPropertyPageImpl *>(&m_aboutPage)})
+    for (CPropertyPageImpl *page :
+         {static_cast<CPropertyPageImpl *>(&m_photosPage), static_cast<CPropertyPageImpl *>(&m_optionsPage),
+          static_cast<CPropertyPageImpl *>(&m_jpegPage), static_cast<CPropertyPageImpl *>(&m_rawPage),
+          static_cast<CPropertyPageImpl *>(&m_aboutPage)})
     {
         AddPage(page->Create());
     }

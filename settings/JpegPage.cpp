@@ -17,14 +17,10 @@ struct EnableRule
     UINT32 FirstMode;
 };
 constexpr EnableRule rules[] = {
-    {IDC_MINIMIZE, SendProcessed},
-    {IDC_WRITE_COPYRIGHT, SendPixelsIntact},
-    {IDC_WRITE_EXIF, SendPixelsIntact},
-    {IDC_WRITE_XMP, SendPixelsIntact},
-    {IDC_WRITE_GPS, SendPixelsIntact},
-    {IDC_WRITE_IPTC, SendPixelsIntact},
-    {IDC_OUTPUT_SIZE_LABEL, SendProcessed},
-    {IDC_OUTPUT_SIZE, SendProcessed},
+    {IDC_MINIMIZE, SendProcessed},          {IDC_WRITE_COPYRIGHT, SendPixelsIntact},
+    {IDC_WRITE_EXIF, SendPixelsIntact},     {IDC_WRITE_XMP, SendPixelsIntact},
+    {IDC_WRITE_GPS, SendPixelsIntact},      {IDC_WRITE_IPTC, SendPixelsIntact},
+    {IDC_OUTPUT_SIZE_LABEL, SendProcessed}, {IDC_OUTPUT_SIZE, SendProcessed},
     {IDC_OUTPUT_SIZE_NOTE, SendProcessed},
 };
 } // namespace

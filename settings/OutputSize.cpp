@@ -196,8 +196,7 @@ INT32 OutputSizeToPixels(WideView text, double &dpi, OutputSizeUnit &unit, const
     return CutToPixels(pixels + 0.5);
 }
 
-double PrintResolution(double size, double smallest, double largest, double dpiAtSmallest,
-                       double dpiAtLargest)
+double PrintResolution(double size, double smallest, double largest, double dpiAtSmallest, double dpiAtLargest)
 {
     if (dpiAtSmallest == dpiAtLargest)
     {

@@ -36,5 +36,4 @@ INT32 OutputSizeToPixels(WideView text, double &dpi, OutputSizeUnit &unit, const
 
 // The resolution for a print size: dpiAtSmallest up to the smaller end of the range, dpiAtLargest from the
 // larger on, in proportion between them.
-double PrintResolution(double size, double smallest, double largest, double dpiAtSmallest,
-                       double dpiAtLargest);
+double PrintResolution(double size, double smallest, double largest, double dpiAtSmallest, double dpiAtLargest);

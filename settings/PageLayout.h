@@ -8,11 +8,11 @@
 
 struct ControlPlace
 {
-    int Row;                        // from the page's first
-    int Height;                     // rows, frames included
+    int Row;    // from the page's first
+    int Height; // rows, frames included
     int Column;
-    int Width;                      // of the room: what is behind belongs to nobody
-    std::vector<WideText> Lines;    // of a text, wrapped, without its mark or frame
+    int Width;                   // of the room: what is behind belongs to nobody
+    std::vector<WideText> Lines; // of a text, wrapped, without its mark or frame
 };
 
 // "[x] " and "(o) ", before the text of a box or radio button.

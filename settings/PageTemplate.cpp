@@ -48,10 +48,7 @@ public:
         }
     }
 
-    void Align()
-    {
-        Skip((4 - m_at % 4) % 4);
-    }
+    void Align() { Skip((4 - m_at % 4) % 4); }
 
     WideText TakeText()
     {
@@ -100,10 +97,8 @@ WORD OrdinalOf(const WideText &className)
     {
         const WCHAR *Name;
         WORD Ordinal;
-    } classes[] = {{WC_BUTTON, ClassButton},
-                   {WC_EDIT, ClassEdit},
-                   {WC_STATIC, ClassStatic},
-                   {WC_COMBOBOX, ClassComboBox}};
+    } classes[] = {
+        {WC_BUTTON, ClassButton}, {WC_EDIT, ClassEdit}, {WC_STATIC, ClassStatic}, {WC_COMBOBOX, ClassComboBox}};
     for (const auto &[name, ordinal] : classes)
     {
         if (EqualsIgnoringCase(className, name))
@@ -143,8 +138,8 @@ std::optional<TemplateControl> TakeControl(TemplateReader &reader)
 {
     reader.Align();
     TemplateControl control{};
-    reader.Take<DWORD>();   // help identifier
-    reader.Take<DWORD>();   // extended style
+    reader.Take<DWORD>(); // help identifier
+    reader.Take<DWORD>(); // extended style
     const auto style = reader.Take<DWORD>();
     control.Place = reader.TakePlace();
     control.Id = reader.Take<DWORD>() & TemplateControl::NoId;
@@ -170,8 +165,8 @@ std::optional<PageTemplate> TakeTemplate(TemplateReader reader)
     {
         return std::nullopt;
     }
-    reader.Take<DWORD>();   // help identifier
-    reader.Take<DWORD>();   // extended style
+    reader.Take<DWORD>(); // help identifier
+    reader.Take<DWORD>(); // extended style
     PageTemplate page{};
     page.Style = reader.Take<DWORD>();
     const auto count = reader.Take<WORD>();
@@ -179,15 +174,15 @@ std::optional<PageTemplate> TakeTemplate(TemplateReader reader)
     page.Width = place.Width;
     page.Height = place.Height;
     WORD ordinal;
-    reader.TakeName(ordinal);   // menu
-    reader.TakeName(ordinal);   // window class
+    reader.TakeName(ordinal); // menu
+    reader.TakeName(ordinal); // window class
     page.Title = reader.TakeText();
     if (page.Style & DS_SETFONT)
     {
         page.FontPoints = reader.Take<WORD>();
-        reader.Take<WORD>();    // weight
-        reader.Take<BYTE>();    // italic
-        reader.Take<BYTE>();    // character set
+        reader.Take<WORD>(); // weight
+        reader.Take<BYTE>(); // italic
+        reader.Take<BYTE>(); // character set
         page.Font = reader.TakeText();
     }
     for (WORD i = 0; i < count; ++i)

@@ -12,12 +12,12 @@
 enum class ControlKind
 {
     Label,
-    Rule,           // a horizontal line without text
+    Rule, // a horizontal line without text
     CheckBox,
     RadioButton,
-    ComboBox,       // editable, with a list
-    Edit,           // of several lines
-    Link            // its text has the link in <a> and </a>
+    ComboBox, // editable, with a list
+    Edit,     // of several lines
+    Link      // its text has the link in <a> and </a>
 };
 
 // In dialog units: 4 are the width of an average character, 8 its height.
@@ -34,20 +34,20 @@ struct TemplateControl
     static constexpr UINT NoId = 0xFFFF;
 
     ControlKind Kind;
-    UINT Id;                // NoId: a control without data
-    bool OpensGroup;        // radio buttons from here to the next that opens a group belong together
-    bool TakesFocus;        // by the tab key
-    WideText Text;          // "&" marks a key, unless the control shows it as it is
+    UINT Id;         // NoId: a control without data
+    bool OpensGroup; // radio buttons from here to the next that opens a group belong together
+    bool TakesFocus; // by the tab key
+    WideText Text;   // "&" marks a key, unless the control shows it as it is
     TemplateRectangle Place;
 };
 
 struct PageTemplate
 {
-    WideText Title;         // of the page's tab
+    WideText Title; // of the page's tab
     WideText Font;
     UINT16 FontPoints;
     DWORD Style;
-    INT16 Width;            // dialog units
+    INT16 Width; // dialog units
     INT16 Height;
     std::vector<TemplateControl> Controls;
 };

@@ -25,6 +25,4 @@ public:
     virtual void Save(IPageControls &controls) = 0;
 };
 
-inline void SettingsPage::Click(IPageControls &, UINT)
-{
-}
+inline void SettingsPage::Click(IPageControls &, UINT) {}

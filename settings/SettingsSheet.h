@@ -13,7 +13,7 @@ struct AccountRecord;
 struct SheetAccount
 {
     const AccountRecord &Account;
-    WideText Version;       // "1.96 (Build 401)"
+    WideText Version; // "1.96 (Build 401)"
     WideText Copyright;
 
     // Reads the account anew from the service, on the calling thread, and fills Account. A failure may
@@ -23,8 +23,8 @@ struct SheetAccount
 
 struct SheetOutcome
 {
-    bool Applied;           // confirmed; pages that were shown have saved their settings
-    bool RevokeRequested;   // confirmed with the wish to forget the authorization
+    bool Applied;         // confirmed; pages that were shown have saved their settings
+    bool RevokeRequested; // confirmed with the wish to forget the authorization
 };
 
 // Blocks until the user has closed the sheet. A sheet that can't be shown is one that was cancelled.

@@ -54,9 +54,7 @@ RegistryKeyOwner OpenSettingsKey(REGSAM access) noexcept
 }
 } // namespace
 
-SettingsReader::SettingsReader() noexcept : m_key(OpenSettingsKey(KEY_READ))
-{
-}
+SettingsReader::SettingsReader() noexcept : m_key(OpenSettingsKey(KEY_READ)) {}
 
 UINT32 SettingsReader::Number(const WCHAR *name) const noexcept
 {
@@ -86,17 +84,15 @@ WideText SettingsReader::Text(const WCHAR *name) const
     // One unit more than is read: a stored text need not bring its closing zero.
     WCHAR buffer[OutputSizeCapacity + 1] = {};
     DWORD size = OutputSizeCapacity * sizeof(WCHAR);
-    if (!m_key || RegQueryValueExW(m_key.Get(), name, nullptr, nullptr, reinterpret_cast<BYTE *>(buffer),
-                                   &size) != ERROR_SUCCESS)
+    if (!m_key || RegQueryValueExW(m_key.Get(), name, nullptr, nullptr, reinterpret_cast<BYTE *>(buffer), &size) !=
+                      ERROR_SUCCESS)
     {
         return {};
     }
     return buffer;
 }
 
-SettingsWriter::SettingsWriter() noexcept : m_key(OpenSettingsKey(KEY_WRITE))
-{
-}
+SettingsWriter::SettingsWriter() noexcept : m_key(OpenSettingsKey(KEY_WRITE)) {}
 
 void SettingsWriter::Write(const WCHAR *name, UINT32 value) const noexcept
 {

@@ -17,16 +17,16 @@ struct ConversionSettings
     UINT32 WriteXMP = 0;
     UINT32 WriteGPS = 1;
     UINT32 WriteIPTC = 0;
-    UINT32 LongEdgePixels = 0;  // 0: keep the size
+    UINT32 LongEdgePixels = 0; // 0: keep the size
     double PrintDpi = 0;
-    WideText LongDimension;     // display form of the maximum output size; empty until one was loaded
+    WideText LongDimension; // display form of the maximum output size; empty until one was loaded
 };
 
 struct SettingsBlock
 {
-    UINT32 JPEGMode = 2;        // 0 SendAsIs, 1 SendPixelsIntact, 2 SendProcessed
+    UINT32 JPEGMode = 2; // 0 SendAsIs, 1 SendPixelsIntact, 2 SendProcessed
     ConversionSettings JPEG;
-    ConversionSettings RAW;     // RAW and TIFF files
+    ConversionSettings RAW; // RAW and TIFF files
 };
 
 // Fills the block from the store. Without the key the block stays as it is; a value that is missing

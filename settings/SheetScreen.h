@@ -9,7 +9,7 @@
 enum class SheetKey
 {
     None,
-    Redraw,         // the terminal has another size
+    Redraw, // the terminal has another size
     Character,
     Tab,
     BackTab,
@@ -21,25 +21,25 @@ enum class SheetKey
     End,
     PageUp,
     PageDown,
-    PreviousPage,   // Ctrl+PageUp
-    NextPage,       // Ctrl+PageDown
-    OpenList,       // F4
+    PreviousPage, // Ctrl+PageUp
+    NextPage,     // Ctrl+PageDown
+    OpenList,     // F4
     Enter,
-    Escape,         // or Ctrl+C
+    Escape, // or Ctrl+C
     Backspace,
     Delete,
-    EraseLine,      // Ctrl+U
+    EraseLine, // Ctrl+U
     Click,
     WheelUp,
     WheelDown,
-    Lost            // nobody is there any more: the terminal is gone, or the process is to end
+    Lost // nobody is there any more: the terminal is gone, or the process is to end
 };
 
 struct ScreenInput
 {
     SheetKey Key = SheetKey::None;
     char32_t Character = 0;
-    int Column = 0;     // of a click, from 0
+    int Column = 0; // of a click, from 0
     int Row = 0;
 };
 

@@ -37,10 +37,8 @@ struct MetadataItem
     UINT WordId;
 };
 constexpr MetadataItem metadataItems[] = {
-    {&ConversionSettings::WriteCopyright, IDS_META_COPYRIGHT},
-    {&ConversionSettings::WriteEXIF, IDS_META_EXIF},
-    {&ConversionSettings::WriteXMP, IDS_META_RATING},
-    {&ConversionSettings::WriteGPS, IDS_META_GPS},
+    {&ConversionSettings::WriteCopyright, IDS_META_COPYRIGHT}, {&ConversionSettings::WriteEXIF, IDS_META_EXIF},
+    {&ConversionSettings::WriteXMP, IDS_META_RATING},          {&ConversionSettings::WriteGPS, IDS_META_GPS},
     {&ConversionSettings::WriteIPTC, IDS_META_IPTC},
 };
 
@@ -128,6 +126,5 @@ WideText ComposeDisplayState(const AccountRecord &account, SettingsBlock &settin
         return LoadStringOrPlaceholder(IDS_STATE_NO_QUOTA);
     }
     LoadSettings(settings);
-    return FormatText(LoadStringOrPlaceholder(IDS_STATE_SETTINGS_LINK).c_str(),
-                      PublishSummary(settings).c_str());
+    return FormatText(LoadStringOrPlaceholder(IDS_STATE_SETTINGS_LINK).c_str(), PublishSummary(settings).c_str());
 }

@@ -17,8 +17,7 @@ constexpr StoredSetting settings[] = {
     {TEXT("JPEGLongDimension"), REG_SZ, 0, 0,
      TEXT("JPEG files: maximum output size, such as Original, 1024 px, 8\" or 20 cm")},
     {TEXT("RAWMinimize"), REG_DWORD, 1, 1, TEXT("RAW and TIFF files: further reduce the upload size")},
-    {TEXT("RAWWriteCopyright"), REG_DWORD, 1, 1,
-     TEXT("RAW and TIFF files: keep artist, copyright and comment")},
+    {TEXT("RAWWriteCopyright"), REG_DWORD, 1, 1, TEXT("RAW and TIFF files: keep artist, copyright and comment")},
     {TEXT("RAWWriteEXIF"), REG_DWORD, 1, 1, TEXT("RAW and TIFF files: keep camera and shooting data")},
     {TEXT("RAWWriteXMP"), REG_DWORD, 1, 0, TEXT("RAW and TIFF files: keep rating, label and urgency")},
     {TEXT("RAWWriteGPS"), REG_DWORD, 1, 1, TEXT("RAW and TIFF files: keep position data")},
@@ -46,7 +45,6 @@ std::span<const StoredSetting> StoredSettings() noexcept
 
 const StoredSetting *FindStoredSetting(WideView name) noexcept
 {
-    const auto found =
-        std::ranges::find(settings, name, [](const StoredSetting &s) { return WideView(s.Name); });
+    const auto found = std::ranges::find(settings, name, [](const StoredSetting &s) { return WideView(s.Name); });
     return found == std::end(settings) ? nullptr : found;
 }

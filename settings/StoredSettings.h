@@ -15,10 +15,10 @@ inline constexpr const WCHAR *SettingsKeyPath =
 struct StoredSetting
 {
     const WCHAR *Name;
-    DWORD Type;             // REG_DWORD, or REG_SZ for an output size expression
-    UINT32 Largest;         // of a REG_DWORD; the smallest is 0
-    UINT32 Default;         // of a REG_DWORD, at upload and in the state line
-    const WCHAR *Meaning;   // English; not shown by the plug-in itself
+    DWORD Type;           // REG_DWORD, or REG_SZ for an output size expression
+    UINT32 Largest;       // of a REG_DWORD; the smallest is 0
+    UINT32 Default;       // of a REG_DWORD, at upload and in the state line
+    const WCHAR *Meaning; // English; not shown by the plug-in itself
 };
 
 std::span<const StoredSetting> StoredSettings() noexcept;

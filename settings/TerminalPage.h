@@ -47,8 +47,8 @@ public:
 
     struct Response
     {
-        bool IsUsed = false;            // the key or click meant something to a control
-        std::optional<UINT> Clicked;    // a button or link that shows its new state already
+        bool IsUsed = false;         // the key or click meant something to a control
+        std::optional<UINT> Clicked; // a button or link that shows its new state already
     };
 
     // A key for the control with the focus.
@@ -104,8 +104,8 @@ private:
     std::vector<ControlPlace> m_places;
     ScreenArea m_area{};
     size_t m_focus = NoControl;
-    size_t m_caret = 0;             // in the text of the combo box
-    bool m_isAllSelected = false;   // what is typed replaces the text
+    size_t m_caret = 0;           // in the text of the combo box
+    bool m_isAllSelected = false; // what is typed replaces the text
     int m_scroll = 0;
     bool m_followsFocus = true;
     bool m_isListOpen = false;

@@ -39,8 +39,7 @@ void TerminalPage::ShowFocus()
         return;
     }
     size_t heading = m_focus;
-    while (heading > 0 &&
-           (KindOf(heading - 1) == ControlKind::Label || KindOf(heading - 1) == ControlKind::Rule))
+    while (heading > 0 && (KindOf(heading - 1) == ControlKind::Label || KindOf(heading - 1) == ControlKind::Rule))
     {
         --heading;
     }

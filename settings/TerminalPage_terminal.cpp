@@ -56,8 +56,7 @@ size_t TerminalPage::Find(UINT id) const
 
 size_t TerminalPage::GroupStart(size_t radio) const
 {
-    while (radio > 0 && !m_template.Controls[radio].OpensGroup &&
-           KindOf(radio - 1) == ControlKind::RadioButton)
+    while (radio > 0 && !m_template.Controls[radio].OpensGroup && KindOf(radio - 1) == ControlKind::RadioButton)
     {
         --radio;
     }
@@ -143,9 +142,7 @@ void TerminalPage::AddListEntry(UINT id, const WideText &text, std::optional<UIN
 }
 
 // The account's text is shown whole; it has no caret.
-void TerminalPage::PutCaretAtEnd(UINT)
-{
-}
+void TerminalPage::PutCaretAtEnd(UINT) {}
 
 void TerminalPage::Focus(UINT id)
 {
@@ -156,9 +153,7 @@ void TerminalPage::Focus(UINT id)
 }
 
 // The sheet draws all of a page when something is to be seen.
-void TerminalPage::Repaint(UINT)
-{
-}
+void TerminalPage::Repaint(UINT) {}
 
 void TerminalPage::Beep()
 {
@@ -333,8 +328,8 @@ TerminalPage::Response TerminalPage::EditText(const ScreenInput &input)
         }
         else
         {
-            const size_t other = input.Key == SheetKey::Delete ? CharacterBehind(text, m_caret)
-                                                               : CharacterBefore(text, m_caret);
+            const size_t other =
+                input.Key == SheetKey::Delete ? CharacterBehind(text, m_caret) : CharacterBefore(text, m_caret);
             const size_t first = std::min(other, m_caret);
             text.erase(first, std::max(other, m_caret) - first);
             m_caret = first;

@@ -75,10 +75,9 @@ public:
     Sheet(ISheetScreen &screen, HWND parent, SheetAccount &account, const Pause &wait)
         : m_screen(screen), m_parent(parent), m_account(account), m_wait(wait), m_about(account, wait)
     {
-        for (SettingsPage *logic :
-             {static_cast<SettingsPage *>(&m_photos), static_cast<SettingsPage *>(&m_options),
-              static_cast<SettingsPage *>(&m_jpeg), static_cast<SettingsPage *>(&m_raw),
-              static_cast<SettingsPage *>(&m_about)})
+        for (SettingsPage *logic : {static_cast<SettingsPage *>(&m_photos),
+                                    static_cast<SettingsPage *>(&m_options), static_cast<SettingsPage *>(&m_jpeg),
+                                    static_cast<SettingsPage *>(&m_raw), static_cast<SettingsPage *>(&m_about)})
         {
             if (auto page = ReadPageTemplate(logic->Template()))
             {
@@ -133,10 +132,7 @@ private:
         }
     }
 
-    void FocusPage()
-    {
-        m_focus = Page().FocusFirst() ? Place::Page : Place::Ok;
-    }
+    void FocusPage() { m_focus = Page().FocusFirst() ? Place::Page : Place::Ok; }
 
     // The page before or behind, round the ends.
     void Turn(int direction)
@@ -156,11 +152,21 @@ private:
         }
         switch (m_focus)
         {
-        case Place::Tabs: FocusPage(); break;
-        case Place::Page: m_focus = HasLink() ? Place::Link : Place::Ok; break;
-        case Place::Link: m_focus = Place::Ok; break;
-        case Place::Ok: m_focus = Place::Cancel; break;
-        case Place::Cancel: m_focus = Place::Tabs; break;
+        case Place::Tabs:
+            FocusPage();
+            break;
+        case Place::Page:
+            m_focus = HasLink() ? Place::Link : Place::Ok;
+            break;
+        case Place::Link:
+            m_focus = Place::Ok;
+            break;
+        case Place::Ok:
+            m_focus = Place::Cancel;
+            break;
+        case Place::Cancel:
+            m_focus = Place::Tabs;
+            break;
         }
     }
 
@@ -172,9 +178,15 @@ private:
         }
         switch (m_focus)
         {
-        case Place::Tabs: m_focus = Place::Cancel; break;
-        case Place::Page: m_focus = Place::Tabs; break;
-        case Place::Cancel: m_focus = Place::Ok; break;
+        case Place::Tabs:
+            m_focus = Place::Cancel;
+            break;
+        case Place::Page:
+            m_focus = Place::Tabs;
+            break;
+        case Place::Cancel:
+            m_focus = Place::Ok;
+            break;
         case Place::Ok:
             if (HasLink())
             {
@@ -182,7 +194,9 @@ private:
                 break;
             }
             [[fallthrough]];
-        case Place::Link: m_focus = Page().FocusLast() ? Place::Page : Place::Tabs; break;
+        case Place::Link:
+            m_focus = Page().FocusLast() ? Place::Page : Place::Tabs;
+            break;
         }
     }
 
@@ -190,8 +204,8 @@ private:
     {
         if (Page().HasOpenList())
         {
-            const auto response = input.Key == SheetKey::Click ? Page().Click(input.Column, input.Row)
-                                                               : Page().Press(input);
+            const auto response =
+                input.Key == SheetKey::Click ? Page().Click(input.Column, input.Row) : Page().Press(input);
             if (response.IsUsed)
             {
                 return;
@@ -200,17 +214,39 @@ private:
         switch (input.Key)
         {
         case SheetKey::Escape:
-        case SheetKey::Lost: Cancel(); break;
-        case SheetKey::Tab: FocusNext(); break;
-        case SheetKey::BackTab: FocusPrevious(); break;
-        case SheetKey::NextPage: Turn(1); break;
-        case SheetKey::PreviousPage: Turn(-1); break;
-        case SheetKey::PageUp: Page().Scroll(-std::max(m_pageRows - 1, 1)); break;
-        case SheetKey::PageDown: Page().Scroll(std::max(m_pageRows - 1, 1)); break;
-        case SheetKey::WheelUp: Page().Scroll(-wheelRows); break;
-        case SheetKey::WheelDown: Page().Scroll(wheelRows); break;
-        case SheetKey::Click: ClickAt(input.Column, input.Row); break;
-        default: PressFocused(input); break;
+        case SheetKey::Lost:
+            Cancel();
+            break;
+        case SheetKey::Tab:
+            FocusNext();
+            break;
+        case SheetKey::BackTab:
+            FocusPrevious();
+            break;
+        case SheetKey::NextPage:
+            Turn(1);
+            break;
+        case SheetKey::PreviousPage:
+            Turn(-1);
+            break;
+        case SheetKey::PageUp:
+            Page().Scroll(-std::max(m_pageRows - 1, 1));
+            break;
+        case SheetKey::PageDown:
+            Page().Scroll(std::max(m_pageRows - 1, 1));
+            break;
+        case SheetKey::WheelUp:
+            Page().Scroll(-wheelRows);
+            break;
+        case SheetKey::WheelDown:
+            Page().Scroll(wheelRows);
+            break;
+        case SheetKey::Click:
+            ClickAt(input.Column, input.Row);
+            break;
+        default:
+            PressFocused(input);
+            break;
         }
     }
 
@@ -291,9 +327,15 @@ private:
     {
         switch (place)
         {
-        case Place::Link: OpenHomepage(); break;
-        case Place::Cancel: Cancel(); break;
-        default: Apply(); break;
+        case Place::Link:
+            OpenHomepage();
+            break;
+        case Place::Cancel:
+            Cancel();
+            break;
+        default:
+            Apply();
+            break;
         }
     }
 
@@ -314,8 +356,7 @@ private:
     void OpenHomepage()
     {
         ShowWaiting(true);
-        ShellExecuteW(m_parent, TEXT("open"), m_account.Account.PhotosUrl.Text(), nullptr, nullptr,
-                      SW_SHOWNORMAL);
+        ShellExecuteW(m_parent, TEXT("open"), m_account.Account.PhotosUrl.Text(), nullptr, nullptr, SW_SHOWNORMAL);
         m_wait(browserPause);
         ShowWaiting(false);
         m_focus = Place::Ok;

@@ -3,11 +3,7 @@
 namespace
 {
 constexpr VisibilityNumbers choices[VisibilityChoices] = {
-    {1, 1, 1},
-    {0, 1, 1},
-    {0, 1, 0},
-    {0, 0, 1},
-    {0, 0, 0},
+    {1, 1, 1}, {0, 1, 1}, {0, 1, 0}, {0, 0, 1}, {0, 0, 0},
 };
 } // namespace
 

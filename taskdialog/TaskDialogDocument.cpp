@@ -50,8 +50,8 @@ void TaskDialogDocument::Clear() noexcept
     marqueeTime = 0;
 }
 
-HRESULT CALLBACK TaskDialogDocument::HandleNotification(HWND window, UINT notification, WPARAM wParam, LPARAM lParam,
-                                                        LONG_PTR data) noexcept
+HRESULT CALLBACK TaskDialogDocument::HandleNotification(HWND window, UINT notification, WPARAM wParam,
+                                                        LPARAM lParam, LONG_PTR data) noexcept
 {
     auto *const document = reinterpret_cast<TaskDialogDocument *>(data);
     if (document == nullptr)

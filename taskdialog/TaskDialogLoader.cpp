@@ -26,12 +26,13 @@ const TextPart textParts[] = {
     {TEXT("/task_dialog/main_text"), offsetof(TASKDIALOGCONFIG, pszMainInstruction),
      offsetof(TASKDIALOGCONFIG, pszMainIcon)},
     {TEXT("/task_dialog/content"), offsetof(TASKDIALOGCONFIG, pszContent), noIcon},
-    {TEXT("/task_dialog/footer"), offsetof(TASKDIALOGCONFIG, pszFooter), offsetof(TASKDIALOGCONFIG, pszFooterIcon)},
+    {TEXT("/task_dialog/footer"), offsetof(TASKDIALOGCONFIG, pszFooter),
+     offsetof(TASKDIALOGCONFIG, pszFooterIcon)},
     {TEXT("/task_dialog/expanded_text"), offsetof(TASKDIALOGCONFIG, pszExpandedInformation), noIcon},
-    {TEXT("/task_dialog/expando/text[@state='collapsed']"),
-     offsetof(TASKDIALOGCONFIG, pszCollapsedControlText), noIcon},
-    {TEXT("/task_dialog/expando/text[@state='expanded']"),
-     offsetof(TASKDIALOGCONFIG, pszExpandedControlText), noIcon},
+    {TEXT("/task_dialog/expando/text[@state='collapsed']"), offsetof(TASKDIALOGCONFIG, pszCollapsedControlText),
+     noIcon},
+    {TEXT("/task_dialog/expando/text[@state='expanded']"), offsetof(TASKDIALOGCONFIG, pszExpandedControlText),
+     noIcon},
     {TEXT("/task_dialog/checkbox"), offsetof(TASKDIALOGCONFIG, pszVerificationText), noIcon},
 };
 
@@ -166,7 +167,9 @@ void ReadFlags(IXMLDOMNode *xml, TaskDialogDocument &document)
     {
         return;
     }
-    const auto attribute = [&](const WCHAR *name) { return AttributeText(flags.Get(), name).value_or(WideText()); };
+    const auto attribute = [&](const WCHAR *name) {
+        return AttributeText(flags.Get(), name).value_or(WideText());
+    };
     // Blanks alone separate words: what a tab or a line end holds together is one unknown word.
     const WideText words = ElementText(xml, TEXT("/task_dialog/flags")).value_or(WideText());
     for (const WideView word : SplitText(words, TEXT(' ')))

@@ -39,9 +39,9 @@ std::optional<int> ShowByPlatform(TaskDialogDocument &document, bool centred)
 {
     const HookedCall call(centred);
     const ShowFunction show = FindShowFunction();
-    const bool shown = show != nullptr &&
-                       SUCCEEDED(show(&document.config, &document.selectedButton, &document.selectedRadioButton,
-                                      &document.verificationChecked));
+    const bool shown =
+        show != nullptr && SUCCEEDED(show(&document.config, &document.selectedButton,
+                                          &document.selectedRadioButton, &document.verificationChecked));
     return shown ? std::optional(document.selectedButton) : std::nullopt;
 }
 

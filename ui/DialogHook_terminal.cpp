@@ -1,16 +1,10 @@
 #include "ui/DialogHook.h"
 
-void ArmMessageBoxHook() noexcept
-{
-}
+void ArmMessageBoxHook() noexcept {}
 
-void ArmTaskDialogHook() noexcept
-{
-}
+void ArmTaskDialogHook() noexcept {}
 
-void DisarmHook() noexcept
-{
-}
+void DisarmHook() noexcept {}
 
 bool IsHookArmed() noexcept
 {

@@ -19,6 +19,4 @@ WNDPROC CHookedWindow::GetWindowProc()
     return CWindowImpl::GetWindowProc();
 }
 
-void CHookedWindow::OnFinalMessage(HWND)
-{
-}
+void CHookedWindow::OnFinalMessage(HWND) {}

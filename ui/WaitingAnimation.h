@@ -6,9 +6,9 @@
 
 struct WaitingAnimation
 {
-    UINT64 StartTick = 0;   // of the first frame; 0: not started
-    UINT32 Interval = 125;  // milliseconds per frame
-    bool Restart = false;   // the next frame that is asked for begins the count anew
+    UINT64 StartTick = 0;  // of the first frame; 0: not started
+    UINT32 Interval = 125; // milliseconds per frame
+    bool Restart = false;  // the next frame that is asked for begins the count anew
     bool Running = false;
 
     // The frame at this value of the tick counter, of so many; 0 as long as it isn't running. A counter

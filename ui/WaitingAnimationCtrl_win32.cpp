@@ -54,8 +54,7 @@ LRESULT CALLBACK CWaitingAnimationImpl::Procedure(HWND window, UINT message, WPA
     return DefWindowProcW(window, message, wParam, lParam);
 }
 
-bool CWaitingAnimationImpl::ProcessWindowMessage(HWND window, UINT message, WPARAM wParam, LPARAM,
-                                                 LRESULT &result)
+bool CWaitingAnimationImpl::ProcessWindowMessage(HWND window, UINT message, WPARAM wParam, LPARAM, LRESULT &result)
 {
     result = 0;
     switch (message)
@@ -160,8 +159,8 @@ void CWaitingAnimationImpl::Draw(HWND window, HDC context) noexcept
     const HDC memory = CreateCompatibleDC(context);
     const HGDIOBJ before = SelectObject(memory, m_bitmap.Get());
     constexpr BLENDFUNCTION sourceOver{AC_SRC_OVER, 0, 255, AC_SRC_ALPHA};
-    AlphaBlend(context, client.left, client.top, size, size, memory, static_cast<int>(frame) * size, 0, size,
-               size, sourceOver);
+    AlphaBlend(context, client.left, client.top, size, size, memory, static_cast<int>(frame) * size, 0, size, size,
+               sourceOver);
     SelectObject(memory, before);
     DeleteDC(memory);
 }

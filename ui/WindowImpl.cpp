@@ -31,9 +31,7 @@ WNDPROC CWindowImpl::GetWindowProc()
     return Route;
 }
 
-void CWindowImpl::OnFinalMessage(HWND)
-{
-}
+void CWindowImpl::OnFinalMessage(HWND) {}
 
 bool CWindowImpl::SubclassWindow(HWND window) noexcept
 {

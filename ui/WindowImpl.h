@@ -16,7 +16,8 @@ public:
 
     // True if the message needs no more, with its result filled. Otherwise it goes on to the
     // procedure that was replaced.
-    virtual bool ProcessWindowMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result) = 0;
+    virtual bool ProcessWindowMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                                      LRESULT &result) = 0;
     virtual ~CWindowImpl();
     // The procedure that the window gets.
     virtual WNDPROC GetWindowProc();

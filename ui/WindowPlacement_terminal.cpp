@@ -1,17 +1,11 @@
 // A dialog natively is text in the terminal: there is no window to be moved.
 #include "ui/WindowPlacement.h"
 
-void CentreWindow(HWND) noexcept
-{
-}
+void CentreWindow(HWND) noexcept {}
 
-void CentreOnPointer(HWND) noexcept
-{
-}
+void CentreOnPointer(HWND) noexcept {}
 
-void MoveChildBy(HWND, HWND, INT32, INT32, INT32, INT32) noexcept
-{
-}
+void MoveChildBy(HWND, HWND, INT32, INT32, INT32, INT32) noexcept {}
 
 bool IsVistaOrLater() noexcept
 {

@@ -212,7 +212,7 @@ private:
     UINT64 m_bodyRead = 0;
     UINT64 m_sent = 0;
     UINT64 m_received = 0;
-    bool m_hasMoved = false; // a header line has come since the last look
+    bool m_hasMoved = false;                     // a header line has come since the last look
     std::optional<Clock::time_point> m_lastMove; // set when the request starts on its connection
     std::optional<Clock::time_point> m_allSent;
     std::optional<long> m_requestSize; // what libcurl had sent when the request started
@@ -230,11 +230,12 @@ void CurlExchange::SetConnection()
     Set(CURLOPT_TCP_KEEPALIVE, 1L);
     // What waits in the socket unsent counts as progress though it has gone nowhere; the system
     // would let megabytes wait, a whole picture.
-    Set(CURLOPT_SOCKOPTFUNCTION, +[](void *, curl_socket_t socket, curlsocktype) -> int {
-        const int bytes = 128 * 1024;
-        setsockopt(socket, IPPROTO_TCP, TCP_NOTSENT_LOWAT, &bytes, sizeof bytes);
-        return CURL_SOCKOPT_OK;
-    });
+    Set(
+        CURLOPT_SOCKOPTFUNCTION, +[](void *, curl_socket_t socket, curlsocktype) -> int {
+            const int bytes = 128 * 1024;
+            setsockopt(socket, IPPROTO_TCP, TCP_NOTSENT_LOWAT, &bytes, sizeof bytes);
+            return CURL_SOCKOPT_OK;
+        });
     Set(CURLOPT_MAXCONNECTS, 1L); // the one that the pool looks after
     Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(m_limits.connect.count()));
     Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
@@ -277,11 +278,13 @@ void CurlExchange::SetBody()
     }
     Set(CURLOPT_UPLOAD_BUFFERSIZE, 256L * 1024);
     Set(CURLOPT_READDATA, this);
-    Set(CURLOPT_READFUNCTION, +[](char *buffer, size_t one, size_t size, void *self) -> size_t {
-        return static_cast<CurlExchange *>(self)->OnRead(buffer, one * size);
-    });
+    Set(
+        CURLOPT_READFUNCTION, +[](char *buffer, size_t one, size_t size, void *self) -> size_t {
+            return static_cast<CurlExchange *>(self)->OnRead(buffer, one * size);
+        });
     // libcurl asks for this when it wants to send a body once more.
-    Set(CURLOPT_SEEKFUNCTION, +[](void *, curl_off_t, int) -> int { return CURL_SEEKFUNC_FAIL; });
+    Set(
+        CURLOPT_SEEKFUNCTION, +[](void *, curl_off_t, int) -> int { return CURL_SEEKFUNC_FAIL; });
 }
 
 void CurlExchange::SetRequest()
@@ -315,24 +318,28 @@ void CurlExchange::SetRequest()
 void CurlExchange::SetCallbacks()
 {
     Set(CURLOPT_WRITEDATA, this);
-    Set(CURLOPT_WRITEFUNCTION, +[](char *bytes, size_t one, size_t size, void *self) -> size_t {
-        return static_cast<CurlExchange *>(self)->OnWrite(bytes, one * size);
-    });
+    Set(
+        CURLOPT_WRITEFUNCTION, +[](char *bytes, size_t one, size_t size, void *self) -> size_t {
+            return static_cast<CurlExchange *>(self)->OnWrite(bytes, one * size);
+        });
     Set(CURLOPT_HEADERDATA, this);
-    Set(CURLOPT_HEADERFUNCTION, +[](char *line, size_t one, size_t size, void *self) -> size_t {
-        return static_cast<CurlExchange *>(self)->OnHeader({line, one * size});
-    });
+    Set(
+        CURLOPT_HEADERFUNCTION, +[](char *line, size_t one, size_t size, void *self) -> size_t {
+            return static_cast<CurlExchange *>(self)->OnHeader({line, one * size});
+        });
     Set(CURLOPT_NOPROGRESS, 0L);
     Set(CURLOPT_XFERINFODATA, this);
-    Set(CURLOPT_XFERINFOFUNCTION,
+    Set(
+        CURLOPT_XFERINFOFUNCTION,
         +[](void *self, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) -> int {
             return static_cast<CurlExchange *>(self)->OnProgress(static_cast<UINT64>(received),
                                                                  static_cast<UINT64>(sent));
         });
     Set(CURLOPT_PREREQDATA, this);
-    Set(CURLOPT_PREREQFUNCTION, +[](void *self, char *, char *, int, int) -> int {
-        return static_cast<CurlExchange *>(self)->OnBeforeRequest();
-    });
+    Set(
+        CURLOPT_PREREQFUNCTION, +[](void *self, char *, char *, int, int) -> int {
+            return static_cast<CurlExchange *>(self)->OnBeforeRequest();
+        });
 }
 
 size_t CurlExchange::OnRead(char *buffer, size_t size)
@@ -515,14 +522,22 @@ TransportError CurlExchange::ErrorOf(CURLcode code) const
     }
     switch (code)
     {
-    case CURLE_COULDNT_RESOLVE_HOST: return {TransportProblem::NameNotFound};
-    case CURLE_COULDNT_RESOLVE_PROXY: return {TransportProblem::ProxyNotFound};
-    case CURLE_COULDNT_CONNECT: return {TransportProblem::CannotConnect};
-    case CURLE_OPERATION_TIMEDOUT: return {TransportProblem::ConnectTimedOut}; // no other limit is libcurl's
-    case CURLE_PEER_FAILED_VERIFICATION: return CertificateError();
-    case CURLE_SSL_CACERT_BADFILE: return {TransportProblem::TrustFileUnreadable};
-    case CURLE_OUT_OF_MEMORY: return {TransportProblem::Other, E_OUTOFMEMORY};
-    default: break;
+    case CURLE_COULDNT_RESOLVE_HOST:
+        return {TransportProblem::NameNotFound};
+    case CURLE_COULDNT_RESOLVE_PROXY:
+        return {TransportProblem::ProxyNotFound};
+    case CURLE_COULDNT_CONNECT:
+        return {TransportProblem::CannotConnect};
+    case CURLE_OPERATION_TIMEDOUT:
+        return {TransportProblem::ConnectTimedOut}; // no other limit is libcurl's
+    case CURLE_PEER_FAILED_VERIFICATION:
+        return CertificateError();
+    case CURLE_SSL_CACERT_BADFILE:
+        return {TransportProblem::TrustFileUnreadable};
+    case CURLE_OUT_OF_MEMORY:
+        return {TransportProblem::Other, E_OUTOFMEMORY};
+    default:
+        break;
     }
     if (!m_lastMove)
     {

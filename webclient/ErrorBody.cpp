@@ -28,16 +28,22 @@ constexpr Words OAuthProblems[] = {
     {"consumer_key_unknown", "The service does not know this application's key"},
     {"consumer_key_rejected", "The service does not accept this application's key"},
     {"consumer_key_refused", "The service refuses this application for now"},
-    {"timestamp_refused", "The service did not accept the time of the request: is the clock of this computer right?"},
+    {"timestamp_refused",
+     "The service did not accept the time of the request: is the clock of this computer right?"},
     {"nonce_used", "The service has seen this request before"},
     {"version_rejected", "The service does not accept this version of OAuth"},
     {"parameter_absent", "The request lacked a parameter"},
     {"parameter_rejected", "The service did not accept a parameter of the request"},
 };
 
-constexpr Words Entities[] = {{"&lt;", "<"},   {"&gt;", ">"},     {"&quot;", "\""},
-                              {"&#39;", "'"},  {"&apos;", "'"},   {"&nbsp;", " "},
-                              {"&mdash;", "\xE2\x80\x94"}, {"&ndash;", "\xE2\x80\x93"},
+constexpr Words Entities[] = {{"&lt;", "<"},
+                              {"&gt;", ">"},
+                              {"&quot;", "\""},
+                              {"&#39;", "'"},
+                              {"&apos;", "'"},
+                              {"&nbsp;", " "},
+                              {"&mdash;", "\xE2\x80\x94"},
+                              {"&ndash;", "\xE2\x80\x93"},
                               {"&amp;", "&"}}; // last, or "&amp;lt;" would be unfolded twice
 
 std::string LowerAscii(std::string_view text)
@@ -144,7 +150,8 @@ std::string ElementText(std::string_view html, const std::string &lower, const s
     const size_t open = lower.find("<" + name);
     const size_t start = open == std::string::npos ? open : lower.find('>', open);
     const size_t end = start == std::string::npos ? start : lower.find("</" + name, start);
-    return end == std::string::npos ? std::string() : OneLine(WithoutTags(html.substr(start + 1, end - start - 1)));
+    return end == std::string::npos ? std::string()
+                                    : OneLine(WithoutTags(html.substr(start + 1, end - start - 1)));
 }
 
 bool IsBinary(std::string_view text)
@@ -183,13 +190,28 @@ std::string DescribeErrorBody(std::string_view body)
 
 std::string_view StandardStatusWords(int status)
 {
-    static constexpr std::pair<int, std::string_view> names[] = {
-        {200, "OK"}, {301, "Moved Permanently"}, {302, "Found"}, {303, "See Other"}, {304, "Not Modified"},
-        {307, "Temporary Redirect"}, {308, "Permanent Redirect"}, {400, "Bad Request"}, {401, "Unauthorized"},
-        {403, "Forbidden"}, {404, "Not Found"}, {405, "Method Not Allowed"}, {408, "Request Timeout"},
-        {411, "Length Required"}, {413, "Content Too Large"}, {415, "Unsupported Media Type"},
-        {429, "Too Many Requests"}, {500, "Internal Server Error"}, {501, "Not Implemented"},
-        {502, "Bad Gateway"}, {503, "Service Unavailable"}, {504, "Gateway Timeout"}};
+    static constexpr std::pair<int, std::string_view> names[] = {{200, "OK"},
+                                                                 {301, "Moved Permanently"},
+                                                                 {302, "Found"},
+                                                                 {303, "See Other"},
+                                                                 {304, "Not Modified"},
+                                                                 {307, "Temporary Redirect"},
+                                                                 {308, "Permanent Redirect"},
+                                                                 {400, "Bad Request"},
+                                                                 {401, "Unauthorized"},
+                                                                 {403, "Forbidden"},
+                                                                 {404, "Not Found"},
+                                                                 {405, "Method Not Allowed"},
+                                                                 {408, "Request Timeout"},
+                                                                 {411, "Length Required"},
+                                                                 {413, "Content Too Large"},
+                                                                 {415, "Unsupported Media Type"},
+                                                                 {429, "Too Many Requests"},
+                                                                 {500, "Internal Server Error"},
+                                                                 {501, "Not Implemented"},
+                                                                 {502, "Bad Gateway"},
+                                                                 {503, "Service Unavailable"},
+                                                                 {504, "Gateway Timeout"}};
     for (const auto &[number, words] : names)
     {
         if (number == status)

@@ -39,11 +39,11 @@ PUCHAR Bytes(std::string_view text)
 HmacSha1Digest HmacSha1(std::string_view key, std::string_view message)
 {
     HandleOwner<AlgorithmPolicy> algorithm;
-    Check(BCryptOpenAlgorithmProvider(algorithm.Put(), BCRYPT_SHA1_ALGORITHM, nullptr,
-                                      BCRYPT_ALG_HANDLE_HMAC_FLAG));
+    Check(
+        BCryptOpenAlgorithmProvider(algorithm.Put(), BCRYPT_SHA1_ALGORITHM, nullptr, BCRYPT_ALG_HANDLE_HMAC_FLAG));
     HandleOwner<HashPolicy> hash;
-    Check(BCryptCreateHash(algorithm.Get(), hash.Put(), nullptr, 0, Bytes(key),
-                           static_cast<ULONG>(key.size()), 0));
+    Check(
+        BCryptCreateHash(algorithm.Get(), hash.Put(), nullptr, 0, Bytes(key), static_cast<ULONG>(key.size()), 0));
     Check(BCryptHashData(hash.Get(), Bytes(message), static_cast<ULONG>(message.size()), 0));
     HmacSha1Digest digest{};
     Check(BCryptFinishHash(hash.Get(), digest.data(), digest.size(), 0));

@@ -82,8 +82,8 @@ struct TransportError
 struct TransportLimits
 {
     std::chrono::milliseconds connect{30'000};
-    std::chrono::milliseconds stall{60'000};    // without a byte moving
-    std::chrono::milliseconds answer{300'000};  // from the last byte sent to the last byte of the answer
+    std::chrono::milliseconds stall{60'000};   // without a byte moving
+    std::chrono::milliseconds answer{300'000}; // from the last byte sent to the last byte of the answer
     size_t replyBytes = 4 * 1024 * 1024;
 };
 

@@ -11,15 +11,12 @@ struct MediaType
 };
 
 constexpr MediaType MediaTypes[] = {
-    {TEXT("jpg"), TEXT("image/jpeg")},      {TEXT("jpeg"), TEXT("image/jpeg")},
-    {TEXT("jpe"), TEXT("image/jpeg")},      {TEXT("jfif"), TEXT("image/jpeg")},
-    {TEXT("exif"), TEXT("image/jpeg")},     {TEXT("png"), TEXT("image/png")},
-    {TEXT("gif"), TEXT("image/gif")},       {TEXT("tif"), TEXT("image/tiff")},
-    {TEXT("tiff"), TEXT("image/tiff")},     {TEXT("webp"), TEXT("image/webp")},
-    {TEXT("bmp"), TEXT("image/bmp")},       {TEXT("heic"), TEXT("image/heic")},
-    {TEXT("heif"), TEXT("image/heif")},     {TEXT("avif"), TEXT("image/avif")},
-    {TEXT("mov"), TEXT("video/quicktime")}, {TEXT("mp4"), TEXT("video/mp4")},
-    {TEXT("m4v"), TEXT("video/mp4")},       {TEXT("avi"), TEXT("video/x-msvideo")},
+    {TEXT("jpg"), TEXT("image/jpeg")},  {TEXT("jpeg"), TEXT("image/jpeg")}, {TEXT("jpe"), TEXT("image/jpeg")},
+    {TEXT("jfif"), TEXT("image/jpeg")}, {TEXT("exif"), TEXT("image/jpeg")}, {TEXT("png"), TEXT("image/png")},
+    {TEXT("gif"), TEXT("image/gif")},   {TEXT("tif"), TEXT("image/tiff")},  {TEXT("tiff"), TEXT("image/tiff")},
+    {TEXT("webp"), TEXT("image/webp")}, {TEXT("bmp"), TEXT("image/bmp")},   {TEXT("heic"), TEXT("image/heic")},
+    {TEXT("heif"), TEXT("image/heif")}, {TEXT("avif"), TEXT("image/avif")}, {TEXT("mov"), TEXT("video/quicktime")},
+    {TEXT("mp4"), TEXT("video/mp4")},   {TEXT("m4v"), TEXT("video/mp4")},   {TEXT("avi"), TEXT("video/x-msvideo")},
 };
 
 WCHAR LowerAscii(WCHAR c)

@@ -56,8 +56,8 @@ void SetText(HKEY key, const WCHAR *name, const WideText &text)
 RegistryKeyOwner CreateKey(HKEY parent, const WideText &path)
 {
     RegistryKeyOwner key;
-    ThrowIfFailed(HRESULT_FROM_WIN32(RegCreateKeyExW(parent, path.c_str(), 0, nullptr, 0, KEY_READ | KEY_WRITE,
-                                                     nullptr, key.Put(), nullptr)));
+    ThrowIfFailed(HRESULT_FROM_WIN32(
+        RegCreateKeyExW(parent, path.c_str(), 0, nullptr, 0, KEY_READ | KEY_WRITE, nullptr, key.Put(), nullptr)));
     return key;
 }
 

@@ -17,11 +17,20 @@ std::string QuotedName(std::string_view name)
     {
         switch (c)
         {
-        case '"': result += "%22"; break;
-        case '\r': result += "%0D"; break;
-        case '\n': result += "%0A"; break;
-        case '\\': result += "%5C"; break; // some readers take it for an escape
-        default: result += c;
+        case '"':
+            result += "%22";
+            break;
+        case '\r':
+            result += "%0D";
+            break;
+        case '\n':
+            result += "%0A";
+            break;
+        case '\\':
+            result += "%5C";
+            break; // some readers take it for an escape
+        default:
+            result += c;
         }
     }
     return result;
@@ -99,8 +108,8 @@ HRESULT CMultipartFormData::AddTextField(LPCWSTR name, LPCWSTR value) noexcept
     });
 }
 
-HRESULT CMultipartFormData::AddFilePart(LPCWSTR name, IStream *content, LPCWSTR mimeType, LPCWSTR fileName,
-                                        UINT32, UINT32) noexcept
+HRESULT CMultipartFormData::AddFilePart(LPCWSTR name, IStream *content, LPCWSTR mimeType, LPCWSTR fileName, UINT32,
+                                        UINT32) noexcept
 {
     return AtBoundary([&] {
         if (name == nullptr || content == nullptr || fileName == nullptr)

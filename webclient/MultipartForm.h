@@ -19,8 +19,8 @@ public:
 
     STDMETHODIMP AddNumberField(LPCWSTR name, UINT32 value) noexcept override;
     STDMETHODIMP AddTextField(LPCWSTR name, LPCWSTR value) noexcept override;
-    STDMETHODIMP AddFilePart(LPCWSTR name, IStream *content, LPCWSTR mimeType, LPCWSTR fileName,
-                             UINT32 reserved1, UINT32 reserved2) noexcept override;
+    STDMETHODIMP AddFilePart(LPCWSTR name, IStream *content, LPCWSTR mimeType, LPCWSTR fileName, UINT32 reserved1,
+                             UINT32 reserved2) noexcept override;
     STDMETHODIMP GetBodyLength(UINT32 *length) noexcept override;
     STDMETHODIMP GetContentType(BSTR *contentType) noexcept override;
 
@@ -69,7 +69,7 @@ private:
 
     std::string m_boundary;
     std::vector<Part> m_parts;
-    size_t m_part = 0;      // being read; m_parts.size() is the closing boundary
-    UINT64 m_inPart = 0;    // bytes of it that were read
-    UINT64 m_position = 0;  // in the whole body
+    size_t m_part = 0;     // being read; m_parts.size() is the closing boundary
+    UINT64 m_inPart = 0;   // bytes of it that were read
+    UINT64 m_position = 0; // in the whole body
 };

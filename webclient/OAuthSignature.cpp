@@ -101,8 +101,7 @@ SecretText SignatureBaseString(std::string_view method, const RequestUrl &url, c
     return result;
 }
 
-std::string SignText(std::string_view baseString, std::string_view applicationSecret,
-                     std::string_view tokenSecret)
+std::string SignText(std::string_view baseString, std::string_view applicationSecret, std::string_view tokenSecret)
 {
     SecretText key;
     AppendPercentEncoded(key, applicationSecret);
@@ -119,8 +118,9 @@ SecretText ComposeAuthorization(std::string_view method, const RequestUrl &url, 
     ParameterList all = protocol;
     all.insert(all.end(), signedParameters.begin(), signedParameters.end());
     const SecretText baseString = SignatureBaseString(method, url, all);
-    protocol.push_back({"oauth_signature", SecretText(SignText(baseString.View(), identity.applicationSecret.View(),
-                                                               identity.tokenSecret.View()))});
+    protocol.push_back(
+        {"oauth_signature",
+         SecretText(SignText(baseString.View(), identity.applicationSecret.View(), identity.tokenSecret.View()))});
     SecretText result{"OAuth "};
     for (const Parameter &parameter : protocol)
     {

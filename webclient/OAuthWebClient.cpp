@@ -21,7 +21,6 @@ RequestUrl SecureUrl(LPCWSTR text)
     return url;
 }
 
-
 bool HasControls(std::string_view text)
 {
     return std::any_of(text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; });
@@ -38,8 +37,8 @@ std::string LowerAscii(std::string text)
 // length above all, which a signed number can't tell beyond 2 GiB.
 std::vector<HttpHeader> CallersHeaders(const ParameterList &headers)
 {
-    static constexpr std::string_view owned[] = {"authorization", "connection", "content-length", "expect",
-                                                 "host", "transfer-encoding", "user-agent"};
+    static constexpr std::string_view owned[] = {"authorization", "connection",        "content-length", "expect",
+                                                 "host",          "transfer-encoding", "user-agent"};
     std::vector<HttpHeader> result;
     for (const Parameter &header : headers)
     {
@@ -201,7 +200,8 @@ HRESULT COAuthWebClient::GetAuthorizationUrl(UINT32, IRequestParameters *paramet
         RequestUrl page = service.authorizeUrl;
         page.AddQuery(ReadParameters(parameters));
         // A new authorization knows nothing of a token that the client may hold.
-        const OAuthIdentity application{service.identity.applicationKey, service.identity.applicationSecret, {}, {}};
+        const OAuthIdentity application{
+            service.identity.applicationKey, service.identity.applicationSecret, {}, {}};
         const WipedReply reply(AskForToken(service, service.requestTokenUrl, application,
                                            {{"oauth_callback", SecretText(service.callbackUrl)}}));
         const ParameterList pair = reply.Pair();

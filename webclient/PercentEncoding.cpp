@@ -6,8 +6,8 @@ constexpr char Digits[] = "0123456789ABCDEF";
 
 bool IsUnreserved(unsigned char c)
 {
-    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '-' ||
-           c == '.' || c == '_' || c == '~';
+    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '-' || c == '.' ||
+           c == '_' || c == '~';
 }
 
 template <class Append>

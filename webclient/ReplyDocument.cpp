@@ -27,13 +27,24 @@ WideText Escaped(std::string_view text)
     {
         switch (c)
         {
-        case '&': result += TEXT("&amp;"); break;
-        case '<': result += TEXT("&lt;"); break;
-        case '>': result += TEXT("&gt;"); break;
-        case '"': result += TEXT("&quot;"); break;
+        case '&':
+            result += TEXT("&amp;");
+            break;
+        case '<':
+            result += TEXT("&lt;");
+            break;
+        case '>':
+            result += TEXT("&gt;");
+            break;
+        case '"':
+            result += TEXT("&quot;");
+            break;
         case 0xFFFE:
-        case 0xFFFF: result += ' '; break;
-        default: result += c < ' ' ? static_cast<WCHAR>(' ') : c;
+        case 0xFFFF:
+            result += ' ';
+            break;
+        default:
+            result += c < ' ' ? static_cast<WCHAR>(' ') : c;
         }
     }
     return result;
@@ -109,8 +120,8 @@ std::string Hide(std::string text, const std::vector<std::string_view> &hidden)
 ComPtr<IXMLDOMDocument2> CreateReplyDocument()
 {
     ComPtr<IXMLDOMDocument2> document;
-    ThrowIfFailed(CoCreateInstance(CLSID_DOMDocument60, nullptr, CLSCTX_INPROC_SERVER,
-                                   __uuidof(IXMLDOMDocument2), document.PutVoid()));
+    ThrowIfFailed(CoCreateInstance(CLSID_DOMDocument60, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IXMLDOMDocument2),
+                                   document.PutVoid()));
     document->put_async(VARIANT_FALSE);
     return document;
 }
@@ -120,8 +131,7 @@ HRESULT ResultOfStatus(int status) noexcept
     return static_cast<HRESULT>(0x80190000u | static_cast<unsigned>(status & 0xFFFF));
 }
 
-HRESULT LoadReply(IXMLDOMDocument2 *document, const HttpReply &reply,
-                  const std::vector<std::string_view> &hidden)
+HRESULT LoadReply(IXMLDOMDocument2 *document, const HttpReply &reply, const std::vector<std::string_view> &hidden)
 {
     const bool isServiceReply = LoadServiceDocument(document, reply.body);
     if (isServiceReply && IsSuccess(reply.status))
@@ -137,8 +147,8 @@ HRESULT LoadReply(IXMLDOMDocument2 *document, const HttpReply &reply,
     {
         description = "Redirections are not followed" + (description.empty() ? "" : ": " + description);
     }
-    const std::string_view words = reply.statusWords.empty() ? StandardStatusWords(reply.status)
-                                                             : std::string_view(reply.statusWords);
+    const std::string_view words =
+        reply.statusWords.empty() ? StandardStatusWords(reply.status) : std::string_view(reply.statusWords);
     LoadHttpError(document, reply.status, words, Hide(description, hidden));
     return IsSuccess(reply.status) ? InvalidServerResponse : ResultOfStatus(reply.status);
 }

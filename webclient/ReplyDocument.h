@@ -19,12 +19,10 @@ ComPtr<IXMLDOMDocument2> CreateReplyDocument();
 // Fills the document with one of the two shapes. The result is a success for the first,
 // HTTP_E_STATUS_... (0x80190000 + status) for another status, and the code for an invalid server
 // response for a success whose body isn't the service's. hidden are texts that must not be told.
-HRESULT LoadReply(IXMLDOMDocument2 *document, const HttpReply &reply,
-                  const std::vector<std::string_view> &hidden);
+HRESULT LoadReply(IXMLDOMDocument2 *document, const HttpReply &reply, const std::vector<std::string_view> &hidden);
 
 // Status 0 means that there was no answer.
-void LoadHttpError(IXMLDOMDocument2 *document, int status, std::string_view words,
-                   std::string_view description);
+void LoadHttpError(IXMLDOMDocument2 *document, int status, std::string_view words, std::string_view description);
 
 // The failing code of a status that is no success.
 HRESULT ResultOfStatus(int status) noexcept;

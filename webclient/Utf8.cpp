@@ -59,8 +59,10 @@ char32_t NextCharacter(std::string_view bytes, size_t &position)
     {
         return lead;
     }
-    const size_t following = lead >= 0xF0 && lead <= 0xF4 ? 3 : lead >= 0xE0 && lead < 0xF0 ? 2
-                             : lead >= 0xC2 && lead < 0xE0 ? 1 : 0;
+    const size_t following = lead >= 0xF0 && lead <= 0xF4  ? 3
+                             : lead >= 0xE0 && lead < 0xF0 ? 2
+                             : lead >= 0xC2 && lead < 0xE0 ? 1
+                                                           : 0;
     if (following == 0 || bytes.size() - position < following)
     {
         return Replacement;

@@ -29,8 +29,8 @@ public:
     // What WinHTTP has told on the way, as of now.
     struct Sight
     {
-        WideText resolvedName;       // the name that was looked up last: the host's or the proxy's
-        DWORD certificateFlags = 0;  // WINHTTP_CALLBACK_STATUS_FLAG_...
+        WideText resolvedName;      // the name that was looked up last: the host's or the proxy's
+        DWORD certificateFlags = 0; // WINHTTP_CALLBACK_STATUS_FLAG_...
         bool isRequestLeaving = false;
     };
 
@@ -59,7 +59,8 @@ public:
 
     Sight WhatWasSeen();
 
-    static void CALLBACK OnStatus(HINTERNET handle, DWORD_PTR context, DWORD status, void *information, DWORD size);
+    static void CALLBACK OnStatus(HINTERNET handle, DWORD_PTR context, DWORD status, void *information,
+                                  DWORD size);
 
 private:
     struct State

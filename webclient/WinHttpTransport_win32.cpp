@@ -59,7 +59,8 @@ InternetHandleOwner OpenSession()
     WinHttpSetStatusCallback(opened.Get(), WinHttpRequest::OnStatus,
                              WINHTTP_CALLBACK_FLAG_ALL_COMPLETIONS | WINHTTP_CALLBACK_FLAG_HANDLES |
                                  WINHTTP_CALLBACK_FLAG_SECURE_FAILURE | WINHTTP_CALLBACK_FLAG_RESOLVE_NAME |
-                                 WINHTTP_CALLBACK_FLAG_SEND_REQUEST, 0);
+                                 WINHTTP_CALLBACK_FLAG_SEND_REQUEST,
+                             0);
     DWORD protocols = ProtocolTls12 | ProtocolTls13;
     if (!WinHttpSetOption(opened.Get(), WINHTTP_OPTION_SECURE_PROTOCOLS, &protocols, sizeof(protocols)))
     {
@@ -144,10 +145,10 @@ InternetHandleOwner WinHttpExchange::Connect(HINTERNET session)
 InternetHandleOwner WinHttpExchange::OpenRequest()
 {
     // The address goes as it was signed.
-    const DWORD flags = WINHTTP_FLAG_ESCAPE_DISABLE | WINHTTP_FLAG_ESCAPE_DISABLE_QUERY |
-                        (m_isSecure ? WINHTTP_FLAG_SECURE : 0);
-    return Opened(WinHttpOpenRequest(m_connection.Get(), WideFromUtf8(m_request.method).c_str(), m_path.c_str(), nullptr,
-                                     WINHTTP_NO_REFERER, WINHTTP_DEFAULT_ACCEPT_TYPES, flags));
+    const DWORD flags =
+        WINHTTP_FLAG_ESCAPE_DISABLE | WINHTTP_FLAG_ESCAPE_DISABLE_QUERY | (m_isSecure ? WINHTTP_FLAG_SECURE : 0);
+    return Opened(WinHttpOpenRequest(m_connection.Get(), WideFromUtf8(m_request.method).c_str(), m_path.c_str(),
+                                     nullptr, WINHTTP_NO_REFERER, WINHTTP_DEFAULT_ACCEPT_TYPES, flags));
 }
 
 void WinHttpExchange::SetPolicy()
@@ -367,8 +368,8 @@ DWORD WinHttpExchange::NumberHeader(DWORD query) const
 {
     DWORD number = 0;
     DWORD size = sizeof(number);
-    WinHttpQueryHeaders(m_http.Get(), query | WINHTTP_QUERY_FLAG_NUMBER, WINHTTP_HEADER_NAME_BY_INDEX, &number, &size,
-                        WINHTTP_NO_HEADER_INDEX);
+    WinHttpQueryHeaders(m_http.Get(), query | WINHTTP_QUERY_FLAG_NUMBER, WINHTTP_HEADER_NAME_BY_INDEX, &number,
+                        &size, WINHTTP_NO_HEADER_INDEX);
     return number;
 }
 
@@ -387,7 +388,8 @@ std::string WinHttpExchange::TextHeader(DWORD query) const
 TransportError WinHttpExchange::CertificateError(DWORD error)
 {
     const DWORD flags = m_http.WhatWasSeen().certificateFlags;
-    if (error == ERROR_WINHTTP_SECURE_CERT_CN_INVALID || (flags & WINHTTP_CALLBACK_STATUS_FLAG_CERT_CN_INVALID) != 0)
+    if (error == ERROR_WINHTTP_SECURE_CERT_CN_INVALID ||
+        (flags & WINHTTP_CALLBACK_STATUS_FLAG_CERT_CN_INVALID) != 0)
     {
         return {TransportProblem::CertificateForOtherHost};
     }
@@ -396,7 +398,8 @@ TransportError WinHttpExchange::CertificateError(DWORD error)
     {
         return {TransportProblem::CertificateExpired};
     }
-    if (error == ERROR_WINHTTP_SECURE_CHANNEL_ERROR || (flags & WINHTTP_CALLBACK_STATUS_FLAG_SECURITY_CHANNEL_ERROR) != 0)
+    if (error == ERROR_WINHTTP_SECURE_CHANNEL_ERROR ||
+        (flags & WINHTTP_CALLBACK_STATUS_FLAG_SECURITY_CHANNEL_ERROR) != 0)
     {
         return {TransportProblem::TlsFailed};
     }

@@ -70,8 +70,8 @@ bool IsSealable(const char *name, std::string_view value, std::size_t length)
     {
         return true;
     }
-    std::fprintf(stderr, "%s must have exactly %zu printable ASCII characters; the one given has %zu%s.\n",
-                 name, length, value.size(), printable ? "" : ", not all of them printable ASCII");
+    std::fprintf(stderr, "%s must have exactly %zu printable ASCII characters; the one given has %zu%s.\n", name,
+                 length, value.size(), printable ? "" : ", not all of them printable ASCII");
     return false;
 }
 } // namespace

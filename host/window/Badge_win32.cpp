@@ -12,7 +12,8 @@ constexpr COLORREF white = RGB(255, 255, 255);
 class Canvas
 {
 public:
-    explicit Canvas(HBITMAP bitmap) : m_context(CreateCompatibleDC(nullptr)), m_before(SelectObject(m_context, bitmap))
+    explicit Canvas(HBITMAP bitmap)
+        : m_context(CreateCompatibleDC(nullptr)), m_before(SelectObject(m_context, bitmap))
     {
     }
     ~Canvas()
@@ -61,7 +62,8 @@ void MakeOpaque(HBITMAP bitmap)
     if (GetObjectW(bitmap, sizeof(section), &section) == sizeof(section))
     {
         auto *const pixels = static_cast<DWORD *>(section.dsBm.bmBits);
-        const size_t count = static_cast<size_t>(section.dsBm.bmWidth) * static_cast<size_t>(section.dsBm.bmHeight);
+        const size_t count =
+            static_cast<size_t>(section.dsBm.bmWidth) * static_cast<size_t>(section.dsBm.bmHeight);
         std::for_each(pixels, pixels + count, [](DWORD &pixel) { pixel |= 0xFF000000u; });
     }
 }
@@ -75,9 +77,8 @@ BitmapOwner EmptyFrame(int edge)
         const RECT all{0, 0, edge, edge};
         FillRect(canvas.Get(), &all, GetSysColorBrush(COLOR_WINDOW));
         const int margin = edge / 8;
-        canvas.With(CreatePen(PS_SOLID, 1, RGB(200, 200, 200)), CreateSolidBrush(RGB(244, 244, 244)), [&] {
-            Rectangle(canvas.Get(), margin, margin * 2, edge - margin, edge - margin * 2);
-        });
+        canvas.With(CreatePen(PS_SOLID, 1, RGB(200, 200, 200)), CreateSolidBrush(RGB(244, 244, 244)),
+                    [&] { Rectangle(canvas.Get(), margin, margin * 2, edge - margin, edge - margin * 2); });
     }
     MakeOpaque(frame.Get());
     return frame;
@@ -101,9 +102,8 @@ void DrawBadge(HBITMAP bitmap, int edge, bool wentUp)
         const int size = edge / 4;
         const int left = edge - size - 2, top = edge - size - 2;
         const int thick = std::max(size / 8, 2);
-        canvas.With(CreatePen(PS_SOLID, 2, white), CreateSolidBrush(wentUp ? green : red), [&] {
-            Ellipse(canvas.Get(), left, top, left + size, top + size);
-        });
+        canvas.With(CreatePen(PS_SOLID, 2, white), CreateSolidBrush(wentUp ? green : red),
+                    [&] { Ellipse(canvas.Get(), left, top, left + size, top + size); });
         const auto at = [&](int x, int y) { return POINT{left + size * x / 16, top + size * y / 16}; };
         canvas.With(CreatePen(PS_SOLID, thick, white), CreateSolidBrush(white), [&] {
             if (wentUp)

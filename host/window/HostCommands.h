@@ -7,17 +7,17 @@ enum class RunPhase
 {
     Idle,
     Running,
-    Finishing,  // the picture that is on its way is the last
-    Stopping    // it is stopped
+    Finishing, // the picture that is on its way is the last
+    Stopping   // it is stopped
 };
 
 struct HostState
 {
     bool hasPlugin = false;
     bool isAuthorized = false;
-    size_t pictures = 0;    // in the list
+    size_t pictures = 0; // in the list
     size_t selected = 0;
-    size_t waiting = 0;     // of those, the ones that didn't go up yet
+    size_t waiting = 0; // of those, the ones that didn't go up yet
     RunPhase phase = RunPhase::Idle;
 };
 
@@ -28,7 +28,7 @@ struct HostCommands
     bool canPublish = false;
     bool canCancel = false;
     bool canConfigure = false;
-    bool isCancelAbrupt = false;    // the next click stops at once
+    bool isCancelAbrupt = false; // the next click stops at once
 };
 
 HostCommands CommandsIn(const HostState &state);

@@ -56,7 +56,8 @@ HostControls::HostControls(HWND window)
     Make(IDC_CANCEL, L"Button", IDS_CANCEL, WS_TABSTOP);
     Make(IDC_PROGRESS, PROGRESS_CLASSW, 0, 0);
     Make(IDC_STATUS, L"Static", 0, text);
-    Make(IDC_LOG, WC_LISTVIEWW, 0, WS_TABSTOP | LVS_REPORT | LVS_NOCOLUMNHEADER | LVS_SHOWSELALWAYS, WS_EX_CLIENTEDGE);
+    Make(IDC_LOG, WC_LISTVIEWW, 0, WS_TABSTOP | LVS_REPORT | LVS_NOCOLUMNHEADER | LVS_SHOWSELALWAYS,
+         WS_EX_CLIENTEDGE);
     Make(IDC_DETAILS, L"Button", IDS_DETAILS, WS_TABSTOP | BS_AUTOCHECKBOX);
 }
 
@@ -69,10 +70,9 @@ HostControls::~HostControls()
 
 HWND HostControls::Make(int id, const wchar_t *kind, unsigned text, DWORD style, DWORD extended)
 {
-    const HWND control = CreateWindowExW(extended, kind, text != 0 ? ResourceText(text).c_str() : L"",
-                                         WS_CHILD | WS_VISIBLE | style, 0, 0, 0, 0, m_window,
-                                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
-                                         GetModuleHandleW(nullptr), nullptr);
+    const HWND control = CreateWindowExW(
+        extended, kind, text != 0 ? ResourceText(text).c_str() : L"", WS_CHILD | WS_VISIBLE | style, 0, 0, 0, 0,
+        m_window, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr), nullptr);
     SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(m_font), FALSE);
     return control;
 }
@@ -132,9 +132,10 @@ void HostControls::LayOut() const
     move(IDC_PLUGIN_VERSION, beside, top + Scaled(16), right - beside, Scaled(lineHeight));
     top += icon + space;
     SIZE ideal{};
-    const auto stateHeight =
-        static_cast<int>(SendMessageW((*this)[IDC_STATE], getIdealSize, static_cast<WPARAM>(width), reinterpret_cast<LPARAM>(&ideal)));
-    const int lines = std::clamp<int>(ideal.cy > 0 ? ideal.cy : stateHeight, Scaled(lineHeight), Scaled(4 * lineHeight));
+    const auto stateHeight = static_cast<int>(SendMessageW(
+        (*this)[IDC_STATE], getIdealSize, static_cast<WPARAM>(width), reinterpret_cast<LPARAM>(&ideal)));
+    const int lines =
+        std::clamp<int>(ideal.cy > 0 ? ideal.cy : stateHeight, Scaled(lineHeight), Scaled(4 * lineHeight));
     move(IDC_STATE, left, top, width, lines);
     top += lines + space;
 
@@ -154,7 +155,8 @@ void HostControls::LayOut() const
     bottom -= Scaled(14) + space;
     const int buttonTop = bottom - Scaled(buttonHeight);
     const int add = ButtonWidth(IDC_ADD), remove = ButtonWidth(IDC_REMOVE);
-    const int publish = ButtonWidth(IDC_PUBLISH), cancel = std::max(ButtonWidth(IDC_CANCEL), Scaled(smallestButton));
+    const int publish = ButtonWidth(IDC_PUBLISH),
+              cancel = std::max(ButtonWidth(IDC_CANCEL), Scaled(smallestButton));
     move(IDC_ADD, left, buttonTop, add, Scaled(buttonHeight));
     move(IDC_REMOVE, left + add + space, buttonTop, remove, Scaled(buttonHeight));
     move(IDC_CANCEL, right - cancel, buttonTop, cancel, Scaled(buttonHeight));
@@ -186,7 +188,8 @@ RECT HostControls::UsualPlace() const
     const RECT &room = monitor.rcWork;
     RECT place{};
     GetWindowRect(m_window, &place);
-    const LONG width = std::min(usual.cx, room.right - room.left), height = std::min(usual.cy, room.bottom - room.top);
+    const LONG width = std::min(usual.cx, room.right - room.left),
+               height = std::min(usual.cy, room.bottom - room.top);
     const LONG left = std::clamp(place.left, room.left, room.right - width);
     const LONG top = std::clamp(place.top, room.top, room.bottom - height);
     return {left, top, left + width, top + height};

@@ -70,10 +70,10 @@ private:
     std::optional<LogView> m_log;
     std::optional<PictureList> m_pictures;
     std::optional<CLSID> m_plugin;
-    std::unique_ptr<PluginUse> m_use;   // between runs, or the run's
+    std::unique_ptr<PluginUse> m_use; // between runs, or the run's
     std::unique_ptr<RunThread> m_run;
     RunPhase m_phase = RunPhase::Idle;
-    std::wstring m_verb;                // of the link that was followed last
+    std::wstring m_verb; // of the link that was followed last
     bool m_isAuthorized = false;
     bool m_isConfiguring = false;
     bool m_closesAfterRun = false;

@@ -40,10 +40,9 @@ void HostWindow::BeginUse(ItemCollection pictures)
 {
     if (m_plugin)
     {
-        m_use = std::make_unique<PluginUse>(*m_plugin, m_store, std::move(pictures),
-                                            [this](int level, const std::string &, const std::string &text) {
-                                                m_log->Append(level, text);
-                                            });
+        m_use = std::make_unique<PluginUse>(
+            *m_plugin, m_store, std::move(pictures),
+            [this](int level, const std::string &, const std::string &text) { m_log->Append(level, text); });
     }
 }
 

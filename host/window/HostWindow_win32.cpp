@@ -33,8 +33,8 @@ struct Drop
 HostWindow::HostWindow(const Profile &profile) : m_store(profile)
 {
     m_store.Load();
-    const INITCOMMONCONTROLSEX controls = {
-        sizeof(controls), ICC_LISTVIEW_CLASSES | ICC_PROGRESS_CLASS | ICC_STANDARD_CLASSES | ICC_LINK_CLASS};
+    const INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_LISTVIEW_CLASSES | ICC_PROGRESS_CLASS |
+                                                                 ICC_STANDARD_CLASSES | ICC_LINK_CLASS};
     InitCommonControlsEx(&controls);
     WNDCLASSEXW kind{};
     kind.cbSize = sizeof(kind);
@@ -45,9 +45,10 @@ HostWindow::HostWindow(const Profile &profile) : m_store(profile)
     kind.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
     kind.lpszClassName = L"Halvora.Host";
     RegisterClassExW(&kind);
-    if (CreateWindowExW(WS_EX_ACCEPTFILES | WS_EX_CONTROLPARENT, kind.lpszClassName, ResourceText(IDS_TITLE).c_str(),
-                        WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT,
-                        CW_USEDEFAULT, nullptr, nullptr, kind.hInstance, this) == nullptr)
+    if (CreateWindowExW(WS_EX_ACCEPTFILES | WS_EX_CONTROLPARENT, kind.lpszClassName,
+                        ResourceText(IDS_TITLE).c_str(), WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT,
+                        CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, nullptr, nullptr, kind.hInstance,
+                        this) == nullptr)
     {
         ThrowHresult(HRESULT_FROM_WIN32(GetLastError()));
     }
@@ -184,7 +185,8 @@ void HostWindow::OnCreate()
     m_log.emplace((*m_controls)[IDC_LOG], logMessage);
     m_pictures.emplace((*m_controls)[IDC_PICTURES], m_controls->Scaled(128), thumbnailMessage);
     const RECT usual = m_controls->UsualPlace();
-    SetWindowPos(m_window, nullptr, usual.left, usual.top, usual.right - usual.left, usual.bottom - usual.top, SWP_NOZORDER);
+    SetWindowPos(m_window, nullptr, usual.left, usual.top, usual.right - usual.left, usual.bottom - usual.top,
+                 SWP_NOZORDER);
     for (const std::string &notice : m_store.Notices())
     {
         m_log->Append(LOG_LEVEL_WARNING, notice);

@@ -50,7 +50,7 @@ private:
     std::mutex m_lock;
     std::vector<Entry> m_appended;
     std::vector<Entry> m_entries;
-    std::vector<int> m_levels;  // row by row
+    std::vector<int> m_levels; // row by row
     bool m_details = false;
-    int m_longest = 0;          // pixels of the widest text seen
+    int m_longest = 0; // pixels of the widest text seen
 };

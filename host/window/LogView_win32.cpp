@@ -146,7 +146,8 @@ void LogView::FitColumns()
     widest += 4 * GetSystemMetrics(SM_CXEDGE) + GetSystemMetrics(SM_CXSMICON) / 2;
     RECT area{};
     GetClientRect(m_list, &area);
-    const int whole = area.right - ((GetWindowLongW(m_list, GWL_STYLE) & WS_VSCROLL) != 0 ? 0 : GetSystemMetrics(SM_CXVSCROLL));
+    const int whole =
+        area.right - ((GetWindowLongW(m_list, GWL_STYLE) & WS_VSCROLL) != 0 ? 0 : GetSystemMetrics(SM_CXVSCROLL));
     ListView_SetColumnWidth(m_list, 0, widest);
     ListView_SetColumnWidth(m_list, 1, std::max(whole - widest, m_longest + 4 * GetSystemMetrics(SM_CXEDGE)));
 }

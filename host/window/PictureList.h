@@ -46,7 +46,7 @@ private:
         int number;
         PictureItem item;
         std::filesystem::path identity; // of the stem
-        int image = 0;  // 0: none of its own
+        int image = 0;                  // 0: none of its own
         ItemEnd end = ItemEnd::NotTried;
     };
 
@@ -58,10 +58,10 @@ private:
 
     const HWND m_view;
     const int m_edge;
-    HIMAGELIST m_images;    // the first is the frame of pictures that have no thumbnail
+    HIMAGELIST m_images; // the first is the frame of pictures that have no thumbnail
     std::vector<int> m_freeImages;
     int m_lastNumber = 0;
-    std::vector<Picture> m_pictures;    // row by row
-    std::vector<size_t> m_run;          // the rows of the run's items
+    std::vector<Picture> m_pictures; // row by row
+    std::vector<size_t> m_run;       // the rows of the run's items
     ThumbnailMaker m_maker;
 };

@@ -36,7 +36,9 @@ void AddExtensions(PictureItem &item, const std::vector<std::string> &extensions
 } // namespace
 
 PictureList::PictureList(HWND view, int edge, UINT thumbnailMessage)
-    : m_view(view), m_edge(edge), m_images(ImageList_Create(edge, edge, ILC_COLOR32, 16, 16)),
+    : m_view(view),
+      m_edge(edge),
+      m_images(ImageList_Create(edge, edge, ILC_COLOR32, 16, 16)),
       m_maker(edge, GetParent(view), thumbnailMessage)
 {
     ListView_SetExtendedListViewStyle(m_view, LVS_EX_DOUBLEBUFFER);

@@ -180,7 +180,8 @@ FILETIME RegistryDatabase::LastChange()
     const std::lock_guard guard(m_lock);
     // Units of 100 ns since 1601.
     const ULONGLONG time =
-        m_stamp.exists ? (m_stamp.modified.tv_sec + 11644473600ULL) * 10000000 + m_stamp.modified.tv_nsec / 100 : 0;
+        m_stamp.exists ? (m_stamp.modified.tv_sec + 11644473600ULL) * 10000000 + m_stamp.modified.tv_nsec / 100
+                       : 0;
     return {static_cast<DWORD>(time), static_cast<DWORD>(time >> 32)};
 }
 

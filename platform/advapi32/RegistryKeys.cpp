@@ -35,8 +35,9 @@ LSTATUS Write(const std::function<LSTATUS(RegistryTree &)> &change)
 
 bool Exists(const KeyPlace &place)
 {
-    return Read([&](const RegistryTree &tree) { return place.Find(tree) ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND; }) ==
-           ERROR_SUCCESS;
+    return Read([&](const RegistryTree &tree) {
+               return place.Find(tree) ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
+           }) == ERROR_SUCCESS;
 }
 
 // The names of the keys below, those of the user ahead of equal ones of the machine, in order of

@@ -20,7 +20,7 @@ struct RegistryLine
 
 struct RegistryKey
 {
-    WideText name; // as written by whoever made the key
+    WideText name;                                             // as written by whoever made the key
     std::map<WideText, std::unique_ptr<RegistryKey>> children; // by folded name
     std::vector<RegistryLine> lines;
     size_t position = 0; // order in the file; 0: has no section of its own

@@ -161,8 +161,8 @@ std::string FormatBytes(std::string line, const RegistryLine &value)
 {
     constexpr size_t longestLine = 76; // and a backslash, as regedit breaks them
     char prefix[24];
-    std::snprintf(prefix, sizeof(prefix), value.type == REG_BINARY ? "hex:" : "hex(%x):",
-                  static_cast<unsigned>(value.type));
+    std::snprintf(prefix, sizeof(prefix),
+                  value.type == REG_BINARY ? "hex:" : "hex(%x):", static_cast<unsigned>(value.type));
     line += prefix;
     std::string result;
     for (size_t i = 0; i < value.data.size(); ++i)

@@ -126,8 +126,8 @@ LSTATUS WINAPI RegDeleteValueW(HKEY key, LPCWSTR name)
     });
 }
 
-LSTATUS WINAPI RegEnumValueW(HKEY key, DWORD index, LPWSTR name, LPDWORD nameLength, LPDWORD reserved, LPDWORD type,
-                             LPBYTE data, LPDWORD size)
+LSTATUS WINAPI RegEnumValueW(HKEY key, DWORD index, LPWSTR name, LPDWORD nameLength, LPDWORD reserved,
+                             LPDWORD type, LPBYTE data, LPDWORD size)
 {
     if (name == nullptr || nameLength == nullptr || reserved != nullptr || (data != nullptr && size == nullptr))
     {

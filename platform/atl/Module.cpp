@@ -14,12 +14,13 @@
 
 namespace
 {
-constexpr const WCHAR *ownScript = TEXT("HKCR { NoRemove CLSID {"
-                                        " ForceRemove {44EC053A-400F-11D0-9DCD-00A0C90391D3} = s 'Registrar Class' {"
-                                        "  ProgID = s 'ATL.Registrar'"
-                                        "  InprocServer32 = s '%MODULE%' { val ThreadingModel = s 'Both' } } }"
-                                        " ATL.Registrar = s 'Registrar Class' {"
-                                        "  CLSID = s '{44EC053A-400F-11D0-9DCD-00A0C90391D3}' } }");
+constexpr const WCHAR *ownScript =
+    TEXT("HKCR { NoRemove CLSID {"
+         " ForceRemove {44EC053A-400F-11D0-9DCD-00A0C90391D3} = s 'Registrar Class' {"
+         "  ProgID = s 'ATL.Registrar'"
+         "  InprocServer32 = s '%MODULE%' { val ThreadingModel = s 'Both' } } }"
+         " ATL.Registrar = s 'Registrar Class' {"
+         "  CLSID = s '{44EC053A-400F-11D0-9DCD-00A0C90391D3}' } }");
 
 // As it stands between single quotes.
 WideText QuotedModulePath()
@@ -56,7 +57,8 @@ extern "C"
             return E_POINTER;
         }
         *object = nullptr;
-        return clsid == CLSID_Registrar ? RegistrarFactory()->QueryInterface(iid, object) : CLASS_E_CLASSNOTAVAILABLE;
+        return clsid == CLSID_Registrar ? RegistrarFactory()->QueryInterface(iid, object)
+                                        : CLASS_E_CLASSNOTAVAILABLE;
     }
 
     DECLSPEC_EXPORT HRESULT WINAPI DllCanUnloadNow()

@@ -200,10 +200,10 @@ ScriptValue ReadValue(Words &words)
 // Keys of the system that no script may remove with all that lies below.
 bool IsShared(const WideText &name)
 {
-    static constexpr const WCHAR *names[] = {
-        TEXT("APPID"), TEXT("CLSID"),  TEXT("COMPONENT CATEGORIES"), TEXT("FILETYPE"), TEXT("HARDWARE"),
-        TEXT("INTERFACE"), TEXT("MIME"), TEXT("SAM"), TEXT("SECURITY"), TEXT("SOFTWARE"), TEXT("SYSTEM"),
-        TEXT("TYPELIB")};
+    static constexpr const WCHAR *names[] = {TEXT("APPID"),    TEXT("CLSID"),    TEXT("COMPONENT CATEGORIES"),
+                                             TEXT("FILETYPE"), TEXT("HARDWARE"), TEXT("INTERFACE"),
+                                             TEXT("MIME"),     TEXT("SAM"),      TEXT("SECURITY"),
+                                             TEXT("SOFTWARE"), TEXT("SYSTEM"),   TEXT("TYPELIB")};
     return std::find(std::begin(names), std::end(names), UpperCaseName(name)) != std::end(names);
 }
 

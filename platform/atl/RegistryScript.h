@@ -29,23 +29,23 @@ struct ScriptValue
 
 enum class ScriptAction
 {
-    Plain,          // made, and removed again if nothing else lies below it
-    NoRemove,       // made, and left
-    ForceRemove,    // emptied before it is made, removed with all that lies below
-    Delete          // deleted when the script is applied
+    Plain,       // made, and removed again if nothing else lies below it
+    NoRemove,    // made, and left
+    ForceRemove, // emptied before it is made, removed with all that lies below
+    Delete       // deleted when the script is applied
 };
 
 struct ScriptKey
 {
     WideText name;
     ScriptAction action = ScriptAction::Plain;
-    std::optional<ScriptValue> value;               // the default one
+    std::optional<ScriptValue> value; // the default one
 
     struct NamedValue
     {
         WideText name;
         ScriptValue value;
-        bool isLeft = false;                        // NoRemove
+        bool isLeft = false; // NoRemove
     };
     std::vector<NamedValue> values;
     std::vector<ScriptKey> keys;

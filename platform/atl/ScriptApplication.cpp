@@ -20,7 +20,8 @@ void ThrowUnlessGone(LSTATUS status)
 
 void SetValue(HKEY key, const WCHAR *name, const ScriptValue &value)
 {
-    ThrowIfError(RegSetValueExW(key, name, 0, value.type, value.data.data(), static_cast<DWORD>(value.data.size())));
+    ThrowIfError(
+        RegSetValueExW(key, name, 0, value.type, value.data.data(), static_cast<DWORD>(value.data.size())));
 }
 
 void Apply(HKEY parent, const ScriptKey &wanted)
@@ -54,8 +55,8 @@ void Apply(HKEY parent, const ScriptKey &wanted)
 bool HasSubkeys(HKEY key)
 {
     DWORD count = 0;
-    ThrowIfError(RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, &count, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                  nullptr, nullptr));
+    ThrowIfError(RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, &count, nullptr, nullptr, nullptr, nullptr,
+                                  nullptr, nullptr, nullptr));
     return count != 0;
 }
 

@@ -28,7 +28,8 @@ public:
     {
         const std::lock_guard guard(m_lock);
         const long long moved = static_cast<long long>(m_position) + delta;
-        return std::exchange(m_position, static_cast<int>(std::clamp<long long>(moved, m_low, std::max(m_low, m_high))));
+        return std::exchange(m_position,
+                             static_cast<int>(std::clamp<long long>(moved, m_low, std::max(m_low, m_high))));
     }
 
     // The result has the lower words of the previous limits.
@@ -82,13 +83,20 @@ LRESULT Answer(ProgressBar &bar, UINT message, WPARAM wParam, LPARAM lParam)
 {
     switch (message)
     {
-    case PBM_SETPOS: return bar.SetPosition(static_cast<int>(wParam));
-    case PBM_DELTAPOS: return bar.MoveBy(static_cast<int>(wParam));
-    case PBM_SETRANGE32: return bar.SetRange(static_cast<int>(wParam), static_cast<int>(lParam));
-    case PBM_GETRANGE: return bar.Range(wParam != 0, reinterpret_cast<PBRANGE *>(lParam));
-    case PBM_GETPOS: return bar.Position();
-    case PBM_SETSTATE: return bar.SetState(wParam);
-    default: return bar.State();
+    case PBM_SETPOS:
+        return bar.SetPosition(static_cast<int>(wParam));
+    case PBM_DELTAPOS:
+        return bar.MoveBy(static_cast<int>(wParam));
+    case PBM_SETRANGE32:
+        return bar.SetRange(static_cast<int>(wParam), static_cast<int>(lParam));
+    case PBM_GETRANGE:
+        return bar.Range(wParam != 0, reinterpret_cast<PBRANGE *>(lParam));
+    case PBM_GETPOS:
+        return bar.Position();
+    case PBM_SETSTATE:
+        return bar.SetState(wParam);
+    default:
+        return bar.State();
     }
 }
 
@@ -110,8 +118,10 @@ LRESULT CALLBACK ProgressBarProcedure(HWND window, UINT message, WPARAM wParam, 
     case PBM_GETRANGE:
     case PBM_GETPOS:
     case PBM_SETSTATE:
-    case PBM_GETSTATE: return bar != nullptr ? Answer(*bar, message, wParam, lParam) : 0;
-    default: return DefWindowProcW(window, message, wParam, lParam);
+    case PBM_GETSTATE:
+        return bar != nullptr ? Answer(*bar, message, wParam, lParam) : 0;
+    default:
+        return DefWindowProcW(window, message, wParam, lParam);
     }
 }
 

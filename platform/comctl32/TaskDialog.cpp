@@ -164,11 +164,19 @@ private:
         const int id = static_cast<int>(wParam);
         switch (message)
         {
-        case TDM_CLICK_BUTTON: m_dialog.ClickButton(id); return TRUE;
-        case TDM_CLICK_RADIO_BUTTON: m_dialog.ClickRadioButton(id); return TRUE;
-        case TDM_CLICK_VERIFICATION: m_dialog.SetCheckBox(wParam != 0); return TRUE;
-        case TDM_NAVIGATE_PAGE: return Navigate(reinterpret_cast<const TASKDIALOGCONFIG *>(lParam));
-        default: break;
+        case TDM_CLICK_BUTTON:
+            m_dialog.ClickButton(id);
+            return TRUE;
+        case TDM_CLICK_RADIO_BUTTON:
+            m_dialog.ClickRadioButton(id);
+            return TRUE;
+        case TDM_CLICK_VERIFICATION:
+            m_dialog.SetCheckBox(wParam != 0);
+            return TRUE;
+        case TDM_NAVIGATE_PAGE:
+            return Navigate(reinterpret_cast<const TASKDIALOGCONFIG *>(lParam));
+        default:
+            break;
         }
         LRESULT result = 0;
         m_dialog.Change([&](DialogPage &page) { result = Apply(page, message, wParam, lParam); });
@@ -191,17 +199,24 @@ private:
             ForButton(page.buttons, id, [&](DialogButton &button) { button.elevated = lParam != 0; });
             return 0;
         case TDM_SET_ELEMENT_TEXT:
-        case TDM_UPDATE_ELEMENT_TEXT: SetText(page, wParam, reinterpret_cast<const WCHAR *>(lParam)); return TRUE;
+        case TDM_UPDATE_ELEMENT_TEXT:
+            SetText(page, wParam, reinterpret_cast<const WCHAR *>(lParam));
+            return TRUE;
         case TDM_UPDATE_ICON:
             (wParam == TDIE_ICON_MAIN ? page.icon : page.footerIcon) =
                 TaskDialogIcon(reinterpret_cast<const WCHAR *>(lParam));
             return 0;
-        case TDM_SET_MARQUEE_PROGRESS_BAR: progress.marquee = wParam != 0; return 0;
-        case TDM_SET_PROGRESS_BAR_MARQUEE: progress.running = wParam != 0; return TRUE;
-        case TDM_SET_PROGRESS_BAR_POS: return std::exchange(progress.position, id);
+        case TDM_SET_MARQUEE_PROGRESS_BAR:
+            progress.marquee = wParam != 0;
+            return 0;
+        case TDM_SET_PROGRESS_BAR_MARQUEE:
+            progress.running = wParam != 0;
+            return TRUE;
+        case TDM_SET_PROGRESS_BAR_POS:
+            return std::exchange(progress.position, id);
         case TDM_SET_PROGRESS_BAR_STATE:
-            return static_cast<LRESULT>(std::exchange(progress.state, static_cast<ProgressState>(
-                                                                          std::clamp<WPARAM>(wParam, 1, 3))));
+            return static_cast<LRESULT>(
+                std::exchange(progress.state, static_cast<ProgressState>(std::clamp<WPARAM>(wParam, 1, 3))));
         case TDM_SET_PROGRESS_BAR_RANGE:
         {
             const LRESULT before = MAKELRESULT(progress.low, progress.high);
@@ -209,14 +224,16 @@ private:
             progress.high = HIWORD(lParam);
             return before;
         }
-        default: return 0;
+        default:
+            return 0;
         }
     }
 
     template <class Button, class Action>
     static void ForButton(std::vector<Button> &buttons, int id, Action &&action)
     {
-        const auto found = std::find_if(buttons.begin(), buttons.end(), [id](const auto &b) { return b.id == id; });
+        const auto found =
+            std::find_if(buttons.begin(), buttons.end(), [id](const auto &b) { return b.id == id; });
         if (found != buttons.end())
         {
             action(*found);

@@ -88,8 +88,8 @@ void AddButtons(const TASKDIALOGCONFIG &config, DialogPage &page)
         const std::u16string text =
             WithoutMnemonic(TaskDialogText(config.hInstance, button.pszButtonText, nullptr));
         const size_t end = page.commandLinks ? text.find(u'\n') : text.npos;
-        page.buttons.push_back({button.nButtonID, text.substr(0, end),
-                                end != text.npos ? text.substr(end + 1) : std::u16string()});
+        page.buttons.push_back(
+            {button.nButtonID, text.substr(0, end), end != text.npos ? text.substr(end + 1) : std::u16string()});
     }
     for (const CommonButton &button : commonButtons)
     {
@@ -153,15 +153,21 @@ DialogIcon TaskDialogIcon(const WCHAR *icon)
     switch (reinterpret_cast<ULONG_PTR>(icon))
     {
     case 0xFFFF:
-    case 32515: return DialogIcon::Warning; // IDI_WARNING, and so on below
+    case 32515:
+        return DialogIcon::Warning; // IDI_WARNING, and so on below
     case 0xFFFE:
-    case 32513: return DialogIcon::Error;
+    case 32513:
+        return DialogIcon::Error;
     case 0xFFFD:
-    case 32516: return DialogIcon::Information;
+    case 32516:
+        return DialogIcon::Information;
     case 0xFFFC:
-    case 32518: return DialogIcon::Shield;
-    case 32514: return DialogIcon::Question;
-    default: return DialogIcon::None;
+    case 32518:
+        return DialogIcon::Shield;
+    case 32514:
+        return DialogIcon::Question;
+    default:
+        return DialogIcon::None;
     }
 }
 

@@ -38,7 +38,8 @@ DWORD WINAPI FormatMessageW(DWORD flags, LPCVOID, DWORD code, DWORD, LPWSTR buff
     }
     if (allocate)
     {
-        allocated = static_cast<LPWSTR>(LocalAlloc(LMEM_FIXED, std::max<size_t>(needed, capacity) * sizeof(WCHAR)));
+        allocated =
+            static_cast<LPWSTR>(LocalAlloc(LMEM_FIXED, std::max<size_t>(needed, capacity) * sizeof(WCHAR)));
         if (allocated == nullptr)
         {
             return 0;

@@ -86,9 +86,10 @@ std::optional<LoadedModule> FindModule(HMODULE handle)
 
 std::optional<LoadedModule> FindModuleOfAddress(const void *address)
 {
-    return SearchModules([at = reinterpret_cast<uintptr_t>(address)](const dl_phdr_info &, bool, const Extent &extent) {
-        return at >= extent.first && at < extent.end;
-    });
+    return SearchModules(
+        [at = reinterpret_cast<uintptr_t>(address)](const dl_phdr_info &, bool, const Extent &extent) {
+            return at >= extent.first && at < extent.end;
+        });
 }
 
 std::optional<LoadedModule> FindModuleByName(const std::string &name)

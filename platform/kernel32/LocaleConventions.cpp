@@ -56,7 +56,8 @@ std::optional<LocaleConventions> ReadConventions(const std::string &name)
 {
     UErrorCode status = U_ZERO_ERROR;
     const std::unique_ptr<UNumberFormat, void (*)(UNumberFormat *)> format(
-        unum_open(UNUM_DECIMAL, nullptr, 0, name.c_str(), nullptr, &status), [](UNumberFormat *f) { unum_close(f); });
+        unum_open(UNUM_DECIMAL, nullptr, 0, name.c_str(), nullptr, &status),
+        [](UNumberFormat *f) { unum_close(f); });
     if (U_FAILURE(status) || (!name.empty() && IsStandIn(format.get())))
     {
         return std::nullopt;

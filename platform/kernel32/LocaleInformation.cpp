@@ -32,10 +32,14 @@ std::optional<UINT> ReadNumber(const LocaleConventions &conventions, LCTYPE type
 {
     switch (type)
     {
-    case LOCALE_IDIGITS: return decimalDigits;
-    case LOCALE_ILZERO: return leadingZero;
-    case LOCALE_INEGNUMBER: return NegativeOrder(conventions);
-    default: return std::nullopt;
+    case LOCALE_IDIGITS:
+        return decimalDigits;
+    case LOCALE_ILZERO:
+        return leadingZero;
+    case LOCALE_INEGNUMBER:
+        return NegativeOrder(conventions);
+    default:
+        return std::nullopt;
     }
 }
 
@@ -43,11 +47,16 @@ std::optional<WideText> ReadText(const LocaleConventions &conventions, LCTYPE ty
 {
     switch (type)
     {
-    case LOCALE_SDECIMAL: return conventions.decimalSeparator;
-    case LOCALE_STHOUSAND: return conventions.thousandsSeparator;
-    case LOCALE_SGROUPING: return GroupingText(conventions);
-    case LOCALE_SNEGATIVESIGN: return conventions.negativeSign;
-    default: return std::nullopt;
+    case LOCALE_SDECIMAL:
+        return conventions.decimalSeparator;
+    case LOCALE_STHOUSAND:
+        return conventions.thousandsSeparator;
+    case LOCALE_SGROUPING:
+        return GroupingText(conventions);
+    case LOCALE_SNEGATIVESIGN:
+        return conventions.negativeSign;
+    default:
+        return std::nullopt;
     }
 }
 
@@ -81,8 +90,10 @@ std::optional<LocaleConventions> ConventionsOfLocale(LCID locale)
     case LOCALE_SYSTEM_DEFAULT:
     case LOCALE_CUSTOM_DEFAULT:
     case LOCALE_CUSTOM_UNSPECIFIED:
-    case LOCALE_CUSTOM_UI_DEFAULT: return UserConventions();
-    default: return ConventionsOf(locale);
+    case LOCALE_CUSTOM_UI_DEFAULT:
+        return UserConventions();
+    default:
+        return ConventionsOf(locale);
     }
 }
 
@@ -109,12 +120,14 @@ int WINAPI GetLocaleInfoW(LCID locale, LCTYPE type, WCHAR *buffer, int capacity)
     {
         return Fail(ERROR_INVALID_PARAMETER);
     }
-    const LCTYPE item = type & ~static_cast<LCTYPE>(LOCALE_NOUSEROVERRIDE | LOCALE_USE_CP_ACP | LOCALE_RETURN_NUMBER);
+    const LCTYPE item =
+        type & ~static_cast<LCTYPE>(LOCALE_NOUSEROVERRIDE | LOCALE_USE_CP_ACP | LOCALE_RETURN_NUMBER);
     const auto number = ReadNumber(*conventions, item);
     if (type & LOCALE_RETURN_NUMBER)
     {
         const DWORD value = number.value_or(0);
-        return number ? CopyOut(&value, sizeof(value) / sizeof(WCHAR), buffer, capacity) : Fail(ERROR_INVALID_FLAGS);
+        return number ? CopyOut(&value, sizeof(value) / sizeof(WCHAR), buffer, capacity)
+                      : Fail(ERROR_INVALID_FLAGS);
     }
     const auto text = number ? NumberText(*number) : ReadText(*conventions, item);
     return text ? CopyOut(text->c_str(), text->size() + 1, buffer, capacity) : Fail(ERROR_INVALID_FLAGS);

@@ -92,11 +92,16 @@ WideText ApplySign(const WideText &text, UINT order, const WideText &sign)
 {
     switch (order)
     {
-    case 0: return u"(" + text + u")";
-    case 2: return sign + u" " + text;
-    case 3: return text + sign;
-    case 4: return text + u" " + sign;
-    default: return sign + text;
+    case 0:
+        return u"(" + text + u")";
+    case 2:
+        return sign + u" " + text;
+    case 3:
+        return text + sign;
+    case 4:
+        return text + u" " + sign;
+    default:
+        return sign + text;
     }
 }
 
@@ -134,11 +139,13 @@ int WINAPI GetNumberFormatW(LCID locale, DWORD flags, const WCHAR *value, const 
     {
         return Fail(ERROR_INVALID_PARAMETER);
     }
-    const NUMBERFMTW applied =
-        format != nullptr ? *format
-                          : NUMBERFMTW{decimalDigits, leadingZero, GroupingNumber(*conventions),
-                                       conventions->decimalSeparator.data(), conventions->thousandsSeparator.data(),
-                                       NegativeOrder(*conventions)};
+    const NUMBERFMTW applied = format != nullptr ? *format
+                                                 : NUMBERFMTW{decimalDigits,
+                                                              leadingZero,
+                                                              GroupingNumber(*conventions),
+                                                              conventions->decimalSeparator.data(),
+                                                              conventions->thousandsSeparator.data(),
+                                                              NegativeOrder(*conventions)};
     Round(*number, applied.NumDigits);
     WideText text = Group(number->whole, applied.Grouping, applied.lpThousandSep);
     if (text.empty() && (applied.LeadingZero != 0 || applied.NumDigits == 0))

@@ -32,7 +32,12 @@ void AppendUtf8(std::string &bytes, char32_t point)
 size_t DecodeUtf8(std::string_view bytes, char32_t &point)
 {
     const auto lead = static_cast<unsigned char>(bytes[0]);
-    const size_t length = lead < 0x80 ? 1 : lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
+    const size_t length = lead < 0x80   ? 1
+                          : lead < 0xC2 ? 0
+                          : lead < 0xE0 ? 2
+                          : lead < 0xF0 ? 3
+                          : lead < 0xF5 ? 4
+                                        : 0;
     if (length == 0 || length > bytes.size())
     {
         return 0;

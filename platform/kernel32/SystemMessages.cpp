@@ -127,7 +127,8 @@ constexpr Message messages[] = {
     {static_cast<DWORD>(WINCODEC_ERR_STREAMWRITE), u"The picture's stream could not be written."},
     {static_cast<DWORD>(WINCODEC_ERR_STREAMREAD), u"The picture's stream could not be read."},
     {static_cast<DWORD>(WINCODEC_ERR_STREAMNOTAVAILABLE), u"The picture's stream is not available."},
-    {static_cast<DWORD>(WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT), u"The pixel format of the picture is not supported."},
+    {static_cast<DWORD>(WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT),
+     u"The pixel format of the picture is not supported."},
     {static_cast<DWORD>(WINCODEC_ERR_UNSUPPORTEDOPERATION), u"The operation is not supported for this picture."},
 };
 

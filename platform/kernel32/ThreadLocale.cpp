@@ -20,7 +20,8 @@ BOOL WINAPI SetThreadLocale(LCID locale)
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
     }
-    const bool isDefault = locale == LOCALE_NEUTRAL || locale == LOCALE_USER_DEFAULT || locale == LOCALE_SYSTEM_DEFAULT;
+    const bool isDefault =
+        locale == LOCALE_NEUTRAL || locale == LOCALE_USER_DEFAULT || locale == LOCALE_SYSTEM_DEFAULT;
     chosenLocale = isDefault ? conventions->windowsId : locale;
     return TRUE;
 }

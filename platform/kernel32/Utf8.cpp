@@ -14,7 +14,10 @@ char32_t TakeUtf8(std::string_view text, size_t &at)
     {
         return first;
     }
-    const int following = first >= 0xC2 && first <= 0xDF ? 1 : (first & 0xF0) == 0xE0 ? 2 : first >= 0xF0 && first <= 0xF4 ? 3 : 0;
+    const int following = first >= 0xC2 && first <= 0xDF   ? 1
+                          : (first & 0xF0) == 0xE0         ? 2
+                          : first >= 0xF0 && first <= 0xF4 ? 3
+                                                           : 0;
     if (following == 0)
     {
         return replacement;

@@ -195,22 +195,26 @@ void Leg::SetRequest()
 void Leg::SetCallbacks()
 {
     Set(CURLOPT_HEADERDATA, this);
-    Set(CURLOPT_HEADERFUNCTION, +[](char *line, size_t one, size_t size, void *self) -> size_t {
-        return static_cast<Leg *>(self)->OnHeader({line, one * size});
-    });
+    Set(
+        CURLOPT_HEADERFUNCTION, +[](char *line, size_t one, size_t size, void *self) -> size_t {
+            return static_cast<Leg *>(self)->OnHeader({line, one * size});
+        });
     Set(CURLOPT_WRITEDATA, this);
-    Set(CURLOPT_WRITEFUNCTION, +[](char *bytes, size_t one, size_t size, void *self) -> size_t {
-        return static_cast<Leg *>(self)->OnWrite(bytes, one * size);
-    });
+    Set(
+        CURLOPT_WRITEFUNCTION, +[](char *bytes, size_t one, size_t size, void *self) -> size_t {
+            return static_cast<Leg *>(self)->OnWrite(bytes, one * size);
+        });
     Set(CURLOPT_PREREQDATA, this);
-    Set(CURLOPT_PREREQFUNCTION, +[](void *self, char *, char *, int, int) -> int {
-        static_cast<Leg *>(self)->m_moved = 0;
-        static_cast<Leg *>(self)->m_lastMove = Clock::now();
-        return CURL_PREREQFUNC_OK;
-    });
+    Set(
+        CURLOPT_PREREQFUNCTION, +[](void *self, char *, char *, int, int) -> int {
+            static_cast<Leg *>(self)->m_moved = 0;
+            static_cast<Leg *>(self)->m_lastMove = Clock::now();
+            return CURL_PREREQFUNC_OK;
+        });
     Set(CURLOPT_NOPROGRESS, 0L);
     Set(CURLOPT_XFERINFODATA, this);
-    Set(CURLOPT_XFERINFOFUNCTION,
+    Set(
+        CURLOPT_XFERINFOFUNCTION,
         +[](void *self, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent) -> int {
             return static_cast<Leg *>(self)->IsPatienceOver(received, sent) ? 1 : 0;
         });
@@ -321,20 +325,29 @@ HRESULT Leg::CodeOf(CURLcode code) const
     }
     switch (code)
     {
-    case CURLE_OUT_OF_MEMORY: return E_OUTOFMEMORY;
-    case CURLE_URL_MALFORMAT: return InternetError(12005);
+    case CURLE_OUT_OF_MEMORY:
+        return E_OUTOFMEMORY;
+    case CURLE_URL_MALFORMAT:
+        return InternetError(12005);
     case CURLE_COULDNT_RESOLVE_HOST:
-    case CURLE_COULDNT_RESOLVE_PROXY: return InternetError(12007);
-    case CURLE_COULDNT_CONNECT: return InternetError(12029);
-    case CURLE_OPERATION_TIMEDOUT: return InternetError(12002);
-    case CURLE_PEER_FAILED_VERIFICATION: return CertificateCode();
+    case CURLE_COULDNT_RESOLVE_PROXY:
+        return InternetError(12007);
+    case CURLE_COULDNT_CONNECT:
+        return InternetError(12029);
+    case CURLE_OPERATION_TIMEDOUT:
+        return InternetError(12002);
+    case CURLE_PEER_FAILED_VERIFICATION:
+        return CertificateCode();
     case CURLE_SSL_CACERT_BADFILE:
-    case CURLE_SSL_CONNECT_ERROR: return InternetError(12157);
+    case CURLE_SSL_CONNECT_ERROR:
+        return InternetError(12157);
     case CURLE_WRITE_ERROR:
     case CURLE_WEIRD_SERVER_REPLY:
     case CURLE_UNSUPPORTED_PROTOCOL:
-    case CURLE_BAD_CONTENT_ENCODING: return InternetError(12152);
-    default: return m_moved < 0 ? InternetError(12029) : InternetError(12030);
+    case CURLE_BAD_CONTENT_ENCODING:
+        return InternetError(12152);
+    default:
+        return m_moved < 0 ? InternetError(12029) : InternetError(12030);
     }
 }
 

@@ -156,8 +156,8 @@ public:
         const WideView property(name ? name : TEXT(""), SysStringLen(name));
         if (property == TEXT("SelectionLanguage"))
         {
-            const bool xpath = V_VT(&value) == VT_BSTR && WideView(V_BSTR(&value), SysStringLen(V_BSTR(&value))) ==
-                                                              TEXT("XPath");
+            const bool xpath =
+                V_VT(&value) == VT_BSTR && WideView(V_BSTR(&value), SysStringLen(V_BSTR(&value))) == TEXT("XPath");
             return xpath ? S_OK : E_FAIL;
         }
         if (property == TEXT("ProhibitDTD"))

@@ -11,7 +11,8 @@
 
 #include <dlfcn.h>
 
-DEFINE_GUID(CLSID_DOMDocumentOfNoVersion, 0x2933bf90, 0x7b36, 0x11d2, 0xb2, 0x0e, 0x00, 0xc0, 0x4f, 0x98, 0x3e, 0x60);
+DEFINE_GUID(CLSID_DOMDocumentOfNoVersion, 0x2933bf90, 0x7b36, 0x11d2, 0xb2, 0x0e, 0x00, 0xc0, 0x4f, 0x98, 0x3e,
+            0x60);
 
 IClassFactory *DocumentFactory();
 IClassFactory *UserRequestFactory();
@@ -31,7 +32,8 @@ const ClassEntry classes[] = {
     {CLSID_DOMDocument60, TEXT("Msxml2.DOMDocument.6.0"), TEXT("XML DOM Document"), DocumentFactory},
     {CLSID_DOMDocumentOfNoVersion, TEXT("Msxml2.DOMDocument"), TEXT("XML DOM Document"), DocumentFactory},
     {CLSID_XMLHTTP60, TEXT("Msxml2.XMLHTTP.6.0"), TEXT("XML HTTP Request"), UserRequestFactory},
-    {CLSID_ServerXMLHTTP60, TEXT("Msxml2.ServerXMLHTTP.6.0"), TEXT("Server XML HTTP Request"), ServerRequestFactory},
+    {CLSID_ServerXMLHTTP60, TEXT("Msxml2.ServerXMLHTTP.6.0"), TEXT("Server XML HTTP Request"),
+     ServerRequestFactory},
 };
 
 WideText GuidText(REFGUID guid)
@@ -44,12 +46,12 @@ WideText GuidText(REFGUID guid)
 LSTATUS SetEntry(const WideText &path, const WCHAR *name, const WideText &text)
 {
     RegistryKeyOwner key;
-    const LSTATUS opened = RegCreateKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr,
-                                           key.Put(), nullptr);
-    return opened != ERROR_SUCCESS ? opened
-                                   : RegSetValueExW(key.Get(), name, 0, REG_SZ,
-                                                    reinterpret_cast<const BYTE *>(text.c_str()),
-                                                    static_cast<DWORD>((text.size() + 1) * sizeof(WCHAR)));
+    const LSTATUS opened =
+        RegCreateKeyExW(HKEY_CLASSES_ROOT, path.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, key.Put(), nullptr);
+    return opened != ERROR_SUCCESS
+               ? opened
+               : RegSetValueExW(key.Get(), name, 0, REG_SZ, reinterpret_cast<const BYTE *>(text.c_str()),
+                                static_cast<DWORD>((text.size() + 1) * sizeof(WCHAR)));
 }
 
 WideText ModulePath()

@@ -102,7 +102,8 @@ HRESULT GiveNode(const std::optional<XmlNode> &node, IXMLDOMNode **object)
 HRESULT GiveElement(const std::optional<XmlNode> &node, IXMLDOMElement **object)
 {
     *object = nullptr;
-    return node ? Element::CreateInstance(nullptr, __uuidof(IXMLDOMElement), reinterpret_cast<void **>(object), *node)
+    return node ? Element::CreateInstance(nullptr, __uuidof(IXMLDOMElement), reinterpret_cast<void **>(object),
+                                          *node)
                 : S_FALSE;
 }
 

@@ -46,7 +46,8 @@ HRESULT CheckAddress(const std::string &url)
     {
         return unknownScheme;
     }
-    const bool isClean = std::none_of(url.begin(), url.end(), [](unsigned char c) { return c <= ' ' || c == 0x7F; });
+    const bool isClean =
+        std::none_of(url.begin(), url.end(), [](unsigned char c) { return c <= ' ' || c == 0x7F; });
     return isClean && url.find_first_of("/?#", scheme) != scheme && url.size() > scheme ? S_OK : invalidAddress;
 }
 

@@ -76,7 +76,8 @@ public:
     }
     STDMETHODIMP get_statusText(BSTR *words) noexcept override
     {
-        return Read(words, [&](const HttpAnswer &answer) { return GiveText(FromUtf8(answer.statusWords), words); });
+        return Read(words,
+                    [&](const HttpAnswer &answer) { return GiveText(FromUtf8(answer.statusWords), words); });
     }
     STDMETHODIMP get_responseXML(IDispatch **document) noexcept override
     {
@@ -235,8 +236,9 @@ public:
         {
             return E_INVALIDARG;
         }
-        const bool isUsual = (option == SXH_OPTION_URL_CODEPAGE && isNumber && V_I4(&value) == CP_UTF8) ||
-                             (option == SXH_OPTION_IGNORE_SERVER_SSL_CERT_ERROR_FLAGS && isNumber && V_I4(&value) == 0);
+        const bool isUsual =
+            (option == SXH_OPTION_URL_CODEPAGE && isNumber && V_I4(&value) == CP_UTF8) ||
+            (option == SXH_OPTION_IGNORE_SERVER_SSL_CERT_ERROR_FLAGS && isNumber && V_I4(&value) == 0);
         return isUsual ? S_OK : E_NOTIMPL;
     }
 

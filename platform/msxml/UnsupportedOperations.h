@@ -21,10 +21,7 @@ public:
         return S_OK;
     }
     STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo **) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR *, UINT, LCID, DISPID *) noexcept override
-    {
-        return E_NOTIMPL;
-    }
+    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR *, UINT, LCID, DISPID *) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS *, VARIANT *, EXCEPINFO *, UINT *) noexcept override
     {
         return E_NOTIMPL;
@@ -38,10 +35,7 @@ public:
     STDMETHODIMP put_nodeValue(VARIANT) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP get_attributes(IXMLDOMNamedNodeMap **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP insertBefore(IXMLDOMNode *, VARIANT, IXMLDOMNode **) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP replaceChild(IXMLDOMNode *, IXMLDOMNode *, IXMLDOMNode **) noexcept override
-    {
-        return E_NOTIMPL;
-    }
+    STDMETHODIMP replaceChild(IXMLDOMNode *, IXMLDOMNode *, IXMLDOMNode **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP removeChild(IXMLDOMNode *, IXMLDOMNode **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP appendChild(IXMLDOMNode *, IXMLDOMNode **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP get_ownerDocument(IXMLDOMDocument **) noexcept override { return E_NOTIMPL; }
@@ -67,10 +61,7 @@ public:
     STDMETHODIMP setAttribute(BSTR, VARIANT) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP removeAttribute(BSTR) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP getAttributeNode(BSTR, IXMLDOMAttribute **) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP setAttributeNode(IXMLDOMAttribute *, IXMLDOMAttribute **) noexcept override
-    {
-        return E_NOTIMPL;
-    }
+    STDMETHODIMP setAttributeNode(IXMLDOMAttribute *, IXMLDOMAttribute **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP removeAttributeNode(IXMLDOMAttribute *, IXMLDOMAttribute **) noexcept override
     {
         return E_NOTIMPL;
@@ -95,10 +86,7 @@ public:
         return E_NOTIMPL;
     }
     STDMETHODIMP createAttribute(BSTR, IXMLDOMAttribute **) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP createEntityReference(BSTR, IXMLDOMEntityReference **) noexcept override
-    {
-        return E_NOTIMPL;
-    }
+    STDMETHODIMP createEntityReference(BSTR, IXMLDOMEntityReference **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP getElementsByTagName(BSTR, IXMLDOMNodeList **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP createNode(VARIANT, BSTR, BSTR, IXMLDOMNode **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP nodeFromID(BSTR, IXMLDOMNode **) noexcept override { return E_NOTIMPL; }

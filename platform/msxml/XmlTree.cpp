@@ -82,7 +82,6 @@ WideText Trim(WideText text, bool atStart = true, bool atEnd = true)
     return text.substr(start);
 }
 
-
 // Whether an element's text starts (or ends) in a CDATA section, whose blanks are meant.
 bool BordersOnCData(xmlNodePtr node, xmlNodePtr _xmlNode::*border)
 {
@@ -93,13 +92,9 @@ bool BordersOnCData(xmlNodePtr node, xmlNodePtr _xmlNode::*border)
     return node != nullptr && node->type == XML_CDATA_SECTION_NODE;
 }
 
-void Quiet(void *, const char *, ...)
-{
-}
+void Quiet(void *, const char *, ...) {}
 
-void QuietStructured(void *, xmlErrorPtr)
-{
-}
+void QuietStructured(void *, xmlErrorPtr) {}
 
 // Some faults of expressions and of encodings go to the thread's general error function, which prints.
 class SilentErrors
@@ -148,10 +143,10 @@ void DescribeFailure(xmlParserCtxtPtr parser, bool refused, XmlParseFailure &fai
 {
     const xmlErrorPtr error = xmlCtxtGetLastError(parser);
     const int code = error ? error->code : 0;
-    failure.code = refused                              ? dtdProhibited
-                   : code == XML_ERR_DOCUMENT_EMPTY     ? missingRoot
-                   : code == XML_ERR_TAG_NAME_MISMATCH  ? endTagMismatch
-                                                        : E_FAIL;
+    failure.code = refused                             ? dtdProhibited
+                   : code == XML_ERR_DOCUMENT_EMPTY    ? missingRoot
+                   : code == XML_ERR_TAG_NAME_MISMATCH ? endTagMismatch
+                                                       : E_FAIL;
     failure.reason = refused ? TEXT("DTD is prohibited.")
                      : error ? Trim(PathFromBytes(error->message ? error->message : ""))
                              : WideText(TEXT("The text is no XML document."));
@@ -237,7 +232,8 @@ WideText XmlNode::Name() const
                : kind == Kind::CData  ? TEXT("#cdata-section")
                                       : TEXT("#comment");
     }
-    const bool hasPrefix = (kind == Kind::Element || kind == Kind::Attribute) && Raw(m_node)->ns && Raw(m_node)->ns->prefix;
+    const bool hasPrefix =
+        (kind == Kind::Element || kind == Kind::Attribute) && Raw(m_node)->ns && Raw(m_node)->ns->prefix;
     return (hasPrefix ? Wide(Raw(m_node)->ns->prefix) + u':' : WideText()) + Wide(Raw(m_node)->name);
 }
 
@@ -259,8 +255,8 @@ WideText XmlNode::Text() const
         return root ? root->Text() : text;
     }
     text = Wide(TextOwner(xmlNodeGetContent(Raw(m_node))).get());
-    const bool trimmed = GetKind() == Kind::Element && !m_tree->PreservesWhiteSpace() &&
-                         xmlNodeGetSpacePreserve(Raw(m_node)) != 1;
+    const bool trimmed =
+        GetKind() == Kind::Element && !m_tree->PreservesWhiteSpace() && xmlNodeGetSpacePreserve(Raw(m_node)) != 1;
     return trimmed ? Trim(std::move(text), !BordersOnCData(Raw(m_node), &_xmlNode::children),
                           !BordersOnCData(Raw(m_node), &_xmlNode::last))
                    : text;

@@ -24,8 +24,7 @@ bool IsInApartment()
 
 HRESULT WINAPI CoInitializeEx(LPVOID reserved, DWORD flags)
 {
-    constexpr DWORD known =
-        COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE | COINIT_SPEED_OVER_MEMORY;
+    constexpr DWORD known = COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE | COINIT_SPEED_OVER_MEMORY;
     if (reserved != nullptr || (flags & ~known) != 0)
     {
         return E_INVALIDARG;

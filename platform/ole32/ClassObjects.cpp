@@ -39,7 +39,8 @@ ComPtr<IUnknown> FindRegistered(REFCLSID clsid)
 {
     const std::lock_guard guard(registrationLock);
     auto &all = Registrations();
-    const auto found = std::find_if(all.begin(), all.end(), [&](const auto &entry) { return entry.clsid == clsid; });
+    const auto found =
+        std::find_if(all.begin(), all.end(), [&](const auto &entry) { return entry.clsid == clsid; });
     if (found == all.end())
     {
         return nullptr;
@@ -145,7 +146,8 @@ HRESULT WINAPI CoRevokeClassObject(DWORD cookie)
     ComPtr<IUnknown> released; // after the lock: its release may call back
     const std::lock_guard guard(registrationLock);
     auto &all = Registrations();
-    const auto found = std::find_if(all.begin(), all.end(), [&](const auto &entry) { return entry.cookie == cookie; });
+    const auto found =
+        std::find_if(all.begin(), all.end(), [&](const auto &entry) { return entry.cookie == cookie; });
     if (found == all.end())
     {
         return E_INVALIDARG;

@@ -29,14 +29,22 @@ HRESULT LastFailure(int error)
         int error;
         DWORD code;
     } codes[] = {
-        {ENOENT, ERROR_FILE_NOT_FOUND},    {ENOTDIR, ERROR_PATH_NOT_FOUND},
-        {EACCES, ERROR_ACCESS_DENIED},     {EPERM, ERROR_ACCESS_DENIED},
-        {EISDIR, ERROR_ACCESS_DENIED},     {EROFS, ERROR_WRITE_PROTECT},
-        {ENOSPC, ERROR_DISK_FULL},         {EDQUOT, ERROR_DISK_FULL},
-        {EFBIG, ERROR_DISK_FULL},          {EMFILE, ERROR_TOO_MANY_OPEN_FILES},
-        {ENFILE, ERROR_TOO_MANY_OPEN_FILES}, {ENAMETOOLONG, ERROR_FILENAME_EXCED_RANGE},
-        {ELOOP, ERROR_CANT_RESOLVE_FILENAME}, {ETXTBSY, ERROR_SHARING_VIOLATION},
-        {ENOMEM, ERROR_NOT_ENOUGH_MEMORY}, {EINVAL, ERROR_INVALID_PARAMETER},
+        {ENOENT, ERROR_FILE_NOT_FOUND},
+        {ENOTDIR, ERROR_PATH_NOT_FOUND},
+        {EACCES, ERROR_ACCESS_DENIED},
+        {EPERM, ERROR_ACCESS_DENIED},
+        {EISDIR, ERROR_ACCESS_DENIED},
+        {EROFS, ERROR_WRITE_PROTECT},
+        {ENOSPC, ERROR_DISK_FULL},
+        {EDQUOT, ERROR_DISK_FULL},
+        {EFBIG, ERROR_DISK_FULL},
+        {EMFILE, ERROR_TOO_MANY_OPEN_FILES},
+        {ENFILE, ERROR_TOO_MANY_OPEN_FILES},
+        {ENAMETOOLONG, ERROR_FILENAME_EXCED_RANGE},
+        {ELOOP, ERROR_CANT_RESOLVE_FILENAME},
+        {ETXTBSY, ERROR_SHARING_VIOLATION},
+        {ENOMEM, ERROR_NOT_ENOUGH_MEMORY},
+        {EINVAL, ERROR_INVALID_PARAMETER},
     };
     for (const auto &entry : codes)
     {
@@ -247,7 +255,7 @@ HRESULT WINAPI SHCreateStreamOnFileW(LPCWSTR path, DWORD mode, IStream **stream)
             close(file);
             return HRESULT_FROM_WIN32(ERROR_ACCESS_DENIED);
         }
-        return FileStream::CreateInstance(nullptr, __uuidof(IStream), reinterpret_cast<void **>(stream), file, mode,
-                                          WideText(path));
+        return FileStream::CreateInstance(nullptr, __uuidof(IStream), reinterpret_cast<void **>(stream), file,
+                                          mode, WideText(path));
     });
 }

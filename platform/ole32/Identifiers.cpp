@@ -137,7 +137,7 @@ HRESULT WINAPI ProgIDFromCLSID(REFCLSID clsid, LPOLESTR *progId)
     return AtBoundary([&] {
         WideText text;
         return ReadClassesEntry(ClassKeyPath(clsid) + TEXT("\\ProgID"), text) ? CopyToTaskMemory(text, progId)
-                                                                               : REGDB_E_CLASSNOTREG;
+                                                                              : REGDB_E_CLASSNOTREG;
     });
 }
 

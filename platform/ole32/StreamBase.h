@@ -14,8 +14,9 @@ public:
                         ULARGE_INTEGER *written) noexcept override
     {
         ULARGE_INTEGER readSoFar{}, writtenSoFar{};
-        const HRESULT result = target ? CopyBytes(target, bytes.QuadPart, readSoFar.QuadPart, writtenSoFar.QuadPart)
-                                      : STG_E_INVALIDPOINTER;
+        const HRESULT result = target
+                                   ? CopyBytes(target, bytes.QuadPart, readSoFar.QuadPart, writtenSoFar.QuadPart)
+                                   : STG_E_INVALIDPOINTER;
         if (read != nullptr)
         {
             *read = readSoFar;

@@ -19,7 +19,10 @@ class CTypeInformation final : public ComObject<CTypeInformation, ITypeInfo>
 {
 public:
     CTypeInformation(std::shared_ptr<const TypeLibraryContent> content, size_t index, ComPtr<ITypeLib> library)
-        : m_content(std::move(content)), m_index(index), m_type(m_content->types[index]), m_library(std::move(library))
+        : m_content(std::move(content)),
+          m_index(index),
+          m_type(m_content->types[index]),
+          m_library(std::move(library))
     {
     }
 
@@ -88,8 +91,8 @@ public:
     }
 
     // Of functions without parameters; of others the types would have to be known, which the reader passes over.
-    STDMETHODIMP Invoke(PVOID object, MEMBERID id, WORD flags, DISPPARAMS *parameters, VARIANT *,
-                        EXCEPINFO *, UINT *) noexcept override
+    STDMETHODIMP Invoke(PVOID object, MEMBERID id, WORD flags, DISPPARAMS *parameters, VARIANT *, EXCEPINFO *,
+                        UINT *) noexcept override
     {
         if (object == nullptr || parameters == nullptr)
         {
@@ -112,7 +115,8 @@ public:
         return (*static_cast<Method **>(object))[function->slot](object);
     }
 
-    STDMETHODIMP GetDocumentation(MEMBERID id, BSTR *name, BSTR *help, DWORD *context, BSTR *file) noexcept override
+    STDMETHODIMP GetDocumentation(MEMBERID id, BSTR *name, BSTR *help, DWORD *context,
+                                  BSTR *file) noexcept override
     {
         GiveNothing(name, help, context, file);
         const TypeFunction *function = id == MEMBERID_NIL ? nullptr : Find(id);
@@ -169,8 +173,8 @@ private:
         for (UINT i = 0; i < count; ++i)
         {
             const auto &all = function.parameters;
-            const auto found =
-                std::find_if(all.begin(), all.end(), [&](const WideText &name) { return SameName(name, names[i]); });
+            const auto found = std::find_if(all.begin(), all.end(),
+                                            [&](const WideText &name) { return SameName(name, names[i]); });
             if (found == all.end())
             {
                 result = DISP_E_UNKNOWNNAME;

@@ -108,7 +108,10 @@ public:
     // What registration and calls by name don't ask for.
     STDMETHODIMP GetTypeComp(ITypeComp **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP IsName(LPOLESTR, ULONG, BOOL *) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP FindName(LPOLESTR, ULONG, ITypeInfo **, MEMBERID *, USHORT *) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP FindName(LPOLESTR, ULONG, ITypeInfo **, MEMBERID *, USHORT *) noexcept override
+    {
+        return E_NOTIMPL;
+    }
 
 private:
     std::shared_ptr<const TypeLibraryContent> m_content;

@@ -67,10 +67,10 @@ void Write(const Classes &classes, const WideText &path, const WCHAR *name, cons
     RegistryKeyOwner key;
     LSTATUS status = RegCreateKeyExW(classes.root, classes.Path(path).c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
                                      KEY_WRITE, nullptr, key.Put(), nullptr);
-    status = status != ERROR_SUCCESS ? status
-                                     : RegSetValueExW(key.Get(), name, 0, REG_SZ,
-                                                      reinterpret_cast<const BYTE *>(text.c_str()),
-                                                      static_cast<DWORD>((text.size() + 1) * sizeof(WCHAR)));
+    status = status != ERROR_SUCCESS
+                 ? status
+                 : RegSetValueExW(key.Get(), name, 0, REG_SZ, reinterpret_cast<const BYTE *>(text.c_str()),
+                                  static_cast<DWORD>((text.size() + 1) * sizeof(WCHAR)));
     if (status != ERROR_SUCCESS)
     {
         ThrowHresult(TYPE_E_REGISTRYACCESS);
@@ -84,7 +84,8 @@ WideText ReadDefault(const Classes &classes, const WideText &path)
     DWORD size = sizeof(text) - sizeof(WCHAR);
     DWORD type = 0;
     if (RegOpenKeyExW(classes.root, classes.Path(path).c_str(), 0, KEY_READ, key.Put()) != ERROR_SUCCESS ||
-        RegQueryValueExW(key.Get(), nullptr, nullptr, &type, reinterpret_cast<BYTE *>(text), &size) != ERROR_SUCCESS ||
+        RegQueryValueExW(key.Get(), nullptr, nullptr, &type, reinterpret_cast<BYTE *>(text), &size) !=
+            ERROR_SUCCESS ||
         type != REG_SZ)
     {
         return WideText();
@@ -176,7 +177,8 @@ HRESULT Register(ITypeLib *library, LPCOLESTR path, LPCOLESTR helpFolder, const 
         const size_t name = file.find_last_of(TEXT("\\/"));
         const WideText folder = file.substr(0, name == WideText::npos ? 0 : name);
         Write(classes, key, nullptr, HelpText(library));
-        Write(classes, key + TEXT("\\") + Hexadecimal(attributes->lcid) + TEXT("\\") + SystemName(attributes->syskind),
+        Write(classes,
+              key + TEXT("\\") + Hexadecimal(attributes->lcid) + TEXT("\\") + SystemName(attributes->syskind),
               nullptr, file);
         Write(classes, key + TEXT("\\FLAGS"), nullptr, Hexadecimal(attributes->wLibFlags));
         Write(classes, key + TEXT("\\HELPDIR"), nullptr, helpFolder ? WideText(helpFolder) : folder);

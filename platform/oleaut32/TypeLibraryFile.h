@@ -14,7 +14,7 @@ struct TypeFunction
 {
     WideText name;
     MEMBERID id = 0;
-    size_t slot = 0;                        // in the table of functions, counted from 0
+    size_t slot = 0; // in the table of functions, counted from 0
     std::vector<WideText> parameters;
 };
 

@@ -106,8 +106,8 @@ HRESULT WINAPI VariantCopy(VARIANTARG *target, const VARIANTARG *source)
     VARIANT copy = *source;
     if (V_VT(source) == VT_BSTR && V_BSTR(source) != nullptr)
     {
-        V_BSTR(&copy) = SysAllocStringByteLen(reinterpret_cast<LPCSTR>(V_BSTR(source)),
-                                              SysStringByteLen(V_BSTR(source)));
+        V_BSTR(&copy) =
+            SysAllocStringByteLen(reinterpret_cast<LPCSTR>(V_BSTR(source)), SysStringByteLen(V_BSTR(source)));
         if (V_BSTR(&copy) == nullptr)
         {
             return E_OUTOFMEMORY;

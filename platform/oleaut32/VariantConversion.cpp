@@ -265,11 +265,13 @@ HRESULT Convert(const VARIANTARG &source, USHORT flags, VARTYPE type, VARIANT &r
     case VT_BOOL:
         return ToTruth(source, result);
     case VT_R4:
-    case VT_R8: {
+    case VT_R8:
+    {
         const Number number = NumberOf(source);
-        type == VT_R4 ? void(V_R4(&result) = static_cast<float>(number.value)) : void(V_R8(&result) = number.value);
+        type == VT_R4 ? void(V_R4(&result) = static_cast<float>(number.value))
+                      : void(V_R8(&result) = number.value);
         return SUCCEEDED(number.result) && type == VT_R4 && !std::isfinite(V_R4(&result)) ? DISP_E_OVERFLOW
-                                                                                           : number.result;
+                                                                                          : number.result;
     }
     case VT_UNKNOWN:
         return ToInterface(source, __uuidof(IUnknown), result);

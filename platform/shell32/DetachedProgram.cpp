@@ -47,7 +47,8 @@ public:
         posix_spawnattr_init(&m_attributes);
         posix_spawnattr_setsigmask(&m_attributes, &none);
         posix_spawnattr_setsigdefault(&m_attributes, &all);
-        posix_spawnattr_setflags(&m_attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+        posix_spawnattr_setflags(&m_attributes,
+                                 POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
     }
     ~Attributes() { posix_spawnattr_destroy(&m_attributes); }
     Attributes(const Attributes &) = delete;
@@ -76,7 +77,9 @@ std::string FindProgram(const std::string &name)
     {
         const size_t end = std::min(rest.find(':'), rest.size());
         const std::string file = std::string(rest.substr(0, end)) + '/' + name;
-        struct stat about{};
+        struct stat about
+        {
+        };
         if (file[0] == '/' && end > 0 && stat(file.c_str(), &about) == 0 && S_ISREG(about.st_mode) &&
             access(file.c_str(), X_OK) == 0)
         {

@@ -81,11 +81,15 @@ Outcome Open(WideView verb, WideView address)
     }
     switch (StartDetached(opener, {ToUtf8(address)}))
     {
-    case 0: return {33, ERROR_SUCCESS}; // any number above 32
-    case ENOENT: return {SE_ERR_FNF, ERROR_FILE_NOT_FOUND};
+    case 0:
+        return {33, ERROR_SUCCESS}; // any number above 32
+    case ENOENT:
+        return {SE_ERR_FNF, ERROR_FILE_NOT_FOUND};
     case ENOMEM:
-    case EAGAIN: return {SE_ERR_OOM, ERROR_NOT_ENOUGH_MEMORY};
-    default: return {SE_ERR_ACCESSDENIED, ERROR_ACCESS_DENIED};
+    case EAGAIN:
+        return {SE_ERR_OOM, ERROR_NOT_ENOUGH_MEMORY};
+    default:
+        return {SE_ERR_ACCESSDENIED, ERROR_ACCESS_DENIED};
     }
 }
 } // namespace

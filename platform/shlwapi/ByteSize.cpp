@@ -15,8 +15,12 @@ namespace
 WideText FormatByUserLocale(const WideText &digits, UINT decimals)
 {
     LocaleConventions conventions = UserConventions();
-    const NUMBERFMTW format{decimals, leadingZero, GroupingNumber(conventions), conventions.decimalSeparator.data(),
-                            conventions.thousandsSeparator.data(), NegativeOrder(conventions)};
+    const NUMBERFMTW format{decimals,
+                            leadingZero,
+                            GroupingNumber(conventions),
+                            conventions.decimalSeparator.data(),
+                            conventions.thousandsSeparator.data(),
+                            NegativeOrder(conventions)};
     WCHAR text[64] = {};
     GetNumberFormatW(LOCALE_USER_DEFAULT, 0, digits.c_str(), &format, text, ARRAYSIZE(text));
     return text;

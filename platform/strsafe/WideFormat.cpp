@@ -43,9 +43,9 @@ struct Prefix
 
 // Longer ones first where one begins another.
 constexpr Prefix sizePrefixes[] = {
-    {u"I64", Size::Int64}, {u"I32", Size::Long}, {u"I", Size::Int64},  {u"hh", Size::Byte},
-    {u"h", Size::Short},   {u"ll", Size::Int64}, {u"l", Size::Long},   {u"w", Size::Long},
-    {u"L", Size::Default}, {u"z", Size::Int64},  {u"j", Size::Int64},  {u"t", Size::Int64},
+    {u"I64", Size::Int64}, {u"I32", Size::Long}, {u"I", Size::Int64}, {u"hh", Size::Byte},
+    {u"h", Size::Short},   {u"ll", Size::Int64}, {u"l", Size::Long},  {u"w", Size::Long},
+    {u"L", Size::Default}, {u"z", Size::Int64},  {u"j", Size::Int64}, {u"t", Size::Int64},
 };
 
 class Formatter
@@ -142,12 +142,24 @@ Conversion Formatter::Parse(const WCHAR *&at)
     {
         switch (*at)
         {
-        case '-': conversion.left = true; break;
-        case '+': conversion.plus = true; break;
-        case ' ': conversion.blank = true; break;
-        case '#': conversion.alternate = true; break;
-        case '0': conversion.zeros = true; break;
-        default: flag = false; continue;
+        case '-':
+            conversion.left = true;
+            break;
+        case '+':
+            conversion.plus = true;
+            break;
+        case ' ':
+            conversion.blank = true;
+            break;
+        case '#':
+            conversion.alternate = true;
+            break;
+        case '0':
+            conversion.zeros = true;
+            break;
+        default:
+            flag = false;
+            continue;
         }
         ++at;
     }
@@ -196,11 +208,19 @@ void Formatter::Convert(const Conversion &conversion)
     switch (conversion.letter)
     {
     case 'd':
-    case 'i': WriteSigned(conversion); break;
-    case 'u': WriteUnsigned(conversion, 10); break;
-    case 'o': WriteUnsigned(conversion, 8); break;
+    case 'i':
+        WriteSigned(conversion);
+        break;
+    case 'u':
+        WriteUnsigned(conversion, 10);
+        break;
+    case 'o':
+        WriteUnsigned(conversion, 8);
+        break;
     case 'x':
-    case 'X': WriteUnsigned(conversion, 16); break;
+    case 'X':
+        WriteUnsigned(conversion, 16);
+        break;
     case 'p':
     {
         Conversion pointer = conversion;
@@ -215,7 +235,9 @@ void Formatter::Convert(const Conversion &conversion)
     case 'e':
     case 'E':
     case 'g':
-    case 'G': WriteFloat(conversion); break;
+    case 'G':
+        WriteFloat(conversion);
+        break;
     case 'c':
     case 'C':
     {
@@ -226,9 +248,14 @@ void Formatter::Convert(const Conversion &conversion)
         break;
     }
     case 's':
-    case 'S': IsNarrow(conversion, 'S') ? WriteNarrowString(conversion) : WriteWideString(conversion); break;
-    case 'n': break;
-    default: Write(conversion.letter); break;
+    case 'S':
+        IsNarrow(conversion, 'S') ? WriteNarrowString(conversion) : WriteWideString(conversion);
+        break;
+    case 'n':
+        break;
+    default:
+        Write(conversion.letter);
+        break;
     }
 }
 
@@ -236,10 +263,14 @@ int64_t Formatter::TakeSigned(Size size)
 {
     switch (size)
     {
-    case Size::Byte: return static_cast<signed char>(va_arg(m_arguments, int));
-    case Size::Short: return static_cast<short>(va_arg(m_arguments, int));
-    case Size::Int64: return va_arg(m_arguments, long long);
-    default: return va_arg(m_arguments, int);
+    case Size::Byte:
+        return static_cast<signed char>(va_arg(m_arguments, int));
+    case Size::Short:
+        return static_cast<short>(va_arg(m_arguments, int));
+    case Size::Int64:
+        return va_arg(m_arguments, long long);
+    default:
+        return va_arg(m_arguments, int);
     }
 }
 
@@ -247,10 +278,14 @@ uint64_t Formatter::TakeUnsigned(Size size)
 {
     switch (size)
     {
-    case Size::Byte: return static_cast<unsigned char>(va_arg(m_arguments, int));
-    case Size::Short: return static_cast<unsigned short>(va_arg(m_arguments, int));
-    case Size::Int64: return va_arg(m_arguments, unsigned long long);
-    default: return va_arg(m_arguments, unsigned);
+    case Size::Byte:
+        return static_cast<unsigned char>(va_arg(m_arguments, int));
+    case Size::Short:
+        return static_cast<unsigned short>(va_arg(m_arguments, int));
+    case Size::Int64:
+        return va_arg(m_arguments, unsigned long long);
+    default:
+        return va_arg(m_arguments, unsigned);
     }
 }
 

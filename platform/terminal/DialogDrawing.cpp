@@ -78,8 +78,11 @@ class Drawing
 {
 public:
     Drawing(const DialogPage &page, const DrawingOptions &options)
-        : m_page(page), m_options(options), m_frame(options.unicode ? unicodeFrame : asciiFrame),
-          m_width(std::clamp<size_t>(options.columns - 1, 24, widest)), m_inside(m_width - 2 - 2 * margin)
+        : m_page(page),
+          m_options(options),
+          m_frame(options.unicode ? unicodeFrame : asciiFrame),
+          m_width(std::clamp<size_t>(options.columns - 1, 24, widest)),
+          m_inside(m_width - 2 - 2 * margin)
     {
     }
 
@@ -116,8 +119,8 @@ private:
 
     void DrawTop()
     {
-        const Style alarm = m_page.icon == DialogIcon::Warning || m_page.icon == DialogIcon::Error ? Style::Alarm
-                                                                                                    : Style::Strong;
+        const Style alarm =
+            m_page.icon == DialogIcon::Warning || m_page.icon == DialogIcon::Error ? Style::Alarm : Style::Strong;
         // The icon's word stands in the frame if the title leaves room for it, and else below.
         const std::string word = Shown(WordOf(m_page.icon));
         const size_t room = m_width - 6;
@@ -158,8 +161,8 @@ private:
         const size_t room = m_width - 2 - margin;
         Line line = NewLine();
         line.Add(m_frame.down).Add(std::string(margin, ' '));
-        m_lines.push_back(line.Text() + inside.Text() +
-                          std::string(room - std::min(room, inside.Width()), ' ') + m_frame.down);
+        m_lines.push_back(line.Text() + inside.Text() + std::string(room - std::min(room, inside.Width()), ' ') +
+                          m_frame.down);
         m_gap = false;
     }
 
@@ -280,9 +283,7 @@ private:
 
     Style StyleOf(const DialogButton &button) const
     {
-        return !button.enabled                         ? Style::Faint
-               : button.id == m_page.defaultButton ? Style::Strong
-                                                       : Style::Plain;
+        return !button.enabled ? Style::Faint : button.id == m_page.defaultButton ? Style::Strong : Style::Plain;
     }
 
     void AddButtons()

@@ -73,7 +73,7 @@ struct DialogPage
 
     std::vector<DialogButton> buttons;
     int defaultButton = 0;
-    bool commandLinks = false;     // buttons with a note below each, one a line
+    bool commandLinks = false; // buttons with a note below each, one a line
     bool commandLinkArrows = false;
     std::vector<std::u16string> links; // addresses, in the order of the marks [L1], [L2] in the texts
 

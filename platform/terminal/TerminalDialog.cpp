@@ -31,8 +31,8 @@ public:
     {
         const auto lines = DrawDialog(page, {m_device.Columns(), m_device.IsUnicode(), m_device.HasColour()});
         std::string picture;
-        const bool isOver = m_device.MovesCursor() && m_lines > 0 && m_lines < m_device.Rows() &&
-                            m_columns == m_device.Columns();
+        const bool isOver =
+            m_device.MovesCursor() && m_lines > 0 && m_lines < m_device.Rows() && m_columns == m_device.Columns();
         if (isOver)
         {
             picture = "\r\x1B[" + std::to_string(m_lines) + "A\x1B[J";
@@ -197,14 +197,29 @@ private:
     {
         switch (key.kind)
         {
-        case KeyKind::Text: m_display->Type(key.text); break;
-        case KeyKind::Backspace: m_display->EraseLast(); break;
-        case KeyKind::EraseLine: m_display->EraseAll(); break;
-        case KeyKind::Enter: Answer(m_display->TakeTyped()); break;
-        case KeyKind::Escape: Cancel(); break;
-        case KeyKind::Interrupt: m_dialog.Page().cancelButton != 0 ? Cancel() : GiveUp(); break;
-        case KeyKind::End: GiveUp(); break;
-        case KeyKind::None: break;
+        case KeyKind::Text:
+            m_display->Type(key.text);
+            break;
+        case KeyKind::Backspace:
+            m_display->EraseLast();
+            break;
+        case KeyKind::EraseLine:
+            m_display->EraseAll();
+            break;
+        case KeyKind::Enter:
+            Answer(m_display->TakeTyped());
+            break;
+        case KeyKind::Escape:
+            Cancel();
+            break;
+        case KeyKind::Interrupt:
+            m_dialog.Page().cancelButton != 0 ? Cancel() : GiveUp();
+            break;
+        case KeyKind::End:
+            GiveUp();
+            break;
+        case KeyKind::None:
+            break;
         }
     }
 
@@ -215,15 +230,25 @@ private:
         m_stale = true;
         switch (answer.kind)
         {
-        case AnswerKind::Button: ClickButton(page.buttons[answer.index]); break;
-        case AnswerKind::RadioButton: ClickRadioButton(page.radioButtons[answer.index]); break;
-        case AnswerKind::CheckBox: SetCheckBox(!page.checked); break;
+        case AnswerKind::Button:
+            ClickButton(page.buttons[answer.index]);
+            break;
+        case AnswerKind::RadioButton:
+            ClickRadioButton(page.radioButtons[answer.index]);
+            break;
+        case AnswerKind::CheckBox:
+            SetCheckBox(!page.checked);
+            break;
         case AnswerKind::Expando:
             m_dialog.Change([](DialogPage &changed) { changed.expanded = !changed.expanded; });
             m_listener.ExpandoClicked(!page.expanded);
             break;
-        case AnswerKind::Link: m_listener.LinkClicked(page.links[answer.index]); break;
-        case AnswerKind::Unknown: Remark("That is none of the choices."); break;
+        case AnswerKind::Link:
+            m_listener.LinkClicked(page.links[answer.index]);
+            break;
+        case AnswerKind::Unknown:
+            Remark("That is none of the choices.");
+            break;
         }
     }
 
@@ -344,9 +369,7 @@ private:
     unsigned m_drawnChanges = 0;
 };
 
-TerminalDialog::TerminalDialog() : m_wake(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
-{
-}
+TerminalDialog::TerminalDialog() : m_wake(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
 
 TerminalDialog::~TerminalDialog()
 {

@@ -39,10 +39,14 @@ LRESULT WINAPI DefWindowProcW(HWND handle, UINT message, WPARAM wParam, LPARAM l
         {
         case WM_NCCREATE:
             return SetText(*window, reinterpret_cast<LPARAM>(reinterpret_cast<CREATESTRUCTW *>(lParam)->lpszName));
-        case WM_SETTEXT: return SetText(*window, lParam);
-        case WM_GETTEXT: return CopyText(*window, wParam, lParam);
-        case WM_GETTEXTLENGTH: return static_cast<LRESULT>(window->text.size());
-        default: break;
+        case WM_SETTEXT:
+            return SetText(*window, lParam);
+        case WM_GETTEXT:
+            return CopyText(*window, wParam, lParam);
+        case WM_GETTEXTLENGTH:
+            return static_cast<LRESULT>(window->text.size());
+        default:
+            break;
         }
     }
     if (message == WM_CLOSE)

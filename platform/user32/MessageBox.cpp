@@ -38,11 +38,16 @@ DialogIcon IconOf(UINT style)
 {
     switch (style & MB_ICONMASK)
     {
-    case MB_ICONHAND: return DialogIcon::Error;
-    case MB_ICONQUESTION: return DialogIcon::Question;
-    case MB_ICONEXCLAMATION: return DialogIcon::Warning;
-    case MB_ICONASTERISK: return DialogIcon::Information;
-    default: return DialogIcon::None;
+    case MB_ICONHAND:
+        return DialogIcon::Error;
+    case MB_ICONQUESTION:
+        return DialogIcon::Question;
+    case MB_ICONEXCLAMATION:
+        return DialogIcon::Warning;
+    case MB_ICONASTERISK:
+        return DialogIcon::Information;
+    default:
+        return DialogIcon::None;
     }
 }
 

@@ -25,13 +25,20 @@ LONG_PTR *FieldOf(Window &window, int index)
 {
     switch (index)
     {
-    case GWLP_USERDATA: return &window.userData;
-    case GWL_STYLE: return &window.style;
-    case GWL_EXSTYLE: return &window.extendedStyle;
-    case GWLP_ID: return &window.id;
-    case GWLP_WNDPROC: return reinterpret_cast<LONG_PTR *>(&window.procedure);
-    case GWLP_HINSTANCE: return reinterpret_cast<LONG_PTR *>(&window.module);
-    default: break;
+    case GWLP_USERDATA:
+        return &window.userData;
+    case GWL_STYLE:
+        return &window.style;
+    case GWL_EXSTYLE:
+        return &window.extendedStyle;
+    case GWLP_ID:
+        return &window.id;
+    case GWLP_WNDPROC:
+        return reinterpret_cast<LONG_PTR *>(&window.procedure);
+    case GWLP_HINSTANCE:
+        return reinterpret_cast<LONG_PTR *>(&window.module);
+    default:
+        break;
     }
     SetLastError(ERROR_INVALID_INDEX);
     return nullptr;
@@ -79,8 +86,9 @@ HWND WINAPI CreateWindowExW(DWORD extendedStyle, LPCWSTR className, LPCWSTR text
         window.parent = parent;
         handle = window.handle;
     }
-    CREATESTRUCTW creation{parameter, module, menu, parent, height, width, y, x,
-                           static_cast<LONG>(style), text, className, extendedStyle};
+    CREATESTRUCTW creation{
+        parameter, module,    menu,         parent, height, width, y, x, static_cast<LONG>(style),
+        text,      className, extendedStyle};
     const auto described = reinterpret_cast<LPARAM>(&creation);
     if (!SendMessageW(handle, WM_NCCREATE, 0, described))
     {

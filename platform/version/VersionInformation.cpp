@@ -15,13 +15,18 @@ DWORD ErrorOfOpening(int error)
 {
     switch (error)
     {
-    case ENOENT: return ERROR_FILE_NOT_FOUND;
-    case ENOTDIR: return ERROR_PATH_NOT_FOUND;
+    case ENOENT:
+        return ERROR_FILE_NOT_FOUND;
+    case ENOTDIR:
+        return ERROR_PATH_NOT_FOUND;
     case EACCES:
-    case EPERM: return ERROR_ACCESS_DENIED;
+    case EPERM:
+        return ERROR_ACCESS_DENIED;
     case EMFILE:
-    case ENFILE: return ERROR_TOO_MANY_OPEN_FILES;
-    default: return ERROR_OPEN_FAILED;
+    case ENFILE:
+        return ERROR_TOO_MANY_OPEN_FILES;
+    default:
+        return ERROR_OPEN_FAILED;
     }
 }
 
@@ -41,7 +46,8 @@ std::vector<BYTE> ReadVersionBlock(const WCHAR *fileName)
     file.seekg(static_cast<std::streamoff>(section->offset));
     file.read(reinterpret_cast<char *>(resources.data()), static_cast<std::streamsize>(resources.size()));
     const ResourceMatch match =
-        file ? FindResourceEntry(resources, MAKEINTRESOURCEW(16), MAKEINTRESOURCEW(VS_VERSION_INFO)) : ResourceMatch();
+        file ? FindResourceEntry(resources, MAKEINTRESOURCEW(16), MAKEINTRESOURCEW(VS_VERSION_INFO))
+             : ResourceMatch();
     if (match.entry == nullptr)
     {
         SetLastError(match.typeExists ? ERROR_RESOURCE_NAME_NOT_FOUND : ERROR_RESOURCE_TYPE_NOT_FOUND);

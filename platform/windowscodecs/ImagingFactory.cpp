@@ -50,7 +50,8 @@ STDMETHODIMP CImagingFactory::CreateDecoderFromStream(IStream *stream, const GUI
     return CreateDecoderOf(stream, decoder);
 }
 
-STDMETHODIMP CImagingFactory::CreateDecoder(REFGUID container, const GUID *vendor, IWICBitmapDecoder **decoder) noexcept
+STDMETHODIMP CImagingFactory::CreateDecoder(REFGUID container, const GUID *vendor,
+                                            IWICBitmapDecoder **decoder) noexcept
 {
     if (decoder == nullptr)
     {
@@ -60,7 +61,8 @@ STDMETHODIMP CImagingFactory::CreateDecoder(REFGUID container, const GUID *vendo
     return IsJpegOfMicrosoft(container, vendor) ? CreateJpegDecoder(decoder) : WINCODEC_ERR_COMPONENTNOTFOUND;
 }
 
-STDMETHODIMP CImagingFactory::CreateEncoder(REFGUID container, const GUID *vendor, IWICBitmapEncoder **encoder) noexcept
+STDMETHODIMP CImagingFactory::CreateEncoder(REFGUID container, const GUID *vendor,
+                                            IWICBitmapEncoder **encoder) noexcept
 {
     if (encoder == nullptr)
     {
@@ -75,8 +77,9 @@ STDMETHODIMP CImagingFactory::CreateColorContext(IWICColorContext **context) noe
     return context != nullptr ? ::CreateColorContext(context) : E_INVALIDARG;
 }
 
-STDMETHODIMP CImagingFactory::CreateBitmapFromMemory(UINT width, UINT height, REFWICPixelFormatGUID format, UINT stride,
-                                                     UINT size, BYTE *pixels, IWICBitmap **bitmap) noexcept
+STDMETHODIMP CImagingFactory::CreateBitmapFromMemory(UINT width, UINT height, REFWICPixelFormatGUID format,
+                                                     UINT stride, UINT size, BYTE *pixels,
+                                                     IWICBitmap **bitmap) noexcept
 {
     return CreateMemoryBitmap(width, height, format, stride, size, pixels, bitmap);
 }

@@ -24,8 +24,10 @@ public:
     }
     STDMETHODIMP CreateComponentInfo(REFCLSID, IWICComponentInfo **) noexcept override { return E_NOTIMPL; }
     // JPEG by no vendor or Microsoft; WINCODEC_ERR_COMPONENTNOTFOUND for everything else.
-    STDMETHODIMP CreateDecoder(REFGUID container, const GUID *vendor, IWICBitmapDecoder **decoder) noexcept override;
-    STDMETHODIMP CreateEncoder(REFGUID container, const GUID *vendor, IWICBitmapEncoder **encoder) noexcept override;
+    STDMETHODIMP CreateDecoder(REFGUID container, const GUID *vendor,
+                               IWICBitmapDecoder **decoder) noexcept override;
+    STDMETHODIMP CreateEncoder(REFGUID container, const GUID *vendor,
+                               IWICBitmapEncoder **encoder) noexcept override;
     STDMETHODIMP CreatePalette(IWICPalette **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP CreateFormatConverter(IWICFormatConverter **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP CreateBitmapScaler(IWICBitmapScaler **) noexcept override { return E_NOTIMPL; }
@@ -39,23 +41,27 @@ public:
     {
         return E_NOTIMPL;
     }
-    STDMETHODIMP CreateBitmapFromSource(IWICBitmapSource *, WICBitmapCreateCacheOption, IWICBitmap **) noexcept override
+    STDMETHODIMP CreateBitmapFromSource(IWICBitmapSource *, WICBitmapCreateCacheOption,
+                                        IWICBitmap **) noexcept override
     {
         return E_NOTIMPL;
     }
-    STDMETHODIMP CreateBitmapFromSourceRect(IWICBitmapSource *, UINT, UINT, UINT, UINT, IWICBitmap **) noexcept override
+    STDMETHODIMP CreateBitmapFromSourceRect(IWICBitmapSource *, UINT, UINT, UINT, UINT,
+                                            IWICBitmap **) noexcept override
     {
         return E_NOTIMPL;
     }
-    STDMETHODIMP CreateBitmapFromMemory(UINT width, UINT height, REFWICPixelFormatGUID format, UINT stride, UINT size,
-                                        BYTE *pixels, IWICBitmap **bitmap) noexcept override;
-    STDMETHODIMP CreateBitmapFromHBITMAP(HBITMAP, HPALETTE, WICBitmapAlphaChannelOption, IWICBitmap **) noexcept override
+    STDMETHODIMP CreateBitmapFromMemory(UINT width, UINT height, REFWICPixelFormatGUID format, UINT stride,
+                                        UINT size, BYTE *pixels, IWICBitmap **bitmap) noexcept override;
+    STDMETHODIMP CreateBitmapFromHBITMAP(HBITMAP, HPALETTE, WICBitmapAlphaChannelOption,
+                                         IWICBitmap **) noexcept override
     {
         return E_NOTIMPL;
     }
     STDMETHODIMP CreateBitmapFromHICON(HICON, IWICBitmap **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP CreateComponentEnumerator(DWORD, DWORD, IEnumUnknown **) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP CreateFastMetadataEncoderFromDecoder(IWICBitmapDecoder *, IWICFastMetadataEncoder **) noexcept override
+    STDMETHODIMP CreateFastMetadataEncoderFromDecoder(IWICBitmapDecoder *,
+                                                      IWICFastMetadataEncoder **) noexcept override
     {
         return E_NOTIMPL;
     }

@@ -33,8 +33,8 @@ WideText ModulePath()
 void WriteText(const WideText &key, const WCHAR *name, const WideText &text)
 {
     RegistryKeyOwner opened;
-    ThrowIfFailed(HRESULT_FROM_WIN32(RegCreateKeyExW(HKEY_CLASSES_ROOT, key.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr,
-                                                     opened.Put(), nullptr)));
+    ThrowIfFailed(HRESULT_FROM_WIN32(RegCreateKeyExW(HKEY_CLASSES_ROOT, key.c_str(), 0, nullptr, 0, KEY_WRITE,
+                                                     nullptr, opened.Put(), nullptr)));
     ThrowIfFailed(HRESULT_FROM_WIN32(RegSetValueExW(opened.Get(), name, 0, REG_SZ,
                                                     reinterpret_cast<const BYTE *>(text.c_str()),
                                                     static_cast<DWORD>((text.size() + 1) * sizeof(WCHAR)))));

@@ -34,10 +34,11 @@ constexpr const char *LastWord = "end-of-answer.invalid";
 // end its answers with a word of ours: where that is missing, the script didn't run to its end.
 std::string WithLastWord(const std::string &script)
 {
-    return script + "\n;var halvoraAsked = FindProxyForURL;\n"
-                    "FindProxyForURL = function (url, host) {\n"
-                    "  var answer = halvoraAsked(url, host);\n"
-                    "  return (answer ? String(answer) : 'DIRECT') + '; PROXY " +
+    return script +
+           "\n;var halvoraAsked = FindProxyForURL;\n"
+           "FindProxyForURL = function (url, host) {\n"
+           "  var answer = halvoraAsked(url, host);\n"
+           "  return (answer ? String(answer) : 'DIRECT') + '; PROXY " +
            LastWord + ":1';\n};\n";
 }
 
@@ -145,7 +146,8 @@ BOOL WINAPI WinHttpGetProxyForUrl(HINTERNET session, LPCWSTR url, WINHTTP_AUTOPR
         if (found.error == 0)
         {
             info->lpszProxy = GlobalText(found.proxies);
-            info->dwAccessType = found.proxies.empty() ? WINHTTP_ACCESS_TYPE_NO_PROXY : WINHTTP_ACCESS_TYPE_NAMED_PROXY;
+            info->dwAccessType =
+                found.proxies.empty() ? WINHTTP_ACCESS_TYPE_NO_PROXY : WINHTTP_ACCESS_TYPE_NAMED_PROXY;
         }
         error = found.error;
         return S_OK;

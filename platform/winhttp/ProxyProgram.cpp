@@ -16,7 +16,7 @@ constexpr const char *Program = "/usr/bin/proxy"; // of Debian's libproxy-tools
 // Now and then a script engine crashes while its process exits, and takes along what the program had
 // not written yet: it is made to write each line at once.
 constexpr const char *Unbuffered = "/usr/bin/stdbuf";
-constexpr int ScriptFile = 3;                     // its number in the program
+constexpr int ScriptFile = 3; // its number in the program
 constexpr size_t LargestAnswer = 64 * 1024;
 
 class File

@@ -28,7 +28,8 @@ void AppendEntry(std::string &list, std::string_view entry)
 
 bool IsAddress(std::string_view text)
 {
-    return text.find_first_not_of("0123456789.") == std::string_view::npos || text.find(':') != std::string_view::npos;
+    return text.find_first_not_of("0123456789.") == std::string_view::npos ||
+           text.find(':') != std::string_view::npos;
 }
 } // namespace
 

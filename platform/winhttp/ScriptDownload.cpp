@@ -97,9 +97,9 @@ ScriptFetch DownloadScript(const std::string &url, std::chrono::milliseconds lim
     const CURLcode code = curl_easy_perform(curl);
     long status = 0;
     curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &status);
-    fetch.error = code != CURLE_OK   ? ERROR_WINHTTP_UNABLE_TO_DOWNLOAD_SCRIPT
-                  : status == 401    ? ERROR_WINHTTP_LOGIN_FAILURE
+    fetch.error = code != CURLE_OK    ? ERROR_WINHTTP_UNABLE_TO_DOWNLOAD_SCRIPT
+                  : status == 401     ? ERROR_WINHTTP_LOGIN_FAILURE
                   : status / 100 == 2 ? 0
-                                     : ERROR_WINHTTP_UNABLE_TO_DOWNLOAD_SCRIPT;
+                                      : ERROR_WINHTTP_UNABLE_TO_DOWNLOAD_SCRIPT;
     return fetch;
 }

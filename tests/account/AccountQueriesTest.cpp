@@ -61,30 +61,29 @@ TEST(QueryUploadStatus, TakesLevelAndLimitsFromTheReply)
         INT64 left;
     } cases[] = {
         {ProReply, S_OK, TEXT("Pro"), 209715200, unlimited},
-        {TEXT("<rsp stat='OK'><user ispro='1 year'><filesize maxbytes='7'/></user></rsp>"), S_OK, TEXT("Pro"),
-         7, unlimited},
+        {TEXT("<rsp stat='OK'><user ispro='1 year'><filesize maxbytes='7'/></user></rsp>"), S_OK, TEXT("Pro"), 7,
+         unlimited},
         {TEXT("<rsp stat='ok'><user ispro='1'/></rsp>"), E_FAIL, TEXT("Pro"), 1000, unlimited},
-        {TEXT(
-             "<rsp stat='ok'><user ispro='0'><filesize maxbytes='5'/><bandwidth maxbytes='300' usedbytes='100'/></user></rsp>"),
+        {TEXT("<rsp stat='ok'><user ispro='0'><filesize maxbytes='5'/><bandwidth maxbytes='300' "
+              "usedbytes='100'/></user></rsp>"),
          S_OK, TEXT("Basic"), 5, 200},
-        {TEXT(
-             "<rsp stat='ok'><user ispro=''><filesize maxbytes='5'/><bandwidth maxbytes='0' usedbytes='100'/></user></rsp>"),
+        {TEXT("<rsp stat='ok'><user ispro=''><filesize maxbytes='5'/><bandwidth maxbytes='0' "
+              "usedbytes='100'/></user></rsp>"),
          S_OK, TEXT("Basic"), 5, unlimited},
-        {TEXT(
-             "<rsp stat='ok'><user ispro='0'><filesize maxbytes='5'/><bandwidth maxbytes='100' usedbytes='100'/></user></rsp>"),
+        {TEXT("<rsp stat='ok'><user ispro='0'><filesize maxbytes='5'/><bandwidth maxbytes='100' "
+              "usedbytes='100'/></user></rsp>"),
          S_OK, TEXT("Basic"), 5, 0},
-        {TEXT(
-             "<rsp stat='ok'><user ispro='0'><filesize maxbytes='5'/><bandwidth maxbytes='100' usedbytes='101'/></user></rsp>"),
+        {TEXT("<rsp stat='ok'><user ispro='0'><filesize maxbytes='5'/><bandwidth maxbytes='100' "
+              "usedbytes='101'/></user></rsp>"),
          S_OK, TEXT("Basic"), 5, 0},
-        {TEXT(
-             "<rsp stat='ok'><user ispro='0'><filesize maxbytes=''/><bandwidth maxbytes='9223372036854775807' usedbytes='-1'/></user></rsp>"),
+        {TEXT("<rsp stat='ok'><user ispro='0'><filesize maxbytes=''/><bandwidth maxbytes='9223372036854775807' "
+              "usedbytes='-1'/></user></rsp>"),
          S_OK, TEXT("Basic"), 1000, unlimited},
-        {TEXT("<rsp stat='ok'><user ispro='0'><filesize maxbytes='5'/></user></rsp>"), E_FAIL, TEXT("Basic"),
-         5, 500},
-        {TEXT("<rsp stat='ok'><user ispro='0'><bandwidth maxbytes='300' usedbytes='100'/></user></rsp>"),
-         E_FAIL, TEXT("Basic"), 1000, 500},
-        {TEXT("<rsp stat='ok'><user><filesize maxbytes='5'/></user></rsp>"), E_FAIL, TEXT("Basic"), 1000,
+        {TEXT("<rsp stat='ok'><user ispro='0'><filesize maxbytes='5'/></user></rsp>"), E_FAIL, TEXT("Basic"), 5,
          500},
+        {TEXT("<rsp stat='ok'><user ispro='0'><bandwidth maxbytes='300' usedbytes='100'/></user></rsp>"), E_FAIL,
+         TEXT("Basic"), 1000, 500},
+        {TEXT("<rsp stat='ok'><user><filesize maxbytes='5'/></user></rsp>"), E_FAIL, TEXT("Basic"), 1000, 500},
         {TEXT("<rsp stat='fail'><user ispro='1'/></rsp>"), E_FAIL, TEXT("Basic"), 1000, 500},
         {TEXT("<rsp stat=''/>"), E_FAIL, TEXT("Basic"), 1000, 500},
         {TEXT("<rsp/>"), E_FAIL, TEXT("Basic"), 1000, 500},
@@ -157,8 +156,7 @@ TEST(RefreshAccount, ReadsNamesAddressAndLimitsInThisOrder)
         EXPECT_EQ(MethodsAsked(web), (std::vector<WideText>{TEXT("method=flickr.auth.oauth.checkToken"),
                                                             TEXT("method=flickr.urls.getUserPhotos"),
                                                             TEXT("method=flickr.people.getUploadStatus")}));
-        EXPECT_EQ(web.CallsOf("Create IOAuthWebClient").size(), 2u)
-            << "one for the names, one for the limits";
+        EXPECT_EQ(web.CallsOf("Create IOAuthWebClient").size(), 2u) << "one for the names, one for the limits";
     }
     EXPECT_EQ(ModuleLocks::Read(), before);
 }

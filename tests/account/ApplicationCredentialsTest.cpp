@@ -33,8 +33,7 @@ void NoteFreed(const void *buffer)
     if (buffer != nullptr && buffer == watched)
     {
         const unsigned char *bytes = watched;
-        const bool wiped =
-            std::all_of(bytes, bytes + watchedLength, [](unsigned char byte) { return byte == 0; });
+        const bool wiped = std::all_of(bytes, bytes + watchedLength, [](unsigned char byte) { return byte == 0; });
         ++(wiped ? freedWiped : freedPlain);
         watched = nullptr;
     }
@@ -134,8 +133,7 @@ TEST(ApplicationCredentials, EachByteGoesUnderItsPartOfTheMask)
         {3, {0xEF, 0xF7, 0x7B}},
         {4, {0xEF, 0xCD, 0xAB, 0x89}},
         {7, {0xEF, 0xCD, 0xAB, 0x89, 0xDE, 0x6F, 0x37}},
-        {16,
-         {0xEF, 0xCD, 0xAB, 0x89, 0xEF, 0xCD, 0xAB, 0x89, 0xEF, 0xCD, 0xAB, 0x89, 0xEF, 0xCD, 0xAB, 0x89}},
+        {16, {0xEF, 0xCD, 0xAB, 0x89, 0xEF, 0xCD, 0xAB, 0x89, 0xEF, 0xCD, 0xAB, 0x89, 0xEF, 0xCD, 0xAB, 0x89}},
     };
     for (const auto &[length, plain] : cases)
     {

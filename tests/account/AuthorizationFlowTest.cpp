@@ -144,7 +144,8 @@ std::vector<std::string> ExpectedErrors(Message message, HRESULT code)
         return {"Authorization Error: Could not connect to the Flickr authorization server. " +
                 Narrow(FormatErrorText(code))};
     case Message::AccountUnreadable:
-        return {"An error occurred while talking to Flickr: Unknown reply format. Cannot understand server anwser."};
+        return {
+            "An error occurred while talking to Flickr: Unknown reply format. Cannot understand server anwser."};
     default:
         return {};
     }
@@ -164,8 +165,8 @@ TEST(AuthorizationFlow, EndsAsEachOutcomeOfItsStepsSays)
         {"all is well", [](World &) {}, S_OK, Pair::New, Message::None},
         {"consent refused", [](World &w) { w.Scene.ConsentOutcome = IDCANCEL; }, S_FALSE, Pair::Unchanged,
          Message::None},
-        {"any other button goes on", [](World &w) { w.Scene.ConsentOutcome = w.Scene.CompletionOutcome = -1; }, S_OK,
-         Pair::New, Message::None},
+        {"any other button goes on", [](World &w) { w.Scene.ConsentOutcome = w.Scene.CompletionOutcome = -1; },
+         S_OK, Pair::New, Message::None},
         {"no parameters", [](World &w) { w.Web.FailOperation("Create IRequestParameters", NoClass); }, NoClass,
          Pair::Unchanged, Message::None},
         {"scope not taken", [](World &w) { w.Web.FailOperation("Add", E_OUTOFMEMORY); }, E_OUTOFMEMORY,
@@ -187,15 +188,16 @@ TEST(AuthorizationFlow, EndsAsEachOutcomeOfItsStepsSays)
          Message::Unreachable},
         {"send fails", [](World &w) { w.Http.SendResult = NotReached; }, NotReached, Pair::Empty,
          Message::Unreachable},
-        {"no reply", [](World &w) { w.Http.ReplyResult = E_PENDING; }, E_PENDING, Pair::Empty, Message::Unreachable},
+        {"no reply", [](World &w) { w.Http.ReplyResult = E_PENDING; }, E_PENDING, Pair::Empty,
+         Message::Unreachable},
         {"a reply without a document", [](World &w) { w.Http.Reply = nullptr; }, E_NOINTERFACE, Pair::Empty,
          Message::Unreachable},
         {"not granted in the browser", [](World &w) { w.Http.Answer(TEXT("<TRNQVerifierExchange/>")); }, E_FAIL,
          Pair::Empty, Message::Unreachable},
         {"an error page of the endpoint", [](World &w) { w.Http.Answer(TEXT("<html><body/></html>")); }, E_FAIL,
          Pair::Empty, Message::Unreachable},
-        {"verifier refused", [](World &w) { w.Web.FailOperation("GetAccessToken", E_ACCESSDENIED); }, E_ACCESSDENIED,
-         Pair::Empty, Message::Unreachable},
+        {"verifier refused", [](World &w) { w.Web.FailOperation("GetAccessToken", E_ACCESSDENIED); },
+         E_ACCESSDENIED, Pair::Empty, Message::Unreachable},
         {"account not reached",
          [](World &w) {
              w.HasAccountReplies = true;

@@ -23,17 +23,13 @@ TEST(Connectivity, IsAnsweredByThePairAloneOrByTheService)
         const WCHAR *token;
         const WCHAR *secret;
         bool withCheck;
-        const WCHAR *reply;     // null: nothing may be asked
+        const WCHAR *reply; // null: nothing may be asked
         HRESULT result;
     } cases[] = {
-        {TEXT(""), TEXT(""), false, nullptr, S_FALSE},
-        {TEXT("t"), TEXT(""), false, nullptr, S_FALSE},
-        {TEXT("t"), TEXT(""), true, nullptr, S_FALSE},
-        {TEXT("t"), TEXT("s"), false, nullptr, S_OK},
-        {TEXT("t"), TEXT("s"), true, Refused, S_FALSE},
-        {TEXT("t"), TEXT("s"), true, UsedUp, S_FALSE},
-        {TEXT("t"), TEXT("s"), true, SomeLeft, S_OK},
-        {TEXT("t"), TEXT("s"), true, Pro, S_OK},
+        {TEXT(""), TEXT(""), false, nullptr, S_FALSE},  {TEXT("t"), TEXT(""), false, nullptr, S_FALSE},
+        {TEXT("t"), TEXT(""), true, nullptr, S_FALSE},  {TEXT("t"), TEXT("s"), false, nullptr, S_OK},
+        {TEXT("t"), TEXT("s"), true, Refused, S_FALSE}, {TEXT("t"), TEXT("s"), true, UsedUp, S_FALSE},
+        {TEXT("t"), TEXT("s"), true, SomeLeft, S_OK},   {TEXT("t"), TEXT("s"), true, Pro, S_OK},
     };
     for (const auto &c : cases)
     {
@@ -42,7 +38,7 @@ TEST(Connectivity, IsAnsweredByThePairAloneOrByTheService)
         AccountRecord account;
         account.OAuthToken = BstrOwner(c.token);
         account.OAuthTokenSecret = BstrOwner(c.secret);
-        account.AccountRefreshed = true;    // and nothing left, which the cheap form doesn't look at
+        account.AccountRefreshed = true; // and nothing left, which the cheap form doesn't look at
         if (c.reply != nullptr)
         {
             web.Answer(c.reply);

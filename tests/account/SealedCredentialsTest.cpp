@@ -47,8 +47,7 @@ TEST(SealedCredentials, AreNotToBeReadInTheModule)
 
     const auto look = [&](const auto &value) {
         const size_t length = std::size(value) - 1;
-        EXPECT_EQ(PartsFound(control, value, length), std::string(length / 8, 'x'))
-            << "the search is at fault";
+        EXPECT_EQ(PartsFound(control, value, length), std::string(length / 8, 'x')) << "the search is at fault";
         EXPECT_EQ(PartsFound(module, value, length), std::string(length / 8, '-'));
     };
     look(narrowKey);

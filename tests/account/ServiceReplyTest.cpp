@@ -109,8 +109,8 @@ TEST(ServiceReply, AFailureIsToldInOneLine)
          TEXT("Flickr Status = 8: 100 MB at most"), true},
         {TEXT("<rsp stat='fail'><err msg='no code'/></rsp>"), TEXT(""), false},
         {TEXT("<rsp stat='fail'/>"), TEXT(""), false},
-        {TEXT(
-             "<HttpError HttpStatus='504'><Status>Gateway Timeout</Status><Description>Try later</Description></HttpError>"),
+        {TEXT("<HttpError HttpStatus='504'><Status>Gateway Timeout</Status><Description>Try "
+              "later</Description></HttpError>"),
          TEXT("HTTP Status = 504: Gateway Timeout, Try later"), false},
         {TEXT("<HttpError HttpStatus='504'><Status>Gateway Timeout</Status></HttpError>"),
          TEXT("HTTP Status = 504: Gateway Timeout"), false},

@@ -44,7 +44,8 @@ TEST(VerifierUrl, HoldsTheRequestTokenOfThePage)
     {
         EXPECT_EQ(Narrow(VerifierUrl(page).View()), endpoint + "/?" + query);
     }
-    for (const WCHAR *const page : {TEXT(""), TEXT("http://h/a?OAuth_Token=rt"), TEXT("http://h/a?oauth_tokens=rt")})
+    for (const WCHAR *const page :
+         {TEXT(""), TEXT("http://h/a?OAuth_Token=rt"), TEXT("http://h/a?oauth_tokens=rt")})
     {
         EXPECT_THROW(VerifierUrl(page), HresultError) << Narrow(page);
     }
@@ -78,7 +79,8 @@ TEST(VerifierExchange, SendsOneRequestByTheProxyThatWasFound)
              ADD_FAILURE() << "no proxy is looked for that can't be set";
              return 0;
          },
-         REGDB_E_CLASSNOTREG, {"create server", "create plain", url, "send", "read reply"}},
+         REGDB_E_CLASSNOTREG,
+         {"create server", "create plain", url, "send", "read reply"}},
     };
     for (const auto &c : cases)
     {

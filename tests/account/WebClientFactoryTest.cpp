@@ -34,9 +34,8 @@ TEST(WebClientFactory, SetsUpAClientOfItsOwnForEachUse)
     const auto other = CreateWebClient(AccountRecord(), VersionBlock());
     ASSERT_TRUE(client && other);
     EXPECT_NE(client.Get(), other.Get());
-    EXPECT_EQ(web.Operations(),
-              (std::vector<std::string>{"Create IOAuthWebClient", "SetService", "SetAccessToken",
-                                        "Create IOAuthWebClient", "SetService"}));
+    EXPECT_EQ(web.Operations(), (std::vector<std::string>{"Create IOAuthWebClient", "SetService", "SetAccessToken",
+                                                          "Create IOAuthWebClient", "SetService"}));
     const std::vector<WideText> service = {TEXT("Halvora/1.96.0.401"),
                                            ServiceHosts::RestEndpoint,
                                            TEXT("HMAC-SHA1"),

@@ -73,8 +73,7 @@ TEST(NumberFormat, RefusesWhatItCannotFormat)
     {
         NumberKind kind;
         INT32 decimals;
-    } refused[] = {
-        {NUMBER_DOUBLE, 31}, {NUMBER_DOUBLE, -2}, {NUMBER_SIGNED, 31}, {static_cast<NumberKind>(3), 0}};
+    } refused[] = {{NUMBER_DOUBLE, 31}, {NUMBER_DOUBLE, -2}, {NUMBER_SIGNED, 31}, {static_cast<NumberKind>(3), 0}};
     for (const auto &[kind, decimals] : refused)
     {
         WCHAR text[64] = TEXT("before");

@@ -18,8 +18,8 @@ public:
     ClassInPlace(REFCLSID clsid, Create create)
     {
         const auto factory = Factory::Make(std::move(create));
-        ThrowIfFailed(CoRegisterClassObject(clsid, factory.Get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
-                                            &m_cookie));
+        ThrowIfFailed(
+            CoRegisterClassObject(clsid, factory.Get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &m_cookie));
     }
     ~ClassInPlace() { CoRevokeClassObject(m_cookie); }
     ClassInPlace(const ClassInPlace &) = delete;

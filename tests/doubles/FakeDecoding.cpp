@@ -96,8 +96,9 @@ public:
         if (SUCCEEDED(result))
         {
             const bool isOther = !m_prefix.empty();
-            *frame = Frame::Make(m_imaging, isOther ? "other frame" : "frame", isOther ? "Other source." : "Source.")
-                         .Detach();
+            *frame =
+                Frame::Make(m_imaging, isOther ? "other frame" : "frame", isOther ? "Other source." : "Source.")
+                    .Detach();
         }
         return result;
     }

@@ -123,11 +123,11 @@ HRESULT FakeImageMetadata::WriteImageMetadata(IWICMetadataQueryWriter *writer, I
     group("xmp", std::ranges::equal(record->XmpGroup, read.XmpGroup),
           std::ranges::all_of(record->XmpGroup, [](BYTE byte) { return byte == 0xFF; }));
     group("gps", record->GpsGroup == read.GpsGroup, record->GpsGroup == 0);
-    constexpr BYTE blankHead[16] = {255, 255, 255, 255, 0,   0,   255, 255,
-                                    255, 255, 255, 255, 255, 255, 255, 255};
+    constexpr BYTE blankHead[16] = {255, 255, 255, 255, 0, 0, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255};
     group("iptc",
-          SameTexts(record->Iptc.Texts, read.Iptc.Texts) && std::ranges::equal(record->Iptc.Head, read.Iptc.Head) &&
-              record->Iptc.Word10 == read.Iptc.Word10 && record->Iptc.Word14 == read.Iptc.Word14,
+          SameTexts(record->Iptc.Texts, read.Iptc.Texts) &&
+              std::ranges::equal(record->Iptc.Head, read.Iptc.Head) && record->Iptc.Word10 == read.Iptc.Word10 &&
+              record->Iptc.Word14 == read.Iptc.Word14,
           AllNull(record->Iptc.Texts) && std::ranges::equal(record->Iptc.Head, blankHead) &&
               record->Iptc.Word10 == 1 && record->Iptc.Word14 == 0x80000000);
     return Calls->Enter("WriteImageMetadata", line);

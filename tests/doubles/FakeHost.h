@@ -38,9 +38,9 @@ public:
 
     STDMETHODIMP ReadImageMetadata(LPCWSTR path, INT32 reserved, INT32 longEdge, IWICBitmapSource **source,
                                    INT32 flags, ItemRecord *record) noexcept override;
-    STDMETHODIMP WriteImageMetadata(IWICMetadataQueryWriter *writer, INT32 reserved, INT32 one,
-                                    ItemRecord *record, INT32 copyright, INT32 exif, INT32 xmp, INT32 gps,
-                                    INT32 iptc, INT32 anyGroup, INT32 processed) noexcept override;
+    STDMETHODIMP WriteImageMetadata(IWICMetadataQueryWriter *writer, INT32 reserved, INT32 one, ItemRecord *record,
+                                    INT32 copyright, INT32 exif, INT32 xmp, INT32 gps, INT32 iptc, INT32 anyGroup,
+                                    INT32 processed) noexcept override;
 
 private:
     void Fill(ItemRecord &record) const;
@@ -61,8 +61,8 @@ public:
     std::vector<Item> Items;
     HRESULT ListResult = S_OK;
     bool ListCanBeLocked = true;
-    ComPtr<FakeImageMetadata> Metadata;         // null: a host without a reader
-    std::function<void(size_t)> OnItem;         // called when the record of an item is asked for
+    ComPtr<FakeImageMetadata> Metadata; // null: a host without a reader
+    std::function<void(size_t)> OnItem; // called when the record of an item is asked for
 
     HRESULT QueryFurther(REFIID iid, void **object) noexcept;
 

@@ -8,15 +8,16 @@
 
 namespace
 {
-constexpr GUID otherVendor = {
-    0xA6D092A4, 0x081A, 0x4F0E, {0x93, 0x56, 0xDA, 0x16, 0x7E, 0x87, 0xD9, 0x22}};
+constexpr GUID otherVendor = {0xA6D092A4, 0x081A, 0x4F0E, {0x93, 0x56, 0xDA, 0x16, 0x7E, 0x87, 0xD9, 0x22}};
 
 // "jpeg Microsoft", "jpeg other", and "?" for what else is asked for.
 std::string NameOf(REFGUID format, const GUID *vendor)
 {
     const bool isJpeg = format == GUID_ContainerFormatJpeg;
     const bool isKnown = vendor != nullptr && (*vendor == GUID_VendorMicrosoft || *vendor == otherVendor);
-    return std::string(isJpeg ? "jpeg " : "? ") + (!isKnown ? "?" : *vendor == otherVendor ? "other" : "Microsoft");
+    return std::string(isJpeg ? "jpeg " : "? ") + (!isKnown                 ? "?"
+                                                   : *vendor == otherVendor ? "other"
+                                                                            : "Microsoft");
 }
 
 class ColorContext final : public ComObject<ColorContext, IWICColorContext>
@@ -81,9 +82,15 @@ public:
         return result;
     }
     STDMETHODIMP CreateDecoderFromFilename(LPCWSTR, const GUID *, DWORD, WICDecodeOptions,
-                                           IWICBitmapDecoder **) override { return E_NOTIMPL; }
+                                           IWICBitmapDecoder **) override
+    {
+        return E_NOTIMPL;
+    }
     STDMETHODIMP CreateDecoderFromFileHandle(ULONG_PTR, const GUID *, WICDecodeOptions,
-                                             IWICBitmapDecoder **) override { return E_NOTIMPL; }
+                                             IWICBitmapDecoder **) override
+    {
+        return E_NOTIMPL;
+    }
     STDMETHODIMP CreateComponentInfo(REFCLSID, IWICComponentInfo **) override { return E_NOTIMPL; }
     STDMETHODIMP CreatePalette(IWICPalette **) override { return E_NOTIMPL; }
     STDMETHODIMP CreateFormatConverter(IWICFormatConverter **) override { return E_NOTIMPL; }
@@ -119,10 +126,19 @@ public:
         return E_NOTIMPL;
     }
     STDMETHODIMP CreateFastMetadataEncoderFromFrameDecode(IWICBitmapFrameDecode *,
-                                                          IWICFastMetadataEncoder **) override { return E_NOTIMPL; }
-    STDMETHODIMP CreateQueryWriter(REFGUID, const GUID *, IWICMetadataQueryWriter **) override { return E_NOTIMPL; }
+                                                          IWICFastMetadataEncoder **) override
+    {
+        return E_NOTIMPL;
+    }
+    STDMETHODIMP CreateQueryWriter(REFGUID, const GUID *, IWICMetadataQueryWriter **) override
+    {
+        return E_NOTIMPL;
+    }
     STDMETHODIMP CreateQueryWriterFromReader(IWICMetadataQueryReader *, const GUID *,
-                                             IWICMetadataQueryWriter **) override { return E_NOTIMPL; }
+                                             IWICMetadataQueryWriter **) override
+    {
+        return E_NOTIMPL;
+    }
 
 private:
     FakeImaging &m_imaging;

@@ -35,8 +35,8 @@ HWND FakeProgressWindows::Create()
     description.hInstance = ThisModule();
     description.lpszClassName = className;
     RegisterClassExW(&description);
-    const HWND window = CreateWindowExW(0, className, TEXT(""), 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
-                                        ThisModule(), nullptr);
+    const HWND window =
+        CreateWindowExW(0, className, TEXT(""), 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, ThisModule(), nullptr);
     if (window == nullptr)
     {
         throw std::runtime_error("no window for the test");

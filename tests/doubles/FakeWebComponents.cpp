@@ -95,12 +95,11 @@ public:
         return m_record.Record("AddTextField", {Text(name), Text(value)});
     }
 
-    STDMETHODIMP AddFilePart(LPCWSTR name, IStream *content, LPCWSTR mimeType, LPCWSTR fileName,
-                             UINT32 reserved1, UINT32 reserved2) override
+    STDMETHODIMP AddFilePart(LPCWSTR name, IStream *content, LPCWSTR mimeType, LPCWSTR fileName, UINT32 reserved1,
+                             UINT32 reserved2) override
     {
-        const HRESULT result =
-            m_record.Record("AddFilePart", {Text(name), Present(content), Text(mimeType), Text(fileName),
-                                            Text(reserved1), Text(reserved2)});
+        const HRESULT result = m_record.Record("AddFilePart", {Text(name), Present(content), Text(mimeType),
+                                                               Text(fileName), Text(reserved1), Text(reserved2)});
         if (SUCCEEDED(result) && content != nullptr)
         {
             m_record.FileParts.push_back(ReadAll(content, SIZE_MAX));
@@ -152,9 +151,9 @@ public:
                             UINT32 flags) override
     {
         return m_record.Record("SetService",
-                               {Text(userAgent), Text(restEndpoint), Text(signatureMethod),
-                                Text(applicationKey), Text(applicationSecret), Text(requestTokenUrl),
-                                Text(authorizeUrl), Text(accessTokenUrl), Text(callbackUrl), Text(flags)});
+                               {Text(userAgent), Text(restEndpoint), Text(signatureMethod), Text(applicationKey),
+                                Text(applicationSecret), Text(requestTokenUrl), Text(authorizeUrl),
+                                Text(accessTokenUrl), Text(callbackUrl), Text(flags)});
     }
 
     STDMETHODIMP GetAuthorizationUrl(UINT32 flags, IRequestParameters *parameters, BSTR *url) override
@@ -203,10 +202,10 @@ public:
                                IUnknown **reply) override
     {
         *reply = nullptr;
-        HRESULT result = m_record.Record(
-            "UploadRequest", {Text(url), Text(resource), Text(method), FakeParameters::List(headers),
-                              FakeParameters::List(query), FakeParameters::List(fields), Present(body),
-                              Text(bodyLength), Present(callback), Text(flags)});
+        HRESULT result = m_record.Record("UploadRequest",
+                                         {Text(url), Text(resource), Text(method), FakeParameters::List(headers),
+                                          FakeParameters::List(query), FakeParameters::List(fields), Present(body),
+                                          Text(bodyLength), Present(callback), Text(flags)});
         if (FAILED(result))
         {
             return result;

@@ -47,8 +47,8 @@ public:
     void FailOperation(const std::string &operation, HRESULT code, size_t nth = 1);
 
     // Answers of RestRequest and UploadRequest, in order. A request without one fails the test.
-    void Answer(WideView xml);                              // S_OK and a document
-    void AnswerWith(HRESULT result, ComPtr<IUnknown> reply);   // the reply may be null
+    void Answer(WideView xml);                               // S_OK and a document
+    void AnswerWith(HRESULT result, ComPtr<IUnknown> reply); // the reply may be null
 
     // Called within UploadRequest, with the callback and the body's length; a failure ends the request with
     // it. Unless it is set, one report tells of the whole body.

@@ -66,10 +66,7 @@ public:
     STDMETHODIMP put_onreadystatechange(IDispatch *) noexcept override { return Unexpected(); }
     STDMETHODIMP GetTypeInfoCount(UINT *) noexcept override { return Unexpected(); }
     STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo **) noexcept override { return Unexpected(); }
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR *, UINT, LCID, DISPID *) noexcept override
-    {
-        return Unexpected();
-    }
+    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR *, UINT, LCID, DISPID *) noexcept override { return Unexpected(); }
     STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS *, VARIANT *, EXCEPINFO *, UINT *) noexcept override
     {
         return Unexpected();

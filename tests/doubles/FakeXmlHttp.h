@@ -18,13 +18,13 @@ public:
     FakeXmlHttp(const FakeXmlHttp &) = delete;
     FakeXmlHttp &operator=(const FakeXmlHttp &) = delete;
 
-    HRESULT ServerCreation = S_OK;      // of the class that takes a proxy
-    HRESULT PlainCreation = S_OK;       // of the other
+    HRESULT ServerCreation = S_OK; // of the class that takes a proxy
+    HRESULT PlainCreation = S_OK;  // of the other
     HRESULT OpenResult = S_OK;
     HRESULT ProxyResult = S_OK;
     HRESULT SendResult = S_OK;
     HRESULT ReplyResult = S_OK;
-    ComPtr<IDispatch> Reply;            // what responseXML gives, which may be null
+    ComPtr<IDispatch> Reply; // what responseXML gives, which may be null
 
     void Answer(WideView xml);
     CallRecord &Record() const { return m_record; }

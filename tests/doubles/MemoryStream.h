@@ -17,9 +17,9 @@ public:
     // The call of that number, counted from 1 over all operations, fails with code and does nothing.
     void FailCall(size_t number, HRESULT code);
 
-    std::string Content;                // the bytes
+    std::string Content; // the bytes
     size_t Position = 0;
-    std::vector<std::string> Calls;     // "Read 4", "Write 33", "Seek", "SetSize 0", ...
+    std::vector<std::string> Calls; // "Read 4", "Write 33", "Seek", "SetSize 0", ...
 
     STDMETHODIMP Read(void *target, ULONG length, ULONG *done) override;
     STDMETHODIMP Write(const void *source, ULONG length, ULONG *done) override;

@@ -27,8 +27,8 @@ SettingsKey::SettingsKey()
     UsePrivateRegistryStore();
     RemoveKey();
     RegistryKeyOwner key;
-    const LONG result = RegCreateKeyExW(HKEY_CURRENT_USER, SettingsKeyPath, 0, nullptr, 0, KEY_WRITE, nullptr,
-                                        key.Put(), nullptr);
+    const LONG result =
+        RegCreateKeyExW(HKEY_CURRENT_USER, SettingsKeyPath, 0, nullptr, 0, KEY_WRITE, nullptr, key.Put(), nullptr);
     EXPECT_EQ(result, ERROR_SUCCESS);
 }
 
@@ -52,8 +52,7 @@ void SettingsKey::Set(const WCHAR *name, const WCHAR *text)
 void SettingsKey::SetBytes(const WCHAR *name, DWORD type, const std::vector<BYTE> &bytes)
 {
     const RegistryKeyOwner key = OpenForWriting();
-    const LONG result =
-        RegSetValueExW(key.Get(), name, 0, type, bytes.data(), static_cast<DWORD>(bytes.size()));
+    const LONG result = RegSetValueExW(key.Get(), name, 0, type, bytes.data(), static_cast<DWORD>(bytes.size()));
     EXPECT_EQ(result, ERROR_SUCCESS);
 }
 

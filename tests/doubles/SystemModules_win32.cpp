@@ -1,10 +1,6 @@
 #include "tests/doubles/SystemModules.h"
 
-void RegisterSystemModules()
-{
-}
+void RegisterSystemModules() {}
 
 // The prefix of the build folder is private already.
-void UsePrivateRegistryStore()
-{
-}
+void UsePrivateRegistryStore() {}

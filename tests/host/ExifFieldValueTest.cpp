@@ -40,7 +40,7 @@ TEST(ExifFieldValue, EveryTypeComesBackAsItWent)
 TEST(ExifFieldValue, WhatIsNoFieldHasNoValue)
 {
     const ExifField fields[] = {
-        {ExifField::Directory::Exif, 1, 5, {1, 2, 3, 4}},   // half of a rational
+        {ExifField::Directory::Exif, 1, 5, {1, 2, 3, 4}}, // half of a rational
         {ExifField::Directory::Exif, 1, 3, {}},
         {ExifField::Directory::Exif, 1, 13, {1, 2, 3, 4}},
         {ExifField::Directory::Exif, 1, 0, {1}},

@@ -23,7 +23,8 @@ struct LargeNumber
     UINT64 value;
 };
 using Bytes = std::vector<BYTE>;
-using Value = std::variant<WideText, std::string, std::vector<std::string>, UINT16, LargeNumber, Bytes, ComPtr<Block>>;
+using Value =
+    std::variant<WideText, std::string, std::vector<std::string>, UINT16, LargeNumber, Bytes, ComPtr<Block>>;
 
 template <class T>
 T *TaskCopy(const T *data, size_t count)
@@ -115,7 +116,8 @@ ImageTexts TextsOf(Values values)
 TEST(FrameMetadata, AlternativesAndListsAreBlocksOfTheirOwn)
 {
     const ImageTexts texts = TextsOf({
-        {TEXT("/xmp/dc:title"), Block::Make(Values{{TEXT("/x-default"), TEXT("Titel")}, {TEXT("/en"), TEXT("title")}})},
+        {TEXT("/xmp/dc:title"),
+         Block::Make(Values{{TEXT("/x-default"), TEXT("Titel")}, {TEXT("/en"), TEXT("title")}})},
         {TEXT("/xmp/dc:subject"),
          Block::Make(Values{
              {TEXT("/{ulong=0}"), TEXT("a")}, {TEXT("/{ulong=1}"), TEXT("")}, {TEXT("/{ulong=2}"), TEXT("b")}})},

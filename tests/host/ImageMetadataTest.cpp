@@ -154,9 +154,8 @@ TEST_F(ImageMetadata, UserCommentsAreReadInTheirNamedCharsetAndAnyByteOrder)
                           {"ASCII"s, u""}};
     for (const Case &c : cases)
     {
-        const ImageTexts texts = Read([&](Exiv2::Image &image) {
-            SetExif(image, "Exif.Photo.UserComment", Exiv2::undefined, c.bytes);
-        });
+        const ImageTexts texts = Read(
+            [&](Exiv2::Image &image) { SetExif(image, "Exif.Photo.UserComment", Exiv2::undefined, c.bytes); });
         EXPECT_EQ(texts.comment, c.expected) << c.bytes;
     }
 }
@@ -230,7 +229,8 @@ TEST_F(ImageMetadata, NoDamageBreaksTheReader)
 
 TEST_F(ImageMetadata, AHugeFileIsNotLoaded)
 {
-    const fs::path file = Make([](Exiv2::Image &image) { SetIptc(image, "Iptc.Application2.ObjectName", "huge"); });
+    const fs::path file =
+        Make([](Exiv2::Image &image) { SetIptc(image, "Iptc.Application2.ObjectName", "huge"); });
     fs::resize_file(file, 1500u << 20);
     const long before = PeakMemory();
     ImageTexts texts;

@@ -8,7 +8,8 @@ using testing::ElementsAre;
 
 TEST(ImageTexts, KeywordsStayWhatTheyAreInTheJoinedList)
 {
-    EXPECT_EQ(JoinKeywords({TEXT("sea"), TEXT(" New York "), TEXT(""), TEXT("a;b"), TEXT("  ")}), TEXT("sea;New York;a,b"));
+    EXPECT_EQ(JoinKeywords({TEXT("sea"), TEXT(" New York "), TEXT(""), TEXT("a;b"), TEXT("  ")}),
+              TEXT("sea;New York;a,b"));
     EXPECT_EQ(JoinKeywords({}), TEXT(""));
     EXPECT_THAT(SplitKeywords(TEXT("; a ;b c;;")), ElementsAre(TEXT("a"), TEXT("b c")));
 }

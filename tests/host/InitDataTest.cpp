@@ -20,9 +20,14 @@ AccountData SomeAccount()
 
 TEST(InitData, HasTheBytesThatThePluginReads)
 {
-    EXPECT_EQ(ComposeInitData(SomeAccount()),
-              "\x01" "\x08\0\0\0t\0o\0k\0\0\0" "\x04\0\0\0s\0\0\0" "\0\0\0\0" "\x02\0\0\0\0\0" "\0\0\0\0"
-              "\x08\0\0\0P\0r\0o\0\0\0" "\x08\x07\x06\x05\x04\x03\x02\x01"s);
+    EXPECT_EQ(ComposeInitData(SomeAccount()), "\x01"
+                                              "\x08\0\0\0t\0o\0k\0\0\0"
+                                              "\x04\0\0\0s\0\0\0"
+                                              "\0\0\0\0"
+                                              "\x02\0\0\0\0\0"
+                                              "\0\0\0\0"
+                                              "\x08\0\0\0P\0r\0o\0\0\0"
+                                              "\x08\x07\x06\x05\x04\x03\x02\x01"s);
     EXPECT_EQ(ComposeInitData(AccountData()).size(), 33u);
 }
 

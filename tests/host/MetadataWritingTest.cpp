@@ -37,7 +37,8 @@ enum Group
 const char *const TAGS =
     "-IFD0:Artist='secretcopy Artist' -IFD0:Copyright='secretcopy Owner' -ExifIFD:UserComment='secretcopy note' "
     "-XMP-dc:Creator='secretcopy Artist' -XMP-dc:Rights='secretcopy Owner' -IPTC:By-line='secretcopy Artist' "
-    "-IPTC:CopyrightNotice='secretcopy Owner' -XMP-photoshop:Credit='secretcopy Agency' -Comment='secretcopy said' "
+    "-IPTC:CopyrightNotice='secretcopy Owner' -XMP-photoshop:Credit='secretcopy Agency' -Comment='secretcopy "
+    "said' "
     "-IFD0:XPAuthor='secretcopy Artist' -ExifIFD:OwnerName='secretcopy Owner' "
     "-IFD0:Make=secretexif -IFD0:Model=secretexif -ExifIFD:LensModel='secretexif lens' -ExifIFD:FNumber=4 "
     "-ExifIFD:DateTimeOriginal='2024:05:06 07:08:09' -ExifIFD:ISO=200 "
@@ -102,8 +103,9 @@ protected:
 
     void Read(ItemRecordOwner &record)
     {
-        ASSERT_EQ(m_host->ReadImageMetadata(TextOfPath(m_file).c_str(), 0, 0, nullptr, READ_METADATA_ONLY, record.Get()),
-                  S_OK);
+        ASSERT_EQ(
+            m_host->ReadImageMetadata(TextOfPath(m_file).c_str(), 0, 0, nullptr, READ_METADATA_ONLY, record.Get()),
+            S_OK);
         record.Get()->Widths[0] = record.Get()->Widths[1] = 64;
         record.Get()->Heights[0] = record.Get()->Heights[1] = 48;
     }
@@ -140,10 +142,8 @@ protected:
     std::filesystem::path m_file;
     RunRecord m_record{ItemCollection()};
     std::vector<std::string> m_log;
-    ComPtr<PublishingHost> m_host =
-        PublishingHost::Make(m_record, [this](int, const std::string &, const std::string &message) {
-            m_log.push_back(message);
-        });
+    ComPtr<PublishingHost> m_host = PublishingHost::Make(
+        m_record, [this](int, const std::string &, const std::string &message) { m_log.push_back(message); });
 };
 
 struct Trace
@@ -268,7 +268,10 @@ TEST_F(MetadataWriting, APlaceToldInXmpAloneBelongsToGps)
 TEST_F(MetadataWriting, SegmentsOfMakersGoWithAllGroupsOrNotAtAll)
 {
     std::string bytes = m_folder.Read("source.jpg");
-    bytes.insert(2, "\xFF\xEC\0\x10" "Ducky secretpl"s + "\xFF\xEA\0\x0C" "secretmore"s);
+    bytes.insert(2, "\xFF\xEC\0\x10"
+                    "Ducky secretpl"s +
+                        "\xFF\xEA\0\x0C"
+                        "secretmore"s);
     m_folder.Write("source.jpg", bytes);
     EXPECT_TRUE(Holds(Make(All, false), "secretmore"));
     for (const int on : {0, All - Gps, All - Copyright})
@@ -307,7 +310,9 @@ TEST_F(MetadataWriting, AnOldRecordWritesNothingOfAnotherPicture)
     Octets result;
     Rewriting rewriting;
     rewriting.CopyBlocks = false;
-    rewriting.Edit = [&](IWICMetadataQueryWriter *writer) { EXPECT_EQ(Write(writer, *old.Get(), All, true), S_OK); };
+    rewriting.Edit = [&](IWICMetadataQueryWriter *writer) {
+        EXPECT_EQ(Write(writer, *old.Get(), All, true), S_OK);
+    };
     ASSERT_EQ(Rewrite(Octets(bytes.begin(), bytes.end()), rewriting, result), S_OK);
     EXPECT_FALSE(Holds(result, "newer"));
     EXPECT_FALSE(Holds(result, "secretexif"));
@@ -332,7 +337,8 @@ TEST_F(MetadataWriting, APictureComesWithItsRecord)
     m_folder.Write("cut.jpg", whole.substr(0, whole.size() - 300));
     const WideText cut = TextOfPath(m_folder.Path() / "cut.jpg");
     ItemRecordOwner other;
-    EXPECT_LT(m_host->ReadImageMetadata(cut.c_str(), 0, 32, source.Put(), READ_METADATA_AND_PICTURE, other.Get()), 0);
+    EXPECT_LT(m_host->ReadImageMetadata(cut.c_str(), 0, 32, source.Put(), READ_METADATA_AND_PICTURE, other.Get()),
+              0);
     EXPECT_FALSE(source);
     EXPECT_THAT(m_log, Contains(HasSubstr("cut.jpg is ")));
     EXPECT_EQ(other.Get()->CopyrightTexts[1], nullptr);

@@ -46,8 +46,8 @@ TEST_F(PictureDecoding, EveryOrientationComesUpright)
 
 TEST_F(PictureDecoding, AlphaLiesOnWhite)
 {
-    ExpectQuarters(DecodePicture(Sample("clear.png", 16, 16, {.alpha = true}), 0, nullptr), {WHITE, WHITE, WHITE, WHITE},
-                   0);
+    ExpectQuarters(DecodePicture(Sample("clear.png", 16, 16, {.alpha = true}), 0, nullptr),
+                   {WHITE, WHITE, WHITE, WHITE}, 0);
 }
 
 TEST_F(PictureDecoding, TheLongEdgeIsKeptAndNothingIsEnlarged)

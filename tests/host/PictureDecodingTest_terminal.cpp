@@ -61,7 +61,8 @@ TEST_F(PictureDecoding, ColoursAreConvertedFromTheFilesProfile)
         ExpectQuarters(DecodePicture(file, 0, nullptr), {GREEN, RED, BLUE, WHITE}, 3);
         ExpectQuarters(DecodePicture(file, 32, nullptr), {GREEN, RED, BLUE, WHITE}, 3);
     }
-    const fs::path jpeg = Sample("exchanged.jpg", 64, 64, {.saver = "[Q=100,subsample-mode=off]", .profile = exchanged});
+    const fs::path jpeg =
+        Sample("exchanged.jpg", 64, 64, {.saver = "[Q=100,subsample-mode=off]", .profile = exchanged});
     ExpectQuarters(DecodePicture(jpeg, 16, nullptr), {GREEN, RED, BLUE, WHITE}, 4);
 }
 

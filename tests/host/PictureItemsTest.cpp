@@ -25,8 +25,8 @@ TEST_F(PictureItems, FilesThatDifferOnlyInExtensionAreOneItemInTheOrderGiven)
 
 TEST_F(PictureItems, AWalkIsInNaturalOrderAndLeavesOutWhatIsHiddenOrNoPicture)
 {
-    for (const char *name : {"p/img10.jpg", "p/img2.jpg", "p/IMG1.jpg", "p/img2.xmp", "p/notes.txt", "p/.secret.jpg",
-                             "p/.thumbs/t.jpg", "p/deep/er/x.gif"})
+    for (const char *name : {"p/img10.jpg", "p/img2.jpg", "p/IMG1.jpg", "p/img2.xmp", "p/notes.txt",
+                             "p/.secret.jpg", "p/.thumbs/t.jpg", "p/deep/er/x.gif"})
     {
         m_folder.Write(name, "x");
     }

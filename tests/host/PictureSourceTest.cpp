@@ -21,8 +21,8 @@ TEST(PictureSourceTest, GivesPartsAndRefusesWhatLiesOutside)
     EXPECT_THAT(buffer, testing::ElementsAre(4, 5, 6, 7, 8, 9, 0, 0, 13, 14, 15, 16, 17, 18, 0, 0));
     EXPECT_EQ(source->CopyPixels(&part, 8, 13, buffer), WINCODEC_ERR_INSUFFICIENTBUFFER);
     EXPECT_EQ(source->CopyPixels(&part, 5, sizeof(buffer), buffer), E_INVALIDARG);
-    for (const WICRect &outside : {WICRect{2, 0, 2, 1}, WICRect{0, 1, 1, 2}, WICRect{-1, 0, 1, 1}, WICRect{0, 0, 0, 1},
-                                   WICRect{3, 0, 0x7FFFFFFF, 1}})
+    for (const WICRect &outside : {WICRect{2, 0, 2, 1}, WICRect{0, 1, 1, 2}, WICRect{-1, 0, 1, 1},
+                                   WICRect{0, 0, 0, 1}, WICRect{3, 0, 0x7FFFFFFF, 1}})
     {
         EXPECT_EQ(source->CopyPixels(&outside, 64, sizeof(buffer), buffer), E_INVALIDARG);
     }

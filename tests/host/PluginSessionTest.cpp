@@ -14,8 +14,8 @@ namespace
 // What the plug-in of a test does, and what it met.
 struct Script
 {
-    std::string refused;    // content that Initialize fails with
-    std::string gives;      // written at Terminate
+    std::string refused; // content that Initialize fails with
+    std::string gives;   // written at Terminate
     HRESULT ending = S_OK;
     std::vector<std::string> got;
 };
@@ -109,7 +109,8 @@ TEST_F(PluginSessionTest, RefusedDataIsSetAsideAndThePluginGetsNone)
     m_store.Load();
     m_script.refused = refused;
     m_script.gives = ComposeInitData(AccountData());
-    EXPECT_EQ(PluginSession(nullptr, m_store).Finish(), StoreOutcome::Unchanged) << "an account that was never set";
+    EXPECT_EQ(PluginSession(nullptr, m_store).Finish(), StoreOutcome::Unchanged)
+        << "an account that was never set";
     EXPECT_THAT(m_script.got, testing::ElementsAre(refused, ""));
     EXPECT_EQ(m_folder.Read("profile/init-data.bin.damaged-1"), refused);
     EXPECT_FALSE(std::filesystem::exists(m_profile.InitDataFile()));

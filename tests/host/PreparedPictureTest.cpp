@@ -51,7 +51,8 @@ protected:
     {
         ItemTexts texts;
         const auto path = TextOfPath(m_folder.Path() / name);
-        const auto picture = PrepareJpeg(m_host.Get(), path.c_str(), TEXT("upload"), options, [](DWORD) {}, texts);
+        const auto picture = PrepareJpeg(
+            m_host.Get(), path.c_str(), TEXT("upload"), options, [](DWORD) {}, texts);
         return BytesOf(picture.Get());
     }
 

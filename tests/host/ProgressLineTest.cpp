@@ -44,8 +44,8 @@ TEST(ProgressLine, APositionOutsideOfTheRangeIsHeldInIt)
 
 TEST(ProgressLine, NeverReachesTheLastColumnWhateverTheWidth)
 {
-    const std::string statuses[] = {"Published 12 of 40 items. Estimated time left: 3 minutes.", "漢字漢字漢字漢字漢字漢字漢字漢字",
-                                    "é\xCC\x81 e\xCC\x81 📷📷📷 x", ""};
+    const std::string statuses[] = {"Published 12 of 40 items. Estimated time left: 3 minutes.",
+                                    "漢字漢字漢字漢字漢字漢字漢字漢字", "é\xCC\x81 e\xCC\x81 📷📷📷 x", ""};
     for (const std::string &status : statuses)
     {
         for (size_t columns = 0; columns < 120; ++columns)

@@ -45,8 +45,8 @@ protected:
 
     RunRecord m_record{TwoItems()};
     std::vector<std::string> m_log;
-    ComPtr<PublishingHost> m_host = PublishingHost::Make(
-        m_record, [this](int level, const std::string &source, const std::string &message) {
+    ComPtr<PublishingHost> m_host =
+        PublishingHost::Make(m_record, [this](int level, const std::string &source, const std::string &message) {
             m_log.push_back(std::to_string(level) + " " + source + ": " + message);
         });
 };
@@ -118,7 +118,8 @@ TEST_F(PublishingHostTest, MetadataThatCanNotBeReadFailInCodes)
     EXPECT_EQ(m_host->ReadImageMetadata(nullptr, 0, 0, nullptr, READ_METADATA_ONLY, &record), E_INVALIDARG);
     EXPECT_EQ(m_host->ReadImageMetadata(strange.c_str(), 0, 0, &source, READ_METADATA_AND_PICTURE, &record),
               HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
-    EXPECT_EQ(m_host->ReadImageMetadata(strange.c_str(), 0, 0, nullptr, READ_METADATA_AND_PICTURE, &record), E_INVALIDARG);
+    EXPECT_EQ(m_host->ReadImageMetadata(strange.c_str(), 0, 0, nullptr, READ_METADATA_AND_PICTURE, &record),
+              E_INVALIDARG);
     EXPECT_EQ(record.Iptc.Texts[IPTC_TEXT_CAPTION], nullptr);
 }
 

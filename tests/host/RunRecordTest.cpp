@@ -48,7 +48,8 @@ TEST(RunRecord, ErrorsBelongToTheItemThatIsRunning)
     record.ItemBegins(0);
     record.ItemBegins(1);
     record.NoteEntry(2, "a warning is no failure");
-    record.NoteEntry(3, "Could not publish \"/p/1.jpg\" (Error code: 0x80004005) HTTP Status = 504: Gateway Timeout");
+    record.NoteEntry(3,
+                     "Could not publish \"/p/1.jpg\" (Error code: 0x80004005) HTTP Status = 504: Gateway Timeout");
     record.ItemBegins(2);
     record.RunEnds();
     const RunSummary summary = record.Summarize(false, Words);
@@ -105,7 +106,8 @@ TEST(RunRecord, TheCodeSpeaksWhereTheServiceDidNot)
 {
     const std::string start = "Could not publish \"/p/(0x80070005) x.jpg\" (Error code: ";
     EXPECT_EQ(ReasonOfEntry(start + "0x80070005) ", Words), "Access is denied. (0x80070005)");
-    EXPECT_EQ(ReasonOfEntry(start + "0x80070005) (internal: invalid argument)", Words), "Access is denied. (0x80070005)");
+    EXPECT_EQ(ReasonOfEntry(start + "0x80070005) (internal: invalid argument)", Words),
+              "Access is denied. (0x80070005)");
     EXPECT_EQ(ReasonOfEntry(start + "0x80004001) ", Words), "error (0x80004001)");
     EXPECT_EQ(ReasonOfEntry(start + "0x80004005) why not", Words), "why not");
     EXPECT_EQ(ReasonOfEntry("no code", Words), "no code");

@@ -106,7 +106,8 @@ private:
 // Rows of red and green alternate with rows of green and blue.
 std::string Mosaic(unsigned width, unsigned height)
 {
-    constexpr bool lit[4][3] = {{true, false, false}, {false, true, false}, {false, false, true}, {true, true, true}};
+    constexpr bool lit[4][3] = {
+        {true, false, false}, {false, true, false}, {false, false, true}, {true, true, true}};
     std::string pixels;
     for (unsigned y = 0; y < height; ++y)
     {
@@ -132,7 +133,7 @@ std::string MakeDng(unsigned width, unsigned height, unsigned short orientation)
     main.SetLong(257, height);
     main.Shorts(258, {16});
     main.Shorts(259, {1});
-    main.Shorts(262, {32803});      // a mosaic
+    main.Shorts(262, {32803}); // a mosaic
     main.Text(271, "Halvora");
     main.Text(272, "Sample One");
     main.SetLong(273, 0);
@@ -149,7 +150,7 @@ std::string MakeDng(unsigned width, unsigned height, unsigned short orientation)
     // From XYZ to linear sRGB, which is the sensor's: IEC 61966-2-1.
     main.Fractions(50721, SignedRational, {32406, -15372, -4986, -9689, 18758, 415, 557, -2040, 10570});
     main.Fractions(50728, Rational, {10000, 10000, 10000});
-    main.Shorts(50778, {21});       // seen in daylight of 6500 K
+    main.Shorts(50778, {21}); // seen in daylight of 6500 K
 
     constexpr uint32_t mainAt = 8;
     const uint32_t gpsAt = mainAt + main.Size();

@@ -19,12 +19,12 @@ struct Rgb
 
 struct PictureOptions
 {
-    std::string saver;              // options behind the file's name, as "[Q=95]"
-    int orientation = 0;            // 0 for none
-    double dpi = 0;                 // 0 for none
-    std::string profile;            // a built-in profile's name or a file
-    std::string interpretation;     // "cmyk", "rgb16", "b-w" convert; empty leaves sRGB
-    bool alpha = false;             // an alpha channel, 0 everywhere
+    std::string saver;          // options behind the file's name, as "[Q=95]"
+    int orientation = 0;        // 0 for none
+    double dpi = 0;             // 0 for none
+    std::string profile;        // a built-in profile's name or a file
+    std::string interpretation; // "cmyk", "rgb16", "b-w" convert; empty leaves sRGB
+    bool alpha = false;         // an alpha channel, 0 everywhere
 };
 
 // Four quarters: red, green above, blue, white below.

@@ -28,11 +28,12 @@ void MakeSample(const std::filesystem::path &file, int width, int height, const 
     StartLibrary();
     const int left = width / 2;
     const int top = height / 2;
-    VImage image = Flat(left, top, {255, 0, 0})
-                       .join(Flat(width - left, top, {0, 255, 0}), VIPS_DIRECTION_HORIZONTAL)
-                       .join(Flat(left, height - top, {0, 0, 255})
-                                 .join(Flat(width - left, height - top, {255, 255, 255}), VIPS_DIRECTION_HORIZONTAL),
-                             VIPS_DIRECTION_VERTICAL);
+    VImage image =
+        Flat(left, top, {255, 0, 0})
+            .join(Flat(width - left, top, {0, 255, 0}), VIPS_DIRECTION_HORIZONTAL)
+            .join(Flat(left, height - top, {0, 0, 255})
+                      .join(Flat(width - left, height - top, {255, 255, 255}), VIPS_DIRECTION_HORIZONTAL),
+                  VIPS_DIRECTION_VERTICAL);
     if (options.interpretation == "cmyk")
     {
         image = image.icc_transform("cmyk", VImage::option()->set("input_profile", "srgb"));

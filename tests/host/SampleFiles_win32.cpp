@@ -130,13 +130,13 @@ std::string MakeTiff(const std::vector<BYTE> &pixels, UINT width, UINT height, c
     return tiff.Bytes();
 }
 
-void Encode(const std::filesystem::path &file, const GUID &container, std::vector<BYTE> pixels, UINT width, UINT height,
-            const PictureOptions &options)
+void Encode(const std::filesystem::path &file, const GUID &container, std::vector<BYTE> pixels, UINT width,
+            UINT height, const PictureOptions &options)
 {
     const Apartment apartment;
     ComPtr<IWICImagingFactory> factory;
-    ThrowIfFailed(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IWICImagingFactory),
-                                   factory.PutVoid()));
+    ThrowIfFailed(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
+                                   __uuidof(IWICImagingFactory), factory.PutVoid()));
     ComPtr<IWICStream> stream;
     ThrowIfFailed(factory->CreateStream(stream.Put()));
     ThrowIfFailed(stream->InitializeFromFilename(file.c_str(), GENERIC_WRITE));
@@ -173,6 +173,6 @@ void MakeSample(const std::filesystem::path &file, int width, int height, const 
         std::ofstream(file, std::ios::binary) << MakeTiff(pixels, columns, rows, options);
         return;
     }
-    Encode(file, file.extension() == ".png" ? GUID_ContainerFormatPng : GUID_ContainerFormatJpeg, pixels, columns, rows,
-           options);
+    Encode(file, file.extension() == ".png" ? GUID_ContainerFormatPng : GUID_ContainerFormatJpeg, pixels, columns,
+           rows, options);
 }

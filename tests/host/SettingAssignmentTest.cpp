@@ -42,8 +42,8 @@ TEST(SettingAssignment, SaysWhatIsWrongAndWhatWouldBeRight)
 {
     EXPECT_THAT(FaultOf("JPEGMode"), HasSubstr("NAME=VALUE"));
     EXPECT_THAT(FaultOf("Nothing=1"), HasSubstr("no setting \"Nothing\""));
-    for (const char *text : {"JPEGMode=3", "JPEGMode=-1", "JPEGMode=1x", "JPEGMode=on", "JPEGMode=4294967296",
-                             "JPEGMode= 1"})
+    for (const char *text :
+         {"JPEGMode=3", "JPEGMode=-1", "JPEGMode=1x", "JPEGMode=on", "JPEGMode=4294967296", "JPEGMode= 1"})
     {
         EXPECT_THAT(FaultOf(text), HasSubstr("from 0 to 2")) << text;
     }

@@ -41,9 +41,11 @@ TEST(HostCommands, FollowWhatThereIs)
         {"one left", With(READY, [](HostState &s) { s.waiting = 1; }), "arps", IDS_ONE_READY},
         {"all up", With(READY, [](HostState &s) { s.waiting = 0; }), "ars", IDS_ALL_UP},
         {"nothing selected", With(READY, [](HostState &s) { s.selected = 0; }), "aps", IDS_MANY_READY},
-        {"empty", With(READY, [](HostState &s) { s.pictures = s.selected = s.waiting = 0; }), "as", IDS_NO_PICTURES},
+        {"empty", With(READY, [](HostState &s) { s.pictures = s.selected = s.waiting = 0; }), "as",
+         IDS_NO_PICTURES},
         {"no account", With(READY, [](HostState &s) { s.isAuthorized = false; }), "ars", IDS_NO_ACCOUNT},
-        {"no plug-in", With(READY, [](HostState &s) { s.hasPlugin = s.isAuthorized = false; }), "ar", IDS_NO_PLUGIN},
+        {"no plug-in", With(READY, [](HostState &s) { s.hasPlugin = s.isAuthorized = false; }), "ar",
+         IDS_NO_PLUGIN},
     };
     for (const auto &one : cases)
     {

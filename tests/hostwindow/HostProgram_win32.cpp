@@ -29,7 +29,10 @@ public:
     void *At(size_t offset = 0) const { return static_cast<BYTE *>(m_place) + offset; }
     LPARAM Pointer() const { return reinterpret_cast<LPARAM>(m_place); }
     void Write(const void *from, size_t size) { WriteProcessMemory(m_process, m_place, from, size, nullptr); }
-    void Read(void *to, size_t size, size_t offset = 0) const { ReadProcessMemory(m_process, At(offset), to, size, nullptr); }
+    void Read(void *to, size_t size, size_t offset = 0) const
+    {
+        ReadProcessMemory(m_process, At(offset), to, size, nullptr);
+    }
 
 private:
     HANDLE m_process;
@@ -47,26 +50,30 @@ struct Search
 HWND FindTop(DWORD process, bool isQuestion)
 {
     Search search{process, isQuestion};
-    EnumWindows([](HWND window, LPARAM parameter) -> BOOL {
-        auto &search = *reinterpret_cast<Search *>(parameter);
-        DWORD owner = 0;
-        wchar_t name[32];
-        GetWindowThreadProcessId(window, &owner);
-        GetClassNameW(window, name, ARRAYSIZE(name));
-        if (owner == search.process && IsWindowVisible(window) && (std::wstring(name) == L"#32770") == search.isQuestion)
-        {
-            search.found = window;
-        }
-        return search.found == nullptr;
-    }, reinterpret_cast<LPARAM>(&search));
+    EnumWindows(
+        [](HWND window, LPARAM parameter) -> BOOL {
+            auto &search = *reinterpret_cast<Search *>(parameter);
+            DWORD owner = 0;
+            wchar_t name[32];
+            GetWindowThreadProcessId(window, &owner);
+            GetClassNameW(window, name, ARRAYSIZE(name));
+            if (owner == search.process && IsWindowVisible(window) &&
+                (std::wstring(name) == L"#32770") == search.isQuestion)
+            {
+                search.found = window;
+            }
+            return search.found == nullptr;
+        },
+        reinterpret_cast<LPARAM>(&search));
     return search.found;
 }
 
-std::wstring CommandLineOf(const std::filesystem::path &profile, const std::vector<std::filesystem::path> &pictures)
+std::wstring CommandLineOf(const std::filesystem::path &profile,
+                           const std::vector<std::filesystem::path> &pictures)
 {
     const std::filesystem::path program(HALVORA_PROGRAM);
-    std::wstring line = L"\"" + std::filesystem::absolute(program).make_preferred().wstring() + L"\" --profile \"" +
-                        profile.wstring() + L"\"";
+    std::wstring line = L"\"" + std::filesystem::absolute(program).make_preferred().wstring() +
+                        L"\" --profile \"" + profile.wstring() + L"\"";
     for (const auto &picture : pictures)
     {
         line += L" \"" + picture.wstring() + L"\"";
@@ -122,20 +129,24 @@ HostProgram::~HostProgram()
 std::vector<HWND> HostProgram::Parts() const
 {
     std::vector<HWND> parts;
-    EnumChildWindows(m_window, [](HWND part, LPARAM all) -> BOOL {
-        if (IsWindowVisible(part) && GetDlgCtrlID(part) != 0)
-        {
-            reinterpret_cast<std::vector<HWND> *>(all)->push_back(part);
-        }
-        return TRUE;
-    }, reinterpret_cast<LPARAM>(&parts));
+    EnumChildWindows(
+        m_window,
+        [](HWND part, LPARAM all) -> BOOL {
+            if (IsWindowVisible(part) && GetDlgCtrlID(part) != 0)
+            {
+                reinterpret_cast<std::vector<HWND> *>(all)->push_back(part);
+            }
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&parts));
     return parts;
 }
 
 HWND HostProgram::Part(int id) const
 {
     const auto parts = Parts();
-    const auto found = std::find_if(parts.begin(), parts.end(), [&](HWND part) { return GetDlgCtrlID(part) == id; });
+    const auto found =
+        std::find_if(parts.begin(), parts.end(), [&](HWND part) { return GetDlgCtrlID(part) == id; });
     return found != parts.end() ? *found : nullptr;
 }
 
@@ -150,7 +161,8 @@ std::vector<std::wstring> HostProgram::Rows(int id) const
 {
     const HWND list = Part(id);
     const HWND header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
-    const int columns = header == nullptr ? 1 : std::max<int>(1, static_cast<int>(SendMessageW(header, HDM_GETITEMCOUNT, 0, 0)));
+    const int columns =
+        header == nullptr ? 1 : std::max<int>(1, static_cast<int>(SendMessageW(header, HDM_GETITEMCOUNT, 0, 0)));
     std::vector<std::wstring> rows(static_cast<size_t>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0)));
     for (size_t row = 0; row < rows.size(); ++row)
     {
@@ -239,7 +251,8 @@ HWND HostProgram::AwaitQuestion() const
 std::optional<DWORD> HostProgram::AwaitEnd() const
 {
     DWORD code = 0;
-    if (WaitForSingleObject(m_process.Get(), Patience) != WAIT_OBJECT_0 || !GetExitCodeProcess(m_process.Get(), &code))
+    if (WaitForSingleObject(m_process.Get(), Patience) != WAIT_OBJECT_0 ||
+        !GetExitCodeProcess(m_process.Get(), &code))
     {
         return std::nullopt;
     }

@@ -38,7 +38,8 @@ private:
     static void Write(const std::wstring &key, const wchar_t *name, const std::wstring &text)
     {
         EXPECT_EQ(RegSetKeyValueW(HKEY_CLASSES_ROOT, (classKey + key).c_str(), name, REG_SZ, text.c_str(),
-                                  static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))), ERROR_SUCCESS);
+                                  static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
+                  ERROR_SUCCESS);
     }
 };
 
@@ -147,8 +148,9 @@ TEST_F(HostWithoutPlugin, TellsWhatToDo)
 TEST_F(HostWithoutPlugin, ShowsPicturesAndRefusesTheRest)
 {
     Sample("folder/deep.png");
-    const HostProgram host(Profile(), {Sample("pair.jpg"), Sample("pair.tif"), m_folder.Write("notes.txt", "words"),
-                                       m_folder.Path() / "missing.jpg", m_folder.Path() / "folder"});
+    const HostProgram host(Profile(),
+                           {Sample("pair.jpg"), Sample("pair.tif"), m_folder.Write("notes.txt", "words"),
+                            m_folder.Path() / "missing.jpg", m_folder.Path() / "folder"});
     EXPECT_THAT(host.Rows(IDC_PICTURES), ElementsAre(L"pair.jpg", L"deep.png"));
     EXPECT_TRUE(host.AwaitLog(L"notes.txt"));
     EXPECT_TRUE(host.AwaitLog(L"missing.jpg"));
@@ -183,7 +185,8 @@ TEST_F(HostWithoutPlugin, TakesWhatIsDropped)
 {
     Sample("folder/two.png");
     Sample("folder/deeper/three.jpg");
-    const std::wstring names = Sample("one.jpg").wstring() + L'\0' + (m_folder.Path() / "folder").wstring() + L'\0';
+    const std::wstring names =
+        Sample("one.jpg").wstring() + L'\0' + (m_folder.Path() / "folder").wstring() + L'\0';
     const size_t bytes = (names.size() + 1) * sizeof(wchar_t);
     const HGLOBAL drop = GlobalAlloc(GHND, sizeof(DROPFILES) + bytes);
     auto *const content = static_cast<DROPFILES *>(GlobalLock(drop));

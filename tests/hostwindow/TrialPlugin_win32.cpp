@@ -18,9 +18,11 @@
 
 namespace
 {
-constexpr wchar_t ASKS[] = L"The trial needs your leave before it can publish. <a id=\"authorize\" href=\"\">Authorize...</a>";
-constexpr wchar_t READY[] = L"Title, description, tags, public, safe, photos, searchable. Resample, send copyright, EXIF, "
-                            L"rating, GPS, IPTC data. <a id=\"settings\" href=\"parameters\">Settings...</a>";
+constexpr wchar_t ASKS[] =
+    L"The trial needs your leave before it can publish. <a id=\"authorize\" href=\"\">Authorize...</a>";
+constexpr wchar_t READY[] =
+    L"Title, description, tags, public, safe, photos, searchable. Resample, send copyright, EXIF, "
+    L"rating, GPS, IPTC data. <a id=\"settings\" href=\"parameters\">Settings...</a>";
 
 HRESULT Give(BSTR *text, WideView words) noexcept
 {
@@ -119,7 +121,8 @@ public:
             SendMessageW(bar, PBM_SETRANGE32, 0, count * 100);
             for (INT32 i = 0; i < count && m_wish == Wish::GoOn; ++i)
             {
-                SetWindowTextW(status, (L"Picture " + std::to_wstring(i + 1) + L" of " + std::to_wstring(count)).c_str());
+                SetWindowTextW(status,
+                               (L"Picture " + std::to_wstring(i + 1) + L" of " + std::to_wstring(count)).c_str());
                 SendMessageW(bar, PBM_SETPOS, static_cast<WPARAM>(i) * 100 + 50, 0);
                 PublishItem(items[i]);
             }

@@ -107,7 +107,7 @@ struct Road
     std::string State() { return JsonValue(client.Admin("authorizations").body, "state"); }
 };
 
-}
+} // namespace
 
 TEST(Authorization, LeadsFromTheApplicationOverTheBrowserToATokenThatPublishes)
 {
@@ -140,8 +140,8 @@ TEST(Authorization, LeadsFromTheApplicationOverTheBrowserToATokenThatPublishes)
 
     const Answer exchange = road.client.Get(MakerExchange + token);
     EXPECT_THAT(exchange.contentType, StartsWith("text/xml"));
-    EXPECT_THAT(exchange.body, AllOf(HasSubstr("<TRNQVerifierExchange>"),
-                                     HasSubstr("<Verifier>" + verifier + "</Verifier>")));
+    EXPECT_THAT(exchange.body,
+                AllOf(HasSubstr("<TRNQVerifierExchange>"), HasSubstr("<Verifier>" + verifier + "</Verifier>")));
     // Once and never again, even if the page is loaded again.
     road.client.Get(callback);
     EXPECT_THAT(road.client.Get(MakerExchange + token).body,
@@ -156,8 +156,7 @@ TEST(Authorization, LeadsFromTheApplicationOverTheBrowserToATokenThatPublishes)
     EXPECT_NE(signature.token, token);
     EXPECT_THAT(road.client.Rest("flickr.auth.oauth.checkToken", signature).body,
                 AllOf(HasSubstr("<perms>write</perms>"), HasSubstr(signature.token)));
-    EXPECT_THAT(road.client.Upload({{"title", "with the new pair"}}, {}, signature).body,
-                HasSubstr("photoid"));
+    EXPECT_THAT(road.client.Upload({{"title", "with the new pair"}}, {}, signature).body, HasSubstr("photoid"));
     EXPECT_EQ(road.Trade(form, verifier).body, "oauth_problem=token_rejected") << "a second time";
 
     // Nobody who looks at the service from behind learns a secret.
@@ -243,15 +242,13 @@ TEST(Authorization, TradesOnlyAGrantedTokenWithItsOwnVerifierInTime)
         {"too early, empty", [](Road &, const std::string &) { return std::string(); }, nothing,
          "oauth_problem=verifier_invalid"},
         {"denied",
-         [](Road &road, const std::string &form)
-         {
+         [](Road &road, const std::string &form) {
              road.Decide(form, "deny");
              return std::string("0123456789abcdef");
          },
          nothing, "oauth_problem=token_rejected"},
         {"another's verifier",
-         [](Road &road, const std::string &form)
-         {
+         [](Road &road, const std::string &form) {
              road.Verifier(form);
              return road.Verifier(road.AskForToken());
          },
@@ -259,8 +256,7 @@ TEST(Authorization, TradesOnlyAGrantedTokenWithItsOwnVerifierInTime)
         {"no verifier", grant, [](Signature &s) { s.further.clear(); },
          "oauth_problem=parameter_absent&oauth_parameters_absent=oauth_verifier"},
         {"no token", grant,
-         [](Signature &s)
-         {
+         [](Signature &s) {
              s.omitted = {"oauth_token"};
              s.tokenSecret = "";
          },
@@ -268,15 +264,13 @@ TEST(Authorization, TradesOnlyAGrantedTokenWithItsOwnVerifierInTime)
         {"unknown token", grant, [](Signature &s) { s.token += "0"; }, "oauth_problem=token_rejected"},
         {"token secret", grant, [](Signature &s) { s.tokenSecret = ""; }, "oauth_problem=signature_invalid"},
         {"another application", grant,
-         [](Signature &s)
-         {
+         [](Signature &s) {
              s.consumerKey = "other";
              s.consumerSecret = "other secret";
          },
          "oauth_problem=token_rejected"},
         {"late",
-         [](Road &road, const std::string &form)
-         {
+         [](Road &road, const std::string &form) {
              const std::string verifier = road.Verifier(form);
              road.client.Admin("authorizations/advance", {{"seconds", "601"}});
              return verifier;
@@ -318,11 +312,9 @@ TEST(Authorization, GivesTheAccessTokenOnceEvenToTheHasty)
     {
         Signature signature = ForToken(form, verifier);
         signature.nonce = "hasty-" + std::to_string(i);
-        traders.emplace_back(
-            [&, signature] {
-                given +=
-                    road.service.Client().Signed(Steps + "access_token", signature).status == 200 ? 1 : 0;
-            });
+        traders.emplace_back([&, signature] {
+            given += road.service.Client().Signed(Steps + "access_token", signature).status == 200 ? 1 : 0;
+        });
     }
     for (auto &trader : traders)
     {
@@ -348,14 +340,12 @@ TEST(Authorization, KeepsThePermissionAndTheApplicationWithTheToken)
         const std::string form = road.AskForToken();
         EXPECT_THAT(road.client.Get(road.PageAddress(form, permission)).body, HasSubstr(question));
         const Answer granted = road.Decide(form, "allow", permission);
-        const std::string pair =
-            road.Trade(form, FieldOf(granted.headers.at("location"), "oauth_verifier")).body;
+        const std::string pair = road.Trade(form, FieldOf(granted.headers.at("location"), "oauth_verifier")).body;
         Signature signature = ForToken(pair, "");
         signature.further.clear();
         EXPECT_THAT(road.client.Rest("flickr.auth.oauth.checkToken", signature).body,
                     HasSubstr(std::string("<perms>") + permission + "</perms>"));
-        EXPECT_THAT(road.client.Upload({}, {}, signature).body,
-                    HasSubstr(mayUpload ? "photoid" : "code=\"99\""));
+        EXPECT_THAT(road.client.Upload({}, {}, signature).body, HasSubstr(mayUpload ? "photoid" : "code=\"99\""));
         road.client.Admin("consumers", {{"key", "other"}, {"secret", "other secret"}});
         signature.consumerKey = "other";
         signature.consumerSecret = "other secret";
@@ -372,10 +362,8 @@ TEST(Authorization, TheAnswerCountsOnlyFromThePageAsThisBrowserShowsIt)
         long status;
         const char *words;
     };
-    const auto set = [](const char *name, const char *value)
-    {
-        return [=](Fields &fields)
-        {
+    const auto set = [](const char *name, const char *value) {
+        return [=](Fields &fields) {
             std::erase_if(fields, [&](const auto &field) { return field.first == name; });
             fields.emplace_back(name, value);
         };
@@ -425,12 +413,11 @@ TEST(Authorization, SaysWhyThereIsNothingToAnswer)
     const Case cases[] = {
         {[](Road &, const std::string &) {}, "", 404, "known here", "\"pending\""},
         {[](Road &, const std::string &) {}, "oauth_token=%00%3Cb%3E", 404, "known here", "\"pending\""},
-        {[](Road &, const std::string &) {}, "perms=everything&oauth_token=", 400, "doesn’t exist",
-         "\"pending\""},
-        {[](Road &road, const std::string &form) { road.Decide(form, "deny"); },
-         "perms=write&oauth_token=", 410, "You have already said no", "\"denied\""},
-        {[](Road &road, const std::string &form) { road.Decide(form, "allow"); },
-         "perms=write&oauth_token=", 410, "You have already allowed this", "\"granted\""},
+        {[](Road &, const std::string &) {}, "perms=everything&oauth_token=", 400, "doesn’t exist", "\"pending\""},
+        {[](Road &road, const std::string &form) { road.Decide(form, "deny"); }, "perms=write&oauth_token=", 410,
+         "You have already said no", "\"denied\""},
+        {[](Road &road, const std::string &form) { road.Decide(form, "allow"); }, "perms=write&oauth_token=", 410,
+         "You have already allowed this", "\"granted\""},
         {[](Road &road, const std::string &) {
              road.client.Admin("authorizations/advance", {{"seconds", "600"}});
          },
@@ -465,8 +452,7 @@ TEST(Authorization, ADenialGrantsNothingAndCallsNobody)
     EXPECT_FALSE(denied.headers.contains("location"));
     EXPECT_THAT(denied.body, HasSubstr("Nothing was granted"));
     EXPECT_EQ(road.Decide(road.AskForToken(), "allow").status, 302) << "the next time is a new one";
-    EXPECT_THAT(road.client.Get(MakerExchange + FieldOf(form, "oauth_token")).body,
-                Not(HasSubstr("<Verifier>")));
+    EXPECT_THAT(road.client.Get(MakerExchange + FieldOf(form, "oauth_token")).body, Not(HasSubstr("<Verifier>")));
 }
 
 TEST(Authorization, AProgramWithoutACallbackGetsItsCodeThroughThePerson)
@@ -498,8 +484,7 @@ TEST(Authorization, TheMakersEndpointKeepsOnlyWhatItWasSentAndOnlyForAWhile)
     road.client.Get(MakerCallback + "?oauth_token=t&oauth_verifier=first%3C");
     road.client.Get(MakerCallback + "?oauth_token=t&oauth_verifier=second");
     EXPECT_EQ(road.client.Get(MakerCallback + "?oauth_token=t").status, 403) << "not in plain";
-    EXPECT_EQ(road.client.Head(secure + "?oauth_token=t").status, 405)
-        << "a look at the headers takes nothing";
+    EXPECT_EQ(road.client.Head(secure + "?oauth_token=t").status, 405) << "a look at the headers takes nothing";
     EXPECT_THAT(road.client.Get(secure + "?oauth_token=t").body, HasSubstr("<Verifier>first&lt;</Verifier>"));
     road.client.Get(MakerCallback + "?oauth_token=u&oauth_verifier=v");
     road.client.Admin("authorizations/advance", {{"seconds", "600"}});
@@ -549,7 +534,8 @@ TEST(Authorization, RequestsMayNameTheirWholeAddress)
     const std::string step = "services/oauth/request_token";
     EXPECT_EQ(client.Signed(Steps + "request_token", signature, "https://WWW.flickr.com:443/" + step).status, 200);
     EXPECT_EQ(client.Signed(Steps + "request_token", signature, "https://other.example/" + step).status, 421);
-    EXPECT_EQ(client.Signed(Steps + "request_token", signature, "https://www.flickr.com/" + step + "?a=b").status, 401)
+    EXPECT_EQ(client.Signed(Steps + "request_token", signature, "https://www.flickr.com/" + step + "?a=b").status,
+              401)
         << "its query is signed too";
 }
 
@@ -559,8 +545,7 @@ TEST(Authorization, AnIndexOfBeforeThereWasAnyIsGoodStill)
     loopback::Database database(folder.Path() / "index.sqlite");
     database.Run("CREATE TABLE account (name TEXT PRIMARY KEY, value TEXT NOT NULL)");
     database.Run("CREATE TABLE consumers (key TEXT PRIMARY KEY, secret TEXT NOT NULL)");
-    database.Run(
-        "CREATE TABLE tokens (token TEXT PRIMARY KEY, secret TEXT NOT NULL, permission TEXT NOT NULL)");
+    database.Run("CREATE TABLE tokens (token TEXT PRIMARY KEY, secret TEXT NOT NULL, permission TEXT NOT NULL)");
     database.Run("INSERT INTO account VALUES ('user_name', 'kept')");
     database.Run("INSERT INTO consumers VALUES ('68616c766f72612d64656d6f2d6b6579', '64656d6f2d736563')");
     database.Run("INSERT INTO tokens VALUES ('t', 's', 'write')");

@@ -26,7 +26,7 @@ double SecondsOf(const std::function<void()> &work)
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }
 
-}
+} // namespace
 
 TEST(Faults, AnswerInPlaceOfTheService)
 {
@@ -41,12 +41,18 @@ TEST(Faults, AnswerInPlaceOfTheService)
     const Case cases[] = {
         {{{"kind", "status"}, {"status", "504"}}, 504, "text/html", "<title>504 Gateway Time-out</title>", false},
         {{{"kind", "status"}, {"status", "429"}, {"body", "text"}}, 429, "text/plain", "Too Many Requests", false},
-        {{{"kind", "status"}, {"status", "401"}, {"body", "oauth_problem=token_rejected"}}, 401, "text/plain",
-         "oauth_problem=token_rejected", false},
+        {{{"kind", "status"}, {"status", "401"}, {"body", "oauth_problem=token_rejected"}},
+         401,
+         "text/plain",
+         "oauth_problem=token_rejected",
+         false},
         {{{"kind", "status"}, {"store", "1"}}, 503, "text/html", "Service Unavailable", true},
         {{{"kind", "error"}}, 200, "text/xml", "<err code=\"105\" msg=\"Service currently unavailable\"/>", false},
-        {{{"kind", "error"}, {"code", "106"}, {"message", "write \"failed\""}}, 200, "text/xml",
-         "<err code=\"106\" msg=\"write &quot;failed&quot;\"/>", false},
+        {{{"kind", "error"}, {"code", "106"}, {"message", "write \"failed\""}},
+         200,
+         "text/xml",
+         "<err code=\"106\" msg=\"write &quot;failed&quot;\"/>",
+         false},
         {{{"kind", "garbage"}}, 200, "text/xml", "wireless network & enjoy", true},
     };
     RunningService service;

@@ -62,7 +62,7 @@ loopback::ServiceOptions In(loopback::ServiceOptions options, const std::filesys
     return options;
 }
 
-}
+} // namespace
 
 std::string Signature::Header(const std::string &url, const Fields &parameters) const
 {
@@ -74,13 +74,13 @@ std::string Signature::Header(const std::string &url, const Fields &parameters) 
                     {"oauth_token", token},
                     {"oauth_version", version}};
     oauth.insert(oauth.end(), further.begin(), further.end());
-    std::erase_if(oauth, [&](const auto &field)
-                  { return std::find(omitted.begin(), omitted.end(), field.first) != omitted.end(); });
+    std::erase_if(oauth, [&](const auto &field) {
+        return std::find(omitted.begin(), omitted.end(), field.first) != omitted.end();
+    });
     Fields all = oauth;
     all.insert(all.end(), parameters.begin(), parameters.end());
     all.insert(all.end(), extraSigned.begin(), extraSigned.end());
-    const std::string base =
-        "POST&" + Escape(signedUrl.empty() ? url : signedUrl) + "&" + Escape(Joined(all));
+    const std::string base = "POST&" + Escape(signedUrl.empty() ? url : signedUrl) + "&" + Escape(Joined(all));
     const std::string key = Escape(consumerSecret) + "&" + Escape(tokenSecret);
     unsigned char mac[EVP_MAX_MD_SIZE];
     unsigned size = 0;
@@ -182,29 +182,26 @@ Answer LoopbackClient::UploadBody(const std::string &contentType, const std::str
 {
     const std::string url = Api + "/services/upload/";
     const std::string header = "Content-Type: " + contentType;
-    return Send(url, Signature().Header(url, fields),
-                [&](void *curl)
-                {
-                    curl_easy_setopt(curl, CURLOPT_PRIVATE, header.c_str());
-                    curl_easy_setopt(curl, CURLOPT_POSTFIELDSIZE, static_cast<long>(body.size()));
-                    curl_easy_setopt(curl, CURLOPT_COPYPOSTFIELDS, body.data());
-                });
+    return Send(url, Signature().Header(url, fields), [&](void *curl) {
+        curl_easy_setopt(curl, CURLOPT_PRIVATE, header.c_str());
+        curl_easy_setopt(curl, CURLOPT_POSTFIELDSIZE, static_cast<long>(body.size()));
+        curl_easy_setopt(curl, CURLOPT_COPYPOSTFIELDS, body.data());
+    });
 }
 
 Answer LoopbackClient::Signed(const std::string &url, const Signature &signature, const std::string &target)
 {
-    return Send(url, signature.Header(url, {}),
-                [&](void *curl)
-                {
-                    curl_easy_setopt(curl, CURLOPT_POSTFIELDS, "");
-                    curl_easy_setopt(curl, CURLOPT_REQUEST_TARGET, target.empty() ? nullptr : target.c_str());
-                });
+    return Send(url, signature.Header(url, {}), [&](void *curl) {
+        curl_easy_setopt(curl, CURLOPT_POSTFIELDS, "");
+        curl_easy_setopt(curl, CURLOPT_REQUEST_TARGET, target.empty() ? nullptr : target.c_str());
+    });
 }
 
 Answer LoopbackClient::Get(const std::string &url, const std::string &header)
 {
-    return Send(url, "",
-                [&](void *curl) { curl_easy_setopt(curl, CURLOPT_PRIVATE, header.empty() ? nullptr : header.c_str()); });
+    return Send(url, "", [&](void *curl) {
+        curl_easy_setopt(curl, CURLOPT_PRIVATE, header.empty() ? nullptr : header.c_str());
+    });
 }
 
 Answer LoopbackClient::Head(const std::string &url)
@@ -215,12 +212,10 @@ Answer LoopbackClient::Head(const std::string &url)
 Answer LoopbackClient::Post(const std::string &url, const Fields &form, const std::string &header)
 {
     const std::string body = Joined(form);
-    return Send(url, "",
-                [&](void *curl)
-                {
-                    curl_easy_setopt(curl, CURLOPT_PRIVATE, header.empty() ? nullptr : header.c_str());
-                    curl_easy_setopt(curl, CURLOPT_COPYPOSTFIELDS, body.c_str());
-                });
+    return Send(url, "", [&](void *curl) {
+        curl_easy_setopt(curl, CURLOPT_PRIVATE, header.empty() ? nullptr : header.c_str());
+        curl_easy_setopt(curl, CURLOPT_COPYPOSTFIELDS, body.c_str());
+    });
 }
 
 Answer LoopbackClient::Admin(const std::string &path)

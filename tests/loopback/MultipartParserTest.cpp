@@ -12,10 +12,11 @@ namespace
 std::string Parse(const std::string &body, std::size_t piece)
 {
     std::string parts;
-    MultipartParser parser("bound",
-                           {[&](const PartHeader &header)
-                            { parts += header.name + "|" + header.fileName.value_or("-") + "|" + header.contentType + "|"; },
-                            [&](std::string_view bytes) { parts += bytes; }, [&] { parts += "|\n"; }});
+    MultipartParser parser("bound", {[&](const PartHeader &header) {
+                                         parts += header.name + "|" + header.fileName.value_or("-") + "|" +
+                                                  header.contentType + "|";
+                                     },
+                                     [&](std::string_view bytes) { parts += bytes; }, [&] { parts += "|\n"; }});
     for (std::size_t at = 0; at < body.size(); at += piece)
     {
         parser.Feed(std::string_view(body).substr(at, piece));
@@ -23,7 +24,7 @@ std::string Parse(const std::string &body, std::size_t piece)
     return parser.Error().empty() ? parts + (parser.IsComplete() ? "" : "(no end)") : parser.Error();
 }
 
-}
+} // namespace
 
 TEST(MultipartParser, GivesTheSamePartsHoweverTheBodyArrives)
 {
@@ -37,7 +38,8 @@ TEST(MultipartParser, GivesTheSamePartsHoweverTheBodyArrives)
     const std::string trimmed = std::string(body).replace(body.find("\r\n--boundX"), 10, "");
     for (std::size_t piece = 1; piece <= trimmed.size(); ++piece)
     {
-        EXPECT_EQ(Parse(trimmed, piece), "title|-||a\r\n--boun\r\n-|\nphoto|b\"; x=\\.jpg|image/jpeg||\n") << piece;
+        EXPECT_EQ(Parse(trimmed, piece), "title|-||a\r\n--boun\r\n-|\nphoto|b\"; x=\\.jpg|image/jpeg||\n")
+            << piece;
     }
     EXPECT_EQ(Parse(body, 7), "a boundary is not followed by a line break");
 }

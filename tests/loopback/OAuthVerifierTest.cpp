@@ -17,17 +17,20 @@ std::int64_t g_now = 0;
 OAuthVerifier ExampleVerifier()
 {
     return OAuthVerifier(
-        [](const std::string &key)
-        { return key == "dpf43f3p2l4k3l03" ? std::optional<std::string>("kd94hf93k423kf44") : std::nullopt; },
-        [](const std::string &token)
-        { return token == "nnch734d00sl2jdk" ? std::optional<std::string>("pfkkdhi9sl3r4s00") : std::nullopt; },
+        [](const std::string &key) {
+            return key == "dpf43f3p2l4k3l03" ? std::optional<std::string>("kd94hf93k423kf44") : std::nullopt;
+        },
+        [](const std::string &token) {
+            return token == "nnch734d00sl2jdk" ? std::optional<std::string>("pfkkdhi9sl3r4s00") : std::nullopt;
+        },
         [] { return g_now; });
 }
 
 // The authenticated request of RFC 5849, section 1.2.
 SignedRequest ExampleRequest()
 {
-    return {"GET", "http://photos.example.net/photos",
+    return {"GET",
+            "http://photos.example.net/photos",
             "OAuth realm=\"Photos\",\r\n oauth_consumer_key=\"dpf43f3p2l4k3l03\",\r\n"
             " oauth_token=\"nnch734d00sl2jdk\", oauth_signature_method=\"HMAC-SHA1\",\r\n"
             " oauth_timestamp=\"137131202\", oauth_nonce=\"chapoH\",\r\n"
@@ -35,7 +38,7 @@ SignedRequest ExampleRequest()
             {{"file", "vacation.jpg"}, {"size", "original"}}};
 }
 
-}
+} // namespace
 
 TEST(OAuthVerifier, MakesTheSignatureBaseOfTheStandard)
 {
@@ -107,11 +110,17 @@ TEST(OAuthVerifier, TheServiceRefusesEachSpoiltPieceByItsName)
          "oauth_problem=signature_invalid"},
         {"closing slash", [](Signature &s) { s.signedUrl = "https://api.flickr.com/services/rest/"; },
          "oauth_problem=signature_invalid"},
-        {"field", [](Signature &s) { s.extraSigned = {{"title", "x"}}; }, "oauth_problem=signature_invalid"},
+        {"field",
+         [](Signature &s) {
+             s.extraSigned = {{"title", "x"}};
+         },
+         "oauth_problem=signature_invalid"},
         {"no nonce", [](Signature &s) { s.omitted = {"oauth_nonce"}; },
          "oauth_problem=parameter_absent&oauth_parameters_absent=oauth_nonce"},
         {"no key and no time",
-         [](Signature &s) { s.omitted = {"oauth_consumer_key", "oauth_timestamp"}; },
+         [](Signature &s) {
+             s.omitted = {"oauth_consumer_key", "oauth_timestamp"};
+         },
          "oauth_problem=parameter_absent&oauth_parameters_absent=oauth_consumer_key%26oauth_timestamp"},
     };
     RunningService service;

@@ -60,7 +60,7 @@ std::string FromReadyFile(const fs::path &file, const std::string &variable)
     return value;
 }
 
-}
+} // namespace
 
 TEST(Program, StartsServesStopsAndKeepsItsStore)
 {

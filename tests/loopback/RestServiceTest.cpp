@@ -53,9 +53,9 @@ TEST(RestService, TokensComeAndGo)
     mine.token = "mine";
     mine.tokenSecret = "s&e=c r+e%t";
     EXPECT_EQ(client.Rest("flickr.test.login", mine).status, 401);
-    EXPECT_EQ(client.Admin("tokens", {{"token", "mine"}, {"secret", mine.tokenSecret}, {"permission", "read"}})
-                  .status,
-              200);
+    EXPECT_EQ(
+        client.Admin("tokens", {{"token", "mine"}, {"secret", mine.tokenSecret}, {"permission", "read"}}).status,
+        200);
     EXPECT_THAT(client.Rest("flickr.test.login", mine).body, HasSubstr("stat=\"ok\""));
     EXPECT_THAT(client.Upload({}, {}, mine).body, HasSubstr("code=\"99\""));
     client.Admin("tokens/remove", {{"token", "mine"}});

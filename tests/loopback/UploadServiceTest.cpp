@@ -33,7 +33,7 @@ std::string Element(const std::string &xml, const std::string &name)
     return std::regex_search(xml, match, std::regex("<" + name + ">([^<]*)</" + name + ">")) ? match[1].str() : "";
 }
 
-}
+} // namespace
 
 TEST(UploadService, KeepsBytesAndTextsOfAnyLanguageAsTheyWere)
 {
@@ -91,7 +91,8 @@ TEST(UploadService, AbsentFieldsHaveTheDefaultsOfTheAccount)
     client.Upload({});
     const std::string json = client.Admin("uploads").body;
     EXPECT_EQ(JsonValue(json, "is_public") + JsonValue(json, "is_friend") + JsonValue(json, "is_family"), "100");
-    EXPECT_EQ(JsonValue(json, "safety_level") + JsonValue(json, "content_type") + JsonValue(json, "hidden"), "111");
+    EXPECT_EQ(JsonValue(json, "safety_level") + JsonValue(json, "content_type") + JsonValue(json, "hidden"),
+              "111");
 }
 
 TEST(UploadService, RefusesWithTheServicesCodes)
@@ -124,8 +125,8 @@ TEST(UploadService, RefusesWithTheServicesCodes)
         client.Admin("account", bad.account);
         const Answer answer = client.Upload(bad.fields, bad.file);
         EXPECT_EQ(answer.status, 200);
-        EXPECT_THAT(answer.body, AllOf(HasSubstr("<rsp stat=\"fail\">"),
-                                       HasSubstr(std::string("code=\"") + bad.code + "\"")));
+        EXPECT_THAT(answer.body,
+                    AllOf(HasSubstr("<rsp stat=\"fail\">"), HasSubstr(std::string("code=\"") + bad.code + "\"")));
         EXPECT_EQ(client.Admin("uploads").body, "[]\n");
         EXPECT_TRUE(std::filesystem::is_empty(service.Store() / "incoming"));
     }
@@ -136,15 +137,18 @@ TEST(UploadService, RefusesABodyThatIsNoForm)
     RunningService service;
     auto client = service.Client();
     const std::string type = "multipart/form-data; boundary=bb";
-    EXPECT_THAT(client.UploadBody(type, "--bb\r\nContent-Disposition: form-data; name=\"title\"\r\n\r\nx\r\n--bb--\r\n",
-                                  {{"title", "x"}})
+    EXPECT_THAT(client
+                    .UploadBody(type,
+                                "--bb\r\nContent-Disposition: form-data; name=\"title\"\r\n\r\nx\r\n--bb--\r\n",
+                                {{"title", "x"}})
                     .body,
                 HasSubstr("code=\"2\""));
     EXPECT_THAT(client.UploadBody("application/x-www-form-urlencoded", "title=x", {{"title", "x"}}).body,
                 HasSubstr("code=\"2\""));
-    EXPECT_THAT(client.UploadBody(type, "--bb\r\nContent-Disposition: form-data; name=\"photo\"; filename=\"a\"\r\n\r\nx")
-                    .body,
-                AllOf(HasSubstr("code=\"3\""), HasSubstr("the form has no end")));
+    EXPECT_THAT(
+        client.UploadBody(type, "--bb\r\nContent-Disposition: form-data; name=\"photo\"; filename=\"a\"\r\n\r\nx")
+            .body,
+        AllOf(HasSubstr("code=\"3\""), HasSubstr("the form has no end")));
     EXPECT_EQ(client.Admin("uploads").body, "[]\n");
 }
 
@@ -182,8 +186,9 @@ TEST(UploadService, AnAsynchronousUploadGivesATicketThatComesToAnEnd)
 {
     RunningService service;
     auto client = service.Client();
-    const auto check = [&](const std::string &ticket)
-    { return client.Rest("flickr.photos.upload.checkTickets", {}, {{"tickets", ticket}}).body; };
+    const auto check = [&](const std::string &ticket) {
+        return client.Rest("flickr.photos.upload.checkTickets", {}, {{"tickets", ticket}}).body;
+    };
     const std::string good = Element(client.Upload({{"async", "1"}}).body, "ticketid");
     const std::string bad = Element(client.Upload({{"async", "1"}}, {"a.jpg", "no picture"}).body, "ticketid");
     client.Admin("account", {{"ticket_delay_ms", "60000"}});

@@ -41,7 +41,8 @@ public:
             setenv("NO_COLOR", "1", 1);
             setenv("LC_ALL", "C.UTF-8", 1);
             const std::string result = ResultOf(ask);
-            const bool told = write(results[1], result.data(), result.size()) == static_cast<ssize_t>(result.size());
+            const bool told =
+                write(results[1], result.data(), result.size()) == static_cast<ssize_t>(result.size());
             _exit(told ? 0 : 1);
         }
         close(results[1]);
@@ -89,7 +90,8 @@ public:
     // Waits for the prompt, and types.
     bool Answer(const std::string &keys)
     {
-        return WaitFor("   > ") && write(m_terminal, keys.data(), keys.size()) == static_cast<ssize_t>(keys.size());
+        return WaitFor("   > ") &&
+               write(m_terminal, keys.data(), keys.size()) == static_cast<ssize_t>(keys.size());
     }
 
     // What ask returned, when it has; empty if it ended otherwise.

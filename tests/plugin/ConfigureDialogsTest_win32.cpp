@@ -16,8 +16,9 @@ protected:
     void SetUp() override
     {
         m_controls = LoadLibraryW(TEXT("comctl32"));
-        ASSERT_EQ(CFlickrPublisher::CreateInstance(nullptr, __uuidof(IHalvoraPublishingPlugin), m_plugin.PutVoid()),
-                  S_OK);
+        ASSERT_EQ(
+            CFlickrPublisher::CreateInstance(nullptr, __uuidof(IHalvoraPublishingPlugin), m_plugin.PutVoid()),
+            S_OK);
         ASSERT_EQ(m_plugin->Initialize(m_world.Host.Get(), 0, m_world.Stream.Get(), 0), S_OK);
     }
     void TearDown() override
@@ -103,7 +104,8 @@ TEST_F(ConfigureDialogs, TheWholeRoadEndsInTheStream)
     });
     EXPECT_EQ(Configure(TEXT("authorize")), S_OK);
     const std::string account = StoredAccount();
-    for (const char *const text : {"access-token", "access-secret", "jdoe", "Jane Doe", "https://photos/jdoe/", "Pro"})
+    for (const char *const text :
+         {"access-token", "access-secret", "jdoe", "Jane Doe", "https://photos/jdoe/", "Pro"})
     {
         EXPECT_NE(account.find(text), account.npos) << text << " isn't in " << account;
     }

@@ -50,9 +50,9 @@ AccountRecord SomeAccount()
     return account;
 }
 
-const std::string someBytes = Bytes({"\1"sv, "\6\0\0\0a\0b\0\0\0"sv, "\2\0\0\0\0\0"sv, none,
-                                     "\4\0\0\0\xE9\0\0\0"sv, none, "\10\0\0\0P\0r\0o\0\0\0"sv,
-                                     "\x08\x07\x06\x05\x04\x03\x02\x01"sv});
+const std::string someBytes =
+    Bytes({"\1"sv, "\6\0\0\0a\0b\0\0\0"sv, "\2\0\0\0\0\0"sv, none, "\4\0\0\0\xE9\0\0\0"sv, none,
+           "\10\0\0\0P\0r\0o\0\0\0"sv, "\x08\x07\x06\x05\x04\x03\x02\x01"sv});
 } // namespace
 
 TEST(InitData, IsWrittenByteForByteOverWhatWasThere)
@@ -91,8 +91,9 @@ TEST(InitData, WithoutAPositiveMarkerLeavesTheTextsAlone)
         EXPECT_LE(stream->Position, 1u);
     }
     AccountRecord account;
-    EXPECT_EQ(Read(MemoryStream::Make(Bytes({"\x7F"sv, none, none, none, none, none, none, size5})).Get(), account),
-              S_OK);
+    EXPECT_EQ(
+        Read(MemoryStream::Make(Bytes({"\x7F"sv, none, none, none, none, none, none, size5})).Get(), account),
+        S_OK);
     EXPECT_EQ(account.MaxFileSize, 5);
 }
 

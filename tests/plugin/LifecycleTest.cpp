@@ -15,7 +15,8 @@ using Plugin = ComPtr<IHalvoraPublishingPlugin>;
 Plugin CreatePlugin()
 {
     Plugin plugin;
-    EXPECT_EQ(CFlickrPublisher::CreateInstance(nullptr, __uuidof(IHalvoraPublishingPlugin), plugin.PutVoid()), S_OK);
+    EXPECT_EQ(CFlickrPublisher::CreateInstance(nullptr, __uuidof(IHalvoraPublishingPlugin), plugin.PutVoid()),
+              S_OK);
     return plugin;
 }
 
@@ -46,7 +47,8 @@ TEST(Lifecycle, TellsWhoItIs)
     EXPECT_EQ(TextOf(plugin, &IHalvoraPublishingPlugin::GetDescription), "Halvora Publish to Flickr Component");
     EXPECT_EQ(TextOf(plugin, &IHalvoraPublishingPlugin::GetVersionInformation), "1.96 (Build 401)");
     EXPECT_THAT(TextOf(plugin, &IHalvoraPublishingPlugin::GetAuthorInformation), testing::HasSubstr("2026"));
-    EXPECT_THAT(TextOf(plugin, &IHalvoraPublishingPlugin::GetDisplayState), testing::HasSubstr("<a id=\"authorize\""));
+    EXPECT_THAT(TextOf(plugin, &IHalvoraPublishingPlugin::GetDisplayState),
+                testing::HasSubstr("<a id=\"authorize\""));
     HVRPUBLISHINGCAPABILITIES capabilities{};
     EXPECT_EQ(plugin->GetCapabilities(&capabilities), S_OK);
     EXPECT_EQ(capabilities, 15);
@@ -70,8 +72,8 @@ TEST(Lifecycle, AnswersItsInterfacesAndLeavesNothingBehind)
         const Plugin plugin = CreatePlugin();
         EXPECT_EQ(ModuleLocks::Read(), locks + 1);
         const auto identity = plugin.As<IUnknown>();
-        for (const IID &iid : {__uuidof(IDispatch), __uuidof(IHalvoraPublishingPlugin), __uuidof(ISupportErrorInfo),
-                               __uuidof(IUploadProgressCallback), __uuidof(IMarshal)})
+        for (const IID &iid : {__uuidof(IDispatch), __uuidof(IHalvoraPublishingPlugin),
+                               __uuidof(ISupportErrorInfo), __uuidof(IUploadProgressCallback), __uuidof(IMarshal)})
         {
             ComPtr<IUnknown> face;
             ASSERT_EQ(plugin->QueryInterface(iid, face.PutVoid()), S_OK);
@@ -98,7 +100,8 @@ TEST(Lifecycle, CanBeAggregated)
     {
         const auto outer = Outer::Make();
         void *face = nullptr;
-        EXPECT_EQ(CFlickrPublisher::CreateInstance(outer.Get(), __uuidof(IDispatch), &face), CLASS_E_NOAGGREGATION);
+        EXPECT_EQ(CFlickrPublisher::CreateInstance(outer.Get(), __uuidof(IDispatch), &face),
+                  CLASS_E_NOAGGREGATION);
         ASSERT_EQ(CFlickrPublisher::CreateInstance(outer.Get(), __uuidof(IUnknown), outer->Inner.PutVoid()), S_OK);
         for (const IID &iid : {__uuidof(IHalvoraPublishingPlugin), __uuidof(ISupportErrorInfo),
                                __uuidof(IUploadProgressCallback), __uuidof(IMarshal)})

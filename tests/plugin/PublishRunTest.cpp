@@ -14,7 +14,8 @@ using Lines = std::vector<std::string>;
 
 namespace
 {
-const WCHAR *const refusal = TEXT("<rsp stat=\"fail\"><err code=\"5\" msg=\"filetype was not recognised\"/></rsp>");
+const WCHAR *const refusal =
+    TEXT("<rsp stat=\"fail\"><err code=\"5\" msg=\"filetype was not recognised\"/></rsp>");
 
 class PublishRun : public testing::Test
 {
@@ -36,10 +37,7 @@ protected:
         }
     }
 
-    void Publish()
-    {
-        EXPECT_EQ(Plugin->Publish(World.Windows.Bar(), World.Windows.StatusText()), S_OK);
-    }
+    void Publish() { EXPECT_EQ(Plugin->Publish(World.Windows.Bar(), World.Windows.StatusText()), S_OK); }
 
     Lines Log(const char *level) const { return World.Record.LinesOf(std::string("log ") + level + " "); }
     std::string LastStatus() const
@@ -111,14 +109,38 @@ TEST_F(PublishRun, SendsTheFileAsItLiesUnderItsName)
     const auto parts = World.Web.CallsOf("AddFilePart");
     EXPECT_EQ(Narrow(parts.at(0).Arguments[0]), "photo");
     EXPECT_EQ(Narrow(parts.at(0).Arguments[3]), "photo.jpg");
-    EXPECT_THAT(World.Web.Operations(),
-                ElementsAreArray(Lines{"Create IOAuthWebClient", "SetService", "SetAccessToken",
-                                       "Create IMultipartFormData", "GetMimeTypeForFile", "Create IRequestParameters",
-                                       "Add", "AddTextField", "Add", "AddTextField", "Add", "AddTextField",
-                                       "Add", "AddNumberField", "Add", "AddNumberField", "Add", "AddNumberField",
-                                       "Add", "AddNumberField", "Add", "AddNumberField", "Add", "AddNumberField",
-                                       "AddFilePart", "QueryInterface IStream", "GetBodyLength", "GetContentType",
-                                       "Create IRequestParameters", "Add", "Add", "UploadRequest"}));
+    EXPECT_THAT(World.Web.Operations(), ElementsAreArray(Lines{"Create IOAuthWebClient",
+                                                               "SetService",
+                                                               "SetAccessToken",
+                                                               "Create IMultipartFormData",
+                                                               "GetMimeTypeForFile",
+                                                               "Create IRequestParameters",
+                                                               "Add",
+                                                               "AddTextField",
+                                                               "Add",
+                                                               "AddTextField",
+                                                               "Add",
+                                                               "AddTextField",
+                                                               "Add",
+                                                               "AddNumberField",
+                                                               "Add",
+                                                               "AddNumberField",
+                                                               "Add",
+                                                               "AddNumberField",
+                                                               "Add",
+                                                               "AddNumberField",
+                                                               "Add",
+                                                               "AddNumberField",
+                                                               "Add",
+                                                               "AddNumberField",
+                                                               "AddFilePart",
+                                                               "QueryInterface IStream",
+                                                               "GetBodyLength",
+                                                               "GetContentType",
+                                                               "Create IRequestParameters",
+                                                               "Add",
+                                                               "Add",
+                                                               "UploadRequest"}));
 }
 
 TEST_F(PublishRun, FailsTheItemByTheCodeOfTheCallThatFailed)
@@ -140,9 +162,9 @@ TEST_F(PublishRun, FailsTheItemByTheCodeOfTheCallThatFailed)
         Publish();
         const bool isSwallowed = operation == "Create IOAuthWebClient" || operation == "SetService" ||
                                  operation == "SetAccessToken" || operation == "Create IMultipartFormData";
-        EXPECT_THAT(Log("error"), ElementsAre("Could not publish \"" + World.PathOf("p0.jpg") + "\" (Error code: 0x" +
-                                              (isSwallowed ? "8000ffff" : "80031234") +
-                                              ") (internal: invalid argument)"))
+        EXPECT_THAT(Log("error"),
+                    ElementsAre("Could not publish \"" + World.PathOf("p0.jpg") + "\" (Error code: 0x" +
+                                (isSwallowed ? "8000ffff" : "80031234") + ") (internal: invalid argument)"))
             << operation;
         EXPECT_EQ(World.Web.Operations().size(), call) << operation;
         EXPECT_EQ(LastState(), "3");
@@ -154,14 +176,16 @@ TEST_F(PublishRun, GoesOnAfterATransportFailureAndStopsAtARefusal)
 {
     AddPictures(4);
     World.Web.Answer(OkReply);
-    World.Web.AnswerWith(E_FAIL, MakeDocument(TEXT("<HttpError HttpStatus=\"503\"><Status>Busy</Status></HttpError>")));
+    World.Web.AnswerWith(E_FAIL,
+                         MakeDocument(TEXT("<HttpError HttpStatus=\"503\"><Status>Busy</Status></HttpError>")));
     World.Web.Answer(refusal);
     Publish();
     EXPECT_THAT(World.Record.LinesOf("item "), ElementsAre("0", "1", "2"));
     EXPECT_THAT(Log("error"), ElementsAre("Could not publish \"" + World.PathOf("p1.jpg") +
                                           "\" (Error code: 0x80004005) HTTP Status = 503: Busy"));
-    EXPECT_THAT(Log("fatal"), ElementsAre("Could not publish \"" + World.PathOf("p2.jpg") +
-                                          "\" (Error code: 0x80004005) Flickr Status = 5: Filetype was not recognised"));
+    EXPECT_THAT(Log("fatal"),
+                ElementsAre("Could not publish \"" + World.PathOf("p2.jpg") +
+                            "\" (Error code: 0x80004005) Flickr Status = 5: Filetype was not recognised"));
     EXPECT_EQ(LastState(), "2");
     EXPECT_EQ(LastStatus(), "Error.");
 }
@@ -258,10 +282,9 @@ TEST_F(PublishRun, TellsOfAFileThatIsNoJpegInEveryMode)
     World.Settings.Set(TEXT("JPEGMode"), 1);
     Publish();
     const std::string path = World.PathOf("x.jpg");
-    EXPECT_THAT(Log("error"),
-                ElementsAre("\"" + path + "\" is not what it appears to be (wrong file extension?)",
-                            "Could not publish \"" + path +
-                                "\" (Error code: 0x80004005) (internal: invalid argument)"));
+    EXPECT_THAT(Log("error"), ElementsAre("\"" + path + "\" is not what it appears to be (wrong file extension?)",
+                                          "Could not publish \"" + path +
+                                              "\" (Error code: 0x80004005) (internal: invalid argument)"));
     EXPECT_TRUE(World.Web.CallsOf("UploadRequest").empty());
 
     // As a processed picture it goes by the settings of JPEG files, if the host can read it.
@@ -287,8 +310,7 @@ TEST_F(PublishRun, TakesTheWordsOfTheLastPass)
         {
             const size_t pass = World.Imaging.Calls.DetailsOf(call).size();
             World.Host->Metadata->Caption = pass == 1 ? TEXT("First") : pass == 2 ? TEXT("Second") : TEXT("Third");
-            World.Host->Metadata->Description =
-                pass == 1 ? std::optional<WideText>(TEXT("Words")) : std::nullopt;
+            World.Host->Metadata->Description = pass == 1 ? std::optional<WideText>(TEXT("Words")) : std::nullopt;
             World.Host->Metadata->Keywords = pass == 3 ? std::optional<WideText>(TEXT("tag")) : std::nullopt;
         }
     };
@@ -366,7 +388,8 @@ TEST_F(PublishRun, MovesTheBarByWholePercents)
     World.Web.Answer(OkReply);
     World.Web.DuringUpload = [](IUploadProgressCallback *callback, UINT32) {
         callback->OnUploadProgress(UPLOAD_BEGIN, 0, 0);
-        for (const UINT32 done : {0u, 4'000'000'000u / 100, 41'000'000u, 3'000'000'000u, 2'000'000'000u, 4'000'000'000u})
+        for (const UINT32 done :
+             {0u, 4'000'000'000u / 100, 41'000'000u, 3'000'000'000u, 2'000'000'000u, 4'000'000'000u})
         {
             EXPECT_EQ(callback->OnUploadProgress(UPLOAD_BYTES, 4'000'000'000u, done), S_OK);
         }

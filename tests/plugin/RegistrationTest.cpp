@@ -54,10 +54,9 @@ struct Classes
         RegistryKeyOwner opened;
         WCHAR text[1024] = {};
         DWORD size = sizeof(text) - sizeof(WCHAR);
-        const bool isRead =
-            RegOpenKeyExW(root, Path(key).c_str(), 0, KEY_READ, opened.Put()) == ERROR_SUCCESS &&
-            RegQueryValueExW(opened.Get(), Wide(name).c_str(), nullptr, nullptr, reinterpret_cast<BYTE *>(text),
-                             &size) == ERROR_SUCCESS;
+        const bool isRead = RegOpenKeyExW(root, Path(key).c_str(), 0, KEY_READ, opened.Put()) == ERROR_SUCCESS &&
+                            RegQueryValueExW(opened.Get(), Wide(name).c_str(), nullptr, nullptr,
+                                             reinterpret_cast<BYTE *>(text), &size) == ERROR_SUCCESS;
         return isRead ? Narrow(text) : "(none)";
     }
 
@@ -73,8 +72,9 @@ struct Classes
 const Classes machineClasses{HKEY_LOCAL_MACHINE};
 const Classes userClasses{HKEY_CURRENT_USER};
 
-constexpr const char *ownKeys[] = {CLASS_KEY, PROG_ID, PROG_ID ".1", "AppID\\" APPLICATION_ID,
-                                   "AppID\\" PROG_ID ".dll", LIBRARY_KEY, INTERFACE_KEY};
+constexpr const char *ownKeys[] = {
+    CLASS_KEY,   PROG_ID,      PROG_ID ".1", "AppID\\" APPLICATION_ID, "AppID\\" PROG_ID ".dll",
+    LIBRARY_KEY, INTERFACE_KEY};
 
 std::vector<std::string> PresentKeys(const Classes &classes)
 {
@@ -92,7 +92,8 @@ public:
     {
         static int count = 0;
         // A quote in the path is one that a script must not take for the end of it.
-        m_folder = fs::temp_directory_path() / ("halvora's " + std::to_string(GetTickCount64()) + "-" + std::to_string(++count));
+        m_folder = fs::temp_directory_path() /
+                   ("halvora's " + std::to_string(GetTickCount64()) + "-" + std::to_string(++count));
         fs::create_directories(m_folder);
         const fs::path source(HALVORA_MODULE);
         m_file = m_folder / source.filename();
@@ -120,11 +121,13 @@ public:
     }
     HRESULT Install(bool install, const WCHAR *commandLine) const
     {
-        return reinterpret_cast<HRESULT(STDAPICALLTYPE *)(BOOL, LPCWSTR)>(Exported("DllInstall"))(install, commandLine);
+        return reinterpret_cast<HRESULT(STDAPICALLTYPE *)(BOOL, LPCWSTR)>(Exported("DllInstall"))(install,
+                                                                                                  commandLine);
     }
     ComPtr<IClassFactory> Factory() const
     {
-        const auto get = reinterpret_cast<HRESULT(STDAPICALLTYPE *)(REFCLSID, REFIID, void **)>(Exported("DllGetClassObject"));
+        const auto get =
+            reinterpret_cast<HRESULT(STDAPICALLTYPE *)(REFCLSID, REFIID, void **)>(Exported("DllGetClassObject"));
         ComPtr<IClassFactory> factory;
         EXPECT_EQ(get(CLSID_FlickrPublisher, __uuidof(IClassFactory), factory.PutVoid()), S_OK);
         return factory;
@@ -200,8 +203,10 @@ public:
     STDMETHODIMP ResourceRegister(LPCOLESTR, UINT id, LPCOLESTR) noexcept override
     {
         RegistryKeyOwner made;
-        RegCreateKeyExW(HKEY_CLASSES_ROOT, TEXT("Halvora.Test.Mark"), 0, nullptr, 0, KEY_WRITE, nullptr, made.Put(), nullptr);
-        m_seen.push_back("apply " + std::to_string(id) + (userClasses.Has("Halvora.Test.Mark") ? " user" : " machine") +
+        RegCreateKeyExW(HKEY_CLASSES_ROOT, TEXT("Halvora.Test.Mark"), 0, nullptr, 0, KEY_WRITE, nullptr,
+                        made.Put(), nullptr);
+        m_seen.push_back("apply " + std::to_string(id) +
+                         (userClasses.Has("Halvora.Test.Mark") ? " user" : " machine") +
                          (GetThreadLocale() == 0x407 ? " own locale" : ""));
         return id == 102 ? E_ACCESSDENIED : S_OK;
     }
@@ -228,7 +233,7 @@ TEST_F(Registration, WritesEveryEntryForItsScopeAndTakesItBack)
 {
     const struct
     {
-        const WCHAR *commandLine;   // null: DllRegisterServer
+        const WCHAR *commandLine; // null: DllRegisterServer
         const Classes &own;
         const Classes &other;
     } scopes[] = {{nullptr, machineClasses, userClasses},
@@ -238,7 +243,8 @@ TEST_F(Registration, WritesEveryEntryForItsScopeAndTakesItBack)
     {
         const InstalledCopy copy;
         const std::string module = Narrow(copy.Path());
-        ASSERT_EQ(scope.commandLine ? copy.Install(true, scope.commandLine) : copy.Call("DllRegisterServer"), S_OK);
+        ASSERT_EQ(scope.commandLine ? copy.Install(true, scope.commandLine) : copy.Call("DllRegisterServer"),
+                  S_OK);
         const std::vector<std::array<std::string, 3>> entries = {
             {"AppID\\" APPLICATION_ID, "", PROG_ID},
             {"AppID\\" PROG_ID ".dll", "AppID", APPLICATION_ID},
@@ -275,10 +281,12 @@ TEST_F(Registration, WritesEveryEntryForItsScopeAndTakesItBack)
         EXPECT_TRUE(scope.own.Has(CLASS_KEY "\\Programmable"));
         EXPECT_TRUE(scope.own.Has(CLASS_KEY "\\Implemented Categories\\{5EE4545B-143B-4f11-B9B3-F919653EB62F}"));
         const bool isLibraryAstray = &libraryOwner != &scope.own;
-        EXPECT_THAT(PresentKeys(scope.other), isLibraryAstray ? testing::ElementsAre(LIBRARY_KEY, INTERFACE_KEY)
-                                                              : testing::Matcher<std::vector<std::string>>(testing::IsEmpty()));
+        EXPECT_THAT(PresentKeys(scope.other),
+                    isLibraryAstray ? testing::ElementsAre(LIBRARY_KEY, INTERFACE_KEY)
+                                    : testing::Matcher<std::vector<std::string>>(testing::IsEmpty()));
 
-        EXPECT_EQ(scope.commandLine ? copy.Install(false, scope.commandLine) : copy.Call("DllUnregisterServer"), S_OK);
+        EXPECT_EQ(scope.commandLine ? copy.Install(false, scope.commandLine) : copy.Call("DllUnregisterServer"),
+                  S_OK);
         EXPECT_THAT(PresentKeys(scope.own), testing::IsEmpty());
         EXPECT_THAT(PresentKeys(scope.other), testing::IsEmpty());
         EXPECT_TRUE(scope.own.Has("CLSID") && scope.own.Has("AppID"));
@@ -392,9 +400,9 @@ TEST_F(Registration, TheTypeLibraryTellsClassInterfaceAndSet)
     ComPtr<ITypeInfo> info;
     ASSERT_EQ(library->GetTypeInfoOfGuid(__uuidof(IHalvoraPublishingPlugin), info.Put()), S_OK);
     DISPID expected = 0;
-    for (const char *name : {"Initialize", "Terminate", "GetCapabilities", "GetIcon", "GetDisplayName", "GetDescription",
-                             "GetAuthorInformation", "GetVersionInformation", "GetDisplayState", "Configure", "Publish",
-                             "CanPublish", "Cancel"})
+    for (const char *name : {"Initialize", "Terminate", "GetCapabilities", "GetIcon", "GetDisplayName",
+                             "GetDescription", "GetAuthorInformation", "GetVersionInformation", "GetDisplayState",
+                             "Configure", "Publish", "CanPublish", "Cancel"})
     {
         WideText wide = Wide(name);
         LPOLESTR text = wide.data();

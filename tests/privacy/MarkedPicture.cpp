@@ -38,20 +38,21 @@ constexpr unsigned char blockTags[][2] = {{0x02, 0xBC}, {0x83, 0xBB}, {0x86, 0x4
 
 bool IsBlockInIfd0(const Exiv2::ExifKey &key)
 {
-    return std::any_of(std::begin(blockTags), std::end(blockTags), [&](const unsigned char (&tag)[2]) {
+    return std::any_of(std::begin(blockTags), std::end(blockTags), [&](const unsigned char(&tag)[2]) {
         return key.groupName() == "Image" && key.tag() == tag[0] * 256 + tag[1] + 1;
     });
 }
 
 void RenameBlockTags(std::string &file)
 {
-    for (const unsigned char (&tag)[2] : blockTags)
+    for (const unsigned char(&tag)[2] : blockTags)
     {
         const auto low = static_cast<char>(tag[1] + 1);
         const auto high = static_cast<char>(tag[0]);
         // Of type 1, in the byte order of the file.
         const bool isBigEndian = file.find(std::string{high, low, 0, 1}) != std::string::npos;
-        const size_t found = isBigEndian ? file.find(std::string{high, low, 0, 1}) + 1 : file.find(std::string{low, high, 1, 0});
+        const size_t found =
+            isBigEndian ? file.find(std::string{high, low, 0, 1}) + 1 : file.find(std::string{low, high, 1, 0});
         file.at(found) = static_cast<char>(tag[1]);
     }
 }
@@ -91,8 +92,8 @@ std::string Thumbnail()
 // Eight by eight pixels of gray: the smallest set of tags, pointing behind themselves.
 std::string MakePlainTiff()
 {
-    const std::pair<int, int> shorts[] = {{256, 8}, {257, 8},  {258, 8}, {259, 1}, {262, 1},
-                                          {273, 110}, {277, 1}, {278, 8}};
+    const std::pair<int, int> shorts[] = {{256, 8}, {257, 8},   {258, 8}, {259, 1},
+                                          {262, 1}, {273, 110}, {277, 1}, {278, 8}};
     const auto number = [](int value, int bytes) {
         std::string text;
         for (; bytes > 0; --bytes, value >>= 8)
@@ -146,8 +147,8 @@ std::string BigEndian(size_t value)
 std::string Segment(int marker, const std::string &contents)
 {
     const size_t length = contents.size() + 2;
-    return "\xFF"s + static_cast<char>(marker) + static_cast<char>(length >> 8) + static_cast<char>(length & 0xFF) +
-           contents;
+    return "\xFF"s + static_cast<char>(marker) + static_cast<char>(length >> 8) +
+           static_cast<char>(length & 0xFF) + contents;
 }
 
 // The offset of the first segment that is neither an application's nor a comment, and on the way there
@@ -162,8 +163,8 @@ size_t EndOfHead(const std::string &file, const std::function<void(size_t, size_
         {
             return at;
         }
-        const size_t length = 2 + (static_cast<unsigned char>(file.at(at + 2)) << 8) +
-                              static_cast<unsigned char>(file.at(at + 3));
+        const size_t length =
+            2 + (static_cast<unsigned char>(file.at(at + 2)) << 8) + static_cast<unsigned char>(file.at(at + 3));
         seen(at, length);
         at += length;
     }
@@ -181,7 +182,8 @@ void AddStaleBytes(std::string &file)
             foundLength = length;
         }
     });
-    const std::string contents = file.substr(found + 4, foundLength - 4) + ValueOf("unused bytes in the EXIF block");
+    const std::string contents =
+        file.substr(found + 4, foundLength - 4) + ValueOf("unused bytes in the EXIF block");
     file.replace(found, foundLength, Segment(0xE1, contents));
 }
 
@@ -192,8 +194,8 @@ void AddSegments(std::string &file)
                                "xmlns:exif=\"http://ns.adobe.com/exif/1.0/\" exif:GPSAreaInformation=\""s +
                                ValueOf("APP1, extended XMP") + "\"/></rdf:RDF></x:xmpmeta>";
     const std::string added =
-        Segment(0xE1, "http://ns.adobe.com/xmp/extension/\0"s + std::string(32, 'A') +
-                          BigEndian(packet.size()) + BigEndian(0) + packet) +
+        Segment(0xE1, "http://ns.adobe.com/xmp/extension/\0"s + std::string(32, 'A') + BigEndian(packet.size()) +
+                          BigEndian(0) + packet) +
         Segment(0xE1, "Exif\0\0II*\0\x08\0\0\0\0\0\0\0\0\0"s + ValueOf("APP1, second EXIF block")) +
         Segment(0xE2, "MPF\0"s + ValueOf("APP2, list of further pictures")) +
         Segment(0xED, "Photoshop 3.0\0"s + "8BIM\x04\x04\0\0\0\0\0\x16\x1C\x02\x78\0\x11"s +

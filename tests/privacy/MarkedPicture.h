@@ -6,11 +6,11 @@
 enum class Contents
 {
     JpegWithEverything,
-    JpegWithExifAlone,  // as a camera writes it, in its own byte order
-    Tiff,               // EXIF, IPTC and XMP
-    WebP,               // EXIF and XMP
-    Png,                // EXIF twice, IPTC and XMP, and texts in chunks of their own
-    Raw                 // as TIFF, a camera's DNG
+    JpegWithExifAlone, // as a camera writes it, in its own byte order
+    Tiff,              // EXIF, IPTC and XMP
+    WebP,              // EXIF and XMP
+    Png,               // EXIF twice, IPTC and XMP, and texts in chunks of their own
+    Raw                // as TIFF, a camera's DNG
 };
 
 // With its dot, as the file is named.

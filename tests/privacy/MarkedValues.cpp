@@ -152,7 +152,8 @@ const std::vector<MarkedValue> &MarkedValues()
         for (const bool isBigEndian : {false, true})
         {
             all.push_back({"Exif.GPSInfo.GPSLatitude",
-                           Bytes(secondsNumerator, isBigEndian) + Bytes(secondsDenominator, isBigEndian), false,
+                           Bytes(secondsNumerator, isBigEndian) + Bytes(secondsDenominator, isBigEndian),
+                           false,
                            {Gps}});
         }
         return all;

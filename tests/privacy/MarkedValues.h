@@ -19,7 +19,7 @@ enum Group : unsigned
 struct MarkedValue
 {
     std::string place;
-    std::string bytes;          // text is ASCII; it may turn up in other encodings
+    std::string bytes; // text is ASCII; it may turn up in other encodings
     bool isText;
 
     // The value may go up when all groups of one of these sets are on. With none it may never go up.

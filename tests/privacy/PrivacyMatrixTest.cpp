@@ -33,15 +33,17 @@ namespace
 enum class FirstWriting
 {
     Succeeds,
-    FailsBefore,    // nothing is written
-    FailsAfter      // everything is written, and then it fails
+    FailsBefore, // nothing is written
+    FailsAfter   // everything is written, and then it fails
 };
 
 // The real host, but that its first writing of metadata may fail.
 class Host final : public ComObject<Host, IHalvoraPublishingHost, IHalvoraImageMetadata>
 {
 public:
-    Host() : m_record(ItemCollection()), m_host(PublishingHost::Make(m_record, [](int, const auto &, const auto &) {}))
+    Host()
+        : m_record(ItemCollection()),
+          m_host(PublishingHost::Make(m_record, [](int, const auto &, const auto &) {}))
     {
     }
 
@@ -114,7 +116,7 @@ protected:
     static void SetUpTestSuite()
     {
         RegisterSystemModules();
-        Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);   // the odd blocks are meant to be odd
+        Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute); // the odd blocks are meant to be odd
     }
 
     void SetUp() override
@@ -144,8 +146,8 @@ protected:
         options.WriteGps = groups & Gps;
         options.WriteIptc = groups & Iptc;
         options.PrintDpi = 300;
-        const RunContext run{host.Get(), nullptr,  Callback.Get(), Account, Version, Settings,
-                             Statistics, Windows,  Cancel,         SystemTicks, [](DWORD) {}};
+        const RunContext run{host.Get(), nullptr, Callback.Get(), Account,     Version,     Settings,
+                             Statistics, Windows, Cancel,         SystemTicks, [](DWORD) {}};
         Web.ForgetCalls();
         Web.FileParts.clear();
         Web.AnswerWith(S_OK, nullptr);

@@ -48,7 +48,8 @@ protected:
     {
         UploadOptions options;
         options.Mode = mode;
-        options.WriteCopyright = options.WriteExif = options.WriteXmp = options.WriteGps = options.WriteIptc = true;
+        options.WriteCopyright = options.WriteExif = options.WriteXmp = options.WriteGps = options.WriteIptc =
+            true;
         options.PrintDpi = 300;
         return options;
     }
@@ -62,9 +63,17 @@ protected:
         World.Web.FileParts.clear();
         World.Web.AnswerWith(S_OK, nullptr);
         const long locks = ModuleLocks::Read();
-        const RunContext run{World.Host.Get(), nullptr,    Callback.Get(), Account,
-                             Version,          Settings,   Statistics,     Windows,
-                             Cancel,           SystemTicks, [this](DWORD milliseconds) { Pauses.push_back(milliseconds); }};
+        const RunContext run{World.Host.Get(),
+                             nullptr,
+                             Callback.Get(),
+                             Account,
+                             Version,
+                             Settings,
+                             Statistics,
+                             Windows,
+                             Cancel,
+                             SystemTicks,
+                             [this](DWORD milliseconds) { Pauses.push_back(milliseconds); }};
         ComPtr<IUnknown> reply;
         const std::string path = World.PathOf("p.jpg");
         const HRESULT result =
@@ -272,10 +281,10 @@ TEST_F(ImagePreparation, TakesTheProfileFromWhereItIs)
 {
     const struct
     {
-        const char *failing;    // null: nothing fails
+        const char *failing; // null: nothing fails
         UINT otherCount, ownCount;
-        Lines asked;            // frames that are asked for their profile
-        size_t given;           // profiles given to the encoder, the refused one included
+        Lines asked;  // frames that are asked for their profile
+        size_t given; // profiles given to the encoder, the refused one included
     } cases[] = {
         {nullptr, 1, 1, {"Other source"}, 1},
         {nullptr, 2, 1, {"Other source"}, 1},
@@ -414,9 +423,9 @@ TEST_F(ImagePreparation, BlanksEachGroupThatIsOff)
         options.Mode = SendProcessed;
         EXPECT_EQ(Upload(options), S_OK);
         // In a processed picture the flags alone decide.
-        EXPECT_THAT(Calls().DetailsOf("WriteImageMetadata"),
-                    ElementsAre(c.intact, std::string(c.processed) +
-                                              "11 800x600 at 96x96 copyright exif xmp gps iptc"));
+        EXPECT_THAT(
+            Calls().DetailsOf("WriteImageMetadata"),
+            ElementsAre(c.intact, std::string(c.processed) + "11 800x600 at 96x96 copyright exif xmp gps iptc"));
     }
 
     // All off, and one alone on: the mark of processing follows.

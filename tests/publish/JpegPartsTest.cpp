@@ -23,18 +23,12 @@ TEST(OutputResolution, IsThatOfTheWantedSizeOrElseTheSourcesOwn)
         double printDpi, sourceX, sourceY;
         double x, y;
     } cases[] = {
-        {SendProcessed, 1024, 300, 96, 96, 300, 300},
-        {SendProcessed, 1024, -180, 96, 96, 180, 180},
-        {SendProcessed, 1024, 0, 96, 96, 72, 72},
-        {SendProcessed, 0, 300, 96, 96, 96, 96},
-        {SendProcessed, 0, 300, 1, 2540, 1, 2540},
-        {SendProcessed, 0, 300, 0, 0, 300, 300},
-        {SendProcessed, 0, 300, 1200, 0, 300, 300},
-        {SendProcessed, 0, 300, 0.99, 1200, 300, 300},
-        {SendProcessed, 0, 0, 0, 0, 72, 72},
-        {SendPixelsIntact, 1024, 300, 96, 72, 96, 72},
-        {SendPixelsIntact, 1024, 300, 0, 0, 300, 300},
-        {SendPixelsIntact, 0, -250, -96, -96, 250, 250},
+        {SendProcessed, 1024, 300, 96, 96, 300, 300},  {SendProcessed, 1024, -180, 96, 96, 180, 180},
+        {SendProcessed, 1024, 0, 96, 96, 72, 72},      {SendProcessed, 0, 300, 96, 96, 96, 96},
+        {SendProcessed, 0, 300, 1, 2540, 1, 2540},     {SendProcessed, 0, 300, 0, 0, 300, 300},
+        {SendProcessed, 0, 300, 1200, 0, 300, 300},    {SendProcessed, 0, 300, 0.99, 1200, 300, 300},
+        {SendProcessed, 0, 0, 0, 0, 72, 72},           {SendPixelsIntact, 1024, 300, 96, 72, 96, 72},
+        {SendPixelsIntact, 1024, 300, 0, 0, 300, 300}, {SendPixelsIntact, 0, -250, -96, -96, 250, 250},
     };
     for (const auto &c : cases)
     {
@@ -110,7 +104,7 @@ namespace
 {
 constexpr HRESULT badImage = 0x88982F60;
 constexpr HRESULT unexpectedType = 0x88982F8E;
-constexpr HRESULT metadataFailure = 0x80031111;   // stands for a failure of the host's writer
+constexpr HRESULT metadataFailure = 0x80031111; // stands for a failure of the host's writer
 constexpr int none = -1;
 } // namespace
 
@@ -138,7 +132,10 @@ TEST(RetryRule, AnswersEachOutcomeInItsTurn)
         {false, {{unexpectedType, none, false}}},
         // A failure of the metadata says nothing of the pixels; an outcome of the pixels starts the count anew.
         {true,
-         {{badImage, 100, true}, {metadataFailure, 0, false}, {badImage, 200, false}, {metadataFailure, none, false}}},
+         {{badImage, 100, true},
+          {metadataFailure, 0, false},
+          {badImage, 200, false},
+          {metadataFailure, none, false}}},
         {true,
          {{badImage, 100, true},
           {badImage, 200, true},
@@ -154,7 +151,8 @@ TEST(RetryRule, AnswersEachOutcomeInItsTurn)
         {
             const std::optional<DWORD> next =
                 step.outcome == metadataFailure ? rule.AfterMetadataFailure() : rule.AfterPixels(step.outcome);
-            const auto where = ::testing::Message() << "case " << (&c - cases) << ", step " << (&step - &c.steps[0]);
+            const auto where = ::testing::Message()
+                               << "case " << (&c - cases) << ", step " << (&step - &c.steps[0]);
             EXPECT_EQ(next ? static_cast<int>(*next) : none, step.pause) << where;
             EXPECT_EQ(rule.CopiesBlocks(), step.copiesAfter) << where;
         }

@@ -60,9 +60,9 @@ TEST(EstimateMayShow, FromAShareOfShortRunsAndANumberOfItemsOfLongOnes)
         UINT64 count;
         UINT64 units;
     } cases[] = {
-        {1, 75},        {2, 2 * 75},    {3, 3 * 74},    {16, 16 * 63},  {29, 29 * 51},  {30, 30 * 50},
-        {31, 15 * 100}, {57, 15 * 100}, {58, 16 * 100}, {500, 31 * 100}, {999, 49 * 100}, {1000, 50 * 100},
-        {100000, 50 * 100},
+        {1, 75},         {2, 2 * 75},      {3, 3 * 74},        {16, 16 * 63},  {29, 29 * 51},
+        {30, 30 * 50},   {31, 15 * 100},   {57, 15 * 100},     {58, 16 * 100}, {500, 31 * 100},
+        {999, 49 * 100}, {1000, 50 * 100}, {100000, 50 * 100},
     };
     for (const auto &c : cases)
     {
@@ -110,7 +110,7 @@ TEST(PublishStatistics, ForgetsSamplesBeyondTheLast25)
     PublishStatistics statistics;
     statistics.Start(1000, 0);
     statistics.AddDoneUnits(100);
-    statistics.RemainingTime(Seconds(1));       // 100 units a second, once
+    statistics.RemainingTime(Seconds(1)); // 100 units a second, once
     for (int i = 0; i < 24; ++i)
     {
         statistics.RemainingTime(Seconds(100)); // 1 unit a second

@@ -70,13 +70,15 @@ std::wstring TextOf(HWND window)
 std::vector<HWND> Collected(const std::function<void(WNDENUMPROC, LPARAM)> &enumerate)
 {
     std::vector<HWND> windows;
-    enumerate([](HWND window, LPARAM all) -> BOOL {
-        if (IsWindowVisible(window))
-        {
-            reinterpret_cast<std::vector<HWND> *>(all)->push_back(window);
-        }
-        return TRUE;
-    }, reinterpret_cast<LPARAM>(&windows));
+    enumerate(
+        [](HWND window, LPARAM all) -> BOOL {
+            if (IsWindowVisible(window))
+            {
+                reinterpret_cast<std::vector<HWND> *>(all)->push_back(window);
+            }
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&windows));
     return windows;
 }
 
@@ -119,7 +121,8 @@ HWND FindTop(const std::wstring &caption)
 HWND FindPart(HWND window, int id)
 {
     const auto parts = PartsOf(window);
-    const auto found = std::find_if(parts.begin(), parts.end(), [&](HWND part) { return GetDlgCtrlID(part) == id; });
+    const auto found =
+        std::find_if(parts.begin(), parts.end(), [&](HWND part) { return GetDlgCtrlID(part) == id; });
     return found != parts.end() ? *found : nullptr;
 }
 
@@ -171,7 +174,10 @@ public:
     SharedMemory &operator=(const SharedMemory &) = delete;
 
     LPARAM Place() const { return reinterpret_cast<LPARAM>(m_place); }
-    bool Write(const void *from, size_t size) { return WriteProcessMemory(m_process, m_place, from, size, nullptr); }
+    bool Write(const void *from, size_t size)
+    {
+        return WriteProcessMemory(m_process, m_place, from, size, nullptr);
+    }
     bool Read(void *to, size_t size) { return ReadProcessMemory(m_process, m_place, to, size, nullptr); }
 
 private:
@@ -268,18 +274,20 @@ const Command commands[] = {
     {L"trust", 0, [](const Arguments &) { Check(TrustedAuthority::Begin(), L"the authority can't be trusted"); }},
     {L"has-class", 1, [](const Arguments &a) { Check(CanCreate(a[0]), L"there is no such class"); }},
     {L"await", 1, [](const Arguments &a) { Top(a[0]); }},
-    {L"await-end", 1, [](const Arguments &a) {
-         Await(L"the end of " + a[0], [&] { return FindTop(a[0]) == nullptr; });
-     }},
-    {L"await-text", 3, [](const Arguments &a) {
+    {L"await-end", 1,
+     [](const Arguments &a) { Await(L"the end of " + a[0], [&] { return FindTop(a[0]) == nullptr; }); }},
+    {L"await-text", 3,
+     [](const Arguments &a) {
          const HWND control = Part(a[0], a[1]);
          Await(a[2], [&] { return TextOf(control).find(a[2]) != std::wstring::npos; });
      }},
-    {L"await-button", 2, [](const Arguments &a) {
+    {L"await-button", 2,
+     [](const Arguments &a) {
          const HWND control = Part(a[0], a[1]);
          Await(L"button " + a[1], [&] { return IsWindowEnabled(control) != FALSE; });
      }},
-    {L"await-rows", 3, [](const Arguments &a) {
+    {L"await-rows", 3,
+     [](const Arguments &a) {
          const HWND list = Part(a[0], a[1]);
          Await(a[2] + L" rows", [&] { return SendMessageW(list, LVM_GETITEMCOUNT, 0, 0) == std::stoi(a[2]); });
      }},

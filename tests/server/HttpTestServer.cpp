@@ -89,7 +89,8 @@ void Conversation::ReadBody(SeenRequest &request, unsigned long long length)
 {
     while (request.bodyBytes < length && (!m_ahead.empty() || Fill()))
     {
-        const auto taken = static_cast<size_t>(std::min<unsigned long long>(m_ahead.size(), length - request.bodyBytes));
+        const auto taken =
+            static_cast<size_t>(std::min<unsigned long long>(m_ahead.size(), length - request.bodyBytes));
         request.body.append(m_ahead, 0, std::min(taken, KeptBody - std::min(KeptBody, request.body.size())));
         request.bodyBytes += taken;
         m_ahead.erase(0, taken);
@@ -151,8 +152,8 @@ void Conversation::Relay(unsigned port)
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     address.sin_port = htons(static_cast<uint16_t>(port));
     // Known to the server, whose end must also end a send that the other side never takes.
-    bool isOpen = m_server.Keep(other) &&
-                  connect(other, reinterpret_cast<sockaddr *>(&address), sizeof(address)) == 0;
+    bool isOpen =
+        m_server.Keep(other) && connect(other, reinterpret_cast<sockaddr *>(&address), sizeof(address)) == 0;
     pollfd ends[] = {{m_socket, POLLIN, 0}, {other, POLLIN, 0}};
     while (isOpen && poll(ends, 2, -1) > 0)
     {

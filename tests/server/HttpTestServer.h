@@ -22,7 +22,7 @@ struct SeenRequest
     int connection = 0; // counted from 1
     std::string line;   // "POST /path HTTP/1.1"
     std::string headers;
-    std::string body;   // the first megabyte
+    std::string body; // the first megabyte
     unsigned long long bodyBytes = 0;
 
     // The value of a header, by its name in lower case; "(none)" if it isn't there.

@@ -43,8 +43,9 @@ void Refuse(Conversation &conversation)
 void Redirect(Conversation &conversation)
 {
     conversation.ReadRequest();
-    conversation.WriteReply(302, "Found", "", "Location: https://echo.partner.test/elsewhere\r\n"
-                                              "Set-Cookie: a=b\r\n");
+    conversation.WriteReply(302, "Found", "",
+                            "Location: https://echo.partner.test/elsewhere\r\n"
+                            "Set-Cookie: a=b\r\n");
 }
 
 void Challenge(Conversation &conversation)
@@ -123,9 +124,11 @@ public:
     {
         const IssuedCertificate usual = m_authority.Issue("DNS:*.partner.test");
         const std::pair<const char *, HttpTestServer::Script> scripts[] = {
-            {"echo", Echo}, {"measure", Measure}, {"refuse", Refuse}, {"redirect", Redirect}, {"challenge", Challenge},
-            {"cut", Cut}, {"cut-head", CutHead}, {"count", CountCut}, {"deaf", TakeNothing}, {"mute", NeverAnswer},
-            {"late", AnswerLate}, {"half", AnswerHalf}, {"huge", AnswerTooMuch}, {"nonsense", AnswerNonsense}};
+            {"echo", Echo},          {"measure", Measure},        {"refuse", Refuse},
+            {"redirect", Redirect},  {"challenge", Challenge},    {"cut", Cut},
+            {"cut-head", CutHead},   {"count", CountCut},         {"deaf", TakeNothing},
+            {"mute", NeverAnswer},   {"late", AnswerLate},        {"half", AnswerHalf},
+            {"huge", AnswerTooMuch}, {"nonsense", AnswerNonsense}};
         for (const auto &[name, script] : scripts)
         {
             Add(name, usual, script);

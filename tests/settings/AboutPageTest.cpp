@@ -95,10 +95,10 @@ TEST(AboutPage, ARefreshIsToldWhetherItWorksOrNot)
         AboutWorld world;
         world.Result = result;
         world.Page.Refresh(world.Controls, world.Display);
-        const auto outcome = FAILED(result)
-                                 ? testing::Matcher<std::string>(testing::StartsWith(
-                                       "error Publish to Flickr: Failed to refresh account data. The authorization"))
-                                 : testing::Matcher<std::string>("pause 500");
+        const auto outcome =
+            FAILED(result) ? testing::Matcher<std::string>(testing::StartsWith(
+                                 "error Publish to Flickr: Failed to refresh account data. The authorization"))
+                           : testing::Matcher<std::string>("pause 500");
         EXPECT_THAT(world.Controls.Record.Lines(),
                     testing::ElementsAre("text 205 ", "repaint 205", "focus 205", "enable 210 0", "repaint 210",
                                          "pending shown", "wait cursor", "refresh",

@@ -80,9 +80,10 @@ public:
         if (input.Key == SheetKey::Click)
         {
             input.Row = RowOf(m_clickTexts.front());
-            input.Column = input.Row < 0 ? -1
-                                         : static_cast<int>(m_cells[static_cast<size_t>(input.Row)].find(
-                                               m_clickTexts.front()));
+            input.Column =
+                input.Row < 0
+                    ? -1
+                    : static_cast<int>(m_cells[static_cast<size_t>(input.Row)].find(m_clickTexts.front()));
             m_clickTexts.pop_front();
         }
         return input;

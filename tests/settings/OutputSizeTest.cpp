@@ -145,8 +145,7 @@ TEST(OutputSize, ALongTextIsCutAndAHugeNumberIsNoFault)
 
     double dpi;
     OutputSizeUnit unit;
-    EXPECT_EQ(OutputSizeToPixels(WideText(400, '9'), dpi, unit, English()),
-              std::numeric_limits<INT32>::max());
+    EXPECT_EQ(OutputSizeToPixels(WideText(400, '9'), dpi, unit, English()), std::numeric_limits<INT32>::max());
     EXPECT_EQ(OutputSizeToPixels(TEXT("999999999999 in"), dpi, unit, English()),
               std::numeric_limits<INT32>::max());
 }

@@ -70,9 +70,9 @@ TEST(PageLayout, KeepsIndentationAndGapsOfTheTemplate)
         rowsAndColumns.emplace_back(place.Row, place.Column);
     }
     using testing::Pair;
-    EXPECT_THAT(rowsAndColumns, testing::ElementsAre(Pair(0, 0), Pair(1, 2), Pair(2, 2), Pair(3, 2), Pair(5, 0),
-                                                     Pair(6, 2), Pair(7, 2), Pair(8, 2), Pair(10, 0), Pair(11, 2),
-                                                     Pair(12, 2)));
+    EXPECT_THAT(rowsAndColumns,
+                testing::ElementsAre(Pair(0, 0), Pair(1, 2), Pair(2, 2), Pair(3, 2), Pair(5, 0), Pair(6, 2),
+                                     Pair(7, 2), Pair(8, 2), Pair(10, 0), Pair(11, 2), Pair(12, 2)));
 }
 
 TEST(CellText, CountsAndBreaksAsTheTerminalDoes)

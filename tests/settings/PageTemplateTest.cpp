@@ -59,7 +59,8 @@ TEST(PageTemplates, HaveTheirControlsInTheOrderOfTheTabKey)
         {IDD_OPTIONS, "Options", 202,
          "label radio+250 radio251 radio252 label radio+253 radio254 radio255 label radio+256 radio257"},
         {IDD_JPEG, "JPEG Settings", 202,
-         "radio+215 radio224 radio216 check217 rule check228 check218 check219 check220 check221 label223 combo222 "
+         "radio+215 radio224 radio216 check217 rule check228 check218 check219 check220 check221 label223 "
+         "combo222 "
          "label225"},
         {IDD_RAW, "RAW/TIFF Settings", 202,
          "label check217 check228 check218 check219 check220 check221 label223 combo222 label225 label"},

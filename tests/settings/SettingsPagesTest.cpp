@@ -110,7 +110,10 @@ TEST(OptionsPage, ShowsAndSavesEachGroup)
         UINT32 stored[3];
         UINT32 shown[3];
     } cases[] = {
-        {{0, 0, 0}, {0, 0, 0}}, {{2, 1, 1}, {2, 1, 1}}, {{1, 2, 0}, {1, 2, 0}}, {{3, 5, 2}, {0, 0, 0}},
+        {{0, 0, 0}, {0, 0, 0}},
+        {{2, 1, 1}, {2, 1, 1}},
+        {{1, 2, 0}, {1, 2, 0}},
+        {{3, 5, 2}, {0, 0, 0}},
     };
     for (const auto &[stored, shown] : cases)
     {
@@ -124,9 +127,8 @@ TEST(OptionsPage, ShowsAndSavesEachGroup)
         EXPECT_EQ(page.Controls.Radio(IDC_SEARCH_SHOW), shown[2]);
         key.MarkAll();
         page.Save();
-        EXPECT_EQ(key.Written(), "SafetyLevel=" + std::to_string(shown[0]) +
-                                     " ContentType=" + std::to_string(shown[1]) +
-                                     " SearchVisibility=" + std::to_string(shown[2]));
+        EXPECT_EQ(key.Written(), "SafetyLevel=" + std::to_string(shown[0]) + " ContentType=" +
+                                     std::to_string(shown[1]) + " SearchVisibility=" + std::to_string(shown[2]));
     }
 }
 
@@ -134,8 +136,7 @@ TEST(JpegPage, TheModeRulesWhatIsEnabledAndNothingElse)
 {
     const std::set<UINT> metadata = {IDC_WRITE_COPYRIGHT, IDC_WRITE_EXIF, IDC_WRITE_XMP, IDC_WRITE_GPS,
                                      IDC_WRITE_IPTC};
-    const std::set<UINT> processing = {IDC_MINIMIZE, IDC_OUTPUT_SIZE_LABEL, IDC_OUTPUT_SIZE,
-                                       IDC_OUTPUT_SIZE_NOTE};
+    const std::set<UINT> processing = {IDC_MINIMIZE, IDC_OUTPUT_SIZE_LABEL, IDC_OUTPUT_SIZE, IDC_OUTPUT_SIZE_NOTE};
     std::set<UINT> all = metadata;
     all.insert(processing.begin(), processing.end());
     const struct
@@ -176,7 +177,7 @@ TEST(JpegPage, DisabledControlsKeepAndSaveWhatTheyShow)
     key.MarkAll();
     page.Save();
     EXPECT_EQ(key.Written(), "JPEGMode=0 JPEGMinimize=1 JPEGWriteCopyright=1 JPEGWriteEXIF=1 JPEGWriteXMP=1 "
-                         "JPEGWriteGPS=1 JPEGWriteIPTC=0 JPEGLongDimension=8\" print");
+                             "JPEGWriteGPS=1 JPEGWriteIPTC=0 JPEGLongDimension=8\" print");
 }
 
 TEST(ConversionPages, FieldsStartAtTheirDefaultsAndAreNotFolded)
@@ -203,7 +204,8 @@ TEST(ConversionPages, FieldsStartAtTheirDefaultsAndAreNotFolded)
         key.MarkAll();
         raw.Save();
         EXPECT_EQ(key.Written(), "RAWMinimize=1 RAWWriteCopyright=1 RAWWriteEXIF=1 RAWWriteXMP=0 RAWWriteGPS=1 "
-                             "RAWWriteIPTC=" + std::to_string(shown) + " RAWLongDimension=Original");
+                                 "RAWWriteIPTC=" +
+                                     std::to_string(shown) + " RAWLongDimension=Original");
     }
 }
 
@@ -253,9 +255,9 @@ TEST(ConversionPages, OfferTheUsualSizes)
     SettingsKey key;
     Shown<JpegPage> jpeg;
     Shown<RawPage> raw;
-    const std::pair<const WCHAR *, UINT32> sizes[] = {{TEXT("240"), 240},   {TEXT("320"), 320},   {TEXT("500"), 500},
-                                                      {TEXT("800"), 800},   {TEXT("1024"), 1024}, {TEXT("1600"), 1600},
-                                                      {TEXT("2048"), 2048}};
+    const std::pair<const WCHAR *, UINT32> sizes[] = {
+        {TEXT("240"), 240},   {TEXT("320"), 320},   {TEXT("500"), 500},  {TEXT("800"), 800},
+        {TEXT("1024"), 1024}, {TEXT("1600"), 1600}, {TEXT("2048"), 2048}};
     for (const FakePageControls *controls : {&jpeg.Controls, &raw.Controls})
     {
         ASSERT_EQ(controls->List.size(), 8u);

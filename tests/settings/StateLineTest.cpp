@@ -31,8 +31,8 @@ TEST(StateLine, TellsWhatTheStoredSettingsMean)
     } cases[] = {
         {{},
          nullptr,
-         TEXT(
-             "Title, description, tags, public, safe, photos, searchable. Resample, send copyright, EXIF, GPS data.")},
+         TEXT("Title, description, tags, public, safe, photos, searchable. Resample, send copyright, EXIF, GPS "
+              "data.")},
         {{{TEXT("JPEGMode"), 0}},
          TEXT("500 px"),
          TEXT("Title, description, tags, public, safe, photos, searchable. Send JPEG files intact.")},
@@ -46,8 +46,8 @@ TEST(StateLine, TellsWhatTheStoredSettingsMean)
           {TEXT("JPEGWriteGPS"), 0},
           {TEXT("JPEGWriteIPTC"), 1}},
          TEXT("500 px"),
-         TEXT(
-             "Title, tags, private, moderate, screenshots, hidden from search. Send JPEG pixels intact, send copyright, IPTC data.")},
+         TEXT("Title, tags, private, moderate, screenshots, hidden from search. Send JPEG pixels intact, send "
+              "copyright, IPTC data.")},
         {{{TEXT("JPEGMode"), 2},
           {TEXT("WriteTitle"), 0},
           {TEXT("WriteDescription"), 0},
@@ -59,8 +59,8 @@ TEST(StateLine, TellsWhatTheStoredSettingsMean)
          TEXT("Public, safe, photos, searchable. Resample, downsize to 800 px.")},
         {{},
          TEXT("8\""),
-         TEXT(
-             "Title, description, tags, public, safe, photos, searchable. Resample, send copyright, EXIF, GPS data, downscale for 8\" print.")},
+         TEXT("Title, description, tags, public, safe, photos, searchable. Resample, send copyright, EXIF, GPS "
+              "data, downscale for 8\" print.")},
         {{{TEXT("JPEGWriteXMP"), 1},
           {TEXT("JPEGWriteIPTC"), 3},
           {TEXT("WriteTitle"), 9},
@@ -70,8 +70,8 @@ TEST(StateLine, TellsWhatTheStoredSettingsMean)
           {TEXT("IsFriend"), 1},
           {TEXT("IsPublic"), 5}},
          TEXT("20 cm"),
-         TEXT(
-             "Title, description, tags, public, restricted, other, hidden from search. Resample, send copyright, EXIF, rating, GPS, IPTC data, downscale for 20 cm print.")},
+         TEXT("Title, description, tags, public, restricted, other, hidden from search. Resample, send copyright, "
+              "EXIF, rating, GPS, IPTC data, downscale for 20 cm print.")},
         {{{TEXT("JPEGWriteCopyright"), 0}, {TEXT("JPEGWriteEXIF"), 0}},
          TEXT("ORIGINAL"),
          TEXT("Title, description, tags, public, safe, photos, searchable. Resample, send GPS data.")},
@@ -97,11 +97,10 @@ TEST(StateLine, WithoutTheKeyTheDefaultsShow)
     SettingsKey key;
     key.RemoveKey();
     SettingsBlock block;
-    EXPECT_EQ(
-        ComposeDisplayState(Authorized(), block),
-        TEXT(
-            "Title, description, tags, public, safe, photos, searchable. Resample, send copyright, EXIF, GPS data.") +
-            settingsLink);
+    EXPECT_EQ(ComposeDisplayState(Authorized(), block),
+              TEXT("Title, description, tags, public, safe, photos, searchable. Resample, send copyright, EXIF, "
+                   "GPS data.") +
+                  settingsLink);
     EXPECT_TRUE(block.JPEG.LongDimension.empty());
 }
 
@@ -111,11 +110,10 @@ TEST(StateLine, AsksForWhatTheAccountLacksFirst)
     const WideText permission =
         TEXT("Halvora Professional needs your permission before it can publish images to Flickr. "
              "<a id=\"authorize\" href=\"\">Authorize...</a>");
-    const WideText quota =
-        TEXT(
-            "Your account is out of monthly quota. Uploads are no longer possible until the quota is reset or your "
-            "account is upgraded to remove the limit.") +
-        settingsLink;
+    const WideText quota = TEXT("Your account is out of monthly quota. Uploads are no longer possible until the "
+                                "quota is reset or your "
+                                "account is upgraded to remove the limit.") +
+                           settingsLink;
     SettingsBlock block;
     EXPECT_EQ(ComposeDisplayState(AccountRecord(), block), permission);
 

@@ -96,7 +96,8 @@ void TakePages(const Album &album, HWND owner)
     key.Set(TEXT("RAWLongDimension"), TEXT("20 cm"));
     const AccountRecord account = SampleAccount();
     SheetAccount shown{account, TEXT("1.96 (Build 401)"),
-                       TEXT("Copyright \u00A9 2026 the Halvora Publish to Flickr developers"), [] { return S_OK; }};
+                       TEXT("Copyright \u00A9 2026 the Halvora Publish to Flickr developers"),
+                       [] { return S_OK; }};
     SheetDriver driver([&](const OpenSheet &sheet) {
         const char *names[] = {"photos", "options", "jpeg", "raw", "about"};
         for (int page = 0; page < static_cast<int>(std::size(names)); ++page)

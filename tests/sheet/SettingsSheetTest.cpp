@@ -46,10 +46,10 @@ class SettingsSheet : public testing::Test
 protected:
     SettingsSheet()
     {
-        World.Stream->Content = InitDataOf({TEXT("t"), TEXT("s"), TEXT("jane"), TEXT("Jane Doe"), photosUrl,
-                                            TEXT("Basic")}, 1048576);
-        m_owner = CreateWindowExW(0, WC_STATIC, TEXT("owner"), WS_OVERLAPPEDWINDOW | WS_VISIBLE, 100, 100, 900, 700,
-                                  nullptr, nullptr, nullptr, nullptr);
+        World.Stream->Content =
+            InitDataOf({TEXT("t"), TEXT("s"), TEXT("jane"), TEXT("Jane Doe"), photosUrl, TEXT("Basic")}, 1048576);
+        m_owner = CreateWindowExW(0, WC_STATIC, TEXT("owner"), WS_OVERLAPPEDWINDOW | WS_VISIBLE, 100, 100, 900,
+                                  700, nullptr, nullptr, nullptr, nullptr);
         EXPECT_EQ(CFlickrPublisher::CreateInstance(nullptr, __uuidof(IHalvoraPublishingPlugin), Plugin.PutVoid()),
                   S_OK);
         EXPECT_EQ(Plugin->Initialize(World.Host.Get(), 1033, World.Stream.Get(), 0), S_OK);
@@ -225,8 +225,7 @@ TEST_F(SettingsSheet, TheModeOfTheJpegPageEnablesWhatItUses)
     World.Settings.Set(TEXT("JPEGWriteIPTC"), 1u);
     const std::set<UINT> metadata = {IDC_WRITE_COPYRIGHT, IDC_WRITE_EXIF, IDC_WRITE_XMP, IDC_WRITE_GPS,
                                      IDC_WRITE_IPTC};
-    const std::set<UINT> processing = {IDC_MINIMIZE, IDC_OUTPUT_SIZE_LABEL, IDC_OUTPUT_SIZE,
-                                       IDC_OUTPUT_SIZE_NOTE};
+    const std::set<UINT> processing = {IDC_MINIMIZE, IDC_OUTPUT_SIZE_LABEL, IDC_OUTPUT_SIZE, IDC_OUTPUT_SIZE_NOTE};
     std::set<UINT> all = metadata;
     all.insert(processing.begin(), processing.end());
     Configure([&](const OpenSheet &sheet) {
@@ -306,7 +305,7 @@ TEST_F(SettingsSheet, RefreshShowsWhatTheServiceSays)
         sheet.ClickLink(sheet.Control(IDC_REFRESH));
         EXPECT_TRUE(OpenSheet::WaitUntil([&] {
             return sheet.Text(IDC_ACCOUNT) == TEXT("Name=Jane Roe, Type=Pro, MaxFileSize=2.00 MB, ")
-                                              TEXT("UploadLeftThisMonth=Unlimited, URL=halvora-test:new");
+                                                  TEXT("UploadLeftThisMonth=Unlimited, URL=halvora-test:new");
         })) << Narrow(sheet.Text(IDC_ACCOUNT));
         EXPECT_TRUE(OpenSheet::WaitUntil([&] { return sheet.IsEnabled(IDC_REFRESH); }));
     });

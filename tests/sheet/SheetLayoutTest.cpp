@@ -26,14 +26,14 @@ int DotsPerInch()
 // Everything in pixels; places of children within the sheet's client area.
 struct Measures
 {
-    SIZE Base;      // of 4 and 8 dialog units
+    SIZE Base; // of 4 and 8 dialog units
     RECT Window;
     RECT Tabs;
     RECT Page;
     RECT Ok;
     RECT Cancel;
     RECT Link;
-    RECT Animation;     // within the tab control
+    RECT Animation; // within the tab control
     RECT TabsClient;
 };
 

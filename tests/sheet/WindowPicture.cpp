@@ -52,7 +52,8 @@ bool WriteWindowPicture(HWND window, const std::string &path)
     ComPtr<IWICBitmapSource> plain;
     return SUCCEEDED(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
                                       __uuidof(IWICImagingFactory), factory.PutVoid())) &&
-           SUCCEEDED(factory->CreateBitmapFromHBITMAP(bitmap.Get(), nullptr, WICBitmapIgnoreAlpha, picture.Put())) &&
+           SUCCEEDED(
+               factory->CreateBitmapFromHBITMAP(bitmap.Get(), nullptr, WICBitmapIgnoreAlpha, picture.Put())) &&
            SUCCEEDED(WICConvertBitmapSource(GUID_WICPixelFormat24bppBGR, picture.Get(), plain.Put())) &&
            SUCCEEDED(Write(*factory.Get(), *plain.Get(), WideText(path.begin(), path.end()).c_str()));
 }

@@ -15,8 +15,7 @@ std::string Show(UINT resource)
 {
     TaskDialogDocument document;
     document.LoadFromResource(resource, TEXT("TDXML"), ThisModule());
-    const int outcome =
-        ShowTaskDialog(document, nullptr, true, {IDS_AUTHORIZE_CAPTION, IDS_AUTHORIZE_TEXT, true});
+    const int outcome = ShowTaskDialog(document, nullptr, true, {IDS_AUTHORIZE_CAPTION, IDS_AUTHORIZE_TEXT, true});
     return std::to_string(outcome) + (document.dialogWindow != nullptr ? " and a window" : "");
 }
 

@@ -47,8 +47,8 @@ WideText Buttons(const TASKDIALOG_BUTTON *buttons, UINT count)
     for (UINT i = 0; i < count; ++i)
     {
         const std::string id = std::to_string(buttons[i].nButtonID);
-        all += (i > 0 ? TEXT("|") : TEXT("")) + WideText(id.begin(), id.end()) + TEXT(":") +
-               buttons[i].pszButtonText;
+        all +=
+            (i > 0 ? TEXT("|") : TEXT("")) + WideText(id.begin(), id.end()) + TEXT(":") + buttons[i].pszButtonText;
     }
     return all;
 }
@@ -89,14 +89,15 @@ TEST_F(TaskDialogDocuments, ThatSayNothingShowNothing)
     const TASKDIALOGCONFIG &config = m_document.config;
     EXPECT_EQ(config.cbSize, 160u);
     EXPECT_EQ(+config.hInstance, nullptr);
-    for (const WCHAR *text : {config.pszWindowTitle, config.pszMainIcon, config.pszMainInstruction, config.pszContent,
-                              config.pszVerificationText, config.pszExpandedInformation,
-                              config.pszExpandedControlText, config.pszCollapsedControlText, config.pszFooterIcon,
-                              config.pszFooter})
+    for (const WCHAR *text :
+         {config.pszWindowTitle, config.pszMainIcon, config.pszMainInstruction, config.pszContent,
+          config.pszVerificationText, config.pszExpandedInformation, config.pszExpandedControlText,
+          config.pszCollapsedControlText, config.pszFooterIcon, config.pszFooter})
     {
         EXPECT_EQ(text, nullptr);
     }
-    EXPECT_EQ(config.cButtons + config.cRadioButtons + config.dwCommonButtons + config.dwFlags + config.cxWidth, 0u);
+    EXPECT_EQ(config.cButtons + config.cRadioButtons + config.dwCommonButtons + config.dwFlags + config.cxWidth,
+              0u);
     EXPECT_EQ(+config.pButtons, nullptr);
     EXPECT_EQ(+config.pRadioButtons, nullptr);
     EXPECT_EQ(config.nDefaultButton + config.nDefaultRadioButton, 0);
@@ -160,19 +161,36 @@ TEST_F(TaskDialogDocuments, HaveCommonButtonsByWordAndOthersByNumber)
         {"<buttons><button id='retry'/><button id='close'/></buttons>", 48, 0, TEXT(""), {}},
         {"<buttons><button id='Cancel'/><button id=' ok'/><button id=''/><button/></buttons>", 0, 0, TEXT(""), {}},
         {"<buttons><button id='ok' icon='shield'><text line='1'>Go</text></button></buttons>", 1, 0, TEXT(""), {}},
-        {"<buttons><button id='0'><text line='1'>No</text></button><button id='7'/></buttons>", 0, 0, TEXT(""), {}},
+        {"<buttons><button id='0'><text line='1'>No</text></button><button id='7'/></buttons>",
+         0,
+         0,
+         TEXT(""),
+         {}},
         {"<buttons><button id='7x'><text line='1'>No</text></button>"
          "<button id='99999999999'><text line='1'>No</text></button></buttons>",
-         0, 0, TEXT(""), {}},
-        {"<buttons><button id='7'><text>No</text></button><button id='8'><text line='2'>No</text></button></buttons>",
-         0, 0, TEXT(""), {}},
+         0,
+         0,
+         TEXT(""),
+         {}},
+        {"<buttons><button id='7'><text>No</text></button><button id='8'><text "
+         "line='2'>No</text></button></buttons>",
+         0,
+         0,
+         TEXT(""),
+         {}},
         {"<buttons><button id='20'><text line='2'>Note</text><text line='1'>Two</text></button>"
          "<button id='cancel'/><button id='10'><text line='1'/></button></buttons>",
-         8, 0, TEXT("20:Two\nNote|10:"), {}},
+         8,
+         0,
+         TEXT("20:Two\nNote|10:"),
+         {}},
         {"<buttons><button id='5' icon='shield'><text line='1'>A</text></button>"
          "<button id='6' icon='Shield'><text line='1'>B</text></button>"
          "<button id='4' icon='shield'><text line='1'>C</text></button></buttons>",
-         0, 0, TEXT("5:A|6:B|4:C"), {5, 4}},
+         0,
+         0,
+         TEXT("5:A|6:B|4:C"),
+         {5, 4}},
         {"<buttons default='cancel'/>", 0, 2, TEXT(""), {}},
         {"<buttons default='ok'/>", 0, 1, TEXT(""), {}},
         {"<buttons default='yes'/>", 0, 6, TEXT(""), {}},
@@ -237,7 +255,8 @@ TEST_F(TaskDialogDocuments, HaveFlagsInWordsAndNumbers)
         INT64 marquee;
     } cases[] = {
         {"<flags/>", 0, 0, 0},
-        {"<flags>allow_hyperlinks allow_cancellation use_command_links use_command_links_no_icon</flags>", 0x39, 0, 0},
+        {"<flags>allow_hyperlinks allow_cancellation use_command_links use_command_links_no_icon</flags>", 0x39, 0,
+         0},
         {"<flags>expand_footer expanded_by_default checked_by_default</flags>", 0x1C0, 0, 0},
         {"<flags>show_progress_bar show_marquee position_relative can_be_minimized</flags>", 0x9600, 0, 0},
         {"<flags>show_marquee  can_be_minimized</flags>", 0x8400, 0, 0},
@@ -319,7 +338,8 @@ class RecordingWindow
 public:
     RecordingWindow()
     {
-        m_window = CreateWindowExW(0, TEXT("Static"), nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+        m_window =
+            CreateWindowExW(0, TEXT("Static"), nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
         SetWindowLongPtrW(m_window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Procedure));
         sent.clear();
     }
@@ -364,7 +384,8 @@ TEST_F(TaskDialogDocuments, GiveALiveDialogItsShieldsAndMarqueeBeforeTheClientSe
     };
     EXPECT_EQ(notify(TDN_DIALOG_CONSTRUCTED, 0, 0), S_OK);
     EXPECT_EQ(m_document.dialogWindow, window.Handle());
-    EXPECT_THAT(window.sent, ElementsAre(ElementsAre(1139, 100, 1), ElementsAre(1139, 50, 1), ElementsAre(1131, 1, 50)));
+    EXPECT_THAT(window.sent,
+                ElementsAre(ElementsAre(1139, 100, 1), ElementsAre(1139, 50, 1), ElementsAre(1131, 1, 50)));
     EXPECT_THAT(seen, ElementsAre(TDN_DIALOG_CONSTRUCTED, 0, 0, 3));
     EXPECT_EQ(notify(TDN_BUTTON_CLICKED, 100, 9), S_FALSE);
     EXPECT_THAT(seen, ElementsAre(TDN_BUTTON_CLICKED, 100, 9, 3));
@@ -380,7 +401,8 @@ TEST_F(TaskDialogDocuments, GiveALiveDialogItsShieldsAndMarqueeBeforeTheClientSe
 TEST_F(TaskDialogDocuments, StartNoMarqueeWithoutATime)
 {
     const RecordingWindow window;
-    for (const char *const flags : {"<flags marquee_time='-5'>show_marquee</flags>", "<flags>show_marquee</flags>"})
+    for (const char *const flags :
+         {"<flags marquee_time='-5'>show_marquee</flags>", "<flags>show_marquee</flags>"})
     {
         ASSERT_TRUE(LoadParts(flags));
         TaskDialogDocument::HandleNotification(window.Handle(), TDN_DIALOG_CONSTRUCTED, 0, 0,

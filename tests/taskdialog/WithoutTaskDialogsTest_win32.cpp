@@ -23,8 +23,9 @@ TEST(WithoutTaskDialogs, TheQuestionIsAMessageBox)
                 place = PlaceOf(dialog);
                 SendMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(button), 0);
             });
-            EXPECT_EQ(ShowTaskDialog(document, owner.Handle(), true, {IDS_AUTHORIZE_CAPTION, IDS_AUTHORIZE_TEXT, true}),
-                      button);
+            EXPECT_EQ(
+                ShowTaskDialog(document, owner.Handle(), true, {IDS_AUTHORIZE_CAPTION, IDS_AUTHORIZE_TEXT, true}),
+                button);
         }
         EXPECT_TRUE(texts.find(TEXT("If you click OK, you will be taken to a web page in your web browser")) !=
                     WideText::npos);

@@ -87,9 +87,12 @@ private:
         }
         if (!m_came)
         {
-            EnumThreadWindows(m_blocked, [](HWND window, LPARAM) -> BOOL {
-                return PostMessageW(window, WM_COMMAND, IDCANCEL, 0) && PostMessageW(window, WM_CLOSE, 0, 0);
-            }, 0);
+            EnumThreadWindows(
+                m_blocked,
+                [](HWND window, LPARAM) -> BOOL {
+                    return PostMessageW(window, WM_COMMAND, IDCANCEL, 0) && PostMessageW(window, WM_CLOSE, 0, 0);
+                },
+                0);
         }
     }
 

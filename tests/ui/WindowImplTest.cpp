@@ -116,8 +116,8 @@ TEST_F(SubclassedWindows, KeepASubclassThatCameLater)
 {
     Watcher watcher;
     ASSERT_TRUE(watcher.SubclassWindow(m_window));
-    below = reinterpret_cast<WNDPROC>(
-        SetWindowLongPtrW(m_window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Over)));
+    below =
+        reinterpret_cast<WNDPROC>(SetWindowLongPtrW(m_window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Over)));
     watcher.UnsubclassWindow();
     EXPECT_EQ(Procedure(), reinterpret_cast<LONG_PTR>(&Over));
     EXPECT_EQ(Send(Watcher::answered), 1000);

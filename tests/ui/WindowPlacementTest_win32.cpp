@@ -5,8 +5,8 @@ namespace
 {
 HWND Child(HWND parent)
 {
-    return CreateWindowExW(0, TEXT("Static"), nullptr, WS_CHILD | WS_VISIBLE, 3, 4, 101, 51, parent, nullptr, nullptr,
-                           nullptr);
+    return CreateWindowExW(0, TEXT("Static"), nullptr, WS_CHILD | WS_VISIBLE, 3, 4, 101, 51, parent, nullptr,
+                           nullptr, nullptr);
 }
 
 RECT PlaceIn(HWND parent, HWND child)

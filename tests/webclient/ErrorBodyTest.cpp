@@ -15,7 +15,8 @@ TEST(ErrorBody, SaysInOneLineWhatThePageSaid)
         {" \r\n", ""},
         {"Rate limit exceeded.\r\nTry later.\r\n", "Rate limit exceeded. Try later."},
         {"\xEF\xBB\xBF<!DOCTYPE html>\n<html><head>\n<TITLE lang=en>\n 504  Gateway\nTime-out &amp; more</TITLE>"
-         "<script>x</script></head><body>long</body></html>", "504 Gateway Time-out & more"},
+         "<script>x</script></head><body>long</body></html>",
+         "504 Gateway Time-out & more"},
         {"<html><body><h1>Bad, <b>bad</b> gateway</h1>text</body></html>", "Bad, bad gateway"},
         {"<html><head><title></title></head><body>text</body></html>", ""},
         {"<html><title>never closed", ""},
@@ -34,9 +35,11 @@ TEST(ErrorBody, OAuthProblemsArePutPlainlyAndWithoutTheirDetails)
     const std::string signature = DescribeErrorBody(
         "oauth_problem=signature_invalid&debug_sbs=POST&https%3A%2F%2Fapi&oauth_token%3Dsecret-token");
     EXPECT_EQ(signature, "The service did not accept the signature of the request (signature_invalid)");
-    EXPECT_THAT(DescribeErrorBody("oauth_problem=token_rejected\n"), HasSubstr("authorize again (token_rejected)"));
-    EXPECT_EQ(DescribeErrorBody("oauth_problem=parameter_absent&oauth_parameters_absent=oauth_nonce%26oauth_token"),
-              "The request lacked a parameter: oauth_nonce oauth_token (parameter_absent)");
+    EXPECT_THAT(DescribeErrorBody("oauth_problem=token_rejected\n"),
+                HasSubstr("authorize again (token_rejected)"));
+    EXPECT_EQ(
+        DescribeErrorBody("oauth_problem=parameter_absent&oauth_parameters_absent=oauth_nonce%26oauth_token"),
+        "The request lacked a parameter: oauth_nonce oauth_token (parameter_absent)");
     EXPECT_EQ(DescribeErrorBody("oauth_problem=brand_new<b>"), "The service refused the request (brand_new b )");
 }
 

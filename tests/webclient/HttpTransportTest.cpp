@@ -121,8 +121,9 @@ TEST_F(HttpTransportTest, RequestArrivesAsItIs)
     EXPECT_EQ(outcome.reply.statusWords, "Fine");
     const std::string &echo = outcome.reply.body;
     EXPECT_THAT(echo, testing::StartsWith("POST " + Target));
-    for (const char *header : {"Host: echo.partner.test\r\n", "User-Agent: Halvora/1.2.3.4\r\n",
-                               "Content-Length: 700001\r\n", "Content-Type: application/x-thing\r\n", "Authorization: OAuth x=\"y\"\r\n"})
+    for (const char *header :
+         {"Host: echo.partner.test\r\n", "User-Agent: Halvora/1.2.3.4\r\n", "Content-Length: 700001\r\n",
+          "Content-Type: application/x-thing\r\n", "Authorization: OAuth x=\"y\"\r\n"})
     {
         EXPECT_THAT(echo.substr(0, 1000), HasSubstr(header));
     }
@@ -164,7 +165,8 @@ TEST_F(HttpTransportTest, AnswersAreTakenAndNotActedOn)
         int status;
         const char *words;
         const char *body;
-    } cases[] = {{"refuse", 500, "Out Of Order", "try tomorrow"}, {"redirect", 302, "Found", ""},
+    } cases[] = {{"refuse", 500, "Out Of Order", "try tomorrow"},
+                 {"redirect", 302, "Found", ""},
                  {"challenge", 401, "Unauthorized", "who?"}};
     for (const auto &answer : cases)
     {
@@ -187,7 +189,8 @@ TEST_F(HttpTransportTest, NothingIsSentTwice)
         // One that leaves after the head may be gone before the body is on its way, or after it.
         const TransportProblem problem = Send(host, &body).problem;
         EXPECT_TRUE(problem == NoAnswerAtAll ||
-                    (host == std::string_view("cut-head") && problem == TransportProblem::LostWhileSending)) << host;
+                    (host == std::string_view("cut-head") && problem == TransportProblem::LostWhileSending))
+            << host;
         EXPECT_EQ(CutRequests(), "1") << host;
         EXPECT_EQ(Send(host, nullptr, {}, "GET").problem, NoAnswerAtAll);
         EXPECT_EQ(CutRequests(), "1") << host;

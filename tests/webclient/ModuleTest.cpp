@@ -26,8 +26,10 @@ WideText ClassText(HKEY root, const std::string &prefix, const char *subkey, con
     WCHAR text[1024] = {};
     DWORD size = sizeof(text);
     RegistryKeyOwner key;
-    if (RegOpenKeyExW(root, Wide(prefix + ClientClass + subkey).c_str(), 0, KEY_READ, key.Put()) != ERROR_SUCCESS ||
-        RegQueryValueExW(key.Get(), value, nullptr, nullptr, reinterpret_cast<BYTE *>(text), &size) != ERROR_SUCCESS)
+    if (RegOpenKeyExW(root, Wide(prefix + ClientClass + subkey).c_str(), 0, KEY_READ, key.Put()) !=
+            ERROR_SUCCESS ||
+        RegQueryValueExW(key.Get(), value, nullptr, nullptr, reinterpret_cast<BYTE *>(text), &size) !=
+            ERROR_SUCCESS)
     {
         return TEXT("(none)");
     }
@@ -51,7 +53,10 @@ using Install = HRESULT(STDAPICALLTYPE *)(BOOL install, LPCWSTR commandLine);
 class WebComponentsModule : public testing::Test
 {
 protected:
-    void SetUp() override { ASSERT_TRUE(m_register != nullptr && m_unregister != nullptr && m_install != nullptr); }
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_register != nullptr && m_unregister != nullptr && m_install != nullptr);
+    }
     void TearDown() override
     {
         EXPECT_EQ(m_unregister(), S_OK);
@@ -95,7 +100,8 @@ TEST_F(WebComponentsModule, KnowsWhenItMayBeUnloaded)
 {
     using GetClassObject = HRESULT(STDAPICALLTYPE *)(REFCLSID, REFIID, void **);
     const auto getClassObject = reinterpret_cast<GetClassObject>(ModuleFunction(Module, "DllGetClassObject"));
-    const auto canUnload = reinterpret_cast<HRESULT(STDAPICALLTYPE *)()>(ModuleFunction(Module, "DllCanUnloadNow"));
+    const auto canUnload =
+        reinterpret_cast<HRESULT(STDAPICALLTYPE *)()>(ModuleFunction(Module, "DllCanUnloadNow"));
     ASSERT_TRUE(getClassObject != nullptr && canUnload != nullptr);
     EXPECT_EQ(canUnload(), S_OK);
     {

@@ -64,9 +64,10 @@ TEST_F(MultipartFormTest, BodyIsByteForByteWhatTheFormHolds)
     const std::string b = BoundaryOf(form.Get());
     const std::string expected =
         "--" + b + "\r\nContent-Disposition: form-data; name=\"title\"\r\n\r\n" +
-        "Gr\xC3\xBC\xC3\x9F" "e \xF0\x9F\x98\x80\x01\r\n\ttab\r\n" +
-        "--" + b + "\r\nContent-Disposition: form-data; name=\"is_public\"\r\n\r\n4000000000\r\n" +
-        "--" + b + "\r\nContent-Disposition: form-data; name=\"photo\"; filename=\"b.jpg\"\r\n" +
+        "Gr\xC3\xBC\xC3\x9F"
+        "e \xF0\x9F\x98\x80\x01\r\n\ttab\r\n" +
+        "--" + b + "\r\nContent-Disposition: form-data; name=\"is_public\"\r\n\r\n4000000000\r\n" + "--" + b +
+        "\r\nContent-Disposition: form-data; name=\"photo\"; filename=\"b.jpg\"\r\n" +
         "Content-Type: image/jpeg\r\n\r\n" + picture->Bytes() + "\r\n--" + b + "--\r\n";
     EXPECT_EQ(LengthOf(form.Get()), expected.size());
     for (const ULONG chunk : {1u, 7u, 65536u})
@@ -86,7 +87,8 @@ TEST_F(MultipartFormTest, FileNameIsQuotedAndWithoutFolders)
     for (const auto &[name, expected] : cases)
     {
         const auto one = CMultipartFormData::Make();
-        ASSERT_EQ(one->AddFilePart(TEXT("photo"), ScriptedStream::Make("x").Get(), TEXT("image/jpeg"), name, 0, 0), S_OK);
+        ASSERT_EQ(one->AddFilePart(TEXT("photo"), ScriptedStream::Make("x").Get(), TEXT("image/jpeg"), name, 0, 0),
+                  S_OK);
         const auto text = ReadAll(QueryFor<IStream>(static_cast<IMultipartFormData *>(one.Get())).Get(), 4096);
         EXPECT_THAT(text, HasSubstr("filename=" + std::string(expected) + "\r\n"));
         EXPECT_THAT(text, Not(HasSubstr("me/")));
@@ -190,11 +192,14 @@ TEST(RequestParameters, ValuesBecomeTheTextsOfTheForm)
 
 TEST(MimeType, GoesByTheExtension)
 {
-    const std::pair<const WCHAR *, const WCHAR *> cases[] = {
-        {TEXT("a.JPG"), TEXT("image/jpeg")},      {TEXT("a.b.jpeg"), TEXT("image/jpeg")},
-        {TEXT("x.png"), TEXT("image/png")},       {TEXT("x.tif"), TEXT("image/tiff")},
-        {TEXT("x.MOV"), TEXT("video/quicktime")}, {TEXT("jpg"), TEXT("application/octet-stream")},
-        {TEXT("a.jpg/b"), TEXT("application/octet-stream")}, {TEXT("a."), TEXT("application/octet-stream")}};
+    const std::pair<const WCHAR *, const WCHAR *> cases[] = {{TEXT("a.JPG"), TEXT("image/jpeg")},
+                                                             {TEXT("a.b.jpeg"), TEXT("image/jpeg")},
+                                                             {TEXT("x.png"), TEXT("image/png")},
+                                                             {TEXT("x.tif"), TEXT("image/tiff")},
+                                                             {TEXT("x.MOV"), TEXT("video/quicktime")},
+                                                             {TEXT("jpg"), TEXT("application/octet-stream")},
+                                                             {TEXT("a.jpg/b"), TEXT("application/octet-stream")},
+                                                             {TEXT("a."), TEXT("application/octet-stream")}};
     for (const auto &[name, expected] : cases)
     {
         EXPECT_EQ(WideText(MimeTypeOfFile(name)), expected);

@@ -69,24 +69,39 @@ TEST(OAuthSignature, SignaturesOfPublishedExamples)
 {
     const SignedExample examples[] = {
         // RFC 5849, section 1.2: temporary credentials, token, and a request with it.
-        {"POST", "https://photos.example.net/initiate",
+        {"POST",
+         "https://photos.example.net/initiate",
          {P("oauth_timestamp", "137131200"), P("oauth_nonce", "wIjqoS"),
           P("oauth_callback", "http://printer.example.com/ready")},
-         "dpf43f3p2l4k3l03", "kd94hf93k423kf44", "", "74KNZJeDHnMBp0EMJ9ZHt/XKycU="},
-        {"POST", "https://photos.example.net/token",
+         "dpf43f3p2l4k3l03",
+         "kd94hf93k423kf44",
+         "",
+         "74KNZJeDHnMBp0EMJ9ZHt/XKycU="},
+        {"POST",
+         "https://photos.example.net/token",
          {P("oauth_timestamp", "137131201"), P("oauth_nonce", "walatlh"), P("oauth_token", "hh5s93j4hdidpola"),
           P("oauth_verifier", "hfdp7dh39dks9884")},
-         "dpf43f3p2l4k3l03", "kd94hf93k423kf44", "hdhd0244k9j7ao03", "gKgrFCywp7rO0OXSjdot/IHF7IU="},
-        {"GET", "http://photos.example.net/photos?file=vacation.jpg&size=original",
+         "dpf43f3p2l4k3l03",
+         "kd94hf93k423kf44",
+         "hdhd0244k9j7ao03",
+         "gKgrFCywp7rO0OXSjdot/IHF7IU="},
+        {"GET",
+         "http://photos.example.net/photos?file=vacation.jpg&size=original",
          {P("oauth_timestamp", "137131202"), P("oauth_nonce", "chapoH"), P("oauth_token", "nnch734d00sl2jdk")},
-         "dpf43f3p2l4k3l03", "kd94hf93k423kf44", "pfkkdhi9sl3r4s00", "MdpQcU8iPSUjWoN/UDMsK2sui9I="},
+         "dpf43f3p2l4k3l03",
+         "kd94hf93k423kf44",
+         "pfkkdhi9sl3r4s00",
+         "MdpQcU8iPSUjWoN/UDMsK2sui9I="},
         // A well-known example of a form body beside a query.
-        {"POST", "https://api.twitter.com/1.1/statuses/update.json?include_entities=true",
+        {"POST",
+         "https://api.twitter.com/1.1/statuses/update.json?include_entities=true",
          {P("status", "Hello Ladies + Gentlemen, a signed OAuth request!"), P("oauth_version", "1.0"),
           P("oauth_timestamp", "1318622958"), P("oauth_nonce", "kYjzVBB8Y0ZFabxSWbWovY3uYSQ2pTgmZeNu2VS4cg"),
           P("oauth_token", "370773112-GmHxMAgYyLbNEtIKZeRNFsMKPR9EyMZeS9weJAEb")},
-         "xvz1evFS4wEEPTGEFPHBog", "kAcSOqF21Fu85e7zjz7ZN2U4ZRhfV3WpwPAoE3Z7kBw",
-         "LswwdoUaIvS8ltyTt5jkRh4J50vUPVVHtR2YPi5kE", "hCtSmYh+iHYCEqBWrE7C7hYmtUk="},
+         "xvz1evFS4wEEPTGEFPHBog",
+         "kAcSOqF21Fu85e7zjz7ZN2U4ZRhfV3WpwPAoE3Z7kBw",
+         "LswwdoUaIvS8ltyTt5jkRh4J50vUPVVHtR2YPi5kE",
+         "hCtSmYh+iHYCEqBWrE7C7hYmtUk="},
     };
     for (const SignedExample &example : examples)
     {
@@ -116,8 +131,9 @@ TEST(OAuthSignature, UrlIsNormalised)
 TEST(OAuthSignature, ParametersAreSortedByEncodedBytes)
 {
     // "~" is sent as it is and so comes behind letters; "!" becomes "%21" and comes ahead of digits.
-    EXPECT_EQ(BaseString("POST", "https://h/p", {P("a~", "1"), P("ab", "1"), P("a!", "1"), P("a", "b"), P("a", "%")}),
-              "POST&https%3A%2F%2Fh%2Fp&a%3D%2525%26a%3Db%26a%2521%3D1%26ab%3D1%26a~%3D1");
+    EXPECT_EQ(
+        BaseString("POST", "https://h/p", {P("a~", "1"), P("ab", "1"), P("a!", "1"), P("a", "b"), P("a", "%")}),
+        "POST&https%3A%2F%2Fh%2Fp&a%3D%2525%26a%3Db%26a%2521%3D1%26ab%3D1%26a~%3D1");
 }
 
 TEST(OAuthSignature, AuthorizationHoldsTheProtocolParametersOnly)
@@ -158,9 +174,9 @@ TEST(Utf8, TextsOfAnyKindSurvive)
 
 TEST(RequestUrl, RefusesWhatIsNoPlainAddress)
 {
-    for (const char *bad : {"", "flickr.com/x", "ftp://h/", "https://", "https://u:p@h/", "https://h:0/",
-                            "https://h:70000/", "https://h:x/", "https://h/a b", "https://h/\xC3\xA9",
-                            "https://h/\r\nX: y"})
+    for (const char *bad :
+         {"", "flickr.com/x", "ftp://h/", "https://", "https://u:p@h/", "https://h:0/", "https://h:70000/",
+          "https://h:x/", "https://h/a b", "https://h/\xC3\xA9", "https://h/\r\nX: y"})
     {
         EXPECT_THROW(RequestUrl::Parse(bad), HresultError) << bad;
     }

@@ -27,7 +27,8 @@ struct CarriedRequest
 
     std::string Header(const std::string &name) const
     {
-        const auto found = std::find_if(headers.begin(), headers.end(), [&](const auto &h) { return h.first == name; });
+        const auto found =
+            std::find_if(headers.begin(), headers.end(), [&](const auto &h) { return h.first == name; });
         return found != headers.end() ? found->second : "(none)";
     }
 };
@@ -79,7 +80,8 @@ protected:
                                        TEXT("http://www.flickr.com/services/oauth/request_token"),
                                        TEXT("http://www.flickr.com/services/oauth/authorize"),
                                        TEXT("http://www.flickr.com/services/oauth/access_token"),
-                                       TEXT("http://authorization.halvora.example/flickr/authorization/"), 0), S_OK);
+                                       TEXT("http://authorization.halvora.example/flickr/authorization/"), 0),
+                  S_OK);
         EXPECT_EQ(m_client->SetAccessToken(TEXT("the-token"), TEXT("token-secret")), S_OK);
     }
 
@@ -100,8 +102,8 @@ protected:
     HRESULT UploadText(const std::string &text, IRequestParameters *headers = nullptr,
                        IRequestParameters *fields = nullptr)
     {
-        return m_client->UploadRequest(TEXT("http://up.flickr.com/services/upload/"), nullptr, TEXT("POST"), headers,
-                                       nullptr, fields, ScriptedStream::Make(text).Get(),
+        return m_client->UploadRequest(TEXT("http://up.flickr.com/services/upload/"), nullptr, TEXT("POST"),
+                                       headers, nullptr, fields, ScriptedStream::Make(text).Get(),
                                        static_cast<UINT32>(text.size()), nullptr, 0, m_reply.Put());
     }
 
@@ -116,7 +118,8 @@ TEST_F(OAuthWebClientTest, UploadIsSignedOverItsFieldsAndGoesOutAsItIs)
 {
     const WCHAR *title = TEXT("Gr\u00FC\u00DFe \u65E5\u672C & +50%");
     const auto headers = Parameters({{TEXT("Content-Type"), TEXT("multipart/form-data; boundary=b")},
-                                     {TEXT("content-length"), TEXT("-5")}, {TEXT("HOST"), TEXT("elsewhere")},
+                                     {TEXT("content-length"), TEXT("-5")},
+                                     {TEXT("HOST"), TEXT("elsewhere")},
                                      {TEXT("Authorization"), TEXT("none")}});
     ASSERT_EQ(UploadText("the picture", headers.Get(), Parameters({{TEXT("title"), title}}).Get()), S_OK);
     EXPECT_EQ(ReplyText("/rsp/photoid"), "17");
@@ -150,7 +153,8 @@ TEST_F(OAuthWebClientTest, RefusalsAreToldInTheServicesWords)
          "The service does not know the authorization, or it was revoked: authorize again (token_rejected)"},
         {429, "Too Many Requests", "slow\ndown", static_cast<HRESULT>(0x801901AD), "slow down"},
         {302, "Found", "", static_cast<HRESULT>(0x8019012E), "Redirections are not followed"},
-        {200, "OK", "all fine", static_cast<HRESULT>(0x80072F78), "The answer is not in the service's form: all fine"},
+        {200, "OK", "all fine", static_cast<HRESULT>(0x80072F78),
+         "The answer is not in the service's form: all fine"},
     };
     for (const RefusalCase &refusal : cases)
     {
@@ -172,8 +176,9 @@ TEST_F(OAuthWebClientTest, BrokenConnectionsAreToldInWords)
     BstrOwner url;
     EXPECT_EQ(m_client->GetAuthorizationUrl(0, nullptr, url.Put()), static_cast<HRESULT>(0x80072EFE));
     m_transport->problem.reset();
-    EXPECT_EQ(m_client->UploadRequest(TEXT("https://up.flickr.com/"), nullptr, TEXT("POST"), nullptr, nullptr, nullptr,
-                                      ScriptedStream::Make("short").Get(), 1000, nullptr, 0, m_reply.Put()),
+    EXPECT_EQ(m_client->UploadRequest(TEXT("https://up.flickr.com/"), nullptr, TEXT("POST"), nullptr, nullptr,
+                                      nullptr, ScriptedStream::Make("short").Get(), 1000, nullptr, 0,
+                                      m_reply.Put()),
               HRESULT_FROM_WIN32(ERROR_HANDLE_EOF));
 }
 
@@ -198,8 +203,9 @@ TEST_F(OAuthWebClientTest, AuthorizationTradesItsTokens)
 
     const auto &requests = m_transport->requests;
     ASSERT_EQ(requests.size(), 2u);
-    EXPECT_THAT(requests[0].Header("Authorization"),
-                HasSubstr("oauth_callback=\"http%3A%2F%2Fauthorization.halvora.example%2Fflickr%2Fauthorization%2F\""));
+    EXPECT_THAT(
+        requests[0].Header("Authorization"),
+        HasSubstr("oauth_callback=\"http%3A%2F%2Fauthorization.halvora.example%2Fflickr%2Fauthorization%2F\""));
     EXPECT_THAT(requests[0].Header("Authorization"), Not(HasSubstr("oauth_token=")));
     EXPECT_TRUE(IsSignedRight(requests[0].Header("Authorization"), requests[0].method,
                               "https://www.flickr.com/services/oauth/request_token", {}, ""));
@@ -218,8 +224,9 @@ TEST_F(OAuthWebClientTest, IncompleteCallsAreRefused)
     EXPECT_EQ(bare->SetAccessToken(TEXT("a"), TEXT("b")), E_UNEXPECTED);
     EXPECT_EQ(bare->RestRequest(nullptr, TEXT("POST"), nullptr, nullptr, 0, m_reply.Put()), E_UNEXPECTED);
     EXPECT_EQ(bare->RestRequest(nullptr, TEXT("POST"), nullptr, nullptr, 0, nullptr), E_INVALIDARG);
-    EXPECT_EQ(bare->SetService(TEXT("a"), TEXT("https://h/"), TEXT("PLAINTEXT"), TEXT("k"), TEXT("s"), TEXT("https://h/"),
-                               TEXT("https://h/"), TEXT("https://h/"), TEXT("x"), 0), E_INVALIDARG);
+    EXPECT_EQ(bare->SetService(TEXT("a"), TEXT("https://h/"), TEXT("PLAINTEXT"), TEXT("k"), TEXT("s"),
+                               TEXT("https://h/"), TEXT("https://h/"), TEXT("https://h/"), TEXT("x"), 0),
+              E_INVALIDARG);
     EXPECT_EQ(UploadText(""), E_INVALIDARG);
     EXPECT_EQ(UploadText("x", Parameters({{TEXT("X"), TEXT("a\r\nY: b")}}).Get()), E_INVALIDARG);
     BstrOwner type;

@@ -29,7 +29,8 @@ TEST_F(ReplyDocumentTest, ServiceRepliesAreHandedOnAsTheyAre)
 {
     const char *bodies[] = {
         "<rsp stat=\"ok\"><photoid>12-3\xC3\xA4</photoid></rsp>",
-        "\n\r\n<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n<rsp stat=\"ok\"><photoid>12-3\xC3\xA4</photoid></rsp>\n",
+        "\n\r\n<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n<rsp "
+        "stat=\"ok\"><photoid>12-3\xC3\xA4</photoid></rsp>\n",
         "\xEF\xBB\xBF<?xml version=\"1.0\"?><rsp stat=\"ok\"><photoid>12-3\xC3\xA4</photoid></rsp>",
     };
     for (const char *body : bodies)
@@ -68,7 +69,11 @@ TEST_F(ReplyDocumentTest, OtherStatusesBecomeHttpErrors)
 TEST_F(ReplyDocumentTest, SuccessWithoutAServiceDocumentIsAFailure)
 {
     const std::string bodies[] = {
-        "", "ok", "<rsp stat=\"ok\">", "<html><title>Log in to this WLAN</title></html>", "{\"stat\":\"ok\"}",
+        "",
+        "ok",
+        "<rsp stat=\"ok\">",
+        "<html><title>Log in to this WLAN</title></html>",
+        "{\"stat\":\"ok\"}",
         "<!DOCTYPE rsp [<!ENTITY a \"b\">]><rsp stat=\"ok\">&a;</rsp>",
         "<?xml version=\"1.0\"?><!DOCTYPE rsp SYSTEM \"file:///etc/passwd\"><rsp stat=\"ok\"/>",
         std::string("\0\x01\xFF", 3)};
@@ -82,7 +87,9 @@ TEST_F(ReplyDocumentTest, SuccessWithoutAServiceDocumentIsAFailure)
 
 TEST_F(ReplyDocumentTest, WordsOfAnyKindFitIntoTheDocument)
 {
-    LoadHttpError(document.Get(), 0, "No <b>\"&", "a\x01" "b\xEF\xBF\xBF \xF0\x9F\x98\x80");
+    LoadHttpError(document.Get(), 0, "No <b>\"&",
+                  "a\x01"
+                  "b\xEF\xBF\xBF \xF0\x9F\x98\x80");
     EXPECT_EQ(Text("/HttpError/@HttpStatus"), "0");
     EXPECT_EQ(Text("/HttpError/Status"), "No <b>\"&");
     EXPECT_EQ(Text("/HttpError/Description"), "a b  \xF0\x9F\x98\x80");

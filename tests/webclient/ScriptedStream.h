@@ -44,7 +44,7 @@ public:
     std::optional<UINT64> claimedSize;
     std::optional<UINT64> failAt; // a read at or behind this position fails
     HRESULT failure = STG_E_READFAULT;
-    bool endless = false;         // the last bytes repeat up to the claimed size
+    bool endless = false; // the last bytes repeat up to the claimed size
 
     STDMETHODIMP Read(void *buffer, ULONG size, ULONG *read) noexcept override
     {

@@ -68,7 +68,8 @@ void ServiceFixture::ConnectTo(unsigned port)
 ComPtr<IOAuthWebClient> ServiceFixture::Client()
 {
     ComPtr<IOAuthWebClient> client;
-    EXPECT_EQ(CoCreateInstance(CLSID_OAuthWebClient, nullptr, 23, __uuidof(IOAuthWebClient), client.PutVoid()), S_OK);
+    EXPECT_EQ(CoCreateInstance(CLSID_OAuthWebClient, nullptr, 23, __uuidof(IOAuthWebClient), client.PutVoid()),
+              S_OK);
     SetService(client.Get());
     return client;
 }
@@ -77,7 +78,8 @@ ComPtr<IOAuthWebClient> ServiceFixture::ClientWithLimits(const TransportLimits &
 {
     ComPtr<IOAuthWebClient> client;
     EXPECT_EQ(COAuthWebClient::CreateInstance(nullptr, __uuidof(IOAuthWebClient), client.PutVoid(),
-                                              CreateTransport(limits)), S_OK);
+                                              CreateTransport(limits)),
+              S_OK);
     SetService(client.Get());
     return client;
 }
@@ -89,7 +91,8 @@ void ServiceFixture::SetService(IOAuthWebClient *client)
                                  TEXT("http://www.flickr.com/services/oauth/request_token"),
                                  TEXT("http://www.flickr.com/services/oauth/authorize"),
                                  TEXT("http://www.flickr.com/services/oauth/access_token"),
-                                 TEXT("http://authorization.halvora.example/flickr/authorization/"), 0), S_OK);
+                                 TEXT("http://authorization.halvora.example/flickr/authorization/"), 0),
+              S_OK);
     ASSERT_EQ(client->SetAccessToken(TEXT("the-token"), TEXT("token-secret")), S_OK);
 }
 
@@ -97,8 +100,9 @@ ComPtr<IRequestParameters>
 ServiceFixture::Parameters(const std::vector<std::pair<const WCHAR *, const WCHAR *>> &pairs)
 {
     ComPtr<IRequestParameters> parameters;
-    EXPECT_EQ(CoCreateInstance(CLSID_RequestParameters, nullptr, 23, __uuidof(IRequestParameters),
-                               parameters.PutVoid()), S_OK);
+    EXPECT_EQ(
+        CoCreateInstance(CLSID_RequestParameters, nullptr, 23, __uuidof(IRequestParameters), parameters.PutVoid()),
+        S_OK);
     for (const auto &[name, value] : pairs)
     {
         const BstrOwner text{WideView(value)};

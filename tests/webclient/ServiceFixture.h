@@ -66,11 +66,12 @@ protected:
     static ComPtr<IOAuthWebClient> ClientWithLimits(const TransportLimits &limits);
     static void SetService(IOAuthWebClient *client);
 
-    static ComPtr<IRequestParameters> Parameters(const std::vector<std::pair<const WCHAR *, const WCHAR *>> &pairs);
+    static ComPtr<IRequestParameters>
+    Parameters(const std::vector<std::pair<const WCHAR *, const WCHAR *>> &pairs);
 
     static UploadOutcome Upload(IOAuthWebClient *client, IStream *body, UINT32 length,
-                                IUploadProgressCallback *callback = nullptr,
-                                IRequestParameters *fields = nullptr, IRequestParameters *headers = nullptr,
+                                IUploadProgressCallback *callback = nullptr, IRequestParameters *fields = nullptr,
+                                IRequestParameters *headers = nullptr,
                                 const WCHAR *url = TEXT("https://api.flickr.com/services/upload/"));
     static UploadOutcome UploadText(IOAuthWebClient *client, const std::string &body);
     static UploadOutcome CallMethod(IOAuthWebClient *client, IRequestParameters *fields);

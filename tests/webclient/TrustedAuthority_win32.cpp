@@ -48,8 +48,8 @@ bool TrustedAuthority::Begin()
     const std::vector<BYTE> bytes = ReadCertificate(path);
     authority = CertCreateCertificateContext(X509_ASN_ENCODING, bytes.data(), static_cast<DWORD>(bytes.size()));
     const HCERTSTORE store = OpenRoots();
-    const bool isAdded = authority != nullptr &&
-                         CertAddCertificateContextToStore(store, authority, CERT_STORE_ADD_REPLACE_EXISTING, nullptr);
+    const bool isAdded = authority != nullptr && CertAddCertificateContextToStore(
+                                                     store, authority, CERT_STORE_ADD_REPLACE_EXISTING, nullptr);
     // Others see it when the store has been closed, which a context in it would keep open.
     return CertCloseStore(store, 0) && isAdded;
 }

@@ -32,7 +32,8 @@ TEST_F(UploadTransferTest, FailingAnswerEndsTheTransferWithItsCode)
     const auto progress = RecordedProgress::Make([](const RecordedProgress::ProgressEntry &entry) {
         return entry.code == UPLOAD_BYTES && entry.done > 0 ? static_cast<HRESULT>(0x80041234) : S_OK;
     });
-    const UploadOutcome outcome = Upload(client.Get(), ScriptedStream::MakeEndless(ThirtyMegabytes).Get(), ThirtyMegabytes, progress.Get());
+    const UploadOutcome outcome =
+        Upload(client.Get(), ScriptedStream::MakeEndless(ThirtyMegabytes).Get(), ThirtyMegabytes, progress.Get());
     EXPECT_EQ(outcome.result, static_cast<HRESULT>(0x80041234));
     EXPECT_LT(progress->entries.back().done, ThirtyMegabytes);
     EXPECT_EQ(progress->entries.back().total, ThirtyMegabytes);
@@ -55,7 +56,8 @@ TEST_F(UploadTransferTest, StopReachesATransferThatStands)
         return repeats == 2 ? E_ABORT : S_OK;
     });
     const auto start = Clock::now();
-    const UploadOutcome outcome = Upload(Client().Get(), ScriptedStream::MakeEndless(ThirtyMegabytes).Get(), ThirtyMegabytes, progress.Get());
+    const UploadOutcome outcome = Upload(Client().Get(), ScriptedStream::MakeEndless(ThirtyMegabytes).Get(),
+                                         ThirtyMegabytes, progress.Get());
     EXPECT_EQ(outcome.result, E_ABORT);
     EXPECT_LT(Clock::now() - start, 20s);
 }
@@ -66,8 +68,8 @@ TEST_F(UploadTransferTest, LimitsEndWhatDoesNotMove)
     limits.stall = 700ms;
     limits.answer = 700ms;
     StartServer(TakeNothing);
-    const UploadOutcome stalled =
-        Upload(ClientWithLimits(limits).Get(), ScriptedStream::MakeEndless(ThirtyMegabytes).Get(), ThirtyMegabytes);
+    const UploadOutcome stalled = Upload(ClientWithLimits(limits).Get(),
+                                         ScriptedStream::MakeEndless(ThirtyMegabytes).Get(), ThirtyMegabytes);
     EXPECT_EQ(stalled.result, static_cast<HRESULT>(0x80072EE2));
     EXPECT_EQ(stalled.Text("/HttpError/Status"), "Transfer stalled");
 
@@ -75,7 +77,8 @@ TEST_F(UploadTransferTest, LimitsEndWhatDoesNotMove)
         conversation.ReadRequest();
         conversation.WaitForEnd();
     });
-    const UploadOutcome unanswered = Upload(ClientWithLimits(limits).Get(), ScriptedStream::MakeEndless(1000).Get(), 1000);
+    const UploadOutcome unanswered =
+        Upload(ClientWithLimits(limits).Get(), ScriptedStream::MakeEndless(1000).Get(), 1000);
     EXPECT_EQ(unanswered.result, static_cast<HRESULT>(0x80072EE2));
     EXPECT_THAT(unanswered.Description(), HasSubstr("the picture may or may not have arrived"));
     EXPECT_EQ(m_server->Requests().size(), 1u);
@@ -96,7 +99,8 @@ TEST_F(UploadTransferTest, ConnectingHasALimit)
     ConnectTo(listener.Port());
     TransportLimits limits;
     limits.connect = 500ms;
-    const UploadOutcome outcome = Upload(ClientWithLimits(limits).Get(), ScriptedStream::MakeEndless(10).Get(), 10);
+    const UploadOutcome outcome =
+        Upload(ClientWithLimits(limits).Get(), ScriptedStream::MakeEndless(10).Get(), 10);
     EXPECT_EQ(outcome.result, static_cast<HRESULT>(0x80072EE2));
     EXPECT_THAT(outcome.Description(), HasSubstr("timed out"));
 }
@@ -123,7 +127,8 @@ TEST_F(UploadTransferTest, LargeBodiesPassThroughLittleMemory)
 #endif
     HttpTestServer &server = StartServer();
     const auto progress = RecordedProgress::Make();
-    const UploadOutcome outcome = Upload(Client().Get(), ScriptedStream::MakeEndless(size).Get(), size, progress.Get());
+    const UploadOutcome outcome =
+        Upload(Client().Get(), ScriptedStream::MakeEndless(size).Get(), size, progress.Get());
     EXPECT_EQ(outcome.result, S_OK) << outcome.Description();
     ASSERT_EQ(server.Requests().size(), 1u);
     EXPECT_EQ(server.Requests()[0].bodyBytes, size);

@@ -35,7 +35,8 @@ TEST_F(WebClientTest, RestRequestIsASignedForm)
     EXPECT_EQ(request.Header("content-type"), "application/x-www-form-urlencoded");
     EXPECT_EQ(request.Header("user-agent"), "Halvora/1.2.3.4");
     EXPECT_EQ(request.Header("expect"), "(none)");
-    EXPECT_THAT(request.body, HasSubstr("title=Gr%C3%BC%C3%9Fe%20%E6%97%A5%E6%9C%AC%20%26%20%2B50%25%20%F0%9F%98%80%01"));
+    EXPECT_THAT(request.body,
+                HasSubstr("title=Gr%C3%BC%C3%9Fe%20%E6%97%A5%E6%9C%AC%20%26%20%2B50%25%20%F0%9F%98%80%01"));
     EXPECT_THAT(request.body, Not(HasSubstr("oauth_")));
     EXPECT_THAT(request.Header("authorization"), HasSubstr("oauth_token=\"the-token\""));
     EXPECT_TRUE(IsSignedRight(request.Header("authorization"), "POST", "https://api.flickr.com/services/rest",
@@ -47,7 +48,8 @@ TEST_F(WebClientTest, UploadCarriesTheFormAsItIs)
 {
     HttpTestServer &server = StartServer();
     ComPtr<IMultipartFormData> form;
-    ASSERT_EQ(CoCreateInstance(CLSID_MultipartFormData, nullptr, 23, __uuidof(IMultipartFormData), form.PutVoid()), S_OK);
+    ASSERT_EQ(CoCreateInstance(CLSID_MultipartFormData, nullptr, 23, __uuidof(IMultipartFormData), form.PutVoid()),
+              S_OK);
     const auto picture = ScriptedStream::Make(std::string(300'000, 'p'), 10'000);
     form->AddTextField(TEXT("title"), Title);
     form->AddNumberField(TEXT("is_public"), 1);
@@ -60,8 +62,8 @@ TEST_F(WebClientTest, UploadCarriesTheFormAsItIs)
     const auto fields = Parameters({{TEXT("title"), Title}, {TEXT("is_public"), TEXT("1")}});
     const auto progress = RecordedProgress::Make();
     const UploadOutcome outcome =
-        Upload(Client().Get(), QueryFor<IStream>(form.Get()).Get(), length, progress.Get(), fields.Get(), headers.Get(),
-               TEXT("http://api.flickr.com/services/upload/"));
+        Upload(Client().Get(), QueryFor<IStream>(form.Get()).Get(), length, progress.Get(), fields.Get(),
+               headers.Get(), TEXT("http://api.flickr.com/services/upload/"));
     EXPECT_EQ(outcome.result, S_OK);
     EXPECT_EQ(outcome.Text("/rsp/photoid"), "17");
 
@@ -190,10 +192,9 @@ TEST_F(WebClientTest, HeadThatReachedADyingConnectionIsNotRepeated)
 
 TEST_F(WebClientTest, ConnectionCutMidwayIsNotASuccess)
 {
-    StartServer([](Conversation &conversation) {
-        conversation.ReadHead();
-    });
-    const UploadOutcome sending = Upload(Client().Get(), ScriptedStream::MakeEndless(30'000'000).Get(), 30'000'000);
+    StartServer([](Conversation &conversation) { conversation.ReadHead(); });
+    const UploadOutcome sending =
+        Upload(Client().Get(), ScriptedStream::MakeEndless(30'000'000).Get(), 30'000'000);
     EXPECT_EQ(sending.result, static_cast<HRESULT>(0x80072EFE));
     EXPECT_THAT(sending.Description(), HasSubstr("did not arrive"));
 
@@ -214,8 +215,8 @@ TEST_F(WebClientTest, EarlyRefusalWinsOverTheRestOfTheBody)
         conversation.WaitForEnd();
     });
     const auto progress = RecordedProgress::Make();
-    const UploadOutcome outcome = Upload(Client().Get(), ScriptedStream::MakeEndless(30'000'000).Get(),
-                                         30'000'000, progress.Get());
+    const UploadOutcome outcome =
+        Upload(Client().Get(), ScriptedStream::MakeEndless(30'000'000).Get(), 30'000'000, progress.Get());
     EXPECT_EQ(outcome.result, static_cast<HRESULT>(0x8019019D));
     EXPECT_EQ(outcome.Description(), "Files of that size are not for us");
     EXPECT_LT(progress->entries.back().done, 30'000'000u);

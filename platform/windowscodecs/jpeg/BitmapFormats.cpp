@@ -123,8 +123,8 @@ WICRect CheckCopyRequest(const WICRect *wanted, UINT width, UINT height, UINT by
     {
         ThrowHresult(E_INVALIDARG);
     }
-    const ULONGLONG needed =
-        ULONGLONG{stride} * static_cast<UINT>(part.Height - 1) + ULONGLONG{bytesPerPixel} * static_cast<UINT>(part.Width);
+    const ULONGLONG needed = ULONGLONG{stride} * static_cast<UINT>(part.Height - 1) +
+                             ULONGLONG{bytesPerPixel} * static_cast<UINT>(part.Width);
     if (bufferSize < needed)
     {
         ThrowHresult(WINCODEC_ERR_INSUFFICIENTBUFFER);

@@ -19,7 +19,8 @@ constexpr ULONG OPTION_COUNT = sizeof OPTIONS / sizeof *OPTIONS;
 class COptionBag final : public ComObject<COptionBag, IPropertyBag2>
 {
 public:
-    STDMETHODIMP Read(ULONG count, PROPBAG2 *names, IErrorLog *, VARIANT *values, HRESULT *results) noexcept override
+    STDMETHODIMP Read(ULONG count, PROPBAG2 *names, IErrorLog *, VARIANT *values,
+                      HRESULT *results) noexcept override
     {
         if (names == nullptr || values == nullptr || results == nullptr)
         {

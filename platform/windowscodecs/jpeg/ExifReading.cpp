@@ -12,10 +12,20 @@ constexpr auto SIGNATURE = "Exif\0\0"sv;
 
 // What describes pictures that don't go along, or only holds room.
 constexpr WORD LEFT_OUT[] = {
-    254,    255,    273,    278,    279,    322, 323, 324, 325, // subfile kind, strips, tiles
-    330,                                                        // SubIFDs
-    ExifTag::ThumbnailOffset, ExifTag::ThumbnailLength,
-    0xEA1C, 0xEA1D // padding, and how far a maker note was moved
+    254,
+    255,
+    273,
+    278,
+    279,
+    322,
+    323,
+    324,
+    325, // subfile kind, strips, tiles
+    330, // SubIFDs
+    ExifTag::ThumbnailOffset,
+    ExifTag::ThumbnailLength,
+    0xEA1C,
+    0xEA1D // padding, and how far a maker note was moved
 };
 
 bool IsLeftOut(WORD tag) noexcept
@@ -28,8 +38,10 @@ class ExifReader
 {
 public:
     ExifReader(const Bytes &contents, ExifBlock &block)
-        : m_data(contents.data() + SIGNATURE.size()), m_size(static_cast<UINT>(contents.size() - SIGNATURE.size())),
-          m_block(block), m_budget(2 * m_size)
+        : m_data(contents.data() + SIGNATURE.size()),
+          m_size(static_cast<UINT>(contents.size() - SIGNATURE.size())),
+          m_block(block),
+          m_budget(2 * m_size)
     {
     }
 
@@ -106,7 +118,8 @@ private:
         }
         const ULONGLONG size = ULONGLONG{Get32(place + 4)} * ExifElementBytes(type);
         const UINT offset = size <= 4 ? place + 8 : Get32(place + 8);
-        if (size == 0 || !Holds(offset, size) || size > m_budget || IsLeftOut(tag) || directory.Find(tag) != nullptr)
+        if (size == 0 || !Holds(offset, size) || size > m_budget || IsLeftOut(tag) ||
+            directory.Find(tag) != nullptr)
         {
             return;
         }

@@ -21,7 +21,8 @@ public:
             const ULONGLONG base = PositionOf(stream);
             StreamBytes bytes(ComPtr<IStream>(stream), base);
             ReadStructure(bytes);
-            *capability = WICBitmapDecoderCapabilityCanDecodeAllImages | WICBitmapDecoderCapabilityCanEnumerateMetadata;
+            *capability =
+                WICBitmapDecoderCapabilityCanDecodeAllImages | WICBitmapDecoderCapabilityCanEnumerateMetadata;
             LARGE_INTEGER back;
             back.QuadPart = static_cast<LONGLONG>(base);
             return stream->Seek(back, STREAM_SEEK_SET, nullptr);

@@ -99,8 +99,8 @@ HRESULT CJpegFrameDecode::CopyPixels(const WICRect *wanted, UINT stride, UINT si
         return E_INVALIDARG;
     }
     return AtBoundary([&] {
-        const WICRect part = CheckCopyRequest(wanted, m_structure.Width, m_structure.Height,
-                                              BytesPerPixel(Layout()), stride, size);
+        const WICRect part =
+            CheckCopyRequest(wanted, m_structure.Width, m_structure.Height, BytesPerPixel(Layout()), stride, size);
         const std::lock_guard guard(m_mutex);
         CopyRows(part, stride, buffer);
         return S_OK;
@@ -149,7 +149,8 @@ HRESULT CJpegFrameDecode::GetMetadataQueryReader(IWICMetadataQueryReader **reade
     *reader = nullptr;
     return AtBoundary([&] {
         const std::lock_guard guard(m_mutex);
-        *reader = MakeQueryReader(ComPtr<IUnknown>(static_cast<IWICBitmapFrameDecode *>(this)), Metadata()).Detach();
+        *reader =
+            MakeQueryReader(ComPtr<IUnknown>(static_cast<IWICBitmapFrameDecode *>(this)), Metadata()).Detach();
         return S_OK;
     });
 }

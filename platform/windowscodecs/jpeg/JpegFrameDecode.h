@@ -27,9 +27,8 @@ protected:
 };
 __CRT_UUID_DECL(IJpegFrameSource, 0x5f0c8e7a, 0x2f3d, 0x4b0b, 0x9a, 0x61, 0x6c, 0x1d, 0x38, 0x52, 0xe4, 0x97)
 
-class CJpegFrameDecode final
-    : public ComObject<CJpegFrameDecode, Answers<IWICBitmapFrameDecode, IWICBitmapSource>, IWICMetadataBlockReader,
-                       IJpegFrameSource>
+class CJpegFrameDecode final : public ComObject<CJpegFrameDecode, Answers<IWICBitmapFrameDecode, IWICBitmapSource>,
+                                                IWICMetadataBlockReader, IJpegFrameSource>
 {
 public:
     // The picture begins at base in the stream, which the frame keeps.

@@ -193,7 +193,10 @@ void CJpegFrameEncode::StartEncoding()
         ThrowHresult(WINCODEC_ERR_WRONGSTATE);
     }
     const float quality = m_options.Quality.value_or(STANDARD_QUALITY);
-    EncodingParameters parameters{m_width, m_height, m_layout, std::max(1, static_cast<int>(std::lround(quality * 100))),
+    EncodingParameters parameters{m_width,
+                                  m_height,
+                                  m_layout,
+                                  std::max(1, static_cast<int>(std::lround(quality * 100))),
                                   m_options.Subsampling.value_or(WICJpegYCrCbSubsampling420),
                                   Head(m_layout != PixelLayout::Cmyk32)};
     BeginPixels();

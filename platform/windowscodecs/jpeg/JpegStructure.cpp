@@ -153,7 +153,8 @@ JpegStructure ReadStructure(StreamBytes &source)
                 ThrowHresult(WINCODEC_ERR_TOOMUCHMETADATA);
             }
             structure.Segments.push_back(place);
-            NoteApplication(structure, marker, ReadSegment(source, {marker, std::min(place.Length, 16u), place.Offset}));
+            NoteApplication(structure, marker,
+                            ReadSegment(source, {marker, std::min(place.Length, 16u), place.Offset}));
         }
         source.Seek(place.Offset + place.Length);
     }

@@ -19,9 +19,9 @@ GUID FormatOf(const OutputSegment &segment) noexcept
     switch (segment.Marker)
     {
     case MARKER_APP1:
-        return BeginsWith(segment.Contents, "Exif")            ? GUID_MetadataFormatApp1
+        return BeginsWith(segment.Contents, "Exif")     ? GUID_MetadataFormatApp1
                : XmpBlock::Recognises(segment.Contents) ? GUID_MetadataFormatXMP
-                                                               : GUID_MetadataFormatUnknown;
+                                                        : GUID_MetadataFormatUnknown;
     case MARKER_APP13:
         return GUID_MetadataFormatApp13;
     case MARKER_COM:
@@ -66,7 +66,8 @@ public:
         return S_OK;
     }
 
-    STDMETHODIMP GetValueByIndex(UINT index, PROPVARIANT *schema, PROPVARIANT *id, PROPVARIANT *value) noexcept override
+    STDMETHODIMP GetValueByIndex(UINT index, PROPVARIANT *schema, PROPVARIANT *id,
+                                 PROPVARIANT *value) noexcept override
     {
         if (index != 0)
         {

@@ -14,7 +14,8 @@ constexpr size_t MAX_METADATA_BYTES = 16 * 1024 * 1024;
 bool BelongsToCoding(BYTE marker, const Bytes &contents) noexcept
 {
     return (marker == MARKER_APP0 && (BeginsWith(contents, "JFIF\0"sv) || BeginsWith(contents, "JFXX\0"sv))) ||
-           (marker == MARKER_APP2 && (BeginsWith(contents, "ICC_PROFILE\0"sv) || BeginsWith(contents, "MPF\0"sv))) ||
+           (marker == MARKER_APP2 &&
+            (BeginsWith(contents, "ICC_PROFILE\0"sv) || BeginsWith(contents, "MPF\0"sv))) ||
            (marker == MARKER_APP14 && BeginsWith(contents, "Adobe"sv));
 }
 } // namespace

@@ -10,7 +10,8 @@
 namespace
 {
 // Reader and writer in one class: a reader is a writer that was never told to be one.
-class CMetadataQuery final : public ComObject<CMetadataQuery, Answers<IWICMetadataQueryWriter, IWICMetadataQueryReader>>
+class CMetadataQuery final
+    : public ComObject<CMetadataQuery, Answers<IWICMetadataQueryWriter, IWICMetadataQueryReader>>
 {
 public:
     CMetadataQuery(ComPtr<IUnknown> owner, MetadataBlocks &blocks, const bool *closed, WideText location)

@@ -165,8 +165,8 @@ void PhotoshopBlock::ParseIptc(const Bytes &data)
         {
             break;
         }
-        m_datasets.push_back({data[at + 1], data[at + 2],
-                              std::string(data.begin() + at + 5, data.begin() + at + 5 + size)});
+        m_datasets.push_back(
+            {data[at + 1], data[at + 2], std::string(data.begin() + at + 5, data.begin() + at + 5 + size)});
         at += 5 + size;
     }
 }
@@ -216,7 +216,8 @@ void PhotoshopBlock::Set(std::string_view name, const std::vector<std::string> &
     const BYTE number = NumberOf(name);
     Remove(name);
     TurnToUtf8();
-    if (std::none_of(m_datasets.begin(), m_datasets.end(), [](const IptcDataset &d) { return d.Record == 2 && d.Number == 0; }))
+    if (std::none_of(m_datasets.begin(), m_datasets.end(),
+                     [](const IptcDataset &d) { return d.Record == 2 && d.Number == 0; }))
     {
         m_datasets.push_back({2, 0, std::string("\0\4", 2)});
     }

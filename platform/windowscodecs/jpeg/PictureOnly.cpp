@@ -7,9 +7,8 @@ namespace
 // The end of the entropy-coded data that begins at `at`.
 size_t SkipEntropyCoded(const Bytes &picture, size_t at) noexcept
 {
-    while (at + 1 < picture.size() &&
-           (picture[at] != 0xFF || picture[at + 1] == 0 ||
-            (picture[at + 1] >= MARKER_RST0 && picture[at + 1] <= MARKER_RST7)))
+    while (at + 1 < picture.size() && (picture[at] != 0xFF || picture[at + 1] == 0 ||
+                                       (picture[at + 1] >= MARKER_RST0 && picture[at + 1] <= MARKER_RST7)))
     {
         ++at;
     }

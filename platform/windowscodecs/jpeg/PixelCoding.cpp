@@ -267,9 +267,8 @@ void RowDecoder::SkipTo(UINT row)
     }
     if (row > state.Decoder.output_scanline)
     {
-        Guard(state.Trap, [&state, row] {
-            jpeg_skip_scanlines(&state.Decoder, row - state.Decoder.output_scanline);
-        });
+        Guard(state.Trap,
+              [&state, row] { jpeg_skip_scanlines(&state.Decoder, row - state.Decoder.output_scanline); });
         state.ThrowIfDamaged();
     }
 }

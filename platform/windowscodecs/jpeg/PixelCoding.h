@@ -57,8 +57,8 @@ struct EncodingParameters
     UINT Width;
     UINT Height;
     PixelLayout Layout;
-    int Quality;              // 1 to 100
-    BYTE Subsampling;         // a WICJpegYCrCbSubsamplingOption
+    int Quality;      // 1 to 100
+    BYTE Subsampling; // a WICJpegYCrCbSubsamplingOption
     std::vector<OutputSegment> Head;
 };
 

@@ -18,9 +18,9 @@ struct FieldOfType
 };
 
 constexpr FieldOfType FIELDS[] = {
-    {VT_UI1, EXIF_BYTE},   {VT_I1, EXIF_SBYTE},     {VT_UI2, EXIF_SHORT},     {VT_I2, EXIF_SSHORT},
-    {VT_UI4, EXIF_LONG},   {VT_I4, EXIF_SLONG},     {VT_UI8, EXIF_RATIONAL},  {VT_I8, EXIF_SRATIONAL},
-    {VT_R4, EXIF_FLOAT},   {VT_R8, EXIF_DOUBLE},
+    {VT_UI1, EXIF_BYTE}, {VT_I1, EXIF_SBYTE},  {VT_UI2, EXIF_SHORT},    {VT_I2, EXIF_SSHORT},
+    {VT_UI4, EXIF_LONG}, {VT_I4, EXIF_SLONG},  {VT_UI8, EXIF_RATIONAL}, {VT_I8, EXIF_SRATIONAL},
+    {VT_R4, EXIF_FLOAT}, {VT_R8, EXIF_DOUBLE},
 };
 
 [[noreturn]] void RefuseType()
@@ -83,16 +83,26 @@ std::string Decimal(const PROPVARIANT &value)
 {
     switch (value.vt)
     {
-    case VT_UI1: return std::to_string(value.bVal);
-    case VT_I1: return std::to_string(value.cVal);
-    case VT_UI2: return std::to_string(value.uiVal);
-    case VT_I2: return std::to_string(value.iVal);
-    case VT_UI4: return std::to_string(value.ulVal);
-    case VT_I4: return std::to_string(value.lVal);
-    case VT_UI8: return std::to_string(value.uhVal.QuadPart);
-    case VT_I8: return std::to_string(value.hVal.QuadPart);
-    case VT_BOOL: return value.boolVal != VARIANT_FALSE ? "True" : "False";
-    default: RefuseType();
+    case VT_UI1:
+        return std::to_string(value.bVal);
+    case VT_I1:
+        return std::to_string(value.cVal);
+    case VT_UI2:
+        return std::to_string(value.uiVal);
+    case VT_I2:
+        return std::to_string(value.iVal);
+    case VT_UI4:
+        return std::to_string(value.ulVal);
+    case VT_I4:
+        return std::to_string(value.lVal);
+    case VT_UI8:
+        return std::to_string(value.uhVal.QuadPart);
+    case VT_I8:
+        return std::to_string(value.hVal.QuadPart);
+    case VT_BOOL:
+        return value.boolVal != VARIANT_FALSE ? "True" : "False";
+    default:
+        RefuseType();
     }
 }
 } // namespace
@@ -190,9 +200,12 @@ std::vector<std::string> TextsFromValue(const PROPVARIANT &value)
     std::vector<std::string> texts;
     switch (value.vt)
     {
-    case VT_LPSTR: return {ToText(value.pszVal)};
-    case VT_LPWSTR: return {ToText(value.pwszVal)};
-    case VT_BSTR: return {ToText(value.bstrVal, SysStringLen(value.bstrVal))};
+    case VT_LPSTR:
+        return {ToText(value.pszVal)};
+    case VT_LPWSTR:
+        return {ToText(value.pwszVal)};
+    case VT_BSTR:
+        return {ToText(value.bstrVal, SysStringLen(value.bstrVal))};
     case VT_VECTOR | VT_LPSTR:
         for (ULONG i = 0; i < value.calpstr.cElems; ++i)
         {
@@ -211,7 +224,8 @@ std::vector<std::string> TextsFromValue(const PROPVARIANT &value)
             texts.push_back(ToText(value.cabstr.pElems[i], SysStringLen(value.cabstr.pElems[i])));
         }
         return texts;
-    default: return {Decimal(value)};
+    default:
+        return {Decimal(value)};
     }
 }
 

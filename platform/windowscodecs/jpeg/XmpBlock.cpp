@@ -54,7 +54,8 @@ std::string ExtensionPacket(const std::vector<Bytes> &segments, std::string_view
             continue;
         }
         const DWORD told = BigEndianAt(segment, EXTENSION_HEAD - 8);
-        const bool isNew = parts.emplace(BigEndianAt(segment, EXTENSION_HEAD - 4), text.substr(EXTENSION_HEAD)).second;
+        const bool isNew =
+            parts.emplace(BigEndianAt(segment, EXTENSION_HEAD - 4), text.substr(EXTENSION_HEAD)).second;
         if (!isNew || told != length.value_or(told))
         {
             return {};

@@ -50,10 +50,10 @@ auto Translate(HRESULT code, Work work)
 
 struct Property
 {
-    std::string Key;       // of the whole value in the library's data
+    std::string Key; // of the whole value in the library's data
     bool HasElement = false;
-    ULONG Element = 0;     // of an array, from 0
-    std::string Language;  // of an alternative
+    ULONG Element = 0;    // of an array, from 0
+    std::string Language; // of an alternative
     Exiv2::TypeId Collection = Exiv2::invalidTypeId;
 };
 
@@ -166,7 +166,8 @@ struct XmpProperties::State
     // By comparison, since making a key of a text fails for a schema that the library doesn't know.
     Exiv2::XmpData::iterator Find(const std::string &key)
     {
-        return std::find_if(Data.begin(), Data.end(), [&](const Exiv2::Xmpdatum &datum) { return datum.key() == key; });
+        return std::find_if(Data.begin(), Data.end(),
+                            [&](const Exiv2::Xmpdatum &datum) { return datum.key() == key; });
     }
 
     bool Erase(const std::string &key)
@@ -194,7 +195,8 @@ struct XmpProperties::State
             {
                 value = *old;
             }
-            value.value_[language.empty() ? "x-default" : language] = texts.empty() ? std::string() : texts.front();
+            value.value_[language.empty() ? "x-default" : language] =
+                texts.empty() ? std::string() : texts.front();
             Erase(key);
             Data.add(Exiv2::XmpKey(key), &value);
             return;
@@ -354,7 +356,8 @@ std::string XmpProperties::Write() const
     return Translate(WINCODEC_ERR_TOOMUCHMETADATA, [&] {
         std::string packet;
         if (Exiv2::XmpParser::encode(packet, m_state->Data,
-                                     Exiv2::XmpParser::useCompactFormat | Exiv2::XmpParser::omitAllFormatting) != 0)
+                                     Exiv2::XmpParser::useCompactFormat | Exiv2::XmpParser::omitAllFormatting) !=
+            0)
         {
             ThrowHresult(WINCODEC_ERR_INTERNALERROR);
         }

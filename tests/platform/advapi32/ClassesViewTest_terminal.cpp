@@ -12,7 +12,8 @@ TEST(ClassesView, ClassesOfTheUserStandAheadOfTheMachines)
     const WCHAR *const user = TEXT("Software\\Classes\\HalvoraPlatformTest");
     const auto set = [](HKEY root, const WCHAR *path, const WideText &text) {
         RegistryKeyOwner key;
-        ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(root, path, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, key.Put(), nullptr));
+        ASSERT_EQ(ERROR_SUCCESS,
+                  RegCreateKeyExW(root, path, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, key.Put(), nullptr));
         RegSetValueExW(key.Get(), nullptr, 0, REG_SZ, reinterpret_cast<const BYTE *>(text.c_str()),
                        static_cast<DWORD>((text.size() + 1) * sizeof(WCHAR)));
     };

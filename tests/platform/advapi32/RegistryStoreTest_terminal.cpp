@@ -52,8 +52,8 @@ protected:
     static LSTATUS Set(const WCHAR *name, DWORD number)
     {
         RegistryKeyOwner key;
-        const LSTATUS result = RegCreateKeyExW(HKEY_CURRENT_USER, TEXT("Software\\Test"), 0, nullptr, 0, KEY_ALL_ACCESS,
-                                               nullptr, key.Put(), nullptr);
+        const LSTATUS result = RegCreateKeyExW(HKEY_CURRENT_USER, TEXT("Software\\Test"), 0, nullptr, 0,
+                                               KEY_ALL_ACCESS, nullptr, key.Put(), nullptr);
         return result != ERROR_SUCCESS
                    ? result
                    : RegSetValueExW(key.Get(), name, 0, REG_DWORD, reinterpret_cast<const BYTE *>(&number), 4);
@@ -77,9 +77,10 @@ protected:
 
 TEST_F(RegistryStore, KeepsEverythingItDoesNotChange)
 {
-    const std::string before = heading + "; a remark at the top\n\n[HKEY_CURRENT_USER\\Software\\Other]\n; mine\n"
-                               "\"odd\"=something new\n\"List\"=hex(7):61,00,\\\n  00,00,00,00\n[-HKEY_X]\n\"gone\"=-\n\n"
-                               "[HKEY_CURRENT_USER\\Software\\Test]\n\"A\"=dword:1\n";
+    const std::string before =
+        heading + "; a remark at the top\n\n[HKEY_CURRENT_USER\\Software\\Other]\n; mine\n"
+                  "\"odd\"=something new\n\"List\"=hex(7):61,00,\\\n  00,00,00,00\n[-HKEY_X]\n\"gone\"=-\n\n"
+                  "[HKEY_CURRENT_USER\\Software\\Test]\n\"A\"=dword:1\n";
     Put(before);
     ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("B"), 2));
     EXPECT_EQ(before + "\"B\"=dword:00000002\n", FileText());
@@ -105,8 +106,9 @@ TEST_F(RegistryStore, WritesNothingWhenNothingChanges)
 
 TEST_F(RegistryStore, ReadsAndKeepsWhatRegeditExports)
 {
-    const std::u16string text = u"\xFEFFWindows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\Test]\r\n"
-                                u"\"Größe\"=dword:00000007\r\n";
+    const std::u16string text =
+        u"\xFEFFWindows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\Test]\r\n"
+        u"\"Größe\"=dword:00000007\r\n";
     const std::string bytes(reinterpret_cast<const char *>(text.data()), text.size() * 2);
     Put(bytes);
     EXPECT_EQ(7, Get(TEXT("grÖße")));

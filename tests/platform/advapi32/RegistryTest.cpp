@@ -22,8 +22,8 @@ protected:
     {
         RegDeleteTreeW(HKEY_CURRENT_USER, testKey);
         DWORD disposition = 0;
-        ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_CURRENT_USER, testKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
-                                                 m_key.Put(), &disposition));
+        ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_CURRENT_USER, testKey, 0, nullptr, 0, KEY_ALL_ACCESS,
+                                                 nullptr, m_key.Put(), &disposition));
         ASSERT_EQ(DWORD(REG_CREATED_NEW_KEY), disposition);
     }
 
@@ -81,8 +81,9 @@ TEST_F(RegistryTest, KeepsEveryTypeOfValueAsItWasWritten)
     };
     for (const auto &c : cases)
     {
-        ASSERT_EQ(ERROR_SUCCESS, RegSetValueExW(m_key.Get(), c.name, 0, c.type, c.data.empty() ? nullptr : c.data.data(),
-                                                static_cast<DWORD>(c.data.size())));
+        ASSERT_EQ(ERROR_SUCCESS,
+                  RegSetValueExW(m_key.Get(), c.name, 0, c.type, c.data.empty() ? nullptr : c.data.data(),
+                                 static_cast<DWORD>(c.data.size())));
     }
     for (const auto &c : cases)
     {

@@ -14,7 +14,8 @@ protected:
     {
         const INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_PROGRESS_CLASS};
         ASSERT_TRUE(InitCommonControlsEx(&controls));
-        m_bar = CreateWindowExW(0, PROGRESS_CLASSW, nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+        m_bar =
+            CreateWindowExW(0, PROGRESS_CLASSW, nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
         ASSERT_NE(m_bar, nullptr);
     }
 

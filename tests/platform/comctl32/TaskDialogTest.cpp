@@ -10,7 +10,8 @@ TEST(TaskDialog, RefusesWhatIsNoRecord)
     using Show = HRESULT(WINAPI *)(const TASKDIALOGCONFIG *, int *, int *, BOOL *);
     const HMODULE controls = GetModuleHandleW(TEXT("comctl32"));
     ASSERT_NE(controls, nullptr);
-    const auto show = reinterpret_cast<Show>(reinterpret_cast<void *>(GetProcAddress(controls, "TaskDialogIndirect")));
+    const auto show =
+        reinterpret_cast<Show>(reinterpret_cast<void *>(GetProcAddress(controls, "TaskDialogIndirect")));
     ASSERT_NE(show, nullptr);
     int button = 77;
     EXPECT_EQ(show(nullptr, &button, nullptr, nullptr), E_INVALIDARG);

@@ -55,9 +55,9 @@ TEST(TerminalTaskDialog, ShowsAllThatTheRecordSays)
     const std::string &screen = run.Screen();
     for (const char *const text :
          {"Title here", "Warning", "One picture is too large.", "Gr\u00F6\u00DFe: see the limits",
-          "[L1: https://www.example.org/]", "+ Tell me more", "a (\u2022) Keep the place", "b ( ) Remove the place",
-          "1 \u2192 Make it smaller", "At most 2048 pixels", "2 \u2192 Leave it out", "3 \u2192 Cancel",
-          "x [ ] Always so", "Security: Ask somebody.", "Enter: Leave it out", "Esc: cancel"})
+          "[L1: https://www.example.org/]", "+ Tell me more", "a (\u2022) Keep the place",
+          "b ( ) Remove the place", "1 \u2192 Make it smaller", "At most 2048 pixels", "2 \u2192 Leave it out",
+          "3 \u2192 Cancel", "x [ ] Always so", "Security: Ask somebody.", "Enter: Leave it out", "Esc: cancel"})
     {
         EXPECT_THAT(screen, HasSubstr(text));
     }
@@ -98,8 +98,12 @@ TEST(TerminalTaskDialog, TakesAnswersOfManyKinds)
         {{"b\n", "x\n", "1\n"}, "button 100 radio 12 checked 1"},
         {{"x\n", "x\n", "Remove the place\n", "1\n"}, "button 100 radio 12 checked 0"},
         {{"4\n", "0\n", "nonsense\n", "12\x7F\n"}, "button 100 radio 11 checked 0"},
-        {{"\x1B[A\x1B[B" "1\n"}, "button 100 radio 11 checked 0"},
-        {{"3\x15" "1\n"}, "button 100 radio 11 checked 0"},
+        {{"\x1B[A\x1B[B"
+          "1\n"},
+         "button 100 radio 11 checked 0"},
+        {{"3\x15"
+          "1\n"},
+         "button 100 radio 11 checked 0"},
     };
     for (const auto &c : cases)
     {
@@ -169,8 +173,9 @@ TEST(TerminalTaskDialog, TellsItsCallbackEverything)
     {
         ASSERT_TRUE(run.Answer(typed));
     }
-    EXPECT_EQ(run.Result(), "result 0 button 101 radio 12 checked 1 told 7 0 6:12 8:1 10:1 3 https://www.example.org/ "
-                            "2:100 2:101 5 ");
+    EXPECT_EQ(run.Result(),
+              "result 0 button 101 radio 12 checked 1 told 7 0 6:12 8:1 10:1 3 https://www.example.org/ "
+              "2:100 2:101 5 ");
 }
 
 HRESULT CALLBACK Changer(HWND window, UINT notification, WPARAM, LPARAM, LONG_PTR)
@@ -256,8 +261,8 @@ TEST(TerminalTaskDialog, WrapsWideTextsToTheTerminal)
     TASKDIALOGCONFIG config{};
     config.cbSize = sizeof(config);
     // 30 characters of two columns; then a word without a break; then combining marks.
-    const std::u16string text = std::u16string(30, u'\u65E5') + u"\n" + std::u16string(70, u'w') + u"\n" +
-                                u"e\u0301e\u0301 second";
+    const std::u16string text =
+        std::u16string(30, u'\u65E5') + u"\n" + std::u16string(70, u'w') + u"\n" + u"e\u0301e\u0301 second";
     config.pszContent = text.c_str();
     TerminalRun run([&] { return Show(config); }, 50, 24);
     ASSERT_TRUE(run.Answer("\n"));

@@ -44,8 +44,8 @@ TEST(FormatMessage, AnUnknownCodeHasNoMessage)
 TEST(FormatMessage, ASmallBufferIsRefused)
 {
     WCHAR text[4];
-    EXPECT_EQ(FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, ERROR_FILE_NOT_FOUND,
-                             0, text, ARRAYSIZE(text), nullptr),
+    EXPECT_EQ(FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                             ERROR_FILE_NOT_FOUND, 0, text, ARRAYSIZE(text), nullptr),
               0u);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
 }

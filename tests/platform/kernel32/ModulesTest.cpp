@@ -11,7 +11,7 @@ extern "C"
 #else
     __attribute__((visibility("default")))
 #endif
-    int ExportedForTheTest()
+        int ExportedForTheTest()
 {
     return 7;
 }
@@ -75,7 +75,8 @@ TEST(Modules, TheFileNameIsCutAndReportedIfTheBufferIsSmall)
 TEST(Modules, ExportedFunctionsAreFoundInTheirOwnModuleOnly)
 {
     const HMODULE program = GetModuleHandleW(nullptr);
-    const auto found = reinterpret_cast<int (*)()>(reinterpret_cast<void *>(GetProcAddress(program, "ExportedForTheTest")));
+    const auto found =
+        reinterpret_cast<int (*)()>(reinterpret_cast<void *>(GetProcAddress(program, "ExportedForTheTest")));
     ASSERT_NE(found, nullptr);
     EXPECT_EQ(found(), 7);
     SetLastError(0);
@@ -115,7 +116,8 @@ TEST(Modules, TheSystemsOwnAreKnownByName)
     {
         EXPECT_NE(GetModuleHandleW(name), nullptr);
     }
-    const auto entry = reinterpret_cast<void *>(GetProcAddress(GetModuleHandleW(TEXT("kernel32")), "GetModuleHandleW"));
+    const auto entry =
+        reinterpret_cast<void *>(GetProcAddress(GetModuleHandleW(TEXT("kernel32")), "GetModuleHandleW"));
     EXPECT_NE(entry, nullptr);
     EXPECT_EQ(GetProcAddress(GetModuleHandleW(TEXT("kernel32")), "NoSuchFunction"), nullptr);
 }

@@ -34,6 +34,7 @@ TEST(Resources, AreFoundByNumberAndByText)
 TEST(Resources, WhatIsMissingSaysWhy)
 {
     EXPECT_EQ(Read(MAKEINTRESOURCEW(302), rawData), "error " + std::to_string(ERROR_RESOURCE_NAME_NOT_FOUND));
-    EXPECT_EQ(Read(MAKEINTRESOURCEW(7), TEXT("NOTHING")), "error " + std::to_string(ERROR_RESOURCE_TYPE_NOT_FOUND));
+    EXPECT_EQ(Read(MAKEINTRESOURCEW(7), TEXT("NOTHING")),
+              "error " + std::to_string(ERROR_RESOURCE_TYPE_NOT_FOUND));
 }
 } // namespace

@@ -36,8 +36,9 @@ protected:
     static WideText Format(const WCHAR *value)
     {
         WCHAR text[64];
-        return GetNumberFormatW(LOCALE_USER_DEFAULT, 0, value, nullptr, text, ARRAYSIZE(text)) > 0 ? text
-                                                                                                 : TEXT("failed");
+        return GetNumberFormatW(LOCALE_USER_DEFAULT, 0, value, nullptr, text, ARRAYSIZE(text)) > 0
+                   ? text
+                   : TEXT("failed");
     }
 
 private:

@@ -78,8 +78,8 @@ TEST_F(DomDocument, AnswersExpressionsWithTextsNothingOrFailure)
     for (const auto &c : cases)
     {
         const WideText text = Read(c.expression);
-        EXPECT_TRUE(text == c.expected) << testing::PrintToString(WideText(c.expression)) << " gives "
-                                        << testing::PrintToString(text);
+        EXPECT_TRUE(text == c.expected)
+            << testing::PrintToString(WideText(c.expression)) << " gives " << testing::PrintToString(text);
     }
     ComPtr<IXMLDOMNode> node;
     EXPECT_EQ(E_INVALIDARG, m_document->selectSingleNode(BstrOwner(WideView(TEXT("/rsp"))).Get(), nullptr));
@@ -142,12 +142,7 @@ TEST_F(DomDocument, RefusesWhatIsHostileOrNoDocument)
         deep += TEXT("<a>");
     }
     const WideText cases[] = {
-        TEXT(""),
-        TEXT("plain text"),
-        TEXT("<a></b>"),
-        TEXT("<a>&undeclared;</a>"),
-        TEXT("<a/><b/>"),
-        deep,
+        TEXT(""), TEXT("plain text"), TEXT("<a></b>"), TEXT("<a>&undeclared;</a>"), TEXT("<a/><b/>"), deep,
     };
     for (const WideText &text : cases)
     {
@@ -167,7 +162,8 @@ TEST_F(DomDocument, LoadsFromAStreamInTheEncodingThatItDeclares)
 {
     ComPtr<IStream> stream;
     ASSERT_EQ(S_OK, CreateStreamOnHGlobal(nullptr, TRUE, stream.Put()));
-    const char text[] = "<?xml version='1.0' encoding='ISO-8859-1'?><a>Gr\xF6\xDF" "e</a>";
+    const char text[] = "<?xml version='1.0' encoding='ISO-8859-1'?><a>Gr\xF6\xDF"
+                        "e</a>";
     stream->Write(text, sizeof(text) - 1, nullptr);
     stream->Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr);
     VARIANT source;
@@ -206,7 +202,10 @@ private:
 TEST_F(DomDocument, LoadsFromBytes)
 {
     VARIANT_BOOL success = VARIANT_FALSE;
-    EXPECT_EQ(S_OK, m_document->load(BytesOf("<a b='7'>Gr\xC3\xB6\xC3\x9F" "e\r\n</a>").Get(), &success));
+    EXPECT_EQ(S_OK, m_document->load(BytesOf("<a b='7'>Gr\xC3\xB6\xC3\x9F"
+                                             "e\r\n</a>")
+                                         .Get(),
+                                     &success));
     EXPECT_EQ(VARIANT_TRUE, success);
     EXPECT_TRUE(Read(TEXT("/a")) == TEXT("Größe"));
     EXPECT_TRUE(Read(TEXT("/a/@b")) == TEXT("7"));

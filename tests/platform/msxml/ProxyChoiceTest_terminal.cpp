@@ -28,7 +28,8 @@ TEST(ProxyChoice, ReadsListsOfServers)
     };
     for (const auto &c : cases)
     {
-        EXPECT_EQ(c.expected, ProxyChoice(c.servers, "").For(c.url).value_or("(direct)")) << c.servers << ' ' << c.url;
+        EXPECT_EQ(c.expected, ProxyChoice(c.servers, "").For(c.url).value_or("(direct)"))
+            << c.servers << ' ' << c.url;
     }
 }
 
@@ -64,7 +65,8 @@ TEST(ProxyChoice, LeavesOutWhatTheBypassListNames)
     };
     for (const auto &c : cases)
     {
-        EXPECT_EQ(!c.isBypassed, ProxyChoice("proxy:1", c.bypass).For(c.url).has_value()) << c.bypass << ' ' << c.url;
+        EXPECT_EQ(!c.isBypassed, ProxyChoice("proxy:1", c.bypass).For(c.url).has_value())
+            << c.bypass << ' ' << c.url;
     }
 }
 } // namespace

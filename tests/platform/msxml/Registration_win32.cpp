@@ -1,6 +1,4 @@
 #include "Registration.h"
 
 // Windows has the class.
-void RegisterDocumentClass()
-{
-}
+void RegisterDocumentClass() {}

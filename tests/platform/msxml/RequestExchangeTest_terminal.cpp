@@ -40,8 +40,8 @@ HttpTestServer::Script Answer(const std::string &reply)
 
 std::string Reply(const std::string &body, const std::string &status = "200 OK", const std::string &headers = "")
 {
-    return "HTTP/1.1 " + status + "\r\n" + headers + "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" +
-           body;
+    return "HTTP/1.1 " + status + "\r\n" + headers + "Content-Length: " + std::to_string(body.size()) +
+           "\r\n\r\n" + body;
 }
 
 class RequestExchange : public testing::Test
@@ -118,7 +118,9 @@ TEST_F(RequestExchange, GivesABodyAsBytesAsAStreamAndAsText)
     } cases[] = {
         {std::string("a\0b", 3), std::u16string(u"a\0b", 3)},
         {"", u""},
-        {"\xEF\xBB\xBFGr\xC3\xB6\xC3\x9F" "e \xFF", u"Größe \uFFFD"},
+        {"\xEF\xBB\xBFGr\xC3\xB6\xC3\x9F"
+         "e \xFF",
+         u"Größe \uFFFD"},
         {std::string("\xFF\xFEG\0\xF6\0x", 7), u"Gö"},
         {std::string("\xFE\xFF\0G\0\xF6", 6), u"Gö"},
     };
@@ -185,7 +187,8 @@ TEST_F(RequestExchange, TakesWhateverTheServerAnswersForAReply)
         {Reply(bomb + "]><answer><word>&m;</word></answer>"), 200, "(none)"},
         {Reply("<!DOCTYPE a SYSTEM \"file:///etc/passwd\"><answer><word/></answer>"), 200, "(none)"},
         {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n11\r\n<answer><word>for\r\n1a\r\nty "
-         "two</word></answer>    \r\n0\r\n\r\n", 200, "forty two"},
+         "two</word></answer>    \r\n0\r\n\r\n",
+         200, "forty two"},
         {"HTTP/1.1 204 No Content\r\n\r\n", 204, "(none)"},
         {"HTTP/1.1 100 Continue\r\n\r\n" + Reply(document, "201 Made"), 201, "forty two"},
         {Reply("", "302 Found"), 302, "(none)"}, // to nowhere

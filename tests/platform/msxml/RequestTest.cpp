@@ -84,8 +84,8 @@ TEST(RequestClasses, OnlyTheServersCanBeGivenAProxy)
         {
             ComPtr<IUnknown> server;
             // Wine's class has the first of the two interfaces alone.
-            const bool has = requestClass == &serverRequestClass &&
-                             (!underWine || iid == __uuidof(IServerXMLHTTPRequest));
+            const bool has =
+                requestClass == &serverRequestClass && (!underWine || iid == __uuidof(IServerXMLHTTPRequest));
             EXPECT_EQ(has ? S_OK : E_NOINTERFACE, use.request->QueryInterface(iid, server.PutVoid()));
         }
     }

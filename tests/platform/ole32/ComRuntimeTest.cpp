@@ -44,8 +44,7 @@ TEST(ComRuntime, CreatesObjectsOfRegisteredClassesUntilTheyAreRevoked)
     EXPECT_EQ(REGDB_E_CLASSNOTREG, create(__uuidof(ISupportErrorInfo)));
     EXPECT_FALSE(object);
     DWORD cookie = 0;
-    ASSERT_EQ(S_OK,
-              CoRegisterClassObject(testClass, &factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie));
+    ASSERT_EQ(S_OK, CoRegisterClassObject(testClass, &factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie));
     EXPECT_EQ(S_OK, create(__uuidof(ISupportErrorInfo)));
     EXPECT_TRUE(object);
     EXPECT_EQ(S_OK, create(__uuidof(IUnknown)));
@@ -77,8 +76,8 @@ TEST(ComRuntime, AnAgileObjectCrossesThreadsAsItself)
     const ULONG before = References(object.Get());
     ComPtr<IStream> stream;
     ASSERT_EQ(S_OK, CreateStreamOnHGlobal(nullptr, TRUE, stream.Put()));
-    ASSERT_EQ(S_OK, marshal->MarshalInterface(stream.Get(), __uuidof(ISupportErrorInfo), object.Get(), MSHCTX_INPROC,
-                                              nullptr, MSHLFLAGS_NORMAL));
+    ASSERT_EQ(S_OK, marshal->MarshalInterface(stream.Get(), __uuidof(ISupportErrorInfo), object.Get(),
+                                              MSHCTX_INPROC, nullptr, MSHLFLAGS_NORMAL));
     EXPECT_EQ(before + 1, References(object.Get()));
     std::thread([&] {
         ComPtr<ISupportErrorInfo> arrived;

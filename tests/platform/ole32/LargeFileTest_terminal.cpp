@@ -10,7 +10,8 @@ TEST(LargeFiles, HavePositionsAndSizesOf64Bits)
 {
     const char *const name = "large-file-test.bin";
     ComPtr<IStream> stream;
-    ASSERT_EQ(S_OK, SHCreateStreamOnFileW(TEXT("large-file-test.bin"), STGM_READWRITE | STGM_CREATE, stream.Put()));
+    ASSERT_EQ(S_OK,
+              SHCreateStreamOnFileW(TEXT("large-file-test.bin"), STGM_READWRITE | STGM_CREATE, stream.Put()));
     LARGE_INTEGER move;
     move.QuadPart = 5000000000;
     ULARGE_INTEGER position;

@@ -66,7 +66,8 @@ TEST(Variants, ConvertTextsToNumbersOf64Bits)
         V_VT(&source) = VT_BSTR;
         V_BSTR(&source) = text.Get();
         VariantInit(&target);
-        EXPECT_EQ(VariantChangeType(&target, &source, 0, VT_I8), c.result) << testing::PrintToString(WideText(c.text));
+        EXPECT_EQ(VariantChangeType(&target, &source, 0, VT_I8), c.result)
+            << testing::PrintToString(WideText(c.text));
         if (SUCCEEDED(c.result))
         {
             EXPECT_EQ(V_I8(&target), c.number);

@@ -123,8 +123,8 @@ TEST(Variants, CopiesOwnWhatTheyHold)
 
 TEST(Variants, ConvertNumbersAndTexts)
 {
-    const Variant empty, null(VT_NULL, 0), text(TEXT(" 42 ")), word(TEXT("word")), yes(TEXT("TRUE")), big(VT_UI4, -1),
-        minus(VT_I4, -1), truth(VT_BOOL, VARIANT_TRUE), half(2.5f), more(3.5f), whole(24.0f);
+    const Variant empty, null(VT_NULL, 0), text(TEXT(" 42 ")), word(TEXT("word")), yes(TEXT("TRUE")),
+        big(VT_UI4, -1), minus(VT_I4, -1), truth(VT_BOOL, VARIANT_TRUE), half(2.5f), more(3.5f), whole(24.0f);
     const struct
     {
         const VARIANT &source;
@@ -157,7 +157,8 @@ TEST(Variants, ConvertNumbersAndTexts)
     for (const auto &c : cases)
     {
         Variant target(VT_I4, 7);
-        EXPECT_EQ(c.result, VariantChangeType(&target, const_cast<VARIANT *>(&c.source), 0, c.type)) << V_VT(&c.source) << " to " << c.type;
+        EXPECT_EQ(c.result, VariantChangeType(&target, const_cast<VARIANT *>(&c.source), 0, c.type))
+            << V_VT(&c.source) << " to " << c.type;
         if (FAILED(c.result))
         {
             EXPECT_EQ(VT_I4, V_VT(&target));

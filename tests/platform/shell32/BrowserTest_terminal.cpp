@@ -60,7 +60,8 @@ protected:
 
     static INT_PTR Open(const WCHAR *address, const WCHAR *verb = TEXT("open"))
     {
-        return reinterpret_cast<INT_PTR>(ShellExecuteW(nullptr, verb, address, nullptr, nullptr, SW_SHOWMAXIMIZED));
+        return reinterpret_cast<INT_PTR>(
+            ShellExecuteW(nullptr, verb, address, nullptr, nullptr, SW_SHOWMAXIMIZED));
     }
 
     fs::path m_folder;

@@ -20,7 +20,7 @@ WideText Print(const WCHAR *format, ...)
     return text;
 }
 
-#define EXPECT_PRINTS(expected, format, ...)                                                                  \
+#define EXPECT_PRINTS(expected, format, ...)                                                                      \
     EXPECT_EQ(Print(TEXT(format) __VA_OPT__(, ) __VA_ARGS__), WideText(TEXT(expected))) << format
 
 TEST(WideFormat, IntegersWithFlagsWidthAndPrecision)
@@ -51,7 +51,8 @@ TEST(WideFormat, LongIsThirtyTwoBitsWide)
 
 TEST(WideFormat, SixtyFourBits)
 {
-    EXPECT_PRINTS("-9223372036854775808 18446744073709551615", "%I64d %I64u", INT64(LLONG_MIN), UINT64(ULLONG_MAX));
+    EXPECT_PRINTS("-9223372036854775808 18446744073709551615", "%I64d %I64u", INT64(LLONG_MIN),
+                  UINT64(ULLONG_MAX));
     EXPECT_PRINTS("123456789abcdef 123456789ABCDEF", "%I64x %llX", INT64(0x123456789ABCDEF), 0x123456789ABCDEFLL);
     EXPECT_PRINTS("-5 5 1", "%lld %llu %I32d", -5LL, 5ULL, 1);
     EXPECT_PRINTS("[        7|7]", "[%9I64d|%d]", INT64(7), 7);

@@ -61,7 +61,8 @@ TEST(TerminalMessageBox, ThatMustBeAnsweredStaysUntilItIs)
 
 TEST(TerminalMessageBox, SaysItsTextWhereNobodyCanAnswer)
 {
-    EXPECT_THAT(RunWithoutTerminal([] { return Ask(MB_OKCANCEL); }), testing::EndsWith("Something has happened.\n2"));
+    EXPECT_THAT(RunWithoutTerminal([] { return Ask(MB_OKCANCEL); }),
+                testing::EndsWith("Something has happened.\n2"));
     EXPECT_THAT(RunWithoutTerminal([] { return Ask(MB_OK | MB_ICONERROR); }),
                 testing::EndsWith("Caption (Error)\nSomething has happened.\n1"));
 }

@@ -46,10 +46,7 @@ protected:
         ASSERT_NE(RegisterClassExW(&description), 0);
     }
 
-    void TearDown() override
-    {
-        EXPECT_TRUE(UnregisterClassW(TEXT("RecordingWindow"), GetModuleHandleW(nullptr)));
-    }
+    void TearDown() override { EXPECT_TRUE(UnregisterClassW(TEXT("RecordingWindow"), GetModuleHandleW(nullptr))); }
 
     static HWND Create(const WCHAR *name = TEXT("RECORDINGwindow"), HWND parent = HWND_MESSAGE)
     {

@@ -51,7 +51,8 @@ WideText Terminated(const WCHAR *text)
 
 TEST_F(VersionInformation, GivesTextsByPath)
 {
-    EXPECT_EQ(Text(TEXT("\\StringFileInfo\\040904b0\\FileDescription")), Terminated(TEXT("A program of the tests")));
+    EXPECT_EQ(Text(TEXT("\\StringFileInfo\\040904b0\\FileDescription")),
+              Terminated(TEXT("A program of the tests")));
     EXPECT_EQ(Text(TEXT("\\StringFileInfo\\040904B0\\fileversion")), Terminated(TEXT("1.2 (Build 4)")));
     EXPECT_EQ(Text(TEXT("StringFileInfo\\040904B0\\Odd")), Terminated(TEXT("odd")));
 }

@@ -32,7 +32,8 @@ protected:
     {
         EXPECT_EQ(Export("DllCanUnloadNow")(), S_OK);
         EXPECT_EQ(Export("DllUnregisterServer")(), S_OK);
-        EXPECT_EQ(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_ALL, IID_IUnknown, ComPtr<IUnknown>().PutVoid()),
+        EXPECT_EQ(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_ALL, IID_IUnknown,
+                                   ComPtr<IUnknown>().PutVoid()),
                   REGDB_E_CLASSNOTREG);
         FreeLibrary(s_module);
     }
@@ -44,7 +45,8 @@ protected:
 
     void SetUp() override
     {
-        ASSERT_EQ(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_ALL, IID_PPV_ARGS(m_factory.Put())), S_OK);
+        ASSERT_EQ(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_ALL, IID_PPV_ARGS(m_factory.Put())),
+                  S_OK);
     }
 
     HRESULT Open(std::string_view content, GUID &format)
@@ -54,8 +56,8 @@ protected:
         EXPECT_EQ(stream->Write(content.data(), static_cast<ULONG>(content.size()), nullptr), S_OK);
         EXPECT_EQ(stream->Seek({}, STREAM_SEEK_SET, nullptr), S_OK);
         ComPtr<IWICBitmapDecoder> decoder;
-        const HRESULT result = m_factory->CreateDecoderFromStream(stream.Get(), nullptr, WICDecodeMetadataCacheOnDemand,
-                                                                  decoder.Put());
+        const HRESULT result = m_factory->CreateDecoderFromStream(stream.Get(), nullptr,
+                                                                  WICDecodeMetadataCacheOnDemand, decoder.Put());
         return FAILED(result) ? result : decoder->GetContainerFormat(&format);
     }
 
@@ -103,6 +105,7 @@ TEST_F(ContainerFormat, BadArguments)
     ComPtr<IWICBitmapDecoder> decoder;
     EXPECT_EQ(m_factory->CreateDecoderFromStream(nullptr, nullptr, WICDecodeMetadataCacheOnDemand, decoder.Put()),
               E_INVALIDARG);
-    EXPECT_EQ(m_factory->CreateDecoderFromStream(nullptr, nullptr, WICDecodeMetadataCacheOnDemand, nullptr), E_INVALIDARG);
+    EXPECT_EQ(m_factory->CreateDecoderFromStream(nullptr, nullptr, WICDecodeMetadataCacheOnDemand, nullptr),
+              E_INVALIDARG);
 }
 } // namespace

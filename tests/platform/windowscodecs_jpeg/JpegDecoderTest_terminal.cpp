@@ -44,7 +44,8 @@ TEST(JpegDecoder, TellsWhyItRefusesAFile)
 
 TEST(JpegDecoder, BreaksNowhereWhenAFileEndsOrIsChanged)
 {
-    const Octets good = MakeJpeg({.Width = 40, .Height = 30, .Markers = {{0xE1, std::string("Exif\0\0II*\0\10\0\0\0\377\377", 16)}}});
+    const Octets good = MakeJpeg(
+        {.Width = 40, .Height = 30, .Markers = {{0xE1, std::string("Exif\0\0II*\0\10\0\0\0\377\377", 16)}}});
     unsigned seed = 7;
     for (size_t i = 0; i < 1500; ++i)
     {
@@ -98,14 +99,16 @@ TEST(JpegDecoder, CopiesAnyPartInItsOwnFormat)
         const UINT stride = 61 * sample.Pixel;
         Octets whole(stride * 43);
         ASSERT_EQ(S_OK, frame->CopyPixels(nullptr, stride, static_cast<UINT>(whole.size()), whole.data()));
-        for (const WICRect &part : {WICRect{0, 20, 61, 3}, WICRect{5, 23, 10, 4}, WICRect{60, 42, 1, 1}, WICRect{0, 0, 2, 2}})
+        for (const WICRect &part :
+             {WICRect{0, 20, 61, 3}, WICRect{5, 23, 10, 4}, WICRect{60, 42, 1, 1}, WICRect{0, 0, 2, 2}})
         {
             const UINT width = static_cast<UINT>(part.Width) * sample.Pixel;
             Octets pixels(width * static_cast<UINT>(part.Height));
             ASSERT_EQ(S_OK, frame->CopyPixels(&part, width, static_cast<UINT>(pixels.size()), pixels.data()));
             for (INT y = 0; y < part.Height; ++y)
             {
-                const auto *expected = &whole[stride * static_cast<UINT>(part.Y + y) + sample.Pixel * static_cast<UINT>(part.X)];
+                const auto *expected =
+                    &whole[stride * static_cast<UINT>(part.Y + y) + sample.Pixel * static_cast<UINT>(part.X)];
                 EXPECT_EQ(Octets(expected, expected + width),
                           Octets(pixels.begin() + y * width, pixels.begin() + (y + 1) * width));
             }
@@ -165,6 +168,7 @@ TEST(JpegDecoder, PassesAFailureOfTheStreamOn)
     EXPECT_EQ(WINCODEC_ERR_FRAMEMISSING, decoder->GetFrame(0, frame.Put()));
     EXPECT_EQ(E_INVALIDARG, decoder->Initialize(nullptr, WICDecodeMetadataCacheOnDemand));
     EXPECT_EQ(S_OK, decoder->Initialize(StreamOf(MakeJpeg({})).Get(), WICDecodeMetadataCacheOnDemand));
-    EXPECT_EQ(WINCODEC_ERR_WRONGSTATE, decoder->Initialize(StreamOf(MakeJpeg({})).Get(), WICDecodeMetadataCacheOnDemand));
+    EXPECT_EQ(WINCODEC_ERR_WRONGSTATE,
+              decoder->Initialize(StreamOf(MakeJpeg({})).Get(), WICDecodeMetadataCacheOnDemand));
     EXPECT_EQ(E_INVALIDARG, decoder->GetFrame(1, frame.Put()));
 }

@@ -46,7 +46,8 @@ ComPtr<IWICBitmap> MakeBitmap(REFWICPixelFormatGUID format, UINT pixel)
         pixels[i] = static_cast<unsigned char>((i / pixel % 64) * 3 + i % pixel * 20);
     }
     ComPtr<IWICBitmap> bitmap;
-    EXPECT_EQ(S_OK, CreateMemoryBitmap(64, 48, format, 64 * pixel, static_cast<UINT>(pixels.size()), pixels.data(), bitmap.Put()));
+    EXPECT_EQ(S_OK, CreateMemoryBitmap(64, 48, format, 64 * pixel, static_cast<UINT>(pixels.size()), pixels.data(),
+                                       bitmap.Put()));
     return bitmap;
 }
 } // namespace
@@ -85,8 +86,10 @@ TEST(JpegEncoder, TakesQualityAndSubsampling)
 
 TEST(JpegEncoder, ConvertsTheSourcesFormat)
 {
-    for (const auto &[format, pixel] : {std::pair{&GUID_WICPixelFormat8bppGray, 1u}, {&GUID_WICPixelFormat32bppBGRA, 4u},
-                                        {&GUID_WICPixelFormat24bppRGB, 3u}, {&GUID_WICPixelFormat32bppCMYK, 4u}})
+    for (const auto &[format, pixel] : {std::pair{&GUID_WICPixelFormat8bppGray, 1u},
+                                        {&GUID_WICPixelFormat32bppBGRA, 4u},
+                                        {&GUID_WICPixelFormat24bppRGB, 3u},
+                                        {&GUID_WICPixelFormat32bppCMYK, 4u}})
     {
         Encoding encoding;
         WICPixelFormatGUID wanted = GUID_WICPixelFormat48bppRGB;

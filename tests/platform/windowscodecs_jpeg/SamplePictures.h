@@ -16,16 +16,16 @@ struct SampleOptions
 {
     int Width = 61;
     int Height = 43;
-    int Components = 3;            // 1 gray, 3 colour, 4 ink
-    bool StoredAsRgb = false;      // 3 components: RGB with Adobe's marker instead of YCbCr
-    bool StoredAsYcck = false;     // 4 components
-    int HorizontalSampling = 2;    // of the first component
+    int Components = 3;         // 1 gray, 3 colour, 4 ink
+    bool StoredAsRgb = false;   // 3 components: RGB with Adobe's marker instead of YCbCr
+    bool StoredAsYcck = false;  // 4 components
+    int HorizontalSampling = 2; // of the first component
     int VerticalSampling = 2;
     bool Progressive = false;
     bool Arithmetic = false;
-    int RestartInterval = 0;       // in MCUs
-    bool AdobeMarker = true;       // where the library would write one
-    bool SeveralScans = false;     // sequential, a scan for each component
+    int RestartInterval = 0;   // in MCUs
+    bool AdobeMarker = true;   // where the library would write one
+    bool SeveralScans = false; // sequential, a scan for each component
     int Quality = 88;
     std::vector<Marker> Markers;
 };

@@ -45,7 +45,9 @@ void SetUp(jpeg_compress_struct &encoder, const SampleOptions &options)
     encoder.image_width = static_cast<JDIMENSION>(options.Width);
     encoder.image_height = static_cast<JDIMENSION>(options.Height);
     encoder.input_components = options.Components;
-    encoder.in_color_space = options.Components == 1 ? JCS_GRAYSCALE : options.Components == 3 ? JCS_RGB : JCS_CMYK;
+    encoder.in_color_space = options.Components == 1   ? JCS_GRAYSCALE
+                             : options.Components == 3 ? JCS_RGB
+                                                       : JCS_CMYK;
     jpeg_set_defaults(&encoder);
     jpeg_set_quality(&encoder, options.Quality, TRUE);
     if (options.StoredAsRgb)
