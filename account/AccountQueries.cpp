@@ -3,7 +3,7 @@
 #include "account/AccountRecord.h"
 #include "account/ServiceReply.h"
 #include "account/WebClientFactory.h"
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 #include "core/VersionBlock.h"
 
 #include "WebComponents.h"

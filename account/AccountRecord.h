@@ -2,7 +2,7 @@
 // in the host's init-data stream; the other two live in memory alone. No lock.
 #pragma once
 
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 
 #include <windows.h>
 

@@ -1,11 +1,11 @@
-// An authorization's dialogs and browser as a person gets them.
+// An authorization's dialogs and browser as a user gets them.
 #pragma once
 
 #include "account/AuthorizationFlow.h"
 #include "taskdialog/TaskDialogDocument.h"
 
 // For one authorization, on the thread of the parent window.
-class AuthorizationDialogs final : public AuthorizationScene
+class AuthorizationDialogs final : public AuthorizationInteraction
 {
 public:
     int AskConsent(HWND parent) override;

@@ -3,10 +3,10 @@
 #include "account/AccountQueries.h"
 #include "account/AccountRecord.h"
 #include "account/VerifierExchange.h"
-#include "core/BstrOwner.h"
-#include "core/ComPtr.h"
+#include "com/BstrOwner.h"
+#include "com/ComPtr.h"
 #include "core/ErrorText.h"
-#include "core/SecretBstr.h"
+#include "com/SecretBstr.h"
 #include "core/StringTable.h"
 #include "resources/resource.h"
 
@@ -19,13 +19,16 @@ constexpr DWORD BrowserStart = 3000;
 class ForegroundLock
 {
 public:
-    explicit ForegroundLock(AuthorizationScene &scene) : m_scene(scene) { m_scene.LockForeground(true); }
-    ~ForegroundLock() { m_scene.LockForeground(false); }
+    explicit ForegroundLock(AuthorizationInteraction &interaction) : m_interaction(interaction)
+    {
+        m_interaction.LockForeground(true);
+    }
+    ~ForegroundLock() { m_interaction.LockForeground(false); }
     ForegroundLock(const ForegroundLock &) = delete;
     ForegroundLock &operator=(const ForegroundLock &) = delete;
 
 private:
-    AuthorizationScene &m_scene;
+    AuthorizationInteraction &m_interaction;
 };
 
 HRESULT CreateScope(ComPtr<IRequestParameters> &parameters)
@@ -43,27 +46,27 @@ HRESULT CreateScope(ComPtr<IRequestParameters> &parameters)
     return parameters->Add(TEXT("perms"), value);
 }
 
-// Tells a person that the service couldn't be reached, and passes the code on.
+// Tells a user that the service couldn't be reached, and passes the code on.
 HRESULT TellUnreachable(const AuthorizationContext &context, HRESULT code)
 {
     WideText text = LoadStringOrPlaceholder(IDS_AUTHORIZATION_UNREACHABLE);
     text.append(TEXT(" ")).append(FormatErrorText(code));
-    context.Scene.ShowError(context.Parent, text.c_str(),
-                            LoadStringOrPlaceholder(IDS_AUTHORIZATION_ERROR_CAPTION).c_str());
+    context.Interaction.ShowError(context.Parent, text.c_str(),
+                                  LoadStringOrPlaceholder(IDS_AUTHORIZATION_ERROR_CAPTION).c_str());
     return code;
 }
 
-// Whether the person says that the permission is granted.
+// Whether the user says that the permission is granted.
 bool AwaitGrant(const AuthorizationContext &context, const SecretBstr &page)
 {
-    context.Scene.PrepareCompletion();
-    context.Scene.OpenPage(context.Parent, page.Text());
+    context.Interaction.PrepareCompletion();
+    context.Interaction.OpenPage(context.Parent, page.Text());
     context.Wait(BrowserStart);
-    const ForegroundLock lock(context.Scene);
-    return context.Scene.AskCompletion(context.Parent) != IDCANCEL;
+    const ForegroundLock lock(context.Interaction);
+    return context.Interaction.AskCompletion(context.Parent) != IDCANCEL;
 }
 
-// Trades what the person granted for the token pair.
+// Trades what the user granted for the token pair.
 HRESULT ExchangeTokens(const AuthorizationContext &context, const SecretBstr &page)
 {
     AccountRecord &account = context.Account;
@@ -85,15 +88,15 @@ HRESULT ReadAccount(const AuthorizationContext &context)
     {
         return S_OK;
     }
-    context.Scene.ShowError(context.Parent, LoadStringOrPlaceholder(IDS_ACCOUNT_UNREADABLE).c_str(),
-                            LoadStringOrPlaceholder(IDS_SERVICE_ERROR_CAPTION).c_str());
+    context.Interaction.ShowError(context.Parent, LoadStringOrPlaceholder(IDS_ACCOUNT_UNREADABLE).c_str(),
+                                  LoadStringOrPlaceholder(IDS_SERVICE_ERROR_CAPTION).c_str());
     return E_FAIL;
 }
 } // namespace
 
 HRESULT Authorize(const AuthorizationContext &context)
 {
-    if (context.Scene.AskConsent(context.Parent) == IDCANCEL)
+    if (context.Interaction.AskConsent(context.Parent) == IDCANCEL)
     {
         return S_FALSE;
     }

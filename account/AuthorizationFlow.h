@@ -11,8 +11,8 @@
 struct AccountRecord;
 class VersionBlock;
 
-// What a person sees of an authorization, and what the system does for it.
-class AuthorizationScene
+// What a user sees of an authorization, and what the system does for it.
+class AuthorizationInteraction
 {
 public:
     // The first dialog. IDCANCEL for a cancel; anything else means go on.
@@ -34,7 +34,7 @@ public:
     virtual void ShowError(HWND parent, const WCHAR *text, const WCHAR *caption) = 0;
 
 protected:
-    ~AuthorizationScene() = default;
+    ~AuthorizationInteraction() = default;
 };
 
 // What an authorization works with; all of it the caller's, for the length of the call.
@@ -44,12 +44,12 @@ struct AuthorizationContext
     const VersionBlock &Version;
     IOAuthWebClient &Client; // keeps the request token from one step to the next
     HWND Parent;
-    AuthorizationScene &Scene;
+    AuthorizationInteraction &Interaction;
     const Pause &Wait;
     const ProxyDiscovery &DiscoverProxy;
 };
 
-// Blocks the calling thread until the person and the service are done. S_OK with the new pair in the account;
+// Blocks the calling thread until the user and the service are done. S_OK with the new pair in the account;
 // S_FALSE if either dialog was cancelled, the account being as it was. A failure was told in a dialog, but for
 // parameters that can't be created: the code of the failed step, the old pair being lost once the second
 // dialog was confirmed; or E_FAIL with the new pair, if only the account couldn't be read. Throws

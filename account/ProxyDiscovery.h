@@ -1,7 +1,7 @@
 // How a request of our own gets out: the user's proxy settings, and the request that is sent by them.
 #pragma once
 
-#include "core/HandleOwner.h"
+#include "com/HandleOwner.h"
 
 #include "XmlInterfaces.h"
 

@@ -1,9 +1,9 @@
 // The documents that come back from the service, and the one way in which a value is taken from them.
 #pragma once
 
-#include "core/BstrOwner.h"
-#include "core/ComPtr.h"
-#include "core/WideText.h"
+#include "com/BstrOwner.h"
+#include "com/ComPtr.h"
+#include "com/WideText.h"
 
 #include "XmlInterfaces.h"
 

@@ -1,6 +1,6 @@
 #include "account/SystemProxy.h"
 
-#include "core/InternetHandleOwner.h"
+#include "com/InternetHandleOwner.h"
 
 namespace
 {

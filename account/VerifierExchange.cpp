@@ -2,9 +2,9 @@
 
 #include "account/ServiceHosts.h"
 #include "account/ServiceReply.h"
-#include "core/BstrOwner.h"
-#include "core/ComPtr.h"
-#include "core/Hresult.h"
+#include "com/BstrOwner.h"
+#include "com/ComPtr.h"
+#include "com/Hresult.h"
 
 namespace
 {

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "account/ProxyDiscovery.h"
-#include "core/SecretBstr.h"
-#include "core/WideText.h"
+#include "com/SecretBstr.h"
+#include "com/WideText.h"
 
 #include <windows.h>
 

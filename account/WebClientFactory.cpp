@@ -4,7 +4,7 @@
 #include "account/ApplicationCredentials.h"
 #include "account/ServiceHosts.h"
 #include "core/FormatText.h"
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "core/VersionBlock.h"
 
 #include <array>

@@ -1,7 +1,7 @@
 // Web clients that are ready to talk to the photo service.
 #pragma once
 
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 
 #include "WebComponents.h"
 

@@ -6,7 +6,7 @@
 // and the highest resident size of the process, in bytes. Each picture is prepared when it is asked for,
 // none ahead of time.
 #include "core/ErrorText.h"
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "host/PublishingHost.h"
 #include "publish/ImagePreparation.h"
 #include "tests/doubles/SystemModules.h"

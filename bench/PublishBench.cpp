@@ -4,14 +4,14 @@
 #include "plugin/FlickrPublisher.h"
 #include "publish/ProgressReport.h"
 #include "settings/StateLine.h"
-#include "tests/doubles/PublishWorld.h"
+#include "tests/doubles/PublishFixture.h"
 
 #include <benchmark/benchmark.h>
 
 namespace
 {
 // Windows and estimator of a run of 40 items.
-struct ProgressScene
+struct ProgressFixture
 {
     CallRecord record;
     FakeProgressWindows fakes{record};
@@ -20,18 +20,18 @@ struct ProgressScene
     LocaleNumberFormat numbers;
     ProgressDisplay display{windows, statistics, numbers, SystemTicks};
 
-    ProgressScene() { statistics.Start(40 * UnitsPerItem, SystemTicks()); }
+    ProgressFixture() { statistics.Start(40 * UnitsPerItem, SystemTicks()); }
 };
 
 // A report that moves the bar by a percent and writes the status line.
 void ProgressReportOfAPercent(benchmark::State &state)
 {
-    ProgressScene scene;
+    ProgressFixture fixture;
     UINT32 done = 0;
     for (auto _ : state)
     {
         done = done % 100 + 1;
-        ShowProgress(scene.display, UPLOAD_BYTES, 100, done);
+        ShowProgress(fixture.display, UPLOAD_BYTES, 100, done);
     }
 }
 BENCHMARK(ProgressReportOfAPercent);
@@ -39,11 +39,11 @@ BENCHMARK(ProgressReportOfAPercent);
 // The usual report: the whole percentage is the same as before.
 void ProgressReportWithinAPercent(benchmark::State &state)
 {
-    ProgressScene scene;
-    ShowProgress(scene.display, UPLOAD_BYTES, 1000000, 500000);
+    ProgressFixture fixture;
+    ShowProgress(fixture.display, UPLOAD_BYTES, 1000000, 500000);
     for (auto _ : state)
     {
-        ShowProgress(scene.display, UPLOAD_BYTES, 1000000, 500001);
+        ShowProgress(fixture.display, UPLOAD_BYTES, 1000000, 500001);
     }
 }
 BENCHMARK(ProgressReportWithinAPercent);
@@ -65,10 +65,10 @@ BENCHMARK(StateLine);
 // A whole run of one picture, its signature, form and reply included, without a network.
 void OneItem(benchmark::State &state)
 {
-    PublishWorld world;
-    world.AddItem("one", TEXT("jpg"), JpegBytes);
+    PublishFixture fixture;
+    fixture.AddItem("one", TEXT("jpg"), JpegBytes);
     auto plugin = CFlickrPublisher::Make();
-    if (FAILED(plugin->Initialize(world.Host.Get(), 1033, static_cast<IStream *>(world.Stream.Get()), 0)))
+    if (FAILED(plugin->Initialize(fixture.Host.Get(), 1033, static_cast<IStream *>(fixture.Stream.Get()), 0)))
     {
         state.SkipWithError("the plug-in could not be initialised");
         return;
@@ -76,14 +76,14 @@ void OneItem(benchmark::State &state)
     for (auto _ : state)
     {
         state.PauseTiming();
-        world.Web.ForgetCalls();
-        world.Web.FileParts.clear();
-        world.Web.Bodies.clear();
-        world.Web.Answer(OkReply);
+        fixture.Web.ForgetCalls();
+        fixture.Web.FileParts.clear();
+        fixture.Web.Bodies.clear();
+        fixture.Web.Answer(OkReply);
         state.ResumeTiming();
-        plugin->Publish(world.Windows.Bar(), world.Windows.StatusText());
+        plugin->Publish(fixture.Windows.Bar(), fixture.Windows.StatusText());
     }
-    if (!world.Record.LinesOf("log error ").empty())
+    if (!fixture.Record.LinesOf("log error ").empty())
     {
         state.SkipWithError("an item failed");
     }

@@ -1,6 +1,6 @@
 # halvora_interfaces(TARGET FILE.idl ...)
 #
-# Makes a header of each IDL file; both worlds use Wine's widl and the same header. Targets that
+# Makes a header of each IDL file; both builds use Wine's widl and the same header. Targets that
 # link TARGET include the header by its bare name.
 find_program(WIDL widl REQUIRED)
 set(HALVORA_IDL_INCLUDE /usr/include/wine/wine/windows)

@@ -1,4 +1,4 @@
-# What a person can set at configure time, and the flags that every target shares.
+# What a user can set at configure time, and the flags that every target shares.
 
 if(WIN32)
   set(HALVORA_NATIVE OFF)
@@ -7,6 +7,7 @@ else()
 endif()
 
 option(HALVORA_SANITIZE "Address, leak and undefined-behaviour sanitizers (native only)" OFF)
+option(HALVORA_PRECOMPILE "Precompiled headers" ON)
 option(HALVORA_FUZZ "Trials of the readers with spoiled samples (native only)" ${HALVORA_SANITIZE})
 set(HALVORA_API_HOST "api.flickr.com" CACHE STRING "Host of the photo service's API")
 set(HALVORA_WEB_HOST "www.flickr.com" CACHE STRING "Host of the photo service's web pages")
@@ -27,7 +28,7 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
 
 find_program(CCACHE ccache)
 if(CCACHE)
-  set(CMAKE_C_COMPILER_LAUNCHER "${CMAKE_COMMAND};-E;env;CCACHE_SLOPPINESS=pch_defines,time_macros;${CCACHE}")
+  set(CMAKE_C_COMPILER_LAUNCHER "${CMAKE_SOURCE_DIR}/cmake/launch-compiler")
   set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_C_COMPILER_LAUNCHER}")
 endif()
 
@@ -43,9 +44,13 @@ if(HALVORA_NATIVE)
   # have the system's own. They also mark imported functions as hidden, which across shared
   # libraries is wrong.
   target_compile_options(halvora_flags INTERFACE
-    "SHELL:-isystem /usr/include/wine/wine/windows" "$<$<COMPILE_LANGUAGE:CXX>:SHELL:-include cstdarg>"
+    "SHELL:-isystem /usr/include/wine/wine/windows"
     -Dms_abi= -D__ms_va_list=va_list -D__ms_va_start=va_start -D__ms_va_end=va_end
-    -D__ms_va_copy=va_copy -DDECLSPEC_HIDDEN= -Wno-ignored-attributes -fPIC)
+    -D__ms_va_copy=va_copy -DDECLSPEC_HIDDEN= -Wno-ignored-attributes -fPIC
+    # With or without threads of its own: a precompiled header fits only where both sides have it.
+    -pthread)
+  # Ahead of Wine's headers, where ours of the same name are more complete.
+  target_include_directories(halvora_flags BEFORE INTERFACE "${CMAKE_SOURCE_DIR}/platform/include")
   if(HALVORA_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)
@@ -57,3 +62,29 @@ else()
   add_compile_options(-fstack-protector-strong)
   add_link_options(-static -fstack-protector-strong "LINKER:--dynamicbase,--high-entropy-va,--nxcompat")
 endif()
+
+# The precompiled header of all modules, made once: halvora_precompiled(TARGET [HEADERS-OF]) gives it, or that
+# of the target HEADERS-OF, to one.
+set(CMAKE_PCH_INSTANTIATE_TEMPLATES OFF)
+if(HALVORA_PRECOMPILE)
+  set(nothing "${CMAKE_BINARY_DIR}/generated/PrecompiledForModules.cpp")
+  file(GENERATE OUTPUT "${nothing}" CONTENT "// Nothing but the precompiled header.\n")
+  add_library(module_headers OBJECT "${nothing}")
+  target_include_directories(module_headers PRIVATE "${CMAKE_SOURCE_DIR}")
+  target_link_libraries(module_headers PRIVATE halvora_flags)
+  target_precompile_headers(module_headers PRIVATE "${CMAKE_SOURCE_DIR}/cmake/PrecompiledForModules.h")
+endif()
+function(halvora_precompiled target)
+  if(HALVORA_PRECOMPILE)
+    set(source module_headers)
+    if(ARGC GREATER 1)
+      set(source "${ARGV1}")
+    endif()
+    target_precompile_headers(${target} REUSE_FROM ${source})
+    # Files that define the identifiers of the Windows headers (INITGUID) must read these headers themselves.
+    get_target_property(files ${target} SOURCES)
+    list(FILTER files INCLUDE REGEX "(Identifiers|Guids|Module)\\.cpp$")
+    set_source_files_properties(${files} "${CMAKE_SOURCE_DIR}/tests/doubles/Identifiers.cpp"
+      PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
+  endif()
+endfunction()

@@ -1,9 +1,9 @@
 #include "core/ErrorText.h"
 
-#include "core/BstrOwner.h"
-#include "core/ComPtr.h"
+#include "com/BstrOwner.h"
+#include "com/ComPtr.h"
 #include "core/FormatText.h"
-#include "core/HandleOwner.h"
+#include "com/HandleOwner.h"
 #include "core/StringTable.h"
 #include "core/TextPieces.h"
 #include "resources/resource.h"

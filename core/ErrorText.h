@@ -1,7 +1,7 @@
 // Words for failures that have none of their own.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <windows.h>
 

@@ -1,6 +1,6 @@
 #include "core/FormatText.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 
 #include <windows.h>
 #include <strsafe.h>

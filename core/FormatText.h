@@ -1,8 +1,8 @@
-// Text of any length by a printf-style format, with Windows' meanings in both worlds: %ls wide,
+// Text of any length by a printf-style format, with Windows' meanings in both builds: %ls wide,
 // %d and %lx 32 bits wide, %I64d 64, %S narrow. The format must not be null; E_OUTOFMEMORY is thrown.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <cstdarg>
 

@@ -3,7 +3,7 @@
 // not looked at.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include "HostContract.h"
 

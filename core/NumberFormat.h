@@ -1,8 +1,8 @@
 // Numbers as the user's locale writes them: every number that the plug-in itself puts before a
-// person goes through here.
+// user goes through here.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <windows.h>
 

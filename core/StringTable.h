@@ -1,9 +1,9 @@
 // The texts of the module's string table, by the identifiers of resources/resource.h. All words
-// that a person reads come from here.
+// that a user reads come from here.
 #pragma once
 
-#include "core/BstrOwner.h"
-#include "core/WideText.h"
+#include "com/BstrOwner.h"
+#include "com/WideText.h"
 
 #include <windows.h>
 

@@ -1,7 +1,7 @@
 // Cutting texts: lists with a separator, and white space at the ends.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <vector>
 

@@ -2,7 +2,7 @@
 // its file are found by this handle.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <windows.h>
 

@@ -1,7 +1,7 @@
 // A copy of the module's version resource.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <windows.h>
 

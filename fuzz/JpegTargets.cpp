@@ -1,8 +1,8 @@
 #include "fuzz/FuzzTarget.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "platform/windowscodecs/jpeg/QueryPath.h"
-#include "tests/platform/windowscodecs_jpeg/CodecUse.h"
+#include "tests/platform/windowscodecs_jpeg/CodecUse_posix.h"
 #include "tests/privacy/MarkedPicture.h"
 
 namespace

@@ -1,7 +1,7 @@
 #include "fuzz/FuzzTarget.h"
 
 #include "account/AccountRecord.h"
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "host/InitData.h"
 #include "platform/advapi32/RegistryText.h"
 #include "plugin/InitDataStream.h"

@@ -1,6 +1,6 @@
 #include "fuzz/FuzzTarget.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "taskdialog/TaskDialogDocument.h"
 #include "webclient/ReplyDocument.h"
 #include "webclient/RequestUrl.h"

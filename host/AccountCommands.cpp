@@ -1,18 +1,18 @@
 #include "host/Commands.h"
 
 #include "host/InitData.h"
-#include "host/InstalledModules.h"
+#include "host/InstalledModules_posix.h"
 #include "host/SettingsKeyMaking.h"
 #include "host/LinkText.h"
 #include "host/PluginSession.h"
 #include "host/PublishingHost.h"
 #include "host/SafeLine.h"
-#include "host/SettingsKey.h"
+#include "host/SettingsKey_posix.h"
 #include "host/SystemWords.h"
-#include "host/Terminal.h"
+#include "host/Terminal_posix.h"
 #include "host/TextEncodings.h"
 
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 
 #include <algorithm>
 #include <iostream>

@@ -1,7 +1,7 @@
 // Conversion between the character sets of files and UTF-16, by the system or its library.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <optional>
 #include <string_view>

@@ -11,9 +11,9 @@
 ExitCode RunPublishCommand(const CommandLine &line, const Profile &profile);
 ExitCode RunStatusCommand(const Profile &profile);
 ExitCode RunSettingsCommand(const CommandLine &line);
-ExitCode RunSheetCommand(const Profile &profile); // settings, before a person at a terminal
+ExitCode RunSheetCommand(const Profile &profile); // settings, before a user at a terminal
 ExitCode RunAccountCommand(const CommandLine &line, const Profile &profile);
 ExitCode RunAuthorizeCommand(const Profile &profile);
 
-// The words for a person who must act, on standard error.
+// The words for a user who must act, on standard error.
 void Complain(const std::string &words);

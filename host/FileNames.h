@@ -3,14 +3,14 @@
 // sequence is the lone surrogate U+DC00 + byte. Every name survives the round trip.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <filesystem>
 
 WideText TextOfPath(const std::filesystem::path &path);
 std::filesystem::path PathOfText(WideView text);
 
-// For a person: valid UTF-8 in one line, what is no text as U+FFFD.
+// For a user: valid UTF-8 in one line, what is no text as U+FFFD.
 std::string ShownPath(const std::filesystem::path &path);
 
 // A path's text for comparing and sorting: its bytes as on disk, or UTF-8 where names are UTF-16.

@@ -3,7 +3,7 @@
 #include "host/SafeLine.h"
 #include "host/TextEncodings.h"
 
-#include "core/HandleOwner.h"
+#include "com/HandleOwner.h"
 
 namespace fs = std::filesystem;
 

@@ -4,7 +4,7 @@
 #include "host/MetadataTexts.h"
 #include "host/SnapshotFields.h"
 
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 
 #include <objbase.h>
 

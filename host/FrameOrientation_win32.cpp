@@ -2,7 +2,7 @@
 
 #include "host/FrameMetadata.h"
 
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 
 #include <algorithm>
 #include <utility>

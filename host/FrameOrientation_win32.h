@@ -8,5 +8,5 @@
 // EXIF's numbers, 1 to 8; 1 where the frame tells none or its metadata can't be read.
 UINT16 OrientationOfFrame(IWICBitmapFrameDecode &frame);
 
-// The picture turned, so that its first row is what a person sees at the top.
+// The picture turned, so that its first row is what a user sees at the top.
 DecodedPicture Upright(DecodedPicture picture, UINT16 orientation);

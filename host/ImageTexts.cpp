@@ -1,6 +1,6 @@
 #include "host/ImageTexts.h"
 
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 
 #include <algorithm>
 

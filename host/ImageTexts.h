@@ -14,7 +14,7 @@
 // writes the same list twice, and one that keeps only the first has dropped words on purpose.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include "HostContract.h"
 

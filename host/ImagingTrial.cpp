@@ -4,7 +4,7 @@
 #include "host/PictureSource.h"
 #include "host/TextEncodings.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 
 #include <objbase.h>
 #include <wincodec.h>

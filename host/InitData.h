@@ -4,7 +4,7 @@
 // count 0 alone for a text that was never set.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <cstdint>
 #include <optional>

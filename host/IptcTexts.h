@@ -2,7 +2,7 @@
 // two kinds of metadata that hold it.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 // Of IPTC's second record.
 struct IptcDataset

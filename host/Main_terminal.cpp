@@ -2,11 +2,11 @@
 #include "host/Commands.h"
 #include "host/FileNames.h"
 #include "host/SystemWords.h"
-#include "host/Terminal.h"
+#include "host/Terminal_posix.h"
 
 #include "platform/advapi32/RegistryStore.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 
 #include <malloc.h>
 #include <objbase.h>
@@ -50,8 +50,8 @@ ExitCode Run(const CommandLine &line)
     case Command::Status:
         return RunStatusCommand(profile);
     case Command::Settings:
-        return line.assignments.empty() && IsPersonAtTerminal() ? RunSheetCommand(profile)
-                                                                : RunSettingsCommand(line);
+        return line.assignments.empty() && IsUserAtTerminal() ? RunSheetCommand(profile)
+                                                              : RunSettingsCommand(line);
     case Command::Authorize:
         return RunAuthorizeCommand(profile);
     default:

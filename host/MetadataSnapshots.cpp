@@ -1,6 +1,6 @@
 #include "host/MetadataSnapshots.h"
 
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 
 #include <algorithm>
 #include <cstring>

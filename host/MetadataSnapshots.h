@@ -5,7 +5,7 @@
 // plug-in took the group out.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include "HostContract.h"
 

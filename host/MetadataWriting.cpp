@@ -5,7 +5,7 @@
 #include "host/IptcTexts.h"
 #include "host/TextEncodings.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 
 #include <cstdio>
 

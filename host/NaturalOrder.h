@@ -1,4 +1,4 @@
-// The order in which a person expects file names: numbers by value, letters without regard to case.
+// The order in which a user expects file names: numbers by value, letters without regard to case.
 #pragma once
 
 #include <string_view>

@@ -5,8 +5,8 @@
 #include "host/SystemWords.h"
 #include "host/WholeFile.h"
 
-#include "core/ComPtr.h"
-#include "core/Hresult.h"
+#include "com/ComPtr.h"
+#include "com/Hresult.h"
 
 #include <wincodec.h>
 

@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 namespace
 {
-// Lengths on the road to the service are unsigned 32-bit numbers of bytes.
+// Lengths on their way to the service are unsigned 32-bit numbers of bytes.
 constexpr uintmax_t LARGEST_FILE = 0xFFFFFFFF;
 
 // Why the file can't be published; nothing if it can, as far as can be told without reading it.

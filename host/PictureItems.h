@@ -1,4 +1,4 @@
-// From the paths that a person gives to the items of a run. What can be known to fail before the run
+// From the paths that a user gives to the items of a run. What can be known to fail before the run
 // is refused here, in words, so that the rest can go ahead.
 #pragma once
 

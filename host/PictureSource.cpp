@@ -1,6 +1,6 @@
 #include "host/PictureSource.h"
 
-#include "core/ComObject.h"
+#include "com/ComObject.h"
 
 #include <cstring>
 

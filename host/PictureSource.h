@@ -3,7 +3,7 @@
 
 #include "host/PictureDecoding.h"
 
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 
 #include <wincodec.h>
 

@@ -2,7 +2,7 @@
 
 #include "host/InitData.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "core/TextPieces.h"
 
 namespace

@@ -4,8 +4,8 @@
 
 #include "host/Profile.h"
 
-#include "core/ComPtr.h"
-#include "core/WideText.h"
+#include "com/ComPtr.h"
+#include "com/WideText.h"
 
 #include "HVRPublishToFlickr.h"
 
@@ -20,7 +20,7 @@ enum class Storing
     Always
 };
 
-// What a verb of Configure means for the data: what the person granted or withdrew just now holds whatever
+// What a verb of Configure means for the data: what the user granted or withdrew just now holds whatever
 // another process stored meanwhile.
 Storing StoringAfter(WideView verb, HRESULT result);
 

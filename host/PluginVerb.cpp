@@ -1,6 +1,6 @@
 #include "host/PluginVerb.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 
 namespace
 {

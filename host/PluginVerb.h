@@ -1,7 +1,7 @@
 // What a click on a link of the plug-in's state line starts.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include "HVRPublishToFlickr.h"
 

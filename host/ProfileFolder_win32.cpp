@@ -1,6 +1,6 @@
 #include "host/Profile.h"
 
-#include "core/HandleOwner.h"
+#include "com/HandleOwner.h"
 
 #include <shlobj.h>
 

@@ -2,7 +2,7 @@
 
 #include "host/TextEncodings.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 
 #include <commctrl.h>
 

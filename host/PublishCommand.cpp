@@ -2,12 +2,12 @@
 
 #include "host/FileNames.h"
 #include "host/InitData.h"
-#include "host/InstalledModules.h"
+#include "host/InstalledModules_posix.h"
 #include "host/PluginSession.h"
 #include "host/PublishingHost.h"
 #include "host/PublishRun.h"
 #include "host/SystemWords.h"
-#include "host/Terminal.h"
+#include "host/Terminal_posix.h"
 
 namespace
 {

@@ -1,7 +1,7 @@
 #include "host/PublishRun.h"
 
 #include "host/ProgressWindows.h"
-#include "host/Terminal.h"
+#include "host/Terminal_posix.h"
 
 #include <atomic>
 #include <thread>

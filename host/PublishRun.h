@@ -3,7 +3,7 @@
 #pragma once
 
 #include "host/LiveDisplay.h"
-#include "host/SignalWatch.h"
+#include "host/SignalWatch_posix.h"
 
 #include "HVRPublishToFlickr.h"
 

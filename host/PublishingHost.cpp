@@ -7,7 +7,7 @@
 #include "host/PictureSource.h"
 #include "host/TextEncodings.h"
 
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 
 #include <wincodec.h>
 

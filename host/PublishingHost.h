@@ -6,8 +6,8 @@
 #include "host/PicturesAhead.h"
 #include "host/RunRecord.h"
 
-#include "core/ComObject.h"
-#include "core/HandleOwner.h"
+#include "com/ComObject.h"
+#include "com/HandleOwner.h"
 
 #include "HostContract.h"
 

@@ -34,7 +34,7 @@ std::string NameOf(const PictureItem &item)
     return ShownPath(item.File(0));
 }
 
-// What a person can do about it; most codes' words say that themselves.
+// What a user can do about it; most codes' words say that themselves.
 const char *AdviceFor(HRESULT code)
 {
     switch (code)

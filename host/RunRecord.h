@@ -4,7 +4,7 @@
 
 #include "host/PictureItems.h"
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <functional>
 #include <mutex>

@@ -1,4 +1,4 @@
-// A person's NAME=VALUE for one of the stored settings.
+// A user's NAME=VALUE for one of the stored settings.
 #pragma once
 
 #include "settings/StoredSettings.h"

@@ -2,7 +2,7 @@
 
 #include "settings/StoredSettings.h"
 
-#include "core/HandleOwner.h"
+#include "com/HandleOwner.h"
 
 HRESULT MakeSettingsKey()
 {

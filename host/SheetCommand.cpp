@@ -1,16 +1,16 @@
 #include "host/Commands.h"
 
 #include "host/InitData.h"
-#include "host/InstalledModules.h"
+#include "host/InstalledModules_posix.h"
 #include "host/SettingsKeyMaking.h"
 #include "host/PluginSession.h"
 #include "host/PluginVerb.h"
 #include "host/PublishingHost.h"
-#include "host/SettingsKey.h"
+#include "host/SettingsKey_posix.h"
 #include "host/SystemWords.h"
-#include "host/Terminal.h"
+#include "host/Terminal_posix.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 
 ExitCode RunSheetCommand(const Profile &profile)
 {

@@ -2,7 +2,7 @@
 
 #include "host/TextEncodings.h"
 
-#include "core/HandleOwner.h"
+#include "com/HandleOwner.h"
 
 #include <cstdio>
 

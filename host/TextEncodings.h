@@ -2,7 +2,7 @@
 // fit no encoding become U+FFFD.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <optional>
 #include <string>

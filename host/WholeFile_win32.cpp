@@ -2,7 +2,7 @@
 
 #include "host/SystemWords.h"
 
-#include "core/HandleOwner.h"
+#include "com/HandleOwner.h"
 
 #include <windows.h>
 

@@ -67,7 +67,7 @@ public:
     void RemoveToken(const std::string &token);
 
     std::optional<std::string> FindConsumerSecret(const std::string &key) const;
-    // What a person is told who asks; empty for an unknown or nameless application.
+    // What a user is told who asks; empty for an unknown or nameless application.
     std::string ConsumerName(const std::string &key) const;
     void AddConsumer(const std::string &key, const std::string &secret, const std::string &name);
 

@@ -1,4 +1,4 @@
-// The pages on which a person is asked whether an application may use the account, and told what
+// The pages on which a user is asked whether an application may use the account, and told what
 // came of it.
 #pragma once
 
@@ -18,7 +18,7 @@ struct ConsentQuestion
     std::string token;
     // Comes back with the answer, or the answer doesn't count.
     std::string formKey;
-    // What stands in the field, and the person's full name beside it.
+    // What stands in the field, and the user's full name beside it.
     std::string userName;
     std::string fullName;
     // Where the browser goes after a grant; empty when a code is shown instead.
@@ -35,7 +35,7 @@ std::string ConsentQuestionPage(const ConsentQuestion &question);
 // Heading and text are plain text.
 std::string ConsentOutcomePage(std::string_view heading, std::string_view text);
 
-// For an application that can't be called back: the person types this code there.
+// For an application that can't be called back: the user types this code there.
 std::string ConsentCodePage(const std::string &application, const std::string &code);
 
 } // namespace loopback

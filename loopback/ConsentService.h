@@ -1,4 +1,4 @@
-// /services/oauth/authorize: asks the person in the browser, takes the answer and sends the browser
+// /services/oauth/authorize: asks the user in the browser, takes the answer and sends the browser
 // on. After a refusal the callback is not called; the application learns of it when its token is
 // rejected. Thread-safe.
 #pragma once

@@ -1,4 +1,4 @@
-// What the rooms of the service see of HTTP: a request whose body is read piece by piece, and a
+// What the endpoints of the service see of HTTP: a request whose body is read piece by piece, and a
 // reply. Nothing here knows the library that speaks the protocol.
 #pragma once
 

@@ -36,7 +36,7 @@ namespace fs = std::filesystem;
 constexpr std::string_view AdminPrefix = "/_loopback/";
 
 // The part of the service that a request is for.
-enum class Room
+enum class Endpoint
 {
     Nowhere,
     Upload,
@@ -54,52 +54,52 @@ std::string WithoutClosingSlash(std::string path)
     return path.size() > 1 && path.ends_with('/') ? path.substr(0, path.size() - 1) : path;
 }
 
-Room RoomFor(const HttpRequest &request)
+Endpoint EndpointFor(const HttpRequest &request)
 {
     const std::string host = request.HostName();
     const std::string path = WithoutClosingSlash(request.Path());
     const bool isLocal = host == "localhost" || host == "127.0.0.1";
     if (path == "/services/upload")
     {
-        return isLocal || host == ApiHost() || host == UploadHost() ? Room::Upload : Room::Nowhere;
+        return isLocal || host == ApiHost() || host == UploadHost() ? Endpoint::Upload : Endpoint::Nowhere;
     }
     if (path == "/services/rest")
     {
-        return isLocal || host == ApiHost() ? Room::Rest : Room::Nowhere;
+        return isLocal || host == ApiHost() ? Endpoint::Rest : Endpoint::Nowhere;
     }
     if (path.starts_with("/services/oauth/"))
     {
         const bool isHere = isLocal || host == WebHost() || host == ApiHost();
-        return !isHere                                   ? Room::Nowhere
-               : path == "/services/oauth/request_token" ? Room::RequestToken
-               : path == "/services/oauth/authorize"     ? Room::Consent
-               : path == "/services/oauth/access_token"  ? Room::AccessToken
-                                                         : Room::Nowhere;
+        return !isHere                                   ? Endpoint::Nowhere
+               : path == "/services/oauth/request_token" ? Endpoint::RequestToken
+               : path == "/services/oauth/authorize"     ? Endpoint::Consent
+               : path == "/services/oauth/access_token"  ? Endpoint::AccessToken
+                                                         : Endpoint::Nowhere;
     }
     if (request.target.starts_with(AdminPrefix))
     {
-        return Room::Admin;
+        return Endpoint::Admin;
     }
     if (host == MakerHost())
     {
-        return Room::Maker;
+        return Endpoint::Maker;
     }
-    return path.starts_with("/services/") ? Room::Nowhere : Room::Gallery;
+    return path.starts_with("/services/") ? Endpoint::Nowhere : Endpoint::Gallery;
 }
 
-const char *FaultTarget(Room room)
+const char *FaultTarget(Endpoint endpoint)
 {
-    switch (room)
+    switch (endpoint)
     {
-    case Room::Upload:
+    case Endpoint::Upload:
         return "upload";
-    case Room::Rest:
+    case Endpoint::Rest:
         return "rest";
-    case Room::RequestToken:
-    case Room::Consent:
-    case Room::AccessToken:
+    case Endpoint::RequestToken:
+    case Endpoint::Consent:
+    case Endpoint::AccessToken:
         return "oauth";
-    case Room::Maker:
+    case Endpoint::Maker:
         return "maker";
     default:
         return nullptr;
@@ -130,9 +130,9 @@ std::pair<std::string, std::string> SplitAt(const std::string &text, char mark)
 
 } // namespace
 
-struct LoopbackService::Rooms
+struct LoopbackService::Parts
 {
-    explicit Rooms(const ServiceOptions &options)
+    explicit Parts(const ServiceOptions &options)
         : lock(Prepared(options.store)),
           database(options.store / "index.sqlite"),
           accounts(database),
@@ -195,7 +195,7 @@ struct LoopbackService::Rooms
         {
             return {421, "text/plain; charset=utf-8", "The host name is none of this service's.\n"};
         }
-        const Room room = RoomFor(request);
+        const Endpoint endpoint = EndpointFor(request);
         JournalEntry entry{request.connection,
                            request.secure,
                            request.method,
@@ -206,8 +206,8 @@ struct LoopbackService::Rooms
                            request.Header("content-type"),
                            request.Header("content-length"),
                            request.Header("expect")};
-        HttpReply reply = AnswerWithFaults(exchange, room, entry);
-        if (room != Room::Admin)
+        HttpReply reply = AnswerWithFaults(exchange, endpoint, entry);
+        if (endpoint != Endpoint::Admin)
         {
             entry.status = reply.status;
             journal.Add(entry);
@@ -215,14 +215,14 @@ struct LoopbackService::Rooms
         return reply;
     }
 
-    HttpReply AnswerWithFaults(HttpExchange &exchange, Room room, JournalEntry &entry)
+    HttpReply AnswerWithFaults(HttpExchange &exchange, Endpoint endpoint, JournalEntry &entry)
     {
-        const char *target = FaultTarget(room);
+        const char *target = FaultTarget(endpoint);
         const auto fault = target ? faults.Take(target) : std::nullopt;
         entry.answered = true;
         if (!fault)
         {
-            return AnswerIn(room, exchange, entry);
+            return AnswerIn(endpoint, exchange, entry);
         }
         entry.fault = FaultName(fault->kind);
         entry.answered = fault->kind != FaultKind::Cut && fault->kind != FaultKind::NoAnswer &&
@@ -234,7 +234,7 @@ struct LoopbackService::Rooms
         {
             return *answer;
         }
-        HttpReply reply = AnswerIn(room, faulty, entry);
+        HttpReply reply = AnswerIn(endpoint, faulty, entry);
         if (fault->kind == FaultKind::Delay)
         {
             exchange.Pause(std::chrono::milliseconds(fault->milliseconds));
@@ -247,31 +247,31 @@ struct LoopbackService::Rooms
         return answer.value_or(reply);
     }
 
-    HttpReply AnswerIn(Room room, HttpExchange &exchange, JournalEntry &entry)
+    HttpReply AnswerIn(Endpoint endpoint, HttpExchange &exchange, JournalEntry &entry)
     {
-        switch (room)
+        switch (endpoint)
         {
-        case Room::Upload:
+        case Endpoint::Upload:
             return uploads.Handle(exchange);
-        case Room::Rest:
+        case Endpoint::Rest:
         {
             RestReply answer = rest.Handle(exchange);
             entry.apiMethod = answer.method;
             return answer.reply;
         }
-        case Room::RequestToken:
+        case Endpoint::RequestToken:
             return tokens.RequestToken(exchange);
-        case Room::Consent:
+        case Endpoint::Consent:
             return consent.Handle(exchange);
-        case Room::AccessToken:
+        case Endpoint::AccessToken:
             return tokens.AccessToken(exchange);
-        case Room::Maker:
+        case Endpoint::Maker:
             return maker.Handle(exchange.Request());
-        case Room::Admin:
+        case Endpoint::Admin:
             return admin.Handle(exchange, exchange.Request().Path().substr(AdminPrefix.size()));
-        case Room::Gallery:
+        case Endpoint::Gallery:
             return gallery.Handle(exchange.Request());
-        case Room::Nowhere:
+        case Endpoint::Nowhere:
             break;
         }
         return {404, "text/plain; charset=utf-8", "Nothing is here.\n"};
@@ -297,18 +297,18 @@ struct LoopbackService::Rooms
     int port = 0;
 };
 
-LoopbackService::LoopbackService(const ServiceOptions &options) : m_rooms(std::make_unique<Rooms>(options)) {}
+LoopbackService::LoopbackService(const ServiceOptions &options) : m_parts(std::make_unique<Parts>(options)) {}
 
 LoopbackService::~LoopbackService() = default;
 
 int LoopbackService::Port() const
 {
-    return m_rooms->port;
+    return m_parts->port;
 }
 
 std::filesystem::path LoopbackService::AuthorityFile() const
 {
-    return fs::absolute(m_rooms->certificates.authority);
+    return fs::absolute(m_parts->certificates.authority);
 }
 
 std::string LoopbackService::ClientEnvironment() const
@@ -327,12 +327,12 @@ std::string LoopbackService::ClientEnvironment() const
 
 void LoopbackService::Run()
 {
-    m_rooms->server.Run();
+    m_parts->server.Run();
 }
 
 void LoopbackService::Stop()
 {
-    m_rooms->server.Stop();
+    m_parts->server.Stop();
 }
 
 } // namespace loopback

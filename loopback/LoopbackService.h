@@ -1,5 +1,5 @@
-// The whole service: store, certificates, rooms and server put together, and the way of a request to
-// its room. One store serves one process at a time.
+// The whole service: store, certificates, endpoints and server put together, and the way of a request to
+// its endpoint. One store serves one process at a time.
 #pragma once
 
 #include "loopback/HttpServer.h"
@@ -32,7 +32,7 @@ struct ServiceOptions
 class LoopbackService
 {
 public:
-    // Listens when it returns. Throws std::runtime_error with words for a person.
+    // Listens when it returns. Throws std::runtime_error with words for a user.
     explicit LoopbackService(const ServiceOptions &options);
     ~LoopbackService();
 
@@ -46,8 +46,8 @@ public:
     void Stop();
 
 private:
-    struct Rooms;
-    std::unique_ptr<Rooms> m_rooms;
+    struct Parts;
+    std::unique_ptr<Parts> m_parts;
 };
 
 } // namespace loopback

@@ -25,7 +25,7 @@ public:
     MakerEndpoint(Database &database, Seconds now, Seconds lifetime);
 
     // GET /flickr/authorization/?oauth_token=T&oauth_verifier=V keeps V, once for a T, and leads to a
-    // page for the person. With the token alone, over TLS: the document with V, once.
+    // page for the user. With the token alone, over TLS: the document with V, once.
     HttpReply Handle(const HttpRequest &request);
 
     // Tokens with "waiting", "taken" or "expired"; never a verifier.

@@ -1,5 +1,5 @@
 // The request tokens of authorizations that are under way, kept in the index: asked for by an
-// application, answered by a person, traded in once. Thread-safe.
+// application, answered by a user, traded in once. Thread-safe.
 #pragma once
 
 #include "loopback/Database.h"
@@ -15,7 +15,7 @@ namespace loopback
 
 enum class RequestTokenState
 {
-    // The person hasn't answered yet.
+    // The user hasn't answered yet.
     Pending,
     Granted,
     Denied,
@@ -36,7 +36,7 @@ struct RequestToken
     std::string consumer;
     // "oob" or an http or https address.
     std::string callback;
-    // What the person granted; empty until then.
+    // What the user granted; empty until then.
     std::string permission;
     // Empty unless it is granted.
     std::string verifier;

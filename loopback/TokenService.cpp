@@ -137,7 +137,7 @@ HttpReply TokenService::AccessToken(HttpExchange &exchange)
     {
         return Absent("oauth_verifier");
     }
-    // Also before the person has answered: there is no right one then.
+    // Also before the user has answered: there is no right one then.
     if (request->verifier.empty() || !EqualSecretly(request->verifier, *verifier))
     {
         return Problem("verifier_invalid");

@@ -1,6 +1,6 @@
 #include "plugin/DispatchSupport.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "core/ThisModule.h"
 
 #include "HVRPublishToFlickr.h"

@@ -2,7 +2,7 @@
 // resources. The library is loaded at the first call that needs it. Any thread.
 #pragma once
 
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 
 #include <windows.h>
 #include <oaidl.h>

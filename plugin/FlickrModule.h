@@ -1,7 +1,7 @@
 // The module object: what keeps the module loaded, its one class object, and its registration.
 #pragma once
 
-#include "core/ClassFactory.h"
+#include "com/ClassFactory.h"
 #include "plugin/FlickrPublisher.h"
 #include "plugin/ModuleRegistration.h"
 

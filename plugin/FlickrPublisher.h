@@ -3,8 +3,8 @@
 #pragma once
 
 #include "account/AccountRecord.h"
-#include "core/BstrOwner.h"
-#include "core/ComObject.h"
+#include "com/BstrOwner.h"
+#include "com/ComObject.h"
 #include "core/NumberFormat.h"
 #include "core/VersionBlock.h"
 #include "plugin/DispatchSupport.h"

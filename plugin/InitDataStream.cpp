@@ -1,8 +1,8 @@
 #include "plugin/InitDataStream.h"
 
 #include "account/AccountRecord.h"
-#include "core/BstrOwner.h"
-#include "core/Hresult.h"
+#include "com/BstrOwner.h"
+#include "com/Hresult.h"
 
 namespace
 {

@@ -1,6 +1,6 @@
 #include "plugin/ModuleRegistration.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "plugin/RegistryScripts.h"
 #include "plugin/TypeLibraryRegistration.h"
 #include "resources/resource.h"

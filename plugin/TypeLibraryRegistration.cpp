@@ -1,8 +1,8 @@
 #include "plugin/TypeLibraryRegistration.h"
 
-#include "core/ComPtr.h"
-#include "core/HandleOwner.h"
-#include "core/Hresult.h"
+#include "com/ComPtr.h"
+#include "com/HandleOwner.h"
+#include "com/Hresult.h"
 #include "core/ThisModule.h"
 
 #include "HVRPublishToFlickr.h"

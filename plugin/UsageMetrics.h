@@ -2,7 +2,7 @@
 // the plug-in works without it. Not locked.
 #pragma once
 
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 
 #include "HostContract.h"
 

@@ -1,7 +1,7 @@
 #include "publish/ColorProfile.h"
 
-#include "core/ComPtr.h"
-#include "core/Hresult.h"
+#include "com/ComPtr.h"
+#include "com/Hresult.h"
 #include "publish/JpegSource.h"
 
 namespace

@@ -1,6 +1,6 @@
 #include "publish/EncoderOptions.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 
 #include <oleauto.h>
 #include <wincodec.h>

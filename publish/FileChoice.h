@@ -1,7 +1,7 @@
 // Which of an item's files goes up, and as what.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 enum class ExtensionClass
 {

@@ -1,7 +1,7 @@
 #include "publish/FormFields.h"
 
-#include "core/BstrOwner.h"
-#include "core/Hresult.h"
+#include "com/BstrOwner.h"
+#include "com/Hresult.h"
 #include "publish/TagList.h"
 #include "settings/SettingsStore.h"
 

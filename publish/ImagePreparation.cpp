@@ -1,6 +1,6 @@
 #include "publish/ImagePreparation.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "publish/ColorProfile.h"
 #include "publish/EncoderOptions.h"
 #include "publish/ItemRecord.h"

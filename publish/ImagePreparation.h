@@ -2,7 +2,7 @@
 // its metadata, or of the picture as the host turns, converts and scales it.
 #pragma once
 
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 #include "core/Pause.h"
 #include "publish/ItemTexts.h"
 #include "publish/UploadOptions.h"

@@ -1,7 +1,7 @@
 #include "publish/ItemPublishing.h"
 
 #include "account/ServiceReply.h"
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 #include "core/FormatText.h"
 #include "core/HostLog.h"
 #include "core/StringTable.h"

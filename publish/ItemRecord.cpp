@@ -1,6 +1,6 @@
 #include "publish/ItemRecord.h"
 
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 
 #include <cstddef>
 #include <cstring>

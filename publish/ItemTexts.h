@@ -2,7 +2,7 @@
 // of which metadata groups stay inside the picture.
 #pragma once
 
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 
 #include "HostContract.h"
 

@@ -1,6 +1,6 @@
 #include "publish/JpegSource.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 
 #include <shlwapi.h>
 

@@ -1,7 +1,7 @@
 // A JPEG file on disk, opened with a decoder of choice.
 #pragma once
 
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 
 #include <windows.h>
 #include <wincodec.h>

@@ -1,7 +1,7 @@
 #include "publish/JpegSubsampling.h"
 
-#include "core/HandleOwner.h"
-#include "core/WideText.h"
+#include "com/HandleOwner.h"
+#include "com/WideText.h"
 
 #include <shlwapi.h>
 

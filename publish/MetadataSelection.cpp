@@ -1,9 +1,9 @@
 #include "publish/MetadataSelection.h"
 
-#include "core/BstrOwner.h"
-#include "core/ComPtr.h"
+#include "com/BstrOwner.h"
+#include "com/ComPtr.h"
 #include "core/FormatText.h"
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "publish/ItemRecord.h"
 
 #include <wincodecsdk.h>

@@ -1,6 +1,6 @@
 #include "publish/OutputResolution.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 #include "publish/PictureFile.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 
 #include <windows.h>
 #include <shlwapi.h>

@@ -1,7 +1,7 @@
 // A picture as it lies on disk.
 #pragma once
 
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 
 #include <objidl.h>
 

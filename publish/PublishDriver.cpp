@@ -1,9 +1,9 @@
 #include "publish/PublishDriver.h"
 
 #include "account/AccountRecord.h"
-#include "core/HandleOwner.h"
+#include "com/HandleOwner.h"
 #include "core/HostLog.h"
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "core/StringTable.h"
 #include "core/VersionBlock.h"
 #include "publish/ItemPublishing.h"

@@ -1,7 +1,7 @@
 // What a publish run works with. The plug-in object owns all of it and lends it for one call.
 #pragma once
 
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 #include "core/Pause.h"
 #include "publish/PublishStatistics.h"
 

@@ -1,7 +1,7 @@
 // The tags of a picture in the form in which the service takes them.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 // From tags separated by ";" to tags in double quotes with a blank between them: "a; b c" gives
 // "a" "b c", each with its quotes. Separators alone give an empty text; a tag of blanks alone stays

@@ -1,14 +1,14 @@
 // The words of the status line during an upload.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <windows.h>
 
 // "2 hours, 1 minute", "3 minutes, 5 seconds", "less than one minute"; NoEstimate counts as no time.
 WideText TimeText(UINT64 ticks);
 
-// Whether enough of a run of count items is done for an estimate that a person may see: of a short
+// Whether enough of a run of count items is done for an estimate that a user may see: of a short
 // run a share, of a long one a number of items. count is at least 1.
 bool EstimateMayShow(UINT64 count, UINT64 doneUnits);
 

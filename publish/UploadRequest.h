@@ -1,7 +1,7 @@
 // One picture put on the service.
 #pragma once
 
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 #include "publish/RunContext.h"
 #include "publish/UploadOptions.h"
 

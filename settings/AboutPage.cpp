@@ -2,7 +2,7 @@
 
 #include "account/AccountRecord.h"
 #include "core/FormatText.h"
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "core/StringTable.h"
 #include "resources/resource.h"
 #include "settings/SettingsSheet.h"

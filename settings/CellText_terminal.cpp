@@ -1,4 +1,4 @@
-#include "settings/CellText.h"
+#include "settings/CellText_terminal.h"
 
 #include <wchar.h>
 

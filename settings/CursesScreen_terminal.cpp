@@ -1,6 +1,6 @@
-#include "settings/SheetScreen.h"
+#include "settings/SheetScreen_terminal.h"
 
-#include "settings/CellText.h"
+#include "settings/CellText_terminal.h"
 
 #define NCURSES_NOMACROS
 #define NCURSES_WIDECHAR 1

@@ -1,7 +1,7 @@
-#include "settings/FlickrPages.h"
+#include "settings/FlickrPages_win32.h"
 
 #include "resources/resource.h"
-#include "settings/WinDataExchange.h"
+#include "settings/WinDataExchange_win32.h"
 #include "ui/CentredMessageBox.h"
 
 namespace

@@ -1,12 +1,12 @@
-#include "settings/FlickrProperties.h"
+#include "settings/FlickrProperties_win32.h"
 
 #include "account/AccountRecord.h"
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "core/StringTable.h"
 #include "core/ThisModule.h"
 #include "resources/resource.h"
 #include "settings/SettingsSheet.h"
-#include "settings/SheetLayout.h"
+#include "settings/SheetLayout_win32.h"
 #include "ui/PlacementArithmetic.h"
 #include "ui/WindowPlacement.h"
 

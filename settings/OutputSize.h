@@ -1,4 +1,4 @@
-// Maximum output sizes as a person types them: nothing or "Original" for the full size, a number of
+// Maximum output sizes as a user types them: nothing or "Original" for the full size, a number of
 // pixels, or a print size in inches or centimetres. White space and thousands separators in a text count
 // for nothing, and only its beginning counts: "1,024 x 768" is 1024 pixels.
 //
@@ -6,7 +6,7 @@
 #pragma once
 
 #include "core/NumberFormat.h"
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <windows.h>
 

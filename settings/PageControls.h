@@ -7,7 +7,7 @@
 // focus to move, those operations do nothing.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <windows.h>
 

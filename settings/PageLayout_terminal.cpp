@@ -1,6 +1,6 @@
-#include "settings/PageLayout.h"
+#include "settings/PageLayout_terminal.h"
 
-#include "settings/CellText.h"
+#include "settings/CellText_terminal.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 // platform's dialogs: title, and kinds, identifiers and texts of the controls in tab order.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <windows.h>
 

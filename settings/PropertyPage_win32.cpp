@@ -1,6 +1,6 @@
-#include "settings/PropertyPage.h"
+#include "settings/PropertyPage_win32.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "core/ThisModule.h"
 
 HPROPSHEETPAGE CPropertyPageImpl::Create() noexcept

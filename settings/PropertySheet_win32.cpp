@@ -1,4 +1,4 @@
-#include "settings/PropertySheet.h"
+#include "settings/PropertySheet_win32.h"
 
 #include "core/ThisModule.h"
 

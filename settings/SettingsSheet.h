@@ -1,7 +1,7 @@
 // The settings sheet, which shows and edits the user's preferences and lets the authorization be dropped.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <windows.h>
 

@@ -1,6 +1,6 @@
 #include "settings/SettingsSheet.h"
 
-#include "settings/TerminalSheet.h"
+#include "settings/TerminalSheet_terminal.h"
 
 SheetOutcome ShowSettingsSheet(HWND parent, SheetAccount &account)
 {

@@ -1,8 +1,8 @@
 #include "settings/SettingsSheet.h"
 
 #include "resources/resource.h"
-#include "settings/FlickrProperties.h"
-#include "ui/ActivationContext.h"
+#include "settings/FlickrProperties_win32.h"
+#include "ui/ActivationContext_win32.h"
 
 #include <commctrl.h>
 

@@ -3,8 +3,8 @@
 // No lock: a save that goes on beside a read may be seen half done, each value by itself whole.
 #pragma once
 
-#include "core/HandleOwner.h"
-#include "core/WideText.h"
+#include "com/HandleOwner.h"
+#include "com/WideText.h"
 
 #include <windows.h>
 

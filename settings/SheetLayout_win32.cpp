@@ -1,4 +1,4 @@
-#include "settings/SheetLayout.h"
+#include "settings/SheetLayout_win32.h"
 
 #include "ui/WindowPlacement.h"
 

@@ -2,7 +2,7 @@
 // photo summary are the program's own; all others come from the string table. E_OUTOFMEMORY is thrown.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 struct AccountRecord;
 struct SettingsBlock;

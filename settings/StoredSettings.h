@@ -2,7 +2,7 @@
 // it means in words.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <windows.h>
 

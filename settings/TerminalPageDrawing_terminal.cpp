@@ -1,5 +1,5 @@
-#include "settings/CellText.h"
-#include "settings/TerminalPage.h"
+#include "settings/CellText_terminal.h"
+#include "settings/TerminalPage_terminal.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
-#include "settings/TerminalPage.h"
+#include "settings/TerminalPage_terminal.h"
 
-#include "settings/CellText.h"
+#include "settings/CellText_terminal.h"
 
 #include <algorithm>
 

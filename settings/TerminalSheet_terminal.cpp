@@ -1,15 +1,15 @@
-#include "settings/TerminalSheet.h"
+#include "settings/TerminalSheet_terminal.h"
 
 #include "account/AccountRecord.h"
 #include "core/StringTable.h"
 #include "resources/resource.h"
 #include "settings/AboutPage.h"
-#include "settings/CellText.h"
+#include "settings/CellText_terminal.h"
 #include "settings/JpegPage.h"
 #include "settings/OptionsPage.h"
 #include "settings/PhotosPage.h"
 #include "settings/RawPage.h"
-#include "settings/TerminalPage.h"
+#include "settings/TerminalPage_terminal.h"
 #include "ui/CentredMessageBox.h"
 
 #include <shellapi.h>

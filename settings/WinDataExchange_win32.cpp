@@ -1,4 +1,4 @@
-#include "settings/WinDataExchange.h"
+#include "settings/WinDataExchange_win32.h"
 
 namespace
 {

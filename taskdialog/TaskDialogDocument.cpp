@@ -1,6 +1,6 @@
 #include "taskdialog/TaskDialogDocument.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "taskdialog/TaskDialogLoader.h"
 
 namespace

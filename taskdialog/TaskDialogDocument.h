@@ -3,7 +3,7 @@
 // next load. Made on the stack of the caller for one sequence of dialogs; one thread.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <windows.h>
 #include <commctrl.h>

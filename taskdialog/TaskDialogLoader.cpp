@@ -1,6 +1,6 @@
 #include "taskdialog/TaskDialogLoader.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "core/TextPieces.h"
 #include "taskdialog/TaskDialogWords.h"
 #include "taskdialog/XmlDocument.h"

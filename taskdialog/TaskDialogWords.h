@@ -1,7 +1,7 @@
 // The words of a task dialog document, and what they stand for. All are compared exactly.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <windows.h>
 #include <commctrl.h>

@@ -1,7 +1,7 @@
 #include "taskdialog/XmlDocument.h"
 
-#include "core/BstrOwner.h"
-#include "core/Hresult.h"
+#include "com/BstrOwner.h"
+#include "com/Hresult.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 // The few questions that are asked of the platform's XML service, and the numbers in its answers.
 #pragma once
 
-#include "core/ComPtr.h"
-#include "core/WideText.h"
+#include "com/ComPtr.h"
+#include "com/WideText.h"
 
 #include "XmlInterfaces.h"
 

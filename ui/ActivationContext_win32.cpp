@@ -1,4 +1,4 @@
-#include "ui/ActivationContext.h"
+#include "ui/ActivationContext_win32.h"
 
 #include "core/ThisModule.h"
 #include "resources/resource.h"

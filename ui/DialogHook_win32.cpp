@@ -1,6 +1,6 @@
 #include "ui/DialogHook.h"
 
-#include "ui/HookedWindow.h"
+#include "ui/HookedWindow_win32.h"
 #include "ui/WindowPlacement.h"
 
 #include <atomic>

@@ -1,4 +1,4 @@
-#include "ui/HookedWindow.h"
+#include "ui/HookedWindow_win32.h"
 
 #include "ui/DialogHook.h"
 #include "ui/WindowPlacement.h"

@@ -1,4 +1,4 @@
-#include "ui/WaitingAnimationCtrl.h"
+#include "ui/WaitingAnimationCtrl_win32.h"
 
 #include "core/ThisModule.h"
 #include "resources/resource.h"

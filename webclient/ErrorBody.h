@@ -1,4 +1,4 @@
-// What the body of a refusal says, in one line for a person: an OAuth problem in plain words, the
+// What the body of a refusal says, in one line for a user: an OAuth problem in plain words, the
 // title of a page, or the first words of a plain text. Empty if it says nothing readable.
 #pragma once
 

@@ -1,4 +1,4 @@
-// HMAC-SHA1 (RFC 2104) by the cryptographic library of the world that this is built for.
+// HMAC-SHA1 (RFC 2104) by the cryptographic library of the system that this is built for.
 #pragma once
 
 #include <array>

@@ -1,7 +1,7 @@
 #include "webclient/HmacSha1.h"
 
-#include "core/HandleOwner.h"
-#include "core/Hresult.h"
+#include "com/HandleOwner.h"
+#include "com/Hresult.h"
 
 #include <bcrypt.h>
 

@@ -1,4 +1,4 @@
-// The one door from this module to the network, and what its rooms promise each other: signing,
+// The only way from this module to the network, and what its implementations promise: signing,
 // encoding and replies don't know which HTTP library carries them.
 #pragma once
 
@@ -97,5 +97,5 @@ public:
     virtual HttpReply Exchange(const HttpRequest &request) = 0;
 };
 
-// The transport of the world that this is built for. Connections may be shared by the whole process.
+// The transport of the system that this is built for. Connections may be shared by the whole process.
 std::shared_ptr<HttpTransport> CreateTransport(const TransportLimits &limits = {});

@@ -2,6 +2,6 @@
 // gives "application/octet-stream".
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 const WCHAR *MimeTypeOfFile(WideView fileName) noexcept;

@@ -1,6 +1,6 @@
 #include "webclient/MultipartForm.h"
 
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 #include "webclient/RandomText.h"
 #include "webclient/Utf8.h"
 

@@ -4,8 +4,8 @@
 #pragma once
 
 #include "WebComponents.h"
-#include "core/ComObject.h"
-#include "core/WideText.h"
+#include "com/ComObject.h"
+#include "com/WideText.h"
 
 #include <string>
 #include <string_view>

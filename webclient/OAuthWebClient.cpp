@@ -1,6 +1,6 @@
 #include "webclient/OAuthWebClient.h"
 
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 #include "webclient/MimeType.h"
 #include "webclient/ReplyDocument.h"
 #include "webclient/RequestBodies.h"

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "WebComponents.h"
-#include "core/ComObject.h"
+#include "com/ComObject.h"
 #include "webclient/HttpTransport.h"
 #include "webclient/OAuthSignature.h"
 #include "webclient/RequestUrl.h"

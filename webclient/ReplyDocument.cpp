@@ -1,7 +1,7 @@
 #include "webclient/ReplyDocument.h"
 
-#include "core/BstrOwner.h"
-#include "core/Hresult.h"
+#include "com/BstrOwner.h"
+#include "com/Hresult.h"
 #include "webclient/ErrorBody.h"
 #include "webclient/Utf8.h"
 

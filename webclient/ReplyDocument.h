@@ -6,7 +6,7 @@
 #pragma once
 
 #include "XmlInterfaces.h"
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 #include "webclient/HttpTransport.h"
 
 #include <string_view>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "WebComponents.h"
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 #include "webclient/HttpTransport.h"
 
 #include <objidl.h>
@@ -27,7 +27,7 @@ private:
 };
 
 // Exactly length bytes of a stream, read as they are sent. Passes the progress on to the callback,
-// which may be null: at once when all is sent, otherwise not more often than a person could see,
+// which may be null: at once when all is sent, otherwise not more often than a user could see,
 // and once a second when nothing moves, so that an answer of the callback always arrives soon.
 class UploadBody final : public RequestBody
 {

@@ -1,6 +1,6 @@
 #include "webclient/RequestParameters.h"
 
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 #include "webclient/Utf8.h"
 
 namespace

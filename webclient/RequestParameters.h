@@ -3,8 +3,8 @@
 
 #include "ParameterReader.h"
 #include "WebComponents.h"
-#include "core/ComObject.h"
-#include "core/WideText.h"
+#include "com/ComObject.h"
+#include "com/WideText.h"
 #include "webclient/RequestUrl.h"
 
 #include <vector>

@@ -1,6 +1,6 @@
 #include "webclient/RequestUrl.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "webclient/PercentEncoding.h"
 
 #include <algorithm>

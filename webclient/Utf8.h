@@ -2,7 +2,7 @@
 // character, becomes U+FFFD, so that what is signed and what is sent are always the same bytes.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 #include "webclient/SecretText.h"
 
 #include <string>

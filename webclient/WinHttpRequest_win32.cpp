@@ -1,6 +1,6 @@
 #include "webclient/WinHttpRequest_win32.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 
 WinHttpRequest::WinHttpRequest(InternetHandleOwner handle)
     : m_state(std::make_shared<State>()), m_context(nullptr), m_handle(std::move(handle))

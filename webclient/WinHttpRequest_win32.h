@@ -2,9 +2,9 @@
 // which then waits for the end of each; WinHTTP tells the ends on threads of its own.
 #pragma once
 
-#include "core/InternetHandleOwner.h"
-#include "core/ModuleLocks.h"
-#include "core/WideText.h"
+#include "com/InternetHandleOwner.h"
+#include "com/ModuleLocks.h"
+#include "com/WideText.h"
 
 #include <windows.h>
 #include <winhttp.h>

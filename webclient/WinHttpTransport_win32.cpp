@@ -3,8 +3,8 @@
 // trusted is what Windows trusts, and the proxy is the system's.
 #include "webclient/HttpTransport.h"
 
-#include "core/HandleOwner.h"
-#include "core/Hresult.h"
+#include "com/HandleOwner.h"
+#include "com/Hresult.h"
 #include "webclient/Utf8.h"
 #include "webclient/WinHttpRequest_win32.h"
 

@@ -1,4 +1,4 @@
-#include "host/window/Badge.h"
+#include "host/window/Badge_win32.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
-#include "host/window/Clipboard.h"
+#include "host/window/Clipboard_win32.h"
 
-#include "core/HandleOwner.h"
+#include "com/HandleOwner.h"
 
 #include <algorithm>
 

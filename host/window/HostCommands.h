@@ -1,4 +1,4 @@
-// What a person can do in the window at the moment, and what they are told while nothing is under way.
+// What a user can do in the window at the moment, and what they are told while nothing is under way.
 #pragma once
 
 #include <cstddef>

@@ -1,6 +1,6 @@
-#include "host/window/HostControls.h"
+#include "host/window/HostControls_win32.h"
 
-#include "host/window/WindowText.h"
+#include "host/window/WindowText_win32.h"
 #include "host/window/resource.h"
 
 #include <commctrl.h>

@@ -1,14 +1,14 @@
 // The window's dealings with the plug-in: between runs, in its dialogs, and in a run.
-#include "host/window/HostWindow.h"
+#include "host/window/HostWindow_win32.h"
 
 #include "host/SettingsKeyMaking.h"
 #include "host/SystemWords.h"
-#include "host/window/PluginDirectory.h"
-#include "host/window/WindowText.h"
+#include "host/window/PluginDirectory_win32.h"
+#include "host/window/WindowText_win32.h"
 #include "host/window/resource.h"
 
-#include "core/BstrOwner.h"
-#include "core/Hresult.h"
+#include "com/BstrOwner.h"
+#include "com/Hresult.h"
 
 #include <algorithm>
 

@@ -1,14 +1,14 @@
-#include "host/window/HostWindow.h"
+#include "host/window/HostWindow_win32.h"
 
 #include "host/FileNames.h"
 #include "host/SystemWords.h"
 #include "host/TextEncodings.h"
-#include "host/window/Clipboard.h"
-#include "host/window/OpenPictures.h"
-#include "host/window/WindowText.h"
+#include "host/window/Clipboard_win32.h"
+#include "host/window/OpenPictures_win32.h"
+#include "host/window/WindowText_win32.h"
 #include "host/window/resource.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 
 #include <commctrl.h>
 #include <shellapi.h>

@@ -1,7 +1,7 @@
-#include "host/window/LogView.h"
+#include "host/window/LogView_win32.h"
 
 #include "host/SafeLine.h"
-#include "host/window/WindowText.h"
+#include "host/window/WindowText_win32.h"
 #include "host/window/resource.h"
 
 #include "HostContract.h"
@@ -17,7 +17,7 @@ constexpr COLORREF errorColour = RGB(176, 32, 20);
 constexpr COLORREF warningColour = RGB(150, 90, 0);
 constexpr COLORREF detailColour = RGB(110, 110, 110);
 
-// A person who chose colours for the whole system gets those.
+// A user who chose colours for the whole system gets those.
 bool HasOwnColours()
 {
     HIGHCONTRASTW contrast{};

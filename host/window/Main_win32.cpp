@@ -1,12 +1,12 @@
 // halvora.exe: [--profile FOLDER] [PICTURE or FOLDER]...
-#include "host/window/HostWindow.h"
-#include "host/window/WindowText.h"
+#include "host/window/HostWindow_win32.h"
+#include "host/window/WindowText_win32.h"
 #include "host/window/resource.h"
 
 #include "host/SystemWords.h"
 
-#include "core/HandleOwner.h"
-#include "core/Hresult.h"
+#include "com/HandleOwner.h"
+#include "com/Hresult.h"
 
 #include <objbase.h>
 #include <shellapi.h>

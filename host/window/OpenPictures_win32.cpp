@@ -1,12 +1,12 @@
-#include "host/window/OpenPictures.h"
+#include "host/window/OpenPictures_win32.h"
 
 #include "host/PictureExtensions.h"
-#include "host/window/WindowText.h"
+#include "host/window/WindowText_win32.h"
 #include "host/window/resource.h"
 
-#include "core/ComPtr.h"
-#include "core/HandleOwner.h"
-#include "core/Hresult.h"
+#include "com/ComPtr.h"
+#include "com/HandleOwner.h"
+#include "com/Hresult.h"
 
 #include <shobjidl.h>
 

@@ -1,6 +1,6 @@
-#include "host/window/PluginDirectory.h"
+#include "host/window/PluginDirectory_win32.h"
 
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 
 #include <comcat.h>
 

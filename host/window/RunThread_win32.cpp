@@ -1,4 +1,4 @@
-#include "host/window/RunThread.h"
+#include "host/window/RunThread_win32.h"
 
 #include "host/Apartment_win32.h"
 

@@ -1,4 +1,4 @@
-#include "host/window/ThumbnailMaker.h"
+#include "host/window/ThumbnailMaker_win32.h"
 
 #include "host/PictureDecoding.h"
 

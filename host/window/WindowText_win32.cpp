@@ -1,4 +1,4 @@
-#include "host/window/WindowText.h"
+#include "host/window/WindowText_win32.h"
 
 #include "host/TextEncodings.h"
 

@@ -1,7 +1,7 @@
 // Keys and values in memory, with the text of the file that they came from.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <map>
 #include <memory>

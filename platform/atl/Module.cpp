@@ -2,10 +2,10 @@
 // script of its own.
 #include <initguid.h>
 
-#include "core/ComPtr.h"
-#include "core/Hresult.h"
-#include "core/ModuleLocks.h"
-#include "core/WideText.h"
+#include "com/ComPtr.h"
+#include "com/Hresult.h"
+#include "com/ModuleLocks.h"
+#include "com/WideText.h"
 #include "platform/atl/Registrar.h"
 
 #include "RegistrarInterface.h"

@@ -1,8 +1,8 @@
 #include "platform/atl/Registrar.h"
 
-#include "core/ClassFactory.h"
-#include "core/ComObject.h"
-#include "core/HandleOwner.h"
+#include "com/ClassFactory.h"
+#include "com/ComObject.h"
+#include "com/HandleOwner.h"
 #include "platform/atl/ScriptApplication.h"
 #include "platform/kernel32/PathText.h"
 #include "platform/kernel32/Utf8.h"

@@ -1,6 +1,6 @@
 #include "platform/atl/RegistryScript.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 
 #include <oleauto.h>
 

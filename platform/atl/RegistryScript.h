@@ -15,7 +15,7 @@
 // d 'number', decimal or with &H in front, b 'bytes in hexadecimal'.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <map>
 #include <optional>

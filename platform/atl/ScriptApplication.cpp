@@ -1,7 +1,7 @@
 #include "platform/atl/ScriptApplication.h"
 
-#include "core/HandleOwner.h"
-#include "core/Hresult.h"
+#include "com/HandleOwner.h"
+#include "com/Hresult.h"
 
 namespace
 {

@@ -1,6 +1,6 @@
 // TaskDialogIndirect in the terminal. The dialog has a window, which isn't drawn: it is what a callback
 // knows the dialog by and sends its messages to, from any thread.
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "platform/comctl32/TaskDialogPage.h"
 #include "platform/terminal/TerminalDialog.h"
 

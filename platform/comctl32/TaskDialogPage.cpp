@@ -1,6 +1,6 @@
 #include "platform/comctl32/TaskDialogPage.h"
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 #include "platform/kernel32/LoadedModules.h"
 #include "platform/kernel32/PathText.h"
 #include "platform/terminal/ButtonWords.h"

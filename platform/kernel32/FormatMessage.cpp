@@ -2,7 +2,7 @@
 // are no messages of modules here, and the system's have no inserts.
 #include "platform/kernel32/SystemMessages.h"
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "platform/kernel32/LocaleInformation.h"
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <algorithm>
 #include <cstring>

@@ -2,7 +2,7 @@
 #include "platform/kernel32/LoadedModules.h"
 #include "platform/kernel32/Utf8.h"
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <dlfcn.h>
 #include <link.h>

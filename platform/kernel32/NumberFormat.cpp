@@ -1,7 +1,7 @@
 // A number's text by the conventions of a locale.
 #include "platform/kernel32/LocaleInformation.h"
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <algorithm>
 

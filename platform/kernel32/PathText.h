@@ -3,7 +3,7 @@
 // makes the byte of it again, so that every name that the system has survives the round trip.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <string>
 #include <string_view>

@@ -1,6 +1,6 @@
 #include "platform/kernel32/ResourceSection.h"
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 #include "platform/kernel32/LoadedModules.h"
 
 #include <elf.h>

@@ -2,7 +2,7 @@
 // U+FFFD; a lone surrogate counts as malformed.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <string>
 #include <string_view>

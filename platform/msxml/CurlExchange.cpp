@@ -2,7 +2,7 @@
 #define WIN32_LEAN_AND_MEAN
 #include "platform/msxml/HttpExchange.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 
 #include <curl/curl.h>
 #include <openssl/x509_vfy.h>

@@ -1,5 +1,5 @@
 // The document class and its parse error.
-#include "core/ClassFactory.h"
+#include "com/ClassFactory.h"
 #include "platform/msxml/NodeOperations.h"
 
 namespace

@@ -2,9 +2,9 @@
 // request classes of MSXML 6.
 #include <initguid.h>
 
-#include "core/HandleOwner.h"
-#include "core/ModuleLocks.h"
-#include "core/WideText.h"
+#include "com/HandleOwner.h"
+#include "com/ModuleLocks.h"
+#include "com/WideText.h"
 #include "platform/kernel32/PathText.h"
 
 #include "XmlInterfaces.h"

@@ -1,8 +1,8 @@
 // What documents, elements and all other nodes answer alike, over one XmlNode.
 #pragma once
 
-#include "core/BstrOwner.h"
-#include "core/ComObject.h"
+#include "com/BstrOwner.h"
+#include "com/ComObject.h"
 #include "platform/msxml/UnsupportedOperations.h"
 #include "platform/msxml/XmlTree.h"
 

@@ -1,8 +1,8 @@
 // What a request object holds, and the rules of its operations: the same for both request classes.
 #pragma once
 
-#include "core/BstrOwner.h"
-#include "core/ComPtr.h"
+#include "com/BstrOwner.h"
+#include "com/ComPtr.h"
 #include "platform/msxml/HttpExchange.h"
 
 #include "XmlInterfaces.h"

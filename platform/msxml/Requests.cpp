@@ -1,6 +1,6 @@
 // The classes XMLHTTP60 and ServerXMLHTTP60: interfaces over a RequestState.
-#include "core/ClassFactory.h"
-#include "core/ComObject.h"
+#include "com/ClassFactory.h"
+#include "com/ComObject.h"
 #include "platform/kernel32/Utf8.h"
 #include "platform/msxml/RequestState.h"
 #include "platform/msxml/UnsupportedOperations.h"

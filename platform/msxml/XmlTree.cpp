@@ -6,7 +6,7 @@
 
 #include "platform/msxml/XmlTree.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "platform/kernel32/PathText.h"
 
 #include <mutex>

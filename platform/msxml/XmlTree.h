@@ -3,7 +3,7 @@
 // elements nested deeper than 256 and on more than 64 MB of text.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <memory>
 #include <optional>

@@ -1,7 +1,7 @@
 // What the registry says of a class.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <objbase.h>
 

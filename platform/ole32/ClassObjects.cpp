@@ -1,7 +1,7 @@
 // Creation of objects: class objects that the process has registered come first, then the module
 // that the class's registry entry names. A module, once loaded, stays until the process ends.
-#include "core/ComPtr.h"
-#include "core/Hresult.h"
+#include "com/ComPtr.h"
+#include "com/Hresult.h"
 #include "platform/kernel32/PathText.h"
 #include "platform/ole32/Apartment.h"
 #include "platform/ole32/ClassEntries.h"

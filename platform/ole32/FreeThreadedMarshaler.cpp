@@ -1,6 +1,6 @@
 // The marshaler that lets every thread of the process call an object directly: what it writes to
 // the stream is the interface pointer itself. There is no other context than this process natively.
-#include "core/ComObject.h"
+#include "com/ComObject.h"
 
 #include <objbase.h>
 #include <objidl.h>

@@ -1,6 +1,6 @@
 // Texts of identifiers, and the registry's ties between class identifiers and program identifiers.
-#include "core/HandleOwner.h"
-#include "core/Hresult.h"
+#include "com/HandleOwner.h"
+#include "com/Hresult.h"
 #include "platform/ole32/ClassEntries.h"
 
 #include <objbase.h>

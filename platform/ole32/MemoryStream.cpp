@@ -1,6 +1,6 @@
 // Streams over global memory. A stream and its clones share memory and size, each has a position
 // of its own. The memory grows ahead of the size, so that small writes stay cheap.
-#include "core/HandleOwner.h"
+#include "com/HandleOwner.h"
 #include "platform/ole32/StreamBase.h"
 
 #include <algorithm>

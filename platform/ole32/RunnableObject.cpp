@@ -1,4 +1,4 @@
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 
 #include <windows.h>
 #include <ole2.h>

@@ -2,7 +2,7 @@
 // support, with the codes that Windows gives for them.
 #pragma once
 
-#include "core/ComObject.h"
+#include "com/ComObject.h"
 
 #include <objidl.h>
 

@@ -1,6 +1,6 @@
 // The error object of each thread, and the system's own kind of error object.
-#include "core/BstrOwner.h"
-#include "core/ComObject.h"
+#include "com/BstrOwner.h"
+#include "com/ComObject.h"
 
 namespace
 {

@@ -1,8 +1,8 @@
 #include "platform/oleaut32/TypeInformation.h"
 
-#include "core/BstrOwner.h"
-#include "core/ComObject.h"
-#include "core/Hresult.h"
+#include "com/BstrOwner.h"
+#include "com/ComObject.h"
+#include "com/Hresult.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // One type of a library, as callers by name see it.
 #pragma once
 
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 #include "platform/oleaut32/TypeLibraryFile.h"
 
 #include <oaidl.h>

@@ -1,6 +1,6 @@
 // Loading of type libraries, from a file of their own or from a module's resource TYPELIB 1.
-#include "core/ComObject.h"
-#include "core/Hresult.h"
+#include "com/ComObject.h"
+#include "com/Hresult.h"
 #include "platform/kernel32/PathText.h"
 #include "platform/kernel32/ResourceSection.h"
 #include "platform/oleaut32/TypeInformation.h"

@@ -1,10 +1,10 @@
 // The registry entries of type libraries: below TypeLib the library itself, below Interface those of its
 // interfaces that the system can marshal by it.
-#include "core/BstrOwner.h"
-#include "core/ComPtr.h"
-#include "core/HandleOwner.h"
-#include "core/Hresult.h"
-#include "core/WideText.h"
+#include "com/BstrOwner.h"
+#include "com/ComPtr.h"
+#include "com/HandleOwner.h"
+#include "com/Hresult.h"
+#include "com/WideText.h"
 
 #include <oleauto.h>
 

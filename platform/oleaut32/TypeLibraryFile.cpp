@@ -2,7 +2,7 @@
 // little-endian; a name, a text or an identifier is told by its offset in its segment, -1 for none.
 #include "platform/oleaut32/TypeLibraryFile.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "platform/kernel32/Utf8.h"
 
 #include <cstring>

@@ -2,7 +2,7 @@
 // by name need it. The bytes may come from anywhere: what doesn't hold together is refused.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <windows.h>
 #include <oaidl.h>

@@ -7,8 +7,8 @@
 #include <windows.h>
 #include <shellapi.h>
 
-#include "core/Hresult.h"
-#include "core/WideText.h"
+#include "com/Hresult.h"
+#include "com/WideText.h"
 #include "platform/kernel32/Utf8.h"
 #include "platform/shell32/DetachedProgram.h"
 

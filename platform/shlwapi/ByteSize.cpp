@@ -2,7 +2,7 @@
 // count, cut and not rounded, with the separators of the user's locale.
 #include "platform/kernel32/LocaleInformation.h"
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <shlwapi.h>
 #include <strsafe.h>

@@ -1,7 +1,7 @@
 // Comparing and searching texts.
 #include "platform/user32/CaseMapping.h"
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <shlwapi.h>
 

@@ -1,6 +1,6 @@
 #include "platform/strsafe/WideFormat.h"
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 #include "platform/kernel32/Utf8.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// What a dialog shows at one moment, in the terms of a person who reads it.
+// What a dialog shows at one moment, in the terms of a user who reads it.
 #pragma once
 
 #include <cstdint>

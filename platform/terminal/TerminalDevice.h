@@ -1,4 +1,4 @@
-// The terminal that a person sits at: its size, its keys one by one, and text onto it. While an object
+// The terminal that a user sits at: its size, its keys one by one, and text onto it. While an object
 // lives, keys are not echoed and none of them sends a signal. A signal that ends the process meanwhile
 // leaves the terminal as it was.
 #pragma once

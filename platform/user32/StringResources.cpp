@@ -1,7 +1,7 @@
 // The string table: blocks of 16 strings, each a length and that many characters.
 #include "platform/kernel32/ResourceSection.h"
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 // procedure on the thread that sends it, so a procedure guards its own data.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <windows.h>
 

@@ -1,6 +1,6 @@
 #include "platform/windowscodecs/Decoder.h"
 
-#include "core/ComObject.h"
+#include "com/ComObject.h"
 #include "platform/windowscodecs/ContainerSignature.h"
 
 namespace

@@ -2,7 +2,7 @@
 // and bitmaps in memory. What nobody here asks for answers E_NOTIMPL.
 #pragma once
 
-#include "core/ComObject.h"
+#include "com/ComObject.h"
 
 #include <wincodec.h>
 

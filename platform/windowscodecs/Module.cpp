@@ -1,10 +1,10 @@
 // Exports of the module, and its entry in the registry: one class, the imaging factory.
 #include <initguid.h>
 
-#include "core/ClassFactory.h"
-#include "core/HandleOwner.h"
-#include "core/Hresult.h"
-#include "core/WideText.h"
+#include "com/ClassFactory.h"
+#include "com/HandleOwner.h"
+#include "com/Hresult.h"
+#include "com/WideText.h"
 #include "platform/windowscodecs/ImagingFactory.h"
 
 #include <olectl.h>

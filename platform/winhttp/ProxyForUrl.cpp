@@ -3,7 +3,7 @@
 #include <windows.h>
 #include <winhttp.h>
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "platform/kernel32/Utf8.h"
 #include "platform/winhttp/ProxyProgram.h"
 #include "platform/winhttp/ProxyText.h"

@@ -1,6 +1,6 @@
 #include "platform/winhttp/ProxyText.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "platform/kernel32/Utf8.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // Proxies as the system below names them, and as WinHTTP does.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <string>
 #include <string_view>

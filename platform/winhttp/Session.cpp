@@ -1,6 +1,6 @@
 #include "platform/winhttp/Session.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 
 #include <algorithm>
 #include <memory>

@@ -5,7 +5,7 @@
 #include <windows.h>
 #include <winhttp.h>
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "platform/winhttp/ProxyText.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "account/AccountQueries.h"
 
 #include "account/AccountRecord.h"
-#include "core/ModuleLocks.h"
+#include "com/ModuleLocks.h"
 #include "core/VersionBlock.h"
 #include "tests/doubles/FakeWebComponents.h"
 #include "tests/doubles/MemoryStream.h"

@@ -1,6 +1,6 @@
 #include "account/ApplicationCredentials.h"
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <gtest/gtest.h>
 

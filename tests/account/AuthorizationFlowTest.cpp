@@ -4,7 +4,7 @@
 #include "account/ServiceHosts.h"
 #include "account/WebClientFactory.h"
 #include "core/ErrorText.h"
-#include "core/ModuleLocks.h"
+#include "com/ModuleLocks.h"
 #include "core/VersionBlock.h"
 #include "tests/doubles/CallRecord.h"
 #include "tests/doubles/FakeWebComponents.h"
@@ -31,10 +31,10 @@ const HRESULT NotReached = HRESULT_FROM_WIN32(12029);
 
 // Lines of the record: "consent", "prepare", "open ADDRESS", "lock", "unlock", "completion", and
 // "error CAPTION: TEXT".
-class FakeScene final : public AuthorizationScene
+class FakeInteraction final : public AuthorizationInteraction
 {
 public:
-    explicit FakeScene(CallRecord &record) : m_record(record) {}
+    explicit FakeInteraction(CallRecord &record) : m_record(record) {}
 
     int ConsentOutcome = 1;
     int CompletionOutcome = 1;
@@ -74,9 +74,9 @@ private:
 };
 
 // An authorization in which everything goes well, until a case spoils something.
-struct World
+struct Attempt
 {
-    explicit World(bool isAuthorized)
+    explicit Attempt(bool isAuthorized)
     {
         Http.Answer(VerifierReply);
         Account.UserName = BstrOwner(TEXT("earlier user"));
@@ -95,7 +95,8 @@ struct World
         }
         const VersionBlock version;
         const auto client = CreateWebClient(Account, version);
-        return Authorize({Account, version, *client.Get(), FakeScene::Parent(), Scene, Wait, Discovery});
+        return Authorize(
+            {Account, version, *client.Get(), FakeInteraction::Parent(), Interaction, Wait, Discovery});
     }
 
     void AnswerAccount(const WCHAR *token, const WCHAR *photos, const WCHAR *limits)
@@ -115,7 +116,7 @@ struct World
     CallRecord Record;
     FakeWebComponents Web;
     FakeXmlHttp Http{Record};
-    FakeScene Scene{Record};
+    FakeInteraction Interaction{Record};
     AccountRecord Account;
     Pause Wait = [this](DWORD milliseconds) { Record.Add("wait " + std::to_string(milliseconds)); };
     ProxyDiscovery Discovery = [](const WCHAR *, ProxySetting &) -> DWORD { return 12180; };
@@ -157,54 +158,55 @@ TEST(AuthorizationFlow, EndsAsEachOutcomeOfItsStepsSays)
     const struct
     {
         const char *name;
-        std::function<void(World &)> spoil;
+        std::function<void(Attempt &)> spoil;
         HRESULT result;
         Pair pair;
         Message message;
     } cases[] = {
-        {"all is well", [](World &) {}, S_OK, Pair::New, Message::None},
-        {"consent refused", [](World &w) { w.Scene.ConsentOutcome = IDCANCEL; }, S_FALSE, Pair::Unchanged,
+        {"all is well", [](Attempt &) {}, S_OK, Pair::New, Message::None},
+        {"consent refused", [](Attempt &w) { w.Interaction.ConsentOutcome = IDCANCEL; }, S_FALSE, Pair::Unchanged,
          Message::None},
-        {"any other button goes on", [](World &w) { w.Scene.ConsentOutcome = w.Scene.CompletionOutcome = -1; },
-         S_OK, Pair::New, Message::None},
-        {"no parameters", [](World &w) { w.Web.FailOperation("Create IRequestParameters", NoClass); }, NoClass,
-         Pair::Unchanged, Message::None},
-        {"scope not taken", [](World &w) { w.Web.FailOperation("Add", E_OUTOFMEMORY); }, E_OUTOFMEMORY,
-         Pair::Unchanged, Message::None},
-        {"no request token", [](World &w) { w.Web.FailOperation("GetAuthorizationUrl", NotReached); }, NotReached,
-         Pair::Unchanged, Message::Unreachable},
-        {"completion refused", [](World &w) { w.Scene.CompletionOutcome = IDCANCEL; }, S_FALSE, Pair::Unchanged,
+        {"any other button goes on",
+         [](Attempt &w) { w.Interaction.ConsentOutcome = w.Interaction.CompletionOutcome = -1; }, S_OK, Pair::New,
          Message::None},
+        {"no parameters", [](Attempt &w) { w.Web.FailOperation("Create IRequestParameters", NoClass); }, NoClass,
+         Pair::Unchanged, Message::None},
+        {"scope not taken", [](Attempt &w) { w.Web.FailOperation("Add", E_OUTOFMEMORY); }, E_OUTOFMEMORY,
+         Pair::Unchanged, Message::None},
+        {"no request token", [](Attempt &w) { w.Web.FailOperation("GetAuthorizationUrl", NotReached); },
+         NotReached, Pair::Unchanged, Message::Unreachable},
+        {"completion refused", [](Attempt &w) { w.Interaction.CompletionOutcome = IDCANCEL; }, S_FALSE,
+         Pair::Unchanged, Message::None},
         {"no HTTP object",
-         [](World &w) {
+         [](Attempt &w) {
              w.Http.ServerCreation = E_ACCESSDENIED;
              w.Http.PlainCreation = NoClass;
          },
          NoClass, Pair::Empty, Message::Unreachable},
-        {"no server object", [](World &w) { w.Http.ServerCreation = NoClass; }, S_OK, Pair::New, Message::None},
-        {"page without a request token", [](World &w) { w.Web.AuthorizationUrl = TEXT("http://h/?t=1"); }, E_FAIL,
+        {"no server object", [](Attempt &w) { w.Http.ServerCreation = NoClass; }, S_OK, Pair::New, Message::None},
+        {"page without a request token", [](Attempt &w) { w.Web.AuthorizationUrl = TEXT("http://h/?t=1"); },
+         E_FAIL, Pair::Empty, Message::Unreachable},
+        {"open fails", [](Attempt &w) { w.Http.OpenResult = E_INVALIDARG; }, E_INVALIDARG, Pair::Empty,
+         Message::Unreachable},
+        {"send fails", [](Attempt &w) { w.Http.SendResult = NotReached; }, NotReached, Pair::Empty,
+         Message::Unreachable},
+        {"no reply", [](Attempt &w) { w.Http.ReplyResult = E_PENDING; }, E_PENDING, Pair::Empty,
+         Message::Unreachable},
+        {"a reply without a document", [](Attempt &w) { w.Http.Reply = nullptr; }, E_NOINTERFACE, Pair::Empty,
+         Message::Unreachable},
+        {"not granted in the browser", [](Attempt &w) { w.Http.Answer(TEXT("<TRNQVerifierExchange/>")); }, E_FAIL,
          Pair::Empty, Message::Unreachable},
-        {"open fails", [](World &w) { w.Http.OpenResult = E_INVALIDARG; }, E_INVALIDARG, Pair::Empty,
-         Message::Unreachable},
-        {"send fails", [](World &w) { w.Http.SendResult = NotReached; }, NotReached, Pair::Empty,
-         Message::Unreachable},
-        {"no reply", [](World &w) { w.Http.ReplyResult = E_PENDING; }, E_PENDING, Pair::Empty,
-         Message::Unreachable},
-        {"a reply without a document", [](World &w) { w.Http.Reply = nullptr; }, E_NOINTERFACE, Pair::Empty,
-         Message::Unreachable},
-        {"not granted in the browser", [](World &w) { w.Http.Answer(TEXT("<TRNQVerifierExchange/>")); }, E_FAIL,
+        {"an error page of the endpoint", [](Attempt &w) { w.Http.Answer(TEXT("<html><body/></html>")); }, E_FAIL,
          Pair::Empty, Message::Unreachable},
-        {"an error page of the endpoint", [](World &w) { w.Http.Answer(TEXT("<html><body/></html>")); }, E_FAIL,
-         Pair::Empty, Message::Unreachable},
-        {"verifier refused", [](World &w) { w.Web.FailOperation("GetAccessToken", E_ACCESSDENIED); },
+        {"verifier refused", [](Attempt &w) { w.Web.FailOperation("GetAccessToken", E_ACCESSDENIED); },
          E_ACCESSDENIED, Pair::Empty, Message::Unreachable},
         {"account not reached",
-         [](World &w) {
+         [](Attempt &w) {
              w.HasAccountReplies = true;
              w.Web.AnswerWith(NotReached, nullptr);
          },
          E_FAIL, Pair::New, Message::AccountUnreadable},
-        {"new token refused", [](World &w) { w.AnswerAccount(Refusal, Refusal, Refusal); }, E_FAIL, Pair::New,
+        {"new token refused", [](Attempt &w) { w.AnswerAccount(Refusal, Refusal, Refusal); }, E_FAIL, Pair::New,
          Message::AccountUnreadable},
     };
     for (const auto &c : cases)
@@ -214,17 +216,17 @@ TEST(AuthorizationFlow, EndsAsEachOutcomeOfItsStepsSays)
             SCOPED_TRACE(std::string(c.name) + (wasAuthorized ? ", authorized before" : ""));
             const long objects = ModuleLocks::Read();
             {
-                World world(wasAuthorized);
-                const std::string before = world.Pair();
-                c.spoil(world);
-                EXPECT_EQ(world.Run(), c.result);
-                EXPECT_EQ(world.Pair(), c.pair == Pair::New     ? "access-token|access-secret"
-                                        : c.pair == Pair::Empty ? "|"
-                                                                : before);
-                EXPECT_EQ(world.Account.IsAuthorized(),
+                Attempt attempt(wasAuthorized);
+                const std::string before = attempt.Pair();
+                c.spoil(attempt);
+                EXPECT_EQ(attempt.Run(), c.result);
+                EXPECT_EQ(attempt.Pair(), c.pair == Pair::New     ? "access-token|access-secret"
+                                          : c.pair == Pair::Empty ? "|"
+                                                                  : before);
+                EXPECT_EQ(attempt.Account.IsAuthorized(),
                           c.pair == Pair::New || (c.pair == Pair::Unchanged && wasAuthorized));
-                EXPECT_EQ(world.Record.LinesOf("error "), ExpectedErrors(c.message, c.result));
-                EXPECT_EQ(world.Record.LinesOf("lock").size(), world.Record.LinesOf("unlock").size());
+                EXPECT_EQ(attempt.Record.LinesOf("error "), ExpectedErrors(c.message, c.result));
+                EXPECT_EQ(attempt.Record.LinesOf("lock").size(), attempt.Record.LinesOf("unlock").size());
             }
             EXPECT_EQ(ModuleLocks::Read(), objects) << "objects left behind";
         }
@@ -233,60 +235,62 @@ TEST(AuthorizationFlow, EndsAsEachOutcomeOfItsStepsSays)
 
 TEST(AuthorizationFlow, TakesItsStepsInOrder)
 {
-    World world(true);
-    world.Scene.DuringCompletion = [&] { EXPECT_EQ(world.Pair(), "old|old secret") << "lost before it must be"; };
-    EXPECT_EQ(world.Run(), S_OK);
-    EXPECT_EQ(world.Record.Lines(),
-              (std::vector<std::string>{"consent", "prepare", "open " + Narrow(world.Web.AuthorizationUrl),
+    Attempt attempt(true);
+    attempt.Interaction.DuringCompletion = [&] {
+        EXPECT_EQ(attempt.Pair(), "old|old secret") << "lost before it must be";
+    };
+    EXPECT_EQ(attempt.Run(), S_OK);
+    EXPECT_EQ(attempt.Record.Lines(),
+              (std::vector<std::string>{"consent", "prepare", "open " + Narrow(attempt.Web.AuthorizationUrl),
                                         "wait 3000", "lock", "completion", "unlock", "create server",
                                         "open GET " + Narrow(ServiceHosts::VerifierEndpoint) +
                                             "/?oauth_token=request-token",
                                         "send", "read reply"}));
-    EXPECT_EQ(world.Web.CallsOf("GetAuthorizationUrl")[0].Arguments,
+    EXPECT_EQ(attempt.Web.CallsOf("GetAuthorizationUrl")[0].Arguments,
               (std::vector<WideText>{TEXT("0"), TEXT("perms=write")}));
-    EXPECT_EQ(world.Web.CallsOf("GetAccessToken")[0].Arguments,
+    EXPECT_EQ(attempt.Web.CallsOf("GetAccessToken")[0].Arguments,
               (std::vector<WideText>{TEXT("0"), TEXT("the-verifier")}));
     // The client of the call knows the old pair, those that read the account the new one.
-    const auto pairs = world.Web.CallsOf("SetAccessToken");
+    const auto pairs = attempt.Web.CallsOf("SetAccessToken");
     ASSERT_EQ(pairs.size(), 3u);
     EXPECT_EQ(pairs[0].Arguments[0], TEXT("old"));
     EXPECT_EQ(pairs[2].Arguments, (std::vector<WideText>{TEXT("access-token"), TEXT("access-secret")}));
-    EXPECT_EQ(Narrow(world.Account.UserName.View()), "jdoe");
-    EXPECT_EQ(Narrow(world.Account.AccountType.View()), "Pro");
+    EXPECT_EQ(Narrow(attempt.Account.UserName.View()), "jdoe");
+    EXPECT_EQ(Narrow(attempt.Account.AccountType.View()), "Pro");
 }
 
 TEST(AuthorizationFlow, DoesNothingBehindARefusedConsent)
 {
-    World world(true);
-    world.Scene.ConsentOutcome = IDCANCEL;
-    EXPECT_EQ(world.Run(), S_FALSE);
-    EXPECT_EQ(world.Record.Lines(), (std::vector<std::string>{"consent"}));
-    EXPECT_TRUE(world.Web.CallsOf("Create IRequestParameters").empty());
+    Attempt attempt(true);
+    attempt.Interaction.ConsentOutcome = IDCANCEL;
+    EXPECT_EQ(attempt.Run(), S_FALSE);
+    EXPECT_EQ(attempt.Record.Lines(), (std::vector<std::string>{"consent"}));
+    EXPECT_TRUE(attempt.Web.CallsOf("Create IRequestParameters").empty());
 }
 
 TEST(AuthorizationFlow, DoesNothingBehindARefusedCompletion)
 {
-    World world(true);
-    world.Scene.CompletionOutcome = IDCANCEL;
-    EXPECT_EQ(world.Run(), S_FALSE);
-    EXPECT_EQ(world.Record.Lines().back(), "unlock") << "nothing was asked of the endpoint";
-    EXPECT_TRUE(world.Web.CallsOf("GetAccessToken").empty());
-    EXPECT_TRUE(world.Web.CallsOf("RestRequest").empty());
+    Attempt attempt(true);
+    attempt.Interaction.CompletionOutcome = IDCANCEL;
+    EXPECT_EQ(attempt.Run(), S_FALSE);
+    EXPECT_EQ(attempt.Record.Lines().back(), "unlock") << "nothing was asked of the endpoint";
+    EXPECT_TRUE(attempt.Web.CallsOf("GetAccessToken").empty());
+    EXPECT_TRUE(attempt.Web.CallsOf("RestRequest").empty());
 }
 
 TEST(AuthorizationFlow, LeavesAnEmptyVerifierToTheService)
 {
-    World world(false);
-    world.Http.Answer(TEXT("<TRNQVerifierExchange><Verifier/></TRNQVerifierExchange>"));
-    EXPECT_EQ(world.Run(), S_OK);
-    EXPECT_EQ(world.Web.CallsOf("GetAccessToken")[0].Arguments[1], TEXT(""));
+    Attempt attempt(false);
+    attempt.Http.Answer(TEXT("<TRNQVerifierExchange><Verifier/></TRNQVerifierExchange>"));
+    EXPECT_EQ(attempt.Run(), S_OK);
+    EXPECT_EQ(attempt.Web.CallsOf("GetAccessToken")[0].Arguments[1], TEXT(""));
 }
 
 TEST(AuthorizationFlow, GivesTheForegroundBackIfTheDialogFails)
 {
-    World world(true);
-    world.Scene.DuringCompletion = [] { throw std::bad_alloc(); };
-    EXPECT_THROW(world.Run(), std::bad_alloc);
-    EXPECT_EQ(world.Record.Lines().back(), "unlock");
-    EXPECT_EQ(world.Pair(), "old|old secret");
+    Attempt attempt(true);
+    attempt.Interaction.DuringCompletion = [] { throw std::bad_alloc(); };
+    EXPECT_THROW(attempt.Run(), std::bad_alloc);
+    EXPECT_EQ(attempt.Record.Lines().back(), "unlock");
+    EXPECT_EQ(attempt.Pair(), "old|old secret");
 }

@@ -1,6 +1,6 @@
 #include "account/ProxyDiscovery.h"
 
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 #include "tests/doubles/CallRecord.h"
 #include "tests/doubles/FakeXmlHttp.h"
 

@@ -1,6 +1,6 @@
 #include "account/ServiceReply.h"
 
-#include "core/ComObject.h"
+#include "com/ComObject.h"
 #include "tests/doubles/MemoryStream.h"
 #include "tests/doubles/ReplyDocuments.h"
 

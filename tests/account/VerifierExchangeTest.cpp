@@ -1,7 +1,7 @@
 #include "account/VerifierExchange.h"
 
 #include "account/ServiceHosts.h"
-#include "core/ModuleLocks.h"
+#include "com/ModuleLocks.h"
 #include "tests/doubles/FakeXmlHttp.h"
 
 #include <gtest/gtest.h>

@@ -3,7 +3,7 @@
 #include "account/AccountRecord.h"
 #include "account/ApplicationCredentials.h"
 #include "account/ServiceHosts.h"
-#include "core/ModuleLocks.h"
+#include "com/ModuleLocks.h"
 #include "core/VersionBlock.h"
 #include "tests/doubles/FakeWebComponents.h"
 

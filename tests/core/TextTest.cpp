@@ -1,6 +1,6 @@
 // Texts: the string table, formatting, cutting, and the words for bare error codes.
-#include "core/BstrOwner.h"
-#include "core/ComPtr.h"
+#include "com/BstrOwner.h"
+#include "com/ComPtr.h"
 #include "core/ErrorText.h"
 #include "core/FormatText.h"
 #include "core/StringTable.h"

@@ -1,7 +1,7 @@
 // What was asked of a set of fakes, in order, as lines of text. Any thread.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <mutex>
 #include <string>

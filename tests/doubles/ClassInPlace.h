@@ -2,8 +2,8 @@
 // as this lives.
 #pragma once
 
-#include "core/ComObject.h"
-#include "core/Hresult.h"
+#include "com/ComObject.h"
+#include "com/Hresult.h"
 
 #include <objbase.h>
 

@@ -1,7 +1,7 @@
 // The reading half of FakeImaging.
 #pragma once
 
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 #include "tests/doubles/FakeImaging.h"
 
 #include <wincodec.h>

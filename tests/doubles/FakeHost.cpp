@@ -1,6 +1,6 @@
 #include "tests/doubles/FakeHost.h"
 
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 #include "publish/ItemRecord.h"
 
 #include <algorithm>

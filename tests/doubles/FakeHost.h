@@ -3,8 +3,8 @@
 // Lines of the record: "log LEVEL MESSAGE", "list", "item N", "read PATH".
 #pragma once
 
-#include "core/ComObject.h"
-#include "core/HandleOwner.h"
+#include "com/ComObject.h"
+#include "com/HandleOwner.h"
 #include "tests/doubles/CallRecord.h"
 #include "tests/doubles/CallScript.h"
 

@@ -3,7 +3,7 @@
 // Lines of the record: "usage CATEGORY ACTION COUNT".
 #pragma once
 
-#include "core/ComObject.h"
+#include "com/ComObject.h"
 #include "tests/doubles/CallRecord.h"
 
 #include "HostContract.h"

@@ -1,7 +1,7 @@
 #include "tests/doubles/FakeWebComponents.h"
 
-#include "core/BstrOwner.h"
-#include "core/ComObject.h"
+#include "com/BstrOwner.h"
+#include "com/ComObject.h"
 #include "tests/doubles/CallRecord.h"
 #include "tests/doubles/MemoryStream.h"
 #include "tests/doubles/ReplyDocuments.h"

@@ -3,8 +3,8 @@
 // requests with what was prepared, and can be told to fail at any call.
 #pragma once
 
-#include "core/ComPtr.h"
-#include "core/WideText.h"
+#include "com/ComPtr.h"
+#include "com/WideText.h"
 #include "tests/doubles/ClassInPlace.h"
 
 #include "WebComponents.h"

@@ -1,6 +1,6 @@
 #include "tests/doubles/FakeXmlHttp.h"
 
-#include "core/ComObject.h"
+#include "com/ComObject.h"
 #include "tests/doubles/ReplyDocuments.h"
 
 #include <gtest/gtest.h>

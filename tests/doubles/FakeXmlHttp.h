@@ -5,7 +5,7 @@
 // "send", "read reply". A text that isn't there is "(null)".
 #pragma once
 
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 #include "tests/doubles/CallRecord.h"
 #include "tests/doubles/ClassInPlace.h"
 

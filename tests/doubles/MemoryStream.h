@@ -1,7 +1,7 @@
 // A stream in memory that keeps a record of what was asked of it and can be told to fail.
 #pragma once
 
-#include "core/ComObject.h"
+#include "com/ComObject.h"
 
 #include <objidl.h>
 

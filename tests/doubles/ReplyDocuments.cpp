@@ -1,6 +1,6 @@
 #include "tests/doubles/ReplyDocuments.h"
 
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 #include "tests/doubles/SystemModules.h"
 
 #include <objbase.h>

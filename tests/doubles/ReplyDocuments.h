@@ -1,8 +1,8 @@
 // Replies of the service as the documents that a web client hands out.
 #pragma once
 
-#include "core/ComPtr.h"
-#include "core/WideText.h"
+#include "com/ComPtr.h"
+#include "com/WideText.h"
 
 #include "XmlInterfaces.h"
 

@@ -1,6 +1,6 @@
 #include "tests/doubles/SettingsKey.h"
 
-#include "core/HandleOwner.h"
+#include "com/HandleOwner.h"
 #include "settings/SettingsStore.h"
 #include "settings/StoredSettings.h"
 #include "tests/doubles/CallRecord.h"

@@ -1,7 +1,7 @@
 // The settings key as a fixture: there and empty from construction on, gone afterwards.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <windows.h>
 

@@ -1,8 +1,8 @@
 #include "host/FrameMetadata.h"
 
-#include "core/ComObject.h"
-#include "core/ComPtr.h"
-#include "core/WideText.h"
+#include "com/ComObject.h"
+#include "com/ComPtr.h"
+#include "com/WideText.h"
 
 #include <gmock/gmock.h>
 

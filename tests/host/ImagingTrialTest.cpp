@@ -1,7 +1,7 @@
 #include "host/ImagingTrial.h"
 
 #include "tests/doubles/SystemModules.h"
-#include "tests/platform/World.h"
+#include "tests/platform/KnownGaps.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
 #include "host/PublishingHost.h"
 
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 #include "publish/ItemRecord.h"
 #include "tests/host/SampleFiles.h"
 #include "tests/host/TemporaryFolder.h"
-#include "tests/platform/windowscodecs_jpeg/CodecUse.h"
+#include "tests/platform/windowscodecs_jpeg/CodecUse_posix.h"
 
 #include "host/FileNames.h"
 

@@ -1,4 +1,4 @@
-// Files of a folder of the test's own, collected as a person names them.
+// Files of a folder of the test's own, collected as a user names them.
 #pragma once
 
 #include "host/PictureItems.h"

@@ -2,8 +2,8 @@
 
 #include "tests/host/ProfileFixture.h"
 
-#include "core/ClassFactory.h"
-#include "core/ComObject.h"
+#include "com/ClassFactory.h"
+#include "com/ComObject.h"
 
 #include <gmock/gmock.h>
 

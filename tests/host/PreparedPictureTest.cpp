@@ -4,9 +4,9 @@
 #include "tests/doubles/SystemModules.h"
 #include "tests/host/SampleFiles.h"
 #include "tests/host/TemporaryFolder.h"
-#include "tests/platform/World.h"
+#include "tests/platform/KnownGaps.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "host/FileNames.h"
 #include "host/PictureDecoding.h"
 #include "publish/ImagePreparation.h"

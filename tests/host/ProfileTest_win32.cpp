@@ -1,6 +1,6 @@
 #include "tests/host/ProfileFixture.h"
 
-#include "core/HandleOwner.h"
+#include "com/HandleOwner.h"
 
 #include <gmock/gmock.h>
 

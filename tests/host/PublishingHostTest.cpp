@@ -2,13 +2,13 @@
 
 #include "tests/doubles/SystemModules.h"
 #include "tests/host/TemporaryFolder.h"
-#include "tests/platform/World.h"
+#include "tests/platform/KnownGaps.h"
 
 #include "host/FileNames.h"
 
-#include "core/BstrOwner.h"
-#include "core/ComObject.h"
-#include "core/ComPtr.h"
+#include "com/BstrOwner.h"
+#include "com/ComObject.h"
+#include "com/ComPtr.h"
 
 #include <wincodec.h>
 

@@ -1,7 +1,7 @@
 #include "tests/host/SampleFiles.h"
 
-#include "core/ComPtr.h"
-#include "core/Hresult.h"
+#include "com/ComPtr.h"
+#include "com/Hresult.h"
 
 #include <wincodec.h>
 

@@ -1,7 +1,7 @@
 #include "host/SettingAssignment.h"
-#include "host/SettingsKey.h"
+#include "host/SettingsKey_posix.h"
 
-#include "host/InstalledModules.h"
+#include "host/InstalledModules_posix.h"
 #include "host/SettingsKeyMaking.h"
 
 #include <gmock/gmock.h>

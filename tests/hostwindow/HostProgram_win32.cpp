@@ -1,4 +1,4 @@
-#include "tests/hostwindow/HostProgram.h"
+#include "tests/hostwindow/HostProgram_win32.h"
 
 #include "host/window/resource.h"
 #include "tests/ui/DialogDriver_win32.h"

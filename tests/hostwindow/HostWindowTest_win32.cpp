@@ -1,8 +1,8 @@
-#include "tests/hostwindow/HostProgram.h"
-#include "tests/hostwindow/TrialPlugin.h"
+#include "tests/hostwindow/HostProgram_win32.h"
+#include "tests/hostwindow/TrialPlugin_win32.h"
 
 #include "host/InitData.h"
-#include "host/window/HostWindow.h"
+#include "host/window/HostWindow_win32.h"
 #include "host/window/resource.h"
 #include "tests/host/SampleFiles.h"
 #include "tests/host/TemporaryFolder.h"

@@ -1,15 +1,15 @@
 #include <windows.h>
 #include <initguid.h>
 
-#include "tests/hostwindow/TrialPlugin.h"
+#include "tests/hostwindow/TrialPlugin_win32.h"
 
 #include "HVRPublishToFlickr.h"
 #include "HostContract.h"
 
-#include "core/BstrOwner.h"
-#include "core/ClassFactory.h"
-#include "core/ComObject.h"
-#include "core/HandleOwner.h"
+#include "com/BstrOwner.h"
+#include "com/ClassFactory.h"
+#include "com/ComObject.h"
+#include "com/HandleOwner.h"
 #include "host/InitData.h"
 
 #include <commctrl.h>

@@ -55,7 +55,7 @@ Signature ForToken(const std::string &form, const std::string &verifier)
     return signature;
 }
 
-struct Road
+struct Attempt
 {
     RunningService service;
     LoopbackClient client = service.Client();
@@ -76,7 +76,7 @@ struct Road
         return Steps + "authorize?perms=" + permission + "&oauth_token=" + FieldOf(form, "oauth_token");
     }
 
-    // What the person's browser sends, and what it gets; `spoil` changes the form's fields first.
+    // What the user's browser sends, and what it gets; `spoil` changes the form's fields first.
     Answer Decide(
         const std::string &form, const std::string &decision, const std::string &permission = "write",
         const std::function<void(Fields &)> &spoil = [](Fields &) {})
@@ -111,10 +111,10 @@ struct Road
 
 TEST(Authorization, LeadsFromTheApplicationOverTheBrowserToATokenThatPublishes)
 {
-    Road road;
-    const std::string form = road.AskForToken();
+    Attempt attempt;
+    const std::string form = attempt.AskForToken();
     const std::string token = FieldOf(form, "oauth_token");
-    const Answer page = road.client.Get(road.PageAddress(form));
+    const Answer page = attempt.client.Get(attempt.PageAddress(form));
     EXPECT_EQ(page.status, 200);
     EXPECT_THAT(page.body,
                 AllOf(HasSubstr("May Halvora upload photos to your account?"), HasSubstr("Ada Lovelace"),
@@ -125,48 +125,48 @@ TEST(Authorization, LeadsFromTheApplicationOverTheBrowserToATokenThatPublishes)
     EXPECT_THAT(page.headers.at("set-cookie"),
                 AllOf(HasSubstr("HttpOnly"), HasSubstr("SameSite"), HasSubstr("Secure")));
 
-    const Answer granted = road.Decide(form, "allow");
+    const Answer granted = attempt.Decide(form, "allow");
     ASSERT_EQ(granted.status, 302);
     const std::string callback = granted.headers.at("location");
     EXPECT_THAT(callback, StartsWith(MakerCallback + "?oauth_token=" + token + "&oauth_verifier="));
     const std::string verifier = FieldOf(callback, "oauth_verifier");
 
-    EXPECT_EQ(road.client.Get(MakerExchange + token).status, 404) << "the browser isn't there yet";
-    const Answer arrival = road.client.Get(callback);
+    EXPECT_EQ(attempt.client.Get(MakerExchange + token).status, 404) << "the browser isn't there yet";
+    const Answer arrival = attempt.client.Get(callback);
     EXPECT_EQ(arrival.status, 303);
     EXPECT_THAT(arrival.headers.at("location"), Not(HasSubstr(verifier)));
-    EXPECT_THAT(road.client.Get("http://authorization.halvora.example" + arrival.headers.at("location")).body,
+    EXPECT_THAT(attempt.client.Get("http://authorization.halvora.example" + arrival.headers.at("location")).body,
                 HasSubstr("You can return to Halvora now"));
 
-    const Answer exchange = road.client.Get(MakerExchange + token);
+    const Answer exchange = attempt.client.Get(MakerExchange + token);
     EXPECT_THAT(exchange.contentType, StartsWith("text/xml"));
     EXPECT_THAT(exchange.body,
                 AllOf(HasSubstr("<TRNQVerifierExchange>"), HasSubstr("<Verifier>" + verifier + "</Verifier>")));
     // Once and never again, even if the page is loaded again.
-    road.client.Get(callback);
-    EXPECT_THAT(road.client.Get(MakerExchange + token).body,
+    attempt.client.Get(callback);
+    EXPECT_THAT(attempt.client.Get(MakerExchange + token).body,
                 AllOf(HasSubstr("<TRNQVerifierExchange>"), Not(HasSubstr("Verifier>" + verifier))));
 
-    const Answer pair = road.Trade(form, verifier);
+    const Answer pair = attempt.Trade(form, verifier);
     ASSERT_EQ(pair.status, 200) << pair.body;
     EXPECT_EQ(FieldOf(pair.body, "username"), "halvora-demo");
     EXPECT_EQ(FieldOf(pair.body, "fullname"), "Ada Lovelace");
     Signature signature = ForToken(pair.body, "");
     signature.further.clear();
     EXPECT_NE(signature.token, token);
-    EXPECT_THAT(road.client.Rest("flickr.auth.oauth.checkToken", signature).body,
+    EXPECT_THAT(attempt.client.Rest("flickr.auth.oauth.checkToken", signature).body,
                 AllOf(HasSubstr("<perms>write</perms>"), HasSubstr(signature.token)));
-    EXPECT_THAT(road.client.Upload({{"title", "with the new pair"}}, {}, signature).body, HasSubstr("photoid"));
-    EXPECT_EQ(road.Trade(form, verifier).body, "oauth_problem=token_rejected") << "a second time";
+    EXPECT_THAT(attempt.client.Upload({{"title", "with the new pair"}}, {}, signature).body, HasSubstr("photoid"));
+    EXPECT_EQ(attempt.Trade(form, verifier).body, "oauth_problem=token_rejected") << "a second time";
 
     // Nobody who looks at the service from behind learns a secret.
-    const std::string admin = road.client.Admin("authorizations").body + road.client.Admin("tokens").body +
-                              road.client.Admin("requests").body + road.client.Admin("account").body;
+    const std::string admin = attempt.client.Admin("authorizations").body + attempt.client.Admin("tokens").body +
+                              attempt.client.Admin("requests").body + attempt.client.Admin("account").body;
     for (const auto &secret : {verifier, FieldOf(form, "oauth_token_secret"), signature.tokenSecret})
     {
         EXPECT_THAT(admin, Not(HasSubstr(secret)));
     }
-    EXPECT_EQ(road.State(), "\"used\"");
+    EXPECT_EQ(attempt.State(), "\"used\"");
 }
 
 TEST(Authorization, AsksForAWholeAndUsableRequest)
@@ -203,14 +203,14 @@ TEST(Authorization, AsksForAWholeAndUsableRequest)
         {"http", [](Signature &s) { s.signedUrl = "http://www.flickr.com/services/oauth/request_token"; },
          "oauth_problem=signature_invalid"},
     };
-    Road road;
+    Attempt attempt;
     for (const auto &spoilt : cases)
     {
         SCOPED_TRACE(spoilt.what);
         Signature signature = Application();
         signature.further = {{"oauth_callback", MakerCallback}};
         spoilt.spoil(signature);
-        const Answer answer = road.client.Signed(Steps + "request_token", signature);
+        const Answer answer = attempt.client.Signed(Steps + "request_token", signature);
         EXPECT_EQ(answer.status, 401);
         EXPECT_THAT(answer.contentType, StartsWith("text/plain"));
         EXPECT_THAT(answer.body, StartsWith(spoilt.answer));
@@ -218,9 +218,9 @@ TEST(Authorization, AsksForAWholeAndUsableRequest)
     Signature again = Application();
     again.further = {{"oauth_callback", "oob"}};
     again.nonce = "once";
-    EXPECT_EQ(road.client.Signed(Steps + "request_token", again).status, 200);
-    EXPECT_EQ(road.client.Signed(Steps + "request_token", again).body, "oauth_problem=nonce_used");
-    EXPECT_THAT(road.client.Signed("http://www.flickr.com/services/oauth/request_token", again).body,
+    EXPECT_EQ(attempt.client.Signed(Steps + "request_token", again).status, 200);
+    EXPECT_EQ(attempt.client.Signed(Steps + "request_token", again).body, "oauth_problem=nonce_used");
+    EXPECT_THAT(attempt.client.Signed("http://www.flickr.com/services/oauth/request_token", again).body,
                 HasSubstr("code=\"95\""));
 }
 
@@ -230,27 +230,27 @@ TEST(Authorization, TradesOnlyAGrantedTokenWithItsOwnVerifierInTime)
     {
         const char *what;
         // Goes as far as the case does; the verifier that is then tried.
-        std::function<std::string(Road &, const std::string &form)> prepare;
+        std::function<std::string(Attempt &, const std::string &form)> prepare;
         std::function<void(Signature &)> spoil;
         const char *answer;
     };
     const auto nothing = [](Signature &) {};
-    const auto grant = [](Road &road, const std::string &form) { return road.Verifier(form); };
+    const auto grant = [](Attempt &attempt, const std::string &form) { return attempt.Verifier(form); };
     const Case cases[] = {
-        {"too early", [](Road &, const std::string &) { return std::string("0123456789abcdef"); }, nothing,
+        {"too early", [](Attempt &, const std::string &) { return std::string("0123456789abcdef"); }, nothing,
          "oauth_problem=verifier_invalid"},
-        {"too early, empty", [](Road &, const std::string &) { return std::string(); }, nothing,
+        {"too early, empty", [](Attempt &, const std::string &) { return std::string(); }, nothing,
          "oauth_problem=verifier_invalid"},
         {"denied",
-         [](Road &road, const std::string &form) {
-             road.Decide(form, "deny");
+         [](Attempt &attempt, const std::string &form) {
+             attempt.Decide(form, "deny");
              return std::string("0123456789abcdef");
          },
          nothing, "oauth_problem=token_rejected"},
         {"another's verifier",
-         [](Road &road, const std::string &form) {
-             road.Verifier(form);
-             return road.Verifier(road.AskForToken());
+         [](Attempt &attempt, const std::string &form) {
+             attempt.Verifier(form);
+             return attempt.Verifier(attempt.AskForToken());
          },
          nothing, "oauth_problem=verifier_invalid"},
         {"no verifier", grant, [](Signature &s) { s.further.clear(); },
@@ -270,9 +270,9 @@ TEST(Authorization, TradesOnlyAGrantedTokenWithItsOwnVerifierInTime)
          },
          "oauth_problem=token_rejected"},
         {"late",
-         [](Road &road, const std::string &form) {
-             const std::string verifier = road.Verifier(form);
-             road.client.Admin("authorizations/advance", {{"seconds", "601"}});
+         [](Attempt &attempt, const std::string &form) {
+             const std::string verifier = attempt.Verifier(form);
+             attempt.client.Admin("authorizations/advance", {{"seconds", "601"}});
              return verifier;
          },
          nothing, "oauth_problem=token_rejected"},
@@ -280,12 +280,12 @@ TEST(Authorization, TradesOnlyAGrantedTokenWithItsOwnVerifierInTime)
     for (const auto &spoilt : cases)
     {
         SCOPED_TRACE(spoilt.what);
-        Road road;
-        road.client.Admin("consumers", {{"key", "other"}, {"secret", "other secret"}});
-        const std::string form = road.AskForToken();
-        Signature signature = ForToken(form, spoilt.prepare(road, form));
+        Attempt attempt;
+        attempt.client.Admin("consumers", {{"key", "other"}, {"secret", "other secret"}});
+        const std::string form = attempt.AskForToken();
+        Signature signature = ForToken(form, spoilt.prepare(attempt, form));
         spoilt.spoil(signature);
-        const Answer answer = road.client.Signed(Steps + "access_token", signature);
+        const Answer answer = attempt.client.Signed(Steps + "access_token", signature);
         EXPECT_EQ(answer.status, 401);
         EXPECT_THAT(answer.body, StartsWith(spoilt.answer));
         EXPECT_THAT(answer.body, Not(HasSubstr("oauth_token_secret")));
@@ -294,18 +294,18 @@ TEST(Authorization, TradesOnlyAGrantedTokenWithItsOwnVerifierInTime)
 
 TEST(Authorization, AWrongVerifierDoesNotSpoilTheRightOne)
 {
-    Road road;
-    const std::string form = road.AskForToken();
-    const std::string verifier = road.Verifier(form);
-    EXPECT_EQ(road.Trade(form, "0000000000000000").body, "oauth_problem=verifier_invalid");
-    EXPECT_EQ(road.Trade(form, verifier).status, 200);
+    Attempt attempt;
+    const std::string form = attempt.AskForToken();
+    const std::string verifier = attempt.Verifier(form);
+    EXPECT_EQ(attempt.Trade(form, "0000000000000000").body, "oauth_problem=verifier_invalid");
+    EXPECT_EQ(attempt.Trade(form, verifier).status, 200);
 }
 
 TEST(Authorization, GivesTheAccessTokenOnceEvenToTheHasty)
 {
-    Road road;
-    const std::string form = road.AskForToken();
-    const std::string verifier = road.Verifier(form);
+    Attempt attempt;
+    const std::string form = attempt.AskForToken();
+    const std::string verifier = attempt.Verifier(form);
     std::atomic<int> given = 0;
     std::vector<std::thread> traders;
     for (int i = 0; i < 8; ++i)
@@ -313,7 +313,7 @@ TEST(Authorization, GivesTheAccessTokenOnceEvenToTheHasty)
         Signature signature = ForToken(form, verifier);
         signature.nonce = "hasty-" + std::to_string(i);
         traders.emplace_back([&, signature] {
-            given += road.service.Client().Signed(Steps + "access_token", signature).status == 200 ? 1 : 0;
+            given += attempt.service.Client().Signed(Steps + "access_token", signature).status == 200 ? 1 : 0;
         });
     }
     for (auto &trader : traders)
@@ -336,20 +336,22 @@ TEST(Authorization, KeepsThePermissionAndTheApplicationWithTheToken)
           Case{"delete", true, "upload and delete photos in your account?"}})
     {
         SCOPED_TRACE(permission);
-        Road road;
-        const std::string form = road.AskForToken();
-        EXPECT_THAT(road.client.Get(road.PageAddress(form, permission)).body, HasSubstr(question));
-        const Answer granted = road.Decide(form, "allow", permission);
-        const std::string pair = road.Trade(form, FieldOf(granted.headers.at("location"), "oauth_verifier")).body;
+        Attempt attempt;
+        const std::string form = attempt.AskForToken();
+        EXPECT_THAT(attempt.client.Get(attempt.PageAddress(form, permission)).body, HasSubstr(question));
+        const Answer granted = attempt.Decide(form, "allow", permission);
+        const std::string pair =
+            attempt.Trade(form, FieldOf(granted.headers.at("location"), "oauth_verifier")).body;
         Signature signature = ForToken(pair, "");
         signature.further.clear();
-        EXPECT_THAT(road.client.Rest("flickr.auth.oauth.checkToken", signature).body,
+        EXPECT_THAT(attempt.client.Rest("flickr.auth.oauth.checkToken", signature).body,
                     HasSubstr(std::string("<perms>") + permission + "</perms>"));
-        EXPECT_THAT(road.client.Upload({}, {}, signature).body, HasSubstr(mayUpload ? "photoid" : "code=\"99\""));
-        road.client.Admin("consumers", {{"key", "other"}, {"secret", "other secret"}});
+        EXPECT_THAT(attempt.client.Upload({}, {}, signature).body,
+                    HasSubstr(mayUpload ? "photoid" : "code=\"99\""));
+        attempt.client.Admin("consumers", {{"key", "other"}, {"secret", "other secret"}});
         signature.consumerKey = "other";
         signature.consumerSecret = "other secret";
-        EXPECT_EQ(road.client.Rest("flickr.test.login", signature).body, "oauth_problem=token_rejected");
+        EXPECT_EQ(attempt.client.Rest("flickr.test.login", signature).body, "oauth_problem=token_rejected");
     }
 }
 
@@ -376,17 +378,17 @@ TEST(Authorization, TheAnswerCountsOnlyFromThePageAsThisBrowserShowsIt)
         {"no decision", set("decision", ""), 200, "upload photos to your account?"},
         {"another token", set("oauth_token", "72157000000000000-0000000000000000"), 404, "known here"},
     };
-    Road road;
-    const std::string form = road.AskForToken();
+    Attempt attempt;
+    const std::string form = attempt.AskForToken();
     for (const auto &spoilt : cases)
     {
         SCOPED_TRACE(spoilt.what);
-        const Answer answer = road.Decide(form, "allow", "write", spoilt.spoil);
+        const Answer answer = attempt.Decide(form, "allow", "write", spoilt.spoil);
         EXPECT_EQ(answer.status, spoilt.status);
         EXPECT_THAT(answer.body, HasSubstr(spoilt.words));
-        EXPECT_EQ(road.State(), "\"pending\"");
+        EXPECT_EQ(attempt.State(), "\"pending\"");
     }
-    const Answer page = road.client.Get(road.PageAddress(form));
+    const Answer page = attempt.client.Get(attempt.PageAddress(form));
     const Fields fields = {{"decision", "allow"},
                            {"user", "halvora-demo"},
                            {"perms", "write"},
@@ -395,79 +397,81 @@ TEST(Authorization, TheAnswerCountsOnlyFromThePageAsThisBrowserShowsIt)
     for (const char *header :
          {"", "Cookie: visitor=00000000000000000000000000000000", "Origin: https://evil.example"})
     {
-        EXPECT_EQ(road.client.Post(Steps + "authorize", fields, header).status, 403) << header;
+        EXPECT_EQ(attempt.client.Post(Steps + "authorize", fields, header).status, 403) << header;
     }
-    EXPECT_EQ(road.State(), "\"pending\"");
+    EXPECT_EQ(attempt.State(), "\"pending\"");
 }
 
 TEST(Authorization, SaysWhyThereIsNothingToAnswer)
 {
     struct Case
     {
-        std::function<void(Road &, const std::string &)> prepare;
+        std::function<void(Attempt &, const std::string &)> prepare;
         const char *query;
         long status;
         const char *words;
         const char *state;
     };
     const Case cases[] = {
-        {[](Road &, const std::string &) {}, "", 404, "known here", "\"pending\""},
-        {[](Road &, const std::string &) {}, "oauth_token=%00%3Cb%3E", 404, "known here", "\"pending\""},
-        {[](Road &, const std::string &) {}, "perms=everything&oauth_token=", 400, "doesn’t exist", "\"pending\""},
-        {[](Road &road, const std::string &form) { road.Decide(form, "deny"); }, "perms=write&oauth_token=", 410,
-         "You have already said no", "\"denied\""},
-        {[](Road &road, const std::string &form) { road.Decide(form, "allow"); }, "perms=write&oauth_token=", 410,
-         "You have already allowed this", "\"granted\""},
-        {[](Road &road, const std::string &) {
-             road.client.Admin("authorizations/advance", {{"seconds", "600"}});
+        {[](Attempt &, const std::string &) {}, "", 404, "known here", "\"pending\""},
+        {[](Attempt &, const std::string &) {}, "oauth_token=%00%3Cb%3E", 404, "known here", "\"pending\""},
+        {[](Attempt &, const std::string &) {}, "perms=everything&oauth_token=", 400, "doesn’t exist",
+         "\"pending\""},
+        {[](Attempt &attempt, const std::string &form) { attempt.Decide(form, "deny"); },
+         "perms=write&oauth_token=", 410, "You have already said no", "\"denied\""},
+        {[](Attempt &attempt, const std::string &form) { attempt.Decide(form, "allow"); },
+         "perms=write&oauth_token=", 410, "You have already allowed this", "\"granted\""},
+        {[](Attempt &attempt, const std::string &) {
+             attempt.client.Admin("authorizations/advance", {{"seconds", "600"}});
          },
          "perms=write&oauth_token=", 410, "time for this question is over", "\"expired\""},
-        {[](Road &road, const std::string &) {
-             road.client.Admin("account", {{"request_token_seconds", "0"}});
+        {[](Attempt &attempt, const std::string &) {
+             attempt.client.Admin("account", {{"request_token_seconds", "0"}});
          },
          "perms=write&oauth_token=", 410, "time for this question is over", "\"expired\""},
     };
     for (const auto &reason : cases)
     {
         SCOPED_TRACE(std::string(reason.words) + reason.query);
-        Road road;
-        const std::string form = road.AskForToken();
-        reason.prepare(road, form);
+        Attempt attempt;
+        const std::string form = attempt.AskForToken();
+        reason.prepare(attempt, form);
         std::string query = reason.query;
         query += query.ends_with('=') ? FieldOf(form, "oauth_token") : "";
-        const Answer answer = road.client.Get(Steps + "authorize?" + query);
+        const Answer answer = attempt.client.Get(Steps + "authorize?" + query);
         EXPECT_EQ(answer.status, reason.status);
         EXPECT_THAT(answer.body, HasSubstr(reason.words));
-        EXPECT_EQ(road.State(), reason.state);
+        EXPECT_EQ(attempt.State(), reason.state);
     }
 }
 
 TEST(Authorization, ADenialGrantsNothingAndCallsNobody)
 {
-    Road road;
-    const std::string form = road.AskForToken();
+    Attempt attempt;
+    const std::string form = attempt.AskForToken();
     // Not even a name is needed to say no.
-    const Answer denied = road.Decide(form, "deny", "write", [](Fields &fields) { fields[1].second = ""; });
+    const Answer denied = attempt.Decide(form, "deny", "write", [](Fields &fields) { fields[1].second = ""; });
     EXPECT_EQ(denied.status, 200);
     EXPECT_FALSE(denied.headers.contains("location"));
     EXPECT_THAT(denied.body, HasSubstr("Nothing was granted"));
-    EXPECT_EQ(road.Decide(road.AskForToken(), "allow").status, 302) << "the next time is a new one";
-    EXPECT_THAT(road.client.Get(MakerExchange + FieldOf(form, "oauth_token")).body, Not(HasSubstr("<Verifier>")));
+    EXPECT_EQ(attempt.Decide(attempt.AskForToken(), "allow").status, 302) << "the next time is a new one";
+    EXPECT_THAT(attempt.client.Get(MakerExchange + FieldOf(form, "oauth_token")).body,
+                Not(HasSubstr("<Verifier>")));
 }
 
-TEST(Authorization, AProgramWithoutACallbackGetsItsCodeThroughThePerson)
+TEST(Authorization, AProgramWithoutACallbackGetsItsCodeThroughTheUser)
 {
-    Road road;
-    const std::string form = road.AskForToken("oob");
-    const Answer page = road.Decide(form, "allow");
+    Attempt attempt;
+    const std::string form = attempt.AskForToken("oob");
+    const Answer page = attempt.Decide(form, "allow");
     EXPECT_EQ(page.status, 200);
     const auto begin = page.body.find("class=\"code\">") + 13;
-    EXPECT_EQ(road.Trade(form, page.body.substr(begin, page.body.find('<', begin) - begin)).status, 200);
+    EXPECT_EQ(attempt.Trade(form, page.body.substr(begin, page.body.find('<', begin) - begin)).status, 200);
 }
 
 TEST(Authorization, TheMakersEndpointKeepsOnlyWhatItWasSentAndOnlyForAWhile)
 {
-    Road road;
+    Attempt attempt;
     const std::string secure = "https://authorization.halvora.example/flickr/authorization";
     for (const auto &[query, status] : {std::pair{"", 400L},
                                         {"?oauth_token=&oauth_verifier=v", 400L},
@@ -477,32 +481,32 @@ TEST(Authorization, TheMakersEndpointKeepsOnlyWhatItWasSentAndOnlyForAWhile)
                                         {"?oauth_token=t", 404L},
                                         {"/other", 404L}})
     {
-        const Answer answer = road.client.Get(secure + query);
+        const Answer answer = attempt.client.Get(secure + query);
         EXPECT_EQ(answer.status, status) << query;
         EXPECT_THAT(answer.body, Not(HasSubstr("<Verifier>"))) << query;
     }
-    road.client.Get(MakerCallback + "?oauth_token=t&oauth_verifier=first%3C");
-    road.client.Get(MakerCallback + "?oauth_token=t&oauth_verifier=second");
-    EXPECT_EQ(road.client.Get(MakerCallback + "?oauth_token=t").status, 403) << "not in plain";
-    EXPECT_EQ(road.client.Head(secure + "?oauth_token=t").status, 405) << "a look at the headers takes nothing";
-    EXPECT_THAT(road.client.Get(secure + "?oauth_token=t").body, HasSubstr("<Verifier>first&lt;</Verifier>"));
-    road.client.Get(MakerCallback + "?oauth_token=u&oauth_verifier=v");
-    road.client.Admin("authorizations/advance", {{"seconds", "600"}});
-    EXPECT_EQ(road.client.Get(secure + "?oauth_token=u").status, 404);
-    EXPECT_EQ(road.client.Admin("authorizations/advance", {{"seconds", "-1"}}).status, 400);
+    attempt.client.Get(MakerCallback + "?oauth_token=t&oauth_verifier=first%3C");
+    attempt.client.Get(MakerCallback + "?oauth_token=t&oauth_verifier=second");
+    EXPECT_EQ(attempt.client.Get(MakerCallback + "?oauth_token=t").status, 403) << "not in plain";
+    EXPECT_EQ(attempt.client.Head(secure + "?oauth_token=t").status, 405) << "a look at the headers takes nothing";
+    EXPECT_THAT(attempt.client.Get(secure + "?oauth_token=t").body, HasSubstr("<Verifier>first&lt;</Verifier>"));
+    attempt.client.Get(MakerCallback + "?oauth_token=u&oauth_verifier=v");
+    attempt.client.Admin("authorizations/advance", {{"seconds", "600"}});
+    EXPECT_EQ(attempt.client.Get(secure + "?oauth_token=u").status, 404);
+    EXPECT_EQ(attempt.client.Admin("authorizations/advance", {{"seconds", "-1"}}).status, 400);
 }
 
 TEST(Authorization, CanBeMadeToFailAtEachParty)
 {
-    Road road;
-    road.client.Admin("faults", {{"kind", "garbage"}, {"target", "maker"}});
-    road.client.Admin("faults", {{"kind", "status"}, {"target", "oauth"}, {"status", "503"}});
-    EXPECT_THAT(road.client.Get(MakerExchange + "t").body, Not(HasSubstr("TRNQVerifierExchange")));
+    Attempt attempt;
+    attempt.client.Admin("faults", {{"kind", "garbage"}, {"target", "maker"}});
+    attempt.client.Admin("faults", {{"kind", "status"}, {"target", "oauth"}, {"status", "503"}});
+    EXPECT_THAT(attempt.client.Get(MakerExchange + "t").body, Not(HasSubstr("TRNQVerifierExchange")));
     Signature signature = Application();
     signature.further = {{"oauth_callback", MakerCallback}};
-    EXPECT_EQ(road.client.Signed(Steps + "request_token", signature).status, 503);
-    EXPECT_THAT(road.client.Get(MakerExchange + "t").body, HasSubstr("TRNQVerifierExchange"));
-    EXPECT_FALSE(road.AskForToken().empty());
+    EXPECT_EQ(attempt.client.Signed(Steps + "request_token", signature).status, 503);
+    EXPECT_THAT(attempt.client.Get(MakerExchange + "t").body, HasSubstr("TRNQVerifierExchange"));
+    EXPECT_FALSE(attempt.AskForToken().empty());
 }
 
 TEST(Authorization, OutlivesTheService)

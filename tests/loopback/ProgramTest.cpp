@@ -1,4 +1,4 @@
-// The program as a person or a script runs it.
+// The program as a user or a script runs it.
 #include "LoopbackClient.h"
 
 #include <gmock/gmock.h>

@@ -10,7 +10,7 @@ picture=/usr/share/backgrounds/mate/nature/Dune.jpg
 trial=$(mktemp -d)
 trap 'rm -rf "$trial"' EXIT
 cp "$package" "$trial/halvora.deb"
-cp "$here/InstalledRoad.sh" "$trial/InstalledRoad.sh"
+cp "$here/InstalledPrograms.sh" "$trial/InstalledPrograms.sh"
 cp "$picture" "$trial/picture.jpg"
 cat >"$trial/try.sh" <<'TRY'
 set -eu
@@ -18,9 +18,9 @@ export DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8
 find /usr /etc /var/lib/halvora 2>/dev/null | sort >/trial/before || true
 apt-get install -y -q -o APT::Install-Recommends=true /trial/halvora.deb >/trial/apt.log 2>&1 || { cat /trial/apt.log; exit 1; }
 for needed in xdg-open proxy; do command -v $needed >/dev/null || { echo "FAILED: no $needed came along"; exit 1; }; done
-useradd --create-home person
-su person -c 'bash /trial/InstalledRoad.sh /usr/bin /trial/picture.jpg'
-[ ! -e /home/person/.local ] || { echo 'FAILED: something was written beside the profile'; exit 1; }
+useradd --create-home user
+su user -c 'bash /trial/InstalledPrograms.sh /usr/bin /trial/picture.jpg'
+[ ! -e /home/user/.local ] || { echo 'FAILED: something was written beside the profile'; exit 1; }
 apt-get purge -y -q halvora >/dev/null
 ! find / -xdev -path /trial -prune -o -path /proc -prune -o -path '*halvora*' -print | grep -v '^/trial$' |
     grep . || { echo 'FAILED: something stays behind'; exit 1; }

@@ -63,5 +63,5 @@ for page in halvora flickr-loopback; do
     [ -z "$warnings" ] || fail "man page $page: $warnings"
     grep -qF "halvora $version" "$work/page" || fail "the man page $page tells another version"
 done
-"$here/InstalledRoad.sh" "$unpacked/usr/bin" /usr/share/backgrounds/mate/nature/Dune.jpg
+"$here/InstalledPrograms.sh" "$unpacked/usr/bin" /usr/share/backgrounds/mate/nature/Dune.jpg
 echo 'The package holds what it promises.'

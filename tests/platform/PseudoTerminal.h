@@ -1,4 +1,4 @@
-// A person at a terminal, for code that asks one: the code runs in a child process whose terminal is
+// A user at a terminal, for code that asks one: the code runs in a child process whose terminal is
 // ours, so that we read its screen and type its keys.
 #pragma once
 

@@ -1,8 +1,8 @@
-// Configure as a person meets it: through the dialogs on the screen.
-#include "core/BstrOwner.h"
+// Configure as a user meets it: through the dialogs on the screen.
+#include "com/BstrOwner.h"
 #include "plugin/FlickrPublisher.h"
 #include "tests/doubles/FakeXmlHttp.h"
-#include "tests/doubles/PublishWorld.h"
+#include "tests/doubles/PublishFixture.h"
 #include "tests/ui/DialogDriver_win32.h"
 
 #include <commctrl.h>
@@ -19,7 +19,7 @@ protected:
         ASSERT_EQ(
             CFlickrPublisher::CreateInstance(nullptr, __uuidof(IHalvoraPublishingPlugin), m_plugin.PutVoid()),
             S_OK);
-        ASSERT_EQ(m_plugin->Initialize(m_world.Host.Get(), 0, m_world.Stream.Get(), 0), S_OK);
+        ASSERT_EQ(m_plugin->Initialize(m_fixture.Host.Get(), 0, m_fixture.Stream.Get(), 0), S_OK);
     }
     void TearDown() override
     {
@@ -40,7 +40,7 @@ protected:
     {
         EXPECT_EQ(m_plugin->Terminate(), S_OK);
         std::string ascii;
-        for (const char byte : m_world.Stream->Content)
+        for (const char byte : m_fixture.Stream->Content)
         {
             if (byte >= 0x20)
             {
@@ -57,8 +57,8 @@ protected:
 
     HMODULE m_controls = nullptr;
     OwnerWindow m_owner;
-    PublishWorld m_world;
-    FakeXmlHttp m_http{m_world.Record};
+    PublishFixture m_fixture;
+    FakeXmlHttp m_http{m_fixture.Record};
     ComPtr<IHalvoraPublishingPlugin> m_plugin;
 };
 } // namespace
@@ -68,12 +68,12 @@ TEST_F(ConfigureDialogs, AVerbCountsInWhateverCaseAndARefusalChangesNothing)
     const DialogDriver driver(TEXT("Authorize Halvora Professional"), Pressing(IDCANCEL));
     EXPECT_EQ(Configure(TEXT("AUTHORIZE")), S_FALSE);
     EXPECT_EQ(m_plugin->CanPublish(nullptr, FALSE), S_OK);
-    EXPECT_TRUE(m_world.Web.CallsOf("GetAuthorizationUrl").empty());
+    EXPECT_TRUE(m_fixture.Web.CallsOf("GetAuthorizationUrl").empty());
 }
 
 TEST_F(ConfigureDialogs, AServiceThatIsNotReachedIsToldInTheMiddleOfTheOwner)
 {
-    m_world.Web.FailOperation("GetAuthorizationUrl", E_ACCESSDENIED);
+    m_fixture.Web.FailOperation("GetAuthorizationUrl", E_ACCESSDENIED);
     const DialogDriver consent(TEXT("Authorize Halvora Professional"), Pressing(1));
     const DialogDriver message(TEXT("Authorization Error"), [this](HWND dialog) {
         const WideText texts = TextsOf(dialog);
@@ -88,14 +88,14 @@ TEST_F(ConfigureDialogs, AServiceThatIsNotReachedIsToldInTheMiddleOfTheOwner)
     EXPECT_EQ(m_plugin->CanPublish(nullptr, FALSE), S_OK) << "the earlier pair stays";
 }
 
-TEST_F(ConfigureDialogs, TheWholeRoadEndsInTheStream)
+TEST_F(ConfigureDialogs, AuthorizingFromEndToEndStoresThePair)
 {
     // A scheme that nothing opens: no browser starts, which isn't noticed.
-    m_world.Web.AuthorizationUrl = TEXT("halvora-test-nothing:?oauth_token=rt");
+    m_fixture.Web.AuthorizationUrl = TEXT("halvora-test-nothing:?oauth_token=rt");
     m_http.Answer(TEXT("<TRNQVerifierExchange><Verifier>v</Verifier></TRNQVerifierExchange>"));
-    m_world.Web.Answer(TEXT("<rsp stat='ok'><oauth><user username='jdoe' fullname='Jane Doe'/></oauth></rsp>"));
-    m_world.Web.Answer(TEXT("<rsp stat='ok'><user url='https://photos/jdoe/'/></rsp>"));
-    m_world.Web.Answer(TEXT("<rsp stat='ok'><user ispro='1'><filesize maxbytes='1'/></user></rsp>"));
+    m_fixture.Web.Answer(TEXT("<rsp stat='ok'><oauth><user username='jdoe' fullname='Jane Doe'/></oauth></rsp>"));
+    m_fixture.Web.Answer(TEXT("<rsp stat='ok'><user url='https://photos/jdoe/'/></rsp>"));
+    m_fixture.Web.Answer(TEXT("<rsp stat='ok'><user ispro='1'><filesize maxbytes='1'/></user></rsp>"));
     const ULONGLONG start = GetTickCount64();
     const DialogDriver consent(TEXT("Authorize Halvora Professional"), Pressing(1));
     const DialogDriver completion(TEXT("Authorization Completion"), [start](HWND dialog) {

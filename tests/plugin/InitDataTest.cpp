@@ -1,7 +1,7 @@
 #include "plugin/InitDataStream.h"
 
 #include "account/AccountRecord.h"
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "tests/doubles/CallRecord.h"
 #include "tests/doubles/MemoryStream.h"
 

@@ -1,10 +1,10 @@
 // The object as COM and the host see it outside a run.
-#include "core/BstrOwner.h"
-#include "core/ModuleLocks.h"
+#include "com/BstrOwner.h"
+#include "com/ModuleLocks.h"
 #include "plugin/FlickrModule.h"
 #include "plugin/FlickrPublisher.h"
 #include "plugin/UsageMetrics.h"
-#include "tests/doubles/PublishWorld.h"
+#include "tests/doubles/PublishFixture.h"
 
 #include <gmock/gmock.h>
 
@@ -126,75 +126,75 @@ TEST(Lifecycle, AModuleThatIsNotSetUpGivesNoClassObject)
 
 TEST(Lifecycle, ChecksTheHostAndTakesItOnce)
 {
-    PublishWorld world;
+    PublishFixture fixture;
     const Plugin plugin = CreatePlugin();
-    EXPECT_EQ(plugin->Initialize(nullptr, 0, world.Stream.Get(), 0), E_INVALIDARG);
-    EXPECT_EQ(plugin->Initialize(world.Stream.Get(), 0, world.Stream.Get(), 0), E_INVALIDARG);
-    EXPECT_EQ(plugin->Initialize(world.Host.Get(), 0, nullptr, 0), S_OK);
-    const size_t calls = world.Stream->Calls.size();
+    EXPECT_EQ(plugin->Initialize(nullptr, 0, fixture.Stream.Get(), 0), E_INVALIDARG);
+    EXPECT_EQ(plugin->Initialize(fixture.Stream.Get(), 0, fixture.Stream.Get(), 0), E_INVALIDARG);
+    EXPECT_EQ(plugin->Initialize(fixture.Host.Get(), 0, nullptr, 0), S_OK);
+    const size_t calls = fixture.Stream->Calls.size();
     EXPECT_EQ(plugin->Terminate(), S_OK);
-    EXPECT_EQ(world.Stream->Calls.size(), calls) << "no stream, nothing written";
+    EXPECT_EQ(fixture.Stream->Calls.size(), calls) << "no stream, nothing written";
     EXPECT_TRUE(gUsageMetrics);
-    EXPECT_EQ(plugin->Publish(world.Windows.Bar(), world.Windows.StatusText()), E_UNEXPECTED);
+    EXPECT_EQ(plugin->Publish(fixture.Windows.Bar(), fixture.Windows.StatusText()), E_UNEXPECTED);
 
-    world.Host->AddRef();
-    const ULONG references = world.Host->Release();
-    EXPECT_EQ(plugin->Initialize(world.Host.Get(), 0, world.Stream.Get(), 0), S_OK);
-    world.Host->AddRef();
-    EXPECT_EQ(world.Host->Release(), references);
+    fixture.Host->AddRef();
+    const ULONG references = fixture.Host->Release();
+    EXPECT_EQ(plugin->Initialize(fixture.Host.Get(), 0, fixture.Stream.Get(), 0), S_OK);
+    fixture.Host->AddRef();
+    EXPECT_EQ(fixture.Host->Release(), references);
     EXPECT_EQ(plugin->Terminate(), S_OK);
     EXPECT_FALSE(gUsageMetrics);
-    EXPECT_EQ(world.Stream->Content, PublishWorld::AuthorizedInitData());
+    EXPECT_EQ(fixture.Stream->Content, PublishFixture::AuthorizedInitData());
 }
 
 TEST(Lifecycle, AFailingStreamKeepsHostAndCounterAsTheyWere)
 {
-    PublishWorld world;
+    PublishFixture fixture;
     const Plugin plugin = CreatePlugin();
-    world.Stream->Content.resize(10);
-    EXPECT_EQ(plugin->Initialize(world.Host.Get(), 0, world.Stream.Get(), 0), E_FAIL);
+    fixture.Stream->Content.resize(10);
+    EXPECT_EQ(plugin->Initialize(fixture.Host.Get(), 0, fixture.Stream.Get(), 0), E_FAIL);
     EXPECT_FALSE(gUsageMetrics);
     EXPECT_EQ(plugin->CanPublish(nullptr, FALSE), S_FALSE) << "initialized, not authorized";
 }
 
 TEST(Lifecycle, ConfigureChecksBeforeItLooksAtTheVerb)
 {
-    PublishWorld world;
+    PublishFixture fixture;
     const Plugin plugin = CreatePlugin();
     WCHAR text[] = TEXT("other");
-    const HWND window = world.Windows.Bar();
+    const HWND window = fixture.Windows.Bar();
     EXPECT_EQ(plugin->Configure(window, text, text), E_UNEXPECTED);
-    ASSERT_EQ(plugin->Initialize(world.Host.Get(), 0, world.Stream.Get(), 0), S_OK);
+    ASSERT_EQ(plugin->Initialize(fixture.Host.Get(), 0, fixture.Stream.Get(), 0), S_OK);
     EXPECT_EQ(plugin->Configure(nullptr, text, text), E_INVALIDARG);
     EXPECT_EQ(plugin->Configure(window, nullptr, text), E_INVALIDARG);
     EXPECT_EQ(plugin->Configure(window, text, nullptr), E_INVALIDARG);
     WCHAR empty[] = TEXT("");
     EXPECT_EQ(plugin->Configure(window, text, empty), S_OK) << "an unknown verb has no effect";
     EXPECT_EQ(plugin->Configure(window, empty, empty), S_OK);
-    EXPECT_TRUE(world.Web.CallsOf("GetAuthorizationUrl").empty());
-    world.Web.FailOperation("SetService", E_FAIL);
+    EXPECT_TRUE(fixture.Web.CallsOf("GetAuthorizationUrl").empty());
+    fixture.Web.FailOperation("SetService", E_FAIL);
     EXPECT_EQ(plugin->Configure(window, text, text), E_UNEXPECTED);
     EXPECT_EQ(plugin->Terminate(), S_OK);
 }
 
 TEST(Lifecycle, CanPublishAsksTheServiceOnlyIfItIsTold)
 {
-    PublishWorld world;
+    PublishFixture fixture;
     const Plugin plugin = CreatePlugin();
     EXPECT_EQ(plugin->CanPublish(nullptr, FALSE), E_UNEXPECTED);
-    ASSERT_EQ(plugin->Initialize(world.Host.Get(), 0, world.Stream.Get(), 0), S_OK);
+    ASSERT_EQ(plugin->Initialize(fixture.Host.Get(), 0, fixture.Stream.Get(), 0), S_OK);
     EXPECT_EQ(plugin->CanPublish(nullptr, FALSE), S_OK);
-    EXPECT_TRUE(world.Web.Operations().empty());
+    EXPECT_TRUE(fixture.Web.Operations().empty());
     const WCHAR *const user = TEXT("<rsp stat=\"ok\"><user ispro=\"0\"><filesize maxbytes=\"9\"/>"
                                    "<bandwidth maxbytes=\"10\" usedbytes=\"%d\"/></user></rsp>");
     const std::pair<const WCHAR *, HRESULT> cases[] = {{TEXT("4"), S_OK}, {TEXT("10"), S_FALSE}};
     for (const auto &[used, result] : cases)
     {
         WideText reply(user);
-        world.Web.Answer(reply.replace(reply.find(TEXT("%d")), 2, used));
+        fixture.Web.Answer(reply.replace(reply.find(TEXT("%d")), 2, used));
         EXPECT_EQ(plugin->CanPublish(nullptr, TRUE), result);
     }
-    world.Web.AnswerWith(E_FAIL, nullptr);
+    fixture.Web.AnswerWith(E_FAIL, nullptr);
     EXPECT_EQ(plugin->CanPublish(nullptr, TRUE), S_FALSE);
     EXPECT_EQ(plugin->Terminate(), S_OK);
 }

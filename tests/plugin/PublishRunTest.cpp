@@ -1,7 +1,7 @@
 // Runs, through the interface that the host has.
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "plugin/FlickrPublisher.h"
-#include "tests/doubles/PublishWorld.h"
+#include "tests/doubles/PublishFixture.h"
 #include "tests/doubles/ReplyDocuments.h"
 
 #include <gmock/gmock.h>
@@ -24,7 +24,7 @@ protected:
     {
         ASSERT_EQ(CFlickrPublisher::CreateInstance(nullptr, __uuidof(IHalvoraPublishingPlugin), Plugin.PutVoid()),
                   S_OK);
-        ASSERT_EQ(Plugin->Initialize(World.Host.Get(), 1033, World.Stream.Get(), 0), S_OK);
+        ASSERT_EQ(Plugin->Initialize(Fixture.Host.Get(), 1033, Fixture.Stream.Get(), 0), S_OK);
     }
 
     void TearDown() override { EXPECT_EQ(Plugin->Terminate(), S_OK); }
@@ -33,21 +33,21 @@ protected:
     {
         for (int i = 0; i < count; ++i)
         {
-            World.AddItem("p" + std::to_string(i), TEXT("jpg"), JpegBytes);
+            Fixture.AddItem("p" + std::to_string(i), TEXT("jpg"), JpegBytes);
         }
     }
 
-    void Publish() { EXPECT_EQ(Plugin->Publish(World.Windows.Bar(), World.Windows.StatusText()), S_OK); }
+    void Publish() { EXPECT_EQ(Plugin->Publish(Fixture.Windows.Bar(), Fixture.Windows.StatusText()), S_OK); }
 
-    Lines Log(const char *level) const { return World.Record.LinesOf(std::string("log ") + level + " "); }
+    Lines Log(const char *level) const { return Fixture.Record.LinesOf(std::string("log ") + level + " "); }
     std::string LastStatus() const
     {
-        const Lines lines = World.Record.LinesOf("status ");
+        const Lines lines = Fixture.Record.LinesOf("status ");
         return lines.empty() ? "" : lines.back();
     }
-    std::string LastState() const { return World.Record.LinesOf("bar state ").back(); }
+    std::string LastState() const { return Fixture.Record.LinesOf("bar state ").back(); }
 
-    PublishWorld World;
+    PublishFixture Fixture;
     ComPtr<IHalvoraPublishingPlugin> Plugin;
 };
 } // namespace
@@ -55,10 +55,10 @@ protected:
 TEST_F(PublishRun, TellsItsCourseToLogStatusAndBar)
 {
     AddPictures(2);
-    World.Web.Answer(OkReply);
-    World.Web.Answer(OkReply);
+    Fixture.Web.Answer(OkReply);
+    Fixture.Web.Answer(OkReply);
     Publish();
-    EXPECT_THAT(World.Record.Lines(),
+    EXPECT_THAT(Fixture.Record.Lines(),
                 ElementsAreArray(Lines{
                     "log verbose Starting.",
                     "log verbose Publish to Flickr 1.96 (Build 401)",
@@ -75,13 +75,13 @@ TEST_F(PublishRun, TellsItsCourseToLogStatusAndBar)
                     "bar position 0",
                     "usage WebPublisher:Flickr Publishing 2",
                     "item 0",
-                    "log info Publishing \"" + World.PathOf("p0.jpg") + "\".",
-                    "read " + World.PathOf("p0.jpg"),
+                    "log info Publishing \"" + Fixture.PathOf("p0.jpg") + "\".",
+                    "read " + Fixture.PathOf("p0.jpg"),
                     "bar position 100",
                     "status Published 1 of 2 items. Estimating remaining time...",
                     "item 1",
-                    "log info Publishing \"" + World.PathOf("p1.jpg") + "\".",
-                    "read " + World.PathOf("p1.jpg"),
+                    "log info Publishing \"" + Fixture.PathOf("p1.jpg") + "\".",
+                    "read " + Fixture.PathOf("p1.jpg"),
                     "status Done.",
                     "log verbose Ending.",
                 }));
@@ -89,66 +89,66 @@ TEST_F(PublishRun, TellsItsCourseToLogStatusAndBar)
 
 TEST_F(PublishRun, SendsTheFileAsItLiesUnderItsName)
 {
-    World.AddItem("photo", TEXT("tif;jpeg"), JpegBytes);
-    World.Host->Metadata->Caption = TEXT("A title");
-    World.Host->Metadata->Keywords = TEXT("a; b c");
-    World.Settings.Set(TEXT("AsyncUpload"), 7);
-    World.Settings.Set(TEXT("IsPublic"), 3);
-    World.Settings.Set(TEXT("SafetyLevel"), 2);
-    World.Web.Answer(OkReply);
+    Fixture.AddItem("photo", TEXT("tif;jpeg"), JpegBytes);
+    Fixture.Host->Metadata->Caption = TEXT("A title");
+    Fixture.Host->Metadata->Keywords = TEXT("a; b c");
+    Fixture.Settings.Set(TEXT("AsyncUpload"), 7);
+    Fixture.Settings.Set(TEXT("IsPublic"), 3);
+    Fixture.Settings.Set(TEXT("SafetyLevel"), 2);
+    Fixture.Web.Answer(OkReply);
     Publish();
     EXPECT_EQ(LastStatus(), "Done.");
-    ASSERT_EQ(World.Web.FileParts.size(), 1u);
-    EXPECT_EQ(World.Web.FileParts[0], JpegBytes);
-    const auto uploads = World.Web.CallsOf("UploadRequest");
+    ASSERT_EQ(Fixture.Web.FileParts.size(), 1u);
+    EXPECT_EQ(Fixture.Web.FileParts[0], JpegBytes);
+    const auto uploads = Fixture.Web.CallsOf("UploadRequest");
     ASSERT_EQ(uploads.size(), 1u);
     EXPECT_EQ(Narrow(uploads[0].Arguments[0]), "https://api.flickr.com/services/upload/");
     EXPECT_EQ(Narrow(uploads[0].Arguments[2]), "POST");
     EXPECT_EQ(Narrow(uploads[0].Arguments[5]), "async=1&title=A title&tags=\"a\" \"b c\"&is_public=3&is_friend=0&"
                                                "is_family=0&safety_level=3&content_type=1&hidden=1");
-    const auto parts = World.Web.CallsOf("AddFilePart");
+    const auto parts = Fixture.Web.CallsOf("AddFilePart");
     EXPECT_EQ(Narrow(parts.at(0).Arguments[0]), "photo");
     EXPECT_EQ(Narrow(parts.at(0).Arguments[3]), "photo.jpg");
-    EXPECT_THAT(World.Web.Operations(), ElementsAreArray(Lines{"Create IOAuthWebClient",
-                                                               "SetService",
-                                                               "SetAccessToken",
-                                                               "Create IMultipartFormData",
-                                                               "GetMimeTypeForFile",
-                                                               "Create IRequestParameters",
-                                                               "Add",
-                                                               "AddTextField",
-                                                               "Add",
-                                                               "AddTextField",
-                                                               "Add",
-                                                               "AddTextField",
-                                                               "Add",
-                                                               "AddNumberField",
-                                                               "Add",
-                                                               "AddNumberField",
-                                                               "Add",
-                                                               "AddNumberField",
-                                                               "Add",
-                                                               "AddNumberField",
-                                                               "Add",
-                                                               "AddNumberField",
-                                                               "Add",
-                                                               "AddNumberField",
-                                                               "AddFilePart",
-                                                               "QueryInterface IStream",
-                                                               "GetBodyLength",
-                                                               "GetContentType",
-                                                               "Create IRequestParameters",
-                                                               "Add",
-                                                               "Add",
-                                                               "UploadRequest"}));
+    EXPECT_THAT(Fixture.Web.Operations(), ElementsAreArray(Lines{"Create IOAuthWebClient",
+                                                                 "SetService",
+                                                                 "SetAccessToken",
+                                                                 "Create IMultipartFormData",
+                                                                 "GetMimeTypeForFile",
+                                                                 "Create IRequestParameters",
+                                                                 "Add",
+                                                                 "AddTextField",
+                                                                 "Add",
+                                                                 "AddTextField",
+                                                                 "Add",
+                                                                 "AddTextField",
+                                                                 "Add",
+                                                                 "AddNumberField",
+                                                                 "Add",
+                                                                 "AddNumberField",
+                                                                 "Add",
+                                                                 "AddNumberField",
+                                                                 "Add",
+                                                                 "AddNumberField",
+                                                                 "Add",
+                                                                 "AddNumberField",
+                                                                 "Add",
+                                                                 "AddNumberField",
+                                                                 "AddFilePart",
+                                                                 "QueryInterface IStream",
+                                                                 "GetBodyLength",
+                                                                 "GetContentType",
+                                                                 "Create IRequestParameters",
+                                                                 "Add",
+                                                                 "Add",
+                                                                 "UploadRequest"}));
 }
 
 TEST_F(PublishRun, FailsTheItemByTheCodeOfTheCallThatFailed)
 {
     AddPictures(1);
-    World.Web.Answer(OkReply);
+    Fixture.Web.Answer(OkReply);
     Publish();
-    const Lines operations = World.Web.Operations();
+    const Lines operations = Fixture.Web.Operations();
     for (size_t call = 1; call <= operations.size(); ++call)
     {
         const std::string &operation = operations[call - 1];
@@ -156,17 +156,17 @@ TEST_F(PublishRun, FailsTheItemByTheCodeOfTheCallThatFailed)
         {
             continue;
         }
-        World.Record.Clear();
-        World.Web.ForgetCalls();
-        World.Web.FailCall(call, 0x80031234);
+        Fixture.Record.Clear();
+        Fixture.Web.ForgetCalls();
+        Fixture.Web.FailCall(call, 0x80031234);
         Publish();
         const bool isSwallowed = operation == "Create IOAuthWebClient" || operation == "SetService" ||
                                  operation == "SetAccessToken" || operation == "Create IMultipartFormData";
         EXPECT_THAT(Log("error"),
-                    ElementsAre("Could not publish \"" + World.PathOf("p0.jpg") + "\" (Error code: 0x" +
+                    ElementsAre("Could not publish \"" + Fixture.PathOf("p0.jpg") + "\" (Error code: 0x" +
                                 (isSwallowed ? "8000ffff" : "80031234") + ") (internal: invalid argument)"))
             << operation;
-        EXPECT_EQ(World.Web.Operations().size(), call) << operation;
+        EXPECT_EQ(Fixture.Web.Operations().size(), call) << operation;
         EXPECT_EQ(LastState(), "3");
         EXPECT_EQ(LastStatus(), "Done.");
     }
@@ -175,16 +175,16 @@ TEST_F(PublishRun, FailsTheItemByTheCodeOfTheCallThatFailed)
 TEST_F(PublishRun, GoesOnAfterATransportFailureAndStopsAtARefusal)
 {
     AddPictures(4);
-    World.Web.Answer(OkReply);
-    World.Web.AnswerWith(E_FAIL,
-                         MakeDocument(TEXT("<HttpError HttpStatus=\"503\"><Status>Busy</Status></HttpError>")));
-    World.Web.Answer(refusal);
+    Fixture.Web.Answer(OkReply);
+    Fixture.Web.AnswerWith(E_FAIL,
+                           MakeDocument(TEXT("<HttpError HttpStatus=\"503\"><Status>Busy</Status></HttpError>")));
+    Fixture.Web.Answer(refusal);
     Publish();
-    EXPECT_THAT(World.Record.LinesOf("item "), ElementsAre("0", "1", "2"));
-    EXPECT_THAT(Log("error"), ElementsAre("Could not publish \"" + World.PathOf("p1.jpg") +
+    EXPECT_THAT(Fixture.Record.LinesOf("item "), ElementsAre("0", "1", "2"));
+    EXPECT_THAT(Log("error"), ElementsAre("Could not publish \"" + Fixture.PathOf("p1.jpg") +
                                           "\" (Error code: 0x80004005) HTTP Status = 503: Busy"));
     EXPECT_THAT(Log("fatal"),
-                ElementsAre("Could not publish \"" + World.PathOf("p2.jpg") +
+                ElementsAre("Could not publish \"" + Fixture.PathOf("p2.jpg") +
                             "\" (Error code: 0x80004005) Flickr Status = 5: Filetype was not recognised"));
     EXPECT_EQ(LastState(), "2");
     EXPECT_EQ(LastStatus(), "Error.");
@@ -193,9 +193,9 @@ TEST_F(PublishRun, GoesOnAfterATransportFailureAndStopsAtARefusal)
 TEST_F(PublishRun, TakesAnAnswerWithoutAVerdictForASuccess)
 {
     AddPictures(3);
-    World.Web.AnswerWith(S_OK, nullptr);
-    World.Web.Answer(TEXT("<rsp/>"));
-    World.Web.Answer(TEXT("<rsp stat=\"OK\"/>"));
+    Fixture.Web.AnswerWith(S_OK, nullptr);
+    Fixture.Web.Answer(TEXT("<rsp/>"));
+    Fixture.Web.Answer(TEXT("<rsp stat=\"OK\"/>"));
     Publish();
     EXPECT_TRUE(Log("error").empty());
     EXPECT_EQ(LastState(), "1");
@@ -219,16 +219,16 @@ TEST_F(PublishRun, ChecksWhatAFileReallyIs)
     };
     for (const auto &c : cases)
     {
-        World.Record.Clear();
-        World.Web.ForgetCalls();
-        World.Host->Items.clear();
-        World.AddItem("x", c.extension, c.content);
+        Fixture.Record.Clear();
+        Fixture.Web.ForgetCalls();
+        Fixture.Host->Items.clear();
+        Fixture.AddItem("x", c.extension, c.content);
         if (c.isSent)
         {
-            World.Web.Answer(OkReply);
+            Fixture.Web.Answer(OkReply);
         }
         Publish();
-        const std::string path = World.PathOf("x." + Narrow(c.extension));
+        const std::string path = Fixture.PathOf("x." + Narrow(c.extension));
         Lines errors;
         if (c.isWrong)
         {
@@ -240,97 +240,101 @@ TEST_F(PublishRun, ChecksWhatAFileReallyIs)
                              ") (internal: invalid argument)");
         }
         EXPECT_EQ(Log("error"), errors);
-        EXPECT_EQ(World.Web.CallsOf("UploadRequest").size(), c.isSent ? 1u : 0u);
+        EXPECT_EQ(Fixture.Web.CallsOf("UploadRequest").size(), c.isSent ? 1u : 0u);
         if (c.isSent)
         {
-            EXPECT_EQ(World.Web.FileParts.back(), c.content) << "rewound after the check";
+            EXPECT_EQ(Fixture.Web.FileParts.back(), c.content) << "rewound after the check";
         }
     }
 }
 
 TEST_F(PublishRun, SendsEveryOtherFileAsAJpegOfTheHostsMaking)
 {
-    World.AddItem("raw", TEXT("nef;tif"), "raw");
-    World.Host->Items.push_back({TEXT("C:\\nothing"), std::nullopt});
-    World.Imaging.Calls.FailOperation("ReadImageMetadata", HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND), 2);
-    World.Web.Answer(OkReply);
+    Fixture.AddItem("raw", TEXT("nef;tif"), "raw");
+    Fixture.Host->Items.push_back({TEXT("C:\\nothing"), std::nullopt});
+    Fixture.Imaging.Calls.FailOperation("ReadImageMetadata", HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND), 2);
+    Fixture.Web.Answer(OkReply);
     Publish();
-    EXPECT_THAT(World.Web.FileParts, ElementsAre(FakeImaging::EncodedBytes));
-    EXPECT_EQ(Narrow(World.Web.CallsOf("AddFilePart").at(0).Arguments[3]), "raw.jpg");
-    EXPECT_THAT(Log("info"), testing::IsSupersetOf({"Publishing \"" + World.PathOf("raw.nef") + "\" as JPEG.",
+    EXPECT_THAT(Fixture.Web.FileParts, ElementsAre(FakeImaging::EncodedBytes));
+    EXPECT_EQ(Narrow(Fixture.Web.CallsOf("AddFilePart").at(0).Arguments[3]), "raw.jpg");
+    EXPECT_THAT(Log("info"), testing::IsSupersetOf({"Publishing \"" + Fixture.PathOf("raw.nef") + "\" as JPEG.",
                                                     std::string("Publishing \"\" as JPEG.")}));
     EXPECT_THAT(Log("error"),
                 ElementsAre("Could not publish \"\" (Error code: 0x80070002) (internal: invalid argument)"));
 
     // A mislabelled file gets a second try as a processed one where processing is the mode.
-    World.Record.Clear();
-    World.Web.ForgetCalls();
-    World.Settings.Set(TEXT("JPEGMode"), 2);
-    World.Host->Items.clear();
-    World.AddItem("x", TEXT("png"), "BM bitmap");
-    World.Web.Answer(OkReply);
+    Fixture.Record.Clear();
+    Fixture.Web.ForgetCalls();
+    Fixture.Settings.Set(TEXT("JPEGMode"), 2);
+    Fixture.Host->Items.clear();
+    Fixture.AddItem("x", TEXT("png"), "BM bitmap");
+    Fixture.Web.Answer(OkReply);
     Publish();
-    EXPECT_THAT(Log("warning"), ElementsAre("\"" + World.PathOf("x.png") +
+    EXPECT_THAT(Log("warning"), ElementsAre("\"" + Fixture.PathOf("x.png") +
                                             "\" is not what it appears to be (wrong file extension?)"));
     EXPECT_THAT(Log("error"), testing::IsEmpty());
-    EXPECT_EQ(Narrow(World.Web.CallsOf("AddFilePart").at(0).Arguments[3]), "x.jpg");
+    EXPECT_EQ(Narrow(Fixture.Web.CallsOf("AddFilePart").at(0).Arguments[3]), "x.jpg");
 }
 
 TEST_F(PublishRun, TellsOfAFileThatIsNoJpegInEveryMode)
 {
-    World.AddItem("x", TEXT("jpg"), std::string_view("II*\0 a TIFF", 11));
-    World.Settings.Set(TEXT("JPEGMode"), 1);
+    Fixture.AddItem("x", TEXT("jpg"), std::string_view("II*\0 a TIFF", 11));
+    Fixture.Settings.Set(TEXT("JPEGMode"), 1);
     Publish();
-    const std::string path = World.PathOf("x.jpg");
+    const std::string path = Fixture.PathOf("x.jpg");
     EXPECT_THAT(Log("error"), ElementsAre("\"" + path + "\" is not what it appears to be (wrong file extension?)",
                                           "Could not publish \"" + path +
                                               "\" (Error code: 0x80004005) (internal: invalid argument)"));
-    EXPECT_TRUE(World.Web.CallsOf("UploadRequest").empty());
+    EXPECT_TRUE(Fixture.Web.CallsOf("UploadRequest").empty());
 
     // As a processed picture it goes by the settings of JPEG files, if the host can read it.
-    World.Record.Clear();
-    World.Settings.Set(TEXT("JPEGMode"), 2);
-    World.Settings.Set(TEXT("JPEGWriteGPS"), UINT32{0});
-    World.Settings.Set(TEXT("RAWWriteEXIF"), UINT32{0});
-    World.Web.Answer(OkReply);
+    Fixture.Record.Clear();
+    Fixture.Settings.Set(TEXT("JPEGMode"), 2);
+    Fixture.Settings.Set(TEXT("JPEGWriteGPS"), UINT32{0});
+    Fixture.Settings.Set(TEXT("RAWWriteEXIF"), UINT32{0});
+    Fixture.Web.Answer(OkReply);
     Publish();
     EXPECT_THAT(Log("error"), testing::IsEmpty());
-    EXPECT_THAT(World.Imaging.Calls.DetailsOf("WriteImageMetadata"), ElementsAre(testing::StartsWith("1100011 ")));
+    EXPECT_THAT(Fixture.Imaging.Calls.DetailsOf("WriteImageMetadata"),
+                ElementsAre(testing::StartsWith("1100011 ")));
 }
 
 // A picture of the same name may be another one when it is read again.
 TEST_F(PublishRun, TakesTheWordsOfTheLastPass)
 {
     AddPictures(1);
-    World.Settings.Set(TEXT("JPEGMode"), 1);
-    World.Imaging.Calls.FailOperation("WriteImageMetadata", E_FAIL);
-    World.Imaging.Calls.FailOperation("Frame.WriteSource", WINCODEC_ERR_BADIMAGE);
-    World.Imaging.Calls.OnCall = [&](const std::string &call) {
+    Fixture.Settings.Set(TEXT("JPEGMode"), 1);
+    Fixture.Imaging.Calls.FailOperation("WriteImageMetadata", E_FAIL);
+    Fixture.Imaging.Calls.FailOperation("Frame.WriteSource", WINCODEC_ERR_BADIMAGE);
+    Fixture.Imaging.Calls.OnCall = [&](const std::string &call) {
         if (call == "ReadImageMetadata")
         {
-            const size_t pass = World.Imaging.Calls.DetailsOf(call).size();
-            World.Host->Metadata->Caption = pass == 1 ? TEXT("First") : pass == 2 ? TEXT("Second") : TEXT("Third");
-            World.Host->Metadata->Description = pass == 1 ? std::optional<WideText>(TEXT("Words")) : std::nullopt;
-            World.Host->Metadata->Keywords = pass == 3 ? std::optional<WideText>(TEXT("tag")) : std::nullopt;
+            const size_t pass = Fixture.Imaging.Calls.DetailsOf(call).size();
+            Fixture.Host->Metadata->Caption = pass == 1   ? TEXT("First")
+                                              : pass == 2 ? TEXT("Second")
+                                                          : TEXT("Third");
+            Fixture.Host->Metadata->Description =
+                pass == 1 ? std::optional<WideText>(TEXT("Words")) : std::nullopt;
+            Fixture.Host->Metadata->Keywords = pass == 3 ? std::optional<WideText>(TEXT("tag")) : std::nullopt;
         }
     };
-    World.Web.Answer(OkReply);
+    Fixture.Web.Answer(OkReply);
     Publish();
     EXPECT_EQ(LastStatus(), "Done.");
-    EXPECT_THAT(Narrow(World.Web.CallsOf("UploadRequest").at(0).Arguments[5]),
+    EXPECT_THAT(Narrow(Fixture.Web.CallsOf("UploadRequest").at(0).Arguments[5]),
                 testing::StartsWith("title=Third&tags=\"tag\"&is_public="));
 }
 
 TEST_F(PublishRun, EndsWithoutAList)
 {
-    World.Host->ListResult = E_ACCESSDENIED;
+    Fixture.Host->ListResult = E_ACCESSDENIED;
     Publish();
     EXPECT_THAT(Log("fatal"), ElementsAre("Could not retrieve the list of images to be published."));
     EXPECT_EQ(LastStatus(), "Error.");
     EXPECT_EQ(LastState(), "1");
 
-    World.Host->ListResult = S_OK;
-    World.Host->ListCanBeLocked = false;
+    Fixture.Host->ListResult = S_OK;
+    Fixture.Host->ListCanBeLocked = false;
     Publish();
     EXPECT_EQ(LastStatus(), "Error.");
     EXPECT_EQ(LastState(), "2");
@@ -339,8 +343,8 @@ TEST_F(PublishRun, EndsWithoutAList)
 TEST_F(PublishRun, HasNothingToDoForAnEmptyList)
 {
     Publish();
-    EXPECT_THAT(World.Record.LinesOf("usage "), ElementsAre("WebPublisher:Flickr Publishing 0"));
-    EXPECT_THAT(World.Record.LinesOf("bar range "), ElementsAre("0 0"));
+    EXPECT_THAT(Fixture.Record.LinesOf("usage "), ElementsAre("WebPublisher:Flickr Publishing 0"));
+    EXPECT_THAT(Fixture.Record.LinesOf("bar range "), ElementsAre("0 0"));
     EXPECT_EQ(LastStatus(), "Done.");
 }
 
@@ -348,32 +352,32 @@ TEST_F(PublishRun, StopsBetweenItemsAndWithinThem)
 {
     AddPictures(3);
     // A polite cancel lets the upload that is on its way finish; it comes on a thread of its own.
-    World.Web.Answer(OkReply);
-    World.Web.DuringUpload = [&](IUploadProgressCallback *callback, UINT32 length) {
+    Fixture.Web.Answer(OkReply);
+    Fixture.Web.DuringUpload = [&](IUploadProgressCallback *callback, UINT32 length) {
         std::thread([&] { EXPECT_EQ(Plugin->Cancel(FALSE), S_OK); }).join();
         return callback->OnUploadProgress(UPLOAD_BYTES, length, length / 2);
     };
     Publish();
-    EXPECT_THAT(World.Record.LinesOf("item "), ElementsAre("0"));
+    EXPECT_THAT(Fixture.Record.LinesOf("item "), ElementsAre("0"));
     EXPECT_THAT(Log("warning"), ElementsAre("Cancelling at user request."));
     EXPECT_EQ(LastStatus(), "Cancelled.");
     EXPECT_EQ(LastState(), "3");
 
-    World.Record.Clear();
-    World.Web.DuringUpload = [&](IUploadProgressCallback *callback, UINT32 length) {
+    Fixture.Record.Clear();
+    Fixture.Web.DuringUpload = [&](IUploadProgressCallback *callback, UINT32 length) {
         std::thread([&] { EXPECT_EQ(Plugin->Cancel(TRUE), S_OK); }).join();
         return callback->OnUploadProgress(UPLOAD_BYTES, length, length / 2);
     };
     Publish();
-    EXPECT_THAT(World.Record.LinesOf("item "), ElementsAre("0"));
+    EXPECT_THAT(Fixture.Record.LinesOf("item "), ElementsAre("0"));
     EXPECT_THAT(Log("warning"), ElementsAre("Cancelling ABRUPTLY at user request."));
     EXPECT_THAT(Log("error"), ElementsAre(testing::HasSubstr("0x80004004")));
     EXPECT_EQ(LastStatus(), "Cancelled, aborted uploads.");
 
     // A second, polite cancel takes the abruptness back.
-    World.Record.Clear();
-    World.Web.Answer(OkReply);
-    World.Web.DuringUpload = [&](IUploadProgressCallback *callback, UINT32 length) {
+    Fixture.Record.Clear();
+    Fixture.Web.Answer(OkReply);
+    Fixture.Web.DuringUpload = [&](IUploadProgressCallback *callback, UINT32 length) {
         Plugin->Cancel(TRUE);
         Plugin->Cancel(FALSE);
         return callback->OnUploadProgress(UPLOAD_BYTES, length, length);
@@ -385,8 +389,8 @@ TEST_F(PublishRun, StopsBetweenItemsAndWithinThem)
 TEST_F(PublishRun, MovesTheBarByWholePercents)
 {
     AddPictures(1);
-    World.Web.Answer(OkReply);
-    World.Web.DuringUpload = [](IUploadProgressCallback *callback, UINT32) {
+    Fixture.Web.Answer(OkReply);
+    Fixture.Web.DuringUpload = [](IUploadProgressCallback *callback, UINT32) {
         callback->OnUploadProgress(UPLOAD_BEGIN, 0, 0);
         for (const UINT32 done :
              {0u, 4'000'000'000u / 100, 41'000'000u, 3'000'000'000u, 2'000'000'000u, 4'000'000'000u})
@@ -397,12 +401,12 @@ TEST_F(PublishRun, MovesTheBarByWholePercents)
         return S_OK;
     };
     Publish();
-    EXPECT_THAT(World.Record.LinesOf("bar position "), ElementsAre("0", "0", "1", "75", "50", "100"));
+    EXPECT_THAT(Fixture.Record.LinesOf("bar position "), ElementsAre("0", "0", "1", "75", "50", "100"));
 }
 
 TEST_F(PublishRun, NeedsBothWindows)
 {
-    EXPECT_EQ(Plugin->Publish(nullptr, World.Windows.StatusText()), E_INVALIDARG);
-    EXPECT_EQ(Plugin->Publish(World.Windows.Bar(), nullptr), E_INVALIDARG);
-    EXPECT_TRUE(World.Record.Lines().empty());
+    EXPECT_EQ(Plugin->Publish(nullptr, Fixture.Windows.StatusText()), E_INVALIDARG);
+    EXPECT_EQ(Plugin->Publish(Fixture.Windows.Bar(), nullptr), E_INVALIDARG);
+    EXPECT_TRUE(Fixture.Record.Lines().empty());
 }

@@ -1,13 +1,13 @@
 // Registration as an installer meets it: a copy of the product is loaded, its exports are called, and what counts
 // is what the registry says afterwards.
-#include "core/BstrOwner.h"
-#include "core/ComPtr.h"
-#include "core/HandleOwner.h"
-#include "core/WideText.h"
+#include "com/BstrOwner.h"
+#include "com/ComPtr.h"
+#include "com/HandleOwner.h"
+#include "com/WideText.h"
 #include "tests/doubles/CallRecord.h"
 #include "tests/doubles/ClassInPlace.h"
 #include "tests/doubles/SystemModules.h"
-#include "tests/platform/World.h"
+#include "tests/platform/KnownGaps.h"
 
 #include "HVRPublishToFlickr.h"
 #include "RegistrarInterface.h"

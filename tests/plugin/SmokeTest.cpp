@@ -1,7 +1,7 @@
 // The product as a host loads it: the module by its file, the object by the class factory, a stream of
 // the system's own, the user's registry key, and web components in place of the real ones.
-#include "core/ComPtr.h"
-#include "tests/doubles/PublishWorld.h"
+#include "com/ComPtr.h"
+#include "tests/doubles/PublishFixture.h"
 #include "tests/doubles/SystemModules.h"
 
 #include <gtest/gtest.h>
@@ -20,11 +20,11 @@ Function *Exported(HMODULE module, const char *name)
 
 TEST(Smoke, PublishesThroughTheModule)
 {
-    PublishWorld world;
-    world.AddItem("one", TEXT("jpg"), JpegBytes);
-    world.AddItem("two", TEXT("gif"), GifBytes);
-    world.Web.Answer(OkReply);
-    world.Web.Answer(OkReply);
+    PublishFixture fixture;
+    fixture.AddItem("one", TEXT("jpg"), JpegBytes);
+    fixture.AddItem("two", TEXT("gif"), GifBytes);
+    fixture.Web.Answer(OkReply);
+    fixture.Web.Answer(OkReply);
 
     const HMODULE module = LoadLibraryW(std::filesystem::path(HALVORA_MODULE).string<WCHAR>().c_str());
     ASSERT_NE(module, nullptr) << GetLastError();
@@ -45,15 +45,15 @@ TEST(Smoke, PublishesThroughTheModule)
 
     ComPtr<IStream> stream;
     ASSERT_EQ(CreateStreamOnHGlobal(nullptr, TRUE, stream.Put()), S_OK);
-    const std::string data = PublishWorld::AuthorizedInitData();
+    const std::string data = PublishFixture::AuthorizedInitData();
     ASSERT_EQ(stream->Write(data.data(), static_cast<ULONG>(data.size()), nullptr), S_OK);
     ASSERT_EQ(stream->Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr), S_OK);
-    ASSERT_EQ(plugin->Initialize(world.Host.Get(), 1033, stream.Get(), 0), S_OK);
+    ASSERT_EQ(plugin->Initialize(fixture.Host.Get(), 1033, stream.Get(), 0), S_OK);
     EXPECT_EQ(plugin->CanPublish(nullptr, FALSE), S_OK);
-    EXPECT_EQ(plugin->Publish(world.Windows.Bar(), world.Windows.StatusText()), S_OK);
-    EXPECT_EQ(world.Record.LinesOf("status ").back(), "Done.");
-    EXPECT_TRUE(world.Record.LinesOf("log error ").empty());
-    EXPECT_EQ(world.Web.FileParts, (std::vector<std::string>{std::string(JpegBytes), std::string(GifBytes)}));
+    EXPECT_EQ(plugin->Publish(fixture.Windows.Bar(), fixture.Windows.StatusText()), S_OK);
+    EXPECT_EQ(fixture.Record.LinesOf("status ").back(), "Done.");
+    EXPECT_TRUE(fixture.Record.LinesOf("log error ").empty());
+    EXPECT_EQ(fixture.Web.FileParts, (std::vector<std::string>{std::string(JpegBytes), std::string(GifBytes)}));
 
     EXPECT_EQ(plugin->Terminate(), S_OK);
     STATSTG status{};

@@ -1,7 +1,7 @@
 #include "tests/privacy/MarkedPicture.h"
 
 #include "tests/host/SampleDng.h"
-#include "tests/platform/windowscodecs_jpeg/SamplePictures.h"
+#include "tests/platform/windowscodecs_jpeg/SamplePictures_posix.h"
 #include "tests/privacy/MarkedPng.h"
 #include "tests/privacy/MarkedValues.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-// The five groups of metadata that a person switches, as bits.
+// The five groups of metadata that a user switches, as bits.
 enum Group : unsigned
 {
     Copyright = 1,

@@ -8,7 +8,7 @@
 #include <exiv2/exiv2.hpp>
 
 #include "account/AccountRecord.h"
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 #include "core/VersionBlock.h"
 #include "host/PublishingHost.h"
 #include "publish/UploadRequest.h"

@@ -1,11 +1,11 @@
 // New JPEGs, through the upload that they are made for.
 #include "account/AccountRecord.h"
-#include "core/BstrOwner.h"
-#include "core/ModuleLocks.h"
+#include "com/BstrOwner.h"
+#include "com/ModuleLocks.h"
 #include "core/VersionBlock.h"
 #include "publish/UploadRequest.h"
 #include "settings/SettingsStore.h"
-#include "tests/doubles/PublishWorld.h"
+#include "tests/doubles/PublishFixture.h"
 
 #include <gmock/gmock.h>
 
@@ -37,9 +37,9 @@ class ImagePreparation : public testing::Test
 protected:
     void SetUp() override
     {
-        World.AddItem("p", TEXT("jpg"), JpegBytes);
-        World.Host->Metadata->HasGroups = true;
-        World.Host->Metadata->ExifComment = TEXT("A comment");
+        Fixture.AddItem("p", TEXT("jpg"), JpegBytes);
+        Fixture.Host->Metadata->HasGroups = true;
+        Fixture.Host->Metadata->ExifComment = TEXT("A comment");
         Account.OAuthToken = BstrOwner(TEXT("t"));
         Account.OAuthTokenSecret = BstrOwner(TEXT("s"));
     }
@@ -59,11 +59,11 @@ protected:
     HRESULT Upload(const UploadOptions &options)
     {
         Pauses.clear();
-        World.Web.ForgetCalls();
-        World.Web.FileParts.clear();
-        World.Web.AnswerWith(S_OK, nullptr);
+        Fixture.Web.ForgetCalls();
+        Fixture.Web.FileParts.clear();
+        Fixture.Web.AnswerWith(S_OK, nullptr);
         const long locks = ModuleLocks::Read();
-        const RunContext run{World.Host.Get(),
+        const RunContext run{Fixture.Host.Get(),
                              nullptr,
                              Callback.Get(),
                              Account,
@@ -75,28 +75,28 @@ protected:
                              SystemTicks,
                              [this](DWORD milliseconds) { Pauses.push_back(milliseconds); }};
         ComPtr<IUnknown> reply;
-        const std::string path = World.PathOf("p.jpg");
+        const std::string path = Fixture.PathOf("p.jpg");
         const HRESULT result =
             UploadOneFile(run, WideText(path.begin(), path.end()).c_str(), TEXT("p.jpg"), reply, options);
         EXPECT_EQ(ModuleLocks::Read(), locks) << "objects are left over";
-        EXPECT_EQ(World.Web.CallsOf("UploadRequest").size(), SUCCEEDED(result) ? 1u : 0u);
+        EXPECT_EQ(Fixture.Web.CallsOf("UploadRequest").size(), SUCCEEDED(result) ? 1u : 0u);
         if (SUCCEEDED(result))
         {
-            EXPECT_THAT(World.Web.FileParts, ElementsAre(FakeImaging::EncodedBytes));
+            EXPECT_THAT(Fixture.Web.FileParts, ElementsAre(FakeImaging::EncodedBytes));
         }
         else
         {
-            World.Web.TakeAnswer(ComPtr<IUnknown>().Put());
-            EXPECT_THAT(World.Web.Operations(), IsEmpty());
+            Fixture.Web.TakeAnswer(ComPtr<IUnknown>().Put());
+            EXPECT_THAT(Fixture.Web.Operations(), IsEmpty());
         }
         return result;
     }
 
     HRESULT Upload(UINT32 mode) { return Upload(Options(mode)); }
 
-    CallScript &Calls() { return World.Imaging.Calls; }
+    CallScript &Calls() { return Fixture.Imaging.Calls; }
 
-    PublishWorld World;
+    PublishFixture Fixture;
     AccountRecord Account;
     VersionBlock Version = VersionBlock::OfThisModule();
     SettingsBlock Settings;
@@ -259,12 +259,12 @@ TEST_F(ImagePreparation, TakesNoOtherFileForAJpeg)
     for (const std::string_view content : {std::string_view("II*\0 a TIFF", 11), std::string_view()})
     {
         Calls().Reset();
-        World.Host->Items.clear();
-        World.AddItem("p", TEXT("jpg"), content);
+        Fixture.Host->Items.clear();
+        Fixture.AddItem("p", TEXT("jpg"), content);
         EXPECT_EQ(Upload(SendPixelsIntact), badHeader);
         EXPECT_EQ(Calls().Calls().back(), "Decoder.Initialize 0");
     }
-    std::filesystem::remove(World.PathOf("p.jpg"));
+    std::filesystem::remove(Fixture.PathOf("p.jpg"));
     Calls().Reset();
     EXPECT_EQ(Upload(SendPixelsIntact), HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
     EXPECT_THAT(Calls().Calls(), ElementsAre("CreateFactory"));
@@ -273,7 +273,7 @@ TEST_F(ImagePreparation, TakesNoOtherFileForAJpeg)
 // A host that says it succeeded and gives no picture.
 TEST_F(ImagePreparation, NeedsTheProcessedPicture)
 {
-    World.Host->Metadata->Picture = nullptr;
+    Fixture.Host->Metadata->Picture = nullptr;
     EXPECT_EQ(Upload(SendProcessed), E_UNEXPECTED);
 }
 
@@ -300,8 +300,8 @@ TEST_F(ImagePreparation, TakesTheProfileFromWhereItIs)
     {
         const auto number = &c - cases;
         Calls().Reset();
-        World.Imaging.OtherProfileCount = c.otherCount;
-        World.Imaging.ProfileCount = c.ownCount;
+        Fixture.Imaging.OtherProfileCount = c.otherCount;
+        Fixture.Imaging.ProfileCount = c.ownCount;
         if (c.failing)
         {
             Calls().FailOperation(c.failing, someFailure);
@@ -320,11 +320,11 @@ TEST_F(ImagePreparation, TakesTheProfileFromWhereItIs)
     }
     // The file is gone when it is opened a second time.
     Calls().Reset();
-    World.Imaging.ProfileCount = 1;
+    Fixture.Imaging.ProfileCount = 1;
     Calls().OnCall = [this](const std::string &call) {
         if (call == "CreateColorContext")
         {
-            std::filesystem::remove(World.PathOf("p.jpg"));
+            std::filesystem::remove(Fixture.PathOf("p.jpg"));
         }
     };
     EXPECT_EQ(Upload(SendPixelsIntact), S_OK);
@@ -333,8 +333,8 @@ TEST_F(ImagePreparation, TakesTheProfileFromWhereItIs)
     // What the fallback does is passed over like all the rest, with blocks to copy and without.
     for (const bool hasBlocks : {true, false})
     {
-        World.AddItem("p", TEXT("jpg"), JpegBytes);
-        World.Imaging.HasBlocks = hasBlocks;
+        Fixture.AddItem("p", TEXT("jpg"), JpegBytes);
+        Fixture.Imaging.HasBlocks = hasBlocks;
         for (const char *failing : {"Source.GetColorContexts", "Frame.SetColorContexts"})
         {
             Calls().Reset();
@@ -435,7 +435,7 @@ TEST_F(ImagePreparation, BlanksEachGroupThatIsOff)
     EXPECT_EQ(Upload(options), S_OK);
     EXPECT_THAT(Calls().DetailsOf("WriteImageMetadata"), ElementsAre("1111100 800x600 at 96x96"));
     EXPECT_EQ(Calls().DetailsOf("Frame.InitializeFromBlockReader").size(), 1u);
-    const auto field = World.Web.CallsOf("UploadRequest")[0].Arguments[5];
+    const auto field = Fixture.Web.CallsOf("UploadRequest")[0].Arguments[5];
     EXPECT_NE(Narrow(field).find("&description=A comment&"), std::string::npos) << "the form keeps its words";
 
     options.Mode = SendProcessed;

@@ -5,7 +5,7 @@
 #include "publish/TagList.h"
 #include "tests/doubles/CallRecord.h"
 
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 
 #include <gmock/gmock.h>
 

@@ -1,6 +1,6 @@
 // The decisions behind a new JPEG, one by one.
-#include "core/HandleOwner.h"
-#include "core/Hresult.h"
+#include "com/HandleOwner.h"
+#include "com/Hresult.h"
 #include "publish/EncoderOptions.h"
 #include "publish/JpegSubsampling.h"
 #include "publish/OutputResolution.h"

@@ -1,4 +1,4 @@
-// A person before Windows' screen, for scripts: finds windows of other programs by the beginnings of their
+// A user before Windows' screen, for scripts: finds windows of other programs by the beginnings of their
 // captions, reads them and works on them. A caption's window is a visible one at the top; controls are
 // named by their numbers, on whatever page of it they lie.
 //
@@ -20,7 +20,7 @@
 //     host-driver picture CAPTION FILE         a PNG of the window as it stands on the screen
 //
 // Ends with 0 when it is done, with 1 when it can't be.
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 #include "tests/sheet/WindowPicture.h"
 #include "tests/webclient/TrustedAuthority.h"
 
@@ -252,7 +252,7 @@ void Say(const std::wstring &text)
     fwrite(bytes.data(), 1, bytes.size(), stdout);
 }
 
-// What a person would see.
+// What a user would see.
 void TellScreen()
 {
     for (const HWND window : TopWindows())

@@ -28,7 +28,7 @@ private:
     CallRecord &m_record;
 };
 
-struct AboutWorld
+struct AboutPageFixture
 {
     AccountRecord Account;
     HRESULT Result = S_OK;
@@ -52,10 +52,11 @@ struct AboutWorld
 
 TEST(AboutPage, TellsVersionAndCopyright)
 {
-    AboutWorld world;
-    world.Page.Load(world.Controls);
-    EXPECT_EQ(world.Controls.Text(IDC_VERSION), TEXT("Halvora Publish to Flickr Plugin Version 1.96 (Build 401)"));
-    EXPECT_EQ(world.Controls.Text(IDC_COPYRIGHT), TEXT("Copyright"));
+    AboutPageFixture fixture;
+    fixture.Page.Load(fixture.Controls);
+    EXPECT_EQ(fixture.Controls.Text(IDC_VERSION),
+              TEXT("Halvora Publish to Flickr Plugin Version 1.96 (Build 401)"));
+    EXPECT_EQ(fixture.Controls.Text(IDC_COPYRIGHT), TEXT("Copyright"));
 }
 
 TEST(AboutPage, ShowsTheAccountAsItStands)
@@ -75,14 +76,14 @@ TEST(AboutPage, ShowsTheAccountAsItStands)
     };
     for (const auto &[fullName, type, maxFileSize, uploadLeft, text] : cases)
     {
-        AboutWorld world;
-        world.Account.FullName = fullName ? BstrOwner(fullName) : BstrOwner();
-        world.Account.AccountType = BstrOwner(type);
-        world.Account.PhotosUrl = BstrOwner(TEXT("http://photos/"));
-        world.Account.MaxFileSize = maxFileSize;
-        world.Account.UploadLeftThisMonth = uploadLeft;
-        world.Page.ShowAccountData(world.Controls);
-        EXPECT_THAT(world.Controls.Record.Lines(),
+        AboutPageFixture fixture;
+        fixture.Account.FullName = fullName ? BstrOwner(fullName) : BstrOwner();
+        fixture.Account.AccountType = BstrOwner(type);
+        fixture.Account.PhotosUrl = BstrOwner(TEXT("http://photos/"));
+        fixture.Account.MaxFileSize = maxFileSize;
+        fixture.Account.UploadLeftThisMonth = uploadLeft;
+        fixture.Page.ShowAccountData(fixture.Controls);
+        EXPECT_THAT(fixture.Controls.Record.Lines(),
                     testing::ElementsAre(std::string("text 205 ") + text, "caret at end 205"));
     }
 }
@@ -92,14 +93,14 @@ TEST(AboutPage, ARefreshIsToldWhetherItWorksOrNot)
     for (const HRESULT result : {S_OK, S_FALSE, E_FAIL, E_OUTOFMEMORY})
     {
         SCOPED_TRACE(result);
-        AboutWorld world;
-        world.Result = result;
-        world.Page.Refresh(world.Controls, world.Display);
+        AboutPageFixture fixture;
+        fixture.Result = result;
+        fixture.Page.Refresh(fixture.Controls, fixture.Display);
         const auto outcome =
             FAILED(result) ? testing::Matcher<std::string>(testing::StartsWith(
                                  "error Publish to Flickr: Failed to refresh account data. The authorization"))
                            : testing::Matcher<std::string>("pause 500");
-        EXPECT_THAT(world.Controls.Record.Lines(),
+        EXPECT_THAT(fixture.Controls.Record.Lines(),
                     testing::ElementsAre("text 205 ", "repaint 205", "focus 205", "enable 210 0", "repaint 210",
                                          "pending shown", "wait cursor", "refresh",
                                          testing::StartsWith("text 205 Name=Anew,"), "caret at end 205", outcome,
@@ -109,12 +110,12 @@ TEST(AboutPage, ARefreshIsToldWhetherItWorksOrNot)
 
 TEST(AboutPage, AsksForRevocationOnlyWhenItIsSavedWithTheBoxChecked)
 {
-    AboutWorld world;
-    world.Controls.SetCheck(IDC_REVOKE, 1);
-    EXPECT_FALSE(world.Page.RevokeRequested());
-    world.Page.Save(world.Controls);
-    EXPECT_TRUE(world.Page.RevokeRequested());
-    world.Controls.SetCheck(IDC_REVOKE, 0);
-    world.Page.Save(world.Controls);
-    EXPECT_FALSE(world.Page.RevokeRequested());
+    AboutPageFixture fixture;
+    fixture.Controls.SetCheck(IDC_REVOKE, 1);
+    EXPECT_FALSE(fixture.Page.RevokeRequested());
+    fixture.Page.Save(fixture.Controls);
+    EXPECT_TRUE(fixture.Page.RevokeRequested());
+    fixture.Controls.SetCheck(IDC_REVOKE, 0);
+    fixture.Page.Save(fixture.Controls);
+    EXPECT_FALSE(fixture.Page.RevokeRequested());
 }

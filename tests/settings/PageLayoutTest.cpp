@@ -1,7 +1,7 @@
-#include "settings/PageLayout.h"
+#include "settings/PageLayout_terminal.h"
 
 #include "resources/resource.h"
-#include "settings/CellText.h"
+#include "settings/CellText_terminal.h"
 
 #include <gmock/gmock.h>
 

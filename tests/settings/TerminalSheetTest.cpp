@@ -1,11 +1,11 @@
-#include "settings/TerminalSheet.h"
+#include "settings/TerminalSheet_terminal.h"
 
 #include "account/AccountRecord.h"
 #include "resources/resource.h"
 #include "settings/StoredSettings.h"
-#include "settings/TerminalPage.h"
+#include "settings/TerminalPage_terminal.h"
 #include "tests/doubles/SettingsKey.h"
-#include "tests/settings/GridScreen.h"
+#include "tests/settings/GridScreen_terminal.h"
 
 #include <gmock/gmock.h>
 

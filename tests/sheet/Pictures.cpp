@@ -1,5 +1,5 @@
 // window_pictures FOLDER: writes a picture of each page of the settings sheet and of each dialog, as a user
-// sees them, for a person to look at. The names end in the screen's dots per inch.
+// sees them, for a user to look at. The names end in the screen's dots per inch.
 #include "account/AccountRecord.h"
 #include "account/AuthorizationDialogs.h"
 #include "core/StringTable.h"

@@ -1,9 +1,9 @@
-// The settings sheet as a person meets it: opened by the host's verb, worked on with its real windows.
+// The settings sheet as a user meets it: opened by the host's verb, worked on with its real windows.
 #include "plugin/FlickrPublisher.h"
 #include "resources/resource.h"
-#include "settings/FlickrProperties.h"
+#include "settings/FlickrProperties_win32.h"
 #include "settings/SettingsSheet.h"
-#include "tests/doubles/PublishWorld.h"
+#include "tests/doubles/PublishFixture.h"
 #include "tests/sheet/SheetDriver.h"
 
 #include <gmock/gmock.h>
@@ -46,13 +46,13 @@ class SettingsSheet : public testing::Test
 protected:
     SettingsSheet()
     {
-        World.Stream->Content =
+        Fixture.Stream->Content =
             InitDataOf({TEXT("t"), TEXT("s"), TEXT("jane"), TEXT("Jane Doe"), photosUrl, TEXT("Basic")}, 1048576);
         m_owner = CreateWindowExW(0, WC_STATIC, TEXT("owner"), WS_OVERLAPPEDWINDOW | WS_VISIBLE, 100, 100, 900,
                                   700, nullptr, nullptr, nullptr, nullptr);
         EXPECT_EQ(CFlickrPublisher::CreateInstance(nullptr, __uuidof(IHalvoraPublishingPlugin), Plugin.PutVoid()),
                   S_OK);
-        EXPECT_EQ(Plugin->Initialize(World.Host.Get(), 1033, World.Stream.Get(), 0), S_OK);
+        EXPECT_EQ(Plugin->Initialize(Fixture.Host.Get(), 1033, Fixture.Stream.Get(), 0), S_OK);
     }
 
     ~SettingsSheet() override { DestroyWindow(m_owner); }
@@ -75,10 +75,10 @@ protected:
     std::string StoredAccount()
     {
         EXPECT_EQ(Plugin->Terminate(), S_OK);
-        return World.Stream->Content;
+        return Fixture.Stream->Content;
     }
 
-    PublishWorld World;
+    PublishFixture Fixture;
     ComPtr<IHalvoraPublishingPlugin> Plugin;
     HWND m_owner = nullptr;
 };
@@ -147,9 +147,9 @@ private:
 TEST_F(SettingsSheet, SavesThePagesThatWereShownAndNoOthers)
 {
     TurnToFirstPage();
-    World.Settings.MarkAll();
-    World.Settings.Set(TEXT("IsPublic"), 0u);
-    World.Settings.Set(TEXT("AsyncUpload"), 0u);
+    Fixture.Settings.MarkAll();
+    Fixture.Settings.Set(TEXT("IsPublic"), 0u);
+    Fixture.Settings.Set(TEXT("AsyncUpload"), 0u);
     EXPECT_EQ(Configure([](const OpenSheet &sheet) {
                   EXPECT_EQ(sheet.SelectedPage(), PagePhotos);
                   EXPECT_TRUE(sheet.IsChecked(IDC_WRITE_TITLE));
@@ -165,14 +165,14 @@ TEST_F(SettingsSheet, SavesThePagesThatWereShownAndNoOthers)
                   sheet.Close(IDOK);
               }),
               S_OK);
-    EXPECT_EQ(World.Settings.Written(), "AsyncUpload=0 WriteTitle=0 WriteDescription=1 WriteTags=1 IsPublic=0 "
-                                        "IsFriend=0 IsFamily=1 SafetyLevel=2 ContentType=0 SearchVisibility=1");
+    EXPECT_EQ(Fixture.Settings.Written(), "AsyncUpload=0 WriteTitle=0 WriteDescription=1 WriteTags=1 IsPublic=0 "
+                                          "IsFriend=0 IsFamily=1 SafetyLevel=2 ContentType=0 SearchVisibility=1");
 }
 
 TEST_F(SettingsSheet, SavesThePhotosPageThoughAnotherIsOnTop)
 {
     EXPECT_EQ(Configure([](const OpenSheet &sheet) { sheet.SelectPage(PageAbout); }), S_OK);
-    World.Settings.RemoveKey();
+    Fixture.Settings.RemoveKey();
     SettingsKey fresh;
     EXPECT_EQ(Configure([](const OpenSheet &sheet) {
                   EXPECT_EQ(sheet.SelectedPage(), PageAbout);
@@ -189,7 +189,7 @@ TEST_F(SettingsSheet, SavesThePhotosPageThoughAnotherIsOnTop)
 TEST_F(SettingsSheet, CancelSavesNothingAndRevokesNothing)
 {
     TurnToFirstPage();
-    World.Settings.MarkAll();
+    Fixture.Settings.MarkAll();
     EXPECT_EQ(Configure([](const OpenSheet &sheet) {
                   sheet.Click(IDC_ASYNC_UPLOAD);
                   for (const int page : {PageOptions, PageJpeg, PageRaw, PageAbout})
@@ -201,8 +201,8 @@ TEST_F(SettingsSheet, CancelSavesNothingAndRevokesNothing)
                   sheet.Close(IDCANCEL);
               }),
               S_OK);
-    EXPECT_EQ(World.Settings.Written(), "");
-    const std::string before = World.Stream->Content;
+    EXPECT_EQ(Fixture.Settings.Written(), "");
+    const std::string before = Fixture.Stream->Content;
     EXPECT_EQ(StoredAccount(), before);
 }
 
@@ -221,8 +221,8 @@ TEST_F(SettingsSheet, OpensWithThePageThatWasOnTopLast)
 TEST_F(SettingsSheet, TheModeOfTheJpegPageEnablesWhatItUses)
 {
     TurnToFirstPage();
-    World.Settings.Set(TEXT("JPEGMode"), 1u);
-    World.Settings.Set(TEXT("JPEGWriteIPTC"), 1u);
+    Fixture.Settings.Set(TEXT("JPEGMode"), 1u);
+    Fixture.Settings.Set(TEXT("JPEGWriteIPTC"), 1u);
     const std::set<UINT> metadata = {IDC_WRITE_COPYRIGHT, IDC_WRITE_EXIF, IDC_WRITE_XMP, IDC_WRITE_GPS,
                                      IDC_WRITE_IPTC};
     const std::set<UINT> processing = {IDC_MINIMIZE, IDC_OUTPUT_SIZE_LABEL, IDC_OUTPUT_SIZE, IDC_OUTPUT_SIZE_NOTE};
@@ -259,7 +259,7 @@ TEST_F(SettingsSheet, ATypedSizeIsCutAndStoredInItsDisplayForm)
     };
     for (const auto &[page, setting, typed, stored] : cases)
     {
-        World.Settings.Set(TEXT("JPEGMode"), 2u);
+        Fixture.Settings.Set(TEXT("JPEGMode"), 2u);
         Configure([page = page, typed = typed](const OpenSheet &sheet) {
             sheet.SelectPage(page);
             EXPECT_EQ(sheet.Text(IDC_OUTPUT_SIZE), TEXT("Original"));
@@ -297,9 +297,9 @@ TEST_F(SettingsSheet, TheAboutPageShowsTheAccountAnewAtEachVisit)
 
 TEST_F(SettingsSheet, RefreshShowsWhatTheServiceSays)
 {
-    World.Web.Answer(TEXT("<rsp stat='ok'><oauth><user username='jane' fullname='Jane Roe'/></oauth></rsp>"));
-    World.Web.Answer(TEXT("<rsp stat='ok'><user url='halvora-test:new'/></rsp>"));
-    World.Web.Answer(TEXT("<rsp stat='ok'><user ispro='1'><filesize maxbytes='2097152'/></user></rsp>"));
+    Fixture.Web.Answer(TEXT("<rsp stat='ok'><oauth><user username='jane' fullname='Jane Roe'/></oauth></rsp>"));
+    Fixture.Web.Answer(TEXT("<rsp stat='ok'><user url='halvora-test:new'/></rsp>"));
+    Fixture.Web.Answer(TEXT("<rsp stat='ok'><user ispro='1'><filesize maxbytes='2097152'/></user></rsp>"));
     Configure([](const OpenSheet &sheet) {
         sheet.SelectPage(PageAbout);
         sheet.ClickLink(sheet.Control(IDC_REFRESH));
@@ -313,7 +313,7 @@ TEST_F(SettingsSheet, RefreshShowsWhatTheServiceSays)
 
 TEST_F(SettingsSheet, ARefreshThatFailsIsToldOverTheSheetAndLeavesThePair)
 {
-    World.Web.FailOperation("RestRequest", E_FAIL);
+    Fixture.Web.FailOperation("RestRequest", E_FAIL);
     Configure([](const OpenSheet &sheet) {
         sheet.SelectPage(PageAbout);
         sheet.ClickLink(sheet.Control(IDC_REFRESH));
@@ -332,7 +332,7 @@ TEST_F(SettingsSheet, ARefreshThatFailsIsToldOverTheSheetAndLeavesThePair)
         EXPECT_TRUE(WideView(sheet.Text(IDC_ACCOUNT)).starts_with(TEXT("Name=Jane Doe")));
         sheet.Close(IDOK);
     });
-    EXPECT_EQ(StoredAccount().substr(0, 17), PublishWorld::AuthorizedInitData().substr(0, 17));
+    EXPECT_EQ(StoredAccount().substr(0, 17), PublishFixture::AuthorizedInitData().substr(0, 17));
 }
 
 TEST_F(SettingsSheet, WhileTheServiceIsSlowTheLinkCannotBeClickedAgain)
@@ -379,25 +379,25 @@ TEST_F(SettingsSheet, RevocationDropsThePairAndNothingElse)
     EXPECT_EQ(result, S_FALSE);
     EXPECT_EQ(StoredAccount(),
               InitDataOf({{}, {}, TEXT("jane"), TEXT("Jane Doe"), photosUrl, TEXT("Basic")}, 1048576));
-    EXPECT_TRUE(World.Web.CallsOf("RestRequest").empty()) << "the service isn't told";
+    EXPECT_TRUE(Fixture.Web.CallsOf("RestRequest").empty()) << "the service isn't told";
 }
 
 TEST_F(SettingsSheet, ConfirmedDuringARunItPutsTheBarBack)
 {
     TurnToFirstPage();
-    World.AddItem("p", TEXT("jpg"), JpegBytes);
-    World.Web.Answer(OkReply);
+    Fixture.AddItem("p", TEXT("jpg"), JpegBytes);
+    Fixture.Web.Answer(OkReply);
     std::vector<std::string> lines[2];
-    World.Host->OnItem = [&](size_t) {
+    Fixture.Host->OnItem = [&](size_t) {
         for (const int button : {IDCANCEL, IDOK})
         {
-            const size_t before = World.Record.Lines().size();
+            const size_t before = Fixture.Record.Lines().size();
             EXPECT_EQ(Configure([button](const OpenSheet &sheet) { sheet.Close(button); }), S_OK);
-            const auto all = World.Record.Lines();
+            const auto all = Fixture.Record.Lines();
             lines[button == IDOK].assign(all.begin() + static_cast<ptrdiff_t>(before), all.end());
         }
     };
-    EXPECT_EQ(Plugin->Publish(World.Windows.Bar(), World.Windows.StatusText()), S_OK);
+    EXPECT_EQ(Plugin->Publish(Fixture.Windows.Bar(), Fixture.Windows.StatusText()), S_OK);
     EXPECT_THAT(lines[0], testing::IsEmpty());
     EXPECT_THAT(lines[1], testing::ElementsAre("bar position 0", "bar state 1"));
 }

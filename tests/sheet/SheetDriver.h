@@ -1,7 +1,7 @@
-// A person at the settings sheet: works on its real windows from a thread beside the one that shows it.
+// A user at the settings sheet: works on its real windows from a thread beside the one that shows it.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <windows.h>
 

@@ -3,9 +3,9 @@
 #include "core/ThisModule.h"
 #include "resources/resource.h"
 #include "settings/SettingsSheet.h"
-#include "settings/SheetLayout.h"
+#include "settings/SheetLayout_win32.h"
 #include "tests/sheet/SheetDriver.h"
-#include "ui/ActivationContext.h"
+#include "ui/ActivationContext_win32.h"
 
 #include <commctrl.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #include "tests/sheet/WindowPicture.h"
 
-#include "core/ComPtr.h"
-#include "core/HandleOwner.h"
-#include "core/WideText.h"
+#include "com/ComPtr.h"
+#include "com/HandleOwner.h"
+#include "com/WideText.h"
 
 #include <wincodec.h>
 

@@ -1,4 +1,4 @@
-// The dialogs of the authorization as a person at a terminal sees and answers them.
+// The dialogs of the authorization as a user at a terminal sees and answers them.
 #include "core/ThisModule.h"
 #include "resources/resource.h"
 #include "taskdialog/TaskDialogRunner.h"

@@ -1,8 +1,8 @@
-// What a person does with a dialog, from a thread of its own: waits until it is on the screen, looks,
+// What a user does with a dialog, from a thread of its own: waits until it is on the screen, looks,
 // and answers. A dialog that doesn't come fails the test, and whatever blocks its thread is closed.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <windows.h>
 

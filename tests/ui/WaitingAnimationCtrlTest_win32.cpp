@@ -1,7 +1,7 @@
 // The busy indicator's window, drawn into memory.
 #include "core/ThisModule.h"
 #include "resources/resource.h"
-#include "ui/WaitingAnimationCtrl.h"
+#include "ui/WaitingAnimationCtrl_win32.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "tests/webclient/DocumentText.h"
 
-#include "core/BstrOwner.h"
-#include "core/ComPtr.h"
+#include "com/BstrOwner.h"
+#include "com/ComPtr.h"
 #include "webclient/Utf8.h"
 
 std::string DocumentText(IUnknown *document, const char *path)

@@ -1,6 +1,6 @@
-// The promises that a transport makes, kept by that of either world: through a proxy to hosts that behave
+// The promises that a transport makes, kept by that of either build: through a proxy to hosts that behave
 // well and badly.
-#include "tests/platform/World.h"
+#include "tests/platform/KnownGaps.h"
 #include "tests/webclient/TrustedAuthority.h"
 #include "webclient/HttpTransport.h"
 #include "webclient/TransportWords.h"
@@ -67,7 +67,7 @@ private:
 
 // Through a proxy Wine puts the whole address into a secure request's first line.
 const std::string Target =
-    std::string(underWine ? "https://echo.partner.test:443" : "") + "/a%2Fb?c=%7E%20d HTTP/1.1\r\n";
+    std::string(underWine ? "https://echo.server.test:443" : "") + "/a%2Fb?c=%7E%20d HTTP/1.1\r\n";
 
 // To Wine a connection that is closed without an answer is an answer that it can't read.
 constexpr TransportProblem NoAnswerAtAll =
@@ -91,7 +91,7 @@ protected:
     {
         HttpRequest request;
         request.method = method;
-        request.url = std::string("https://") + host + ".partner.test/a%2Fb?c=%7E%20d";
+        request.url = std::string("https://") + host + ".server.test/a%2Fb?c=%7E%20d";
         request.userAgent = "Halvora/1.2.3.4";
         request.headers.push_back({"Content-Type", SecretText("application/x-thing")});
         request.headers.push_back({"Authorization", SecretText("OAuth x=\"y\"")});
@@ -122,7 +122,7 @@ TEST_F(HttpTransportTest, RequestArrivesAsItIs)
     const std::string &echo = outcome.reply.body;
     EXPECT_THAT(echo, testing::StartsWith("POST " + Target));
     for (const char *header :
-         {"Host: echo.partner.test\r\n", "User-Agent: Halvora/1.2.3.4\r\n", "Content-Length: 700001\r\n",
+         {"Host: echo.server.test\r\n", "User-Agent: Halvora/1.2.3.4\r\n", "Content-Length: 700001\r\n",
           "Content-Type: application/x-thing\r\n", "Authorization: OAuth x=\"y\"\r\n"})
     {
         EXPECT_THAT(echo.substr(0, 1000), HasSubstr(header));

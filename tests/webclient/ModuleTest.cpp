@@ -1,9 +1,9 @@
 // The module as a file: its exports and its entries in the registry.
 #include "WebComponents.h"
 #include "XmlInterfaces.h"
-#include "core/ComPtr.h"
-#include "core/HandleOwner.h"
-#include "core/WideText.h"
+#include "com/ComPtr.h"
+#include "com/HandleOwner.h"
+#include "com/WideText.h"
 #include "tests/webclient/ModuleFile.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 #include "tests/webclient/ScriptedStream.h"
 #include "webclient/MimeType.h"
 #include "webclient/MultipartForm.h"

@@ -1,5 +1,5 @@
 // Published vectors, and the corners of RFC 5849 in which signatures of others have failed.
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "webclient/HmacSha1.h"
 #include "webclient/OAuthSignature.h"
 #include "webclient/PercentEncoding.h"

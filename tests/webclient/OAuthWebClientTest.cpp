@@ -1,5 +1,5 @@
 // The client by itself: what it hands to a transport, and what it makes of what comes back.
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 #include "tests/webclient/DocumentText.h"
 #include "tests/webclient/ScriptedStream.h"
 #include "tests/webclient/SignatureCheck.h"

@@ -1,5 +1,5 @@
-#include "core/BstrOwner.h"
-#include "core/Hresult.h"
+#include "com/BstrOwner.h"
+#include "com/Hresult.h"
 #include "tests/webclient/DocumentText.h"
 #include "webclient/ReplyDocument.h"
 

@@ -1,7 +1,7 @@
 // A stream over bytes in memory that can claim another size, give out small portions, and fail.
 #pragma once
 
-#include "core/ComObject.h"
+#include "com/ComObject.h"
 
 #include <objidl.h>
 

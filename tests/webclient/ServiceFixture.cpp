@@ -1,6 +1,6 @@
 #include "tests/webclient/ServiceFixture.h"
 
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 #include "tests/webclient/DocumentText.h"
 #include "tests/webclient/ModuleFile.h"
 #include "tests/webclient/ScriptedStream.h"

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "WebComponents.h"
-#include "core/ComObject.h"
+#include "com/ComObject.h"
 #include "tests/server/TestCertificates.h"
 #include "tests/server/HttpTestServer.h"
 #include "webclient/HttpTransport.h"

@@ -1,5 +1,5 @@
 // Requests through the registered component, against a TLS server that keeps a record of them.
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 #include "tests/webclient/ScriptedStream.h"
 #include "tests/webclient/ServiceFixture.h"
 #include "tests/webclient/SignatureCheck.h"

@@ -1,6 +1,6 @@
 #include "platform/windowscodecs/jpeg/BitmapFormats.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 
 #include <cstring>
 

@@ -1,5 +1,5 @@
 // A colour context: a profile's bytes, or the colour space that EXIF names.
-#include "core/ComObject.h"
+#include "com/ComObject.h"
 #include "platform/windowscodecs/jpeg/JpegCodec.h"
 #include "platform/windowscodecs/jpeg/StreamBytes.h"
 

@@ -1,7 +1,7 @@
 #include "platform/windowscodecs/jpeg/EncoderOptions.h"
 
-#include "core/ComObject.h"
-#include "core/WideText.h"
+#include "com/ComObject.h"
+#include "com/WideText.h"
 
 #include <cstring>
 

@@ -2,7 +2,7 @@
 // a property bag.
 #pragma once
 
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 
 #include <windows.h>
 #include <ocidl.h>

@@ -1,4 +1,4 @@
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "platform/windowscodecs/jpeg/ExifBlock.h"
 #include "platform/windowscodecs/jpeg/JpegMarkers.h"
 

@@ -1,5 +1,5 @@
 // The decoder: recognises a JPEG and gives its one frame.
-#include "core/ComObject.h"
+#include "com/ComObject.h"
 #include "platform/windowscodecs/jpeg/JpegCodec.h"
 #include "platform/windowscodecs/jpeg/JpegFrameDecode.h"
 

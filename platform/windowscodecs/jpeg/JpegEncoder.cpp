@@ -1,5 +1,5 @@
 // The encoder: one frame into one stream, written from where the stream stands.
-#include "core/ComObject.h"
+#include "com/ComObject.h"
 #include "platform/windowscodecs/jpeg/EncoderOptions.h"
 #include "platform/windowscodecs/jpeg/JpegCodec.h"
 #include "platform/windowscodecs/jpeg/JpegFrameEncode.h"

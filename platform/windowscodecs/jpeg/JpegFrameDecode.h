@@ -1,7 +1,7 @@
 // The one frame of a JPEG file.
 #pragma once
 
-#include "core/ComObject.h"
+#include "com/ComObject.h"
 #include "platform/windowscodecs/jpeg/JpegStructure.h"
 #include "platform/windowscodecs/jpeg/MetadataBlocks.h"
 #include "platform/windowscodecs/jpeg/PixelCoding.h"

@@ -7,7 +7,7 @@
 // encoded anew, at a quality of 0.9 and 4:2:0 where the options don't say otherwise.
 #pragma once
 
-#include "core/ComObject.h"
+#include "com/ComObject.h"
 #include "platform/windowscodecs/jpeg/EncoderOptions.h"
 #include "platform/windowscodecs/jpeg/JpegFrameDecode.h"
 #include "platform/windowscodecs/jpeg/MetadataBlocks.h"

@@ -1,5 +1,5 @@
 // A bitmap in memory. A lock gives its pixels as they lie; writers exclude each other and readers.
-#include "core/ComObject.h"
+#include "com/ComObject.h"
 #include "platform/windowscodecs/jpeg/BitmapFormats.h"
 #include "platform/windowscodecs/jpeg/JpegCodec.h"
 

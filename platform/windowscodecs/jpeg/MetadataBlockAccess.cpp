@@ -1,6 +1,6 @@
 #include "platform/windowscodecs/jpeg/MetadataBlockAccess.h"
 
-#include "core/ComObject.h"
+#include "com/ComObject.h"
 #include "platform/windowscodecs/jpeg/JpegMarkers.h"
 
 #include <cstring>

@@ -1,6 +1,6 @@
 #include "platform/windowscodecs/jpeg/MetadataBlocks.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "platform/windowscodecs/jpeg/JpegMarkers.h"
 
 #include <wincodec.h>

@@ -1,6 +1,6 @@
 #include "platform/windowscodecs/jpeg/MetadataQueries.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "platform/kernel32/Utf8.h"
 #include "platform/windowscodecs/jpeg/ExifQueries.h"
 #include "platform/windowscodecs/jpeg/JpegMarkers.h"

@@ -16,7 +16,7 @@
 // there, and for a whole block given a value.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 #include "platform/windowscodecs/jpeg/MetadataBlocks.h"
 
 #include <objidl.h>

@@ -2,7 +2,7 @@
 // they keep alive.
 #pragma once
 
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 #include "platform/windowscodecs/jpeg/MetadataBlocks.h"
 
 #include <wincodec.h>

@@ -1,6 +1,6 @@
 #include "platform/windowscodecs/jpeg/PhotoshopBlock.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "platform/windowscodecs/jpeg/JpegMarkers.h"
 #include "platform/windowscodecs/jpeg/JpegStructure.h"
 #include "platform/windowscodecs/jpeg/PropertyValue.h"

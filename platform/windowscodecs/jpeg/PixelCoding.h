@@ -1,7 +1,7 @@
 // Rows of pixels from and to compressed data. The only place that knows the JPEG library.
 #pragma once
 
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 #include "platform/windowscodecs/jpeg/StreamBytes.h"
 
 #include <objidl.h>

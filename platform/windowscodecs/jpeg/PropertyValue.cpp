@@ -1,7 +1,7 @@
 #include "platform/windowscodecs/jpeg/PropertyValue.h"
 
-#include "core/Hresult.h"
-#include "core/WideText.h"
+#include "com/Hresult.h"
+#include "com/WideText.h"
 #include "platform/kernel32/Utf8.h"
 
 #include <cstring>

@@ -1,7 +1,7 @@
 // A metadata query's path, "/app1/ifd/{ushort=271}", taken apart.
 #pragma once
 
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <vector>
 

@@ -3,7 +3,7 @@
 // A failure of the stream is thrown with its own code; its end is no failure.
 #pragma once
 
-#include "core/ComPtr.h"
+#include "com/ComPtr.h"
 
 #include <objidl.h>
 

@@ -1,6 +1,6 @@
 #include "platform/windowscodecs/jpeg/XmpProperties.h"
 
-#include "core/Hresult.h"
+#include "com/Hresult.h"
 #include "platform/kernel32/Utf8.h"
 
 #include <exiv2/exiv2.hpp>

@@ -1,5 +1,5 @@
-#include "core/HandleOwner.h"
-#include "core/WideText.h"
+#include "com/HandleOwner.h"
+#include "com/WideText.h"
 
 #include <gmock/gmock.h>
 

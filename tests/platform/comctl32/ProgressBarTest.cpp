@@ -1,4 +1,4 @@
-#include "tests/platform/World.h"
+#include "tests/platform/KnownGaps.h"
 
 #include <windows.h>
 #include <commctrl.h>

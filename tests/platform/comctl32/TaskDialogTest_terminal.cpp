@@ -1,4 +1,4 @@
-// Task dialogs as a person at a terminal sees and answers them.
+// Task dialogs as a user at a terminal sees and answers them.
 #include "tests/platform/PseudoTerminal.h"
 
 #include <windows.h>

@@ -1,6 +1,6 @@
-#include "core/HandleOwner.h"
-#include "core/WideText.h"
-#include "tests/platform/World.h"
+#include "com/HandleOwner.h"
+#include "com/WideText.h"
+#include "tests/platform/KnownGaps.h"
 
 #include <windows.h>
 

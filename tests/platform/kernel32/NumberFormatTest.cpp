@@ -1,6 +1,6 @@
 // GetNumberFormatW with a format of the caller's: the same in every locale but for the sign.
-#include "core/WideText.h"
-#include "tests/platform/World.h"
+#include "com/WideText.h"
+#include "tests/platform/KnownGaps.h"
 
 #include <windows.h>
 

@@ -1,7 +1,7 @@
 #include "Registration.h"
 
-#include "core/BstrOwner.h"
-#include "core/ComPtr.h"
+#include "com/BstrOwner.h"
+#include "com/ComPtr.h"
 
 #include "XmlInterfaces.h"
 

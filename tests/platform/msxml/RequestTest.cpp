@@ -1,7 +1,7 @@
 // Requests without a server: what can be asked when.
 #include "Registration.h"
 #include "RequestUse.h"
-#include "tests/platform/World.h"
+#include "tests/platform/KnownGaps.h"
 
 #include <gmock/gmock.h>
 

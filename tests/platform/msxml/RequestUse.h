@@ -1,8 +1,8 @@
 // Use of the request classes in tests.
 #pragma once
 
-#include "core/BstrOwner.h"
-#include "core/ComPtr.h"
+#include "com/BstrOwner.h"
+#include "com/ComPtr.h"
 
 #include "XmlInterfaces.h"
 

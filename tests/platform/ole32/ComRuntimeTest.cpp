@@ -1,7 +1,7 @@
-#include "core/ClassFactory.h"
-#include "core/ComObject.h"
-#include "core/HandleOwner.h"
-#include "core/WideText.h"
+#include "com/ClassFactory.h"
+#include "com/ComObject.h"
+#include "com/HandleOwner.h"
+#include "com/WideText.h"
 
 #include <gmock/gmock.h>
 #include <objbase.h>

@@ -1,6 +1,6 @@
-#include "core/ComPtr.h"
-#include "core/HandleOwner.h"
-#include "core/WideText.h"
+#include "com/ComPtr.h"
+#include "com/HandleOwner.h"
+#include "com/WideText.h"
 
 #include <gmock/gmock.h>
 #include <shlwapi.h>

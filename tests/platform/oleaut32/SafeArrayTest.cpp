@@ -1,4 +1,4 @@
-#include "core/BstrOwner.h"
+#include "com/BstrOwner.h"
 
 #include <windows.h>
 #include <oleauto.h>

@@ -1,5 +1,5 @@
-#include "core/BstrOwner.h"
-#include "core/ComPtr.h"
+#include "com/BstrOwner.h"
+#include "com/ComPtr.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "core/WideText.h"
+#include "com/WideText.h"
 
 #include <windows.h>
 #include <shlwapi.h>

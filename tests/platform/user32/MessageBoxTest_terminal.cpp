@@ -1,4 +1,4 @@
-// Message boxes as a person at a terminal sees and answers them.
+// Message boxes as a user at a terminal sees and answers them.
 #include "tests/platform/PseudoTerminal.h"
 
 #include <windows.h>

@@ -1,5 +1,5 @@
-#include "core/WideText.h"
-#include "tests/platform/World.h"
+#include "com/WideText.h"
+#include "tests/platform/KnownGaps.h"
 
 #include <windows.h>
 

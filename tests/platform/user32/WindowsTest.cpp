@@ -1,6 +1,6 @@
-// Message-only windows: they work in both worlds without a display.
-#include "core/WideText.h"
-#include "tests/platform/World.h"
+// Message-only windows: they work in both builds without a display.
+#include "com/WideText.h"
+#include "tests/platform/KnownGaps.h"
 
 #include <windows.h>
 

@@ -1,0 +1,303 @@
+#include "host/PictureDecoding.h"
+
+#include "host/ErrnoCodes.h"
+#include "host/FileNames.h"
+#include "host/RawDecoding_posix.h"
+
+#include <vips/vips.h>
+
+#include <wincodec.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <string_view>
+
+using namespace std::string_view_literals;
+
+namespace
+{
+struct UnrefObject
+{
+    void operator()(VipsImage *image) const noexcept { g_object_unref(image); }
+    void operator()(VipsObject *object) const noexcept { g_object_unref(object); }
+};
+using Image = std::unique_ptr<VipsImage, UnrefObject>;
+
+void StartLibraryOnce()
+{
+    static const bool started = [] {
+        if (vips_init("halvora") != 0)
+        {
+            return false;
+        }
+        // No picture is asked for twice, and its warnings are no lines of ours.
+        vips_cache_set_max(0);
+        g_log_set_handler(
+            "VIPS", G_LOG_LEVEL_MASK, [](const gchar *, GLogLevelFlags, const gchar *, gpointer) {}, nullptr);
+        return true;
+    }();
+    if (!started)
+    {
+        throw DecodingError(E_UNEXPECTED, "can't be decoded: the imaging library doesn't start");
+    }
+}
+
+// The library's report of what went wrong in this process, in one line.
+std::string TakeReport()
+{
+    std::string report = vips_error_buffer();
+    vips_error_clear();
+    std::replace(report.begin(), report.end(), '\n', ' ');
+    report.resize(report.find_last_not_of(' ') + 1);
+    return report;
+}
+
+[[noreturn]] void ThrowBroken(const std::atomic<bool> *stop)
+{
+    const std::string report = TakeReport();
+    if (stop != nullptr && *stop)
+    {
+        throw DecodingError(E_ABORT, "was not finished");
+    }
+    if (report.find("out of memory") != std::string::npos)
+    {
+        throw DecodingError(E_OUTOFMEMORY, "needs more memory than there is");
+    }
+    if (report.find("data precision 12") != std::string::npos)
+    {
+        throw DecodingError(WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT,
+                            "is a JPEG with 12 bits for each colour; save it with 8, and publish that");
+    }
+    throw DecodingError(WINCODEC_ERR_BADIMAGE,
+                        "is damaged or was cut short" + (report.empty() ? std::string() : ": " + report));
+}
+
+std::string FirstBytes(const std::filesystem::path &file)
+{
+    std::FILE *opened = std::fopen(file.c_str(), "rb");
+    if (opened == nullptr)
+    {
+        const int error = errno;
+        throw DecodingError(HresultFromErrno(error), std::string("can't be read: ") + std::strerror(error));
+    }
+    char bytes[12];
+    const size_t count = std::fread(bytes, 1, sizeof(bytes), opened);
+    std::fclose(opened);
+    return std::string(bytes, count);
+}
+
+// Kinds that no camera raw file begins with. Many raw files are TIFF outside, and a reader of TIFF finds
+// their thumbnails only, so the extension decides there.
+bool IsPlainKind(std::string_view start)
+{
+    return start.starts_with("\xFF\xD8"sv) || start.starts_with("\x89PNG"sv) || start.starts_with("GIF8"sv) ||
+           start.starts_with("RIFF"sv);
+}
+
+struct FileHeader
+{
+    double dpiX = 0;
+    double dpiY = 0;
+    bool hasProfile = false;
+    const char *ownProfile = nullptr; // of the library, should the file's be damaged
+};
+
+FileHeader ReadHeader(const std::filesystem::path &file)
+{
+    const Image image(vips_image_new_from_file(file.c_str(), "access", VIPS_ACCESS_SEQUENTIAL, nullptr));
+    if (!image)
+    {
+        ThrowBroken(nullptr);
+    }
+    const UINT64 width = static_cast<UINT64>(vips_image_get_width(image.get()));
+    const UINT64 height = static_cast<UINT64>(vips_image_get_height(image.get()));
+    if (width * height > MAX_PICTURE_PIXELS)
+    {
+        throw DecodingError(WINCODEC_ERR_IMAGESIZEOUTOFRANGE,
+                            "says that it is " + std::to_string(width) + " by " + std::to_string(height) +
+                                " pixels large; at most " + std::to_string(MAX_PICTURE_PIXELS / 1'000'000) +
+                                " megapixels can be decoded");
+    }
+    FileHeader header;
+    // Without this field the library's resolution is one of its own making.
+    if (vips_image_get_typeof(image.get(), VIPS_META_RESOLUTION_UNIT) != 0)
+    {
+        header.dpiX = vips_image_get_xres(image.get()) * 25.4;
+        header.dpiY = vips_image_get_yres(image.get()) * 25.4;
+    }
+    if (vips_image_get_orientation_swap(image.get()))
+    {
+        std::swap(header.dpiX, header.dpiY);
+    }
+    header.hasProfile = vips_image_get_typeof(image.get(), VIPS_META_ICC_NAME) != 0;
+    header.ownProfile = vips_image_get_interpretation(image.get()) == VIPS_INTERPRETATION_CMYK ? "cmyk"
+                        : vips_image_get_bands(image.get()) >= 3                               ? "srgb"
+                                                                                               : nullptr;
+    return header;
+}
+
+// Takes over what an operation made of the image before.
+template <class Operation>
+void Follow(Image &image, const std::atomic<bool> *stop, Operation operation)
+{
+    VipsImage *made = nullptr;
+    if (operation(image.get(), &made) != 0)
+    {
+        ThrowBroken(stop);
+    }
+    image.reset(made);
+}
+
+void StopWhenAsked(VipsImage *image, VipsProgress *, const std::atomic<bool> *stop)
+{
+    if (*stop)
+    {
+        vips_image_set_kill(image, TRUE);
+    }
+}
+
+// Called with one strip of rows after the other, from threads of the library.
+int TakeRows(VipsRegion *region, VipsRect *area, void *target) noexcept
+{
+    DecodedPicture &picture = *static_cast<DecodedPicture *>(target);
+    for (int line = 0; line < area->height; ++line)
+    {
+        const VipsPel *from = VIPS_REGION_ADDR(region, area->left, area->top + line);
+        BYTE *to = picture.pixels.data() + size_t(area->top + line) * picture.RowBytes() + size_t(area->left) * 3;
+        for (int column = 0; column < area->width; ++column, from += 3, to += 3)
+        {
+            to[0] = from[2];
+            to[1] = from[1];
+            to[2] = from[0];
+        }
+    }
+    return 0;
+}
+
+// 8 bits in sRGB, laid on white.
+DecodedPicture Finish(Image image, const std::atomic<bool> *stop)
+{
+    if (vips_image_hasalpha(image.get()))
+    {
+        const double white[] = {255};
+        VipsArrayDouble *background = vips_array_double_new(white, 1);
+        const std::unique_ptr<VipsArrayDouble, void (*)(VipsArrayDouble *)> owned(
+            background, [](VipsArrayDouble *array) { vips_area_unref(VIPS_AREA(array)); });
+        Follow(image, stop, [&](VipsImage *in, VipsImage **out) {
+            return vips_flatten(in, out, "background", background, nullptr);
+        });
+    }
+    if (vips_image_get_interpretation(image.get()) != VIPS_INTERPRETATION_sRGB)
+    {
+        Follow(image, stop, [](VipsImage *in, VipsImage **out) {
+            return vips_colourspace(in, out, VIPS_INTERPRETATION_sRGB, nullptr);
+        });
+    }
+    Follow(image, stop, [](VipsImage *in, VipsImage **out) { return vips_cast_uchar(in, out, nullptr); });
+    if (vips_image_get_bands(image.get()) == 1)
+    {
+        Follow(image, stop, [](VipsImage *in, VipsImage **out) {
+            VipsImage *thrice[] = {in, in, in};
+            return vips_bandjoin(thrice, out, 3, nullptr);
+        });
+    }
+    if (vips_image_get_bands(image.get()) != 3)
+    {
+        Follow(image, stop,
+               [](VipsImage *in, VipsImage **out) { return vips_extract_band(in, out, 0, "n", 3, nullptr); });
+    }
+    DecodedPicture picture;
+    picture.width = static_cast<UINT>(vips_image_get_width(image.get()));
+    picture.height = static_cast<UINT>(vips_image_get_height(image.get()));
+    picture.pixels.resize(picture.RowBytes() * picture.height);
+    if (stop != nullptr)
+    {
+        vips_image_set_progress(image.get(), TRUE);
+        g_signal_connect(image.get(), "eval", G_CALLBACK(StopWhenAsked), const_cast<std::atomic<bool> *>(stop));
+    }
+    if (vips_sink_disc(image.get(), TakeRows, &picture) != 0)
+    {
+        ThrowBroken(stop);
+    }
+    return picture;
+}
+
+int EdgeFor(UINT longEdge)
+{
+    return longEdge == 0 || longEdge > VIPS_MAX_COORD ? VIPS_MAX_COORD : static_cast<int>(longEdge);
+}
+
+DecodedPicture DecodePlain(const std::filesystem::path &file, UINT longEdge, const std::atomic<bool> *stop)
+{
+    if (vips_foreign_find_load(file.c_str()) == nullptr)
+    {
+        vips_error_clear();
+        throw DecodingError(WINCODEC_ERR_UNKNOWNIMAGEFORMAT, "is of no kind of picture that is known here");
+    }
+    const FileHeader header = ReadHeader(file);
+    VipsImage *scaled = nullptr;
+    const int edge = EdgeFor(longEdge);
+    // Without a profile the colours are sRGB's already, or are converted when all is done: the way through
+    // profiles would change them. Where an embedded profile can't be used, the library takes the named one.
+    int result = 0;
+    if (!header.hasProfile)
+    {
+        result = vips_thumbnail(file.c_str(), &scaled, edge, "height", edge, "size", VIPS_SIZE_DOWN, "fail_on",
+                                VIPS_FAIL_ON_TRUNCATED, nullptr);
+    }
+    else if (header.ownProfile != nullptr)
+    {
+        result = vips_thumbnail(file.c_str(), &scaled, edge, "height", edge, "size", VIPS_SIZE_DOWN, "fail_on",
+                                VIPS_FAIL_ON_TRUNCATED, "export_profile", "srgb", "import_profile",
+                                header.ownProfile, nullptr);
+    }
+    else
+    {
+        result = vips_thumbnail(file.c_str(), &scaled, edge, "height", edge, "size", VIPS_SIZE_DOWN, "fail_on",
+                                VIPS_FAIL_ON_TRUNCATED, "export_profile", "srgb", nullptr);
+    }
+    if (result != 0)
+    {
+        ThrowBroken(stop);
+    }
+    DecodedPicture picture = Finish(Image(scaled), stop);
+    picture.dpiX = header.dpiX;
+    picture.dpiY = header.dpiY;
+    return picture;
+}
+
+DecodedPicture Scale(DecodedPicture developed, UINT longEdge, const std::atomic<bool> *stop)
+{
+    Image image(vips_image_new_from_memory(developed.pixels.data(), developed.pixels.size(),
+                                           static_cast<int>(developed.width), static_cast<int>(developed.height),
+                                           3, VIPS_FORMAT_UCHAR));
+    if (!image)
+    {
+        ThrowBroken(stop);
+    }
+    image->Type = VIPS_INTERPRETATION_sRGB;
+    const int edge = EdgeFor(longEdge);
+    Follow(image, stop, [&](VipsImage *in, VipsImage **out) {
+        return vips_thumbnail_image(in, out, edge, "height", edge, "size", VIPS_SIZE_DOWN, nullptr);
+    });
+    return Finish(std::move(image), stop);
+}
+} // namespace
+
+DecodedPicture DecodePicture(const std::filesystem::path &file, UINT longEdge, const std::atomic<bool> *stop)
+{
+    StartLibraryOnce();
+    // Each thread that used the library leaves buffers of its own with it.
+    const struct EndOfThread
+    {
+        ~EndOfThread() { vips_thread_shutdown(); }
+    } endOfThread;
+    if (!IsPlainKind(FirstBytes(file)) && IsRawExtension(ExtensionOf(file)))
+    {
+        return Scale(DevelopRaw(file, longEdge, stop), longEdge, stop);
+    }
+    return DecodePlain(file, longEdge, stop);
+}

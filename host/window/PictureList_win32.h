@@ -1,0 +1,67 @@
+// The pictures of the window: a list view of thumbnails with their names, and what became of each.
+#pragma once
+
+#include "host/PictureItems.h"
+#include "host/RunRecord.h"
+#include "host/window/ThumbnailMaker_win32.h"
+
+#include <windows.h>
+#include <commctrl.h>
+
+#include <memory>
+#include <vector>
+
+class PictureList
+{
+public:
+    // view: an icon view of the window; edge: of a thumbnail, in pixels. thumbnailMessage is posted to the
+    // window when ShowThumbnails has something to do.
+    PictureList(HWND view, int edge, UINT thumbnailMessage);
+    ~PictureList();
+    PictureList(const PictureList &) = delete;
+    PictureList &operator=(const PictureList &) = delete;
+
+    // An item that is there already gets the extensions that it lacks.
+    void Add(const std::vector<PictureItem> &items);
+    void RemoveSelected();
+    void SelectAll();
+
+    void ShowThumbnails();
+
+    size_t Count() const { return m_pictures.size(); }
+    size_t SelectedCount() const;
+
+    // Those that didn't go up yet.
+    size_t WaitingCount() const;
+
+    // The same for a run that begins, in the order of the list, which isn't changed while the run goes on.
+    std::vector<PictureItem> BeginRun();
+
+    // What has become of the items of BeginRun by now. One that was not tried stays as it was.
+    void MarkEnds(const RunRecord &record);
+
+private:
+    struct Picture
+    {
+        int number;
+        PictureItem item;
+        std::filesystem::path identity; // of the stem
+        int image = 0;                  // 0: none of its own
+        ItemEnd end = ItemEnd::NotTried;
+    };
+
+    void Insert(const PictureItem &item, const std::filesystem::path &identity);
+    Picture *Find(int number);
+    // Takes the thumbnail, and puts on it the badge of what became of the picture.
+    void Show(Picture &picture, HBITMAP thumbnail);
+    int RowOf(const Picture &picture) const { return static_cast<int>(&picture - m_pictures.data()); }
+
+    const HWND m_view;
+    const int m_edge;
+    HIMAGELIST m_images; // the first is the frame of pictures that have no thumbnail
+    std::vector<int> m_freeImages;
+    int m_lastNumber = 0;
+    std::vector<Picture> m_pictures; // row by row
+    std::vector<size_t> m_run;       // the rows of the run's items
+    ThumbnailMaker m_maker;
+};

@@ -1,0 +1,115 @@
+// The controls of one page of the settings sheet on a terminal: their state, the focus among them, what a key
+// or a click does to them, and how they look. Native builds only.
+#pragma once
+
+#include "settings/PageControls.h"
+#include "settings/PageLayout_terminal.h"
+#include "settings/SheetScreen_terminal.h"
+
+#include <vector>
+
+struct ScreenArea
+{
+    int Left;
+    int Top;
+    int Width;
+    int Height;
+};
+
+class TerminalPage final : public IPageControls
+{
+public:
+    // screen lives as long as this.
+    TerminalPage(PageTemplate page, ISheetScreen &screen);
+
+    void SetCheck(UINT id, UINT32 state) override;
+    UINT32 Check(UINT id) override;
+    void SetRadio(UINT firstId, UINT32 position) override;
+    UINT32 Radio(UINT firstId) override;
+    void SetText(UINT id, const WideText &text) override;
+    WideText Text(UINT id) override;
+    void Enable(UINT id, bool isEnabled) override;
+    void AddListEntry(UINT id, const WideText &text, std::optional<UINT32> pixels) override;
+    void PutCaretAtEnd(UINT id) override;
+    void Focus(UINT id) override;
+    void Repaint(UINT id) override;
+    void Beep() override;
+
+    // The tab key's order: enabled controls that take the focus, of a radio group its checked button. False
+    // leaves the focus where it is, since there is no further one in that direction.
+    bool FocusFirst();
+    bool FocusLast();
+    bool FocusNext();
+    bool FocusPrevious();
+
+    // The identifier of the control with the focus, or TemplateControl::NoId.
+    UINT Focused() const;
+
+    struct Response
+    {
+        bool IsUsed = false;         // the key or click meant something to a control
+        std::optional<UINT> Clicked; // a button or link that shows its new state already
+    };
+
+    // A key for the control with the focus.
+    Response Press(const ScreenInput &input);
+
+    // A click on the screen, at a place that was drawn last.
+    Response Click(int column, int row);
+
+    // All keys and clicks belong to an open list first.
+    bool HasOpenList() const { return m_isListOpen; }
+
+    void Scroll(int rows);
+    void Draw(const ScreenArea &area, bool hasFocus);
+
+private:
+    struct State
+    {
+        bool IsEnabled = true;
+        UINT32 Check = 0;
+        std::vector<WideText> List;
+    };
+
+    static constexpr size_t NoControl = static_cast<size_t>(-1);
+
+    size_t Find(UINT id) const;
+    ControlKind KindOf(size_t control) const { return m_template.Controls[control].Kind; }
+    size_t GroupStart(size_t radio) const;
+    size_t GroupEnd(size_t radio) const;
+    bool TakesFocus(size_t control) const;
+    bool FocusFrom(size_t start, int direction);
+    void FocusOn(size_t control);
+    Response Choose(size_t control);
+    Response MoveInGroup(int direction);
+    Response EditText(const ScreenInput &input);
+    Response PressInList(const ScreenInput &input);
+    void OpenList();
+    void CloseList(bool isTaken);
+
+    void ShowFocus();
+    void DrawControl(size_t control, bool hasFocus);
+    void DrawMark(size_t control, int column, int row, bool hasFocus);
+    void DrawComboBox(size_t control, int column, int row, bool hasFocus);
+    void DrawEdit(const ControlPlace &place, int column, int row, bool hasFocus);
+    void DrawList();
+    void DrawScrollMarks();
+    bool IsOnScreen(int row) const { return row >= m_area.Top && row < m_area.Top + m_area.Height; }
+    void Write(int column, int row, WideView text, Look look);
+
+    PageTemplate m_template;
+    ISheetScreen &m_screen;
+    std::vector<State> m_states;
+    std::vector<WideText> m_texts;
+    std::vector<ControlPlace> m_places;
+    ScreenArea m_area{};
+    size_t m_focus = NoControl;
+    size_t m_caret = 0;           // in the text of the combo box
+    bool m_isAllSelected = false; // what is typed replaces the text
+    int m_scroll = 0;
+    bool m_followsFocus = true;
+    bool m_isListOpen = false;
+    size_t m_listChoice = 0;
+    ScreenArea m_listArea{};
+    size_t m_listTop = 0;
+};

@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# The installed programs by themselves, with nothing at hand but a shell: InstalledPrograms.sh FOLDER PICTURE
+# publishes the picture (a large JPEG) to the service on this machine, as it is and processed.
+set -euo pipefail
+bin=$1 picture=$2
+work=$(mktemp -d)
+service=
+finish() { [ -z "$service" ] || kill "$service" 2>/dev/null || true; rm -rf "$work"; }
+trap finish EXIT
+fail() { printf 'FAILED: %s\n' "$1" >&2; cat "$work"/out "$work"/service.log >&2 2>/dev/null || true; exit 1; }
+run() { "$bin/halvora" --profile "$work/profile" "$@" >"$work/out" 2>&1 || fail "halvora $*: exit code $?"; }
+says() { grep -q -- "$1" "$work/out" || fail "nothing said of: $1"; }
+
+run --version
+says '^halvora [0-9.]*$'
+run status
+! grep -qi 'missing\|could not' "$work/out" || fail 'a module is missing'
+
+"$bin/flickr-loopback" --port 0 --store "$work/store" --token tok:sec --ready-file "$work/env" >"$work/service.log" 2>&1 &
+service=$!
+for _ in $(seq 300); do [ ! -f "$work/env" ] || break; sleep 0.1; done
+# shellcheck disable=SC1091
+. "$work/env" || fail 'the service did not start'
+printf 'tok\nsec\n' | "$bin/halvora" --profile "$work/profile" account --set-token - >"$work/out" 2>&1 || fail 'no account'
+
+run settings JPEGMode=0
+run publish "$picture"
+run settings JPEGMode=2 'JPEGLongDimension=1024 px'
+run publish "$picture"
+sizes=$(find "$work/store/photos" -type f -exec stat -c %s {} + | sort -n)
+large=$(stat -c %s "$picture")
+[ "$(wc -l <<<"$sizes")" = 2 ] || fail 'not two uploads'
+[ "$(tail -n 1 <<<"$sizes")" = "$large" ] || fail 'the picture did not arrive as it is'
+[ "$(head -n 1 <<<"$sizes")" -lt $((large / 2)) ] || fail 'the picture did not arrive smaller'
+cmp -s "$picture" "$(find "$work/store/photos" -type f -size "${large}c")" || fail 'the picture did not arrive to the byte'
+echo "The programs in $bin publish."

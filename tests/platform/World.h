@@ -1,9 +1,0 @@
-// In which world a test runs, for the marks of known gaps: where Wine doesn't do what Windows
-// documents, a test asserts what Wine does, so that it fails when the gap closes.
-#pragma once
-
-#include <windows.h>
-
-#include <type_traits>
-
-constexpr bool underWine = std::is_same_v<WCHAR, wchar_t>;

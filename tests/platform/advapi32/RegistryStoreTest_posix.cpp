@@ -1,0 +1,247 @@
+#include "com/HandleOwner.h"
+#include "com/WideText.h"
+#include "platform/advapi32/RegistryStore.h"
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <thread>
+
+#include <csignal>
+#include <filesystem>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace
+{
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+const std::string heading = "Windows Registry Editor Version 5.00\n";
+
+class RegistryStore : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        char name[] = "/tmp/registry-test-XXXXXX";
+        m_folder = mkdtemp(name);
+        m_file = m_folder + "/registry.reg";
+        SetRegistryStorePath(m_file);
+    }
+
+    void TearDown() override
+    {
+        SetRegistryStorePath("");
+        fs::remove_all(m_folder);
+    }
+
+    void Put(const std::string &text) const { std::ofstream(m_file, std::ios::binary) << text; }
+
+    std::string FileText() const
+    {
+        std::ostringstream text;
+        text << std::ifstream(m_file, std::ios::binary).rdbuf();
+        return text.str();
+    }
+
+    static LSTATUS Set(const WCHAR *name, DWORD number)
+    {
+        RegistryKeyOwner key;
+        const LSTATUS result = RegCreateKeyExW(HKEY_CURRENT_USER, TEXT("Software\\Test"), 0, nullptr, 0,
+                                               KEY_ALL_ACCESS, nullptr, key.Put(), nullptr);
+        return result != ERROR_SUCCESS
+                   ? result
+                   : RegSetValueExW(key.Get(), name, 0, REG_DWORD, reinterpret_cast<const BYTE *>(&number), 4);
+    }
+
+    // The number, or -1.
+    static int Get(const WCHAR *name)
+    {
+        RegistryKeyOwner key;
+        DWORD number = 0;
+        DWORD size = 4;
+        RegOpenKeyExW(HKEY_CURRENT_USER, TEXT("SOFTWARE\\Test"), 0, KEY_READ, key.Put());
+        const LSTATUS result =
+            RegQueryValueExW(key.Get(), name, nullptr, nullptr, reinterpret_cast<BYTE *>(&number), &size);
+        return result == ERROR_SUCCESS ? static_cast<int>(number) : -1;
+    }
+
+    std::string m_folder;
+    std::string m_file;
+};
+
+TEST_F(RegistryStore, KeepsEverythingItDoesNotChange)
+{
+    const std::string before =
+        heading + "; a remark at the top\n\n[HKEY_CURRENT_USER\\Software\\Other]\n; mine\n"
+                  "\"odd\"=something new\n\"List\"=hex(7):61,00,\\\n  00,00,00,00\n[-HKEY_X]\n\"gone\"=-\n\n"
+                  "[HKEY_CURRENT_USER\\Software\\Test]\n\"A\"=dword:1\n";
+    Put(before);
+    ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("B"), 2));
+    EXPECT_EQ(before + "\"B\"=dword:00000002\n", FileText());
+    ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("A"), 3));
+    EXPECT_THAT(FileText(), HasSubstr("\"odd\"=something new\n"));
+    EXPECT_EQ(3, Get(TEXT("a")));
+    struct stat status;
+    ASSERT_EQ(0, stat(m_file.c_str(), &status));
+    EXPECT_EQ(0600u, status.st_mode & 0777);
+}
+
+TEST_F(RegistryStore, WritesNothingWhenNothingChanges)
+{
+    ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("A"), 1));
+    const auto before = fs::last_write_time(m_file);
+    struct stat first, second;
+    stat(m_file.c_str(), &first);
+    ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("A"), 1));
+    stat(m_file.c_str(), &second);
+    EXPECT_EQ(first.st_ino, second.st_ino);
+    EXPECT_EQ(before, fs::last_write_time(m_file));
+}
+
+TEST_F(RegistryStore, ReadsAndKeepsWhatRegeditExports)
+{
+    const std::u16string text =
+        u"\xFEFFWindows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\Test]\r\n"
+        u"\"Größe\"=dword:00000007\r\n";
+    const std::string bytes(reinterpret_cast<const char *>(text.data()), text.size() * 2);
+    Put(bytes);
+    EXPECT_EQ(7, Get(TEXT("grÖße")));
+    ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("B"), 2));
+    const std::u16string added = u"\"B\"=dword:00000002\r\n";
+    EXPECT_EQ(bytes + std::string(reinterpret_cast<const char *>(added.data()), added.size() * 2), FileText());
+}
+
+TEST_F(RegistryStore, PutsADamagedFileAsideAndSaysSoOnce)
+{
+    const std::string cases[] = {
+        "<html>not a registry</html>\n",
+        heading + std::string(100, '\0'),
+        heading + "[HKEY_CURRENT_USER\\Software\\Test]\n\"A\"=dword:1\n\"Text\"=\"cut o",
+        heading + "[HKEY_CURRENT_USER\\Software\\Te",
+        heading + "[HKEY_CURRENT_USER\\Software\\Test]\n\"A\"=hex:01,02,",
+        "\xFF\xFEW",
+    };
+    int number = 0;
+    for (const std::string &text : cases)
+    {
+        Put(text);
+        EXPECT_EQ(-1, Get(TEXT("A")));
+        const auto problem = RegistryStoreProblem();
+        ASSERT_TRUE(problem) << text;
+        EXPECT_EQ(m_file + ".damaged-" + std::to_string(++number), problem->keptAs);
+        EXPECT_FALSE(RegistryStoreProblem());
+        std::ostringstream kept;
+        kept << std::ifstream(problem->keptAs, std::ios::binary).rdbuf();
+        EXPECT_EQ(text, kept.str());
+        EXPECT_EQ(ERROR_SUCCESS, Set(TEXT("A"), 5));
+        EXPECT_EQ(5, Get(TEXT("A")));
+    }
+}
+
+TEST_F(RegistryStore, SeesAndKeepsTheChangesOfOtherProcesses)
+{
+    ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("A"), 1));
+    constexpr int processes = 4;
+    for (int process = 0; process < processes; ++process)
+    {
+        if (fork() == 0)
+        {
+            bool good = true;
+            for (int i = 0; i < 10; ++i)
+            {
+                const WCHAR name[] = {static_cast<WCHAR>(u'0' + process), static_cast<WCHAR>(u'a' + i), 0};
+                good = Set(name, 10) == ERROR_SUCCESS && good;
+            }
+            _exit(good ? 0 : 1);
+        }
+    }
+    for (int process = 0; process < processes; ++process)
+    {
+        int status = -1;
+        wait(&status);
+        EXPECT_EQ(0, status);
+    }
+    for (int process = 0; process < processes; ++process)
+    {
+        const WCHAR name[] = {static_cast<WCHAR>(u'0' + process), u'j', 0};
+        EXPECT_EQ(10, Get(name));
+    }
+    EXPECT_EQ(1, Get(TEXT("A")));
+}
+
+TEST_F(RegistryStore, FailsWholeWhenTheFolderCannotBeWritten)
+{
+    ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("A"), 1));
+    const std::string before = FileText();
+    chmod(m_folder.c_str(), 0500);
+    fs::remove(m_file + ".lock");
+    // For root a folder without the right to write is no obstacle: another user tries.
+    const bool root = geteuid() == 0;
+    if (root)
+    {
+        ASSERT_EQ(0, chown(m_file.c_str(), 65534, 65534));
+        ASSERT_EQ(0, chown(m_folder.c_str(), 65534, 65534));
+        ASSERT_EQ(0, fs::exists(m_file + ".lock") ? unlink((m_file + ".lock").c_str()) : 0);
+        ASSERT_EQ(0, seteuid(65534));
+    }
+    EXPECT_EQ(ERROR_ACCESS_DENIED, Set(TEXT("A"), 2));
+    EXPECT_EQ(1, Get(TEXT("A")));
+    if (root)
+    {
+        ASSERT_EQ(0, seteuid(0));
+    }
+    chmod(m_folder.c_str(), 0700);
+    EXPECT_EQ(before, FileText());
+    EXPECT_EQ(ERROR_SUCCESS, Set(TEXT("A"), 2));
+}
+
+TEST_F(RegistryStore, KeepsTheOldFileWhenTheDiskIsFull)
+{
+    ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("A"), 1));
+    const std::string before = FileText();
+    const auto oldHandler = signal(SIGXFSZ, SIG_IGN);
+    rlimit old;
+    getrlimit(RLIMIT_FSIZE, &old);
+    const rlimit shortest{40, old.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &shortest);
+    const LSTATUS result = Set(TEXT("A"), 2);
+    setrlimit(RLIMIT_FSIZE, &old);
+    signal(SIGXFSZ, oldHandler);
+    EXPECT_EQ(ERROR_DISK_FULL, result);
+    EXPECT_EQ(before, FileText());
+    EXPECT_EQ(1, Get(TEXT("A")));
+    EXPECT_FALSE(fs::exists(m_file + ".new"));
+}
+
+TEST_F(RegistryStore, ABatchReplacesTheFileOnce)
+{
+    RegistryStoreBatch batch;
+    for (DWORD i = 0; i < 26; ++i)
+    {
+        const WCHAR name[] = {static_cast<WCHAR>(u'A' + i), 0};
+        ASSERT_EQ(ERROR_SUCCESS, Set(name, i));
+    }
+    EXPECT_EQ(3, Get(TEXT("D")));
+    EXPECT_FALSE(fs::exists(m_file));
+    EXPECT_EQ(ERROR_SUCCESS, batch.Commit());
+    EXPECT_THAT(FileText(), HasSubstr("\"D\"=dword:00000003\n"));
+}
+
+TEST_F(RegistryStore, ALinkToTheFileStaysALink)
+{
+    const std::string real = m_folder + "/real.reg";
+    std::ofstream(real) << heading;
+    fs::create_symlink(real, m_file);
+    ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("A"), 1));
+    EXPECT_TRUE(fs::is_symlink(m_file));
+    std::ostringstream text;
+    text << std::ifstream(real).rdbuf();
+    EXPECT_THAT(text.str(), HasSubstr("\"A\"=dword:00000001"));
+}
+} // namespace

@@ -1,0 +1,132 @@
+// A JPEG written anew from its own frame holds the same pixels, bit for bit, whatever its coding.
+#include "tests/platform/windowscodecs_jpeg/CodecUse_posix.h"
+
+#include "platform/windowscodecs/jpeg/JpegCodec.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+struct Case
+{
+    const char *Name;
+    SampleOptions Options;
+};
+
+const Case CASES[] = {
+    {"baseline 4:2:0", {}},
+    {"4:4:4", {.HorizontalSampling = 1, .VerticalSampling = 1}},
+    {"4:2:2", {.HorizontalSampling = 2, .VerticalSampling = 1}},
+    {"4:4:0", {.HorizontalSampling = 1, .VerticalSampling = 2}},
+    {"4:1:1", {.HorizontalSampling = 4, .VerticalSampling = 1}},
+    {"whole units", {.Width = 64, .Height = 48}},
+    {"one pixel", {.Width = 1, .Height = 1}},
+    {"one column", {.Width = 1, .Height = 200}},
+    {"as wide as can be", {.Width = 65500, .Height = 9}},
+    {"as high as can be", {.Width = 9, .Height = 65500}},
+    {"progressive", {.Progressive = true}},
+    {"progressive, restarts", {.Progressive = true, .RestartInterval = 3}},
+    {"restarts", {.RestartInterval = 2}},
+    {"gray", {.Components = 1, .HorizontalSampling = 1, .VerticalSampling = 1}},
+    {"gray, progressive", {.Components = 1, .HorizontalSampling = 1, .VerticalSampling = 1, .Progressive = true}},
+    {"gray, sampled twice", {.Components = 1}},
+    {"RGB by Adobe's marker", {.StoredAsRgb = true, .HorizontalSampling = 1, .VerticalSampling = 1}},
+    {"RGB by component names",
+     {.StoredAsRgb = true, .HorizontalSampling = 1, .VerticalSampling = 1, .AdobeMarker = false}},
+    {"CMYK", {.Components = 4, .HorizontalSampling = 1, .VerticalSampling = 1}},
+    {"CMYK without marker",
+     {.Components = 4, .HorizontalSampling = 1, .VerticalSampling = 1, .AdobeMarker = false}},
+    {"YCCK", {.Components = 4, .StoredAsYcck = true}},
+    {"YCCK, progressive", {.Components = 4, .StoredAsYcck = true, .Progressive = true}},
+    {"arithmetic", {.Arithmetic = true}},
+    {"arithmetic, progressive", {.Progressive = true, .Arithmetic = true}},
+    {"a scan each", {.SeveralScans = true}},
+    {"best quality", {.Quality = 100}},
+    {"worst quality", {.Quality = 1}},
+};
+} // namespace
+
+TEST(IntactPixels, AreIdenticalInEveryCoding)
+{
+    for (const Case &sample : CASES)
+    {
+        SCOPED_TRACE(sample.Name);
+        const Octets source = MakeJpeg(sample.Options);
+        const Octets before = DecodeJpeg(source);
+        ASSERT_FALSE(before.empty());
+        Octets result;
+        ASSERT_EQ(S_OK, Rewrite(source, {}, result));
+        EXPECT_EQ(before, DecodeJpeg(result));
+        EXPECT_EQ(sample.Options.Progressive, FactsOf(result).Progressive);
+        ComPtr<IWICBitmapFrameDecode> again;
+        ASSERT_EQ(S_OK, OpenFrame(result, again));
+        double x = 0;
+        double y = 0;
+        again->GetResolution(&x, &y);
+        EXPECT_EQ(300, x) << "in JFIF, or in EXIF where there can't be a JFIF header";
+        EXPECT_EQ(300, y);
+    }
+}
+
+TEST(IntactPixels, DifferOnceAnOptionOrASizeIsGiven)
+{
+    const Octets source = MakeJpeg({.Quality = 60});
+    ComPtr<IWICBitmapFrameDecode> frame;
+    ASSERT_EQ(S_OK, OpenFrame(source, frame));
+    ComPtr<IWICBitmapEncoder> encoder;
+    ComPtr<IWICBitmapFrameEncode> target;
+    ComPtr<IPropertyBag2> bag;
+    const ComPtr<IStream> stream = StreamOf({});
+    CreateJpegEncoder(encoder.Put());
+    encoder->Initialize(stream.Get(), WICBitmapEncoderNoCache);
+    encoder->CreateNewFrame(target.Put(), bag.Put());
+    WideText name = TEXT("ImageQuality");
+    PROPBAG2 option{PROPBAG2_TYPE_DATA, VT_R4, 0, 0, name.data(), {}};
+    VARIANT quality{};
+    V_VT(&quality) = VT_R4;
+    V_R4(&quality) = 0.95f;
+    ASSERT_EQ(S_OK, bag->Write(1, &option, &quality));
+    ASSERT_EQ(S_OK, target->Initialize(bag.Get()));
+    ASSERT_EQ(S_OK, target->WriteSource(frame.Get(), nullptr));
+    ASSERT_EQ(S_OK, target->Commit());
+    EXPECT_LT(FactsOf(BytesOf(stream.Get())).FirstQuantizer, FactsOf(source).FirstQuantizer);
+}
+
+TEST(IntactPixels, BringNothingElseAlong)
+{
+    Octets source = MakeJpeg({.Components = 1,
+                              .HorizontalSampling = 1,
+                              .VerticalSampling = 1,
+                              .Markers = {{0xE0, std::string("JFXX\0\x10private-thumbnail", 23)},
+                                          {0xE2, std::string("MPF\0private-list", 16)},
+                                          {0xE5, "private-app5"},
+                                          {0xFE, "private-comment"}}});
+    const std::string tail = "private-behind-the-end";
+    source.insert(source.end(), tail.begin(), tail.end());
+    Octets result;
+    ASSERT_EQ(S_OK, Rewrite(source, {.CopyBlocks = false}, result));
+    EXPECT_FALSE(Holds(result, "private"));
+    EXPECT_EQ(DecodeJpeg(source), DecodeJpeg(result));
+
+    ASSERT_EQ(S_OK, Rewrite(source, {}, result));
+    EXPECT_TRUE(Holds(result, "private-app5"));
+    EXPECT_TRUE(Holds(result, "private-comment"));
+    EXPECT_FALSE(Holds(result, "private-thumbnail"));
+    EXPECT_FALSE(Holds(result, "private-list"));
+    EXPECT_FALSE(Holds(result, tail));
+}
+
+TEST(IntactPixels, AreRefusedWhenTheSourceIsDamaged)
+{
+    for (const bool progressive : {false, true})
+    {
+        Octets whole = MakeJpeg({.Width = 400, .Height = 300, .Progressive = progressive});
+        for (const size_t kept : {whole.size() - 2, whole.size() / 2, whole.size() * 3 / 4})
+        {
+            SCOPED_TRACE(kept);
+            Octets result;
+            EXPECT_EQ(WINCODEC_ERR_BADIMAGE, Rewrite(Octets(whole.begin(), whole.begin() + kept), {}, result));
+            EXPECT_TRUE(result.empty() || DecodeJpeg(result).empty()) << "a file that seems whole";
+        }
+    }
+}

@@ -1,0 +1,509 @@
+// What queries write into a file, as another reader finds it, and that what they remove is gone.
+#include "tests/platform/windowscodecs_jpeg/CodecUse_posix.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+std::string NarrowText(const WideText &text)
+{
+    return std::string(text.begin(), text.end());
+}
+
+WideText TagPath(const WCHAR *directory, int tag)
+{
+    const std::string digits = std::to_string(tag);
+    return WideText(directory) + TEXT("/{ushort=") + WideText(digits.begin(), digits.end()) + TEXT("}");
+}
+
+struct Entry
+{
+    WideText Path;
+    PROPVARIANT Value;
+    std::string Tag;
+    std::string Expected;
+};
+
+std::vector<Entry> Entries()
+{
+    static const WideText caption = TEXT("Caf\x00E9 \x65E5\x672C");
+    static unsigned char version[] = {2, 3, 0, 0};
+    static ULARGE_INTEGER degrees[3] = {
+        {.QuadPart = 1ull << 32 | 47}, {.QuadPart = 1ull << 32 | 30}, {.QuadPart = 100ull << 32 | 1234}};
+    PROPVARIANT versionBytes{};
+    versionBytes.vt = VT_VECTOR | VT_UI1;
+    versionBytes.caub = {4, version};
+    PROPVARIANT latitude{};
+    latitude.vt = VT_VECTOR | VT_UI8;
+    latitude.cauh = {3, degrees};
+    PROPVARIANT bias{};
+    bias.vt = VT_I8;
+    bias.hVal.QuadPart = static_cast<LONGLONG>(3ull << 32 | 0xFFFFFFFFull);
+    static WCHAR *words[] = {const_cast<WCHAR *>(TEXT("sea")), const_cast<WCHAR *>(TEXT("wind"))};
+    PROPVARIANT keywords{};
+    keywords.vt = VT_VECTOR | VT_LPWSTR;
+    keywords.calpwstr = {2, words};
+    const WCHAR *ifd = TEXT("/app1/ifd");
+    const WCHAR *exif = TEXT("/app1/ifd/exif");
+    const WCHAR *gps = TEXT("/app1/ifd/gps");
+    return {
+        {TagPath(ifd, 271), QueryValue::Narrow("Maker-secret"), "IFD0:Make", "Maker-secret"},
+        {TagPath(ifd, 274), QueryValue::Short(6), "IFD0:Orientation", "6"},
+        {TagPath(ifd, 315), QueryValue::Text(TEXT("Artist-secret")), "IFD0:Artist", "Artist-secret"},
+        {TagPath(exif, 33434), QueryValue::Rational(1, 125), "ExifIFD:ExposureTime", "0.008"},
+        {TagPath(exif, 34855), QueryValue::Short(400), "ExifIFD:ISO", "400"},
+        {TagPath(exif, 37380), bias, "ExifIFD:ExposureCompensation", "-0.3333333333"},
+        {TagPath(exif, 37510), QueryValue::Text(caption.c_str()), "ExifIFD:UserComment",
+         "Caf\xC3\xA9 \xE6\x97\xA5\xE6\x9C\xAC"},
+        {TagPath(exif, 41985), QueryValue::Short(1), "ExifIFD:CustomRendered", "1"},
+        {TagPath(TEXT("/app1/ifd/exif/interop"), 1), QueryValue::Narrow("R98"), "InteropIFD:InteropIndex", "R98"},
+        {TagPath(gps, 0), versionBytes, "GPS:GPSVersionID", "2 3 0 0"},
+        {TagPath(gps, 1), QueryValue::Narrow("N"), "GPS:GPSLatitudeRef", "N"},
+        {TagPath(gps, 2), latitude, "GPS:GPSLatitude", "47.5034277777778"},
+        {TEXT("/xmp/xmp:Rating"), QueryValue::Short(4), "XMP-xmp:Rating", "4"},
+        {TEXT("/xmp/dc:title"), QueryValue::Text(caption.c_str()), "XMP-dc:Title",
+         "Caf\xC3\xA9 \xE6\x97\xA5\xE6\x9C\xAC"},
+        {TEXT("/xmp/dc:subject"), keywords, "XMP-dc:Subject", "sea, wind"},
+        {TEXT("/xmp/photoshop:Urgency"), QueryValue::Text(TEXT("3")), "XMP-photoshop:Urgency", "3"},
+        {TEXT("/app13/irb/8bimiptc/iptc/{str=Caption}"), QueryValue::Text(caption.c_str()),
+         "IPTC:Caption-Abstract", "Caf\xC3\xA9 \xE6\x97\xA5\xE6\x9C\xAC"},
+        {TEXT("/app13/irb/8bimiptc/iptc/{str=Keywords}"), keywords, "IPTC:Keywords", "sea, wind"},
+        {TEXT("/app13/irb/8bimiptc/iptc/{str=Country\\/Primary Location Name}"), QueryValue::Text(TEXT("Norge")),
+         "IPTC:Country-PrimaryLocationName", "Norge"},
+        {TEXT("/com/TextEntry"), QueryValue::Text(TEXT("Comment-secret")), "File:Comment", "Comment-secret"},
+    };
+}
+
+Octets WriteEntries(const std::vector<Entry> &entries, ULONG chosen)
+{
+    Octets result;
+    const HRESULT code = Rewrite(
+        MakeJpeg({}),
+        {.Edit =
+             [&](IWICMetadataQueryWriter *writer) {
+                 for (size_t i = 0; i < entries.size(); ++i)
+                 {
+                     if (chosen >> i & 1)
+                     {
+                         EXPECT_EQ(S_OK, writer->SetMetadataByName(entries[i].Path.c_str(), &entries[i].Value));
+                     }
+                 }
+             }},
+        result);
+    EXPECT_EQ(S_OK, code);
+    return result;
+}
+} // namespace
+
+TEST(MetadataQueries, WriteWhatExiftoolReads)
+{
+    const std::vector<Entry> entries = Entries();
+    // Each alone, all together, and pseudo-random choices.
+    std::vector<ULONG> choices = {(1u << entries.size()) - 1};
+    for (size_t i = 0; i < entries.size(); ++i)
+    {
+        choices.push_back(1u << i);
+    }
+    for (ULONG seed = 1; choices.size() < 300; seed = seed * 69069 + 1)
+    {
+        choices.push_back(seed >> 7 & ((1u << entries.size()) - 1));
+    }
+    std::vector<Octets> files;
+    for (const ULONG chosen : choices)
+    {
+        files.push_back(WriteEntries(entries, chosen));
+    }
+    const std::vector<TagValues> read = ReadWithExiftool(files);
+    for (size_t number = 0; number < choices.size(); ++number)
+    {
+        const ULONG chosen = choices[number];
+        const TagValues &tags = read[number];
+        SCOPED_TRACE(chosen);
+        EXPECT_EQ(0u, tags.count("Warning") + tags.count("Error"));
+        for (size_t i = 0; i < entries.size(); ++i)
+        {
+            const auto found = tags.find(entries[i].Tag);
+            EXPECT_EQ((chosen >> i & 1) != 0, found != tags.end()) << entries[i].Tag;
+            EXPECT_TRUE(found == tags.end() || found->second == entries[i].Expected)
+                << entries[i].Tag << " is " << found->second;
+        }
+    }
+}
+
+TEST(MetadataQueries, RemoveEachEntryAlone)
+{
+    const std::vector<Entry> entries = Entries();
+    const Octets full = WriteEntries(entries, (1u << entries.size()) - 1);
+    std::vector<Octets> files;
+    for (const Entry &entry : entries)
+    {
+        SCOPED_TRACE(NarrowText(entry.Path));
+        Octets &result = files.emplace_back();
+        ASSERT_EQ(S_OK, Rewrite(full,
+                                {.Edit =
+                                     [&](IWICMetadataQueryWriter *writer) {
+                                         QueryValue before;
+                                         EXPECT_EQ(S_OK,
+                                                   writer->GetMetadataByName(entry.Path.c_str(), &before.Value));
+                                         EXPECT_EQ(S_OK, writer->RemoveMetadataByName(entry.Path.c_str()));
+                                         EXPECT_EQ(WINCODEC_ERR_PROPERTYNOTFOUND,
+                                                   writer->RemoveMetadataByName(entry.Path.c_str()));
+                                         EXPECT_EQ(WINCODEC_ERR_PROPERTYNOTFOUND,
+                                                   writer->GetMetadataByName(entry.Path.c_str(), nullptr));
+                                     }},
+                                result));
+    }
+    const std::vector<TagValues> read = ReadWithExiftool(files);
+    for (size_t i = 0; i < entries.size(); ++i)
+    {
+        const Entry &entry = entries[i];
+        const TagValues &tags = read[i];
+        EXPECT_EQ(0u, tags.count(entry.Tag) + tags.count("Warning")) << entry.Tag;
+        for (const Entry &other : entries)
+        {
+            EXPECT_TRUE(other.Tag == entry.Tag || tags.count(other.Tag) == 1) << other.Tag;
+        }
+    }
+}
+
+TEST(MetadataQueries, ReadBackWhatWasSet)
+{
+    Octets result;
+    ASSERT_EQ(S_OK,
+              Rewrite(MakeJpeg({}),
+                      {.Edit =
+                           [](IWICMetadataQueryWriter *writer) {
+                               for (const Entry &entry : Entries())
+                               {
+                                   SCOPED_TRACE(NarrowText(entry.Path));
+                                   writer->SetMetadataByName(entry.Path.c_str(), &entry.Value);
+                                   QueryValue read;
+                                   ASSERT_EQ(S_OK, writer->GetMetadataByName(entry.Path.c_str(), &read.Value));
+                                   if (entry.Value.vt == VT_UI2 && entry.Path[1] == 'a')
+                                   {
+                                       EXPECT_EQ(VT_UI2, read.Value.vt);
+                                       EXPECT_EQ(entry.Value.uiVal, read.Value.uiVal);
+                                   }
+                                   else if (entry.Value.vt == VT_LPWSTR && read.Value.vt == VT_LPWSTR)
+                                   {
+                                       EXPECT_EQ(WideText(entry.Value.pwszVal), WideText(read.Value.pwszVal));
+                                   }
+                                   else if (entry.Value.vt == VT_UI8)
+                                   {
+                                       EXPECT_EQ(entry.Value.uhVal.QuadPart, read.Value.uhVal.QuadPart);
+                                   }
+                               }
+                           }},
+                      result));
+}
+
+TEST(MetadataQueries, RefuseWhatMakesNoSense)
+{
+    Octets result;
+    ASSERT_EQ(
+        S_OK,
+        Rewrite(MakeJpeg({}),
+                {.Edit =
+                     [](IWICMetadataQueryWriter *writer) {
+                         const PROPVARIANT number = QueryValue::Short(1);
+                         PROPVARIANT nothing{};
+                         for (const WCHAR *path :
+                              {TEXT(""), TEXT("app1"), TEXT("/app99"), TEXT("/app1/ifd/{ushort=x}"),
+                               TEXT("/app1/ifd/{ushort=1"), TEXT("/xmp/nosuchprefix:x"), TEXT("/xmp/plain"),
+                               TEXT("/app1/ifd/gps/exif"), TEXT("/app13/irb/8bimiptc/iptc/{str=No Such Thing}"),
+                               TEXT("//"), TEXT("/com/Other")})
+                         {
+                             EXPECT_EQ(WINCODEC_ERR_INVALIDQUERYREQUEST, writer->SetMetadataByName(path, &number))
+                                 << NarrowText(path);
+                             EXPECT_EQ(WINCODEC_ERR_INVALIDQUERYREQUEST, writer->RemoveMetadataByName(path))
+                                 << NarrowText(path);
+                         }
+                         EXPECT_EQ(WINCODEC_ERR_PROPERTYUNEXPECTEDTYPE,
+                                   writer->SetMetadataByName(TEXT("/app1/ifd/{ushort=271}"), &nothing));
+                         EXPECT_EQ(WINCODEC_ERR_PROPERTYUNEXPECTEDTYPE,
+                                   writer->SetMetadataByName(TEXT("/app1/ifd/gps"), &number));
+                         EXPECT_EQ(WINCODEC_ERR_PROPERTYNOTSUPPORTED,
+                                   writer->SetMetadataByName(TEXT("/app1/ifd/{ushort=34853}"), &number));
+                         for (const WCHAR *path : {TEXT("/xmp"), TEXT("/app13"), TEXT("/app1"),
+                                                   TEXT("/app1/ifd/gps"), TEXT("/app3"), TEXT("/com")})
+                         {
+                             EXPECT_EQ(WINCODEC_ERR_PROPERTYNOTFOUND, writer->RemoveMetadataByName(path))
+                                 << NarrowText(path);
+                         }
+                     }},
+                result));
+}
+
+namespace
+{
+// An EXIF block with everything that can hide: big-endian, with GPS, a maker note, and a thumbnail
+// that has a block of its own.
+std::string HidingExif()
+{
+    std::string block;
+    const auto put16 = [&](int v) {
+        block += static_cast<char>(v >> 8);
+        block += static_cast<char>(v);
+    };
+    const auto put32 = [&](int v) {
+        put16(v >> 16);
+        put16(v & 0xFFFF);
+    };
+    const auto entry = [&](int tag, int type, int count, int value) {
+        put16(tag);
+        put16(type);
+        put32(count);
+        put32(value);
+    };
+    const Octets inner = MakeJpeg({.Width = 16,
+                                   .Height = 16,
+                                   .Components = 1,
+                                   .HorizontalSampling = 1,
+                                   .VerticalSampling = 1,
+                                   .Markers = {{0xE1, "secret-in-thumbnail"}}});
+    block = "MM";
+    put16(42);
+    put32(8);
+    put16(4);               // IFD0 at 8, 54 bytes
+    entry(271, 2, 12, 200); // Make
+    entry(700, 1, 10, 220); // XMP in IFD0
+    entry(0x8769, 4, 1, 80);
+    entry(0x8825, 4, 1, 130);
+    put32(300); // IFD1
+    block.resize(80);
+    put16(1);
+    entry(37500, 7, 24, 240);
+    put32(0);
+    block.resize(130);
+    put16(1);
+    entry(27, 7, 10, 270);
+    put32(0);
+    block.resize(200);
+    block += std::string("secret-make\0", 12);
+    block.resize(220);
+    block += "secret-xmp";
+    block.resize(240);
+    block += "secret-maker-note-012345";
+    block.resize(270);
+    block += "secret-gps";
+    block.resize(300);
+    put16(2);
+    entry(513, 4, 1, 400);
+    entry(514, 4, 1, static_cast<int>(inner.size()));
+    put32(0);
+    block.resize(400);
+    block.append(inner.begin(), inner.end());
+    return std::string("Exif\0\0", 6) + block;
+}
+} // namespace
+
+TEST(Privacy, NoByteOfWhatIsRemovedIsLeft)
+{
+    const struct
+    {
+        std::vector<const WCHAR *> Removed;
+        std::vector<std::string> Gone;
+        std::vector<std::string> Kept;
+    } cases[] = {
+        {{},
+         {"secret-in-thumbnail", "secret-behind"},
+         {"secret-make", "secret-gps", "secret-maker-note-012345", "secret-packet"}},
+        {{TEXT("/app1/ifd/gps")}, {"secret-gps"}, {"secret-make", "secret-maker-note"}},
+        {{TEXT("/app1/ifd/{ushort=34853}")}, {"secret-gps"}, {"secret-make"}},
+        {{TEXT("/app1/ifd/exif")}, {"secret-maker-note"}, {"secret-make", "secret-gps"}},
+        {{TEXT("/app1/ifd/exif/{ushort=37500}")}, {"secret-maker-note"}, {"secret-gps"}},
+        {{TEXT("/app1/ifd")}, {"secret-make", "secret-gps", "secret-maker-note", "secret-xmp"}, {"secret-packet"}},
+        {{TEXT("/xmp")}, {"secret-packet", "secret-extension", "secret-xmp"}, {"secret-make", "secret-iptc"}},
+        {{TEXT("/app13")}, {"secret-iptc", "Photoshop"}, {"secret-packet"}},
+        {{TEXT("/com"), TEXT("/app11")}, {"secret-comment", "secret-app11"}, {"secret-iptc"}},
+        {{TEXT("/app1"), TEXT("/xmp"), TEXT("/app13"), TEXT("/com"), TEXT("/app11")}, {"secret"}, {}},
+    };
+    std::string iptc = std::string("Photoshop 3.0\0", 14) + "8BIM\4\4" + std::string(5, '\0') + '\20' +
+                       std::string("\34\2\170\0\13secret-iptc", 16);
+    Octets source =
+        MakeJpeg({.Markers = {{0xE1, HidingExif()},
+                              {0xE1, std::string("http://ns.adobe.com/xap/1.0/\0", 29) +
+                                         "<x:xmpmeta xmlns:x='adobe:ns:meta/'>secret-packet</x:xmpmeta>"},
+                              {0xE1, std::string("http://ns.adobe.com/xmp/extension/\0", 35) +
+                                         std::string(40, 'A') + "secret-extension"},
+                              {0xED, iptc},
+                              {0xEB, "secret-app11"},
+                              {0xFE, "secret-comment"}}});
+    const std::string behind = "secret-behind";
+    source.insert(source.end(), behind.begin(), behind.end());
+    for (const auto &sample : cases)
+    {
+        SCOPED_TRACE(sample.Removed.empty() ? "nothing removed" : NarrowText(sample.Removed.front()));
+        Octets result;
+        ASSERT_EQ(S_OK, Rewrite(source,
+                                {.Edit =
+                                     [&](IWICMetadataQueryWriter *writer) {
+                                         for (const WCHAR *path : sample.Removed)
+                                         {
+                                             EXPECT_EQ(S_OK, writer->RemoveMetadataByName(path));
+                                         }
+                                     }},
+                                result));
+        for (const std::string &text : sample.Gone)
+        {
+            EXPECT_FALSE(Holds(result, text)) << text;
+        }
+        for (const std::string &text : sample.Kept)
+        {
+            EXPECT_TRUE(Holds(result, text)) << text;
+        }
+        EXPECT_EQ(DecodeJpeg(source), DecodeJpeg(result));
+    }
+}
+
+TEST(Privacy, AChangeInXmpLeavesNothingOfTheOldPacket)
+{
+    const std::string packet =
+        "<x:xmpmeta xmlns:x='adobe:ns:meta/'><rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'>"
+        "<rdf:Description rdf:about='' xmlns:exif='http://ns.adobe.com/exif/1.0/' "
+        "xmlns:xmp='http://ns.adobe.com/xap/1.0/' "
+        "exif:GPSLatitude='59,20.secretN' xmp:Label='blue'/></rdf:RDF></x:xmpmeta><!-- secret-padding -->";
+    Octets result;
+    ASSERT_EQ(S_OK,
+              Rewrite(MakeJpeg({.Markers = {{0xE1, std::string("http://ns.adobe.com/xap/1.0/\0", 29) + packet}}}),
+                      {.Edit =
+                           [](IWICMetadataQueryWriter *writer) {
+                               EXPECT_EQ(S_OK, writer->RemoveMetadataByName(TEXT("/xmp/exif:GPSLatitude")));
+                           }},
+                      result));
+    EXPECT_FALSE(Holds(result, "secret"));
+    EXPECT_EQ("blue", ReadWithExiftool(result)["XMP-xmp:Label"]);
+}
+
+TEST(ExifBlock, KeepsAMakerNoteWhereItWas)
+{
+    const Octets source = MakeJpeg({.Markers = {{0xE1, HidingExif()}}});
+    Octets result;
+    ASSERT_EQ(S_OK, Rewrite(source,
+                            {.Edit =
+                                 [](IWICMetadataQueryWriter *writer) {
+                                     const PROPVARIANT text = QueryValue::Text(
+                                         TEXT("Something long that moves all that follows it by a lot"));
+                                     EXPECT_EQ(S_OK,
+                                               writer->SetMetadataByName(TEXT("/app1/ifd/{ushort=270}"), &text));
+                                 }},
+                            result));
+    const auto offset = [](const Octets &file) {
+        const std::string text(file.begin(), file.end());
+        return text.find("secret-maker-note") - text.find("MM");
+    };
+    EXPECT_EQ(offset(source), offset(result));
+    const auto tags = ReadWithExiftool(result);
+    EXPECT_EQ("300", tags.at("IFD0:XResolution"));
+    EXPECT_EQ("300", tags.at("JFIF:XResolution"));
+    EXPECT_EQ(1u, tags.count("IFD1:ThumbnailLength"));
+}
+
+TEST(ExifBlock, NestsNoDeeperThanItsDirectoriesDo)
+{
+    // Each directory holds nothing but the next one, and the last a text.
+    constexpr int depth = 4000;
+    std::string block = "II*";
+    const auto put = [&](unsigned value, int bytes) {
+        for (; bytes > 0; --bytes, value >>= 8)
+        {
+            block += static_cast<char>(value & 0xFF);
+        }
+    };
+    put(0, 1);
+    put(8, 4);
+    for (unsigned i = 0; i < depth; ++i)
+    {
+        put(1, 2);
+        put(0x8769, 2);
+        put(4, 2);
+        put(1, 4);
+        put(static_cast<unsigned>(block.size()) + 4, 4);
+    }
+    put(1, 2);
+    put(271, 2);
+    put(2, 2);
+    put(4, 4);
+    block += "sec";
+    put(0, 5);
+    Octets result;
+    ASSERT_EQ(S_OK, Rewrite(MakeJpeg({.Markers = {{0xE1, std::string("Exif\0\0", 6) + block}}}), {}, result));
+    EXPECT_FALSE(Holds(result, "sec"));
+    EXPECT_LT(result.size(), 10000u);
+}
+
+TEST(ExtendedXmp, IsReadWholeOrNotAtAll)
+{
+    const std::string identifier = "0123456789ABCDEF0123456789ABCDEF";
+    const auto packet = [](const std::string &properties) {
+        return "<x:xmpmeta xmlns:x='adobe:ns:meta/'><rdf:RDF "
+               "xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'>"
+               "<rdf:Description rdf:about='' xmlns:xmp='http://ns.adobe.com/xap/1.0/' "
+               "xmlns:xmpNote='http://ns.adobe.com/xmp/note/' " +
+               properties + "/></rdf:RDF></x:xmpmeta>";
+    };
+    const std::string main = std::string("http://ns.adobe.com/xap/1.0/\0", 29) +
+                             packet("xmp:Label='near' xmpNote:HasExtendedXMP='" + identifier + "'");
+    const std::string extension = packet("xmp:Nickname='far'");
+    const auto part = [&](size_t offset, size_t length, size_t told) {
+        std::string segment = std::string("http://ns.adobe.com/xmp/extension/\0", 35) + identifier;
+        for (const size_t number : {told, offset})
+        {
+            segment += {static_cast<char>(number >> 24), static_cast<char>(number >> 16),
+                        static_cast<char>(number >> 8), static_cast<char>(number)};
+        }
+        return segment + extension.substr(offset, length);
+    };
+    const size_t all = extension.size();
+    const size_t half = all / 2;
+    const struct
+    {
+        const char *name;
+        std::vector<std::string> parts;
+        bool isRead;
+    } cases[] = {
+        {"whole", {part(0, all, all)}, true},
+        {"in two, the second first", {part(half, all, all), part(0, half, all)}, true},
+        {"a gap", {part(0, half, all), part(half + 1, all, all)}, false},
+        {"an overlap", {part(0, half + 1, all), part(half, all, all)}, false},
+        {"one part twice", {part(0, all, all), part(0, all, all)}, false},
+        {"another length", {part(0, all, all + 1)}, false},
+        {"two lengths", {part(0, half, all), part(half, all, all + 1)}, false},
+        {"no parts", {}, false},
+    };
+    for (const auto &c : cases)
+    {
+        SCOPED_TRACE(c.name);
+        SampleOptions options{.Markers = {{0xE1, main}}};
+        for (const std::string &segment : c.parts)
+        {
+            options.Markers.push_back({0xE1, segment});
+        }
+        Octets result;
+        ASSERT_EQ(S_OK, Rewrite(MakeJpeg(options),
+                                {.Edit =
+                                     [&](IWICMetadataQueryWriter *writer) {
+                                         EXPECT_EQ(S_OK,
+                                                   writer->GetMetadataByName(TEXT("/xmp/xmp:Label"), nullptr));
+                                         EXPECT_EQ(c.isRead ? S_OK : WINCODEC_ERR_PROPERTYNOTFOUND,
+                                                   writer->GetMetadataByName(TEXT("/xmp/xmp:Nickname"), nullptr));
+                                         EXPECT_EQ(S_OK, writer->RemoveMetadataByName(TEXT("/xmp")));
+                                     }},
+                                result));
+        EXPECT_FALSE(Holds(result, "near") || Holds(result, "far"));
+    }
+}
+
+TEST(Metadata, OfTwentyMegabytesStaysBehind)
+{
+    SampleOptions options;
+    for (int i = 0; i < 320; ++i)
+    {
+        options.Markers.push_back({0xE5, std::string(65000, 'p')});
+    }
+    const Octets source = MakeJpeg(options);
+    Octets result;
+    ASSERT_EQ(S_OK, Rewrite(source, {}, result));
+    EXPECT_LT(result.size(), 100000u);
+    EXPECT_EQ(DecodeJpeg(source), DecodeJpeg(result));
+}

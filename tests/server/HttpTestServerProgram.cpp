@@ -1,0 +1,196 @@
+// What transport tests of both builds talk to: a proxy on 127.0.0.1 behind which each host of
+// "server.test" behaves in one way of its own. A program, since its TLS is of this system and not of
+// Windows.
+//
+//     http-test-server FOLDER [HOST=PORT]...
+//
+// When it listens, FOLDER holds "ca.pem", the authority that it is trusted by, and "port". A HOST of the
+// arguments leads to that port of 127.0.0.1. It ends with its standard input.
+#include "tests/server/HttpTestServer.h"
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <map>
+
+namespace
+{
+std::atomic<int> cutRequests{0};
+
+void Echo(Conversation &conversation)
+{
+    while (const auto request = conversation.ReadRequest())
+    {
+        conversation.WriteReply(200, "Fine", request->line + "\r\n" + request->headers + "\r\n" + request->body);
+    }
+}
+
+void Measure(Conversation &conversation)
+{
+    while (const auto request = conversation.ReadRequest())
+    {
+        conversation.WriteReply(200, "OK", std::to_string(request->bodyBytes));
+    }
+}
+
+void Refuse(Conversation &conversation)
+{
+    conversation.ReadRequest();
+    conversation.WriteReply(500, "Out Of Order", "try tomorrow");
+}
+
+void Redirect(Conversation &conversation)
+{
+    conversation.ReadRequest();
+    conversation.WriteReply(302, "Found", "",
+                            "Location: https://echo.server.test/elsewhere\r\n"
+                            "Set-Cookie: a=b\r\n");
+}
+
+void Challenge(Conversation &conversation)
+{
+    while (conversation.ReadRequest())
+    {
+        ++cutRequests;
+        conversation.WriteReply(401, "Unauthorized", "who?", "WWW-Authenticate: NTLM\r\n");
+    }
+}
+
+// Takes all and leaves without a word.
+void Cut(Conversation &conversation)
+{
+    if (conversation.ReadRequest())
+    {
+        ++cutRequests;
+    }
+}
+
+void CutHead(Conversation &conversation)
+{
+    if (conversation.ReadHead())
+    {
+        ++cutRequests;
+    }
+}
+
+void CountCut(Conversation &conversation)
+{
+    conversation.ReadRequest();
+    conversation.WriteReply(200, "OK", std::to_string(cutRequests.exchange(0)));
+}
+
+void TakeNothing(Conversation &conversation)
+{
+    conversation.ReadHead();
+    conversation.WaitForEnd();
+}
+
+void NeverAnswer(Conversation &conversation)
+{
+    conversation.ReadRequest();
+    conversation.WaitForEnd();
+}
+
+void AnswerLate(Conversation &conversation)
+{
+    conversation.ReadRequest();
+    std::this_thread::sleep_for(std::chrono::milliseconds(2500));
+    conversation.WriteReply(200, "OK", "at last");
+}
+
+void AnswerHalf(Conversation &conversation)
+{
+    conversation.ReadRequest();
+    conversation.Write("HTTP/1.1 200 OK\r\nContent-Length: 500\r\n\r\n<rsp stat=\"ok\">");
+}
+
+void AnswerTooMuch(Conversation &conversation)
+{
+    conversation.ReadRequest();
+    conversation.WriteReply(200, "OK", std::string(200'000, 'x'));
+}
+
+void AnswerNonsense(Conversation &conversation)
+{
+    conversation.ReadRequest();
+    conversation.Write("what do you want?\r\n\r\n");
+}
+
+class Proxy
+{
+public:
+    Proxy()
+    {
+        const IssuedCertificate usual = m_authority.Issue("DNS:*.server.test");
+        const std::pair<const char *, HttpTestServer::Script> scripts[] = {
+            {"echo", Echo},          {"measure", Measure},        {"refuse", Refuse},
+            {"redirect", Redirect},  {"challenge", Challenge},    {"cut", Cut},
+            {"cut-head", CutHead},   {"count", CountCut},         {"deaf", TakeNothing},
+            {"mute", NeverAnswer},   {"late", AnswerLate},        {"half", AnswerHalf},
+            {"huge", AnswerTooMuch}, {"nonsense", AnswerNonsense}};
+        for (const auto &[name, script] : scripts)
+        {
+            Add(name, usual, script);
+        }
+        Add("expired", m_authority.Issue("DNS:expired.server.test", -20, -10), Cut);
+        Add("other", m_authority.Issue("DNS:somebody.else.test"), Cut);
+        Add("stranger", TestAuthority("Another authority").Issue("DNS:stranger.server.test"), Cut);
+    }
+
+    void Lead(std::string host, unsigned port) { m_ports[std::move(host)] = port; }
+    void SaveAuthority(const std::string &path) const { m_authority.Save(path); }
+
+    // As a proxy does; a host that it doesn't know is like one that refuses connections.
+    void Serve(Conversation &conversation) const
+    {
+        const auto request = conversation.ReadHead();
+        if (!request || !request->line.starts_with("CONNECT "))
+        {
+            return;
+        }
+        const auto port = m_ports.find(request->line.substr(8, request->line.find(':') - 8));
+        if (port != m_ports.end())
+        {
+            conversation.Write("HTTP/1.1 200 OK\r\n\r\n");
+            conversation.Relay(port->second);
+        }
+    }
+
+private:
+    void Add(const std::string &name, const IssuedCertificate &certificate, HttpTestServer::Script script)
+    {
+        m_servers.push_back(std::make_unique<HttpTestServer>(certificate, std::move(script)));
+        Lead(name + ".server.test", m_servers.back()->Port());
+    }
+
+    TestAuthority m_authority;
+    std::vector<std::unique_ptr<HttpTestServer>> m_servers;
+    std::map<std::string, unsigned> m_ports;
+};
+} // namespace
+
+int main(int count, char **arguments)
+{
+    if (count < 2)
+    {
+        std::cerr << "http-test-server FOLDER [HOST=PORT]...\n";
+        return 2;
+    }
+    const std::string folder = arguments[1];
+    Proxy proxy;
+    for (int i = 2; i < count; ++i)
+    {
+        const std::string lead = arguments[i];
+        const size_t equals = lead.find('=');
+        proxy.Lead(lead.substr(0, equals), static_cast<unsigned>(std::stoul(lead.substr(equals + 1))));
+    }
+    const HttpTestServer front([&proxy](Conversation &conversation) { proxy.Serve(conversation); });
+    proxy.SaveAuthority(folder + "/ca.pem");
+    std::ofstream(folder + "/port.new") << front.Port() << '\n';
+    std::filesystem::rename(folder + "/port.new", folder + "/port");
+    while (std::cin.get() != EOF)
+    {
+    }
+    return 0;
+}
