@@ -12,7 +12,7 @@
 
 namespace
 {
-constexpr const char *address = "https://api.flickr.com/services/upload/";
+constexpr const char *Address = "https://api.flickr.com/services/upload/";
 
 ParameterList FieldsOf(const std::string &name)
 {
@@ -40,14 +40,14 @@ void WriteUpload(const std::string &path, const OAuthIdentity &identity)
 {
     const ParameterList fields = FieldsOf(std::filesystem::path(path).filename().string());
     const SecretText authorization =
-        ComposeAuthorization("POST", RequestUrl::Parse(address), identity, OAuthMoment::Now(), fields, {});
+        ComposeAuthorization("POST", RequestUrl::Parse(Address), identity, OAuthMoment::Now(), fields, {});
     std::string quoted;
     for (const char byte : Text(authorization))
     {
         quoted += byte == '"' ? std::string("\\\"") : std::string(1, byte);
     }
     std::printf("url = \"%s\"\nheader = \"Authorization: %s\"\nheader = \"Expect:\"\noutput = \"/dev/null\"\n",
-                address, quoted.c_str());
+                Address, quoted.c_str());
     for (const Parameter &field : fields)
     {
         std::printf("form-string = \"%s=%s\"\n", field.name.c_str(), Text(field.value).c_str());

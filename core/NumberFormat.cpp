@@ -11,8 +11,8 @@ constexpr INT32 MostDecimals = 30;
 bool IsKnownLocale(LCID locale)
 {
     // LOCALE_NEUTRAL, 127 (invariant), the user's and the system's default and the three custom ones.
-    static constexpr LCID generic[] = {0, 127, 1024, 2048, 3072, 4096, 5120};
-    return std::ranges::find(generic, locale) != std::end(generic) || IsValidLocale(locale, LCID_SUPPORTED);
+    static constexpr LCID Generic[] = {0, 127, 1024, 2048, 3072, 4096, 5120};
+    return std::ranges::find(Generic, locale) != std::end(Generic) || IsValidLocale(locale, LCID_SUPPORTED);
 }
 
 // The digits at the start of the text: "3;2;0" is 3.

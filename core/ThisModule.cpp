@@ -4,10 +4,10 @@ HMODULE ThisModule() noexcept
 {
     // Asked by the address of something that can only lie here, so that the answer is right however
     // the module was loaded.
-    static const char anchor = 0;
+    static const char Anchor = 0;
     HMODULE module = nullptr;
     if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                            reinterpret_cast<LPCWSTR>(&anchor), &module))
+                            reinterpret_cast<LPCWSTR>(&Anchor), &module))
     {
         return nullptr;
     }

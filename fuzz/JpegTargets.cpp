@@ -7,7 +7,7 @@
 
 namespace
 {
-constexpr UINT64 MAX_PIXELS = 1 << 16;
+constexpr UINT64 MaxPixels = 1 << 16;
 
 std::vector<std::string> JpegSamples()
 {
@@ -54,7 +54,7 @@ void ReadJpeg(std::string_view bytes)
     UINT width = 0;
     UINT height = 0;
     frame->GetSize(&width, &height);
-    if (width > 0 && static_cast<UINT64>(width) * height <= MAX_PIXELS)
+    if (width > 0 && static_cast<UINT64>(width) * height <= MaxPixels)
     {
         std::vector<BYTE> pixels(static_cast<size_t>(width) * height * 4);
         frame->CopyPixels(nullptr, width * 4, static_cast<UINT>(pixels.size()), pixels.data());

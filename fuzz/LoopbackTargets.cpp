@@ -5,11 +5,11 @@
 
 namespace
 {
-const std::string BOUNDARY = "----8d3";
+const std::string Boundary = "----8d3";
 
 std::vector<std::string> MultipartSamples()
 {
-    const std::string mark = "--" + BOUNDARY;
+    const std::string mark = "--" + Boundary;
     return {mark + "\r\nContent-Disposition: form-data; name=\"title\"\r\n\r\nwords\r\n" + mark +
                 "\r\nContent-Disposition: form-data; name=\"photo\"; filename=\"a \\\"b\\\".jpg\"\r\n"
                 "Content-Type: image/jpeg\r\n\r\n\xFF\xD8\r\n--\r\n----8\r\n" +
@@ -21,7 +21,7 @@ std::vector<std::string> MultipartSamples()
 std::string Parsed(std::string_view bytes, size_t step)
 {
     std::string told;
-    loopback::MultipartParser parser(BOUNDARY,
+    loopback::MultipartParser parser(Boundary,
                                      {[&](const loopback::PartHeader &header) {
                                           told += "[" + header.name + "|" + header.fileName.value_or("-") + "|" +
                                                   header.contentType + "]";

@@ -4,9 +4,9 @@
 
 namespace
 {
-constexpr size_t MAX_BYTES = 1 << 18;
-constexpr size_t MAX_PIECE = 512;
-constexpr uint32_t LIMITS[] = {0,      1,      2,      4,       0x7F,       0x80,       0xFF,       0x100,
+constexpr size_t MaxBytes = 1 << 18;
+constexpr size_t MaxPiece = 512;
+constexpr uint32_t Limits[] = {0,      1,      2,      4,       0x7F,       0x80,       0xFF,       0x100,
                                0x7FFF, 0x8000, 0xFFFF, 0x10000, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF, 0xFFFFFFF8};
 } // namespace
 
@@ -17,14 +17,14 @@ std::string Mutation::Next()
     {
         Change(bytes);
     }
-    bytes.resize(std::min(bytes.size(), MAX_BYTES));
+    bytes.resize(std::min(bytes.size(), MaxBytes));
     return bytes;
 }
 
 void Mutation::Change(std::string &bytes)
 {
     const size_t at = Below(bytes.size() + 1);
-    const size_t length = std::min(bytes.size() - at, 1 + Below(MAX_PIECE));
+    const size_t length = std::min(bytes.size() - at, 1 + Below(MaxPiece));
     switch (Below(9))
     {
     case 0:
@@ -52,7 +52,7 @@ void Mutation::Change(std::string &bytes)
     case 6:
     {
         const std::string &other = m_samples[Below(m_samples.size())];
-        bytes.insert(at, other, Below(other.size() + 1), 1 + Below(MAX_PIECE));
+        bytes.insert(at, other, Below(other.size() + 1), 1 + Below(MaxPiece));
         break;
     }
     case 7:
@@ -75,7 +75,7 @@ void Mutation::WriteNumber(std::string &bytes)
         return;
     }
     const size_t at = Below(bytes.size() - width + 1);
-    const uint32_t value = LIMITS[Below(std::size(LIMITS))];
+    const uint32_t value = Limits[Below(std::size(Limits))];
     const bool isBigEndian = Below(2) == 0;
     for (size_t i = 0; i < width; ++i)
     {

@@ -28,9 +28,9 @@ extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*call
 
 namespace
 {
-constexpr const FuzzTarget *TARGETS[] = {&JpegFiles, &MetadataPaths, &RegistryFiles,   &AccountStreams, &Addresses,
+constexpr const FuzzTarget *Targets[] = {&JpegFiles, &MetadataPaths, &RegistryFiles,   &AccountStreams, &Addresses,
                                          &Replies,   &TaskDialogs,   &MultipartBodies, &Forms};
-constexpr unsigned SECONDS_FOR_ONE = 20;
+constexpr unsigned SecondsForOne = 20;
 
 const FuzzTarget *g_target;
 const std::string *g_bytes;
@@ -47,7 +47,7 @@ void KeepBytes()
 
 void EndLate(int)
 {
-    std::fprintf(stderr, "fuzz-readers: %s is still reading after %u s\n", g_target->Name, SECONDS_FOR_ONE);
+    std::fprintf(stderr, "fuzz-readers: %s is still reading after %u s\n", g_target->Name, SecondsForOne);
     KeepBytes();
     _exit(1);
 }
@@ -55,7 +55,7 @@ void EndLate(int)
 void ReadOne(const std::string &bytes)
 {
     g_bytes = &bytes;
-    alarm(SECONDS_FOR_ONE);
+    alarm(SecondsForOne);
     g_target->Read(bytes);
     alarm(0);
     g_bytes = nullptr;
@@ -64,7 +64,7 @@ void ReadOne(const std::string &bytes)
 int Usage()
 {
     std::fputs("fuzz-readers TARGET [--seconds N] [--count N] [--seed N] [--file F]; targets:", stderr);
-    for (const FuzzTarget *target : TARGETS)
+    for (const FuzzTarget *target : Targets)
     {
         std::fprintf(stderr, " %s", target->Name);
     }
@@ -82,7 +82,7 @@ void Broken(const char *promise)
 
 int main(int argc, char **argv)
 {
-    for (const FuzzTarget *target : TARGETS)
+    for (const FuzzTarget *target : Targets)
     {
         if (argc % 2 == 0 && std::string_view(argv[1]) == target->Name)
         {

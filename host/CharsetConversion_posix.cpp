@@ -10,7 +10,7 @@
 
 namespace
 {
-constexpr UChar32 REPLACEMENT = 0xFFFD;
+constexpr UChar32 Replacement = 0xFFFD;
 
 struct CloseConverter
 {
@@ -40,7 +40,7 @@ std::optional<WideText> FromUtf8(std::string_view bytes, Faults faults)
     int32_t length = 0;
     UErrorCode status = U_ZERO_ERROR;
     u_strFromUTF8WithSub(text.data(), static_cast<int32_t>(text.size()), &length, bytes.data(),
-                         static_cast<int32_t>(bytes.size()), faults == Faults::Replace ? REPLACEMENT : U_SENTINEL,
+                         static_cast<int32_t>(bytes.size()), faults == Faults::Replace ? Replacement : U_SENTINEL,
                          nullptr, &status);
     if (U_FAILURE(status))
     {
@@ -85,7 +85,7 @@ std::string Utf8FromText(WideView text)
     int32_t length = 0;
     UErrorCode status = U_ZERO_ERROR;
     u_strToUTF8WithSub(bytes.data(), static_cast<int32_t>(bytes.size()), &length, text.data(),
-                       static_cast<int32_t>(text.size()), REPLACEMENT, nullptr, &status);
+                       static_cast<int32_t>(text.size()), Replacement, nullptr, &status);
     bytes.resize(U_SUCCESS(status) ? static_cast<size_t>(length) : 0);
     return bytes;
 }

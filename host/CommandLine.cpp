@@ -75,12 +75,12 @@ std::variant<CommandLine, CommandLineEnd> ParseCommandLine(int argc, const char 
         return CommandLineEnd{true, "--set-token takes a token and its secret, or - to read them from standard "
                                     "input.\n"};
     }
-    static constexpr std::pair<const char *, Command> commands[] = {{"publish", Command::Publish},
+    static constexpr std::pair<const char *, Command> Commands[] = {{"publish", Command::Publish},
                                                                     {"status", Command::Status},
                                                                     {"settings", Command::Settings},
                                                                     {"account", Command::Account},
                                                                     {"authorize", Command::Authorize}};
-    for (const auto &[name, command] : commands)
+    for (const auto &[name, command] : Commands)
     {
         if (app.got_subcommand(name))
         {

@@ -5,7 +5,7 @@
 
 HRESULT HresultFromErrno(int number) noexcept
 {
-    static constexpr std::pair<int, DWORD> codes[] = {
+    static constexpr std::pair<int, DWORD> Codes[] = {
         {ENOENT, ERROR_FILE_NOT_FOUND},
         {ENOTDIR, ERROR_PATH_NOT_FOUND},
         {EACCES, ERROR_ACCESS_DENIED},
@@ -20,7 +20,7 @@ HRESULT HresultFromErrno(int number) noexcept
         {EEXIST, ERROR_FILE_EXISTS},
         {EIO, ERROR_IO_DEVICE},
     };
-    for (const auto &[error, code] : codes)
+    for (const auto &[error, code] : Codes)
     {
         if (error == number)
         {

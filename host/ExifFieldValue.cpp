@@ -14,11 +14,11 @@ struct TypeOfField
     size_t bytes;
 };
 
-constexpr WORD TEXT_TYPE = 2;
-constexpr WORD UNDEFINED_TYPE = 7;
+constexpr WORD TextType = 2;
+constexpr WORD UndefinedType = 7;
 
 // By TIFF's number; rationals pass as their two halves, numerator low.
-constexpr auto FIELD_TYPES = std::to_array<TypeOfField>({
+constexpr auto FieldTypes = std::to_array<TypeOfField>({
     {VT_EMPTY, 0},
     {VT_UI1, 1},
     {VT_LPSTR, 1},
@@ -44,17 +44,17 @@ void PutBytes(ExifField &field, WORD type, const void *data, size_t size)
 // With its closing zero, as the field has it.
 void PutText(ExifField &field, const char *text)
 {
-    PutBytes(field, TEXT_TYPE, text, std::strlen(text) + 1);
+    PutBytes(field, TextType, text, std::strlen(text) + 1);
 }
 } // namespace
 
 ExifFieldValue::ExifFieldValue(const ExifField &field) : m_data(field.data)
 {
-    if (field.type >= FIELD_TYPES.size() || field.data.empty())
+    if (field.type >= FieldTypes.size() || field.data.empty())
     {
         return;
     }
-    const auto [variant, bytes] = FIELD_TYPES[field.type];
+    const auto [variant, bytes] = FieldTypes[field.type];
     m_data.push_back(0);
     if (variant == VT_LPSTR)
     {
@@ -96,18 +96,18 @@ bool PutValue(const PROPVARIANT &value, ExifField &field)
     }
     if (value.vt == VT_BLOB)
     {
-        PutBytes(field, UNDEFINED_TYPE, value.blob.pBlobData, value.blob.cbSize);
+        PutBytes(field, UndefinedType, value.blob.pBlobData, value.blob.cbSize);
         return true;
     }
     const VARTYPE element = value.vt & VT_TYPEMASK;
-    const auto type = std::find_if(FIELD_TYPES.begin() + 1, FIELD_TYPES.end(), [&](const TypeOfField &each) {
+    const auto type = std::find_if(FieldTypes.begin() + 1, FieldTypes.end(), [&](const TypeOfField &each) {
         return each.variant == element && each.variant != VT_LPSTR && each.variant != VT_BLOB;
     });
-    if (type == FIELD_TYPES.end() || (value.vt & ~(VT_TYPEMASK | VT_VECTOR)) != 0)
+    if (type == FieldTypes.end() || (value.vt & ~(VT_TYPEMASK | VT_VECTOR)) != 0)
     {
         return false;
     }
-    const auto number = static_cast<WORD>(type - FIELD_TYPES.begin());
+    const auto number = static_cast<WORD>(type - FieldTypes.begin());
     if ((value.vt & VT_VECTOR) != 0)
     {
         PutBytes(field, number, value.caub.pElems, value.caub.cElems * type->bytes);

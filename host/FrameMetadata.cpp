@@ -17,13 +17,13 @@ namespace
 {
 // Where a block lies, by the kinds of files.
 using BlockPaths = std::span<const WideView>;
-constexpr WideView MAIN_PATHS[] = {TEXT("/app1/ifd"), TEXT("/ifd")};
-constexpr WideView EXIF_PATHS[] = {TEXT("/app1/ifd/exif"), TEXT("/ifd/exif")};
-constexpr WideView GPS_PATHS[] = {TEXT("/app1/ifd/gps"), TEXT("/ifd/gps")};
-constexpr WideView XMP_PATHS[] = {TEXT("/xmp"), TEXT("/ifd/xmp")};
-constexpr WideView IPTC_PATHS[] = {TEXT("/app13/irb/8bimiptc/iptc"), TEXT("/ifd/iptc"),
-                                   TEXT("/ifd/irb/8bimiptc/iptc")};
-constexpr WideView COMMENT_PATHS[] = {TEXT("/com")};
+constexpr WideView MainPaths[] = {TEXT("/app1/ifd"), TEXT("/ifd")};
+constexpr WideView ExifPaths[] = {TEXT("/app1/ifd/exif"), TEXT("/ifd/exif")};
+constexpr WideView GpsPaths[] = {TEXT("/app1/ifd/gps"), TEXT("/ifd/gps")};
+constexpr WideView XmpPaths[] = {TEXT("/xmp"), TEXT("/ifd/xmp")};
+constexpr WideView IptcPaths[] = {TEXT("/app13/irb/8bimiptc/iptc"), TEXT("/ifd/iptc"),
+                                  TEXT("/ifd/irb/8bimiptc/iptc")};
+constexpr WideView CommentPaths[] = {TEXT("/com")};
 
 namespace Tag
 {
@@ -33,7 +33,7 @@ constexpr WORD UserComment = 37510;
 } // namespace Tag
 
 // A list in a file that has no end must not hold us.
-constexpr int MOST_ELEMENTS = 1000;
+constexpr int MostElements = 1000;
 
 class QueryValue
 {
@@ -177,7 +177,7 @@ public:
     WideText Xmp(const WCHAR *property) const override
     {
         QueryValue value;
-        if (!value.Read(m_reader, XMP_PATHS, WideText(TEXT("/")) + property))
+        if (!value.Read(m_reader, XmpPaths, WideText(TEXT("/")) + property))
         {
             return WideText();
         }
@@ -193,7 +193,7 @@ public:
     std::vector<WideText> XmpList(const WCHAR *property) const override
     {
         QueryValue value;
-        if (!value.Read(m_reader, XMP_PATHS, WideText(TEXT("/")) + property))
+        if (!value.Read(m_reader, XmpPaths, WideText(TEXT("/")) + property))
         {
             return {};
         }
@@ -205,15 +205,15 @@ public:
 
     std::vector<WideText> IptcList(const IptcDataset &dataset) const override
     {
-        return TextsOf(IPTC_PATHS, WideText(TEXT("/{str=")) + dataset.name + TEXT("}"));
+        return TextsOf(IptcPaths, WideText(TEXT("/{str=")) + dataset.name + TEXT("}"));
     }
 
-    WideText Exif(WORD tag) const override { return FirstOf(TextsOf(MAIN_PATHS, FieldItem(tag))); }
+    WideText Exif(WORD tag) const override { return FirstOf(TextsOf(MainPaths, FieldItem(tag))); }
 
     WideText ExifWindowsText(WORD tag) const override
     {
         QueryValue value;
-        value.Read(m_reader, MAIN_PATHS, FieldItem(tag));
+        value.Read(m_reader, MainPaths, FieldItem(tag));
         const auto bytes = value.Bytes();
         return bytes ? WindowsTextOfBytes(*bytes) : value.Wide().value_or(WideText());
     }
@@ -221,7 +221,7 @@ public:
     WideText ExifUserComment() const override
     {
         QueryValue value;
-        value.Read(m_reader, EXIF_PATHS, FieldItem(Tag::UserComment));
+        value.Read(m_reader, ExifPaths, FieldItem(Tag::UserComment));
         const auto bytes = value.Bytes();
         // A query doesn't tell the file's byte order.
         return bytes ? CharsetTextOfBytes(*bytes, ByteOrder16::LittleEndian) : value.Wide().value_or(WideText());
@@ -230,11 +230,11 @@ public:
     std::optional<long> ExifRating() const override
     {
         QueryValue value;
-        value.Read(m_reader, MAIN_PATHS, FieldItem(Tag::Rating));
+        value.Read(m_reader, MainPaths, FieldItem(Tag::Rating));
         return value.Number();
     }
 
-    WideText FileComment() const override { return FirstOf(TextsOf(COMMENT_PATHS, TEXT("/TextEntry"))); }
+    WideText FileComment() const override { return FirstOf(TextsOf(CommentPaths, TEXT("/TextEntry"))); }
 
 private:
     std::vector<WideText> TextsOf(BlockPaths blocks, const WideText &item) const
@@ -247,7 +247,7 @@ private:
     {
         std::vector<WideText> texts;
         QueryValue value;
-        for (int i = 0; i < MOST_ELEMENTS && value.Read(list, NumberedItem("ulong", i)); ++i)
+        for (int i = 0; i < MostElements && value.Read(list, NumberedItem("ulong", i)); ++i)
         {
             if (const WideText text = FirstOf(value.Texts()); !text.empty())
             {
@@ -281,7 +281,7 @@ void ReadFields(IWICMetadataQueryReader &reader, BlockPaths blocks, ExifField::D
 UINT16 ReadFrameOrientation(IWICMetadataQueryReader &reader)
 {
     QueryValue value;
-    value.Read(reader, MAIN_PATHS, FieldItem(Tag::Orientation));
+    value.Read(reader, MainPaths, FieldItem(Tag::Orientation));
     const long orientation = value.Number().value_or(1);
     return orientation >= 1 && orientation <= 8 ? static_cast<UINT16>(orientation) : UINT16{1};
 }
@@ -296,9 +296,9 @@ void ReadFrameMetadata(IWICMetadataQueryReader &reader, ImageTexts &texts, Metad
     }
     *groups = MetadataSnapshot();
     SnapshotFields fields(*groups);
-    ReadFields(reader, MAIN_PATHS, ExifField::Directory::Main, fields);
-    ReadFields(reader, EXIF_PATHS, ExifField::Directory::Exif, fields);
-    ReadFields(reader, GPS_PATHS, ExifField::Directory::Gps, fields);
+    ReadFields(reader, MainPaths, ExifField::Directory::Main, fields);
+    ReadFields(reader, ExifPaths, ExifField::Directory::Exif, fields);
+    ReadFields(reader, GpsPaths, ExifField::Directory::Gps, fields);
     groups->orientation = ReadFrameOrientation(reader);
     ChooseNumbers(blocks, *groups);
 }

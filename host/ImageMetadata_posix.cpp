@@ -36,11 +36,11 @@ void LockToolkit(void *, bool lock)
 // exiv2 wants its XMP toolkit started before a second thread uses it, and speaks on stderr by itself.
 void StartLibraryOnce()
 {
-    static const bool started = [] {
+    static const bool Started = [] {
         Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
         return Exiv2::XmpParser::initialize(LockToolkit, nullptr);
     }();
-    static_cast<void>(started);
+    static_cast<void>(Started);
 }
 
 // What one file holds, with the readers of single values.

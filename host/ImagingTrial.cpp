@@ -18,7 +18,7 @@ using namespace std::string_literals;
 namespace
 {
 // What is looked for in the copy. It stands in each kind of block that a JPEG file holds.
-constexpr std::string_view MARK = "HALVORA-TRIAL-OF-COPIES";
+constexpr std::string_view Mark = "HALVORA-TRIAL-OF-COPIES";
 
 std::string Segment(char marker, const std::string &content)
 {
@@ -28,7 +28,7 @@ std::string Segment(char marker, const std::string &content)
 
 std::string Segments()
 {
-    const std::string mark(MARK);
+    const std::string mark(Mark);
     const auto length = static_cast<char>(mark.size());
     // One directory with one field, the description, whose text lies behind it.
     const std::string exif =
@@ -59,7 +59,7 @@ public:
     {
         const ComPtr<IWICBitmapFrameDecode> frame = MarkedFrame();
         const auto blocks = QueryFor<IWICMetadataBlockReader>(frame.Get());
-        return Encode(frame.Get(), blocks.Get()).find(MARK) != std::string::npos;
+        return Encode(frame.Get(), blocks.Get()).find(Mark) != std::string::npos;
     }
 
     bool Reads()
@@ -68,7 +68,7 @@ public:
         ImageTexts texts;
         ThrowIfFailed(MarkedFrame()->GetMetadataQueryReader(reader.Put()));
         ReadFrameMetadata(*reader.Get(), texts, nullptr);
-        return Utf8FromText(texts.description) == MARK;
+        return Utf8FromText(texts.description) == Mark;
     }
 
 private:
@@ -139,7 +139,7 @@ private:
 
 CopiedMetadata TryCopyingMetadata() noexcept
 {
-    static const CopiedMetadata found = [] {
+    static const CopiedMetadata Found = [] {
         bool copies = false;
         const HRESULT result = AtBoundary([&] {
             copies = Trial().Copies();
@@ -147,18 +147,18 @@ CopiedMetadata TryCopyingMetadata() noexcept
         });
         return FAILED(result) ? CopiedMetadata::Unknown : copies ? CopiedMetadata::Some : CopiedMetadata::None;
     }();
-    return found;
+    return Found;
 }
 
 bool TryReadingMetadata() noexcept
 {
-    static const bool reads = [] {
-        bool found = false;
+    static const bool ReadingAnswer = [] {
+        bool Found = false;
         const HRESULT result = AtBoundary([&] {
-            found = Trial().Reads();
+            Found = Trial().Reads();
             return S_OK;
         });
-        return SUCCEEDED(result) && found;
+        return SUCCEEDED(result) && Found;
     }();
-    return reads;
+    return ReadingAnswer;
 }

@@ -4,13 +4,13 @@
 
 namespace
 {
-constexpr char FORMAT_MARKER = 1;
-constexpr uint32_t LONGEST_TEXT = 0x100000; // bytes, as the plug-in allows
+constexpr char FormatMarker = 1;
+constexpr uint32_t LongestText = 0x100000; // bytes, as the plug-in allows
 
 using TextField = std::optional<WideText> AccountData::*;
-constexpr std::array<TextField, 6> TEXT_FIELDS = {&AccountData::token,     &AccountData::tokenSecret,
-                                                  &AccountData::userName,  &AccountData::fullName,
-                                                  &AccountData::photosUrl, &AccountData::accountType};
+constexpr std::array<TextField, 6> TextFields = {&AccountData::token,     &AccountData::tokenSecret,
+                                                 &AccountData::userName,  &AccountData::fullName,
+                                                 &AccountData::photosUrl, &AccountData::accountType};
 
 class Reader
 {
@@ -38,7 +38,7 @@ public:
         {
             return std::nullopt;
         }
-        m_whole = m_whole && size % 2 == 0 && size <= LONGEST_TEXT;
+        m_whole = m_whole && size % 2 == 0 && size <= LongestText;
         const std::string_view bytes = m_whole ? Take(size) : std::string_view();
         if (bytes.empty())
         {
@@ -105,11 +105,11 @@ std::optional<AccountData> ParseInitData(std::string_view bytes)
         return account;
     }
     Reader reader(bytes);
-    if (reader.Number(1) != FORMAT_MARKER)
+    if (reader.Number(1) != FormatMarker)
     {
         return std::nullopt;
     }
-    for (const TextField field : TEXT_FIELDS)
+    for (const TextField field : TextFields)
     {
         account.*field = reader.Text();
     }
@@ -119,8 +119,8 @@ std::optional<AccountData> ParseInitData(std::string_view bytes)
 
 std::string ComposeInitData(const AccountData &account)
 {
-    std::string bytes(1, FORMAT_MARKER);
-    for (const TextField field : TEXT_FIELDS)
+    std::string bytes(1, FormatMarker);
+    for (const TextField field : TextFields)
     {
         AppendText(bytes, account.*field);
     }

@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 namespace
 {
-constexpr const WCHAR *STAMPS_KEY = TEXT("SOFTWARE\\TRNQ\\Halvora\\Terminal Host\\Modules");
+constexpr const WCHAR *StampsKey = TEXT("SOFTWARE\\TRNQ\\Halvora\\Terminal Host\\Modules");
 
 // A module and one of its classes, by whose entry one sees where the module is registered.
 struct Module
@@ -23,7 +23,7 @@ struct Module
 };
 
 // The registrar first: the others' entries are written by it.
-constexpr Module MODULES[] = {
+constexpr Module Modules[] = {
     {"atl.so", TEXT("CLSID\\{44EC053A-400F-11D0-9DCD-00A0C90391D3}")},
     {"Halvora.Publishing.Plugin.Flickr.so", TEXT("CLSID\\{46519402-3380-4D48-BC76-63FFAA27165C}")},
     {"Halvora.WebComponents.so", TEXT("CLSID\\{5DC9820B-696D-488D-B09C-73CC4D72C85B}")},
@@ -86,7 +86,7 @@ bool IsRegistered(const Module &module, const fs::path &file)
     const WideText server =
         ReadText(HKEY_CLASSES_ROOT, WideText(module.classKey) + TEXT("\\InprocServer32"), nullptr);
     return server == TextOfPath(file) &&
-           ReadText(HKEY_CURRENT_USER, STAMPS_KEY, TextOfPath(module.file).c_str()) == StampOf(file);
+           ReadText(HKEY_CURRENT_USER, StampsKey, TextOfPath(module.file).c_str()) == StampOf(file);
 }
 
 // The module stays loaded: it is about to be used.
@@ -118,7 +118,7 @@ RegistrationReport RegisterInstalledModules(const std::vector<fs::path> &folders
 {
     RegistrationReport report;
     std::vector<std::pair<const Module *, fs::path>> unregistered;
-    for (const Module &module : MODULES)
+    for (const Module &module : Modules)
     {
         const auto file = FindModule(module.file, folders);
         if (!file)
@@ -143,7 +143,7 @@ RegistrationReport RegisterInstalledModules(const std::vector<fs::path> &folders
                                           " could not be registered: " + SystemWords(result));
                 continue;
             }
-            WriteText(HKEY_CURRENT_USER, STAMPS_KEY, TextOfPath(module->file).c_str(), StampOf(file));
+            WriteText(HKEY_CURRENT_USER, StampsKey, TextOfPath(module->file).c_str(), StampOf(file));
         }
         if (const LSTATUS status = batch.Commit(); status != ERROR_SUCCESS)
         {

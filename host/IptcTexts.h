@@ -18,7 +18,7 @@ struct IptcTextPlace
     IptcDataset dataset;
 };
 
-inline constexpr IptcTextPlace IPTC_TEXT_PLACES[] = {
+inline constexpr IptcTextPlace IptcTextPlaces[] = {
     {0, TEXT("photoshop:Headline"), {105, TEXT("Headline")}},
     {1, TEXT("photoshop:City"), {90, TEXT("City")}},
     {2, TEXT("iptc:Location"), {92, TEXT("Sub-location")}},

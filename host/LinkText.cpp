@@ -4,14 +4,14 @@
 
 namespace
 {
-constexpr std::pair<std::string_view, std::string_view> COMMANDS[] = {
+constexpr std::pair<std::string_view, std::string_view> Commands[] = {
     {"authorize", "halvora authorize"},
     {"settings", "halvora settings"},
 };
 
 std::string_view CommandOf(std::string_view id)
 {
-    for (const auto &[name, command] : COMMANDS)
+    for (const auto &[name, command] : Commands)
     {
         if (name == id)
         {
@@ -35,14 +35,14 @@ std::string_view AttributeOf(std::string_view tag, std::string_view name)
 
 std::string WithoutEntities(std::string_view text)
 {
-    static constexpr std::pair<std::string_view, char> entities[] = {
+    static constexpr std::pair<std::string_view, char> Entities[] = {
         {"&lt;", '<'}, {"&gt;", '>'}, {"&quot;", '"'}, {"&amp;", '&'}};
     std::string plain;
     while (!text.empty())
     {
         size_t taken = 1;
         char character = text.front();
-        for (const auto &[entity, meaning] : entities)
+        for (const auto &[entity, meaning] : Entities)
         {
             if (text.starts_with(entity))
             {

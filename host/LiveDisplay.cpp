@@ -15,12 +15,12 @@ struct LevelLook
 
 LevelLook LookOf(int level)
 {
-    static constexpr LevelLook looks[] = {{"verbose: ", "\x1b[2m"},
+    static constexpr LevelLook Looks[] = {{"verbose: ", "\x1b[2m"},
                                           {"", ""},
                                           {"warning: ", "\x1b[33m"},
                                           {"error: ", "\x1b[31m"},
                                           {"fatal: ", "\x1b[1;31m"}};
-    return looks[level < 0 ? 0 : level > 4 ? 4 : level];
+    return Looks[level < 0 ? 0 : level > 4 ? 4 : level];
 }
 } // namespace
 

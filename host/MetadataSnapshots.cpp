@@ -7,9 +7,9 @@
 
 namespace
 {
-constexpr size_t MOST_KEPT = 8;
+constexpr size_t MostKept = 8;
 // The record's word for GPS is the narrowest; 0 stands for blank.
-constexpr UINT64 LONGEST_KEY = 0xFFFF;
+constexpr UINT64 LongestKey = 0xFFFF;
 
 static_assert(sizeof(ItemRecord::XmpGroup) > sizeof(UINT64));
 } // namespace
@@ -26,13 +26,13 @@ void MetadataSnapshots::Put(SnapshotPtr snapshot, ItemRecord &record)
         const std::lock_guard guard(m_lock);
         key = ++m_lastKey;
         m_entries.push_back({key, std::move(snapshot)});
-        if (m_entries.size() > MOST_KEPT)
+        if (m_entries.size() > MostKept)
         {
             m_entries.pop_front();
         }
     }
     record.ExifGroup = key;
-    record.GpsGroup = static_cast<UINT16>(key % LONGEST_KEY + 1);
+    record.GpsGroup = static_cast<UINT16>(key % LongestKey + 1);
     std::memset(record.XmpGroup, 0, sizeof(record.XmpGroup));
     std::memcpy(record.XmpGroup, &key, sizeof(key));
     std::memcpy(record.Opaque11C, &orientation, sizeof(orientation));
@@ -59,7 +59,7 @@ RecordGroup MetadataSnapshots::Gps(const ItemRecord &record) const
     }
     const std::lock_guard guard(m_lock);
     const auto found = std::find_if(m_entries.begin(), m_entries.end(), [&](const Entry &entry) {
-        return entry.key % LONGEST_KEY + 1 == record.GpsGroup;
+        return entry.key % LongestKey + 1 == record.GpsGroup;
     });
     return {false, found == m_entries.end() ? nullptr : found->snapshot};
 }

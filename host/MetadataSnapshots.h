@@ -29,14 +29,14 @@ struct ExifField
     std::vector<BYTE> data; // little-endian
 };
 
-constexpr int NO_NUMBER = -100;
+constexpr int NoNumber = -100;
 
 struct MetadataSnapshot
 {
     std::vector<ExifField> camera; // camera and shooting data, by the lists in SnapshotFields.h
     std::vector<ExifField> gps;
-    int rating = NO_NUMBER;  // -1 (rejected) to 5
-    int urgency = NO_NUMBER; // 0 to 8
+    int rating = NoNumber;  // -1 (rejected) to 5
+    int urgency = NoNumber; // 0 to 8
     WideText label;
     UINT16 orientation = 1; // EXIF's numbers, 1 to 8
 };

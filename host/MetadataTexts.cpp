@@ -66,15 +66,15 @@ int NumberOf(const WideText &text, int least, int most)
     const WideView digits = WideView(text).substr(negative ? 1 : 0);
     if (digits.empty() || digits[0] < '0' || digits[0] > '9')
     {
-        return NO_NUMBER;
+        return NoNumber;
     }
     // Some writers say "3.0"; no scale has two digits.
     if (digits.size() > 1 && digits[1] != '.')
     {
-        return NO_NUMBER;
+        return NoNumber;
     }
     const int number = (negative ? -1 : 1) * (digits[0] - '0');
-    return number >= least && number <= most ? number : NO_NUMBER;
+    return number >= least && number <= most ? number : NoNumber;
 }
 } // namespace
 
@@ -95,7 +95,7 @@ ImageTexts ChooseTexts(const MetadataTexts &blocks)
     texts.copyright =
         FirstText({blocks.Xmp(TEXT("dc:rights")), blocks.Iptc(Dataset::Copyright), blocks.Exif(Tag::Copyright)});
     texts.credit = FirstText({blocks.Xmp(TEXT("photoshop:Credit")), blocks.Iptc(Dataset::Credit)});
-    for (const IptcTextPlace &place : IPTC_TEXT_PLACES)
+    for (const IptcTextPlace &place : IptcTextPlaces)
     {
         const bool hasDataset = place.dataset.name != nullptr;
         texts.places[place.number] =
@@ -107,10 +107,10 @@ ImageTexts ChooseTexts(const MetadataTexts &blocks)
 void ChooseNumbers(const MetadataTexts &blocks, MetadataSnapshot &groups)
 {
     groups.rating = NumberOf(blocks.Xmp(TEXT("xmp:Rating")), -1, 5);
-    if (groups.rating == NO_NUMBER)
+    if (groups.rating == NoNumber)
     {
         const long rating = blocks.ExifRating().value_or(0);
-        groups.rating = rating >= 1 && rating <= 5 ? static_cast<int>(rating) : NO_NUMBER;
+        groups.rating = rating >= 1 && rating <= 5 ? static_cast<int>(rating) : NoNumber;
     }
     groups.urgency =
         NumberOf(FirstText({blocks.Xmp(TEXT("photoshop:Urgency")), blocks.Iptc(Dataset::Urgency)}), 0, 8);

@@ -24,20 +24,20 @@ constexpr WORD PixelYDimension = 40963;
 } // namespace Tag
 
 // Copies of other blocks, layers and directories of small pictures that lie in IFD0.
-constexpr WORD COPIES_IN_MAIN[] = {700, 33723, 34377, 37724};
+constexpr WORD CopiesInMain[] = {700, 33723, 34377, 37724};
 
 // An EXIF block and an XMP packet have to fit into a segment of 64 KB each; longer texts stay out.
-constexpr size_t LONGEST_TEXT = 8000;
-constexpr size_t MOST_XMP_TEXT = 12000;
+constexpr size_t LongestText = 8000;
+constexpr size_t MostXmpText = 12000;
 
 // More than any file has segments of a kind; a writer that always claims success must not hold us.
-constexpr int MOST_SEGMENTS = 10000;
+constexpr int MostSegments = 10000;
 
 WideText ExifPath(ExifField::Directory directory, WORD tag)
 {
-    static constexpr WideView folders[] = {TEXT("/app1/ifd/"), TEXT("/app1/ifd/exif/"), TEXT("/app1/ifd/gps/")};
+    static constexpr WideView Folders[] = {TEXT("/app1/ifd/"), TEXT("/app1/ifd/exif/"), TEXT("/app1/ifd/gps/")};
     const std::string number = std::to_string(tag);
-    return WideText(folders[static_cast<size_t>(directory)]) + TEXT("{ushort=") +
+    return WideText(Folders[static_cast<size_t>(directory)]) + TEXT("{ushort=") +
            WideText(number.begin(), number.end()) + TEXT("}");
 }
 
@@ -72,7 +72,7 @@ public:
 
     void RemoveAll(const WideText &path)
     {
-        for (int left = MOST_SEGMENTS; Remove(path); --left)
+        for (int left = MostSegments; Remove(path); --left)
         {
             if (left == 0)
             {
@@ -107,7 +107,7 @@ public:
     void ClearClosedCopies()
     {
         Remove(TEXT("/app1/thumb"));
-        for (const WORD tag : COPIES_IN_MAIN)
+        for (const WORD tag : CopiesInMain)
         {
             Remove(ExifPath(ExifField::Directory::Main, tag));
         }
@@ -146,7 +146,7 @@ public:
 
     void SetText(const WideText &path, WideView text)
     {
-        if (text.empty() || text.size() > LONGEST_TEXT)
+        if (text.empty() || text.size() > LongestText)
         {
             return;
         }
@@ -225,7 +225,7 @@ private:
 
     bool TakeXmpRoom(size_t size)
     {
-        if (size > MOST_XMP_TEXT - m_xmpText)
+        if (size > MostXmpText - m_xmpText)
         {
             return false;
         }
@@ -267,7 +267,7 @@ void WriteIptc(RecordWriting &writing, const ItemRecord &record)
     writing.SetProperty(TEXT("dc:description"), description);
     writing.SetProperties(TEXT("<xmpbag>dc:subject"), keywords);
     writing.SetExifText(ExifField::Directory::Main, Tag::ImageDescription, description);
-    for (const IptcTextPlace &place : IPTC_TEXT_PLACES)
+    for (const IptcTextPlace &place : IptcTextPlaces)
     {
         const WideView text = ViewOf(record.Iptc.Texts[place.number]);
         writing.SetProperty(place.property, text);
@@ -281,7 +281,7 @@ void WriteIptc(RecordWriting &writing, const ItemRecord &record)
 void WriteXmp(RecordWriting &writing, const MetadataSnapshot &snapshot)
 {
     const auto number = [&](const WCHAR *name, int value) {
-        if (value != NO_NUMBER)
+        if (value != NoNumber)
         {
             const std::string digits = std::to_string(value);
             writing.SetProperty(name, WideText(digits.begin(), digits.end()));

@@ -14,7 +14,7 @@
 #include <vector>
 
 // 3 bytes each make 1.5 GB: more than any camera makes, less than a crafted header can claim.
-constexpr UINT64 MAX_PICTURE_PIXELS = 500'000'000;
+constexpr UINT64 MaxPicturePixels = 500'000'000;
 
 struct DecodedPicture
 {

@@ -28,7 +28,7 @@ using Image = std::unique_ptr<VipsImage, UnrefObject>;
 
 void StartLibraryOnce()
 {
-    static const bool started = [] {
+    static const bool Started = [] {
         if (vips_init("halvora") != 0)
         {
             return false;
@@ -39,7 +39,7 @@ void StartLibraryOnce()
             "VIPS", G_LOG_LEVEL_MASK, [](const gchar *, GLogLevelFlags, const gchar *, gpointer) {}, nullptr);
         return true;
     }();
-    if (!started)
+    if (!Started)
     {
         throw DecodingError(E_UNEXPECTED, "can't be decoded: the imaging library doesn't start");
     }
@@ -114,11 +114,11 @@ FileHeader ReadHeader(const std::filesystem::path &file)
     }
     const UINT64 width = static_cast<UINT64>(vips_image_get_width(image.get()));
     const UINT64 height = static_cast<UINT64>(vips_image_get_height(image.get()));
-    if (width * height > MAX_PICTURE_PIXELS)
+    if (width * height > MaxPicturePixels)
     {
         throw DecodingError(WINCODEC_ERR_IMAGESIZEOUTOFRANGE,
                             "says that it is " + std::to_string(width) + " by " + std::to_string(height) +
-                                " pixels large; at most " + std::to_string(MAX_PICTURE_PIXELS / 1'000'000) +
+                                " pixels large; at most " + std::to_string(MaxPicturePixels / 1'000'000) +
                                 " megapixels can be decoded");
     }
     FileHeader header;

@@ -17,10 +17,10 @@
 namespace
 {
 // What one call copies: seldom enough for decoders that begin anew with each call, often enough to stop.
-constexpr size_t BAND_BYTES = size_t{16} << 20;
+constexpr size_t BandBytes = size_t{16} << 20;
 
 // Since Windows 10; it takes every pixel of the source into account, as Fant does.
-constexpr auto HIGH_QUALITY_CUBIC = static_cast<WICBitmapInterpolationMode>(4);
+constexpr auto HighQualityCubic = static_cast<WICBitmapInterpolationMode>(4);
 
 [[noreturn]] void ThrowDecoding(HRESULT code)
 {
@@ -55,12 +55,12 @@ Size SizeOf(IWICBitmapSource *source)
 {
     Size size;
     Check(source->GetSize(&size.width, &size.height));
-    if (UINT64{size.width} * size.height > MAX_PICTURE_PIXELS)
+    if (UINT64{size.width} * size.height > MaxPicturePixels)
     {
         throw DecodingError(WINCODEC_ERR_IMAGESIZEOUTOFRANGE,
                             "says that it is " + std::to_string(size.width) + " by " +
                                 std::to_string(size.height) + " pixels large; at most " +
-                                std::to_string(MAX_PICTURE_PIXELS / 1'000'000) + " megapixels can be decoded");
+                                std::to_string(MaxPicturePixels / 1'000'000) + " megapixels can be decoded");
     }
     return size;
 }
@@ -186,7 +186,7 @@ private:
     {
         ComPtr<IWICBitmapScaler> scaler;
         Check(m_factory->CreateBitmapScaler(scaler.Put()));
-        if (FAILED(scaler->Initialize(source.Get(), wanted.width, wanted.height, HIGH_QUALITY_CUBIC)))
+        if (FAILED(scaler->Initialize(source.Get(), wanted.width, wanted.height, HighQualityCubic)))
         {
             Check(m_factory->CreateBitmapScaler(scaler.Put()));
             Check(scaler->Initialize(source.Get(), wanted.width, wanted.height, WICBitmapInterpolationModeFant));
@@ -201,7 +201,7 @@ private:
         picture.height = size.height;
         picture.pixels.resize(picture.RowBytes() * size.height);
         const size_t row = size_t{size.width} * 4;
-        const auto lines = static_cast<UINT>(std::clamp<size_t>(BAND_BYTES / row, 1, size.height));
+        const auto lines = static_cast<UINT>(std::clamp<size_t>(BandBytes / row, 1, size.height));
         std::vector<BYTE> band(row * lines);
         BYTE *to = picture.pixels.data();
         for (UINT top = 0; top < size.height; top += lines)

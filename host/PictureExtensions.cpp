@@ -8,15 +8,15 @@ namespace
 {
 // Sorted. What goes up as it lies on disk first of all, then what is decoded: TIFF, WebP, HEIF and
 // the camera makers' raw formats.
-constexpr auto PICTURES = std::to_array<std::string_view>({
+constexpr auto Pictures = std::to_array<std::string_view>({
     "3fr",  "arw", "avif", "bmp",  "cap", "cr2",  "cr3", "crw", "dcr", "dng", "erf", "exif", "fff",  "gif", "heic",
     "heif", "hif", "iiq",  "jfif", "jpe", "jpeg", "jpg", "k25", "kdc", "mef", "mos", "mrw",  "nef",  "nrw", "orf",
     "pef",  "png", "psd",  "raf",  "raw", "rw2",  "rwl", "sr2", "srf", "srw", "tif", "tiff", "webp", "x3f",
 });
-static_assert(std::is_sorted(PICTURES.begin(), PICTURES.end()));
+static_assert(std::is_sorted(Pictures.begin(), Pictures.end()));
 
-constexpr auto SIDECARS = std::to_array<std::string_view>({"dop", "pp3", "thm", "xmp"});
-static_assert(std::is_sorted(SIDECARS.begin(), SIDECARS.end()));
+constexpr auto Sidecars = std::to_array<std::string_view>({"dop", "pp3", "thm", "xmp"});
+static_assert(std::is_sorted(Sidecars.begin(), Sidecars.end()));
 
 std::string Lower(std::string_view extension)
 {
@@ -31,15 +31,15 @@ std::string Lower(std::string_view extension)
 
 bool IsPictureExtension(std::string_view extension)
 {
-    return std::binary_search(PICTURES.begin(), PICTURES.end(), std::string_view(Lower(extension)));
+    return std::binary_search(Pictures.begin(), Pictures.end(), std::string_view(Lower(extension)));
 }
 
 bool IsSidecarExtension(std::string_view extension)
 {
-    return std::binary_search(SIDECARS.begin(), SIDECARS.end(), std::string_view(Lower(extension)));
+    return std::binary_search(Sidecars.begin(), Sidecars.end(), std::string_view(Lower(extension)));
 }
 
 std::span<const std::string_view> PictureExtensions()
 {
-    return PICTURES;
+    return Pictures;
 }

@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 namespace
 {
 // Lengths on their way to the service are unsigned 32-bit numbers of bytes.
-constexpr uintmax_t LARGEST_FILE = 0xFFFFFFFF;
+constexpr uintmax_t LargestFile = 0xFFFFFFFF;
 
 // Why the file can't be published; nothing if it can, as far as can be told without reading it.
 std::optional<std::string> FaultOf(const fs::path &file)
@@ -48,7 +48,7 @@ std::optional<std::string> FaultOf(const fs::path &file)
     {
         return "is empty (0 bytes); copy it again from its source";
     }
-    if (!error && size > LARGEST_FILE)
+    if (!error && size > LargestFile)
     {
         return "is " + std::to_string(size) + " bytes long; files of 4 GiB and more can't be published";
     }

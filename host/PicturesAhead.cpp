@@ -8,10 +8,10 @@ namespace fs = std::filesystem;
 
 namespace
 {
-constexpr size_t MOST_AHEAD = 2;
-constexpr size_t MOST_BYTES_AHEAD = size_t{64} << 20;
+constexpr size_t MostAhead = 2;
+constexpr size_t MostBytesAhead = size_t{64} << 20;
 // How far the next picture to decode is looked for among items that go up without.
-constexpr size_t SIGHT = 8;
+constexpr size_t Sight = 8;
 
 std::string LowerExtension(std::string extension)
 {
@@ -149,9 +149,9 @@ const std::string *PicturesAhead::GuessExtension(const PictureItem &item, const 
 void PicturesAhead::PlanLocked(const fs::path &asked, UINT longEdge, size_t bytes)
 {
     const size_t expected = longEdge == 0 ? bytes : size_t{longEdge} * longEdge * 3;
-    const size_t room = expected > MOST_BYTES_AHEAD / MOST_AHEAD ? 1 : MOST_AHEAD;
+    const size_t room = expected > MostBytesAhead / MostAhead ? 1 : MostAhead;
     const std::string extension = LowerExtensionOf(asked);
-    const size_t end = std::min(m_items.size(), m_item + 1 + SIGHT);
+    const size_t end = std::min(m_items.size(), m_item + 1 + Sight);
     for (size_t item = m_item + 1; item < end && m_jobs.size() < room && !m_stopped; ++item)
     {
         const std::string *const guess = GuessExtension(m_items[item], extension);

@@ -9,7 +9,7 @@ namespace fs = std::filesystem;
 namespace
 {
 // Six texts of at most 1 MiB and a few bytes; anything longer isn't ours.
-constexpr size_t LONGEST_INIT_DATA = 7 << 20;
+constexpr size_t LongestInitData = 7 << 20;
 
 std::string Failure(const std::string &what, const std::system_error &error, const std::string &advice)
 {
@@ -44,7 +44,7 @@ void InitDataStore::Load()
     const fs::path file = m_profile.InitDataFile();
     try
     {
-        m_content = ReadWholeFile(file, LONGEST_INIT_DATA).value_or(std::string());
+        m_content = ReadWholeFile(file, LongestInitData).value_or(std::string());
     }
     catch (const std::system_error &error)
     {
@@ -91,7 +91,7 @@ StoreOutcome InitDataStore::Store(const std::string &content)
     {
         const FolderLock lock(m_profile.Folder());
         const std::string present =
-            ReadWholeFile(m_profile.InitDataFile(), LONGEST_INIT_DATA).value_or(std::string());
+            ReadWholeFile(m_profile.InitDataFile(), LongestInitData).value_or(std::string());
         if (present == content)
         {
             return StoreOutcome::Unchanged;

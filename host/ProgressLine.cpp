@@ -7,12 +7,12 @@
 
 namespace
 {
-constexpr size_t WIDEST_BAR = 40;
-constexpr size_t NARROWEST_BAR = 6;
+constexpr size_t WidestBar = 40;
+constexpr size_t NarrowestBar = 6;
 
 // What stands beside the bar: the percentage, the blanks between, and a status text of some hundred
 // items with two-part times. The bar gives way to it, and keeps its width while texts change.
-constexpr size_t BESIDE_THE_BAR = 4 + 3 + 68;
+constexpr size_t BesideTheBar = 4 + 3 + 68;
 
 // The position in parts of the range, at most parts, never rounded up.
 uint64_t PartsDone(const ProgressView &view, uint64_t parts)
@@ -28,7 +28,7 @@ uint64_t PartsDone(const ProgressView &view, uint64_t parts)
 
 std::string RenderBar(const ProgressView &view, size_t columns, bool unicode)
 {
-    static constexpr const char *eighths[] = {"", "▏", "▎", "▍", "▌", "▋", "▊", "▉"};
+    static constexpr const char *Eighths[] = {"", "▏", "▎", "▍", "▌", "▋", "▊", "▉"};
     std::string bar;
     size_t taken = 0;
     if (unicode)
@@ -38,7 +38,7 @@ std::string RenderBar(const ProgressView &view, size_t columns, bool unicode)
         {
             bar += "█";
         }
-        bar += eighths[done % 8];
+        bar += Eighths[done % 8];
         taken += done % 8 != 0;
         for (; taken < columns; ++taken)
         {
@@ -81,9 +81,9 @@ std::string RenderProgressLine(const ProgressView &view, const LineStyle &style)
     }
     std::string bar;
     size_t used = percent.size();
-    const size_t spare = room > BESIDE_THE_BAR ? room - BESIDE_THE_BAR : 0;
-    const size_t columns = std::min(room / 3, std::clamp(spare, NARROWEST_BAR, WIDEST_BAR));
-    if (columns >= NARROWEST_BAR)
+    const size_t spare = room > BesideTheBar ? room - BesideTheBar : 0;
+    const size_t columns = std::min(room / 3, std::clamp(spare, NarrowestBar, WidestBar));
+    if (columns >= NarrowestBar)
     {
         bar = RenderBar(view, columns, style.unicode);
         used += columns + 1;

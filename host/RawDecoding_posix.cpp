@@ -15,11 +15,11 @@
 
 namespace
 {
-constexpr auto RAW_EXTENSIONS = std::to_array<std::string_view>({
+constexpr auto RawExtensions = std::to_array<std::string_view>({
     "3fr", "arw", "cap", "cr2", "cr3", "crw", "dcr", "dng", "erf", "fff", "iiq", "k25", "kdc", "mef",
     "mos", "mrw", "nef", "nrw", "orf", "pef", "raf", "raw", "rw2", "rwl", "sr2", "srf", "srw", "x3f",
 });
-static_assert(std::is_sorted(RAW_EXTENSIONS.begin(), RAW_EXTENSIONS.end()));
+static_assert(std::is_sorted(RawExtensions.begin(), RawExtensions.end()));
 
 HRESULT CodeOf(int result)
 {
@@ -69,7 +69,7 @@ bool IsRawExtension(std::string_view extension)
     std::string lower(extension);
     std::transform(lower.begin(), lower.end(), lower.begin(),
                    [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-    return std::binary_search(RAW_EXTENSIONS.begin(), RAW_EXTENSIONS.end(), std::string_view(lower));
+    return std::binary_search(RawExtensions.begin(), RawExtensions.end(), std::string_view(lower));
 }
 
 DecodedPicture DevelopRaw(const std::filesystem::path &file, UINT longEdge, const std::atomic<bool> *stop)
@@ -87,7 +87,7 @@ DecodedPicture DevelopRaw(const std::filesystem::path &file, UINT longEdge, cons
     Check(opened == LIBRAW_IO_ERROR ? LIBRAW_FILE_UNSUPPORTED : opened);
     const UINT width = library->imgdata.sizes.width;
     const UINT height = library->imgdata.sizes.height;
-    if (UINT64{width} * height > MAX_PICTURE_PIXELS)
+    if (UINT64{width} * height > MaxPicturePixels)
     {
         throw DecodingError(WINCODEC_ERR_IMAGESIZEOUTOFRANGE, "has more pixels than can be decoded");
     }

@@ -11,9 +11,9 @@
 
 namespace
 {
-constexpr std::string_view CODE_MARK = "0x";
-constexpr size_t CODE_DIGITS = 8;
-constexpr std::string_view HEX_DIGITS = "0123456789abcdefABCDEF";
+constexpr std::string_view CodeMark = "0x";
+constexpr size_t CodeDigits = 8;
+constexpr std::string_view HexDigits = "0123456789abcdefABCDEF";
 
 std::string Trimmed(std::string text)
 {
@@ -60,12 +60,12 @@ std::string Count(size_t number, const char *one, const char *several)
 std::string ReasonOfEntry(const std::string &entry, const ErrorWords &words)
 {
     // The code stands in parentheses. A path in front of it may look like one, so the last counts.
-    for (size_t at = entry.rfind(CODE_MARK); at != entry.npos;
-         at = at == 0 ? entry.npos : entry.rfind(CODE_MARK, at - 1))
+    for (size_t at = entry.rfind(CodeMark); at != entry.npos;
+         at = at == 0 ? entry.npos : entry.rfind(CodeMark, at - 1))
     {
-        const std::string digits = entry.substr(at + CODE_MARK.size(), CODE_DIGITS);
-        const size_t end = at + CODE_MARK.size() + CODE_DIGITS;
-        if (end >= entry.size() || entry[end] != ')' || digits.find_first_not_of(HEX_DIGITS) != digits.npos)
+        const std::string digits = entry.substr(at + CodeMark.size(), CodeDigits);
+        const size_t end = at + CodeMark.size() + CodeDigits;
+        if (end >= entry.size() || entry[end] != ')' || digits.find_first_not_of(HexDigits) != digits.npos)
         {
             continue;
         }

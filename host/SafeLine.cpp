@@ -5,7 +5,7 @@
 
 namespace
 {
-constexpr WCHAR REPLACEMENT = 0xFFFD;
+constexpr WCHAR Replacement = 0xFFFD;
 
 bool OverridesDirection(WCHAR unit)
 {
@@ -34,7 +34,7 @@ std::string OneSafeLine(std::string_view utf8)
         }
         else if ((unit >= 0x80 && unit < 0xA0) || OverridesDirection(unit))
         {
-            safe += REPLACEMENT;
+            safe += Replacement;
         }
         else
         {

@@ -5,24 +5,24 @@
 namespace
 {
 // A block of EXIF has room for 64 KB; a field of the lists that is larger than this is not sane.
-constexpr size_t LONGEST_FIELD = 4096;
-constexpr size_t MOST_FIELD_BYTES = 40000;
-constexpr WORD LAST_TYPE = 12;
+constexpr size_t LongestField = 4096;
+constexpr size_t MostFieldBytes = 40000;
+constexpr WORD LastType = 12;
 
 // Make, model, software, date, host computer. The rest of IFD0 describes the file's own layout or
 // belongs to other groups.
-constexpr TagRange CAMERA_MAIN[] = {{271, 272}, {305, 306}, {316, 316}};
+constexpr TagRange CameraMain[] = {{271, 272}, {305, 306}, {316, 316}};
 
 // EXIF 2.32 without the maker note, the user's comment, the owner's name, sound files, and what the new
 // file's own pixels say. Dates, exposure, light, sensor, conditions, lens, serial numbers.
-constexpr TagRange CAMERA_EXIF[] = {
+constexpr TagRange CameraExif[] = {
     {33434, 33434}, {33437, 33437}, {34850, 34850}, {34852, 34852}, {34855, 34856}, {34864, 34869}, {36864, 36864},
     {36867, 36868}, {36880, 36882}, {37121, 37122}, {37377, 37386}, {37396, 37396}, {37520, 37522}, {37888, 37893},
     {40961, 40961}, {41483, 41484}, {41486, 41488}, {41492, 41493}, {41495, 41495}, {41728, 41730}, {41985, 41996},
     {42016, 42016}, {42033, 42037}, {42080, 42082}, {42240, 42240},
 };
 
-constexpr TagRange GPS_TAGS[] = {{0, 31}};
+constexpr TagRange GpsTags[] = {{0, 31}};
 } // namespace
 
 std::span<const TagRange> SnapshotTags(ExifField::Directory directory)
@@ -30,11 +30,11 @@ std::span<const TagRange> SnapshotTags(ExifField::Directory directory)
     switch (directory)
     {
     case ExifField::Directory::Main:
-        return CAMERA_MAIN;
+        return CameraMain;
     case ExifField::Directory::Exif:
-        return CAMERA_EXIF;
+        return CameraExif;
     default:
-        return GPS_TAGS;
+        return GpsTags;
     }
 }
 
@@ -47,7 +47,7 @@ bool SnapshotFields::Wants(ExifField::Directory directory, WORD tag, WORD type, 
 {
     const auto tags = SnapshotTags(directory);
     const auto &fields = GroupOf(directory);
-    return size != 0 && size <= LONGEST_FIELD && size <= MOST_FIELD_BYTES - m_bytes && type <= LAST_TYPE &&
+    return size != 0 && size <= LongestField && size <= MostFieldBytes - m_bytes && type <= LastType &&
            std::any_of(tags.begin(), tags.end(),
                        [&](const TagRange &range) { return tag >= range.first && tag <= range.last; }) &&
            std::none_of(fields.begin(), fields.end(),

@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 namespace
 {
 // More than any content that is written here; the system takes 32 bits.
-constexpr size_t LARGEST_PART = size_t{1} << 30;
+constexpr size_t LargestPart = size_t{1} << 30;
 
 [[noreturn]] void ThrowLastError(const char *deed)
 {
@@ -46,7 +46,7 @@ void WriteAll(HANDLE file, std::string_view content)
     while (!content.empty())
     {
         DWORD written = 0;
-        const auto size = static_cast<DWORD>(std::min(content.size(), LARGEST_PART));
+        const auto size = static_cast<DWORD>(std::min(content.size(), LargestPart));
         if (!WriteFile(file, content.data(), size, &written, nullptr))
         {
             ThrowLastError("writing");

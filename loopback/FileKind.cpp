@@ -21,7 +21,7 @@ struct Signature
 
 const FileKind *RecogniseFile(std::string_view firstBytes)
 {
-    static const std::array signatures = {
+    static const std::array Signatures = {
         Signature{0, "\xFF\xD8\xFF"sv, {"image/jpeg", "jpg"}},
         Signature{0, "\x89PNG\r\n\x1A\n"sv, {"image/png", "png"}},
         Signature{0, "GIF87a"sv, {"image/gif", "gif"}},
@@ -33,7 +33,7 @@ const FileKind *RecogniseFile(std::string_view firstBytes)
         Signature{4, "ftypmp4"sv, {"video/mp4", "mp4", true}},
         Signature{8, "AVI LIST"sv, {"video/x-msvideo", "avi", true}},
     };
-    for (const auto &signature : signatures)
+    for (const auto &signature : Signatures)
     {
         if (firstBytes.size() >= signature.offset &&
             firstBytes.substr(signature.offset).starts_with(signature.bytes))

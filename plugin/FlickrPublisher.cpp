@@ -20,7 +20,7 @@
 
 namespace
 {
-constexpr auto capabilities =
+constexpr auto Capabilities =
     static_cast<HVRPUBLISHINGCAPABILITIES>(HVRPUBLISHINGCAPS_CONFIGURABLE | HVRPUBLISHINGCAPS_USES_INIT_DATA |
                                            HVRPUBLISHINGCAPS_CANCELABLE | HVRPUBLISHINGCAPS_AUTHORIZATION);
 
@@ -152,7 +152,7 @@ HRESULT CFlickrPublisher::GetCapabilities(HVRPUBLISHINGCAPABILITIES *lpCapabilit
     {
         return E_INVALIDARG;
     }
-    *lpCapabilities = capabilities;
+    *lpCapabilities = Capabilities;
     return S_OK;
 }
 

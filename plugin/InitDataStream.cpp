@@ -10,7 +10,7 @@ constexpr signed char FormatMarker = 1;
 constexpr UINT32 TerminatorSize = sizeof(WCHAR);
 constexpr UINT32 LargestString = 0x100000;
 
-constexpr BstrOwner AccountRecord::*storedTexts[] = {
+constexpr BstrOwner AccountRecord::*StoredTexts[] = {
     &AccountRecord::OAuthToken, &AccountRecord::OAuthTokenSecret, &AccountRecord::UserName,
     &AccountRecord::FullName,   &AccountRecord::PhotosUrl,        &AccountRecord::AccountType,
 };
@@ -120,7 +120,7 @@ void ReadInitData(IStream *stream, AccountRecord &account)
         account.MaxFileSize = 0;
         return;
     }
-    for (const auto field : storedTexts)
+    for (const auto field : StoredTexts)
     {
         BstrOwner &text = account.*field;
         text.Reset();
@@ -141,7 +141,7 @@ void WriteInitData(IStream *stream, const AccountRecord &account)
     ThrowIfFailed(stream->Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr));
     ThrowIfFailed(stream->SetSize(ULARGE_INTEGER{}));
     WriteExactly(stream, &FormatMarker, sizeof FormatMarker);
-    for (const auto field : storedTexts)
+    for (const auto field : StoredTexts)
     {
         WriteText(stream, account.*field);
     }

@@ -13,7 +13,7 @@
 
 namespace
 {
-constexpr const WCHAR *applicationId = TEXT("{BFB39C79-DF27-42C0-8377-1B8ADA033E84}");
+constexpr const WCHAR *ApplicationId = TEXT("{BFB39C79-DF27-42C0-8377-1B8ADA033E84}");
 
 void ThrowIfError(LSTATUS status)
 {
@@ -60,7 +60,7 @@ HRESULT RunScript(UINT id, RegistrationScope scope, Operation operation) noexcep
         ComPtr<IRegistrar> registrar;
         ThrowIfFailed(CoCreateInstance(CLSID_Registrar, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IRegistrar),
                                        registrar.PutVoid()));
-        ThrowIfFailed(registrar->AddReplacement(TEXT("APPID"), applicationId));
+        ThrowIfFailed(registrar->AddReplacement(TEXT("APPID"), ApplicationId));
         ThrowIfFailed(registrar->AddReplacement(TEXT("MODULE"), QuotedPath(module).c_str()));
         std::optional<UserClassesMapping> mapping;
         if (scope == RegistrationScope::User)

@@ -12,10 +12,10 @@
 namespace
 {
 // Of the type library, as its source gives them.
-constexpr WORD majorVersion = 1;
-constexpr WORD minorVersion = 0;
-constexpr LCID libraryLocale = 0x409;
-constexpr const WCHAR *libraryKey = TEXT("TypeLib\\{20FB81F4-2558-4961-B33E-75C9A90642E9}\\1.0\\409");
+constexpr WORD MajorVersion = 1;
+constexpr WORD MinorVersion = 0;
+constexpr LCID LibraryLocale = 0x409;
+constexpr const WCHAR *LibraryKey = TEXT("TypeLib\\{20FB81F4-2558-4961-B33E-75C9A90642E9}\\1.0\\409");
 
 using Register = HRESULT WINAPI(ITypeLib *library, LPOLESTR path, LPOLESTR helpFolder);
 using Unregister = HRESULT WINAPI(REFGUID id, WORD major, WORD minor, LCID locale, SYSKIND system);
@@ -36,7 +36,7 @@ Function *AutomationFunction(const char *name)
 bool IsRegistered(RegistrationScope scope)
 {
     const bool isUser = scope == RegistrationScope::User;
-    const WideText path = (isUser ? TEXT("Software\\Classes\\") : TEXT("")) + WideText(libraryKey);
+    const WideText path = (isUser ? TEXT("Software\\Classes\\") : TEXT("")) + WideText(LibraryKey);
     RegistryKeyOwner key;
     return RegOpenKeyExW(isUser ? HKEY_CURRENT_USER : HKEY_CLASSES_ROOT, path.c_str(), 0, KEY_READ, key.Put()) !=
            ERROR_FILE_NOT_FOUND;
@@ -63,8 +63,8 @@ HRESULT UnregisterTypeLibrary(RegistrationScope scope) noexcept
         const HRESULT result =
             scope == RegistrationScope::User
                 ? AutomationFunction<Unregister>("UnRegisterTypeLibForUser")(
-                      LIBID_HVRPublishToFlickrLib, majorVersion, minorVersion, libraryLocale, SYS_WIN64)
-                : UnRegisterTypeLib(LIBID_HVRPublishToFlickrLib, majorVersion, minorVersion, libraryLocale,
+                      LIBID_HVRPublishToFlickrLib, MajorVersion, MinorVersion, LibraryLocale, SYS_WIN64)
+                : UnRegisterTypeLib(LIBID_HVRPublishToFlickrLib, MajorVersion, MinorVersion, LibraryLocale,
                                     SYS_WIN64);
         // Where there was nothing to take back, that it failed says nothing.
         return wasRegistered ? result : S_OK;

@@ -7,7 +7,7 @@
 namespace
 {
 // {A6D092A4-081A-4F0E-9356-DA167E87D922}, a vendor of JPEG decoders of whom nothing else is known.
-constexpr GUID profileDecoderVendor = {
+constexpr GUID ProfileDecoderVendor = {
     0xA6D092A4, 0x081A, 0x4F0E, {0x93, 0x56, 0xDA, 0x16, 0x7E, 0x87, 0xD9, 0x22}};
 
 // A frame without a profile is a success.
@@ -33,7 +33,7 @@ void CopyColorProfile(IWICImagingFactory *factory, const WCHAR *sourcePath, IWIC
         return;
     }
     const HRESULT result = AtBoundary([&] {
-        const auto frame = OpenJpegFrame(factory, sourcePath, profileDecoderVendor);
+        const auto frame = OpenJpegFrame(factory, sourcePath, ProfileDecoderVendor);
         return PassProfileOn(frame.Get(), profile.Get(), target);
     });
     if (FAILED(result))

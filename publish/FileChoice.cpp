@@ -9,7 +9,7 @@ struct KnownExtension
     const WCHAR *extension;
     ExtensionClass type;
 };
-constexpr KnownExtension knownExtensions[] = {
+constexpr KnownExtension KnownExtensions[] = {
     {TEXT("jpg"), ExtensionClass::Jpeg},  {TEXT("jpeg"), ExtensionClass::Jpeg},
     {TEXT("jpe"), ExtensionClass::Jpeg},  {TEXT("jfif"), ExtensionClass::Jpeg},
     {TEXT("exif"), ExtensionClass::Jpeg}, {TEXT("gif"), ExtensionClass::Web},
@@ -19,7 +19,7 @@ constexpr KnownExtension knownExtensions[] = {
 
 ExtensionClass ClassifyExtension(WideView extension) noexcept
 {
-    for (const KnownExtension &known : knownExtensions)
+    for (const KnownExtension &known : KnownExtensions)
     {
         if (EqualsIgnoringCase(extension, known.extension))
         {

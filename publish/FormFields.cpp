@@ -33,7 +33,7 @@ struct NumberField
     const WCHAR *setting;
     UINT32 offset; // what the service's counting begins with
 };
-constexpr NumberField numberFields[] = {
+constexpr NumberField NumberFields[] = {
     {TEXT("is_public"), TEXT("IsPublic"), 0},       {TEXT("is_friend"), TEXT("IsFriend"), 0},
     {TEXT("is_family"), TEXT("IsFamily"), 0},       {TEXT("safety_level"), TEXT("SafetyLevel"), 1},
     {TEXT("content_type"), TEXT("ContentType"), 1}, {TEXT("hidden"), TEXT("SearchVisibility"), 1},
@@ -86,7 +86,7 @@ void AddFormFields(const ItemTexts &texts, IRequestParameters *parameters, IMult
     filler.AddText(TEXT("title"), TEXT("WriteTitle"), texts.Title);
     filler.AddText(TEXT("description"), TEXT("WriteDescription"), texts.Description);
     filler.AddText(TEXT("tags"), TEXT("WriteTags"), BstrOwner(QuotedTagList(texts.Tags.View())));
-    for (const NumberField &field : numberFields)
+    for (const NumberField &field : NumberFields)
     {
         filler.AddNumber(field);
     }

@@ -9,7 +9,7 @@
 
 namespace
 {
-const WCHAR *const imagingServerKey = TEXT("CLSID\\{CACAF262-9370-4615-A13B-9F5539DA4C0A}\\InProcServer32");
+const WCHAR *const ImagingServerKey = TEXT("CLSID\\{CACAF262-9370-4615-A13B-9F5539DA4C0A}\\InProcServer32");
 
 bool FindOut() noexcept
 {
@@ -17,14 +17,14 @@ bool FindOut() noexcept
     version.dwOSVersionInfoSize = sizeof version;
     const bool isKnown = GetVersionExW(&version);
     return (isKnown && VersionHasJpegSubsampling(version.dwMajorVersion, version.dwMinorVersion)) ||
-           IsFreeThreaded(HKEY_CLASSES_ROOT, imagingServerKey);
+           IsFreeThreaded(HKEY_CLASSES_ROOT, ImagingServerKey);
 }
 } // namespace
 
 bool JpegSubsamplingSupported()
 {
-    static const bool answer = FindOut();
-    return answer;
+    static const bool Answer = FindOut();
+    return Answer;
 }
 
 bool VersionHasJpegSubsampling(DWORD major, DWORD minor) noexcept

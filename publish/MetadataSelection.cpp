@@ -14,8 +14,8 @@
 namespace
 {
 // Of the EXIF standard: how the picture was rendered, and the value for a custom process.
-constexpr UINT tagCustomRendered = 41985;
-constexpr USHORT customProcess = 1;
+constexpr UINT TagCustomRendered = 41985;
+constexpr USHORT CustomProcess = 1;
 
 void FreeText(BSTR &text) noexcept
 {
@@ -44,10 +44,10 @@ ComPtr<IWICMetadataQueryWriter> QueryWriter(IWICBitmapFrameEncode *target)
 
 void MarkAsProcessed(IWICMetadataQueryWriter *writer)
 {
-    const WideText name = FormatText(TEXT("/app1/ifd/exif/{ushort=%d}"), tagCustomRendered);
+    const WideText name = FormatText(TEXT("/app1/ifd/exif/{ushort=%d}"), TagCustomRendered);
     PROPVARIANT value{};
     value.vt = VT_UI2;
-    value.uiVal = customProcess;
+    value.uiVal = CustomProcess;
     writer->SetMetadataByName(name.c_str(), &value);
 }
 } // namespace

@@ -7,12 +7,12 @@
 namespace
 {
 // For a size without one: that of a screen, as printing programs assume it.
-constexpr double screenDpi = 72.0;
+constexpr double ScreenDpi = 72.0;
 } // namespace
 
 Resolution ChooseResolution(const UploadOptions &options, IWICBitmapSource *source)
 {
-    const double wanted = options.PrintDpi != 0.0 ? std::fabs(options.PrintDpi) : screenDpi;
+    const double wanted = options.PrintDpi != 0.0 ? std::fabs(options.PrintDpi) : ScreenDpi;
     if (options.Mode == SendProcessed && options.LongEdgePixels != 0)
     {
         return {wanted, wanted};

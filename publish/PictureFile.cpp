@@ -12,7 +12,7 @@
 namespace
 {
 // The containers that the service takes as they are.
-const GUID *const acceptedFormats[] = {&GUID_ContainerFormatJpeg, &GUID_ContainerFormatGif,
+const GUID *const AcceptedFormats[] = {&GUID_ContainerFormatJpeg, &GUID_ContainerFormatGif,
                                        &GUID_ContainerFormatPng};
 
 void VerifyContainer(IStream *stream)
@@ -25,7 +25,7 @@ void VerifyContainer(IStream *stream)
         factory->CreateDecoderFromStream(stream, nullptr, WICDecodeMetadataCacheOnDemand, decoder.Put()));
     GUID format{};
     ThrowIfFailed(decoder->GetContainerFormat(&format));
-    if (std::none_of(std::begin(acceptedFormats), std::end(acceptedFormats),
+    if (std::none_of(std::begin(AcceptedFormats), std::end(AcceptedFormats),
                      [&](const GUID *accepted) { return *accepted == format; }))
     {
         ThrowHresult(WINCODEC_ERR_BADHEADER);

@@ -17,8 +17,8 @@ std::optional<DWORD> RetryRule::AfterPixels(HRESULT result) noexcept
     if (result == WINCODEC_ERR_BADIMAGE && m_retriesLeft != 0)
     {
         --m_retriesLeft;
-        return 100 * (s_mostRetries - m_retriesLeft);
+        return 100 * (MostRetries - m_retriesLeft);
     }
-    m_retriesLeft = s_mostRetries;
+    m_retriesLeft = MostRetries;
     return result == WINCODEC_ERR_PROPERTYUNEXPECTEDTYPE ? AfterMetadataFailure() : std::nullopt;
 }

@@ -21,8 +21,8 @@ public:
     std::optional<DWORD> AfterPixels(HRESULT result) noexcept;
 
 private:
-    static constexpr DWORD s_mostRetries = 3;
+    static constexpr DWORD MostRetries = 3;
 
     bool m_copiesBlocks;
-    DWORD m_retriesLeft = s_mostRetries;
+    DWORD m_retriesLeft = MostRetries;
 };

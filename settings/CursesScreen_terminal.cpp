@@ -18,14 +18,14 @@
 namespace
 {
 // A resize or a signal that comes just between looking and waiting is seen after this time.
-constexpr int pollMilliseconds = 200;
+constexpr int PollMilliseconds = 200;
 
 // What follows an Escape within this time belongs to a key that sends more than one byte.
-constexpr int escapeMilliseconds = 50;
+constexpr int EscapeMilliseconds = 50;
 
-constexpr int keyPreviousPage = KEY_MAX + 1;
-constexpr int keyNextPage = KEY_MAX + 2;
-constexpr short linkPair = 1;
+constexpr int KeyPreviousPage = KEY_MAX + 1;
+constexpr int KeyNextPage = KEY_MAX + 2;
+constexpr short LinkPair = 1;
 
 volatile std::sig_atomic_t endingSignal = 0;
 
@@ -45,7 +45,7 @@ public:
         note.sa_handler = NoteSignal;
         for (size_t i = 0; i < count; ++i)
         {
-            sigaction(numbers[i], &note, &m_before[i]);
+            sigaction(Numbers[i], &note, &m_before[i]);
         }
     }
 
@@ -53,7 +53,7 @@ public:
     {
         for (size_t i = 0; i < count; ++i)
         {
-            sigaction(numbers[i], &m_before[i], nullptr);
+            sigaction(Numbers[i], &m_before[i], nullptr);
         }
         if (endingSignal != 0 && endingSignal != SIGINT)
         {
@@ -65,8 +65,8 @@ public:
     SignalNotes &operator=(const SignalNotes &) = delete;
 
 private:
-    static constexpr int numbers[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
-    static constexpr size_t count = std::size(numbers);
+    static constexpr int Numbers[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+    static constexpr size_t count = std::size(Numbers);
     struct sigaction m_before[count] = {};
 };
 
@@ -75,7 +75,7 @@ struct KeyMeaning
     wint_t Code;
     SheetKey Key;
 };
-constexpr KeyMeaning functionKeys[] = {{KEY_RESIZE, SheetKey::Redraw},
+constexpr KeyMeaning FunctionKeys[] = {{KEY_RESIZE, SheetKey::Redraw},
                                        {KEY_BTAB, SheetKey::BackTab},
                                        {KEY_UP, SheetKey::Up},
                                        {KEY_DOWN, SheetKey::Down},
@@ -89,9 +89,9 @@ constexpr KeyMeaning functionKeys[] = {{KEY_RESIZE, SheetKey::Redraw},
                                        {KEY_ENTER, SheetKey::Enter},
                                        {KEY_BACKSPACE, SheetKey::Backspace},
                                        {KEY_DC, SheetKey::Delete},
-                                       {keyPreviousPage, SheetKey::PreviousPage},
-                                       {keyNextPage, SheetKey::NextPage}};
-constexpr KeyMeaning controlCharacters[] = {{L'\t', SheetKey::Tab},       {L'\r', SheetKey::Enter},
+                                       {KeyPreviousPage, SheetKey::PreviousPage},
+                                       {KeyNextPage, SheetKey::NextPage}};
+constexpr KeyMeaning ControlCharacters[] = {{L'\t', SheetKey::Tab},       {L'\r', SheetKey::Enter},
                                             {L'\n', SheetKey::Enter},     {0x1B, SheetKey::Escape},
                                             {0x03, SheetKey::Escape},     {0x7F, SheetKey::Backspace},
                                             {L'\b', SheetKey::Backspace}, {0x15, SheetKey::EraseLine}};
@@ -145,16 +145,16 @@ public:
         nonl();
         keypad(stdscr, TRUE);
         nodelay(stdscr, TRUE);
-        set_escdelay(escapeMilliseconds);
-        define_key("\033[5;5~", keyPreviousPage);
-        define_key("\033[6;5~", keyNextPage);
+        set_escdelay(EscapeMilliseconds);
+        define_key("\033[5;5~", KeyPreviousPage);
+        define_key("\033[6;5~", KeyNextPage);
         mousemask(BUTTON1_PRESSED | BUTTON4_PRESSED | BUTTON5_PRESSED, nullptr);
         mouseinterval(0);
         if (HasColour())
         {
             start_color();
             use_default_colors();
-            m_isColoured = init_pair(linkPair, COLOR_CYAN, -1) == OK;
+            m_isColoured = init_pair(LinkPair, COLOR_CYAN, -1) == OK;
         }
     }
 
@@ -220,7 +220,7 @@ public:
             if (kind == ERR)
             {
                 pollfd watched{STDIN_FILENO, POLLIN, 0};
-                const bool isAwake = poll(&watched, 1, pollMilliseconds) > 0;
+                const bool isAwake = poll(&watched, 1, PollMilliseconds) > 0;
                 if (isAwake && (watched.revents & (POLLHUP | POLLERR | POLLNVAL)))
                 {
                     return {SheetKey::Lost};
@@ -256,12 +256,12 @@ public:
 private:
     static ScreenInput OfFunctionKey(wint_t code)
     {
-        return code == KEY_MOUSE ? ReadMouse() : ScreenInput{MeaningOf(code, functionKeys)};
+        return code == KEY_MOUSE ? ReadMouse() : ScreenInput{MeaningOf(code, FunctionKeys)};
     }
 
     static ScreenInput OfCharacter(wint_t code)
     {
-        const SheetKey key = MeaningOf(code, controlCharacters);
+        const SheetKey key = MeaningOf(code, ControlCharacters);
         if (key != SheetKey::None || code < L' ')
         {
             return {key};
@@ -278,7 +278,7 @@ private:
         case Look::Dim:
             return A_DIM;
         case Look::Link:
-            return A_UNDERLINE | (m_isColoured ? COLOR_PAIR(linkPair) : A_NORMAL);
+            return A_UNDERLINE | (m_isColoured ? COLOR_PAIR(LinkPair) : A_NORMAL);
         case Look::Focus:
             return A_REVERSE;
         default:

@@ -7,8 +7,8 @@
 namespace
 {
 // The account text comes just after the page has been painted.
-constexpr UINT_PTR showAccountTimer = 1;
-constexpr UINT showAccountDelay = 1;
+constexpr UINT_PTR ShowAccountTimer = 1;
+constexpr UINT ShowAccountDelay = 1;
 
 bool IsOfSheet(HWND page, const NMHDR &notification)
 {
@@ -58,14 +58,14 @@ bool CFlickrAboutPage::ProcessWindowMessage(HWND page, UINT message, WPARAM wPar
     switch (message)
     {
     case WM_INITDIALOG:
-        SetTimer(page, showAccountTimer, showAccountDelay, nullptr);
+        SetTimer(page, ShowAccountTimer, ShowAccountDelay, nullptr);
         break;
     case WM_TIMER:
-        if (wParam != showAccountTimer)
+        if (wParam != ShowAccountTimer)
         {
             return false;
         }
-        KillTimer(page, showAccountTimer);
+        KillTimer(page, ShowAccountTimer);
         Page.ShowAccountData(controls);
         return true;
     case WM_NOTIFY:
@@ -79,7 +79,7 @@ bool CFlickrAboutPage::ProcessWindowMessage(HWND page, UINT message, WPARAM wPar
         if (IsOfSheet(page, notification) && notification.code == PSN_SETACTIVE)
         {
             controls.SetText(IDC_ACCOUNT, {});
-            SetTimer(page, showAccountTimer, showAccountDelay, nullptr);
+            SetTimer(page, ShowAccountTimer, ShowAccountDelay, nullptr);
         }
         break;
     }

@@ -15,10 +15,10 @@
 namespace
 {
 // The browser takes a while to come; the wait cursor tells of it.
-constexpr DWORD browserPause = 500;
+constexpr DWORD BrowserPause = 500;
 
 // In 1/96 inch.
-constexpr INT32 downwardMove = 10;
+constexpr INT32 DownwardMove = 10;
 
 // As long as the module stays loaded.
 int lastPageIndex = 0;
@@ -139,7 +139,7 @@ void CFlickrProperties::OnFirstShow(HWND sheet)
         CreateHomepageLink(sheet);
     }
     CentreOnPointer(sheet);
-    MoveDown(sheet, OffsetInPixels(downwardMove, VerticalDotsPerInch()));
+    MoveDown(sheet, OffsetInPixels(DownwardMove, VerticalDotsPerInch()));
     SendMessageW(sheet, PSM_SETCURSEL, static_cast<WPARAM>(lastPageIndex), 0);
 }
 
@@ -162,7 +162,7 @@ void CFlickrProperties::OpenHomepage(HWND sheet)
 {
     ShowCursorOf(IDC_WAIT);
     ShellExecuteW(sheet, TEXT("open"), m_account.Account.PhotosUrl.Text(), nullptr, nullptr, SW_SHOWNORMAL);
-    Sleep(browserPause);
+    Sleep(BrowserPause);
     ShowCursorOf(IDC_ARROW);
     const HWND ok = FindButton(sheet, IDOK);
     SetFocus(ok);

@@ -16,7 +16,7 @@ struct EnableRule
     UINT Id;
     UINT32 FirstMode;
 };
-constexpr EnableRule rules[] = {
+constexpr EnableRule Rules[] = {
     {IDC_MINIMIZE, SendProcessed},          {IDC_WRITE_COPYRIGHT, SendPixelsIntact},
     {IDC_WRITE_EXIF, SendPixelsIntact},     {IDC_WRITE_XMP, SendPixelsIntact},
     {IDC_WRITE_GPS, SendPixelsIntact},      {IDC_WRITE_IPTC, SendPixelsIntact},
@@ -73,7 +73,7 @@ void JpegPage::Take(IPageControls &controls)
 
 void JpegPage::ApplyRules(IPageControls &controls)
 {
-    for (const EnableRule &rule : rules)
+    for (const EnableRule &rule : Rules)
     {
         controls.Enable(rule.Id, m_mode >= rule.FirstMode && m_mode <= SendProcessed);
     }

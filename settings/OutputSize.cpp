@@ -156,8 +156,8 @@ WideText NormalizeOutputSize(WideView text, UINT wordId, LocaleNumberFormat &for
     {
         return Original();
     }
-    static constexpr const WCHAR *unitWords[] = {TEXT(" px"), TEXT("\" "), TEXT(" cm ")};
-    WideText result = WideText(digits) + unitWords[unit];
+    static constexpr const WCHAR *UnitWords[] = {TEXT(" px"), TEXT("\" "), TEXT(" cm ")};
+    WideText result = WideText(digits) + UnitWords[unit];
     if (unit != UNIT_PIXELS)
     {
         result += LoadStringOrPlaceholder(wordId);

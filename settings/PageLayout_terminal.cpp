@@ -7,26 +7,26 @@
 namespace
 {
 // In dialog units.
-constexpr int unitsOfCell = 4;
-constexpr int pageMargin = 7;
-constexpr int smallestGroupGap = 5;
+constexpr int UnitsOfCell = 4;
+constexpr int PageMargin = 7;
+constexpr int SmallestGroupGap = 5;
 
 // The height in a template is that of the open list.
-constexpr int closedComboBoxHeight = 12;
+constexpr int ClosedComboBoxHeight = 12;
 
-constexpr int fewestEditLines = 4;
-constexpr int narrowestRoom = 8;
+constexpr int FewestEditLines = 4;
+constexpr int NarrowestRoom = 8;
 
 int HeightInUnits(const TemplateControl &control)
 {
-    return control.Kind == ControlKind::ComboBox ? closedComboBoxHeight : control.Place.Height;
+    return control.Kind == ControlKind::ComboBox ? ClosedComboBoxHeight : control.Place.Height;
 }
 
 // An empty row lies before a control that the template sets apart. A rule is the parting itself.
 bool IsSetApart(const TemplateControl &before, const TemplateControl &control)
 {
     return before.Kind != ControlKind::Rule && control.Kind != ControlKind::Rule &&
-           control.Place.Top - before.Place.Top - HeightInUnits(before) >= smallestGroupGap;
+           control.Place.Top - before.Place.Top - HeightInUnits(before) >= SmallestGroupGap;
 }
 
 int CellsBeforeText(ControlKind kind)
@@ -38,7 +38,7 @@ ControlPlace PlaceOf(const TemplateControl &control, const WideText &text, int c
 {
     ControlPlace place{};
     place.Column =
-        std::min(std::max(control.Place.Left - pageMargin, 0) / unitsOfCell, std::max(columns - narrowestRoom, 0));
+        std::min(std::max(control.Place.Left - PageMargin, 0) / UnitsOfCell, std::max(columns - NarrowestRoom, 0));
     place.Width = std::max(columns - place.Column, 1);
     place.Height = 1;
     switch (control.Kind)
@@ -46,11 +46,11 @@ ControlPlace PlaceOf(const TemplateControl &control, const WideText &text, int c
     case ControlKind::Rule:
         break;
     case ControlKind::ComboBox:
-        place.Width = std::min(place.Width, control.Place.Width / unitsOfCell);
+        place.Width = std::min(place.Width, control.Place.Width / UnitsOfCell);
         break;
     case ControlKind::Edit:
         place.Lines = WrapToCells(text, static_cast<size_t>(std::max(place.Width - 4, 1)));
-        place.Height = std::max(static_cast<int>(place.Lines.size()), fewestEditLines) + 2;
+        place.Height = std::max(static_cast<int>(place.Lines.size()), FewestEditLines) + 2;
         break;
     default:
         place.Lines =

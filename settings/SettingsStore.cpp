@@ -16,7 +16,7 @@ struct FlagName
     const WCHAR *Name;
     UINT32 ConversionSettings::*Field;
 };
-constexpr FlagName flagNames[] = {
+constexpr FlagName FlagNames[] = {
     {TEXT("Minimize"), &ConversionSettings::Minimize},
     {TEXT("WriteCopyright"), &ConversionSettings::WriteCopyright},
     {TEXT("WriteEXIF"), &ConversionSettings::WriteEXIF},
@@ -27,7 +27,7 @@ constexpr FlagName flagNames[] = {
 
 void LoadConversion(const SettingsReader &reader, const WideText &kind, ConversionSettings &conversion)
 {
-    for (const FlagName &flag : flagNames)
+    for (const FlagName &flag : FlagNames)
     {
         UINT32 &field = conversion.*flag.Field;
         reader.ReadInto((kind + flag.Name).c_str(), field);

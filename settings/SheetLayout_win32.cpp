@@ -7,7 +7,7 @@
 namespace
 {
 // LM_GETIDEALSIZE, which not every platform header has: lParam takes the size, wParam is the widest allowed.
-constexpr UINT getIdealSize = WM_USER + 0x301;
+constexpr UINT GetIdealSize = WM_USER + 0x301;
 
 // Pixels of dialog units of one sheet.
 struct DialogUnits
@@ -58,13 +58,13 @@ void Enlarge(HWND window, int byWidth, int byHeight)
 SIZE IdealSize(HWND link)
 {
     SIZE size{};
-    SendMessageW(link, getIdealSize, 0, reinterpret_cast<LPARAM>(&size));
+    SendMessageW(link, GetIdealSize, 0, reinterpret_cast<LPARAM>(&size));
     if (size.cy > size.cx)
     {
         // Not every platform takes 0 for "as wide as need be": some break the text at each letter.
         RECT ample{};
         GetClientRect(link, &ample);
-        SendMessageW(link, getIdealSize, static_cast<WPARAM>(ample.right), reinterpret_cast<LPARAM>(&size));
+        SendMessageW(link, GetIdealSize, static_cast<WPARAM>(ample.right), reinterpret_cast<LPARAM>(&size));
     }
     return size;
 }

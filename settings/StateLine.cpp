@@ -21,7 +21,7 @@ struct PhotoItem
     const WCHAR *Setting;
     const WCHAR *Words[3];
 };
-constexpr PhotoItem photoItems[] = {
+constexpr PhotoItem PhotoItems[] = {
     {TEXT("WriteTitle"), {nullptr, TEXT("title"), TEXT("title")}},
     {TEXT("WriteDescription"), {nullptr, TEXT("description"), TEXT("description")}},
     {TEXT("WriteTags"), {nullptr, TEXT("tags"), TEXT("tags")}},
@@ -36,7 +36,7 @@ struct MetadataItem
     UINT32 ConversionSettings::*Flag;
     UINT WordId;
 };
-constexpr MetadataItem metadataItems[] = {
+constexpr MetadataItem MetadataItems[] = {
     {&ConversionSettings::WriteCopyright, IDS_META_COPYRIGHT}, {&ConversionSettings::WriteEXIF, IDS_META_EXIF},
     {&ConversionSettings::WriteXMP, IDS_META_RATING},          {&ConversionSettings::WriteGPS, IDS_META_GPS},
     {&ConversionSettings::WriteIPTC, IDS_META_IPTC},
@@ -53,7 +53,7 @@ WideText PhotoSummary()
     const SettingsReader reader;
     const WideText separator = ListSeparator();
     WideText summary;
-    for (const PhotoItem &item : photoItems)
+    for (const PhotoItem &item : PhotoItems)
     {
         if (const WCHAR *word = item.Words[std::min(reader.Number(item.Setting), UINT32{2})])
         {
@@ -68,7 +68,7 @@ WideText MetadataSummary(const SettingsBlock &settings)
 {
     const WideText separator = ListSeparator();
     WideText words;
-    for (const MetadataItem &item : metadataItems)
+    for (const MetadataItem &item : MetadataItems)
     {
         if (settings.JPEG.*item.Flag != 0)
         {

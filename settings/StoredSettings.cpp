@@ -4,7 +4,7 @@
 
 namespace
 {
-constexpr StoredSetting settings[] = {
+constexpr StoredSetting Settings[] = {
     {TEXT("JPEGMode"), REG_DWORD, 2, 2,
      TEXT("how JPEG files are sent: 0 as they are on disk, 1 pixels intact, metadata chosen, 2 processed")},
     {TEXT("JPEGMinimize"), REG_DWORD, 1, 1, TEXT("JPEG files: further reduce the upload size")},
@@ -40,11 +40,11 @@ constexpr StoredSetting settings[] = {
 
 std::span<const StoredSetting> StoredSettings() noexcept
 {
-    return settings;
+    return Settings;
 }
 
 const StoredSetting *FindStoredSetting(WideView name) noexcept
 {
-    const auto found = std::ranges::find(settings, name, [](const StoredSetting &s) { return WideView(s.Name); });
-    return found == std::end(settings) ? nullptr : found;
+    const auto found = std::ranges::find(Settings, name, [](const StoredSetting &s) { return WideView(s.Name); });
+    return found == std::end(Settings) ? nullptr : found;
 }

@@ -19,20 +19,20 @@
 namespace
 {
 // The browser takes a while to come.
-constexpr DWORD browserPause = 500;
+constexpr DWORD BrowserPause = 500;
 
 // A larger terminal gets a frame around a sheet of this size.
-constexpr int widest = 80;
-constexpr int tallest = 24;
-constexpr int pageMargin = 2;
-constexpr int wheelRows = 3;
+constexpr int Widest = 80;
+constexpr int Tallest = 24;
+constexpr int PageMargin = 2;
+constexpr int WheelRows = 3;
 
 // As long as the module stays loaded.
 size_t lastPageIndex = 0;
 
-constexpr const WCHAR *okWord = TEXT("[   OK   ]");
-constexpr const WCHAR *cancelWord = TEXT("[ Cancel ]");
-constexpr const WCHAR *waitingWord = TEXT("Please wait...");
+constexpr const WCHAR *OkWord = TEXT("[   OK   ]");
+constexpr const WCHAR *CancelWord = TEXT("[ Cancel ]");
+constexpr const WCHAR *WaitingWord = TEXT("Please wait...");
 
 int Cells(WideView text)
 {
@@ -236,10 +236,10 @@ private:
             Page().Scroll(std::max(m_pageRows - 1, 1));
             break;
         case SheetKey::WheelUp:
-            Page().Scroll(-wheelRows);
+            Page().Scroll(-WheelRows);
             break;
         case SheetKey::WheelDown:
-            Page().Scroll(wheelRows);
+            Page().Scroll(WheelRows);
             break;
         case SheetKey::Click:
             ClickAt(input.Column, input.Row);
@@ -357,7 +357,7 @@ private:
     {
         ShowWaiting(true);
         ShellExecuteW(m_parent, TEXT("open"), m_account.Account.PhotosUrl.Text(), nullptr, nullptr, SW_SHOWNORMAL);
-        m_wait(browserPause);
+        m_wait(BrowserPause);
         ShowWaiting(false);
         m_focus = Place::Ok;
     }
@@ -384,10 +384,10 @@ private:
     {
         m_screen.Clear();
         m_targets.clear();
-        ScreenArea sheet{0, 0, std::min(m_screen.Columns(), widest), std::min(m_screen.Rows(), tallest)};
+        ScreenArea sheet{0, 0, std::min(m_screen.Columns(), Widest), std::min(m_screen.Rows(), Tallest)};
         sheet.Left = (m_screen.Columns() - sheet.Width) / 2;
         sheet.Top = (m_screen.Rows() - sheet.Height) / 2;
-        if (m_screen.Columns() >= widest + 2 && m_screen.Rows() >= tallest + 2)
+        if (m_screen.Columns() >= Widest + 2 && m_screen.Rows() >= Tallest + 2)
         {
             DrawFrame(sheet);
         }
@@ -397,8 +397,8 @@ private:
         const int footRows = DrawButtons(sheet, bottom);
         DrawRule(sheet, bottom - footRows);
         m_pageRows = std::max(sheet.Height - footRows - 3, 1);
-        const int pageColumns = std::max(sheet.Width - 2 * pageMargin, 1);
-        Page().Draw({sheet.Left + pageMargin, sheet.Top + 2, pageColumns, m_pageRows}, m_focus == Place::Page);
+        const int pageColumns = std::max(sheet.Width - 2 * PageMargin, 1);
+        Page().Draw({sheet.Left + PageMargin, sheet.Top + 2, pageColumns, m_pageRows}, m_focus == Place::Page);
         m_screen.Show();
     }
 
@@ -475,16 +475,16 @@ private:
     // Returns the rows taken.
     int DrawButtons(const ScreenArea &sheet, int row)
     {
-        const int cancelColumn = sheet.Left + sheet.Width - Cells(cancelWord) - 2;
-        const int okColumn = cancelColumn - Cells(okWord) - 2;
-        DrawButton(Place::Ok, okColumn, row, okWord, Look::Plain);
-        DrawButton(Place::Cancel, cancelColumn, row, cancelWord, Look::Plain);
-        const WideText link = m_isWaiting ? WideText(waitingWord) : HasLink() ? LinkWord() : WideText();
+        const int cancelColumn = sheet.Left + sheet.Width - Cells(CancelWord) - 2;
+        const int okColumn = cancelColumn - Cells(OkWord) - 2;
+        DrawButton(Place::Ok, okColumn, row, OkWord, Look::Plain);
+        DrawButton(Place::Cancel, cancelColumn, row, CancelWord, Look::Plain);
+        const WideText link = m_isWaiting ? WideText(WaitingWord) : HasLink() ? LinkWord() : WideText();
         if (link.empty())
         {
             return 1;
         }
-        const int column = sheet.Left + pageMargin;
+        const int column = sheet.Left + PageMargin;
         const int linkRow = column + Cells(link) + 2 > okColumn ? row - 1 : row;
         if (m_isWaiting)
         {

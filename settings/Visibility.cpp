@@ -2,14 +2,14 @@
 
 namespace
 {
-constexpr VisibilityNumbers choices[VisibilityChoices] = {
+constexpr VisibilityNumbers Choices[VisibilityChoices] = {
     {1, 1, 1}, {0, 1, 1}, {0, 1, 0}, {0, 0, 1}, {0, 0, 0},
 };
 } // namespace
 
 VisibilityNumbers NumbersOfVisibility(UINT32 index) noexcept
 {
-    return choices[index];
+    return Choices[index];
 }
 
 UINT32 VisibilityOfNumbers(const VisibilityNumbers &numbers) noexcept
@@ -19,8 +19,8 @@ UINT32 VisibilityOfNumbers(const VisibilityNumbers &numbers) noexcept
         return 0;
     }
     UINT32 index = 1;
-    while (choices[index].IsFriend != (numbers.IsFriend != 0) ||
-           choices[index].IsFamily != (numbers.IsFamily != 0))
+    while (Choices[index].IsFriend != (numbers.IsFriend != 0) ||
+           Choices[index].IsFamily != (numbers.IsFamily != 0))
     {
         ++index;
     }

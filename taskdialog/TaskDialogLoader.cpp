@@ -10,7 +10,7 @@
 
 namespace
 {
-constexpr size_t noIcon = 0;
+constexpr size_t NoIcon = 0;
 
 // Where in the record a text of the document goes, and where the icon of its element if it can have one.
 // By offsets: the record is packed, so that a pointer to one of its members can't be relied on.
@@ -21,19 +21,19 @@ struct TextPart
     size_t icon;
 };
 
-const TextPart textParts[] = {
-    {TEXT("/task_dialog/title"), offsetof(TASKDIALOGCONFIG, pszWindowTitle), noIcon},
+const TextPart TextParts[] = {
+    {TEXT("/task_dialog/title"), offsetof(TASKDIALOGCONFIG, pszWindowTitle), NoIcon},
     {TEXT("/task_dialog/main_text"), offsetof(TASKDIALOGCONFIG, pszMainInstruction),
      offsetof(TASKDIALOGCONFIG, pszMainIcon)},
-    {TEXT("/task_dialog/content"), offsetof(TASKDIALOGCONFIG, pszContent), noIcon},
+    {TEXT("/task_dialog/content"), offsetof(TASKDIALOGCONFIG, pszContent), NoIcon},
     {TEXT("/task_dialog/footer"), offsetof(TASKDIALOGCONFIG, pszFooter),
      offsetof(TASKDIALOGCONFIG, pszFooterIcon)},
-    {TEXT("/task_dialog/expanded_text"), offsetof(TASKDIALOGCONFIG, pszExpandedInformation), noIcon},
+    {TEXT("/task_dialog/expanded_text"), offsetof(TASKDIALOGCONFIG, pszExpandedInformation), NoIcon},
     {TEXT("/task_dialog/expando/text[@state='collapsed']"), offsetof(TASKDIALOGCONFIG, pszCollapsedControlText),
-     noIcon},
+     NoIcon},
     {TEXT("/task_dialog/expando/text[@state='expanded']"), offsetof(TASKDIALOGCONFIG, pszExpandedControlText),
-     noIcon},
-    {TEXT("/task_dialog/checkbox"), offsetof(TASKDIALOGCONFIG, pszVerificationText), noIcon},
+     NoIcon},
+    {TEXT("/task_dialog/checkbox"), offsetof(TASKDIALOGCONFIG, pszVerificationText), NoIcon},
 };
 
 void SetPointer(TASKDIALOGCONFIG &config, size_t offset, const WCHAR *pointer)
@@ -62,7 +62,7 @@ void RequireVersion(IXMLDOMNode *xml)
 
 void ReadTexts(IXMLDOMNode *xml, TaskDialogDocument &document)
 {
-    for (const TextPart &part : textParts)
+    for (const TextPart &part : TextParts)
     {
         const std::optional<WideText> text = ElementText(xml, part.expression);
         if (!text)
@@ -70,7 +70,7 @@ void ReadTexts(IXMLDOMNode *xml, TaskDialogDocument &document)
             continue;
         }
         SetPointer(document.config, part.text, Keep(document, *text));
-        if (part.icon != noIcon)
+        if (part.icon != NoIcon)
         {
             const ComPtr<IXMLDOMNode> element = SelectNode(xml, part.expression);
             const std::optional<WideText> word = AttributeText(element.Get(), TEXT("@icon"));

@@ -12,7 +12,7 @@ struct IconWord
 };
 
 // By number: the platform's macros make pointers of them.
-const IconWord iconWords[] = {
+const IconWord IconWords[] = {
     {TEXT("information"), 65533}, // TD_INFORMATION_ICON
     {TEXT("warning"), 65535},     // TD_WARNING_ICON
     {TEXT("error"), 65534},       // TD_ERROR_ICON
@@ -26,7 +26,7 @@ struct ButtonWord
     int id;
 };
 
-const ButtonWord buttonWords[] = {
+const ButtonWord ButtonWords[] = {
     {TEXT("ok"), TDCBF_OK_BUTTON, IDOK},          {TEXT("yes"), TDCBF_YES_BUTTON, IDYES},
     {TEXT("no"), TDCBF_NO_BUTTON, IDNO},          {TEXT("cancel"), TDCBF_CANCEL_BUTTON, IDCANCEL},
     {TEXT("retry"), TDCBF_RETRY_BUTTON, IDRETRY}, {TEXT("close"), TDCBF_CLOSE_BUTTON, IDCLOSE},
@@ -38,7 +38,7 @@ struct FlagWord
     int flag;
 };
 
-const FlagWord flagWords[] = {
+const FlagWord FlagWords[] = {
     {TEXT("allow_hyperlinks"), TDF_ENABLE_HYPERLINKS},
     {TEXT("allow_cancellation"), TDF_ALLOW_DIALOG_CANCELLATION},
     {TEXT("use_command_links"), TDF_USE_COMMAND_LINKS},
@@ -63,24 +63,24 @@ const Entry *Find(const Entry (&table)[count], WideView word) noexcept
 
 const WCHAR *IconOfWord(WideView word) noexcept
 {
-    const IconWord *const found = Find(iconWords, word);
+    const IconWord *const found = Find(IconWords, word);
     return found != nullptr ? reinterpret_cast<const WCHAR *>(found->icon) : nullptr;
 }
 
 int CommonButtonOfWord(WideView word) noexcept
 {
-    const ButtonWord *const found = Find(buttonWords, word);
+    const ButtonWord *const found = Find(ButtonWords, word);
     return found != nullptr ? found->flag : 0;
 }
 
 int ButtonIdOfWord(WideView word) noexcept
 {
-    const ButtonWord *const found = Find(buttonWords, word);
+    const ButtonWord *const found = Find(ButtonWords, word);
     return found != nullptr ? found->id : 0;
 }
 
 int FlagOfWord(WideView word) noexcept
 {
-    const FlagWord *const found = Find(flagWords, word);
+    const FlagWord *const found = Find(FlagWords, word);
     return found != nullptr ? found->flag : 0;
 }

@@ -7,10 +7,10 @@
 
 namespace
 {
-const CLSID documentClass = {0x2933bf90, 0x7b36, 0x11d2, {0xb2, 0x0e, 0x00, 0xc0, 0x4f, 0x98, 0x3e, 0x60}};
+const CLSID DocumentClass = {0x2933bf90, 0x7b36, 0x11d2, {0xb2, 0x0e, 0x00, 0xc0, 0x4f, 0x98, 0x3e, 0x60}};
 
 // IXMLDOMDocument; not every compiler's headers give it to __uuidof.
-const IID documentInterface = {0x2933bf81, 0x7b36, 0x11d2, {0xb2, 0x0e, 0x00, 0xc0, 0x4f, 0x98, 0x3e, 0x60}};
+const IID DocumentInterface = {0x2933bf81, 0x7b36, 0x11d2, {0xb2, 0x0e, 0x00, 0xc0, 0x4f, 0x98, 0x3e, 0x60}};
 
 class VariantOwner
 {
@@ -60,10 +60,10 @@ bool ConvertText(WideView text, VARTYPE type, VariantOwner &number)
 ComPtr<IXMLDOMNode> ParseXmlBytes(std::span<const BYTE> bytes)
 {
     ComPtr<IUnknown> created;
-    ThrowIfFailed(CoCreateInstance(documentClass, nullptr, CLSCTX_ALL, __uuidof(IUnknown), created.PutVoid()));
+    ThrowIfFailed(CoCreateInstance(DocumentClass, nullptr, CLSCTX_ALL, __uuidof(IUnknown), created.PutVoid()));
     ThrowIfFailed(OleRun(created.Get()));
     ComPtr<IXMLDOMDocument> document;
-    ThrowIfFailed(created->QueryInterface(documentInterface, document.PutVoid()));
+    ThrowIfFailed(created->QueryInterface(DocumentInterface, document.PutVoid()));
     ThrowIfFailed(document->put_async(VARIANT_FALSE));
     VariantOwner source;
     FillWithBytes(source, bytes);

@@ -7,23 +7,23 @@
 
 namespace
 {
-constexpr const WCHAR *className = TEXT("HVR_WaitingAnimation");
-constexpr UINT_PTR timerId = 777;
+constexpr const WCHAR *ClassName = TEXT("HVR_WaitingAnimation");
+constexpr UINT_PTR TimerId = 777;
 
 bool RegisterOnce(WNDPROC procedure)
 {
-    static const bool isRegistered = [procedure] {
+    static const bool IsRegistered = [procedure] {
         WNDCLASSEXW description{sizeof(description)};
         description.style = CS_HREDRAW | CS_VREDRAW | CS_DBLCLKS;
         description.lpfnWndProc = procedure;
         description.hInstance = ThisModule();
         description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
         description.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_WINDOW + 1);
-        description.lpszClassName = className;
+        description.lpszClassName = ClassName;
         // Another copy of the module may have been unloaded without taking its class along.
         return RegisterClassExW(&description) != 0 || GetLastError() == ERROR_CLASS_ALREADY_EXISTS;
     }();
-    return isRegistered;
+    return IsRegistered;
 }
 
 int FrameSize(const BITMAP &strip)
@@ -38,7 +38,7 @@ HWND CWaitingAnimationImpl::Create(HWND parent) noexcept
     {
         return nullptr;
     }
-    return CreateWindowExW(0, className, nullptr, styles, 0, 0, 0, 0, parent, nullptr, ThisModule(), this);
+    return CreateWindowExW(0, ClassName, nullptr, Styles, 0, 0, 0, 0, parent, nullptr, ThisModule(), this);
 }
 
 LRESULT CALLBACK CWaitingAnimationImpl::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
@@ -70,7 +70,7 @@ bool CWaitingAnimationImpl::ProcessWindowMessage(HWND window, UINT message, WPAR
         result = 1;
         return true;
     case WM_TIMER:
-        if (wParam != timerId)
+        if (wParam != TimerId)
         {
             return false;
         }
@@ -107,7 +107,7 @@ void CWaitingAnimationImpl::Start() noexcept
 {
     if (Window() != nullptr && !m_animation.Running)
     {
-        SetTimer(Window(), timerId, m_animation.Interval, nullptr);
+        SetTimer(Window(), TimerId, m_animation.Interval, nullptr);
         m_animation.Running = true;
     }
 }
@@ -118,7 +118,7 @@ void CWaitingAnimationImpl::Stop() noexcept
     {
         return;
     }
-    KillTimer(Window(), timerId);
+    KillTimer(Window(), TimerId);
     m_animation.Restart = true;
     m_animation.Running = false;
     InvalidateRect(Window(), nullptr, FALSE);

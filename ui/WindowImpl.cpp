@@ -6,12 +6,12 @@ namespace
 {
 // Of an attached window: its object; and the procedure below ours, which outlives the object where
 // another subclass keeps ours in its chain.
-constexpr const WCHAR *objectProperty = TEXT("HVR_WindowImpl");
-constexpr const WCHAR *replacedProperty = TEXT("HVR_ReplacedProcedure");
+constexpr const WCHAR *ObjectProperty = TEXT("HVR_WindowImpl");
+constexpr const WCHAR *ReplacedProperty = TEXT("HVR_ReplacedProcedure");
 
 WNDPROC ReplacedProcedureOf(HWND window)
 {
-    const auto procedure = reinterpret_cast<WNDPROC>(GetPropW(window, replacedProperty));
+    const auto procedure = reinterpret_cast<WNDPROC>(GetPropW(window, ReplacedProperty));
     return procedure != nullptr ? procedure : DefWindowProcW;
 }
 
@@ -35,17 +35,17 @@ void CWindowImpl::OnFinalMessage(HWND) {}
 
 bool CWindowImpl::SubclassWindow(HWND window) noexcept
 {
-    if (m_window != nullptr || window == nullptr || GetPropW(window, objectProperty) != nullptr ||
-        GetPropW(window, replacedProperty) != nullptr)
+    if (m_window != nullptr || window == nullptr || GetPropW(window, ObjectProperty) != nullptr ||
+        GetPropW(window, ReplacedProperty) != nullptr)
     {
         return false;
     }
     // What the procedure will look for lies ready before the first message can reach it.
     const WNDPROC before = ProcedureOf(window);
-    if (before == nullptr || !SetPropW(window, replacedProperty, reinterpret_cast<HANDLE>(before)) ||
-        !SetPropW(window, objectProperty, this))
+    if (before == nullptr || !SetPropW(window, ReplacedProperty, reinterpret_cast<HANDLE>(before)) ||
+        !SetPropW(window, ObjectProperty, this))
     {
-        RemovePropW(window, replacedProperty);
+        RemovePropW(window, ReplacedProperty);
         return false;
     }
     m_replaced = before;
@@ -67,14 +67,14 @@ void CWindowImpl::UnsubclassWindow() noexcept
     {
         return;
     }
-    RemovePropW(window, objectProperty);
+    RemovePropW(window, ObjectProperty);
     if (ProcedureOf(window) == Route)
     {
         SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(replaced));
     }
     if (ProcedureOf(window) == replaced)
     {
-        RemovePropW(window, replacedProperty);
+        RemovePropW(window, ReplacedProperty);
     }
 }
 
@@ -85,7 +85,7 @@ LRESULT CWindowImpl::PassOn(HWND window, UINT message, WPARAM wParam, LPARAM lPa
 
 LRESULT CALLBACK CWindowImpl::Route(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    auto *const object = static_cast<CWindowImpl *>(GetPropW(window, objectProperty));
+    auto *const object = static_cast<CWindowImpl *>(GetPropW(window, ObjectProperty));
     if (object == nullptr)
     {
         return CallWindowProcW(ReplacedProcedureOf(window), window, message, wParam, lParam);
@@ -110,7 +110,7 @@ LRESULT CWindowImpl::EndOf(HWND window, bool handled, LRESULT result, WPARAM wPa
     {
         UnsubclassWindow();
     }
-    RemovePropW(window, replacedProperty);
+    RemovePropW(window, ReplacedProperty);
     OnFinalMessage(window);
     return result;
 }

@@ -8,7 +8,7 @@ class CWindowImpl
 {
 public:
     // The style of windows that are created through a class of this kind.
-    static constexpr DWORD styles = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_CLIPCHILDREN;
+    static constexpr DWORD Styles = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_CLIPCHILDREN;
 
     CWindowImpl() noexcept = default;
     CWindowImpl(const CWindowImpl &) = delete;

@@ -8,7 +8,7 @@
 
 namespace
 {
-constexpr UINT placeOnly = SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE;
+constexpr UINT PlaceOnly = SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE;
 
 bool WorkAreaOf(HMONITOR monitor, RECT &workArea)
 {
@@ -31,7 +31,7 @@ HWND VisibleOwnerOf(HWND window)
 
 void PlaceAt(HWND window, POINT corner)
 {
-    SetWindowPos(window, nullptr, corner.x, corner.y, 0, 0, placeOnly);
+    SetWindowPos(window, nullptr, corner.x, corner.y, 0, 0, PlaceOnly);
 }
 
 // The window without the invisible border that the desktop composition gives it.

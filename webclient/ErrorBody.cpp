@@ -190,7 +190,7 @@ std::string DescribeErrorBody(std::string_view body)
 
 std::string_view StandardStatusWords(int status)
 {
-    static constexpr std::pair<int, std::string_view> names[] = {{200, "OK"},
+    static constexpr std::pair<int, std::string_view> Names[] = {{200, "OK"},
                                                                  {301, "Moved Permanently"},
                                                                  {302, "Found"},
                                                                  {303, "See Other"},
@@ -212,7 +212,7 @@ std::string_view StandardStatusWords(int status)
                                                                  {502, "Bad Gateway"},
                                                                  {503, "Service Unavailable"},
                                                                  {504, "Gateway Timeout"}};
-    for (const auto &[number, words] : names)
+    for (const auto &[number, words] : Names)
     {
         if (number == status)
         {

@@ -31,7 +31,7 @@ struct EncodedPair
 
 std::string Base64(const HmacSha1Digest &digest)
 {
-    static constexpr char letters[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    static constexpr char Letters[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     std::string result;
     for (size_t i = 0; i < digest.size(); i += 3)
     {
@@ -43,7 +43,7 @@ std::string Base64(const HmacSha1Digest &digest)
         }
         for (size_t k = 0; k < 4; ++k)
         {
-            result.push_back(k <= present ? letters[bits >> (18 - 6 * k) & 63] : '=');
+            result.push_back(k <= present ? Letters[bits >> (18 - 6 * k) & 63] : '=');
         }
     }
     return result;

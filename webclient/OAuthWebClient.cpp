@@ -37,7 +37,7 @@ std::string LowerAscii(std::string text)
 // length above all, which a signed number can't tell beyond 2 GiB.
 std::vector<HttpHeader> CallersHeaders(const ParameterList &headers)
 {
-    static constexpr std::string_view owned[] = {"authorization", "connection",        "content-length", "expect",
+    static constexpr std::string_view Owned[] = {"authorization", "connection",        "content-length", "expect",
                                                  "host",          "transfer-encoding", "user-agent"};
     std::vector<HttpHeader> result;
     for (const Parameter &header : headers)
@@ -47,7 +47,7 @@ std::vector<HttpHeader> CallersHeaders(const ParameterList &headers)
         {
             ThrowHresult(E_INVALIDARG);
         }
-        if (std::find(std::begin(owned), std::end(owned), LowerAscii(header.name)) == std::end(owned))
+        if (std::find(std::begin(Owned), std::end(Owned), LowerAscii(header.name)) == std::end(Owned))
         {
             result.push_back({header.name, header.value});
         }

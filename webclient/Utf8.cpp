@@ -42,8 +42,8 @@ void Encode(WideView text, Append &&append)
             continue;
         }
         const int following = c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
-        static constexpr unsigned lead[] = {0, 0xC0, 0xE0, 0xF0};
-        append(static_cast<char>(lead[following] | (c >> (6 * following))));
+        static constexpr unsigned Lead[] = {0, 0xC0, 0xE0, 0xF0};
+        append(static_cast<char>(Lead[following] | (c >> (6 * following))));
         for (int i = following - 1; i >= 0; --i)
         {
             append(static_cast<char>(0x80 | ((c >> (6 * i)) & 0x3F)));
@@ -54,20 +54,20 @@ void Encode(WideView text, Append &&append)
 // Decodes one character at position, or eats one byte of what is none.
 char32_t NextCharacter(std::string_view bytes, size_t &position)
 {
-    const unsigned char lead = bytes[position++];
-    if (lead < 0x80)
+    const unsigned char Lead = bytes[position++];
+    if (Lead < 0x80)
     {
-        return lead;
+        return Lead;
     }
-    const size_t following = lead >= 0xF0 && lead <= 0xF4  ? 3
-                             : lead >= 0xE0 && lead < 0xF0 ? 2
-                             : lead >= 0xC2 && lead < 0xE0 ? 1
+    const size_t following = Lead >= 0xF0 && Lead <= 0xF4  ? 3
+                             : Lead >= 0xE0 && Lead < 0xF0 ? 2
+                             : Lead >= 0xC2 && Lead < 0xE0 ? 1
                                                            : 0;
     if (following == 0 || bytes.size() - position < following)
     {
         return Replacement;
     }
-    char32_t c = lead & (0x3Fu >> following);
+    char32_t c = Lead & (0x3Fu >> following);
     for (size_t i = 0; i < following; ++i)
     {
         const unsigned char next = bytes[position + i];
@@ -77,8 +77,8 @@ char32_t NextCharacter(std::string_view bytes, size_t &position)
         }
         c = (c << 6) | (next & 0x3F);
     }
-    static constexpr char32_t least[] = {0, 0x80, 0x800, 0x10000};
-    if (c < least[following] || c > 0x10FFFF || IsHighSurrogate(c) || IsLowSurrogate(c))
+    static constexpr char32_t Least[] = {0, 0x80, 0x800, 0x10000};
+    if (c < Least[following] || c > 0x10FFFF || IsHighSurrogate(c) || IsLowSurrogate(c))
     {
         return Replacement;
     }

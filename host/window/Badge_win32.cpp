@@ -4,9 +4,9 @@
 
 namespace
 {
-constexpr COLORREF green = RGB(16, 124, 16);
-constexpr COLORREF red = RGB(196, 43, 28);
-constexpr COLORREF white = RGB(255, 255, 255);
+constexpr COLORREF Green = RGB(16, 124, 16);
+constexpr COLORREF Red = RGB(196, 43, 28);
+constexpr COLORREF White = RGB(255, 255, 255);
 
 // A device context to draw into a bitmap.
 class Canvas
@@ -102,10 +102,10 @@ void DrawBadge(HBITMAP bitmap, int edge, bool wentUp)
         const int size = edge / 4;
         const int left = edge - size - 2, top = edge - size - 2;
         const int thick = std::max(size / 8, 2);
-        canvas.With(CreatePen(PS_SOLID, 2, white), CreateSolidBrush(wentUp ? green : red),
+        canvas.With(CreatePen(PS_SOLID, 2, White), CreateSolidBrush(wentUp ? Green : Red),
                     [&] { Ellipse(canvas.Get(), left, top, left + size, top + size); });
         const auto at = [&](int x, int y) { return POINT{left + size * x / 16, top + size * y / 16}; };
-        canvas.With(CreatePen(PS_SOLID, thick, white), CreateSolidBrush(white), [&] {
+        canvas.With(CreatePen(PS_SOLID, thick, White), CreateSolidBrush(White), [&] {
             if (wentUp)
             {
                 const POINT check[] = {at(4, 8), at(7, 11), at(12, 5)};

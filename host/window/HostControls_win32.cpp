@@ -10,14 +10,14 @@
 namespace
 {
 // Units of 1/96 inch.
-constexpr int margin = 12;
-constexpr int gap = 8;
-constexpr int buttonHeight = 26;
-constexpr int smallestButton = 84;
-constexpr int lineHeight = 18;
+constexpr int Margin = 12;
+constexpr int Gap = 8;
+constexpr int ButtonHeight = 26;
+constexpr int SmallestButton = 84;
+constexpr int LineHeight = 18;
 
 // LM_GETIDEALSIZE, which the headers of this compiler lack.
-constexpr UINT getIdealSize = WM_USER + 0x301;
+constexpr UINT GetIdealSize = WM_USER + 0x301;
 
 HFONT MakeFont(bool bold)
 {
@@ -109,14 +109,14 @@ int HostControls::ButtonWidth(int id) const
     DrawTextW(context, text, -1, &area, DT_CALCRECT | DT_SINGLELINE);
     SelectObject(context, before);
     ReleaseDC(m_window, context);
-    return std::max<int>(Scaled(smallestButton), area.right + Scaled(28));
+    return std::max<int>(Scaled(SmallestButton), area.right + Scaled(28));
 }
 
 void HostControls::LayOut() const
 {
     RECT client{};
     GetClientRect(m_window, &client);
-    const int left = Scaled(margin), right = client.right - Scaled(margin), space = Scaled(gap);
+    const int left = Scaled(Margin), right = client.right - Scaled(Margin), space = Scaled(Gap);
     const int width = std::max(right - left, 0);
     HDWP moves = BeginDeferWindowPos(13);
     const auto move = [&](int id, int x, int y, int w, int h) {
@@ -126,41 +126,41 @@ void HostControls::LayOut() const
 
     // From above: the plug-in, as high as its line of state needs.
     const int icon = Scaled(32), beside = left + icon + Scaled(12);
-    int top = Scaled(margin);
+    int top = Scaled(Margin);
     move(IDC_PLUGIN_ICON, left, top, icon, icon);
-    move(IDC_PLUGIN_NAME, beside, top - Scaled(2), right - beside, Scaled(lineHeight));
-    move(IDC_PLUGIN_VERSION, beside, top + Scaled(16), right - beside, Scaled(lineHeight));
+    move(IDC_PLUGIN_NAME, beside, top - Scaled(2), right - beside, Scaled(LineHeight));
+    move(IDC_PLUGIN_VERSION, beside, top + Scaled(16), right - beside, Scaled(LineHeight));
     top += icon + space;
     SIZE ideal{};
     const auto stateHeight = static_cast<int>(SendMessageW(
-        (*this)[IDC_STATE], getIdealSize, static_cast<WPARAM>(width), reinterpret_cast<LPARAM>(&ideal)));
+        (*this)[IDC_STATE], GetIdealSize, static_cast<WPARAM>(width), reinterpret_cast<LPARAM>(&ideal)));
     const int lines =
-        std::clamp<int>(ideal.cy > 0 ? ideal.cy : stateHeight, Scaled(lineHeight), Scaled(4 * lineHeight));
+        std::clamp<int>(ideal.cy > 0 ? ideal.cy : stateHeight, Scaled(LineHeight), Scaled(4 * LineHeight));
     move(IDC_STATE, left, top, width, lines);
     top += lines + space;
 
     // From below: what is told of a run.
-    int bottom = client.bottom - Scaled(margin);
-    const int details = Scaled(lineHeight);
+    int bottom = client.bottom - Scaled(Margin);
+    const int details = Scaled(LineHeight);
     move(IDC_DETAILS, left, bottom - details, width, details);
     bottom -= details + space;
-    const int between = 3 * space + Scaled(buttonHeight) + Scaled(14) + Scaled(lineHeight) + space;
+    const int between = 3 * space + Scaled(ButtonHeight) + Scaled(14) + Scaled(LineHeight) + space;
     const int forLists = std::max(bottom - top - between, 0);
     const int log = std::max(forLists * 3 / 10, std::min(forLists / 2, Scaled(90)));
     move(IDC_LOG, left, bottom - log, width, log);
     bottom -= log + space;
-    move(IDC_STATUS, left, bottom - Scaled(lineHeight), width, Scaled(lineHeight));
-    bottom -= Scaled(lineHeight) + space / 2;
+    move(IDC_STATUS, left, bottom - Scaled(LineHeight), width, Scaled(LineHeight));
+    bottom -= Scaled(LineHeight) + space / 2;
     move(IDC_PROGRESS, left, bottom - Scaled(14), width, Scaled(14));
     bottom -= Scaled(14) + space;
-    const int buttonTop = bottom - Scaled(buttonHeight);
+    const int buttonTop = bottom - Scaled(ButtonHeight);
     const int add = ButtonWidth(IDC_ADD), remove = ButtonWidth(IDC_REMOVE);
     const int publish = ButtonWidth(IDC_PUBLISH),
-              cancel = std::max(ButtonWidth(IDC_CANCEL), Scaled(smallestButton));
-    move(IDC_ADD, left, buttonTop, add, Scaled(buttonHeight));
-    move(IDC_REMOVE, left + add + space, buttonTop, remove, Scaled(buttonHeight));
-    move(IDC_CANCEL, right - cancel, buttonTop, cancel, Scaled(buttonHeight));
-    move(IDC_PUBLISH, right - cancel - space - publish, buttonTop, publish, Scaled(buttonHeight));
+              cancel = std::max(ButtonWidth(IDC_CANCEL), Scaled(SmallestButton));
+    move(IDC_ADD, left, buttonTop, add, Scaled(ButtonHeight));
+    move(IDC_REMOVE, left + add + space, buttonTop, remove, Scaled(ButtonHeight));
+    move(IDC_CANCEL, right - cancel, buttonTop, cancel, Scaled(ButtonHeight));
+    move(IDC_PUBLISH, right - cancel - space - publish, buttonTop, publish, Scaled(ButtonHeight));
     bottom = buttonTop - space;
     move(IDC_PICTURES, left, top, width, bottom - top);
     EndDeferWindowPos(moves);

@@ -15,9 +15,9 @@
 
 namespace
 {
-constexpr UINT thumbnailMessage = WM_APP + 1;
-constexpr UINT logMessage = WM_APP + 2;
-constexpr UINT configureMessage = WM_APP + 4;
+constexpr UINT ThumbnailMessage = WM_APP + 1;
+constexpr UINT LogMessage = WM_APP + 2;
+constexpr UINT ConfigureMessage = WM_APP + 4;
 
 struct Drop
 {
@@ -147,10 +147,10 @@ LRESULT HostWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam)
     case WM_DROPFILES:
         Guarded([&] { OnDrop(reinterpret_cast<HDROP>(wParam)); });
         return 0;
-    case thumbnailMessage:
+    case ThumbnailMessage:
         m_pictures->ShowThumbnails();
         return 0;
-    case logMessage:
+    case LogMessage:
         m_log->Show();
         if (m_run)
         {
@@ -160,7 +160,7 @@ LRESULT HostWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam)
     case RunEndMessage:
         Guarded([&] { OnRunEnd(static_cast<HRESULT>(wParam)); });
         return 0;
-    case configureMessage:
+    case ConfigureMessage:
         Guarded([&] { Configure(); });
         return 0;
     case WM_CLOSE:
@@ -182,8 +182,8 @@ LRESULT HostWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam)
 void HostWindow::OnCreate()
 {
     m_controls.emplace(m_window);
-    m_log.emplace((*m_controls)[IDC_LOG], logMessage);
-    m_pictures.emplace((*m_controls)[IDC_PICTURES], m_controls->Scaled(128), thumbnailMessage);
+    m_log.emplace((*m_controls)[IDC_LOG], LogMessage);
+    m_pictures.emplace((*m_controls)[IDC_PICTURES], m_controls->Scaled(128), ThumbnailMessage);
     const RECT usual = m_controls->UsualPlace();
     SetWindowPos(m_window, nullptr, usual.left, usual.top, usual.right - usual.left, usual.bottom - usual.top,
                  SWP_NOZORDER);
@@ -251,7 +251,7 @@ LRESULT HostWindow::OnNotify(NMHDR &header)
         {
             // The text with the link is another one afterwards, which the control doesn't expect while it tells.
             m_verb = reinterpret_cast<const NMLINK &>(header).item.szID;
-            PostMessageW(m_window, configureMessage, 0, 0);
+            PostMessageW(m_window, ConfigureMessage, 0, 0);
         }
         return 0;
     case IDC_PICTURES:

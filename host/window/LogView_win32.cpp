@@ -11,11 +11,11 @@
 
 namespace
 {
-constexpr size_t mostEntries = 10000;
+constexpr size_t MostEntries = 10000;
 
-constexpr COLORREF errorColour = RGB(176, 32, 20);
-constexpr COLORREF warningColour = RGB(150, 90, 0);
-constexpr COLORREF detailColour = RGB(110, 110, 110);
+constexpr COLORREF ErrorColour = RGB(176, 32, 20);
+constexpr COLORREF WarningColour = RGB(150, 90, 0);
+constexpr COLORREF DetailColour = RGB(110, 110, 110);
 
 // A user who chose colours for the whole system gets those.
 bool HasOwnColours()
@@ -68,9 +68,9 @@ void LogView::Show()
         m_entries.push_back(std::move(entry));
     }
     FitColumns();
-    if (m_entries.size() > mostEntries)
+    if (m_entries.size() > MostEntries)
     {
-        m_entries.erase(m_entries.begin(), m_entries.end() - mostEntries / 2);
+        m_entries.erase(m_entries.begin(), m_entries.end() - MostEntries / 2);
         ShowDetails(m_details);
     }
     ListView_EnsureVisible(m_list, static_cast<int>(m_levels.size()) - 1, FALSE);
@@ -158,9 +158,9 @@ LRESULT LogView::Draw(NMLVCUSTOMDRAW &drawing) const
     if (drawing.nmcd.dwDrawStage == CDDS_ITEMPREPAINT && row < m_levels.size() && !HasOwnColours())
     {
         const int level = m_levels[row];
-        drawing.clrText = level >= LOG_LEVEL_ERROR     ? errorColour
-                          : level == LOG_LEVEL_WARNING ? warningColour
-                          : level <= LOG_LEVEL_VERBOSE ? detailColour
+        drawing.clrText = level >= LOG_LEVEL_ERROR     ? ErrorColour
+                          : level == LOG_LEVEL_WARNING ? WarningColour
+                          : level <= LOG_LEVEL_VERBOSE ? DetailColour
                                                        : GetSysColor(COLOR_WINDOWTEXT);
     }
     return drawing.nmcd.dwDrawStage == CDDS_PREPAINT ? CDRF_NOTIFYITEMDRAW : CDRF_DODEFAULT;

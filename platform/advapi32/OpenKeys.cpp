@@ -5,7 +5,7 @@
 
 namespace
 {
-constexpr size_t longestName = 255;
+constexpr size_t LongestName = 255;
 
 struct OpenKey
 {
@@ -35,13 +35,13 @@ const KeyPlace *PredefinedPlace(HKEY key)
         HKEY key;
         KeyPlace place;
     };
-    static const auto *const all = new std::vector<Predefined>{
+    static const auto *const All = new std::vector<Predefined>{
         {HKEY_CLASSES_ROOT,
          KeyPlace({TEXT("HKEY_CURRENT_USER\\Software\\Classes"), TEXT("HKEY_LOCAL_MACHINE\\Software\\Classes")})},
         {HKEY_CURRENT_USER, KeyPlace({TEXT("HKEY_CURRENT_USER")})},
         {HKEY_LOCAL_MACHINE, KeyPlace({TEXT("HKEY_LOCAL_MACHINE")})},
     };
-    for (const Predefined &predefined : *all)
+    for (const Predefined &predefined : *All)
     {
         if (predefined.key == key)
         {
@@ -78,7 +78,7 @@ LSTATUS NormalizeSubkey(WideView subkey, WideText &path)
     while (!subkey.empty())
     {
         const WideView name = TakeFirstName(subkey);
-        if (name.size() > longestName)
+        if (name.size() > LongestName)
         {
             return ERROR_INVALID_PARAMETER;
         }

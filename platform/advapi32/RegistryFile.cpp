@@ -13,7 +13,7 @@
 
 namespace
 {
-constexpr off_t largestFile = 64 << 20;
+constexpr off_t LargestFile = 64 << 20;
 
 LSTATUS LastStatus()
 {
@@ -130,7 +130,7 @@ LSTATUS ReadWholeFile(const std::string &path, std::string &bytes, FileStamp &st
         return result;
     }
     struct stat status;
-    if (fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > largestFile)
+    if (fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > LargestFile)
     {
         stamp = StampOf(path);
         return ERROR_ACCESS_DENIED;

@@ -8,9 +8,9 @@
 
 namespace
 {
-constexpr std::string_view heading = "Windows Registry Editor Version 5.00";
-constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
-constexpr std::string_view utf16Mark = "\xFF\xFE";
+constexpr std::string_view Heading = "Windows Registry Editor Version 5.00";
+constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF";
+constexpr std::string_view Utf16Mark = "\xFF\xFE";
 
 std::string_view Trim(std::string_view text)
 {
@@ -188,7 +188,7 @@ std::string Encode(const std::string &text, const RegistryTree &tree)
         return lines;
     }
     const WideText wide = PathFromBytes(lines);
-    std::string bytes(utf16Mark);
+    std::string bytes(Utf16Mark);
     bytes.append(reinterpret_cast<const char *>(wide.data()), wide.size() * sizeof(WCHAR));
     return bytes;
 }
@@ -198,20 +198,20 @@ std::optional<RegistryTree> ParseRegistryText(std::string_view bytes)
 {
     RegistryTree tree;
     std::string text(bytes);
-    if (bytes.starts_with(utf16Mark))
+    if (bytes.starts_with(Utf16Mark))
     {
         if (bytes.size() % sizeof(WCHAR) != 0)
         {
             return std::nullopt;
         }
-        WideText wide((bytes.size() - utf16Mark.size()) / sizeof(WCHAR), 0);
-        std::memcpy(wide.data(), bytes.data() + utf16Mark.size(), wide.size() * sizeof(WCHAR));
+        WideText wide((bytes.size() - Utf16Mark.size()) / sizeof(WCHAR), 0);
+        std::memcpy(wide.data(), bytes.data() + Utf16Mark.size(), wide.size() * sizeof(WCHAR));
         text = PathToBytes(wide);
         tree.isUtf16 = true;
     }
-    else if (bytes.starts_with(utf8Mark))
+    else if (bytes.starts_with(Utf8Mark))
     {
-        text.erase(0, utf8Mark.size());
+        text.erase(0, Utf8Mark.size());
     }
     if (text.find('\0') != std::string::npos)
     {
@@ -227,7 +227,7 @@ std::optional<RegistryTree> ParseRegistryText(std::string_view bytes)
     std::string_view first = rest.substr(0, end);
     tree.hasCarriageReturns = first.ends_with('\r');
     first.remove_suffix(tree.hasCarriageReturns ? 1 : 0);
-    if (Trim(first) != heading)
+    if (Trim(first) != Heading)
     {
         return std::nullopt;
     }
@@ -242,7 +242,7 @@ std::string FormatRegistryText(const RegistryTree &tree)
     std::sort(sections.begin(), sections.end(),
               [](const Section &left, const Section &right) { return left.key->position < right.key->position; });
     std::string text;
-    AppendLine(text, heading);
+    AppendLine(text, Heading);
     for (const std::string &line : tree.preamble)
     {
         AppendLine(text, line);

@@ -7,7 +7,7 @@
 
 namespace
 {
-constexpr WCHAR separator = u'\\';
+constexpr WCHAR Separator = u'\\';
 
 bool IsBlank(const RegistryLine &line)
 {
@@ -35,7 +35,7 @@ WideText FoldRegistryName(WideView name)
 
 WideView TakeFirstName(WideView &path)
 {
-    const size_t end = std::min(path.find(separator), path.size());
+    const size_t end = std::min(path.find(Separator), path.size());
     const WideView name = path.substr(0, end);
     path.remove_prefix(std::min(end + 1, path.size()));
     return name;
@@ -140,7 +140,7 @@ RegistryKey &RegistryTree::Make(WideView path)
 
 void RegistryTree::Delete(WideView path)
 {
-    const size_t end = path.rfind(separator);
+    const size_t end = path.rfind(Separator);
     if (end == WideView::npos)
     {
         return;

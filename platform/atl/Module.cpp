@@ -14,7 +14,7 @@
 
 namespace
 {
-constexpr const WCHAR *ownScript =
+constexpr const WCHAR *OwnScript =
     TEXT("HKCR { NoRemove CLSID {"
          " ForceRemove {44EC053A-400F-11D0-9DCD-00A0C90391D3} = s 'Registrar Class' {"
          "  ProgID = s 'ATL.Registrar'"
@@ -43,7 +43,7 @@ HRESULT RunOwnScript(HRESULT (STDMETHODCALLTYPE IRegistrar::*operation)(LPCOLEST
         ComPtr<IRegistrar> registrar;
         ThrowIfFailed(RegistrarFactory()->CreateInstance(nullptr, __uuidof(IRegistrar), registrar.PutVoid()));
         ThrowIfFailed(registrar->AddReplacement(TEXT("MODULE"), QuotedModulePath().c_str()));
-        return (registrar.Get()->*operation)(ownScript);
+        return (registrar.Get()->*operation)(OwnScript);
     });
 }
 } // namespace

@@ -200,11 +200,11 @@ ScriptValue ReadValue(Words &words)
 // Keys of the system that no script may remove with all that lies below.
 bool IsShared(const WideText &name)
 {
-    static constexpr const WCHAR *names[] = {TEXT("APPID"),    TEXT("CLSID"),    TEXT("COMPONENT CATEGORIES"),
+    static constexpr const WCHAR *Names[] = {TEXT("APPID"),    TEXT("CLSID"),    TEXT("COMPONENT CATEGORIES"),
                                              TEXT("FILETYPE"), TEXT("HARDWARE"), TEXT("INTERFACE"),
                                              TEXT("MIME"),     TEXT("SAM"),      TEXT("SECURITY"),
                                              TEXT("SOFTWARE"), TEXT("SYSTEM"),   TEXT("TYPELIB")};
-    return std::find(std::begin(names), std::end(names), UpperCaseName(name)) != std::end(names);
+    return std::find(std::begin(Names), std::end(Names), UpperCaseName(name)) != std::end(Names);
 }
 
 ScriptAction ReadAction(Words &words)

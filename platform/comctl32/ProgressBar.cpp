@@ -146,8 +146,8 @@ BOOL WINAPI InitCommonControlsEx(const INITCOMMONCONTROLSEX *controls)
     }
     if (controls->dwICC & ICC_PROGRESS_CLASS)
     {
-        static const bool registered = RegisterProgressBar();
-        return registered;
+        static const bool Registered = RegisterProgressBar();
+        return Registered;
     }
     return TRUE;
 }

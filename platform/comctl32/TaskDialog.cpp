@@ -127,13 +127,13 @@ private:
 
     static const WCHAR *WindowClass()
     {
-        static const bool registered = [] {
+        static const bool Registered = [] {
             WNDCLASSEXW description{sizeof(description)};
             description.lpfnWndProc = Procedure;
             description.lpszClassName = u"#32770";
             return RegisterClassExW(&description) != 0;
         }();
-        (void)registered;
+        (void)Registered;
         return u"#32770";
     }
 

@@ -17,7 +17,7 @@ struct CommonButton
 };
 
 // In the order in which they are shown, after the buttons of the caller.
-constexpr CommonButton commonButtons[] = {
+constexpr CommonButton CommonButtons[] = {
     {TDCBF_OK_BUTTON, IDOK},       {TDCBF_YES_BUTTON, IDYES},       {TDCBF_NO_BUTTON, IDNO},
     {TDCBF_RETRY_BUTTON, IDRETRY}, {TDCBF_CANCEL_BUTTON, IDCANCEL}, {TDCBF_CLOSE_BUTTON, IDCLOSE},
 };
@@ -91,7 +91,7 @@ void AddButtons(const TASKDIALOGCONFIG &config, DialogPage &page)
         page.buttons.push_back(
             {button.nButtonID, text.substr(0, end), end != text.npos ? text.substr(end + 1) : std::u16string()});
     }
-    for (const CommonButton &button : commonButtons)
+    for (const CommonButton &button : CommonButtons)
     {
         if (config.dwCommonButtons & button.flag)
         {

@@ -11,8 +11,8 @@
 
 namespace
 {
-constexpr uint32_t invariantLocale = 0x7F;
-constexpr char standIn[] = "en_US";
+constexpr uint32_t InvariantLocale = 0x7F;
+constexpr char StandIn[] = "en_US";
 
 std::string EnvironmentLocale()
 {
@@ -23,10 +23,10 @@ std::string EnvironmentLocale()
         {
             const std::string locale(value);
             const std::string name = locale.substr(0, locale.find_first_of(".@"));
-            return name == "C" || name == "POSIX" ? standIn : name;
+            return name == "C" || name == "POSIX" ? StandIn : name;
         }
     }
-    return standIn;
+    return StandIn;
 }
 
 std::u16string Symbol(const UNumberFormat *format, UNumberFormatSymbol symbol)
@@ -73,7 +73,7 @@ std::optional<LocaleConventions> ReadConventions(const std::string &name)
         conventions.furtherGroups = further > 0 ? further : conventions.firstGroup;
     }
     conventions.signBehind = !HasNegativePrefix(format.get());
-    conventions.windowsId = name.empty() ? invariantLocale : uloc_getLCID(name.c_str());
+    conventions.windowsId = name.empty() ? InvariantLocale : uloc_getLCID(name.c_str());
     return conventions;
 }
 
@@ -94,12 +94,12 @@ LocaleConventions UserConventions()
     {
         return *conventions;
     }
-    return ConventionsByName(standIn).value();
+    return ConventionsByName(StandIn).value();
 }
 
 std::optional<LocaleConventions> ConventionsOf(uint32_t windowsId)
 {
-    if (windowsId == invariantLocale)
+    if (windowsId == InvariantLocale)
     {
         return ConventionsByName("");
     }

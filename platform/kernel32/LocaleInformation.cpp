@@ -33,9 +33,9 @@ std::optional<UINT> ReadNumber(const LocaleConventions &conventions, LCTYPE type
     switch (type)
     {
     case LOCALE_IDIGITS:
-        return decimalDigits;
+        return DecimalDigits;
     case LOCALE_ILZERO:
-        return leadingZero;
+        return LeadingZero;
     case LOCALE_INEGNUMBER:
         return NegativeOrder(conventions);
     default:

@@ -18,5 +18,5 @@ UINT GroupingNumber(const LocaleConventions &conventions);
 UINT NegativeOrder(const LocaleConventions &conventions);
 
 // Windows keeps two decimals and a leading zero in every locale.
-constexpr UINT decimalDigits = 2;
-constexpr UINT leadingZero = 1;
+constexpr UINT DecimalDigits = 2;
+constexpr UINT LeadingZero = 1;

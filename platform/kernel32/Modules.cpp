@@ -15,7 +15,7 @@
 
 namespace
 {
-constexpr DWORD knownFlags = GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT |
+constexpr DWORD KnownFlags = GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT |
                              GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS;
 
 // The loader's own handle of a module that is loaded already, with one count more.
@@ -27,12 +27,12 @@ void *OpenLoaded(const LoadedModule &module, int flags = 0)
 // The system's own libraries are all in one here, and are known by the names that Windows gives them.
 bool IsSystemLibrary(std::string name)
 {
-    static const std::string_view names[] = {"kernel32", "user32",   "comctl32", "shell32", "shlwapi",
+    static const std::string_view Names[] = {"kernel32", "user32",   "comctl32", "shell32", "shlwapi",
                                              "version",  "advapi32", "oleaut32", "ole32"};
     std::transform(name.begin(), name.end(), name.begin(), [](unsigned char unit) { return std::tolower(unit); });
     const bool hasExtension = name.ends_with(".dll");
     const std::string_view bare(name.data(), name.size() - (hasExtension ? 4 : 0));
-    return std::find(std::begin(names), std::end(names), bare) != std::end(names);
+    return std::find(std::begin(Names), std::end(Names), bare) != std::end(Names);
 }
 
 std::optional<LoadedModule> FindNamed(const std::string &name)
@@ -60,7 +60,7 @@ BOOL WINAPI GetModuleHandleExW(DWORD flags, const WCHAR *name, HMODULE *module)
         return FALSE;
     }
     *module = nullptr;
-    if ((flags & ~knownFlags) != 0 || (flags & exclusive) == exclusive)
+    if ((flags & ~KnownFlags) != 0 || (flags & exclusive) == exclusive)
     {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;

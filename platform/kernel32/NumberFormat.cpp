@@ -140,8 +140,8 @@ int WINAPI GetNumberFormatW(LCID locale, DWORD flags, const WCHAR *value, const 
         return Fail(ERROR_INVALID_PARAMETER);
     }
     const NUMBERFMTW applied = format != nullptr ? *format
-                                                 : NUMBERFMTW{decimalDigits,
-                                                              leadingZero,
+                                                 : NUMBERFMTW{DecimalDigits,
+                                                              LeadingZero,
                                                               GroupingNumber(*conventions),
                                                               conventions->decimalSeparator.data(),
                                                               conventions->thousandsSeparator.data(),

@@ -20,8 +20,8 @@ void AppendUtf8(std::string &bytes, char32_t point)
         return;
     }
     const int continuations = point < 0x800 ? 1 : point < 0x10000 ? 2 : 3;
-    static constexpr unsigned char leads[] = {0, 0xC0, 0xE0, 0xF0};
-    bytes += static_cast<char>(leads[continuations] | (point >> (6 * continuations)));
+    static constexpr unsigned char Leads[] = {0, 0xC0, 0xE0, 0xF0};
+    bytes += static_cast<char>(Leads[continuations] | (point >> (6 * continuations)));
     for (int left = continuations - 1; left >= 0; --left)
     {
         bytes += static_cast<char>(0x80 | ((point >> (6 * left)) & 0x3F));

@@ -12,7 +12,7 @@ struct Message
 };
 
 // By code, in rising order.
-constexpr Message messages[] = {
+constexpr Message Messages[] = {
     {ERROR_SUCCESS, u"Everything went well."},
     {ERROR_INVALID_FUNCTION, u"This function is not possible here."},
     {ERROR_FILE_NOT_FOUND, u"The file could not be found."},
@@ -137,7 +137,7 @@ constexpr bool Before(const Message &message, DWORD code)
     return message.code < code;
 }
 
-static_assert(std::is_sorted(std::begin(messages), std::end(messages),
+static_assert(std::is_sorted(std::begin(Messages), std::end(Messages),
                              [](const Message &a, const Message &b) { return a.code < b.code; }));
 } // namespace
 
@@ -145,6 +145,6 @@ const WCHAR *FindSystemMessage(DWORD code)
 {
     constexpr DWORD failureOfWin32 = 0x80070000;
     const DWORD wanted = (code & 0xFFFF0000) == failureOfWin32 ? code & 0xFFFF : code;
-    const auto found = std::lower_bound(std::begin(messages), std::end(messages), wanted, Before);
-    return found != std::end(messages) && found->code == wanted ? found->text : nullptr;
+    const auto found = std::lower_bound(std::begin(Messages), std::end(Messages), wanted, Before);
+    return found != std::end(Messages) && found->code == wanted ? found->text : nullptr;
 }

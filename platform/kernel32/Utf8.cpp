@@ -4,7 +4,7 @@
 
 namespace
 {
-constexpr char32_t replacement = 0xFFFD;
+constexpr char32_t Replacement = 0xFFFD;
 
 // Takes one character off the text. A malformed sequence is taken up to where it stops being one.
 char32_t TakeUtf8(std::string_view text, size_t &at)
@@ -20,7 +20,7 @@ char32_t TakeUtf8(std::string_view text, size_t &at)
                                                            : 0;
     if (following == 0)
     {
-        return replacement;
+        return Replacement;
     }
     // The second byte's range excludes overlong forms, surrogates and what lies above U+10FFFF.
     unsigned lowest = first == 0xE0 ? 0xA0 : first == 0xF0 ? 0x90 : 0x80;
@@ -31,7 +31,7 @@ char32_t TakeUtf8(std::string_view text, size_t &at)
         const unsigned next = at < text.size() ? static_cast<unsigned char>(text[at]) : 0;
         if (next < lowest || next > highest)
         {
-            return replacement;
+            return Replacement;
         }
         c = c << 6 | (next & 0x3F);
         ++at;
@@ -50,7 +50,7 @@ char32_t TakeUtf16(WideView text, size_t &at)
     }
     if (unit >= 0xDC00 || at == text.size() || (text[at] & 0xFC00) != 0xDC00)
     {
-        return replacement;
+        return Replacement;
     }
     return 0x10000 + ((unit - 0xD800) << 10) + (text[at++] - 0xDC00);
 }

@@ -57,8 +57,8 @@ private:
 
 std::unique_ptr<CURL, HandleCloser> NewHandle()
 {
-    static const bool isReady = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
-    std::unique_ptr<CURL, HandleCloser> handle(isReady ? curl_easy_init() : nullptr);
+    static const bool IsReady = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
+    std::unique_ptr<CURL, HandleCloser> handle(IsReady ? curl_easy_init() : nullptr);
     if (!handle)
     {
         ThrowHresult(E_OUTOFMEMORY);

@@ -28,7 +28,7 @@ struct ClassEntry
     IClassFactory *(*factory)();
 };
 
-const ClassEntry classes[] = {
+const ClassEntry Classes[] = {
     {CLSID_DOMDocument60, TEXT("Msxml2.DOMDocument.6.0"), TEXT("XML DOM Document"), DocumentFactory},
     {CLSID_DOMDocumentOfNoVersion, TEXT("Msxml2.DOMDocument"), TEXT("XML DOM Document"), DocumentFactory},
     {CLSID_XMLHTTP60, TEXT("Msxml2.XMLHTTP.6.0"), TEXT("XML HTTP Request"), UserRequestFactory},
@@ -70,7 +70,7 @@ extern "C" DECLSPEC_EXPORT HRESULT WINAPI DllGetClassObject(REFCLSID clsid, REFI
         return E_POINTER;
     }
     *object = nullptr;
-    for (const ClassEntry &entry : classes)
+    for (const ClassEntry &entry : Classes)
     {
         if (entry.clsid == clsid)
         {
@@ -88,7 +88,7 @@ extern "C" DECLSPEC_EXPORT HRESULT WINAPI DllCanUnloadNow()
 extern "C" DECLSPEC_EXPORT HRESULT WINAPI DllRegisterServer()
 {
     const WideText module = ModulePath();
-    for (const ClassEntry &entry : classes)
+    for (const ClassEntry &entry : Classes)
     {
         const WideText path = TEXT("CLSID\\") + GuidText(entry.clsid);
         const struct
@@ -116,7 +116,7 @@ extern "C" DECLSPEC_EXPORT HRESULT WINAPI DllRegisterServer()
 
 extern "C" DECLSPEC_EXPORT HRESULT WINAPI DllUnregisterServer()
 {
-    for (const ClassEntry &entry : classes)
+    for (const ClassEntry &entry : Classes)
     {
         RegDeleteTreeW(HKEY_CLASSES_ROOT, (TEXT("CLSID\\") + GuidText(entry.clsid)).c_str());
         RegDeleteTreeW(HKEY_CLASSES_ROOT, entry.progId);

@@ -9,8 +9,8 @@ IClassFactory *DocumentFactory();
 
 namespace
 {
-constexpr HRESULT invalidAddress = static_cast<HRESULT>(0x80072EE5);
-constexpr HRESULT unknownScheme = static_cast<HRESULT>(0x80072EE6);
+constexpr HRESULT InvalidAddress = static_cast<HRESULT>(0x80072EE5);
+constexpr HRESULT UnknownScheme = static_cast<HRESULT>(0x80072EE6);
 
 std::string Utf8(BSTR text)
 {
@@ -44,11 +44,11 @@ HRESULT CheckAddress(const std::string &url)
                                                                         : 0;
     if (scheme == 0)
     {
-        return unknownScheme;
+        return UnknownScheme;
     }
     const bool isClean =
         std::none_of(url.begin(), url.end(), [](unsigned char c) { return c <= ' ' || c == 0x7F; });
-    return isClean && url.find_first_of("/?#", scheme) != scheme && url.size() > scheme ? S_OK : invalidAddress;
+    return isClean && url.find_first_of("/?#", scheme) != scheme && url.size() > scheme ? S_OK : InvalidAddress;
 }
 
 WideText Utf16(std::string_view bytes, bool isBigEndian)

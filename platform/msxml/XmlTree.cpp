@@ -29,13 +29,13 @@ private:
 
 namespace
 {
-constexpr size_t largestText = 64 << 20;
-constexpr unsigned long mostSteps = 20000000; // of one XPath expression
+constexpr size_t LargestText = 64 << 20;
+constexpr unsigned long MostSteps = 20000000; // of one XPath expression
 
 // MSXML's own codes.
-constexpr HRESULT dtdProhibited = static_cast<HRESULT>(0xC00CE584);
-constexpr HRESULT missingRoot = static_cast<HRESULT>(0xC00CE558);
-constexpr HRESULT endTagMismatch = static_cast<HRESULT>(0xC00CE56D);
+constexpr HRESULT DtdProhibited = static_cast<HRESULT>(0xC00CE584);
+constexpr HRESULT MissingRoot = static_cast<HRESULT>(0xC00CE558);
+constexpr HRESULT EndTagMismatch = static_cast<HRESULT>(0xC00CE56D);
 
 template <class T, void (*Free)(T *)>
 struct Freer
@@ -143,9 +143,9 @@ void DescribeFailure(xmlParserCtxtPtr parser, bool refused, XmlParseFailure &fai
 {
     const xmlErrorPtr error = xmlCtxtGetLastError(parser);
     const int code = error ? error->code : 0;
-    failure.code = refused                             ? dtdProhibited
-                   : code == XML_ERR_DOCUMENT_EMPTY    ? missingRoot
-                   : code == XML_ERR_TAG_NAME_MISMATCH ? endTagMismatch
+    failure.code = refused                             ? DtdProhibited
+                   : code == XML_ERR_DOCUMENT_EMPTY    ? MissingRoot
+                   : code == XML_ERR_TAG_NAME_MISMATCH ? EndTagMismatch
                                                        : E_FAIL;
     failure.reason = refused ? TEXT("DTD is prohibited.")
                      : error ? Trim(PathFromBytes(error->message ? error->message : ""))
@@ -165,7 +165,7 @@ std::optional<XmlNode> ParseXml(std::string_view bytes, const XmlParseOptions &o
     static std::once_flag once;
     std::call_once(once, xmlInitParser);
     failure = {};
-    if (bytes.size() > largestText)
+    if (bytes.size() > LargestText)
     {
         failure.code = E_OUTOFMEMORY;
         failure.reason = TEXT("The document is too large.");
@@ -334,7 +334,7 @@ std::vector<XmlNode> XmlNode::Select(const std::string &expression) const
     }
     const SilentErrors silent;
     context->error = QuietStructured;
-    context->opLimit = mostSteps;
+    context->opLimit = MostSteps;
     context->node = Raw(m_node);
     const XPathObjectOwner result(
         xmlXPathEvalExpression(reinterpret_cast<const xmlChar *>(expression.c_str()), context.get()));

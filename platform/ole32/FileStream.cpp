@@ -14,7 +14,7 @@
 
 namespace
 {
-constexpr DWORD accessMask = STGM_READ | STGM_WRITE | STGM_READWRITE;
+constexpr DWORD AccessMask = STGM_READ | STGM_WRITE | STGM_READWRITE;
 
 std::string FolderOf(const std::string &path)
 {
@@ -73,7 +73,7 @@ public:
         {
             return STG_E_INVALIDPOINTER;
         }
-        if ((m_mode & accessMask) == STGM_WRITE)
+        if ((m_mode & AccessMask) == STGM_WRITE)
         {
             return STG_E_ACCESSDENIED;
         }
@@ -113,7 +113,7 @@ public:
         {
             return STG_E_INVALIDPOINTER;
         }
-        if ((m_mode & accessMask) == STGM_READ)
+        if ((m_mode & AccessMask) == STGM_READ)
         {
             return STG_E_ACCESSDENIED;
         }
@@ -153,7 +153,7 @@ public:
 
     STDMETHODIMP SetSize(ULARGE_INTEGER size) noexcept override
     {
-        if ((m_mode & accessMask) == STGM_READ)
+        if ((m_mode & AccessMask) == STGM_READ)
         {
             return STG_E_ACCESSDENIED;
         }
@@ -226,7 +226,7 @@ int OpenFlags(DWORD mode)
 {
     // Not blocking: a pipe by that name must not hang the caller.
     int flags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-    flags |= (mode & accessMask) == STGM_READ ? O_RDONLY : (mode & accessMask) == STGM_WRITE ? O_WRONLY : O_RDWR;
+    flags |= (mode & AccessMask) == STGM_READ ? O_RDONLY : (mode & AccessMask) == STGM_WRITE ? O_WRONLY : O_RDWR;
     return flags | (mode & STGM_CREATE ? O_CREAT | O_TRUNC : 0);
 }
 } // namespace
@@ -238,7 +238,7 @@ HRESULT WINAPI SHCreateStreamOnFileW(LPCWSTR path, DWORD mode, IStream **stream)
         return E_INVALIDARG;
     }
     *stream = nullptr;
-    if ((mode & accessMask) == accessMask || (mode & (STGM_TRANSACTED | STGM_SIMPLE | STGM_DELETEONRELEASE)) != 0)
+    if ((mode & AccessMask) == AccessMask || (mode & (STGM_TRANSACTED | STGM_SIMPLE | STGM_DELETEONRELEASE)) != 0)
     {
         return E_INVALIDARG;
     }

@@ -10,7 +10,7 @@
 
 namespace
 {
-const CLSID inProcessUnmarshaler = {0x0000033a, 0, 0, {0xc0, 0, 0, 0, 0, 0, 0, 0x46}};
+const CLSID InProcessUnmarshaler = {0x0000033a, 0, 0, {0xc0, 0, 0, 0, 0, 0, 0, 0x46}};
 
 // What lies in the stream. The secret tells a packet of this process from any other bytes.
 struct Packet
@@ -65,7 +65,7 @@ public:
         {
             return E_INVALIDARG;
         }
-        *clsid = IsInProcess(context) ? inProcessUnmarshaler : CLSID{};
+        *clsid = IsInProcess(context) ? InProcessUnmarshaler : CLSID{};
         return IsInProcess(context) ? S_OK : E_NOTIMPL;
     }
 

@@ -10,16 +10,16 @@
 
 namespace
 {
-constexpr int textLength = 38;
+constexpr int TextLength = 38;
 
 WideText FormatGuid(REFGUID guid)
 {
-    static constexpr char digits[] = "0123456789ABCDEF";
+    static constexpr char Digits[] = "0123456789ABCDEF";
     WideText text(1, u'{');
     const auto append = [&](unsigned long long value, int width) {
         for (int shift = 4 * (width - 1); shift >= 0; shift -= 4)
         {
-            text += static_cast<WCHAR>(digits[(value >> shift) & 15]);
+            text += static_cast<WCHAR>(Digits[(value >> shift) & 15]);
         }
     };
     append(guid.Data1, 8);
@@ -49,21 +49,21 @@ int HexDigit(WCHAR unit)
 
 bool ParseGuid(WideView text, GUID &guid)
 {
-    static constexpr char pattern[] = "{xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx}";
-    if (text.size() != textLength)
+    static constexpr char Pattern[] = "{xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx}";
+    if (text.size() != TextLength)
     {
         return false;
     }
     BYTE bytes[16] = {};
     int count = 0;
-    for (int i = 0; i < textLength; ++i)
+    for (int i = 0; i < TextLength; ++i)
     {
         const int digit = HexDigit(text[i]);
-        if (pattern[i] == 'x' ? digit < 0 : text[i] != static_cast<WCHAR>(pattern[i]))
+        if (Pattern[i] == 'x' ? digit < 0 : text[i] != static_cast<WCHAR>(Pattern[i]))
         {
             return false;
         }
-        if (pattern[i] == 'x')
+        if (Pattern[i] == 'x')
         {
             bytes[count / 2] = static_cast<BYTE>(bytes[count / 2] << 4 | digit);
             ++count;
@@ -93,13 +93,13 @@ HRESULT CopyToTaskMemory(WideView text, LPOLESTR *copy)
 
 INT WINAPI StringFromGUID2(REFGUID guid, LPOLESTR text, INT capacity)
 {
-    if (text == nullptr || capacity < textLength + 1)
+    if (text == nullptr || capacity < TextLength + 1)
     {
         return 0;
     }
     const WideText formatted = FormatGuid(guid);
-    std::memcpy(text, formatted.c_str(), (textLength + 1) * sizeof(OLECHAR));
-    return textLength + 1;
+    std::memcpy(text, formatted.c_str(), (TextLength + 1) * sizeof(OLECHAR));
+    return TextLength + 1;
 }
 
 HRESULT WINAPI StringFromCLSID(REFCLSID clsid, LPOLESTR *text)
@@ -171,7 +171,7 @@ HRESULT WINAPI IIDFromString(LPCOLESTR text, LPIID iid)
     {
         return S_OK;
     }
-    return WideView(text).size() != textLength ? E_INVALIDARG : ParseGuid(text, *iid) ? S_OK : CO_E_IIDSTRING;
+    return WideView(text).size() != TextLength ? E_INVALIDARG : ParseGuid(text, *iid) ? S_OK : CO_E_IIDSTRING;
 }
 
 WideText ClassKeyPath(REFCLSID clsid)

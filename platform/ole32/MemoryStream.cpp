@@ -11,7 +11,7 @@
 namespace
 {
 // Asked of a stream by GetHGlobalFromStream: is it one of ours?
-const IID memoryStreamId = {0x6f2ad5b3, 0x1c0e, 0x4d0b, {0x9a, 0x0b, 0x52, 0x2d, 0x88, 0x31, 0x6e, 0x57}};
+const IID MemoryStreamId = {0x6f2ad5b3, 0x1c0e, 0x4d0b, {0x9a, 0x0b, 0x52, 0x2d, 0x88, 0x31, 0x6e, 0x57}};
 
 struct SharedMemory
 {
@@ -69,7 +69,7 @@ public:
 
     HRESULT QueryFurther(REFIID iid, void **object) noexcept
     {
-        if (iid != memoryStreamId)
+        if (iid != MemoryStreamId)
         {
             return E_NOINTERFACE;
         }
@@ -209,7 +209,7 @@ HRESULT WINAPI GetHGlobalFromStream(LPSTREAM stream, HGLOBAL *memory)
     }
     *memory = nullptr;
     void *found = nullptr;
-    if (FAILED(stream->QueryInterface(memoryStreamId, &found)))
+    if (FAILED(stream->QueryInterface(MemoryStreamId, &found)))
     {
         return E_INVALIDARG;
     }

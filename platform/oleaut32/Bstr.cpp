@@ -11,8 +11,8 @@
 namespace
 {
 // Four bytes of length, and four ahead of them that keep the text aligned for anything.
-constexpr size_t headerSize = 8;
-constexpr UINT longestText = (UINT_MAX - 16) / sizeof(OLECHAR);
+constexpr size_t HeaderSize = 8;
+constexpr UINT LongestText = (UINT_MAX - 16) / sizeof(OLECHAR);
 
 DWORD *LengthOf(BSTR text)
 {
@@ -22,22 +22,22 @@ DWORD *LengthOf(BSTR text)
 BSTR Allocate(UINT bytes)
 {
     const size_t padded = (static_cast<size_t>(bytes) + sizeof(OLECHAR) + 1) & ~size_t{1};
-    auto *block = static_cast<unsigned char *>(std::malloc(headerSize + padded));
+    auto *block = static_cast<unsigned char *>(std::malloc(HeaderSize + padded));
     if (block == nullptr)
     {
         return nullptr;
     }
-    auto text = reinterpret_cast<BSTR>(block + headerSize);
+    auto text = reinterpret_cast<BSTR>(block + HeaderSize);
     *LengthOf(text) = bytes;
     // An odd number of bytes is closed by a whole unit behind the last byte, too.
-    std::memset(block + headerSize + bytes, 0, padded - bytes);
+    std::memset(block + HeaderSize + bytes, 0, padded - bytes);
     return text;
 }
 } // namespace
 
 BSTR WINAPI SysAllocStringByteLen(LPCSTR bytes, UINT length)
 {
-    if (length > longestText * sizeof(OLECHAR))
+    if (length > LongestText * sizeof(OLECHAR))
     {
         return nullptr;
     }
@@ -51,7 +51,7 @@ BSTR WINAPI SysAllocStringByteLen(LPCSTR bytes, UINT length)
 
 BSTR WINAPI SysAllocStringLen(const OLECHAR *source, UINT length)
 {
-    if (length > longestText)
+    if (length > LongestText)
     {
         return nullptr;
     }
@@ -65,14 +65,14 @@ BSTR WINAPI SysAllocString(const OLECHAR *source)
         return nullptr;
     }
     const size_t length = std::char_traits<OLECHAR>::length(source);
-    return length > longestText ? nullptr : SysAllocStringLen(source, static_cast<UINT>(length));
+    return length > LongestText ? nullptr : SysAllocStringLen(source, static_cast<UINT>(length));
 }
 
 void WINAPI SysFreeString(BSTR text)
 {
     if (text != nullptr)
     {
-        std::free(reinterpret_cast<unsigned char *>(text) - headerSize);
+        std::free(reinterpret_cast<unsigned char *>(text) - HeaderSize);
     }
 }
 
@@ -120,5 +120,5 @@ INT WINAPI SysReAllocString(LPBSTR text, const OLECHAR *source)
         return TRUE;
     }
     const size_t length = std::char_traits<OLECHAR>::length(source);
-    return length > longestText ? FALSE : SysReAllocStringLen(text, source, static_cast<UINT>(length));
+    return length > LongestText ? FALSE : SysReAllocStringLen(text, source, static_cast<UINT>(length));
 }

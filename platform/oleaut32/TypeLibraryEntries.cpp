@@ -14,8 +14,8 @@
 namespace
 {
 // The system's marshalers for custom and for dispatch interfaces.
-constexpr const WCHAR *interfaceMarshaler = TEXT("{00020424-0000-0000-C000-000000000046}");
-constexpr const WCHAR *dispatchMarshaler = TEXT("{00020420-0000-0000-C000-000000000046}");
+constexpr const WCHAR *InterfaceMarshaler = TEXT("{00020424-0000-0000-C000-000000000046}");
+constexpr const WCHAR *DispatchMarshaler = TEXT("{00020420-0000-0000-C000-000000000046}");
 
 struct Classes
 {
@@ -24,7 +24,7 @@ struct Classes
 
     WideText Path(const WideText &name) const { return prefix + name; }
 };
-constexpr const WCHAR *userPrefix = TEXT("Software\\Classes\\");
+constexpr const WCHAR *UserPrefix = TEXT("Software\\Classes\\");
 
 Classes MachineClasses()
 {
@@ -32,7 +32,7 @@ Classes MachineClasses()
 }
 Classes UserClasses()
 {
-    return {HKEY_CURRENT_USER, userPrefix};
+    return {HKEY_CURRENT_USER, UserPrefix};
 }
 
 WideText GuidText(REFGUID guid)
@@ -187,7 +187,7 @@ HRESULT Register(ITypeLib *library, LPCOLESTR path, LPCOLESTR helpFolder, const 
             const bool isDispatchOnly = type.typekind == TKIND_DISPATCH && !(type.wTypeFlags & TYPEFLAG_FDUAL);
             Write(classes, entry, nullptr, typeName);
             Write(classes, entry + TEXT("\\ProxyStubClsid32"), nullptr,
-                  isDispatchOnly ? dispatchMarshaler : interfaceMarshaler);
+                  isDispatchOnly ? DispatchMarshaler : InterfaceMarshaler);
             Write(classes, entry + TEXT("\\TypeLib"), nullptr, id);
             Write(classes, entry + TEXT("\\TypeLib"), TEXT("Version"), version);
         });

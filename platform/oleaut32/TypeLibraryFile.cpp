@@ -9,10 +9,10 @@
 
 namespace
 {
-constexpr DWORD signature = 0x5446534D;
-constexpr size_t headerSize = 0x54;
-constexpr size_t descriptionSize = 100;
-constexpr DWORD hasHelpModule = 0x100;
+constexpr DWORD Signature = 0x5446534D;
+constexpr size_t HeaderSize = 0x54;
+constexpr size_t DescriptionSize = 100;
+constexpr DWORD HasHelpModule = 0x100;
 
 enum Segment
 {
@@ -57,7 +57,7 @@ private:
     std::span<const BYTE> m_bytes;
 };
 
-constexpr DWORD none = 0xFFFFFFFF;
+constexpr DWORD None = 0xFFFFFFFF;
 
 class Reader
 {
@@ -65,7 +65,7 @@ public:
     explicit Reader(std::span<const BYTE> bytes) : m_file(bytes)
     {
         const size_t count = m_file.Dword(0x20);
-        const size_t places = headerSize + (m_file.Dword(0x14) & hasHelpModule ? sizeof(DWORD) : 0);
+        const size_t places = HeaderSize + (m_file.Dword(0x14) & HasHelpModule ? sizeof(DWORD) : 0);
         m_file.At(places, count * sizeof(DWORD));
         for (size_t i = 0; i < count; ++i)
         {
@@ -77,7 +77,7 @@ public:
             const size_t entry = places + count * sizeof(DWORD) + i * entrySize;
             const DWORD offset = m_file.Dword(entry);
             const DWORD size = m_file.Dword(entry + sizeof(DWORD));
-            m_segments.push_back(offset == none ? Bytes({}) : m_file.At(offset, size));
+            m_segments.push_back(offset == None ? Bytes({}) : m_file.At(offset, size));
         }
     }
 
@@ -95,7 +95,7 @@ public:
         m_pointerSize = content.attributes.syskind == SYS_WIN64 ? 8 : 4;
         for (const size_t place : m_descriptions)
         {
-            content.types.push_back(ReadDescription(m_segments[DescriptionSegment].At(place, descriptionSize)));
+            content.types.push_back(ReadDescription(m_segments[DescriptionSegment].At(place, DescriptionSize)));
         }
         return content;
     }
@@ -103,18 +103,18 @@ public:
 private:
     GUID Identifier(DWORD offset) const
     {
-        return offset == none ? GUID{} : m_segments[IdentifierSegment].Read<GUID>(offset);
+        return offset == None ? GUID{} : m_segments[IdentifierSegment].Read<GUID>(offset);
     }
     WideText Text(DWORD offset) const
     {
         const Bytes &texts = m_segments[TextSegment];
-        return offset == none ? WideText() : texts.Text(offset + sizeof(WORD), texts.Word(offset));
+        return offset == None ? WideText() : texts.Text(offset + sizeof(WORD), texts.Word(offset));
     }
     // Behind eight bytes of lookup, one with the length in a doubleword of flags.
     WideText Name(DWORD offset) const
     {
         const Bytes &names = m_segments[NameSegment];
-        return offset == none ? WideText() : names.Text(offset + 12, names.Read<BYTE>(offset + 8));
+        return offset == None ? WideText() : names.Text(offset + 12, names.Read<BYTE>(offset + 8));
     }
 
     TypeDescription ReadDescription(const Bytes &base) const
@@ -175,7 +175,7 @@ private:
 
 TypeLibraryContent ReadTypeLibrary(std::span<const BYTE> bytes)
 {
-    if (bytes.size() < headerSize || Bytes(bytes).Dword(0) != signature)
+    if (bytes.size() < HeaderSize || Bytes(bytes).Dword(0) != Signature)
     {
         ThrowHresult(TYPE_E_CANTLOADLIBRARY);
     }

@@ -20,7 +20,7 @@ struct IntegerRange
     double most;
 };
 
-constexpr IntegerRange integerRanges[] = {
+constexpr IntegerRange IntegerRanges[] = {
     {VT_I1, -128, 127},
     {VT_UI1, 0, 255},
     {VT_I2, -32768, 32767},
@@ -249,7 +249,7 @@ HRESULT Convert(const VARIANTARG &source, USHORT flags, VARTYPE type, VARIANT &r
         V_VT(&result) = VT_EMPTY;
         return VariantCopy(&result, &source);
     }
-    for (const IntegerRange &range : integerRanges)
+    for (const IntegerRange &range : IntegerRanges)
     {
         if (range.type == type)
         {

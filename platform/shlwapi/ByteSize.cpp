@@ -16,7 +16,7 @@ WideText FormatByUserLocale(const WideText &digits, UINT decimals)
 {
     LocaleConventions conventions = UserConventions();
     const NUMBERFMTW format{decimals,
-                            leadingZero,
+                            LeadingZero,
                             GroupingNumber(conventions),
                             conventions.decimalSeparator.data(),
                             conventions.thousandsSeparator.data(),

@@ -42,7 +42,7 @@ struct Prefix
 };
 
 // Longer ones first where one begins another.
-constexpr Prefix sizePrefixes[] = {
+constexpr Prefix SizePrefixes[] = {
     {u"I64", Size::Int64}, {u"I32", Size::Long}, {u"I", Size::Int64}, {u"hh", Size::Byte},
     {u"h", Size::Short},   {u"ll", Size::Int64}, {u"l", Size::Long},  {u"w", Size::Long},
     {u"L", Size::Default}, {u"z", Size::Int64},  {u"j", Size::Int64}, {u"t", Size::Int64},
@@ -182,7 +182,7 @@ Conversion Formatter::Parse(const WCHAR *&at)
         const int precision = given ? va_arg(m_arguments, int) : ParseNumber(at);
         conversion.precision = std::max(precision, -1);
     }
-    for (const Prefix &prefix : sizePrefixes)
+    for (const Prefix &prefix : SizePrefixes)
     {
         if (std::equal(prefix.pattern.begin(), prefix.pattern.end(), at,
                        [](WCHAR wanted, WCHAR found) { return found != 0 && wanted == found; }))

@@ -7,8 +7,8 @@
 
 namespace
 {
-constexpr size_t widest = 78;
-constexpr size_t margin = 2; // blanks between the frame and what is in it
+constexpr size_t Widest = 78;
+constexpr size_t Margin = 2; // blanks between the frame and what is in it
 
 enum class Style
 {
@@ -21,8 +21,8 @@ enum class Style
 
 const char *CodeOf(Style style)
 {
-    static constexpr std::array codes = {"", "\x1B[1m", "\x1B[1;36m", "\x1B[2m", "\x1B[1;31m"};
-    return codes[static_cast<size_t>(style)];
+    static constexpr std::array Codes = {"", "\x1B[1m", "\x1B[1;36m", "\x1B[2m", "\x1B[1;31m"};
+    return Codes[static_cast<size_t>(style)];
 }
 
 struct FrameParts
@@ -30,13 +30,13 @@ struct FrameParts
     const char *topLeft, *topRight, *bottomLeft, *bottomRight, *across, *down;
 };
 
-constexpr FrameParts unicodeFrame = {"╭", "╮", "╰", "╯", "─", "│"};
-constexpr FrameParts asciiFrame = {"+", "+", "+", "+", "-", "|"};
+constexpr FrameParts UnicodeFrame = {"╭", "╮", "╰", "╯", "─", "│"};
+constexpr FrameParts AsciiFrame = {"+", "+", "+", "+", "-", "|"};
 
 const char16_t *WordOf(DialogIcon icon)
 {
-    static constexpr std::array words = {u"", u"Information", u"Warning", u"Error", u"Security", u"Question"};
-    return words[static_cast<size_t>(icon)];
+    static constexpr std::array Words = {u"", u"Information", u"Warning", u"Error", u"Security", u"Question"};
+    return Words[static_cast<size_t>(icon)];
 }
 
 std::string Repeated(const char *part, size_t times)
@@ -80,9 +80,9 @@ public:
     Drawing(const DialogPage &page, const DrawingOptions &options)
         : m_page(page),
           m_options(options),
-          m_frame(options.unicode ? unicodeFrame : asciiFrame),
-          m_width(std::clamp<size_t>(options.columns - 1, 24, widest)),
-          m_inside(m_width - 2 - 2 * margin)
+          m_frame(options.unicode ? UnicodeFrame : AsciiFrame),
+          m_width(std::clamp<size_t>(options.columns - 1, 24, Widest)),
+          m_inside(m_width - 2 - 2 * Margin)
     {
     }
 
@@ -158,9 +158,9 @@ private:
 
     void AddLine(const Line &inside)
     {
-        const size_t room = m_width - 2 - margin;
+        const size_t room = m_width - 2 - Margin;
         Line line = NewLine();
-        line.Add(m_frame.down).Add(std::string(margin, ' '));
+        line.Add(m_frame.down).Add(std::string(Margin, ' '));
         m_lines.push_back(line.Text() + inside.Text() + std::string(room - std::min(room, inside.Width()), ' ') +
                           m_frame.down);
         m_gap = false;
@@ -357,7 +357,7 @@ private:
         hint += m_page.cancelButton != 0 ? u". Esc: cancel" : u"";
         for (const std::string &part : WrapForTerminal(hint, m_inside, m_options.unicode))
         {
-            m_lines.push_back(std::string(1 + margin, ' ') + NewLine().Add(part, Style::Faint).Text());
+            m_lines.push_back(std::string(1 + Margin, ' ') + NewLine().Add(part, Style::Faint).Text());
         }
     }
 
@@ -372,7 +372,7 @@ private:
 
 void Say(std::string &text, std::u16string_view part, bool unicode)
 {
-    for (const std::string &line : WrapForTerminal(part, widest, unicode))
+    for (const std::string &line : WrapForTerminal(part, Widest, unicode))
     {
         text += line + "\n";
     }
@@ -399,6 +399,6 @@ std::string DescribeDialog(const DialogPage &page, bool unicode)
 char RadioButtonKey(size_t index)
 {
     // x is the check box's.
-    static constexpr std::string_view letters = "abcdefghijkmnopqrstuvwyz";
-    return index < letters.size() ? letters[index] : '\0';
+    static constexpr std::string_view Letters = "abcdefghijkmnopqrstuvwyz";
+    return index < Letters.size() ? Letters[index] : '\0';
 }

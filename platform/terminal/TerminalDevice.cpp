@@ -16,7 +16,7 @@
 namespace
 {
 // What follows an Escape within this time belongs to a key that sends more than one byte.
-constexpr int sequenceMilliseconds = 50;
+constexpr int SequenceMilliseconds = 50;
 
 int OpenTerminal()
 {
@@ -37,7 +37,7 @@ winsize SizeOf(int descriptor)
     return size;
 }
 
-constexpr int endingSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+constexpr int EndingSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
 
 // What a handler needs to give the terminal its manners back. Written while the signals have their
 // former handling.
@@ -45,16 +45,16 @@ struct Lent
 {
     int descriptor;
     termios before;
-    struct sigaction handling[std::size(endingSignals)];
+    struct sigaction handling[std::size(EndingSignals)];
 } lent;
 
 // Gives the terminal back, and the signal to whom it would have reached.
 void GiveTerminalBack(int number)
 {
     tcsetattr(lent.descriptor, TCSANOW, &lent.before);
-    for (size_t i = 0; i < std::size(endingSignals); ++i)
+    for (size_t i = 0; i < std::size(EndingSignals); ++i)
     {
-        sigaction(endingSignals[i], &lent.handling[i], nullptr);
+        sigaction(EndingSignals[i], &lent.handling[i], nullptr);
     }
     raise(number);
 }
@@ -72,14 +72,14 @@ void WatchSignals(int descriptor, const termios &before)
     }
     lent.descriptor = fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
     lent.before = before;
-    for (size_t i = 0; i < std::size(endingSignals); ++i)
+    for (size_t i = 0; i < std::size(EndingSignals); ++i)
     {
-        sigaction(endingSignals[i], nullptr, &lent.handling[i]);
+        sigaction(EndingSignals[i], nullptr, &lent.handling[i]);
         if (lent.handling[i].sa_handler != SIG_IGN)
         {
             struct sigaction watch = {};
             watch.sa_handler = GiveTerminalBack;
-            sigaction(endingSignals[i], &watch, nullptr);
+            sigaction(EndingSignals[i], &watch, nullptr);
         }
     }
 }
@@ -91,9 +91,9 @@ void LeaveSignals()
     {
         return;
     }
-    for (size_t i = 0; i < std::size(endingSignals); ++i)
+    for (size_t i = 0; i < std::size(EndingSignals); ++i)
     {
-        sigaction(endingSignals[i], &lent.handling[i], nullptr);
+        sigaction(EndingSignals[i], &lent.handling[i], nullptr);
     }
     close(lent.descriptor);
 }
@@ -224,13 +224,13 @@ Key TerminalDevice::ReadKey(int milliseconds, int wake)
 Key TerminalDevice::ReadEscape()
 {
     char byte = 0;
-    if (!ReadByte(byte, sequenceMilliseconds))
+    if (!ReadByte(byte, SequenceMilliseconds))
     {
         return {KeyKind::Escape, {}};
     }
     if (byte == '[' || byte == 'O')
     {
-        while (ReadByte(byte, sequenceMilliseconds) && (byte < '@' || byte > '~'))
+        while (ReadByte(byte, SequenceMilliseconds) && (byte < '@' || byte > '~'))
         {
         }
     }
@@ -243,7 +243,7 @@ Key TerminalDevice::ReadText(char first)
     const int following = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : lead >= 0xC0 ? 1 : 0;
     Key key{KeyKind::Text, std::string(1, first)};
     char byte = 0;
-    for (int i = 0; i < following && ReadByte(byte, sequenceMilliseconds); ++i)
+    for (int i = 0; i < following && ReadByte(byte, SequenceMilliseconds); ++i)
     {
         key.text += byte;
     }

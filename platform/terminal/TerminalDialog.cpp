@@ -18,7 +18,7 @@ namespace
 {
 using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds timerInterval(200);
-constexpr std::string_view prompt = "   > ";
+constexpr std::string_view Prompt = "   > ";
 
 // The dialog on the terminal: what was drawn last, and the line that is being typed.
 class Display
@@ -53,7 +53,7 @@ public:
             ++m_lines;
         }
         m_remark.clear();
-        m_device.Write(picture + std::string(prompt) + m_typed);
+        m_device.Write(picture + std::string(Prompt) + m_typed);
     }
 
     // Shown with the next drawing.
@@ -61,7 +61,7 @@ public:
 
     void Type(const std::string &character)
     {
-        const size_t room = m_device.Columns() - std::min(m_device.Columns(), prompt.size() + 2);
+        const size_t room = m_device.Columns() - std::min(m_device.Columns(), Prompt.size() + 2);
         if (TerminalWidth(m_typed) + TerminalWidth(character) <= room && TerminalWidth(character) > 0)
         {
             m_typed += character;

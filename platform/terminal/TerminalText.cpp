@@ -11,7 +11,7 @@
 
 namespace
 {
-constexpr UChar32 replacement = 0xFFFD;
+constexpr UChar32 Replacement = 0xFFFD;
 
 size_t ColumnsOf(UChar32 character)
 {
@@ -37,7 +37,7 @@ UChar32 Harmless(UChar32 character)
     const bool overrides =
         (character >= 0x202A && character <= 0x202E) || (character >= 0x2066 && character <= 0x2069);
     const bool controls = u_charType(character) == U_CONTROL_CHAR;
-    return overrides || controls || U_IS_SURROGATE(character) ? replacement : character;
+    return overrides || controls || U_IS_SURROGATE(character) ? Replacement : character;
 }
 
 void Append(std::string &text, UChar32 character)

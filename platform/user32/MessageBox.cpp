@@ -21,7 +21,7 @@ struct BoxKind
 // By the number in the lowest four bits of the style.
 const BoxKind &KindOf(UINT number)
 {
-    static const BoxKind kinds[] = {
+    static const BoxKind Kinds[] = {
         {{IDOK}, IDOK, IDOK},
         {{IDOK, IDCANCEL}, IDCANCEL, IDCANCEL},
         {{IDABORT, IDRETRY, IDIGNORE}, 0, IDABORT},
@@ -30,8 +30,8 @@ const BoxKind &KindOf(UINT number)
         {{IDRETRY, IDCANCEL}, IDCANCEL, IDCANCEL},
         {{IDCANCEL, IDTRYAGAIN, IDCONTINUE}, IDCANCEL, IDCANCEL},
     };
-    static const BoxKind none{};
-    return number < std::size(kinds) ? kinds[number] : none;
+    static const BoxKind NoWord{};
+    return number < std::size(Kinds) ? Kinds[number] : NoWord;
 }
 
 DialogIcon IconOf(UINT style)

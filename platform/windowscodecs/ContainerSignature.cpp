@@ -18,7 +18,7 @@ struct Signature
 };
 
 // A DNG file begins like any TIFF file and counts as one.
-const Signature signatures[] = {
+const Signature Signatures[] = {
     {"\xFF\xD8\xFF"sv, &GUID_ContainerFormatJpeg},
     {"\x89PNG\r\n\x1A\n"sv, &GUID_ContainerFormatPng},
     {"GIF87a"sv, &GUID_ContainerFormatGif},
@@ -33,7 +33,7 @@ const Signature signatures[] = {
 const GUID *RecogniseContainer(std::span<const BYTE> head)
 {
     const std::string_view bytes(reinterpret_cast<const char *>(head.data()), head.size());
-    for (const Signature &signature : signatures)
+    for (const Signature &signature : Signatures)
     {
         if (bytes.starts_with(signature.start) && bytes.size() >= signature.offset &&
             bytes.substr(signature.offset).starts_with(signature.further))

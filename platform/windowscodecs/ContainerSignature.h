@@ -6,7 +6,7 @@
 #include <span>
 
 // As many bytes as the longest signature looks at.
-constexpr ULONG signatureLength = 12;
+constexpr ULONG SignatureLength = 12;
 
 // The format's GUID, or null if no signature fits. head may be shorter than signatureLength.
 const GUID *RecogniseContainer(std::span<const BYTE> head);

@@ -36,13 +36,13 @@ private:
 };
 
 // A stream may give less than it was asked for without being at its end.
-ULONG ReadHead(IStream *stream, BYTE (&head)[signatureLength])
+ULONG ReadHead(IStream *stream, BYTE (&head)[SignatureLength])
 {
     ULONG length = 0;
-    while (length < signatureLength)
+    while (length < SignatureLength)
     {
         ULONG read = 0;
-        ThrowIfFailed(stream->Read(head + length, signatureLength - length, &read));
+        ThrowIfFailed(stream->Read(head + length, SignatureLength - length, &read));
         if (read == 0)
         {
             break;
@@ -56,7 +56,7 @@ ULONG ReadHead(IStream *stream, BYTE (&head)[signatureLength])
 HRESULT CreateDecoderOf(IStream *stream, IWICBitmapDecoder **decoder) noexcept
 {
     return AtBoundary([&] {
-        BYTE head[signatureLength];
+        BYTE head[SignatureLength];
         const GUID *const format = RecogniseContainer({head, ReadHead(stream, head)});
         if (format == nullptr)
         {

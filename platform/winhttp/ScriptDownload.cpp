@@ -67,8 +67,8 @@ ScriptFetch DownloadScript(const std::string &url, std::chrono::milliseconds lim
     {
         return {ERROR_WINHTTP_UNRECOGNIZED_SCHEME, {}};
     }
-    static const bool isReady = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
-    const std::unique_ptr<CURL, HandleCloser> handle(isReady ? curl_easy_init() : nullptr);
+    static const bool IsReady = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
+    const std::unique_ptr<CURL, HandleCloser> handle(IsReady ? curl_easy_init() : nullptr);
     if (!handle)
     {
         return {ERROR_WINHTTP_UNABLE_TO_DOWNLOAD_SCRIPT, {}};

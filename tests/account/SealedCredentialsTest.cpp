@@ -11,10 +11,10 @@
 namespace
 {
 // Both forms lie in this program, so that a search that finds nothing anywhere is noticed.
-const char narrowKey[] = PLAIN_KEY;
-const char narrowSecret[] = PLAIN_SECRET;
-const char16_t wideKey[] = u"" PLAIN_KEY;
-const char16_t wideSecret[] = u"" PLAIN_SECRET;
+const char NarrowKey[] = PLAIN_KEY;
+const char NarrowSecret[] = PLAIN_SECRET;
+const char16_t WideKey[] = u"" PLAIN_KEY;
+const char16_t WideSecret[] = u"" PLAIN_SECRET;
 
 std::string ContentOf(const std::filesystem::path &file)
 {
@@ -50,8 +50,8 @@ TEST(SealedCredentials, AreNotToBeReadInTheModule)
         EXPECT_EQ(PartsFound(control, value, length), std::string(length / 8, 'x')) << "the search is at fault";
         EXPECT_EQ(PartsFound(module, value, length), std::string(length / 8, '-'));
     };
-    look(narrowKey);
-    look(narrowSecret);
-    look(wideKey);
-    look(wideSecret);
+    look(NarrowKey);
+    look(NarrowSecret);
+    look(WideKey);
+    look(WideSecret);
 }

@@ -8,7 +8,7 @@
 
 namespace
 {
-const std::string endpoint = Narrow(ServiceHosts::VerifierEndpoint);
+const std::string Endpoint = Narrow(ServiceHosts::VerifierEndpoint);
 constexpr const WCHAR *Page = TEXT("http://www.flickr.com/services/oauth/authorize?oauth_token=rt");
 constexpr const WCHAR *Reply =
     TEXT("<TRNQVerifierExchange><Other/><Verifier>v-1</Verifier></TRNQVerifierExchange>");
@@ -42,22 +42,22 @@ TEST(VerifierUrl, HoldsTheRequestTokenOfThePage)
     };
     for (const auto &[page, query] : cases)
     {
-        EXPECT_EQ(Narrow(VerifierUrl(page).View()), endpoint + "/?" + query);
+        EXPECT_EQ(Narrow(VerifierUrl(page).View()), Endpoint + "/?" + query);
     }
     for (const WCHAR *const page :
          {TEXT(""), TEXT("http://h/a?OAuth_Token=rt"), TEXT("http://h/a?oauth_tokens=rt")})
     {
         EXPECT_THROW(VerifierUrl(page), HresultError) << Narrow(page);
     }
-    EXPECT_TRUE(endpoint.starts_with("https://") && endpoint.ends_with("/flickr/authorization")) << endpoint;
+    EXPECT_TRUE(Endpoint.starts_with("https://") && Endpoint.ends_with("/flickr/authorization")) << Endpoint;
 }
 
 TEST(VerifierExchange, SendsOneRequestByTheProxyThatWasFound)
 {
-    const std::string url = "open GET " + endpoint + "/?oauth_token=rt";
+    const std::string url = "open GET " + Endpoint + "/?oauth_token=rt";
     const auto finds = [](DWORD error, const WCHAR *bypass) {
         return [error, bypass](const WCHAR *asked, ProxySetting &setting) {
-            EXPECT_EQ(Narrow(asked), endpoint) << "the token is no business of a proxy script";
+            EXPECT_EQ(Narrow(asked), Endpoint) << "the token is no business of a proxy script";
             setting.AccessType = WINHTTP_ACCESS_TYPE_NO_PROXY;
             const WideView text(bypass);
             auto *copy = static_cast<WCHAR *>(GlobalAlloc(GPTR, (text.size() + 1) * sizeof(WCHAR)));

@@ -11,14 +11,14 @@
 namespace
 {
 // Handles mean nothing to the plug-in; these are no small numbers and no indices.
-constexpr UINT64 firstHandle = 0x1'0000'0007;
+constexpr UINT64 FirstHandle = 0x1'0000'0007;
 
 BSTR TextFor(const std::optional<WideText> &text)
 {
     return text ? BstrOwner(WideView(*text)).Detach() : nullptr;
 }
 
-constexpr WideView fillerText = TEXT("filler");
+constexpr WideView FillerText = TEXT("filler");
 
 bool SameText(BSTR left, BSTR right)
 {
@@ -49,7 +49,7 @@ void FakeImageMetadata::Fill(ItemRecord &record) const
     {
         return;
     }
-    const auto put = [](BSTR &text) { text = BstrOwner(fillerText).Detach(); };
+    const auto put = [](BSTR &text) { text = BstrOwner(FillerText).Detach(); };
     put(record.Text028);
     put(record.Text170);
     std::for_each(std::begin(record.Texts0B0), std::end(record.Texts0B0), put);
@@ -161,7 +161,7 @@ HRESULT FakeHost::GetItemList(INT32 *count, HGLOBAL *items) noexcept
     auto *handles = static_cast<UINT64 *>(GlobalLock(m_list.Get()));
     for (size_t i = 0; i < Items.size(); ++i)
     {
-        handles[i] = firstHandle + i;
+        handles[i] = FirstHandle + i;
     }
     GlobalUnlock(m_list.Get());
     *items = m_list.Get();
@@ -170,7 +170,7 @@ HRESULT FakeHost::GetItemList(INT32 *count, HGLOBAL *items) noexcept
 
 HRESULT FakeHost::GetItemRecord(UINT64 item, ItemRecord *record) noexcept
 {
-    const size_t index = static_cast<size_t>(item - firstHandle);
+    const size_t index = static_cast<size_t>(item - FirstHandle);
     m_record.Add("item " + std::to_string(index));
     if (OnItem)
     {
@@ -184,8 +184,8 @@ HRESULT FakeHost::GetItemRecord(UINT64 item, ItemRecord *record) noexcept
 
 HRESULT FakeHost::WriteLogEntry(INT32 level, LPCWSTR source, LPCWSTR message) noexcept
 {
-    static const char *const names[] = {"verbose", "info", "warning", "error", "fatal"};
+    static const char *const Names[] = {"verbose", "info", "warning", "error", "fatal"};
     const bool isKnown = level >= 0 && level < 5 && WideView(source) == TEXT("Flickr");
-    m_record.Add("log " + std::string(isKnown ? names[level] : "?") + " " + Narrow(message));
+    m_record.Add("log " + std::string(isKnown ? Names[level] : "?") + " " + Narrow(message));
     return E_FAIL;
 }

@@ -8,15 +8,15 @@
 
 namespace
 {
-constexpr GUID otherVendor = {0xA6D092A4, 0x081A, 0x4F0E, {0x93, 0x56, 0xDA, 0x16, 0x7E, 0x87, 0xD9, 0x22}};
+constexpr GUID OtherVendor = {0xA6D092A4, 0x081A, 0x4F0E, {0x93, 0x56, 0xDA, 0x16, 0x7E, 0x87, 0xD9, 0x22}};
 
 // "jpeg Microsoft", "jpeg other", and "?" for what else is asked for.
 std::string NameOf(REFGUID format, const GUID *vendor)
 {
     const bool isJpeg = format == GUID_ContainerFormatJpeg;
-    const bool isKnown = vendor != nullptr && (*vendor == GUID_VendorMicrosoft || *vendor == otherVendor);
+    const bool isKnown = vendor != nullptr && (*vendor == GUID_VendorMicrosoft || *vendor == OtherVendor);
     return std::string(isJpeg ? "jpeg " : "? ") + (!isKnown                 ? "?"
-                                                   : *vendor == otherVendor ? "other"
+                                                   : *vendor == OtherVendor ? "other"
                                                                             : "Microsoft");
 }
 
@@ -57,7 +57,7 @@ public:
         const HRESULT result = m_imaging.Calls.Enter("CreateDecoder", NameOf(format, vendor));
         if (SUCCEEDED(result))
         {
-            *decoder = MakeFakeDecoder(m_imaging, vendor && *vendor == otherVendor ? "Other " : "").Detach();
+            *decoder = MakeFakeDecoder(m_imaging, vendor && *vendor == OtherVendor ? "Other " : "").Detach();
         }
         return result;
     }

@@ -8,7 +8,7 @@
 
 namespace
 {
-const WCHAR *const className = TEXT("FakeProgressWindow");
+const WCHAR *const ClassName = TEXT("FakeProgressWindow");
 
 FakeProgressWindows *OwnerOf(HWND window)
 {
@@ -33,10 +33,10 @@ HWND FakeProgressWindows::Create()
     description.cbSize = sizeof description;
     description.lpfnWndProc = Procedure;
     description.hInstance = ThisModule();
-    description.lpszClassName = className;
+    description.lpszClassName = ClassName;
     RegisterClassExW(&description);
     const HWND window =
-        CreateWindowExW(0, className, TEXT(""), 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, ThisModule(), nullptr);
+        CreateWindowExW(0, ClassName, TEXT(""), 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, ThisModule(), nullptr);
     if (window == nullptr)
     {
         throw std::runtime_error("no window for the test");

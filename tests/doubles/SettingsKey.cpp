@@ -10,8 +10,8 @@
 
 namespace
 {
-constexpr UINT32 mark = 77;
-constexpr const WCHAR *markText = TEXT("untouched");
+constexpr UINT32 Mark = 77;
+constexpr const WCHAR *MarkText = TEXT("untouched");
 
 RegistryKeyOwner OpenForWriting()
 {
@@ -68,11 +68,11 @@ void SettingsKey::MarkAll()
     {
         if (setting.Type == REG_DWORD)
         {
-            Set(setting.Name, mark);
+            Set(setting.Name, Mark);
         }
         else
         {
-            Set(setting.Name, markText);
+            Set(setting.Name, MarkText);
         }
     }
 }
@@ -86,7 +86,7 @@ std::string SettingsKey::Written() const
         const bool isText = setting.Type != REG_DWORD;
         const std::string value =
             isText ? Narrow(reader.Text(setting.Name)) : std::to_string(reader.Number(setting.Name));
-        if (value != (isText ? Narrow(markText) : std::to_string(mark)))
+        if (value != (isText ? Narrow(MarkText) : std::to_string(Mark)))
         {
             written += (written.empty() ? "" : " ") + Narrow(setting.Name) + "=" + value;
         }

@@ -25,13 +25,13 @@ void RegisterModule(const char *name)
 void RegisterSystemModules()
 {
     UsePrivateRegistryStore();
-    static const bool done = [] {
+    static const bool Done = [] {
         RegisterModule("atl.so");
         RegisterModule("msxml.so");
         RegisterModule("windowscodecs.so");
         return true;
     }();
-    (void)done;
+    (void)Done;
 }
 
 void UsePrivateRegistryStore()

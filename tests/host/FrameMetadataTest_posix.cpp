@@ -17,7 +17,7 @@ using testing::ElementsAre;
 namespace
 {
 // Texts in several blocks, so that the choice among them shows; numbers and rationals of every group.
-const char *const TAGS =
+const char *const Tags =
     "-XMP-dc:Title='Tür' -IPTC:ObjectName=other -XMP-dc:Description=Beschreibung -IPTC:Caption-Abstract=no "
     "-XMP-dc:Subject=eins -XMP-dc:Subject='zwei drei' -ExifIFD:UserComment='größer' -IFD0:XPAuthor=nobody "
     "-IPTC:By-line=Anna -IPTC:By-line=Bob -IFD0:Copyright=mine -IPTC:Credit=agency -IPTC:City=Köln "
@@ -51,7 +51,7 @@ TEST(FrameMetadata, FindsWhatTheReaderOfFilesFinds)
     const TemporaryFolder folder;
     const auto file = folder.Path() / "a.jpg";
     MakeSample(file, 32, 24);
-    const std::string command = "exiftool -q -q -m -overwrite_original " + std::string(TAGS) + " " + file.string();
+    const std::string command = "exiftool -q -q -m -overwrite_original " + std::string(Tags) + " " + file.string();
     ASSERT_EQ(std::system(command.c_str()), 0);
     ImageTexts wanted;
     MetadataSnapshot wantedGroups;

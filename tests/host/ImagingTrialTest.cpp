@@ -11,7 +11,7 @@ TEST(ImagingTrial, TellsWhatTheComponentDoes)
 {
     RegisterSystemModules();
     ASSERT_GE(CoInitializeEx(nullptr, COINIT_MULTITHREADED), 0);
-    EXPECT_EQ(TryCopyingMetadata(), underWine ? CopiedMetadata::None : CopiedMetadata::Some);
-    EXPECT_EQ(TryReadingMetadata(), !underWine);
+    EXPECT_EQ(TryCopyingMetadata(), UnderWine ? CopiedMetadata::None : CopiedMetadata::Some);
+    EXPECT_EQ(TryReadingMetadata(), !UnderWine);
     CoUninitialize();
 }

@@ -8,7 +8,7 @@ using namespace std::chrono_literals;
 
 namespace
 {
-constexpr const char *ERASE = "\r\x1b[K";
+constexpr const char *Erase = "\r\x1b[K";
 
 class LiveDisplayTest : public testing::Test
 {
@@ -38,9 +38,9 @@ TEST_F(LiveDisplayTest, LinesScrollAboveTheProgressAndLeaveNothingBehind)
     const std::string line = TakeScreen();
     EXPECT_THAT(line, HasSubstr("50%"));
     display.Log(3, "broke");
-    EXPECT_EQ(TakeScreen(), ERASE + std::string("error: broke\n") + line);
+    EXPECT_EQ(TakeScreen(), Erase + std::string("error: broke\n") + line);
     display.EndProgress();
-    EXPECT_EQ(TakeScreen(), ERASE);
+    EXPECT_EQ(TakeScreen(), Erase);
     display.Print("done\n");
     EXPECT_EQ(TakeScreen(), "done\n");
 }
@@ -90,5 +90,5 @@ TEST_F(LiveDisplayTest, ANarrowerTerminalGetsANarrowerLine)
     display.ShowProgress(View(50), m_now);
     TakeScreen();
     display.Resize(12);
-    EXPECT_EQ(TakeScreen(), std::string(ERASE) + " 50%  st...");
+    EXPECT_EQ(TakeScreen(), std::string(Erase) + " 50%  st...");
 }

@@ -34,7 +34,7 @@ enum Group
 };
 
 // Every value that belongs to a group holds that group's word.
-const char *const TAGS =
+const char *const Tags =
     "-IFD0:Artist='secretcopy Artist' -IFD0:Copyright='secretcopy Owner' -ExifIFD:UserComment='secretcopy note' "
     "-XMP-dc:Creator='secretcopy Artist' -XMP-dc:Rights='secretcopy Owner' -IPTC:By-line='secretcopy Artist' "
     "-IPTC:CopyrightNotice='secretcopy Owner' -XMP-photoshop:Credit='secretcopy Agency' -Comment='secretcopy "
@@ -61,7 +61,7 @@ protected:
         m_file = m_folder.Path() / "source.jpg";
         MakeSample(m_file, 64, 48, {.dpi = 300});
         MakeSample(m_folder.Path() / "thumb.jpg", 32, 24);
-        Exiftool(std::string(TAGS) + "'-ThumbnailImage<=" + (m_folder.Path() / "thumb.jpg").string() + "'");
+        Exiftool(std::string(Tags) + "'-ThumbnailImage<=" + (m_folder.Path() / "thumb.jpg").string() + "'");
     }
 
     void Exiftool(const std::string &arguments)
@@ -154,7 +154,7 @@ struct Trace
 };
 
 // As exiftool reads them, numbers unconverted.
-const Trace TRACES[] = {
+const Trace Traces[] = {
     {Copyright, "IFD0:Artist", "secretcopy Artist"},
     {Copyright, "IFD0:Copyright", "secretcopy Owner"},
     {Copyright, "ExifIFD:UserComment", "secretcopy note"},
@@ -181,7 +181,7 @@ const Trace TRACES[] = {
     {Iptc, "IFD0:ImageDescription", "secretiptc caption"},
 };
 
-const std::pair<int, const char *> WORDS[] = {
+const std::pair<int, const char *> Words[] = {
     {Copyright, "secretcopy"}, {Exif, "secretexif"}, {Xmp, "secretxmp"}, {Gps, "secretgps"}, {Iptc, "secretiptc"}};
 
 // Also in UTF-16 of the tags that Windows writes.
@@ -211,7 +211,7 @@ TEST_F(MetadataWriting, GoesByGroupAndLeavesNothingOfTheOthers)
         for (size_t i = 0; i < choices.size(); ++i)
         {
             SCOPED_TRACE((processed ? "processed " : "intact ") + std::to_string(choices[i]));
-            for (const Trace &trace : TRACES)
+            for (const Trace &trace : Traces)
             {
                 if (choices[i] & trace.group)
                 {
@@ -222,7 +222,7 @@ TEST_F(MetadataWriting, GoesByGroupAndLeavesNothingOfTheOthers)
                     EXPECT_THAT(tags[i], Not(Contains(Key(trace.key))));
                 }
             }
-            for (const auto &[group, word] : WORDS)
+            for (const auto &[group, word] : Words)
             {
                 EXPECT_TRUE((choices[i] & group) || !HoldsWord(files[i], word)) << word;
             }
@@ -242,7 +242,7 @@ TEST_F(MetadataWriting, GoesByGroupAndLeavesNothingOfTheOthers)
 TEST_F(MetadataWriting, WithoutCopiedBlocksTheGroupsComeFromTheRecord)
 {
     const auto tags = ReadWithExiftool(Make(All - Gps, false, false));
-    for (const Trace &trace : TRACES)
+    for (const Trace &trace : Traces)
     {
         if (trace.group != Gps)
         {

@@ -14,10 +14,10 @@
 #include <string>
 #include <utility>
 
-inline constexpr Rgb RED = {255, 0, 0};
-inline constexpr Rgb GREEN = {0, 255, 0};
-inline constexpr Rgb BLUE = {0, 0, 255};
-inline constexpr Rgb WHITE = {255, 255, 255};
+inline constexpr Rgb Red = {255, 0, 0};
+inline constexpr Rgb Green = {0, 255, 0};
+inline constexpr Rgb Blue = {0, 0, 255};
+inline constexpr Rgb White = {255, 255, 255};
 
 inline Rgb PixelAt(const DecodedPicture &picture, UINT x, UINT y)
 {

@@ -18,7 +18,7 @@ TEST_F(PictureDecoding, CommonKindsComeInTheirColours)
         const DecodedPicture picture = DecodePicture(Sample(name, 48, 32), 0, nullptr);
         ASSERT_EQ(picture.width, 48u);
         ASSERT_EQ(picture.height, 32u);
-        ExpectQuarters(picture, {RED, GREEN, BLUE, WHITE}, tolerance);
+        ExpectQuarters(picture, {Red, Green, Blue, White}, tolerance);
     }
 }
 
@@ -26,8 +26,8 @@ TEST_F(PictureDecoding, EveryOrientationComesUpright)
 {
     // Where the file's red, green, blue and white quarters come to lie.
     const std::array<Rgb, 4> upright[] = {
-        {RED, GREEN, BLUE, WHITE}, {GREEN, RED, WHITE, BLUE}, {WHITE, BLUE, GREEN, RED}, {BLUE, WHITE, RED, GREEN},
-        {RED, BLUE, GREEN, WHITE}, {BLUE, RED, WHITE, GREEN}, {WHITE, GREEN, BLUE, RED}, {GREEN, WHITE, RED, BLUE},
+        {Red, Green, Blue, White}, {Green, Red, White, Blue}, {White, Blue, Green, Red}, {Blue, White, Red, Green},
+        {Red, Blue, Green, White}, {Blue, Red, White, Green}, {White, Green, Blue, Red}, {Green, White, Red, Blue},
     };
     for (int orientation = 1; orientation <= 8; ++orientation)
     {
@@ -47,7 +47,7 @@ TEST_F(PictureDecoding, EveryOrientationComesUpright)
 TEST_F(PictureDecoding, AlphaLiesOnWhite)
 {
     ExpectQuarters(DecodePicture(Sample("clear.png", 16, 16, {.alpha = true}), 0, nullptr),
-                   {WHITE, WHITE, WHITE, WHITE}, 0);
+                   {White, White, White, White}, 0);
 }
 
 TEST_F(PictureDecoding, TheLongEdgeIsKeptAndNothingIsEnlarged)

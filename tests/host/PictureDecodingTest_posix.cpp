@@ -38,7 +38,7 @@ TEST_F(PictureDecoding, EveryKindGivesTheSamePicture)
         const DecodedPicture picture = DecodePicture(Sample(kind.name, 48, 32, kind.options), 0, nullptr);
         ASSERT_EQ(picture.width, 48u);
         ASSERT_EQ(picture.height, 32u);
-        ExpectQuarters(picture, {RED, GREEN, BLUE, WHITE}, kind.tolerance);
+        ExpectQuarters(picture, {Red, Green, Blue, White}, kind.tolerance);
     }
     for (const char *name : {"cmyk.tif", "cmyk.jpg"})
     {
@@ -47,7 +47,7 @@ TEST_F(PictureDecoding, EveryKindGivesTheSamePicture)
         // The library's own ink profile, which the file carries, prints pure green as a yellowish one.
         EXPECT_LE(Distance(inks[1], {197, 208, 18}), 10)
             << name << " " << inks[1].red << " " << inks[1].green << " " << inks[1].blue;
-        EXPECT_LE(Distance(inks[3], WHITE), 6) << name;
+        EXPECT_LE(Distance(inks[3], White), 6) << name;
     }
 }
 
@@ -58,12 +58,12 @@ TEST_F(PictureDecoding, ColoursAreConvertedFromTheFilesProfile)
          {PictureOptions{.profile = exchanged}, PictureOptions{.profile = exchanged, .interpretation = "rgb16"}})
     {
         const fs::path file = Sample("exchanged.png", 64, 64, options);
-        ExpectQuarters(DecodePicture(file, 0, nullptr), {GREEN, RED, BLUE, WHITE}, 3);
-        ExpectQuarters(DecodePicture(file, 32, nullptr), {GREEN, RED, BLUE, WHITE}, 3);
+        ExpectQuarters(DecodePicture(file, 0, nullptr), {Green, Red, Blue, White}, 3);
+        ExpectQuarters(DecodePicture(file, 32, nullptr), {Green, Red, Blue, White}, 3);
     }
     const fs::path jpeg =
         Sample("exchanged.jpg", 64, 64, {.saver = "[Q=100,subsample-mode=off]", .profile = exchanged});
-    ExpectQuarters(DecodePicture(jpeg, 16, nullptr), {GREEN, RED, BLUE, WHITE}, 4);
+    ExpectQuarters(DecodePicture(jpeg, 16, nullptr), {Green, Red, Blue, White}, 4);
 }
 
 TEST_F(PictureDecoding, ADamagedProfileCountsAsNone)
@@ -74,7 +74,7 @@ TEST_F(PictureDecoding, ADamagedProfileCountsAsNone)
     const size_t profile = bytes.find("ICC_PROFILE");
     ASSERT_NE(profile, bytes.npos);
     bytes.replace(profile + 14, 200, 200, '\x7F');
-    ExpectQuarters(DecodePicture(m_folder.Write("broken.jpg", bytes), 0, nullptr), {RED, GREEN, BLUE, WHITE}, 3);
+    ExpectQuarters(DecodePicture(m_folder.Write("broken.jpg", bytes), 0, nullptr), {Red, Green, Blue, White}, 3);
 }
 
 TEST_F(PictureDecoding, AnAnimationGivesItsFirstPicture)
@@ -82,7 +82,7 @@ TEST_F(PictureDecoding, AnAnimationGivesItsFirstPicture)
     MakeAnimation(m_folder.Path() / "moving.gif");
     const DecodedPicture picture = DecodePicture(m_folder.Path() / "moving.gif", 0, nullptr);
     EXPECT_EQ(picture.height, 10u);
-    ExpectQuarters(picture, {RED, RED, RED, RED}, 0);
+    ExpectQuarters(picture, {Red, Red, Red, Red}, 0);
 }
 
 TEST_F(PictureDecoding, ACamerasRawFileIsDeveloped)
@@ -91,14 +91,14 @@ TEST_F(PictureDecoding, ACamerasRawFileIsDeveloped)
     const DecodedPicture whole = DecodePicture(m_folder.Write("sample.dng", sample), 0, nullptr);
     EXPECT_EQ(whole.width, 240u);
     EXPECT_EQ(whole.height, 160u);
-    ExpectQuarters(whole, {RED, GREEN, BLUE, WHITE}, 40);
+    ExpectQuarters(whole, {Red, Green, Blue, White}, 40);
 
     // Turned clockwise by a quarter, and at half its size or less.
     const fs::path upright = m_folder.Write("turned.dng", MakeDng(240, 160, 6));
     const DecodedPicture turned = DecodePicture(upright, 60, nullptr);
     EXPECT_EQ(turned.width, 40u);
     EXPECT_EQ(turned.height, 60u);
-    ExpectQuarters(turned, {BLUE, RED, WHITE, GREEN}, 40);
+    ExpectQuarters(turned, {Blue, Red, White, Green}, 40);
 
     const fs::path cut = m_folder.Write("cut.dng", sample.substr(0, sample.size() / 2));
     EXPECT_EQ(FailureOf(cut).first, WINCODEC_ERR_BADIMAGE);
@@ -115,7 +115,7 @@ TEST_F(PictureDecoding, HeifIsReadWhereTheLibraryCan)
     {
         GTEST_SKIP() << "no encoder makes a sample here: " << missing.what();
     }
-    ExpectQuarters(DecodePicture(file, 0, nullptr), {RED, GREEN, BLUE, WHITE}, 30);
+    ExpectQuarters(DecodePicture(file, 0, nullptr), {Red, Green, Blue, White}, 30);
 }
 
 TEST_F(PictureDecoding, TheResolutionIsTheFiles)

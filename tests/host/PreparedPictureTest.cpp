@@ -22,7 +22,7 @@ using namespace std::string_literals;
 namespace
 {
 // In the comment of the source, which goes up with the copyright group or not at all.
-constexpr const char *SECRET = "a comment that stays";
+constexpr const char *Secret = "a comment that stays";
 
 std::string BytesOf(IStream *stream)
 {
@@ -42,7 +42,7 @@ protected:
         EXPECT_GE(CoInitializeEx(nullptr, COINIT_MULTITHREADED), 0);
         MakeSample(m_folder.Path() / "plain.jpg", 96, 64);
         std::string bytes = m_folder.Read("plain.jpg");
-        bytes.insert(2, "\xFF\xFE\0"s + static_cast<char>(std::string(SECRET).size() + 2) + SECRET);
+        bytes.insert(2, "\xFF\xFE\0"s + static_cast<char>(std::string(Secret).size() + 2) + Secret);
         m_folder.Write("source.jpg", bytes);
     }
     ~PreparedPicture() override { CoUninitialize(); }
@@ -78,14 +78,14 @@ TEST_F(PreparedPicture, IsAPictureOfTheWantedSizeWithoutTheGroupsThatAreOff)
         options.Mode = mode;
         options.LongEdgePixels = mode == SendProcessed ? 48 : 0;
         const std::string bytes = Prepare(options);
-        EXPECT_THAT(bytes, Not(HasSubstr(SECRET)));
+        EXPECT_THAT(bytes, Not(HasSubstr(Secret)));
         const DecodedPicture picture = DecodePicture(m_folder.Write("result.jpg", bytes), 0, nullptr);
         EXPECT_EQ(picture.width, mode == SendProcessed ? 48u : 96u);
         EXPECT_EQ(picture.height, mode == SendProcessed ? 32u : 64u);
     }
     // Under Wine nothing can be read of the source or written into the new file; one warning of each for
     // both pictures.
-    EXPECT_EQ(m_warnings.size(), underWine ? 2u : 0u);
+    EXPECT_EQ(m_warnings.size(), UnderWine ? 2u : 0u);
 }
 
 TEST_F(PreparedPicture, ADamagedSourceFailsInWords)

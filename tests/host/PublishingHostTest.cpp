@@ -143,6 +143,6 @@ TEST_F(PublishingHostTest, ACopyThatMayHoldMetadataStaysWhereNoneCanBeTakenOut)
     ItemRecord record = {};
     // Under Wine nothing is copied, and so nothing is kept back.
     EXPECT_EQ(m_host->WriteImageMetadata(writer.Get(), 0, 1, &record, 1, 1, 1, 1, 1, 1, FALSE),
-              underWine ? S_OK : WINCODEC_ERR_UNSUPPORTEDOPERATION);
+              UnderWine ? S_OK : WINCODEC_ERR_UNSUPPORTEDOPERATION);
     CoUninitialize();
 }

@@ -9,8 +9,8 @@ namespace
 {
 void StartLibrary()
 {
-    static const int started = VIPS_INIT("tests");
-    static_cast<void>(started);
+    static const int Started = VIPS_INIT("tests");
+    static_cast<void>(Started);
 }
 
 VImage Flat(int width, int height, const Rgb &colour)

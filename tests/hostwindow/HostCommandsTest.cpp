@@ -6,7 +6,7 @@
 
 namespace
 {
-constexpr HostState READY{.hasPlugin = true, .isAuthorized = true, .pictures = 3, .selected = 1, .waiting = 2};
+constexpr HostState Ready{.hasPlugin = true, .isAuthorized = true, .pictures = 3, .selected = 1, .waiting = 2};
 
 HostState With(HostState state, auto change)
 {
@@ -37,14 +37,14 @@ TEST(HostCommands, FollowWhatThereIs)
         const char *possible;
         unsigned hint;
     } cases[] = {
-        {"ready", READY, "arps", IDS_MANY_READY},
-        {"one left", With(READY, [](HostState &s) { s.waiting = 1; }), "arps", IDS_ONE_READY},
-        {"all up", With(READY, [](HostState &s) { s.waiting = 0; }), "ars", IDS_ALL_UP},
-        {"nothing selected", With(READY, [](HostState &s) { s.selected = 0; }), "aps", IDS_MANY_READY},
-        {"empty", With(READY, [](HostState &s) { s.pictures = s.selected = s.waiting = 0; }), "as",
+        {"ready", Ready, "arps", IDS_MANY_READY},
+        {"one left", With(Ready, [](HostState &s) { s.waiting = 1; }), "arps", IDS_ONE_READY},
+        {"all up", With(Ready, [](HostState &s) { s.waiting = 0; }), "ars", IDS_ALL_UP},
+        {"nothing selected", With(Ready, [](HostState &s) { s.selected = 0; }), "aps", IDS_MANY_READY},
+        {"empty", With(Ready, [](HostState &s) { s.pictures = s.selected = s.waiting = 0; }), "as",
          IDS_NO_PICTURES},
-        {"no account", With(READY, [](HostState &s) { s.isAuthorized = false; }), "ars", IDS_NO_ACCOUNT},
-        {"no plug-in", With(READY, [](HostState &s) { s.hasPlugin = s.isAuthorized = false; }), "ar",
+        {"no account", With(Ready, [](HostState &s) { s.isAuthorized = false; }), "ars", IDS_NO_ACCOUNT},
+        {"no plug-in", With(Ready, [](HostState &s) { s.hasPlugin = s.isAuthorized = false; }), "ar",
          IDS_NO_PLUGIN},
     };
     for (const auto &one : cases)
@@ -56,7 +56,7 @@ TEST(HostCommands, FollowWhatThereIs)
 
 TEST(HostCommands, InARunOnlyItsEndCanBeAskedFor)
 {
-    HostState state = READY;
+    HostState state = Ready;
     state.phase = RunPhase::Running;
     EXPECT_EQ(Possible(state), "c");
     state.phase = AfterCancel(state.phase);

@@ -17,7 +17,7 @@ using testing::HasSubstr;
 
 namespace
 {
-const std::wstring classKey = std::wstring(L"CLSID\\") + TRIAL_PLUGIN_TEXT;
+const std::wstring ClassKey = std::wstring(L"CLSID\\") + TrialPluginText;
 
 // The trial plug-in among the classes and in the category of publishing plug-ins, while this lives.
 class TrialRegistration
@@ -30,14 +30,14 @@ public:
         Write(L"\\InprocServer32", L"ThreadingModel", L"Both");
         Write(L"\\Implemented Categories\\{5EE4545B-143B-4f11-B9B3-F919653EB62F}", nullptr, L"");
     }
-    ~TrialRegistration() { RegDeleteTreeW(HKEY_CLASSES_ROOT, classKey.c_str()); }
+    ~TrialRegistration() { RegDeleteTreeW(HKEY_CLASSES_ROOT, ClassKey.c_str()); }
     TrialRegistration(const TrialRegistration &) = delete;
     TrialRegistration &operator=(const TrialRegistration &) = delete;
 
 private:
     static void Write(const std::wstring &key, const wchar_t *name, const std::wstring &text)
     {
-        EXPECT_EQ(RegSetKeyValueW(HKEY_CLASSES_ROOT, (classKey + key).c_str(), name, REG_SZ, text.c_str(),
+        EXPECT_EQ(RegSetKeyValueW(HKEY_CLASSES_ROOT, (ClassKey + key).c_str(), name, REG_SZ, text.c_str(),
                                   static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
                   ERROR_SUCCESS);
     }
@@ -71,7 +71,7 @@ protected:
     void LetOnePictureEnd() const { SetEvent(m_next.Get()); }
 
     TemporaryFolder m_folder;
-    const FileOwner m_next{CreateEventW(nullptr, FALSE, FALSE, NEXT_PICTURE)};
+    const FileOwner m_next{CreateEventW(nullptr, FALSE, FALSE, NextPicture)};
 };
 
 class WithPlugin : public HostWindowTest

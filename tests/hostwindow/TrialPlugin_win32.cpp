@@ -18,9 +18,9 @@
 
 namespace
 {
-constexpr wchar_t ASKS[] =
+constexpr wchar_t Asks[] =
     L"The trial needs your leave before it can publish. <a id=\"authorize\" href=\"\">Authorize...</a>";
-constexpr wchar_t READY[] =
+constexpr wchar_t Ready[] =
     L"Title, description, tags, public, safe, photos, searchable. Resample, send copyright, EXIF, "
     L"rating, GPS, IPTC data. <a id=\"settings\" href=\"parameters\">Settings...</a>";
 
@@ -86,7 +86,7 @@ public:
     STDMETHODIMP GetVersionInformation(BSTR *text) noexcept override { return Give(text, L"7.5 (Build 3)"); }
     STDMETHODIMP GetDisplayState(BSTR *text) noexcept override
     {
-        return Give(text, m_account.IsAuthorized() ? READY : ASKS);
+        return Give(text, m_account.IsAuthorized() ? Ready : Asks);
     }
 
     STDMETHODIMP Configure(HWND parent, LPWSTR verb, LPWSTR parameters) noexcept override
@@ -175,7 +175,7 @@ private:
     ComPtr<IStream> m_stream;
     AccountData m_account;
     std::atomic<Wish> m_wish = Wish::GoOn;
-    const FileOwner m_next{CreateEventW(nullptr, FALSE, FALSE, NEXT_PICTURE)};
+    const FileOwner m_next{CreateEventW(nullptr, FALSE, FALSE, NextPicture)};
 };
 
 ClassFactory<TrialPlugin> factory;

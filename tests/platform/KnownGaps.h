@@ -6,4 +6,4 @@
 
 #include <type_traits>
 
-constexpr bool underWine = std::is_same_v<WCHAR, wchar_t>;
+constexpr bool UnderWine = std::is_same_v<WCHAR, wchar_t>;

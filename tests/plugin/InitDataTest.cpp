@@ -20,8 +20,8 @@ std::string Bytes(std::initializer_list<std::string_view> parts)
 }
 
 using namespace std::literals;
-constexpr auto none = "\0\0\0\0"sv;
-constexpr auto size5 = "\5\0\0\0\0\0\0\0"sv;
+constexpr auto None = "\0\0\0\0"sv;
+constexpr auto Size5 = "\5\0\0\0\0\0\0\0"sv;
 
 HRESULT Read(MemoryStream *stream, AccountRecord &account)
 {
@@ -50,8 +50,8 @@ AccountRecord SomeAccount()
     return account;
 }
 
-const std::string someBytes =
-    Bytes({"\1"sv, "\6\0\0\0a\0b\0\0\0"sv, "\2\0\0\0\0\0"sv, none, "\4\0\0\0\xE9\0\0\0"sv, none,
+const std::string SomeBytes =
+    Bytes({"\1"sv, "\6\0\0\0a\0b\0\0\0"sv, "\2\0\0\0\0\0"sv, None, "\4\0\0\0\xE9\0\0\0"sv, None,
            "\10\0\0\0P\0r\0o\0\0\0"sv, "\x08\x07\x06\x05\x04\x03\x02\x01"sv});
 } // namespace
 
@@ -60,7 +60,7 @@ TEST(InitData, IsWrittenByteForByteOverWhatWasThere)
     const auto stream = MemoryStream::Make(std::string(500, 'x'));
     stream->Position = 77;
     EXPECT_EQ(Write(stream.Get(), SomeAccount()), S_OK);
-    EXPECT_EQ(stream->Content, someBytes);
+    EXPECT_EQ(stream->Content, SomeBytes);
     EXPECT_EQ(Write(stream.Get(), AccountRecord()), S_OK);
     EXPECT_EQ(stream->Content, "\1" + std::string(32, '\0'));
 }
@@ -68,7 +68,7 @@ TEST(InitData, IsWrittenByteForByteOverWhatWasThere)
 TEST(InitData, ComesBackAsItWas)
 {
     AccountRecord account;
-    const auto stream = MemoryStream::Make(someBytes);
+    const auto stream = MemoryStream::Make(SomeBytes);
     EXPECT_EQ(Read(stream.Get(), account), S_OK);
     EXPECT_EQ(Narrow(account.OAuthToken.View()), "ab");
     EXPECT_NE(account.OAuthTokenSecret.Get(), nullptr);
@@ -92,7 +92,7 @@ TEST(InitData, WithoutAPositiveMarkerLeavesTheTextsAlone)
     }
     AccountRecord account;
     EXPECT_EQ(
-        Read(MemoryStream::Make(Bytes({"\x7F"sv, none, none, none, none, none, none, size5})).Get(), account),
+        Read(MemoryStream::Make(Bytes({"\x7F"sv, None, None, None, None, None, None, Size5})).Get(), account),
         S_OK);
     EXPECT_EQ(account.MaxFileSize, 5);
 }
@@ -139,7 +139,7 @@ TEST(InitData, TakesAStringOfTheLargestSize)
 TEST(InitData, NeedsItsLastEightBytes)
 {
     AccountRecord account;
-    const std::string content = Bytes({"\1"sv, none, none, none, none, none, none, "\1\2\3\4\5\6\7"sv});
+    const std::string content = Bytes({"\1"sv, None, None, None, None, None, None, "\1\2\3\4\5\6\7"sv});
     EXPECT_EQ(Read(MemoryStream::Make(content).Get(), account), HRESULT_FROM_WIN32(ERROR_INVALID_DATA));
     EXPECT_EQ(account.MaxFileSize, 0);
 }
@@ -156,16 +156,16 @@ TEST(InitData, GivesTheFailureOfAnyCallOfTheStream)
         stream->FailCall(call, STG_E_MEDIUMFULL);
         EXPECT_EQ(Write(stream.Get(), account), STG_E_MEDIUMFULL) << call;
         EXPECT_EQ(stream->Calls.size(), call) << "nothing goes on after a failure";
-        EXPECT_TRUE(someBytes.starts_with(stream->Content)) << call;
+        EXPECT_TRUE(SomeBytes.starts_with(stream->Content)) << call;
     }
 
-    const auto full = MemoryStream::Make(someBytes);
+    const auto full = MemoryStream::Make(SomeBytes);
     AccountRecord read;
     ASSERT_EQ(Read(full.Get(), read), S_OK);
     const size_t reads = full->Calls.size();
     for (size_t call = 1; call <= reads; ++call)
     {
-        const auto stream = MemoryStream::Make(someBytes);
+        const auto stream = MemoryStream::Make(SomeBytes);
         stream->FailCall(call, STG_E_READFAULT);
         const bool isSeek = full->Calls[call - 1].starts_with("Seek");
         const HRESULT expected = isSeek          ? S_OK

@@ -14,7 +14,7 @@ using Lines = std::vector<std::string>;
 
 namespace
 {
-const WCHAR *const refusal =
+const WCHAR *const Refusal =
     TEXT("<rsp stat=\"fail\"><err code=\"5\" msg=\"filetype was not recognised\"/></rsp>");
 
 class PublishRun : public testing::Test
@@ -178,7 +178,7 @@ TEST_F(PublishRun, GoesOnAfterATransportFailureAndStopsAtARefusal)
     Fixture.Web.Answer(OkReply);
     Fixture.Web.AnswerWith(E_FAIL,
                            MakeDocument(TEXT("<HttpError HttpStatus=\"503\"><Status>Busy</Status></HttpError>")));
-    Fixture.Web.Answer(refusal);
+    Fixture.Web.Answer(Refusal);
     Publish();
     EXPECT_THAT(Fixture.Record.LinesOf("item "), ElementsAre("0", "1", "2"));
     EXPECT_THAT(Log("error"), ElementsAre("Could not publish \"" + Fixture.PathOf("p1.jpg") +

@@ -69,17 +69,17 @@ struct Classes
     void Remove(const std::string &key) const { RegDeleteTreeW(root, Path(key).c_str()); }
 };
 
-const Classes machineClasses{HKEY_LOCAL_MACHINE};
-const Classes userClasses{HKEY_CURRENT_USER};
+const Classes MachineClasses{HKEY_LOCAL_MACHINE};
+const Classes UserClasses{HKEY_CURRENT_USER};
 
-constexpr const char *ownKeys[] = {
+constexpr const char *OwnKeys[] = {
     CLASS_KEY,   PROG_ID,      PROG_ID ".1", "AppID\\" APPLICATION_ID, "AppID\\" PROG_ID ".dll",
     LIBRARY_KEY, INTERFACE_KEY};
 
 std::vector<std::string> PresentKeys(const Classes &classes)
 {
     std::vector<std::string> present;
-    std::copy_if(std::begin(ownKeys), std::end(ownKeys), std::back_inserter(present),
+    std::copy_if(std::begin(OwnKeys), std::end(OwnKeys), std::back_inserter(present),
                  [&](const char *key) { return classes.Has(key); });
     return present;
 }
@@ -184,9 +184,9 @@ protected:
 
     static void RemoveAll()
     {
-        for (const Classes &classes : {machineClasses, userClasses})
+        for (const Classes &classes : {MachineClasses, UserClasses})
         {
-            for (const char *key : ownKeys)
+            for (const char *key : OwnKeys)
             {
                 classes.Remove(key);
             }
@@ -206,7 +206,7 @@ public:
         RegCreateKeyExW(HKEY_CLASSES_ROOT, TEXT("Halvora.Test.Mark"), 0, nullptr, 0, KEY_WRITE, nullptr,
                         made.Put(), nullptr);
         m_seen.push_back("apply " + std::to_string(id) +
-                         (userClasses.Has("Halvora.Test.Mark") ? " user" : " machine") +
+                         (UserClasses.Has("Halvora.Test.Mark") ? " user" : " machine") +
                          (GetThreadLocale() == 0x407 ? " own locale" : ""));
         return id == 102 ? E_ACCESSDENIED : S_OK;
     }
@@ -236,9 +236,9 @@ TEST_F(Registration, WritesEveryEntryForItsScopeAndTakesItBack)
         const WCHAR *commandLine; // null: DllRegisterServer
         const Classes &own;
         const Classes &other;
-    } scopes[] = {{nullptr, machineClasses, userClasses},
-                  {TEXT("USER"), userClasses, machineClasses},
-                  {TEXT("users"), machineClasses, userClasses}};
+    } scopes[] = {{nullptr, MachineClasses, UserClasses},
+                  {TEXT("USER"), UserClasses, MachineClasses},
+                  {TEXT("users"), MachineClasses, UserClasses}};
     for (const auto &scope : scopes)
     {
         const InstalledCopy copy;
@@ -263,7 +263,7 @@ TEST_F(Registration, WritesEveryEntryForItsScopeAndTakesItBack)
         const std::vector<std::array<std::string, 3>> libraryEntries = {
             {LIBRARY_KEY "\\1.0", "", "Halvora Publish to Flickr 1.0 Type Library"},
             {LIBRARY_KEY "\\1.0\\409\\win64", "", module},
-            {LIBRARY_KEY "\\1.0\\FLAGS", "", underWine ? "8" : "0"}, // Wine adds that the library has a file
+            {LIBRARY_KEY "\\1.0\\FLAGS", "", UnderWine ? "8" : "0"}, // Wine adds that the library has a file
             {INTERFACE_KEY, "", "IHalvoraPublishingPlugin"},
             {INTERFACE_KEY "\\TypeLib", "", "{20FB81F4-2558-4961-B33E-75C9A90642E9}"},
             {INTERFACE_KEY "\\TypeLib", "Version", "1.0"},
@@ -273,7 +273,7 @@ TEST_F(Registration, WritesEveryEntryForItsScopeAndTakesItBack)
             EXPECT_EQ(scope.own.Text(key, name), value) << key << " " << name;
         }
         // Wine registers a user's type library for the machine.
-        const Classes &libraryOwner = underWine ? machineClasses : scope.own;
+        const Classes &libraryOwner = UnderWine ? MachineClasses : scope.own;
         for (const auto &[key, name, value] : libraryEntries)
         {
             EXPECT_EQ(libraryOwner.Text(key, name), value) << key << " " << name;
@@ -299,31 +299,31 @@ TEST_F(Registration, TheScopeOfAnInstallationHoldsForTheProcess)
     const InstalledCopy copy;
     EXPECT_EQ(copy.Install(true, TEXT("user")), S_OK);
     EXPECT_EQ(copy.Call("DllUnregisterServer"), S_OK);
-    EXPECT_THAT(PresentKeys(userClasses), testing::IsEmpty());
+    EXPECT_THAT(PresentKeys(UserClasses), testing::IsEmpty());
 }
 
 TEST_F(Registration, AnUnreadableTypeLibraryUndoesAnInstallationButNotARegistration)
 {
     const InstalledCopy copy(true);
     EXPECT_EQ(copy.Install(true, nullptr), TYPE_E_CANTLOADLIBRARY);
-    EXPECT_THAT(PresentKeys(machineClasses), testing::IsEmpty());
+    EXPECT_THAT(PresentKeys(MachineClasses), testing::IsEmpty());
     EXPECT_EQ(copy.Call("DllRegisterServer"), TYPE_E_CANTLOADLIBRARY);
-    EXPECT_EQ(machineClasses.Text(CLASS_KEY "\\InprocServer32"), Narrow(copy.Path()));
+    EXPECT_EQ(MachineClasses.Text(CLASS_KEY "\\InprocServer32"), Narrow(copy.Path()));
     EXPECT_EQ(copy.Install(true, TEXT("user")), TYPE_E_CANTLOADLIBRARY);
-    EXPECT_THAT(PresentKeys(userClasses), testing::IsEmpty());
-    EXPECT_TRUE(machineClasses.Has(CLASS_KEY)) << "the user's installation leaves the machine's alone";
+    EXPECT_THAT(PresentKeys(UserClasses), testing::IsEmpty());
+    EXPECT_TRUE(MachineClasses.Has(CLASS_KEY)) << "the user's installation leaves the machine's alone";
 }
 
 TEST_F(Registration, LeavesWhatOthersWrote)
 {
     const InstalledCopy copy;
-    machineClasses.Make("AppID\\Halvora.Test.Foreign");
-    machineClasses.Make(CLASS_KEY "\\Left by another version");
+    MachineClasses.Make("AppID\\Halvora.Test.Foreign");
+    MachineClasses.Make(CLASS_KEY "\\Left by another version");
     ASSERT_EQ(copy.Call("DllRegisterServer"), S_OK);
-    EXPECT_FALSE(machineClasses.Has(CLASS_KEY "\\Left by another version")) << "the class begins anew";
+    EXPECT_FALSE(MachineClasses.Has(CLASS_KEY "\\Left by another version")) << "the class begins anew";
     EXPECT_EQ(copy.Call("DllUnregisterServer"), S_OK);
-    EXPECT_TRUE(machineClasses.Has("AppID\\Halvora.Test.Foreign"));
-    machineClasses.Remove("AppID\\Halvora.Test.Foreign");
+    EXPECT_TRUE(MachineClasses.Has("AppID\\Halvora.Test.Foreign"));
+    MachineClasses.Remove("AppID\\Halvora.Test.Foreign");
 }
 
 TEST_F(Registration, AFailingScriptLeavesLocaleAndMappingAsTheyWere)
@@ -341,14 +341,14 @@ TEST_F(Registration, AFailingScriptLeavesLocaleAndMappingAsTheyWere)
     EXPECT_EQ(seen, (std::vector<std::string>{"apply 100 user", "apply 102 user", "revert 102", "revert 100"}));
     EXPECT_EQ(GetThreadLocale(), 0x407u);
     SetThreadLocale(before);
-    userClasses.Remove("Halvora.Test.Mark");
-    EXPECT_FALSE(machineClasses.Has("Halvora.Test.Mark"));
+    UserClasses.Remove("Halvora.Test.Mark");
+    EXPECT_FALSE(MachineClasses.Has("Halvora.Test.Mark"));
     RegistryKeyOwner made;
     ASSERT_EQ(RegCreateKeyExW(HKEY_CLASSES_ROOT, TEXT("Halvora.Test.Mark"), 0, nullptr, 0, KEY_WRITE, nullptr,
                               made.Put(), nullptr),
               ERROR_SUCCESS);
-    EXPECT_TRUE(machineClasses.Has("Halvora.Test.Mark")) << "the classes are the machine's again";
-    machineClasses.Remove("Halvora.Test.Mark");
+    EXPECT_TRUE(MachineClasses.Has("Halvora.Test.Mark")) << "the classes are the machine's again";
+    MachineClasses.Remove("Halvora.Test.Mark");
 }
 
 TEST_F(Registration, LocksCountObjectsFactoriesAndExplicitLocks)

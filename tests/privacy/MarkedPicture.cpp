@@ -34,18 +34,18 @@ std::string AsString(const Octets &bytes)
 
 // XMP, IPTC and Photoshop's resources as tags of IFD0. Exiv2 leaves them out of a JPEG, so they are written
 // one number too high and renamed in the finished file.
-constexpr unsigned char blockTags[][2] = {{0x02, 0xBC}, {0x83, 0xBB}, {0x86, 0x49}};
+constexpr unsigned char BlockTags[][2] = {{0x02, 0xBC}, {0x83, 0xBB}, {0x86, 0x49}};
 
 bool IsBlockInIfd0(const Exiv2::ExifKey &key)
 {
-    return std::any_of(std::begin(blockTags), std::end(blockTags), [&](const unsigned char(&tag)[2]) {
+    return std::any_of(std::begin(BlockTags), std::end(BlockTags), [&](const unsigned char(&tag)[2]) {
         return key.groupName() == "Image" && key.tag() == tag[0] * 256 + tag[1] + 1;
     });
 }
 
 void RenameBlockTags(std::string &file)
 {
-    for (const unsigned char(&tag)[2] : blockTags)
+    for (const unsigned char(&tag)[2] : BlockTags)
     {
         const auto low = static_cast<char>(tag[1] + 1);
         const auto high = static_cast<char>(tag[0]);
@@ -60,7 +60,7 @@ void RenameBlockTags(std::string &file)
 // In the form that the tag has its text in.
 void AddText(Exiv2::ExifData &data, const Exiv2::ExifKey &key, const std::string &text)
 {
-    static const std::vector<std::string> withCharset{"UserComment", "GPSProcessingMethod", "GPSAreaInformation"};
+    static const std::vector<std::string> WithCharset{"UserComment", "GPSProcessingMethod", "GPSAreaInformation"};
     const bool isWide = key.tagName().starts_with("XP");
     if (isWide || IsBlockInIfd0(key))
     {
@@ -70,7 +70,7 @@ void AddText(Exiv2::ExifData &data, const Exiv2::ExifKey &key, const std::string
                     Exiv2::littleEndian);
         data.add(key, value.get());
     }
-    else if (std::ranges::count(withCharset, key.tagName()) != 0)
+    else if (std::ranges::count(WithCharset, key.tagName()) != 0)
     {
         const Exiv2::CommentValue value("charset=Ascii " + text);
         data.add(key, &value);
@@ -120,7 +120,7 @@ void AddExif(Exiv2::ExifData &data, const std::string &thumbnail)
     }
     data["Exif.GPSInfo.GPSLatitudeRef"] = std::string("N");
     Exiv2::URationalValue latitude;
-    latitude.value_ = {{47, 1}, {13, 1}, {secondsNumerator, secondsDenominator}};
+    latitude.value_ = {{47, 1}, {13, 1}, {SecondsNumerator, SecondsDenominator}};
     data["Exif.GPSInfo.GPSLatitude"] = latitude;
     data["Exif.GPSInfo.GPSLongitudeRef"] = std::string("E");
     latitude.value_ = {{8, 1}, {32, 1}, {1, 1}};

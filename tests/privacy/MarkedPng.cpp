@@ -8,8 +8,8 @@ using namespace std::string_literals;
 
 namespace
 {
-constexpr size_t SIGNATURE_BYTES = 8;
-constexpr size_t HEADER_CHUNK_BYTES = 25;
+constexpr size_t SignatureBytes = 8;
+constexpr size_t HeaderChunkBytes = 25;
 
 std::string BigEndian(unsigned long value)
 {
@@ -69,6 +69,6 @@ void AddPngChunks(std::string &file, const std::string &exif)
         const std::string keyword = std::string(place.key).substr(9);
         chunks += Chunk(type, keyword + (type == "iTXt" ? "\0\0\0en\0\0"s : "\0"s) + place.value);
     }
-    file.insert(SIGNATURE_BYTES + HEADER_CHUNK_BYTES, chunks);
+    file.insert(SignatureBytes + HeaderChunkBytes, chunks);
     file += "behind the end: "s + PngPlaces().front().value;
 }

@@ -9,7 +9,7 @@ using namespace std::string_literals;
 // word belongs to the group of its meaning, wherever it lies.
 const std::vector<MarkedPlace> &ExifPlaces()
 {
-    static const std::vector<MarkedPlace> places{
+    static const std::vector<MarkedPlace> Places{
         {"Exif.Image.Artist", "qzArtistIfd0", {Copyright}},
         {"Exif.Image.Copyright", "qzCopyrightIfd0", {Copyright}},
         {"Exif.Image.XPAuthor", "qzXpAuthor", {Copyright}},
@@ -44,12 +44,12 @@ const std::vector<MarkedPlace> &ExifPlaces()
         {"Exif.Image.XPSubject", "qzXpSubject", {Iptc}},
         {"Exif.Image.XPKeywords", "qzXpKeywords", {Iptc}},
     };
-    return places;
+    return Places;
 }
 
 const std::vector<MarkedPlace> &IptcPlaces()
 {
-    static const std::vector<MarkedPlace> places{
+    static const std::vector<MarkedPlace> Places{
         {"Iptc.Application2.Caption", "qzIptcCaption", {Iptc}},
         {"Iptc.Application2.ObjectName", "qzIptcTitle", {Iptc}},
         {"Iptc.Application2.Keywords", "qzIptcKeyword", {Iptc}},
@@ -59,12 +59,12 @@ const std::vector<MarkedPlace> &IptcPlaces()
         {"Iptc.Application2.Copyright", "qzIptcCopyright", {Iptc, Copyright}},
         {"Iptc.Application2.Credit", "qzIptcCredit", {Iptc, Copyright}},
     };
-    return places;
+    return Places;
 }
 
 const std::vector<MarkedPlace> &XmpPlaces()
 {
-    static const std::vector<MarkedPlace> places{
+    static const std::vector<MarkedPlace> Places{
         {"Xmp.xmp.Label", "qzXmpLabel", {Xmp}},
         {"Xmp.dc.title", "qzXmpTitle", {Iptc}},
         {"Xmp.dc.description", "qzXmpDescription", {Iptc}},
@@ -80,14 +80,14 @@ const std::vector<MarkedPlace> &XmpPlaces()
         {"Xmp.aux.SerialNumber", "qzXmpSerial", {Exif}},
         {"Xmp.tiff.Model", "qzXmpModel", {Exif}},
     };
-    return places;
+    return Places;
 }
 
 // Segments that are no EXIF, XMP or IPTC, or more of it than the usual. What programs put into segments of
 // their own can be anything, so these go only with everything.
 const std::vector<MarkedPlace> &OtherPlaces()
 {
-    static const std::vector<MarkedPlace> places{
+    static const std::vector<MarkedPlace> Places{
         {"COM", "qzComment", {Copyright}},
         {"second COM", "qzSecondComment", {Copyright}},
         {"APP1, extended XMP", "qzExtendedXmpGps", {Gps}},
@@ -104,13 +104,13 @@ const std::vector<MarkedPlace> &OtherPlaces()
         {"unused bytes in the EXIF block", "qzStaleGps", {}},
         {"second picture behind the end", "qzTrailerGps", {}},
     };
-    return places;
+    return Places;
 }
 
 // Programs write what they like under these keywords, so nothing of it goes into a new picture.
 const std::vector<MarkedPlace> &PngPlaces()
 {
-    static const std::vector<MarkedPlace> places{
+    static const std::vector<MarkedPlace> Places{
         {"PNG tEXt Author", "qzPngAuthor", {}},
         {"PNG tEXt Comment", "qzPngComment", {}},
         {"PNG tEXt GPSPosition", "qzPngGps 47.231 8.452", {}},
@@ -118,7 +118,7 @@ const std::vector<MarkedPlace> &PngPlaces()
         {"PNG tEXt Software", "qzPngSoftware", {}},
         {"PNG tEXt Description", "qzPngDescription", {}},
     };
-    return places;
+    return Places;
 }
 
 namespace
@@ -140,11 +140,11 @@ std::string Bytes(unsigned value, bool isBigEndian)
 
 const std::vector<MarkedValue> &MarkedValues()
 {
-    static const std::vector<MarkedValue> values = [] {
+    static const std::vector<MarkedValue> Values = [] {
         std::vector<MarkedValue> all;
-        for (const auto *places : {&ExifPlaces(), &IptcPlaces(), &XmpPlaces(), &OtherPlaces(), &PngPlaces()})
+        for (const auto *Places : {&ExifPlaces(), &IptcPlaces(), &XmpPlaces(), &OtherPlaces(), &PngPlaces()})
         {
-            for (const MarkedPlace &place : *places)
+            for (const MarkedPlace &place : *Places)
             {
                 all.push_back({place.key, place.value, true, place.leave});
             }
@@ -152,13 +152,13 @@ const std::vector<MarkedValue> &MarkedValues()
         for (const bool isBigEndian : {false, true})
         {
             all.push_back({"Exif.GPSInfo.GPSLatitude",
-                           Bytes(secondsNumerator, isBigEndian) + Bytes(secondsDenominator, isBigEndian),
+                           Bytes(SecondsNumerator, isBigEndian) + Bytes(SecondsDenominator, isBigEndian),
                            false,
                            {Gps}});
         }
         return all;
     }();
-    return values;
+    return Values;
 }
 
 std::string WideBytes(const std::string &text, bool isBigEndian)

@@ -45,8 +45,8 @@ const std::vector<MarkedPlace> &OtherPlaces();
 const std::vector<MarkedPlace> &PngPlaces();
 
 // Seconds of the latitude 47 degrees 13 minutes: a fraction that no other value has.
-constexpr unsigned secondsNumerator = 987654321;
-constexpr unsigned secondsDenominator = 20000003;
+constexpr unsigned SecondsNumerator = 987654321;
+constexpr unsigned SecondsDenominator = 20000003;
 
 // Everything that is in the places.
 const std::vector<MarkedValue> &MarkedValues();

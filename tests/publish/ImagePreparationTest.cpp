@@ -21,10 +21,10 @@ using Lines = std::vector<std::string>;
 
 namespace
 {
-constexpr HRESULT badHeader = 0x88982F61;
-constexpr HRESULT badImage = 0x88982F60;
-constexpr HRESULT unexpectedType = 0x88982F8E;
-constexpr HRESULT someFailure = 0x80031234;
+constexpr HRESULT BadHeader = 0x88982F61;
+constexpr HRESULT BadImage = 0x88982F60;
+constexpr HRESULT UnexpectedType = 0x88982F8E;
+constexpr HRESULT SomeFailure = 0x80031234;
 
 class Progress final : public ComObject<Progress, IUploadProgressCallback>
 {
@@ -107,7 +107,7 @@ protected:
     std::vector<DWORD> Pauses;
 };
 
-const Lines intactPass{
+const Lines IntactPass{
     "CreateDecoder jpeg Microsoft",
     "Decoder.Initialize 0",
     "Decoder.GetFrame 0",
@@ -139,7 +139,7 @@ const Lines intactPass{
     "Encoder.Commit",
 };
 
-const Lines processedPass{
+const Lines ProcessedPass{
     "ReadImageMetadata with picture of 1024",
     "CreateEncoder jpeg Microsoft",
     "Encoder.Initialize 2",
@@ -169,7 +169,7 @@ Lines AfterFactory(const Lines &pass)
 TEST_F(ImagePreparation, KeepsThePixelsOfAJpeg)
 {
     EXPECT_EQ(Upload(SendPixelsIntact), S_OK);
-    EXPECT_THAT(Calls().Calls(), ElementsAreArray(AfterFactory(intactPass)));
+    EXPECT_THAT(Calls().Calls(), ElementsAreArray(AfterFactory(IntactPass)));
     EXPECT_THAT(Pauses, IsEmpty());
 
     // Size and economy are for processed pictures.
@@ -178,7 +178,7 @@ TEST_F(ImagePreparation, KeepsThePixelsOfAJpeg)
     options.Minimize = true;
     options.LongEdgePixels = 240;
     EXPECT_EQ(Upload(options), S_OK);
-    EXPECT_THAT(Calls().Calls(), ElementsAreArray(AfterFactory(intactPass)));
+    EXPECT_THAT(Calls().Calls(), ElementsAreArray(AfterFactory(IntactPass)));
 }
 
 TEST_F(ImagePreparation, WritesThePictureThatTheHostProcessed)
@@ -186,7 +186,7 @@ TEST_F(ImagePreparation, WritesThePictureThatTheHostProcessed)
     UploadOptions options = Options(SendProcessed);
     options.LongEdgePixels = 1024;
     EXPECT_EQ(Upload(options), S_OK);
-    EXPECT_THAT(Calls().Calls(), ElementsAreArray(AfterFactory(processedPass)));
+    EXPECT_THAT(Calls().Calls(), ElementsAreArray(AfterFactory(ProcessedPass)));
 
     Calls().Reset();
     options.Minimize = true;
@@ -224,8 +224,8 @@ TEST_F(ImagePreparation, EndsAtTheFirstFailureThatMatters)
         {"Metadata.Set /app1/ifd/exif/{ushort=41985} VT_UI2=1", IsPassedOver},
     };
     for (const auto &[mode, calls, exceptions] :
-         {std::tuple(SendPixelsIntact, AfterFactory(intactPass), intact),
-          std::tuple(SendProcessed, AfterFactory(processedPass), processed)})
+         {std::tuple(SendPixelsIntact, AfterFactory(IntactPass), intact),
+          std::tuple(SendProcessed, AfterFactory(ProcessedPass), processed)})
     {
         UploadOptions options = Options(mode);
         options.LongEdgePixels = mode == SendProcessed ? 1024 : 0;
@@ -235,8 +235,8 @@ TEST_F(ImagePreparation, EndsAtTheFirstFailureThatMatters)
             const auto exception = exceptions.find(call);
             const Consequence consequence = exception == exceptions.end() ? Ends : exception->second;
             Calls().Reset();
-            Calls().FailCall(number, someFailure);
-            EXPECT_EQ(Upload(options), consequence == Ends ? someFailure : S_OK) << call;
+            Calls().FailCall(number, SomeFailure);
+            EXPECT_EQ(Upload(options), consequence == Ends ? SomeFailure : S_OK) << call;
             Lines made = Calls().Calls();
             ASSERT_GE(made.size(), number) << call;
             EXPECT_EQ(made[number - 1], call);
@@ -261,7 +261,7 @@ TEST_F(ImagePreparation, TakesNoOtherFileForAJpeg)
         Calls().Reset();
         Fixture.Host->Items.clear();
         Fixture.AddItem("p", TEXT("jpg"), content);
-        EXPECT_EQ(Upload(SendPixelsIntact), badHeader);
+        EXPECT_EQ(Upload(SendPixelsIntact), BadHeader);
         EXPECT_EQ(Calls().Calls().back(), "Decoder.Initialize 0");
     }
     std::filesystem::remove(Fixture.PathOf("p.jpg"));
@@ -304,7 +304,7 @@ TEST_F(ImagePreparation, TakesTheProfileFromWhereItIs)
         Fixture.Imaging.ProfileCount = c.ownCount;
         if (c.failing)
         {
-            Calls().FailOperation(c.failing, someFailure);
+            Calls().FailOperation(c.failing, SomeFailure);
         }
         EXPECT_EQ(Upload(SendPixelsIntact), S_OK) << number;
         Lines asked;
@@ -338,8 +338,8 @@ TEST_F(ImagePreparation, TakesTheProfileFromWhereItIs)
         for (const char *failing : {"Source.GetColorContexts", "Frame.SetColorContexts"})
         {
             Calls().Reset();
-            Calls().FailOperation("Other decoder.Initialize", someFailure);
-            Calls().FailOperation(failing, someFailure);
+            Calls().FailOperation("Other decoder.Initialize", SomeFailure);
+            Calls().FailOperation(failing, SomeFailure);
             EXPECT_EQ(Upload(SendPixelsIntact), S_OK) << failing;
         }
     }
@@ -354,9 +354,9 @@ TEST_F(ImagePreparation, WaitsForAPictureThatReadsAsABadOne)
             Calls().Reset();
             for (size_t nth = 1; nth <= failures; ++nth)
             {
-                Calls().FailOperation("Frame.WriteSource", badImage, nth);
+                Calls().FailOperation("Frame.WriteSource", BadImage, nth);
             }
-            EXPECT_EQ(Upload(mode), failures < 4 ? S_OK : badImage);
+            EXPECT_EQ(Upload(mode), failures < 4 ? S_OK : BadImage);
             const std::vector<DWORD> all{100, 200, 300};
             EXPECT_EQ(Pauses, std::vector<DWORD>(all.begin(), all.begin() + std::min<ptrdiff_t>(failures, 3)));
             EXPECT_EQ(Calls().DetailsOf("ReadImageMetadata").size(), std::min<size_t>(failures + 1, 4));
@@ -374,7 +374,7 @@ TEST_F(ImagePreparation, GoesWithoutTheBlocksThatNobodyCanWrite)
     {
         const char *operation;
         HRESULT code;
-    } cases[] = {{"WriteImageMetadata", someFailure}, {"Frame.WriteSource", unexpectedType}};
+    } cases[] = {{"WriteImageMetadata", SomeFailure}, {"Frame.WriteSource", UnexpectedType}};
     for (const auto &c : cases)
     {
         Calls().Reset();

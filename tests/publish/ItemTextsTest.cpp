@@ -105,13 +105,13 @@ TEST(ItemTexts, FallBackOnTheNameAndTheComment)
 
 namespace
 {
-constexpr size_t iptcOffset = 376;
+constexpr size_t IptcOffset = 376;
 
 // The whole record as the host is promised it, after laying out.
 std::vector<BYTE> LaidOut()
 {
     std::vector<BYTE> bytes(656, 0);
-    std::fill_n(bytes.begin() + iptcOffset, 16, BYTE{0xFF});
+    std::fill_n(bytes.begin() + IptcOffset, 16, BYTE{0xFF});
     bytes[380] = bytes[381] = 0;
     bytes[399] = 0x80;
     return bytes;
@@ -143,7 +143,7 @@ TEST(ItemRecord, FreesEveryTextOnce)
     }
     for (size_t number = 0; number < 32; ++number)
     {
-        offsets.push_back(iptcOffset + 0x18 + 8 * number);
+        offsets.push_back(IptcOffset + 0x18 + 8 * number);
     }
     for (const size_t offset : offsets)
     {

@@ -102,10 +102,10 @@ TEST(JpegSubsampling, ElseShowsInTheThreadingModel)
 
 namespace
 {
-constexpr HRESULT badImage = 0x88982F60;
-constexpr HRESULT unexpectedType = 0x88982F8E;
-constexpr HRESULT metadataFailure = 0x80031111; // stands for a failure of the host's writer
-constexpr int none = -1;
+constexpr HRESULT BadImage = 0x88982F60;
+constexpr HRESULT UnexpectedType = 0x88982F8E;
+constexpr HRESULT MetadataFailure = 0x80031111; // stands for a failure of the host's writer
+constexpr int None = -1;
 } // namespace
 
 // What happens in pass after pass, and after how many milliseconds the next one follows.
@@ -122,26 +122,26 @@ TEST(RetryRule, AnswersEachOutcomeInItsTurn)
         bool copies;
         std::vector<Step> steps;
     } cases[] = {
-        {true, {{S_OK, none, true}}},
-        {true, {{E_FAIL, none, true}}},
-        {true, {{badImage, 100, true}, {badImage, 200, true}, {badImage, 300, true}, {badImage, none, true}}},
-        {false, {{badImage, 100, false}, {badImage, 200, false}, {badImage, 300, false}, {badImage, none, false}}},
-        {true, {{metadataFailure, 0, false}, {metadataFailure, none, false}}},
-        {true, {{unexpectedType, 0, false}, {unexpectedType, none, false}}},
-        {false, {{metadataFailure, none, false}}},
-        {false, {{unexpectedType, none, false}}},
+        {true, {{S_OK, None, true}}},
+        {true, {{E_FAIL, None, true}}},
+        {true, {{BadImage, 100, true}, {BadImage, 200, true}, {BadImage, 300, true}, {BadImage, None, true}}},
+        {false, {{BadImage, 100, false}, {BadImage, 200, false}, {BadImage, 300, false}, {BadImage, None, false}}},
+        {true, {{MetadataFailure, 0, false}, {MetadataFailure, None, false}}},
+        {true, {{UnexpectedType, 0, false}, {UnexpectedType, None, false}}},
+        {false, {{MetadataFailure, None, false}}},
+        {false, {{UnexpectedType, None, false}}},
         // A failure of the metadata says nothing of the pixels; an outcome of the pixels starts the count anew.
         {true,
-         {{badImage, 100, true},
-          {metadataFailure, 0, false},
-          {badImage, 200, false},
-          {metadataFailure, none, false}}},
+         {{BadImage, 100, true},
+          {MetadataFailure, 0, false},
+          {BadImage, 200, false},
+          {MetadataFailure, None, false}}},
         {true,
-         {{badImage, 100, true},
-          {badImage, 200, true},
-          {unexpectedType, 0, false},
-          {badImage, 100, false},
-          {unexpectedType, none, false}}},
+         {{BadImage, 100, true},
+          {BadImage, 200, true},
+          {UnexpectedType, 0, false},
+          {BadImage, 100, false},
+          {UnexpectedType, None, false}}},
     };
     for (const auto &c : cases)
     {
@@ -150,10 +150,10 @@ TEST(RetryRule, AnswersEachOutcomeInItsTurn)
         for (const Step &step : c.steps)
         {
             const std::optional<DWORD> next =
-                step.outcome == metadataFailure ? rule.AfterMetadataFailure() : rule.AfterPixels(step.outcome);
+                step.outcome == MetadataFailure ? rule.AfterMetadataFailure() : rule.AfterPixels(step.outcome);
             const auto where = ::testing::Message()
                                << "case " << (&c - cases) << ", step " << (&step - &c.steps[0]);
-            EXPECT_EQ(next ? static_cast<int>(*next) : none, step.pause) << where;
+            EXPECT_EQ(next ? static_cast<int>(*next) : None, step.pause) << where;
             EXPECT_EQ(rule.CopiesBlocks(), step.copiesAfter) << where;
         }
     }

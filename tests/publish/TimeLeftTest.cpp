@@ -10,9 +10,9 @@ constexpr UINT64 Seconds(UINT64 count)
 {
     return count * TicksPerSecond;
 }
-constexpr UINT64 minute = 60;
-constexpr UINT64 hour = 60 * minute;
-constexpr UINT64 day = 24 * hour;
+constexpr UINT64 Minute = 60;
+constexpr UINT64 Hour = 60 * Minute;
+constexpr UINT64 Day = 24 * Hour;
 } // namespace
 
 TEST(TimeText, NamesAtMostTwoUnits)
@@ -24,26 +24,26 @@ TEST(TimeText, NamesAtMostTwoUnits)
     } cases[] = {
         {0, "less than one minute"},
         {59, "less than one minute"},
-        {minute + 59, "less than one minute"},
-        {2 * minute, "2 minutes"},
-        {2 * minute + 1, "2 minutes, 5 seconds"},
-        {3 * minute + 2, "3 minutes, 5 seconds"},
-        {3 * minute + 5, "3 minutes, 5 seconds"},
-        {3 * minute + 6, "3 minutes, 10 seconds"},
-        {3 * minute + 55, "3 minutes, 55 seconds"},
-        {3 * minute + 57, "3 minutes, 59 seconds"},
-        {4 * minute + 59, "4 minutes, 59 seconds"},
-        {5 * minute, "5 minutes"},
-        {5 * minute + 30, "5 minutes"},
-        {59 * minute + 59, "59 minutes"},
-        {hour, "1 hour"},
-        {hour + 59, "1 hour"},
-        {hour + minute, "1 hour, 1 minute"},
-        {23 * hour + 2 * minute, "23 hours, 2 minutes"},
-        {day, "1 day"},
-        {day + 59 * minute, "1 day"},
-        {day + hour, "1 day, 1 hour"},
-        {12 * day + 3 * hour + 5 * minute, "12 days, 3 hours"},
+        {Minute + 59, "less than one minute"},
+        {2 * Minute, "2 minutes"},
+        {2 * Minute + 1, "2 minutes, 5 seconds"},
+        {3 * Minute + 2, "3 minutes, 5 seconds"},
+        {3 * Minute + 5, "3 minutes, 5 seconds"},
+        {3 * Minute + 6, "3 minutes, 10 seconds"},
+        {3 * Minute + 55, "3 minutes, 55 seconds"},
+        {3 * Minute + 57, "3 minutes, 59 seconds"},
+        {4 * Minute + 59, "4 minutes, 59 seconds"},
+        {5 * Minute, "5 minutes"},
+        {5 * Minute + 30, "5 minutes"},
+        {59 * Minute + 59, "59 minutes"},
+        {Hour, "1 hour"},
+        {Hour + 59, "1 hour"},
+        {Hour + Minute, "1 hour, 1 minute"},
+        {23 * Hour + 2 * Minute, "23 hours, 2 minutes"},
+        {Day, "1 day"},
+        {Day + 59 * Minute, "1 day"},
+        {Day + Hour, "1 day, 1 hour"},
+        {12 * Day + 3 * Hour + 5 * Minute, "12 days, 3 hours"},
     };
     for (const auto &c : cases)
     {
@@ -79,7 +79,7 @@ TEST(StatusLine, CountsItemsFromTwoOn)
     EXPECT_EQ(line(1, 74, Seconds(9)), "Estimating remaining time...");
     EXPECT_EQ(line(1, 75, Seconds(9)), "Estimated time left: less than one minute.");
     EXPECT_EQ(line(2, 0, NoEstimate), "Published 56 of 1,234 items. Estimating remaining time...");
-    EXPECT_EQ(line(2, 150, Seconds(2 * hour)), "Published 56 of 1,234 items. Estimated time left: 2 hours.");
+    EXPECT_EQ(line(2, 150, Seconds(2 * Hour)), "Published 56 of 1,234 items. Estimated time left: 2 hours.");
 }
 
 TEST(PublishStatistics, EstimatesByTheMeanOfTheRatesSinceTheStart)

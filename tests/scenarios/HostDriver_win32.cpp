@@ -270,7 +270,7 @@ struct Command
     std::function<void(const Arguments &)> run;
 };
 
-const Command commands[] = {
+const Command Commands[] = {
     {L"trust", 0, [](const Arguments &) { Check(TrustedAuthority::Begin(), L"the authority can't be trusted"); }},
     {L"has-class", 1, [](const Arguments &a) { Check(CanCreate(a[0]), L"there is no such class"); }},
     {L"await", 1, [](const Arguments &a) { Top(a[0]); }},
@@ -308,10 +308,10 @@ int main()
     int count = 0;
     wchar_t **words = CommandLineToArgvW(GetCommandLineW(), &count);
     const Arguments all(words + 1, words + count);
-    const auto command = std::find_if(std::begin(commands), std::end(commands), [&](const Command &candidate) {
+    const auto command = std::find_if(std::begin(Commands), std::end(Commands), [&](const Command &candidate) {
         return !all.empty() && all[0] == candidate.name && all.size() == candidate.arguments + 1;
     });
-    if (command == std::end(commands))
+    if (command == std::end(Commands))
     {
         fprintf(stderr, "There is no such command, or it has other arguments.\n");
         return 2;

@@ -15,7 +15,7 @@ FakePageControls::FakePageControls(UINT templateId)
 
 const TemplateControl &FakePageControls::Known(UINT id, ControlKind kind)
 {
-    static const TemplateControl none{};
+    static const TemplateControl None{};
     for (const TemplateControl &control : m_template.Controls)
     {
         if (control.Id == id)
@@ -25,7 +25,7 @@ const TemplateControl &FakePageControls::Known(UINT id, ControlKind kind)
         }
     }
     ADD_FAILURE() << "no control " << id;
-    return none;
+    return None;
 }
 
 std::vector<UINT> FakePageControls::GroupOf(UINT firstId)

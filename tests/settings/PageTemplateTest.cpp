@@ -8,7 +8,7 @@
 
 namespace
 {
-constexpr UINT pages[] = {IDD_PHOTOS, IDD_OPTIONS, IDD_JPEG, IDD_RAW, IDD_ABOUT};
+constexpr UINT Pages[] = {IDD_PHOTOS, IDD_OPTIONS, IDD_JPEG, IDD_RAW, IDD_ABOUT};
 
 // One letter for each kind; radio buttons that open a group in upper case.
 std::string Outline(const PageTemplate &page)
@@ -16,8 +16,8 @@ std::string Outline(const PageTemplate &page)
     std::string outline;
     for (const TemplateControl &control : page.Controls)
     {
-        static constexpr const char *kinds[] = {"label", "rule", "check", "radio", "combo", "edit", "link"};
-        outline += (outline.empty() ? "" : " ") + std::string(kinds[static_cast<int>(control.Kind)]);
+        static constexpr const char *Kinds[] = {"label", "rule", "check", "radio", "combo", "edit", "link"};
+        outline += (outline.empty() ? "" : " ") + std::string(Kinds[static_cast<int>(control.Kind)]);
         if (control.Kind == ControlKind::RadioButton && control.OpensGroup)
         {
             outline += "+";
@@ -83,7 +83,7 @@ TEST(PageTemplates, HaveTheirControlsInTheOrderOfTheTabKey)
 
 TEST(PageTemplates, ControlsLieWithinTheirPageAndApart)
 {
-    for (const UINT id : pages)
+    for (const UINT id : Pages)
     {
         const auto page = ReadPageTemplate(id);
         ASSERT_TRUE(page);
@@ -108,7 +108,7 @@ TEST(PageTemplates, ControlsLieWithinTheirPageAndApart)
 
 TEST(PageTemplates, TheTabKeyComesToEachControlAndOnceToEachGroup)
 {
-    for (const UINT id : pages)
+    for (const UINT id : Pages)
     {
         const auto page = ReadPageTemplate(id);
         ASSERT_TRUE(page);

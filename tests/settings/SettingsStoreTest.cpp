@@ -54,25 +54,25 @@ TEST(SettingsStore, AnEmptyKeyGivesTheDefaults)
 
 TEST(SettingsStore, EachValueReachesItsOwnFieldClampedOrFolded)
 {
-    static constexpr const WCHAR *flags[] = {TEXT("Minimize"), TEXT("WriteCopyright"), TEXT("WriteEXIF"),
+    static constexpr const WCHAR *Flags[] = {TEXT("Minimize"), TEXT("WriteCopyright"), TEXT("WriteEXIF"),
                                              TEXT("WriteXMP"), TEXT("WriteGPS"),       TEXT("WriteIPTC")};
-    static constexpr UINT32 ConversionSettings::*fields[] = {
+    static constexpr UINT32 ConversionSettings::*Fields[] = {
         &ConversionSettings::Minimize, &ConversionSettings::WriteCopyright, &ConversionSettings::WriteEXIF,
         &ConversionSettings::WriteXMP, &ConversionSettings::WriteGPS,       &ConversionSettings::WriteIPTC};
     for (const bool raw : {false, true})
     {
-        for (size_t set = 0; set < std::size(flags); ++set)
+        for (size_t set = 0; set < std::size(Flags); ++set)
         {
             SettingsKey key;
-            for (size_t i = 0; i < std::size(flags); ++i)
+            for (size_t i = 0; i < std::size(Flags); ++i)
             {
-                key.Set((WideText(raw ? TEXT("RAW") : TEXT("JPEG")) + flags[i]).c_str(), i == set ? 5u : 0u);
+                key.Set((WideText(raw ? TEXT("RAW") : TEXT("JPEG")) + Flags[i]).c_str(), i == set ? 5u : 0u);
             }
             SettingsBlock block;
             LoadSettings(block);
-            for (size_t i = 0; i < std::size(flags); ++i)
+            for (size_t i = 0; i < std::size(Flags); ++i)
             {
-                EXPECT_EQ((raw ? block.RAW : block.JPEG).*fields[i], i == set ? 1u : 0u);
+                EXPECT_EQ((raw ? block.RAW : block.JPEG).*Fields[i], i == set ? 1u : 0u);
             }
         }
     }

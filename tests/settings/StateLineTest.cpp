@@ -10,7 +10,7 @@
 
 namespace
 {
-const WideText settingsLink = TEXT(" <a id=\"settings\" href=\"parameters\">Settings...</a>");
+const WideText SettingsLink = TEXT(" <a id=\"settings\" href=\"parameters\">Settings...</a>");
 
 AccountRecord Authorized()
 {
@@ -88,7 +88,7 @@ TEST(StateLine, TellsWhatTheStoredSettingsMean)
             key.Set(TEXT("JPEGLongDimension"), size);
         }
         SettingsBlock block;
-        EXPECT_EQ(ComposeDisplayState(Authorized(), block), line + settingsLink);
+        EXPECT_EQ(ComposeDisplayState(Authorized(), block), line + SettingsLink);
     }
 }
 
@@ -100,7 +100,7 @@ TEST(StateLine, WithoutTheKeyTheDefaultsShow)
     EXPECT_EQ(ComposeDisplayState(Authorized(), block),
               TEXT("Title, description, tags, public, safe, photos, searchable. Resample, send copyright, EXIF, "
                    "GPS data.") +
-                  settingsLink);
+                  SettingsLink);
     EXPECT_TRUE(block.JPEG.LongDimension.empty());
 }
 
@@ -113,7 +113,7 @@ TEST(StateLine, AsksForWhatTheAccountLacksFirst)
     const WideText quota = TEXT("Your account is out of monthly quota. Uploads are no longer possible until the "
                                 "quota is reset or your "
                                 "account is upgraded to remove the limit.") +
-                           settingsLink;
+                           SettingsLink;
     SettingsBlock block;
     EXPECT_EQ(ComposeDisplayState(AccountRecord(), block), permission);
 

@@ -18,7 +18,7 @@
 namespace
 {
 // So that everything was drawn, and nothing shows a press or a blink.
-constexpr DWORD settling = 500;
+constexpr DWORD Settling = 500;
 
 class Album
 {
@@ -35,7 +35,7 @@ public:
         // Away from the controls, which would show the pointer over them.
         SetCursorPos(0, 0);
         RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN | RDW_UPDATENOW);
-        Sleep(settling);
+        Sleep(Settling);
         EXPECT_TRUE(WriteWindowPicture(window, m_folder + "/" + name + m_suffix)) << name;
     }
 

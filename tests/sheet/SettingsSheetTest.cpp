@@ -22,7 +22,7 @@ enum Pages
     PageAbout
 };
 
-constexpr const WCHAR *photosUrl = TEXT("halvora-test:photos");
+constexpr const WCHAR *PhotosUrl = TEXT("halvora-test:photos");
 
 // Init-data of an account that was read once.
 std::string InitDataOf(const std::vector<WideText> &texts, INT64 maxFileSize)
@@ -47,7 +47,7 @@ protected:
     SettingsSheet()
     {
         Fixture.Stream->Content =
-            InitDataOf({TEXT("t"), TEXT("s"), TEXT("jane"), TEXT("Jane Doe"), photosUrl, TEXT("Basic")}, 1048576);
+            InitDataOf({TEXT("t"), TEXT("s"), TEXT("jane"), TEXT("Jane Doe"), PhotosUrl, TEXT("Basic")}, 1048576);
         m_owner = CreateWindowExW(0, WC_STATIC, TEXT("owner"), WS_OVERLAPPEDWINDOW | WS_VISIBLE, 100, 100, 900,
                                   700, nullptr, nullptr, nullptr, nullptr);
         EXPECT_EQ(CFlickrPublisher::CreateInstance(nullptr, __uuidof(IHalvoraPublishingPlugin), Plugin.PutVoid()),
@@ -378,7 +378,7 @@ TEST_F(SettingsSheet, RevocationDropsThePairAndNothingElse)
     });
     EXPECT_EQ(result, S_FALSE);
     EXPECT_EQ(StoredAccount(),
-              InitDataOf({{}, {}, TEXT("jane"), TEXT("Jane Doe"), photosUrl, TEXT("Basic")}, 1048576));
+              InitDataOf({{}, {}, TEXT("jane"), TEXT("Jane Doe"), PhotosUrl, TEXT("Basic")}, 1048576));
     EXPECT_TRUE(Fixture.Web.CallsOf("RestRequest").empty()) << "the service isn't told";
 }
 

@@ -9,8 +9,8 @@
 
 namespace
 {
-constexpr auto patience = std::chrono::seconds(30);
-constexpr const WCHAR *caption = TEXT("Publish to Flickr");
+constexpr auto Patience = std::chrono::seconds(30);
+constexpr const WCHAR *Caption = TEXT("Publish to Flickr");
 
 LRESULT Ask(HWND window, UINT message, WPARAM wParam = 0, LPARAM lParam = 0)
 {
@@ -48,7 +48,7 @@ HWND FindDialog(DWORD thread, const WCHAR *title, HWND other)
 
 bool OpenSheet::WaitUntil(const std::function<bool()> &condition)
 {
-    const auto end = std::chrono::steady_clock::now() + patience;
+    const auto end = std::chrono::steady_clock::now() + Patience;
     while (!condition())
     {
         if (std::chrono::steady_clock::now() > end)
@@ -173,7 +173,7 @@ void SheetDriver::Drive(DWORD thread, const std::function<void(const OpenSheet &
 {
     HWND sheet = nullptr;
     const bool isThere = OpenSheet::WaitUntil([&] {
-        sheet = FindDialog(thread, caption, nullptr);
+        sheet = FindDialog(thread, Caption, nullptr);
         return sheet != nullptr && SendMessageW(sheet, PSM_GETCURRENTPAGEHWND, 0, 0) != 0;
     });
     if (!isThere)

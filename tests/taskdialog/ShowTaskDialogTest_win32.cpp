@@ -7,8 +7,8 @@
 
 namespace
 {
-constexpr MessageBoxFallback authorize = {IDS_AUTHORIZE_CAPTION, IDS_AUTHORIZE_TEXT, true};
-constexpr MessageBoxFallback completion = {IDS_COMPLETION_CAPTION, IDS_COMPLETION_TEXT, false};
+constexpr MessageBoxFallback Authorize = {IDS_AUTHORIZE_CAPTION, IDS_AUTHORIZE_TEXT, true};
+constexpr MessageBoxFallback Completion = {IDS_COMPLETION_CAPTION, IDS_COMPLETION_TEXT, false};
 
 bool Has(const WideText &texts, const WCHAR *text)
 {
@@ -54,7 +54,7 @@ TEST_F(Dialogs, AskForPermission)
                 EXPECT_EQ(m_document.dialogWindow, dialog);
                 PostMessageW(dialog, TDM_CLICK_BUTTON, static_cast<WPARAM>(button), 0);
             });
-            EXPECT_EQ(ShowTaskDialog(m_document, m_owner.Handle(), true, authorize), button);
+            EXPECT_EQ(ShowTaskDialog(m_document, m_owner.Handle(), true, Authorize), button);
         }
         EXPECT_EQ(m_document.selectedButton, button);
         EXPECT_EQ(m_document.dialogWindow, nullptr);
@@ -75,7 +75,7 @@ TEST_F(Dialogs, WaitForTheUser)
             texts = TextsOf(dialog);
             PostMessageW(dialog, TDM_CLICK_BUTTON, 1, 0);
         });
-        EXPECT_EQ(ShowTaskDialog(m_document, m_owner.Handle(), false, completion), 1);
+        EXPECT_EQ(ShowTaskDialog(m_document, m_owner.Handle(), false, Completion), 1);
     }
     EXPECT_TRUE(Has(texts, TEXT("Return to this window once you've authorized Halvora on Flickr.")));
     EXPECT_TRUE(Has(texts, TEXT("click the Authorization Granted button below to complete the process")));
@@ -94,7 +94,7 @@ TEST_F(Dialogs, AreCentredByTheHookAlone)
                 place = PlaceOf(dialog);
                 PostMessageW(dialog, TDM_CLICK_BUTTON, IDOK, 0);
             });
-            EXPECT_EQ(ShowTaskDialog(m_document, m_owner.Handle(), centred, authorize), IDOK);
+            EXPECT_EQ(ShowTaskDialog(m_document, m_owner.Handle(), centred, Authorize), IDOK);
         }
         const RECT owner = PlaceOf(m_owner.Handle());
         const LONG middle = (owner.left + owner.right) / 2 - (place.right - place.left) / 2;
@@ -113,7 +113,7 @@ TEST_F(Dialogs, GiveBackAllThatTheUserChose)
             SendMessageW(dialog, TDM_CLICK_VERIFICATION, TRUE, FALSE);
             PostMessageW(dialog, TDM_CLICK_BUTTON, 30, 0);
         });
-        EXPECT_EQ(ShowTaskDialog(m_document, m_owner.Handle(), true, authorize), 30);
+        EXPECT_EQ(ShowTaskDialog(m_document, m_owner.Handle(), true, Authorize), 30);
     }
     EXPECT_EQ(m_document.selectedRadioButton, 12);
     EXPECT_TRUE(m_document.verificationChecked);
@@ -125,7 +125,7 @@ TEST_F(Dialogs, ThatThePlatformRefusesBecomeMessageBoxes)
     m_document.config.cbSize = 1;
     const DialogDriver driver(TEXT("Authorize Halvora Professional"),
                               [](HWND dialog) { SendMessageW(dialog, WM_COMMAND, IDCANCEL, 0); });
-    EXPECT_EQ(ShowTaskDialog(m_document, m_owner.Handle(), true, authorize), IDCANCEL);
+    EXPECT_EQ(ShowTaskDialog(m_document, m_owner.Handle(), true, Authorize), IDCANCEL);
 }
 
 TEST_F(Dialogs, OfAWindowThatIsGoneDoNotStayInTheWay)
@@ -136,7 +136,7 @@ TEST_F(Dialogs, OfAWindowThatIsGoneDoNotStayInTheWay)
         gone = owner.Handle();
     }
     Load("<task_dialog version='1'/>");
-    ShowTaskDialog(m_document, gone, true, authorize);
+    ShowTaskDialog(m_document, gone, true, Authorize);
     EXPECT_EQ(m_document.dialogWindow, nullptr);
     EXPECT_TRUE(AnotherThreadCanHook());
 }
@@ -150,7 +150,7 @@ TEST_F(Dialogs, ThatDoNotLoadBecomeMessageBoxes)
             texts = TextsOf(dialog);
             SendMessageW(dialog, WM_COMMAND, IDOK, 0);
         });
-        EXPECT_EQ(ShowTaskDialog(m_document, m_owner.Handle(), false, completion), IDOK);
+        EXPECT_EQ(ShowTaskDialog(m_document, m_owner.Handle(), false, Completion), IDOK);
     }
     EXPECT_TRUE(Has(texts, TEXT("Once you've granted permission for Halvora in your web browser, click the OK")));
 }

@@ -10,9 +10,9 @@
 
 namespace
 {
-constexpr int frameSize = 16;
-constexpr int frameCount = 8;
-using Pixels = std::array<UINT32, frameSize * frameSize>;
+constexpr int FrameSize = 16;
+constexpr int FrameCount = 8;
+using Pixels = std::array<UINT32, FrameSize * FrameSize>;
 
 DWORD now = 0;
 
@@ -36,11 +36,11 @@ public:
     explicit MemoryContext(UINT32 colour)
     {
         BITMAPINFO description{};
-        description.bmiHeader = {sizeof(BITMAPINFOHEADER), frameSize, -frameSize, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+        description.bmiHeader = {sizeof(BITMAPINFOHEADER), FrameSize, -FrameSize, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
         m_bitmap = BitmapOwner(CreateDIBSection(nullptr, &description, DIB_RGB_COLORS,
                                                 reinterpret_cast<void **>(&m_bits), nullptr, 0));
         m_before = SelectObject(Context, m_bitmap.Get());
-        std::fill(m_bits, m_bits + frameSize * frameSize, colour);
+        std::fill(m_bits, m_bits + FrameSize * FrameSize, colour);
     }
     ~MemoryContext()
     {
@@ -72,16 +72,17 @@ std::vector<UINT32> Strip()
     const HMODULE module = ThisModule();
     const HRSRC found = FindResourceW(module, MAKEINTRESOURCEW(IDB_WAITING), RT_BITMAP);
     const auto *header = static_cast<const BITMAPINFOHEADER *>(LockResource(LoadResource(module, found)));
-    EXPECT_EQ(header->biWidth, frameSize * frameCount);
-    EXPECT_EQ(header->biHeight, frameSize);
+    EXPECT_EQ(header->biWidth, FrameSize * FrameCount);
+    EXPECT_EQ(header->biHeight, FrameSize);
     EXPECT_EQ(header->biBitCount, 32);
     const auto *bits = reinterpret_cast<const UINT32 *>(header + 1);
-    std::vector<UINT32> strip;
-    for (int row = frameSize - 1; row >= 0; --row)
+    std::vector<UINT32> WaitingStrip;
+    for (int row = FrameSize - 1; row >= 0; --row)
     {
-        strip.insert(strip.end(), bits + row * frameSize * frameCount, bits + (row + 1) * frameSize * frameCount);
+        WaitingStrip.insert(WaitingStrip.end(), bits + row * FrameSize * FrameCount,
+                            bits + (row + 1) * FrameSize * FrameCount);
     }
-    return strip;
+    return WaitingStrip;
 }
 
 UINT32 Over(UINT32 pixel, UINT32 below)
@@ -99,12 +100,12 @@ UINT32 Over(UINT32 pixel, UINT32 below)
 // A frame over one colour.
 Pixels Expected(UINT32 frame, UINT32 colour)
 {
-    static const std::vector<UINT32> strip = Strip();
+    static const std::vector<UINT32> WaitingStrip = Strip();
     Pixels pixels;
     for (size_t i = 0; i < pixels.size(); ++i)
     {
-        const size_t row = i / frameSize;
-        pixels[i] = Over(strip[row * frameSize * frameCount + frame * frameSize + i % frameSize], colour);
+        const size_t row = i / FrameSize;
+        pixels[i] = Over(WaitingStrip[row * FrameSize * FrameCount + frame * FrameSize + i % FrameSize], colour);
     }
     return pixels;
 }
@@ -172,9 +173,9 @@ TEST(WaitingStrip, IsPremultipliedAndItsFramesDiffer)
             EXPECT_LE(pixel >> shift & 0xFF, pixel >> 24);
         }
     }
-    for (UINT32 frame = 0; frame < frameCount; ++frame)
+    for (UINT32 frame = 0; frame < FrameCount; ++frame)
     {
-        EXPECT_FALSE(IsNearly(Expected(frame, 0xFFFFFF), Expected((frame + 1) % frameCount, 0xFFFFFF)));
+        EXPECT_FALSE(IsNearly(Expected(frame, 0xFFFFFF), Expected((frame + 1) % FrameCount, 0xFFFFFF)));
         EXPECT_FALSE(IsNearly(Expected(frame, 0xFFFFFF), Expected(frame, 0))) << "something of the ground shows";
     }
 }
@@ -183,8 +184,8 @@ TEST_F(WaitingAnimationCtrl, IsAsLargeAsOneFrame)
 {
     RECT client{};
     GetClientRect(Control.Window(), &client);
-    EXPECT_EQ(client.right, frameSize);
-    EXPECT_EQ(client.bottom, frameSize);
+    EXPECT_EQ(client.right, FrameSize);
+    EXPECT_EQ(client.bottom, FrameSize);
     EXPECT_EQ(SendMessageW(Control.Window(), WM_ERASEBKGND, 0, 0), 1);
 }
 

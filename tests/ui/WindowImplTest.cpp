@@ -23,17 +23,17 @@ LRESULT CALLBACK OwnProcedure(HWND window, UINT message, WPARAM wParam, LPARAM l
 class Watcher final : public CWindowImpl
 {
 public:
-    static constexpr UINT answered = WM_USER + 1;
-    static constexpr UINT detaching = WM_USER + 2;
+    static constexpr UINT Answered = WM_USER + 1;
+    static constexpr UINT Detaching = WM_USER + 2;
 
     bool ProcessWindowMessage(HWND, UINT message, WPARAM, LPARAM, LRESULT &result) override
     {
-        if (message == detaching)
+        if (message == Detaching)
         {
             UnsubclassWindow();
         }
         result = 7;
-        return message == answered;
+        return message == Answered;
     }
     void OnFinalMessage(HWND window) override { last = window; }
 
@@ -65,22 +65,22 @@ TEST_F(SubclassedWindows, GetWhatTheSubclassLeaves)
     ASSERT_TRUE(watcher.SubclassWindow(m_window));
     EXPECT_EQ(watcher.Window(), m_window);
     EXPECT_FALSE(watcher.SubclassWindow(m_window));
-    EXPECT_EQ(Send(Watcher::answered), 7);
+    EXPECT_EQ(Send(Watcher::Answered), 7);
     EXPECT_EQ(Send(WM_USER + 5), 1000);
     EXPECT_THAT(reachedTheWindow, ElementsAre(WM_USER + 5));
     watcher.UnsubclassWindow();
     EXPECT_EQ(Procedure(), reinterpret_cast<LONG_PTR>(&OwnProcedure));
-    EXPECT_EQ(Send(Watcher::answered), 1000);
+    EXPECT_EQ(Send(Watcher::Answered), 1000);
 }
 
 TEST_F(SubclassedWindows, DoNotGetTheMessageAtWhichTheyAreLetGo)
 {
     Watcher watcher;
     ASSERT_TRUE(watcher.SubclassWindow(m_window));
-    EXPECT_EQ(Send(Watcher::detaching), 0);
+    EXPECT_EQ(Send(Watcher::Detaching), 0);
     EXPECT_EQ(watcher.Window(), nullptr);
-    EXPECT_EQ(Send(Watcher::detaching), 1000);
-    EXPECT_THAT(reachedTheWindow, ElementsAre(Watcher::detaching));
+    EXPECT_EQ(Send(Watcher::Detaching), 1000);
+    EXPECT_THAT(reachedTheWindow, ElementsAre(Watcher::Detaching));
 }
 
 TEST_F(SubclassedWindows, AreLetGoWhenTheyEnd)
@@ -120,8 +120,8 @@ TEST_F(SubclassedWindows, KeepASubclassThatCameLater)
         reinterpret_cast<WNDPROC>(SetWindowLongPtrW(m_window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Over)));
     watcher.UnsubclassWindow();
     EXPECT_EQ(Procedure(), reinterpret_cast<LONG_PTR>(&Over));
-    EXPECT_EQ(Send(Watcher::answered), 1000);
-    EXPECT_THAT(reachedTheWindow, ElementsAre(Watcher::answered));
+    EXPECT_EQ(Send(Watcher::Answered), 1000);
+    EXPECT_THAT(reachedTheWindow, ElementsAre(Watcher::Answered));
 }
 
 TEST_F(SubclassedWindows, MustBeWindows)

@@ -67,11 +67,11 @@ private:
 
 // Through a proxy Wine puts the whole address into a secure request's first line.
 const std::string Target =
-    std::string(underWine ? "https://echo.server.test:443" : "") + "/a%2Fb?c=%7E%20d HTTP/1.1\r\n";
+    std::string(UnderWine ? "https://echo.server.test:443" : "") + "/a%2Fb?c=%7E%20d HTTP/1.1\r\n";
 
 // To Wine a connection that is closed without an answer is an answer that it can't read.
 constexpr TransportProblem NoAnswerAtAll =
-    underWine ? TransportProblem::AnswerGarbled : TransportProblem::LostBeforeAnswer;
+    UnderWine ? TransportProblem::AnswerGarbled : TransportProblem::LostBeforeAnswer;
 
 class HttpTransportTest : public testing::Test
 {
@@ -221,7 +221,7 @@ TEST_F(HttpTransportTest, OnlyGoodCertificatesAreSpokenTo)
     {
         CountedBody body(1000);
         // Wine doesn't say why it refuses.
-        EXPECT_EQ(Send(host, &body).code, underWine ? static_cast<HRESULT>(0x80072F8F) : code) << host;
+        EXPECT_EQ(Send(host, &body).code, UnderWine ? static_cast<HRESULT>(0x80072F8F) : code) << host;
         EXPECT_EQ(body.reports.back(), 0u);
     }
     EXPECT_EQ(CutRequests(), "0");

@@ -47,8 +47,8 @@ void ServiceFixture::TearDown()
 
 HttpTestServer &ServiceFixture::StartServer(HttpTestServer::Script script)
 {
-    static const IssuedCertificate usual = Authority().Issue("DNS:*.flickr.com,DNS:flickr.com");
-    return StartServer(usual, std::move(script));
+    static const IssuedCertificate Usual = Authority().Issue("DNS:*.flickr.com,DNS:flickr.com");
+    return StartServer(Usual, std::move(script));
 }
 
 HttpTestServer &ServiceFixture::StartServer(const IssuedCertificate &certificate, HttpTestServer::Script script)

@@ -16,7 +16,7 @@ struct Format
     BYTE Red;
 };
 
-const Format FORMATS[] = {
+const Format Formats[] = {
     {&GUID_WICPixelFormat24bppBGR, 3, 0, 1, 2},   {&GUID_WICPixelFormat8bppGray, 1, 0, 0, 0},
     {&GUID_WICPixelFormat24bppRGB, 3, 2, 1, 0},   {&GUID_WICPixelFormat32bppBGR, 4, 0, 1, 2},
     {&GUID_WICPixelFormat32bppBGRA, 4, 0, 1, 2},  {&GUID_WICPixelFormat32bppPBGRA, 4, 0, 1, 2},
@@ -26,7 +26,7 @@ const Format FORMATS[] = {
 
 const Format *Find(REFWICPixelFormatGUID id) noexcept
 {
-    for (const Format &format : FORMATS)
+    for (const Format &format : Formats)
     {
         if (*format.Id == id)
         {

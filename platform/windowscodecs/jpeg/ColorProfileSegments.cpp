@@ -11,8 +11,8 @@ using namespace std::string_view_literals;
 
 namespace
 {
-constexpr auto SIGNATURE = "ICC_PROFILE\0"sv;
-constexpr size_t HEAD_BYTES = SIGNATURE.size() + 2; // the part's number from 1, and how many there are
+constexpr auto Signature = "ICC_PROFILE\0"sv;
+constexpr size_t HeadBytes = Signature.size() + 2; // the part's number from 1, and how many there are
 } // namespace
 
 Bytes ReadColorProfile(StreamBytes &source, const JpegStructure &structure)
@@ -21,21 +21,21 @@ Bytes ReadColorProfile(StreamBytes &source, const JpegStructure &structure)
     UINT count = 0;
     for (const SegmentPlace &place : structure.Segments)
     {
-        if (place.Marker != MARKER_APP2 || place.Length < HEAD_BYTES)
+        if (place.Marker != MARKER_APP2 || place.Length < HeadBytes)
         {
             continue;
         }
-        const Bytes head = ReadSegment(source, {place.Marker, static_cast<UINT>(HEAD_BYTES), place.Offset});
-        if (!BeginsWith(head, SIGNATURE))
+        const Bytes head = ReadSegment(source, {place.Marker, static_cast<UINT>(HeadBytes), place.Offset});
+        if (!BeginsWith(head, Signature))
         {
             continue;
         }
-        const BYTE number = head[SIGNATURE.size()];
+        const BYTE number = head[Signature.size()];
         if (parts[number] == nullptr)
         {
             parts[number] = &place;
         }
-        count = std::max<UINT>(count, head[SIGNATURE.size() + 1]);
+        count = std::max<UINT>(count, head[Signature.size() + 1]);
     }
     Bytes profile;
     for (UINT number = 1; number <= count; ++number)
@@ -45,14 +45,14 @@ Bytes ReadColorProfile(StreamBytes &source, const JpegStructure &structure)
             return {};
         }
         const Bytes part = ReadSegment(source, *parts[number]);
-        profile.insert(profile.end(), part.begin() + HEAD_BYTES, part.end());
+        profile.insert(profile.end(), part.begin() + HeadBytes, part.end());
     }
     return IsColorProfile(profile) ? profile : Bytes();
 }
 
 void AppendColorProfile(const Bytes &profile, std::vector<OutputSegment> &head)
 {
-    const size_t room = MAX_SEGMENT_BYTES - HEAD_BYTES;
+    const size_t room = MaxSegmentBytes - HeadBytes;
     const size_t count = (profile.size() + room - 1) / room;
     if (count > 255)
     {
@@ -60,7 +60,7 @@ void AppendColorProfile(const Bytes &profile, std::vector<OutputSegment> &head)
     }
     for (size_t number = 0; number < count; ++number)
     {
-        Bytes contents(SIGNATURE.begin(), SIGNATURE.end());
+        Bytes contents(Signature.begin(), Signature.end());
         contents.insert(contents.end(), {static_cast<BYTE>(number + 1), static_cast<BYTE>(count)});
         const auto from = profile.begin() + static_cast<ptrdiff_t>(number * room);
         contents.insert(contents.end(), from, from + std::min<ptrdiff_t>(room, profile.end() - from));

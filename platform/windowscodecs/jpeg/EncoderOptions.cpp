@@ -13,8 +13,8 @@ struct Option
     VARTYPE Type;
 };
 
-constexpr Option OPTIONS[] = {{TEXT("ImageQuality"), VT_R4}, {TEXT("JpegYCrCbSubsampling"), VT_UI1}};
-constexpr ULONG OPTION_COUNT = sizeof OPTIONS / sizeof *OPTIONS;
+constexpr Option Options[] = {{TEXT("ImageQuality"), VT_R4}, {TEXT("JpegYCrCbSubsampling"), VT_UI1}};
+constexpr ULONG OptionCount = sizeof Options / sizeof *Options;
 
 class COptionBag final : public ComObject<COptionBag, IPropertyBag2>
 {
@@ -31,8 +31,8 @@ public:
         {
             const ULONG option = Find(names[i].pstrName);
             values[i] = {};
-            results[i] = option < OPTION_COUNT ? S_OK : WINCODEC_ERR_PROPERTYNOTSUPPORTED;
-            if (option < OPTION_COUNT)
+            results[i] = option < OptionCount ? S_OK : WINCODEC_ERR_PROPERTYNOTSUPPORTED;
+            if (option < OptionCount)
             {
                 values[i] = m_values[option];
             }
@@ -50,11 +50,11 @@ public:
         for (ULONG i = 0; i < count; ++i)
         {
             const ULONG option = Find(names[i].pstrName);
-            if (option == OPTION_COUNT)
+            if (option == OptionCount)
             {
                 return WINCODEC_ERR_PROPERTYNOTSUPPORTED;
             }
-            if (V_VT(&values[i]) != OPTIONS[option].Type)
+            if (V_VT(&values[i]) != Options[option].Type)
             {
                 return WINCODEC_ERR_PROPERTYUNEXPECTEDTYPE;
             }
@@ -69,7 +69,7 @@ public:
         {
             return E_INVALIDARG;
         }
-        *count = OPTION_COUNT;
+        *count = OptionCount;
         return S_OK;
     }
 
@@ -80,9 +80,9 @@ public:
             return E_INVALIDARG;
         }
         *given = 0;
-        for (; *given < count && first + *given < OPTION_COUNT; ++*given)
+        for (; *given < count && first + *given < OptionCount; ++*given)
         {
-            const Option &option = OPTIONS[first + *given];
+            const Option &option = Options[first + *given];
             const size_t bytes = (WideView(option.Name).size() + 1) * sizeof(WCHAR);
             PROPBAG2 &info = infos[*given];
             info = {};
@@ -108,14 +108,14 @@ private:
     static ULONG Find(const WCHAR *name) noexcept
     {
         ULONG option = 0;
-        while (option < OPTION_COUNT && (name == nullptr || WideView(name) != OPTIONS[option].Name))
+        while (option < OptionCount && (name == nullptr || WideView(name) != Options[option].Name))
         {
             ++option;
         }
         return option;
     }
 
-    VARIANT m_values[OPTION_COUNT] = {}; // of the types above, so that they own nothing
+    VARIANT m_values[OptionCount] = {}; // of the types above, so that they own nothing
 };
 
 // Empty if the bag doesn't know the option or nobody has given it.
@@ -148,7 +148,7 @@ EncoderOptions ReadOptions(IPropertyBag2 *bag)
     {
         return options;
     }
-    if (const VARIANT quality = ReadOption(bag, OPTIONS[0]); V_VT(&quality) == VT_R4)
+    if (const VARIANT quality = ReadOption(bag, Options[0]); V_VT(&quality) == VT_R4)
     {
         if (!(V_R4(&quality) >= 0 && V_R4(&quality) <= 1))
         {
@@ -156,7 +156,7 @@ EncoderOptions ReadOptions(IPropertyBag2 *bag)
         }
         options.Quality = V_R4(&quality);
     }
-    if (const VARIANT subsampling = ReadOption(bag, OPTIONS[1]); V_VT(&subsampling) == VT_UI1)
+    if (const VARIANT subsampling = ReadOption(bag, Options[1]); V_VT(&subsampling) == VT_UI1)
     {
         if (V_UI1(&subsampling) > WICJpegYCrCbSubsampling440)
         {

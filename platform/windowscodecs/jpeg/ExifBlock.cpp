@@ -6,8 +6,8 @@
 
 UINT ExifElementBytes(WORD type) noexcept
 {
-    static constexpr BYTE sizes[] = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8};
-    return type < sizeof sizes ? sizes[type] : 0;
+    static constexpr BYTE Sizes[] = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8};
+    return type < sizeof Sizes ? Sizes[type] : 0;
 }
 
 UINT ExifPieceBytes(WORD type) noexcept

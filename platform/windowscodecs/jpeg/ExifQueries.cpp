@@ -13,9 +13,9 @@ using namespace std::string_view_literals;
 
 namespace
 {
-constexpr auto ASCII_COMMENT = "ASCII\0\0\0"sv;
-constexpr auto UNICODE_COMMENT = "UNICODE\0"sv;
-constexpr size_t COMMENT_HEAD = 8;
+constexpr auto AsciiComment = "ASCII\0\0\0"sv;
+constexpr auto UnicodeComment = "UNICODE\0"sv;
+constexpr size_t CommentHead = 8;
 
 // Whether the tag is the block's own structure, which nobody sets.
 bool IsStructure(WORD tag) noexcept
@@ -136,11 +136,11 @@ ExifEntry CommentFromText(const std::string &text, bool bigEndian)
 {
     if (IsAscii(text))
     {
-        Bytes data(ASCII_COMMENT.begin(), ASCII_COMMENT.end());
+        Bytes data(AsciiComment.begin(), AsciiComment.end());
         data.insert(data.end(), text.begin(), text.end());
         return {ExifTag::UserComment, EXIF_UNDEFINED, std::move(data)};
     }
-    Bytes data(UNICODE_COMMENT.begin(), UNICODE_COMMENT.end());
+    Bytes data(UnicodeComment.begin(), UnicodeComment.end());
     for (const WCHAR c : FromUtf8(text))
     {
         const BYTE high = static_cast<BYTE>(c >> 8);
@@ -154,8 +154,8 @@ ExifEntry CommentFromText(const std::string &text, bool bigEndian)
 std::string TextFromComment(const ExifEntry &entry, bool bigEndian)
 {
     std::string_view rest(reinterpret_cast<const char *>(entry.Data.data()), entry.Data.size());
-    const bool wide = rest.substr(0, COMMENT_HEAD) == UNICODE_COMMENT;
-    rest.remove_prefix(COMMENT_HEAD);
+    const bool wide = rest.substr(0, CommentHead) == UnicodeComment;
+    rest.remove_prefix(CommentHead);
     if (!wide)
     {
         const std::string text = ToWellFormedUtf8(rest.substr(0, rest.find('\0')));
@@ -198,7 +198,7 @@ bool GetExif(const std::optional<ExifBlock> &block, const QueryItem *items, size
         }
         ThrowHresult(WINCODEC_ERR_PROPERTYNOTFOUND);
     }
-    if (found->Tag == ExifTag::UserComment && found->Data.size() >= COMMENT_HEAD)
+    if (found->Tag == ExifTag::UserComment && found->Data.size() >= CommentHead)
     {
         ValueFromText(TextFromComment(*found, block->BigEndian), value);
         return true;

@@ -8,10 +8,10 @@ using namespace std::string_view_literals;
 
 namespace
 {
-constexpr auto SIGNATURE = "Exif\0\0"sv;
+constexpr auto Signature = "Exif\0\0"sv;
 
 // What describes pictures that don't go along, or only holds room.
-constexpr WORD LEFT_OUT[] = {
+constexpr WORD LeftOut[] = {
     254,
     255,
     273,
@@ -30,7 +30,7 @@ constexpr WORD LEFT_OUT[] = {
 
 bool IsLeftOut(WORD tag) noexcept
 {
-    return std::find(std::begin(LEFT_OUT), std::end(LEFT_OUT), tag) != std::end(LEFT_OUT);
+    return std::find(std::begin(LeftOut), std::end(LeftOut), tag) != std::end(LeftOut);
 }
 } // namespace
 
@@ -38,8 +38,8 @@ class ExifReader
 {
 public:
     ExifReader(const Bytes &contents, ExifBlock &block)
-        : m_data(contents.data() + SIGNATURE.size()),
-          m_size(static_cast<UINT>(contents.size() - SIGNATURE.size())),
+        : m_data(contents.data() + Signature.size()),
+          m_size(static_cast<UINT>(contents.size() - Signature.size())),
           m_block(block),
           m_budget(2 * m_size)
     {
@@ -71,7 +71,7 @@ public:
 private:
     // The main directory, EXIF's below it, and that of interoperability below that. A crafted block may
     // nest thousands of them.
-    static constexpr int MAX_DEPTH = 2;
+    static constexpr int MaxDepth = 2;
 
     UINT Get16(UINT at) const noexcept
     {
@@ -133,7 +133,7 @@ private:
 
     void ReadChild(WORD tag, UINT offset, ExifDirectory &directory)
     {
-        if (m_depth == MAX_DEPTH || directory.Children.count(tag) != 0)
+        if (m_depth == MaxDepth || directory.Children.count(tag) != 0)
         {
             return;
         }
@@ -180,7 +180,7 @@ private:
 std::optional<ExifBlock> ExifBlock::Read(const Bytes &contents)
 {
     ExifBlock block;
-    if (!BeginsWith(contents, SIGNATURE) || !ExifReader(contents, block).Read())
+    if (!BeginsWith(contents, Signature) || !ExifReader(contents, block).Read())
     {
         return std::nullopt;
     }

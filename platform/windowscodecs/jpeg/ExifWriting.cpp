@@ -9,7 +9,7 @@
 
 namespace
 {
-constexpr UINT SIGNATURE_BYTES = 6;
+constexpr UINT SignatureBytes = 6;
 
 // Lays out one block. Room is given from the start on, round the range that a maker note reserves.
 class Layout
@@ -182,7 +182,7 @@ Bytes ExifBlock::Write() const
     for (const auto &attempt : attempts)
     {
         const Bytes block = Lay(*this, attempt.MakerNoteAt, attempt.WithThumbnail);
-        if (block.size() + SIGNATURE_BYTES <= MAX_SEGMENT_BYTES)
+        if (block.size() + SignatureBytes <= MaxSegmentBytes)
         {
             Bytes contents = {'E', 'x', 'i', 'f', 0, 0};
             contents.insert(contents.end(), block.begin(), block.end());

@@ -8,10 +8,10 @@
 
 namespace
 {
-constexpr double DEFAULT_DPI = 96;
+constexpr double DefaultDpi = 96;
 
 // Enough for 24 megapixels at 4:2:0 in several scans; larger ones are not worth their memory.
-constexpr ULONGLONG CHECKED_COEFFICIENT_BYTES = 76 * 1024 * 1024;
+constexpr ULONGLONG CheckedCoefficientBytes = 76 * 1024 * 1024;
 } // namespace
 
 CJpegFrameDecode::CJpegFrameDecode(ComPtr<IStream> stream, ULONGLONG base, JpegStructure structure)
@@ -64,7 +64,7 @@ HRESULT CJpegFrameDecode::GetResolution(double *x, double *y) noexcept
     {
         return E_INVALIDARG;
     }
-    *x = *y = DEFAULT_DPI;
+    *x = *y = DefaultDpi;
     if (m_structure.HasJfif && (m_structure.DensityUnit == 1 || m_structure.DensityUnit == 2))
     {
         const double perInch = m_structure.DensityUnit == 1 ? 1 : 2.54;
@@ -137,7 +137,7 @@ void CJpegFrameDecode::CopyRows(const WICRect &part, UINT stride, BYTE *buffer)
 
 void CJpegFrameDecode::CheckPixels() const
 {
-    RowDecoder(m_stream, m_base).CheckAll(CHECKED_COEFFICIENT_BYTES);
+    RowDecoder(m_stream, m_base).CheckAll(CheckedCoefficientBytes);
 }
 
 HRESULT CJpegFrameDecode::GetMetadataQueryReader(IWICMetadataQueryReader **reader) noexcept

@@ -11,11 +11,11 @@
 
 namespace
 {
-constexpr float STANDARD_QUALITY = 0.9f;
-constexpr double DEFAULT_DPI = 96;
+constexpr float StandardQuality = 0.9f;
+constexpr double DefaultDpi = 96;
 
 // Rows of a source that are asked for at once: few calls, and little memory at any width.
-constexpr UINT STRIP_BYTES = 1024 * 1024;
+constexpr UINT StripBytes = 1024 * 1024;
 
 WORD JfifDensity(double dpi) noexcept
 {
@@ -68,7 +68,7 @@ HRESULT CJpegFrameEncode::SetSize(UINT width, UINT height) noexcept
         {
             return E_INVALIDARG;
         }
-        if (width > MAX_JPEG_SIDE || height > MAX_JPEG_SIDE)
+        if (width > MaxJpegSide || height > MaxJpegSide)
         {
             return WINCODEC_ERR_IMAGESIZEOUTOFRANGE;
         }
@@ -156,7 +156,7 @@ std::vector<OutputSegment> CJpegFrameEncode::Head(bool allowsJfif)
     std::vector<OutputSegment> head;
     if (allowsJfif)
     {
-        head.push_back(JfifHeader(m_dpiX > 0 ? m_dpiX : DEFAULT_DPI, m_dpiY > 0 ? m_dpiY : DEFAULT_DPI));
+        head.push_back(JfifHeader(m_dpiX > 0 ? m_dpiX : DefaultDpi, m_dpiY > 0 ? m_dpiY : DefaultDpi));
     }
     if (m_dpiX > 0 && (m_metadata.Exif || !allowsJfif))
     {
@@ -192,7 +192,7 @@ void CJpegFrameEncode::StartEncoding()
     {
         ThrowHresult(WINCODEC_ERR_WRONGSTATE);
     }
-    const float quality = m_options.Quality.value_or(STANDARD_QUALITY);
+    const float quality = m_options.Quality.value_or(StandardQuality);
     EncodingParameters parameters{m_width,
                                   m_height,
                                   m_layout,
@@ -257,7 +257,7 @@ void CJpegFrameEncode::EncodeSource(IWICBitmapSource *source, const WICRect &par
         ThrowHresult(WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT);
     }
     const UINT stride = (m_width * pixel + 3) / 4 * 4;
-    const UINT rows = std::clamp(STRIP_BYTES / stride, 1u, m_height);
+    const UINT rows = std::clamp(StripBytes / stride, 1u, m_height);
     Bytes strip(size_t{stride} * rows);
     if (!ConvertRow(format, strip.data(), m_layout, converted.data(), m_width))
     {

@@ -31,10 +31,10 @@ enum JpegMarker : BYTE
 };
 
 // A segment's length word counts itself.
-constexpr UINT MAX_SEGMENT_BYTES = 0xFFFF - 2;
+constexpr UINT MaxSegmentBytes = 0xFFFF - 2;
 
 // The pictures' limit of the decoding library; the format itself ends at 65535.
-constexpr UINT MAX_JPEG_SIDE = 65500;
+constexpr UINT MaxJpegSide = 65500;
 
 // SOF0 to SOF15; the three codes among them that are no frame headers are not.
 inline bool IsFrameHeader(BYTE marker) noexcept

@@ -10,7 +10,7 @@ using namespace std::string_view_literals;
 
 namespace
 {
-constexpr size_t MAX_SEGMENTS = 16384;
+constexpr size_t MaxSegments = 16384;
 
 WORD BigEndian16(const BYTE *at) noexcept
 {
@@ -40,7 +40,7 @@ void ReadFrame(JpegStructure &structure, BYTE marker, const Bytes &header)
     {
         ThrowHresult(WINCODEC_ERR_BADIMAGE);
     }
-    if (structure.Width > MAX_JPEG_SIDE || structure.Height > MAX_JPEG_SIDE)
+    if (structure.Width > MaxJpegSide || structure.Height > MaxJpegSide)
     {
         ThrowHresult(WINCODEC_ERR_IMAGESIZEOUTOFRANGE);
     }
@@ -148,7 +148,7 @@ JpegStructure ReadStructure(StreamBytes &source)
         }
         else if (IsApplication(marker) || marker == MARKER_COM)
         {
-            if (structure.Segments.size() == MAX_SEGMENTS)
+            if (structure.Segments.size() == MaxSegments)
             {
                 ThrowHresult(WINCODEC_ERR_TOOMUCHMETADATA);
             }

@@ -9,7 +9,7 @@ using namespace std::string_view_literals;
 
 namespace
 {
-constexpr size_t MAX_METADATA_BYTES = 16 * 1024 * 1024;
+constexpr size_t MaxMetadataBytes = 16 * 1024 * 1024;
 
 bool BelongsToCoding(BYTE marker, const Bytes &contents) noexcept
 {
@@ -75,7 +75,7 @@ void MetadataBlocks::Load(StreamBytes &source, const JpegStructure &structure)
             }
         }
         total += place.Length;
-        if (total > MAX_METADATA_BYTES)
+        if (total > MaxMetadataBytes)
         {
             Clear();
             ThrowHresult(WINCODEC_ERR_TOOMUCHMETADATA);

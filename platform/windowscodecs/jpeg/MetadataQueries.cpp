@@ -97,10 +97,10 @@ Target Aim(const QueryPath &path)
 // The name of a dataset; null if the path ends at one of the blocks above it.
 const QueryItem *DatasetOf(const Target &target)
 {
-    static constexpr WideView above[] = {TEXT("irb"), TEXT("8bimiptc"), TEXT("iptc")};
+    static constexpr WideView Above[] = {TEXT("irb"), TEXT("8bimiptc"), TEXT("iptc")};
     for (size_t i = 0; i < target.Count && i < 3; ++i)
     {
-        if (!Is(target.Rest[i], above[i]))
+        if (!Is(target.Rest[i], Above[i]))
         {
             RefusePath();
         }
@@ -268,7 +268,7 @@ void SetMetadata(MetadataBlocks &blocks, WideView text, const PROPVARIANT &value
         {
             RefuseType();
         }
-        if (texts[0].size() > MAX_SEGMENT_BYTES || target.Index > blocks.Comments.size())
+        if (texts[0].size() > MaxSegmentBytes || target.Index > blocks.Comments.size())
         {
             ThrowHresult(target.Index > blocks.Comments.size() ? WINCODEC_ERR_PROPERTYNOTFOUND
                                                                : WINCODEC_ERR_TOOMUCHMETADATA);

@@ -13,12 +13,12 @@ using namespace std::string_view_literals;
 
 namespace
 {
-constexpr auto SIGNATURE = "Photoshop 3.0\0"sv;
-constexpr WORD IPTC_RESOURCE = 0x0404;
-constexpr auto UTF8_DECLARED = "\x1B%G"sv; // dataset 1:90, ISO 2022
+constexpr auto Signature = "Photoshop 3.0\0"sv;
+constexpr WORD IptcResource = 0x0404;
+constexpr auto Utf8Declared = "\x1B%G"sv; // dataset 1:90, ISO 2022
 
 // Thumbnails, the digest of the IPTC records, EXIF twice, XMP.
-constexpr WORD LEFT_OUT[] = {0x0409, 0x040C, 0x0422, 0x0423, 0x0424, 0x0425};
+constexpr WORD LeftOut[] = {0x0409, 0x040C, 0x0422, 0x0423, 0x0424, 0x0425};
 
 struct DatasetName
 {
@@ -26,7 +26,7 @@ struct DatasetName
     BYTE Number; // in record 2
 };
 
-constexpr DatasetName NAMES[] = {
+constexpr DatasetName Names[] = {
     {"Object Type Reference", 3},
     {"Object Attribute Reference", 4},
     {"Object Name", 5},
@@ -83,7 +83,7 @@ char Lower(char c) noexcept
 
 BYTE NumberOf(std::string_view name)
 {
-    for (const DatasetName &entry : NAMES)
+    for (const DatasetName &entry : Names)
     {
         if (std::equal(name.begin(), name.end(), entry.Name.begin(), entry.Name.end(),
                        [](char a, char b) { return Lower(a) == Lower(b); }))
@@ -114,9 +114,9 @@ bool IsText(const IptcDataset &dataset) noexcept
 
 void PhotoshopBlock::AddSegment(const Bytes &contents)
 {
-    if (BeginsWith(contents, SIGNATURE))
+    if (BeginsWith(contents, Signature))
     {
-        m_raw.insert(m_raw.end(), contents.begin() + SIGNATURE.size(), contents.end());
+        m_raw.insert(m_raw.end(), contents.begin() + Signature.size(), contents.end());
     }
 }
 
@@ -141,11 +141,11 @@ void PhotoshopBlock::Parse()
         }
         resource.Name.assign(m_raw.begin() + at + 7, m_raw.begin() + at + 7 + nameLength);
         resource.Data.assign(m_raw.begin() + dataAt, m_raw.begin() + dataAt + size);
-        if (resource.Id == IPTC_RESOURCE)
+        if (resource.Id == IptcResource)
         {
             ParseIptc(resource.Data);
         }
-        else if (std::find(std::begin(LEFT_OUT), std::end(LEFT_OUT), resource.Id) == std::end(LEFT_OUT))
+        else if (std::find(std::begin(LeftOut), std::end(LeftOut), resource.Id) == std::end(LeftOut))
         {
             m_resources.push_back(std::move(resource));
         }
@@ -208,7 +208,7 @@ void PhotoshopBlock::TurnToUtf8()
         }
     }
     std::erase_if(m_datasets, declares);
-    m_datasets.insert(m_datasets.begin(), {1, 90, std::string(UTF8_DECLARED)});
+    m_datasets.insert(m_datasets.begin(), {1, 90, std::string(Utf8Declared)});
 }
 
 void PhotoshopBlock::Set(std::string_view name, const std::vector<std::string> &texts)
@@ -265,7 +265,7 @@ std::vector<Bytes> PhotoshopBlock::Segments() const
     std::vector<Resource> resources = m_resources;
     if (!m_datasets.empty())
     {
-        resources.insert(resources.begin(), {IPTC_RESOURCE, {}, WriteIptc()});
+        resources.insert(resources.begin(), {IptcResource, {}, WriteIptc()});
     }
     Bytes block;
     for (const Resource &resource : resources)
@@ -279,11 +279,11 @@ std::vector<Bytes> PhotoshopBlock::Segments() const
         block.insert(block.end(), resource.Data.begin(), resource.Data.end());
         block.resize(block.size() + resource.Data.size() % 2);
     }
-    const size_t room = MAX_SEGMENT_BYTES - SIGNATURE.size();
+    const size_t room = MaxSegmentBytes - Signature.size();
     std::vector<Bytes> segments;
     for (size_t at = 0; at < block.size(); at += room)
     {
-        Bytes segment(SIGNATURE.begin(), SIGNATURE.end());
+        Bytes segment(Signature.begin(), Signature.end());
         segment.insert(segment.end(), block.begin() + at, block.begin() + std::min(block.size(), at + room));
         segments.push_back(std::move(segment));
     }

@@ -17,13 +17,13 @@
 
 namespace
 {
-constexpr size_t BUFFER_BYTES = 64 * 1024;
+constexpr size_t BufferBytes = 64 * 1024;
 
 // Coefficients of a progressive picture are all held at once, two bytes each.
-constexpr long DECODER_MEMORY_BYTES = 1024L * 1024 * 1024;
+constexpr long DecoderMemoryBytes = 1024L * 1024 * 1024;
 
 // A file of a few megabytes can name so many scans over a large frame that it decodes for hours.
-constexpr int MAX_SCANS = 500;
+constexpr int MaxScans = 500;
 
 // Where the library's way out leads. It is a longjmp: between Guard and the library's functions no
 // frame may hold anything with a destructor.
@@ -118,7 +118,7 @@ struct StreamSource
     IStream *Stream;
     ULONGLONG Offset;
     bool AtStart;
-    JOCTET Buffer[BUFFER_BYTES];
+    JOCTET Buffer[BufferBytes];
 };
 
 void BeginSource(j_decompress_ptr) {}
@@ -128,7 +128,7 @@ JpegBoolean FillSource(j_decompress_ptr decoder)
 {
     auto *source = reinterpret_cast<StreamSource *>(decoder->src);
     ULONG got = 0;
-    const HRESULT result = ReadAt(source->Stream, source->Offset, source->Buffer, BUFFER_BYTES, &got);
+    const HRESULT result = ReadAt(source->Stream, source->Offset, source->Buffer, BufferBytes, &got);
     if (FAILED(result))
     {
         TrapOf(reinterpret_cast<j_common_ptr>(decoder))->Code = result;
@@ -178,7 +178,7 @@ void SetSource(StreamSource &source, IStream *stream, ULONGLONG base) noexcept
 
 void WatchScans(j_common_ptr common)
 {
-    if (common->is_decompressor && reinterpret_cast<j_decompress_ptr>(common)->input_scan_number > MAX_SCANS)
+    if (common->is_decompressor && reinterpret_cast<j_decompress_ptr>(common)->input_scan_number > MaxScans)
     {
         TrapOf(common)->Code = WINCODEC_ERR_BADIMAGE;
         LeaveLibrary(common);
@@ -244,7 +244,7 @@ RowDecoder::RowDecoder(ComPtr<IStream> stream, ULONGLONG base) : m_state(new Sta
     state.Progress.progress_monitor = WatchScans;
     Guard(state.Trap, [&state] {
         jpeg_create_decompress(&state.Decoder);
-        state.Decoder.mem->max_memory_to_use = DECODER_MEMORY_BYTES;
+        state.Decoder.mem->max_memory_to_use = DecoderMemoryBytes;
         state.Decoder.src = &state.Source.Manager;
         state.Decoder.progress = &state.Progress;
         jpeg_read_header(&state.Decoder, TRUE);
@@ -328,7 +328,7 @@ struct StreamDestination
 {
     jpeg_destination_mgr Manager;
     IStream *Stream;
-    JOCTET Buffer[BUFFER_BYTES];
+    JOCTET Buffer[BufferBytes];
 };
 
 HRESULT WriteOut(IStream *stream, const BYTE *data, size_t size) noexcept
@@ -349,7 +349,7 @@ void Flush(j_compress_ptr encoder, size_t size)
         ERREXIT(encoder, JERR_FILE_WRITE);
     }
     destination->Manager.next_output_byte = destination->Buffer;
-    destination->Manager.free_in_buffer = BUFFER_BYTES;
+    destination->Manager.free_in_buffer = BufferBytes;
 }
 
 void BeginDestination(j_compress_ptr encoder)
@@ -359,13 +359,13 @@ void BeginDestination(j_compress_ptr encoder)
 
 JpegBoolean EmptyDestination(j_compress_ptr encoder)
 {
-    Flush(encoder, BUFFER_BYTES);
+    Flush(encoder, BufferBytes);
     return TRUE;
 }
 
 void EndDestination(j_compress_ptr encoder)
 {
-    Flush(encoder, BUFFER_BYTES - encoder->dest->free_in_buffer);
+    Flush(encoder, BufferBytes - encoder->dest->free_in_buffer);
 }
 
 void SetSubsampling(jpeg_compress_struct &encoder, BYTE option) noexcept

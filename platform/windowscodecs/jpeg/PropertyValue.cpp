@@ -17,7 +17,7 @@ struct FieldOfType
     WORD Field;
 };
 
-constexpr FieldOfType FIELDS[] = {
+constexpr FieldOfType Fields[] = {
     {VT_UI1, EXIF_BYTE}, {VT_I1, EXIF_SBYTE},  {VT_UI2, EXIF_SHORT},    {VT_I2, EXIF_SSHORT},
     {VT_UI4, EXIF_LONG}, {VT_I4, EXIF_SLONG},  {VT_UI8, EXIF_RATIONAL}, {VT_I8, EXIF_SRATIONAL},
     {VT_R4, EXIF_FLOAT}, {VT_R8, EXIF_DOUBLE},
@@ -137,7 +137,7 @@ ExifEntry EntryFromValue(const PROPVARIANT &value)
     {
         return EntryFromBytes(EXIF_UNDEFINED, value.blob.pBlobData, value.blob.cbSize);
     }
-    for (const FieldOfType &field : FIELDS)
+    for (const FieldOfType &field : Fields)
     {
         if (value.vt == field.Variant)
         {
@@ -177,7 +177,7 @@ void ValueFromEntry(const ExifEntry &entry, PROPVARIANT *value)
         value->vt = VT_BLOB;
         return;
     }
-    for (const FieldOfType &field : FIELDS)
+    for (const FieldOfType &field : Fields)
     {
         if (field.Field != entry.Type)
         {

@@ -8,17 +8,17 @@
 
 namespace
 {
-constexpr size_t BUFFER_BYTES = 64 * 1024;
+constexpr size_t BufferBytes = 64 * 1024;
 
 // Collects small pieces, so that the stream sees few and large writes.
 class Output
 {
 public:
-    explicit Output(IStream *stream) : m_stream(stream) { m_buffer.reserve(BUFFER_BYTES); }
+    explicit Output(IStream *stream) : m_stream(stream) { m_buffer.reserve(BufferBytes); }
 
     void Put(BYTE byte)
     {
-        if (m_buffer.size() == BUFFER_BYTES)
+        if (m_buffer.size() == BufferBytes)
         {
             Flush();
         }
@@ -27,11 +27,11 @@ public:
 
     void Put(const BYTE *data, size_t size)
     {
-        if (m_buffer.size() + size > BUFFER_BYTES)
+        if (m_buffer.size() + size > BufferBytes)
         {
             Flush();
         }
-        if (size > BUFFER_BYTES)
+        if (size > BufferBytes)
         {
             WriteAll(m_stream, data, size);
             return;

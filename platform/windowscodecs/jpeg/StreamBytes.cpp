@@ -7,7 +7,7 @@
 
 namespace
 {
-constexpr size_t BUFFER_BYTES = 64 * 1024;
+constexpr size_t BufferBytes = 64 * 1024;
 }
 
 HRESULT ReadAt(IStream *stream, ULONGLONG offset, BYTE *to, ULONG count, ULONG *got) noexcept
@@ -46,7 +46,7 @@ void WriteAll(IStream *stream, const BYTE *data, size_t size)
 }
 
 StreamBytes::StreamBytes(ComPtr<IStream> stream, ULONGLONG base)
-    : m_stream(std::move(stream)), m_base(base), m_buffer(BUFFER_BYTES)
+    : m_stream(std::move(stream)), m_base(base), m_buffer(BufferBytes)
 {
 }
 
@@ -68,7 +68,7 @@ bool StreamBytes::Fill()
     m_filled = 0;
     m_next = 0;
     ULONG got = 0;
-    ThrowIfFailed(ReadAt(m_stream.Get(), m_base + m_bufferStart, m_buffer.data(), BUFFER_BYTES, &got));
+    ThrowIfFailed(ReadAt(m_stream.Get(), m_base + m_bufferStart, m_buffer.data(), BufferBytes, &got));
     m_filled = got;
     return got > 0;
 }

@@ -15,17 +15,17 @@ using namespace std::string_view_literals;
 
 namespace
 {
-constexpr auto MAIN_SIGNATURE = "http://ns.adobe.com/xap/1.0/\0"sv;
-constexpr auto EXTENSION_SIGNATURE = "http://ns.adobe.com/xmp/extension/\0"sv;
-constexpr size_t EXTENSION_HEAD = EXTENSION_SIGNATURE.size() + 32 + 4 + 4; // identifier, length, offset
+constexpr auto MainSignature = "http://ns.adobe.com/xap/1.0/\0"sv;
+constexpr auto ExtensionSignature = "http://ns.adobe.com/xmp/extension/\0"sv;
+constexpr size_t ExtensionHead = ExtensionSignature.size() + 32 + 4 + 4; // identifier, length, offset
 
 std::string MainPacket(const std::vector<Bytes> &segments)
 {
     for (const Bytes &segment : segments)
     {
-        if (BeginsWith(segment, MAIN_SIGNATURE))
+        if (BeginsWith(segment, MainSignature))
         {
-            return std::string(segment.begin() + MAIN_SIGNATURE.size(), segment.end());
+            return std::string(segment.begin() + MainSignature.size(), segment.end());
         }
     }
     return {};
@@ -44,18 +44,18 @@ std::string ExtensionPacket(const std::vector<Bytes> &segments, std::string_view
     std::optional<DWORD> length;
     for (const Bytes &segment : segments)
     {
-        if (!BeginsWith(segment, EXTENSION_SIGNATURE) || segment.size() < EXTENSION_HEAD)
+        if (!BeginsWith(segment, ExtensionSignature) || segment.size() < ExtensionHead)
         {
             continue;
         }
         const std::string_view text(reinterpret_cast<const char *>(segment.data()), segment.size());
-        if (text.substr(EXTENSION_SIGNATURE.size(), 32) != identifier)
+        if (text.substr(ExtensionSignature.size(), 32) != identifier)
         {
             continue;
         }
-        const DWORD told = BigEndianAt(segment, EXTENSION_HEAD - 8);
+        const DWORD told = BigEndianAt(segment, ExtensionHead - 8);
         const bool isNew =
-            parts.emplace(BigEndianAt(segment, EXTENSION_HEAD - 4), text.substr(EXTENSION_HEAD)).second;
+            parts.emplace(BigEndianAt(segment, ExtensionHead - 4), text.substr(ExtensionHead)).second;
         if (!isNew || told != length.value_or(told))
         {
             return {};
@@ -94,7 +94,7 @@ XmpBlock::~XmpBlock() = default;
 
 bool XmpBlock::Recognises(const Bytes &contents) noexcept
 {
-    return BeginsWith(contents, MAIN_SIGNATURE) || BeginsWith(contents, EXTENSION_SIGNATURE);
+    return BeginsWith(contents, MainSignature) || BeginsWith(contents, ExtensionSignature);
 }
 
 bool XmpBlock::IsEmpty() const
@@ -160,11 +160,11 @@ std::vector<Bytes> XmpBlock::Segments() const
         return {};
     }
     const std::string packet = m_properties->Write();
-    if (packet.size() + MAIN_SIGNATURE.size() > MAX_SEGMENT_BYTES)
+    if (packet.size() + MainSignature.size() > MaxSegmentBytes)
     {
         ThrowHresult(WINCODEC_ERR_TOOMUCHMETADATA);
     }
-    Bytes segment(MAIN_SIGNATURE.begin(), MAIN_SIGNATURE.end());
+    Bytes segment(MainSignature.begin(), MainSignature.end());
     segment.insert(segment.end(), packet.begin(), packet.end());
     return {segment};
 }

@@ -21,7 +21,7 @@ namespace
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 
-const std::string heading = "Windows Registry Editor Version 5.00\n";
+const std::string Heading = "Windows Registry Editor Version 5.00\n";
 
 class RegistryStore : public testing::Test
 {
@@ -78,7 +78,7 @@ protected:
 TEST_F(RegistryStore, KeepsEverythingItDoesNotChange)
 {
     const std::string before =
-        heading + "; a remark at the top\n\n[HKEY_CURRENT_USER\\Software\\Other]\n; mine\n"
+        Heading + "; a remark at the top\n\n[HKEY_CURRENT_USER\\Software\\Other]\n; mine\n"
                   "\"odd\"=something new\n\"List\"=hex(7):61,00,\\\n  00,00,00,00\n[-HKEY_X]\n\"gone\"=-\n\n"
                   "[HKEY_CURRENT_USER\\Software\\Test]\n\"A\"=dword:1\n";
     Put(before);
@@ -121,10 +121,10 @@ TEST_F(RegistryStore, PutsADamagedFileAsideAndSaysSoOnce)
 {
     const std::string cases[] = {
         "<html>not a registry</html>\n",
-        heading + std::string(100, '\0'),
-        heading + "[HKEY_CURRENT_USER\\Software\\Test]\n\"A\"=dword:1\n\"Text\"=\"cut o",
-        heading + "[HKEY_CURRENT_USER\\Software\\Te",
-        heading + "[HKEY_CURRENT_USER\\Software\\Test]\n\"A\"=hex:01,02,",
+        Heading + std::string(100, '\0'),
+        Heading + "[HKEY_CURRENT_USER\\Software\\Test]\n\"A\"=dword:1\n\"Text\"=\"cut o",
+        Heading + "[HKEY_CURRENT_USER\\Software\\Te",
+        Heading + "[HKEY_CURRENT_USER\\Software\\Test]\n\"A\"=hex:01,02,",
         "\xFF\xFEW",
     };
     int number = 0;
@@ -236,7 +236,7 @@ TEST_F(RegistryStore, ABatchReplacesTheFileOnce)
 TEST_F(RegistryStore, ALinkToTheFileStaysALink)
 {
     const std::string real = m_folder + "/real.reg";
-    std::ofstream(real) << heading;
+    std::ofstream(real) << Heading;
     fs::create_symlink(real, m_file);
     ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("A"), 1));
     EXPECT_TRUE(fs::is_symlink(m_file));

@@ -7,7 +7,7 @@
 
 namespace
 {
-const WCHAR *const testKey = TEXT("Software\\HalvoraPlatformTest");
+const WCHAR *const TestKey = TEXT("Software\\HalvoraPlatformTest");
 
 template <class T>
 const BYTE *Bytes(const T &value)
@@ -20,9 +20,9 @@ class RegistryTest : public testing::Test
 protected:
     void SetUp() override
     {
-        RegDeleteTreeW(HKEY_CURRENT_USER, testKey);
+        RegDeleteTreeW(HKEY_CURRENT_USER, TestKey);
         DWORD disposition = 0;
-        ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_CURRENT_USER, testKey, 0, nullptr, 0, KEY_ALL_ACCESS,
+        ASSERT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_CURRENT_USER, TestKey, 0, nullptr, 0, KEY_ALL_ACCESS,
                                                  nullptr, m_key.Put(), &disposition));
         ASSERT_EQ(DWORD(REG_CREATED_NEW_KEY), disposition);
     }
@@ -30,7 +30,7 @@ protected:
     void TearDown() override
     {
         m_key.Reset();
-        RegDeleteTreeW(HKEY_CURRENT_USER, testKey);
+        RegDeleteTreeW(HKEY_CURRENT_USER, TestKey);
     }
 
     RegistryKeyOwner Open(const WCHAR *subkey, REGSAM access = KEY_READ) const

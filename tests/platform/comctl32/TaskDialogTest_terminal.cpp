@@ -13,8 +13,8 @@ namespace
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr TASKDIALOG_BUTTON buttons[] = {{100, u"Make it &smaller\nAt most 2048 pixels"}, {101, u"&Leave it out"}};
-constexpr TASKDIALOG_BUTTON radioButtons[] = {{11, u"Keep the place"}, {12, u"Remove the place"}};
+constexpr TASKDIALOG_BUTTON Buttons[] = {{100, u"Make it &smaller\nAt most 2048 pixels"}, {101, u"&Leave it out"}};
+constexpr TASKDIALOG_BUTTON RadioButtons[] = {{11, u"Keep the place"}, {12, u"Remove the place"}};
 
 TASKDIALOGCONFIG FullRecord()
 {
@@ -27,10 +27,10 @@ TASKDIALOGCONFIG FullRecord()
     config.pszMainInstruction = u"One picture is too large.";
     config.pszContent = u"Gr\u00F6\u00DFe: see <a href=\"https://www.example.org/\">the limits</a>.";
     config.cButtons = 2;
-    config.pButtons = buttons;
+    config.pButtons = Buttons;
     config.nDefaultButton = 101;
     config.cRadioButtons = 2;
-    config.pRadioButtons = radioButtons;
+    config.pRadioButtons = RadioButtons;
     config.pszVerificationText = u"Always so";
     config.pszExpandedInformation = u"The long story";
     config.pszCollapsedControlText = u"Tell me more";

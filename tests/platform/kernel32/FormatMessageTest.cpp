@@ -56,7 +56,7 @@ TEST(FormatMessage, NetworkAndImagingFailuresHaveWordsNatively)
     for (DWORD code : {0x80004002u, 0x80004003u, 0x80004004u, 0x8000FFFFu, 0x80040154u, 0x800700DFu, 0x80072EE2u,
                        0x80072EE7u, 0x80072EFDu, 0x80072EFFu, 0x80072F7Du, 0x88982F50u, 0x88982F60u, 0x88982F61u})
     {
-        EXPECT_EQ(MessageOf(code).empty(), underWine) << std::hex << code;
+        EXPECT_EQ(MessageOf(code).empty(), UnderWine) << std::hex << code;
     }
 }
 } // namespace

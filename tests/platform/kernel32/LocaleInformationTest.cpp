@@ -11,9 +11,9 @@ constexpr LCID Locale(WORD primary, WORD sub)
     return MAKELCID(MAKELANGID(primary, sub), SORT_DEFAULT);
 }
 
-constexpr LCID english = Locale(LANG_ENGLISH, SUBLANG_ENGLISH_US);
-constexpr LCID german = Locale(LANG_GERMAN, SUBLANG_GERMAN);
-constexpr LCID hindi = Locale(LANG_HINDI, SUBLANG_HINDI_INDIA);
+constexpr LCID English = Locale(LANG_ENGLISH, SUBLANG_ENGLISH_US);
+constexpr LCID German = Locale(LANG_GERMAN, SUBLANG_GERMAN);
+constexpr LCID Hindi = Locale(LANG_HINDI, SUBLANG_HINDI_INDIA);
 
 WideText Read(LCID locale, LCTYPE type)
 {
@@ -30,9 +30,9 @@ TEST(LocaleInformation, TextsOfKnownLocales)
         const WCHAR *thousand;
         const WCHAR *grouping;
     } cases[] = {
-        {english, TEXT("."), TEXT(","), TEXT("3;0")},
-        {german, TEXT(","), TEXT("."), TEXT("3;0")},
-        {hindi, TEXT("."), TEXT(","), TEXT("3;2;0")},
+        {English, TEXT("."), TEXT(","), TEXT("3;0")},
+        {German, TEXT(","), TEXT("."), TEXT("3;0")},
+        {Hindi, TEXT("."), TEXT(","), TEXT("3;2;0")},
         {LOCALE_INVARIANT, TEXT("."), TEXT(","), TEXT("3;0")},
     };
     for (const auto &c : cases)
@@ -41,42 +41,42 @@ TEST(LocaleInformation, TextsOfKnownLocales)
         EXPECT_EQ(Read(c.locale, LOCALE_STHOUSAND), c.thousand) << c.locale;
         EXPECT_EQ(Read(c.locale, LOCALE_SGROUPING), c.grouping) << c.locale;
     }
-    EXPECT_EQ(Read(english, LOCALE_ILZERO), TEXT("1"));
-    EXPECT_EQ(Read(english, LOCALE_IDIGITS), TEXT("2"));
-    EXPECT_EQ(Read(english, LOCALE_INEGNUMBER), TEXT("1"));
-    EXPECT_EQ(Read(english, LOCALE_SNEGATIVESIGN), TEXT("-"));
+    EXPECT_EQ(Read(English, LOCALE_ILZERO), TEXT("1"));
+    EXPECT_EQ(Read(English, LOCALE_IDIGITS), TEXT("2"));
+    EXPECT_EQ(Read(English, LOCALE_INEGNUMBER), TEXT("1"));
+    EXPECT_EQ(Read(English, LOCALE_SNEGATIVESIGN), TEXT("-"));
 }
 
 TEST(LocaleInformation, NumbersOnRequest)
 {
     DWORD number = 99;
     auto *const buffer = reinterpret_cast<WCHAR *>(&number);
-    EXPECT_EQ(GetLocaleInfoW(english, LOCALE_IDIGITS | LOCALE_RETURN_NUMBER, buffer, 2), 2);
+    EXPECT_EQ(GetLocaleInfoW(English, LOCALE_IDIGITS | LOCALE_RETURN_NUMBER, buffer, 2), 2);
     EXPECT_EQ(number, 2u);
-    EXPECT_EQ(GetLocaleInfoW(english, LOCALE_IDIGITS | LOCALE_RETURN_NUMBER, buffer, 1), 0);
+    EXPECT_EQ(GetLocaleInfoW(English, LOCALE_IDIGITS | LOCALE_RETURN_NUMBER, buffer, 1), 0);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
-    EXPECT_EQ(GetLocaleInfoW(english, LOCALE_SDECIMAL | LOCALE_RETURN_NUMBER, buffer, 2), 0);
+    EXPECT_EQ(GetLocaleInfoW(English, LOCALE_SDECIMAL | LOCALE_RETURN_NUMBER, buffer, 2), 0);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_FLAGS});
 }
 
 TEST(LocaleInformation, SizesAndRefusals)
 {
     WCHAR text[4];
-    EXPECT_EQ(GetLocaleInfoW(english, LOCALE_SGROUPING, nullptr, 0), 4);
-    EXPECT_EQ(GetLocaleInfoW(english, LOCALE_SGROUPING, text, 3), 0);
+    EXPECT_EQ(GetLocaleInfoW(English, LOCALE_SGROUPING, nullptr, 0), 4);
+    EXPECT_EQ(GetLocaleInfoW(English, LOCALE_SGROUPING, text, 3), 0);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
-    EXPECT_EQ(GetLocaleInfoW(english, LOCALE_SGROUPING, nullptr, 3), 0);
+    EXPECT_EQ(GetLocaleInfoW(English, LOCALE_SGROUPING, nullptr, 3), 0);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
     EXPECT_EQ(GetLocaleInfoW(0xBEEF, LOCALE_SGROUPING, text, 4), 0);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
-    EXPECT_EQ(GetLocaleInfoW(english, 0x0FFF, text, 4), 0);
+    EXPECT_EQ(GetLocaleInfoW(English, 0x0FFF, text, 4), 0);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_FLAGS});
 }
 
 TEST(LocaleInformation, ValidLocales)
 {
-    EXPECT_TRUE(IsValidLocale(english, LCID_SUPPORTED));
-    EXPECT_TRUE(IsValidLocale(german, LCID_SUPPORTED));
+    EXPECT_TRUE(IsValidLocale(English, LCID_SUPPORTED));
+    EXPECT_TRUE(IsValidLocale(German, LCID_SUPPORTED));
     EXPECT_FALSE(IsValidLocale(0xBEEF, LCID_SUPPORTED));
 }
 } // namespace

@@ -18,7 +18,7 @@ extern "C"
 
 namespace
 {
-const WCHAR *const here = reinterpret_cast<const WCHAR *>(&ExportedForTheTest);
+const WCHAR *const Here = reinterpret_cast<const WCHAR *>(&ExportedForTheTest);
 
 HMODULE ModuleAt(const void *address, DWORD flags)
 {
@@ -33,10 +33,10 @@ TEST(Modules, AnAddressInTheProgramGivesTheProgram)
 {
     HMODULE program = nullptr;
     ASSERT_TRUE(GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT, nullptr, &program));
-    EXPECT_EQ(ModuleAt(here, GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT), program);
+    EXPECT_EQ(ModuleAt(Here, GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT), program);
     EXPECT_EQ(GetModuleHandleW(nullptr), program);
     // Counted: freed again.
-    EXPECT_EQ(ModuleAt(here, 0), program);
+    EXPECT_EQ(ModuleAt(Here, 0), program);
     EXPECT_TRUE(FreeLibrary(program));
 }
 
@@ -69,7 +69,7 @@ TEST(Modules, TheFileNameIsCutAndReportedIfTheBufferIsSmall)
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
     EXPECT_EQ(WideText(brief, ARRAYSIZE(brief) - 1), whole.substr(0, ARRAYSIZE(brief) - 1));
     // Windows terminates what it cuts, Wine doesn't.
-    EXPECT_EQ(brief[ARRAYSIZE(brief) - 1], underWine ? whole[ARRAYSIZE(brief) - 1] : 0);
+    EXPECT_EQ(brief[ARRAYSIZE(brief) - 1], UnderWine ? whole[ARRAYSIZE(brief) - 1] : 0);
 }
 
 TEST(Modules, ExportedFunctionsAreFoundInTheirOwnModuleOnly)
@@ -86,8 +86,8 @@ TEST(Modules, ExportedFunctionsAreFoundInTheirOwnModuleOnly)
 
 TEST(Modules, LoadingCountsUntilFreed)
 {
-    const WCHAR *const library = underWine ? TEXT("winmm.dll") : TEXT("libsqlite3.so.0");
-    const char *const function = underWine ? "timeGetTime" : "sqlite3_open";
+    const WCHAR *const library = UnderWine ? TEXT("winmm.dll") : TEXT("libsqlite3.so.0");
+    const char *const function = UnderWine ? "timeGetTime" : "sqlite3_open";
     ASSERT_EQ(GetModuleHandleW(library), nullptr);
     const HMODULE loaded = LoadLibraryW(library);
     ASSERT_NE(loaded, nullptr);
@@ -104,7 +104,7 @@ TEST(Modules, WhatCannotBeLoadedSaysWhy)
 {
     EXPECT_EQ(LoadLibraryW(TEXT("/no/such/module.so")), nullptr);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_MOD_NOT_FOUND});
-    if (!underWine)
+    if (!UnderWine)
     {
         EXPECT_EQ(LoadLibraryW(TEXT("/etc/passwd")), nullptr);
         EXPECT_EQ(GetLastError(), DWORD{ERROR_BAD_EXE_FORMAT});

@@ -8,7 +8,7 @@
 
 namespace
 {
-constexpr LCID english = MAKELCID(MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US), SORT_DEFAULT);
+constexpr LCID English = MAKELCID(MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US), SORT_DEFAULT);
 
 struct Form
 {
@@ -29,7 +29,7 @@ WideText Format(const WCHAR *value, const Form &form)
 {
     const NUMBERFMTW format = Build(form);
     WCHAR text[128];
-    return GetNumberFormatW(english, 0, value, &format, text, ARRAYSIZE(text)) > 0 ? text : TEXT("failed");
+    return GetNumberFormatW(English, 0, value, &format, text, ARRAYSIZE(text)) > 0 ? text : TEXT("failed");
 }
 
 TEST(NumberFormat, GroupsFromTheRight)
@@ -50,7 +50,7 @@ TEST(NumberFormat, RoundsHalvesAwayFromZeroOnTheText)
     EXPECT_EQ(Format(TEXT("2.4999"), {}), TEXT("2"));
     EXPECT_EQ(Format(TEXT("1999.995"), {.decimals = 2}), TEXT("2,000.00"));
     // A digit that rounding adds is grouped like the others; Wine forgets it.
-    EXPECT_EQ(Format(TEXT("999.995"), {.decimals = 2}), underWine ? TEXT("1000.00") : TEXT("1,000.00"));
+    EXPECT_EQ(Format(TEXT("999.995"), {.decimals = 2}), UnderWine ? TEXT("1000.00") : TEXT("1,000.00"));
     EXPECT_EQ(Format(TEXT("0.05"), {.decimals = 1}), TEXT("0.1"));
     EXPECT_EQ(Format(TEXT("1.5"), {.decimals = 3}), TEXT("1.500"));
     EXPECT_EQ(Format(TEXT("1"), {.decimals = 1}), TEXT("1.0"));
@@ -84,26 +84,26 @@ TEST(NumberFormat, RefusesWhatIsNoNumberOrNoFormat)
     for (const Form &form : {Form{.leadingZero = 2}, Form{.negativeOrder = 5}})
     {
         // Wine takes any number for these two.
-        EXPECT_EQ(Format(TEXT("1"), form), underWine ? TEXT("1") : TEXT("failed"));
+        EXPECT_EQ(Format(TEXT("1"), form), UnderWine ? TEXT("1") : TEXT("failed"));
     }
     NUMBERFMTW format = Build({});
     format.lpThousandSep = nullptr;
     WCHAR text[32];
-    EXPECT_EQ(GetNumberFormatW(english, 0, TEXT("1"), &format, text, 32), 0);
+    EXPECT_EQ(GetNumberFormatW(English, 0, TEXT("1"), &format, text, 32), 0);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
     format = Build({});
-    EXPECT_EQ(GetNumberFormatW(english, LOCALE_NOUSEROVERRIDE, TEXT("1"), &format, text, 32), 0);
+    EXPECT_EQ(GetNumberFormatW(English, LOCALE_NOUSEROVERRIDE, TEXT("1"), &format, text, 32), 0);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_FLAGS});
 }
 
 TEST(NumberFormat, SizeQueriesAndSmallBuffers)
 {
     const NUMBERFMTW format = Build({});
-    EXPECT_EQ(GetNumberFormatW(english, 0, TEXT("1000"), &format, nullptr, 0), 6);
+    EXPECT_EQ(GetNumberFormatW(English, 0, TEXT("1000"), &format, nullptr, 0), 6);
     WCHAR text[6];
-    EXPECT_EQ(GetNumberFormatW(english, 0, TEXT("1000"), &format, text, 6), 6);
+    EXPECT_EQ(GetNumberFormatW(English, 0, TEXT("1000"), &format, text, 6), 6);
     SetLastError(0);
-    EXPECT_EQ(GetNumberFormatW(english, 0, TEXT("1000"), &format, text, 5), 0);
+    EXPECT_EQ(GetNumberFormatW(English, 0, TEXT("1000"), &format, text, 5), 0);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
 }
 } // namespace

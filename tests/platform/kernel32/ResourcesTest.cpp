@@ -8,7 +8,7 @@
 
 namespace
 {
-const WCHAR *const rawData = MAKEINTRESOURCEW(10);
+const WCHAR *const RawData = MAKEINTRESOURCEW(10);
 
 std::string Read(const WCHAR *name, const WCHAR *type)
 {
@@ -23,17 +23,17 @@ std::string Read(const WCHAR *name, const WCHAR *type)
 
 TEST(Resources, AreFoundByNumberAndByText)
 {
-    EXPECT_EQ(Read(MAKEINTRESOURCEW(300), rawData), "first");
-    EXPECT_EQ(Read(MAKEINTRESOURCEW(301), rawData), "odd");
+    EXPECT_EQ(Read(MAKEINTRESOURCEW(300), RawData), "first");
+    EXPECT_EQ(Read(MAKEINTRESOURCEW(301), RawData), "odd");
     EXPECT_EQ(Read(TEXT("#301"), TEXT("#10")), "odd");
-    EXPECT_EQ(Read(TEXT("WORDS"), rawData), "by name");
-    EXPECT_EQ(Read(TEXT("words"), rawData), "by name");
+    EXPECT_EQ(Read(TEXT("WORDS"), RawData), "by name");
+    EXPECT_EQ(Read(TEXT("words"), RawData), "by name");
     EXPECT_EQ(Read(MAKEINTRESOURCEW(7), TEXT("Documents")), "seven");
 }
 
 TEST(Resources, WhatIsMissingSaysWhy)
 {
-    EXPECT_EQ(Read(MAKEINTRESOURCEW(302), rawData), "error " + std::to_string(ERROR_RESOURCE_NAME_NOT_FOUND));
+    EXPECT_EQ(Read(MAKEINTRESOURCEW(302), RawData), "error " + std::to_string(ERROR_RESOURCE_NAME_NOT_FOUND));
     EXPECT_EQ(Read(MAKEINTRESOURCEW(7), TEXT("NOTHING")),
               "error " + std::to_string(ERROR_RESOURCE_TYPE_NOT_FOUND));
 }

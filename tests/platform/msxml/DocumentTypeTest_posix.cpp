@@ -11,13 +11,13 @@
 
 namespace
 {
-const CLSID documentClass = {0x88d96a05, 0xf192, 0x11d4, {0xa6, 0x5f, 0x00, 0x40, 0x96, 0x32, 0x51, 0xe5}};
+const CLSID DocumentClass = {0x88d96a05, 0xf192, 0x11d4, {0xa6, 0x5f, 0x00, 0x40, 0x96, 0x32, 0x51, 0xe5}};
 
 TEST(DocumentTypes, AreRefusedWithTheirLine)
 {
     RegisterDocumentClass();
     ComPtr<IXMLDOMDocument2> document;
-    ASSERT_EQ(S_OK, CoCreateInstance(documentClass, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IXMLDOMDocument2),
+    ASSERT_EQ(S_OK, CoCreateInstance(DocumentClass, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IXMLDOMDocument2),
                                      document.PutVoid()));
     const struct
     {
@@ -53,7 +53,7 @@ TEST(DocumentBytes, OfABrokenEncodingAreRefusedSilently)
     using namespace std::string_literals;
     RegisterDocumentClass();
     ComPtr<IXMLDOMDocument2> document;
-    ASSERT_EQ(S_OK, CoCreateInstance(documentClass, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IXMLDOMDocument2),
+    ASSERT_EQ(S_OK, CoCreateInstance(DocumentClass, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IXMLDOMDocument2),
                                      document.PutVoid()));
     const std::string cases[] = {
         "<?xm\xFF version=\"1.0\" encoding=\"utf-8\"?><a/>"s,

@@ -11,8 +11,8 @@
 
 namespace
 {
-const CLSID documentClass = {0x88d96a05, 0xf192, 0x11d4, {0xa6, 0x5f, 0x00, 0x40, 0x96, 0x32, 0x51, 0xe5}};
-const IID elementInterface = {0x2933bf86, 0x7b36, 0x11d2, {0xb2, 0x0e, 0x00, 0xc0, 0x4f, 0x98, 0x3e, 0x60}};
+const CLSID DocumentClass = {0x88d96a05, 0xf192, 0x11d4, {0xa6, 0x5f, 0x00, 0x40, 0x96, 0x32, 0x51, 0xe5}};
+const IID ElementInterface = {0x2933bf86, 0x7b36, 0x11d2, {0xb2, 0x0e, 0x00, 0xc0, 0x4f, 0x98, 0x3e, 0x60}};
 
 class DomDocument : public testing::Test
 {
@@ -21,7 +21,7 @@ protected:
 
     void SetUp() override
     {
-        ASSERT_EQ(S_OK, CoCreateInstance(documentClass, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IXMLDOMDocument2),
+        ASSERT_EQ(S_OK, CoCreateInstance(DocumentClass, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IXMLDOMDocument2),
                                          m_document.PutVoid()));
         m_document->put_async(VARIANT_FALSE);
     }
@@ -121,7 +121,7 @@ TEST_F(DomDocument, NodesOutliveTheirDocument)
     m_document.Reset();
     root.Reset();
     ComPtr<IXMLDOMElement> element;
-    ASSERT_EQ(S_OK, child->QueryInterface(elementInterface, element.PutVoid()));
+    ASSERT_EQ(S_OK, child->QueryInterface(ElementInterface, element.PutVoid()));
     BstrOwner xml, name;
     EXPECT_EQ(S_OK, child->get_xml(xml.Put()));
     EXPECT_TRUE(xml.View() == TEXT("<b c=\"d\">text</b>"));

@@ -17,7 +17,7 @@ constexpr HRESULT Internet(unsigned number)
     return static_cast<HRESULT>(0x80070000u | number);
 }
 
-const char *const document = "<?xml version=\"1.0\"?><answer><word>forty two</word></answer>";
+const char *const Document = "<?xml version=\"1.0\"?><answer><word>forty two</word></answer>";
 
 VARIANT TextValue(const BstrOwner &text)
 {
@@ -81,8 +81,8 @@ protected:
 
 TEST_F(RequestExchange, GivesStatusHeadersTextAndDocumentOfAReply)
 {
-    HttpTestServer server(Answer(Reply(document, "200 All right", "X-One: a\r\nx-one:  b \r\nX-Empty:\r\n")));
-    for (const CLSID *requestClass : {&serverRequestClass, &userRequestClass})
+    HttpTestServer server(Answer(Reply(Document, "200 All right", "X-One: a\r\nx-one:  b \r\nX-Empty:\r\n")));
+    for (const CLSID *requestClass : {&ServerRequestClass, &UserRequestClass})
     {
         RequestUse use(*requestClass);
         ASSERT_EQ(S_OK, use.Open(UrlOf(server, "/flickr/authorization/?oauth_token=1-2")));
@@ -98,7 +98,7 @@ TEST_F(RequestExchange, GivesStatusHeadersTextAndDocumentOfAReply)
         EXPECT_EQ("a, b", use.Header("X-ONE"));
         EXPECT_EQ("", use.Header("x-empty"));
         EXPECT_EQ("(none)", use.Header("X-Two"));
-        EXPECT_EQ(document, use.Text());
+        EXPECT_EQ(Document, use.Text());
         EXPECT_EQ("forty two", use.Read("/answer/word"));
         EXPECT_EQ(E_FAIL, use.Send()); // has been sent
         const SeenRequest seen = server.Requests().back();
@@ -178,8 +178,8 @@ TEST_F(RequestExchange, TakesWhateverTheServerAnswersForAReply)
         LONG status;
         const char *word;
     } cases[] = {
-        {Reply(document), 200, "forty two"},
-        {Reply(document, "404 Not Found"), 404, "forty two"},
+        {Reply(Document), 200, "forty two"},
+        {Reply(Document, "404 Not Found"), 404, "forty two"},
         {Reply("<html><p>no", "500 Oops"), 500, "(none)"},
         {Reply("Not yet."), 200, "(none)"},
         {Reply(""), 200, "(none)"},
@@ -190,7 +190,7 @@ TEST_F(RequestExchange, TakesWhateverTheServerAnswersForAReply)
          "two</word></answer>    \r\n0\r\n\r\n",
          200, "forty two"},
         {"HTTP/1.1 204 No Content\r\n\r\n", 204, "(none)"},
-        {"HTTP/1.1 100 Continue\r\n\r\n" + Reply(document, "201 Made"), 201, "forty two"},
+        {"HTTP/1.1 100 Continue\r\n\r\n" + Reply(Document, "201 Made"), 201, "forty two"},
         {Reply("", "302 Found"), 302, "(none)"}, // to nowhere
     };
     for (const auto &c : cases)
@@ -205,7 +205,7 @@ TEST_F(RequestExchange, TakesWhateverTheServerAnswersForAReply)
 
 TEST_F(RequestExchange, FollowsRedirectionsWithinTheWeb)
 {
-    HttpTestServer target(Answer(Reply(document)));
+    HttpTestServer target(Answer(Reply(Document)));
     std::string location;
     HttpTestServer server([&](Conversation &conversation) {
         while (const auto request = conversation.ReadRequest())
@@ -273,9 +273,9 @@ TEST_F(RequestExchange, WaitsForAServerThatIsSlowButMoves)
 {
     HttpTestServer slow([](Conversation &conversation) {
         conversation.ReadRequest();
-        conversation.Write("HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(std::string(document).size()) +
+        conversation.Write("HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(std::string(Document).size()) +
                            "\r\n\r\n");
-        for (const char *rest = document; *rest; ++rest)
+        for (const char *rest = Document; *rest; ++rest)
         {
             std::this_thread::sleep_for(std::chrono::milliseconds(60));
             conversation.Write(std::string(1, *rest));
@@ -351,7 +351,7 @@ TEST_F(RequestExchange, ChecksCertificates)
     };
     for (const auto &c : cases)
     {
-        HttpTestServer server(c.certificate, Answer(Reply(document)));
+        HttpTestServer server(c.certificate, Answer(Reply(Document)));
         const std::string there = ":127.0.0.1:" + std::to_string(server.Port());
         setenv("HALVORA_CONNECT_TO", (";a.example:1:b.example:2;endpoint.example:443" + there).c_str(), 1);
         setenv("HALVORA_CA_FILE", trustFile, 1);
@@ -369,7 +369,7 @@ TEST_F(RequestExchange, DoesNotLeaveTheSecureWebByARedirection)
     const char *const trustFile = "msxml-test-ca.pem";
     const TestAuthority authority;
     authority.Save(trustFile);
-    HttpTestServer plain(Answer(Reply(document)));
+    HttpTestServer plain(Answer(Reply(Document)));
     HttpTestServer secure(authority.Issue("DNS:endpoint.example"),
                           Answer(Reply("", "301 Moved", "Location: " + UrlOf(plain) + "\r\n")));
     setenv("HALVORA_CONNECT_TO", ("endpoint.example:443:127.0.0.1:" + std::to_string(secure.Port())).c_str(), 1);
@@ -421,7 +421,7 @@ TEST_F(RequestExchange, GoesThroughTheProxyThatIsSet)
     EXPECT_EQ(E_INVALIDARG, SetProxy(secure, SXH_PROXY_SET_PROXY));
     // The user's request goes by the user's settings.
     setenv("http_proxy", ("http://" + address).c_str(), 1);
-    RequestUse user(userRequestClass);
+    RequestUse user(UserRequestClass);
     EXPECT_EQ(S_OK, user.Get(UrlOf(server)));
     EXPECT_EQ("proxy", user.Read("/by"));
 }

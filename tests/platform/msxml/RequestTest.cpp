@@ -8,7 +8,7 @@
 namespace
 {
 // No server has this port, so near as the system tells.
-const char *const closedPort = "http://127.0.0.1:1/";
+const char *const ClosedPort = "http://127.0.0.1:1/";
 
 class Request : public testing::TestWithParam<const CLSID *>
 {
@@ -16,7 +16,7 @@ protected:
     static void SetUpTestSuite() { RegisterDocumentClass(); }
 };
 
-INSTANTIATE_TEST_SUITE_P(BothClasses, Request, testing::Values(&serverRequestClass, &userRequestClass));
+INSTANTIATE_TEST_SUITE_P(BothClasses, Request, testing::Values(&ServerRequestClass, &UserRequestClass));
 
 TEST_P(Request, HasNothingToReadAndNothingToSendBeforeItIsOpen)
 {
@@ -35,7 +35,7 @@ TEST_P(Request, HasNothingToReadAndNothingToSendBeforeItIsOpen)
     EXPECT_EQ(E_FAIL, use.request->get_responseXML(document.Put()));
     EXPECT_FALSE(document);
     // Wine's classes stay in an apartment of their own, and what leads there stops at the null.
-    const HRESULT nullPointer = underWine ? static_cast<HRESULT>(0x800706F4) : E_INVALIDARG;
+    const HRESULT nullPointer = UnderWine ? static_cast<HRESULT>(0x800706F4) : E_INVALIDARG;
     EXPECT_EQ(nullPointer, use.request->get_status(nullptr));
     EXPECT_EQ(nullPointer, use.request->get_responseXML(nullptr));
     EXPECT_EQ(S_OK, use.request->abort());
@@ -45,13 +45,13 @@ TEST_P(Request, OpensWhatIsAnAddressAndAMethod)
 {
     RequestUse use(*GetParam());
     ASSERT_EQ(S_OK, use.creation);
-    EXPECT_EQ(S_OK, use.Open(closedPort));
+    EXPECT_EQ(S_OK, use.Open(ClosedPort));
     LONG state = 77;
     EXPECT_EQ(S_OK, use.request->get_readyState(&state));
     EXPECT_EQ(1, state);
     EXPECT_EQ(E_INVALIDARG, use.request->setRequestHeader(nullptr, nullptr));
     EXPECT_EQ(S_OK, use.request->setRequestHeader(Bstr("X-A").Get(), Bstr("b").Get()));
-    EXPECT_TRUE(FAILED(use.request->open(nullptr, Bstr(closedPort).Get(), VARIANT{}, VARIANT{}, VARIANT{})));
+    EXPECT_TRUE(FAILED(use.request->open(nullptr, Bstr(ClosedPort).Get(), VARIANT{}, VARIANT{}, VARIANT{})));
     EXPECT_TRUE(FAILED(use.request->open(Bstr("GET").Get(), nullptr, VARIANT{}, VARIANT{}, VARIANT{})));
     EXPECT_EQ(S_OK, use.request->abort());
     EXPECT_EQ(E_FAIL, use.Send());
@@ -63,9 +63,9 @@ TEST_P(Request, FailsToSendWhereNobodyListensAndCanBeUsedAgain)
     ASSERT_EQ(S_OK, use.creation);
     for (int round = 0; round < 2; ++round)
     {
-        const HRESULT result = use.Get(closedPort);
+        const HRESULT result = use.Get(ClosedPort);
         // Wine has codes of its own for this.
-        EXPECT_EQ(!underWine, result == static_cast<HRESULT>(0x80072EFD)) << std::hex << result;
+        EXPECT_EQ(!UnderWine, result == static_cast<HRESULT>(0x80072EFD)) << std::hex << result;
         EXPECT_TRUE(FAILED(result));
         EXPECT_EQ(-1, use.Status());
     }
@@ -74,7 +74,7 @@ TEST_P(Request, FailsToSendWhereNobodyListensAndCanBeUsedAgain)
 TEST(RequestClasses, OnlyTheServersCanBeGivenAProxy)
 {
     RegisterDocumentClass();
-    for (const CLSID *requestClass : {&serverRequestClass, &userRequestClass})
+    for (const CLSID *requestClass : {&ServerRequestClass, &UserRequestClass})
     {
         RequestUse use(*requestClass);
         ASSERT_EQ(S_OK, use.creation);
@@ -85,7 +85,7 @@ TEST(RequestClasses, OnlyTheServersCanBeGivenAProxy)
             ComPtr<IUnknown> server;
             // Wine's class has the first of the two interfaces alone.
             const bool has =
-                requestClass == &serverRequestClass && (!underWine || iid == __uuidof(IServerXMLHTTPRequest));
+                requestClass == &ServerRequestClass && (!UnderWine || iid == __uuidof(IServerXMLHTTPRequest));
             EXPECT_EQ(has ? S_OK : E_NOINTERFACE, use.request->QueryInterface(iid, server.PutVoid()));
         }
     }

@@ -8,9 +8,9 @@
 
 #include <string>
 
-inline const CLSID serverRequestClass = {
+inline const CLSID ServerRequestClass = {
     0x88d96a0b, 0xf192, 0x11d4, {0xa6, 0x5f, 0x00, 0x40, 0x96, 0x32, 0x51, 0xe5}};
-inline const CLSID userRequestClass = {
+inline const CLSID UserRequestClass = {
     0x88d96a0a, 0xf192, 0x11d4, {0xa6, 0x5f, 0x00, 0x40, 0x96, 0x32, 0x51, 0xe5}};
 
 inline BstrOwner Bstr(const std::string &ascii)
@@ -32,7 +32,7 @@ inline std::string Ascii(WideView text)
 class RequestUse
 {
 public:
-    explicit RequestUse(const CLSID &requestClass = serverRequestClass)
+    explicit RequestUse(const CLSID &requestClass = ServerRequestClass)
     {
         creation = CoCreateInstance(requestClass, nullptr, 23, __uuidof(IXMLHTTPRequest), request.PutVoid());
     }

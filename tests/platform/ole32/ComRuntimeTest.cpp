@@ -11,7 +11,7 @@
 
 namespace
 {
-const CLSID testClass = {0x5d1f3c0a, 0x6f5e, 0x4a6b, {0x91, 0x27, 0x5c, 0x0e, 0x3a, 0x42, 0x8d, 0x11}};
+const CLSID TestClass = {0x5d1f3c0a, 0x6f5e, 0x4a6b, {0x91, 0x27, 0x5c, 0x0e, 0x3a, 0x42, 0x8d, 0x11}};
 
 // An object that any thread may call directly.
 class Agile final : public ComObject<Agile, ISupportErrorInfo>
@@ -39,12 +39,12 @@ TEST(ComRuntime, CreatesObjectsOfRegisteredClassesUntilTheyAreRevoked)
     ClassFactory<Agile> factory;
     ComPtr<ISupportErrorInfo> object;
     const auto create = [&](REFIID iid) {
-        return CoCreateInstance(testClass, nullptr, CLSCTX_ALL, iid, object.PutVoid());
+        return CoCreateInstance(TestClass, nullptr, CLSCTX_ALL, iid, object.PutVoid());
     };
     EXPECT_EQ(REGDB_E_CLASSNOTREG, create(__uuidof(ISupportErrorInfo)));
     EXPECT_FALSE(object);
     DWORD cookie = 0;
-    ASSERT_EQ(S_OK, CoRegisterClassObject(testClass, &factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie));
+    ASSERT_EQ(S_OK, CoRegisterClassObject(TestClass, &factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie));
     EXPECT_EQ(S_OK, create(__uuidof(ISupportErrorInfo)));
     EXPECT_TRUE(object);
     EXPECT_EQ(S_OK, create(__uuidof(IUnknown)));
@@ -52,7 +52,7 @@ TEST(ComRuntime, CreatesObjectsOfRegisteredClassesUntilTheyAreRevoked)
     EXPECT_FALSE(object);
     EXPECT_EQ(S_OK, CoRevokeClassObject(cookie));
     EXPECT_EQ(REGDB_E_CLASSNOTREG, create(__uuidof(ISupportErrorInfo)));
-    EXPECT_EQ(E_POINTER, CoCreateInstance(testClass, nullptr, CLSCTX_ALL, __uuidof(IUnknown), nullptr));
+    EXPECT_EQ(E_POINTER, CoCreateInstance(TestClass, nullptr, CLSCTX_ALL, __uuidof(IUnknown), nullptr));
 }
 
 TEST(ComRuntime, AnAgileObjectCrossesThreadsAsItself)
@@ -91,16 +91,16 @@ TEST(ComRuntime, AnAgileObjectCrossesThreadsAsItself)
 TEST(ComRuntime, TurnsIdentifiersIntoTextsAndBack)
 {
     WCHAR text[39] = {};
-    EXPECT_EQ(0, StringFromGUID2(testClass, text, 38));
-    EXPECT_EQ(39, StringFromGUID2(testClass, text, 39));
+    EXPECT_EQ(0, StringFromGUID2(TestClass, text, 38));
+    EXPECT_EQ(39, StringFromGUID2(TestClass, text, 39));
     EXPECT_TRUE(WideText(text) == TEXT("{5D1F3C0A-6F5E-4A6B-9127-5C0E3A428D11}"));
     CLSID clsid;
     EXPECT_EQ(S_OK, CLSIDFromString(TEXT("{5d1f3c0a-6f5e-4a6b-9127-5c0e3a428D11}"), &clsid));
-    EXPECT_TRUE(clsid == testClass);
+    EXPECT_TRUE(clsid == TestClass);
     EXPECT_EQ(CO_E_CLASSSTRING, CLSIDFromString(TEXT("{5d1f3c0a-6f5e-4a6b-9127-5c0e3a428D1}"), &clsid));
     EXPECT_EQ(CO_E_CLASSSTRING, CLSIDFromProgID(TEXT("Halvora.NoSuchProgram"), &clsid));
     TaskTextOwner progId;
-    EXPECT_EQ(REGDB_E_CLASSNOTREG, ProgIDFromCLSID(testClass, progId.Put()));
+    EXPECT_EQ(REGDB_E_CLASSNOTREG, ProgIDFromCLSID(TestClass, progId.Put()));
     EXPECT_FALSE(progId);
 }
 

@@ -6,7 +6,7 @@
 
 namespace
 {
-constexpr size_t tooLarge = size_t{STRSAFE_MAX_CCH} + 1;
+constexpr size_t TooLarge = size_t{STRSAFE_MAX_CCH} + 1;
 
 TEST(StringCch, CopyCutsTerminatesAndReports)
 {
@@ -19,7 +19,7 @@ TEST(StringCch, CopyCutsTerminatesAndReports)
     EXPECT_EQ(WideText(text), TEXT(""));
     EXPECT_EQ(StringCchCopyW(text, 1, TEXT("")), S_OK);
     EXPECT_EQ(StringCchCopyW(text, 0, TEXT("x")), STRSAFE_E_INVALID_PARAMETER);
-    EXPECT_EQ(StringCchCopyW(text, tooLarge, TEXT("x")), STRSAFE_E_INVALID_PARAMETER);
+    EXPECT_EQ(StringCchCopyW(text, TooLarge, TEXT("x")), STRSAFE_E_INVALID_PARAMETER);
 }
 
 TEST(StringCch, CopyNTakesAtMostThatManyCharacters)

@@ -32,7 +32,7 @@ TEST(WideFormat, IntegersWithFlagsWidthAndPrecision)
     EXPECT_PRINTS("[5    ]", "[%-05d]", 5);
     EXPECT_PRINTS("[  007][007  ]", "[%5.3d][%-5.3d]", 7, 7);
     // With a precision Windows documents the flag 0 as ignored.
-    EXPECT_EQ(Print(TEXT("%05.3d"), 7), underWine ? TEXT("00007") : TEXT("  007"));
+    EXPECT_EQ(Print(TEXT("%05.3d"), 7), UnderWine ? TEXT("00007") : TEXT("  007"));
     EXPECT_PRINTS("[][  ]", "[%.0d][%2.0u]", 0, 0u);
     EXPECT_PRINTS("[   42][42   ][007]", "[%*d][%*d][%.*d]", 5, 42, -5, 42, 3, 7);
     EXPECT_PRINTS("[7]", "[%.*d]", -3, 7);
@@ -91,10 +91,10 @@ TEST(WideFormat, FloatsInFixedNotation)
 // programs still prints three.
 TEST(WideFormat, FloatsWithExponents)
 {
-    EXPECT_EQ(Print(TEXT("%e"), 12345.678), underWine ? TEXT("1.234568e+004") : TEXT("1.234568e+04"));
-    EXPECT_EQ(Print(TEXT("%.2E"), 0.00012), underWine ? TEXT("1.20E-004") : TEXT("1.20E-04"));
+    EXPECT_EQ(Print(TEXT("%e"), 12345.678), UnderWine ? TEXT("1.234568e+004") : TEXT("1.234568e+04"));
+    EXPECT_EQ(Print(TEXT("%.2E"), 0.00012), UnderWine ? TEXT("1.20E-004") : TEXT("1.20E-04"));
     EXPECT_PRINTS("0.0001 100000 1.5 0", "%g %g %g %g", 0.0001, 100000.0, 1.5, 0.0);
-    EXPECT_EQ(Print(TEXT("%g"), 1e6), underWine ? TEXT("1e+006") : TEXT("1e+06"));
+    EXPECT_EQ(Print(TEXT("%g"), 1e6), UnderWine ? TEXT("1e+006") : TEXT("1e+06"));
 }
 
 TEST(WideFormat, PercentSignsAndWhatIsNoConversion)
@@ -107,7 +107,7 @@ TEST(WideFormat, PercentSignsAndWhatIsNoConversion)
 
 TEST(WideFormat, NarrowTextIsUtf8)
 {
-    if (underWine)
+    if (UnderWine)
     {
         GTEST_SKIP() << "Windows reads narrow text by the C locale's code page.";
     }

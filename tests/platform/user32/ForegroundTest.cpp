@@ -8,13 +8,13 @@ namespace
 TEST(Foreground, IsNotTheProcesssToGiveOrLock)
 {
     SetLastError(0);
-    EXPECT_EQ(underWine, AllowSetForegroundWindow(ASFW_ANY) != FALSE);
-    EXPECT_EQ(underWine ? 0 : DWORD{ERROR_ACCESS_DENIED}, GetLastError());
+    EXPECT_EQ(UnderWine, AllowSetForegroundWindow(ASFW_ANY) != FALSE);
+    EXPECT_EQ(UnderWine ? 0 : DWORD{ERROR_ACCESS_DENIED}, GetLastError());
     for (const UINT code : {LSFW_LOCK, LSFW_UNLOCK})
     {
-        EXPECT_EQ(underWine, LockSetForegroundWindow(code) != FALSE);
+        EXPECT_EQ(UnderWine, LockSetForegroundWindow(code) != FALSE);
     }
-    if (!underWine)
+    if (!UnderWine)
     {
         EXPECT_FALSE(LockSetForegroundWindow(7));
         EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER}, GetLastError());

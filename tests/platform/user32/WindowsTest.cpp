@@ -154,7 +154,7 @@ TEST_F(Windows, ClassesAreKnownByName)
 {
     EXPECT_EQ(Create(TEXT("NoSuchClass")), nullptr);
     // Wine has the code of UnregisterClassW here too.
-    EXPECT_EQ(GetLastError(), DWORD{underWine ? ERROR_CLASS_DOES_NOT_EXIST : ERROR_CANNOT_FIND_WND_CLASS});
+    EXPECT_EQ(GetLastError(), DWORD{UnderWine ? ERROR_CLASS_DOES_NOT_EXIST : ERROR_CANNOT_FIND_WND_CLASS});
     WNDCLASSW again{};
     again.lpfnWndProc = RecordingProcedure;
     again.lpszClassName = TEXT("recordingWINDOW");
@@ -174,7 +174,7 @@ TEST_F(Windows, ChildrenEndWithTheirParent)
     const HWND child = CreateWindowExW(0, TEXT("RecordingWindow"), nullptr, WS_CHILD, 0, 0, 0, 0, parent, nullptr,
                                        GetModuleHandleW(nullptr), nullptr);
     // Without a display Wine makes no children.
-    EXPECT_TRUE(child != nullptr || underWine);
+    EXPECT_TRUE(child != nullptr || UnderWine);
     DestroyWindow(parent);
     EXPECT_FALSE(IsWindow(child));
 }

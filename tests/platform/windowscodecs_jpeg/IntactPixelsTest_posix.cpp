@@ -13,7 +13,7 @@ struct Case
     SampleOptions Options;
 };
 
-const Case CASES[] = {
+const Case Cases[] = {
     {"baseline 4:2:0", {}},
     {"4:4:4", {.HorizontalSampling = 1, .VerticalSampling = 1}},
     {"4:2:2", {.HorizontalSampling = 2, .VerticalSampling = 1}},
@@ -48,7 +48,7 @@ const Case CASES[] = {
 
 TEST(IntactPixels, AreIdenticalInEveryCoding)
 {
-    for (const Case &sample : CASES)
+    for (const Case &sample : Cases)
     {
         SCOPED_TRACE(sample.Name);
         const Octets source = MakeJpeg(sample.Options);

@@ -26,7 +26,7 @@ struct Entry
 
 std::vector<Entry> Entries()
 {
-    static const WideText caption = TEXT("Caf\x00E9 \x65E5\x672C");
+    static const WideText Caption = TEXT("Caf\x00E9 \x65E5\x672C");
     static unsigned char version[] = {2, 3, 0, 0};
     static ULARGE_INTEGER degrees[3] = {
         {.QuadPart = 1ull << 32 | 47}, {.QuadPart = 1ull << 32 | 30}, {.QuadPart = 100ull << 32 | 1234}};
@@ -53,7 +53,7 @@ std::vector<Entry> Entries()
         {TagPath(exif, 33434), QueryValue::Rational(1, 125), "ExifIFD:ExposureTime", "0.008"},
         {TagPath(exif, 34855), QueryValue::Short(400), "ExifIFD:ISO", "400"},
         {TagPath(exif, 37380), bias, "ExifIFD:ExposureCompensation", "-0.3333333333"},
-        {TagPath(exif, 37510), QueryValue::Text(caption.c_str()), "ExifIFD:UserComment",
+        {TagPath(exif, 37510), QueryValue::Text(Caption.c_str()), "ExifIFD:UserComment",
          "Caf\xC3\xA9 \xE6\x97\xA5\xE6\x9C\xAC"},
         {TagPath(exif, 41985), QueryValue::Short(1), "ExifIFD:CustomRendered", "1"},
         {TagPath(TEXT("/app1/ifd/exif/interop"), 1), QueryValue::Narrow("R98"), "InteropIFD:InteropIndex", "R98"},
@@ -61,11 +61,11 @@ std::vector<Entry> Entries()
         {TagPath(gps, 1), QueryValue::Narrow("N"), "GPS:GPSLatitudeRef", "N"},
         {TagPath(gps, 2), latitude, "GPS:GPSLatitude", "47.5034277777778"},
         {TEXT("/xmp/xmp:Rating"), QueryValue::Short(4), "XMP-xmp:Rating", "4"},
-        {TEXT("/xmp/dc:title"), QueryValue::Text(caption.c_str()), "XMP-dc:Title",
+        {TEXT("/xmp/dc:title"), QueryValue::Text(Caption.c_str()), "XMP-dc:Title",
          "Caf\xC3\xA9 \xE6\x97\xA5\xE6\x9C\xAC"},
         {TEXT("/xmp/dc:subject"), keywords, "XMP-dc:Subject", "sea, wind"},
         {TEXT("/xmp/photoshop:Urgency"), QueryValue::Text(TEXT("3")), "XMP-photoshop:Urgency", "3"},
-        {TEXT("/app13/irb/8bimiptc/iptc/{str=Caption}"), QueryValue::Text(caption.c_str()),
+        {TEXT("/app13/irb/8bimiptc/iptc/{str=Caption}"), QueryValue::Text(Caption.c_str()),
          "IPTC:Caption-Abstract", "Caf\xC3\xA9 \xE6\x97\xA5\xE6\x9C\xAC"},
         {TEXT("/app13/irb/8bimiptc/iptc/{str=Keywords}"), keywords, "IPTC:Keywords", "sea, wind"},
         {TEXT("/app13/irb/8bimiptc/iptc/{str=Country\\/Primary Location Name}"), QueryValue::Text(TEXT("Norge")),
