@@ -5,6 +5,9 @@
 find_program(WIDL widl REQUIRED)
 set(HALVORA_IDL_INCLUDE /usr/include/wine/wine/windows)
 
+# What tools that read the sources need to have been made.
+add_custom_target(generated_sources)
+
 function(halvora_interfaces target)
   set(out "${CMAKE_BINARY_DIR}/interfaces")
   file(MAKE_DIRECTORY "${out}")
@@ -20,5 +23,6 @@ function(halvora_interfaces target)
   add_custom_target(${target}_headers DEPENDS ${headers})
   add_library(${target} INTERFACE)
   add_dependencies(${target} ${target}_headers)
+  add_dependencies(generated_sources ${target}_headers)
   target_include_directories(${target} SYSTEM INTERFACE "${out}")
 endfunction()
