@@ -1,8 +1,8 @@
-// Makes upload pictures as a run does, without the upload, and tells what that cost.
+// Makes upload pictures as a run does, without the upload, and prints what that cost.
 //
 //     prepare_pictures intact|processed LONG-EDGE ROUNDS TARGET-FOLDER SOURCE...
 //
-// All groups of metadata go along. Prints the least time of a round over all sources, in milliseconds,
+// All metadata groups are kept. Prints the least time of a round over all sources, in milliseconds,
 // and the highest resident size of the process, in bytes. Each picture is prepared when it is asked for,
 // none ahead of time.
 #include "core/ErrorText.h"

@@ -24,7 +24,7 @@ constexpr auto Capabilities =
     static_cast<HVRPUBLISHINGCAPABILITIES>(HVRPUBLISHINGCAPS_CONFIGURABLE | HVRPUBLISHINGCAPS_USES_INIT_DATA |
                                            HVRPUBLISHINGCAPS_CANCELABLE | HVRPUBLISHINGCAPS_AUTHORIZATION);
 
-// Fills an out text with what make gives; thrown is the result for whatever goes wrong.
+// Fills an out text with the result of make. Every failure is returned as the code thrown.
 template <class Make>
 HRESULT GiveText(BSTR *text, HRESULT thrown, Make &&make) noexcept
 {
@@ -56,7 +56,7 @@ HRESULT CFlickrPublisher::QueryFurther(REFIID iid, void **object) noexcept
     return E_NOINTERFACE;
 }
 
-// What can't be shown stops no upload: only an abrupt cancel does.
+// A report that can't be shown doesn't stop the upload: only an abrupt cancel does.
 HRESULT CFlickrPublisher::OnUploadProgress(UINT32 code, UINT32 total, UINT32 done) noexcept
 {
     AtBoundary([&] {
@@ -261,7 +261,7 @@ HRESULT CFlickrPublisher::EditSettings(HWND parent, IOAuthWebClient &)
     {
         return S_OK;
     }
-    // The service isn't told: there the token stays valid until the user withdraws it.
+    // No request is sent: at the service the token stays valid until the user withdraws it there.
     m_account.OAuthToken.Reset();
     m_account.OAuthTokenSecret.Reset();
     return S_FALSE;

@@ -1,5 +1,5 @@
-// The object that the host creates and drives: a shell that owns the state and hands each operation
-// just what it needs.
+// The object that the host creates and calls: a shell that owns the state and lends each operation just the
+// part that it needs.
 #pragma once
 
 #include "account/AccountRecord.h"

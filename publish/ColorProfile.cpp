@@ -10,7 +10,7 @@ namespace
 constexpr GUID ProfileDecoderVendor = {
     0xA6D092A4, 0x081A, 0x4F0E, {0x93, 0x56, 0xDA, 0x16, 0x7E, 0x87, 0xD9, 0x22}};
 
-// A frame without a profile is a success.
+// Copies the first profile of source. A frame without a profile is a success.
 HRESULT PassProfileOn(IWICBitmapFrameDecode *source, IWICColorContext *profile, IWICBitmapFrameEncode *target)
 {
     UINT count = 0;
@@ -19,7 +19,7 @@ HRESULT PassProfileOn(IWICBitmapFrameDecode *source, IWICColorContext *profile, 
     {
         return asked;
     }
-    // A frame counts all the profiles that it has, also those beyond the one that was asked for.
+    // count may be above 1: it counts all profiles of the frame, also those that didn't fit.
     return target->SetColorContexts(1, &profile);
 }
 } // namespace

@@ -1,11 +1,11 @@
-// The colour profile of a JPEG on its way into a new one.
+// Carries the colour profile of a JPEG over into a new one.
 #pragma once
 
 #include <windows.h>
 #include <wincodec.h>
 
-// Gives target the profile of the JPEG at sourcePath, of which source is the first frame. A decoder that
-// is known to tell profiles well is asked first, source where that one isn't there or fails. Nothing that
-// fails here is a failure of the picture: it goes without a profile then.
+// Gives target the profile of the JPEG at sourcePath, whose first frame is source. A decoder of another
+// vendor is asked for the profile first, and source where that decoder isn't installed or fails. Without
+// either the picture is uploaded without a profile: no failure here fails the picture.
 void CopyColorProfile(IWICImagingFactory *factory, const WCHAR *sourcePath, IWICBitmapFrameDecode *source,
                       IWICBitmapFrameEncode *target) noexcept;

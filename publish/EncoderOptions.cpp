@@ -7,7 +7,7 @@
 
 void WriteEncoderOptions(IPropertyBag2 *bag, bool minimize, bool withSubsampling)
 {
-    // The bag takes names that it could write to, and doesn't.
+    // Arrays, since PROPBAG2 takes no const text; the bag doesn't write to them.
     WCHAR qualityName[] = TEXT("ImageQuality");
     WCHAR subsamplingName[] = TEXT("JpegYCrCbSubsampling");
     PROPBAG2 options[2] = {};

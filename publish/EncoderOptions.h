@@ -4,6 +4,6 @@
 #include <windows.h>
 #include <ocidl.h>
 
-// Sets them in the option bag of a new frame: for good looks, or with minimize for few bytes. Without
-// withSubsampling the encoder's own choice of subsampling stands. The bag's failure is thrown.
+// Sets both in the option bag of a new frame: for good looks, or with minimize for few bytes. Without
+// withSubsampling the encoder keeps its own choice of subsampling. The bag's failure is thrown.
 void WriteEncoderOptions(IPropertyBag2 *bag, bool minimize, bool withSubsampling);

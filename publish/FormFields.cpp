@@ -7,7 +7,7 @@
 
 namespace
 {
-// The callee copies the value, so the string stays its owner's.
+// The value borrows the string: whoever takes it makes a copy.
 VARIANT TextValue(const BstrOwner &text) noexcept
 {
     VARIANT value;
@@ -26,12 +26,12 @@ VARIANT NumberValue(VARTYPE type, UINT32 number) noexcept
     return value;
 }
 
-// A number that always goes with the picture.
+// A number that every form has.
 struct NumberField
 {
     const WCHAR *name;
     const WCHAR *setting;
-    UINT32 offset; // what the service's counting begins with
+    UINT32 offset; // 1 where the service counts from 1 and the setting from 0
 };
 constexpr NumberField NumberFields[] = {
     {TEXT("is_public"), TEXT("IsPublic"), 0},       {TEXT("is_friend"), TEXT("IsFriend"), 0},

@@ -17,7 +17,7 @@
 
 namespace
 {
-// What all passes share.
+// The same for all passes.
 struct Preparation
 {
     IHalvoraImageMetadata *Metadata;
@@ -29,7 +29,8 @@ struct Preparation
     bool IsIntact() const noexcept { return Options.Mode == SendPixelsIntact; }
 };
 
-// What is written. Frame is the source's own where its pixels stay, and null for a processed picture.
+// The picture to write. Frame is the frame of the source file where its pixels are kept, and null for a
+// processed picture.
 struct Source
 {
     ComPtr<IWICBitmapFrameDecode> Frame;
@@ -79,7 +80,7 @@ Encoder CreateEncoder(const Preparation &preparation)
                                                      encoder.Container.Put()));
     ThrowIfFailed(CreateStreamOnHGlobal(nullptr, TRUE, encoder.Picture.Put()));
     ThrowIfFailed(encoder.Container->Initialize(encoder.Picture.Get(), WICBitmapEncoderNoCache));
-    // Without options the encoder may keep the source's coded pixels; any option makes it code anew.
+    // Without options the encoder may copy the source's coded pixels; any option makes it encode anew.
     ComPtr<IPropertyBag2> options;
     ThrowIfFailed(
         encoder.Container->CreateNewFrame(encoder.Frame.Put(), preparation.IsIntact() ? nullptr : options.Put()));
@@ -91,7 +92,7 @@ Encoder CreateEncoder(const Preparation &preparation)
     return encoder;
 }
 
-// Size, resolution and pixel format, the former two also for the host's writer of metadata.
+// Sets size, resolution and pixel format, and tells the host's writer of metadata the first two by the record.
 void DescribeFrame(const Preparation &preparation, const Source &source, IWICBitmapFrameEncode *frame,
                    ItemRecord &record)
 {
@@ -107,7 +108,7 @@ void DescribeFrame(const Preparation &preparation, const Source &source, IWICBit
     record.ResolutionY = static_cast<float>(resolution.Y);
     ThrowIfFailed(frame->SetResolution(resolution.X, resolution.Y));
 
-    // What the encoder takes instead is its own affair: WriteSource converts.
+    // The encoder may answer with another format: WriteSource converts to it.
     WICPixelFormatGUID format = GUID_WICPixelFormat24bppBGR;
     ThrowIfFailed(frame->SetPixelFormat(&format));
 }
@@ -124,8 +125,7 @@ HRESULT TransferMetadata(const Preparation &preparation, const Source &source, I
                                 copyBlocks);
 }
 
-// A pass that has ended: with its picture, or with what failed and after how many milliseconds another
-// pass is to follow.
+// The end of a pass: its picture, or its failure and the milliseconds to wait before another pass.
 struct PassResult
 {
     ComPtr<IStream> Picture;

@@ -1,4 +1,4 @@
-// A JPEG file on disk, opened with a decoder of choice.
+// Opens a JPEG file on disk with a chosen decoder.
 #pragma once
 
 #include "com/ComPtr.h"
@@ -6,7 +6,7 @@
 #include <windows.h>
 #include <wincodec.h>
 
-// The file's first frame; it keeps of file and decoder what it needs. The file is shared with readers.
-// Throws the code of the call that failed: WINCODEC_ERR_BADHEADER for a file that is no JPEG.
+// The file's first frame, which keeps file and decoder alive. The file is opened shared with readers.
+// The failure of any call is thrown: WINCODEC_ERR_BADHEADER for a file that is no JPEG.
 ComPtr<IWICBitmapFrameDecode> OpenJpegFrame(IWICImagingFactory *factory, const WCHAR *path,
                                             const GUID &decoderVendor);

@@ -13,7 +13,7 @@
 
 namespace
 {
-// Of the EXIF standard: how the picture was rendered, and the value for a custom process.
+// EXIF 2.3, 4.6.5: CustomRendered, and its value for a custom process.
 constexpr UINT TagCustomRendered = 41985;
 constexpr USHORT CustomProcess = 1;
 
@@ -31,7 +31,7 @@ void CopyBlocks(IWICBitmapFrameDecode *source, IWICBitmapFrameEncode *target)
     }
     ComPtr<IWICMetadataBlockWriter> writer;
     ThrowIfFailed(target->QueryInterface(__uuidof(IWICMetadataBlockWriter), writer.PutVoid()));
-    // A block that doesn't go over is no reason to keep the picture back.
+    // A block that can't be copied doesn't fail the picture.
     writer->InitializeFromBlockReader(reader.Get());
 }
 
@@ -83,7 +83,7 @@ void BlankDeselectedGroups(ItemRecord &record, const UploadOptions &options) noe
     if (!options.WriteIptc)
     {
         ReleaseIptcBlock(record.Iptc);
-        // Tells the host that there is a group, and that it is blank.
+        // The host's mark of a group that is there and blank.
         record.Iptc.Word10 = 1;
     }
 }
@@ -97,7 +97,8 @@ HRESULT SelectIntactMetadata(IHalvoraImageMetadata *metadata, IWICBitmapFrameDec
         CopyBlocks(source, target);
     }
     const auto writer = QueryWriter(target);
-    // These two go up, if at all, as the host writes them from the record. They need not be there.
+    // XMP and IPTC get into the new file only as the host writes them from the record. A failure says that the
+    // source had none.
     writer->RemoveMetadataByName(TEXT("/xmp"));
     writer->RemoveMetadataByName(TEXT("/app13"));
     BlankDeselectedGroups(*record, options);

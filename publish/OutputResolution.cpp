@@ -6,7 +6,7 @@
 
 namespace
 {
-// For a size without one: that of a screen, as printing programs assume it.
+// For a size without a resolution: the 72 dpi of a screen, as printing programs assume it.
 constexpr double ScreenDpi = 72.0;
 } // namespace
 

@@ -11,6 +11,6 @@ struct Resolution
     double Y;
 };
 
-// The resolution that goes with the wanted size where a size is wanted, and else the source's own, unless
-// that is no resolution at all (an axis below 1.0). The source's failure to tell is thrown.
+// Where a size is wanted, the resolution that was set with it; else the source's own, unless it has none (an
+// axis below 1.0). The failure to read the source's is thrown.
 Resolution ChooseResolution(const UploadOptions &options, IWICBitmapSource *source);

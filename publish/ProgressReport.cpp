@@ -10,8 +10,8 @@ namespace
 UINT32 lastPercent = 0;
 WideText lastStatusText;
 
-// Moved by the difference and never set from the run's own numbers, so that a failed item leaves
-// its gap in the bar.
+// Moves the bar by the difference and never sets it from the run's own numbers, so that a failed item leaves
+// a gap in the bar.
 void MoveBar(HWND bar, UINT32 delta)
 {
     const auto position = static_cast<UINT32>(SendMessageW(bar, PBM_GETPOS, 0, 0));

@@ -82,7 +82,7 @@ void BeginItems(const RunContext &run, INT32 count)
     }
 }
 
-// The memory stays the host's; it is locked while its items are taken.
+// The memory belongs to the host; it is locked for the whole run and never freed here.
 HRESULT PublishList(const RunContext &run, INT32 count, HGLOBAL list)
 {
     const auto *items = static_cast<const UINT64 *>(GlobalLock(list));
@@ -129,7 +129,7 @@ void RunList(const RunContext &run)
     ReportEnd(run, PublishList(run, count, list));
 }
 
-// The windows are the run's for its length, also when it ends by an exception.
+// Stores the windows for the length of a run, also of one that ends by an exception.
 class WindowsOfRun
 {
 public:
@@ -164,7 +164,7 @@ void RunPublish(const RunContext &run, HWND bar, HWND statusText)
 
 void RequestCancel(IHalvoraPublishingHost *host, CancelFlags &cancel, bool abruptly) noexcept
 {
-    // A run must stop even where there is no memory for the words.
+    // A run must stop even if there is no memory for the log entry.
     AtBoundary([&] {
         LogWarning(host, Text(abruptly ? IDS_LOG_CANCELLING_ABRUPTLY : IDS_LOG_CANCELLING).c_str());
         return S_OK;

@@ -69,8 +69,8 @@ UINT64 PublishStatistics::RemainingTime(UINT64 now)
         return NoEstimate;
     }
     const double left = (static_cast<double>(m_totalUnits) - static_cast<double>(m_doneUnits)) / mean;
-    // A clock that was set back, or more work done than there was, leaves nothing to wait for; what
-    // does not fit into ticks is no estimate.
+    // Not positive if the clock was set back or more was done than the total: nothing is left then. A time
+    // that doesn't fit into ticks is no estimate.
     if (!(left > 0))
     {
         return 0;

@@ -4,14 +4,11 @@
 
 #include <utility>
 
-// The blocks of a source may be such that no writer of metadata, or no encoder, copes with them. The
-// picture then goes without them; a failure that remains has other causes.
 std::optional<DWORD> RetryRule::AfterMetadataFailure() noexcept
 {
     return std::exchange(m_copiesBlocks, false) ? std::optional<DWORD>(0) : std::nullopt;
 }
 
-// A picture reads as a bad one while another program is still at its file; that passes.
 std::optional<DWORD> RetryRule::AfterPixels(HRESULT result) noexcept
 {
     if (result == WINCODEC_ERR_BADIMAGE && m_retriesLeft != 0)

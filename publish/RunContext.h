@@ -1,4 +1,4 @@
-// What a publish run works with. The plug-in object owns all of it and lends it for one call.
+// Everything that a publish run works with. The plug-in object owns it all and lends it for one call.
 #pragma once
 
 #include "com/ComPtr.h"

@@ -1,9 +1,8 @@
-// The tags of a picture in the form in which the service takes them.
+// The tags of a picture in the form that the service wants.
 #pragma once
 
 #include "com/WideText.h"
 
-// From tags separated by ";" to tags in double quotes with a blank between them: "a; b c" gives
-// "a" "b c", each with its quotes. Separators alone give an empty text; a tag of blanks alone stays
-// as an empty pair of quotes.
+// Makes of tags separated by ";" a list of tags in double quotes, separated by blanks: a; b c becomes
+// "a" "b c". Separators alone give an empty text; a tag of blanks alone becomes an empty pair of quotes.
 WideText QuotedTagList(WideView tags);

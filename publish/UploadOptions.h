@@ -1,4 +1,4 @@
-// How one file goes up.
+// How one file is uploaded.
 #pragma once
 
 #include <windows.h>

@@ -19,7 +19,7 @@ struct Picture
     ItemTexts Texts;
 };
 
-// A picture whose metadata can't be read goes up without any text, not even the file's name.
+// A picture whose metadata can't be read is uploaded without any text, not even the file's name.
 ItemTexts ReadTexts(IHalvoraImageMetadata *metadata, const WCHAR *sourcePath, const WCHAR *uploadName)
 {
     ItemRecordOwner record;

@@ -240,7 +240,7 @@ public:
 private:
     static HRESULT Unexpected()
     {
-        ADD_FAILURE() << "an operation that nobody calls";
+        ADD_FAILURE() << "a reserved operation was called";
         return E_NOTIMPL;
     }
 

@@ -1,4 +1,4 @@
-// Runs, through the interface that the host has.
+// Publish runs, through the interface that the host calls.
 #include "com/Hresult.h"
 #include "plugin/FlickrPublisher.h"
 #include "tests/doubles/PublishFixture.h"
@@ -262,7 +262,7 @@ TEST_F(PublishRun, SendsEveryOtherFileAsAJpegOfTheHostsMaking)
     EXPECT_THAT(Log("error"),
                 ElementsAre("Could not publish \"\" (Error code: 0x80070002) (internal: invalid argument)"));
 
-    // A mislabelled file gets a second try as a processed one where processing is the mode.
+    // A mislabelled file is tried again as a processed picture where that is the mode.
     Fixture.Record.Clear();
     Fixture.Web.ForgetCalls();
     Fixture.Settings.Set(TEXT("JPEGMode"), 2);
@@ -287,7 +287,7 @@ TEST_F(PublishRun, TellsOfAFileThatIsNoJpegInEveryMode)
                                               "\" (Error code: 0x80004005) (internal: invalid argument)"));
     EXPECT_TRUE(Fixture.Web.CallsOf("UploadRequest").empty());
 
-    // As a processed picture it goes by the settings of JPEG files, if the host can read it.
+    // As a processed picture it is uploaded by the settings of JPEG files, if the host can read it.
     Fixture.Record.Clear();
     Fixture.Settings.Set(TEXT("JPEGMode"), 2);
     Fixture.Settings.Set(TEXT("JPEGWriteGPS"), UINT32{0});
@@ -351,7 +351,7 @@ TEST_F(PublishRun, HasNothingToDoForAnEmptyList)
 TEST_F(PublishRun, StopsBetweenItemsAndWithinThem)
 {
     AddPictures(3);
-    // A polite cancel lets the upload that is on its way finish; it comes on a thread of its own.
+    // A polite cancel, from another thread, lets the present upload finish.
     Fixture.Web.Answer(OkReply);
     Fixture.Web.DuringUpload = [&](IUploadProgressCallback *callback, UINT32 length) {
         std::thread([&] { EXPECT_EQ(Plugin->Cancel(FALSE), S_OK); }).join();

@@ -1,4 +1,4 @@
-// New JPEGs, through the upload that they are made for.
+// The making of new JPEGs, through the upload that needs them.
 #include "account/AccountRecord.h"
 #include "com/BstrOwner.h"
 #include "com/ModuleLocks.h"
@@ -54,8 +54,8 @@ protected:
         return options;
     }
 
-    // The result of one upload of the picture p.jpg. What was created for it must be gone afterwards, and
-    // it is sent if and only if the upload succeeds.
+    // The result of one upload of the picture p.jpg. All objects created for it must be gone afterwards, and
+    // it must have been sent if and only if the upload succeeds.
     HRESULT Upload(const UploadOptions &options)
     {
         Pauses.clear();
@@ -172,7 +172,7 @@ TEST_F(ImagePreparation, KeepsThePixelsOfAJpeg)
     EXPECT_THAT(Calls().Calls(), ElementsAreArray(AfterFactory(IntactPass)));
     EXPECT_THAT(Pauses, IsEmpty());
 
-    // Size and economy are for processed pictures.
+    // Size and economy apply to processed pictures alone.
     Calls().Reset();
     UploadOptions options = Options(SendPixelsIntact);
     options.Minimize = true;
@@ -198,7 +198,7 @@ TEST_F(ImagePreparation, WritesThePictureThatTheHostProcessed)
     EXPECT_THAT(Calls().DetailsOf("Frame.SetResolution"), ElementsAre("96 96"));
 }
 
-// Every call of a pass with its failure: most end the upload at once, some cost only what they are for.
+// Every call of a pass fails once: most failures end the upload at once, some cost only the call's own effect.
 TEST_F(ImagePreparation, EndsAtTheFirstFailureThatMatters)
 {
     enum Consequence
@@ -270,7 +270,7 @@ TEST_F(ImagePreparation, TakesNoOtherFileForAJpeg)
     EXPECT_THAT(Calls().Calls(), ElementsAre("CreateFactory"));
 }
 
-// A host that says it succeeded and gives no picture.
+// A host that returns success without a picture.
 TEST_F(ImagePreparation, NeedsTheProcessedPicture)
 {
     Fixture.Host->Metadata->Picture = nullptr;
@@ -330,7 +330,7 @@ TEST_F(ImagePreparation, TakesTheProfileFromWhereItIs)
     EXPECT_EQ(Upload(SendPixelsIntact), S_OK);
     EXPECT_THAT(Calls().DetailsOf("Source.GetColorContexts"), ElementsAre("1"));
     EXPECT_THAT(Calls().DetailsOf("Frame.SetColorContexts"), ElementsAre("1"));
-    // What the fallback does is passed over like all the rest, with blocks to copy and without.
+    // A failure of the fallback is ignored like all others, with blocks to copy and without.
     for (const bool hasBlocks : {true, false})
     {
         Fixture.AddItem("p", TEXT("jpg"), JpegBytes);
@@ -422,13 +422,13 @@ TEST_F(ImagePreparation, BlanksEachGroupThatIsOff)
         EXPECT_EQ(Upload(options), S_OK);
         options.Mode = SendProcessed;
         EXPECT_EQ(Upload(options), S_OK);
-        // In a processed picture the flags alone decide.
+        // For a processed picture the flags alone decide.
         EXPECT_THAT(
             Calls().DetailsOf("WriteImageMetadata"),
             ElementsAre(c.intact, std::string(c.processed) + "11 800x600 at 96x96 copyright exif xmp gps iptc"));
     }
 
-    // All off, and one alone on: the mark of processing follows.
+    // All off, and one alone on: only then is the picture marked as processed.
     UploadOptions options;
     options.Mode = SendPixelsIntact;
     Calls().Reset();

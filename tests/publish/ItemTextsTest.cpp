@@ -107,7 +107,7 @@ namespace
 {
 constexpr size_t IptcOffset = 376;
 
-// The whole record as the host is promised it, after laying out.
+// The whole record in the form that the host relies on, after laying out.
 std::vector<BYTE> LaidOut()
 {
     std::vector<BYTE> bytes(656, 0);

@@ -1,4 +1,4 @@
-// The decisions behind a new JPEG, one by one.
+// The single decisions behind a new JPEG.
 #include "com/HandleOwner.h"
 #include "com/Hresult.h"
 #include "publish/EncoderOptions.h"
@@ -108,7 +108,7 @@ constexpr HRESULT MetadataFailure = 0x80031111; // stands for a failure of the h
 constexpr int None = -1;
 } // namespace
 
-// What happens in pass after pass, and after how many milliseconds the next one follows.
+// Sequences of passes: the result of each, the milliseconds until the next, and whether that copies blocks.
 TEST(RetryRule, AnswersEachOutcomeInItsTurn)
 {
     struct Step
@@ -130,7 +130,7 @@ TEST(RetryRule, AnswersEachOutcomeInItsTurn)
         {true, {{UnexpectedType, 0, false}, {UnexpectedType, None, false}}},
         {false, {{MetadataFailure, None, false}}},
         {false, {{UnexpectedType, None, false}}},
-        // A failure of the metadata says nothing of the pixels; an outcome of the pixels starts the count anew.
+        // A metadata failure doesn't touch the count; any other result of writing the pixels resets it.
         {true,
          {{BadImage, 100, true},
           {MetadataFailure, 0, false},
