@@ -39,10 +39,10 @@ void Save(IStream *picture, const fs::path &target)
 UploadOptions AllGroups(bool isIntact, UINT32 longEdge)
 {
     UploadOptions options;
-    options.Mode = isIntact ? SendPixelsIntact : SendProcessed;
-    options.WriteCopyright = options.WriteExif = options.WriteXmp = options.WriteGps = options.WriteIptc = true;
-    options.LongEdgePixels = longEdge;
-    options.PrintDpi = 300;
+    options.mode = isIntact ? SendPixelsIntact : SendProcessed;
+    options.writeCopyright = options.writeExif = options.writeXmp = options.writeGps = options.writeIptc = true;
+    options.longEdgePixels = longEdge;
+    options.printDpi = 300;
     return options;
 }
 

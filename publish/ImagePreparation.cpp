@@ -26,7 +26,7 @@ struct Preparation
     const UploadOptions &Options;
     ComPtr<IWICImagingFactory> Factory;
 
-    bool IsIntact() const noexcept { return Options.Mode == SendPixelsIntact; }
+    bool IsIntact() const noexcept { return Options.mode == SendPixelsIntact; }
 };
 
 // The picture to write. Frame is the frame of the source file where its pixels are kept, and null for a
@@ -63,7 +63,7 @@ Source OpenSource(const Preparation &preparation, ItemRecord *record)
                                                               READ_METADATA_ONLY, record));
         return source;
     }
-    const auto longEdge = static_cast<INT32>(preparation.Options.LongEdgePixels);
+    const auto longEdge = static_cast<INT32>(preparation.Options.longEdgePixels);
     ThrowIfFailed(preparation.Metadata->ReadImageMetadata(preparation.SourcePath, 0, longEdge, source.Bitmap.Put(),
                                                           READ_METADATA_AND_PICTURE, record));
     if (!source.Bitmap)
@@ -86,7 +86,7 @@ Encoder CreateEncoder(const Preparation &preparation)
         encoder.Container->CreateNewFrame(encoder.Frame.Put(), preparation.IsIntact() ? nullptr : options.Put()));
     if (!preparation.IsIntact())
     {
-        WriteEncoderOptions(options.Get(), preparation.Options.Minimize, JpegSubsamplingSupported());
+        WriteEncoderOptions(options.Get(), preparation.Options.minimize, JpegSubsamplingSupported());
     }
     ThrowIfFailed(encoder.Frame->Initialize(options.Get()));
     return encoder;
@@ -114,7 +114,7 @@ void DescribeFrame(const Preparation &preparation, const Source &source, IWICBit
 }
 
 HRESULT TransferMetadata(const Preparation &preparation, const Source &source, IWICBitmapFrameEncode *frame,
-                         ItemRecord *record, bool copyBlocks)
+                         ItemRecord *record, bool blocksDropped)
 {
     if (!preparation.IsIntact())
     {
@@ -122,7 +122,7 @@ HRESULT TransferMetadata(const Preparation &preparation, const Source &source, I
     }
     CopyColorProfile(preparation.Factory.Get(), preparation.SourcePath, source.Frame.Get(), frame);
     return SelectIntactMetadata(preparation.Metadata, source.Frame.Get(), frame, record, preparation.Options,
-                                copyBlocks);
+                                blocksDropped);
 }
 
 // The end of a pass: its picture, or its failure and the milliseconds to wait before another pass.
@@ -142,7 +142,7 @@ PassResult RunPass(const Preparation &preparation, RetryRule &rule, ItemTexts &t
     DescribeFrame(preparation, source, encoder.Frame.Get(), *record.Get());
 
     const HRESULT transferred =
-        TransferMetadata(preparation, source, encoder.Frame.Get(), record.Get(), rule.CopiesBlocks());
+        TransferMetadata(preparation, source, encoder.Frame.Get(), record.Get(), rule.BlocksDropped);
     if (FAILED(transferred))
     {
         return {nullptr, transferred, rule.AfterMetadataFailure()};

@@ -21,24 +21,24 @@ namespace
 UploadOptions Options(UINT32 mode, bool verifyContainer, const ConversionSettings &settings)
 {
     UploadOptions options;
-    options.Mode = mode;
-    options.VerifyContainer = verifyContainer;
-    options.Minimize = settings.Minimize != 0;
-    options.WriteCopyright = settings.WriteCopyright != 0;
-    options.WriteExif = settings.WriteEXIF != 0;
-    options.WriteXmp = settings.WriteXMP != 0;
-    options.WriteGps = settings.WriteGPS != 0;
-    options.WriteIptc = settings.WriteIPTC != 0;
-    options.LongEdgePixels = settings.LongEdgePixels;
-    options.PrintDpi = settings.PrintDpi;
+    options.mode = mode;
+    options.verifyContainer = verifyContainer;
+    options.minimize = settings.Minimize != 0;
+    options.writeCopyright = settings.WriteCopyright != 0;
+    options.writeExif = settings.WriteEXIF != 0;
+    options.writeXmp = settings.WriteXMP != 0;
+    options.writeGps = settings.WriteGPS != 0;
+    options.writeIptc = settings.WriteIPTC != 0;
+    options.longEdgePixels = settings.LongEdgePixels;
+    options.printDpi = settings.PrintDpi;
     return options;
 }
 
 UploadOptions WebOptions()
 {
     UploadOptions options;
-    options.Mode = SendAsIs;
-    options.VerifyContainer = true;
+    options.mode = SendAsIs;
+    options.verifyContainer = true;
     return options;
 }
 

@@ -52,15 +52,15 @@ void MarkAsProcessed(IWICMetadataQueryWriter *writer)
 }
 } // namespace
 
-bool WantsAnyMetadata(const UploadOptions &options) noexcept
+bool WantAnyMetadata(const UploadOptions &options) noexcept
 {
-    return options.WriteCopyright || options.WriteExif || options.WriteXmp || options.WriteGps ||
-           options.WriteIptc;
+    return options.writeCopyright || options.writeExif || options.writeXmp || options.writeGps ||
+           options.writeIptc;
 }
 
 void BlankDeselectedGroups(ItemRecord &record, const UploadOptions &options) noexcept
 {
-    if (!options.WriteCopyright)
+    if (!options.writeCopyright)
     {
         FreeText(record.ExifComment);
         for (BSTR &text : record.CopyrightTexts)
@@ -68,19 +68,19 @@ void BlankDeselectedGroups(ItemRecord &record, const UploadOptions &options) noe
             FreeText(text);
         }
     }
-    if (!options.WriteExif)
+    if (!options.writeExif)
     {
         record.ExifGroup = 0;
     }
-    if (!options.WriteXmp)
+    if (!options.writeXmp)
     {
         std::memset(record.XmpGroup, 0xFF, sizeof record.XmpGroup);
     }
-    if (!options.WriteGps)
+    if (!options.writeGps)
     {
         record.GpsGroup = 0;
     }
-    if (!options.WriteIptc)
+    if (!options.writeIptc)
     {
         ReleaseIptcBlock(record.Iptc);
         // The host's mark of a group that is there and blank.
@@ -90,9 +90,9 @@ void BlankDeselectedGroups(ItemRecord &record, const UploadOptions &options) noe
 
 HRESULT SelectIntactMetadata(IHalvoraImageMetadata *metadata, IWICBitmapFrameDecode *source,
                              IWICBitmapFrameEncode *target, ItemRecord *record, const UploadOptions &options,
-                             bool copyBlocks)
+                             bool blocksDropped)
 {
-    if (copyBlocks)
+    if (!blocksDropped)
     {
         CopyBlocks(source, target);
     }
@@ -103,7 +103,7 @@ HRESULT SelectIntactMetadata(IHalvoraImageMetadata *metadata, IWICBitmapFrameDec
     writer->RemoveMetadataByName(TEXT("/app13"));
     BlankDeselectedGroups(*record, options);
     const HRESULT written = metadata->WriteImageMetadata(writer.Get(), 0, 1, record, TRUE, TRUE, TRUE, TRUE, TRUE,
-                                                         WantsAnyMetadata(options), FALSE);
+                                                         WantAnyMetadata(options), FALSE);
     ReleaseItemRecord(record);
     return written;
 }
@@ -112,10 +112,10 @@ HRESULT SelectProcessedMetadata(IHalvoraImageMetadata *metadata, IWICBitmapFrame
                                 const UploadOptions &options)
 {
     const auto writer = QueryWriter(target);
-    const bool any = WantsAnyMetadata(options);
+    const bool any = WantAnyMetadata(options);
     const HRESULT written =
-        metadata->WriteImageMetadata(writer.Get(), 0, 1, record, options.WriteCopyright, options.WriteExif,
-                                     options.WriteXmp, options.WriteGps, options.WriteIptc, any, TRUE);
+        metadata->WriteImageMetadata(writer.Get(), 0, 1, record, options.writeCopyright, options.writeExif,
+                                     options.writeXmp, options.writeGps, options.writeIptc, any, TRUE);
     if (any && SUCCEEDED(written))
     {
         MarkAsProcessed(writer.Get());

@@ -17,17 +17,17 @@
 #include <wincodec.h>
 
 // At least one of the five groups is switched on.
-bool WantsAnyMetadata(const UploadOptions &options) noexcept;
+bool WantAnyMetadata(const UploadOptions &options) noexcept;
 
 // Blanks the groups that are switched off in the record.
 void BlankDeselectedGroups(ItemRecord &record, const UploadOptions &options) noexcept;
 
-// For a new file with the source's pixels: copies the source's blocks if copyBlocks says so, and has the
-// host write every group. Releases the record. Returns the result of the host's writing; other failures are
+// For a new file with the source's pixels: copies the source's blocks unless blocksDropped is set, and has
+// the host write every group. Releases the record. Returns the result of the host's writing; other failures are
 // thrown.
 HRESULT SelectIntactMetadata(IHalvoraImageMetadata *metadata, IWICBitmapFrameDecode *source,
                              IWICBitmapFrameEncode *target, ItemRecord *record, const UploadOptions &options,
-                             bool copyBlocks);
+                             bool blocksDropped);
 
 // For a new file of a processed picture: has the host write the groups that are switched on, and marks the
 // picture as processed. Record and failures as above.

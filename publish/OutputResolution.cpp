@@ -12,8 +12,8 @@ constexpr double ScreenDpi = 72.0;
 
 Resolution ChooseResolution(const UploadOptions &options, IWICBitmapSource *source)
 {
-    const double wanted = options.PrintDpi != 0.0 ? std::fabs(options.PrintDpi) : ScreenDpi;
-    if (options.Mode == SendProcessed && options.LongEdgePixels != 0)
+    const double wanted = options.printDpi != 0.0 ? std::fabs(options.printDpi) : ScreenDpi;
+    if (options.mode == SendProcessed && options.longEdgePixels != 0)
     {
         return {wanted, wanted};
     }

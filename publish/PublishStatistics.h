@@ -42,13 +42,18 @@ public:
     UINT64 RemainingTime(UINT64 now);
 
 private:
+    struct Run
+    {
+        bool Started = false;
+        UINT64 TotalUnits = 0;
+        UINT64 StartTime = 0;
+        UINT64 DoneUnits = 0;
+        UINT64 SampleCount = 0;               // taken so far, also those that the ring has lost since
+        std::array<double, 25> RateSamples{}; // a ring, in units per second
+    };
+
     double MeanRate() const;
 
-    bool m_started = false;
-    UINT64 m_totalUnits = 0;
-    UINT64 m_startTime = 0;
-    UINT64 m_doneUnits = 0;
     mutable std::mutex m_lock;
-    UINT64 m_sampleCount = 0;
-    std::array<double, 25> m_rateSamples{};
+    Run m_run;
 };

@@ -13,11 +13,8 @@
 class RetryRule
 {
 public:
-    // copiesBlocks: the passes begin with copying the source's metadata blocks, and may do without.
-    explicit RetryRule(bool copiesBlocks) noexcept : m_copiesBlocks(copiesBlocks) {}
-
-    // Whether the next pass copies the source's metadata blocks.
-    bool CopiesBlocks() const noexcept { return m_copiesBlocks; }
+    // isIntact: the passes copy the source's metadata blocks, as long as BlocksDropped is false.
+    explicit RetryRule(bool isIntact) noexcept : m_isIntact(isIntact) {}
 
     // To be called after each failure of the host's writer of metadata, and after each writing of the pixels
     // with its result. Return the milliseconds to wait before another pass, or nothing where the result is
@@ -25,9 +22,10 @@ public:
     std::optional<DWORD> AfterMetadataFailure() noexcept;
     std::optional<DWORD> AfterPixels(HRESULT result) noexcept;
 
-private:
     static constexpr DWORD MostRetries = 3;
+    DWORD RetriesLeft = MostRetries;
+    bool BlocksDropped = false;
 
-    bool m_copiesBlocks;
-    DWORD m_retriesLeft = MostRetries;
+private:
+    bool m_isIntact;
 };

@@ -34,10 +34,10 @@ Picture ObtainPicture(IHalvoraImageMetadata *metadata, const WCHAR *sourcePath, 
                       const UploadOptions &options, const Pause &wait)
 {
     Picture picture;
-    if (options.Mode == SendAsIs)
+    if (options.mode == SendAsIs)
     {
         picture.Texts = ReadTexts(metadata, sourcePath, uploadName);
-        picture.Stream = OpenPictureFile(sourcePath, options.VerifyContainer);
+        picture.Stream = OpenPictureFile(sourcePath, options.verifyContainer);
     }
     else
     {
