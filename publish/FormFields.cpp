@@ -2,7 +2,7 @@
 
 #include "com/BstrOwner.h"
 #include "com/Hresult.h"
-#include "publish/TagList.h"
+#include "core/TextPieces.h"
 #include "settings/SettingsStore.h"
 
 namespace
@@ -78,6 +78,22 @@ private:
     IMultipartFormData *m_form;
 };
 } // namespace
+
+WideText QuotedTagList(WideView tags)
+{
+    WideText list;
+    for (const WideView tag : SplitText(tags, TEXT(';')))
+    {
+        if (!list.empty())
+        {
+            list += TEXT(' ');
+        }
+        list += TEXT('"');
+        list += StripWhiteSpace(tag);
+        list += TEXT('"');
+    }
+    return list;
+}
 
 void AddFormFields(const ItemTexts &texts, IRequestParameters *parameters, IMultipartFormData *form)
 {

@@ -2,6 +2,7 @@
 // form itself: the service refuses a form that differs from what was signed.
 #pragma once
 
+#include "com/WideText.h"
 #include "publish/ItemTexts.h"
 
 #include "WebComponents.h"
@@ -10,3 +11,7 @@
 // The settings are read from the registry at each call, so that a change takes effect at the next picture.
 // The first failure is thrown; fields added before it stay.
 void AddFormFields(const ItemTexts &texts, IRequestParameters *parameters, IMultipartFormData *form);
+
+// Makes of tags separated by ";" a list of tags in double quotes, separated by blanks: a; b c becomes
+// "a" "b c". Separators alone give an empty text; a tag of blanks alone becomes an empty pair of quotes.
+WideText QuotedTagList(WideView tags);

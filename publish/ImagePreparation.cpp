@@ -1,13 +1,10 @@
 #include "publish/ImagePreparation.h"
 
 #include "com/Hresult.h"
-#include "publish/ColorProfile.h"
-#include "publish/EncoderOptions.h"
 #include "publish/ItemRecord.h"
+#include "publish/JpegEncoder.h"
 #include "publish/JpegSource.h"
-#include "publish/JpegSubsampling.h"
 #include "publish/MetadataSelection.h"
-#include "publish/OutputResolution.h"
 #include "publish/RetryRule.h"
 
 #include <objbase.h>
@@ -35,13 +32,6 @@ struct Source
 {
     ComPtr<IWICBitmapFrameDecode> Frame;
     ComPtr<IWICBitmapSource> Bitmap;
-};
-
-struct Encoder
-{
-    ComPtr<IStream> Picture;
-    ComPtr<IWICBitmapEncoder> Container;
-    ComPtr<IWICBitmapFrameEncode> Frame;
 };
 
 ComPtr<IWICImagingFactory> CreateImagingFactory()
@@ -73,46 +63,6 @@ Source OpenSource(const Preparation &preparation, ItemRecord *record)
     return source;
 }
 
-Encoder CreateEncoder(const Preparation &preparation)
-{
-    Encoder encoder;
-    ThrowIfFailed(preparation.Factory->CreateEncoder(GUID_ContainerFormatJpeg, &GUID_VendorMicrosoft,
-                                                     encoder.Container.Put()));
-    ThrowIfFailed(CreateStreamOnHGlobal(nullptr, TRUE, encoder.Picture.Put()));
-    ThrowIfFailed(encoder.Container->Initialize(encoder.Picture.Get(), WICBitmapEncoderNoCache));
-    // Without options the encoder may copy the source's coded pixels; any option makes it encode anew.
-    ComPtr<IPropertyBag2> options;
-    ThrowIfFailed(
-        encoder.Container->CreateNewFrame(encoder.Frame.Put(), preparation.IsIntact() ? nullptr : options.Put()));
-    if (!preparation.IsIntact())
-    {
-        WriteEncoderOptions(options.Get(), preparation.Options.minimize, JpegSubsamplingSupported());
-    }
-    ThrowIfFailed(encoder.Frame->Initialize(options.Get()));
-    return encoder;
-}
-
-// Sets size, resolution and pixel format, and tells the host's writer of metadata the first two by the record.
-void DescribeFrame(const Preparation &preparation, const Source &source, IWICBitmapFrameEncode *frame,
-                   ItemRecord &record)
-{
-    UINT width = 0;
-    UINT height = 0;
-    ThrowIfFailed(source.Bitmap->GetSize(&width, &height));
-    record.Widths[0] = record.Widths[1] = width;
-    record.Heights[0] = record.Heights[1] = height;
-    ThrowIfFailed(frame->SetSize(width, height));
-
-    const Resolution resolution = ChooseResolution(preparation.Options, source.Bitmap.Get());
-    record.ResolutionX = static_cast<float>(resolution.X);
-    record.ResolutionY = static_cast<float>(resolution.Y);
-    ThrowIfFailed(frame->SetResolution(resolution.X, resolution.Y));
-
-    // The encoder may answer with another format: WriteSource converts to it.
-    WICPixelFormatGUID format = GUID_WICPixelFormat24bppBGR;
-    ThrowIfFailed(frame->SetPixelFormat(&format));
-}
-
 HRESULT TransferMetadata(const Preparation &preparation, const Source &source, IWICBitmapFrameEncode *frame,
                          ItemRecord *record, bool blocksDropped)
 {
@@ -138,8 +88,8 @@ PassResult RunPass(const Preparation &preparation, RetryRule &rule, ItemTexts &t
     ItemRecordOwner record;
     const Source source = OpenSource(preparation, record.Get());
     texts = ChooseItemTexts(*record, preparation.UploadName);
-    const Encoder encoder = CreateEncoder(preparation);
-    DescribeFrame(preparation, source, encoder.Frame.Get(), *record.Get());
+    const JpegEncoder encoder = CreateJpegEncoder(preparation.Factory.Get(), preparation.Options);
+    DescribeFrame(encoder.Frame.Get(), source.Bitmap.Get(), preparation.Options, *record.Get());
 
     const HRESULT transferred =
         TransferMetadata(preparation, source, encoder.Frame.Get(), record.Get(), rule.BlocksDropped);

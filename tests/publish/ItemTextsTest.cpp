@@ -1,8 +1,8 @@
 // The choice of an item's file, its words, and the life of its record.
 #include "publish/FileChoice.h"
+#include "publish/FormFields.h"
 #include "publish/ItemRecord.h"
 #include "publish/ItemTexts.h"
-#include "publish/TagList.h"
 #include "tests/doubles/CallRecord.h"
 
 #include "com/BstrOwner.h"

@@ -1,9 +1,8 @@
 // The single decisions behind a new JPEG.
 #include "com/HandleOwner.h"
 #include "com/Hresult.h"
-#include "publish/EncoderOptions.h"
+#include "publish/JpegEncoder.h"
 #include "publish/JpegSubsampling.h"
-#include "publish/OutputResolution.h"
 #include "publish/RetryRule.h"
 #include "tests/doubles/CallRecord.h"
 #include "tests/doubles/FakeEncoding.h"
