@@ -211,11 +211,15 @@ public:
             return result;
         }
         m_record.Bodies.push_back(body ? ReadAll(body, bodyLength) : std::string());
-        if (m_record.DuringUpload)
+        if (callback != nullptr)
+        {
+            result = callback->OnUploadProgress(UPLOAD_BEGIN, bodyLength, 0);
+        }
+        if (SUCCEEDED(result) && m_record.DuringUpload)
         {
             result = m_record.DuringUpload(callback, bodyLength);
         }
-        else if (callback != nullptr)
+        else if (SUCCEEDED(result) && callback != nullptr)
         {
             result = callback->OnUploadProgress(UPLOAD_BYTES, bodyLength, bodyLength);
         }

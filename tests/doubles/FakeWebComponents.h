@@ -50,8 +50,8 @@ public:
     void Answer(WideView xml);                               // S_OK and a document
     void AnswerWith(HRESULT result, ComPtr<IUnknown> reply); // the reply may be null
 
-    // Called within UploadRequest, with the callback and the body's length; a failure ends the request with
-    // it. Unless it is set, one report tells of the whole body.
+    // Called within UploadRequest after the report UPLOAD_BEGIN, with the callback and the body's length; a
+    // failure ends the request with its code. Unless it is set, one report covers the whole body.
     std::function<HRESULT(IUploadProgressCallback *callback, UINT32 bodyLength)> DuringUpload;
 
     // What GetBodyLength and GetMimeTypeForFile give, in place of the real length and "image/jpeg".
