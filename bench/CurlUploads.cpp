@@ -68,7 +68,7 @@ int main(int argc, char **argv)
     for (int i = 5; i < argc; ++i)
     {
         std::fputs(i > 5 ? "next\n" : "", stdout);
-        // What holds for one transfer only; curl forgets it at each "next".
+        // Options of one transfer; curl forgets them at each "next".
         std::printf("silent\nshow-error\nfail\n");
         if (const char *entries = std::getenv("HALVORA_CONNECT_TO"))
         {

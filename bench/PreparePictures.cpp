@@ -1,8 +1,8 @@
-// Makes upload pictures as a run does, without the upload, and tells what that cost.
+// Makes upload pictures as a run does, without the upload, and prints what that cost.
 //
 //     prepare_pictures intact|processed LONG-EDGE ROUNDS TARGET-FOLDER SOURCE...
 //
-// All groups of metadata go along. Prints the least time of a round over all sources, in milliseconds,
+// All metadata groups are kept. Prints the least time of a round over all sources, in milliseconds,
 // and the highest resident size of the process, in bytes. Each picture is prepared when it is asked for,
 // none ahead of time.
 #include "core/ErrorText.h"
@@ -39,10 +39,10 @@ void Save(IStream *picture, const fs::path &target)
 UploadOptions AllGroups(bool isIntact, UINT32 longEdge)
 {
     UploadOptions options;
-    options.Mode = isIntact ? SendPixelsIntact : SendProcessed;
-    options.WriteCopyright = options.WriteExif = options.WriteXmp = options.WriteGps = options.WriteIptc = true;
-    options.LongEdgePixels = longEdge;
-    options.PrintDpi = 300;
+    options.mode = isIntact ? SendPixelsIntact : SendProcessed;
+    options.writeCopyright = options.writeExif = options.writeXmp = options.writeGps = options.writeIptc = true;
+    options.longEdgePixels = longEdge;
+    options.printDpi = 300;
     return options;
 }
 

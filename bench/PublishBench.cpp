@@ -1,5 +1,5 @@
-// Cost of what the plug-in does beside the network: a progress report, a state line, one item of a
-// run with web components that answer at once.
+// Cost of the plug-in without the network: a progress report, a state line, one item of a run with web
+// components that answer at once.
 #include "core/NumberFormat.h"
 #include "plugin/FlickrPublisher.h"
 #include "publish/ProgressReport.h"

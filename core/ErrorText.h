@@ -1,14 +1,14 @@
-// Words for failures that have none of their own.
+// Messages for failures that are known by their code alone.
 #pragma once
 
 #include "com/WideText.h"
 
 #include <windows.h>
 
-// The code sentence and, where the system has a message for the code, that message behind it, always
-// with a full stop at the end. For codes 0 and 1 the code sentence alone.
+// A sentence that names the code, followed by the system's message for it, if there is one; always ends with a
+// full stop. For codes 0 and 1 the first sentence alone.
 WideText FormatErrorText(HRESULT code);
 
-// Puts text into the calling thread's COM error object, for whoever called the plug-in. Best effort:
-// without an error object nothing happens.
+// Puts text into the calling thread's COM error object, where the plug-in's caller finds it. Does nothing if the
+// object can't be created.
 void SetErrorInfoText(const WCHAR *text);

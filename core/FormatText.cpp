@@ -7,7 +7,7 @@
 
 namespace
 {
-// Far above any log line; a format that the formatter can't digest ends here.
+// Far above any log line. Ends the loop for a format that the formatter fails on at every size.
 constexpr size_t LongestText = size_t{1} << 26;
 } // namespace
 

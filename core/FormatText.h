@@ -1,5 +1,5 @@
-// Text of any length by a printf-style format, with Windows' meanings in both builds: %ls wide,
-// %d and %lx 32 bits wide, %I64d 64, %S narrow. The format must not be null; E_OUTOFMEMORY is thrown.
+// printf for wide text of any length, with Windows' meanings in both builds: %ls wide, %d and %lx 32 bits,
+// %I64d 64, %S narrow. The format must not be null; E_OUTOFMEMORY is thrown.
 #pragma once
 
 #include "com/WideText.h"

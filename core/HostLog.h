@@ -1,6 +1,5 @@
-// The host's log, from any thread. Formats are printf-style with Windows' meanings (FormatText.h); a
-// null format logs "(internal error)", a null host logs nothing. Whether the host took the entry is
-// not looked at.
+// Writes to the host's log, from any thread. Formats are those of FormatText.h; a null format logs "(internal
+// error)", a null host logs nothing. The host's result is ignored.
 #pragma once
 
 #include "com/WideText.h"

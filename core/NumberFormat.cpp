@@ -54,7 +54,7 @@ bool ReadLocaleValues(LocaleNumberFormat &format)
            readNumber(LOCALE_IDIGITS, format.NumDigits);
 }
 
-// The number in plain ASCII, whatever locale the process has; false if it doesn't fit.
+// Prints the number in ASCII, whatever the process's locale; false if it doesn't fit.
 bool PrintPlain(NumberValue value, NumberKind kind, UINT32 decimals, char *first, char *last)
 {
     std::to_chars_result result{};

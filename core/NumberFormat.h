@@ -6,8 +6,8 @@
 
 #include <windows.h>
 
-// The conventions of one locale. Empty until it is loaded, and then keeps what it read until a
-// reload. No lock of its own.
+// The conventions of one locale. Empty until it is loaded; keeps its values until a reload. No lock of its
+// own.
 class LocaleNumberFormat
 {
 public:
@@ -15,7 +15,7 @@ public:
 
     bool IsLoaded() const noexcept { return !DecimalSeparator.empty(); }
 
-    // The same in the platform's form; its two texts live as long as this record is unchanged.
+    // The same as the platform's structure, which points into this record's texts.
     NUMBERFMTW PlatformForm() const noexcept;
 
     LCID Locale;
@@ -28,7 +28,7 @@ public:
 };
 
 // Fills the record; one that is loaded is left alone unless reload is set. False with the thread's
-// last error set if the locale is unknown or a value can't be read; what was read so far stays.
+// last error set if the locale is unknown or a value can't be read; values read before stay.
 bool LoadLocaleFormat(LocaleNumberFormat &format, bool reload);
 
 enum NumberKind : UINT32

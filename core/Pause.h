@@ -1,4 +1,4 @@
-// Waiting, as a parameter, so that a test need not.
+// Sleep function that tests can replace.
 #pragma once
 
 #include <windows.h>

@@ -4,7 +4,7 @@
 
 namespace
 {
-// The entry where it lies in the module; empty if there is none.
+// A view of the entry in the module's memory; empty if there is none.
 WideView FindEntry(UINT id) noexcept
 {
     // A buffer of length 0 asks for a pointer to the read-only entry, which isn't terminated.

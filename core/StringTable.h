@@ -1,5 +1,5 @@
-// The texts of the module's string table, by the identifiers of resources/resource.h. All words
-// that a user reads come from here.
+// The module's string table, by the identifiers of resources/resource.h. Every text that a user reads comes
+// from here.
 #pragma once
 
 #include "com/BstrOwner.h"
@@ -7,8 +7,8 @@
 
 #include <windows.h>
 
-// Frees what text held and looks id up. False, with a null text, if the table has no such entry or
-// an empty one. E_OUTOFMEMORY is thrown.
+// Sets text to the entry. False, with a null text, if the table has no such entry or an empty one.
+// E_OUTOFMEMORY is thrown.
 bool LoadStringResource(UINT id, BstrOwner &text);
 
 // The entry, or "?" for one that is absent: a missing text is never a failure.

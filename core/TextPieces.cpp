@@ -52,7 +52,7 @@ void CapitalizeFirst(WideText &text)
     {
         return;
     }
-    // A pointer with nothing but its lower 16 bits is taken as one character, and comes back as one.
+    // CharUpperW takes a pointer whose upper bits are zero as one character, and returns one.
     const auto upper = reinterpret_cast<UINT_PTR>(CharUpperW(reinterpret_cast<LPWSTR>(UINT_PTR{text.front()})));
     if (upper != 0)
     {

@@ -5,18 +5,18 @@
 
 #include <vector>
 
-// Unicode's White_Space property, whatever the C library's locale says of it.
+// Unicode's White_Space property, independent of the C library's locale.
 bool IsWhiteSpace(WCHAR unit) noexcept;
 
 // The pieces between separators; runs of separators and separators at the ends give no piece. The
 // views point into text.
 std::vector<WideView> SplitText(WideView text, WCHAR separator);
 
-// Without white space at both ends.
+// The text without white space at its ends; a view into it.
 WideView StripWhiteSpace(WideView text) noexcept;
 
-// Whether both are alike but for the case of A to Z: for words of a format, whatever the locale.
+// Compares without regard to the case of A to Z, independent of the locale: for keywords of a format.
 bool EqualsIgnoringCase(WideView left, WideView right) noexcept;
 
-// The first character in upper case, as the user's language has it; an empty text stays empty.
+// Puts the first character into upper case by the rules of the user's language.
 void CapitalizeFirst(WideText &text);

@@ -2,8 +2,7 @@
 
 HMODULE ThisModule() noexcept
 {
-    // Asked by the address of something that can only lie here, so that the answer is right however
-    // the module was loaded.
+    // An object of this module finds the module by its address, however it was loaded and named.
     static const char Anchor = 0;
     HMODULE module = nullptr;
     if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,

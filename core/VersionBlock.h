@@ -11,7 +11,7 @@
 class VersionBlock
 {
 public:
-    // Without any version: every text is empty.
+    // Without a version: every text is empty.
     VersionBlock() noexcept = default;
 
     // Read from the file of the module that this code is linked into; empty if that fails.

@@ -16,12 +16,12 @@ public:
     HRESULT GetTypeInfo(UINT index, ITypeInfo **info) noexcept;
     HRESULT GetIDsOfNames(REFIID reserved, LPOLESTR *names, UINT count, DISPID *ids) noexcept;
 
-    // Calls object, which is the dual interface that the library describes.
+    // Calls an operation of object, which is the dual interface that the library describes.
     HRESULT Invoke(void *object, REFIID reserved, DISPID id, WORD flags, DISPPARAMS *parameters, VARIANT *result,
                    EXCEPINFO *exception, UINT *argumentError) noexcept;
 
 private:
-    // Throws what loading the library fails with.
+    // Throws the failure of loading the library.
     ComPtr<ITypeInfo> Info();
 
     std::mutex m_lock;

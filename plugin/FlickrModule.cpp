@@ -4,7 +4,7 @@
 
 CFlickrModule::CFlickrModule(HMODULE handle) noexcept : m_isSetUp(handle != nullptr) {}
 
-// A request that comes while the process takes the module down is refused.
+// A request that comes while the process unloads the module is refused.
 CFlickrModule::~CFlickrModule()
 {
     m_isSetUp = false;

@@ -12,13 +12,13 @@
 class CFlickrModule
 {
 public:
-    // handle is this module's; null if it isn't known, and the module then isn't set up.
+    // handle is this module's. With null, for a module that the loader doesn't know, it isn't set up.
     explicit CFlickrModule(HMODULE handle) noexcept;
     ~CFlickrModule();
     CFlickrModule(const CFlickrModule &) = delete;
     CFlickrModule &operator=(const CFlickrModule &) = delete;
 
-    // Live objects, class objects held from outside, and explicit locks.
+    // The count of live objects, of class objects held from outside, and of explicit locks.
     static void IncrementLocks() noexcept { ModuleLocks::Increment(); }
     static void DecrementLocks() noexcept { ModuleLocks::Decrement(); }
     static long ReadLocks() noexcept { return ModuleLocks::Read(); }
@@ -30,12 +30,13 @@ public:
     // up; CLASS_E_CLASSNOTAVAILABLE; E_NOINTERFACE.
     HRESULT GetClassObject(REFCLSID clsid, REFIID iid, void **object) noexcept;
 
-    // For the scope that Install chose, the machine before that. What is registered ahead of a failure stays.
+    // For the scope that Install chose, or the machine before that. Register leaves the entries that it wrote
+    // before a failure.
     HRESULT Register() noexcept;
     HRESULT Unregister() noexcept;
 
-    // commandLine "user", in whatever case, makes the user the scope for the rest of the process; it may be
-    // null. A registration that fails is undone.
+    // commandLine may be null. "user", in any case, makes the user the scope for the rest of the process.
+    // A registration that fails is undone, and its failure returned.
     HRESULT Install(bool install, const WCHAR *commandLine) noexcept;
 
 private:

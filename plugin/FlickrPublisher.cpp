@@ -24,7 +24,7 @@ constexpr auto Capabilities =
     static_cast<HVRPUBLISHINGCAPABILITIES>(HVRPUBLISHINGCAPS_CONFIGURABLE | HVRPUBLISHINGCAPS_USES_INIT_DATA |
                                            HVRPUBLISHINGCAPS_CANCELABLE | HVRPUBLISHINGCAPS_AUTHORIZATION);
 
-// Fills an out text with what make gives; thrown is the result for whatever goes wrong.
+// Fills an out text with the result of make. Every failure is returned as the code thrown.
 template <class Make>
 HRESULT GiveText(BSTR *text, HRESULT thrown, Make &&make) noexcept
 {
@@ -56,7 +56,7 @@ HRESULT CFlickrPublisher::QueryFurther(REFIID iid, void **object) noexcept
     return E_NOINTERFACE;
 }
 
-// What can't be shown stops no upload: only an abrupt cancel does.
+// A report that can't be shown doesn't stop the upload: only an abrupt cancel does.
 HRESULT CFlickrPublisher::OnUploadProgress(UINT32 code, UINT32 total, UINT32 done) noexcept
 {
     AtBoundary([&] {
@@ -64,7 +64,7 @@ HRESULT CFlickrPublisher::OnUploadProgress(UINT32 code, UINT32 total, UINT32 don
         ShowProgress(display, code, total, done);
         return S_OK;
     });
-    return m_cancel.Abruptly ? E_ABORT : S_OK;
+    return m_cancel.CancelAbruptly ? E_ABORT : S_OK;
 }
 
 HRESULT CFlickrPublisher::InterfaceSupportsErrorInfo(REFIID iid) noexcept
@@ -96,11 +96,11 @@ HRESULT CFlickrPublisher::Invoke(DISPID id, REFIID reserved, LCID, WORD flags, D
 
 void CFlickrPublisher::AcceptHost(IUnknown *host)
 {
-    if (host != m_host.Get())
+    if (host != m_session.Host.Get())
     {
-        m_host = QueryFor<IHalvoraPublishingHost>(host);
+        m_session.Host = QueryFor<IHalvoraPublishingHost>(host);
     }
-    if (!m_host)
+    if (!m_session.Host)
     {
         ThrowHresult(E_INVALIDARG);
     }
@@ -108,9 +108,9 @@ void CFlickrPublisher::AcceptHost(IUnknown *host)
 
 void CFlickrPublisher::AcceptStream(IUnknown *stream)
 {
-    if (stream != m_initStream.Get())
+    if (stream != m_session.InitStream.Get())
     {
-        m_initStream = QueryFor<IStream>(stream);
+        m_session.InitStream = QueryFor<IStream>(stream);
     }
 }
 
@@ -122,11 +122,11 @@ HRESULT CFlickrPublisher::Initialize(IUnknown *lpHost, USHORT langid, IUnknown *
     }
     return AtBoundary([&] {
         AcceptHost(lpHost);
-        m_languageId = langid;
+        m_session.LanguageId = langid;
         AcceptStream(lpStream);
-        if (m_initStream)
+        if (m_session.InitStream)
         {
-            ReadInitData(m_initStream.Get(), m_account);
+            ReadInitData(m_session.InitStream.Get(), m_account);
         }
         CreateUsageMetrics();
         return S_OK;
@@ -135,12 +135,12 @@ HRESULT CFlickrPublisher::Initialize(IUnknown *lpHost, USHORT langid, IUnknown *
 
 HRESULT CFlickrPublisher::Terminate() noexcept
 {
-    if (!m_initStream)
+    if (!m_session.InitStream)
     {
         return S_OK;
     }
     return AtBoundary([&] {
-        WriteInitData(m_initStream.Get(), m_account);
+        WriteInitData(m_session.InitStream.Get(), m_account);
         gUsageMetrics.Reset();
         return S_OK;
     });
@@ -252,16 +252,16 @@ HRESULT CFlickrPublisher::EditSettings(HWND parent, IOAuthWebClient &)
     {
         return S_OK;
     }
-    if (IsWindow(m_windows.Bar))
+    if (IsWindow(m_windows.ProgressWindow))
     {
-        SendMessageW(m_windows.Bar, PBM_SETPOS, 0, 0);
-        SendMessageW(m_windows.Bar, PBM_SETSTATE, PBST_NORMAL, 0);
+        SendMessageW(m_windows.ProgressWindow, PBM_SETPOS, 0, 0);
+        SendMessageW(m_windows.ProgressWindow, PBM_SETSTATE, PBST_NORMAL, 0);
     }
     if (!outcome.RevokeRequested)
     {
         return S_OK;
     }
-    // The service isn't told: there the token stays valid until the user withdraws it.
+    // No request is sent: at the service the token stays valid until the user withdraws it there.
     m_account.OAuthToken.Reset();
     m_account.OAuthTokenSecret.Reset();
     return S_FALSE;
@@ -279,8 +279,8 @@ HRESULT CFlickrPublisher::Publish(HWND hWndProgressControl, HWND hWndStaticTextC
     }
     return AtBoundary([&] {
         const ComPtr<IUsageMetrics> usage = gUsageMetrics;
-        const RunContext run{m_host.Get(), usage.Get(), this,     m_account,   m_version,  m_settings,
-                             m_statistics, m_windows,   m_cancel, SystemTicks, SystemPause};
+        const RunContext run{m_session.Host.Get(), usage.Get(), this,     m_account,   m_version,  m_settings,
+                             m_statistics,         m_windows,   m_cancel, SystemTicks, SystemPause};
         RunPublish(run, hWndProgressControl, hWndStaticTextControl);
         return S_OK;
     });
@@ -298,6 +298,6 @@ HRESULT CFlickrPublisher::CanPublish(HWND, BOOL fIncludeActualConnectivityCheck)
 
 HRESULT CFlickrPublisher::Cancel(BOOL fAbruptly) noexcept
 {
-    RequestCancel(m_host.Get(), m_cancel, fAbruptly != FALSE);
+    RequestCancel(m_session.Host.Get(), m_cancel, fAbruptly != FALSE);
     return S_OK;
 }

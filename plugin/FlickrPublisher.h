@@ -1,5 +1,5 @@
-// The object that the host creates and drives: a shell that owns the state and hands each operation
-// just what it needs.
+// The object that the host creates and calls: a shell that owns the state and lends each operation just the
+// part that it needs.
 #pragma once
 
 #include "account/AccountRecord.h"
@@ -56,9 +56,17 @@ public:
     STDMETHODIMP Cancel(BOOL fAbruptly) noexcept override;
 
 private:
+    // What the host handed over with Initialize, held until the object dies.
+    struct Session
+    {
+        USHORT LanguageId = 0; // not consulted: the system chooses the language of a resource
+        ComPtr<IStream> InitStream;
+        ComPtr<IHalvoraPublishingHost> Host;
+    };
+
     void AcceptHost(IUnknown *host);
     void AcceptStream(IUnknown *stream);
-    bool IsInitialized() const noexcept { return m_host && m_initStream; }
+    bool IsInitialized() const noexcept { return m_session.Host && m_session.InitStream; }
 
     // The verbs of Configure.
     HRESULT AuthorizeAccount(HWND parent, IOAuthWebClient &client);
@@ -68,9 +76,7 @@ private:
     PublishStatistics m_statistics;
     LocaleNumberFormat m_numberFormat;
     ProgressWindows m_windows;
-    USHORT m_languageId = 0;
-    ComPtr<IStream> m_initStream;
-    ComPtr<IHalvoraPublishingHost> m_host;
+    Session m_session;
     CancelFlags m_cancel;
     AccountRecord m_account;
     SettingsBlock m_settings;

@@ -15,7 +15,7 @@ constexpr BstrOwner AccountRecord::*StoredTexts[] = {
     &AccountRecord::FullName,   &AccountRecord::PhotosUrl,        &AccountRecord::AccountType,
 };
 
-// All of size, or a failure.
+// Reads all of size, or throws: E_FAIL if the stream ends before.
 void ReadExactly(IStream *stream, void *data, UINT32 size)
 {
     ULONG read = 0;
@@ -36,7 +36,7 @@ void WriteExactly(IStream *stream, const void *data, UINT32 size)
     }
 }
 
-// Puts the stream back where it stood, unless the reading went well.
+// Moves the stream back to where a string starts, unless Forget says that the whole string was read.
 class PositionKeeper
 {
 public:
@@ -89,7 +89,7 @@ BstrOwner ReadText(IStream *stream)
         {
             ThrowHresult(E_FAIL);
         }
-        // An odd byte at the end is no unit.
+        // Half a unit at the end is dropped.
         text = BstrOwner(WideView(units).substr(0, textSize / sizeof(WCHAR)));
     }
     position.Forget();

@@ -5,17 +5,17 @@
 //     int64     MaxFileSize
 //
 // A string is a 32-bit count of the bytes that follow, and that many bytes: UTF-16 and one zero unit.
-// A count of 0 stands for a null string. Token and secret stand there as plain text.
+// A count of 0 stands for a null string. Token and secret are stored as plain text.
 #pragma once
 
 #include <objidl.h>
 
 struct AccountRecord;
 
-// Reads at the stream's present position. Without data (an empty stream, a marker that isn't
-// positive) the strings stay and MaxFileSize becomes 0. A failure is thrown: strings read so far
-// stay, the one at fault is null, and the stream stands before it.
+// Reads from the stream's present position. Without data (an empty stream, a marker that isn't positive)
+// the strings stay and MaxFileSize becomes 0. A failure is thrown: strings read so far stay, the string that
+// failed is null, and the stream stands at its start.
 void ReadInitData(IStream *stream, AccountRecord &account);
 
-// Replaces all that the stream holds. The first failure is thrown, and what was written stays.
+// Replaces the stream's whole content. The first failure is thrown; bytes written before it stay.
 void WriteInitData(IStream *stream, const AccountRecord &account);

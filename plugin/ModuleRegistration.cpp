@@ -7,8 +7,8 @@
 
 namespace
 {
-// The texts that the type library and the scripts leave in the registry are the same on every system,
-// whatever language the installing user has.
+// Sets the thread's locale for the length of a registration, so that the texts that it writes into the
+// registry don't depend on the language of the user who installs.
 class SystemLocale
 {
 public:

@@ -9,9 +9,9 @@ enum class RegistrationScope
     User     // HKEY_CURRENT_USER\Software\Classes
 };
 
-// Writes all entries, for this module's own file. What was written ahead of a failure stays. The calling
-// thread is in an apartment.
+// Writes all entries, for this module's own file. Entries written before a failure stay. COM must be
+// initialized on the calling thread.
 HRESULT RegisterModule(RegistrationScope scope) noexcept;
 
-// Removes them. Goes on after a failure and answers the first one; entries that aren't there are none.
+// Removes them. Goes on after a failure and returns the first one; a missing entry is no failure.
 HRESULT UnregisterModule(RegistrationScope scope) noexcept;

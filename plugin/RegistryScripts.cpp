@@ -20,13 +20,14 @@ void ThrowIfError(LSTATUS status)
     ThrowIfFailed(HRESULT_FROM_WIN32(static_cast<DWORD>(status)));
 }
 
-// HKEY_CLASSES_ROOT of this process is the user's own classes for as long as this lives.
+// While this lives, HKEY_CLASSES_ROOT means the user's own classes in this process.
 class UserClassesMapping
 {
 public:
     UserClassesMapping()
     {
-        // A mapping to a predefined key is taken for none, and would let the script write for the machine.
+        // RegOverridePredefKey wants a key that was opened: a mapping to HKEY_CURRENT_USER itself has no effect,
+        // and the script would write for the machine.
         RegistryKeyOwner user;
         ThrowIfError(RegOpenCurrentUser(KEY_READ | KEY_WRITE, user.Put()));
         RegistryKeyOwner classes;
@@ -39,7 +40,7 @@ public:
     UserClassesMapping &operator=(const UserClassesMapping &) = delete;
 };
 
-// Scripts hold the path between single quotes; one in the path is written twice there.
+// The scripts put the path between single quotes, so a quote in the path must be doubled.
 WideText QuotedPath(const WideText &path)
 {
     WideText quoted;
@@ -56,7 +57,7 @@ HRESULT RunScript(UINT id, RegistrationScope scope, Operation operation) noexcep
 {
     return AtBoundary([&] {
         const WideText module = ThisModulePath();
-        // Found while the classes are still the system's.
+        // Created before the mapping, while COM still finds the registrar among the machine's classes.
         ComPtr<IRegistrar> registrar;
         ThrowIfFailed(CoCreateInstance(CLSID_Registrar, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IRegistrar),
                                        registrar.PutVoid()));

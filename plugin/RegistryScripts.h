@@ -3,9 +3,9 @@
 
 #include "plugin/ModuleRegistration.h"
 
-// Writes the entries of the script, a resource of type REGISTRY. In them %APPID% is the application's
-// identifier and %MODULE% this module's path.
+// Writes the entries of the script, the resource id of type REGISTRY. In the script %APPID% stands for the
+// application's identifier and %MODULE% for this module's path.
 HRESULT ApplyRegistryScript(UINT id, RegistrationScope scope) noexcept;
 
-// Removes what the script writes.
+// Removes the entries that the script writes.
 HRESULT RevertRegistryScript(UINT id, RegistrationScope scope) noexcept;

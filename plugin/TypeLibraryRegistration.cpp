@@ -11,7 +11,7 @@
 
 namespace
 {
-// Of the type library, as its source gives them.
+// As the type library's source has them.
 constexpr WORD MajorVersion = 1;
 constexpr WORD MinorVersion = 0;
 constexpr LCID LibraryLocale = 0x409;
@@ -20,7 +20,7 @@ constexpr const WCHAR *LibraryKey = TEXT("TypeLib\\{20FB81F4-2558-4961-B33E-75C9
 using Register = HRESULT WINAPI(ITypeLib *library, LPOLESTR path, LPOLESTR helpFolder);
 using Unregister = HRESULT WINAPI(REFGUID id, WORD major, WORD minor, LCID locale, SYSKIND system);
 
-// Asked for at run time: not every import library knows the functions for one user.
+// Looked up at run time: not every import library has the functions for one user.
 template <class Function>
 Function *AutomationFunction(const char *name)
 {
@@ -66,7 +66,7 @@ HRESULT UnregisterTypeLibrary(RegistrationScope scope) noexcept
                       LIBID_HVRPublishToFlickrLib, MajorVersion, MinorVersion, LibraryLocale, SYS_WIN64)
                 : UnRegisterTypeLib(LIBID_HVRPublishToFlickrLib, MajorVersion, MinorVersion, LibraryLocale,
                                     SYS_WIN64);
-        // Where there was nothing to take back, that it failed says nothing.
+        // The system fails to remove a library that isn't registered; for us that is a success.
         return wasRegistered ? result : S_OK;
     });
 }

@@ -2,8 +2,9 @@
 
 namespace
 {
-// Never destroyed: when the process ends without a Terminate, the component's own module may be gone
-// before this one. Not on the heap either, which would keep it when this module is unloaded.
+// Never destroyed: if the process ends without a Terminate, the component's module may be unloaded before
+// this one, and Release would call into nothing. Static and not on the heap, where each unloading of this
+// module would leak it.
 union UndestroyedPointer
 {
     UndestroyedPointer() noexcept : pointer() {}

@@ -1,5 +1,5 @@
-// The host family's usage counter, shared by all objects of the process. Null without the component;
-// the plug-in works without it. Not locked.
+// The usage counter that the host's programs share: one for all objects of the process, null where the
+// component isn't installed; the plug-in works without it. No lock.
 #pragma once
 
 #include "com/ComPtr.h"
@@ -8,5 +8,5 @@
 
 extern ComPtr<IUsageMetrics> &gUsageMetrics;
 
-// Creates the counter if there is none yet. That the component may be missing is no failure.
+// Creates the counter if there is none yet. A missing component is no failure.
 void CreateUsageMetrics() noexcept;

@@ -1,4 +1,4 @@
-// Which of an item's files goes up, and as what.
+// Which of an item's files is uploaded, and as what.
 #pragma once
 
 #include "com/WideText.h"
@@ -15,7 +15,7 @@ ExtensionClass ClassifyExtension(WideView extension) noexcept;
 
 struct FileChoice
 {
-    ExtensionClass Class; // Other: goes up as a new JPEG
+    ExtensionClass Class; // Other: uploaded as a new JPEG
     WideView Extension;   // as the host gave it; empty for an item without extensions
 };
 

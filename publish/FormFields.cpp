@@ -2,12 +2,12 @@
 
 #include "com/BstrOwner.h"
 #include "com/Hresult.h"
-#include "publish/TagList.h"
+#include "core/TextPieces.h"
 #include "settings/SettingsStore.h"
 
 namespace
 {
-// The callee copies the value, so the string stays its owner's.
+// The value borrows the string: whoever takes it makes a copy.
 VARIANT TextValue(const BstrOwner &text) noexcept
 {
     VARIANT value;
@@ -26,12 +26,12 @@ VARIANT NumberValue(VARTYPE type, UINT32 number) noexcept
     return value;
 }
 
-// A number that always goes with the picture.
+// A number that every form has.
 struct NumberField
 {
     const WCHAR *name;
     const WCHAR *setting;
-    UINT32 offset; // what the service's counting begins with
+    UINT32 offset; // 1 where the service counts from 1 and the setting from 0
 };
 constexpr NumberField NumberFields[] = {
     {TEXT("is_public"), TEXT("IsPublic"), 0},       {TEXT("is_friend"), TEXT("IsFriend"), 0},
@@ -78,6 +78,22 @@ private:
     IMultipartFormData *m_form;
 };
 } // namespace
+
+WideText QuotedTagList(WideView tags)
+{
+    WideText list;
+    for (const WideView tag : SplitText(tags, TEXT(';')))
+    {
+        if (!list.empty())
+        {
+            list += TEXT(' ');
+        }
+        list += TEXT('"');
+        list += StripWhiteSpace(tag);
+        list += TEXT('"');
+    }
+    return list;
+}
 
 void AddFormFields(const ItemTexts &texts, IRequestParameters *parameters, IMultipartFormData *form)
 {

@@ -1,13 +1,10 @@
 #include "publish/ImagePreparation.h"
 
 #include "com/Hresult.h"
-#include "publish/ColorProfile.h"
-#include "publish/EncoderOptions.h"
 #include "publish/ItemRecord.h"
+#include "publish/JpegEncoder.h"
 #include "publish/JpegSource.h"
-#include "publish/JpegSubsampling.h"
 #include "publish/MetadataSelection.h"
-#include "publish/OutputResolution.h"
 #include "publish/RetryRule.h"
 
 #include <objbase.h>
@@ -17,7 +14,7 @@
 
 namespace
 {
-// What all passes share.
+// The same for all passes.
 struct Preparation
 {
     IHalvoraImageMetadata *Metadata;
@@ -26,21 +23,15 @@ struct Preparation
     const UploadOptions &Options;
     ComPtr<IWICImagingFactory> Factory;
 
-    bool IsIntact() const noexcept { return Options.Mode == SendPixelsIntact; }
+    bool IsIntact() const noexcept { return Options.mode == SendPixelsIntact; }
 };
 
-// What is written. Frame is the source's own where its pixels stay, and null for a processed picture.
+// The picture to write. Frame is the frame of the source file where its pixels are kept, and null for a
+// processed picture.
 struct Source
 {
     ComPtr<IWICBitmapFrameDecode> Frame;
     ComPtr<IWICBitmapSource> Bitmap;
-};
-
-struct Encoder
-{
-    ComPtr<IStream> Picture;
-    ComPtr<IWICBitmapEncoder> Container;
-    ComPtr<IWICBitmapFrameEncode> Frame;
 };
 
 ComPtr<IWICImagingFactory> CreateImagingFactory()
@@ -62,7 +53,7 @@ Source OpenSource(const Preparation &preparation, ItemRecord *record)
                                                               READ_METADATA_ONLY, record));
         return source;
     }
-    const auto longEdge = static_cast<INT32>(preparation.Options.LongEdgePixels);
+    const auto longEdge = static_cast<INT32>(preparation.Options.longEdgePixels);
     ThrowIfFailed(preparation.Metadata->ReadImageMetadata(preparation.SourcePath, 0, longEdge, source.Bitmap.Put(),
                                                           READ_METADATA_AND_PICTURE, record));
     if (!source.Bitmap)
@@ -72,48 +63,8 @@ Source OpenSource(const Preparation &preparation, ItemRecord *record)
     return source;
 }
 
-Encoder CreateEncoder(const Preparation &preparation)
-{
-    Encoder encoder;
-    ThrowIfFailed(preparation.Factory->CreateEncoder(GUID_ContainerFormatJpeg, &GUID_VendorMicrosoft,
-                                                     encoder.Container.Put()));
-    ThrowIfFailed(CreateStreamOnHGlobal(nullptr, TRUE, encoder.Picture.Put()));
-    ThrowIfFailed(encoder.Container->Initialize(encoder.Picture.Get(), WICBitmapEncoderNoCache));
-    // Without options the encoder may keep the source's coded pixels; any option makes it code anew.
-    ComPtr<IPropertyBag2> options;
-    ThrowIfFailed(
-        encoder.Container->CreateNewFrame(encoder.Frame.Put(), preparation.IsIntact() ? nullptr : options.Put()));
-    if (!preparation.IsIntact())
-    {
-        WriteEncoderOptions(options.Get(), preparation.Options.Minimize, JpegSubsamplingSupported());
-    }
-    ThrowIfFailed(encoder.Frame->Initialize(options.Get()));
-    return encoder;
-}
-
-// Size, resolution and pixel format, the former two also for the host's writer of metadata.
-void DescribeFrame(const Preparation &preparation, const Source &source, IWICBitmapFrameEncode *frame,
-                   ItemRecord &record)
-{
-    UINT width = 0;
-    UINT height = 0;
-    ThrowIfFailed(source.Bitmap->GetSize(&width, &height));
-    record.Widths[0] = record.Widths[1] = width;
-    record.Heights[0] = record.Heights[1] = height;
-    ThrowIfFailed(frame->SetSize(width, height));
-
-    const Resolution resolution = ChooseResolution(preparation.Options, source.Bitmap.Get());
-    record.ResolutionX = static_cast<float>(resolution.X);
-    record.ResolutionY = static_cast<float>(resolution.Y);
-    ThrowIfFailed(frame->SetResolution(resolution.X, resolution.Y));
-
-    // What the encoder takes instead is its own affair: WriteSource converts.
-    WICPixelFormatGUID format = GUID_WICPixelFormat24bppBGR;
-    ThrowIfFailed(frame->SetPixelFormat(&format));
-}
-
 HRESULT TransferMetadata(const Preparation &preparation, const Source &source, IWICBitmapFrameEncode *frame,
-                         ItemRecord *record, bool copyBlocks)
+                         ItemRecord *record, bool blocksDropped)
 {
     if (!preparation.IsIntact())
     {
@@ -121,11 +72,10 @@ HRESULT TransferMetadata(const Preparation &preparation, const Source &source, I
     }
     CopyColorProfile(preparation.Factory.Get(), preparation.SourcePath, source.Frame.Get(), frame);
     return SelectIntactMetadata(preparation.Metadata, source.Frame.Get(), frame, record, preparation.Options,
-                                copyBlocks);
+                                blocksDropped);
 }
 
-// A pass that has ended: with its picture, or with what failed and after how many milliseconds another
-// pass is to follow.
+// The end of a pass: its picture, or its failure and the milliseconds to wait before another pass.
 struct PassResult
 {
     ComPtr<IStream> Picture;
@@ -138,11 +88,11 @@ PassResult RunPass(const Preparation &preparation, RetryRule &rule, ItemTexts &t
     ItemRecordOwner record;
     const Source source = OpenSource(preparation, record.Get());
     texts = ChooseItemTexts(*record, preparation.UploadName);
-    const Encoder encoder = CreateEncoder(preparation);
-    DescribeFrame(preparation, source, encoder.Frame.Get(), *record.Get());
+    const JpegEncoder encoder = CreateJpegEncoder(preparation.Factory.Get(), preparation.Options);
+    DescribeFrame(encoder.Frame.Get(), source.Bitmap.Get(), preparation.Options, *record.Get());
 
     const HRESULT transferred =
-        TransferMetadata(preparation, source, encoder.Frame.Get(), record.Get(), rule.CopiesBlocks());
+        TransferMetadata(preparation, source, encoder.Frame.Get(), record.Get(), rule.BlocksDropped);
     if (FAILED(transferred))
     {
         return {nullptr, transferred, rule.AfterMetadataFailure()};

@@ -21,28 +21,28 @@ namespace
 UploadOptions Options(UINT32 mode, bool verifyContainer, const ConversionSettings &settings)
 {
     UploadOptions options;
-    options.Mode = mode;
-    options.VerifyContainer = verifyContainer;
-    options.Minimize = settings.Minimize != 0;
-    options.WriteCopyright = settings.WriteCopyright != 0;
-    options.WriteExif = settings.WriteEXIF != 0;
-    options.WriteXmp = settings.WriteXMP != 0;
-    options.WriteGps = settings.WriteGPS != 0;
-    options.WriteIptc = settings.WriteIPTC != 0;
-    options.LongEdgePixels = settings.LongEdgePixels;
-    options.PrintDpi = settings.PrintDpi;
+    options.mode = mode;
+    options.verifyContainer = verifyContainer;
+    options.minimize = settings.Minimize != 0;
+    options.writeCopyright = settings.WriteCopyright != 0;
+    options.writeExif = settings.WriteEXIF != 0;
+    options.writeXmp = settings.WriteXMP != 0;
+    options.writeGps = settings.WriteGPS != 0;
+    options.writeIptc = settings.WriteIPTC != 0;
+    options.longEdgePixels = settings.LongEdgePixels;
+    options.printDpi = settings.PrintDpi;
     return options;
 }
 
 UploadOptions WebOptions()
 {
     UploadOptions options;
-    options.Mode = SendAsIs;
-    options.VerifyContainer = true;
+    options.mode = SendAsIs;
+    options.verifyContainer = true;
     return options;
 }
 
-// One item on its way: the file chosen for it and what came of it.
+// One item: the file chosen for it and the result of its upload.
 struct Item
 {
     FileChoice Choice;
@@ -90,8 +90,8 @@ void UploadProcessed(const RunContext &run, Item &item)
     Upload(run, item, item.JpegName, Options(SendProcessed, false, run.Settings.RAW));
 }
 
-// The file is not what its extension says. With processing allowed it may still be a picture that
-// the host can read; otherwise the item has failed.
+// The file is of another kind than its extension says. In processed mode the host may still be able to read
+// it; otherwise the item has failed.
 void HandleWrongExtension(const RunContext &run, Item &item)
 {
     if (run.Settings.JPEGMode == SendProcessed)
@@ -127,7 +127,7 @@ void UploadChosenFile(const RunContext &run, Item &item)
     }
 }
 
-// An answer that says nothing of the outcome counts as a success.
+// A reply that doesn't name an outcome counts as a success.
 bool HasSucceeded(const Item &item)
 {
     if (FAILED(item.Result))

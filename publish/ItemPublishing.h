@@ -1,11 +1,12 @@
-// What a run does: once at its start, and for each of its items.
+// The publishing of one item: which of its files, in which mode, and what the service made of it.
 #pragma once
 
 #include "publish/RunContext.h"
 
-// Loads the settings and logs what they mean for the run.
+// Called once at a run's start: loads the settings, and logs the mode in which JPEG files are uploaded.
 void PrepareRun(const RunContext &run);
 
-// Puts one file of the item on the service and judges the outcome. A failure goes to the host's log
-// and to the bar. Returns S_OK if the run may go on, E_FAIL if the service itself refused.
+// Uploads one file of the item and decides from the reply whether it was published. A failure is written to
+// the host's log and shown by the bar. Returns S_OK if the run may continue, E_FAIL if the service itself
+// refused the picture.
 HRESULT PublishItem(const RunContext &run, const ItemRecord &record);

@@ -1,12 +1,12 @@
-// Life of the record through which host and plug-in tell each other of one picture. The structure
-// itself is part of the host contract.
+// Creation and release of the record by which host and plug-in describe one picture to each other. The
+// structure itself is part of the host contract.
 #pragma once
 
 #include "HostContract.h"
 
 static_assert(sizeof(ItemRecord) == 656, "the host relies on the layout");
 
-// Everything zero and every text absent, the IPTC group blank. Frees nothing.
+// Makes the record zero, every text absent and the IPTC group blank. Frees nothing.
 void LayOutItemRecord(ItemRecord *record) noexcept;
 
 // Frees every text that is set and blanks the IPTC group; may be repeated. Null does nothing.
@@ -15,7 +15,7 @@ void ReleaseItemRecord(ItemRecord *record) noexcept;
 // Frees the texts of the IPTC group and gives it its empty form; may be repeated.
 void ReleaseIptcBlock(IptcBlock &iptc) noexcept;
 
-// A record that is laid out from its first moment and released at its last.
+// Owner of a record: laid out by the constructor, released by the destructor.
 class ItemRecordOwner
 {
 public:

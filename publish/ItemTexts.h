@@ -1,5 +1,5 @@
-// The words that go with a picture: chosen from what the host read out of the file, and independent
-// of which metadata groups stay inside the picture.
+// The texts of a picture at the service, chosen from the metadata that the host read. They don't depend on
+// which metadata groups stay inside the uploaded picture.
 #pragma once
 
 #include "com/BstrOwner.h"
@@ -14,6 +14,7 @@ struct ItemTexts
     BstrOwner Tags;
 };
 
-// Copies out of a record that the metadata reader has filled. Without a caption the title is the
-// upload name; a caption that is there but empty stands. E_OUTOFMEMORY is thrown.
+// Copies them from a record that the host's reader has filled. Without a caption the title is the upload name;
+// an empty caption gives an empty title. Without a description the EXIF comment takes its place.
+// E_OUTOFMEMORY is thrown.
 ItemTexts ChooseItemTexts(const ItemRecord &record, const WCHAR *uploadName);

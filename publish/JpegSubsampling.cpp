@@ -39,7 +39,8 @@ bool IsFreeThreaded(HKEY root, const WCHAR *serverKey) noexcept
     {
         return false;
     }
-    // One unit stays zero, since a stored text need not end in one. Longer texts are none of ours.
+    // The last unit stays zero, since a stored text may lack its terminator. A text too long for the buffer is
+    // neither of the two.
     WCHAR model[16] = {};
     DWORD type = REG_NONE;
     DWORD size = sizeof model - sizeof(WCHAR);

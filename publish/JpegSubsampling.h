@@ -3,13 +3,13 @@
 
 #include <windows.h>
 
-// The answer for this process: worked out at the first call, on whatever thread, and kept.
+// The answer is found at the first call, on any thread, and kept for the process.
 bool JpegSubsamplingSupported();
 
-// The option came with version 6.1 of the system. An earlier system has it with the update that also
-// made the imaging component free-threaded.
+// The option came with version 6.1 of Windows. An earlier one has it with an update that also made the imaging
+// component free-threaded: its threading model shows whether the update is there.
 bool VersionHasJpegSubsampling(DWORD major, DWORD minor) noexcept;
 
 // Whether a component's InProcServer32 key names a threading model for calls from any thread: "Both" or
-// "Free", in any case, as text. False for a key that can't be read.
+// "Free", in any case and as text. False for a key that can't be read.
 bool IsFreeThreaded(HKEY root, const WCHAR *serverKey) noexcept;

@@ -13,7 +13,7 @@
 
 namespace
 {
-// Of the EXIF standard: how the picture was rendered, and the value for a custom process.
+// EXIF 2.3, 4.6.5: CustomRendered, and its value for a custom process.
 constexpr UINT TagCustomRendered = 41985;
 constexpr USHORT CustomProcess = 1;
 
@@ -31,7 +31,7 @@ void CopyBlocks(IWICBitmapFrameDecode *source, IWICBitmapFrameEncode *target)
     }
     ComPtr<IWICMetadataBlockWriter> writer;
     ThrowIfFailed(target->QueryInterface(__uuidof(IWICMetadataBlockWriter), writer.PutVoid()));
-    // A block that doesn't go over is no reason to keep the picture back.
+    // A block that can't be copied doesn't fail the picture.
     writer->InitializeFromBlockReader(reader.Get());
 }
 
@@ -52,15 +52,15 @@ void MarkAsProcessed(IWICMetadataQueryWriter *writer)
 }
 } // namespace
 
-bool WantsAnyMetadata(const UploadOptions &options) noexcept
+bool WantAnyMetadata(const UploadOptions &options) noexcept
 {
-    return options.WriteCopyright || options.WriteExif || options.WriteXmp || options.WriteGps ||
-           options.WriteIptc;
+    return options.writeCopyright || options.writeExif || options.writeXmp || options.writeGps ||
+           options.writeIptc;
 }
 
 void BlankDeselectedGroups(ItemRecord &record, const UploadOptions &options) noexcept
 {
-    if (!options.WriteCopyright)
+    if (!options.writeCopyright)
     {
         FreeText(record.ExifComment);
         for (BSTR &text : record.CopyrightTexts)
@@ -68,41 +68,42 @@ void BlankDeselectedGroups(ItemRecord &record, const UploadOptions &options) noe
             FreeText(text);
         }
     }
-    if (!options.WriteExif)
+    if (!options.writeExif)
     {
         record.ExifGroup = 0;
     }
-    if (!options.WriteXmp)
+    if (!options.writeXmp)
     {
         std::memset(record.XmpGroup, 0xFF, sizeof record.XmpGroup);
     }
-    if (!options.WriteGps)
+    if (!options.writeGps)
     {
         record.GpsGroup = 0;
     }
-    if (!options.WriteIptc)
+    if (!options.writeIptc)
     {
         ReleaseIptcBlock(record.Iptc);
-        // Tells the host that there is a group, and that it is blank.
+        // The host's mark of a group that is there and blank.
         record.Iptc.Word10 = 1;
     }
 }
 
 HRESULT SelectIntactMetadata(IHalvoraImageMetadata *metadata, IWICBitmapFrameDecode *source,
                              IWICBitmapFrameEncode *target, ItemRecord *record, const UploadOptions &options,
-                             bool copyBlocks)
+                             bool blocksDropped)
 {
-    if (copyBlocks)
+    if (!blocksDropped)
     {
         CopyBlocks(source, target);
     }
     const auto writer = QueryWriter(target);
-    // These two go up, if at all, as the host writes them from the record. They need not be there.
+    // XMP and IPTC get into the new file only as the host writes them from the record. A failure says that the
+    // source had none.
     writer->RemoveMetadataByName(TEXT("/xmp"));
     writer->RemoveMetadataByName(TEXT("/app13"));
     BlankDeselectedGroups(*record, options);
     const HRESULT written = metadata->WriteImageMetadata(writer.Get(), 0, 1, record, TRUE, TRUE, TRUE, TRUE, TRUE,
-                                                         WantsAnyMetadata(options), FALSE);
+                                                         WantAnyMetadata(options), FALSE);
     ReleaseItemRecord(record);
     return written;
 }
@@ -111,10 +112,10 @@ HRESULT SelectProcessedMetadata(IHalvoraImageMetadata *metadata, IWICBitmapFrame
                                 const UploadOptions &options)
 {
     const auto writer = QueryWriter(target);
-    const bool any = WantsAnyMetadata(options);
+    const bool any = WantAnyMetadata(options);
     const HRESULT written =
-        metadata->WriteImageMetadata(writer.Get(), 0, 1, record, options.WriteCopyright, options.WriteExif,
-                                     options.WriteXmp, options.WriteGps, options.WriteIptc, any, TRUE);
+        metadata->WriteImageMetadata(writer.Get(), 0, 1, record, options.writeCopyright, options.writeExif,
+                                     options.writeXmp, options.writeGps, options.writeIptc, any, TRUE);
     if (any && SUCCEEDED(written))
     {
         MarkAsProcessed(writer.Get());

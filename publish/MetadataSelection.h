@@ -1,5 +1,12 @@
-// What of a picture's metadata goes into the new JPEG. Host and encoder know the tags; here it is decided
-// which blocks of the source are copied, and which groups the host writes or clears.
+// Decides which of a picture's metadata gets into the new JPEG. This is what keeps a position or a name that
+// the user switched off from leaving the machine.
+//
+// The tags themselves are known to the host and to the imaging component; here it is decided which blocks of
+// the source are copied and which groups the host writes. Where the pixels are kept, the blocks of the source
+// are copied first, so that tags that nobody here knows survive; XMP and IPTC are then taken out whole, the
+// groups that are switched off are blanked in the record, and the host writes all groups: a blank group
+// clears its tags in the copied blocks. A processed picture starts without metadata, so there the host
+// writes just the groups that are switched on.
 #pragma once
 
 #include "publish/UploadOptions.h"
@@ -10,19 +17,19 @@
 #include <wincodec.h>
 
 // At least one of the five groups is switched on.
-bool WantsAnyMetadata(const UploadOptions &options) noexcept;
+bool WantAnyMetadata(const UploadOptions &options) noexcept;
 
-// Takes out of the record what it holds of the groups that are switched off.
+// Blanks the groups that are switched off in the record.
 void BlankDeselectedGroups(ItemRecord &record, const UploadOptions &options) noexcept;
 
-// For a new file with the source's pixels: copies the source's blocks if copyBlocks says so, and has the
-// host write every group, those that are switched off as blank ones, so that a copied block keeps nothing
-// of them. The record is released. Returns the outcome of the host's writing; other failures are thrown.
+// For a new file with the source's pixels: copies the source's blocks unless blocksDropped is set, and has
+// the host write every group. Releases the record. Returns the result of the host's writing; other failures are
+// thrown.
 HRESULT SelectIntactMetadata(IHalvoraImageMetadata *metadata, IWICBitmapFrameDecode *source,
                              IWICBitmapFrameEncode *target, ItemRecord *record, const UploadOptions &options,
-                             bool copyBlocks);
+                             bool blocksDropped);
 
-// For a new file of a processed picture, which begins without metadata: has the host write the groups that
-// are switched on, and marks the picture as processed. Record and failures as above.
+// For a new file of a processed picture: has the host write the groups that are switched on, and marks the
+// picture as processed. Record and failures as above.
 HRESULT SelectProcessedMetadata(IHalvoraImageMetadata *metadata, IWICBitmapFrameEncode *target, ItemRecord *record,
                                 const UploadOptions &options);

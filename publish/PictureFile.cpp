@@ -11,7 +11,7 @@
 
 namespace
 {
-// The containers that the service takes as they are.
+// The containers that are uploaded without conversion.
 const GUID *const AcceptedFormats[] = {&GUID_ContainerFormatJpeg, &GUID_ContainerFormatGif,
                                        &GUID_ContainerFormatPng};
 

@@ -10,8 +10,8 @@ namespace
 UINT32 lastPercent = 0;
 WideText lastStatusText;
 
-// Moved by the difference and never set from the run's own numbers, so that a failed item leaves
-// its gap in the bar.
+// Moves the bar by the difference and never sets it from the run's own numbers, so that a failed item leaves
+// a gap in the bar.
 void MoveBar(HWND bar, UINT32 delta)
 {
     const auto position = static_cast<UINT32>(SendMessageW(bar, PBM_GETPOS, 0, 0));
@@ -37,7 +37,7 @@ void ShowBytes(ProgressDisplay &display, UINT32 total, UINT32 done)
         return;
     }
     const UINT32 delta = percent - lastPercent;
-    MoveBar(display.Windows.Bar, delta);
+    MoveBar(display.Windows.ProgressWindow, delta);
     lastPercent = percent;
     display.Statistics.AddDoneUnits(delta);
 
@@ -50,7 +50,7 @@ void ShowBytes(ProgressDisplay &display, UINT32 total, UINT32 done)
     if (line != lastStatusText)
     {
         lastStatusText = line;
-        SetWindowTextW(display.Windows.StatusText, line.c_str());
+        SetWindowTextW(display.Windows.StaticTextWindow, line.c_str());
     }
 }
 } // namespace
@@ -67,11 +67,11 @@ void ShowProgress(ProgressDisplay &display, UINT32 code, UINT32 total, UINT32 do
         ShowBytes(display, total, done);
         break;
     case RUN_FAILED:
-        SendMessageW(display.Windows.Bar, PBM_SETSTATE, PBST_ERROR, 0);
+        SendMessageW(display.Windows.ProgressWindow, PBM_SETSTATE, PBST_ERROR, 0);
         break;
     case RUN_CANCELLED:
     case ITEM_FAILED:
-        SendMessageW(display.Windows.Bar, PBM_SETSTATE, PBST_PAUSED, 0);
+        SendMessageW(display.Windows.ProgressWindow, PBM_SETSTATE, PBST_PAUSED, 0);
         break;
     }
 }

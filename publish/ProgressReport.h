@@ -1,9 +1,9 @@
-// What a progress report does to the host's bar and status line.
+// Shows progress reports on the host's bar and status line.
 #pragma once
 
 #include "publish/RunContext.h"
 
-// What reports of progress move and read.
+// What a report reads and changes.
 struct ProgressDisplay
 {
     const ProgressWindows &Windows;
@@ -12,7 +12,7 @@ struct ProgressDisplay
     TickSource Now;
 };
 
-// Shows one report of IUploadProgressCallback; unknown codes change nothing. The percentage of the
-// current file and the last status text are kept once per process: one run at a time reports.
-// Throws what making the texts throws.
+// Shows one report of IUploadProgressCallback; unknown codes change nothing. The percentage of the current
+// file and the last status text exist once per process, so only one run may report at a time. E_OUTOFMEMORY
+// is thrown.
 void ShowProgress(ProgressDisplay &display, UINT32 code, UINT32 total, UINT32 done);

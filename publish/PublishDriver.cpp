@@ -22,12 +22,12 @@ WideText Text(UINT id)
 
 void ShowStatus(const RunContext &run, UINT id)
 {
-    SetWindowTextW(run.Windows.StatusText, Text(id).c_str());
+    SetWindowTextW(run.Windows.StaticTextWindow, Text(id).c_str());
 }
 
 void SetBar(const RunContext &run, UINT message, WPARAM value, LPARAM top = 0)
 {
-    SendMessageW(run.Windows.Bar, message, value, top);
+    SendMessageW(run.Windows.ProgressWindow, message, value, top);
 }
 
 WideText ByteSizeText(INT64 size)
@@ -55,7 +55,7 @@ void PublishItems(const RunContext &run, const UINT64 *items, INT32 count, HRESU
 {
     for (INT32 index = 0; index < count; ++index)
     {
-        if (run.Cancel.Requested || FAILED(runResult))
+        if (run.Cancel.CancelRequested || FAILED(runResult))
         {
             return;
         }
@@ -82,7 +82,7 @@ void BeginItems(const RunContext &run, INT32 count)
     }
 }
 
-// The memory stays the host's; it is locked while its items are taken.
+// The memory belongs to the host; it is locked for the whole run and never freed here.
 HRESULT PublishList(const RunContext &run, INT32 count, HGLOBAL list)
 {
     const auto *items = static_cast<const UINT64 *>(GlobalLock(list));
@@ -105,10 +105,10 @@ void ReportEnd(const RunContext &run, HRESULT runResult)
         run.Progress->OnUploadProgress(RUN_FAILED, 0, 0);
         ShowStatus(run, IDS_STATUS_ERROR);
     }
-    else if (run.Cancel.Requested)
+    else if (run.Cancel.CancelRequested)
     {
         run.Progress->OnUploadProgress(RUN_CANCELLED, 0, 0);
-        ShowStatus(run, run.Cancel.Abruptly ? IDS_STATUS_ABORTED : IDS_STATUS_CANCELLED);
+        ShowStatus(run, run.Cancel.CancelAbruptly ? IDS_STATUS_ABORTED : IDS_STATUS_CANCELLED);
     }
     else
     {
@@ -129,7 +129,7 @@ void RunList(const RunContext &run)
     ReportEnd(run, PublishList(run, count, list));
 }
 
-// The windows are the run's for its length, also when it ends by an exception.
+// Stores the windows for the length of a run, also of one that ends by an exception.
 class WindowsOfRun
 {
 public:
@@ -149,8 +149,8 @@ private:
 void RunPublish(const RunContext &run, HWND bar, HWND statusText)
 {
     run.Statistics.Reset();
-    run.Cancel.Requested = 0;
-    run.Cancel.Abruptly = 0;
+    run.Cancel.CancelRequested = 0;
+    run.Cancel.CancelAbruptly = 0;
     const WindowsOfRun windows(run.Windows, bar, statusText);
     LogBanner(run);
     ShowStatus(run, IDS_STATUS_CHECKING);
@@ -164,11 +164,11 @@ void RunPublish(const RunContext &run, HWND bar, HWND statusText)
 
 void RequestCancel(IHalvoraPublishingHost *host, CancelFlags &cancel, bool abruptly) noexcept
 {
-    // A run must stop even where there is no memory for the words.
+    // A run must stop even if there is no memory for the log entry.
     AtBoundary([&] {
         LogWarning(host, Text(abruptly ? IDS_LOG_CANCELLING_ABRUPTLY : IDS_LOG_CANCELLING).c_str());
         return S_OK;
     });
-    cancel.Requested = 1;
-    cancel.Abruptly = abruptly ? 1 : 0;
+    cancel.CancelRequested = 1;
+    cancel.CancelAbruptly = abruptly ? 1 : 0;
 }

@@ -1,11 +1,12 @@
-// One run: from the host's list of items to the end that the log, the status line and the bar tell.
+// Drives one run: takes the host's list of items, publishes one after the other, and reports the end to log,
+// status line and bar. A failed item doesn't end the run; a refusal by the service does.
 #pragma once
 
 #include "publish/RunContext.h"
 
-// Runs on the calling thread and returns when the run is over, however it ended. bar and statusText
-// are the host's windows, kept in the context for as long as the run lasts.
+// Runs on the calling thread and returns when the run is over, however it ended. bar and statusText are the
+// host's windows; the context holds them while the run lasts.
 void RunPublish(const RunContext &run, HWND bar, HWND statusText);
 
-// Asks a run to stop after the item that it is at, or abruptly within it. Any thread.
+// Asks a run to stop after the present item or, abruptly, within it. Any thread.
 void RequestCancel(IHalvoraPublishingHost *host, CancelFlags &cancel, bool abruptly) noexcept;

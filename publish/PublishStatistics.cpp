@@ -19,58 +19,57 @@ UINT64 SystemTicks() noexcept
 void PublishStatistics::Reset()
 {
     const std::lock_guard guard(m_lock);
-    m_started = false;
-    m_totalUnits = m_startTime = m_doneUnits = m_sampleCount = 0;
-    m_rateSamples.fill(0);
+    m_run = Run();
 }
 
 void PublishStatistics::Start(UINT64 totalUnits, UINT64 now)
 {
     const std::lock_guard guard(m_lock);
-    m_totalUnits = totalUnits;
-    m_startTime = now;
-    m_started = true;
+    m_run.TotalUnits = totalUnits;
+    m_run.StartTime = now;
+    m_run.Started = true;
 }
 
 void PublishStatistics::AddDoneUnits(UINT32 delta)
 {
     const std::lock_guard guard(m_lock);
-    if (m_doneUnits < MostDoneUnits && MostDoneUnits - m_doneUnits >= delta)
+    if (m_run.DoneUnits < MostDoneUnits && MostDoneUnits - m_run.DoneUnits >= delta)
     {
-        m_doneUnits += delta;
+        m_run.DoneUnits += delta;
     }
 }
 
 UINT64 PublishStatistics::TotalUnits() const
 {
     const std::lock_guard guard(m_lock);
-    return m_totalUnits;
+    return m_run.TotalUnits;
 }
 
 UINT64 PublishStatistics::DoneUnits() const
 {
     const std::lock_guard guard(m_lock);
-    return m_doneUnits;
+    return m_run.DoneUnits;
 }
 
 UINT64 PublishStatistics::RemainingTime(UINT64 now)
 {
     const std::lock_guard guard(m_lock);
-    const double elapsed = m_started ? static_cast<double>(static_cast<INT64>(now - m_startTime)) * 1e-7 : 0.0;
-    const double rate = elapsed != 0 ? static_cast<double>(m_doneUnits) / elapsed : 0.0;
+    const double elapsed =
+        m_run.Started ? static_cast<double>(static_cast<INT64>(now - m_run.StartTime)) * 1e-7 : 0.0;
+    const double rate = elapsed != 0 ? static_cast<double>(m_run.DoneUnits) / elapsed : 0.0;
     if (rate != std::numeric_limits<double>::max())
     {
-        m_rateSamples[m_sampleCount % m_rateSamples.size()] = rate;
-        ++m_sampleCount;
+        m_run.RateSamples[m_run.SampleCount % m_run.RateSamples.size()] = rate;
+        ++m_run.SampleCount;
     }
     const double mean = MeanRate();
     if (mean == 0)
     {
         return NoEstimate;
     }
-    const double left = (static_cast<double>(m_totalUnits) - static_cast<double>(m_doneUnits)) / mean;
-    // A clock that was set back, or more work done than there was, leaves nothing to wait for; what
-    // does not fit into ticks is no estimate.
+    const double left = (static_cast<double>(m_run.TotalUnits) - static_cast<double>(m_run.DoneUnits)) / mean;
+    // Not positive if the clock was set back or more was done than the total: nothing is left then. A time
+    // that doesn't fit into ticks is no estimate.
     if (!(left > 0))
     {
         return 0;
@@ -84,10 +83,11 @@ UINT64 PublishStatistics::RemainingTime(UINT64 now)
 
 double PublishStatistics::MeanRate() const
 {
-    const auto count = static_cast<size_t>(std::min<UINT64>(m_sampleCount, m_rateSamples.size()));
+    const auto count = static_cast<size_t>(std::min<UINT64>(m_run.SampleCount, m_run.RateSamples.size()));
     if (count == 0)
     {
         return 0;
     }
-    return std::accumulate(m_rateSamples.begin(), m_rateSamples.begin() + count, 0.0) / static_cast<double>(count);
+    return std::accumulate(m_run.RateSamples.begin(), m_run.RateSamples.begin() + count, 0.0) /
+           static_cast<double>(count);
 }

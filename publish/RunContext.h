@@ -1,4 +1,4 @@
-// What a publish run works with. The plug-in object owns all of it and lends it for one call.
+// Everything that a publish run works with. The plug-in object owns it all and lends it for one call.
 #pragma once
 
 #include "com/ComPtr.h"
@@ -20,15 +20,15 @@ struct SettingsBlock;
 // The host's progress bar and status line; null outside a run.
 struct ProgressWindows
 {
-    HWND Bar = nullptr;
-    HWND StatusText = nullptr;
+    HWND ProgressWindow = nullptr;
+    HWND StaticTextWindow = nullptr;
 };
 
 // Set by Cancel on any thread, cleared when a run starts.
 struct CancelFlags
 {
-    std::atomic<BYTE> Requested{0};
-    std::atomic<BYTE> Abruptly{0};
+    std::atomic<BYTE> CancelRequested{0};
+    std::atomic<BYTE> CancelAbruptly{0};
 };
 
 struct RunContext

@@ -40,8 +40,8 @@ WideText Pieces(UINT64 first, const Unit &firstUnit, UINT64 second, const Unit &
     return text;
 }
 
-// Of a run of up to 30 items a percentage from 75 down to 50; of a longer one finished items, from
-// 15 up to 50. Straight lines between.
+// For up to 30 items a percentage, from 75 for one item down to 50 for 30; for more items a number of finished
+// items, from 15 for 31 up to 50 for 1000. Linear in between.
 UINT64 Threshold(UINT64 count)
 {
     if (count == 1)

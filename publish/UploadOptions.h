@@ -1,4 +1,4 @@
-// How one file goes up.
+// How one file is uploaded.
 #pragma once
 
 #include <windows.h>
@@ -13,14 +13,14 @@ enum UploadMode : UINT32
 
 struct UploadOptions
 {
-    UINT32 Mode = SendAsIs;
-    bool VerifyContainer = false; // SendAsIs: the file must really be JPEG, GIF or PNG
-    bool Minimize = false;
-    bool WriteCopyright = false;
-    bool WriteExif = false;
-    bool WriteXmp = false;
-    bool WriteGps = false;
-    bool WriteIptc = false;
-    UINT32 LongEdgePixels = 0; // 0 keeps the size
-    double PrintDpi = 0.0;
+    UINT32 mode = SendAsIs;
+    bool verifyContainer = false; // SendAsIs: the file must really be JPEG, GIF or PNG
+    bool minimize = false;
+    bool writeCopyright = false;
+    bool writeExif = false;
+    bool writeXmp = false;
+    bool writeGps = false;
+    bool writeIptc = false;
+    UINT32 longEdgePixels = 0; // 0 keeps the size
+    double printDpi = 0.0;
 };

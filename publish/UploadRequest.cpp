@@ -19,7 +19,7 @@ struct Picture
     ItemTexts Texts;
 };
 
-// A picture whose metadata can't be read goes up without any text, not even the file's name.
+// A picture whose metadata can't be read is uploaded without any text, not even the file's name.
 ItemTexts ReadTexts(IHalvoraImageMetadata *metadata, const WCHAR *sourcePath, const WCHAR *uploadName)
 {
     ItemRecordOwner record;
@@ -34,10 +34,10 @@ Picture ObtainPicture(IHalvoraImageMetadata *metadata, const WCHAR *sourcePath, 
                       const UploadOptions &options, const Pause &wait)
 {
     Picture picture;
-    if (options.Mode == SendAsIs)
+    if (options.mode == SendAsIs)
     {
         picture.Texts = ReadTexts(metadata, sourcePath, uploadName);
-        picture.Stream = OpenPictureFile(sourcePath, options.VerifyContainer);
+        picture.Stream = OpenPictureFile(sourcePath, options.verifyContainer);
     }
     else
     {

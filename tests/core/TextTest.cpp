@@ -1,4 +1,4 @@
-// Texts: the string table, formatting, cutting, and the words for bare error codes.
+// Texts: the string table, formatting, splitting, and the messages for bare error codes.
 #include "com/BstrOwner.h"
 #include "com/ComPtr.h"
 #include "core/ErrorText.h"
@@ -62,7 +62,7 @@ TEST(ErrorText, PutsTheSystemsWordsBehindTheCode)
 {
     EXPECT_EQ(Narrow(FormatErrorText(S_OK)), "The error code was 0x00000000.");
     EXPECT_EQ(Narrow(FormatErrorText(S_FALSE)), "The error code was 0x00000001.");
-    // A code of nobody's.
+    // A code without a message.
     EXPECT_EQ(Narrow(FormatErrorText(static_cast<HRESULT>(0xA1234567))), "The error code was 0xa1234567.");
 
     for (const HRESULT code : {E_ACCESSDENIED, E_OUTOFMEMORY, HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND)})

@@ -1,4 +1,4 @@
-// What was asked of a set of fakes, in order, as lines of text. Any thread.
+// The calls that a set of fakes received, in order, as lines of text. Any thread.
 #pragma once
 
 #include "com/WideText.h"

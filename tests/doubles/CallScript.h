@@ -1,4 +1,4 @@
-// The calls that a set of fakes gets, in order, and which of them are to fail. One thread at a time.
+// The calls that a set of fakes received, in order, and which of them are to fail. One thread at a time.
 #pragma once
 
 #include <windows.h>
@@ -29,7 +29,7 @@ public:
     // Forgets calls, prepared failures and OnCall.
     void Reset();
 
-    // Told of each call before it takes its effect.
+    // Called before each call has its effect.
     std::function<void(const std::string &operation)> OnCall;
 
 private:

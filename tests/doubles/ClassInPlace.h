@@ -1,5 +1,5 @@
-// A class of this test in the place of a component, for CoCreateInstance in this process, for as long
-// as this lives.
+// Registers a class of the test in place of a component, for CoCreateInstance in this process, while this
+// object lives.
 #pragma once
 
 #include "com/ComObject.h"
@@ -12,7 +12,7 @@
 class ClassInPlace
 {
 public:
-    // create is asked for each new object and gives S_OK with a reference, or the failure of creation.
+    // create is called for each new object and returns S_OK with a reference, or the failure of creation.
     using Create = std::function<HRESULT(REFIID iid, void **object)>;
 
     ClassInPlace(REFCLSID clsid, Create create)

@@ -9,5 +9,5 @@
 
 ComPtr<IWICBitmapEncoder> MakeFakeEncoder(FakeImaging &imaging);
 
-// As a new frame comes with it.
+// The option bag that comes with a new frame.
 ComPtr<IPropertyBag2> MakeFakeOptionBag(FakeImaging &imaging);

@@ -10,7 +10,7 @@
 
 namespace
 {
-// Handles mean nothing to the plug-in; these are no small numbers and no indices.
+// Large and not in steps of one, so that a plug-in that takes handles for indices fails.
 constexpr UINT64 FirstHandle = 0x1'0000'0007;
 
 BSTR TextFor(const std::optional<WideText> &text)
@@ -82,7 +82,7 @@ HRESULT FakeImageMetadata::ReadImageMetadata(LPCWSTR path, INT32 reserved, INT32
     {
         *source = nullptr;
     }
-    // What a failing reader has put in already is the caller's too.
+    // Texts that a failing reader has filled in belong to the caller too.
     Fill(*record);
     if (SUCCEEDED(result) && source && Picture)
     {
@@ -178,7 +178,7 @@ HRESULT FakeHost::GetItemRecord(UINT64 item, ItemRecord *record) noexcept
     }
     record->Path = BstrOwner(WideView(Items.at(index).Path)).Detach();
     record->Extensions = TextFor(Items.at(index).Extensions);
-    // The result says nothing to the plug-in.
+    // A failure, since the plug-in must ignore the result.
     return E_FAIL;
 }
 

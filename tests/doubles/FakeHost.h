@@ -1,4 +1,4 @@
-// A host with a list of items and a reader of metadata, both as a test sets them.
+// A host whose list of items and metadata the test sets.
 //
 // Lines of the record: "log LEVEL MESSAGE", "list", "item N", "read PATH".
 #pragma once
@@ -27,13 +27,13 @@ public:
     std::optional<WideText> ExifComment;
     bool HasGroups = false;
 
-    // Gets the calls "ReadImageMetadata" and "WriteImageMetadata" too, and says which of them fail; null for
-    // a test without a picture that is made anew. A writing shows its flags, the size and resolution told,
-    // and the groups that the record holds: "exif" as it was read, nothing for a blank one, "exif?" for one
-    // that is neither.
+    // Also receives the calls "ReadImageMetadata" and "WriteImageMetadata", and says which of them fail; null
+    // for a test that makes no new picture. The line of a writing has its flags, the size and resolution of
+    // the record, and the groups that the record holds: "exif" as it was read, nothing for a blank one,
+    // "exif?" for one that is neither.
     CallScript *Calls = nullptr;
 
-    // The picture that goes with the metadata where one is asked for.
+    // Makes the picture for a call that asks for one.
     std::function<ComPtr<IWICBitmapSource>()> Picture;
 
     STDMETHODIMP ReadImageMetadata(LPCWSTR path, INT32 reserved, INT32 longEdge, IWICBitmapSource **source,

@@ -1,5 +1,5 @@
-// A progress bar and a status line that record what they are sent. They belong to the thread that
-// makes them, and answer that thread at once.
+// A progress bar and a status line that record the messages sent to them. They belong to the thread that
+// creates them; messages of that thread need no message loop.
 //
 // Lines of the record: "bar position N", "bar state N", "bar range A B", "status TEXT".
 #pragma once

@@ -1,4 +1,4 @@
-// The usage counter, put in place of the component for as long as a registration lives.
+// A fake of the usage counter, for a ClassInPlace.
 //
 // Lines of the record: "usage CATEGORY ACTION COUNT".
 #pragma once

@@ -211,11 +211,15 @@ public:
             return result;
         }
         m_record.Bodies.push_back(body ? ReadAll(body, bodyLength) : std::string());
-        if (m_record.DuringUpload)
+        if (callback != nullptr)
+        {
+            result = callback->OnUploadProgress(UPLOAD_BEGIN, bodyLength, 0);
+        }
+        if (SUCCEEDED(result) && m_record.DuringUpload)
         {
             result = m_record.DuringUpload(callback, bodyLength);
         }
-        else if (callback != nullptr)
+        else if (SUCCEEDED(result) && callback != nullptr)
         {
             result = callback->OnUploadProgress(UPLOAD_BYTES, bodyLength, bodyLength);
         }
@@ -240,7 +244,7 @@ public:
 private:
     static HRESULT Unexpected()
     {
-        ADD_FAILURE() << "an operation that nobody calls";
+        ADD_FAILURE() << "a reserved operation was called";
         return E_NOTIMPL;
     }
 

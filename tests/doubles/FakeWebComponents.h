@@ -1,6 +1,6 @@
-// The three web components, faked: put in place as class objects of the test program, so that the code
-// under test creates them as it creates the real ones. They keep one record of every call in order, answer
-// requests with what was prepared, and can be told to fail at any call.
+// Fakes of the three web components, registered as class objects of the test program, so that the code under
+// test creates them like the real ones. They record every call in order, answer requests with prepared
+// replies, and can fail at any call.
 #pragma once
 
 #include "com/ComPtr.h"
@@ -18,8 +18,8 @@
 #include <string_view>
 #include <vector>
 
-// One call. A null text is "(null)", request parameters are "name=value&name=value", an object that is
-// there is "(object)"; out parameters are left out.
+// One call. A null text is "(null)", request parameters are "name=value&name=value", any other object is
+// "(object)"; out parameters are left out.
 struct WebCall
 {
     std::string Operation;
@@ -50,8 +50,8 @@ public:
     void Answer(WideView xml);                               // S_OK and a document
     void AnswerWith(HRESULT result, ComPtr<IUnknown> reply); // the reply may be null
 
-    // Called within UploadRequest, with the callback and the body's length; a failure ends the request with
-    // it. Unless it is set, one report tells of the whole body.
+    // Called within UploadRequest after the report UPLOAD_BEGIN, with the callback and the body's length; a
+    // failure ends the request with its code. Unless it is set, one report covers the whole body.
     std::function<HRESULT(IUploadProgressCallback *callback, UINT32 bodyLength)> DuringUpload;
 
     // What GetBodyLength and GetMimeTypeForFile give, in place of the real length and "image/jpeg".

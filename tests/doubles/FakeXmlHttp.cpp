@@ -13,7 +13,7 @@ std::string ListText(const VARIANT &list)
     return V_BSTR(&list) ? Narrow(V_BSTR(&list)) : "(null)";
 }
 
-// A request with Interface as its richest face: IXMLHTTPRequest or IServerXMLHTTPRequest2.
+// A request whose most derived interface is Interface: IXMLHTTPRequest or IServerXMLHTTPRequest2.
 template <class Interface>
 class FakeRequest final : public ComObject<FakeRequest<Interface>, Answers<Interface, IXMLHTTPRequest, IDispatch>>
 {

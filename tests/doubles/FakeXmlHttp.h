@@ -1,8 +1,8 @@
-// The system's two request classes, put in place for as long as this lives. Requests record what is asked of
-// them, answer with what was prepared, and can be told to fail.
+// Fakes of the system's two request classes, registered while this object lives. Requests record their calls,
+// answer with the prepared reply, and can fail.
 //
 // Lines of the record: "create server", "create plain", "open METHOD URL", "proxy SETTING SERVERS BYPASS",
-// "send", "read reply". A text that isn't there is "(null)".
+// "send", "read reply". A missing text is "(null)".
 #pragma once
 
 #include "com/ComPtr.h"
@@ -24,7 +24,7 @@ public:
     HRESULT ProxyResult = S_OK;
     HRESULT SendResult = S_OK;
     HRESULT ReplyResult = S_OK;
-    ComPtr<IDispatch> Reply; // what responseXML gives, which may be null
+    ComPtr<IDispatch> Reply; // the result of responseXML, may be null
 
     void Answer(WideView xml);
     CallRecord &Record() const { return m_record; }

@@ -1,4 +1,4 @@
-// A stream in memory that keeps a record of what was asked of it and can be told to fail.
+// A stream in memory that records its calls and can fail at a given one.
 #pragma once
 
 #include "com/ComObject.h"

@@ -1,5 +1,5 @@
-// Everything around the plug-in, faked or private to the test: host, windows, web components, imaging,
-// usage counter, settings key, init-data stream, and picture files.
+// Everything that surrounds the plug-in, faked or private to the test: host, windows, web components,
+// imaging, usage counter, settings key, init-data stream, and picture files.
 #pragma once
 
 #include "tests/doubles/CallRecord.h"

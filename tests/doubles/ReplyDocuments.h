@@ -6,5 +6,5 @@
 
 #include "XmlInterfaces.h"
 
-// A document of the system's XML component; a text that is no XML fails the test and gives null.
+// A document of the system's XML component; a text that isn't XML fails the test and returns null.
 ComPtr<IXMLDOMDocument2> MakeDocument(WideView xml);

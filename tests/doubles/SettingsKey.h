@@ -1,4 +1,4 @@
-// The settings key as a fixture: there and empty from construction on, gone afterwards.
+// The settings key as a fixture: created empty by the constructor, deleted by the destructor.
 #pragma once
 
 #include "com/WideText.h"
@@ -21,8 +21,8 @@ public:
     void SetBytes(const WCHAR *name, DWORD type, const std::vector<BYTE> &bytes);
     void Remove(const WCHAR *name);
 
-    // Gives every setting a value that nobody writes, and tells what isn't so any more, in the order of the
-    // table: "IsPublic=1 IsFriend=1".
+    // Gives every setting a value that no code writes, and reports the settings that have changed since, in the
+    // order of the table: "IsPublic=1 IsFriend=1".
     void MarkAll();
     std::string Written() const;
 

@@ -5,6 +5,6 @@
 // system's and there is nothing to do.
 void RegisterSystemModules();
 
-// Keeps the program off the user's own registry store if the environment names none. Call it before the
-// first use of the registry.
+// Keeps the program away from the user's own registry file where the environment names no other. Must be
+// called before the first use of the registry.
 void UsePrivateRegistryStore();

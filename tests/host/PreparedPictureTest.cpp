@@ -75,8 +75,8 @@ TEST_F(PreparedPicture, IsAPictureOfTheWantedSizeWithoutTheGroupsThatAreOff)
     {
         SCOPED_TRACE(mode);
         UploadOptions options;
-        options.Mode = mode;
-        options.LongEdgePixels = mode == SendProcessed ? 48 : 0;
+        options.mode = mode;
+        options.longEdgePixels = mode == SendProcessed ? 48 : 0;
         const std::string bytes = Prepare(options);
         EXPECT_THAT(bytes, Not(HasSubstr(Secret)));
         const DecodedPicture picture = DecodePicture(m_folder.Write("result.jpg", bytes), 0, nullptr);
@@ -92,7 +92,7 @@ TEST_F(PreparedPicture, ADamagedSourceFailsInWords)
 {
     m_folder.Write("text.jpg", "no picture");
     UploadOptions options;
-    options.Mode = SendProcessed;
+    options.mode = SendProcessed;
     EXPECT_THROW(Prepare(options, "text.jpg"), HresultError);
     ASSERT_FALSE(m_warnings.empty());
     EXPECT_THAT(m_warnings.back(), HasSubstr("text.jpg is of no kind of picture that is known here"));

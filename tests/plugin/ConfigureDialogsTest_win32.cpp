@@ -1,4 +1,4 @@
-// Configure as a user meets it: through the dialogs on the screen.
+// Configure as a user sees it: through the dialogs on the screen.
 #include "com/BstrOwner.h"
 #include "plugin/FlickrPublisher.h"
 #include "tests/doubles/FakeXmlHttp.h"
@@ -35,7 +35,7 @@ protected:
         return m_plugin->Configure(m_owner.Handle(), text.data(), parameters.data());
     }
 
-    // The pair as the host gets it to keep.
+    // The token pair in the data that the host stores.
     std::string StoredAccount()
     {
         EXPECT_EQ(m_plugin->Terminate(), S_OK);
@@ -90,7 +90,7 @@ TEST_F(ConfigureDialogs, AServiceThatIsNotReachedIsToldInTheMiddleOfTheOwner)
 
 TEST_F(ConfigureDialogs, AuthorizingFromEndToEndStoresThePair)
 {
-    // A scheme that nothing opens: no browser starts, which isn't noticed.
+    // A scheme that no program opens: no browser starts, and the plug-in doesn't notice.
     m_fixture.Web.AuthorizationUrl = TEXT("halvora-test-nothing:?oauth_token=rt");
     m_http.Answer(TEXT("<TRNQVerifierExchange><Verifier>v</Verifier></TRNQVerifierExchange>"));
     m_fixture.Web.Answer(TEXT("<rsp stat='ok'><oauth><user username='jdoe' fullname='Jane Doe'/></oauth></rsp>"));

@@ -1,4 +1,4 @@
-// The object as COM and the host see it outside a run.
+// The object outside a run, as COM and the host use it.
 #include "com/BstrOwner.h"
 #include "com/ModuleLocks.h"
 #include "plugin/FlickrModule.h"
@@ -29,7 +29,7 @@ std::string TextOf(const Plugin &plugin, TextOperation operation)
     return Narrow(text.View());
 }
 
-// An outer object that answers nothing of its own.
+// An outer object without interfaces of its own.
 class Outer final : public ComObject<Outer, IProvideClassInfo>
 {
 public:

@@ -1,5 +1,5 @@
-// Registration as an installer meets it: a copy of the product is loaded, its exports are called, and what counts
-// is what the registry says afterwards.
+// Registration as an installer does it: a copy of the product is loaded, its exports are called, and the registry
+// is compared afterwards.
 #include "com/BstrOwner.h"
 #include "com/ComPtr.h"
 #include "com/HandleOwner.h"
@@ -84,14 +84,14 @@ std::vector<std::string> PresentKeys(const Classes &classes)
     return present;
 }
 
-// A copy of the product of its own, since the scope that an installation chose holds for the loaded module.
+// A copy of the product for each test, since the scope that an installation chose stays with the loaded module.
 class InstalledCopy
 {
 public:
     explicit InstalledCopy(bool isDamaged = false)
     {
         static int count = 0;
-        // A quote in the path is one that a script must not take for the end of it.
+        // With a quote in the path, which a script must not take for the path's end.
         m_folder = fs::temp_directory_path() /
                    ("halvora's " + std::to_string(GetTickCount64()) + "-" + std::to_string(++count));
         fs::create_directories(m_folder);
@@ -194,7 +194,7 @@ protected:
     }
 };
 
-// In the system's registrar's place; keeps what it saw at each script, and fails at the second.
+// In place of the system's registrar: records each script's call, and fails at the second.
 class FailingRegistrar final : public ComObject<FailingRegistrar, IRegistrar>
 {
 public:

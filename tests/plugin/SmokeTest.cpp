@@ -1,5 +1,5 @@
 // The product as a host loads it: the module by its file, the object by the class factory, a stream of
-// the system's own, the user's registry key, and web components in place of the real ones.
+// the system's own, the user's registry key, and fakes in place of the web components.
 #include "com/ComPtr.h"
 #include "tests/doubles/PublishFixture.h"
 #include "tests/doubles/SystemModules.h"

@@ -139,13 +139,13 @@ protected:
         const auto host = Host::Make();
         host->First = first;
         UploadOptions options;
-        options.Mode = mode;
-        options.WriteCopyright = groups & Copyright;
-        options.WriteExif = groups & Exif;
-        options.WriteXmp = groups & Xmp;
-        options.WriteGps = groups & Gps;
-        options.WriteIptc = groups & Iptc;
-        options.PrintDpi = 300;
+        options.mode = mode;
+        options.writeCopyright = groups & Copyright;
+        options.writeExif = groups & Exif;
+        options.writeXmp = groups & Xmp;
+        options.writeGps = groups & Gps;
+        options.writeIptc = groups & Iptc;
+        options.printDpi = 300;
         const RunContext run{host.Get(), nullptr, Callback.Get(), Account,     Version,     Settings,
                              Statistics, Windows, Cancel,         SystemTicks, [](DWORD) {}};
         Web.ForgetCalls();

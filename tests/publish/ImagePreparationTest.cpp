@@ -1,4 +1,4 @@
-// New JPEGs, through the upload that they are made for.
+// The making of new JPEGs, through the upload that needs them.
 #include "account/AccountRecord.h"
 #include "com/BstrOwner.h"
 #include "com/ModuleLocks.h"
@@ -47,15 +47,15 @@ protected:
     static UploadOptions Options(UINT32 mode)
     {
         UploadOptions options;
-        options.Mode = mode;
-        options.WriteCopyright = options.WriteExif = options.WriteXmp = options.WriteGps = options.WriteIptc =
+        options.mode = mode;
+        options.writeCopyright = options.writeExif = options.writeXmp = options.writeGps = options.writeIptc =
             true;
-        options.PrintDpi = 300;
+        options.printDpi = 300;
         return options;
     }
 
-    // The result of one upload of the picture p.jpg. What was created for it must be gone afterwards, and
-    // it is sent if and only if the upload succeeds.
+    // The result of one upload of the picture p.jpg. All objects created for it must be gone afterwards, and
+    // it must have been sent if and only if the upload succeeds.
     HRESULT Upload(const UploadOptions &options)
     {
         Pauses.clear();
@@ -172,11 +172,11 @@ TEST_F(ImagePreparation, KeepsThePixelsOfAJpeg)
     EXPECT_THAT(Calls().Calls(), ElementsAreArray(AfterFactory(IntactPass)));
     EXPECT_THAT(Pauses, IsEmpty());
 
-    // Size and economy are for processed pictures.
+    // Size and economy apply to processed pictures alone.
     Calls().Reset();
     UploadOptions options = Options(SendPixelsIntact);
-    options.Minimize = true;
-    options.LongEdgePixels = 240;
+    options.minimize = true;
+    options.longEdgePixels = 240;
     EXPECT_EQ(Upload(options), S_OK);
     EXPECT_THAT(Calls().Calls(), ElementsAreArray(AfterFactory(IntactPass)));
 }
@@ -184,13 +184,13 @@ TEST_F(ImagePreparation, KeepsThePixelsOfAJpeg)
 TEST_F(ImagePreparation, WritesThePictureThatTheHostProcessed)
 {
     UploadOptions options = Options(SendProcessed);
-    options.LongEdgePixels = 1024;
+    options.longEdgePixels = 1024;
     EXPECT_EQ(Upload(options), S_OK);
     EXPECT_THAT(Calls().Calls(), ElementsAreArray(AfterFactory(ProcessedPass)));
 
     Calls().Reset();
-    options.Minimize = true;
-    options.LongEdgePixels = 0;
+    options.minimize = true;
+    options.longEdgePixels = 0;
     EXPECT_EQ(Upload(options), S_OK);
     EXPECT_THAT(Calls().DetailsOf("ReadImageMetadata"), ElementsAre("with picture of 0"));
     EXPECT_THAT(Calls().DetailsOf("Options.Write"),
@@ -198,7 +198,7 @@ TEST_F(ImagePreparation, WritesThePictureThatTheHostProcessed)
     EXPECT_THAT(Calls().DetailsOf("Frame.SetResolution"), ElementsAre("96 96"));
 }
 
-// Every call of a pass with its failure: most end the upload at once, some cost only what they are for.
+// Every call of a pass fails once: most failures end the upload at once, some cost only the call's own effect.
 TEST_F(ImagePreparation, EndsAtTheFirstFailureThatMatters)
 {
     enum Consequence
@@ -228,7 +228,7 @@ TEST_F(ImagePreparation, EndsAtTheFirstFailureThatMatters)
           std::tuple(SendProcessed, AfterFactory(ProcessedPass), processed)})
     {
         UploadOptions options = Options(mode);
-        options.LongEdgePixels = mode == SendProcessed ? 1024 : 0;
+        options.longEdgePixels = mode == SendProcessed ? 1024 : 0;
         for (size_t number = 1; number <= calls.size(); ++number)
         {
             const std::string &call = calls[number - 1];
@@ -270,7 +270,7 @@ TEST_F(ImagePreparation, TakesNoOtherFileForAJpeg)
     EXPECT_THAT(Calls().Calls(), ElementsAre("CreateFactory"));
 }
 
-// A host that says it succeeded and gives no picture.
+// A host that returns success without a picture.
 TEST_F(ImagePreparation, NeedsTheProcessedPicture)
 {
     Fixture.Host->Metadata->Picture = nullptr;
@@ -330,7 +330,7 @@ TEST_F(ImagePreparation, TakesTheProfileFromWhereItIs)
     EXPECT_EQ(Upload(SendPixelsIntact), S_OK);
     EXPECT_THAT(Calls().DetailsOf("Source.GetColorContexts"), ElementsAre("1"));
     EXPECT_THAT(Calls().DetailsOf("Frame.SetColorContexts"), ElementsAre("1"));
-    // What the fallback does is passed over like all the rest, with blocks to copy and without.
+    // A failure of the fallback is ignored like all others, with blocks to copy and without.
     for (const bool hasBlocks : {true, false})
     {
         Fixture.AddItem("p", TEXT("jpg"), JpegBytes);
@@ -380,7 +380,7 @@ TEST_F(ImagePreparation, GoesWithoutTheBlocksThatNobodyCanWrite)
         Calls().Reset();
         Calls().FailOperation(c.operation, c.code);
         UploadOptions options = Options(SendPixelsIntact);
-        options.WriteGps = false;
+        options.writeGps = false;
         EXPECT_EQ(Upload(options), S_OK) << c.operation;
         EXPECT_THAT(Pauses, IsEmpty());
         EXPECT_EQ(Calls().DetailsOf("Frame.InitializeFromBlockReader").size(), 1u);
@@ -408,11 +408,11 @@ TEST_F(ImagePreparation, BlanksEachGroupThatIsOff)
         const char *intact;
         const char *processed;
     } cases[] = {
-        {&UploadOptions::WriteCopyright, "1111110 800x600 at 96x96 exif xmp gps iptc", "01111"},
-        {&UploadOptions::WriteExif, "1111110 800x600 at 96x96 copyright xmp gps iptc", "10111"},
-        {&UploadOptions::WriteXmp, "1111110 800x600 at 96x96 copyright exif gps iptc", "11011"},
-        {&UploadOptions::WriteGps, "1111110 800x600 at 96x96 copyright exif xmp iptc", "11101"},
-        {&UploadOptions::WriteIptc, "1111110 800x600 at 96x96 copyright exif xmp gps", "11110"},
+        {&UploadOptions::writeCopyright, "1111110 800x600 at 96x96 exif xmp gps iptc", "01111"},
+        {&UploadOptions::writeExif, "1111110 800x600 at 96x96 copyright xmp gps iptc", "10111"},
+        {&UploadOptions::writeXmp, "1111110 800x600 at 96x96 copyright exif gps iptc", "11011"},
+        {&UploadOptions::writeGps, "1111110 800x600 at 96x96 copyright exif xmp iptc", "11101"},
+        {&UploadOptions::writeIptc, "1111110 800x600 at 96x96 copyright exif xmp gps", "11110"},
     };
     for (const auto &c : cases)
     {
@@ -420,17 +420,17 @@ TEST_F(ImagePreparation, BlanksEachGroupThatIsOff)
         UploadOptions options = Options(SendPixelsIntact);
         options.*c.group = false;
         EXPECT_EQ(Upload(options), S_OK);
-        options.Mode = SendProcessed;
+        options.mode = SendProcessed;
         EXPECT_EQ(Upload(options), S_OK);
-        // In a processed picture the flags alone decide.
+        // For a processed picture the flags alone decide.
         EXPECT_THAT(
             Calls().DetailsOf("WriteImageMetadata"),
             ElementsAre(c.intact, std::string(c.processed) + "11 800x600 at 96x96 copyright exif xmp gps iptc"));
     }
 
-    // All off, and one alone on: the mark of processing follows.
+    // All off, and one alone on: only then is the picture marked as processed.
     UploadOptions options;
-    options.Mode = SendPixelsIntact;
+    options.mode = SendPixelsIntact;
     Calls().Reset();
     EXPECT_EQ(Upload(options), S_OK);
     EXPECT_THAT(Calls().DetailsOf("WriteImageMetadata"), ElementsAre("1111100 800x600 at 96x96"));
@@ -438,13 +438,13 @@ TEST_F(ImagePreparation, BlanksEachGroupThatIsOff)
     const auto field = Fixture.Web.CallsOf("UploadRequest")[0].Arguments[5];
     EXPECT_NE(Narrow(field).find("&description=A comment&"), std::string::npos) << "the form keeps its words";
 
-    options.Mode = SendProcessed;
+    options.mode = SendProcessed;
     Calls().Reset();
     EXPECT_EQ(Upload(options), S_OK);
     EXPECT_THAT(Calls().DetailsOf("WriteImageMetadata"),
                 ElementsAre("0000001 800x600 at 96x96 copyright exif xmp gps iptc"));
     EXPECT_THAT(Calls().DetailsOf("Metadata.Set"), IsEmpty());
-    options.WriteGps = true;
+    options.writeGps = true;
     Calls().Reset();
     EXPECT_EQ(Upload(options), S_OK);
     EXPECT_THAT(Calls().DetailsOf("WriteImageMetadata"),

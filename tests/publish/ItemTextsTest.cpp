@@ -1,8 +1,8 @@
 // The choice of an item's file, its words, and the life of its record.
 #include "publish/FileChoice.h"
+#include "publish/FormFields.h"
 #include "publish/ItemRecord.h"
 #include "publish/ItemTexts.h"
-#include "publish/TagList.h"
 #include "tests/doubles/CallRecord.h"
 
 #include "com/BstrOwner.h"
@@ -107,7 +107,7 @@ namespace
 {
 constexpr size_t IptcOffset = 376;
 
-// The whole record as the host is promised it, after laying out.
+// The whole record in the form that the host relies on, after laying out.
 std::vector<BYTE> LaidOut()
 {
     std::vector<BYTE> bytes(656, 0);

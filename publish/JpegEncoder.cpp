@@ -1,0 +1,91 @@
+#include "publish/JpegEncoder.h"
+
+#include "com/Hresult.h"
+#include "publish/JpegSubsampling.h"
+
+#include <objbase.h>
+#include <oleauto.h>
+
+#include <cmath>
+
+namespace
+{
+// For a size without a resolution: the 72 dpi of a screen, as printing programs assume it.
+constexpr double ScreenDpi = 72.0;
+} // namespace
+
+JpegEncoder CreateJpegEncoder(IWICImagingFactory *factory, const UploadOptions &options)
+{
+    const bool isIntact = options.mode == SendPixelsIntact;
+    JpegEncoder encoder;
+    ThrowIfFailed(
+        factory->CreateEncoder(GUID_ContainerFormatJpeg, &GUID_VendorMicrosoft, encoder.Container.Put()));
+    ThrowIfFailed(CreateStreamOnHGlobal(nullptr, TRUE, encoder.Picture.Put()));
+    ThrowIfFailed(encoder.Container->Initialize(encoder.Picture.Get(), WICBitmapEncoderNoCache));
+    // Without options the encoder may copy the source's coded pixels; any option makes it encode anew.
+    ComPtr<IPropertyBag2> bag;
+    ThrowIfFailed(encoder.Container->CreateNewFrame(encoder.Frame.Put(), isIntact ? nullptr : bag.Put()));
+    if (!isIntact)
+    {
+        WriteEncoderOptions(bag.Get(), options.minimize, JpegSubsamplingSupported());
+    }
+    ThrowIfFailed(encoder.Frame->Initialize(bag.Get()));
+    return encoder;
+}
+
+void DescribeFrame(IWICBitmapFrameEncode *frame, IWICBitmapSource *picture, const UploadOptions &options,
+                   ItemRecord &record)
+{
+    UINT width = 0;
+    UINT height = 0;
+    ThrowIfFailed(picture->GetSize(&width, &height));
+    record.Widths[0] = record.Widths[1] = width;
+    record.Heights[0] = record.Heights[1] = height;
+    ThrowIfFailed(frame->SetSize(width, height));
+
+    const Resolution resolution = ChooseResolution(options, picture);
+    record.ResolutionX = static_cast<float>(resolution.X);
+    record.ResolutionY = static_cast<float>(resolution.Y);
+    ThrowIfFailed(frame->SetResolution(resolution.X, resolution.Y));
+
+    // The encoder may answer with another format: WriteSource converts to it.
+    WICPixelFormatGUID format = GUID_WICPixelFormat24bppBGR;
+    ThrowIfFailed(frame->SetPixelFormat(&format));
+}
+
+void WriteEncoderOptions(IPropertyBag2 *bag, bool minimize, bool withSubsampling)
+{
+    // Arrays, since PROPBAG2 takes no const text; the bag doesn't write to them.
+    WCHAR qualityName[] = TEXT("ImageQuality");
+    WCHAR subsamplingName[] = TEXT("JpegYCrCbSubsampling");
+    PROPBAG2 options[2] = {};
+    VARIANT values[2];
+
+    options[0].dwType = PROPBAG2_TYPE_DATA;
+    options[0].vt = VT_R4;
+    options[0].pstrName = qualityName;
+    VariantInit(&values[0]);
+    V_VT(&values[0]) = VT_R4;
+    V_R4(&values[0]) = minimize ? 0.75f : 0.85f;
+
+    options[1].dwType = PROPBAG2_TYPE_DATA;
+    options[1].vt = VT_UI1;
+    options[1].pstrName = subsamplingName;
+    VariantInit(&values[1]);
+    V_VT(&values[1]) = VT_UI1;
+    V_UI1(&values[1]) = minimize ? WICJpegYCrCbSubsampling420 : WICJpegYCrCbSubsampling444;
+
+    ThrowIfFailed(bag->Write(withSubsampling ? 2 : 1, options, values));
+}
+
+Resolution ChooseResolution(const UploadOptions &options, IWICBitmapSource *source)
+{
+    const double wanted = options.printDpi != 0.0 ? std::fabs(options.printDpi) : ScreenDpi;
+    if (options.mode == SendProcessed && options.longEdgePixels != 0)
+    {
+        return {wanted, wanted};
+    }
+    Resolution own{};
+    ThrowIfFailed(source->GetResolution(&own.X, &own.Y));
+    return own.X >= 1.0 && own.Y >= 1.0 ? own : Resolution{wanted, wanted};
+}
