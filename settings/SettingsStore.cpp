@@ -81,7 +81,7 @@ void SettingsReader::ReadInto(const WCHAR *name, UINT32 &value) const noexcept
 
 WideText SettingsReader::Text(const WCHAR *name) const
 {
-    // One unit more than is read: a stored text need not bring its closing zero.
+    // One unit more than is read, since a stored text may lack its terminator.
     WCHAR buffer[OutputSizeCapacity + 1] = {};
     DWORD size = OutputSizeCapacity * sizeof(WCHAR);
     if (!m_key || RegQueryValueExW(m_key.Get(), name, nullptr, nullptr, reinterpret_cast<BYTE *>(buffer), &size) !=

@@ -15,7 +15,7 @@
 
 namespace
 {
-// Words for the values 0 and 1, and for everything above. Null: no item.
+// The words for the values 0, 1 and above; null if the value adds no word.
 struct PhotoItem
 {
     const WCHAR *Setting;

@@ -1,4 +1,6 @@
-// Who may see a published photo: one choice of five, stored as three numbers.
+// Who may see a published picture: one choice of five on the page "Photos", stored as the three numbers that the
+// service takes. The stored numbers are sent as they are, so that a user may store combinations that the page
+// doesn't offer.
 #pragma once
 
 #include <windows.h>
@@ -13,8 +15,8 @@ struct VisibilityNumbers
 // 0 anyone, 1 family and friends, 2 friends, 3 family, 4 only the user.
 constexpr UINT32 VisibilityChoices = 5;
 
-// index is below VisibilityChoices. Anyone is stored with all three numbers set.
+// index must be below VisibilityChoices. "Anyone" is stored with all three numbers at 1.
 VisibilityNumbers NumbersOfVisibility(UINT32 index) noexcept;
 
-// Numbers other than 0 all mean yes; where IsPublic does, the other two don't matter.
+// Any number other than 0 means yes; if IsPublic does, the other two are ignored.
 UINT32 VisibilityOfNumbers(const VisibilityNumbers &numbers) noexcept;

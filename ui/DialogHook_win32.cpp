@@ -60,7 +60,7 @@ LRESULT CALLBACK CbtProc(int code, WPARAM wParam, LPARAM lParam)
 
 void Arm(bool messageBoxMode)
 {
-    // The thread may have left an earlier dialog that is not yet centred below this one.
+    // This thread may still have the hook armed for an earlier dialog that was never centred.
     DisarmHook();
     EnterCriticalSection(&state.lock);
     state.armedThread = GetCurrentThreadId();

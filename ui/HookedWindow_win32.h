@@ -1,5 +1,5 @@
-// The subclass of a task dialog between its activation and its first size message, at which it is
-// centred and let go.
+// Subclasses a task dialog from its activation to its first WM_SIZE, when the dialog has its final size; it is
+// centred then and no longer subclassed.
 #pragma once
 
 #include "ui/WindowImpl.h"

@@ -2,7 +2,7 @@
 
 UINT32 WaitingAnimation::FrameAt(UINT32 tick, UINT32 frames) noexcept
 {
-    // The paint of a stop shows the first frame and leaves the restart to the next start.
+    // Stop paints once; that paint must not use up Restart, which is for the next start.
     if (!Running || frames == 0)
     {
         return 0;

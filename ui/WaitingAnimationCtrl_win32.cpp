@@ -20,7 +20,7 @@ bool RegisterOnce(WNDPROC procedure)
         description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
         description.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_WINDOW + 1);
         description.lpszClassName = ClassName;
-        // Another copy of the module may have been unloaded without taking its class along.
+        // The class stays registered when the module is unloaded, so that it may exist already.
         return RegisterClassExW(&description) != 0 || GetLastError() == ERROR_CLASS_ALREADY_EXISTS;
     }();
     return IsRegistered;

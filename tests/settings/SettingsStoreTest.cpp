@@ -165,7 +165,7 @@ TEST(StoredSettings, AgreeWithTheBlock)
     EXPECT_EQ(names.size(), 25u);
     EXPECT_EQ(FindStoredSetting(TEXT("jpegmode")), nullptr);
 
-    // What the table says of the two groups must be what a block that loads nothing holds.
+    // The table's defaults of the two groups must be those of a block that has loaded nothing.
     const SettingsBlock block;
     const auto standard = [](const WCHAR *name) { return FindStoredSetting(name)->Default; };
     EXPECT_EQ(standard(TEXT("JPEGMode")), block.JPEGMode);

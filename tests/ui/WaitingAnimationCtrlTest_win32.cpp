@@ -1,4 +1,4 @@
-// The busy indicator's window, drawn into memory.
+// The waiting animation's window, drawn into memory.
 #include "core/ThisModule.h"
 #include "resources/resource.h"
 #include "ui/WaitingAnimationCtrl_win32.h"
@@ -21,7 +21,7 @@ DWORD WINAPI Now()
     return now;
 }
 
-// What the parent answers when it is asked for the background; null: nothing.
+// The parent's answer to WM_CTLCOLORSTATIC; null: no brush.
 HBRUSH background = nullptr;
 
 LRESULT CALLBACK ParentProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
@@ -66,7 +66,7 @@ private:
     HGDIOBJ m_before;
 };
 
-// The strip as it lies in the module, from the top left.
+// The pixels of the module's strip, from the top left.
 std::vector<UINT32> Strip()
 {
     const HMODULE module = ThisModule();
