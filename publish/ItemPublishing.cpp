@@ -18,7 +18,8 @@
 
 namespace
 {
-UploadOptions Options(UINT32 mode, bool verifyContainer, const ConversionSettings &settings)
+UploadOptions Options(UINT32 mode, bool verifyContainer, const ConversionSettings &settings, UINT32 longEdgePixels,
+                      double printDpi)
 {
     UploadOptions options;
     options.Mode = mode;
@@ -29,8 +30,8 @@ UploadOptions Options(UINT32 mode, bool verifyContainer, const ConversionSetting
     options.WriteXmp = settings.WriteXMP != 0;
     options.WriteGps = settings.WriteGPS != 0;
     options.WriteIptc = settings.WriteIPTC != 0;
-    options.LongEdgePixels = settings.LongEdgePixels;
-    options.PrintDpi = settings.PrintDpi;
+    options.LongEdgePixels = longEdgePixels;
+    options.PrintDpi = printDpi;
     return options;
 }
 
@@ -87,7 +88,9 @@ void LogPath(void (*log)(IHalvoraPublishingHost *, const WCHAR *, ...), const Ru
 
 void UploadProcessed(const RunContext &run, Item &item)
 {
-    Upload(run, item, item.JpegName, Options(SendProcessed, false, run.Settings.RAW));
+    Upload(
+        run, item, item.JpegName,
+        Options(SendProcessed, false, run.Settings.RAW, run.Settings.RAWLongEdgePixels, run.Settings.RAWPrintDpi));
 }
 
 // The file is not what its extension says. With processing allowed it may still be a picture that
@@ -115,7 +118,9 @@ void UploadChosenFile(const RunContext &run, Item &item)
     LogPath(LogInfo, run, IDS_LOG_PUBLISHING, item);
     if (item.Choice.Class == ExtensionClass::Jpeg)
     {
-        Upload(run, item, item.JpegName, Options(run.Settings.JPEGMode, true, run.Settings.JPEG));
+        Upload(run, item, item.JpegName,
+               Options(run.Settings.JPEGMode, true, run.Settings.JPEG, run.Settings.JPEGLongEdgePixels,
+                       run.Settings.JPEGPrintDpi));
     }
     else
     {

@@ -7,9 +7,11 @@
 #include "resources/resource.h"
 #include "settings/SettingsSheet.h"
 #include "settings/SheetLayout_win32.h"
+#include "ui/ActivationContext_win32.h"
 #include "ui/PlacementArithmetic.h"
 #include "ui/WindowPlacement.h"
 
+#include <commctrl.h>
 #include <shellapi.h>
 
 namespace
@@ -179,4 +181,15 @@ void CFlickrProperties::RememberPage(HWND sheet)
     {
         lastPageIndex = static_cast<int>(selected);
     }
+}
+
+SheetOutcome ShowSettingsSheet(HWND parent, SheetAccount &account)
+{
+    const ActivationContext commonControls6;
+    constexpr INITCOMMONCONTROLSEX classes{sizeof(classes),
+                                           ICC_TAB_CLASSES | ICC_LINK_CLASS | ICC_STANDARD_CLASSES};
+    InitCommonControlsEx(&classes);
+    CFlickrProperties sheet(account, IDS_DISPLAY_NAME);
+    const bool isApplied = sheet.DoModal(parent) > 0;
+    return {isApplied, isApplied && sheet.RevokeRequested()};
 }

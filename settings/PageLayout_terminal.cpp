@@ -37,8 +37,8 @@ int CellsBeforeText(ControlKind kind)
 ControlPlace PlaceOf(const TemplateControl &control, const WideText &text, int columns)
 {
     ControlPlace place{};
-    place.Column =
-        std::min(std::max(control.Place.Left - PageMargin, 0) / UnitsOfCell, std::max(columns - NarrowestWidth, 0));
+    place.Column = std::min(std::max(control.Place.Left - PageMargin, 0) / UnitsOfCell,
+                            std::max(columns - NarrowestWidth, 0));
     place.Width = std::max(columns - place.Column, 1);
     place.Height = 1;
     switch (control.Kind)

@@ -9,7 +9,7 @@
 
 #include <windows.h>
 
-// How pictures of one kind of file are prepared for upload. Flags are 0 or 1.
+// What is kept of pictures of one kind of file when they are prepared for upload. Flags are 0 or 1.
 struct ConversionSettings
 {
     UINT32 Minimize = 1;
@@ -18,16 +18,21 @@ struct ConversionSettings
     UINT32 WriteXMP = 0;
     UINT32 WriteGPS = 1;
     UINT32 WriteIPTC = 0;
-    UINT32 LongEdgePixels = 0; // 0: keep the size
-    double PrintDpi = 0;
-    WideText LongDimension; // display form of the maximum output size; empty until one was loaded
 };
 
 struct SettingsBlock
 {
     UINT32 JPEGMode = 2; // 0 SendAsIs, 1 SendPixelsIntact, 2 SendProcessed
     ConversionSettings JPEG;
-    ConversionSettings RAW; // RAW and TIFF files
+    UINT32 JPEGLongEdgePixels = 0; // 0: keep the size
+    double JPEGPrintDpi = 0;
+    WideText JPEGLongDimension; // display form of the maximum output size; empty until one was loaded
+
+    // The same for RAW and TIFF files.
+    ConversionSettings RAW;
+    UINT32 RAWLongEdgePixels = 0;
+    double RAWPrintDpi = 0;
+    WideText RAWLongDimension;
 };
 
 // Fills the block from the store. Without the key the block stays as it is; a missing value leaves its field as

@@ -17,22 +17,25 @@ struct DialogUnits
         RECT base{0, 0, 4, 8};
         if (MapDialogRect(sheet, &base))
         {
-            m_base = {base.right, base.bottom};
+            m_baseX = base.right;
+            m_baseY = base.bottom;
         }
         else
         {
             const LONG units = GetDialogBaseUnits();
-            m_base = {LOWORD(units), HIWORD(units)};
+            m_baseX = LOWORD(units);
+            m_baseY = HIWORD(units);
         }
     }
 
     // MulDiv rounds as MapDialogRect does, so that the test for the standard layout meets the tab control exactly.
-    int Across(int units) const noexcept { return MulDiv(units, m_base.cx, 4); }
-    int Down(int units) const noexcept { return MulDiv(units, m_base.cy, 8); }
-    int HalfAcross() const noexcept { return MulDiv(1, m_base.cx, 8); }
+    int Across(int units) const noexcept { return MulDiv(units, m_baseX, 4); }
+    int Down(int units) const noexcept { return MulDiv(units, m_baseY, 8); }
+    int HalfAcross() const noexcept { return MulDiv(1, m_baseX, 8); }
 
 private:
-    SIZE m_base;
+    int m_baseX; // pixels of 4 units across
+    int m_baseY; // pixels of 8 units down
 };
 
 RECT PlaceIn(HWND parent, HWND window)

@@ -85,7 +85,7 @@ WideText MetadataSummary(const SettingsBlock &settings)
 
 WideText SizeSummary(const SettingsBlock &settings)
 {
-    const WideText &size = settings.JPEG.LongDimension;
+    const WideText &size = settings.JPEGLongDimension;
     if (size.empty() || StrCmpIW(size.c_str(), LoadStringOrPlaceholder(IDS_SIZE_ORIGINAL).c_str()) == 0)
     {
         return {};

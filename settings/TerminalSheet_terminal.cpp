@@ -532,3 +532,9 @@ SheetOutcome RunTerminalSheet(ISheetScreen &screen, HWND parent, SheetAccount &a
 {
     return Sheet(screen, parent, account, wait).Run();
 }
+
+SheetOutcome ShowSettingsSheet(HWND parent, SheetAccount &account)
+{
+    const auto screen = OpenTerminalScreen();
+    return screen ? RunTerminalSheet(*screen, parent, account, SystemPause) : SheetOutcome{};
+}

@@ -6,10 +6,10 @@
 
 struct WaitingAnimation
 {
-    UINT64 StartTick = 0;  // tick counter at the first frame; 0 = not started
-    UINT32 Interval = 125; // milliseconds per frame
-    bool Restart = false;  // FrameAt begins the count anew
-    bool Running = false;
+    UINT64 startTick = 0;  // tick counter at the first frame; 0 = not started
+    UINT32 interval = 125; // milliseconds per frame
+    bool restart = false;  // FrameAt begins the count anew
+    bool running = false;
 
     // The frame, from 0 to frames - 1, at this value of the tick counter; 0 while it isn't running. When the
     // counter has wrapped, the count begins anew.
