@@ -18,7 +18,8 @@
 
 namespace
 {
-UploadOptions Options(UINT32 mode, bool verifyContainer, const ConversionSettings &settings)
+UploadOptions Options(UINT32 mode, bool verifyContainer, const ConversionSettings &settings, UINT32 longEdgePixels,
+                      double printDpi)
 {
     UploadOptions options;
     options.mode = mode;
@@ -29,8 +30,8 @@ UploadOptions Options(UINT32 mode, bool verifyContainer, const ConversionSetting
     options.writeXmp = settings.WriteXMP != 0;
     options.writeGps = settings.WriteGPS != 0;
     options.writeIptc = settings.WriteIPTC != 0;
-    options.longEdgePixels = settings.LongEdgePixels;
-    options.printDpi = settings.PrintDpi;
+    options.longEdgePixels = longEdgePixels;
+    options.printDpi = printDpi;
     return options;
 }
 
@@ -87,7 +88,9 @@ void LogPath(void (*log)(IHalvoraPublishingHost *, const WCHAR *, ...), const Ru
 
 void UploadProcessed(const RunContext &run, Item &item)
 {
-    Upload(run, item, item.JpegName, Options(SendProcessed, false, run.Settings.RAW));
+    Upload(
+        run, item, item.JpegName,
+        Options(SendProcessed, false, run.Settings.RAW, run.Settings.RAWLongEdgePixels, run.Settings.RAWPrintDpi));
 }
 
 // The file is of another kind than its extension says. In processed mode the host may still be able to read
@@ -115,7 +118,9 @@ void UploadChosenFile(const RunContext &run, Item &item)
     LogPath(LogInfo, run, IDS_LOG_PUBLISHING, item);
     if (item.Choice.Class == ExtensionClass::Jpeg)
     {
-        Upload(run, item, item.JpegName, Options(run.Settings.JPEGMode, true, run.Settings.JPEG));
+        Upload(run, item, item.JpegName,
+               Options(run.Settings.JPEGMode, true, run.Settings.JPEG, run.Settings.JPEGLongEdgePixels,
+                       run.Settings.JPEGPrintDpi));
     }
     else
     {

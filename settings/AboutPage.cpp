@@ -11,7 +11,7 @@
 
 namespace
 {
-// So that a success doesn't just flicker.
+// In milliseconds; without it a fast success would only flicker.
 constexpr DWORD PauseAfterSuccess = 500;
 
 constexpr UINT32 Checked = 1;

@@ -1,4 +1,5 @@
-// The page "About": version, account, and the wish to forget the authorization. It has no settings.
+// The page "About": shows the version and the account, and takes the wish to forget the authorization. It has
+// no settings.
 #pragma once
 
 #include "core/Pause.h"
@@ -7,17 +8,17 @@
 struct AccountRecord;
 struct SheetAccount;
 
-// What a refresh needs of whoever shows the page, beside the controls.
+// What a refresh needs beside the controls, from the code that shows the page.
 class IRefreshDisplay
 {
 public:
-    // Lets everything be drawn that is waiting for it, for a network call follows that blocks.
+    // Draws everything that is due, since a network call follows that blocks this thread.
     virtual void ShowPending() = 0;
 
-    // The wait cursor, or the usual one again.
+    // Shows the wait cursor, or the usual one again.
     virtual void ShowWaiting(bool isWaiting) = 0;
 
-    // A message over the page; returns when the user has read it.
+    // Shows a message over the page; returns when the user has closed it.
     virtual void ShowError(const WideText &text, const WideText &caption) = 0;
 
 protected:
@@ -31,16 +32,17 @@ public:
 
     UINT Template() const noexcept override;
 
-    // Version and copyright. The account text is ShowAccountData's, at each visit of the page.
+    // Shows version and copyright. The account text comes with ShowAccountData, at each visit of the page.
     void Load(IPageControls &controls) override;
 
-    // Notes the wish to revoke; nothing is stored.
+    // Keeps the state of the check box for RevokeRequested; stores nothing.
     void Save(IPageControls &controls) override;
 
-    // Composes the account text from the record as it stands; asks nobody.
+    // Composes the account text from the record as it stands; calls no service.
     void ShowAccountData(IPageControls &controls);
 
-    // The link was clicked: asks the service, which blocks, and shows what the record holds then.
+    // Answers a click on the link: reads the account from the service, which blocks, and shows the record's new
+    // content, also after a failure.
     void Refresh(IPageControls &controls, IRefreshDisplay &display);
 
     bool RevokeRequested() const noexcept { return m_revokeRequested; }

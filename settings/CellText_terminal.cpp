@@ -20,7 +20,7 @@ bool OverridesDirection(wchar_t character)
            (character >= 0x2066 && character <= 0x2069);
 }
 
-// Takes one character and moves on behind it.
+// Returns the character at an index and advances the index past it.
 wchar_t TakeCharacter(std::u16string_view text, size_t &at)
 {
     const char16_t unit = text[at++];
@@ -41,7 +41,7 @@ size_t WidthOf(wchar_t character)
     return static_cast<size_t>(wcwidth(character));
 }
 
-// Where a line of so many cells ends that begins there; beyond its start in any case.
+// The end of the line of at most so many cells that begins at start; always after start, so that callers advance.
 size_t EndOfFit(std::u16string_view text, size_t start, size_t cells)
 {
     size_t at = start;

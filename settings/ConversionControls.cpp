@@ -1,8 +1,9 @@
 #include "settings/ConversionControls.h"
 
+#include "core/NumberFormat.h"
+#include "core/StringTable.h"
 #include "resources/resource.h"
 #include "settings/OutputSize.h"
-#include "settings/OutputSizeList.h"
 #include "settings/SettingsStore.h"
 
 const ConversionControls::Flag ConversionControls::flags[] = {
@@ -17,6 +18,25 @@ const ConversionControls::Flag ConversionControls::flags[] = {
 namespace
 {
 constexpr UINT32 LargestCheckState = 2;
+
+// Adds the string of firstEntryId, unless that is 0, and the usual sizes, each followed by the string of unitId and
+// with its pixels as item data.
+void FillOutputSizeList(IPageControls &controls, UINT comboBoxId, UINT unitId, UINT firstEntryId)
+{
+    if (firstEntryId != 0)
+    {
+        controls.AddListEntry(comboBoxId, LoadStringOrPlaceholder(firstEntryId), std::nullopt);
+    }
+    const WideText unit = LoadStringOrPlaceholder(unitId);
+    LocaleNumberFormat format;
+    LoadLocaleFormat(format, true);
+    for (const UINT32 pixels : {240, 320, 500, 800, 1024, 1600, 2048})
+    {
+        WCHAR digits[64] = {};
+        FormatNumber(format, {.Signed = pixels}, NUMBER_SIGNED, 0, digits);
+        controls.AddListEntry(comboBoxId, digits + unit, pixels);
+    }
+}
 } // namespace
 
 void ConversionControls::FillLists(IPageControls &controls)

@@ -1,5 +1,5 @@
-// What the pages for JPEG files and for RAW and TIFF files have in common: the choice of metadata and the
-// maximum output size, under the same identifiers.
+// The controls that the pages "JPEG Settings" and "RAW/TIFF Settings" share, under the same identifiers: the
+// metadata groups and the maximum output size.
 #pragma once
 
 #include "settings/PageControls.h"
@@ -10,19 +10,20 @@ class SettingsWriter;
 class ConversionControls
 {
 public:
-    // kind begins the names of the settings: "JPEG" or "RAW".
+    // kind is the prefix of the setting names, "JPEG" or "RAW".
     explicit ConversionControls(const WCHAR *kind) noexcept : m_kind(kind) {}
 
-    // The sizes that the combo box offers, in the user's number format.
+    // Fills the combo box with "Original" and the usual sizes in pixels, in the user's number format; the pixels
+    // are the entries' item data.
     void FillLists(IPageControls &controls);
 
-    // Without a key the fields keep their defaults. A size that makes no sense is "Original" afterwards.
+    // Without a key the fields keep their defaults. A size that can't be read becomes "Original".
     void Load(const SettingsReader &reader);
 
-    // Fields to controls. A check state that no box has is clear.
+    // Copies the fields to the controls. A stored check state above 2 becomes 0.
     void Show(IPageControls &controls);
 
-    // Controls to fields. A size text that is too long is cut, with a beep and the focus on it.
+    // Copies the controls to the fields. A size text that is too long is cut, with a beep and the focus on it.
     void Take(IPageControls &controls);
 
     // Writes the flags as they are and the size in its display form.

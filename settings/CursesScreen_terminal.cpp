@@ -17,10 +17,10 @@
 
 namespace
 {
-// A resize or a signal that comes just between looking and waiting is seen after this time.
+// poll() may miss a resize or signal that arrives just before it; it is noticed after this time at most.
 constexpr int PollMilliseconds = 200;
 
-// What follows an Escape within this time belongs to a key that sends more than one byte.
+// Bytes that follow an Escape within this time belong to one key, such as an arrow.
 constexpr int EscapeMilliseconds = 50;
 
 constexpr int KeyPreviousPage = KEY_MAX + 1;
@@ -34,7 +34,7 @@ void NoteSignal(int number)
     endingSignal = number;
 }
 
-// The signals that end a process, noted instead while this lives.
+// Notes signals that would end the process while it exists; then restores their handlers and raises the signal.
 class SignalNotes
 {
 public:
@@ -132,7 +132,7 @@ bool HasColour()
 class CursesScreen final : public ISheetScreen
 {
 public:
-    // Null in m_screen if the terminal can't be had.
+    // IsOpen is false if the terminal can't be opened.
     CursesScreen()
     {
         m_screen = newterm(nullptr, stdout, stdin);
@@ -286,7 +286,7 @@ private:
         }
     }
 
-    // First made, last gone: its end may end the process.
+    // Declared first, so destroyed last: its destructor may raise the signal that ends the process.
     SignalNotes m_signals;
     SCREEN *m_screen = nullptr;
     bool m_isColoured = false;

@@ -6,7 +6,7 @@
 
 namespace
 {
-// The account text comes just after the page has been painted.
+// Composes the account text just after the page has been painted; in milliseconds.
 constexpr UINT_PTR ShowAccountTimer = 1;
 constexpr UINT ShowAccountDelay = 1;
 
@@ -103,7 +103,7 @@ void CFlickrAboutPage::ShowWaiting(bool isWaiting)
 {
     if (!isWaiting)
     {
-        // Impatient clicks on the link, which is still disabled, don't ask the service again.
+        // Drop clicks queued during the wait, or they would start another refresh once the link is enabled.
         MSG click;
         while (PeekMessageW(&click, Window(), WM_MOUSEFIRST, WM_MOUSELAST, PM_REMOVE))
         {

@@ -1,4 +1,5 @@
-// The pages of the settings sheet in windows: each the shell of its page's logic. Windows only.
+// The pages of the settings sheet in windows. Each is a thin shell that hands its messages to the logic of the
+// page. Windows build only.
 #pragma once
 
 #include "settings/AboutPage.h"
@@ -8,11 +9,11 @@
 #include "settings/PropertyPage_win32.h"
 #include "settings/RawPage.h"
 
-// What all pages do: load at first show, save when the sheet is applied, tell the logic of clicks.
+// Calls Load when the page is first shown, Click at clicks, and Save when the sheet is applied.
 class CSettingsPageImpl : public CPropertyPageImpl
 {
 public:
-    // logic lives as long as this.
+    // logic must outlive this object.
     explicit CSettingsPageImpl(SettingsPage &logic) noexcept : CPropertyPageImpl(logic.Template()), m_logic(logic)
     {
     }
@@ -23,6 +24,7 @@ private:
     SettingsPage &m_logic;
 };
 
+// A base class, so that the logic exists before CSettingsPageImpl is constructed with it.
 template <class Logic>
 struct PageLogic
 {

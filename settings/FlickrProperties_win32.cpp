@@ -7,20 +7,22 @@
 #include "resources/resource.h"
 #include "settings/SettingsSheet.h"
 #include "settings/SheetLayout_win32.h"
+#include "ui/ActivationContext_win32.h"
 #include "ui/PlacementArithmetic.h"
 #include "ui/WindowPlacement.h"
 
+#include <commctrl.h>
 #include <shellapi.h>
 
 namespace
 {
-// The browser takes a while to come; the wait cursor tells of it.
+// In milliseconds: the browser takes a moment to appear, and the wait cursor shows meanwhile.
 constexpr DWORD BrowserPause = 500;
 
 // In 1/96 inch.
 constexpr INT32 DownwardMove = 10;
 
-// As long as the module stays loaded.
+// Kept between sheets for as long as the module stays loaded.
 int lastPageIndex = 0;
 
 void ShowCursorOf(const WCHAR *cursor)
@@ -28,7 +30,7 @@ void ShowCursorOf(const WCHAR *cursor)
     SetCursor(LoadCursorW(nullptr, cursor));
 }
 
-// A button of the sheet, or of the windows around it.
+// Looks among the sheet's children, then its parent's, then its grandparent's.
 HWND FindButton(HWND sheet, int id)
 {
     HWND window = sheet;
@@ -145,7 +147,7 @@ void CFlickrProperties::OnFirstShow(HWND sheet)
 
 void CFlickrProperties::CreateHomepageLink(HWND sheet)
 {
-    // Its room is cut down to what it needs when that is known.
+    // Wide enough not to break the text; PlaceBesideButtons then gives the link its ideal size.
     constexpr int ample = 10000;
     m_homepageLink = CreateWindowExW(0, WC_LINK, LoadStringOrPlaceholder(IDS_HOMEPAGE_LINK).c_str(),
                                      WS_CHILD | WS_VISIBLE | WS_TABSTOP, 0, 0, ample, ample, sheet,
@@ -179,4 +181,15 @@ void CFlickrProperties::RememberPage(HWND sheet)
     {
         lastPageIndex = static_cast<int>(selected);
     }
+}
+
+SheetOutcome ShowSettingsSheet(HWND parent, SheetAccount &account)
+{
+    const ActivationContext commonControls6;
+    constexpr INITCOMMONCONTROLSEX classes{sizeof(classes),
+                                           ICC_TAB_CLASSES | ICC_LINK_CLASS | ICC_STANDARD_CLASSES};
+    InitCommonControlsEx(&classes);
+    CFlickrProperties sheet(account, IDS_DISPLAY_NAME);
+    const bool isApplied = sheet.DoModal(parent) > 0;
+    return {isApplied, isApplied && sheet.RevokeRequested()};
 }

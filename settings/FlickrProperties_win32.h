@@ -1,6 +1,6 @@
-// The settings sheet in windows: five pages, a busy indicator in the tab row, and a link to the user's
-// photos beside the buttons. It opens near the mouse pointer, with the page on top that was there last.
-// Windows only.
+// The settings sheet in windows: five pages, a waiting animation in the tab row, and a link to the user's
+// photos beside the buttons. It opens near the mouse pointer, on the page that was on top when the last sheet
+// closed. Windows build only.
 #pragma once
 
 #include "settings/FlickrPages_win32.h"
@@ -12,18 +12,18 @@ struct SheetAccount;
 class CFlickrProperties final : public CPropertySheetImpl
 {
 public:
-    // What a page may send to the sheet: the animation runs and OK and Cancel are disabled; it stands at its
-    // first frame again and Cancel is enabled.
+    // Messages from a page to the sheet. StartWaiting runs the animation and disables OK and Cancel; StopWaiting
+    // returns it to its first frame and enables Cancel.
     static constexpr UINT StartWaiting = WM_USER + 124;
     static constexpr UINT StopWaiting = WM_USER + 125;
 
-    // account lives as long as this.
+    // account must outlive this object.
     CFlickrProperties(SheetAccount &account, UINT titleId);
 
     bool ProcessWindowMessage(HWND sheet, UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result) override;
     ~CFlickrProperties() override = default;
 
-    // Of a sheet that was confirmed.
+    // Set when the sheet was closed with OK; false before.
     bool RevokeRequested() const noexcept { return m_aboutPage.RevokeRequested(); }
 
 private:

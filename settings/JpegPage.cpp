@@ -10,7 +10,7 @@ namespace
 constexpr UINT32 SendPixelsIntact = 1;
 constexpr UINT32 SendProcessed = 2;
 
-// A control and the first mode in which it matters.
+// A control and the smallest mode in which it is enabled.
 struct EnableRule
 {
     UINT Id;
@@ -39,7 +39,7 @@ void JpegPage::Load(IPageControls &controls)
     m_conversion.Load(reader);
     controls.SetRadio(IDC_MODE_AS_IS, m_mode);
     m_conversion.Show(controls);
-    // The fields then hold what the controls really show.
+    // A control may not have taken a stored value; make the fields agree with what is shown.
     Take(controls);
     ApplyRules(controls);
 }

@@ -1,4 +1,4 @@
-// The page "JPEG Settings": how JPEG files go up.
+// The page "JPEG Settings": how JPEG files are uploaded.
 #pragma once
 
 #include "settings/ConversionControls.h"

@@ -22,7 +22,7 @@ void OptionsPage::Load(IPageControls &controls)
     {
         UINT32 &field = this->*group.Field;
         reader.ReadInto(group.Setting, field);
-        // A value has a radio button, or shows as the first.
+        // A stored value without a radio button is shown, and later saved, as the first.
         if (field > FindStoredSetting(group.Setting)->Largest)
         {
             field = 0;

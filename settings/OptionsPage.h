@@ -1,4 +1,4 @@
-// The page "Options": what the service is told of every picture.
+// The page "Options": safety level, content type and search visibility of every picture.
 #pragma once
 
 #include "settings/SettingsPage.h"

@@ -44,8 +44,8 @@ WideText Prepare(WideView text, const LocaleNumberFormat &format)
     return prepared;
 }
 
-// The regular expressions of the standard library exist for wchar_t, which natively isn't the system's
-// character. Units map one to one, so positions do too.
+// The standard library has regular expressions for wchar_t, which natively isn't WCHAR. Units map one to one, so
+// positions in the text stay the same.
 std::wstring Widen(WideView text)
 {
     return std::wstring(text.begin(), text.end());
@@ -84,11 +84,17 @@ double ToNumber(std::wstring digits, const std::wstring &separator)
     {
         digits.replace(at, separator.size(), L".");
     }
-    // ASCII by now: the expression lets nothing else through.
+    // The expression lets only ASCII through.
     const std::string plain(digits.begin(), digits.end());
     double number = 0;
     const auto read = std::from_chars(plain.data(), plain.data() + plain.size(), number);
-    return read.ec == std::errc::result_out_of_range ? std::numeric_limits<double>::max() : number;
+    if (read.ec == std::errc::result_out_of_range)
+    {
+        // Too large, or too close to 0 if only zeros come before the point.
+        const bool isLarge = plain.find_first_not_of('0') < plain.find('.');
+        return isLarge ? std::numeric_limits<double>::max() : 0;
+    }
+    return number;
 }
 
 OutputSizeUnit UnitOf(wchar_t first)
@@ -123,7 +129,7 @@ bool ParseOutputSize(WideView text, double &number, OutputSizeUnit &unit, const 
 {
     number = 0;
     unit = UNIT_PIXELS;
-    const std::wstring subject = Widen(text);
+    const std::wstring subject = Widen(text.substr(0, OutputSizeReadLimit));
     const std::wstring separator = DecimalSeparator(format);
     std::wsmatch match;
     if (!std::regex_match(subject, match, SizeExpression(separator)))

@@ -1,10 +1,10 @@
-// The controls of one page of the settings sheet, as the page's logic sees them. Whoever shows a page,
-// in windows or on a terminal, implements this; the rules of a page are then the same everywhere.
+// The controls of one page of the settings sheet, as the page's logic sees them. It is implemented over dialog
+// controls and over the terminal, so that the rules of a page exist once.
 //
-// Controls are named by the identifiers of resources/resource.h; settings/PageTemplate.h tells which a page
-// has, of what kind and with which words. All calls are made on the thread that shows the sheet, within a
-// call of a SettingsPage, and may throw E_OUTOFMEMORY. Where there is no caret, nothing to repaint or no
-// focus to move, those operations do nothing.
+// Controls are named by the identifiers of resources/resource.h; settings/PageTemplate.h reads which ones a
+// page has, their kinds and texts. All calls are made on the thread that shows the sheet, within a call of a
+// SettingsPage, and may throw E_OUTOFMEMORY. An implementation without a caret, focus or painting of its own
+// does nothing in those operations.
 #pragma once
 
 #include "com/WideText.h"
@@ -28,21 +28,21 @@ public:
     // The position of the checked button, or NoRadio.
     virtual UINT32 Radio(UINT firstId) = 0;
 
-    // What a label, an edit control or the edit field of a combo box says, of any length.
+    // The text of a label, an edit control or the edit field of a combo box, of any length.
     virtual void SetText(UINT id, const WideText &text) = 0;
     virtual WideText Text(UINT id) = 0;
 
-    // A control that isn't enabled shows its state, greyed, and can't be changed by the user.
+    // A disabled control is greyed, still shows its state, and can't be changed by the user.
     virtual void Enable(UINT id, bool isEnabled) = 0;
 
-    // Appends an entry to the list of a combo box. pixels goes with it as its item data.
+    // Appends an entry to the list of a combo box, with pixels as its item data.
     virtual void AddListEntry(UINT id, const WideText &text, std::optional<UINT32> pixels) = 0;
 
     // Puts the caret of an edit control behind its last character.
     virtual void PutCaretAtEnd(UINT id) = 0;
     virtual void Focus(UINT id) = 0;
 
-    // Draws a control at once in its present state.
+    // Draws a control in its present state before returning.
     virtual void Repaint(UINT id) = 0;
 
     // The system's plain beep.

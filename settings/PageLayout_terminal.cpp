@@ -11,18 +11,18 @@ constexpr int UnitsOfCell = 4;
 constexpr int PageMargin = 7;
 constexpr int SmallestGroupGap = 5;
 
-// The height in a template is that of the open list.
+// A template gives the height with the list open.
 constexpr int ClosedComboBoxHeight = 12;
 
 constexpr int FewestEditLines = 4;
-constexpr int NarrowestRoom = 8;
+constexpr int NarrowestWidth = 8;
 
 int HeightInUnits(const TemplateControl &control)
 {
     return control.Kind == ControlKind::ComboBox ? ClosedComboBoxHeight : control.Place.Height;
 }
 
-// An empty row lies before a control that the template sets apart. A rule is the parting itself.
+// Whether an empty row goes before control, as the template leaves a gap there. A rule separates by itself.
 bool IsSetApart(const TemplateControl &before, const TemplateControl &control)
 {
     return before.Kind != ControlKind::Rule && control.Kind != ControlKind::Rule &&
@@ -37,8 +37,8 @@ int CellsBeforeText(ControlKind kind)
 ControlPlace PlaceOf(const TemplateControl &control, const WideText &text, int columns)
 {
     ControlPlace place{};
-    place.Column =
-        std::min(std::max(control.Place.Left - PageMargin, 0) / UnitsOfCell, std::max(columns - NarrowestRoom, 0));
+    place.Column = std::min(std::max(control.Place.Left - PageMargin, 0) / UnitsOfCell,
+                            std::max(columns - NarrowestWidth, 0));
     place.Width = std::max(columns - place.Column, 1);
     place.Height = 1;
     switch (control.Kind)

@@ -1,5 +1,5 @@
-// Where the controls of a page stand in the cells of a terminal: in the order, with the indentation and with
-// the gaps between groups that the page's template has. Native builds only.
+// Places the controls of a page in the cells of a terminal, one below the other, with the order, indentation
+// and gaps between groups of the page's dialog template. Native build only.
 #pragma once
 
 #include "settings/PageTemplate.h"
@@ -11,16 +11,16 @@ struct ControlPlace
     int Row;    // from the page's first
     int Height; // rows, frames included
     int Column;
-    int Width;                   // of the room: what is behind belongs to nobody
-    std::vector<WideText> Lines; // of a text, wrapped, without its mark or frame
+    int Width;                   // reserved cells; the text may be shorter
+    std::vector<WideText> Lines; // the control's text, wrapped, without mark or frame
 };
 
-// "[x] " and "(o) ", before the text of a box or radio button.
+// Cells of "[x] " or "(o) " before the text of a check box or radio button.
 inline constexpr int MarkCells = 4;
 
-// One place for each control. texts has what each says at present. columns is the page's width.
+// Returns one place for each control. texts holds their present texts; columns is the page's width in cells.
 std::vector<ControlPlace> LayOutPage(const std::vector<TemplateControl> &controls,
                                      const std::vector<WideText> &texts, int columns);
 
-// Rows of the whole page.
+// The number of rows of the whole page.
 int RowsOf(const std::vector<ControlPlace> &places);

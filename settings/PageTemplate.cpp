@@ -12,7 +12,7 @@ namespace
 {
 constexpr WORD OrdinalFollows = 0xFFFF;
 
-// The system's numbers for its window classes within templates.
+// The numbers by which a template names predefined window classes.
 enum ClassOrdinal : WORD
 {
     ClassButton = 0x80,
@@ -21,7 +21,7 @@ enum ClassOrdinal : WORD
     ClassComboBox = 0x85
 };
 
-// Walks over the bytes; what lies beyond their end raises std::out_of_range.
+// Reads the bytes in order; throws std::out_of_range past their end.
 class TemplateReader
 {
 public:
@@ -60,7 +60,7 @@ public:
         return text;
     }
 
-    // A text or a number in its place, which gives an empty text.
+    // Reads a name, which is a text or a number; for a number the text is empty, for a text ordinal is 0.
     WideText TakeName(WORD &ordinal)
     {
         const size_t start = m_at;
@@ -90,7 +90,7 @@ private:
     size_t m_at = 0;
 };
 
-// A compiler of templates may write a class by name that has a number.
+// A resource compiler may write a predefined class by its name instead of its number.
 WORD OrdinalOf(const WideText &className)
 {
     static constexpr struct

@@ -1,5 +1,5 @@
-// What a dialog template of the module says, for whoever shows its controls by other means than the
-// platform's dialogs: title, and kinds, identifiers and texts of the controls in tab order.
+// Reads a dialog template of the module, for showing its controls by other means than the platform's dialogs:
+// the title, and the kinds, identifiers and texts of the controls in tab order. The format is DLGTEMPLATEEX.
 #pragma once
 
 #include "com/WideText.h"
@@ -34,8 +34,8 @@ struct TemplateControl
     static constexpr UINT NoId = 0xFFFF;
 
     ControlKind Kind;
-    UINT Id;         // NoId: a control without data
-    bool OpensGroup; // radio buttons from here to the next that opens a group belong together
+    UINT Id;         // NoId for a control without data
+    bool OpensGroup; // a group reaches to the next control that opens one
     bool TakesFocus; // by the tab key
     WideText Text;   // "&" marks a key, unless the control shows it as it is
     TemplateRectangle Place;
@@ -52,8 +52,8 @@ struct PageTemplate
     std::vector<TemplateControl> Controls;
 };
 
-// Nothing if the module has no such template or it isn't of the extended kind, well formed, and of controls
-// of these kinds. E_OUTOFMEMORY is thrown.
+// Returns nullopt if the module has no such template, or it isn't extended and well formed, or it has a control
+// of another kind. Throws E_OUTOFMEMORY.
 std::optional<PageTemplate> ReadPageTemplate(UINT templateId);
 
 // The same from the bytes of a template.

@@ -2,9 +2,9 @@
 
 #include "resources/resource.h"
 #include "settings/SettingsStore.h"
-#include "settings/Visibility.h"
 
 #include <algorithm>
+#include <iterator>
 
 const PhotosPage::Flag PhotosPage::flags[] = {
     {IDC_ASYNC_UPLOAD, TEXT("AsyncUpload"), &PhotosPage::m_asyncUpload},
@@ -15,6 +15,36 @@ const PhotosPage::Flag PhotosPage::flags[] = {
 
 namespace
 {
+// Who may see a published picture: one choice of five, stored as the three numbers that the service takes. They
+// are sent as stored, also in combinations that the page doesn't offer.
+struct VisibilityNumbers
+{
+    UINT32 IsPublic;
+    UINT32 IsFriend;
+    UINT32 IsFamily;
+};
+
+// Anyone, family and friends, friends, family, only the user: the order of the radio buttons.
+constexpr VisibilityNumbers VisibilityChoices[] = {
+    {1, 1, 1}, {0, 1, 1}, {0, 1, 0}, {0, 0, 1}, {0, 0, 0},
+};
+
+// Any number other than 0 means yes; if IsPublic does, the other two are ignored.
+UINT32 VisibilityOfNumbers(const VisibilityNumbers &numbers) noexcept
+{
+    if (numbers.IsPublic != 0)
+    {
+        return 0;
+    }
+    UINT32 index = 1;
+    while (VisibilityChoices[index].IsFriend != (numbers.IsFriend != 0) ||
+           VisibilityChoices[index].IsFamily != (numbers.IsFamily != 0))
+    {
+        ++index;
+    }
+    return index;
+}
+
 UINT32 LoadVisibility(const SettingsReader &reader)
 {
     VisibilityNumbers numbers{1, 0, 0};
@@ -61,9 +91,9 @@ void PhotosPage::Save(IPageControls &controls)
     {
         writer.Write(flag.Setting, this->*flag.Field);
     }
-    if (m_visibilityIndex < VisibilityChoices)
+    if (m_visibilityIndex < std::size(VisibilityChoices))
     {
-        const VisibilityNumbers numbers = NumbersOfVisibility(m_visibilityIndex);
+        const VisibilityNumbers &numbers = VisibilityChoices[m_visibilityIndex];
         writer.Write(TEXT("IsPublic"), numbers.IsPublic);
         writer.Write(TEXT("IsFriend"), numbers.IsFriend);
         writer.Write(TEXT("IsFamily"), numbers.IsFamily);

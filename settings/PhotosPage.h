@@ -1,4 +1,5 @@
-// The page "Photos": what is told of a picture beside its pixels, who may see it, and how it is taken in.
+// The page "Photos": whether title, description and tags are sent, who may see a picture, and whether the
+// service takes it in asynchronously.
 #pragma once
 
 #include "settings/SettingsPage.h"
@@ -9,7 +10,7 @@ public:
     UINT Template() const noexcept override;
     void Load(IPageControls &controls) override;
 
-    // With no choice of visibility, its three numbers stay as they are stored.
+    // If no radio button of the visibility is checked, its three stored numbers stay as they are.
     void Save(IPageControls &controls) override;
 
 private:
@@ -24,7 +25,8 @@ private:
     };
     static const Flag flags[4];
 
-    // Not the defaults of an upload: until the page was saved once, it shows less than is sent.
+    // These differ from the defaults of an upload, which sends title, description and tags until this page
+    // has been saved once.
     UINT32 m_asyncUpload = 0;
     UINT32 m_writeTitle = 0;
     UINT32 m_writeDescription = 0;

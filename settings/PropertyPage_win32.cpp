@@ -17,7 +17,7 @@ HPROPSHEETPAGE CPropertyPageImpl::Create() noexcept
 
 UINT CALLBACK CPropertyPageImpl::OnPage(HWND, UINT message, PROPSHEETPAGEW *)
 {
-    // 0 would keep the page from being created.
+    // Returning 0 from PSPCB_CREATE would keep the page from being created.
     return message == PSPCB_CREATE;
 }
 
@@ -49,7 +49,7 @@ INT_PTR CALLBACK CPropertyPageImpl::Procedure(HWND page, UINT message, WPARAM wP
     {
         return FALSE;
     }
-    // These give their result themselves; of all others it lies with the window.
+    // A dialog procedure returns the result of these messages; for all others it sets DWLP_MSGRESULT.
     if (message == WM_INITDIALOG || (message >= WM_CTLCOLORMSGBOX && message <= WM_CTLCOLORSTATIC))
     {
         return result;

@@ -1,4 +1,4 @@
-// One page of a property sheet, made from a dialog template of the module. Windows only.
+// One page of a property sheet, made from a dialog template of the module. Windows build only.
 #pragma once
 
 #include <windows.h>
@@ -11,15 +11,16 @@ public:
     CPropertyPageImpl(const CPropertyPageImpl &) = delete;
     CPropertyPageImpl &operator=(const CPropertyPageImpl &) = delete;
 
-    // True if the message needs no more, with its result filled; otherwise it is the platform's. What it
-    // throws ends the message, which then counts as handled with 0.
+    // Returns true if it has handled the message and set result; otherwise the platform handles it. If it
+    // throws, the message counts as handled with result 0.
     virtual bool ProcessWindowMessage(HWND page, UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result) = 0;
     virtual ~CPropertyPageImpl() = default;
 
-    // The page for a sheet, which then owns the handle; null on failure. This object must outlive the sheet.
+    // Creates the page for a sheet, which then owns the handle; null on failure. This object must outlive the
+    // sheet.
     HPROPSHEETPAGE Create() noexcept;
 
-    // Null until the page was brought to the top once, and after its end.
+    // Null until the page has been on top once, and after its window is destroyed.
     HWND Window() const noexcept { return m_window; }
 
 private:

@@ -6,7 +6,7 @@
 
 namespace
 {
-// The sheet that this thread is about to open: the platform's callback has no word for the caller.
+// The sheet that this thread is about to open: the platform's callback carries no data of the caller.
 thread_local CPropertySheetImpl *opening = nullptr;
 } // namespace
 
@@ -36,7 +36,7 @@ void CPropertySheetImpl::AddPage(HPROPSHEETPAGE page)
 
 INT_PTR CPropertySheetImpl::DoModal(HWND parent) noexcept
 {
-    // The platform frees the pages, whatever comes of the call.
+    // PropertySheetW destroys the pages, also when it fails.
     std::vector<HPROPSHEETPAGE> pages = std::exchange(m_pageHandles, {});
     m_header.hwndParent = parent;
     m_header.nPages = static_cast<UINT>(pages.size());

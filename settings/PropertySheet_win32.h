@@ -1,4 +1,4 @@
-// A modal property sheet whose window is seen as an object. Windows only.
+// A modal property sheet whose window is subclassed by an object. Windows build only.
 #pragma once
 
 #include "ui/WindowImpl.h"
@@ -11,16 +11,16 @@
 class CPropertySheetImpl : public CWindowImpl
 {
 public:
-    // The sheet's caption is the module's string of that number. It has OK and Cancel and no other buttons.
+    // titleId names the caption in the module's string table. The sheet has OK and Cancel and no other buttons.
     explicit CPropertySheetImpl(UINT titleId) noexcept;
     ~CPropertySheetImpl() override;
 
-    // Blocks until the user has closed the sheet. Positive if it was confirmed, else 0 or negative. Once for
-    // each object.
+    // Blocks until the user has closed the sheet. Returns a positive number for OK, otherwise 0 or a negative
+    // one. May be called once for each object.
     INT_PTR DoModal(HWND parent) noexcept;
 
 protected:
-    // Takes over a page, the next in tab order; null leaves it out.
+    // Takes ownership of the next page in tab order; a null page is left out.
     void AddPage(HPROPSHEETPAGE page);
 
 private:

@@ -1,4 +1,4 @@
-// The page "RAW/TIFF Settings": how files are converted that are neither JPEG nor GIF nor PNG.
+// The page "RAW/TIFF Settings": how files other than JPEG, GIF and PNG are converted.
 #pragma once
 
 #include "settings/ConversionControls.h"

@@ -1,5 +1,5 @@
-// One page of the settings sheet without its window: what it loads, which rules it keeps, what it saves.
-// It lives for one opening of the sheet. Registry failures are silent in both directions.
+// The logic of one page of the settings sheet, without its window: loading, enabling, saving. An object serves
+// one opening of the sheet. Registry failures are silent in both directions.
 #pragma once
 
 #include "settings/PageControls.h"
@@ -15,13 +15,13 @@ public:
     // The dialog template with the page's title and controls (settings/PageTemplate.h reads it).
     virtual UINT Template() const noexcept = 0;
 
-    // Once, when the page is first brought to the top; a page that never is loads nothing.
+    // Called once, when the page first comes to the top; a page that never does loads nothing.
     virtual void Load(IPageControls &controls) = 0;
 
-    // The user has clicked a button, which shows its new state already.
+    // Called after the user clicked a button, which already shows its new state.
     virtual void Click(IPageControls &controls, UINT id);
 
-    // The sheet was confirmed. For pages that were loaded, and for no others, in tab order.
+    // Called when the sheet is closed with OK, in tab order, only for pages that were loaded.
     virtual void Save(IPageControls &controls) = 0;
 };
 

@@ -9,24 +9,24 @@
 
 struct AccountRecord;
 
-// What the sheet knows of the account; all of it the caller's, for the length of the call.
+// What the sheet shows of the account. The caller owns it for the length of the call.
 struct SheetAccount
 {
     const AccountRecord &Account;
     WideText Version; // "1.96 (Build 401)"
     WideText Copyright;
 
-    // Reads the account anew from the service, on the calling thread, and fills Account. A failure may
-    // have filled parts of it; what it throws counts as a failure too.
+    // Reads the account from the service into Account, on the calling thread. A failure may leave Account half
+    // filled; an exception counts as a failure.
     std::function<HRESULT()> Refresh;
 };
 
 struct SheetOutcome
 {
-    bool Applied;         // confirmed; pages that were shown have saved their settings
-    bool RevokeRequested; // confirmed with the wish to forget the authorization
+    bool Applied;         // closed with OK; pages that were shown have saved their settings
+    bool RevokeRequested; // closed with OK and the wish to forget the authorization
 };
 
-// Blocks until the user has closed the sheet. A sheet that can't be shown is one that was cancelled.
-// Throws E_OUTOFMEMORY.
+// Blocks until the user has closed the sheet. A sheet that can't be shown counts as cancelled. Throws
+// E_OUTOFMEMORY.
 SheetOutcome ShowSettingsSheet(HWND parent, SheetAccount &account);

@@ -25,7 +25,7 @@ constexpr FlagName FlagNames[] = {
     {TEXT("WriteIPTC"), &ConversionSettings::WriteIPTC},
 };
 
-void LoadConversion(const SettingsReader &reader, const WideText &kind, ConversionSettings &conversion)
+void LoadFlags(const SettingsReader &reader, const WideText &kind, ConversionSettings &conversion)
 {
     for (const FlagName &flag : FlagNames)
     {
@@ -33,14 +33,18 @@ void LoadConversion(const SettingsReader &reader, const WideText &kind, Conversi
         reader.ReadInto((kind + flag.Name).c_str(), field);
         field = field != 0;
     }
+}
+
+void LoadSize(const SettingsReader &reader, const WCHAR *name, WideText &longDimension, UINT32 &longEdgePixels,
+              double &printDpi)
+{
     WCHAR size[OutputSizeCapacity] = {};
-    reader.Text((kind + TEXT("LongDimension")).c_str()).copy(size, OutputSizeCapacity - 1);
+    reader.Text(name).copy(size, OutputSizeCapacity - 1);
     NormalizeOutputSize(size, OutputSizeCapacity, IDS_SIZE_PRINT);
-    conversion.LongDimension = size;
+    longDimension = size;
 
     OutputSizeUnit unit;
-    const INT32 pixels = OutputSizeToPixels(conversion.LongDimension, conversion.PrintDpi, unit);
-    conversion.LongEdgePixels = static_cast<UINT32>(pixels);
+    longEdgePixels = static_cast<UINT32>(OutputSizeToPixels(longDimension, printDpi, unit));
 }
 
 RegistryKeyOwner OpenSettingsKey(REGSAM access) noexcept
@@ -81,7 +85,7 @@ void SettingsReader::ReadInto(const WCHAR *name, UINT32 &value) const noexcept
 
 WideText SettingsReader::Text(const WCHAR *name) const
 {
-    // One unit more than is read: a stored text need not bring its closing zero.
+    // One unit more than is read, since a stored text may lack its terminator.
     WCHAR buffer[OutputSizeCapacity + 1] = {};
     DWORD size = OutputSizeCapacity * sizeof(WCHAR);
     if (!m_key || RegQueryValueExW(m_key.Get(), name, nullptr, nullptr, reinterpret_cast<BYTE *>(buffer), &size) !=
@@ -114,6 +118,9 @@ void LoadSettings(SettingsBlock &block)
     }
     reader.ReadInto(TEXT("JPEGMode"), block.JPEGMode);
     block.JPEGMode = std::min(block.JPEGMode, SendProcessed);
-    LoadConversion(reader, TEXT("JPEG"), block.JPEG);
-    LoadConversion(reader, TEXT("RAW"), block.RAW);
+    LoadFlags(reader, TEXT("JPEG"), block.JPEG);
+    LoadSize(reader, TEXT("JPEGLongDimension"), block.JPEGLongDimension, block.JPEGLongEdgePixels,
+             block.JPEGPrintDpi);
+    LoadFlags(reader, TEXT("RAW"), block.RAW);
+    LoadSize(reader, TEXT("RAWLongDimension"), block.RAWLongDimension, block.RAWLongEdgePixels, block.RAWPrintDpi);
 }

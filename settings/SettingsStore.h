@@ -1,6 +1,7 @@
-// The user's preferences. The registry key is the store: nothing is cached between reads, a value that
-// is missing or doesn't fit reads as its default, and no failure of the registry is reported.
-// No lock: a save that goes on beside a read may be seen half done, each value by itself whole.
+// The user's preferences. The registry key is the store: nothing is cached between reads, so that a change takes
+// effect at the next read. A value that is missing or doesn't fit reads as its default, and failures of the
+// registry are not reported. There is no lock: a read beside a save may see it half done, though each value is
+// whole.
 #pragma once
 
 #include "com/HandleOwner.h"
@@ -8,7 +9,7 @@
 
 #include <windows.h>
 
-// How pictures of one kind of source are made ready. Flags are 0 or 1.
+// What is kept of pictures of one kind of file when they are prepared for upload. Flags are 0 or 1.
 struct ConversionSettings
 {
     UINT32 Minimize = 1;
@@ -17,23 +18,28 @@ struct ConversionSettings
     UINT32 WriteXMP = 0;
     UINT32 WriteGPS = 1;
     UINT32 WriteIPTC = 0;
-    UINT32 LongEdgePixels = 0; // 0: keep the size
-    double PrintDpi = 0;
-    WideText LongDimension; // display form of the maximum output size; empty until one was loaded
 };
 
 struct SettingsBlock
 {
     UINT32 JPEGMode = 2; // 0 SendAsIs, 1 SendPixelsIntact, 2 SendProcessed
     ConversionSettings JPEG;
-    ConversionSettings RAW; // RAW and TIFF files
+    UINT32 JPEGLongEdgePixels = 0; // 0: keep the size
+    double JPEGPrintDpi = 0;
+    WideText JPEGLongDimension; // display form of the maximum output size; empty until one was loaded
+
+    // The same for RAW and TIFF files.
+    ConversionSettings RAW;
+    UINT32 RAWLongEdgePixels = 0;
+    double RAWPrintDpi = 0;
+    WideText RAWLongDimension;
 };
 
-// Fills the block from the store. Without the key the block stays as it is; a value that is missing
-// leaves what its field held, but an output size is "Original" then. E_OUTOFMEMORY is thrown.
+// Fills the block from the store. Without the key the block stays as it is; a missing value leaves its field as
+// it is, except that a missing output size becomes "Original". Throws E_OUTOFMEMORY.
 void LoadSettings(SettingsBlock &block);
 
-// The settings key, opened for reading. A key that can't be opened is one without values.
+// The settings key, opened for reading. A key that can't be opened reads as one without values.
 class SettingsReader
 {
 public:
@@ -41,7 +47,7 @@ public:
 
     bool IsOpen() const noexcept { return static_cast<bool>(m_key); }
 
-    // The value as stored, or its default from the table of StoredSettings.h, where the name must be.
+    // The value as stored, or its default from the table in StoredSettings.h, which must have the name.
     UINT32 Number(const WCHAR *name) const noexcept;
 
     // Leaves value alone if there is no value of at most 4 bytes.
@@ -54,14 +60,14 @@ private:
     RegistryKeyOwner m_key;
 };
 
-// The settings key, opened for writing; it is never created. Each value stands by itself: one that can't
-// be written doesn't keep the others from being written.
+// The settings key, opened for writing; it is never created. A value that can't be written doesn't keep the
+// others from being written.
 class SettingsWriter
 {
 public:
     SettingsWriter() noexcept;
 
-    // Without an open key nothing may be written.
+    // Write only if this is true.
     bool IsOpen() const noexcept { return static_cast<bool>(m_key); }
 
     void Write(const WCHAR *name, UINT32 value) const noexcept;

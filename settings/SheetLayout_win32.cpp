@@ -6,10 +6,10 @@
 
 namespace
 {
-// LM_GETIDEALSIZE, which not every platform header has: lParam takes the size, wParam is the widest allowed.
+// LM_GETIDEALSIZE, which some SDK headers lack: wParam is the maximum width, lParam receives the size.
 constexpr UINT GetIdealSize = WM_USER + 0x301;
 
-// Pixels of dialog units of one sheet.
+// Converts dialog units of one sheet to pixels.
 struct DialogUnits
 {
     explicit DialogUnits(HWND sheet) noexcept
@@ -17,22 +17,25 @@ struct DialogUnits
         RECT base{0, 0, 4, 8};
         if (MapDialogRect(sheet, &base))
         {
-            m_base = {base.right, base.bottom};
+            m_baseX = base.right;
+            m_baseY = base.bottom;
         }
         else
         {
             const LONG units = GetDialogBaseUnits();
-            m_base = {LOWORD(units), HIWORD(units)};
+            m_baseX = LOWORD(units);
+            m_baseY = HIWORD(units);
         }
     }
 
-    // Rounded as the platform rounds: the tab control stands where it maps 4 units.
-    int Across(int units) const noexcept { return MulDiv(units, m_base.cx, 4); }
-    int Down(int units) const noexcept { return MulDiv(units, m_base.cy, 8); }
-    int HalfAcross() const noexcept { return MulDiv(1, m_base.cx, 8); }
+    // MulDiv rounds as MapDialogRect does, so that the test for the standard layout meets the tab control exactly.
+    int Across(int units) const noexcept { return MulDiv(units, m_baseX, 4); }
+    int Down(int units) const noexcept { return MulDiv(units, m_baseY, 8); }
+    int HalfAcross() const noexcept { return MulDiv(1, m_baseX, 8); }
 
 private:
-    SIZE m_base;
+    int m_baseX; // pixels of 4 units across
+    int m_baseY; // pixels of 8 units down
 };
 
 RECT PlaceIn(HWND parent, HWND window)
@@ -61,7 +64,7 @@ SIZE IdealSize(HWND link)
     SendMessageW(link, GetIdealSize, 0, reinterpret_cast<LPARAM>(&size));
     if (size.cy > size.cx)
     {
-        // Not every platform takes 0 for "as wide as need be": some break the text at each letter.
+        // Some versions don't take a maximum of 0 as "no limit" and break the text at each letter.
         RECT ample{};
         GetClientRect(link, &ample);
         SendMessageW(link, GetIdealSize, static_cast<WPARAM>(ample.right), reinterpret_cast<LPARAM>(&size));

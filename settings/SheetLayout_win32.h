@@ -1,17 +1,17 @@
-// The settings sheet's layout: what it changes of the platform's own, and where it puts its additions.
-// Windows only.
+// The settings sheet's layout: the changes to the platform's layout, and the places of the added controls.
+// Windows build only.
 #pragma once
 
 #include <windows.h>
 
 HWND TabControlOf(HWND sheet) noexcept;
 
-// Moves tab control, page and buttons and enlarges the sheet, if the sheet has the platform's standard
-// layout; a sheet that the platform lays out in another way is left alone.
+// Moves the tab control, the page and the buttons and enlarges the sheet, if it has the platform's standard
+// layout (the tab control at 4 by 4 dialog units); another layout is left alone.
 void TightenLayout(HWND sheet) noexcept;
 
 // Puts a child of the tab control at the right end of the tab row.
 void PlaceInTabRow(HWND sheet, HWND child) noexcept;
 
-// Gives a link its ideal size, and its place left of the OK button and ahead of it in the tab order.
+// Gives a link its ideal size and puts it left of the OK button, just before it in the tab order.
 void PlaceBesideButtons(HWND sheet, HWND link) noexcept;

@@ -1,5 +1,5 @@
-// The screen and keyboard that the settings sheet needs of a terminal. Names no type of Windows, whose
-// declarations don't agree with those of terminal libraries. Native builds only.
+// The screen and keyboard of a terminal, as the settings sheet needs them. Names no type of Windows, whose
+// declarations conflict with those of terminal libraries. Native build only.
 #pragma once
 
 #include <functional>
@@ -32,7 +32,7 @@ enum class SheetKey
     Click,
     WheelUp,
     WheelDown,
-    Lost // nobody is there any more: the terminal is gone, or the process is to end
+    Lost // the terminal is gone, or a signal asks the process to end
 };
 
 struct ScreenInput
@@ -63,25 +63,25 @@ public:
     // Whether more than ASCII can be shown.
     virtual bool IsUnicode() const = 0;
 
-    // A picture is made of Clear, any number of Write, PlaceCursor if there is a cursor to be seen, and Show.
-    // What is written beyond the edges isn't seen.
+    // A frame is drawn by Clear, any number of Write, PlaceCursor if the cursor is to be visible, and Show. Text
+    // beyond the edges is cut off.
     virtual void Clear() = 0;
     virtual void Write(int column, int row, std::u16string_view text, Look look) = 0;
     virtual void PlaceCursor(int column, int row) = 0;
     virtual void Show() = 0;
 
-    // Blocks until there is something.
+    // Blocks until there is input.
     virtual ScreenInput Read() = 0;
 
-    // Forgets what was typed and not read.
+    // Drops input that was typed but not yet read.
     virtual void DiscardInput() = 0;
     virtual void Beep() = 0;
 
-    // Leaves the terminal, empty and in its usual state, to somebody else for the length of the call.
+    // Clears the terminal, restores its usual state, calls borrower, which may use it, and takes it back.
     virtual void Lend(const std::function<void()> &borrower) = 0;
 };
 
-// The terminal behind standard input and output; null if there is none or it can't place its cursor. Its
-// former state comes back when the screen is destroyed. While it lives, signals that end a process are read
-// as Lost; those but Ctrl+C's do afterwards what they would have done.
+// Opens the terminal behind standard input and output; null if there is none or it can't place its cursor. The
+// destructor restores the terminal's former state. While the screen exists, signals that end a process are read
+// as Lost; the destructor raises them again, except SIGINT.
 std::unique_ptr<ISheetScreen> OpenTerminalScreen();

@@ -15,7 +15,7 @@
 
 namespace
 {
-// Words for the values 0 and 1, and for everything above. Null: no item.
+// The words for the values 0, 1 and above; null if the value adds no word.
 struct PhotoItem
 {
     const WCHAR *Setting;
@@ -85,7 +85,7 @@ WideText MetadataSummary(const SettingsBlock &settings)
 
 WideText SizeSummary(const SettingsBlock &settings)
 {
-    const WideText &size = settings.JPEG.LongDimension;
+    const WideText &size = settings.JPEGLongDimension;
     if (size.empty() || StrCmpIW(size.c_str(), LoadStringOrPlaceholder(IDS_SIZE_ORIGINAL).c_str()) == 0)
     {
         return {};

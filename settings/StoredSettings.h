@@ -1,5 +1,5 @@
-// Every value that is stored under the settings key, in one table: name, type, range, default, and what
-// it means in words.
+// The table of all values under the settings key: name, type, range, default, and the meaning in words. The
+// plug-in and the host both use it, so that they agree.
 #pragma once
 
 #include "com/WideText.h"
@@ -23,5 +23,5 @@ struct StoredSetting
 
 std::span<const StoredSetting> StoredSettings() noexcept;
 
-// The entry of exactly that name; null if there is none.
+// The entry with exactly that name, or null.
 const StoredSetting *FindStoredSetting(WideView name) noexcept;

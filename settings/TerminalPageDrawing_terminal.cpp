@@ -29,8 +29,8 @@ void TerminalPage::Draw(const ScreenArea &area, bool hasFocus)
     }
 }
 
-// What stands between a control and the one before it that takes the focus is its heading; what follows the
-// last one belongs to it too.
+// Scrolls so that the focused control is visible, with the labels above it, which are its heading; for the last
+// control also with the notes below it.
 void TerminalPage::ShowFocus()
 {
     if (m_focus == NoControl)
@@ -174,7 +174,7 @@ void TerminalPage::DrawEdit(const ControlPlace &place, int column, int row, bool
     }
 }
 
-// Below the combo box or above it, where there is more room.
+// Opens below the combo box, or above it where there is more room.
 void TerminalPage::DrawList()
 {
     const auto &list = m_states[m_focus].List;

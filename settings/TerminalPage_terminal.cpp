@@ -14,7 +14,7 @@ void Erase(WideText &text, WideView part)
     }
 }
 
-// What a control says without the marks for keys and links.
+// The text of a control without the marks for access keys and links.
 WideText ShownText(const TemplateControl &control)
 {
     WideText text = control.Text;
@@ -141,7 +141,7 @@ void TerminalPage::AddListEntry(UINT id, const WideText &text, std::optional<UIN
     }
 }
 
-// The account's text is shown whole; it has no caret.
+// The account text is always shown whole and has no caret.
 void TerminalPage::PutCaretAtEnd(UINT) {}
 
 void TerminalPage::Focus(UINT id)
@@ -152,7 +152,7 @@ void TerminalPage::Focus(UINT id)
     }
 }
 
-// The sheet draws all of a page when something is to be seen.
+// The sheet redraws the whole page itself.
 void TerminalPage::Repaint(UINT) {}
 
 void TerminalPage::Beep()

@@ -1,5 +1,5 @@
-// The controls of one page of the settings sheet on a terminal: their state, the focus among them, what a key
-// or a click does to them, and how they look. Native builds only.
+// The controls of one page of the settings sheet on a terminal: keeps their state and the focus, answers keys
+// and clicks, and draws them. Native build only.
 #pragma once
 
 #include "settings/PageControls.h"
@@ -19,7 +19,7 @@ struct ScreenArea
 class TerminalPage final : public IPageControls
 {
 public:
-    // screen lives as long as this.
+    // screen must outlive this object.
     TerminalPage(PageTemplate page, ISheetScreen &screen);
 
     void SetCheck(UINT id, UINT32 state) override;
@@ -35,8 +35,8 @@ public:
     void Repaint(UINT id) override;
     void Beep() override;
 
-    // The tab key's order: enabled controls that take the focus, of a radio group its checked button. False
-    // leaves the focus where it is, since there is no further one in that direction.
+    // Move the focus in tab order: over enabled controls that take it; of a radio group, the checked button.
+    // Return false, and leave the focus, if there is no further control in that direction.
     bool FocusFirst();
     bool FocusLast();
     bool FocusNext();
@@ -48,16 +48,16 @@ public:
     struct Response
     {
         bool IsUsed = false;         // the key or click meant something to a control
-        std::optional<UINT> Clicked; // a button or link that shows its new state already
+        std::optional<UINT> Clicked; // the button or link that was clicked; it already shows its new state
     };
 
-    // A key for the control with the focus.
+    // Hands a key to the control with the focus.
     Response Press(const ScreenInput &input);
 
-    // A click on the screen, at a place that was drawn last.
+    // Hands over a click, in cells of the screen as last drawn.
     Response Click(int column, int row);
 
-    // All keys and clicks belong to an open list first.
+    // While the list is open, it must get all keys and clicks first.
     bool HasOpenList() const { return m_isListOpen; }
 
     void Scroll(int rows);
@@ -104,8 +104,8 @@ private:
     std::vector<ControlPlace> m_places;
     ScreenArea m_area{};
     size_t m_focus = NoControl;
-    size_t m_caret = 0;           // in the text of the combo box
-    bool m_isAllSelected = false; // what is typed replaces the text
+    size_t m_caret = 0;           // index in the combo box's text
+    bool m_isAllSelected = false; // typing replaces the text
     int m_scroll = 0;
     bool m_followsFocus = true;
     bool m_isListOpen = false;

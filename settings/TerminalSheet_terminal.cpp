@@ -18,16 +18,16 @@
 
 namespace
 {
-// The browser takes a while to come.
+// In milliseconds: the browser takes a moment to appear.
 constexpr DWORD BrowserPause = 500;
 
-// A larger terminal gets a frame around a sheet of this size.
+// In cells; on a larger terminal the sheet keeps this size and gets a frame.
 constexpr int Widest = 80;
 constexpr int Tallest = 24;
 constexpr int PageMargin = 2;
 constexpr int WheelRows = 3;
 
-// As long as the module stays loaded.
+// Kept between sheets for as long as the module stays loaded.
 size_t lastPageIndex = 0;
 
 constexpr const WCHAR *OkWord = TEXT("[   OK   ]");
@@ -61,7 +61,7 @@ enum class Place
     Cancel
 };
 
-// Something that a click may hit.
+// An area that answers clicks.
 struct Target
 {
     Place What;
@@ -134,7 +134,7 @@ private:
 
     void FocusPage() { m_focus = Page().FocusFirst() ? Place::Page : Place::Ok; }
 
-    // The page before or behind, round the ends.
+    // Brings the previous or next page to the top, from the last to the first and back.
     void Turn(int direction)
     {
         BringToTop((m_top + m_tabs.size() + static_cast<size_t>(direction)) % m_tabs.size());
@@ -369,7 +369,7 @@ private:
         m_isWaiting = isWaiting;
         if (!isWaiting)
         {
-            // Impatient keys don't do anything afterwards.
+            // Keys typed during the wait must not act on the sheet afterwards.
             m_screen.DiscardInput();
         }
         Draw();
@@ -424,7 +424,8 @@ private:
         }
     }
 
-    // "[Photos]" on top, " Options " behind; the sheet's title before them if there is room.
+    // The tab of the page on top is drawn as "[Photos]", the others as " Options "; the sheet's title comes before
+    // them if there is room.
     void DrawTabs(const ScreenArea &sheet)
     {
         int width = 0;
@@ -452,7 +453,7 @@ private:
         }
     }
 
-    // Only the page on top, with its number: "< JPEG Settings 3/5 >".
+    // On a narrow terminal: only the page on top, with its number: "< JPEG Settings 3/5 >".
     void DrawTopTab(const ScreenArea &sheet)
     {
         const auto digit = [](size_t number) { return static_cast<WCHAR>(u'0' + number); };
@@ -472,7 +473,7 @@ private:
         }
     }
 
-    // Returns the rows taken.
+    // Returns the number of rows used.
     int DrawButtons(const ScreenArea &sheet, int row)
     {
         const int cancelColumn = sheet.Left + sheet.Width - Cells(CancelWord) - 2;
@@ -530,4 +531,10 @@ private:
 SheetOutcome RunTerminalSheet(ISheetScreen &screen, HWND parent, SheetAccount &account, const Pause &wait)
 {
     return Sheet(screen, parent, account, wait).Run();
+}
+
+SheetOutcome ShowSettingsSheet(HWND parent, SheetAccount &account)
+{
+    const auto screen = OpenTerminalScreen();
+    return screen ? RunTerminalSheet(*screen, parent, account, SystemPause) : SheetOutcome{};
 }

@@ -1,5 +1,5 @@
-// The settings sheet on a screen of cells: a row of tabs, the page on top, the link to the user's photos and
-// the buttons. Native builds only.
+// The settings sheet on a terminal: a row of tabs, the page on top, the link to the user's photos and the
+// buttons. Native build only.
 #pragma once
 
 #include "settings/SettingsSheet.h"
@@ -7,6 +7,6 @@
 
 #include "core/Pause.h"
 
-// Blocks until the user has closed the sheet. It opens with the page on top that was there last, and the page
-// "Photos" is loaded in any case. wait is for the pauses that let a user see what happened.
+// Blocks until the user has closed the sheet. It opens on the page that was on top when the last sheet closed,
+// and always loads the page "Photos". wait makes the pauses that let a user see what happened.
 SheetOutcome RunTerminalSheet(ISheetScreen &screen, HWND parent, SheetAccount &account, const Pause &wait);

@@ -1,4 +1,4 @@
-// The controls of a page as the dialog's windows have them. Windows only.
+// IPageControls over the windows of a dialog. Windows build only.
 #pragma once
 
 #include "settings/PageControls.h"

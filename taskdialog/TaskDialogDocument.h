@@ -1,6 +1,6 @@
-// A dialog described by an XML document, and the object that owns what the platform needs to show
-// it: one TASKDIALOGCONFIG with all its strings and arrays, filled by loading and valid until the
-// next load. Made on the stack of the caller for one sequence of dialogs; one thread.
+// A task dialog described by an XML document. Authors change texts and buttons in the document, a resource of
+// the module; loading turns it into one TASKDIALOGCONFIG, and this object owns all strings and arrays that the
+// record points to, until the next load. Used on the caller's stack for one sequence of dialogs, on one thread.
 #pragma once
 
 #include "com/WideText.h"
@@ -19,39 +19,39 @@ public:
     TaskDialogDocument(const TaskDialogDocument &) = delete;
     TaskDialogDocument &operator=(const TaskDialogDocument &) = delete;
 
-    // Loads a document that lies among a module's resources. Whatever was loaded before is gone, also
-    // if the resource isn't found. The result is kept in loaded.
+    // Loads a document from a module's resources. What was loaded before is dropped, even if the resource isn't
+    // found. The result is also kept in loaded.
     bool LoadFromResource(UINT resourceId, const WCHAR *resourceType, HMODULE module) noexcept;
 
-    // Loads a document from its bytes. True if it is one of version 1: words, numbers and elements that
-    // the format doesn't know fall to its defaults. False for everything else, out of memory too.
+    // Loads a document from its bytes. Returns true for a document of version 1, in which words, numbers and
+    // elements that the format doesn't know fall to its defaults; false for anything else and without memory.
     bool LoadDocument(std::span<const BYTE> bytes) noexcept;
 
-    // The notification handler of the record, with the object as data.
+    // The record's notification handler; data is the object.
     static HRESULT CALLBACK HandleNotification(HWND window, UINT notification, WPARAM wParam, LPARAM lParam,
                                                LONG_PTR data) noexcept;
 
-    // The caller's: a further handler, called after the object's own work, and what it gets as data.
+    // Set by the caller: a further handler, called after the object's own work, and its data.
     PFTASKDIALOGCALLBACK clientCallback = nullptr;
     LONG_PTR clientData = 0;
 
-    // Results of showing; loading leaves them alone.
+    // Results of showing the dialog; loading doesn't change them.
     int selectedButton = 0;
     int selectedRadioButton = 0;
     BOOL verificationChecked = FALSE;
 
-    // Its hwndParent is the caller's to set, after each load.
+    // The caller sets its hwndParent after each load.
     TASKDIALOGCONFIG config{};
     bool loaded = false;
 
-    // Every text that config or an entry of the arrays points to; a list, so that appending moves none.
+    // The texts that config and the arrays point to; a list, since appending to it moves no text.
     std::list<WideText> strings;
     std::vector<TASKDIALOG_BUTTON> customButtons;
     std::vector<TASKDIALOG_BUTTON> radioButtons;
     std::vector<INT32> shieldButtonIds;
     INT64 marqueeTime = 0; // milliseconds; 0 or less for none
 
-    // The dialog while it is up.
+    // The dialog while it is shown, else null.
     HWND dialogWindow = nullptr;
 
 private:

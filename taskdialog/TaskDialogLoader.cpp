@@ -12,8 +12,8 @@ namespace
 {
 constexpr size_t NoIcon = 0;
 
-// Where in the record a text of the document goes, and where the icon of its element if it can have one.
-// By offsets: the record is packed, so that a pointer to one of its members can't be relied on.
+// An element's text and icon, with the fields of the record that receive them. Offsets, because the record is
+// packed and its pointer members may be unaligned.
 struct TextPart
 {
     const WCHAR *expression;
@@ -170,7 +170,7 @@ void ReadFlags(IXMLDOMNode *xml, TaskDialogDocument &document)
     const auto attribute = [&](const WCHAR *name) {
         return AttributeText(flags.Get(), name).value_or(WideText());
     };
-    // Blanks alone separate words: what a tab or a line end holds together is one unknown word.
+    // Only blanks separate words; words joined by a tab or line end are one unknown word.
     const WideText words = ElementText(xml, TEXT("/task_dialog/flags")).value_or(WideText());
     for (const WideView word : SplitText(words, TEXT(' ')))
     {

@@ -10,7 +10,7 @@ namespace
 {
 using ShowFunction = HRESULT(WINAPI *)(const TASKDIALOGCONFIG *, int *, int *, BOOL *);
 
-// Bound at run time and only in the library that the host has loaded: an older one has no such entry.
+// Looked up at run time in the library that the host has loaded, since version 5 of it lacks the function.
 ShowFunction FindShowFunction()
 {
     const HMODULE controls = GetModuleHandleW(TEXT("comctl32"));
@@ -19,7 +19,7 @@ ShowFunction FindShowFunction()
                                      reinterpret_cast<void *>(GetProcAddress(controls, "TaskDialogIndirect")));
 }
 
-// The hook lives no longer than the call that it is armed for, whichever way that ends.
+// Disarms the hook when the call for which it was armed ends in any way.
 class HookedCall
 {
 public:

@@ -1,4 +1,4 @@
-// Showing a task dialog document, with a message box for systems that have no task dialogs.
+// Shows a task dialog document, or a message box on systems without task dialogs.
 #pragma once
 
 #include "taskdialog/TaskDialogDocument.h"
@@ -11,8 +11,8 @@ struct MessageBoxFallback
     bool Centred; // on its owner
 };
 
-// Shows the loaded document, modal to parent, and returns the identifier of the button that closed it;
-// if the document isn't loaded, or the platform can't show it, the message box and IDOK or IDCANCEL.
-// IDCANCEL is the user's no in both. centred puts the dialog in the middle of its parent. Radio button and
-// check box are found in the document. Blocks; on the thread of the parent window.
+// Shows the loaded document, modal to parent, and returns the identifier of the button that closed it. If the
+// document isn't loaded or the platform can't show it, shows the message box and returns IDOK or IDCANCEL.
+// IDCANCEL means no in both. centred centres the dialog on its parent. The radio button and check box that the
+// user chose are in document afterwards. Blocks; call it on the thread of the parent window.
 int ShowTaskDialog(TaskDialogDocument &document, HWND parent, bool centred, const MessageBoxFallback &fallback);

@@ -11,7 +11,7 @@ struct IconWord
     ULONG_PTR icon;
 };
 
-// By number: the platform's macros make pointers of them.
+// Numbers, since the platform's macros are pointers, which can't be constant expressions.
 const IconWord IconWords[] = {
     {TEXT("information"), 65533}, // TD_INFORMATION_ICON
     {TEXT("warning"), 65535},     // TD_WARNING_ICON

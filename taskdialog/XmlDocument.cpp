@@ -9,7 +9,7 @@ namespace
 {
 const CLSID DocumentClass = {0x2933bf90, 0x7b36, 0x11d2, {0xb2, 0x0e, 0x00, 0xc0, 0x4f, 0x98, 0x3e, 0x60}};
 
-// IXMLDOMDocument; not every compiler's headers give it to __uuidof.
+// IXMLDOMDocument, which __uuidof doesn't know with every compiler's headers.
 const IID DocumentInterface = {0x2933bf81, 0x7b36, 0x11d2, {0xb2, 0x0e, 0x00, 0xc0, 0x4f, 0x98, 0x3e, 0x60}};
 
 class VariantOwner
@@ -47,7 +47,7 @@ void FillWithBytes(VariantOwner &target, std::span<const BYTE> bytes)
     ThrowIfFailed(SafeArrayUnaccessData(array));
 }
 
-// False for text that the platform doesn't take for such a number.
+// Returns false if the platform can't convert the text.
 bool ConvertText(WideView text, VARTYPE type, VariantOwner &number)
 {
     VariantOwner source;

@@ -1,4 +1,4 @@
-// The few questions that are asked of the platform's XML service, and the numbers in its answers.
+// The few operations on the platform's XML parser that a task dialog document needs.
 #pragma once
 
 #include "com/ComPtr.h"
@@ -10,7 +10,7 @@
 #include <span>
 #include <vector>
 
-// The bytes as a document. Throws what the service fails with, and E_FAIL for bytes that are no XML.
+// Parses the bytes. Throws the failure of the parser, or E_FAIL for bytes that are no XML.
 ComPtr<IXMLDOMNode> ParseXmlBytes(std::span<const BYTE> bytes);
 
 // The first match of an expression, or null.
@@ -19,11 +19,11 @@ ComPtr<IXMLDOMNode> SelectNode(IXMLDOMNode *from, const WCHAR *expression);
 // All matches, in document order.
 std::vector<ComPtr<IXMLDOMNode>> SelectAllNodes(IXMLDOMNode *from, const WCHAR *expression);
 
-// The text of the element that an expression finds, or the value of the attribute; nothing if there is none.
+// The text of the element, or the value of the attribute, that an expression selects; nullopt if none matches.
 std::optional<WideText> ElementText(IXMLDOMNode *from, const WCHAR *expression);
 std::optional<WideText> AttributeText(IXMLDOMNode *from, const WCHAR *expression);
 
-// By the platform's own conversion; 0 for text that is no number or one too large.
+// Convert by the platform's rules; 0 for text that is no number or too large.
 INT32 Int32OfText(WideView text);
 UINT32 UInt32OfText(WideView text);
 INT64 Int64OfText(WideView text);

@@ -1,5 +1,5 @@
-// The common controls of version 6 for the windows that a thread makes, whatever version the program
-// around the module uses. Windows only.
+// Gives the windows that a thread creates the common controls of version 6, whatever version the program that
+// loaded the module uses. Windows build only.
 #pragma once
 
 #include <windows.h>
@@ -7,11 +7,11 @@
 class ActivationContext
 {
 public:
-    // Activates the manifest that lies in the module under IDR_COMMON_CONTROLS_6, on the calling thread.
-    // Where that fails, the program's own controls are used.
+    // Activates the module's manifest IDR_COMMON_CONTROLS_6 on the calling thread. If that fails, the program's
+    // own version is used.
     ActivationContext() noexcept;
 
-    // On the same thread; contexts end in the reverse order of their beginning.
+    // Must run on the same thread, in the reverse order of construction.
     ~ActivationContext();
     ActivationContext(const ActivationContext &) = delete;
     ActivationContext &operator=(const ActivationContext &) = delete;

@@ -6,7 +6,7 @@ int CentredMessageBox(HWND owner, const WCHAR *text, const WCHAR *caption, UINT 
 {
     ArmMessageBoxHook();
     const int result = MessageBoxW(owner, text, caption, type);
-    // A box that never came, or was never activated, has left the hook as it was.
+    // If the box was never shown or never activated, the hook is still armed.
     DisarmHook();
     return result;
 }

@@ -1,4 +1,4 @@
-// A message box in the middle of its owner.
+// A message box centred on its owner.
 #pragma once
 
 #include <windows.h>

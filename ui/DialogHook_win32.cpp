@@ -1,6 +1,6 @@
 #include "ui/DialogHook.h"
 
-#include "ui/HookedWindow_win32.h"
+#include "ui/WindowImpl.h"
 #include "ui/WindowPlacement.h"
 
 #include <atomic>
@@ -8,16 +8,45 @@
 
 namespace
 {
-// All of it but the thread is guarded by the lock, which the armed thread holds.
+// Subclasses a task dialog from its activation to its first WM_SIZE, when the dialog has its final size; it is
+// centred then and no longer subclassed.
+class CHookedWindow final : public CWindowImpl
+{
+public:
+    bool ProcessWindowMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result) override;
+    ~CHookedWindow() override = default;
+    WNDPROC GetWindowProc() override;
+    void OnFinalMessage(HWND window) override;
+};
+
+bool CHookedWindow::ProcessWindowMessage(HWND window, UINT message, WPARAM, LPARAM, LRESULT &)
+{
+    if (message == WM_SIZE && IsHookArmed())
+    {
+        CentreWindow(window);
+        UnsubclassWindow();
+        DisarmHook();
+    }
+    return false;
+}
+
+WNDPROC CHookedWindow::GetWindowProc()
+{
+    return CWindowImpl::GetWindowProc();
+}
+
+void CHookedWindow::OnFinalMessage(HWND) {}
+
+// hookLock guards everything but armedThread; the thread that armed the hook holds it.
 struct HookState
 {
-    HookState() { InitializeCriticalSection(&lock); }
-    // Never deleted: a thread may still wait for it when the module goes.
+    HookState() { InitializeCriticalSection(&hookLock); }
+    // hookLock is never deleted: a thread may still wait for it when the module is unloaded.
 
-    CRITICAL_SECTION lock;
+    CRITICAL_SECTION hookLock;
     std::atomic<DWORD> armedThread{0};
-    HHOOK hook = nullptr;
-    HWND dialog = nullptr; // the first window created since arming
+    HHOOK hookHandle = nullptr;
+    HWND hookedDialog = nullptr; // the first window created since arming
     bool messageBoxMode = false;
     CHookedWindow hookedWindow;
 };
@@ -28,7 +57,7 @@ void FollowActivation(HWND window)
 {
     if (state.messageBoxMode)
     {
-        if (state.hook != nullptr)
+        if (state.hookHandle != nullptr)
         {
             CentreWindow(window);
             DisarmHook();
@@ -47,11 +76,11 @@ LRESULT CALLBACK CbtProc(int code, WPARAM wParam, LPARAM lParam)
         return CallNextHookEx(nullptr, code, wParam, lParam);
     }
     const auto window = reinterpret_cast<HWND>(wParam);
-    if (code == HCBT_CREATEWND && state.dialog == nullptr)
+    if (code == HCBT_CREATEWND && state.hookedDialog == nullptr)
     {
-        state.dialog = window;
+        state.hookedDialog = window;
     }
-    else if (code == HCBT_ACTIVATE && window == state.dialog)
+    else if (code == HCBT_ACTIVATE && window == state.hookedDialog)
     {
         FollowActivation(window);
     }
@@ -60,13 +89,13 @@ LRESULT CALLBACK CbtProc(int code, WPARAM wParam, LPARAM lParam)
 
 void Arm(bool messageBoxMode)
 {
-    // The thread may have left an earlier dialog that is not yet centred below this one.
+    // This thread may still have the hook armed for an earlier dialog that was never centred.
     DisarmHook();
-    EnterCriticalSection(&state.lock);
+    EnterCriticalSection(&state.hookLock);
     state.armedThread = GetCurrentThreadId();
-    state.dialog = nullptr;
+    state.hookedDialog = nullptr;
     state.messageBoxMode = messageBoxMode;
-    state.hook = SetWindowsHookExW(WH_CBT, CbtProc, nullptr, GetCurrentThreadId());
+    state.hookHandle = SetWindowsHookExW(WH_CBT, CbtProc, nullptr, GetCurrentThreadId());
 }
 } // namespace
 
@@ -87,12 +116,12 @@ void DisarmHook() noexcept
         return;
     }
     state.hookedWindow.UnsubclassWindow();
-    if (const HHOOK hook = std::exchange(state.hook, nullptr))
+    if (const HHOOK hook = std::exchange(state.hookHandle, nullptr))
     {
         UnhookWindowsHookEx(hook);
     }
     state.armedThread = 0;
-    LeaveCriticalSection(&state.lock);
+    LeaveCriticalSection(&state.hookLock);
 }
 
 bool IsHookArmed() noexcept

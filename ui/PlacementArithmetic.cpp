@@ -4,7 +4,7 @@
 
 namespace
 {
-// The near limit is tested last: it wins where both can't be kept.
+// The near limit is applied last, so it wins if both can't be kept.
 LONG Held(LONG start, LONG length, LONG nearLimit, LONG farLimit)
 {
     return std::max(std::min(start, farLimit - length), nearLimit);
@@ -36,6 +36,6 @@ POINT CentredOnPoint(const RECT &frame, POINT pointer, const RECT &workArea) noe
 
 LONG OffsetInPixels(INT32 offset, int dotsPerInch) noexcept
 {
-    constexpr double inchesPerUnit = 0.010416667; // 1/96, as the layouts were measured with it
+    constexpr double inchesPerUnit = 0.010416667; // 1/96, rounded
     return static_cast<LONG>(static_cast<double>(offset) * dotsPerInch * inchesPerUnit + 0.5);
 }

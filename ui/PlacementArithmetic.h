@@ -1,17 +1,16 @@
-// Where windows are put: the arithmetic alone. Rectangles are in pixels of one coordinate system,
-// with right and bottom outside, as the platform has them.
+// The arithmetic of placing windows. Rectangles are in pixels of one coordinate system; right and bottom are
+// exclusive, as in RECT.
 #pragma once
 
 #include <windows.h>
 
-// Top left corner that puts the middle of window on the middle of around and keeps the window within
-// limits. Of a window larger than the limits the right and bottom parts stick out.
+// The top left corner that puts the middle of window on the middle of around and keeps the window within
+// limits. A window larger than limits sticks out at the right and bottom.
 POINT CentredWithin(const RECT &window, const RECT &around, const RECT &limits) noexcept;
 
-// Top left corner that puts the middle of frame on the pointer and keeps the frame within workArea. A
-// larger frame counts as being as large as the work area.
+// The top left corner that puts the middle of frame on the pointer and keeps the frame within workArea. A
+// larger frame counts as having the size of workArea.
 POINT CentredOnPoint(const RECT &frame, POINT pointer, const RECT &workArea) noexcept;
 
-// Pixels of an offset in 1/96 inch on a device of so many dots per inch, halves rounded up and
-// anything else beyond the point of the sum cut off.
+// Converts an offset in 1/96 inch to pixels of a device: the whole part of the exact value plus 0.5.
 LONG OffsetInPixels(INT32 offset, int dotsPerInch) noexcept;

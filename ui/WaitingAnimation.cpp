@@ -2,19 +2,19 @@
 
 UINT32 WaitingAnimation::FrameAt(UINT32 tick, UINT32 frames) noexcept
 {
-    // The paint of a stop shows the first frame and leaves the restart to the next start.
-    if (!Running || frames == 0)
+    // Stop paints once; that paint must not use up restart, which is for the next start.
+    if (!running || frames == 0)
     {
         return 0;
     }
-    if (Restart)
+    if (restart)
     {
-        Restart = false;
-        StartTick = 0;
+        restart = false;
+        startTick = 0;
     }
-    if (StartTick == 0 || tick < StartTick)
+    if (startTick == 0 || tick < startTick)
     {
-        StartTick = tick;
+        startTick = tick;
     }
-    return static_cast<UINT32>((tick - StartTick) / Interval % frames);
+    return static_cast<UINT32>((tick - startTick) / interval % frames);
 }

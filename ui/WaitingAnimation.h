@@ -1,17 +1,17 @@
-// Which frame of the waiting animation shows: chosen from the time passed, so that a late timer doesn't
-// slow it down and two paints at one moment show the same frame.
+// Chooses the frame of the waiting animation from the time passed, not by counting timer ticks, so that a late
+// timer doesn't slow it down and two paints at one moment show the same frame.
 #pragma once
 
 #include <windows.h>
 
 struct WaitingAnimation
 {
-    UINT64 StartTick = 0;  // of the first frame; 0: not started
-    UINT32 Interval = 125; // milliseconds per frame
-    bool Restart = false;  // the next frame that is asked for begins the count anew
-    bool Running = false;
+    UINT64 startTick = 0;  // tick counter at the first frame; 0 = not started
+    UINT32 interval = 125; // milliseconds per frame
+    bool restart = false;  // FrameAt begins the count anew
+    bool running = false;
 
-    // The frame at this value of the tick counter, of so many; 0 as long as it isn't running. A counter
-    // that has wrapped begins the count anew.
+    // The frame, from 0 to frames - 1, at this value of the tick counter; 0 while it isn't running. When the
+    // counter has wrapped, the count begins anew.
     UINT32 FrameAt(UINT32 tick, UINT32 frames) noexcept;
 };

@@ -20,7 +20,7 @@ bool RegisterOnce(WNDPROC procedure)
         description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
         description.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_WINDOW + 1);
         description.lpszClassName = ClassName;
-        // Another copy of the module may have been unloaded without taking its class along.
+        // The class stays registered when the module is unloaded, so that it may exist already.
         return RegisterClassExW(&description) != 0 || GetLastError() == ERROR_CLASS_ALREADY_EXISTS;
     }();
     return IsRegistered;
@@ -100,15 +100,15 @@ void CWaitingAnimationImpl::LoadStrip(HWND window) noexcept
     AdjustWindowRectEx(&place, style, hasMenu, static_cast<DWORD>(GetWindowLongPtrW(window, GWL_EXSTYLE)));
     SetWindowPos(window, nullptr, 0, 0, place.right - place.left, place.bottom - place.top,
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-    m_animation.Restart = false;
+    m_animation.restart = false;
 }
 
 void CWaitingAnimationImpl::Start() noexcept
 {
-    if (Window() != nullptr && !m_animation.Running)
+    if (Window() != nullptr && !m_animation.running)
     {
-        SetTimer(Window(), TimerId, m_animation.Interval, nullptr);
-        m_animation.Running = true;
+        SetTimer(Window(), TimerId, m_animation.interval, nullptr);
+        m_animation.running = true;
     }
 }
 
@@ -119,8 +119,8 @@ void CWaitingAnimationImpl::Stop() noexcept
         return;
     }
     KillTimer(Window(), TimerId);
-    m_animation.Restart = true;
-    m_animation.Running = false;
+    m_animation.restart = true;
+    m_animation.running = false;
     InvalidateRect(Window(), nullptr, FALSE);
     UpdateWindow(Window());
 }

@@ -1,5 +1,5 @@
-// The busy indicator: a small child window that shows frames of the strip in bitmap 216 over whatever its
-// parent paints. The strip is a row of square frames. Windows only; all on the window's own thread.
+// The waiting animation: a small child window that blends a frame of bitmap 216, a row of square frames, over
+// its parent's background. Windows build only; all calls on the window's thread.
 #pragma once
 
 #include "com/HandleOwner.h"
@@ -16,14 +16,14 @@ public:
     bool ProcessWindowMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result) override;
     ~CWaitingAnimationImpl() override = default;
 
-    // Creates the window, which gives itself the size of one frame and shows the first; null if it can't be.
-    // Without its bitmap it has no size.
+    // Creates the window, which takes the size of one frame and shows the first; null on failure. Without its
+    // bitmap the window has no size.
     HWND Create(HWND parent) noexcept;
 
-    // Frames advance from the first on. Without a window, or twice, nothing.
+    // Lets the frames advance from the first on. Does nothing without a window or while running.
     void Start() noexcept;
 
-    // Back to the first frame, at once.
+    // Paints the first frame before returning.
     void Stop() noexcept;
 
 private:

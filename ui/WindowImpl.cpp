@@ -4,8 +4,8 @@
 
 namespace
 {
-// Of an attached window: its object; and the procedure below ours, which outlives the object where
-// another subclass keeps ours in its chain.
+// Properties of an attached window: its object, and the replaced procedure. The latter outlives the object where
+// another subclass keeps our procedure in its chain.
 constexpr const WCHAR *ObjectProperty = TEXT("HVR_WindowImpl");
 constexpr const WCHAR *ReplacedProperty = TEXT("HVR_ReplacedProcedure");
 
@@ -40,7 +40,7 @@ bool CWindowImpl::SubclassWindow(HWND window) noexcept
     {
         return false;
     }
-    // What the procedure will look for lies ready before the first message can reach it.
+    // Set before the procedure is exchanged, since Route looks them up from the first message on.
     const WNDPROC before = ProcedureOf(window);
     if (before == nullptr || !SetPropW(window, ReplacedProperty, reinterpret_cast<HANDLE>(before)) ||
         !SetPropW(window, ObjectProperty, this))
@@ -96,7 +96,7 @@ LRESULT CALLBACK CWindowImpl::Route(HWND window, UINT message, WPARAM wParam, LP
     {
         return object->EndOf(window, handled, result, wParam, lParam);
     }
-    // A handler may have detached the window; the message at hand is the default procedure's then.
+    // If the handler has detached the window, PassOn calls DefWindowProcW.
     return handled ? result : object->PassOn(window, message, wParam, lParam);
 }
 

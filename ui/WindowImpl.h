@@ -1,5 +1,5 @@
-// A window seen as an object: the messages of a window that is subclassed go through a virtual
-// operation first. All on the window's own thread.
+// Subclasses a window by an object: the window's messages reach a virtual operation first. All calls on the
+// window's thread.
 #pragma once
 
 #include <windows.h>
@@ -7,33 +7,33 @@
 class CWindowImpl
 {
 public:
-    // The style of windows that are created through a class of this kind.
+    // The style for windows created by derived classes.
     static constexpr DWORD Styles = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_CLIPCHILDREN;
 
     CWindowImpl() noexcept = default;
     CWindowImpl(const CWindowImpl &) = delete;
     CWindowImpl &operator=(const CWindowImpl &) = delete;
 
-    // True if the message needs no more, with its result filled. Otherwise it goes on to the
-    // procedure that was replaced.
+    // Returns true if it has handled the message and set result; otherwise the replaced procedure gets the
+    // message.
     virtual bool ProcessWindowMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
                                       LRESULT &result) = 0;
     virtual ~CWindowImpl();
-    // The procedure that the window gets.
+    // The procedure that SubclassWindow gives to the window.
     virtual WNDPROC GetWindowProc();
-    // The last call for a window that ends while it is attached; it isn't any more.
+    // Called last when an attached window is destroyed; it is detached by then.
     virtual void OnFinalMessage(HWND window);
 
     HWND Window() const noexcept { return m_window; }
 
-    // Attaches a window; false, and nothing changed, if it can't be or another one is attached.
+    // Attaches a window. Returns false, and changes nothing, on failure or if one is attached already.
     bool SubclassWindow(HWND window) noexcept;
 
-    // Detaches the window, if there is one, and puts its earlier procedure back if it has still ours.
-    // Under a subclass that somebody else put over it, ours stays and passes everything on.
+    // Detaches the window, if there is one, and restores its earlier procedure if ours is still on top. Below
+    // another subclass ours stays in the chain and passes every message on.
     void UnsubclassWindow() noexcept;
 
-    // Hands a message to the procedure that was replaced: the platform's default one if none is.
+    // Calls the replaced procedure, or DefWindowProcW if no window is attached.
     LRESULT PassOn(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 private:

@@ -1,12 +1,12 @@
-// Moving windows to where they belong. Nothing here fails: a window that can't be placed stays where
-// it is. Windows natively have no place, and stay where they are too.
+// Placement of windows. Nothing here reports failures: a window that can't be placed stays where it is. In the
+// native build, whose dialogs are text in a terminal, these functions do nothing.
 #pragma once
 
 #include <windows.h>
 
-// Puts a child in the middle of its parent's client area, any other window in the middle of its
-// owner if that is visible and not minimized, and else of the work area of the nearest monitor.
-// The window stays within the parent or the monitor's work area.
+// Centres a child on its parent's client area, and any other window on its owner, if that is visible and not
+// minimized, or else on the work area of the nearest monitor. The window stays within the parent or the
+// monitor's work area.
 void CentreWindow(HWND window) noexcept;
 
 // Puts the middle of the window's visible frame under the mouse pointer, within the work area of the
@@ -17,5 +17,5 @@ void CentreOnPointer(HWND window) noexcept;
 // pixels. Not repainted.
 void MoveChildBy(HWND parent, HWND child, INT32 dx, INT32 dy, INT32 dw, INT32 dh) noexcept;
 
-// Asked of the system once.
+// The system is asked once; later calls return the same.
 bool IsVistaOrLater() noexcept;

@@ -1,4 +1,4 @@
-// A dialog natively is text in the terminal: there is no window to be moved.
+// Natively a dialog is text in the terminal: there is no window to move.
 #include "ui/WindowPlacement.h"
 
 void CentreWindow(HWND) noexcept {}

@@ -21,7 +21,7 @@ bool WorkAreaOf(HMONITOR monitor, RECT &workArea)
     return true;
 }
 
-// What a window that is no child is centred on; null for the work area.
+// The window on which a top-level window is centred; null for the work area.
 HWND VisibleOwnerOf(HWND window)
 {
     const HWND owner = GetWindow(window, GW_OWNER);
@@ -34,7 +34,7 @@ void PlaceAt(HWND window, POINT corner)
     SetWindowPos(window, nullptr, corner.x, corner.y, 0, 0, PlaceOnly);
 }
 
-// The window without the invisible border that the desktop composition gives it.
+// The window's rectangle without the invisible borders that desktop composition adds.
 bool VisibleFrameOf(HWND window, RECT &frame)
 {
     return (IsVistaOrLater() &&

@@ -55,8 +55,11 @@ bool IsStandIn(const UNumberFormat *format)
 std::optional<LocaleConventions> ReadConventions(const std::string &name)
 {
     UErrorCode status = U_ZERO_ERROR;
+    // Numbers are formatted in ASCII digits, so take the separators that belong to these: Arabic, Persian and
+    // other locales have different ones for their own digits.
+    const std::string withLatinDigits = name + (name.find('@') == name.npos ? "@" : ";") + "numbers=latn";
     const std::unique_ptr<UNumberFormat, void (*)(UNumberFormat *)> format(
-        unum_open(UNUM_DECIMAL, nullptr, 0, name.c_str(), nullptr, &status),
+        unum_open(UNUM_DECIMAL, nullptr, 0, withLatinDigits.c_str(), nullptr, &status),
         [](UNumberFormat *f) { unum_close(f); });
     if (U_FAILURE(status) || (!name.empty() && IsStandIn(format.get())))
     {

@@ -11,7 +11,7 @@
 
 namespace
 {
-// Writes into the record of the controls, so that the order of both shows.
+// Writes into the controls' record, so that the order of calls to both can be asserted.
 class FakeRefreshDisplay final : public IRefreshDisplay
 {
 public:

@@ -1,5 +1,5 @@
-// The controls of a page without a screen, made from the page's own template: what a window would hold
-// after the same calls. Naming a control that the template doesn't have fails the test.
+// The controls of a page without a screen, made from the page's own template; they hold what a window would hold
+// after the same calls. A call for a control that the template doesn't have fails the test.
 #pragma once
 
 #include "settings/PageControls.h"
@@ -16,7 +16,7 @@ class FakePageControls final : public IPageControls
 public:
     explicit FakePageControls(UINT templateId);
 
-    // Two states, as the boxes of the pages have.
+    // The boxes of the pages have two states.
     void SetCheck(UINT id, UINT32 state) override;
     UINT32 Check(UINT id) override;
     void SetRadio(UINT firstId, UINT32 position) override;
@@ -38,7 +38,7 @@ public:
     std::vector<ListEntry> List;
     std::set<UINT> Disabled;
 
-    // "text 205 ...", "focus 222", "enable 210 0", "beep" ... in order, shared with whoever else records.
+    // "text 205 ...", "focus 222", "enable 210 0", "beep" ... in order; other fakes may write into it too.
     CallRecord Record;
 
 private:

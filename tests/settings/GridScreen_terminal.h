@@ -1,4 +1,4 @@
-// A screen of cells in memory with a user before it who types what was planned. Native builds only.
+// A screen of cells in memory that reads planned input. Native build only.
 #pragma once
 
 #include "settings/SheetScreen_terminal.h"
@@ -12,7 +12,7 @@ class GridScreen final : public ISheetScreen
 public:
     GridScreen(int columns, int rows) : m_columns(columns), m_rows(rows) { Clear(); }
 
-    // In the order in which they will be read; after the last the user is gone.
+    // Inputs are read in the order of planning; after the last, Read returns Lost.
     void Plan(SheetKey key, int times = 1)
     {
         m_input.insert(m_input.end(), static_cast<size_t>(times), ScreenInput{key});
@@ -24,7 +24,7 @@ public:
             m_input.push_back({SheetKey::Character, character});
         }
     }
-    // On the first place where the text is shown when the click's turn comes.
+    // Clicks where the text is first shown when the click is read.
     void PlanClickOn(std::u16string text)
     {
         m_input.push_back({SheetKey::Click});

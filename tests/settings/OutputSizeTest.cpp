@@ -133,21 +133,34 @@ TEST(OutputSize, PrintsGetFewerDotsPerInchTheLargerTheyAre)
     EXPECT_EQ(PrintResolution(9, 9, 1, 100, 300), 300);
 }
 
-TEST(OutputSize, ALongTextIsCutAndAHugeNumberIsNoFault)
+TEST(OutputSize, TextsOfAnyLengthAreReadAndTheDisplayFormIsCut)
 {
-    WCHAR buffer[OutputSizeCapacity] = TEXT("9999999999999999999999999999999");
-    NormalizeOutputSize(buffer, OutputSizeCapacity, IDS_SIZE_PRINT);
-    EXPECT_LT(WideView(buffer).size(), OutputSizeCapacity);
-
     WCHAR tight[6] = TEXT("8 in");
     NormalizeOutputSize(tight, std::size(tight), IDS_SIZE_PRINT);
     EXPECT_EQ(WideView(tight), WideView(TEXT("8\" pr")));
 
-    double dpi;
-    OutputSizeUnit unit;
-    EXPECT_EQ(OutputSizeToPixels(WideText(400, '9'), dpi, unit, English()), std::numeric_limits<INT32>::max());
-    EXPECT_EQ(OutputSizeToPixels(TEXT("999999999999 in"), dpi, unit, English()),
-              std::numeric_limits<INT32>::max());
+    constexpr INT32 most = std::numeric_limits<INT32>::max();
+    const struct
+    {
+        WideText text;
+        INT32 pixels;
+        double dpi;
+    } cases[] = {
+        {WideText(400, '9'), most, 300},
+        {TEXT("999999999999 in"), most, 180},
+        {TEXT("0.") + WideText(400, '0') + TEXT("1 in"), 0, 330},
+        {TEXT("800 px") + WideText(50000, 'x'), 800, 300},
+        {WideText(50000, ' ') + TEXT("8 in"), 2455, 306.923},
+        {WideText(50000, '9'), most, 300},
+    };
+    for (const auto &[text, pixels, expectedDpi] : cases)
+    {
+        SCOPED_TRACE(text.size());
+        double dpi;
+        OutputSizeUnit unit;
+        EXPECT_EQ(OutputSizeToPixels(text, dpi, unit, English()), pixels);
+        EXPECT_NEAR(dpi, expectedDpi, 0.0005);
+    }
 }
 
 TEST(OutputSize, WithoutLocaleDataAPointSeparatesDecimals)

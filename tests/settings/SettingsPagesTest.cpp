@@ -1,4 +1,4 @@
-// The pages without windows: what they load, enable, save, and leave alone.
+// The logic of the pages, without windows.
 #include "core/NumberFormat.h"
 #include "resources/resource.h"
 #include "settings/JpegPage.h"
@@ -13,7 +13,7 @@
 
 namespace
 {
-// A page that was shown with the settings as they are now.
+// A page that was loaded with the settings as they are now.
 template <class Page>
 struct Shown
 {

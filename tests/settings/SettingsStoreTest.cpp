@@ -22,13 +22,13 @@ TEST(SettingsStore, WithoutTheKeyTheBlockStaysAsItIs)
     key.RemoveKey();
     SettingsBlock block;
     block.JPEG.WriteXMP = 7;
-    block.RAW.LongDimension = TEXT("kept");
+    block.RAWLongDimension = TEXT("kept");
     LoadSettings(block);
     EXPECT_EQ(block.JPEGMode, 2u);
     EXPECT_EQ(block.JPEG.WriteXMP, 7u);
-    EXPECT_EQ(block.JPEG.LongEdgePixels, 0u);
-    EXPECT_TRUE(block.JPEG.LongDimension.empty());
-    EXPECT_EQ(block.RAW.LongDimension, TEXT("kept"));
+    EXPECT_EQ(block.JPEGLongEdgePixels, 0u);
+    EXPECT_TRUE(block.JPEGLongDimension.empty());
+    EXPECT_EQ(block.RAWLongDimension, TEXT("kept"));
     EXPECT_EQ(SettingsReader().Number(TEXT("WriteTags")), 1u);
 }
 
@@ -46,10 +46,12 @@ TEST(SettingsStore, AnEmptyKeyGivesTheDefaults)
         EXPECT_EQ(conversion.WriteXMP, 0u);
         EXPECT_EQ(conversion.WriteGPS, 1u);
         EXPECT_EQ(conversion.WriteIPTC, 0u);
-        EXPECT_EQ(conversion.LongDimension, TEXT("Original"));
-        EXPECT_EQ(conversion.LongEdgePixels, 0u);
-        EXPECT_EQ(conversion.PrintDpi, 300.0);
     }
+    for (const WideText &size : {block.JPEGLongDimension, block.RAWLongDimension})
+    {
+        EXPECT_EQ(size, TEXT("Original"));
+    }
+    EXPECT_EQ(block.JPEGLongEdgePixels + block.RAWLongEdgePixels, 0u);
 }
 
 TEST(SettingsStore, EachValueReachesItsOwnFieldClampedOrFolded)
@@ -99,9 +101,10 @@ TEST(SettingsStore, OutputSizesAreLoadedInTheirDisplayForm)
         WideText bytes;
         const WCHAR *text;
         UINT32 pixels;
+        double dpi = 300;
     } cases[] = {
         {REG_SZ, WideText(TEXT("800px\0"), 6), TEXT("800 px"), 800},
-        {REG_EXPAND_SZ, WideText(TEXT("8 inches\0"), 9), TEXT("8\" print"), 2455},
+        {REG_EXPAND_SZ, WideText(TEXT("30 inches\0"), 10), TEXT("30\" print"), 5400, 180},
         {REG_SZ, WideText(), TEXT("Original"), 0},
         {REG_SZ, WideText(31, '0') + TEXT("64"), TEXT("Original"), 0},
         // Without a closing zero; of another type, for the system adds one to a text that lacks it.
@@ -110,19 +113,20 @@ TEST(SettingsStore, OutputSizesAreLoadedInTheirDisplayForm)
         {REG_SZ, WideText(40, '1'), TEXT("Original"), 0},
         {REG_SZ, WideText(TEXT("huge\0"), 5), TEXT("Original"), 0},
     };
-    for (const auto &[type, bytes, text, pixels] : cases)
+    for (const auto &[type, bytes, text, pixels, dpi] : cases)
     {
         SCOPED_TRACE(testing::PrintToString(bytes));
         SettingsKey key;
         key.SetBytes(TEXT("JPEGLongDimension"), type, TextBytes(bytes));
-        key.SetBytes(TEXT("RAWLongDimension"), type, TextBytes(bytes));
+        key.Set(TEXT("RAWLongDimension"), TEXT("10cm"));
         SettingsBlock block;
         LoadSettings(block);
-        for (const ConversionSettings &conversion : {block.JPEG, block.RAW})
-        {
-            EXPECT_EQ(conversion.LongDimension, text);
-            EXPECT_EQ(conversion.LongEdgePixels, pixels);
-        }
+        EXPECT_EQ(block.JPEGLongDimension, text);
+        EXPECT_EQ(block.JPEGLongEdgePixels, pixels);
+        EXPECT_EQ(block.JPEGPrintDpi, dpi);
+        EXPECT_EQ(block.RAWLongDimension, TEXT("10 cm print"));
+        EXPECT_EQ(block.RAWLongEdgePixels, 1299u);
+        EXPECT_EQ(block.RAWPrintDpi, 330.0);
     }
 }
 
@@ -137,7 +141,7 @@ TEST(SettingsStore, AValueThatGoesAwayKeepsWhatWasLoadedLast)
     key.Remove(TEXT("JPEGLongDimension"));
     LoadSettings(block);
     EXPECT_EQ(block.JPEG.WriteEXIF, 0u);
-    EXPECT_EQ(block.JPEG.LongDimension, TEXT("Original"));
+    EXPECT_EQ(block.JPEGLongDimension, TEXT("Original"));
 }
 
 TEST(SettingsStore, AValueTooLongForANumberReadsAsMissing)
@@ -165,7 +169,7 @@ TEST(StoredSettings, AgreeWithTheBlock)
     EXPECT_EQ(names.size(), 25u);
     EXPECT_EQ(FindStoredSetting(TEXT("jpegmode")), nullptr);
 
-    // What the table says of the two groups must be what a block that loads nothing holds.
+    // The table's defaults of the two groups must be those of a block that has loaded nothing.
     const SettingsBlock block;
     const auto standard = [](const WCHAR *name) { return FindStoredSetting(name)->Default; };
     EXPECT_EQ(standard(TEXT("JPEGMode")), block.JPEGMode);

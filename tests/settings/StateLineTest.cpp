@@ -101,7 +101,7 @@ TEST(StateLine, WithoutTheKeyTheDefaultsShow)
               TEXT("Title, description, tags, public, safe, photos, searchable. Resample, send copyright, EXIF, "
                    "GPS data.") +
                   SettingsLink);
-    EXPECT_TRUE(block.JPEG.LongDimension.empty());
+    EXPECT_TRUE(block.JPEGLongDimension.empty());
 }
 
 TEST(StateLine, AsksForWhatTheAccountLacksFirst)
@@ -135,7 +135,7 @@ TEST(StateLine, ASizeIsComparedWithTheWordForTheFullSizeWithoutRegardToCase)
     SettingsBlock block;
     for (const WCHAR *size : {TEXT(""), TEXT("Original"), TEXT("ORIGINAL")})
     {
-        block.JPEG.LongDimension = size;
+        block.JPEGLongDimension = size;
         EXPECT_EQ(SizeSummary(block), WideText());
     }
 }

@@ -130,7 +130,7 @@ TEST_F(TerminalSheetTest, RulesFollowTheModeAndTypedTextReplacesTheSize)
     Run();
     EXPECT_THAT(key.Written(), HasSubstr("JPEGLongDimension=800 px"));
 
-    // Nothing but the mode can be reached when files go up as they are.
+    // Only the mode can be reached when files are uploaded as they are.
     screen.Plan(SheetKey::Up, 2);
     screen.Plan(SheetKey::Tab);
     screen.Plan(SheetKey::Enter);

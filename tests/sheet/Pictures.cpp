@@ -1,5 +1,5 @@
-// window_pictures FOLDER: writes a picture of each page of the settings sheet and of each dialog, as a user
-// sees them, for a user to look at. The names end in the screen's dots per inch.
+// window_pictures FOLDER: writes a picture of each page of the settings sheet and of each dialog, for the
+// documentation. The names end in the screen's dots per inch.
 #include "account/AccountRecord.h"
 #include "account/AuthorizationDialogs.h"
 #include "core/StringTable.h"
@@ -17,7 +17,7 @@
 
 namespace
 {
-// So that everything was drawn, and nothing shows a press or a blink.
+// In milliseconds, until everything is drawn and no button looks pressed.
 constexpr DWORD Settling = 500;
 
 class Album
@@ -32,14 +32,14 @@ public:
 
     void Take(HWND window, const std::string &name) const
     {
-        // Away from the controls, which would show the pointer over them.
+        // Controls look different under the pointer.
         SetCursorPos(0, 0);
         RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN | RDW_UPDATENOW);
         Sleep(Settling);
         EXPECT_TRUE(WriteWindowPicture(window, m_folder + "/" + name + m_suffix)) << name;
     }
 
-    // Of the dialog that show brings up on this thread; closes it.
+    // Takes a picture of the dialog that show opens on this thread, and closes the dialog.
     void TakeDialog(const std::string &name, HWND owner, const std::function<void()> &show) const
     {
         std::thread photographer([&, thread = GetCurrentThreadId()] {

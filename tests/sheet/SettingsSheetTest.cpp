@@ -1,4 +1,4 @@
-// The settings sheet as a user meets it: opened by the host's verb, worked on with its real windows.
+// The settings sheet, opened by the host's verb and driven through its real windows.
 #include "plugin/FlickrPublisher.h"
 #include "resources/resource.h"
 #include "settings/FlickrProperties_win32.h"
@@ -65,7 +65,7 @@ protected:
         return Plugin->Configure(m_owner, verb.data(), parameters.data());
     }
 
-    // So that the next sheet opens with its first page.
+    // Makes the next sheet open on its first page.
     void TurnToFirstPage()
     {
         EXPECT_EQ(Configure([](const OpenSheet &sheet) { sheet.SelectPage(PagePhotos); }), S_OK);
@@ -96,8 +96,8 @@ std::set<UINT> DisabledOf(const OpenSheet &sheet, const std::set<UINT> &controls
     return disabled;
 }
 
-// Has a program of ours open the addresses of photosUrl's kind. Registered for the machine: a user's own
-// classes aren't looked at by Wine.
+// Registers a program of ours for addresses that begin with "halvora-test:". For the machine, since Wine doesn't
+// read a user's own classes.
 class OpenedAddress
 {
 public:

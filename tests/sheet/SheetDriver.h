@@ -1,4 +1,4 @@
-// A user at the settings sheet: works on its real windows from a thread beside the one that shows it.
+// Drives the settings sheet's real windows from a thread beside the one that shows it.
 #pragma once
 
 #include "com/WideText.h"
@@ -10,12 +10,11 @@
 #include <optional>
 #include <thread>
 
-// The sheet, while it is open. A window or control that should be there and isn't, or doesn't come in time,
-// fails the test.
+// The open sheet. A window or control that is missing, or doesn't appear in time, fails the test.
 class OpenSheet
 {
 public:
-    // thread: the one that shows the sheet.
+    // thread shows the sheet.
     OpenSheet(HWND sheet, DWORD thread) noexcept : m_sheet(sheet), m_thread(thread) {}
 
     HWND Window() const noexcept { return m_sheet; }
@@ -30,7 +29,7 @@ public:
     void SelectPage(int index) const;
     int SelectedPage() const;
 
-    // Of the page on top.
+    // Controls of the page on top.
     HWND Control(UINT id) const;
     void Click(UINT id) const;
     bool IsChecked(UINT id) const;
@@ -40,16 +39,16 @@ public:
     // Replaces what stands in the edit field of a combo box.
     void Type(UINT id, const WCHAR *text) const;
 
-    // With the mouse, and without waiting for what comes of it.
+    // Posts a mouse click and doesn't wait for its effect.
     void ClickLink(HWND link) const;
 
-    // OK or Cancel; returns when the sheet is gone.
+    // Presses OK or Cancel; returns when the sheet is gone.
     void Close(int button) const;
 
-    // Another dialog over the sheet, by its title and what it isn't; waits for it.
+    // Waits for another dialog with that title over the sheet.
     HWND WaitForDialog(const WCHAR *title) const;
 
-    // Waits until that is true.
+    // Returns false if the condition isn't true in time.
     static bool WaitUntil(const std::function<bool()> &condition);
 
 private:

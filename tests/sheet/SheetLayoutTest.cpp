@@ -1,4 +1,4 @@
-// The sheet's first show, measured against a sheet that the platform lays out by itself.
+// The layout of the sheet as a user sees it, at the screen's dots per inch.
 #include "account/AccountRecord.h"
 #include "core/ThisModule.h"
 #include "resources/resource.h"

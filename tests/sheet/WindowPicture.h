@@ -1,4 +1,4 @@
-// A picture of what a window looks like on the screen, its frame included.
+// Writes a picture of a window as it looks on the screen, with its frame.
 #pragma once
 
 #include <windows.h>

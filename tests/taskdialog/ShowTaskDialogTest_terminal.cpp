@@ -1,4 +1,4 @@
-// The dialogs of the authorization as a user at a terminal sees and answers them.
+// The dialogs of the authorization on a terminal.
 #include "core/ThisModule.h"
 #include "resources/resource.h"
 #include "taskdialog/TaskDialogRunner.h"
@@ -52,7 +52,7 @@ TEST_F(TerminalDialogs, AskAndAreAnswered)
     }
 }
 
-// Also when it tells all it has, the first dialog leaves room for itself: it is drawn over, not below.
+// Even when expanded, the first dialog is redrawn in place, not below itself.
 TEST_F(TerminalDialogs, FitATerminalOf24Lines)
 {
     TerminalRun run([] { return Show(IDX_AUTHORIZE); });

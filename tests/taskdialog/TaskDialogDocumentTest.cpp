@@ -72,7 +72,7 @@ TEST_F(TaskDialogDocuments, AreRefusedForTheirFrameAlone)
         {"<task_dialog version=\"1\">", false},
         {"no XML", false},
         {"", false},
-        // What is inside doesn't matter.
+        // The element's content doesn't matter.
         {"<task_dialog version=\"1\"><strange/><title>a</title><title>b</title><flags>no such word</flags>"
          "</task_dialog>",
          true},
@@ -332,7 +332,7 @@ TEST_F(TaskDialogDocuments, AskBeforeTheBrowserAndWaitForTheUser)
     EXPECT_EQ(+config.pszExpandedInformation, nullptr);
 }
 
-// Stands for the dialog, and keeps the messages that it is sent.
+// A window in place of the dialog that records the messages sent to it.
 class RecordingWindow
 {
 public:

@@ -1,4 +1,4 @@
-// In a program of its own, into which nobody loads the control library.
+// In a program of its own that never loads the control library.
 #include "core/ThisModule.h"
 #include "resources/resource.h"
 #include "taskdialog/TaskDialogRunner.h"
@@ -10,7 +10,7 @@ TEST(WithoutTaskDialogs, TheQuestionIsAMessageBox)
 {
     const OwnerWindow owner;
     TaskDialogDocument document;
-    document.loaded = true; // as if; reading one needs components that load the control library
+    document.loaded = true; // without loading one, which would load the control library
     document.config.cbSize = sizeof(document.config);
     ASSERT_EQ(GetModuleHandleW(TEXT("comctl32")), nullptr);
     for (const int button : {IDOK, IDCANCEL})

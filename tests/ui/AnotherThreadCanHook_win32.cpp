@@ -4,7 +4,7 @@
 
 bool AnotherThreadCanHook()
 {
-    // Shared with a thread that may never come back.
+    // Shared, since the thread may never end.
     const auto done = std::make_shared<std::promise<void>>();
     std::thread([done] {
         ArmTaskDialogHook();

@@ -1,5 +1,5 @@
-// What a user does with a dialog, from a thread of its own: waits until it is on the screen, looks,
-// and answers. A dialog that doesn't come fails the test, and whatever blocks its thread is closed.
+// Drives a dialog from a thread of its own: waits until it is on the screen, inspects it and answers it. If no
+// dialog appears, the test fails and any window that blocks the thread is closed.
 #pragma once
 
 #include "com/WideText.h"
@@ -34,7 +34,7 @@ inline RECT PlaceOf(HWND window)
     return place;
 }
 
-// The texts of a window and all windows in it, each on a line.
+// The texts of a window and of all windows in it, one a line.
 inline WideText TextsOf(HWND window)
 {
     WideText texts;
@@ -49,7 +49,7 @@ inline WideText TextsOf(HWND window)
     return texts;
 }
 
-// That the middle of a window lies on the middle of another, each half of a pixel cut off by itself.
+// Asserts that the middle of a window lies on the middle of another; halves of a pixel are cut off.
 inline void ExpectCentred(const RECT &window, const RECT &on)
 {
     EXPECT_EQ(window.left, (on.left + on.right) / 2 - (window.right - window.left) / 2);
@@ -59,7 +59,7 @@ inline void ExpectCentred(const RECT &window, const RECT &on)
 class DialogDriver
 {
 public:
-    // For a dialog that the thread which makes the driver is about to show.
+    // Construct it on the thread that is about to show the dialog.
     DialogDriver(const WCHAR *caption, std::function<void(HWND)> act)
         : m_caption(caption), m_act(std::move(act)), m_blocked(GetCurrentThreadId()), m_thread([this] { Drive(); })
     {
@@ -80,7 +80,7 @@ private:
         });
         if (m_came)
         {
-            // A modal dialog is ready when its thread takes messages for it.
+            // A modal dialog is ready when its thread handles messages.
             SendMessageW(dialog, WM_NULL, 0, 0);
             m_act(dialog);
             m_came = WaitFor([&] { return !IsWindow(dialog); });
@@ -103,7 +103,7 @@ private:
     std::thread m_thread;
 };
 
-// A window that dialogs belong to, away from the middle of the screen.
+// An owner for dialogs, away from the middle of the screen.
 class OwnerWindow
 {
 public:
@@ -124,5 +124,5 @@ private:
     HWND m_window;
 };
 
-// Whether nothing of the hook has stayed behind: another thread can have it without waiting.
+// Whether another thread can arm the hook without waiting, so that none is left armed.
 bool AnotherThreadCanHook();

@@ -163,7 +163,7 @@ TEST(Hook, IsGoneAfterATaskDialogThatNeverHadASize)
     DisarmHook();
     EXPECT_TRUE(AnotherThreadCanHook());
 
-    // And one that is still there when the hook goes keeps nothing of it.
+    // A dialog that is still open when the hook is disarmed is no longer subclassed.
     ArmTaskDialogHook();
     const HWND left = PlainWindow();
     const auto procedure = GetWindowLongPtrW(left, GWLP_WNDPROC);

@@ -1,4 +1,4 @@
-// The busy indicator's window, drawn into memory.
+// The waiting animation's window, drawn into memory.
 #include "core/ThisModule.h"
 #include "resources/resource.h"
 #include "ui/WaitingAnimationCtrl_win32.h"
@@ -21,7 +21,7 @@ DWORD WINAPI Now()
     return now;
 }
 
-// What the parent answers when it is asked for the background; null: nothing.
+// The parent's answer to WM_CTLCOLORSTATIC; null: no brush.
 HBRUSH background = nullptr;
 
 LRESULT CALLBACK ParentProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
@@ -66,7 +66,7 @@ private:
     HGDIOBJ m_before;
 };
 
-// The strip as it lies in the module, from the top left.
+// The pixels of the module's strip, from the top left.
 std::vector<UINT32> Strip()
 {
     const HMODULE module = ThisModule();
@@ -178,6 +178,19 @@ TEST(WaitingStrip, IsPremultipliedAndItsFramesDiffer)
         EXPECT_FALSE(IsNearly(Expected(frame, 0xFFFFFF), Expected((frame + 1) % FrameCount, 0xFFFFFF)));
         EXPECT_FALSE(IsNearly(Expected(frame, 0xFFFFFF), Expected(frame, 0))) << "something of the ground shows";
     }
+}
+
+TEST(WaitingStrip, TheFirstFrameIsFaintAndPointsNowhere)
+{
+    const Pixels first = Expected(0, 0);
+    Pixels turned; // by a quarter
+    for (size_t i = 0; i < first.size(); ++i)
+    {
+        const size_t row = i / FrameSize;
+        turned[i % FrameSize * FrameSize + FrameSize - 1 - row] = first[i];
+        EXPECT_LT(first[i] & 0xFF, 0x60u) << "a strong dot looks like work going on";
+    }
+    EXPECT_TRUE(IsNearly(first, turned));
 }
 
 TEST_F(WaitingAnimationCtrl, IsAsLargeAsOneFrame)

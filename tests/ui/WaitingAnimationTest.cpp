@@ -22,7 +22,7 @@ TEST(WaitingAnimation, TheFrameFollowsTheTimePassed)
     {
         SCOPED_TRACE(what);
         WaitingAnimation animation;
-        animation.Running = true;
+        animation.running = true;
         for (const auto &[tick, frame] : frames)
         {
             EXPECT_EQ(animation.FrameAt(tick, 8), frame) << "at " << tick;
@@ -34,14 +34,14 @@ TEST(WaitingAnimation, EachStartBeginsWithTheFirstFrame)
 {
     WaitingAnimation animation;
     EXPECT_EQ(animation.FrameAt(1000, 8), 0u) << "not running";
-    animation.Running = true;
+    animation.running = true;
     EXPECT_EQ(animation.FrameAt(1300, 8), 0u);
     EXPECT_EQ(animation.FrameAt(1700, 8), 3u);
-    animation.Restart = true;
-    animation.Running = false;
+    animation.restart = true;
+    animation.running = false;
     EXPECT_EQ(animation.FrameAt(1750, 8), 0u) << "the paint of the stop";
     EXPECT_EQ(animation.FrameAt(1800, 8), 0u);
-    animation.Running = true;
+    animation.running = true;
     EXPECT_EQ(animation.FrameAt(2300, 8), 0u);
     EXPECT_EQ(animation.FrameAt(2425, 8), 1u);
 }
@@ -49,7 +49,7 @@ TEST(WaitingAnimation, EachStartBeginsWithTheFirstFrame)
 TEST(WaitingAnimation, AnyNumberOfFramesWill)
 {
     WaitingAnimation animation;
-    animation.Running = true;
+    animation.running = true;
     EXPECT_EQ(animation.FrameAt(1000, 3), 0u);
     EXPECT_EQ(animation.FrameAt(1375, 3), 0u);
     EXPECT_EQ(animation.FrameAt(1500, 3), 1u);

@@ -104,7 +104,7 @@ TEST_F(SubclassedWindows, AreLetGoWithTheObject)
     EXPECT_TRUE(next.SubclassWindow(m_window));
 }
 
-// Somebody else's subclass, put over ours, calls the procedure that it found.
+// Another subclass over ours calls the procedure that it replaced.
 WNDPROC below = nullptr;
 
 LRESULT CALLBACK Over(HWND window, UINT message, WPARAM wParam, LPARAM lParam)

@@ -62,6 +62,8 @@ TEST_F(UserLocale, IsReadAtEachCall)
         {"de_CH.UTF-8", 0x0807, u"-1\u2019234\u2019567.89"},
         {"fr_FR.UTF-8", 0x040C, u"-1\u202F234\u202F567,89"},
         {"hi_IN.UTF-8", 0x0439, u"-12,34,567.89"},
+        {"ar_EG.UTF-8", 0x0C01, u"\u200E-1,234,567.89"},
+        {"fa_IR.UTF-8", 0x0429, u"\u200E\u22121,234,567.89"},
         {"xx_YY.UTF-8", 0x0409, u"-1,234,567.89"},
     };
     for (const auto &c : cases)
