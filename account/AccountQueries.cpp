@@ -17,8 +17,8 @@ namespace
 {
 using Document = ComPtr<IXMLDOMDocument2>;
 
-// Sends a request whose only parameter is the method. reply is replaced by a success alone, and is null
-// after a success that brought no document.
+// Sends a request whose only parameter is the method. Only a success replaces reply; a success without a
+// document leaves it null.
 HRESULT CallMethod(IOAuthWebClient &client, const WCHAR *method, Document &reply)
 {
     ComPtr<IRequestParameters> parameters;
@@ -69,7 +69,7 @@ std::optional<INT64> ParseNumber(WideView text)
     return parsed.ec == std::errc() ? std::optional(number) : std::nullopt;
 }
 
-// number stays as it was unless the read brings one.
+// Leaves number unchanged unless the node holds one.
 HRESULT ReadNumber(const Document &reply, const WCHAR *expression, std::optional<INT64> &number)
 {
     BstrOwner text;
@@ -83,7 +83,7 @@ HRESULT ReadNumber(const Document &reply, const WCHAR *expression, std::optional
 
 INT64 AllowanceLeft(INT64 maximum, INT64 used)
 {
-    // The service says "no limit" with a maximum of 0.
+    // A maximum of 0 is the service's way to say "no limit".
     if (maximum == 0)
     {
         return UnlimitedUpload;
@@ -130,7 +130,7 @@ HRESULT RefreshAccount(AccountRecord &account, const VersionBlock &version)
     {
         ReadNodeText(reply.Get(), TEXT("/rsp/oauth/user/@fullname"), account.FullName);
     }
-    // A request that fails leaves the first reply in place, in which the address isn't found.
+    // If this request fails, reply is still the first one, in which the address isn't found.
     result = CallMethod(*client.Get(), TEXT("flickr.urls.getUserPhotos"), reply);
     if (!reply)
     {

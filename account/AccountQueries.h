@@ -1,4 +1,4 @@
-// What the service tells about the account. Both block the calling thread for as long as the web
+// Queries of the account at the service. Both block the calling thread for as long as the web
 // client takes, show nothing and log nothing. E_UNEXPECTED if no web client can be made; a string that
 // can't be allocated throws E_OUTOFMEMORY.
 #pragma once
@@ -8,8 +8,8 @@
 struct AccountRecord;
 class VersionBlock;
 
-// Reads the names, the address of the photos page and then the limits. The result is that of the first
-// request if that failed, else that of QueryUploadStatus: there a token that the service refuses shows.
+// Reads the names, the address of the photos page and then the limits. Returns the failure of the
+// first request, else the result of QueryUploadStatus, which is what fails for a token that was revoked.
 HRESULT RefreshAccount(AccountRecord &account, const VersionBlock &version);
 
 // Reads level and limits. A failure leaves the account "Basic" and, unless a value was read before the

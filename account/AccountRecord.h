@@ -1,5 +1,5 @@
-// What the plug-in knows of the account on whose behalf it publishes. The first seven fields travel
-// in the host's init-data stream; the other two live in memory alone. No lock.
+// The account that the plug-in publishes to. The first seven fields are stored in the host's init-data
+// stream; the other two are kept in memory only. There is no lock.
 #pragma once
 
 #include "com/BstrOwner.h"
@@ -19,11 +19,11 @@ struct AccountRecord
     BstrOwner FullName;
     BstrOwner PhotosUrl;
     BstrOwner AccountType; // "Basic" or "Pro"; empty until the first query
-    INT64 MaxFileSize = 0; // bytes; shown, never held against a picture
+    INT64 MaxFileSize = 0; // bytes; shown only, no picture is refused for it
 
     INT64 UploadLeftThisMonth = 0; // bytes
     bool AccountRefreshed = false; // a query of the limits was tried; until then 0 left means unknown
 
-    // The one test for an account that may publish: token and secret are both there.
+    // The only test for an account that may publish: both token and secret are there.
     bool IsAuthorized() const noexcept { return !OAuthToken.IsEmpty() && !OAuthTokenSecret.IsEmpty(); }
 };

@@ -17,7 +17,7 @@ struct WipeAndFree
 
     void operator()(BYTE *plain) const noexcept
     {
-        // Volatile, for a plain fill of memory that is about to be freed is dropped by compilers.
+        // Volatile: compilers drop a plain fill of memory that is about to be freed.
         for (volatile BYTE *byte = plain; byte != plain + Length; ++byte)
         {
             *byte = 0;
@@ -28,12 +28,16 @@ struct WipeAndFree
 
 struct OpenString
 {
-    std::unique_ptr<BYTE[], WipeAndFree> Plain;
-    UINT32 OpenCount = 0;
+    std::unique_ptr<BYTE[], WipeAndFree> plain;
+    UINT32 openCount = 0; // opens that have not been closed yet
 };
 
-std::mutex openStringsLock;
-std::map<const SecuredString *, OpenString> openStrings;
+// The one table of the process. Its key is the address of a record, not the content.
+struct
+{
+    std::mutex Lock;
+    std::map<const SecuredString *, OpenString> Entries; // guarded by Lock
+} OpenStrings;
 
 std::unique_ptr<BYTE[], WipeAndFree> MakePlain(const SecuredString &record)
 {
@@ -49,22 +53,22 @@ std::unique_ptr<BYTE[], WipeAndFree> MakePlain(const SecuredString &record)
 
 const WCHAR *OpenSecuredString(const SecuredString &record)
 {
-    const std::scoped_lock lock(openStringsLock);
-    auto found = openStrings.find(&record);
-    if (found == openStrings.end())
+    const std::scoped_lock lock(OpenStrings.Lock);
+    auto found = OpenStrings.Entries.find(&record);
+    if (found == OpenStrings.Entries.end())
     {
-        found = openStrings.emplace(&record, OpenString{MakePlain(record), 0}).first;
+        found = OpenStrings.Entries.emplace(&record, OpenString{MakePlain(record), 0}).first;
     }
-    ++found->second.OpenCount;
-    return reinterpret_cast<const WCHAR *>(found->second.Plain.get());
+    ++found->second.openCount;
+    return reinterpret_cast<const WCHAR *>(found->second.plain.get());
 }
 
 void CloseSecuredString(const SecuredString &record) noexcept
 {
-    const std::scoped_lock lock(openStringsLock);
-    const auto found = openStrings.find(&record);
-    if (found != openStrings.end() && --found->second.OpenCount == 0)
+    const std::scoped_lock lock(OpenStrings.Lock);
+    const auto found = OpenStrings.Entries.find(&record);
+    if (found != OpenStrings.Entries.end() && --found->second.openCount == 0)
     {
-        openStrings.erase(found);
+        OpenStrings.Entries.erase(found);
     }
 }

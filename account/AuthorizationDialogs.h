@@ -1,10 +1,10 @@
-// An authorization's dialogs and browser as a user gets them.
+// The real dialogs of an authorization, and the real browser.
 #pragma once
 
 #include "account/AuthorizationFlow.h"
 #include "taskdialog/TaskDialogDocument.h"
 
-// For one authorization, on the thread of the parent window.
+// Serves one authorization, on the thread of the parent window.
 class AuthorizationDialogs final : public AuthorizationInteraction
 {
 public:
@@ -16,5 +16,5 @@ public:
     void ShowError(HWND parent, const WCHAR *text, const WCHAR *caption) override;
 
 private:
-    TaskDialogDocument m_document; // of the dialog whose turn it is
+    TaskDialogDocument m_document; // of the dialog that is shown next
 };

@@ -12,10 +12,10 @@
 
 namespace
 {
-// Milliseconds that the browser gets to come up before the second dialog takes the front.
+// Milliseconds to let the browser open before the second dialog comes to the front.
 constexpr DWORD BrowserStart = 3000;
 
-// Held while the second dialog is up.
+// Keeps other programs from taking the foreground while the second dialog is open.
 class ForegroundLock
 {
 public:
@@ -46,7 +46,7 @@ HRESULT CreateScope(ComPtr<IRequestParameters> &parameters)
     return parameters->Add(TEXT("perms"), value);
 }
 
-// Tells a user that the service couldn't be reached, and passes the code on.
+// Shows that the service couldn't be reached, and returns the code.
 HRESULT TellUnreachable(const AuthorizationContext &context, HRESULT code)
 {
     WideText text = LoadStringOrPlaceholder(IDS_AUTHORIZATION_UNREACHABLE);
@@ -56,7 +56,7 @@ HRESULT TellUnreachable(const AuthorizationContext &context, HRESULT code)
     return code;
 }
 
-// Whether the user says that the permission is granted.
+// Opens the service's page, and returns whether the user then says that the permission is granted.
 bool AwaitGrant(const AuthorizationContext &context, const SecretBstr &page)
 {
     context.Interaction.PrepareCompletion();
@@ -66,7 +66,7 @@ bool AwaitGrant(const AuthorizationContext &context, const SecretBstr &page)
     return context.Interaction.AskCompletion(context.Parent) != IDCANCEL;
 }
 
-// Trades what the user granted for the token pair.
+// Fetches the verifier and exchanges it for the token pair.
 HRESULT ExchangeTokens(const AuthorizationContext &context, const SecretBstr &page)
 {
     AccountRecord &account = context.Account;
@@ -96,6 +96,7 @@ HRESULT ReadAccount(const AuthorizationContext &context)
 
 HRESULT Authorize(const AuthorizationContext &context)
 {
+    // AskingConsent
     if (context.Interaction.AskConsent(context.Parent) == IDCANCEL)
     {
         return S_FALSE;
@@ -112,14 +113,17 @@ HRESULT Authorize(const AuthorizationContext &context)
     {
         return TellUnreachable(context, result);
     }
+    // AwaitingGrant
     if (!AwaitGrant(context, page))
     {
         return S_FALSE;
     }
+    // Exchanging
     result = ExchangeTokens(context, page);
     if (FAILED(result))
     {
         return TellUnreachable(context, result);
     }
+    // CheckingAccount
     return ReadAccount(context);
 }

@@ -1,4 +1,14 @@
-// The user's authorization of the plug-in, from the consent to the account's first reading.
+// The user's authorization of the plug-in, from the consent dialog to the first query of the account.
+//
+// No variable holds the state of an authorization. Between two of them the account is NotAuthorized or
+// Authorized, which IsAuthorized tells from the token pair; the states in between are positions in Authorize:
+//
+//     AskingConsent     the first dialog is open
+//     AwaitingGrant     the browser shows the service's page, the second dialog is open
+//     Exchanging        the pair is empty; verifier and access token are fetched
+//     CheckingAccount   the new pair is there, and the account is queried with it
+//
+// A cancel, or a failure up to the second dialog, leaves the old pair; a failure of Exchanging leaves none.
 #pragma once
 
 #include "account/ProxyDiscovery.h"
@@ -11,24 +21,24 @@
 struct AccountRecord;
 class VersionBlock;
 
-// What a user sees of an authorization, and what the system does for it.
+// The dialogs and system calls of an authorization, which tests replace.
 class AuthorizationInteraction
 {
 public:
-    // The first dialog. IDCANCEL for a cancel; anything else means go on.
+    // Shows the first dialog. Returns IDCANCEL for a cancel; any other result means to go on.
     virtual int AskConsent(HWND parent) = 0;
 
-    // Makes the second dialog ready, so that nothing has to be loaded once the browser is on top.
+    // Loads the second dialog ahead, so that nothing has to be loaded once the browser is in front.
     virtual void PrepareCompletion() = 0;
 
-    // Opens the service's page in the browser and lets the browser come to the front. A browser that
-    // doesn't start isn't noticed.
+    // Opens the service's page in the browser and lets the browser come to the front. Reports
+    // nothing if the browser doesn't start.
     virtual void OpenPage(HWND parent, const WCHAR *address) = 0;
 
-    // Keeps other programs from taking the foreground, or lets them again.
+    // Keeps other programs from taking the foreground, or allows it again.
     virtual void LockForeground(bool isLocked) = 0;
 
-    // The second dialog; result as for the first.
+    // Shows the second dialog; result as for AskConsent.
     virtual int AskCompletion(HWND parent) = 0;
 
     virtual void ShowError(HWND parent, const WCHAR *text, const WCHAR *caption) = 0;
@@ -37,7 +47,7 @@ protected:
     ~AuthorizationInteraction() = default;
 };
 
-// What an authorization works with; all of it the caller's, for the length of the call.
+// What an authorization needs. The caller owns all of it and keeps it for the length of the call.
 struct AuthorizationContext
 {
     AccountRecord &Account;
@@ -49,9 +59,10 @@ struct AuthorizationContext
     const ProxyDiscovery &DiscoverProxy;
 };
 
-// Blocks the calling thread until the user and the service are done. S_OK with the new pair in the account;
-// S_FALSE if either dialog was cancelled, the account being as it was. A failure was told in a dialog, but for
-// parameters that can't be created: the code of the failed step, the old pair being lost once the second
-// dialog was confirmed; or E_FAIL with the new pair, if only the account couldn't be read. Throws
-// E_OUTOFMEMORY.
+// Blocks the calling thread until the user and the service are done. Returns
+//   S_OK      the account has the new pair and was read;
+//   S_FALSE   the user cancelled a dialog; the account is unchanged;
+//   E_FAIL    with the new pair in the account: only the account couldn't be read;
+//   else      the code of the step that failed.
+// A dialog has shown every failure except that of creating the parameters. Throws E_OUTOFMEMORY.
 HRESULT Authorize(const AuthorizationContext &context);

@@ -1,4 +1,4 @@
-// The host's question whether publishing is possible now.
+// Answers the host's question whether publishing is possible now.
 #pragma once
 
 #include <windows.h>
@@ -7,6 +7,6 @@ struct AccountRecord;
 class VersionBlock;
 
 // S_OK or S_FALSE. Without the check the token pair alone decides. With it the limits are read from the
-// service, which blocks the calling thread and refreshes the account; an exhausted allowance is a no, like
-// any failure. Throws E_OUTOFMEMORY.
+// service, which blocks the calling thread and refreshes the account; an exhausted allowance counts as no,
+// and so does any failure. Throws E_OUTOFMEMORY.
 HRESULT AnswerCanPublish(AccountRecord &account, const VersionBlock &version, bool withCheck);

@@ -7,7 +7,7 @@
 
 namespace
 {
-// Failures that only say that this way leads nowhere, so that the next one is tried.
+// Failures of one way to find a proxy after which the next way is tried.
 constexpr DWORD CodesForTheNextWay[] = {
     ERROR_INVALID_PARAMETER,
     ERROR_WINHTTP_TIMEOUT,
@@ -44,7 +44,7 @@ DWORD ReadUserSettings(ProxyLookup &lookup, UserSettings &settings)
     settings.Bypass = GlobalTextOwner(read.lpszProxyBypass);
     if (error == ERROR_FILE_NOT_FOUND)
     {
-        // A user who never had any settings is a user who detects automatically.
+        // A user without stored settings has the default, automatic detection.
         settings = UserSettings{true, {}, {}, {}};
         return 0;
     }
@@ -84,7 +84,7 @@ DWORD TryWay(ProxyLookup &lookup, const WCHAR *url, const WCHAR *scriptUrl, Prox
     {
         return error;
     }
-    // The user's credentials go out only where they are asked for.
+    // The user's credentials are sent only to a server that has asked for them.
     options.fAutoLogonIfChallenged = TRUE;
     return TryOnce(lookup, url, options, setting);
 }

@@ -1,4 +1,4 @@
-// How a request of our own gets out: the user's proxy settings, and the request that is sent by them.
+// Finds the proxy that the user's settings name for an address, and sends a request through it.
 #pragma once
 
 #include "com/HandleOwner.h"
@@ -17,8 +17,8 @@ struct ProxySetting
     GlobalTextOwner Bypass;
 };
 
-// What is asked of WinHTTP. Both give 0 or a system error code; the strings of a result are the caller's,
-// to be freed with GlobalFree, also where a failed call left some.
+// The two functions of WinHTTP that discovery calls, which tests replace. Both return 0 or a system error
+// code. The caller frees the strings of a result with GlobalFree, also after a failed call.
 class ProxyLookup
 {
 public:
@@ -30,13 +30,13 @@ protected:
 };
 
 // Tries automatic detection, the script and the static lists, as far as the user has set each, and takes the
-// first that works. 0 or a system error code; setting is valid after 0 alone. Blocks the calling thread for
+// first that works. Returns 0 or a system error code; setting is valid only after 0. Blocks the calling thread for
 // as long as the system takes to find and run a script. Nothing is kept from one call to the next.
 DWORD DiscoverProxy(const WCHAR *url, ProxySetting &setting, ProxyLookup &lookup);
 
-// The form in which callers take it.
+// Discovery as a parameter of its callers.
 using ProxyDiscovery = std::function<DWORD(const WCHAR *url, ProxySetting &setting)>;
 
-// Sends an opened request by the setting; one without any list leaves the request's own default. The result
-// is that of send: a proxy that the request doesn't take is no failure.
+// Sends an opened request by the setting; one without any list leaves the request's own default. Returns
+// what send returns: a proxy that the request refuses is no failure.
 HRESULT SendThroughProxy(const ProxySetting &setting, IServerXMLHTTPRequest2 &request, const VARIANT &body);

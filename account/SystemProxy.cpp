@@ -4,14 +4,14 @@
 
 namespace
 {
-// The code of a call that failed, which is never 0.
+// The code of the call that failed just now; never 0.
 DWORD FailureCode()
 {
     const DWORD error = GetLastError();
     return error != 0 ? error : ERROR_WINHTTP_INTERNAL_ERROR;
 }
 
-// A session that WinHTTP refused shows as a failure of the calls.
+// If WinHTTP refuses to open a session, the two calls fail.
 class Session final : public ProxyLookup
 {
 public:

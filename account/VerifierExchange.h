@@ -7,11 +7,11 @@
 
 #include <windows.h>
 
-// Where the verifier lies that belongs to the authorization page at this address; E_FAIL is thrown if the
-// address names no request token.
+// The address of the verifier that belongs to an authorization page. Throws E_FAIL if the page's address
+// names no request token.
 SecretBstr VerifierUrl(WideView pageAddress);
 
-// Asks once and blocks the calling thread until the reply is there or the system gives up. A failure is the
-// code of the step that failed: E_NOINTERFACE for a reply that is no document, E_FAIL for one without a
+// Sends one request and blocks the calling thread until the reply is there or the system gives up. Returns
+// the code of the step that failed: E_NOINTERFACE for a reply that is no document, E_FAIL for one without a
 // verifier, with a message in the thread's COM error object. A proxy that can't be found is no failure.
 HRESULT FetchVerifier(WideView pageAddress, const ProxyDiscovery &discoverProxy, SecretBstr &verifier);

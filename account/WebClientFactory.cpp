@@ -11,7 +11,7 @@
 
 namespace
 {
-// Both credentials in plain form, as long as this lives. Secret before key, in opening and in closing.
+// Keeps both credentials open in plain form for its lifetime. Opens and closes the secret before the key.
 class OpenCredentials
 {
 public:

@@ -9,5 +9,5 @@ struct AccountRecord;
 class VersionBlock;
 
 // A fresh client, set up with the application's credentials and, if the account has a token pair, with
-// that pair. The version goes into the user agent. Null on any failure, without a reason.
+// that pair. The version becomes part of the user agent. Returns null on any failure, without a reason.
 ComPtr<IOAuthWebClient> CreateWebClient(const AccountRecord &account, const VersionBlock &version) noexcept;

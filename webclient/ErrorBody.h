@@ -1,5 +1,5 @@
-// What the body of a refusal says, in one line for a user: an OAuth problem in plain words, the
-// title of a page, or the first words of a plain text. Empty if it says nothing readable.
+// Describes the body of a refusal in one line for a user: an OAuth problem in plain words, the title of
+// a page, or the first words of a plain text.
 #pragma once
 
 #include <string>

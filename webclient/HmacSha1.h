@@ -1,4 +1,4 @@
-// HMAC-SHA1 (RFC 2104) by the cryptographic library of the system that this is built for.
+// HMAC-SHA1 (RFC 2104), computed by the system's cryptographic library.
 #pragma once
 
 #include <array>
@@ -6,5 +6,5 @@
 
 using HmacSha1Digest = std::array<unsigned char, 20>;
 
-// E_FAIL is thrown if the library refuses.
+// Throws E_FAIL if the library fails.
 HmacSha1Digest HmacSha1(std::string_view key, std::string_view message);

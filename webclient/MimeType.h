@@ -1,5 +1,5 @@
-// The media type of a file by its name's extension, whatever its case. A name that tells nothing
-// gives "application/octet-stream".
+// The media type of a file by its extension, in upper or lower case; "application/octet-stream" for an
+// extension that isn't known, or none.
 #pragma once
 
 #include "com/WideText.h"

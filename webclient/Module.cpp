@@ -61,8 +61,8 @@ RegistryKeyOwner CreateKey(HKEY parent, const WideText &path)
     return key;
 }
 
-// Where classes are registered. Not in the merged view of both, which would write for the user what is
-// there for the user already.
+// Where classes are registered. Not HKEY_CLASSES_ROOT, the merged view of both: it writes to the user's
+// part where a key exists there already.
 const HKEY Machine = HKEY_LOCAL_MACHINE;
 const HKEY User = HKEY_CURRENT_USER;
 
@@ -75,7 +75,7 @@ void Register(const ComponentClass &component, HKEY scope, const WideText &modul
     SetText(server.Get(), TEXT("ThreadingModel"), TEXT("Both"));
 }
 
-// A key that isn't there is as good as one that was deleted.
+// A key that doesn't exist counts as deleted.
 HRESULT Delete(HKEY scope, const WideText &path)
 {
     const LSTATUS status = RegDeleteTreeW(scope, path.c_str());

@@ -36,7 +36,7 @@ std::string QuotedName(std::string_view name)
     return result;
 }
 
-// What follows the last slash of either kind: nobody's folders are the service's business.
+// Cuts the folder off, at a slash of either kind: the service needn't learn the user's folders.
 WideView NameWithoutFolder(WideView name)
 {
     const size_t slash = name.find_last_of(TEXT("/\\"));
@@ -185,7 +185,7 @@ ULONG CMultipartFormData::ReadContent(const Part &part, BYTE *buffer, ULONG size
     return read;
 }
 
-// At most the rest of the part that is being read; 0 at the end of the body.
+// Reads at most the rest of the current part. Returns 0 at the end of the body.
 ULONG CMultipartFormData::ReadSome(BYTE *buffer, ULONG size)
 {
     const Part closing{m_part == m_parts.size() ? Closing() : std::string(), nullptr};

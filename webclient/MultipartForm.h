@@ -1,6 +1,6 @@
 // The component that encodes a form with a file as multipart/form-data (RFC 7578). The body is
-// made while it is read: file parts are streamed, never copied into memory. Names and texts go out
-// as UTF-8; the file name goes without any folder.
+// made while it is read: file parts are streamed, never copied into memory. Names and texts are sent as
+// UTF-8, the file's name without its folder.
 #pragma once
 
 #include "WebComponents.h"
@@ -24,10 +24,10 @@ public:
     STDMETHODIMP GetBodyLength(UINT32 *length) noexcept override;
     STDMETHODIMP GetContentType(BSTR *contentType) noexcept override;
 
-    // The body. A file that ends before the length that it had when it was added fails the read
-    // with ERROR_HANDLE_EOF; what it has gained since is left out.
+    // Reads the body. Fails with ERROR_HANDLE_EOF if a file has become shorter since it was added; bytes
+    // that were added to a file since then are left out.
     STDMETHODIMP Read(void *buffer, ULONG size, ULONG *read) noexcept override;
-    // To the start of the body, or by nothing; elsewhere the body can't be entered.
+    // Moves to the start of the body, or by 0 to learn the position; no other place can be reached.
     STDMETHODIMP Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER *position) noexcept override;
     STDMETHODIMP Stat(STATSTG *status, DWORD flags) noexcept override;
 
@@ -50,7 +50,7 @@ public:
     STDMETHODIMP Clone(IStream **clone) noexcept override;
 
 private:
-    // A stretch of the body: bytes of its own, then those of a file, if there is one.
+    // A piece of the body: its own bytes, then those of a file, if there is one.
     struct Part
     {
         std::string bytes;

@@ -16,8 +16,8 @@ WideText TextOf(const VARIANT &value)
     switch (V_VT(&value))
     {
     case VT_BSTR:
-        // Up to a zero, where the form's zero-terminated copy of the same value ends too: what is
-        // signed must be what is sent.
+        // Up to the first zero, where the form's zero-terminated copy of the same value ends too: the
+        // signed text must be the text that is sent.
         return V_BSTR(&value) != nullptr ? WideText(static_cast<const WCHAR *>(V_BSTR(&value))) : WideText();
     case VT_I4:
         return WideDecimal(V_I4(&value));

@@ -1,4 +1,4 @@
-// The component that collects names and values of one request, in the order of their adding.
+// The component that collects names and values of one request, in the order in which they are added.
 #pragma once
 
 #include "ParameterReader.h"
@@ -24,5 +24,5 @@ private:
     std::vector<Entry> m_entries;
 };
 
-// All parameters as UTF-8; none for null. Throws E_INVALIDARG for an object that isn't this module's.
+// All parameters as UTF-8; no parameters for null. Throws E_INVALIDARG for an object that isn't this module's.
 ParameterList ReadParameters(IRequestParameters *parameters);

@@ -8,7 +8,7 @@
 
 namespace
 {
-// ERROR_INTERNET_INVALID_URL and its WinHTTP twin.
+// ERROR_INTERNET_INVALID_URL, which is ERROR_WINHTTP_INVALID_URL too.
 constexpr HRESULT InvalidUrl = static_cast<HRESULT>(0x80072EE5);
 
 std::string LowerAscii(std::string_view text)

@@ -1,4 +1,4 @@
-// An absolute http or https address, in the parts that signing and sending need.
+// An absolute http or https address, split into the parts that signing and sending need.
 #pragma once
 
 #include "webclient/SecretText.h"
@@ -26,11 +26,11 @@ struct RequestUrl
     std::string scheme; // lower case
     std::string host;   // lower case; an IPv6 address in its brackets
     unsigned port = 0;  // 0: the scheme's own
-    std::string path;   // begins with "/", encoded as it was given
+    std::string path;   // begins with "/"; encoded, unchanged
     std::string query;  // without the "?", encoded
 
-    // Throws the code for an invalid address if text isn't an absolute http or https address of
-    // plain ASCII characters, or if it has a user name in it. A fragment is left out.
+    // Throws 0x80072EE5, the code for an invalid address, unless text is an absolute http or https address
+    // in ASCII characters without a user name. A fragment is cut off.
     static RequestUrl Parse(std::string_view text);
 
     std::string Text() const;

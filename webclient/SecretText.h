@@ -1,5 +1,5 @@
-// Bytes that nobody is to find in memory later: keys, tokens, and all that is computed from them.
-// Every buffer that the text ever had is overwritten before it is freed.
+// Secret bytes: keys, tokens, and everything that is computed from them. Every buffer that has held any of
+// them is overwritten before it is freed, so that nothing is left in memory for a dump or a swap file.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@
 
 inline void WipeMemory(void *memory, std::size_t bytes) noexcept
 {
-    // Volatile, so that the stores stay although nobody reads them.
+    // Volatile: a compiler drops other stores to memory that is about to be freed.
     auto *byte = static_cast<volatile unsigned char *>(memory);
     while (bytes-- > 0)
     {
@@ -55,6 +55,6 @@ public:
     bool IsEmpty() const noexcept { return m_bytes.empty(); }
 
 private:
-    // A vector: a string would keep a short text inside the object, out of the allocator's reach.
+    // A vector: a string keeps short texts inside the object, where the allocator doesn't wipe them.
     std::vector<char, WipingAllocator<char>> m_bytes;
 };

@@ -1,5 +1,5 @@
-// One asynchronous request of WinHTTP. Its operations are started one after the other by one thread,
-// which then waits for the end of each; WinHTTP tells the ends on threads of its own.
+// One asynchronous request of WinHTTP. One thread starts its operations one after the other and waits for
+// the end of each; WinHTTP reports the ends on threads of its own.
 #pragma once
 
 #include "com/InternetHandleOwner.h"
@@ -26,7 +26,7 @@ public:
         DWORD bytes = 0;
     };
 
-    // What WinHTTP has told on the way, as of now.
+    // What WinHTTP's status calls have reported so far.
     struct Sight
     {
         WideText resolvedName;      // the name that was looked up last: the host's or the proxy's
@@ -36,17 +36,17 @@ public:
 
     static constexpr DWORD BufferSize = 64 * 1024;
 
-    // Takes a handle that no operation has been started on, from a session with OnStatus for its callback.
-    // HRESULT is thrown.
+    // Takes a handle on which no operation has been started, of a session whose callback is OnStatus.
+    // Throws HRESULTs.
     explicit WinHttpRequest(InternetHandleOwner handle);
-    // Ends whatever is under way, and waits for a short while until WinHTTP has let go.
+    // Ends the running operation, and waits up to half a second until WinHTTP has closed the handle.
     ~WinHttpRequest();
     WinHttpRequest(const WinHttpRequest &) = delete;
     WinHttpRequest &operator=(const WinHttpRequest &) = delete;
 
     HINTERNET Get() const noexcept { return m_handle.Get(); }
 
-    // BufferSize bytes, what Write takes and Read fills. Not to be touched while one of them is under way.
+    // BufferSize bytes, which Write sends and Read fills. Don't touch them while one of the two runs.
     char *Buffer() noexcept;
 
     void Send(DWORD totalLength);
@@ -54,7 +54,7 @@ public:
     void Receive();
     void Read();
 
-    // The ending of the operation that was started last; nothing if it has none within the time.
+    // The ending of the operation that was started last; nullopt if it hasn't ended within the time.
     std::optional<Ending> WaitFor(std::chrono::milliseconds time);
 
     Sight WhatWasSeen();
@@ -71,13 +71,13 @@ private:
         bool isClosed = false;
         Sight sight;
         std::vector<char> buffer = std::vector<char>(BufferSize);
-        ModuleLock codeStays; // WinHTTP calls OnStatus until it has closed the handle
+        ModuleLock codeStays; // keeps OnStatus loaded: WinHTTP calls it until it has closed the handle
     };
 
     void Started(BOOL isStarted);
     static void Note(State &state, DWORD status, void *information, DWORD size);
 
-    // WinHTTP holds a share of its own, which it gives back with the last call of OnStatus.
+    // WinHTTP's context is a second shared owner, which the last call of OnStatus deletes.
     std::shared_ptr<State> m_state;
     std::shared_ptr<State> *m_context;
     InternetHandleOwner m_handle;
