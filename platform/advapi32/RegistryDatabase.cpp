@@ -34,10 +34,14 @@ void RegistryDatabase::Load()
     m_tree = RegistryTree();
     m_loaded = true;
     m_blocked = false;
-    if (ReadWholeFile(m_path, bytes, m_stamp) != ERROR_SUCCESS)
+    if (const LSTATUS result = ReadWholeFile(m_path, bytes, m_stamp); result != ERROR_SUCCESS)
     {
         m_blocked = true;
-        m_problem = RegistryProblem{m_path, {}};
+        m_problem = RegistryProblem{m_path, result, {}};
+        return;
+    }
+    if (!m_stamp.exists)
+    {
         return;
     }
     if (auto parsed = ParseRegistryText(bytes))
@@ -48,11 +52,11 @@ void RegistryDatabase::Load()
     if (!SetAside())
     {
         m_blocked = true;
-        m_problem = RegistryProblem{m_path, {}};
+        m_problem = RegistryProblem{m_path, ERROR_SUCCESS, {}};
     }
 }
 
-// The file may have been put right between the look at it and the lock, so it is looked at again.
+// Another process may have repaired the file since it was read without the lock, so it is read again.
 bool RegistryDatabase::SetAside()
 {
     const bool heldBefore = m_fileLock.IsHeld();
@@ -70,7 +74,7 @@ bool RegistryDatabase::SetAside()
     else if (done && (done = SetFileAside(m_path, keptAs) == ERROR_SUCCESS))
     {
         m_stamp = {};
-        m_problem = RegistryProblem{m_path, keptAs};
+        m_problem = RegistryProblem{m_path, ERROR_SUCCESS, keptAs};
     }
     if (!heldBefore)
     {
@@ -85,11 +89,32 @@ void RegistryDatabase::Refresh()
     {
         m_path = DefaultPath();
     }
-    // Within a batch the file can't change but by us.
-    if (!m_loaded || (!(m_batches != 0 && m_fileLock.IsHeld()) && !(StampOf(m_path) == m_stamp)))
+    // While the lock is held, no other process changes the file, and the tree may be ahead of it.
+    if (!m_loaded || (!m_fileLock.IsHeld() && !(StampOf(m_path) == m_stamp)))
     {
         Load();
     }
+}
+
+LSTATUS RegistryDatabase::Lock()
+{
+    if (m_fileLock.IsHeld())
+    {
+        return ERROR_SUCCESS;
+    }
+    if (m_path.empty())
+    {
+        m_path = DefaultPath();
+    }
+    const LSTATUS result = m_fileLock.Acquire(m_path);
+    if (result == ERROR_SUCCESS)
+    {
+        // Another process may have replaced the file during the wait, and a stamp can come back: a file system
+        // gives the number of a node to the next file, and its clock has ticks of some milliseconds.
+        Load();
+    }
+    // ERROR_PATH_NOT_FOUND: the folder can't be made.
+    return result == ERROR_PATH_NOT_FOUND ? ERROR_ACCESS_DENIED : result;
 }
 
 LSTATUS RegistryDatabase::Read(const std::function<LSTATUS(const RegistryTree &)> &look)
@@ -102,12 +127,7 @@ LSTATUS RegistryDatabase::Read(const std::function<LSTATUS(const RegistryTree &)
 LSTATUS RegistryDatabase::Write(const std::function<LSTATUS(RegistryTree &)> &change)
 {
     const std::lock_guard guard(m_lock);
-    Refresh();
-    LSTATUS result = m_blocked ? ERROR_ACCESS_DENIED : m_fileLock.Acquire(m_path);
-    if (result == ERROR_PATH_NOT_FOUND)
-    {
-        result = ERROR_ACCESS_DENIED; // a folder that can't be made
-    }
+    LSTATUS result = Lock();
     if (result == ERROR_SUCCESS)
     {
         Refresh();

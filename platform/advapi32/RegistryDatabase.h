@@ -33,7 +33,8 @@ public:
 private:
     RegistryDatabase() = default;
 
-    void Refresh();
+    void Refresh(); // reads the file again if it has changed
+    LSTATUS Lock(); // against other processes; the tree is then what the file says
     void Load();
     bool SetAside();
     LSTATUS Save();

@@ -2,8 +2,9 @@
 // or UTF-16 with a byte order mark, that all processes of a user share.
 //
 // Each change replaces the file as a whole, or leaves the old one as it was; changes by another
-// process are seen with the next call. What the store doesn't understand stays in the file. A file
-// that is no such text is moved aside as NAME.damaged-N before anything is written.
+// process are seen with the next call, and none is lost. What the store doesn't understand stays in the file.
+// A remark below the heading holds length and checksum of the rest. A file that is damaged, or was changed
+// without deleting that remark, is moved aside as NAME.damaged-N when it is read.
 // All functions may be called from any thread.
 #pragma once
 
@@ -20,12 +21,14 @@ std::string RegistryStorePath();
 
 struct RegistryProblem
 {
-    std::string file;   // the store's path
-    std::string keptAs; // where the damaged file is now; empty: it could not be read or moved, the
-                        // store reads as empty, and every change fails with ERROR_ACCESS_DENIED
+    std::string file;                   // the store's path
+    LSTATUS readResult = ERROR_SUCCESS; // another code: the file could not be read; otherwise it is damaged
+    std::string keptAs;                 // the new path of the damaged file; empty if it could not be moved
+
+    // Where the file was not moved, the store reads as empty, and every change fails with ERROR_ACCESS_DENIED.
 };
 
-// What was found wrong with the store's file; each trouble is told once.
+// Reads the store's file if need be. What was found wrong with it; each problem is returned once.
 std::optional<RegistryProblem> RegistryStoreProblem();
 
 // Gathers all changes of its lifetime, by whatever thread, in one replacement of the file. Other

@@ -1,14 +1,17 @@
 #include "platform/advapi32/RegistryText.h"
 
+#include "com/Checksum.h"
 #include "platform/advapi32/RegistryValueText.h"
 #include "platform/kernel32/PathText.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 
 namespace
 {
 constexpr std::string_view Heading = "Windows Registry Editor Version 5.00";
+constexpr std::string_view CheckStart = "; checked: ";
 constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view Utf16Mark = "\xFF\xFE";
 
@@ -148,6 +151,33 @@ private:
     bool m_lastLineClosed = true;
 };
 
+// The remark that tells whether everything below it is as it was written. It stands at the top, where a file that
+// was cut has lost either the keys or the right to it.
+std::string CheckLine(std::string_view below)
+{
+    std::string bytes(below);
+    std::erase(bytes, '\r'); // counted without the carriage returns of one form of the file
+    char line[128];
+    std::snprintf(line, sizeof(line), "%s%zu bytes follow, CRC-32 %08x. After a change by hand delete this line.",
+                  CheckStart.data(), bytes.size(), static_cast<unsigned>(Crc32(bytes)));
+    return line;
+}
+
+// Takes the check off the text; false if the text isn't what was checked. A file of an earlier version, or of
+// regedit, has none.
+bool TakeCheck(std::string_view &text)
+{
+    if (!text.starts_with(CheckStart))
+    {
+        return true;
+    }
+    const size_t end = std::min(text.find('\n'), text.size());
+    std::string_view line = text.substr(0, end);
+    line.remove_suffix(line.ends_with('\r') ? 1 : 0);
+    text.remove_prefix(std::min(end + 1, text.size()));
+    return line == CheckLine(text);
+}
+
 struct Section
 {
     WideText path;
@@ -218,10 +248,6 @@ std::optional<RegistryTree> ParseRegistryText(std::string_view bytes)
         return std::nullopt;
     }
     const size_t start = std::min(text.find_first_not_of(" \t\r\n"), text.size());
-    if (start == text.size())
-    {
-        return tree;
-    }
     std::string_view rest = std::string_view(text).substr(start);
     const size_t end = std::min(rest.find('\n'), rest.size());
     std::string_view first = rest.substr(0, end);
@@ -232,7 +258,11 @@ std::optional<RegistryTree> ParseRegistryText(std::string_view bytes)
         return std::nullopt;
     }
     rest.remove_prefix(std::min(end + 1, rest.size()));
-    return Parser(tree).Parse(rest) ? std::optional(std::move(tree)) : std::nullopt;
+    if (!TakeCheck(rest) || !Parser(tree).Parse(rest) || tree.lastPosition == 0)
+    {
+        return std::nullopt;
+    }
+    return tree;
 }
 
 std::string FormatRegistryText(const RegistryTree &tree)
@@ -242,14 +272,13 @@ std::string FormatRegistryText(const RegistryTree &tree)
     std::sort(sections.begin(), sections.end(),
               [](const Section &left, const Section &right) { return left.key->position < right.key->position; });
     std::string text;
-    AppendLine(text, Heading);
     for (const std::string &line : tree.preamble)
     {
         AppendLine(text, line);
     }
     for (const Section &section : sections)
     {
-        if (!text.ends_with("\n\n"))
+        if (text != "\n" && !text.ends_with("\n\n"))
         {
             text += '\n';
         }
@@ -259,5 +288,8 @@ std::string FormatRegistryText(const RegistryTree &tree)
             AppendLine(text, line.isValue ? FormatRegistryValue(line) : line.text);
         }
     }
-    return Encode(text, tree);
+    std::string file;
+    AppendLine(file, Heading);
+    AppendLine(file, CheckLine(text));
+    return Encode(file + text, tree);
 }

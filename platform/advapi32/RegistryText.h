@@ -7,9 +7,11 @@
 #include <string>
 #include <string_view>
 
-// The tree that the bytes of a file describe; nothing if they are no such text: another heading,
-// zero bytes, or cut off in the middle of a value. No bytes at all are an empty tree.
+// The tree that the bytes of a file describe. Nothing if they are damaged: another heading, zero bytes, no key, a
+// value that is cut off, or not what the check below the heading was made of. Text without a check is read
+// as well: earlier versions and regedit write none.
 std::optional<RegistryTree> ParseRegistryText(std::string_view bytes);
 
-// The bytes of a file. What has not been changed since it was parsed is written as it stood.
+// The bytes of a file, with a check of everything below it. What has not been changed since it was parsed is
+// written as it stood.
 std::string FormatRegistryText(const RegistryTree &tree);

@@ -42,11 +42,21 @@ protected:
 
     void Put(const std::string &text) const { std::ofstream(m_file, std::ios::binary) << text; }
 
-    std::string FileText() const
+    static std::string TextOf(const std::string &file)
     {
         std::ostringstream text;
-        text << std::ifstream(m_file, std::ios::binary).rdbuf();
+        text << std::ifstream(file, std::ios::binary).rdbuf();
         return text.str();
+    }
+    std::string FileText() const { return TextOf(m_file); }
+
+    // Without the second line, which holds the checksum.
+    std::string UncheckedText() const
+    {
+        std::string text = FileText();
+        const size_t start = text.find("; checked: ");
+        EXPECT_EQ(start, Heading.size());
+        return text.erase(start, text.find('\n', start) + 1 - start);
     }
 
     static LSTATUS Set(const WCHAR *name, DWORD number)
@@ -83,7 +93,7 @@ TEST_F(RegistryStore, KeepsEverythingItDoesNotChange)
                   "[HKEY_CURRENT_USER\\Software\\Test]\n\"A\"=dword:1\n";
     Put(before);
     ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("B"), 2));
-    EXPECT_EQ(before + "\"B\"=dword:00000002\n", FileText());
+    EXPECT_EQ(before + "\"B\"=dword:00000002\n", UncheckedText());
     ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("A"), 3));
     EXPECT_THAT(FileText(), HasSubstr("\"odd\"=something new\n"));
     EXPECT_EQ(3, Get(TEXT("a")));
@@ -114,7 +124,10 @@ TEST_F(RegistryStore, ReadsAndKeepsWhatRegeditExports)
     EXPECT_EQ(7, Get(TEXT("grÖße")));
     ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("B"), 2));
     const std::u16string added = u"\"B\"=dword:00000002\r\n";
-    EXPECT_EQ(bytes + std::string(reinterpret_cast<const char *>(added.data()), added.size() * 2), FileText());
+    EXPECT_TRUE(FileText().ends_with(bytes.substr(bytes.find('[') - 4) +
+                                     std::string(reinterpret_cast<const char *>(added.data()), added.size() * 2)));
+    SetRegistryStorePath(m_file);
+    EXPECT_EQ(2, Get(TEXT("B")));
 }
 
 TEST_F(RegistryStore, PutsADamagedFileAsideAndSaysSoOnce)
@@ -126,6 +139,8 @@ TEST_F(RegistryStore, PutsADamagedFileAsideAndSaysSoOnce)
         Heading + "[HKEY_CURRENT_USER\\Software\\Te",
         Heading + "[HKEY_CURRENT_USER\\Software\\Test]\n\"A\"=hex:01,02,",
         "\xFF\xFEW",
+        "",
+        Heading,
     };
     int number = 0;
     for (const std::string &text : cases)
@@ -136,12 +151,45 @@ TEST_F(RegistryStore, PutsADamagedFileAsideAndSaysSoOnce)
         ASSERT_TRUE(problem) << text;
         EXPECT_EQ(m_file + ".damaged-" + std::to_string(++number), problem->keptAs);
         EXPECT_FALSE(RegistryStoreProblem());
-        std::ostringstream kept;
-        kept << std::ifstream(problem->keptAs, std::ios::binary).rdbuf();
-        EXPECT_EQ(text, kept.str());
+        EXPECT_EQ(text, TextOf(problem->keptAs));
         EXPECT_EQ(ERROR_SUCCESS, Set(TEXT("A"), 5));
         EXPECT_EQ(5, Get(TEXT("A")));
     }
+}
+
+TEST_F(RegistryStore, NoticesEveryCutAndEveryChangedByte)
+{
+    ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("A"), 1));
+    ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("B"), 0));
+    const std::string whole = FileText();
+    const auto isNoticed = [&](const std::string &text) {
+        Put(text);
+        SetRegistryStorePath(m_file);
+        const auto problem = RegistryStoreProblem();
+        return problem && fs::remove(problem->keptAs);
+    };
+    for (size_t i = 0; i < whole.size(); ++i)
+    {
+        EXPECT_TRUE(isNoticed(whole.substr(0, i))) << "cut at " << i;
+        std::string changed = whole;
+        changed[i] = static_cast<char>(changed[i] ^ (1 << i % 8));
+        EXPECT_TRUE(isNoticed(changed) || i < whole.find('[')) << "changed at " << i;
+    }
+    Put(whole);
+    SetRegistryStorePath(m_file);
+    EXPECT_FALSE(RegistryStoreProblem());
+    EXPECT_EQ(1, Get(TEXT("A")));
+}
+
+TEST_F(RegistryStore, WhatCannotBeReadIsNotCalledDamaged)
+{
+    fs::create_directory(m_file);
+    EXPECT_EQ(-1, Get(TEXT("A")));
+    const auto problem = RegistryStoreProblem();
+    ASSERT_TRUE(problem);
+    EXPECT_EQ(ERROR_ACCESS_DENIED, problem->readResult);
+    EXPECT_EQ("", problem->keptAs);
+    EXPECT_EQ(ERROR_ACCESS_DENIED, Set(TEXT("A"), 1));
 }
 
 TEST_F(RegistryStore, SeesAndKeepsTheChangesOfOtherProcesses)
@@ -156,7 +204,8 @@ TEST_F(RegistryStore, SeesAndKeepsTheChangesOfOtherProcesses)
             for (int i = 0; i < 10; ++i)
             {
                 const WCHAR name[] = {static_cast<WCHAR>(u'0' + process), static_cast<WCHAR>(u'a' + i), 0};
-                good = Set(name, 10) == ERROR_SUCCESS && good;
+                RegistryStoreBatch batch;
+                good = Set(name, i) == ERROR_SUCCESS && batch.Commit() == ERROR_SUCCESS && good;
             }
             _exit(good ? 0 : 1);
         }
@@ -169,8 +218,11 @@ TEST_F(RegistryStore, SeesAndKeepsTheChangesOfOtherProcesses)
     }
     for (int process = 0; process < processes; ++process)
     {
-        const WCHAR name[] = {static_cast<WCHAR>(u'0' + process), u'j', 0};
-        EXPECT_EQ(10, Get(name));
+        for (int i = 0; i < 10; ++i)
+        {
+            const WCHAR name[] = {static_cast<WCHAR>(u'0' + process), static_cast<WCHAR>(u'a' + i), 0};
+            EXPECT_EQ(i, Get(name)) << "process " << process;
+        }
     }
     EXPECT_EQ(1, Get(TEXT("A")));
 }
@@ -236,12 +288,10 @@ TEST_F(RegistryStore, ABatchReplacesTheFileOnce)
 TEST_F(RegistryStore, ALinkToTheFileStaysALink)
 {
     const std::string real = m_folder + "/real.reg";
-    std::ofstream(real) << Heading;
+    std::ofstream(real) << Heading << "[HKEY_CURRENT_USER]\n";
     fs::create_symlink(real, m_file);
     ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("A"), 1));
     EXPECT_TRUE(fs::is_symlink(m_file));
-    std::ostringstream text;
-    text << std::ifstream(real).rdbuf();
-    EXPECT_THAT(text.str(), HasSubstr("\"A\"=dword:00000001"));
+    EXPECT_THAT(TextOf(real), HasSubstr("\"A\"=dword:00000001"));
 }
 } // namespace
