@@ -17,9 +17,9 @@ enum class Charset
 
 enum class Faults
 {
-    Refuse, // nothing at all for bytes that don't fit
+    Refuse, // nullopt for bytes that aren't valid
     Replace // by U+FFFD
 };
 
-// Nothing too for a character set that the system doesn't know.
+// Also nullopt if the system lacks the character set.
 std::optional<WideText> TextFromCharset(Charset charset, std::string_view bytes, Faults faults);

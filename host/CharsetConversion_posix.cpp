@@ -53,7 +53,7 @@ std::optional<WideText> FromUtf8(std::string_view bytes, Faults faults)
 
 std::optional<WideText> TextFromCharset(Charset charset, std::string_view bytes, Faults faults)
 {
-    // Files are read without a converter's costs.
+    // Directly, without the cost of a converter.
     if (charset == Charset::Utf8)
     {
         return FromUtf8(bytes, faults);

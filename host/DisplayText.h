@@ -1,4 +1,4 @@
-// Text as a terminal shows it: what takes how many columns.
+// Text as a terminal shows it: its width in columns, and cutting to a width.
 #pragma once
 
 #include <cstddef>

@@ -5,8 +5,8 @@
 
 #include <objidl.h>
 
-// The value of a field; lives as long as both the object and the field's data don't change. VT_EMPTY for
-// data that its type doesn't fit.
+// A field's value, valid as long as the object lives and the field's data doesn't change. VT_EMPTY if the
+// data doesn't fit the type.
 class ExifFieldValue
 {
 public:
@@ -21,5 +21,5 @@ private:
     PROPVARIANT m_value = {};
 };
 
-// Type and data of a field by the value that a query gave; false for a value that no field has.
+// Type and data of a field from the value that a query gave; returns false for a value that no field can hold.
 bool PutValue(const PROPVARIANT &value, ExifField &field);

@@ -1,4 +1,4 @@
-// File names on their way to and from the plug-in. At the interface a name is UTF-16. Where it is bytes
+// File names as the plug-in has them and as the file system does. At the interface a name is UTF-16. Where it is bytes
 // on disk, the convention is that of the platform's file functions: a byte that belongs to no valid UTF-8
 // sequence is the lone surrogate U+DC00 + byte. Every name survives the round trip.
 #pragma once
@@ -27,5 +27,5 @@ inline std::string ExtensionOf(const std::filesystem::path &file)
 // resolved, and case is folded where the system doesn't tell it apart. To be compared, not opened.
 std::filesystem::path IdentityOf(const std::filesystem::path &file);
 
-// Whether a walk through a folder passes the entry over.
+// Whether a walk through a folder skips the entry.
 bool IsHidden(const std::filesystem::path &entry);

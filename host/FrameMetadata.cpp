@@ -32,7 +32,7 @@ constexpr WORD Rating = 18246;
 constexpr WORD UserComment = 37510;
 } // namespace Tag
 
-// A list in a file that has no end must not hold us.
+// Ends the reading of a list that a crafted file makes endless.
 constexpr int MostElements = 1000;
 
 class QueryValue
@@ -223,7 +223,7 @@ public:
         QueryValue value;
         value.Read(m_reader, ExifPaths, FieldItem(Tag::UserComment));
         const auto bytes = value.Bytes();
-        // A query doesn't tell the file's byte order.
+        // A query doesn't say which byte order the file has.
         return bytes ? CharsetTextOfBytes(*bytes, ByteOrder16::LittleEndian) : value.Wide().value_or(WideText());
     }
 

@@ -6,9 +6,9 @@
 
 #include <wincodec.h>
 
-// The texts, and if groups isn't null, what is to be written again of EXIF, GPS and XMP. What the component
-// doesn't find or can't read counts as absent. Paths are those of JPEG and TIFF files; other kinds that
-// hold the same blocks have them by one or the other name.
+// Reads the texts and, if groups isn't null, the fields of EXIF, GPS and XMP that are written again later.
+// What the component doesn't find or can't read counts as absent. The query paths are those of JPEG and TIFF
+// files; other kinds that hold the same blocks use one or the other.
 void ReadFrameMetadata(IWICMetadataQueryReader &reader, ImageTexts &texts, MetadataSnapshot *groups);
 
 // EXIF's number, 1 to 8; 1 where there is none.

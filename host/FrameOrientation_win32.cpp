@@ -13,7 +13,8 @@ UINT16 OrientationOfFrame(IWICBitmapFrameDecode &frame)
     return SUCCEEDED(frame.GetMetadataQueryReader(reader.Put())) ? ReadFrameOrientation(*reader.Get()) : UINT16{1};
 }
 
-// The imaging component can turn too, but row by row, with a decoder that begins anew for each.
+// The imaging component can turn pictures too, but asks for single rows, and its decoder starts from the
+// beginning for each.
 DecodedPicture Upright(DecodedPicture picture, UINT16 orientation)
 {
     if (orientation <= 1 || orientation > 8)

@@ -6,11 +6,11 @@
 
 #include <filesystem>
 
-// Reads the texts of a file without loading its pixels, and if groups isn't null, what is to be written
-// again of EXIF, GPS and XMP; may be called from any thread, one reading at a time. On failure texts and
+// Reads the texts of a file without loading its pixels and, if groups isn't null, the fields of EXIF, GPS
+// and XMP that are written again later. Any thread; readings wait for each other. On failure texts and
 // groups are empty, and the result is the code of the file system's refusal,
 // WINCODEC_ERR_UNKNOWNIMAGEFORMAT for a file of no known kind, or WINCODEC_ERR_BADMETADATAHEADER for
-// blocks that can't be read. Damage within a block costs what it hit and is no failure.
+// blocks that can't be read. Damage within a block loses the damaged values and is no failure.
 HRESULT ReadMetadata(const std::filesystem::path &file, ImageTexts &texts, MetadataSnapshot *groups) noexcept;
 
 // Whether the system can read the metadata of JPEG files at all. Where it can't, a reading finds nothing,

@@ -26,7 +26,7 @@ std::mutex &ReadingLock()
 }
 
 // The imaging component uses the same library from the plug-in's thread, and the library's XMP toolkit is
-// started once for all with the lock of whoever comes first.
+// initialized once for the process, with the lock function of the first caller.
 void LockToolkit(void *, bool lock)
 {
     static std::recursive_mutex toolkit;
@@ -162,7 +162,7 @@ public:
         }
     }
 
-    // What a file tells in XMP alone, as PNG files and raw files with their notes in XMP do.
+    // Takes fields that a file has in XMP only, as PNG files and some raw files do.
     void TakeFromXmp(const Exiv2::XmpData &xmp)
     {
         Exiv2::ExifData converted;
@@ -174,7 +174,8 @@ public:
         {
             // What was converted up to here is taken.
         }
-        // Half of a place from one source and half from another would be a third place.
+        // Never combine GPS tags from EXIF and XMP: a latitude of one with a longitude of the other is a wrong
+        // position.
         const bool hasPlace = !m_groups.gps.empty();
         for (const Exiv2::Exifdatum &datum : converted)
         {
@@ -229,7 +230,7 @@ MetadataSnapshot ReadGroups(const Exiv2::Image &image, const MetadataBlocks &blo
     return groups;
 }
 
-// Not left to the library, which tells a missing file and a strange one apart by prose alone.
+// Opens the file first: the library's errors tell a missing file from an unknown kind only in their texts.
 HRESULT TryOpen(const std::filesystem::path &file)
 {
     if (std::FILE *opened = std::fopen(file.c_str(), "rb"))

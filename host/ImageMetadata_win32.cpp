@@ -43,7 +43,7 @@ HRESULT ReadMetadata(const std::filesystem::path &file, ImageTexts &texts, Metad
             return result == E_OUTOFMEMORY ? result : WINCODEC_ERR_BADMETADATAHEADER;
         }
         ComPtr<IWICMetadataQueryReader> reader;
-        // A kind of file, or a system, without metadata is none that fails.
+        // A kind of file without metadata is no failure, nor a system that reads none.
         if (SUCCEEDED(frame->GetMetadataQueryReader(reader.Put())))
         {
             ReadFrameMetadata(*reader.Get(), texts, groups);

@@ -17,7 +17,7 @@ using namespace std::string_literals;
 
 namespace
 {
-// What is looked for in the copy. It stands in each kind of block that a JPEG file holds.
+// The text that is searched for in the copy; each kind of metadata block of the trial's file holds it.
 constexpr std::string_view Mark = "HALVORA-TRIAL-OF-COPIES";
 
 std::string Segment(char marker, const std::string &content)
@@ -124,7 +124,7 @@ private:
         ThrowIfFailed(frame->SetPixelFormat(&format));
         if (const auto writer = QueryFor<IWICMetadataBlockWriter>(frame.Get()); writer && blocks != nullptr)
         {
-            // Refused or not, what counts is what the file holds then.
+            // Ignore the result; only the written file decides.
             writer->InitializeFromBlockReader(blocks);
         }
         ThrowIfFailed(frame->WriteSource(source, nullptr));

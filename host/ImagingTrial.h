@@ -1,5 +1,5 @@
-// What the system's imaging component does with metadata, tried out with a picture made for it. Each
-// trial is made once. COM must be initialized.
+// Finds out by a trial what the system's imaging component does with metadata. Each trial runs once for
+// the process. COM must be initialized.
 #pragma once
 
 enum class CopiedMetadata

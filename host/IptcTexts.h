@@ -1,5 +1,5 @@
-// The texts of the record's IPTC group beside title, description and keywords: where each lies in the
-// two kinds of metadata that hold it.
+// The texts of the record's IPTC group other than title, description and keywords, and where XMP and IPTC
+// hold each of them.
 #pragma once
 
 #include "com/WideText.h"

@@ -1,4 +1,4 @@
-// Lines with links, as the plug-in writes them for a window, in a form for the terminal.
+// Turns lines with links, which the plug-in writes for a window, into text for the terminal.
 #pragma once
 
 #include <string>

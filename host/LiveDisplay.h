@@ -33,7 +33,7 @@ public:
     // Text that is no log entry, such as a summary: always shown, line by line.
     void Print(std::string_view lines);
 
-    // Takes over the progress; it is drawn at once if the last drawing is long enough ago.
+    // Stores the progress, and draws it if the last drawing is long enough ago.
     void ShowProgress(const ProgressView &view, Clock::time_point now);
 
     // Draws progress that came too early to be drawn. To be called now and then.
@@ -42,7 +42,7 @@ public:
     // The terminal's width changed; draws again.
     void Resize(size_t columns);
 
-    // Takes the progress line away for good.
+    // Erases the progress line for good.
     void EndProgress();
 
 private:

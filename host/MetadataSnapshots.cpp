@@ -67,7 +67,7 @@ RecordGroup MetadataSnapshots::Gps(const ItemRecord &record) const
 RecordGroup MetadataSnapshots::Xmp(const ItemRecord &record) const
 {
     const auto is = [](BYTE wanted) { return [wanted](BYTE value) { return value == wanted; }; };
-    // All 0 in a record that was laid out and not read into.
+    // All are 0 in a record that was laid out but never filled.
     if (std::all_of(std::begin(record.XmpGroup), std::end(record.XmpGroup), is(0xFF)) ||
         std::all_of(std::begin(record.XmpGroup), std::end(record.XmpGroup), is(0)))
     {

@@ -1,8 +1,8 @@
-// What was read of the groups for which an item record has no room, kept until the record is written.
+// Keeps the metadata of EXIF, GPS and XMP, for which an item record has no room, until it is written.
 //
-// The record's words for EXIF, GPS and XMP hold the key of a snapshot. A read picture has its key in all
-// of them, also for a group of which it holds nothing, so that 0 and 0xFF mean one thing alone: the
-// plug-in took the group out.
+// The record's words for these groups hold the key of a snapshot instead. A picture that was read has its
+// key in all of them, also for a group of which it holds nothing, so that 0 and 0xFF mean one thing only:
+// the plug-in removed the group.
 #pragma once
 
 #include "com/WideText.h"
@@ -43,7 +43,7 @@ struct MetadataSnapshot
 
 using SnapshotPtr = std::shared_ptr<const MetadataSnapshot>;
 
-// What a record says of the three groups: a group taken out has no snapshot and is blank.
+// What a record holds of one of the three groups. A group that the plug-in removed is blank.
 struct RecordGroup
 {
     bool blank = true;
@@ -55,8 +55,8 @@ class MetadataSnapshots
 {
 public:
     // Keeps the snapshot and puts its key and the orientation into the record, whose texts are there
-    // already. Where none of the copyright group is, the artist becomes an empty text for the same end as
-    // the keys. Throws E_OUTOFMEMORY.
+    // already. If it has no text of the copyright group, artist is set to "" so that "read, empty" differs
+    // from "removed by the plug-in". Throws E_OUTOFMEMORY.
     void Put(SnapshotPtr snapshot, ItemRecord &record);
 
     RecordGroup Exif(const ItemRecord &record) const;

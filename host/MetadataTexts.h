@@ -1,4 +1,5 @@
-// A picture's texts and numbers, chosen among the blocks that hold them, whoever reads the blocks.
+// Chooses a picture's texts and numbers among the metadata blocks that hold them, whichever library reads
+// the blocks.
 #pragma once
 
 #include "host/ImageTexts.h"
@@ -20,7 +21,7 @@ public:
     virtual std::vector<WideText> XmpList(const WCHAR *property) const = 0;
     virtual WideText Iptc(const IptcDataset &dataset) const = 0;
     virtual std::vector<WideText> IptcList(const IptcDataset &dataset) const = 0;
-    // Of the main directory: in EXIF's own encoding, and in that of the tags that Windows writes.
+    // Of the main directory, in EXIF's own encoding; ExifWindowsText in that of the tags that Windows writes.
     virtual WideText Exif(WORD tag) const = 0;
     virtual WideText ExifWindowsText(WORD tag) const = 0;
     virtual WideText ExifUserComment() const = 0;

@@ -30,7 +30,7 @@ constexpr WORD CopiesInMain[] = {700, 33723, 34377, 37724};
 constexpr size_t LongestText = 8000;
 constexpr size_t MostXmpText = 12000;
 
-// More than any file has segments of a kind; a writer that always claims success must not hold us.
+// More segments of a kind than any file has; ends the loop on a writer that always claims success.
 constexpr int MostSegments = 10000;
 
 WideText ExifPath(ExifField::Directory directory, WORD tag)
@@ -59,7 +59,7 @@ public:
     {
     }
 
-    // False if nothing was there.
+    // Returns false if there was nothing to remove.
     bool Remove(const WideText &path)
     {
         const HRESULT result = m_writer.RemoveMetadataByName(path.c_str());

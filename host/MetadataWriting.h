@@ -1,4 +1,4 @@
-// Writing of a record's metadata into a new file.
+// Writes a record's metadata into a new file, group by group.
 //
 //     copyright   EXIF Artist, Copyright, UserComment; dc:creator, dc:rights, photoshop:Credit;
 //                 IPTC By-line, Copyright Notice, Credit; the comment segments of a copied picture
@@ -8,15 +8,17 @@
 //     IPTC        ImageDescription; title, caption, keywords, place, usage terms and the like as IPTC
 //                 datasets and as their counterparts in XMP (IptcTexts.h)
 //
-// In a picture that keeps its pixels the encoder holds copies of the source's blocks. Where all five
-// groups go, the EXIF block stays and is only completed; otherwise every copied block goes, and the groups
-// that are wanted are written anew from the lists. So what isn't known to belong to a wanted group never
-// goes up: a maker note and the segments of makers are closed boxes that may hold a place, an owner or a
-// title, and go with all five groups or not at all. XMP and IPTC blocks are always written anew.
-// Thumbnails never go: they show what was cropped away or painted over.
+// The privacy rule: a group that the user switched off leaves no byte in the published file. A list of
+// what to remove can't promise that, since nobody knows every tag; so the rule is a list of what to keep.
+// In a picture that keeps its pixels the encoder starts with copies of the source's blocks. Only if all
+// five groups are wanted does the EXIF block stay, and is completed; otherwise every copied block is
+// removed, and the wanted groups are written anew from the lists above. Maker notes and makers' own
+// segments can't be looked into and may hold a place, an owner or a title: they are published with all
+// five groups or not at all. XMP and IPTC blocks are always written anew. Thumbnails are always removed:
+// they may show what was cropped away or painted over.
 //
-// Orientation isn't metadata but says how the pixels lie, as the colour profile says how they look. It
-// stays with pixels that weren't turned, whatever the switches say.
+// Orientation isn't metadata: it says how the pixels lie, as the colour profile says how they look. Pixels
+// that weren't turned keep it, whatever the switches say.
 #pragma once
 
 #include "host/MetadataSnapshots.h"
@@ -35,11 +37,11 @@ struct GroupSwitches
     bool iptc;
 };
 
-// Words in UTF-8 about what was left out, for the log.
+// Called with words in UTF-8 about what was left out, for the log.
 using WritingNotice = std::function<void(const std::string &words)>;
 
-// Whether the writer is one that can't change anything, neither set nor remove. On one that can, it has
-// removed the XMP block, which is written anew or not at all.
+// Whether the writer can neither set nor remove metadata. Finding out removes the XMP block of one that
+// can, which is written anew or not at all.
 bool RefusesEveryChange(IWICMetadataQueryWriter &writer) noexcept;
 
 // A group that is switched off or blank in the record leaves nothing behind. Throws the code of a removal

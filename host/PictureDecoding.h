@@ -2,7 +2,7 @@
 //
 // An animation or a file of many pages gives its first picture. Alpha is laid on white. Colours are
 // converted from the profile in the file, CMYK included; a damaged profile counts as none. Sixteen bits
-// become eight. Pictures of more than MAX_PICTURE_PIXELS are refused before a pixel is decoded.
+// become eight. Pictures of more than MaxPicturePixels are refused before a pixel is decoded.
 #pragma once
 
 #include <windows.h>
@@ -20,7 +20,7 @@ struct DecodedPicture
 {
     UINT width = 0;
     UINT height = 0;
-    double dpiX = 0; // of the file; where it tells none 0, or what the decoder takes instead
+    double dpiX = 0; // of the file; if it has none 0, or the decoder's default
     double dpiY = 0;
     std::vector<BYTE> pixels; // blue, green, red; rows without padding, from the top
 

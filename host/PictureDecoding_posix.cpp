@@ -33,7 +33,7 @@ void StartLibraryOnce()
         {
             return false;
         }
-        // No picture is asked for twice, and its warnings are no lines of ours.
+        // No picture is decoded twice, and the library's warnings would break into the progress line.
         vips_cache_set_max(0);
         g_log_set_handler(
             "VIPS", G_LOG_LEVEL_MASK, [](const gchar *, GLogLevelFlags, const gchar *, gpointer) {}, nullptr);
@@ -122,7 +122,7 @@ FileHeader ReadHeader(const std::filesystem::path &file)
                                 " megapixels can be decoded");
     }
     FileHeader header;
-    // Without this field the library's resolution is one of its own making.
+    // Without this field the library reports a default resolution of its own.
     if (vips_image_get_typeof(image.get(), VIPS_META_RESOLUTION_UNIT) != 0)
     {
         header.dpiX = vips_image_get_xres(image.get()) * 25.4;
@@ -139,7 +139,7 @@ FileHeader ReadHeader(const std::filesystem::path &file)
     return header;
 }
 
-// Takes over what an operation made of the image before.
+// Replaces the image by the result of an operation on it.
 template <class Operation>
 void Follow(Image &image, const std::atomic<bool> *stop, Operation operation)
 {
@@ -240,8 +240,8 @@ DecodedPicture DecodePlain(const std::filesystem::path &file, UINT longEdge, con
     const FileHeader header = ReadHeader(file);
     VipsImage *scaled = nullptr;
     const int edge = EdgeFor(longEdge);
-    // Without a profile the colours are sRGB's already, or are converted when all is done: the way through
-    // profiles would change them. Where an embedded profile can't be used, the library takes the named one.
+    // Without a profile the colours are sRGB already, or Finish converts them; a conversion by profiles would
+    // change them. If an embedded profile can't be used, the library takes the one named here.
     int result = 0;
     if (!header.hasProfile)
     {

@@ -16,7 +16,8 @@
 
 namespace
 {
-// What one call copies: seldom enough for decoders that begin anew with each call, often enough to stop.
+// Bytes that one call copies: large for the sake of decoders that start from the beginning with each call,
+// small enough to notice stop soon.
 constexpr size_t BandBytes = size_t{16} << 20;
 
 // Since Windows 10; it takes every pixel of the source into account, as Fant does.

@@ -6,8 +6,8 @@
 
 namespace
 {
-// Sorted. What goes up as it lies on disk first of all, then what is decoded: TIFF, WebP, HEIF and
-// the camera makers' raw formats.
+// Sorted. JPEG, GIF and PNG can be sent as they are on disk; TIFF, WebP, HEIF, the camera makers' raw
+// formats and the rest are decoded.
 constexpr auto Pictures = std::to_array<std::string_view>({
     "3fr",  "arw", "avif", "bmp",  "cap", "cr2",  "cr3", "crw", "dcr", "dng", "erf", "exif", "fff",  "gif", "heic",
     "heif", "hif", "iiq",  "jfif", "jpe", "jpeg", "jpg", "k25", "kdc", "mef", "mos", "mrw",  "nef",  "nrw", "orf",

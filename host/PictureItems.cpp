@@ -15,10 +15,10 @@ namespace fs = std::filesystem;
 
 namespace
 {
-// Lengths on their way to the service are unsigned 32-bit numbers of bytes.
+// The plug-in passes lengths to the web client as unsigned 32-bit numbers of bytes.
 constexpr uintmax_t LargestFile = 0xFFFFFFFF;
 
-// Why the file can't be published; nothing if it can, as far as can be told without reading it.
+// Why the file can't be published; nullopt if it can, as far as its first look shows.
 std::optional<std::string> FaultOf(const fs::path &file)
 {
     std::error_code error;
@@ -77,7 +77,7 @@ public:
         const bool walked = Walk(argument);
         if (walked && m_seen.size() + m_collection.refused.size() == before)
         {
-            m_collection.refused.push_back({argument, "holds no pictures that aren't hidden"});
+            m_collection.refused.push_back({argument, "contains no pictures (hidden files are skipped)"});
         }
     }
 
@@ -143,7 +143,7 @@ private:
         m_collection.items[known->second].extensions.push_back(extension);
     }
 
-    // False if the folder was walked before or can't be read.
+    // Returns false if the folder was walked before or can't be read.
     bool Walk(const fs::path &folder)
     {
         std::error_code error;

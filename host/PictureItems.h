@@ -1,5 +1,5 @@
-// From the paths that a user gives to the items of a run. What can be known to fail before the run
-// is refused here, in words, so that the rest can go ahead.
+// Makes the items of a run from the paths that a user gives. Files that are bound to fail are refused
+// here, with the reason, so that the run isn't held up by them.
 #pragma once
 
 #include <filesystem>
@@ -25,8 +25,8 @@ struct RefusedFile
 struct ItemCollection
 {
     std::vector<PictureItem> items;
-    std::vector<RefusedFile> refused;              // count as pictures that did not go up
-    std::vector<std::filesystem::path> folders;    // given without leave to walk them
+    std::vector<RefusedFile> refused;              // count as pictures that weren't published
+    std::vector<std::filesystem::path> folders;    // given although recursive is false
     std::vector<std::filesystem::path> passedOver; // sidecars named beside pictures
 };
 

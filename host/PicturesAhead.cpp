@@ -10,7 +10,7 @@ namespace
 {
 constexpr size_t MostAhead = 2;
 constexpr size_t MostBytesAhead = size_t{64} << 20;
-// How far the next picture to decode is looked for among items that go up without.
+// How many items are searched for the next picture to decode; others are sent as they are on disk.
 constexpr size_t Sight = 8;
 
 std::string LowerExtension(std::string extension)
@@ -35,7 +35,7 @@ void PicturesAhead::ItemBegins(size_t index)
 {
     const std::lock_guard guard(m_lock);
     m_item = index;
-    // What lies behind was guessed wrongly.
+    // The plug-in never asked for the pictures of earlier items: they were wrong guesses.
     for (const JobPtr &job : std::list<JobPtr>(m_jobs))
     {
         if (job->item < index)
@@ -52,7 +52,7 @@ std::shared_ptr<const DecodedPicture> PicturesAhead::Take(const fs::path &file, 
         std::unique_lock lock(m_lock);
         if (const JobPtr job = Find(file, longEdge))
         {
-            // One that isn't begun is made sooner here than behind another one.
+            // A job that hasn't begun is decoded below: that is sooner than waiting for the job before it.
             m_changed.wait(lock, [&] { return job->stage != Stage::Making || m_stopped; });
             Stamp now;
             if (job->stage == Stage::Ready && StampOf(file, now) && now == job->stamp)
@@ -63,7 +63,7 @@ std::shared_ptr<const DecodedPicture> PicturesAhead::Take(const fs::path &file, 
             DropLocked(job);
         }
         m_isDecoded[LowerExtensionOf(file)] = true;
-        // Before the size of this picture is known, the last guess stands.
+        // After a picture in full size the next ones are planned below, once its size is known.
         if (picture || longEdge != 0)
         {
             PlanLocked(file, longEdge, picture ? picture->pixels.size() : 0);
@@ -127,7 +127,7 @@ PicturesAhead::JobPtr PicturesAhead::Find(const fs::path &file, UINT longEdge) c
     return found == m_jobs.end() ? nullptr : *found;
 }
 
-// Null where the plug-in is likely to send the file as it lies, or where nothing is known.
+// Null if the plug-in is likely to send the file as it is on disk, or if nothing is known.
 const std::string *PicturesAhead::GuessExtension(const PictureItem &item, const std::string &asked) const
 {
     for (const std::string &extension : item.extensions)
@@ -207,7 +207,7 @@ void PicturesAhead::Work()
         }
         catch (...)
         {
-            // Whoever asks for the picture meets the same failure, and tells of it.
+            // Take decodes it again, meets the same failure and reports it.
         }
         lock.lock();
         next->stage = made ? Stage::Ready : Stage::Failed;

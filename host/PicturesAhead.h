@@ -1,4 +1,4 @@
-// Pictures decoded before they are asked for, while an earlier one is on its way to the service.
+// Decodes pictures before the plug-in asks for them, while an earlier one is being uploaded.
 //
 // The plug-in asks for one picture after the other and says with each what it wants of it. The next ones
 // are guessed: the items that follow, of the same extension or of one asked for before, at the size last
@@ -36,10 +36,11 @@ public:
 
     // The picture of a file: the one made ahead if path and longEdge are those it was made for and the
     // file has kept its size and time, else made now, on this thread. Starts those that follow. Throws
-    // what the decoder throws; a failure ahead is tried again here, so that it is told where it belongs.
+    // what the decoder throws; a picture that failed ahead is decoded again here, so that the failure is
+    // reported with its item.
     std::shared_ptr<const DecodedPicture> Take(const std::filesystem::path &file, UINT longEdge);
 
-    // The file of the current item was not asked for as a picture: those like it need not be made.
+    // The plug-in wanted no picture of the current item's file, so others like it needn't be decoded.
     void NoteUndecoded(const std::filesystem::path &file);
 
     // Ends the thread; nothing is made ahead any more. Idempotent, and called on one thread.

@@ -10,8 +10,8 @@ namespace
 constexpr size_t WidestBar = 40;
 constexpr size_t NarrowestBar = 6;
 
-// What stands beside the bar: the percentage, the blanks between, and a status text of some hundred
-// items with two-part times. The bar gives way to it, and keeps its width while texts change.
+// Columns beside the bar: the percentage, the blanks between, and a status text of some hundred
+// items with two-part times. Reserved, so that the bar keeps its width while texts change.
 constexpr size_t BesideTheBar = 4 + 3 + 68;
 
 // The position in parts of the range, at most parts, never rounded up.

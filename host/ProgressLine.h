@@ -29,6 +29,6 @@ struct LineStyle
 };
 
 // Bar, percent and status text, by display width at most columns - 1, so that the cursor stays in the
-// line. What doesn't fit goes in this order: the end of the status, the bar, the status, the percent.
+// line. What doesn't fit is left out in this order: the end of the status, the bar, the status, the percent.
 // Without colour the line has no control sequence at all. A range of no length counts as not begun.
 std::string RenderProgressLine(const ProgressView &view, const LineStyle &style);

@@ -1,5 +1,5 @@
-// The two windows that a run drives: a progress bar and a status text. Whatever changes in them is
-// told to an observer, on the thread that changed it.
+// The two windows that a run drives: a progress bar and a status text. Each change of them is reported
+// to an observer, on the thread that made it.
 #pragma once
 
 #include "host/ProgressLine.h"

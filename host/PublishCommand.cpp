@@ -30,8 +30,7 @@ void TellWhatIsKnown(const ItemCollection &collection, LiveDisplay &display)
     }
 }
 
-// What the run changed in the account is kept for the next one; if it can't be, the pictures are up
-// all the same.
+// Stores what the run changed in the account. A failure is only a warning: the pictures are published.
 void KeepAccount(PluginSession &session, LiveDisplay &display)
 {
     try

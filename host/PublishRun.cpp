@@ -10,7 +10,7 @@ namespace
 {
 constexpr std::chrono::milliseconds WAITING_STEP(50);
 
-// Passes the user's wish on, in the strength that the number of interrupts gives it.
+// Turns interrupts into calls of Cancel, each one more urgent than the one before.
 class Canceller
 {
 public:
@@ -27,7 +27,7 @@ public:
         {
         case 1:
             m_plugin.Cancel(FALSE);
-            m_display.Log(1, "The picture that is on its way is finished first; Ctrl-C again stops it.");
+            m_display.Log(1, "Finishing the current picture; press Ctrl-C again to stop it.");
             break;
         case 2:
             m_plugin.Cancel(TRUE);

@@ -1,5 +1,5 @@
-// One publication, watched from outside: the plug-in works on a thread of its own while this one waits
-// for the user's signals.
+// Runs the plug-in's Publish on a thread of its own, while the calling thread waits for the user's
+// signals.
 #pragma once
 
 #include "host/LiveDisplay.h"
@@ -10,9 +10,9 @@
 struct RunEnd
 {
     HRESULT result = E_UNEXPECTED; // of Publish
-    bool cancelled = false;        // the user asked for the end
+    bool cancelled = false;        // the user asked to stop
 };
 
-// The first interrupt lets the item that is running finish, the second stops it, as a termination does
-// at once; the third ends the process. Throws the HRESULT of windows that can't be made.
+// The first interrupt lets the current item finish; the second stops it, as the first SIGTERM or SIGHUP
+// does; the third ends the process. Throws the HRESULT of windows that can't be made.
 RunEnd RunPublication(IHalvoraPublishingPlugin &plugin, LiveDisplay &display, SignalWatch &signals);

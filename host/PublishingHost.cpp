@@ -40,7 +40,7 @@ STDMETHODIMP PublishingHost::GetItemList(INT32 *count, HGLOBAL *items) noexcept
     *items = nullptr;
     return AtBoundary([&] {
         const size_t number = m_record.Items().size();
-        // Memory of no size could not be locked.
+        // GlobalLock fails for a block of 0 bytes.
         GlobalMemoryOwner list(GlobalAlloc(GMEM_MOVEABLE, std::max<size_t>(number, 1) * sizeof(UINT64)));
         auto *const handles = list ? static_cast<UINT64 *>(GlobalLock(list.Get())) : nullptr;
         if (handles == nullptr)
@@ -103,17 +103,19 @@ ComPtr<IWICBitmapSource> PublishingHost::ReadPicture(const std::filesystem::path
 
 void PublishingHost::GoWithoutMetadata(bool processed)
 {
-    // What can't be taken out of a copy must not have got into it.
+    // If this component can't remove metadata, refuse unless its copies hold none.
     if (!processed && TryCopyingMetadata() != CopiedMetadata::None)
     {
-        Tell(LOG_LEVEL_WARNING, "This system's imaging component copies metadata and can't take any out again, so "
-                                "pictures can't go up with their pixels intact. Send them as files or processed.");
+        Tell(LOG_LEVEL_WARNING,
+             "This system's imaging component copies metadata and can't remove any, so pictures "
+             "can't be published with their pixels intact. Send them as files or processed.");
         ThrowHresult(WINCODEC_ERR_UNSUPPORTEDOPERATION);
     }
     if (!m_toldOfNoWriting.exchange(true))
     {
-        Tell(LOG_LEVEL_WARNING, "This system's imaging component can't write metadata: converted pictures go up "
-                                "without any, and those that only their metadata turns upright stay as they lie.");
+        Tell(LOG_LEVEL_WARNING,
+             "This system's imaging component can't write metadata: converted pictures are "
+             "published without any, and those that only their metadata turns upright stay as they lie.");
     }
 }
 
@@ -150,7 +152,7 @@ STDMETHODIMP PublishingHost::ReadImageMetadata(LPCWSTR path, INT32, INT32 longEd
         {
             m_ahead.NoteUndecoded(file);
         }
-        // A picture that can be read goes up without metadata that can't.
+        // A picture that can be decoded is published, without metadata that can't be read.
         if (FAILED(read) && (wantsPicture || read == WINCODEC_ERR_BADMETADATAHEADER))
         {
             Tell(LOG_LEVEL_WARNING, "The metadata of " + ShownPath(file) + " can't be read; none of it is used.");

@@ -2,7 +2,7 @@
 
 #include <wincodec.h>
 
-// The library's own integers of these names are others than Windows'.
+// The library declares integers of these names that differ from Windows'.
 #define INT64 LibRawInt64
 #define UINT64 LibRawUint64
 #include <libraw/libraw.h>
@@ -57,7 +57,7 @@ int StopAsked(void *stop, enum LibRaw_progress, int, int)
     return *static_cast<const std::atomic<bool> *>(stop) ? 1 : 0;
 }
 
-// Damage that the library meets while it reads is only told this way.
+// The library reports damage that it meets while reading only through this callback.
 void NoteDamage(void *damaged, const char *, int)
 {
     *static_cast<bool *>(damaged) = true;
@@ -75,7 +75,7 @@ bool IsRawExtension(std::string_view extension)
 DecodedPicture DevelopRaw(const std::filesystem::path &file, UINT longEdge, const std::atomic<bool> *stop)
 {
     bool damaged = false;
-    // The object is larger than a thread's stack likes.
+    // On the heap: the object is too large for a thread's stack.
     const auto library = std::make_unique<LibRaw>(LIBRAW_OPIONS_NO_MEMERR_CALLBACK);
     library->set_dataerror_handler(NoteDamage, &damaged);
     if (stop != nullptr)
@@ -83,7 +83,7 @@ DecodedPicture DevelopRaw(const std::filesystem::path &file, UINT longEdge, cons
         library->set_progress_handler(StopAsked, const_cast<std::atomic<bool> *>(stop));
     }
     const int opened = library->open_file(file.c_str());
-    // A head that can't be read is one that isn't known: the file itself was read before.
+    // The file itself could be read before, so a header that can't be is of an unknown kind.
     Check(opened == LIBRAW_IO_ERROR ? LIBRAW_FILE_UNSUPPORTED : opened);
     const UINT width = library->imgdata.sizes.width;
     const UINT height = library->imgdata.sizes.height;

@@ -9,6 +9,6 @@
 bool IsRawExtension(std::string_view extension);
 
 // The sensor's picture with the camera's white balance: upright, in sRGB; red, green, blue in pixels.
-// Where longEdge allows, it comes in half the size, which takes a quarter of the time; it is otherwise
-// for the caller to scale. Throws as DecodePicture does.
+// If longEdge allows, it comes in half the size, which takes a quarter of the time; the caller does all
+// other scaling. Throws as DecodePicture does.
 DecodedPicture DevelopRaw(const std::filesystem::path &file, UINT longEdge, const std::atomic<bool> *stop);

@@ -59,7 +59,7 @@ std::string Count(size_t number, const char *one, const char *several)
 
 std::string ReasonOfEntry(const std::string &entry, const ErrorWords &words)
 {
-    // The code stands in parentheses. A path in front of it may look like one, so the last counts.
+    // Take the last "(0x...)": the path before it may contain one too.
     for (size_t at = entry.rfind(CodeMark); at != entry.npos;
          at = at == 0 ? entry.npos : entry.rfind(CodeMark, at - 1))
     {
@@ -120,12 +120,12 @@ ItemEnd RunRecord::EndOf(size_t index) const
     {
         return ItemEnd::NotTried;
     }
-    return state.errors.empty() ? ItemEnd::WentUp : ItemEnd::Failed;
+    return state.errors.empty() ? ItemEnd::Published : ItemEnd::Failed;
 }
 
 RunSummary RunRecord::Summarize(bool cancelled, const ErrorWords &words) const
 {
-    size_t wentUp = 0;
+    size_t published = 0;
     std::string failures;
     const auto addFailure = [&](const std::string &name, const std::string &reason) {
         failures += "  " + name + ": " + OneSafeLine(reason) + "\n";
@@ -137,7 +137,7 @@ RunSummary RunRecord::Summarize(bool cancelled, const ErrorWords &words) const
     for (size_t i = 0; i < m_states.size(); ++i)
     {
         const ItemEnd end = EndOf(i);
-        wentUp += end == ItemEnd::WentUp;
+        published += end == ItemEnd::Published;
         if (end == ItemEnd::NotTried)
         {
             addFailure(NameOf(m_collection.items[i]),
@@ -145,7 +145,7 @@ RunSummary RunRecord::Summarize(bool cancelled, const ErrorWords &words) const
         }
         else if (end == ItemEnd::Failed)
         {
-            // The last entry is the driver's verdict; an earlier one tells what led to it.
+            // The last entry says that the item failed; an earlier one says why.
             const auto &errors = m_states[i].errors;
             const std::string cause = errors.size() > 1 ? errors.front() : ReasonOfEntry(errors.back(), words);
             addFailure(NameOf(m_collection.items[i]), cause);
@@ -158,13 +158,14 @@ RunSummary RunRecord::Summarize(bool cancelled, const ErrorWords &words) const
     {
         summary.text += OneSafeLine(ReasonOfEntry(error, words)) + "\n";
     }
-    if (wentUp == total && m_runErrors.empty())
+    if (published == total && m_runErrors.empty())
     {
         summary.text += "Published " + Count(total, "picture", "pictures") + ".\n";
         return summary;
     }
     summary.exitCode = cancelled ? ExitCode::Cancelled : ExitCode::SomeFailed;
-    summary.text += "Published " + std::to_string(wentUp) + " of " + Count(total, "picture", "pictures") + ". " +
-                    Count(total - wentUp, "file", "files") + " did not go up:\n" + failures;
+    summary.text += "Published " + std::to_string(published) + " of " + Count(total, "picture", "pictures") +
+                    ". " + Count(total - published, "file", "files") +
+                    (total - published == 1 ? " was not uploaded:\n" : " were not uploaded:\n") + failures;
     return summary;
 }

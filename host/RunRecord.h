@@ -23,7 +23,7 @@ enum class ExitCode
 enum class ItemEnd
 {
     NotTried,
-    WentUp,
+    Published,
     Failed
 };
 
@@ -59,7 +59,7 @@ public:
     // Any thread. An item that is running counts as not tried.
     ItemEnd EndOf(size_t index) const;
 
-    // Counts, and each file that did not go up with the reason.
+    // Counts, and each file that wasn't published with the reason.
     RunSummary Summarize(bool cancelled, const ErrorWords &words) const;
 
 private:

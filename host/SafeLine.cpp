@@ -25,7 +25,7 @@ std::string OneSafeLine(std::string_view utf8)
         }
         else if (unit == '\r')
         {
-            // The line feed behind it, or nothing, stands for the break.
+            // Dropped; a line feed that follows becomes the blank.
         }
         else if (unit < 0x20 || unit == 0x7F)
         {

@@ -1,4 +1,4 @@
-// Text of other people in a line of ours.
+// Makes untrusted text safe to print on one terminal line.
 #pragma once
 
 #include <string>

@@ -11,8 +11,8 @@ enum class RunSignal
     Resize // the terminal has another width
 };
 
-// While it lives, the signals above reach Wait alone. To be made before any other thread is, since
-// threads take over what their maker has blocked. Throws std::system_error.
+// While it lives, the signals above are blocked, and Wait alone receives them. Make it before any other
+// thread: a thread inherits its creator's mask of blocked signals. Throws std::system_error.
 class SignalWatch
 {
 public:

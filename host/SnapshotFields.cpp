@@ -4,7 +4,7 @@
 
 namespace
 {
-// A block of EXIF has room for 64 KB; a field of the lists that is larger than this is not sane.
+// An EXIF block holds at most 64 KB; no sound field of the lists is larger than this.
 constexpr size_t LongestField = 4096;
 constexpr size_t MostFieldBytes = 40000;
 constexpr WORD LastType = 12;

@@ -15,7 +15,7 @@ struct TagRange
 // Of the camera's group in the main and the EXIF directory, or of the place's in that of GPS.
 std::span<const TagRange> SnapshotTags(ExifField::Directory directory);
 
-// Puts fields into a snapshot: those of the lists, each once, in an amount that a block has room for.
+// Puts fields into a snapshot: those of the lists, each once, and no more than an EXIF block can hold.
 class SnapshotFields
 {
 public:

@@ -1,4 +1,4 @@
-// Text in the encodings in which it lies in files. Nothing here throws but for memory; bytes that
+// Conversion between UTF-16 and the encodings of text in files. Throws only std::bad_alloc; bytes that
 // fit no encoding become U+FFFD.
 #pragma once
 
@@ -14,7 +14,7 @@ enum class ByteOrder16
     BigEndian
 };
 
-// Null if the bytes are no valid UTF-8.
+// nullopt if the bytes are no valid UTF-8.
 std::optional<WideText> TextFromUtf8(std::string_view bytes);
 
 // UTF-8 if the bytes are valid as such, else Windows-1252, the superset of Latin-1 that cameras and

@@ -95,18 +95,18 @@ BitmapOwner CopyOf(HIMAGELIST images, int image, int edge)
     return copy;
 }
 
-void DrawBadge(HBITMAP bitmap, int edge, bool wentUp)
+void DrawBadge(HBITMAP bitmap, int edge, bool isPublished)
 {
     {
         const Canvas canvas(bitmap);
         const int size = edge / 4;
         const int left = edge - size - 2, top = edge - size - 2;
         const int thick = std::max(size / 8, 2);
-        canvas.With(CreatePen(PS_SOLID, 2, White), CreateSolidBrush(wentUp ? Green : Red),
+        canvas.With(CreatePen(PS_SOLID, 2, White), CreateSolidBrush(isPublished ? Green : Red),
                     [&] { Ellipse(canvas.Get(), left, top, left + size, top + size); });
         const auto at = [&](int x, int y) { return POINT{left + size * x / 16, top + size * y / 16}; };
         canvas.With(CreatePen(PS_SOLID, thick, White), CreateSolidBrush(White), [&] {
-            if (wentUp)
+            if (isPublished)
             {
                 const POINT check[] = {at(4, 8), at(7, 11), at(12, 5)};
                 Polyline(canvas.Get(), check, 3);

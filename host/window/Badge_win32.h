@@ -1,4 +1,4 @@
-// What is drawn where a picture's thumbnail would be, and on it.
+// The empty frame that stands for a missing thumbnail, and the badge drawn on a thumbnail.
 #pragma once
 
 #include "com/HandleOwner.h"
@@ -10,5 +10,5 @@
 BitmapOwner EmptyFrame(int edge);
 BitmapOwner CopyOf(HIMAGELIST images, int image, int edge);
 
-// In the corner at the lower right: a check mark for a picture that went up, a cross for one that failed.
-void DrawBadge(HBITMAP bitmap, int edge, bool wentUp);
+// In the corner at the lower right: a check mark for a published picture, a cross for one that failed.
+void DrawBadge(HBITMAP bitmap, int edge, bool isPublished);

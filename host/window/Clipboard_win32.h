@@ -1,9 +1,9 @@
-// Text on its way to other programs.
+// Copies text to the clipboard.
 #pragma once
 
 #include <windows.h>
 
 #include <string>
 
-// Empty text, and a clipboard that another program holds, leave it as it was.
+// Leaves the clipboard as it was if the text is empty or another program holds the clipboard open.
 void CopyToClipboard(HWND owner, const std::wstring &text);

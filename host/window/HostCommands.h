@@ -1,4 +1,4 @@
-// What a user can do in the window at the moment, and what they are told while nothing is under way.
+// Which commands the window offers in a given state, and the hint that it shows while it is idle.
 #pragma once
 
 #include <cstddef>
@@ -7,8 +7,8 @@ enum class RunPhase
 {
     Idle,
     Running,
-    Finishing, // the picture that is on its way is the last
-    Stopping   // it is stopped
+    Finishing, // the current upload is the last
+    Stopping   // the current upload is being aborted
 };
 
 struct HostState
@@ -17,7 +17,7 @@ struct HostState
     bool isAuthorized = false;
     size_t pictures = 0; // in the list
     size_t selected = 0;
-    size_t waiting = 0; // of those, the ones that didn't go up yet
+    size_t waiting = 0; // of those, the ones not published yet
     RunPhase phase = RunPhase::Idle;
 };
 

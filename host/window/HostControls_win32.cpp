@@ -88,7 +88,7 @@ void HostControls::SetText(int id, const std::wstring &text) const
     }
 }
 
-// A control that has the focus and can't be used any more would take the keyboard with it.
+// Move the focus before disabling the focused control, or key presses are lost.
 void HostControls::Enable(int id, bool enabled) const
 {
     const HWND control = (*this)[id];
@@ -124,7 +124,7 @@ void HostControls::LayOut() const
                                SWP_NOZORDER | SWP_NOACTIVATE);
     };
 
-    // From above: the plug-in, as high as its line of state needs.
+    // From the top: the plug-in, as high as its state line needs.
     const int icon = Scaled(32), beside = left + icon + Scaled(12);
     int top = Scaled(Margin);
     move(IDC_PLUGIN_ICON, left, top, icon, icon);
@@ -139,7 +139,7 @@ void HostControls::LayOut() const
     move(IDC_STATE, left, top, width, lines);
     top += lines + space;
 
-    // From below: what is told of a run.
+    // From the bottom: the run's log and progress.
     int bottom = client.bottom - Scaled(Margin);
     const int details = Scaled(LineHeight);
     move(IDC_DETAILS, left, bottom - details, width, details);

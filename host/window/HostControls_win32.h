@@ -1,4 +1,4 @@
-// The controls of the host's window, and where they lie.
+// The controls of the host's window, and their layout.
 #pragma once
 
 #include <windows.h>
@@ -8,7 +8,7 @@
 class HostControls
 {
 public:
-    // Makes them as children of the window, whose dots per inch they are made for.
+    // Makes them as children of the window, for its dots per inch.
     explicit HostControls(HWND window);
     ~HostControls();
     HostControls(const HostControls &) = delete;
@@ -16,7 +16,7 @@ public:
 
     HWND operator[](int id) const { return GetDlgItem(m_window, id); }
 
-    // Draws nothing where the text is the same.
+    // Doesn't redraw if the text is the same.
     void SetText(int id, const std::wstring &text) const;
     void Enable(int id, bool enabled) const;
 
@@ -25,7 +25,7 @@ public:
 
     // Of the whole window.
     SIZE SmallestSize() const;
-    // Where it stands at first: no larger than its screen has room for, and nothing of it outside.
+    // Its first place: no larger than its screen's work area, and wholly inside it.
     RECT UsualPlace() const;
 
     // Pixels for so many units of 1/96 inch.

@@ -1,19 +1,46 @@
-// The window's dealings with the plug-in: between runs, in its dialogs, and in a run.
+// How the window uses the plug-in: between runs, in its dialogs, and in a run.
 #include "host/window/HostWindow_win32.h"
 
 #include "host/SettingsKeyMaking.h"
 #include "host/SystemWords.h"
-#include "host/window/PluginDirectory_win32.h"
 #include "host/window/WindowText_win32.h"
 #include "host/window/resource.h"
 
 #include "com/BstrOwner.h"
+#include "com/ComPtr.h"
 #include "com/Hresult.h"
+
+#include <comcat.h>
 
 #include <algorithm>
 
 namespace
 {
+constexpr CATID PublishingPlugins = {0x5EE4545B, 0x143B, 0x4F11, {0xB9, 0xB3, 0xF9, 0x19, 0x65, 0x3E, 0xB6, 0x2F}};
+
+// The registered classes of the category of publishing plug-ins, in the system's order. An empty list also
+// if the system can't say.
+std::vector<CLSID> RegisteredPlugins()
+{
+    std::vector<CLSID> classes;
+    ComPtr<ICatInformation> categories;
+    ComPtr<IEnumCLSID> found;
+    CATID wanted = PublishingPlugins;
+    if (FAILED(CoCreateInstance(CLSID_StdComponentCategoriesMgr, nullptr, CLSCTX_INPROC_SERVER,
+                                __uuidof(ICatInformation), categories.PutVoid())) ||
+        FAILED(categories->EnumClassesOfCategories(1, &wanted, 0, nullptr, found.Put())))
+    {
+        return classes;
+    }
+    CLSID one;
+    ULONG count = 0;
+    while (found->Next(1, &one, &count) == S_OK && count == 1)
+    {
+        classes.push_back(one);
+    }
+    return classes;
+}
+
 template <class Getter>
 std::wstring TextFrom(Getter get)
 {
@@ -22,7 +49,7 @@ std::wstring TextFrom(Getter get)
 }
 } // namespace
 
-// The first of them, as there is one place for a plug-in in this window.
+// Takes the first one that is registered: the window shows one plug-in.
 void HostWindow::FindPlugin()
 {
     const std::vector<CLSID> plugins = RegisteredPlugins();
@@ -66,10 +93,10 @@ void HostWindow::EndUse(Storing storing)
     }
 }
 
-// Its face, name, version and line of state, as it tells them now.
+// Shows the plug-in's icon, name, version and state line as they are now.
 void HostWindow::ShowPlugin()
 {
-    // Links that the line gets while it is disabled stay so.
+    // Links in a text that is set while the control is disabled stay disabled.
     m_controls->Enable(IDC_STATE, true);
     if (!m_use)
     {
@@ -95,7 +122,7 @@ void HostWindow::ShowPlugin()
     UpdateCommands();
 }
 
-// What a click on a link of the line of state starts. The plug-in shows dialogs, and may be long about it.
+// Runs the verb of the link that was clicked. The plug-in shows dialogs, so this may take long.
 void HostWindow::Configure()
 {
     if (!CommandsIn(State()).canConfigure || m_isConfiguring)

@@ -84,7 +84,7 @@ LRESULT CALLBACK HostWindow::Procedure(HWND window, UINT message, WPARAM wParam,
     return result;
 }
 
-// No exception may leave through the system's frames: what went wrong is told in the log.
+// No exception may pass through the system's stack frames; the log says what went wrong.
 void HostWindow::Guarded(const std::function<void()> &act)
 {
     try
@@ -249,7 +249,7 @@ LRESULT HostWindow::OnNotify(NMHDR &header)
     case IDC_STATE:
         if (header.code == NM_CLICK || header.code == NM_RETURN)
         {
-            // The text with the link is another one afterwards, which the control doesn't expect while it tells.
+            // Posted, since the command changes the text, which the control doesn't expect during its notification.
             m_verb = reinterpret_cast<const NMLINK &>(header).item.szID;
             PostMessageW(m_window, ConfigureMessage, 0, 0);
         }
@@ -319,7 +319,7 @@ void HostWindow::AddPictures(const std::vector<std::filesystem::path> &paths)
     ShowHint();
 }
 
-// A run is never torn: the window goes when it has ended.
+// A run isn't cut short: the window closes when it has ended.
 bool HostWindow::OnClose()
 {
     if (m_isConfiguring)

@@ -1,4 +1,4 @@
-// The window of the host: a list of pictures, a plug-in that publishes them, and what it says on the way.
+// The window of the host: a list of pictures, the plug-in that publishes them, and the log.
 #pragma once
 
 #include "host/Profile.h"
@@ -6,8 +6,7 @@
 #include "host/window/HostControls_win32.h"
 #include "host/window/LogView_win32.h"
 #include "host/window/PictureList_win32.h"
-#include "host/window/PluginUse.h"
-#include "host/window/RunThread_win32.h"
+#include "host/window/PluginUse_win32.h"
 
 #include <windows.h>
 
@@ -30,7 +29,7 @@ public:
 
     HWND Get() const { return m_window; }
 
-    // Folders with all that is in them. What can't be published is told in the log.
+    // Takes folders with everything in them. Files that can't be published are named in the log.
     void AddPictures(const std::vector<std::filesystem::path> &paths);
 
 private:

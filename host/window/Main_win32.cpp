@@ -71,7 +71,7 @@ int Complain(const std::wstring &words)
 
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int show)
 {
-    // For the plug-in's dialogs and the one that opens files, which need it.
+    // The plug-in's dialogs and the one that opens files need it.
     const HRESULT apartment = OleInitialize(nullptr);
     int code = 0;
     try

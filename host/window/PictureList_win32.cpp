@@ -47,7 +47,7 @@ PictureList::PictureList(HWND view, int edge, UINT thumbnailMessage)
     ImageList_Add(m_images, empty.Get(), nullptr);
 }
 
-// The view, which is destroyed with the window, has the image list no longer then.
+// The view is destroyed with the window, so it no longer uses the image list.
 PictureList::~PictureList()
 {
     if (IsWindow(m_view))
@@ -150,7 +150,7 @@ void PictureList::Show(Picture &picture, HBITMAP thumbnail)
 {
     if (picture.end != ItemEnd::NotTried)
     {
-        DrawBadge(thumbnail, m_edge, picture.end == ItemEnd::WentUp);
+        DrawBadge(thumbnail, m_edge, picture.end == ItemEnd::Published);
     }
     if (picture.image == 0 && !m_freeImages.empty())
     {
@@ -176,7 +176,7 @@ void PictureList::Show(Picture &picture, HBITMAP thumbnail)
 size_t PictureList::WaitingCount() const
 {
     return static_cast<size_t>(std::count_if(m_pictures.begin(), m_pictures.end(), [](const Picture &picture) {
-        return picture.end != ItemEnd::WentUp;
+        return picture.end != ItemEnd::Published;
     }));
 }
 
@@ -186,7 +186,7 @@ std::vector<PictureItem> PictureList::BeginRun()
     m_run.clear();
     for (const Picture &picture : m_pictures)
     {
-        if (picture.end != ItemEnd::WentUp)
+        if (picture.end != ItemEnd::Published)
         {
             m_run.push_back(static_cast<size_t>(RowOf(picture)));
             waiting.push_back(picture.item);

@@ -31,13 +31,14 @@ public:
     size_t Count() const { return m_pictures.size(); }
     size_t SelectedCount() const;
 
-    // Those that didn't go up yet.
+    // The pictures that aren't published yet.
     size_t WaitingCount() const;
 
-    // The same for a run that begins, in the order of the list, which isn't changed while the run goes on.
+    // The items that aren't published yet, in the list's order, for a run that begins. The list must not
+    // change during the run.
     std::vector<PictureItem> BeginRun();
 
-    // What has become of the items of BeginRun by now. One that was not tried stays as it was.
+    // Marks what became of the items of BeginRun so far; one that wasn't tried stays unmarked.
     void MarkEnds(const RunRecord &record);
 
 private:

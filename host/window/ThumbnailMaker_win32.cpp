@@ -6,7 +6,7 @@
 
 namespace
 {
-// 32 bits a pixel, from the top, filled with what lies behind the pictures.
+// 32 bits a pixel, rows from the top, filled with the background.
 BitmapOwner MakeSquare(int edge, DWORD *&pixels)
 {
     BITMAPINFO layout{};
@@ -112,7 +112,7 @@ BitmapOwner ThumbnailMaker::Make(const Order &order) const
         }
         catch (const std::exception &)
         {
-            // Publishing tells why; here there is only no picture to see.
+            // A publish says why; here the thumbnail is only missing.
         }
     }
     return {};

@@ -1,4 +1,4 @@
-// Thumbnails, made one after the other on a thread of its own.
+// Makes thumbnails, one after the other, on a thread of its own.
 #pragma once
 
 #include "com/HandleOwner.h"

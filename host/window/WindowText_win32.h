@@ -1,4 +1,4 @@
-// Texts on their way into windows.
+// Texts for windows.
 #pragma once
 
 #include <string>

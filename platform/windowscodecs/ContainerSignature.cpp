@@ -12,7 +12,7 @@ struct Signature
 {
     std::string_view start;
     const GUID *format;
-    // What has to stand behind it, at what offset.
+    // What must follow, and its offset in the file.
     size_t offset = 0;
     std::string_view further = {};
 };

@@ -8,5 +8,5 @@
 // As many bytes as the longest signature looks at.
 constexpr ULONG SignatureLength = 12;
 
-// The format's GUID, or null if no signature fits. head may be shorter than signatureLength.
+// The format's GUID, or null if no signature fits. head may be shorter than SignatureLength.
 const GUID *RecogniseContainer(std::span<const BYTE> head);

@@ -1,5 +1,6 @@
-// The decoder of a picture whose container format is known from its signature. It tells the format;
-// pictures are not decoded yet, and the operations that would need it answer E_NOTIMPL.
+// A decoder that only names a picture's container format, which it recognises by the first bytes. JPEG has
+// a full decoder (jpeg/JpegDecoder.cpp); of all other formats the product asks no more than the name, and
+// every other operation answers E_NOTIMPL.
 #pragma once
 
 #include <windows.h>

@@ -28,8 +28,7 @@ ComPtr<IWICBitmapDecoder> OpenJpeg(IStream *stream, WICDecodeOptions options) no
 }
 } // namespace
 
-// A JPEG too damaged to be decoded, like the formats that nothing here decodes, still gets a decoder
-// that tells its container.
+// A JPEG too damaged to be decoded gets, as other formats do, a decoder that names its container.
 STDMETHODIMP CImagingFactory::CreateDecoderFromStream(IStream *stream, const GUID *, WICDecodeOptions options,
                                                       IWICBitmapDecoder **decoder) noexcept
 {

@@ -1,5 +1,5 @@
 // The imaging component's factory: decoders on streams, the JPEG decoder and encoder, colour contexts
-// and bitmaps in memory. What nobody here asks for answers E_NOTIMPL.
+// and bitmaps in memory. Operations that the product doesn't call answer E_NOTIMPL.
 #pragma once
 
 #include "com/ComObject.h"

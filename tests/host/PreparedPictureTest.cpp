@@ -21,7 +21,7 @@ using namespace std::string_literals;
 
 namespace
 {
-// In the comment of the source, which goes up with the copyright group or not at all.
+// In the comment of the source, which is published with the copyright group or not at all.
 constexpr const char *Secret = "a comment that stays";
 
 std::string BytesOf(IStream *stream)

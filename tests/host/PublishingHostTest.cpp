@@ -76,7 +76,7 @@ TEST_F(PublishingHostTest, GivesTheItemsAndTheirRecords)
     EXPECT_EQ(extensions.View(), TEXT("tif;jpg"));
     EXPECT_EQ(m_record.EndOf(0), ItemEnd::NotTried) << "it is running";
     m_record.RunEnds();
-    EXPECT_EQ(m_record.EndOf(0), ItemEnd::WentUp);
+    EXPECT_EQ(m_record.EndOf(0), ItemEnd::Published);
     EXPECT_EQ(m_record.EndOf(1), ItemEnd::NotTried);
     EXPECT_EQ(m_host->GetItemRecord(3, &record), E_INVALIDARG);
     EXPECT_EQ(m_host->GetItemRecord(0, &record), E_INVALIDARG);

@@ -53,7 +53,7 @@ TEST(RunRecord, ErrorsBelongToTheItemThatIsRunning)
     record.ItemBegins(2);
     record.RunEnds();
     const RunSummary summary = record.Summarize(false, Words);
-    EXPECT_EQ(summary.text, "Published 2 of 3 pictures. 1 file did not go up:\n"
+    EXPECT_EQ(summary.text, "Published 2 of 3 pictures. 1 file was not uploaded:\n"
                             "  /p/1.jpg: HTTP Status = 504: Gateway Timeout\n");
     EXPECT_EQ(summary.exitCode, ExitCode::SomeFailed);
 }
@@ -88,7 +88,7 @@ TEST(RunRecord, RefusedFilesCountAmongThoseThatDidNotGoUp)
     RunRecord record(std::move(collection));
     PublishAll(record, 1);
     const RunSummary summary = record.Summarize(false, Words);
-    EXPECT_EQ(summary.text, "Published 1 of 2 pictures. 1 file did not go up:\n  /p/gone^[.jpg: isn't there\n");
+    EXPECT_EQ(summary.text, "Published 1 of 2 pictures. 1 file was not uploaded:\n  /p/gone^[.jpg: isn't there\n");
     EXPECT_EQ(summary.exitCode, ExitCode::SomeFailed);
 }
 

@@ -245,7 +245,7 @@ TEST_F(HostRun, PublishesAndMarksWhatBecameOfEach)
     EXPECT_FALSE(host.IsEnabled(IDC_PUBLISH));
     EXPECT_FALSE(host.IsEnabled(IDC_ADD));
     EXPECT_TRUE(WaitFor([&] { return SendMessageW(host.Part(IDC_PROGRESS), PBM_GETPOS, 0, 0) == 50; }));
-    // Badges: green for what went up, red for what failed, each when it is over.
+    // Badges: green for a published picture, red for a failed one, each when it is over.
     const auto pixels = [&](COLORREF colour) { return CountPixels(host.Part(IDC_PICTURES), colour); };
     const COLORREF green = RGB(16, 124, 16), red = RGB(196, 43, 28);
     LetOnePictureEnd();
@@ -273,7 +273,7 @@ TEST_F(HostRun, PublishesAndMarksWhatBecameOfEach)
     EXPECT_GT(pixels(green), 300u);
     EXPECT_GT(pixels(red), 150u);
 
-    // What went up doesn't go up again.
+    // A published picture isn't sent again.
     EXPECT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
     host.Press(IDC_PUBLISH);
     EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Picture 1 of 1"));

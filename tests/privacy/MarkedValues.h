@@ -22,7 +22,7 @@ struct MarkedValue
     std::string bytes; // text is ASCII; it may turn up in other encodings
     bool isText;
 
-    // The value may go up when all groups of one of these sets are on. With none it may never go up.
+    // The value may be published when all groups of one of these sets are on; with no set, never.
     std::vector<unsigned> leave;
 };
 

@@ -157,7 +157,7 @@ protected:
         return Web.FileParts.empty() ? std::string() : Web.FileParts.back();
     }
 
-    // A line for each value that went up and shouldn't have.
+    // A line for each value that was published and shouldn't have been.
     static void ExpectNothingSwitchedOff(const std::string &sent, unsigned groups)
     {
         Lines leaks;

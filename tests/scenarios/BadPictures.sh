@@ -106,7 +106,7 @@ for mode in 0 1 2; do
         *) refused "$name" "${words[mode]//_/ }" ;;
         esac
     done <"$work/cases"
-    grep -q "^Published $good of ${#names[@]} pictures" "$work/out" || fail "not $good went up"
+    grep -q "^Published $good of ${#names[@]} pictures" "$work/out" || fail "not $good were published"
     [ "$(uploads | jq length)" = "$good" ] || fail "not $good arrived"
     kill "$service"
     wait "$service" 2>/dev/null || true

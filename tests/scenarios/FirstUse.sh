@@ -76,7 +76,7 @@ for _ in $(seq 300); do [ ! -f "$work/env" ] || break; sleep 0.1; done
 export HALVORA_LOOPBACK_PORT HALVORA_BROWSER=$work/browser PATH=$tools/user:$PATH LC_ALL=C.UTF-8
 browser start
 
-# The grant, and a picture that goes up with it.
+# The grant, and a picture that is published with it.
 authorize Allow
 page_says after-page 'You can return to Halvora now'
 key Enter
@@ -90,9 +90,9 @@ EQEDEQH/xABLAAEBAAAAAAAAAAAAAAAAAAAABwEBAAAAAAAAAAAAAAAAAAAAABABAAAAAAAAAAAAAAAA
 AAAAAAAAAP/aAAwDAQACEQMRAD8AoAAP/9k=
 PICTURE
 "$bin/halvora" --profile "$work/profile" settings JPEGMode=0 >"$work/out"
-"$bin/halvora" --profile "$work/profile" publish "$work/first.jpg" >"$work/out" 2>&1 || fail 'the picture did not go up'
+"$bin/halvora" --profile "$work/profile" publish "$work/first.jpg" >"$work/out" 2>&1 || fail 'the picture was not published'
 newest=$(admin tokens | jq -r '.[-1] | select(.permission == "write") | .token')
-[ "$(admin uploads | jq -r '.[].token')" = "$newest" ] || fail 'the picture did not go up with the granted token'
+[ "$(admin uploads | jq -r '.[].token')" = "$newest" ] || fail 'the picture was not published with the granted token'
 
 # Going on before the page is answered: the old grant is lost, and a grant that comes too late helps nobody.
 authorize read
@@ -113,5 +113,5 @@ states_are 'used/taken granted/waiting denied/none pending/none'
 authorize Allow
 key Enter
 ends_with 0
-"$bin/halvora" --profile "$work/profile" publish "$work/first.jpg" >"$work/out" 2>&1 || fail 'the picture did not go up again'
+"$bin/halvora" --profile "$work/profile" publish "$work/first.jpg" >"$work/out" 2>&1 || fail 'the picture was not published again'
 echo 'The user has granted, and published.'

@@ -63,12 +63,12 @@ expect 0 settings JPEGMode=0
 expect 0 status
 says 'Send JPEG files intact. [Settings...: halvora settings]'
 
-# Good and bad files together: what can go up does, byte for byte and with its texts.
+# Good and bad files together: what can be published is, byte for byte and with its texts.
 : >empty.jpg
 ln -s nowhere.jpg broken.jpg
 echo 'no picture at all' >wrong.jpg
 expect 1 publish -- * gone.jpg
-says 'Published 3 of 7 pictures. 4 files did not go up:'
+says 'Published 3 of 7 pictures. 4 files were not uploaded:'
 for name in empty.jpg broken.jpg wrong.jpg gone.jpg; do grep -q "^  .*$name: " "$work/out" || fail "$name isn't named"; done
 ! grep -q $'\x1b' "$work/out" || fail 'control codes in a pipe'
 [ "$(uploads | jq length)" = 3 ] || fail 'not three uploads'

@@ -145,7 +145,7 @@ vips gaussnoise "$work/noise.png" 900 600 --sigma 40 --mean 128
 vips jpegsave "$work/noise.png" "$work/picture.jpg" --Q 95
 exiftool -q -overwrite_original -XMP-dc:Title='Dünen' -EXIF:ImageDescription='Sand and wind' -Keywords=quarantine \
     -EXIF:Artist='Ada Lovelace' -GPSLatitude=12.5 -GPSLatitudeRef=N -GPSLongitude=45.25 -GPSLongitudeRef=E "$work/picture.jpg"
-halvora publish -v "$work/picture.jpg" || fail 'the picture did not go up'
+halvora publish -v "$work/picture.jpg" || fail 'the picture was not published'
 grep -qF '320' "$work/out" || fail 'the log does not tell the size'
 field() { admin uploads | jq -r ".[-1].fields.$1 // .[-1].$1 // empty"; }
 for expected in title=Dünen description='Sand and wind' tags= is_public=0 is_friend=0 is_family=1 safety_level=2 \
@@ -179,7 +179,7 @@ sees '[x] Further reduce the upload size'
 key Enter
 closed 0
 stored JPEGMinimize=1 AsyncUpload=1
-halvora publish "$work/picture.jpg" || fail 'the picture did not go up again'
+halvora publish "$work/picture.jpg" || fail 'the picture was not published again'
 [ "$(field async)" = 1 ] || fail 'the upload was not asynchronous'
 arrived '320 x 213' '2 2' 08
 

@@ -1,4 +1,4 @@
-// The pixel formats that bitmaps and the encoder know, and the way from one to another.
+// The pixel formats that bitmaps and the encoder know, and the conversion between them.
 #pragma once
 
 #include "platform/windowscodecs/jpeg/PixelCoding.h"
@@ -14,8 +14,8 @@ UINT BytesOfFormat(REFWICPixelFormatGUID format) noexcept;
 REFWICPixelFormatGUID FormatOfLayout(PixelLayout layout) noexcept;
 std::optional<PixelLayout> LayoutOfFormat(REFWICPixelFormatGUID format) noexcept;
 
-// One row. False if there is no way from the format to the layout. Alpha is left out; ink becomes
-// colour by the plain rule, without a profile.
+// Converts one row; returns false if the format can't be converted to the layout. Alpha is dropped; CMYK
+// becomes RGB by the plain rule, without a profile.
 bool ConvertRow(REFWICPixelFormatGUID format, const BYTE *from, PixelLayout layout, BYTE *to, UINT width) noexcept;
 
 // The part of a picture that a CopyPixels call asks for; all of it for null. Throws E_INVALIDARG for

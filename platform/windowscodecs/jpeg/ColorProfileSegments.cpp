@@ -1,5 +1,5 @@
+// Colour profiles in the APP2 segments of a JPEG file. The only place that knows the colour management library.
 #include "com/Hresult.h"
-#include "platform/windowscodecs/jpeg/ColorProfile.h"
 #include "platform/windowscodecs/jpeg/JpegMarkers.h"
 #include "platform/windowscodecs/jpeg/MetadataBlocks.h"
 
@@ -7,12 +7,32 @@
 
 #include <wincodec.h>
 
+#include <lcms2.h>
+
 using namespace std::string_view_literals;
 
 namespace
 {
 constexpr auto Signature = "ICC_PROFILE\0"sv;
 constexpr size_t HeadBytes = Signature.size() + 2; // the part's number from 1, and how many there are
+
+bool IsColorProfile(const Bytes &profile) noexcept
+{
+    constexpr size_t headerBytes = 128;
+    if (profile.size() < headerBytes)
+    {
+        return false;
+    }
+    const cmsContext context = cmsCreateContext(nullptr, nullptr);
+    const cmsHPROFILE handle =
+        cmsOpenProfileFromMemTHR(context, profile.data(), static_cast<cmsUInt32Number>(profile.size()));
+    if (handle != nullptr)
+    {
+        cmsCloseProfile(handle);
+    }
+    cmsDeleteContext(context);
+    return handle != nullptr;
+}
 } // namespace
 
 Bytes ReadColorProfile(StreamBytes &source, const JpegStructure &structure)

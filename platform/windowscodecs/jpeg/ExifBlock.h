@@ -46,7 +46,7 @@ enum ExifType : WORD
     EXIF_DOUBLE = 12
 };
 
-// Bytes of one element, and of the pieces that byte order turns round; 0 for an unknown type.
+// Bytes of one element, and of the parts whose bytes the byte order reverses; 0 for an unknown type.
 UINT ExifElementBytes(WORD type) noexcept;
 UINT ExifPieceBytes(WORD type) noexcept;
 
@@ -76,7 +76,7 @@ public:
     Bytes ThumbnailPicture;
     bool BigEndian = false;
 
-    // The contents of an APP1 segment, signature included. Nothing if no IFD0 can be read.
+    // The contents of an APP1 segment, signature included. nullopt if no IFD0 can be read.
     static std::optional<ExifBlock> Read(const Bytes &contents);
 
     bool IsEmpty() const noexcept { return Main.IsEmpty() && !Thumbnail; }
@@ -90,8 +90,8 @@ public:
     bool GetResolution(double &x, double &y) const;
 
     // The contents of an APP1 segment. A maker note keeps its place in the block where that can be,
-    // since its own offsets often count from the block's start. What doesn't fit into a segment goes
-    // without its thumbnail; throws WINCODEC_ERR_TOOMUCHMETADATA if that isn't enough.
+    // since its own offsets often count from the block's start. A block that doesn't fit into a segment is
+    // written without its thumbnail; throws WINCODEC_ERR_TOOMUCHMETADATA if that isn't enough.
     Bytes Write() const;
 
 private:

@@ -53,7 +53,7 @@ bool NamesDirectory(const QueryItem &item, WORD parent, WORD &tag) noexcept
     return false;
 }
 
-// Blocks inside IFD0 that are fields and not directories of ours.
+// Blocks in IFD0 that are stored as fields, not as directories.
 bool NamesFieldBlock(const QueryItem &item, WORD &tag) noexcept
 {
     tag = SameName(item.Text, TEXT("xmp"))    ? ExifTag::XmpPacket
@@ -103,7 +103,7 @@ Place Find(const QueryItem *items, size_t count)
     return place;
 }
 
-// Null if it isn't there.
+// Null if there is no such directory.
 ExifDirectory *DirectoryAt(std::optional<ExifBlock> &block, const Place &place) noexcept
 {
     if (!block)

@@ -10,7 +10,7 @@ namespace
 {
 constexpr auto Signature = "Exif\0\0"sv;
 
-// What describes pictures that don't go along, or only holds room.
+// Fields that describe pictures which aren't kept, or that are mere padding.
 constexpr WORD LeftOut[] = {
     254,
     255,

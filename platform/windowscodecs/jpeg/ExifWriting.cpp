@@ -11,7 +11,7 @@ namespace
 {
 constexpr UINT SignatureBytes = 6;
 
-// Lays out one block. Room is given from the start on, round the range that a maker note reserves.
+// Lays out one block: allocates from its start on, around the range that a maker note reserves.
 class Layout
 {
 public:

@@ -1,5 +1,5 @@
 // The JPEG half of the imaging component, as its factory sees it. Each function gives an object with
-// one reference, or null and the failure's code; no third-party library shows through.
+// one reference, or null and the failure's code; no type of a third-party library appears here.
 #pragma once
 
 #include <windows.h>

@@ -44,7 +44,7 @@ public:
         return WINCODEC_ERR_COMPONENTNOTFOUND;
     }
 
-    // A JPEG file has profile, thumbnail and metadata at its frame, and neither palette nor preview.
+    // A JPEG file keeps profile, thumbnail and metadata with its frame, and has neither palette nor preview.
     STDMETHODIMP SetColorContexts(UINT, IWICColorContext **) noexcept override { return RefuseAtFile(); }
     STDMETHODIMP SetPalette(IWICPalette *) noexcept override { return RefuseAtFile(); }
     STDMETHODIMP SetThumbnail(IWICBitmapSource *) noexcept override { return RefuseAtFile(); }

@@ -72,7 +72,7 @@ HRESULT CJpegFrameDecode::GetResolution(double *x, double *y) noexcept
         *y = m_structure.DensityY * perInch;
         return S_OK;
     }
-    // Metadata that can't be read is no reason to have no size in inches.
+    // Unreadable metadata isn't this call's failure: the default resolution holds then.
     AtBoundary([&] {
         const std::lock_guard guard(m_mutex);
         double exifX = 0;
@@ -128,7 +128,7 @@ void CJpegFrameDecode::CopyRows(const WICRect &part, UINT stride, BYTE *buffer)
             std::memcpy(buffer, &row[size_t{pixel} * static_cast<UINT>(part.X)], wantedBytes);
         }
     }
-    // A finished or failed pass holds memory for nothing.
+    // Keep only a pass that can go on; any other would hold its memory for nothing.
     if (rows->NextRow() < m_structure.Height)
     {
         m_rows = std::move(rows);

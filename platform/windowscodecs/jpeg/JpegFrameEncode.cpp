@@ -14,7 +14,7 @@ namespace
 constexpr float StandardQuality = 0.9f;
 constexpr double DefaultDpi = 96;
 
-// Rows of a source that are asked for at once: few calls, and little memory at any width.
+// Bytes of rows taken from a source at once: few calls, and little memory at any width.
 constexpr UINT StripBytes = 1024 * 1024;
 
 WORD JfifDensity(double dpi) noexcept
@@ -106,7 +106,7 @@ HRESULT CJpegFrameEncode::SetPixelFormat(WICPixelFormatGUID *format) noexcept
     });
 }
 
-// The first profile counts; a mere EXIF colour space is the metadata's affair.
+// Takes the first profile; an EXIF colour space without one belongs to the metadata.
 HRESULT CJpegFrameEncode::SetColorContexts(UINT count, IWICColorContext **contexts) noexcept
 {
     return AtBoundary([&] {

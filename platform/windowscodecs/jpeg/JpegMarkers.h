@@ -36,7 +36,7 @@ constexpr UINT MaxSegmentBytes = 0xFFFF - 2;
 // The pictures' limit of the decoding library; the format itself ends at 65535.
 constexpr UINT MaxJpegSide = 65500;
 
-// SOF0 to SOF15; the three codes among them that are no frame headers are not.
+// SOF0 to SOF15 except DHT, JPG and DAC.
 inline bool IsFrameHeader(BYTE marker) noexcept
 {
     return marker >= 0xC0 && marker <= 0xCF && marker != MARKER_DHT && marker != 0xC8 && marker != MARKER_DAC;

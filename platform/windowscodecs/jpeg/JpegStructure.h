@@ -30,15 +30,15 @@ struct JpegStructure
     bool HasAdobe = false;
     BYTE AdobeTransform = 0;
 
-    // Whether a reader of the file takes it for YCbCr or gray, so that a JFIF header may be written;
-    // before others it would change the meaning of the colours.
+    // Whether readers take the file for YCbCr or gray, so that a JFIF header may be written; in any other
+    // file it would change the meaning of the colours.
     bool AllowsJfif() const noexcept;
 };
 
 // Throws WINCODEC_ERR_BADHEADER for what doesn't begin as a JPEG does, WINCODEC_ERR_BADIMAGE for one
 // that breaks off before its first scan or contradicts itself, WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT for
 // samples of other than 8 bits and for 2 or more than 4 components, WINCODEC_ERR_UNSUPPORTEDVERSION
-// for lossless and hierarchical files, WINCODEC_ERR_IMAGESIZEOUTOFRANGE for a side over MAX_JPEG_SIDE,
+// for lossless and hierarchical files, WINCODEC_ERR_IMAGESIZEOUTOFRANGE for a side over MaxJpegSide,
 // WINCODEC_ERR_TOOMUCHMETADATA for an absurd number of segments, and what the stream answers.
 JpegStructure ReadStructure(StreamBytes &source);
 

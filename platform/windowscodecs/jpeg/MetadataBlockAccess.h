@@ -10,6 +10,6 @@
 
 UINT CountBlocks(const MetadataBlocks &blocks);
 
-// A reader that tells the block's format and has one value, its bytes. Throws E_INVALIDARG for an
+// A reader that names the block's format and has one value, its bytes. Throws E_INVALIDARG for an
 // index that isn't there.
 ComPtr<IWICMetadataReader> MakeBlockReader(const MetadataBlocks &blocks, UINT index);

@@ -1,5 +1,5 @@
-// Everything in a picture's application segments and comments that is metadata: what the block
-// reader shows, the block writer takes over and the query writer changes. Not part of it are the
+// All metadata in a picture's application segments and comments: the block reader shows it, the block
+// writer copies it and the query writer changes it. Not part of it are the
 // JFIF header, the colour profile and Adobe's marker, which belong to the coding, and lists of
 // further pictures behind the end of image.
 #pragma once

@@ -32,7 +32,7 @@ bool Is(const QueryItem &item, WideView name) noexcept
     return item.ItemKind == QueryItem::Kind::Name && SameName(item.Text, name);
 }
 
-// Which block a path is about, and what is left of the path.
+// The block that a path names, and the rest of the path.
 struct Target
 {
     enum class Block

@@ -9,7 +9,7 @@
 
 namespace
 {
-// Reader and writer in one class: a reader is a writer that was never told to be one.
+// Reader and writer in one class: a reader is a writer without a flag that allows changes.
 class CMetadataQuery final
     : public ComObject<CMetadataQuery, Answers<IWICMetadataQueryWriter, IWICMetadataQueryReader>>
 {

@@ -1,6 +1,6 @@
 // The APP13 segments of a picture: Photoshop's image resources, and the IPTC records in one of them.
 // Resources that repeat other metadata or hold small pictures (EXIF, XMP, thumbnails) are left out
-// when the block is read; what is not Photoshop's is as well.
+// when the block is read, and so are segments that aren't Photoshop's.
 #pragma once
 
 #include "platform/windowscodecs/jpeg/StreamBytes.h"

@@ -312,7 +312,7 @@ bool RowDecoder::CheckAll(ULONGLONG coefficientLimit)
     BYTE *const start = row.data();
     Guard(state.Trap, [&state, &decoder, start] {
         JSAMPROW rows[1] = {start};
-        // Damage once seen is enough: the rest of a large picture would be made up from nothing.
+        // Stop at the first damage: the library would invent the rest of the picture.
         while (decoder.output_scanline < decoder.output_height && !state.Trap.Damaged)
         {
             jpeg_read_scanlines(&decoder, rows, 1);

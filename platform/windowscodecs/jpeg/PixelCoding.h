@@ -24,7 +24,7 @@ inline UINT BytesPerPixel(PixelLayout layout) noexcept
 struct OutputSegment
 {
     BYTE Marker;
-    Bytes Contents; // at most MAX_SEGMENT_BYTES
+    Bytes Contents; // at most MaxSegmentBytes
 };
 
 // The rows of one picture from top to bottom. Failures are thrown: the stream's own code,

@@ -1,5 +1,5 @@
-// Values of metadata as the query interfaces carry them, in PROPVARIANTs, against how the blocks hold
-// them. What goes out is allocated as task memory, for PropVariantClear.
+// Converts metadata values between PROPVARIANTs, as the query interfaces carry them, and the form in the
+// blocks. Values given out are task memory, for PropVariantClear.
 #pragma once
 
 #include "platform/windowscodecs/jpeg/ExifBlock.h"

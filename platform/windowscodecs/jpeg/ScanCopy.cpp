@@ -95,7 +95,7 @@ BYTE CopyEntropyCoded(StreamBytes &source, Output &output)
     }
 }
 
-// What decoding needs; everything else that has a length is left behind.
+// Segments that decoding needs.
 bool BelongsToPicture(BYTE marker) noexcept
 {
     return IsFrameHeader(marker) || marker == MARKER_DHT || marker == MARKER_DAC || marker == MARKER_DQT ||

@@ -1,7 +1,15 @@
-// The compressed picture of one JPEG file taken over into another as it is: tables, frame header and
-// scans byte for byte, so that every decoder gets the same coefficients from both. It serves all
-// codings alike (sequential, progressive, arithmetic; any sampling, colour space, restart interval),
-// and needs no memory for the picture.
+// Copies the compressed picture of one JPEG file into another, without decoding it.
+//
+// A JPEG file is a row of segments, each with a marker that says its kind, and behind each scan's header
+// stands entropy-coded data. What decoding needs (tables, restart interval, frame and scan headers, that
+// data) is copied byte for byte; application segments and comments are not, and the caller's head takes
+// their place. The end of the data is found without decoding it: an encoder puts a zero behind each 0xFF
+// of the data (T.81, B.1.1.5), so an 0xFF with anything else behind it that is no restart marker begins
+// the next segment.
+//
+// So every decoder gets the same coefficients from both files, whatever the coding (sequential,
+// progressive, arithmetic; any sampling, colour space, restart interval), and the copy needs no memory for
+// the picture.
 #pragma once
 
 #include "platform/windowscodecs/jpeg/PixelCoding.h"
@@ -9,8 +17,7 @@
 
 #include <vector>
 
-// Writes a file of head and of what source holds of the picture. Nothing else of source goes over:
-// no application segment, no comment, no stray byte between segments, nothing behind the end of
-// image. Throws WINCODEC_ERR_BADIMAGE if source ends before its end of image, and what the streams
+// Writes a file of head and of the picture in source. Nothing else of source is copied: no application
+// segment, no comment, no stray byte between segments, nothing behind the end of image. Throws WINCODEC_ERR_BADIMAGE if source ends before its end of image, and what the streams
 // answer.
 void CopyScans(StreamBytes &source, const std::vector<OutputSegment> &head, IStream *target);

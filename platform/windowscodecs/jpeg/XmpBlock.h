@@ -1,6 +1,6 @@
 // The XMP of a picture. As long as nothing is changed, its segments stay as they were read; with the
 // first change the packet is parsed, extended parts included, and written anew. A packet that can't
-// be parsed then gives way to an empty one.
+// be parsed is then replaced by an empty one.
 #pragma once
 
 #include "platform/windowscodecs/jpeg/QueryPath.h"
