@@ -1,4 +1,4 @@
-// CharUpperW and CharLowerW take a text, or one character in place of the pointer.
+// CharUpperW and CharLowerW take a pointer to a text, or one character in place of the pointer.
 #include "platform/user32/CaseMapping.h"
 
 #include <windows.h>

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# The Debian package on a machine that has never seen it: CleanDebian.sh PACKAGE
-# A minimal Debian 12 comes from its usual mirror, or from that of HALVORA_DEBIAN_MIRROR (a line of a list of
-# sources), into a folder that goes when the trial ends; apt installs the package there, a user publishes, and
-# apt takes it away. Takes minutes; as root.
+# Tries the Debian package in a new Debian 12: CleanDebian.sh PACKAGE
+# Installs a minimal system from Debian's mirror, or from that of HALVORA_DEBIAN_MIRROR (a line of
+# sources.list), into a temporary folder; there apt installs the package, a user publishes, and apt removes the
+# package. Takes minutes and needs root.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 package=$(readlink -f "$1")

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The installed programs by themselves, with nothing at hand but a shell: InstalledPrograms.sh FOLDER PICTURE
-# publishes the picture (a large JPEG) to the service on this machine, as it is and processed.
+# Tries the installed programs with nothing but a shell: InstalledPrograms.sh FOLDER PICTURE
+# publishes the picture (a large JPEG) to the service on this machine, unchanged and processed.
 set -euo pipefail
 bin=$1 picture=$2
 work=$(mktemp -d)
