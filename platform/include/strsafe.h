@@ -1,6 +1,6 @@
-// Bounded text functions with Windows' names, contracts and results. Capacities are in characters,
-// including the terminator; a text that doesn't fit is cut, terminated and reported. Formats are those of
-// Windows' wide printf: %s is wide, %S and %hs narrow (UTF-8), %ld 32 bits, %I64d 64 bits.
+// Bounded text functions by Windows' names, contracts and results. Lengths are in characters, with
+// the terminator; a text that doesn't fit is cut, terminated and reported. Formats have the
+// meanings of Windows' wide printf: %s is wide, %S and %hs narrow (UTF-8), %ld 32 bits, %I64d 64.
 #pragma once
 
 #include <windows.h>
