@@ -10,7 +10,9 @@ picture=/usr/share/backgrounds/mate/nature/Dune.jpg
 trial=$(mktemp -d)
 trap 'rm -rf "$trial"' EXIT
 cp "$package" "$trial/halvora.deb"
-cp "$here/InstalledPrograms.sh" "$trial/InstalledPrograms.sh"
+mkdir "$trial"/{package,scenarios}
+cp "$here/InstalledPrograms.sh" "$trial/package"
+cp "$here/../scenarios/Service.sh" "$trial/scenarios"
 cp "$picture" "$trial/picture.jpg"
 cat >"$trial/try.sh" <<'TRY'
 set -eu
@@ -19,7 +21,7 @@ find /usr /etc /var/lib/halvora 2>/dev/null | sort >/trial/before || true
 apt-get install -y -q -o APT::Install-Recommends=true /trial/halvora.deb >/trial/apt.log 2>&1 || { cat /trial/apt.log; exit 1; }
 for needed in xdg-open proxy; do command -v $needed >/dev/null || { echo "FAILED: no $needed came along"; exit 1; }; done
 useradd --create-home user
-su user -c 'bash /trial/InstalledPrograms.sh /usr/bin /trial/picture.jpg'
+su user -c 'bash /trial/package/InstalledPrograms.sh /usr/bin /trial/picture.jpg'
 [ ! -e /home/user/.local ] || { echo 'FAILED: something was written beside the profile'; exit 1; }
 apt-get purge -y -q halvora >/dev/null
 ! find / -xdev -path /trial -prune -o -path /proc -prune -o -path '*halvora*' -print | grep -v '^/trial$' |
@@ -28,6 +30,6 @@ echo 'Installed, used and removed.'
 TRY
 chmod -R a+rX "$trial"
 mmdebstrap --quiet --mode=auto --variant=apt --format=null \
-    --customize-hook="mkdir \"\$1/trial\" && cp \"$trial\"/* \"\$1/trial\"" \
+    --customize-hook="mkdir \"\$1/trial\" && cp -r \"$trial\"/* \"\$1/trial\"" \
     --customize-hook='chroot "$1" sh /trial/try.sh >&2' \
     bookworm - ${HALVORA_DEBIAN_MIRROR:+"$HALVORA_DEBIAN_MIRROR"}
