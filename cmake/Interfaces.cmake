@@ -1,7 +1,7 @@
 # halvora_interfaces(TARGET FILE.idl ...)
 #
-# Makes a header of each IDL file; both builds use Wine's widl and the same header. Targets that
-# link TARGET include the header by its bare name.
+# Generates a header from the IDL file. Both builds use Wine's widl and the same header; targets that link
+# TARGET include it by its bare name.
 find_program(WIDL widl REQUIRED)
 set(HALVORA_IDL_INCLUDE /usr/include/wine/wine/windows)
 

@@ -1,8 +1,8 @@
 # halvora_module(NAME SOURCES ... HEADERS ... DEPENDS ...)
 #
-# A module: one static library of its own flags. HEADERS are named so that the target
-# all_verify_interface_header_sets can compile each of them alone. Paths are relative to the module;
-# a file is included from elsewhere as "module/File.h".
+# A module is one static library. HEADERS are listed so that the target all_verify_interface_header_sets
+# can compile each of them alone. Paths are relative to the module; other files include a header as
+# "module/File.h".
 function(halvora_module name)
   cmake_parse_arguments(MODULE "" "" "SOURCES;HEADERS;DEPENDS" ${ARGN})
   add_library(${name} STATIC ${MODULE_SOURCES})
@@ -14,18 +14,18 @@ endfunction()
 
 # halvora_test(NAME SOURCES ... LIBRARIES ... [LABELS ...])
 #
-# A GoogleTest program, one entry of ctest; it runs under the emulator where the build needs one. A
-# program that shows windows has no display until test_shows_windows(NAME) gives it one.
+# A GoogleTest program and its entry in ctest, which uses the emulator if the build needs one. A program
+# that shows windows needs test_shows_windows(NAME), which gives it a display.
 function(halvora_test name)
   cmake_parse_arguments(TEST "" "" "SOURCES;LIBRARIES;LABELS" ${ARGN})
   add_executable(${name} ${TEST_SOURCES})
   target_link_libraries(${name} PRIVATE test_main ${TEST_LIBRARIES})
   target_include_directories(${name} PRIVATE "${CMAKE_SOURCE_DIR}")
-  # Test code is compiled more often than it is run long; its optimisation buys nothing.
+  # Optimising test code would take longer than it saves.
   target_compile_options(${name} PRIVATE -O0)
-  # GoogleTest is most of what a test program's compiler reads; it is read once.
+  # Most of what the compiler reads for a test is GoogleTest; this way it reads that once.
   halvora_precompiled(${name} test_main)
-  # So that resources and exported functions of the program are found as a module's are.
+  # The program's resources and exported functions can then be found as a module's are.
   set_target_properties(${name} PROPERTIES ENABLE_EXPORTS ON)
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES TIMEOUT 300 LABELS "${TEST_LABELS}"
@@ -35,7 +35,7 @@ endfunction()
 function(test_shows_windows name)
   if(NOT HALVORA_NATIVE)
     set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT "HALVORA_DISPLAY=own")
-    # Starting a display and a prefix takes time; a dialog that hangs must not take all of it.
+    # Long enough to start a display and a Wine prefix, short enough for a dialog that hangs.
     set_tests_properties(${name} PROPERTIES RESOURCE_LOCK display TIMEOUT 180)
   endif()
 endfunction()

@@ -1,4 +1,4 @@
-# What a user can set at configure time, and the flags that every target shares.
+# The options that a user can set at configure time, and the flags that all targets share.
 
 if(WIN32)
   set(HALVORA_NATIVE OFF)
@@ -39,17 +39,16 @@ target_compile_options(halvora_flags INTERFACE -Wall -Wextra -Wno-missing-field-
 target_compile_definitions(halvora_flags INTERFACE UNICODE _UNICODE NOMINMAX)
 
 if(HALVORA_NATIVE)
-  # The Windows headers that Debian packages with Wine. windef.h gives every WINAPI function the
-  # Microsoft calling convention, which lambdas and mocks don't survive: natively all functions
-  # have the system's own. They also mark imported functions as hidden, which across shared
-  # libraries is wrong.
+  # The Windows headers that Debian packages with Wine. windef.h gives every WINAPI function the Microsoft
+  # calling convention, which lambdas and mocks can't have, so natively all functions use the system's
+  # own. The headers also mark imported functions as hidden, but here they are in other shared libraries.
   target_compile_options(halvora_flags INTERFACE
     "SHELL:-isystem /usr/include/wine/wine/windows"
     -Dms_abi= -D__ms_va_list=va_list -D__ms_va_start=va_start -D__ms_va_end=va_end
     -D__ms_va_copy=va_copy -DDECLSPEC_HIDDEN= -Wno-ignored-attributes -fPIC
-    # With or without threads of its own: a precompiled header fits only where both sides have it.
+    # Also for targets without threads: a precompiled header fits only targets with the same setting.
     -pthread)
-  # Ahead of Wine's headers, where ours of the same name are more complete.
+  # Before Wine's headers, since ours of the same name are more complete.
   target_include_directories(halvora_flags BEFORE INTERFACE "${CMAKE_SOURCE_DIR}/platform/include")
   if(HALVORA_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
@@ -58,13 +57,13 @@ if(HALVORA_NATIVE)
 else()
   target_compile_definitions(halvora_flags INTERFACE STRSAFE_NO_DEPRECATE
     _WIN32_WINNT=0x0601 WINVER=0x0601)
-  # For modules and programs alike: any address, no code in data, and a guarded stack.
+  # For modules and programs: any load address, no executable data, and a guarded stack.
   add_compile_options(-fstack-protector-strong)
   add_link_options(-static -fstack-protector-strong "LINKER:--dynamicbase,--high-entropy-va,--nxcompat")
 endif()
 
-# The precompiled header of all modules, made once: halvora_precompiled(TARGET [HEADERS-OF]) gives it, or that
-# of the target HEADERS-OF, to one.
+# halvora_precompiled(TARGET [HEADERS-OF]) gives a target the precompiled header of all modules, or that of the
+# target HEADERS-OF. Each is built only once.
 set(CMAKE_PCH_INSTANTIATE_TEMPLATES OFF)
 if(HALVORA_PRECOMPILE)
   set(nothing "${CMAKE_BINARY_DIR}/generated/PrecompiledForModules.cpp")
@@ -81,7 +80,7 @@ function(halvora_precompiled target)
       set(source "${ARGV1}")
     endif()
     target_precompile_headers(${target} REUSE_FROM ${source})
-    # Files that define the identifiers of the Windows headers (INITGUID) must read these headers themselves.
+    # A file that defines the GUIDs of the Windows headers (INITGUID) must include these headers itself.
     get_target_property(files ${target} SOURCES)
     list(FILTER files INCLUDE REGEX "(Identifiers|Guids|Module)\\.cpp$")
     set_source_files_properties(${files} "${CMAKE_SOURCE_DIR}/tests/doubles/Identifiers.cpp"

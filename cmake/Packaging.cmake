@@ -1,11 +1,11 @@
-# What is installed where, and the packages that CPack makes of it: natively a Debian package, for
-# Windows a zip. Installing and packing build nothing: tools/package has built what they take.
+# What is installed where, and the packages that CPack makes from it: natively a Debian package, for
+# Windows a zip. Installing and packing build nothing; tools/package builds everything first.
 set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
 set(out "${CMAKE_BINARY_DIR}/packaging")
 set(in "${CMAKE_SOURCE_DIR}/packaging")
 set(script "${CMAKE_SOURCE_DIR}/resources/Publisher.rc")
 
-# The version and the holders of the rights stand in the modules too: the packages must not tell others.
+# Version and copyright come from the resources of the modules, so that the packages state the same.
 file(STRINGS "${script}" line REGEX "^FILEVERSION ")
 string(REGEX REPLACE "^FILEVERSION +| " "" version "${line}")
 string(REPLACE "," "." version "${version}")
@@ -16,10 +16,10 @@ file(STRINGS "${script}" line REGEX "\"LegalCopyright\"" ENCODING UTF-8)
 string(REGEX REPLACE ".*, \"(.*)\"" "\\1" HALVORA_COPYRIGHT "${line}")
 string(REPLACE "©" "(c)" HALVORA_COPYRIGHT "${HALVORA_COPYRIGHT}")
 
-# All that is installed, to build it and no more.
+# Builds exactly what is installed.
 add_custom_target(installed)
 
-# A licence text as Debian keeps it beside what we link or compile in: licence_text(PACKAGE NAME)
+# licence_text(PACKAGE NAME) installs the licence, as Debian's PACKAGE has it, of code that we link or compile in.
 function(licence_text package name)
   install(FILES "/usr/share/doc/${package}/copyright" DESTINATION "${licences}" RENAME "${name}.txt")
 endfunction()
@@ -32,8 +32,8 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 
 if(HALVORA_NATIVE)
-  # Not in lib itself, nor right below it: these libraries are for nobody else, and CPack would tell the
-  # system's loader of them.
+  # Not in lib or directly below it: only our programs use these libraries, and CPack would register them
+  # with the system's loader.
   set(folder lib/halvora/modules)
   set(programs halvora flickr-loopback)
   set(modules publisher web_components atl msxml windowscodecs platform winhttp)
@@ -43,7 +43,7 @@ if(HALVORA_NATIVE)
   set_target_properties(${modules} PROPERTIES INSTALL_RPATH "$ORIGIN")
   add_dependencies(installed ${programs} ${modules})
 
-  # Packed as Debian wants them. The changelog tells no more than the version and its day.
+  # Compressed as Debian requires. The changelog states only the version and its date.
   execute_process(COMMAND git -C "${CMAKE_SOURCE_DIR}" log -1 --format=%cD
     OUTPUT_VARIABLE HALVORA_DAY OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
   if(NOT HALVORA_DAY)
@@ -74,12 +74,12 @@ With it comes a photo service for this machine alone, to try everything
 without an account.")
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}/lib")
-  # Beside the libraries: whom to trust. The browser and the desktop's proxies can be done without.
+  # CA certificates, which shlibdeps can't find. The browser and the desktop's proxy settings are optional.
   set(CPACK_DEBIAN_PACKAGE_DEPENDS "ca-certificates")
   set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xdg-utils, libproxy-tools, libproxy1-plugin-webkit")
   set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 else()
-  # Whichever of these this build makes.
+  # Only those that this build makes.
   set(HALVORA_MODULES)
   set(HALVORA_PROGRAMS)
   foreach(target web_components publisher halvora)

@@ -1,7 +1,7 @@
 # halvora_resources(TARGET FILE.rc [DEPENDS ...])
 #
-# Puts the resources of one script into the module TARGET. Windows: the linker's own way. Natively
-# the compiled .res lies in the ELF section ".rsrc", where the platform layer finds it by module.
+# Puts the resources of one script into the module TARGET. For Windows the linker does that; natively the
+# compiled .res is put into the ELF section ".rsrc", where platform/kernel32 finds it.
 find_program(WINDRES x86_64-w64-mingw32-windres REQUIRED)
 
 function(halvora_resources target rc)

@@ -1,4 +1,4 @@
-// A reader of foreign bytes under trial: well-formed samples to spoil, and what to do with the result.
+// A parser of foreign bytes under trial: well-formed samples to spoil, and the call that reads the result.
 #pragma once
 
 #include <string>
@@ -10,11 +10,11 @@ struct FuzzTarget
     const char *Name;
     std::vector<std::string> (*Samples)();
 
-    // Reads the bytes. Failures that the reader tells of are well; a broken promise is told to Broken.
+    // Reads the bytes. The parser may report an error; if it breaks a promise, Read calls Broken.
     void (*Read)(std::string_view bytes);
 };
 
-// A promise doesn't hold for the bytes at hand: ends the program, as a fault of memory does.
+// Call this if a promise doesn't hold for the current bytes. Aborts the program, as a memory error does.
 [[noreturn]] void Broken(const char *promise);
 
 extern const FuzzTarget JpegFiles;

@@ -24,7 +24,7 @@ std::vector<std::string> JpegSamples()
     return samples;
 }
 
-// Values of every kind of block, and the numbers that the directories of a spoiled one may have.
+// Queries values of every kind of metadata block, and each number that a directory may have.
 void AskForMetadata(IWICBitmapFrameDecode *frame)
 {
     ComPtr<IWICMetadataQueryReader> reader;

@@ -17,7 +17,7 @@ std::vector<std::string> MultipartSamples()
             "preamble\r\n" + mark + "\r\n\r\n\r\n" + mark + "--"};
 }
 
-// Everything that the parser tells, one after the other.
+// Everything that the parser reports for the bytes, fed `step` bytes at a time.
 std::string Parsed(std::string_view bytes, size_t step)
 {
     std::string told;

@@ -59,7 +59,7 @@ void Mutation::Change(std::string &bytes)
         bytes.insert(at, 1 + Below(40), static_cast<char>(Below(256)));
         break;
     default:
-        // Seldom, for behind an early end there is nothing left to spoil.
+        // Seldom, since nothing can be spoiled after an early end.
         if (Below(4) == 0)
         {
             bytes.resize(at);

@@ -11,8 +11,8 @@ class Mutation
 public:
     Mutation(std::vector<std::string> samples, uint64_t seed) : m_samples(std::move(samples)), m_random(seed) {}
 
-    // A sample with one to eight changes: bits, numbers at their limits, pieces lost, doubled, moved or taken
-    // from another sample, an early end.
+    // Returns a sample with one to eight changes: flipped bits, numbers at their limits, pieces lost, doubled,
+    // moved or taken from another sample, an early end.
     std::string Next();
 
 private:

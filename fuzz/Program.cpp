@@ -1,5 +1,5 @@
-// fuzz-readers TARGET [--seconds N] [--count N] [--seed N]: samples spoiled in ever new ways, until the time
-// or the number is over. fuzz-readers TARGET --file F reads one file. What ends the program lies in
+// fuzz-readers TARGET [--seconds N] [--count N] [--seed N] spoils samples in new ways until the time is over or
+// the number is reached. fuzz-readers TARGET --file F reads one file. Bytes that abort the program remain in
 // fuzz-TARGET.found in the working folder, to be read again with --file.
 #include "fuzz/FuzzTarget.h"
 #include "fuzz/Mutation.h"
@@ -18,7 +18,7 @@
 
 #include <unistd.h>
 
-// The metadata library keeps the namespaces of every packet for good.
+// Not our leak: exiv2's XMP toolkit keeps the namespaces of every packet until the process ends.
 extern "C" __attribute__((visibility("default"))) const char *__lsan_default_suppressions()
 {
     return "leak:Exiv2::XmpProperties::registerNs";

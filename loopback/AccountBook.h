@@ -21,17 +21,17 @@ struct Account
     std::string fullName;
     std::string photosUrl;
     bool isPro = false;
-    // Bytes. A bandwidth maximum of 0 is no limit; a pro account has none anyway.
+    // Bytes. A maximum of 0 means no limit on the bandwidth; a pro account never has one.
     std::int64_t maxFileSize = 0;
     std::int64_t bandwidthMax = 0;
     std::int64_t bandwidthUsed = 0;
-    // The same bytes a second time are refused.
+    // Whether the service refuses a picture whose bytes it already has.
     bool refuseDuplicates = false;
     // How long a ticket of an asynchronous upload stays open, in milliseconds.
     std::int64_t ticketDelay = 0;
-    // How long a request token is good for, in seconds.
+    // How long a request token is valid, in seconds.
     std::int64_t requestTokenLife = 0;
-    // What the uploads of now are called where uploads are compared; may be empty.
+    // The label of current uploads on the page that compares uploads; may be empty.
     std::string run;
 };
 
@@ -41,24 +41,24 @@ struct TokenRecord
     std::string secret;
     // "read", "write" or "delete"
     std::string permission;
-    // The key of the only application that may use it; empty for any.
+    // The key of the only application that may use the token; empty for any.
     std::string consumer;
 };
 
 class AccountBook
 {
 public:
-    // A new index gets the demonstration account, token and application.
+    // Fills a new index with the demonstration account, token and application.
     explicit AccountBook(Database &database);
 
     Account Get() const;
 
-    // Sets a property by its name; the reason in words when that can't be.
+    // Sets a property by its name. Returns an error message if there is no such property or the value is bad.
     std::optional<std::string> Set(const std::string &name, const std::string &value);
     // Names and values of all properties, in order.
     std::map<std::string, std::string> Properties() const;
 
-    // Counts an upload against the bandwidth; false, with nothing counted, when it doesn't fit.
+    // Counts an upload against the bandwidth. If it doesn't fit, counts nothing and returns false.
     bool UseBandwidth(std::int64_t bytes);
 
     std::optional<TokenRecord> FindToken(const std::string &token) const;
@@ -67,7 +67,7 @@ public:
     void RemoveToken(const std::string &token);
 
     std::optional<std::string> FindConsumerSecret(const std::string &key) const;
-    // What a user is told who asks; empty for an unknown or nameless application.
+    // The application's name for the consent page; empty for an unknown or nameless application.
     std::string ConsumerName(const std::string &key) const;
     void AddConsumer(const std::string &key, const std::string &secret, const std::string &name);
 

@@ -88,7 +88,8 @@ void WritePhoto(JsonWriter &json, const PhotoRecord &photo, const std::string &p
     json.EndObject();
 }
 
-// A page of another origin may send a form here, but not without saying where it comes from.
+// A page of another site may make the browser send a form here, but the browser then names that site in
+// the Origin header.
 bool IsForeignPage(const HttpRequest &request)
 {
     const std::string origin = request.Header("origin");

@@ -1,5 +1,5 @@
-// The service's back door for tests and experiments, under /_loopback/: account, tokens, faults, what
-// was uploaded and asked. Answers in JSON; takes form fields. No OAuth.
+// The administration interface for tests and experiments, under /_loopback/: account, tokens, faults,
+// uploads and past requests. It takes form fields and answers in JSON, without OAuth.
 #pragma once
 
 #include "loopback/AccountBook.h"

@@ -1,4 +1,4 @@
-// Who is calling: the signature of a request, and what the token behind it may do.
+// Decides whether a request may proceed: checks its signature and the permission of its token.
 #pragma once
 
 #include "loopback/AccountBook.h"
@@ -12,7 +12,7 @@ namespace loopback
 
 enum class Permission
 {
-    // A signature of the application is enough.
+    // The application's signature alone is enough.
     None,
     Read,
     Write
@@ -20,7 +20,7 @@ enum class Permission
 
 struct Caller
 {
-    // The answer for a caller who is not let in.
+    // Set if the request is refused: the answer to it.
     std::optional<HttpReply> refusal;
     TokenRecord token;
 };
@@ -30,7 +30,7 @@ class Admission
 public:
     Admission(AccountBook &accounts, OAuthVerifier::Clock clock);
 
-    // `fields` are the decoded fields of the body, without files; the query is read here.
+    // `fields` are the decoded fields of the body, without files. Admit reads those of the query itself.
     Caller Admit(const HttpRequest &request, const FormFields &fields, Permission wanted);
 
 private:

@@ -42,7 +42,7 @@ using Bio = std::unique_ptr<BIO, Releaser<BIO_free_all>>;
 
 constexpr long Day = 24L * 60 * 60;
 constexpr long AuthorityLife = 3650 * Day;
-// Clients refuse server certificates that are good for more than 825 days.
+// Some clients refuse server certificates that are valid for more than 825 days.
 constexpr long ServerLife = 397 * Day;
 constexpr long RenewAhead = 30 * Day;
 
@@ -128,7 +128,7 @@ Certificate NewCertificate(EVP_PKEY *key, const char *commonName, long life)
     serial[0] = static_cast<unsigned char>((serial[0] & 0x7f) | 0x40);
     std::unique_ptr<BIGNUM, Releaser<BN_free>> number(BN_bin2bn(serial, sizeof serial, nullptr));
     BN_to_ASN1_INTEGER(number.get(), X509_get_serialNumber(certificate.get()));
-    // A day back, for clocks that aren't quite right.
+    // Valid from yesterday, for clients whose clock is slow.
     X509_gmtime_adj(X509_getm_notBefore(certificate.get()), -Day);
     X509_gmtime_adj(X509_getm_notAfter(certificate.get()), life);
     X509_set_pubkey(certificate.get(), key);
@@ -190,7 +190,7 @@ bool LastsLongEnough(X509 *certificate)
     return X509_cmp_time(X509_get0_notAfter(certificate), &then) > 0;
 }
 
-// As a client would: the chain, the dates and every name.
+// Checks what a client would: the chain, the dates and every host name.
 bool IsUsable(const Pair &server, const Pair &authority)
 {
     if (!server.certificate || !authority.certificate || !LastsLongEnough(server.certificate.get()) ||

@@ -1,6 +1,6 @@
-// The certificates of the service: an authority of its own, made at the first start and kept, and a
-// server certificate for the known hosts. The authority may sign for these names only, so trusting
-// it gives nothing else away. Private keys have mode 0600.
+// The service's certificates: its own certificate authority, created at the first start and kept, and a
+// server certificate for the known hosts. The authority is constrained to these names, so a client that
+// trusts it trusts it for nothing else. Private keys have mode 0600.
 #pragma once
 
 #include <filesystem>
@@ -10,14 +10,14 @@ namespace loopback
 
 struct CertificateFiles
 {
-    // What a client has to trust.
+    // The authority's certificate, which a client must trust.
     std::filesystem::path authority;
     std::filesystem::path serverChain;
     std::filesystem::path serverKey;
 };
 
-// Uses what the folder holds if it is whole, covers every known host and is good for 30 days more;
-// otherwise makes it anew. Throws std::runtime_error.
+// Uses the folder's certificates if they are complete, cover every known host and are valid for 30 more
+// days; otherwise creates new ones. Throws std::runtime_error.
 CertificateFiles PrepareCertificates(const std::filesystem::path &folder);
 
 } // namespace loopback

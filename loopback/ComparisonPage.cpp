@@ -61,7 +61,7 @@ struct Upload
 
 using Cell = std::function<std::string(const Upload &)>;
 
-// By its file's name when it has no title; the kind of file may differ from upload to upload.
+// The title, otherwise the file name without its extension: uploads of one picture may differ in format.
 std::string NameOf(const PhotoRecord &photo)
 {
     return !photo.title.empty() ? photo.title : photo.fileName.substr(0, photo.fileName.rfind('.'));
@@ -99,7 +99,7 @@ std::string SizeCell(const Upload &upload, std::int64_t largest)
                                    : 0.0);
 }
 
-// How many different entries any of the uploads has in the group.
+// The number of different entries that all uploads together have in the group.
 std::size_t EntriesOfAll(const std::vector<Upload> &uploads, const std::string &name)
 {
     std::set<std::string> keys;
@@ -170,7 +170,7 @@ std::string Section(const std::vector<Upload> &uploads, int number)
 
 std::string ComparisonPage(const std::vector<PhotoRecord> &photos, const FactsOf &facts)
 {
-    // In the order in which the titles first came.
+    // In the order in which the titles first appear.
     std::vector<std::vector<Upload>> comparisons;
     for (auto photo = photos.rbegin(); photo != photos.rend(); ++photo)
     {

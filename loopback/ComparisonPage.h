@@ -1,5 +1,5 @@
-// Uploads of the same title side by side: what of a picture, and of what it tells, came through each
-// time.
+// A page that shows uploads of the same title side by side: which of the picture and of its metadata
+// arrived each time.
 #pragma once
 
 #include "loopback/GalleryPage.h"
@@ -11,7 +11,7 @@
 namespace loopback
 {
 
-// `photos` are the newest first; in each comparison the oldest is on the left.
+// `photos` begin with the newest; in each comparison the oldest is on the left.
 std::string ComparisonPage(const std::vector<PhotoRecord> &photos, const FactsOf &facts);
 
 } // namespace loopback

@@ -21,7 +21,7 @@ namespace
 {
 
 constexpr std::chrono::seconds HandshakeLimit{10};
-// Longer than any stall that a client may be tested with.
+// Longer than any stall that tests use.
 constexpr std::chrono::minutes TransferLimit{10};
 // One TLS record holds at most 16 KB.
 constexpr std::size_t BufferSize = 64 * 1024;
@@ -90,7 +90,7 @@ bool Connection::WaitAfter(int result, std::chrono::milliseconds limit)
     {
         return Wait(POLLOUT, limit);
     }
-    // After these two the library forbids a closing handshake.
+    // After these two errors SSL_shutdown must not be called.
     m_failed = m_failed || error == SSL_ERROR_SYSCALL || error == SSL_ERROR_SSL;
     return false;
 }

@@ -1,5 +1,5 @@
-// One accepted connection: TLS, or plain HTTP when the client's first byte is no TLS handshake.
-// Reads wait for bytes, for the time limit or for the server's stop, whichever comes first.
+// One accepted connection: TLS, or plain HTTP if the client's first byte doesn't begin a TLS handshake.
+// A read ends when bytes arrive, the time limit is over or the server stops, whichever comes first.
 // Used by one thread.
 #pragma once
 
@@ -20,13 +20,13 @@ namespace loopback
 class Connection
 {
 public:
-    // Takes the socket. `stopSignal` is a descriptor that becomes readable when the server stops.
+    // Owns the socket. `stopSignal` is a descriptor that becomes readable when the server stops.
     Connection(int socket, int stopSignal, std::uint64_t number);
     ~Connection();
     Connection(const Connection &) = delete;
     Connection &operator=(const Connection &) = delete;
 
-    // False when the client goes away or doesn't get through the handshake in ten seconds.
+    // Returns false if the client disconnects or doesn't complete the handshake in ten seconds.
     bool Accept(ssl_ctx_st *context);
 
     bool IsSecure() const { return m_tls != nullptr; }
@@ -34,17 +34,17 @@ public:
     std::uint64_t Number() const { return m_number; }
     int Socket() const { return m_socket; }
 
-    // Bytes read (at least 1), or -1: closed, failed, timed out, stopping or dropped.
+    // Returns the number of bytes read (at least 1), or -1: closed, failed, timed out, stopping or dropped.
     std::ptrdiff_t Read(char *bytes, std::size_t size);
-    // All bytes or -1.
+    // Writes all bytes and returns their number, or -1.
     std::ptrdiff_t Write(const char *bytes, std::size_t size);
 
-    // Waits for the first byte of a next request.
+    // Waits for the first byte of the next request.
     bool WaitForRequest(std::chrono::milliseconds limit);
 
     bool Pause(std::chrono::milliseconds duration);
 
-    // From now on reads and writes fail, and the connection ends so.
+    // Makes all further reads and writes fail; the destructor then ends the connection in that way.
     void Drop(ConnectionEnd end);
     bool IsDropped() const { return m_dropped; }
 

@@ -47,7 +47,7 @@ button:hover{filter:brightness(1.08)}
 
 constexpr char Brand[] = "<p class=\"brand\">flickr<i>-loopback</i></p>";
 
-// One string of HTML items for each step from read to delete.
+// HTML list items; each further permission, from read to delete, adds to them.
 constexpr const char *MaySee = "<li>see all your photos, the private ones too</li>";
 constexpr const char *MayWrite = "<li>upload photos and videos</li>"
                                  "<li>change titles, descriptions, tags and who may see a photo</li>";
@@ -68,7 +68,7 @@ std::string TimeLeft(std::int64_t seconds)
     return minutes >= 2 ? fmt::format("{} minutes", minutes) : minutes == 1 ? "a minute" : "less than a minute";
 }
 
-// The first character, however many bytes it has.
+// The first character, which may have several bytes.
 std::string Initial(const std::string &name)
 {
     std::size_t end = std::min<std::size_t>(1, name.size());

@@ -1,5 +1,4 @@
-// The pages on which a user is asked whether an application may use the account, and told what
-// came of it.
+// The pages that ask the user whether an application may use the account, and that show the outcome.
 #pragma once
 
 #include <cstdint>
@@ -11,28 +10,28 @@ namespace loopback
 
 struct ConsentQuestion
 {
-    // Who asks.
+    // The name of the application that asks.
     std::string application;
     // "read", "write" or "delete"
     std::string permission;
     std::string token;
-    // Comes back with the answer, or the answer doesn't count.
+    // A hidden field; an answer without it is ignored.
     std::string formKey;
-    // What stands in the field, and the user's full name beside it.
+    // The initial text of the name field, and the user's full name beside it.
     std::string userName;
     std::string fullName;
-    // Where the browser goes after a grant; empty when a code is shown instead.
+    // The host of the page that the browser opens after a grant; empty if a code is shown instead.
     std::string callbackHost;
     std::int64_t secondsLeft = 0;
-    // Something about the page itself that must be said first, or empty.
+    // A message to show at the top of the page, or empty.
     std::string notice;
-    // The name in the field is no account here.
+    // The service has no account with the name in the field.
     bool isUserUnknown = false;
 };
 
 std::string ConsentQuestionPage(const ConsentQuestion &question);
 
-// Heading and text are plain text.
+// Heading and text are plain text, not HTML.
 std::string ConsentOutcomePage(std::string_view heading, std::string_view text);
 
 // For an application that can't be called back: the user types this code there.

@@ -24,7 +24,7 @@ std::string Field(const FormFields &fields, const char *name)
     return FindField(fields, name).value_or("");
 }
 
-// What is asked for when nothing is said.
+// "read" if the request doesn't name a permission.
 std::string Permission(const FormFields &fields)
 {
     return FindField(fields, "perms").value_or("read");
@@ -36,7 +36,8 @@ bool IsPermission(const std::string &permission)
     return std::find(known.begin(), known.end(), permission) != known.end();
 }
 
-// The browser's own random name, by which a form is known to have been shown to this browser.
+// The random name of the browser, from our cookie; empty without one. A form counts only if it was shown to
+// the browser that sends it.
 std::string VisitorOf(const HttpRequest &request)
 {
     const std::string cookies = request.Header("cookie");
@@ -79,7 +80,7 @@ HttpReply Outcome(int status, std::string_view heading, std::string_view text)
     return PageReply(status, ConsentOutcomePage(heading, text));
 }
 
-// Why a request that isn't waiting for an answer can't be answered.
+// Explains why the request token can't be granted or denied now.
 HttpReply NothingToAnswer(const std::optional<RequestToken> &token)
 {
     if (!token)

@@ -1,6 +1,5 @@
-// /services/oauth/authorize: asks the user in the browser, takes the answer and sends the browser
-// on. After a refusal the callback is not called; the application learns of it when its token is
-// rejected. Thread-safe.
+// /services/oauth/authorize: asks the user in the browser, records the answer and redirects the browser to
+// the callback. After a refusal it doesn't; the application notices when its token is rejected. Thread-safe.
 #pragma once
 
 #include "loopback/AccountBook.h"
@@ -31,7 +30,7 @@ private:
 
     const AccountBook &m_accounts;
     RequestTokenBook &m_requests;
-    // Of this run of the service: what it puts into forms, nobody else can make.
+    // Random key of this run of the service. It signs the forms, so nobody else can make a valid one.
     std::string m_key;
 };
 

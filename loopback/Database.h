@@ -1,4 +1,4 @@
-// The index file, an SQLite database. One statement at a time: thread-safe by a lock of its own.
+// The index file, an SQLite database. Thread-safe: a lock admits one statement at a time.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +21,7 @@ public:
     explicit Database(const std::filesystem::path &file);
     ~Database();
 
-    // Runs one statement with its "?" filled in order; all rows of the answer. NULL reads as 0.
+    // Runs one statement with the values in place of its "?", in order, and returns all rows. NULL reads as 0.
     std::vector<Row> Run(const char *sql, const std::vector<Value> &values = {});
 
 private:
@@ -29,10 +29,10 @@ private:
     std::unique_ptr<State> m_state;
 };
 
-// The column of a row as a number or a text; the column must be of that kind.
-// Adds the column, empty in every row, to the table of an index of before the column was thought of.
+// Adds the column, empty in every row, unless the table has it: older versions made indexes without it.
 void EnsureTextColumn(Database &database, const std::string &table, const std::string &column);
 
+// The column of a row as a number or a text; the column must be of that kind.
 std::int64_t NumberAt(const Database::Row &row, std::size_t column);
 const std::string &TextAt(const Database::Row &row, std::size_t column);
 

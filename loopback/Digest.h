@@ -10,10 +10,10 @@ struct evp_md_ctx_st;
 namespace loopback
 {
 
-// In base64.
+// Returns the code in base64.
 std::string HmacSha1(std::string_view key, std::string_view message);
 
-// In a time that doesn't depend on where the texts differ.
+// Constant-time comparison.
 bool EqualSecretly(std::string_view one, std::string_view other);
 
 class Sha256
@@ -22,7 +22,7 @@ public:
     Sha256();
     ~Sha256();
     void Add(std::string_view bytes);
-    // 64 lower-case hexadecimal digits; the object is used up.
+    // Returns 64 lower-case hexadecimal digits. The object can't be used again.
     std::string Finish();
 
 private:

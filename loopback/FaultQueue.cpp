@@ -57,7 +57,7 @@ std::string WordsFor(int status)
     return found == Words.end() ? "Error" : found->words;
 }
 
-// Reads a whole number from `lowest` on into `value`, if the field is there.
+// If the field is present, reads it into `value`; it must be a whole number and at least `lowest`.
 template <typename Number>
 bool ReadNumber(const FormFields &fields, const char *name, long long lowest, Number &value)
 {

@@ -1,4 +1,4 @@
-// Misbehaviour on demand: an ordered list of faults, each for the next so many requests of a kind.
+// The faults that tests and experiments ask for: an ordered list, each for a number of requests of a kind.
 // Thread-safe.
 #pragma once
 
@@ -21,17 +21,17 @@ enum class FaultKind
     Status,
     // Answer with a service error: code=105, message=...
     Error,
-    // Reset the connection when so many bytes of the body were read: after=1000
+    // Reset the connection when this many bytes of the body were read: after=1000
     Cut,
     // Read and keep the request, then close without an answer.
     NoAnswer,
     // Answer only after a time: ms=2000
     Delay,
-    // Stop reading for a time when so many bytes of the body were read: ms=2000, after=1000
+    // Stop reading for a time when this many bytes of the body were read: ms=2000, after=1000
     Stall,
-    // Read the body no faster than so many bytes a second: rate=100000
+    // Read at most this many bytes of the body per second: rate=100000
     Slow,
-    // Answer 200 with something that is no XML.
+    // Answer 200 with a body that isn't XML.
     Garbage,
     // Announce the whole answer, send half of it and reset the connection.
     Truncated
@@ -44,10 +44,10 @@ struct Fault
     // endpoint) or "any"
     std::string target = "any";
     int count = 1;
-    // So many requests of the target pass first.
+    // The number of requests of the target that pass before the fault applies.
     int skip = 0;
-    // The request is carried out although its answer is a failure: store=1. Only for status and
-    // error; every other fault with an answer carries the request out.
+    // The service carries the request out although it answers with a failure: store=1. Only for status and
+    // error; with every other fault that answers, it carries the request out.
     bool isCarriedOut = false;
     int status = 503;
     std::string body = "html";
@@ -61,8 +61,8 @@ struct Fault
 
 const char *FaultName(FaultKind kind);
 
-// From form fields such as kind=status&status=504&count=2&target=upload. The reason in words when
-// they say something else; nothing is guessed.
+// Reads form fields such as kind=status&status=504&count=2&target=upload. Returns an error message if a
+// field is unknown or its value is bad.
 std::optional<std::string> ReadFault(const FormFields &fields, Fault &fault);
 
 class FaultQueue
@@ -72,7 +72,7 @@ public:
     void Clear();
     std::vector<Fault> Pending() const;
 
-    // The fault for this request, used up by one.
+    // Returns the fault for this request and lowers its count by one.
     std::optional<Fault> Take(const std::string &target);
 
 private:
@@ -80,7 +80,7 @@ private:
     std::deque<Fault> m_faults;
 };
 
-// The answer that the fault gives in place of the service's own, if it is one that answers.
+// The answer with which the fault replaces the service's own; nullopt if this kind of fault doesn't.
 std::optional<HttpReply> FaultAnswer(const Fault &fault);
 
 } // namespace loopback

@@ -1,4 +1,4 @@
-// A request whose body is read as a fault has it: cut off, stalled, or slowly.
+// Reads a request's body as a fault demands: cut off, stalled or slowly.
 #pragma once
 
 #include "loopback/FaultQueue.h"

@@ -1,4 +1,4 @@
-// What a file is, by its first bytes.
+// Recognises a file's format by its first bytes.
 #pragma once
 
 #include <string>
@@ -14,10 +14,10 @@ struct FileKind
     bool isVideo = false;
 };
 
-// As many bytes as the recognition looks at.
+// The number of bytes that RecogniseFile looks at.
 constexpr std::size_t FileKindBytes = 64;
 
-// Null for what the service doesn't take.
+// Returns null for a format that the service doesn't accept.
 const FileKind *RecogniseFile(std::string_view firstBytes);
 
 } // namespace loopback

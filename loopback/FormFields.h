@@ -1,5 +1,5 @@
-// Names and values as forms and queries carry them (application/x-www-form-urlencoded), and the
-// percent-coding of RFC 3986. All texts are bytes; nothing is checked for UTF-8 here.
+// Names and values of forms and queries (application/x-www-form-urlencoded), and the percent-encoding of
+// RFC 3986. All texts are bytes, which need not be UTF-8.
 #pragma once
 
 #include <optional>
@@ -13,18 +13,18 @@ namespace loopback
 
 using FormFields = std::vector<std::pair<std::string, std::string>>;
 
-// Everything but letters, digits and "-._~" as %XX with upper-case digits.
+// Encodes everything but letters, digits and "-._~" as %XX with upper-case digits.
 std::string PercentEncode(std::string_view bytes);
 
-// %XX decoded; a "%" without two hexadecimal digits stays.
+// Decodes %XX; a "%" without two hexadecimal digits stays.
 std::string PercentDecode(std::string_view text);
 
-// In order, repeated names and empty values kept; "+" is a blank.
+// Keeps the order, repeated names and empty values; "+" is a blank.
 FormFields ParseForm(std::string_view text);
 
 std::optional<std::string> FindField(const FormFields &fields, std::string_view name);
 
-// A whole number in decimal, with nothing around it.
+// A whole number in decimal; nullopt if the text holds anything else.
 std::optional<long long> ParseWholeNumber(std::string_view text);
 
 } // namespace loopback

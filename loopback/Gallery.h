@@ -1,4 +1,4 @@
-// The pages for people: what was published, and the pictures themselves. Thread-safe.
+// The web pages that show what was published, and the pictures themselves. Thread-safe.
 #pragma once
 
 #include "loopback/AccountBook.h"
@@ -20,12 +20,12 @@ class Gallery
 public:
     Gallery(const AccountBook &accounts, const PhotoIndex &photos, const UploadService &uploads);
 
-    // "/" is the overview, "/compare" the uploads of one title side by side, "/photo/ID" a photo's page,
+    // "/" is the overview, "/compare" shows uploads of one title side by side, "/photo/ID" is a photo's page,
     // "/photo/ID/file" its bytes.
     HttpReply Handle(const HttpRequest &request) const;
 
 private:
-    // Read once, since a stored file never changes.
+    // Reads each file once, since a stored file never changes.
     std::shared_ptr<const PhotoFacts> Facts(const PhotoRecord &record) const;
 
     const AccountBook &m_accounts;

@@ -1,4 +1,4 @@
-// The gallery's HTML. Everything that came from outside is escaped; nothing is fetched from elsewhere.
+// The gallery's HTML. Everything that a client sent is escaped; the pages load nothing from other hosts.
 #pragma once
 
 #include "loopback/AccountBook.h"
@@ -16,9 +16,9 @@ namespace loopback
 
 using FactsOf = std::function<std::shared_ptr<const PhotoFacts>(const PhotoRecord &)>;
 
-// How photos are called on the pages; HTML.
+// A photo's title, or what the pages show for an untitled one; HTML.
 std::string TitleHtml(const PhotoRecord &photo);
-// The picture, or what stands for it; HTML.
+// The picture, or a placeholder if browsers can't show its format; HTML.
 std::string PictureHtml(const PhotoRecord &photo);
 // "2.3 MB"
 std::string SizeText(std::int64_t bytes);

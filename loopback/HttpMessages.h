@@ -1,5 +1,5 @@
-// What the endpoints of the service see of HTTP: a request whose body is read piece by piece, and a
-// reply. Nothing here knows the library that speaks the protocol.
+// HTTP as the service's endpoints see it: a request whose body is read piece by piece, and a reply.
+// Independent of the library that implements the protocol.
 #pragma once
 
 #include <chrono>
@@ -18,10 +18,10 @@ namespace loopback
 struct HttpRequest
 {
     std::string method;
-    // As it stood in the request line, still percent-encoded, query included; of a whole address what follows
-    // the host.
+    // From the request line, still percent-encoded, with the query. If that held a whole address: its part
+    // after the host.
     std::string target;
-    // Lower case, with the port when it isn't the scheme's own.
+    // Lower case, with the port unless it is the scheme's default.
     std::string host;
     // Names in lower case.
     std::map<std::string, std::string> headers;
@@ -55,17 +55,17 @@ struct HttpReply
     std::string contentType = "text/plain; charset=utf-8";
     std::string body;
     std::vector<std::pair<std::string, std::string>> headers;
-    // When set, the reply is this file and `body` is not looked at.
+    // If set, the reply's body is this file's content, and `body` is ignored.
     std::filesystem::path file;
-    // The reply announces its whole length, sends half of it and drops the connection.
+    // Announce the whole length, send half of it and drop the connection.
     bool cutInBody = false;
 };
 
 enum class ConnectionEnd
 {
-    // As a program ends that is done with the connection.
+    // Orderly close (FIN).
     Closed,
-    // As the network ends one that broke.
+    // Reset (RST).
     Reset
 };
 
@@ -78,14 +78,14 @@ public:
     virtual ~HttpExchange() = default;
     virtual const HttpRequest &Request() const = 0;
 
-    // Hands the body to the sink in pieces, to its end. False when the sink stopped it, the client
-    // went away or the server is stopping; what is left is then dropped with the connection.
+    // Passes the whole body to the sink in pieces. Returns false if the sink stopped it, the client
+    // disconnected or the server is stopping; the rest of the body is then lost with the connection.
     virtual bool ReadBody(const BodySink &sink) = 0;
 
-    // False as soon as the server is stopping.
+    // Returns false as soon as the server is stopping.
     virtual bool Pause(std::chrono::milliseconds duration) = 0;
 
-    // Not a byte more: the connection ends when the handler returns, whatever it returns.
+    // Sends and reads nothing more: the connection ends when the handler returns, and its reply is discarded.
     virtual void Drop(ConnectionEnd end) = 0;
 };
 

@@ -25,10 +25,10 @@ namespace
 constexpr std::chrono::minutes KeepAliveLimit{5};
 constexpr std::size_t KeepAliveRequests = 1'000'000'000;
 constexpr int ListenBacklog = 128;
-// A fixed, modest buffer: a service that stops reading is felt by the client after a few hundred KB.
+// A fixed, small receive buffer, so that a client notices after a few hundred KB that we stopped reading.
 constexpr int ReceiveBuffer = 128 * 1024;
-// httplib takes multipart bodies apart itself when it sees their type; under this name it leaves
-// them alone, so that they stream through our own parser.
+// httplib parses multipart bodies itself if it sees their Content-Type. Under this header name it doesn't,
+// so that they stream through our own parser.
 constexpr char HiddenContentType[] = "X-Loopback-Content-Type";
 
 std::string LowerCase(std::string text)
@@ -38,8 +38,8 @@ std::string LowerCase(std::string text)
     return text;
 }
 
-// A server takes a whole address for its target too, as to a proxy, and that address' host goes ahead of the
-// Host header (RFC 9112, 3.2.2).
+// A server must also accept a whole address as the target, as a proxy gets it. Its host then takes
+// precedence over the Host header (RFC 9112, 3.2.2).
 void TakeWholeAddress(HttpRequest &request)
 {
     const std::size_t host = request.target.starts_with("https://")  ? 8
@@ -57,7 +57,7 @@ void TakeWholeAddress(HttpRequest &request)
     }
 }
 
-// A connection as httplib wants to see it.
+// Adapts a connection to httplib's stream interface.
 class ConnectionStream final : public httplib::Stream
 {
 public:
@@ -75,7 +75,7 @@ private:
     Connection &m_connection;
 };
 
-// Each connection has a thread of its own for its life; an idle browser then blocks nobody.
+// Each connection has its own thread for as long as it lasts, so an idle browser blocks nobody.
 class ThreadPerConnection final : public httplib::TaskQueue
 {
 public:
@@ -134,7 +134,7 @@ public:
         {
             return true;
         }
-        // A sink that fails must not leave half a body on a connection that goes on.
+        // If the sink throws, read the body to its end all the same: the rest must not be taken for a request.
         std::exception_ptr failure;
         m_drained = (*m_reader)([&](const char *bytes, std::size_t size) {
             try
@@ -238,7 +238,7 @@ public:
         set_keep_alive_max_count(KeepAliveRequests);
         set_keep_alive_timeout(std::chrono::seconds(KeepAliveLimit).count());
         new_task_queue = [] { return new ThreadPerConnection; };
-        // Not SO_REUSEPORT, with which a second server would take half of the connections unseen.
+        // Not SO_REUSEPORT: with it a second server could silently take half of the connections.
         set_socket_options([](socket_t socket) {
             const int on = 1;
             setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
@@ -262,7 +262,7 @@ public:
             throw std::runtime_error("can't listen on 127.0.0.1, port " + std::to_string(port) +
                                      ": is another program using it?");
         }
-        // Again, with a longer queue than httplib's five.
+        // Call listen again for a longer queue than httplib's five.
         ::listen(svr_sock_, ListenBacklog);
         return bound;
     }
@@ -320,7 +320,7 @@ private:
             request.headers.erase(type);
             request.headers.emplace(HiddenContentType, value);
         }
-        // Without a length httplib would read to the end of the connection.
+        // Without a length httplib would read until the connection ends.
         if (request.method == "POST" && !request.has_header("Content-Length") &&
             !request.has_header("Transfer-Encoding"))
         {
@@ -345,7 +345,7 @@ private:
         FillResponse(reply, response);
     }
 
-    // httplib's handlers aren't told on which connection they run.
+    // httplib doesn't tell its handlers on which connection they run.
     static thread_local Connection *t_connection;
 
     HttpHandler m_handler;

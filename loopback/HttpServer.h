@@ -1,4 +1,4 @@
-// The listening socket on 127.0.0.1 and its threads. HTTP is spoken by cpp-httplib, the connections
+// The listening socket on 127.0.0.1 and its threads. cpp-httplib handles the HTTP protocol; the connections
 // (TLS, waiting, cutting) are our own. One connection carries any number of requests.
 #pragma once
 
@@ -15,7 +15,7 @@ struct ConnectionCounts
 {
     std::uint64_t accepted = 0;
     std::uint64_t secure = 0;
-    // TLS sessions taken up again instead of a full handshake.
+    // Connections that resumed a TLS session instead of a full handshake.
     std::uint64_t resumed = 0;
     std::uint64_t open = 0;
     std::uint64_t requests = 0;
@@ -24,16 +24,16 @@ struct ConnectionCounts
 class HttpServer
 {
 public:
-    // The PEM files of the server's certificate chain and key. Throws std::runtime_error.
+    // Takes the PEM files of the server's certificate chain and key. Throws std::runtime_error.
     HttpServer(const std::filesystem::path &certificateChain, const std::filesystem::path &privateKey,
                HttpHandler handler);
     ~HttpServer();
 
-    // Listens; 0 lets the system choose. The port, or std::runtime_error. From then on clients can
-    // connect, and are answered once Run is on its way.
+    // Listens on the port (0 lets the system choose one) and returns it. Throws std::runtime_error. From then
+    // on clients can connect; they get answers once Run is running.
     int Bind(int port);
 
-    // Serves until Stop, from another thread, was called; every connection is closed by then.
+    // Serves until another thread calls Stop. Returns when every connection is closed.
     void Run();
     void Stop();
 

@@ -1,5 +1,5 @@
-// A picture on its way in: written to a file of its own as it arrives, hashed on the way. Gone with
-// the object unless it was kept.
+// A picture that is being uploaded: writes it to a file of its own as it arrives, and hashes it. The
+// destructor deletes the file unless Keep was called.
 #pragma once
 
 #include "loopback/Digest.h"
@@ -15,21 +15,21 @@ namespace loopback
 class IncomingFile
 {
 public:
-    // Throws std::runtime_error when the file can't be made.
+    // Throws std::runtime_error if the file can't be created.
     explicit IncomingFile(const std::filesystem::path &folder);
     ~IncomingFile();
     IncomingFile(const IncomingFile &) = delete;
     IncomingFile &operator=(const IncomingFile &) = delete;
 
-    // Throws std::runtime_error on a full disk and the like.
+    // Throws std::runtime_error if the file can't be written.
     void Add(std::string_view bytes);
 
     std::int64_t Size() const { return m_size; }
-    // As many as the recognition of a file's kind needs.
+    // As many as RecogniseFile looks at, if the file has them.
     const std::string &FirstBytes() const { return m_firstBytes; }
     std::string Sha256() { return m_hash.Finish(); }
 
-    // Moves the file to its place; it stays.
+    // Moves the file to its final place.
     void Keep(const std::filesystem::path &destination);
 
 private:

@@ -1,4 +1,4 @@
-// JSON text, built in order.
+// Builds JSON text, member by member.
 #pragma once
 
 #include <cstdint>
@@ -16,10 +16,10 @@ public:
     JsonWriter &BeginArray() { return Begin('['); }
     JsonWriter &EndArray() { return End(']'); }
 
-    // The name of the member whose value comes next.
+    // Writes the name of a member; its value must follow.
     JsonWriter &Name(std::string_view name);
 
-    // Bytes that are no UTF-8 become U+FFFD.
+    // Bytes that aren't UTF-8 become U+FFFD.
     JsonWriter &Text(std::string_view text);
     JsonWriter &Number(std::int64_t number);
     JsonWriter &Flag(bool flag);

@@ -35,7 +35,7 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view AdminPrefix = "/_loopback/";
 
-// The part of the service that a request is for.
+// The endpoint that a request addresses.
 enum class Endpoint
 {
     Nowhere,

@@ -1,5 +1,5 @@
-// The whole service: store, certificates, endpoints and server put together, and the way of a request to
-// its endpoint. One store serves one process at a time.
+// The whole service: owns store, certificates, endpoints and server, and routes each request to its
+// endpoint. Only one process at a time can use a store.
 #pragma once
 
 #include "loopback/HttpServer.h"
@@ -17,7 +17,7 @@ struct ServiceOptions
     // 0 lets the system choose.
     int port = 0;
     std::filesystem::path store;
-    // Where the certificates lie; empty for "ca" in the store.
+    // The folder of the certificates; empty for "ca" in the store.
     std::filesystem::path certificates;
     // NAME=VALUE
     std::vector<std::string> accountProperties;
@@ -32,16 +32,16 @@ struct ServiceOptions
 class LoopbackService
 {
 public:
-    // Listens when it returns. Throws std::runtime_error with words for a user.
+    // Listens when it returns. Throws std::runtime_error with a message for the user.
     explicit LoopbackService(const ServiceOptions &options);
     ~LoopbackService();
 
     int Port() const;
     std::filesystem::path AuthorityFile() const;
-    // The addresses and environment variables for a client, as a shell reads them.
+    // The addresses and environment variables that a client needs, as shell assignments.
     std::string ClientEnvironment() const;
 
-    // Serves until Stop was called from another thread.
+    // Serves until another thread calls Stop.
     void Run();
     void Stop();
 

@@ -50,7 +50,7 @@ std::string LostPage()
                                       "permission. To do so, start the authorization in Halvora.</p>");
 }
 
-// What a service hands out as token and verifier; anything else isn't worth keeping.
+// Whether the value can be a token or verifier of the service; no others are kept.
 bool IsPlain(const std::string &value)
 {
     return !value.empty() && value.size() <= LongestValue &&
@@ -87,7 +87,7 @@ HttpReply MakerEndpoint::Handle(const HttpRequest &request)
     {
         return PageReply(200, ThankYouPage());
     }
-    // Nothing is kept or handed over for a mere look at the headers.
+    // A HEAD request must neither store nor hand over a verifier.
     if (path != Place || request.method != "GET")
     {
         return PageReply(path == Place ? 405 : 404, LostPage());
@@ -105,9 +105,9 @@ HttpReply MakerEndpoint::Keep(const std::string &token, const std::string &verif
 {
     std::lock_guard lock(m_mutex);
     m_database.Run("DELETE FROM verifiers WHERE kept < ?", {m_now() - KeepSeconds - m_lifetime()});
-    // The first counts: a page that is loaded again brings nothing back that was handed over.
+    // Only the first counts: loading the page again must not restore a verifier that was handed over.
     m_database.Run("INSERT OR IGNORE INTO verifiers VALUES (?, ?, ?)", {token, verifier, m_now()});
-    // On to an address without the verifier, which then stays neither in sight nor in the history.
+    // Redirect to an address without the verifier, so that neither address bar nor history shows it.
     HttpReply reply = PageReply(303, ThankYouPage());
     reply.headers.emplace_back("Location", ThankYou);
     return reply;

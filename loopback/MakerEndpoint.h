@@ -1,5 +1,5 @@
-// The authorization endpoint of the application's maker, a party of its own beside the photo
-// service: the browser leaves a verifier here, the application fetches it once. Thread-safe.
+// The authorization endpoint of the application's maker, separate from the photo service: the browser
+// delivers a verifier here, and the application fetches it once. Thread-safe.
 #pragma once
 
 #include "loopback/Database.h"
@@ -21,16 +21,16 @@ class MakerEndpoint
 public:
     using Seconds = std::function<std::int64_t()>;
 
-    // `lifetime` is how many seconds a verifier stays.
+    // `lifetime` is how many seconds a verifier is kept.
     MakerEndpoint(Database &database, Seconds now, Seconds lifetime);
 
-    // GET /flickr/authorization/?oauth_token=T&oauth_verifier=V keeps V, once for a T, and leads to a
-    // page for the user. With the token alone, over TLS: the document with V, once.
+    // GET /flickr/authorization/?oauth_token=T&oauth_verifier=V stores V, once for each T, and redirects to a
+    // page for the user. With the token alone, over TLS, it returns the document with V, once.
     HttpReply Handle(const HttpRequest &request);
 
-    // Tokens with "waiting", "taken" or "expired"; never a verifier.
+    // The tokens, each with "waiting", "taken" or "expired"; never a verifier.
     std::vector<std::pair<std::string, std::string>> States() const;
-    // Makes everything so much older.
+    // Makes all verifiers that much older.
     void Advance(std::int64_t seconds);
 
 private:

@@ -19,8 +19,8 @@ std::string LowerCase(std::string_view text)
     return lower;
 }
 
-// The parameter of a header's value, quoted or bare. Quotes and backslashes may stand behind a
-// backslash, or as %22 and the like in browsers' forms; the latter stay as they are.
+// A parameter of a header's value, quoted or bare. A quote or backslash may be escaped by a backslash.
+// Browsers write %22 and the like instead; these stay as they are.
 std::optional<std::string> Parameter(std::string_view value, const std::string &wanted)
 {
     std::size_t at = value.find(';');
@@ -77,7 +77,8 @@ std::optional<std::string> MultipartParser::BoundaryOf(const std::string &conten
 }
 
 MultipartParser::MultipartParser(const std::string &boundary, Sinks sinks)
-    // The delimiter's line break may be missing only at the very start of the body.
+    // The delimiter includes the line break before it. At the start of the body there may be none, so
+    // m_pending supplies it.
     : m_delimiter("\r\n--" + boundary), m_sinks(std::move(sinks)), m_pending("\r\n")
 {
 }

@@ -1,5 +1,5 @@
-// A multipart/form-data body taken apart as it arrives (RFC 7578), part by part, without holding
-// more of it than a part's header or one piece. Strict: a body that isn't well formed is an error.
+// Parses a multipart/form-data body (RFC 7578) as it arrives, without holding more of it than a part's
+// header or one piece. Strict: a body that isn't well formed is an error.
 #pragma once
 
 #include <functional>
@@ -13,7 +13,7 @@ namespace loopback
 struct PartHeader
 {
     std::string name;
-    // Absent for ordinary fields. As sent, whatever it holds.
+    // Absent for ordinary fields. As sent, unchecked.
     std::optional<std::string> fileName;
     std::string contentType;
 };
@@ -28,18 +28,18 @@ public:
         std::function<void()> endPart;
     };
 
-    // The boundary of a Content-Type value, or nothing when it is no multipart/form-data.
+    // The boundary of a Content-Type value; nullopt if that isn't multipart/form-data.
     static std::optional<std::string> BoundaryOf(const std::string &contentType);
 
     MultipartParser(const std::string &boundary, Sinks sinks);
 
-    // False from the first error on.
+    // Returns false from the first error on.
     bool Feed(std::string_view bytes);
 
-    // The closing delimiter was there.
+    // Whether the closing delimiter has been read.
     bool IsComplete() const { return m_state == State::Epilogue; }
 
-    // In words; empty while all is well.
+    // The error message; empty if there is none.
     const std::string &Error() const { return m_error; }
 
 private:

@@ -13,7 +13,7 @@ namespace
 {
 
 constexpr std::int64_t TimestampWindow = 600;
-// With this many in ten minutes the oldest are forgotten early.
+// Bounds the memory: beyond this many nonces the oldest are forgotten before their time.
 constexpr std::size_t NonceLimit = 200'000;
 constexpr std::string_view Scheme = "OAuth ";
 
@@ -34,7 +34,7 @@ bool IsOAuthScheme(std::string_view header)
                       [](unsigned char a, unsigned char b) { return std::tolower(a) == std::tolower(b); });
 }
 
-// RFC 5849, 3.5.1; the realm takes no part.
+// RFC 5849, 3.5.1. The realm is not a signed parameter (3.4.1.3.1).
 FormFields ParseAuthorization(std::string_view header)
 {
     FormFields fields;
@@ -72,7 +72,7 @@ OAuthOutcome Refused(std::string problem)
     return {.problem = "oauth_problem=" + std::move(problem)};
 }
 
-// The names of the required parameters that aren't there, joined as the service joins them.
+// The names of the missing required parameters, joined by an encoded "&" as the real service does.
 std::string AbsentNames(const FormFields &parameters)
 {
     constexpr std::array required = {"oauth_consumer_key", "oauth_signature_method", "oauth_signature",
@@ -181,7 +181,7 @@ OAuthOutcome OAuthVerifier::Check(const SignedRequest &request)
     {
         return Refused("signature_invalid&debug_sbs=" + base);
     }
-    // Only what is truly signed can use a nonce up.
+    // Remember the nonce only after the signature was checked: a forged request must not use it up.
     const std::string nonce =
         value("oauth_timestamp") + " " + value("oauth_consumer_key") + " " + token + " " + value("oauth_nonce");
     std::lock_guard lock(m_mutex);

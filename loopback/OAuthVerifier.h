@@ -1,5 +1,8 @@
-// The service's side of OAuth 1.0a (RFC 5849): is this request signed by a known application for a
-// known token, now, and for the first time? Thread-safe.
+// The service's side of OAuth 1.0a (RFC 5849). Application and service share two secrets, that of the
+// application and that of the token. The application signs method, URL and all parameters with an HMAC
+// whose key is made of both; the service computes the same code and compares. A timestamp and a nonce are
+// among the signed parameters: a request is accepted only within a window around its timestamp, and only
+// once in that window, so nobody can send a recorded request again. Thread-safe.
 #pragma once
 
 #include "loopback/FormFields.h"
@@ -22,21 +25,21 @@ struct SignedRequest
     std::string url;
     // The value of the "Authorization" header, or empty.
     std::string authorization;
-    // Every decoded parameter of the query and the body, but no file.
+    // Every decoded parameter of the query and of the body, without files.
     FormFields parameters;
 };
 
 struct OAuthOutcome
 {
     bool accepted = false;
-    // The request holds no OAuth parameter whatever.
+    // The request has no OAuth parameter at all.
     bool isUnsigned = false;
-    // When refused: the text for the client, "oauth_problem=...".
+    // If refused: the text for the client, "oauth_problem=...".
     std::string problem;
     std::string consumerKey;
-    // Empty when the request was signed by the application alone.
+    // Empty if the application signed the request without a token.
     std::string token;
-    // When accepted: everything that was signed, decoded.
+    // If accepted: all signed parameters, decoded.
     FormFields parameters;
 };
 

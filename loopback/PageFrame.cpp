@@ -62,7 +62,7 @@ std::string PageFrame(const PageParts &parts)
 HttpReply PageReply(int status, std::string html, const std::string &formTargets)
 {
     HttpReply reply{status, "text/html; charset=utf-8", std::move(html)};
-    // Not "no-referrer", with which a browser hides a form's origin from ourselves too.
+    // Not "no-referrer": with it a browser doesn't send us a form's origin either.
     reply.headers = {{"Content-Security-Policy",
                       "default-src 'none'; img-src 'self'; media-src 'self'; style-src 'unsafe-inline'; "
                       "base-uri 'none'; frame-ancestors 'none'; form-action " +

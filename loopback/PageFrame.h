@@ -1,5 +1,5 @@
-// What all pages have in common: the document around them, the colours in light and dark, and the
-// escaping of whatever came from outside. Pages need no script and fetch nothing from elsewhere.
+// What all pages share: the HTML document around them, the colours for light and dark mode, and the escaping
+// of what clients sent. Pages use no script and load nothing from other hosts.
 #pragma once
 
 #include "loopback/HttpMessages.h"
@@ -14,7 +14,7 @@ std::string EscapeHtml(std::string_view text);
 
 struct PageParts
 {
-    // Plain text.
+    // Plain text, not HTML.
     std::string title;
     // CSS; the colours are --page, --card, --ink, --soft, --line, --accent, --pink, --chip, --shade.
     std::string_view style;
@@ -25,8 +25,8 @@ struct PageParts
 
 std::string PageFrame(const PageParts &parts);
 
-// The page with the headers that keep it from running, loading or telling anything, and from being
-// framed. A form in it may lead to these sources (CSP's words), by redirects too.
+// The page, with headers that forbid it to run scripts, to load anything, to send a referrer and to be
+// framed. `formTargets` are the sources (in the terms of CSP) to which its forms may lead, also by redirects.
 HttpReply PageReply(int status, std::string html, const std::string &formTargets = "'none'");
 
 } // namespace loopback

@@ -1,4 +1,4 @@
-// What was published: one record a photo in the index, and the tickets of asynchronous uploads.
+// The index of what was published: one record per photo, and the tickets of asynchronous uploads.
 // Thread-safe.
 #pragma once
 
@@ -17,7 +17,7 @@ struct PhotoRecord
     std::int64_t id = 0;
     std::string title;
     std::string description;
-    // As sent; UploadParameters.h takes it apart.
+    // As sent; SplitTags of UploadParameters.h separates them.
     std::string tags;
     bool isPublic = true;
     bool isFriend = false;
@@ -25,12 +25,12 @@ struct PhotoRecord
     int safetyLevel = 1;
     int contentType = 1;
     int hidden = 1;
-    // Empty for an upload that waited for its photo id.
+    // Empty for a synchronous upload.
     std::string ticket;
-    // As the multipart body named them.
+    // File name and type as the multipart body gave them.
     std::string fileName;
     std::string mimeType;
-    // What the bytes are, and the name of the stored file within the store.
+    // The type by the file's first bytes, and the name of the file in the store.
     std::string detectedType;
     std::string storedName;
     std::string sha256;
@@ -40,7 +40,7 @@ struct PhotoRecord
     std::string token;
     std::string userAgent;
     std::int64_t connection = 0;
-    // The account's "run" of that time.
+    // The account's "run" at the time of the upload.
     std::string run;
 };
 
@@ -63,7 +63,7 @@ class PhotoIndex
 public:
     explicit PhotoIndex(Database &database);
 
-    // An id that no photo has had.
+    // Returns an id that no photo has had.
     std::int64_t ReserveId();
     void Add(const PhotoRecord &record);
 
@@ -73,8 +73,8 @@ public:
     bool HasContent(const std::string &sha256) const;
     void Clear();
 
-    // A new ticket that closes at the given time (Unix milliseconds), with the photo or, when
-    // photoId is 0, as a failure.
+    // Returns a new ticket. At the given time (Unix milliseconds) it is completed with the photo, or has
+    // failed if photoId is 0.
     std::string AddTicket(std::int64_t photoId, std::int64_t closes);
     TicketAnswer CheckTicket(const std::string &ticket, std::int64_t now) const;
 

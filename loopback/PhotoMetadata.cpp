@@ -14,7 +14,7 @@ namespace
 
 constexpr std::size_t LongestValue = 1000;
 
-// IPTC texts without a declared character set are taken for Latin-1 when they aren't UTF-8.
+// An IPTC text that isn't UTF-8 is taken for Latin-1: files seldom declare its character set.
 std::string AsUtf8(const std::string &bytes)
 {
     if (IsUtf8(bytes))
@@ -42,7 +42,7 @@ std::string Shortened(std::string text)
     if (text.size() > LongestValue)
     {
         text.resize(LongestValue);
-        // Not in the middle of a character.
+        // Don't cut in the middle of a character.
         while (!text.empty() && !IsUtf8(text))
         {
             text.pop_back();
@@ -71,7 +71,7 @@ void AddExif(const Exiv2::ExifData &data, MetadataGroup &exif, MetadataGroup &gp
 {
     for (const auto &datum : data)
     {
-        // Where the two other directories lie in the file is nothing about the picture.
+        // Skip the pointers to the other two directories: they say nothing about the picture.
         if (datum.key() == "Exif.Image.ExifTag" || datum.key() == "Exif.Image.GPSTag")
         {
             continue;
@@ -87,7 +87,7 @@ void AddExif(const Exiv2::ExifData &data, MetadataGroup &exif, MetadataGroup &gp
 
 PhotoFacts ReadPhotoFacts(const std::filesystem::path &file)
 {
-    // exiv2's XMP parser is not made for several threads.
+    // exiv2's XMP parser isn't thread-safe.
     static std::mutex oneReader;
     std::lock_guard lock(oneReader);
     MetadataGroup exif{"EXIF"};
@@ -114,7 +114,7 @@ PhotoFacts ReadPhotoFacts(const std::filesystem::path &file)
     }
     catch (const std::exception &)
     {
-        // What was read until then is shown.
+        // Keep what was read before the error.
     }
     for (auto *group : {&exif, &gps, &iptc, &xmp, &comment})
     {

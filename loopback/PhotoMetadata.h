@@ -1,4 +1,4 @@
-// What a picture file tells of itself: its measures, and its metadata in groups, as texts for people.
+// Reads a picture file's dimensions, and its metadata by groups, as readable texts.
 #pragma once
 
 #include <filesystem>
@@ -13,22 +13,22 @@ struct MetadataGroup
 {
     // "EXIF", "GPS", "IPTC", "XMP" or "Comment"
     std::string name;
-    // Key and value, in UTF-8, in the order of the file.
+    // Key and value in UTF-8, in the file's order.
     std::vector<std::pair<std::string, std::string>> entries;
 };
 
 struct PhotoFacts
 {
-    // Pixels as they are stored, before any turning; 0 if the file doesn't tell.
+    // Pixels as stored, before the orientation is applied; 0 if unknown.
     int width = 0;
     int height = 0;
-    // Bytes; 0 for no profile.
+    // Bytes of the colour profile; 0 if there is none.
     std::size_t profileSize = 0;
-    // Those that hold anything.
+    // Only the groups that have entries.
     std::vector<MetadataGroup> groups;
 };
 
-// A file that can't be read has no facts.
+// Returns empty facts for a file that can't be read.
 PhotoFacts ReadPhotoFacts(const std::filesystem::path &file);
 
 } // namespace loopback

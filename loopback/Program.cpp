@@ -26,7 +26,8 @@ fs::path DefaultStore()
     return base / "flickr-loopback";
 }
 
-// Whole or not at all: whoever waits for the file may read it as soon as it is there.
+// Writes the file under another name and renames it, since a script that waits for the file reads it as
+// soon as it exists.
 void WriteReadyFile(const fs::path &path, const std::string &text)
 {
     const fs::path fresh = path.string() + "." + std::to_string(getpid()) + ".new";
@@ -39,7 +40,7 @@ void WriteReadyFile(const fs::path &path, const std::string &text)
     fs::rename(fresh, path);
 }
 
-// Blocked in every thread from here on, so that one thread can wait for them.
+// Blocks SIGINT and SIGTERM in every thread created from now on, so that one thread can wait for them.
 sigset_t BlockEndingSignals()
 {
     sigset_t ending;

@@ -41,7 +41,7 @@ std::string RandomDigits(std::size_t count)
     {
         for (const unsigned char byte : RandomBytes(count))
         {
-            // The last six values would make some digits more frequent than others.
+            // 250 is the last multiple of ten: the six values from there on would favour the digits 0 to 5.
             if (byte < 250 && text.size() < count)
             {
                 text += static_cast<char>('0' + byte % 10);

@@ -1,4 +1,4 @@
-// Texts that nobody can guess, from OpenSSL's generator.
+// Texts that can't be guessed, from OpenSSL's random generator.
 #pragma once
 
 #include <cstddef>
@@ -7,10 +7,10 @@
 namespace loopback
 {
 
-// Two lower-case hexadecimal digits a byte. Throws std::runtime_error when the generator fails.
+// Two lower-case hexadecimal digits per byte. Throws std::runtime_error if the generator fails.
 std::string RandomHex(std::size_t bytes);
 
-// Decimal digits.
+// `count` decimal digits. Throws std::runtime_error if the generator fails.
 std::string RandomDigits(std::size_t count);
 
 } // namespace loopback

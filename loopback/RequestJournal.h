@@ -1,4 +1,4 @@
-// The last requests, for whoever wants to know what a client really sent. Thread-safe.
+// The last requests, for tests and users who want to see what a client really sent. Thread-safe.
 #pragma once
 
 #include <cstdint>
@@ -17,16 +17,16 @@ struct JournalEntry
     std::string httpMethod;
     std::string host;
     std::string path;
-    // Of a REST call: its "method".
+    // The "method" of a REST call.
     std::string apiMethod;
     std::string userAgent;
     std::string contentType;
     std::string contentLength;
     std::string expect;
-    // The fault that was played, or empty.
+    // The fault that was applied, or empty.
     std::string fault;
     int status = 0;
-    // The whole reply was handed over; not when the connection was cut instead.
+    // Whether the whole reply was sent; false if the connection was cut instead.
     bool answered = false;
 };
 

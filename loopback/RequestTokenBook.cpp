@@ -11,7 +11,7 @@ namespace loopback
 namespace
 {
 
-// Expired and used tokens are shown to whoever looks, for a day.
+// The administration interface shows expired and used tokens for a day.
 constexpr std::int64_t KeepSeconds = 24 * 60 * 60;
 
 constexpr std::array StateNames = {"pending", "granted", "denied", "used", "expired"};

@@ -1,5 +1,5 @@
-// The request tokens of authorizations that are under way, kept in the index: asked for by an
-// application, answered by a user, traded in once. Thread-safe.
+// The request tokens of unfinished authorizations, kept in the index: an application asks for one, the user
+// grants or denies it, and the application exchanges it once. Thread-safe.
 #pragma once
 
 #include "loopback/Database.h"
@@ -19,9 +19,9 @@ enum class RequestTokenState
     Pending,
     Granted,
     Denied,
-    // An access token was given for it.
+    // It was exchanged for an access token.
     Used,
-    // Its time ran out, with or without an answer.
+    // Its lifetime is over, with or without an answer.
     Expired
 };
 
@@ -38,17 +38,17 @@ struct RequestToken
     std::string callback;
     // What the user granted; empty until then.
     std::string permission;
-    // Empty unless it is granted.
+    // Empty unless the state is Granted.
     std::string verifier;
     RequestTokenState state = RequestTokenState::Pending;
-    // Seconds; negative when the time ran out.
+    // Seconds; negative if the lifetime is over.
     std::int64_t secondsLeft = 0;
 };
 
 class RequestTokenBook
 {
 public:
-    // Both in seconds: the time now, and how long a token is good for.
+    // The current time, or how long a token is valid; both in seconds.
     using Seconds = std::function<std::int64_t()>;
 
     RequestTokenBook(Database &database, Seconds now, Seconds lifetime);
@@ -58,19 +58,20 @@ public:
     // The oldest first.
     std::vector<RequestToken> All() const;
 
-    // The token with a new verifier; nothing, and no change, unless it was waiting for an answer.
+    // Returns the token with a new verifier. Unless it is pending, changes nothing and returns nullopt.
     std::optional<RequestToken> Grant(const std::string &token, const std::string &permission);
-    // False, and no change, unless it was waiting for an answer.
+    // Unless it is pending, changes nothing and returns false.
     bool Deny(const std::string &token);
-    // The granted permission, once; nothing, and no change, unless it is granted and not expired.
+    // Returns the granted permission, once. Unless it is granted and not expired, changes nothing and returns
+    // nullopt.
     std::optional<std::string> Use(const std::string &token);
 
-    // Makes every token so much older.
+    // Makes every token that much older.
     void Advance(std::int64_t seconds);
 
 private:
     RequestToken TokenOf(const Database::Row &row) const;
-    // The latest time of asking that is too long ago.
+    // A token that was requested at this time or earlier has expired.
     std::int64_t Deadline() const;
 
     Database &m_database;

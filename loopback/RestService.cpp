@@ -33,7 +33,7 @@ HttpReply CheckToken(const Call &call)
           {{"token", {}, call.token.token},
            {"perms", {}, call.token.permission},
            {"user", {{"nsid", account.nsid}, {"username", account.userName}, {"fullname", account.fullName}}}}}});
-    // The service puts a blank line ahead of some of its replies.
+    // The real service begins some of its replies with an empty line.
     reply.body.insert(0, "\n");
     return reply;
 }

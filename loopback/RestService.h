@@ -14,7 +14,7 @@ namespace loopback
 struct RestReply
 {
     HttpReply reply;
-    // The "method" that was called, as it came.
+    // The request's "method", unchecked.
     std::string method;
 };
 

@@ -1,4 +1,4 @@
-// The host names under which the service answers, and what each is for.
+// The host names under which the service answers.
 #pragma once
 
 #include <string>
@@ -10,15 +10,15 @@ namespace loopback
 std::string ApiHost();
 std::string UploadHost();
 std::string WebHost();
-// The authorization host of the application's maker.
+// The host of the authorization endpoint of the application's maker.
 std::string MakerHost();
 
-// Every name that the server's certificate holds; 127.0.0.1 stands there as an address too.
+// Every name in the server's certificate, which also holds 127.0.0.1 as an address.
 std::vector<std::string> KnownHosts();
 
 bool IsKnownHost(const std::string &name);
 
-// The value of HALVORA_CONNECT_TO that leads a client's connections to this port.
+// The value of HALVORA_CONNECT_TO that directs a client's connections to this port.
 std::string ConnectToEntries(int port);
 
 } // namespace loopback

@@ -1,4 +1,4 @@
-// One process to a store.
+// Lets only one process at a time use a store.
 #pragma once
 
 #include <filesystem>
@@ -9,7 +9,7 @@ namespace loopback
 class StoreLock
 {
 public:
-    // Throws std::runtime_error when another process has the store.
+    // Throws std::runtime_error if another process uses the store.
     explicit StoreLock(const std::filesystem::path &store);
     ~StoreLock();
     StoreLock(const StoreLock &) = delete;

@@ -41,7 +41,7 @@ HttpReply FormReply(const FormFields &fields)
     return TextReply(200, text);
 }
 
-// An address that a browser can be sent to. It goes into a header as it stands.
+// Whether a browser can be redirected to the text. The Location header holds it unchanged.
 bool IsCallback(const std::string &text)
 {
     const bool isVisible = std::all_of(text.begin(), text.end(), [](char c) { return c > ' ' && c < 0x7F; });
@@ -137,7 +137,7 @@ HttpReply TokenService::AccessToken(HttpExchange &exchange)
     {
         return Absent("oauth_verifier");
     }
-    // Also before the user has answered: there is no right one then.
+    // Before the user has granted the token its verifier is empty, and none is right.
     if (request->verifier.empty() || !EqualSecretly(request->verifier, *verifier))
     {
         return Problem("verifier_invalid");

@@ -1,5 +1,5 @@
-// The two signed steps of an authorization: /services/oauth/request_token and access_token. Answers
-// are forms; a refusal is HTTP 401 with "oauth_problem=...". Thread-safe.
+// The two signed steps of an authorization: /services/oauth/request_token and access_token. The answers are
+// URL-encoded fields; a refusal is HTTP 401 with "oauth_problem=...". Thread-safe.
 #pragma once
 
 #include "loopback/AccountBook.h"
@@ -16,7 +16,8 @@ public:
     TokenService(AccountBook &accounts, RequestTokenBook &requests, OAuthVerifier::Clock clock);
 
     HttpReply RequestToken(HttpExchange &exchange);
-    // The token is good for one access token, with its verifier and for the application that asked.
+    // Exchanges a request token, with its verifier, for an access token: once, and only for the application
+    // that asked for it.
     HttpReply AccessToken(HttpExchange &exchange);
 
 private:

@@ -12,7 +12,7 @@ namespace
 
 constexpr std::string_view Blanks = " \t\r\n";
 
-// A number in its range; the complaint is set when it isn't one.
+// Reads a number from lowest to highest; sets the complaint if the field is anything else.
 int ReadNumber(const FormFields &fields, const char *name, int lowest, int highest, int initial,
                std::string &complaint)
 {

@@ -1,4 +1,4 @@
-// The form fields of an upload, checked, and the service's reading of a tag list.
+// Checks the form fields of an upload, and splits a tag list as the service does.
 #pragma once
 
 #include "loopback/FormFields.h"
@@ -12,15 +12,15 @@
 namespace loopback
 {
 
-// Tags are separated by white space; one in double quotes may hold blanks.
+// White space separates tags; a tag in double quotes may contain blanks.
 std::vector<std::string> SplitTags(std::string_view tags);
 
 struct UploadParameters
 {
-    // Title to hidden are filled in; absent fields have the account's defaults.
+    // Its members from title to hidden are set; absent fields have the account's defaults.
     PhotoRecord record;
     bool isAsynchronous = false;
-    // What is wrong, in words, or empty.
+    // The error message, or empty.
     std::string complaint;
 };
 

@@ -29,7 +29,7 @@ std::int64_t UnixMilliseconds()
 
 } // namespace
 
-// What a form has brought so far.
+// The part of the form that has arrived so far.
 struct UploadService::Form
 {
     FormFields fields;
@@ -86,7 +86,7 @@ UploadService::UploadService(std::filesystem::path store, AccountBook &accounts,
       m_photos(photos),
       m_admission(admission)
 {
-    // What an interrupted run left half-way.
+    // Remove the incomplete uploads of an interrupted run.
     std::filesystem::remove_all(m_incomingFolder);
     std::filesystem::create_directories(m_photosFolder);
     std::filesystem::create_directories(m_incomingFolder);
@@ -118,7 +118,7 @@ HttpReply UploadService::Handle(HttpExchange &exchange)
     if (boundary)
     {
         MultipartParser parser(*boundary, form.Sinks(m_incomingFolder));
-        // The rest of a malformed body is read too: the client hears the reason only at its end.
+        // Read the rest of a malformed body too: many clients read the answer only after sending all of it.
         arrived = exchange.ReadBody([&](std::string_view bytes) { return parser.Feed(bytes), true; });
         if (form.complaint.empty())
         {
@@ -136,7 +136,7 @@ HttpReply UploadService::Handle(HttpExchange &exchange)
         });
         form.fields = ParseForm(body);
     }
-    // The answer to a broken connection reaches nobody.
+    // If the connection broke, nobody will receive the answer.
     return arrived ? Judge(request, form) : HttpReply{400};
 }
 
@@ -196,7 +196,7 @@ HttpReply UploadService::Accept(PhotoRecord record, Form &form, bool isAsynchron
     const FileKind *kind = RecogniseFile(form.photo->FirstBytes());
     if (!kind)
     {
-        // An asynchronous upload is looked into only after the answer.
+        // The service inspects an asynchronous upload only after it has answered.
         return isAsynchronous ? ticketReply(0) : FailReply(5, "Filetype was not recognised");
     }
     if (!m_accounts.UseBandwidth(record.size))

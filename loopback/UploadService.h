@@ -1,5 +1,5 @@
-// The upload endpoint: takes a multipart form apart as it streams in, checks it as the service does,
-// and keeps the picture and its record. Thread-safe.
+// The upload endpoint: parses a multipart form as it arrives, checks it as the real service does, and stores
+// the picture and its record. Thread-safe.
 #pragma once
 
 #include "loopback/AccountBook.h"
@@ -16,13 +16,13 @@ namespace loopback
 class UploadService
 {
 public:
-    // Pictures lie in "photos" of the store, those on their way in "incoming".
+    // Keeps the pictures in the store's folder "photos", and unfinished uploads in "incoming".
     UploadService(std::filesystem::path store, AccountBook &accounts, PhotoIndex &photos, Admission &admission);
 
     HttpReply Handle(HttpExchange &exchange);
 
     std::filesystem::path PathOf(const PhotoRecord &record) const;
-    // Forgets every picture.
+    // Deletes every picture and its record.
     void Clear();
 
 private:
@@ -36,7 +36,8 @@ private:
     AccountBook &m_accounts;
     PhotoIndex &m_photos;
     Admission &m_admission;
-    // Held from the look at limits and duplicates until the picture counts.
+    // Held from the check of limits and duplicates until the picture is recorded, so that simultaneous uploads
+    // can't pass the check together.
     std::mutex m_acceptance;
 };
 

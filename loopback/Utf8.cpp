@@ -8,7 +8,7 @@ namespace loopback
 namespace
 {
 
-// The length of the well-formed sequence at the start of `bytes`, or 0 (Unicode, table 3-7).
+// The length of the well-formed sequence at the start of `bytes`, otherwise 0 (Unicode, table 3-7).
 std::size_t SequenceLength(std::string_view bytes)
 {
     const auto at = [&](std::size_t i) -> unsigned { return static_cast<unsigned char>(bytes[i]); };

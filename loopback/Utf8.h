@@ -10,7 +10,7 @@ namespace loopback
 // Strict: no overlong forms, no surrogates, nothing above U+10FFFF.
 bool IsUtf8(std::string_view bytes);
 
-// Every byte that doesn't belong to a well-formed sequence becomes U+FFFD.
+// Replaces every byte that doesn't belong to a well-formed sequence by U+FFFD.
 std::string RepairUtf8(std::string_view bytes);
 
 } // namespace loopback

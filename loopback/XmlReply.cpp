@@ -22,7 +22,7 @@ const xmlChar *Xml(const std::string &text)
 std::string XmlSafe(const std::string &bytes)
 {
     std::string text = RepairUtf8(bytes);
-    // XML 1.0, 2.2: of the control characters only these three.
+    // XML 1.0, 2.2 allows only these three control characters.
     std::replace_if(
         text.begin(), text.end(),
         [](char c) { return static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r'; }, '?');

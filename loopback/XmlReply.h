@@ -18,13 +18,13 @@ struct XmlElement
     std::vector<XmlElement> children;
 };
 
-// The document in UTF-8 with its declaration; characters that XML can't hold become U+FFFD or "?".
+// The document in UTF-8, with its declaration. Characters that XML doesn't allow become U+FFFD or "?".
 std::string WriteXml(const XmlElement &root);
 
 // <rsp stat="ok"> around the children.
 HttpReply OkReply(std::vector<XmlElement> children);
 
-// <rsp stat="fail"> with code and message; the HTTP status of these is 200.
+// <rsp stat="fail"> with code and message; its HTTP status is 200.
 HttpReply FailReply(int code, const std::string &message);
 
 } // namespace loopback

@@ -66,7 +66,7 @@ if errorlevel 1 (
 )
 goto :eof
 
-rem Nothing half done stays of a first installation; a newer version's failure leaves the files in place.
+rem A first installation that fails is removed completely; a failed update leaves its files in place.
 :undo
 if defined fresh call "%source%uninstall.cmd" /quiet >nul 2>nul
 :failure

@@ -32,10 +32,10 @@ if /i not "%~dp0"=="%target%\" (
     rmdir "%LOCALAPPDATA%\Halvora" 2>nul
     exit /b 0
 )
-rem This file lies in the folder that goes. A goto to nowhere ends it for cmd, which then reads nothing
-rem of it any more and does the rest of the line; no folder can go in which somebody is.
+rem This file lies in the folder that must be removed. "(goto)" makes cmd forget the script: it reads no further
+rem line of it, but still runs the rest of this one. Leave the folder first, or it can't be removed.
 (goto) 2>nul & cd /d "%SystemRoot%" & rmdir /s /q "%target%" & rmdir "%LOCALAPPDATA%\Halvora" 2>nul & cmd /c exit 0
-rem Wine's cmd, which keeps its scripts open, comes here.
+rem Only Wine's cmd, which keeps its scripts open, reaches this line.
 cd /d "%SystemRoot%"
 rmdir /s /q "%target%"
 exit /b 0

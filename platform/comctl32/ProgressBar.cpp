@@ -1,5 +1,5 @@
-// The progress bar's class: range, position and state, without a picture. Messages may come from
-// any thread, since natively they run where they are sent.
+// The progress bar's window class: range, position and state; it is never drawn. Any thread may send its
+// messages, and natively they run on that thread.
 #include <windows.h>
 #include <commctrl.h>
 
@@ -32,7 +32,7 @@ public:
                              static_cast<int>(std::clamp<long long>(moved, m_low, std::max(m_low, m_high))));
     }
 
-    // The result has the lower words of the previous limits.
+    // Returns the low words of the previous limits.
     LRESULT SetRange(int low, int high)
     {
         const std::lock_guard guard(m_lock);

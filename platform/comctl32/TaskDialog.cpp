@@ -1,5 +1,5 @@
-// TaskDialogIndirect in the terminal. The dialog has a window, which isn't drawn: it is what a callback
-// knows the dialog by and sends its messages to, from any thread.
+// TaskDialogIndirect in the terminal. The dialog has a window that isn't drawn: its handle identifies the
+// dialog to the callback, which may send it messages from any thread.
 #include "com/Hresult.h"
 #include "platform/comctl32/TaskDialogPage.h"
 #include "platform/terminal/TerminalDialog.h"
@@ -26,8 +26,8 @@ long long MillisecondsSince(Clock::time_point start)
 
 class TaskDialogWindow;
 
-// The dialogs that are up. A message may come from any thread and runs there, so that whoever handles one
-// holds the dialog meanwhile.
+// The open dialogs. A message runs on the thread that sends it, so its handler holds a reference to the
+// dialog for that time.
 class OpenDialogs
 {
 public:
@@ -55,7 +55,7 @@ private:
     std::map<HWND, std::shared_ptr<TaskDialogWindow>> m_dialogs;
 };
 
-// Never destroyed: a message may come as long as there are threads.
+// Never destroyed, since other threads may send messages until the process ends.
 OpenDialogs &openDialogs = *new OpenDialogs;
 
 class TaskDialogWindow final : public DialogListener
@@ -92,7 +92,7 @@ public:
     {
         Notify(TDN_HYPERLINK_CLICKED, 0, reinterpret_cast<LPARAM>(address.c_str()));
     }
-    // The count begins anew when the callback says so.
+    // The callback resets the timer's count by returning S_FALSE.
     void TimerPassed() override
     {
         if (Notify(TDN_TIMER, static_cast<WPARAM>(MillisecondsSince(m_start))) == S_FALSE)

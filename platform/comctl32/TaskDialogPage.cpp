@@ -16,13 +16,13 @@ struct CommonButton
     int id;
 };
 
-// In the order in which they are shown, after the buttons of the caller.
+// In the order in which a task dialog shows them, after the caller's own buttons.
 constexpr CommonButton CommonButtons[] = {
     {TDCBF_OK_BUTTON, IDOK},       {TDCBF_YES_BUTTON, IDYES},       {TDCBF_NO_BUTTON, IDNO},
     {TDCBF_RETRY_BUTTON, IDRETRY}, {TDCBF_CANCEL_BUTTON, IDCANCEL}, {TDCBF_CLOSE_BUTTON, IDCLOSE},
 };
 
-// "&" marks the letter that presses a button with Alt, and "&&" is one "&".
+// Removes the "&" that marks the letter of a keyboard shortcut; "&&" is one "&".
 std::u16string WithoutMnemonic(std::u16string_view text)
 {
     std::u16string plain;
@@ -43,7 +43,7 @@ bool StartsWithTag(std::u16string_view text, std::u16string_view tag)
     return text.size() >= tag.size() && std::equal(tag.begin(), tag.end(), text.begin(), same);
 }
 
-// <a href="address">words</a> becomes: words [L1: address].
+// Replaces <a href="address">words</a> by "words [L1: address]".
 std::u16string MarkLinks(std::u16string_view text, std::vector<std::u16string> &links)
 {
     std::u16string marked;
@@ -185,7 +185,7 @@ DialogPage PageOf(const TASKDIALOGCONFIG &config)
     page.expandedText = linked(config.pszExpandedInformation);
     page.collapsedCaption = WithoutMnemonic(plain(config.pszCollapsedControlText));
     page.expandedCaption = WithoutMnemonic(plain(config.pszExpandedControlText));
-    // With one caption it serves both states.
+    // A single caption is used for both states.
     if (page.collapsedCaption.empty())
     {
         page.collapsedCaption = page.expandedCaption.empty() ? u"See details" : page.expandedCaption;

@@ -1,4 +1,4 @@
-// The page of a terminal dialog that a TASKDIALOGCONFIG describes.
+// Translates a TASKDIALOGCONFIG into the page of a terminal dialog.
 #pragma once
 
 #include "platform/terminal/DialogPage.h"
@@ -8,8 +8,8 @@
 
 DialogPage PageOf(const TASKDIALOGCONFIG &config);
 
-// A text of the record or of a message: a string of the module's table where it is an identifier; links
-// are marked and their addresses added to links, which may be null where links are not enabled.
+// A text of the configuration or of a message; an identifier is looked up in the module's string table.
+// Marks the links in it and adds their addresses to `links`, which is null if links are not enabled.
 std::u16string TaskDialogText(HINSTANCE module, const WCHAR *text, std::vector<std::u16string> *links);
 
 DialogIcon TaskDialogIcon(const WCHAR *icon);

@@ -1,5 +1,5 @@
-// FormatMessageW for the system's own messages, in a buffer of the caller or in a new one. There
-// are no messages of modules here, and the system's have no inserts.
+// FormatMessageW for the system's own messages, in a buffer of the caller or in a new one. Messages of
+// modules are not supported, and the system's messages have no inserts.
 #include "platform/kernel32/SystemMessages.h"
 
 #include "com/WideText.h"
@@ -27,7 +27,7 @@ DWORD WINAPI FormatMessageW(DWORD flags, LPCVOID, DWORD code, DWORD, LPWSTR buff
         SetLastError(ERROR_MR_MID_NOT_FOUND);
         return 0;
     }
-    // With the whole mask set, line breaks of the message count as blanks.
+    // With all bits of the mask set, FormatMessageW turns line breaks of the message into blanks.
     const bool breakLine = (flags & FORMAT_MESSAGE_MAX_WIDTH_MASK) != FORMAT_MESSAGE_MAX_WIDTH_MASK;
     const WideText text = WideText(message) + (breakLine ? u"\r\n" : u" ");
     const size_t needed = text.size() + 1;

@@ -56,7 +56,7 @@ struct Search
 int Visit(dl_phdr_info *info, size_t, void *context)
 {
     auto &search = *static_cast<Search *>(context);
-    // The loader reports the program first.
+    // dl_iterate_phdr reports the program first.
     const bool isProgram = search.first;
     search.first = false;
     const Extent extent = ExtentOf(*info);

@@ -10,17 +10,18 @@
 struct LoadedModule
 {
     HMODULE handle = nullptr;
-    // What is added to an address of the file to get the address in memory.
+    // Add it to an address in the file to get the address in memory.
     size_t bias = 0;
     // Absolute, links resolved; UTF-8.
     std::string path;
     bool isProgram = false;
-    // Counts the modules unloaded so far: what is known of a handle holds while this stays.
+    // How many modules the process has unloaded so far. While it doesn't change, a handle still means the
+    // same module.
     unsigned long long unloads = 0;
 };
 
-// By handle; null is the program itself.
+// Finds a module by its handle; null is the program itself.
 std::optional<LoadedModule> FindModule(HMODULE handle);
 std::optional<LoadedModule> FindModuleOfAddress(const void *address);
-// By full path or by file name alone, exactly as written.
+// Finds a module by its full path or its file name; upper and lower case differ.
 std::optional<LoadedModule> FindModuleByName(const std::string &name);

@@ -44,7 +44,7 @@ bool HasNegativePrefix(const UNumberFormat *format)
     return unum_getTextAttribute(format, UNUM_NEGATIVE_PREFIX, text, 16, &status) > 0;
 }
 
-// Whether nothing is known of the locale asked for, and the data of the root locale stand in.
+// Whether ICU doesn't know the requested locale and uses the data of its root locale instead.
 bool IsStandIn(const UNumberFormat *format)
 {
     UErrorCode status = U_ZERO_ERROR;

@@ -19,10 +19,9 @@ struct LocaleConventions
     uint32_t windowsId = 0;
 };
 
-// The user's locale is the environment's, read anew at each call: the first of LC_ALL, LC_NUMERIC
-// and LANG that isn't empty. The C and POSIX locales, a locale that isn't known, and no locale at
-// all count as en-US.
+// The user's locale comes from the environment, read at each call: the first of LC_ALL, LC_NUMERIC and
+// LANG that isn't empty. The C and POSIX locales, an unknown locale and no locale at all count as en-US.
 LocaleConventions UserConventions();
 
-// By Windows' identifier; nothing if there is no such locale. 127 is the invariant locale.
+// Finds a locale by Windows' identifier; nullopt if there is none. 127 is the invariant locale.
 std::optional<LocaleConventions> ConventionsOf(uint32_t windowsId);

@@ -13,7 +13,7 @@ WideText NumberText(UINT number)
     return WideText(text.begin(), text.end());
 }
 
-// "3;0" for thousands, "3;2;0" for India's groups: the 0 says that the last group repeats.
+// "3;0" for thousands, "3;2;0" for India's groups: the final 0 means that the group before it repeats.
 WideText GroupingText(const LocaleConventions &conventions)
 {
     if (conventions.firstGroup == 0)

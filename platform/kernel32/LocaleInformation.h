@@ -1,4 +1,4 @@
-// Windows' locale identifiers resolved to conventions.
+// The conventions of a locale that a caller names by Windows' identifier.
 #pragma once
 
 #include "platform/kernel32/LocaleConventions.h"
@@ -7,14 +7,15 @@
 
 #include <optional>
 
-// Nothing if the locale isn't known. All the defaults are the environment's locale.
+// nullopt if the locale is unknown. Each of the LOCALE_*_DEFAULT identifiers means the environment's
+// locale.
 std::optional<LocaleConventions> ConventionsOfLocale(LCID locale);
 
-// The grouping as NUMBERFMTW holds it: a digit per group from the right, the last one repeating;
-// a 0 at the end would keep it from that.
+// The grouping as NUMBERFMTW holds it: one decimal digit per group size. The last size repeats, unless
+// a 0 follows it.
 UINT GroupingNumber(const LocaleConventions &conventions);
 
-// 1 for a sign ahead of the number, 3 for one behind it.
+// 1 if the minus sign stands before the number, 3 if it stands after it.
 UINT NegativeOrder(const LocaleConventions &conventions);
 
 // Windows keeps two decimals and a leading zero in every locale.

@@ -1,5 +1,5 @@
 // Global and local memory: both are one heap, as on Windows. A fixed block's handle is its address;
-// a movable one's is the address of its record, so that a lock is needed to get at the memory.
+// a movable one's is the address of its record, so that a caller must lock it to get the memory.
 #include <windows.h>
 
 #include <algorithm>
@@ -41,7 +41,7 @@ public:
         return handle;
     }
 
-    // Calls use with the block, under the lock; failed, with the last error set, if there is none.
+    // Calls use(block) under the lock. Sets the last error and returns `failed` if there is no such block.
     template <class Result, class Use>
     Result With(HGLOBAL handle, Result failed, Use use)
     {
@@ -78,7 +78,7 @@ public:
         });
     }
 
-    // Null if the block is freed or the handle is null, else the handle.
+    // Returns null if the block was freed or the handle is null, otherwise the handle.
     HGLOBAL Free(HGLOBAL handle)
     {
         const std::lock_guard guard(m_lock);
@@ -118,7 +118,7 @@ private:
     std::unordered_map<HGLOBAL, std::unique_ptr<Block>> m_blocks;
 };
 
-// Never destroyed: owners in other modules free memory until the process ends.
+// Never destroyed, since owners in other modules free memory until the process ends.
 Heap &TheHeap()
 {
     static Heap *const heap = new Heap;

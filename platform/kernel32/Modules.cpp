@@ -18,13 +18,13 @@ namespace
 constexpr DWORD KnownFlags = GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT |
                              GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS;
 
-// The loader's own handle of a module that is loaded already, with one count more.
+// The dynamic loader's handle of a loaded module. Adds a reference, which the caller must dlclose.
 void *OpenLoaded(const LoadedModule &module, int flags = 0)
 {
     return dlopen(module.isProgram ? nullptr : module.path.c_str(), RTLD_LAZY | RTLD_NOLOAD | flags);
 }
 
-// The system's own libraries are all in one here, and are known by the names that Windows gives them.
+// Whether the name is that of a Windows system library; natively all of them are this library.
 bool IsSystemLibrary(std::string name)
 {
     static const std::string_view Names[] = {"kernel32", "user32",   "comctl32", "shell32", "shlwapi",
@@ -123,7 +123,7 @@ HMODULE WINAPI LoadLibraryW(const WCHAR *name)
         SetLastError(access(path.c_str(), F_OK) == 0 ? ERROR_BAD_EXE_FORMAT : ERROR_MOD_NOT_FOUND);
         return nullptr;
     }
-    // The dynamic section lies inside the module, whatever it was found by.
+    // Find the module by its dynamic section: that lies inside it, whatever name dlopen was given.
     link_map *map = nullptr;
     const bool mapped = dlinfo(loaded, RTLD_DI_LINKMAP, &map) == 0;
     const auto found = mapped ? FindModuleOfAddress(map->l_ld) : std::nullopt;
@@ -138,7 +138,7 @@ HMODULE WINAPI LoadLibraryW(const WCHAR *name)
 
 HMODULE WINAPI LoadLibraryExW(const WCHAR *name, HANDLE file, DWORD flags)
 {
-    // How the system searches is the loader's; the flags of searching ask for nothing else here.
+    // The dynamic loader has its own search order, so the flags that choose one have no effect.
     constexpr DWORD searching = LOAD_WITH_ALTERED_SEARCH_PATH | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS |
                                 LOAD_LIBRARY_SEARCH_SYSTEM32 | LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR;
     if (file != nullptr || (flags & ~searching) != 0)
@@ -158,7 +158,7 @@ BOOL WINAPI FreeLibrary(HMODULE module)
         SetLastError(ERROR_MOD_NOT_FOUND);
         return FALSE;
     }
-    // Once for the count just taken, once for the caller's.
+    // Two dlclose: one for our dlopen above, one for the caller's reference.
     dlclose(loaded);
     dlclose(loaded);
     return TRUE;
@@ -176,7 +176,7 @@ FARPROC WINAPI GetProcAddress(HMODULE module, const char *name)
     const bool isOrdinal = reinterpret_cast<ULONG_PTR>(name) <= 0xFFFF;
     void *const symbol = isOrdinal ? nullptr : dlsym(loaded, name);
     dlclose(loaded);
-    // The loader looks into the libraries behind the module too, which doesn't make it the module's.
+    // dlsym also searches the libraries that the module depends on; GetProcAddress must not.
     const auto owner = symbol == nullptr ? std::nullopt : FindModuleOfAddress(symbol);
     if (!owner || owner->handle != found->handle)
     {

@@ -19,7 +19,7 @@ struct DecimalText
     WideText fraction;
 };
 
-// Digits, at most one full stop among them, a hyphen ahead for a negative number; nothing else.
+// Accepts digits with at most one full stop among them, after a hyphen if the number is negative.
 std::optional<DecimalText> ParseDecimal(WideView text)
 {
     DecimalText number;
@@ -52,7 +52,7 @@ void Increment(WideText &digits)
     digits.insert(digits.begin(), '1');
 }
 
-// To that many decimals, halves away from zero. What comes out as zero has no sign.
+// Rounds to that many decimals, halves away from zero. A result of zero has no sign.
 void Round(DecimalText &number, size_t decimals)
 {
     const bool up = number.fraction.size() > decimals && number.fraction[decimals] >= '5';

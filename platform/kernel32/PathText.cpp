@@ -28,7 +28,7 @@ void AppendUtf8(std::string &bytes, char32_t point)
     }
 }
 
-// Length of the well-formed sequence at the start of bytes, with its code point; 0 if there is none.
+// Returns the length of the well-formed sequence at the start of bytes and sets point; 0 if there is none.
 size_t DecodeUtf8(std::string_view bytes, char32_t &point)
 {
     const auto lead = static_cast<unsigned char>(bytes[0]);

@@ -1,6 +1,6 @@
-// Names of files: UTF-16 at the Windows API, bytes in the file system. Names are taken as UTF-8; a
-// byte that belongs to no valid sequence becomes the lone surrogate U+DC00 + byte, and the way back
-// makes the byte of it again, so that every name that the system has survives the round trip.
+// File names are UTF-16 in the Windows API and bytes in the file system. They are converted as UTF-8; a
+// byte that belongs to no valid sequence becomes the lone surrogate U+DC00 + byte, and is converted back
+// to that byte, so that every name of the file system survives the round trip.
 #pragma once
 
 #include "com/WideText.h"

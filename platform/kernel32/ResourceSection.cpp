@@ -52,7 +52,7 @@ WCHAR FoldCase(WCHAR c)
     return c >= 'a' && c <= 'z' ? static_cast<WCHAR>(c - 'a' + 'A') : c;
 }
 
-// A type or a name, of a caller or of an entry: a number, or else a text.
+// A resource's type or name, as a caller or an entry gives it: a number or a text.
 struct Identifier
 {
     bool isNumber = false;
@@ -89,7 +89,7 @@ Identifier IdentifierOf(const WCHAR *given)
     return {false, 0, text};
 }
 
-// Takes an entry's type or name, which ends before end; at is moved behind it.
+// Reads an entry's type or name at `at` and moves `at` past it; nullopt if it doesn't end before `end`.
 std::optional<Identifier> TakeIdentifier(const BYTE *&at, const BYTE *end)
 {
     const auto *const units = reinterpret_cast<const WCHAR *>(at);

@@ -11,7 +11,7 @@ struct Message
     const WCHAR *text;
 };
 
-// By code, in rising order.
+// In ascending order of the code, for a binary search.
 constexpr Message Messages[] = {
     {ERROR_SUCCESS, u"Everything went well."},
     {ERROR_INVALID_FUNCTION, u"This function is not possible here."},

@@ -1,8 +1,8 @@
-// Words for the system's error codes.
+// The messages of the system's error codes.
 #pragma once
 
 #include <windows.h>
 
-// An English sentence that ends in a full stop, or null for a code without one. A Win32 error is
-// found by its own number and as an HRESULT.
+// Returns an English sentence that ends in a full stop, or null if the code has none. A Win32 error may
+// be given by its own number or as an HRESULT.
 const WCHAR *FindSystemMessage(DWORD code);

@@ -1,5 +1,5 @@
-// The version of the system, as a program hears it that doesn't say in its manifest which versions it
-// knows: 6.2 build 9200, on whatever later system it runs.
+// GetVersionExW reports 6.2 build 9200, as any later Windows does to a program whose manifest doesn't list
+// the versions that it supports.
 #include <windows.h>
 
 #include <cstring>

@@ -11,7 +11,7 @@ LCID WINAPI GetThreadLocale()
     return chosenLocale != 0 ? chosenLocale : GetUserDefaultLCID();
 }
 
-// The names of defaults stand for the locale that they are at this moment.
+// A LOCALE_*_DEFAULT identifier is resolved now, so a later change of the default doesn't count.
 BOOL WINAPI SetThreadLocale(LCID locale)
 {
     const auto conventions = ConventionsOfLocale(locale);

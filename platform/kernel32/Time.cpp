@@ -5,7 +5,7 @@
 
 void WINAPI GetSystemTimeAsFileTime(FILETIME *time)
 {
-    // From 1601, where file times begin, to 1970, in ticks of 100 ns.
+    // 1970-01-01 as a file time: ticks of 100 ns since 1601-01-01.
     constexpr ULONGLONG unixEpoch = 116444736000000000;
     using Ticks = std::chrono::duration<ULONGLONG, std::ratio<1, 10000000>>;
     const auto now = std::chrono::system_clock::now().time_since_epoch();

@@ -6,7 +6,8 @@ namespace
 {
 constexpr char32_t Replacement = 0xFFFD;
 
-// Takes one character off the text. A malformed sequence is taken up to where it stops being one.
+// Reads one character and moves `at` past it. Of a malformed sequence it takes the longest part that could
+// begin a well-formed one (Unicode 3.9, U+FFFD substitution of maximal subparts).
 char32_t TakeUtf8(std::string_view text, size_t &at)
 {
     const auto first = static_cast<unsigned char>(text[at++]);

@@ -1,5 +1,5 @@
-// UTF-8, as the system below speaks it, to and from UTF-16. Either way what is malformed becomes
-// U+FFFD; a lone surrogate counts as malformed.
+// Conversion between the UTF-8 of the Linux system and the UTF-16 of the Windows API. In both directions
+// malformed input becomes U+FFFD; a lone surrogate is malformed.
 #pragma once
 
 #include "com/WideText.h"

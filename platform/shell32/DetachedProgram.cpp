@@ -35,7 +35,7 @@ private:
     posix_spawn_file_actions_t m_actions;
 };
 
-// A session of its own: what the program or its children do to their terminal isn't ours.
+// The program gets a session of its own, so that neither it nor its children can use our terminal.
 class Attributes
 {
 public:

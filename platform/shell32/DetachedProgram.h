@@ -1,14 +1,14 @@
-// Programs that are started and left to themselves.
+// Starts programs that outlive this process.
 #pragma once
 
 #include <string>
 #include <vector>
 
-// The program's file, found along PATH; empty if there is none that can be executed. Entries of PATH
-// that aren't absolute don't count.
+// Looks for an executable file of that name in the folders of PATH; empty if there is none. Relative
+// entries of PATH are skipped.
 std::string FindProgram(const std::string &name);
 
-// Starts the program with the arguments as they are: no shell reads them. It runs in a session of its
-// own, with /dev/null as its standard files, no other open file of this process and default signals.
-// Doesn't wait for it; its end is collected, so that no zombie is left. Returns 0 or an errno value.
+// Starts the program with exactly these arguments, without a shell. It runs in a session of its own, with
+// /dev/null as its standard files, no other open file of this process and default signal handling.
+// Doesn't wait for it, but reaps it when it ends, so that no zombie is left. Returns 0 or an errno value.
 int StartDetached(const std::string &file, const std::vector<std::string> &arguments);

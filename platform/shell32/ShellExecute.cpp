@@ -1,9 +1,9 @@
-// Opening a document, which natively is always a web page: the desktop's xdg-open takes its address to
-// the user's browser.
+// Opens a document, which natively is always a web page: the desktop's xdg-open passes its address to the
+// user's browser.
 //
-// The address is an argument of that program and of the browser, and arguments can be seen by everybody
-// on the machine: an address that is opened must not hold a secret. The page on which a user grants an
-// authorization doesn't: its request token is of no use without the secret that belongs to it.
+// The address is an argument of xdg-open and of the browser, and every user of the machine can read the
+// arguments of a process, so an address that is opened must not hold a secret. That of the page on which
+// a user grants an authorization doesn't: its request token is useless without the token's secret.
 #include <windows.h>
 #include <shellapi.h>
 
@@ -52,7 +52,7 @@ bool HasControlCharacter(WideView text)
 
 struct Outcome
 {
-    INT_PTR code; // of ShellExecute's own numbering
+    INT_PTR code; // SE_ERR_* or another result of ShellExecute
     DWORD lastError;
 };
 
@@ -82,7 +82,7 @@ Outcome Open(WideView verb, WideView address)
     switch (StartDetached(opener, {ToUtf8(address)}))
     {
     case 0:
-        return {33, ERROR_SUCCESS}; // any number above 32
+        return {33, ERROR_SUCCESS}; // any number above 32 means success
     case ENOENT:
         return {SE_ERR_FNF, ERROR_FILE_NOT_FOUND};
     case ENOMEM:
@@ -94,7 +94,7 @@ Outcome Open(WideView verb, WideView address)
 }
 } // namespace
 
-// Parameters, folder and show command have no meaning for a page.
+// Parameters, folder and show command are ignored: a page has no use for them.
 HINSTANCE WINAPI ShellExecuteW(HWND, LPCWSTR verb, LPCWSTR file, LPCWSTR, LPCWSTR, INT)
 {
     Outcome outcome{SE_ERR_OOM, ERROR_NOT_ENOUGH_MEMORY};

@@ -41,7 +41,7 @@ struct Prefix
     Size size;
 };
 
-// Longer ones first where one begins another.
+// A prefix that begins with another one stands before it, since the first match counts.
 constexpr Prefix SizePrefixes[] = {
     {u"I64", Size::Int64}, {u"I32", Size::Long}, {u"I", Size::Int64}, {u"hh", Size::Byte},
     {u"h", Size::Short},   {u"ll", Size::Int64}, {u"l", Size::Long},  {u"w", Size::Long},
@@ -197,7 +197,7 @@ Conversion Formatter::Parse(const WCHAR *&at)
     return conversion;
 }
 
-// Without a size the small letter is wide and the capital narrow; h and l say which, whatever the letter.
+// Without a size prefix %s and %c are wide, %S and %C narrow; h means narrow and l wide for all of them.
 bool IsNarrow(const Conversion &conversion, WCHAR capital)
 {
     return conversion.size == Size::Short || (conversion.letter == capital && conversion.size != Size::Long);
@@ -289,7 +289,7 @@ uint64_t Formatter::TakeUnsigned(Size size)
     }
 }
 
-// Digits of at least `precision` places; none at all for a zero with precision 0.
+// The digits, padded with zeros to `precision` places; none for a zero with precision 0.
 WideText IntegerDigits(uint64_t value, unsigned base, bool capitals, int precision)
 {
     const char *const letters = capitals ? "0123456789ABCDEF" : "0123456789abcdef";
@@ -362,7 +362,7 @@ void Formatter::WriteFloat(const Conversion &conversion)
     WriteNumber(conversion, SignOf(conversion, std::signbit(value)), digits, std::isfinite(value));
 }
 
-// zeros: the 0 flag counts for this number.
+// zeros: whether the 0 flag has an effect on this number.
 void Formatter::WriteNumber(const Conversion &conversion, WideView sign, WideView digits, bool zeros)
 {
     const size_t length = sign.size() + digits.size();
@@ -411,7 +411,7 @@ void Formatter::WriteNarrowString(const Conversion &conversion)
     {
         text = "(null)";
     }
-    // As on Windows the precision counts the bytes that are read.
+    // As on Windows the precision limits the bytes that are read, not the characters written.
     const size_t length = conversion.precision < 0 ? std::strlen(text) : strnlen(text, conversion.precision);
     WritePadded(conversion, FromUtf8({text, length}));
 }

@@ -2,31 +2,36 @@
 
 #include <windows.h>
 
+namespace
+{
+struct ButtonWord
+{
+    int id;
+    const char16_t *word;
+};
+
+constexpr ButtonWord Words[] = {
+    {IDOK, u"OK"},
+    {IDCANCEL, u"Cancel"},
+    {IDABORT, u"Abort"},
+    {IDRETRY, u"Retry"},
+    {IDIGNORE, u"Ignore"},
+    {IDYES, u"Yes"},
+    {IDNO, u"No"},
+    {IDCLOSE, u"Close"},
+    {IDTRYAGAIN, u"Try Again"},
+    {IDCONTINUE, u"Continue"},
+};
+} // namespace
+
 const char16_t *WordOfButton(int id)
 {
-    switch (id)
+    for (const ButtonWord &button : Words)
     {
-    case IDOK:
-        return u"OK";
-    case IDCANCEL:
-        return u"Cancel";
-    case IDABORT:
-        return u"Abort";
-    case IDRETRY:
-        return u"Retry";
-    case IDIGNORE:
-        return u"Ignore";
-    case IDYES:
-        return u"Yes";
-    case IDNO:
-        return u"No";
-    case IDCLOSE:
-        return u"Close";
-    case IDTRYAGAIN:
-        return u"Try Again";
-    case IDCONTINUE:
-        return u"Continue";
-    default:
-        return u"";
+        if (button.id == id)
+        {
+            return button.word;
+        }
     }
+    return u"";
 }

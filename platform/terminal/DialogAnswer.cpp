@@ -15,7 +15,7 @@ std::u16string_view WithoutBlanks(std::u16string_view text)
                               : text.substr(start, text.find_last_not_of(u' ') - start + 1);
 }
 
-// The number, less one, if it is one from 1 to count.
+// The index that a typed number from 1 to count means.
 std::optional<size_t> Numbered(std::u16string_view text, size_t count)
 {
     size_t number = 0;
@@ -35,7 +35,7 @@ bool SameIgnoringCase(std::u16string_view a, std::u16string_view b)
     return BeginsWithIgnoringCase(a, b) && BeginsWithIgnoringCase(b, a);
 }
 
-// The one whose text is the name, or else the only one whose text begins with it.
+// The item whose text is the name, otherwise the only item whose text begins with it.
 template <class Item>
 std::optional<size_t> Named(const std::vector<Item> &items, std::u16string_view name)
 {

@@ -1,4 +1,4 @@
-// What a line that somebody typed means to a dialog.
+// Interprets a line that the user typed as an answer to a dialog.
 #pragma once
 
 #include "platform/terminal/DialogPage.h"
@@ -22,7 +22,7 @@ struct DialogAnswer
     size_t index = 0; // of the button, radio button or link
 };
 
-// Buttons go by their number or by the beginning of their name, if no other begins so; radio buttons by
-// letter or name, the check box by "x", the expandable text by "+" or "-", links by "L" and a number. The
-// empty answer is the default button's.
+// A button is chosen by its number or by an unambiguous beginning of its name, a radio button by its letter
+// or name, the check box by "x", the expandable text by "+" or "-", a link by "L" and its number. An empty
+// line chooses the default button.
 DialogAnswer ReadAnswer(const DialogPage &page, std::u16string_view typed);

@@ -49,7 +49,7 @@ std::string Repeated(const char *part, size_t times)
     return text;
 }
 
-// A line in the making; what is said of colours takes no room.
+// A line under construction. Its width doesn't count the escape sequences for colours.
 class Line
 {
 public:
@@ -89,7 +89,7 @@ public:
     std::vector<std::string> Draw()
     {
         DrawTop();
-        m_gap = true; // the frame is gap enough
+        m_gap = true; // the frame separates it already
         AddText(m_page.instruction, Style::Strong);
         Gap();
         AddText(m_page.content);
@@ -121,7 +121,7 @@ private:
     {
         const Style alarm =
             m_page.icon == DialogIcon::Warning || m_page.icon == DialogIcon::Error ? Style::Alarm : Style::Strong;
-        // The icon's word stands in the frame if the title leaves room for it, and else below.
+        // The icon's word stands in the frame if the title leaves space for it, otherwise below.
         const std::string word = Shown(WordOf(m_page.icon));
         const size_t room = m_width - 6;
         const size_t wordRoom = word.empty() ? 0 : TerminalWidth(word) + 3;
@@ -166,7 +166,7 @@ private:
         m_gap = false;
     }
 
-    // One empty line, however often it is asked for.
+    // Adds an empty line unless the last one is empty.
     void Gap()
     {
         if (!m_gap)
@@ -193,7 +193,7 @@ private:
         }
     }
 
-    // A key, a mark, and a text that is continued below itself.
+    // Adds a key, a mark and a text; further lines of the text are indented to its start.
     void AddKeyed(const std::string &key, const std::string &mark, std::u16string_view text, Style style)
     {
         const size_t indent = TerminalWidth(key) + 1 + TerminalWidth(mark);
@@ -398,7 +398,7 @@ std::string DescribeDialog(const DialogPage &page, bool unicode)
 
 char RadioButtonKey(size_t index)
 {
-    // x is the check box's.
+    // Without x, which is the check box's key.
     static constexpr std::string_view Letters = "abcdefghijkmnopqrstuvwyz";
     return index < Letters.size() ? Letters[index] : '\0';
 }

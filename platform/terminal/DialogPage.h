@@ -1,4 +1,4 @@
-// What a dialog shows at one moment, in the terms of a user who reads it.
+// What a dialog shows at one moment, independent of Windows' types and of how it is drawn.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +21,7 @@ struct DialogButton
     std::u16string text;
     std::u16string note; // of a command link
     bool enabled = true;
-    bool elevated = false; // needs the rights of an administrator
+    bool elevated = false; // needs administrator rights
 };
 
 struct DialogRadioButton
@@ -33,7 +33,7 @@ struct DialogRadioButton
 
 enum class ProgressState
 {
-    Normal = 1, // the values of the progress bar's own states
+    Normal = 1, // same values as PBST_NORMAL, PBST_ERROR and PBST_PAUSED
     Error = 2,
     Paused = 3
 };
@@ -41,7 +41,7 @@ enum class ProgressState
 struct DialogProgress
 {
     bool shown = false;
-    bool marquee = false; // busy, without a measure
+    bool marquee = false; // busy, for an unknown time
     bool running = true;
     int low = 0;
     int high = 100;
@@ -77,6 +77,6 @@ struct DialogPage
     bool commandLinkArrows = false;
     std::vector<std::u16string> links; // addresses, in the order of the marks [L1], [L2] in the texts
 
-    int cancelButton = 0; // what Escape stands for; 0 if the dialog can't be cancelled
-    int lostButton = 0;   // the answer if there is nobody to ask
+    int cancelButton = 0; // the button that Escape presses; 0 if the dialog can't be cancelled
+    int lostButton = 0;   // the result without a terminal
 };

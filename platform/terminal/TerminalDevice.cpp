@@ -15,7 +15,7 @@
 
 namespace
 {
-// What follows an Escape within this time belongs to a key that sends more than one byte.
+// Bytes that follow an Escape within this time belong to a key that sends several bytes.
 constexpr int SequenceMilliseconds = 50;
 
 int OpenTerminal()
@@ -39,8 +39,8 @@ winsize SizeOf(int descriptor)
 
 constexpr int EndingSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
 
-// What a handler needs to give the terminal its manners back. Written while the signals have their
-// former handling.
+// State that the signal handler needs to restore the terminal. Written only while our handler is not
+// installed.
 struct Lent
 {
     int descriptor;
@@ -48,7 +48,7 @@ struct Lent
     struct sigaction handling[std::size(EndingSignals)];
 } lent;
 
-// Gives the terminal back, and the signal to whom it would have reached.
+// Signal handler: restores the terminal, then passes the signal to the previous handling.
 void GiveTerminalBack(int number)
 {
     tcsetattr(lent.descriptor, TCSANOW, &lent.before);
@@ -59,7 +59,7 @@ void GiveTerminalBack(int number)
     raise(number);
 }
 
-// Of several devices at a time the first one knows how the terminal was.
+// Nested devices: only the outermost saves and restores the settings.
 std::mutex watchLock;
 int watchers = 0;
 
@@ -220,7 +220,7 @@ Key TerminalDevice::ReadKey(int milliseconds, int wake)
     }
 }
 
-// The key Escape alone; keys like the arrows, which send a sequence, mean nothing here.
+// Tells the Escape key from keys like the arrows, which send a sequence and have no meaning here.
 Key TerminalDevice::ReadEscape()
 {
     char byte = 0;

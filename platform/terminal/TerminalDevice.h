@@ -1,6 +1,6 @@
-// The terminal that a user sits at: its size, its keys one by one, and text onto it. While an object
-// lives, keys are not echoed and none of them sends a signal. A signal that ends the process meanwhile
-// leaves the terminal as it was.
+// The user's terminal: its size, its keys one by one, and output. While an object exists, keys are not
+// echoed and none of them sends a signal. If a signal ends the process meanwhile, the terminal's settings
+// are restored first.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +12,7 @@
 
 enum class KeyKind
 {
-    None, // the time is over, another thread has woken us, or a key without a meaning here
+    None, // the time limit is over, another thread has woken us, or the key has no meaning here
     Text,
     Enter,
     Backspace,
@@ -31,15 +31,15 @@ struct Key
 class TerminalDevice
 {
 public:
-    // The terminal of the process, or the one behind standard input; null if there is none. What was
-    // typed before is discarded, since it was meant for something else.
+    // Opens the controlling terminal, otherwise the one at standard input; null if there is none. Discards
+    // what was typed before, since it was meant for something else.
     static std::unique_ptr<TerminalDevice> Open();
 
     ~TerminalDevice();
     TerminalDevice(const TerminalDevice &) = delete;
     TerminalDevice &operator=(const TerminalDevice &) = delete;
 
-    // 80 and 24 where the terminal doesn't tell.
+    // 80 and 24 if the terminal doesn't report its size.
     size_t Columns() const;
     size_t Rows() const;
 
@@ -49,7 +49,7 @@ public:
 
     void Write(std::string_view text);
 
-    // Waits for a key, for so many milliseconds (-1: without end) or until wake can be read.
+    // Waits for a key, for the time limit (-1: none) or until the descriptor `wake` is readable.
     Key ReadKey(int milliseconds, int wake);
 
 private:
@@ -65,5 +65,5 @@ private:
     bool m_isUnicode;
 };
 
-// Whether the user's locale writes UTF-8, whatever the program has set.
+// Whether the locale of the environment uses UTF-8, whatever locale the program has set.
 bool UserWritesUtf8();

@@ -20,13 +20,13 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds timerInterval(200);
 constexpr std::string_view Prompt = "   > ";
 
-// The dialog on the terminal: what was drawn last, and the line that is being typed.
+// The dialog on the terminal: the last drawing, and the line that the user is typing.
 class Display
 {
 public:
     explicit Display(TerminalDevice &device) : m_device(device) {}
 
-    // Over the earlier picture where the cursor can go back to its top; below it elsewhere.
+    // Draws over the previous drawing if the cursor can return to its top, otherwise below it.
     void Draw(const DialogPage &page)
     {
         const auto lines = DrawDialog(page, {m_device.Columns(), m_device.IsUnicode(), m_device.HasColour()});
@@ -56,7 +56,7 @@ public:
         m_device.Write(picture + std::string(Prompt) + m_typed);
     }
 
-    // Shown with the next drawing.
+    // The remark appears with the next drawing.
     void Remark(std::string text) { m_remark = std::move(text); }
 
     void Type(const std::string &character)
@@ -87,7 +87,7 @@ public:
         return typed;
     }
 
-    // What was chosen stays on the screen.
+    // Leaves the chosen button's name on the screen.
     void Close(const std::u16string &chosen)
     {
         EraseAll();
@@ -112,7 +112,7 @@ private:
 };
 } // namespace
 
-// One run of the dialog, from its first picture to the button that closes it.
+// One run of the dialog, from its first drawing to the button that closes it.
 class TerminalDialog::Session
 {
 public:
@@ -151,7 +151,7 @@ public:
     }
 
 private:
-    // Milliseconds; -1 for never.
+    // Milliseconds; -1 without a timer.
     int UntilTimer() const
     {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(m_timerDue - Clock::now()).count();
@@ -167,7 +167,7 @@ private:
         }
     }
 
-    // A terminal whose cursor stays where it is gets a new picture only after something was typed.
+    // Where the cursor can't move up, redraws only after the user has typed something.
     void Refresh()
     {
         DialogPage page;
@@ -264,7 +264,7 @@ private:
         }
     }
 
-    // Nobody is there to ask: whatever the listener says, the dialog ends.
+    // The terminal is gone: ends the dialog, even if the listener wants it kept open.
     void GiveUp()
     {
         const int id = m_dialog.Page().lostButton;

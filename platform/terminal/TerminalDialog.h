@@ -1,4 +1,4 @@
-// A dialog in the terminal: drawn, answered by typing, redrawn when it changes.
+// A dialog in the terminal. The user answers it by typing; it is redrawn when it changes.
 #pragma once
 
 #include "platform/terminal/DialogPage.h"
@@ -9,17 +9,17 @@
 #include <mutex>
 #include <string>
 
-// Told of what the user does, on the thread that runs the dialog and with nothing locked.
+// Receives what the user does, on the thread that runs the dialog and with no lock held.
 class DialogListener
 {
 public:
-    // False keeps the dialog open.
+    // Return false to keep the dialog open.
     virtual bool ButtonClicked(int id) = 0;
     virtual void RadioButtonClicked(int id) = 0;
     virtual void CheckBoxClicked(bool checked) = 0;
     virtual void ExpandoClicked(bool expanded) = 0;
     virtual void LinkClicked(const std::u16string &address) = 0;
-    // About every 200 milliseconds, if the dialog is run with a timer.
+    // Called about every 200 milliseconds if the dialog runs with a timer.
     virtual void TimerPassed() = 0;
 
 protected:
@@ -34,16 +34,16 @@ public:
     TerminalDialog(const TerminalDialog &) = delete;
     TerminalDialog &operator=(const TerminalDialog &) = delete;
 
-    // Any thread, also before the dialog runs: changes what is shown, reads it, or does as if the user
-    // had chosen a button, radio button or the check box.
+    // These may be called from any thread, also before the dialog runs: they change the page, read it, or
+    // act as if the user had chosen a button, a radio button or the check box.
     void Change(const std::function<void(DialogPage &)> &change);
     DialogPage Page() const;
     void ClickButton(int id);
     void ClickRadioButton(int id);
     void SetCheckBox(bool checked);
 
-    // Blocks until a button has closed the dialog, and returns its id. Without a terminal the texts go to
-    // standard error, and the page's lostButton is the answer; so it is if the terminal goes away.
+    // Blocks until a button has closed the dialog, and returns its id. Without a terminal it writes the texts
+    // to standard error and returns the page's lostButton, which is also the result if the terminal is lost.
     int Run(DialogListener &listener, bool timer);
 
 private:

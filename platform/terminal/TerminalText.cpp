@@ -48,7 +48,7 @@ void Append(std::string &text, UChar32 character)
     text.append(bytes, static_cast<size_t>(length));
 }
 
-// Calls visit(code point, its place in the text) for each character.
+// Calls visit(code point, its index in the text) for each character.
 template <class Visit>
 void ForEachCharacter(std::u16string_view text, Visit &&visit)
 {
@@ -62,7 +62,7 @@ void ForEachCharacter(std::u16string_view text, Visit &&visit)
     }
 }
 
-// Where a line may end, after each piece that mustn't be broken; the end of the text is the last.
+// The indices at which a line may end; the last one is the end of the text.
 std::vector<size_t> BreaksOf(std::u16string_view text)
 {
     UErrorCode status = U_ZERO_ERROR;
@@ -89,7 +89,7 @@ std::string_view WithoutBlanksBehind(std::string_view text)
     return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
-// The lines of one paragraph in the making.
+// Collects the lines of one paragraph.
 class LineFiller
 {
 public:
@@ -156,7 +156,7 @@ void WrapParagraph(std::u16string_view text, size_t columns, bool unicode, std::
 
 std::u16string Folded(std::u16string_view text)
 {
-    // Folding makes at most three units of one.
+    // Case folding turns one unit into at most three.
     std::u16string folded(text.size() * 3, u'\0');
     UErrorCode status = U_ZERO_ERROR;
     const int32_t length = u_strFoldCase(folded.data(), static_cast<int32_t>(folded.size()), text.data(),

@@ -1,31 +1,18 @@
-// CharUpperW and CharLowerW take a text, or one character in place of the pointer.
 #include "platform/user32/CaseMapping.h"
 
 #include <windows.h>
 
-namespace
-{
-WCHAR *MapCase(WCHAR *text, WCHAR (*map)(WCHAR))
+// Takes a pointer to a text, or one character in place of the pointer.
+LPWSTR WINAPI CharUpperW(LPWSTR text)
 {
     if (IS_INTRESOURCE(text))
     {
         const auto unit = static_cast<WCHAR>(reinterpret_cast<ULONG_PTR>(text));
-        return reinterpret_cast<WCHAR *>(static_cast<ULONG_PTR>(map(unit)));
+        return reinterpret_cast<WCHAR *>(static_cast<ULONG_PTR>(UpperCase(unit)));
     }
     for (WCHAR *at = text; *at != 0; ++at)
     {
-        *at = map(*at);
+        *at = UpperCase(*at);
     }
     return text;
-}
-} // namespace
-
-LPWSTR WINAPI CharUpperW(LPWSTR text)
-{
-    return MapCase(text, UpperCase);
-}
-
-LPWSTR WINAPI CharLowerW(LPWSTR text)
-{
-    return MapCase(text, LowerCase);
 }

@@ -1,4 +1,4 @@
-// What a window does with the messages that its own procedure leaves: it keeps its text.
+// DefWindowProcW handles the messages that a window's own procedure doesn't: those of the window's text.
 #include "platform/user32/WindowStore.h"
 
 #include <algorithm>

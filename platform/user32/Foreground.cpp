@@ -1,5 +1,5 @@
-// The foreground window. Natively a process has none, and none to give away: as on Windows for a
-// process that isn't in the foreground, both functions say that access is denied.
+// The foreground window. Natively no process is ever in the foreground, so both functions fail with
+// access denied, as they do on Windows for a process in the background.
 #include <windows.h>
 
 BOOL WINAPI AllowSetForegroundWindow(DWORD)

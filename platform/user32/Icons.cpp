@@ -1,5 +1,5 @@
-// Icons natively are never drawn: a handle stands for the module's icon resource and is the address
-// of its entry, so that it is one for each resource and needs no freeing.
+// Natively icons are never drawn. An icon's handle is the address of its resource entry, so that each
+// resource has exactly one handle and nothing must be freed.
 #include <windows.h>
 
 HICON WINAPI LoadIconW(HINSTANCE module, LPCWSTR name)

@@ -1,5 +1,5 @@
-// Message boxes in the terminal. Without one the text goes to standard error, and the answer is the
-// most careful that the box has.
+// Message boxes in the terminal. Without a terminal the text is written to standard error, and the result
+// is the box's most cautious answer.
 #include "platform/terminal/ButtonWords.h"
 #include "platform/terminal/TerminalDialog.h"
 
@@ -14,11 +14,11 @@ namespace
 struct BoxKind
 {
     std::vector<int> buttons;
-    int cancel; // what closing the box answers; 0 if it can't be closed
-    int lost;   // the answer if there is nobody to ask
+    int cancel; // the result if the user closes the box; 0 if it can't be closed
+    int lost;   // the result without a terminal
 };
 
-// By the number in the lowest four bits of the style.
+// `number` is the lowest four bits of the style.
 const BoxKind &KindOf(UINT number)
 {
     static const BoxKind Kinds[] = {
@@ -51,7 +51,7 @@ DialogIcon IconOf(UINT style)
     }
 }
 
-// Any button closes a message box.
+// Lets every button close the box.
 class BoxListener final : public DialogListener
 {
 public:

@@ -7,7 +7,7 @@
 
 namespace
 {
-// The text lies in the module's resources, without a terminator; empty if the table has none.
+// Returns a view into the module's resources, without a terminator; empty if the table has no such string.
 WideView FindString(HINSTANCE module, UINT id)
 {
     constexpr UINT perBlock = 16;
@@ -41,7 +41,7 @@ int WINAPI LoadStringW(HINSTANCE module, UINT id, WCHAR *buffer, int capacity)
     const WideView text = FindString(module, id);
     if (capacity == 0)
     {
-        // The caller gets the table's own text, by way of a buffer that is a pointer.
+        // With length 0, `buffer` is really the address of a pointer, which receives the table's own text.
         *reinterpret_cast<const WCHAR **>(buffer) = text.empty() ? nullptr : text.data();
         return static_cast<int>(text.size());
     }

@@ -1,4 +1,4 @@
-// Values that code outside a window's procedure hangs on the window, by name.
+// Window properties: values that any code may attach to a window under a name.
 #include "platform/user32/CaseMapping.h"
 #include "platform/user32/WindowStore.h"
 
@@ -14,7 +14,7 @@ auto FindProperty(Window &window, WideView name)
     });
 }
 
-// Calls with(window) under the lock; nothing for no window or a name that is an atom.
+// Calls with(window) under the lock; not if there is no such window or the name is an atom.
 template <class Result, class With>
 Result AtWindow(HWND handle, const WCHAR *name, With &&with)
 {

@@ -13,7 +13,7 @@ bool SameName(WideView a, WideView b)
 }
 } // namespace
 
-// Never destroyed: windows may be used until the process ends.
+// Never destroyed, since windows may be used until the process ends.
 WindowStore &WindowStore::Instance()
 {
     static WindowStore *const store = new WindowStore;

@@ -1,6 +1,6 @@
-// The windows and window classes of the process. Windows natively are never drawn: they are what a
-// host hands the plug-in to send messages to. There is no queue; a message runs the window's
-// procedure on the thread that sends it, so a procedure guards its own data.
+// The windows and window classes of the process. Natively windows are never drawn: a host passes them to
+// the plug-in as targets of its messages. There is no message queue; a message calls the window's
+// procedure on the thread that sends it, so a procedure must guard its own data.
 #pragma once
 
 #include "com/WideText.h"
@@ -32,7 +32,7 @@ struct Window
     LONG_PTR id = 0;
     HINSTANCE module = nullptr;
     HWND parent = nullptr;
-    // The words of the class, by byte offset.
+    // The class's extra window memory (cbWndExtra), by byte offset.
     std::vector<BYTE> extra;
     std::vector<std::pair<WideText, HANDLE>> properties;
 };
@@ -42,18 +42,18 @@ class WindowStore
 public:
     static WindowStore &Instance();
 
-    // What is read or written of a window or class is read or written under this lock, which is
-    // never held while a procedure runs.
+    // Hold this lock to read or write anything of a window or a class. It is never held while a procedure
+    // runs.
     std::mutex &Lock() { return m_lock; }
 
-    // The rest under the lock. Names are compared without regard to case; an atom may stand for one.
+    // Call these under the lock. Names are compared without regard to case; an atom may replace a name.
     std::shared_ptr<const WindowClass> FindClass(const WCHAR *nameOrAtom) const;
     ATOM AddClass(WindowClass added);
     void RemoveClass(ATOM atom);
     bool HasWindows(const WindowClass &windowClass) const;
 
     Window &AddWindow(const std::shared_ptr<const WindowClass> &windowClass);
-    // Null, with the last error set, if there is no such window.
+    // Sets the last error and returns null if there is no such window.
     Window *FindWindow(HWND handle);
     void RemoveWindow(HWND handle);
     std::vector<HWND> ChildrenOf(HWND parent) const;

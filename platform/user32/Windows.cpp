@@ -1,4 +1,4 @@
-// Making, ending and naming windows, and sending messages to them.
+// Creating and destroying windows, their texts and fields, and sending messages to them.
 #include "platform/user32/WindowStore.h"
 
 #include <cstring>
@@ -44,7 +44,7 @@ LONG_PTR *FieldOf(Window &window, int index)
     return nullptr;
 }
 
-// The bytes of a field or of the window's extra words; null, with the last error set, if there are
+// The bytes of a field or of the window's extra memory. Sets the last error and returns null if there are
 // none at the index.
 void *StorageOf(Window &window, int index)
 {

@@ -1,4 +1,4 @@
-// Version resources: reading the block of a file, and finding values in it by path.
+// Version resources: reads the block of a file and finds values in it by their path.
 #include "platform/kernel32/ResourceSection.h"
 #include "platform/kernel32/Utf8.h"
 
@@ -30,7 +30,7 @@ DWORD ErrorOfOpening(int error)
     }
 }
 
-// The block as it lies in the file; empty, with the last error set, if the file has none.
+// The block as it is in the file. Sets the last error and returns an empty one if the file has none.
 std::vector<BYTE> ReadVersionBlock(const WCHAR *fileName)
 {
     const std::string path = ToUtf8(fileName);
@@ -62,8 +62,8 @@ constexpr size_t Align(size_t offset)
     return (offset + 3) & ~size_t{3};
 }
 
-// One node of the block: length, value length, value type, key, value, nodes under it. Everything
-// is aligned to four bytes from the block's start, which itself is.
+// One node of the block: length, value length, value type, key, value, child nodes. Value and children
+// begin at multiples of four bytes from the start of the block, which is aligned itself.
 class Node
 {
 public:

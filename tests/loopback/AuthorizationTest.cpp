@@ -1,4 +1,4 @@
-// The whole authorization, step by step as an application and a browser take it, and every way in
+// The whole authorization, step by step as an application and a browser perform it, and every way in
 // which it ends early.
 #include "LoopbackClient.h"
 
@@ -76,7 +76,7 @@ struct Attempt
         return Steps + "authorize?perms=" + permission + "&oauth_token=" + FieldOf(form, "oauth_token");
     }
 
-    // What the user's browser sends, and what it gets; `spoil` changes the form's fields first.
+    // Sends the form as the user's browser does, after `spoil` has changed its fields.
     Answer Decide(
         const std::string &form, const std::string &decision, const std::string &permission = "write",
         const std::function<void(Fields &)> &spoil = [](Fields &) {})
@@ -142,7 +142,7 @@ TEST(Authorization, LeadsFromTheApplicationOverTheBrowserToATokenThatPublishes)
     EXPECT_THAT(exchange.contentType, StartsWith("text/xml"));
     EXPECT_THAT(exchange.body,
                 AllOf(HasSubstr("<TRNQVerifierExchange>"), HasSubstr("<Verifier>" + verifier + "</Verifier>")));
-    // Once and never again, even if the page is loaded again.
+    // Only once, even if the browser loads the page again.
     attempt.client.Get(callback);
     EXPECT_THAT(attempt.client.Get(MakerExchange + token).body,
                 AllOf(HasSubstr("<TRNQVerifierExchange>"), Not(HasSubstr("Verifier>" + verifier))));
@@ -159,7 +159,7 @@ TEST(Authorization, LeadsFromTheApplicationOverTheBrowserToATokenThatPublishes)
     EXPECT_THAT(attempt.client.Upload({{"title", "with the new pair"}}, {}, signature).body, HasSubstr("photoid"));
     EXPECT_EQ(attempt.Trade(form, verifier).body, "oauth_problem=token_rejected") << "a second time";
 
-    // Nobody who looks at the service from behind learns a secret.
+    // The administration interface shows no secret.
     const std::string admin = attempt.client.Admin("authorizations").body + attempt.client.Admin("tokens").body +
                               attempt.client.Admin("requests").body + attempt.client.Admin("account").body;
     for (const auto &secret : {verifier, FieldOf(form, "oauth_token_secret"), signature.tokenSecret})
@@ -229,7 +229,7 @@ TEST(Authorization, TradesOnlyAGrantedTokenWithItsOwnVerifierInTime)
     struct Case
     {
         const char *what;
-        // Goes as far as the case does; the verifier that is then tried.
+        // Takes the authorization as far as the case needs and returns the verifier to try.
         std::function<std::string(Attempt &, const std::string &form)> prepare;
         std::function<void(Signature &)> spoil;
         const char *answer;
@@ -449,7 +449,7 @@ TEST(Authorization, ADenialGrantsNothingAndCallsNobody)
 {
     Attempt attempt;
     const std::string form = attempt.AskForToken();
-    // Not even a name is needed to say no.
+    // A refusal needs no name.
     const Answer denied = attempt.Decide(form, "deny", "write", [](Fields &fields) { fields[1].second = ""; });
     EXPECT_EQ(denied.status, 200);
     EXPECT_FALSE(denied.headers.contains("location"));

@@ -1,16 +1,17 @@
 #!/usr/bin/env bash
-# The authorization as a user goes through it, in a real browser: Browser.sh SERVICE BROWSER
-# SERVICE is flickr-loopback, BROWSER the script that leads Chromium. The application's part, the
-# signed steps, is done here by hand. The first step that isn't as promised ends the test.
+# The authorization as a user sees it, in a real browser: Browser.sh SERVICE BROWSER
+# SERVICE is flickr-loopback, BROWSER the script that controls Chromium. This script also plays the application,
+# which sends the signed requests. The first step that isn't as promised ends the test.
 set -euo pipefail
 service_program=$1
 browser_script=$2
 work=$(mktemp -d)
-service=
+# shellcheck source=tests/scenarios/Service.sh
+. "$(dirname "$0")/../scenarios/Service.sh"
 finish() {
     "$browser_script" stop "$work/browser" 2>/dev/null || true
     "$browser_script" stop "$work/stranger" 2>/dev/null || true
-    [ -z "$service" ] || kill "$service" 2>/dev/null || true
+    stop_service
     rm -rf "$work" 2>/dev/null || { sleep 1; rm -rf "$work"; }
 }
 trap finish EXIT
@@ -19,19 +20,14 @@ browser() { local command=$1; shift; "$browser_script" "$command" "$work/browser
 shows() { local text; text=$(browser text); [[ $text == *"$1"* ]] || fail "the page does not say \"$1\" but: $text"; }
 is() { [ "$2" = "$3" ] || fail "$1 is \"$2\", not \"$3\""; }
 
-"$service_program" --port 0 --store "$work/store" --ready-file "$work/env" >"$work/service.log" 2>&1 &
-service=$!
-for _ in $(seq 300); do [ ! -f "$work/env" ] || break; sleep 0.1; done
-# shellcheck disable=SC1091
-. "$work/env" || fail 'the service did not start'
-export HALVORA_LOOPBACK_PORT
+start_service "$service_program" store
 admin=http://127.0.0.1:$HALVORA_LOOPBACK_PORT/_loopback
 maker=authorization.halvora.example
 steps=https://www.flickr.com/services/oauth
 
 request() { curl -sS --noproxy '*' --cacert "$HALVORA_CA_FILE" --connect-to "::127.0.0.1:$HALVORA_LOOPBACK_PORT" "$@"; }
 escaped() { jq -rn --arg text "$1" '$text | @uri'; }
-# A signed step with an empty body, its parameters already sorted: STEP TOKEN-SECRET NAME=VALUE...
+# signed STEP TOKEN-SECRET NAME=VALUE...: sends a signed request with an empty body; the parameters must be sorted.
 signed() {
     local step=$1 secret=$2 joined=() header='OAuth ' pair signature
     shift 2
@@ -63,7 +59,7 @@ trade() {
 exchange() { request "https://$maker/flickr/authorization/?oauth_token=$token" | sed -n 's:.*<Verifier>\(.*\)</Verifier>.*:\1:p'; }
 state() { curl -sS --noproxy '*' "$admin/authorizations" | jq -r ".[] | select(.token == \"$token\") | .state + \" \" + .at_maker"; }
 
-# A browser that doesn't trust the service's authority comes to no page of it: what follows is checked.
+# A browser that doesn't trust the service's authority shows no page of it, so the other one checks certificates.
 openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj '/CN=Somebody else' -keyout "$work/other.key" -out "$work/other.crt" 2>/dev/null
 HALVORA_CA_FILE=$work/other.crt "$browser_script" start "$work/stranger"
 begin
@@ -82,7 +78,7 @@ is 'the order of focus' "$(browser run 'return [...document.querySelectorAll("a,
 is 'a heading for the sheet' "$(browser run 'return document.getElementById(document.querySelector("section")
     .getAttribute("aria-labelledby")).tagName')" '"H1"'
 
-# Going on too early: there is nothing to fetch, and no verifier is the right one.
+# Continuing too early: there is no verifier to fetch, and none is accepted.
 is 'the verifier before an answer' "$(exchange)" ''
 is 'an early trade' "$(trade 0123456789abcdef)" 'oauth_problem=verifier_invalid'
 
@@ -107,7 +103,7 @@ shows 'You have already allowed this'
 curl -sS --noproxy '*' "$admin/requests" | jq -e --arg host "$maker" 'any(.host == $host and .path == "/flickr/authorization/"
     and .secure == false and .user_agent != "" and .status == 303)' >/dev/null || fail 'the callback did not come in plain'
 
-# Deny: nothing is granted, and the maker hears nothing.
+# Deny: nothing is granted, and the maker gets no verifier.
 begin
 browser open "$page"
 browser press Deny
@@ -117,7 +113,7 @@ is 'a trade after Deny' "$(trade 0123456789abcdef)" 'oauth_problem=token_rejecte
 browser open "$page"
 shows 'You have already said no'
 
-# A page that is closed leaves everything open; a later answer still counts, one that is too late doesn't.
+# Closing the page changes nothing: an answer still counts later, until the time is over.
 begin
 browser open "$page"
 browser open about:blank
@@ -128,7 +124,7 @@ browser press Allow
 shows 'The time for this question is over'
 is 'the state of a late answer' "$(state)" 'expired none'
 
-# On a small phone nothing sticks out.
+# On a small phone no page is wider than the screen.
 begin
 browser size 320 640
 for address in "$page" "$steps/authorize?oauth_token=none" "http://$maker/flickr/authorization/granted"; do

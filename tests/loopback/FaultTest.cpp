@@ -68,7 +68,7 @@ TEST(Faults, AnswerInPlaceOfTheService)
         EXPECT_EQ(client.Admin("uploads").body != "[]\n", wanted.isKept);
         client.Admin("uploads/clear", {});
     }
-    // The body was always read, so one connection served them all.
+    // The service read every body, so one connection served all requests.
     EXPECT_EQ(JsonValue(client.Admin("statistics").body, "secure_connections"), "1");
 }
 
@@ -92,7 +92,7 @@ TEST(Faults, BreakTheConnection)
         auto client = service.Client();
         client.Admin("faults", wanted.fault);
         const Answer answer = client.Upload({}, Megabytes(8));
-        // Whether the sending or the receiving side of the client sees a reset first is a matter of luck.
+        // Either the sending or the receiving side of the client may see the reset first.
         EXPECT_EQ(answer.result == CURLE_SEND_ERROR ? CURLE_RECV_ERROR : answer.result, wanted.result);
         EXPECT_EQ(client.Admin("uploads").body != "[]\n", wanted.isKept);
         client.Admin("uploads/clear", {});

@@ -36,7 +36,7 @@ TEST(Gallery, ComparesUploadsOfOneTitle)
     auto client = service.Client();
     const std::string page = "http://127.0.0.1/compare";
     EXPECT_THAT(client.Get(page).body, HasSubstr("Nothing to compare yet"));
-    // A comment of JPEG's own kind, the smallest metadata that there is.
+    // A JPEG comment segment, the smallest metadata there is.
     UploadFile withComment{"a.jpg", "\xFF\xD8\xFF\xFE" + std::string("\x00\x07Notes", 7) + "\xFF\xD9"};
     client.Admin("account", {{"run", "<b>whole"}});
     client.Upload({{"title", "Twice & again"}}, withComment);

@@ -128,7 +128,7 @@ Answer LoopbackClient::Send(const std::string &url, const std::string &authoriza
     curl_easy_setopt(m_curl, CURLOPT_HEADERFUNCTION, AddHeader);
     curl_easy_setopt(m_curl, CURLOPT_HEADERDATA, &answer);
     setUp(m_curl);
-    // After setUp, which may have wanted a header of its own.
+    // After setUp, which may have added a header.
     char *ownHeader = nullptr;
     curl_easy_getinfo(m_curl, CURLINFO_PRIVATE, &ownHeader);
     if (ownHeader)

@@ -1,5 +1,5 @@
-// A service in the test's own process, and a client for it: libcurl with a small OAuth signer of its
-// own, as the counter-check of the service's verifier.
+// A service in the test's own process, and a client for it: libcurl with its own small OAuth signer, so
+// that the service's verifier is checked against independent code.
 #pragma once
 
 #include "loopback/LoopbackService.h"
@@ -14,7 +14,7 @@
 
 using Fields = std::vector<std::pair<std::string, std::string>>;
 
-// What a signature is made of; a test spoils one piece at a time.
+// The ingredients of a signature; a test spoils one at a time.
 struct Signature
 {
     std::string consumerKey = "68616c766f72612d64656d6f2d6b6579";
@@ -29,7 +29,7 @@ struct Signature
     Fields further;
     // The names of OAuth parameters that are left out.
     std::vector<std::string> omitted;
-    // Signed, but not what is sent.
+    // Signed but not sent.
     Fields extraSigned;
     std::string signedUrl;
 
@@ -55,7 +55,7 @@ struct UploadFile
     std::string type = "image/jpeg";
 };
 
-// One kept connection, as long as the service keeps it.
+// Uses one connection for as long as the service keeps it open.
 class LoopbackClient
 {
 public:
@@ -64,11 +64,11 @@ public:
 
     Answer Rest(const std::string &method, const Signature &signature = {}, const Fields &more = {});
     Answer Upload(const Fields &fields, const UploadFile &file = {}, const Signature &signature = {});
-    // A body of the caller's own, signed as if it held these fields.
+    // Uploads this body, signed as if it held these fields.
     Answer UploadBody(const std::string &contentType, const std::string &body, const Fields &fields = {});
-    // An empty body, with the signature in the header; target instead of the address' path in the first line.
+    // Posts an empty body with the signature in the header; `target` replaces the path in the request line.
     Answer Signed(const std::string &url, const Signature &signature, const std::string &target = "");
-    // Without a signature; redirects are not followed. `header` is one more, such as "Cookie: a=b".
+    // Gets without a signature and follows no redirects. `header` is added, such as "Cookie: a=b".
     Answer Get(const std::string &url, const std::string &header = "");
     Answer Head(const std::string &url);
     Answer Post(const std::string &url, const Fields &form, const std::string &header = "");
@@ -85,7 +85,7 @@ private:
     std::filesystem::path m_authority;
 };
 
-// A folder of its own, gone with the object.
+// A temporary folder, deleted with the object.
 class TestFolder
 {
 public:
@@ -113,5 +113,5 @@ private:
     std::thread m_thread;
 };
 
-// The one member of that name in a JSON text, as it stands there.
+// The value of the only member of that name in a JSON text, unchanged.
 std::string JsonValue(const std::string &json, const std::string &name);

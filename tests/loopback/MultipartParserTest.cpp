@@ -8,7 +8,7 @@ using loopback::PartHeader;
 namespace
 {
 
-// Every part as "name|file name|type|bytes", or the error; fed in pieces of that many bytes.
+// Feeds the body in pieces of that many bytes; returns each part as "name|file name|type|bytes", or the error.
 std::string Parse(const std::string &body, std::size_t piece)
 {
     std::string parts;

@@ -1,4 +1,4 @@
-// The program as a user or a script runs it.
+// flickr-loopback as a user or a script runs it.
 #include "LoopbackClient.h"
 
 #include <gmock/gmock.h>
@@ -29,7 +29,7 @@ pid_t Start(const std::vector<std::string> &arguments)
             pointers.push_back(const_cast<char *>(argument.c_str()));
         }
         pointers.push_back(nullptr);
-        // No output of its own in the middle of the tests'.
+        // Keep its output out of the tests' output.
         if (freopen("/dev/null", "w", stdout) && freopen("/dev/null", "w", stderr))
         {
             execv(FLICKR_LOOPBACK, pointers.data());
@@ -46,7 +46,7 @@ int ExitOf(pid_t child)
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-// What a shell has in its variables after reading the ready file.
+// The value that the variable has in a shell that has read the ready file.
 std::string FromReadyFile(const fs::path &file, const std::string &variable)
 {
     for (int i = 0; i < 600 && !fs::exists(file); ++i)
@@ -91,7 +91,7 @@ TEST(Program, StartsServesStopsAndKeepsItsStore)
         EXPECT_TRUE(isFirst || (bytes.str() == authority && JsonValue(uploads, "id") == id));
         authority = bytes.str();
         id = JsonValue(uploads, "id");
-        // A connection that is still open doesn't keep it from ending.
+        // An open connection doesn't keep the program from ending.
         kill(child, isFirst ? SIGTERM : SIGINT);
         EXPECT_EQ(ExitOf(child), 0);
         fs::remove(ready);

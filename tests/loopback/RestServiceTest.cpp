@@ -21,7 +21,7 @@ TEST(RestService, TellsTheAccountAsItWasSet)
     EXPECT_THAT(client.Rest("flickr.people.getUploadStatus").body,
                 AllOf(HasSubstr("ispro=\"1\""), HasSubstr("<filesize max=\"209715200\" maxbytes=\"209715200\""),
                       HasSubstr("unlimited=\"1\"")));
-    // The whole conversation took one connection.
+    // All requests used one connection.
     EXPECT_EQ(JsonValue(client.Admin("statistics").body, "secure_connections"), "1");
 }
 
@@ -40,7 +40,7 @@ TEST(RestService, RefusesWhatItDoesNotKnow)
     EXPECT_THAT(client.Get("http://api.flickr.com/services/rest?method=flickr.test.login").body,
                 HasSubstr("code=\"95\""));
     EXPECT_EQ(client.Get("https://www.flickr.com/services/rest").status, 404);
-    // A certificate covers only the known names, and a name rebound to this address finds nothing.
+    // The certificate covers only the known names, and the service refuses any other Host (DNS rebinding).
     EXPECT_NE(client.Get("https://other.example/").result, 0);
     EXPECT_EQ(client.Get("http://other.example/").status, 421);
 }

@@ -20,7 +20,7 @@ std::string FileBytes(const std::string &path)
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// The path of the only upload's file.
+// The stored file of the only upload.
 std::string StoredFile(LoopbackClient &client)
 {
     const std::string quoted = JsonValue(client.Admin("uploads").body, "path");
@@ -40,7 +40,7 @@ TEST(UploadService, KeepsBytesAndTextsOfAnyLanguageAsTheyWere)
     RunningService service;
     auto client = service.Client();
     UploadFile file{"Grüße aus 東京 😀.jpg"};
-    // A real picture's bytes hold everything, near-delimiters too.
+    // Any bytes may occur in a picture, also beginnings of the delimiter.
     for (int i = 0; i < 300'000; ++i)
     {
         file.bytes += static_cast<char>(i * 2654435761u >> 13);

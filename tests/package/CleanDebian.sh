@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# The Debian package on a machine that has never seen it: CleanDebian.sh PACKAGE
-# A minimal Debian 12 comes from its usual mirror, or from that of HALVORA_DEBIAN_MIRROR (a line of a list of
-# sources), into a folder that goes when the trial ends; apt installs the package there, a user publishes, and
-# apt takes it away. Takes minutes; as root.
+# Tries the Debian package in a new Debian 12: CleanDebian.sh PACKAGE
+# Installs a minimal system from Debian's mirror, or from that of HALVORA_DEBIAN_MIRROR (a line of
+# sources.list), into a temporary folder; there apt installs the package, a user publishes, and apt removes the
+# package. Takes minutes and needs root.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 package=$(readlink -f "$1")
@@ -10,7 +10,9 @@ picture=/usr/share/backgrounds/mate/nature/Dune.jpg
 trial=$(mktemp -d)
 trap 'rm -rf "$trial"' EXIT
 cp "$package" "$trial/halvora.deb"
-cp "$here/InstalledPrograms.sh" "$trial/InstalledPrograms.sh"
+mkdir "$trial"/{package,scenarios}
+cp "$here/InstalledPrograms.sh" "$trial/package"
+cp "$here/../scenarios/Service.sh" "$trial/scenarios"
 cp "$picture" "$trial/picture.jpg"
 cat >"$trial/try.sh" <<'TRY'
 set -eu
@@ -19,7 +21,7 @@ find /usr /etc /var/lib/halvora 2>/dev/null | sort >/trial/before || true
 apt-get install -y -q -o APT::Install-Recommends=true /trial/halvora.deb >/trial/apt.log 2>&1 || { cat /trial/apt.log; exit 1; }
 for needed in xdg-open proxy; do command -v $needed >/dev/null || { echo "FAILED: no $needed came along"; exit 1; }; done
 useradd --create-home user
-su user -c 'bash /trial/InstalledPrograms.sh /usr/bin /trial/picture.jpg'
+su user -c 'bash /trial/package/InstalledPrograms.sh /usr/bin /trial/picture.jpg'
 [ ! -e /home/user/.local ] || { echo 'FAILED: something was written beside the profile'; exit 1; }
 apt-get purge -y -q halvora >/dev/null
 ! find / -xdev -path /trial -prune -o -path /proc -prune -o -path '*halvora*' -print | grep -v '^/trial$' |
@@ -28,6 +30,6 @@ echo 'Installed, used and removed.'
 TRY
 chmod -R a+rX "$trial"
 mmdebstrap --quiet --mode=auto --variant=apt --format=null \
-    --customize-hook="mkdir \"\$1/trial\" && cp \"$trial\"/* \"\$1/trial\"" \
+    --customize-hook="mkdir \"\$1/trial\" && cp -r \"$trial\"/* \"\$1/trial\"" \
     --customize-hook='chroot "$1" sh /trial/try.sh >&2' \
     bookworm - ${HALVORA_DEBIAN_MIRROR:+"$HALVORA_DEBIAN_MIRROR"}

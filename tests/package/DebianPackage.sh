@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The Debian package, without installing it: DebianPackage.sh PACKAGE
-# What is in it, what it needs, and whether it runs from wherever it is unpacked.
+# Tries the Debian package without installing it: DebianPackage.sh PACKAGE
+# Checks its content and its dependencies, and that it runs from any folder into which it is unpacked.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 package=$(readlink -f "$1")
@@ -8,7 +8,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 fail() { printf 'FAILED: %s\n' "$1" >&2; exit 1; }
 
-# Nothing is missing, nothing has slipped in, and nobody but root can write it.
+# No file is missing or unexpected, and only root can write them.
 dpkg-deb --contents "$package" | sed -n 's/^\(-[^ ]*\) \([^ ]*\) .* \.\/\(.*\)/\1 \2 \3/p' | LC_ALL=C sort -k 3 >"$work/content"
 diff - "$work/content" <<'CONTENT' || fail 'other content than promised'
 -rwxr-xr-x root/root usr/bin/flickr-loopback
@@ -27,7 +27,7 @@ diff - "$work/content" <<'CONTENT' || fail 'other content than promised'
 -rw-r--r-- root/root usr/share/man/man1/halvora.1.gz
 CONTENT
 
-# What it loads and calls, by the names of Debian's packages; all of it is to be had.
+# It depends on the packages of what it loads and calls, and Debian has all of them.
 needs=$(dpkg-deb --field "$package" Depends)
 for name in ca-certificates libc6 libcurl4 libexiv2-27 libicu72 libraw20 libsqlite3-0 libssl3 libvips42 libxml2; do
     [[ ", $needs," =~ ,\ $name[\ ,] ]] || fail "no dependency on $name"
@@ -41,7 +41,7 @@ apt-get install --simulate --no-install-recommends -q "$package" >"$work/apt" 2>
     fail 'apt-get would not install it'
 }
 
-# Unpacked where nobody foresaw it, it finds its own modules and no others.
+# Unpacked into an unusual folder, it finds its own modules and no others.
 unpacked="$work/für alle 写真/root"
 mkdir -p "$unpacked"
 dpkg-deb --extract "$package" "$unpacked"

@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
-# The installed programs by themselves, with nothing at hand but a shell: InstalledPrograms.sh FOLDER PICTURE
-# publishes the picture (a large JPEG) to the service on this machine, as it is and processed.
+# Tries the installed programs with nothing but a shell: InstalledPrograms.sh FOLDER PICTURE
+# publishes the picture (a large JPEG) to the service on this machine, unchanged and processed.
 set -euo pipefail
 bin=$1 picture=$2
 work=$(mktemp -d)
-service=
-finish() { [ -z "$service" ] || kill "$service" 2>/dev/null || true; rm -rf "$work"; }
+# shellcheck source=tests/scenarios/Service.sh
+. "$(dirname "$0")/../scenarios/Service.sh"
+finish() { stop_service; rm -rf "$work"; }
 trap finish EXIT
 fail() { printf 'FAILED: %s\n' "$1" >&2; cat "$work"/out "$work"/service.log >&2 2>/dev/null || true; exit 1; }
 run() { "$bin/halvora" --profile "$work/profile" "$@" >"$work/out" 2>&1 || fail "halvora $*: exit code $?"; }
@@ -16,11 +17,7 @@ says '^halvora [0-9.]*$'
 run status
 ! grep -qi 'missing\|could not' "$work/out" || fail 'a module is missing'
 
-"$bin/flickr-loopback" --port 0 --store "$work/store" --token tok:sec --ready-file "$work/env" >"$work/service.log" 2>&1 &
-service=$!
-for _ in $(seq 300); do [ ! -f "$work/env" ] || break; sleep 0.1; done
-# shellcheck disable=SC1091
-. "$work/env" || fail 'the service did not start'
+start_service "$bin/flickr-loopback" store --token tok:sec
 printf 'tok\nsec\n' | "$bin/halvora" --profile "$work/profile" account --set-token - >"$work/out" 2>&1 || fail 'no account'
 
 run settings JPEGMode=0

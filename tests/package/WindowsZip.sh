@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# The zip for Windows, as a user does with it: WindowsZip.sh ZIP
-# Unpacked, installed, installed again, removed, in a new Windows of Wine's that goes when the trial ends;
-# in folders with every kind of name; and what is said when it can't be done.
+# Tries the zip for Windows as a user would: WindowsZip.sh ZIP
+# Unpacks, installs, reinstalls and removes it in a temporary Wine prefix, in folders with difficult names,
+# and checks the messages when something can't be done.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 zip=$(readlink -f "$1")
@@ -18,14 +18,14 @@ fail() { tell "$1"; trap - ERR; exit 1; }
 set -o errtrace
 trap 'tell "line $LINENO: $BASH_COMMAND: exit code $?"' ERR
 windows() { "$here/../../tools/run-wine" "$@" </dev/null 2>>"$work/wine.log"; }
-# Wine's own tools have failed without a word in a Windows that was new; they aren't what is tried here.
+# Repeats a tool of Wine's own: they have failed silently in a new prefix, and aren't what is tried here.
 wine_tool() {
     for _ in 1 2 3; do ! windows "$@" >>"$work/wine.log" || return 0; done
     fail "$*: not even the third time"
 }
 says() { grep -qF -- "$1" "$work/out" || fail "nothing said of: $1"; }
 
-# Every program needs what each Windows has, and nothing else; texts are made for Windows' editors.
+# The programs need only libraries that every Windows has, and the texts have Windows' line ends.
 unpacked="$work/Entpackt für 写真 (neu)"
 unzip -q "$zip" -d "$unpacked"
 [ "$(ls "$unpacked")" = "$(basename "$zip" .zip)" ] || fail 'the zip unpacks into more than one folder of its own name'
@@ -50,7 +50,7 @@ done
 [[ " ${modules[*]} " = *' Halvora.Publishing.Plugin.Flickr.dll '* ]] || fail 'the plug-in is missing'
 grep -q 'Runtime Library Exception' "$unpacked/Licences/gcc.txt" || fail 'the exception of the GCC runtime is missing'
 
-# What the user's and the machine's registry hold; the containers of all classes are there before.
+# Prints the user's and the machine's registry. The keys that contain all classes exist beforehand.
 for container in AppID CLSID TypeLib Interface; do wine_tool reg add "HKCU\\Software\\Classes\\$container" /f; done
 settings='HKCU\SOFTWARE\TRNQ\Halvora\Trial'
 wine_tool reg add "$settings" /v Kept /t REG_SZ /d yes /f
@@ -58,7 +58,7 @@ registry() {
     rm -f "$work"/{user,machine}.reg
     wine_tool regedit /E "Z:${work//\//\\}\\user.reg" 'HKEY_CURRENT_USER\Software'
     wine_tool regedit /E "Z:${work//\//\\}\\machine.reg" 'HKEY_LOCAL_MACHINE\Software\Classes'
-    # Wine registers type libraries for the whole machine, whomever they are for; that is no fault of ours.
+    # Wine registers type libraries for the whole machine even if asked for one user; that isn't our fault.
     for part in user machine; do iconv -f UTF-16 -t UTF-8 "$work/$part.reg" | tr -d '\r'; done |
         awk -v RS= -v ORS='\n\n' -v rest="$work/by-wine" 'BEGIN { printf "" >rest }
             tolower($1) ~ /^\[hkey_local.*\\(typelib|interface)\\/ { print >rest; next } { print }'
@@ -87,7 +87,7 @@ for local in 'C:\users\jo\AppData\Local' 'C:\users\Zoë 写真 (neu)\Local'; do
     run "$unpacked" uninstall.cmd 0
     says 'is not installed'
     for _ in once again; do run "$unpacked" install.cmd 0; done
-    # In a pipe the user's name has the letters of a code page.
+    # Output to a pipe has the user's name in a code page.
     says '\Local\Halvora\Publish to Flickr"'
     registry >"$work/installed"
     for file in "$unpacked"/*.dll "$unpacked"/*.exe; do
@@ -103,14 +103,14 @@ for local in 'C:\users\jo\AppData\Local' 'C:\users\Zoë 写真 (neu)\Local'; do
     nothing_left
 done
 
-# From the folder that goes. Wine, unlike Windows, keeps a running script open, and so its folder.
+# Start from the unpacked folder. Wine, unlike Windows, keeps a running script open, and so its folder.
 run "$unpacked" install.cmd 0
 run "$home/Halvora/Publish to Flickr" uninstall.cmd 0
 [ -z "$(find "$home/Halvora" -type f)" ] || fail "left: $(find "$home/Halvora")"
 rm -rf "$home/Halvora"
 nothing_left
 
-# What can't be done is said, and leaves nothing behind.
+# What can't be done ends with a message and leaves nothing behind.
 spoilt="$work/spoilt"
 for fault in missing damaged; do
     rm -rf "$spoilt"

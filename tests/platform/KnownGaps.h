@@ -1,5 +1,5 @@
-// What a test runs on, for the marks of known gaps: where Wine doesn't do what Windows
-// documents, a test asserts what Wine does, so that it fails when the gap closes.
+// Marks known gaps of Wine. Where Wine doesn't do what Windows documents, a test expects what Wine does,
+// so that it fails when the gap closes.
 #pragma once
 
 #include <windows.h>

@@ -1,5 +1,5 @@
-// A user at a terminal, for code that asks one: the code runs in a child process whose terminal is
-// ours, so that we read its screen and type its keys.
+// Plays the user of code that asks at a terminal: the code runs in a child process on a pseudo-terminal,
+// and the test reads its screen and types its keys.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@
 #include <functional>
 #include <string>
 
-// In the child, whose failed expectations must reach the parent too.
+// Runs `ask` in the child. A failed expectation there must also reach the parent.
 inline std::string ResultOf(const std::function<std::string()> &ask)
 {
     const std::string result = ask();
@@ -27,7 +27,7 @@ inline std::string ResultOf(const std::function<std::string()> &ask)
 class TerminalRun
 {
 public:
-    // ask runs in the child; what it returns comes back from Result.
+    // Runs `ask` in the child; Result returns what it returned.
     explicit TerminalRun(const std::function<std::string()> &ask, unsigned short columns = 80,
                          unsigned short rows = 24, const char *terminal = "xterm")
     {
@@ -62,7 +62,7 @@ public:
     TerminalRun(const TerminalRun &) = delete;
     TerminalRun &operator=(const TerminalRun &) = delete;
 
-    // Reads the screen until the text has come, after what was waited for before.
+    // Reads the screen until the text has appeared after the previously awaited one.
     bool WaitFor(const std::string &text)
     {
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
@@ -87,14 +87,14 @@ public:
         }
     }
 
-    // Waits for the prompt, and types.
+    // Waits for the prompt, then types the keys.
     bool Answer(const std::string &keys)
     {
         return WaitFor("   > ") &&
                write(m_terminal, keys.data(), keys.size()) == static_cast<ssize_t>(keys.size());
     }
 
-    // What ask returned, when it has; empty if it ended otherwise.
+    // Waits for `ask` and returns its result; empty if the child ended otherwise.
     std::string Result()
     {
         std::string result;
@@ -108,7 +108,7 @@ public:
         return result;
     }
 
-    // Sends the signal to the child; what it ended by, or 0.
+    // Sends the signal to the child. Returns the signal that ended it, or 0.
     int EndBySignal(int number)
     {
         int status = 0;
@@ -133,7 +133,7 @@ private:
     size_t m_seen = 0;
 };
 
-// ask in a child process that has no terminal. What it writes to standard error is put before its result.
+// Runs `ask` in a child process without a terminal. Returns its standard error, followed by its result.
 inline std::string RunWithoutTerminal(const std::function<std::string()> &ask)
 {
     int results[2] = {};

@@ -6,11 +6,12 @@
 set -euo pipefail
 bin=$1
 work=$(mktemp -d)
-service=
+# shellcheck source=tests/scenarios/Service.sh
+. "$(dirname "$0")/Service.sh"
 sampler=
 finish() {
     [ -z "$sampler" ] || kill "$sampler" 2>/dev/null || true
-    [ -z "$service" ] || kill "$service" 2>/dev/null || true
+    stop_service
     rm -rf "$work"
 }
 trap finish EXIT
@@ -33,17 +34,6 @@ await() {
     for _ in $(seq 300); do ! grep -qsF -- "$2" "$1" || return 0; sleep 0.1; done
     fail "not seen in ${1##*/}: $2"
 }
-
-start_service() {
-    rm -f "$work/env"
-    "$bin/flickr-loopback" --port 0 --store "$work/store" --ready-file "$work/env" "$@" >"$work/service.log" 2>&1 &
-    service=$!
-    for _ in $(seq 300); do [ ! -f "$work/env" ] || break; sleep 0.1; done
-    # shellcheck disable=SC1091
-    . "$work/env" || fail 'the service did not start'
-    export HALVORA_LOOPBACK_PORT
-}
-stop_service() { kill "$service"; wait "$service" 2>/dev/null || true; service=; }
 
 # The browser: gets the page, answers its form as $browser_decision says, and goes where it is sent.
 mkdir "$work/path"
@@ -100,7 +90,7 @@ dismiss_error() {
 }
 shows() { sed 's/│//g' "$work/screen" | tr -s ' \r\n' ' ' | grep -F -- "$1" >/dev/null; }
 
-start_service
+start_service "$bin/flickr-loopback" store
 
 # Nobody to ask is a no.
 expect 3 authorize
@@ -118,7 +108,7 @@ finish_authorize 3
 sampler=$!
 authorize
 consent Authorize
-for _ in $(seq 300); do [ ! -f "$work/landed" ] || break; sleep 0.1; done
+await_file "$work/landed" 'the browser did not land anywhere'
 complete 'Authorization Granted'
 finish_authorize 0
 kill $sampler
@@ -136,12 +126,7 @@ verifier=$(sed -nE 's/^location:.*oauth_verifier=([^&[:space:]]*).*/\1/ip' "$wor
 [ -n "$verifier" ] || fail "the browser went by $(cat "$work/landed")"
 
 # What was granted is good for publishing.
-base64 -d >"$work/blank.jpg" <<'PICTURE'
-/9j/2wCEABALCwsMCxAMDBAXDw0PFxsUEBAUGx8XFxcXFx8eFxoaGhoXHh4jJSclIx4vLzMzLy9AQEBAQEBAQEBAQEBAQEABEQ8P
-ERMRFRISFRQRFBEUGhQWFhQaJhoaHBoaJjAjHh4eHiMwKy4nJycuKzU1MDA1NUBAP0BAQEBAQEBAQEBAQP/AABEIAAEAAQMBIgAC
-EQEDEQH/xABLAAEBAAAAAAAAAAAAAAAAAAAABwEBAAAAAAAAAAAAAAAAAAAAABABAAAAAAAAAAAAAAAAAAAAABEBAAAAAAAAAAAA
-AAAAAAAAAP/aAAwDAQACEQMRAD8AoAAP/9k=
-PICTURE
+blank_picture "$work/blank.jpg"
 expect 0 settings JPEGMode=0
 expect 0 publish -v "$work/blank.jpg"
 cmp -s "$work/granted" "$work/profile/init-data.bin" || cp "$work/profile/init-data.bin" "$work/granted"
@@ -178,10 +163,10 @@ says 'halvora authorize'
 cmp -s "$work/granted" "$work/profile/init-data.bin" || fail 'an unreachable service changed the account'
 
 # An account that can't be read right afterwards is authorized all the same.
-start_service --fault 'kind=status&status=504&target=rest&count=9'
+start_service "$bin/flickr-loopback" store --fault 'kind=status&status=504&target=rest&count=9'
 authorize
 consent Authorize
-for _ in $(seq 300); do [ ! -f "$work/landed" ] || break; sleep 0.1; done
+await_file "$work/landed" 'the browser did not land anywhere'
 complete 'Authorization Granted'
 dismiss_error 'An error occurred while talking to Flickr' 'Unknown reply format. Cannot understand server anwser.'
 finish_authorize 1
@@ -192,11 +177,11 @@ says 'Authorized:    yes'
 stop_service
 
 # "Granted" without a grant ends the earlier authorization, and says so.
-start_service
+start_service "$bin/flickr-loopback" store
 export browser_decision=deny
 authorize
 consent Authorize
-for _ in $(seq 300); do [ ! -f "$work/landed" ] || break; sleep 0.1; done
+await_file "$work/landed" 'the browser did not land anywhere'
 complete 'Authorization Granted'
 dismiss_error 'Authorization Error' 'Could not connect to the Flickr authorization server. The error code was 0x80004005.'
 finish_authorize 1

@@ -7,14 +7,15 @@ set -euo pipefail
 bin=$(cd "$1" && pwd)
 tools=$(cd "$2" && pwd)
 work=$(mktemp -d)
-service=
+# shellcheck source=tests/scenarios/Service.sh
+. "$(dirname "$0")/Service.sh"
 # A terminal for each run: a new one can't be had of a server that is just ending.
 terminals=0
 screen() { tmux -S "$work/terminal-$terminals" "$@"; }
 finish() {
     screen kill-server 2>/dev/null || true
     "$tools/browser" stop "$work/browser" 2>/dev/null || true
-    [ -z "$service" ] || kill "$service" 2>/dev/null || true
+    stop_service
     rm -rf "$work" 2>/dev/null || { sleep 1; rm -rf "$work"; }
 }
 trap finish EXIT
@@ -45,8 +46,7 @@ authorize() {
     sees 'Halvora needs your permission to publish images to Flickr.'
     sees 'Enter: Authorize. Esc'
     key Enter
-    for _ in $(seq 300); do [ ! -f "$work/browser/answered" ] || break; sleep 0.1; done
-    [ -f "$work/browser/answered" ] || fail 'nobody answered in the browser'
+    await_file "$work/browser/answered" 'nobody answered in the browser'
     page_says page 'May Halvora upload photos to your account?'
     sees "Return to this window once you've authorized Halvora on Flickr."
     sees 'Enter: Authorization Granted. Esc'
@@ -68,12 +68,8 @@ admin() { curl -sS --noproxy '*' "http://127.0.0.1:$HALVORA_LOOPBACK_PORT/_loopb
 states() { admin authorizations | jq -r 'map(.state + "/" + .at_maker) | join(" ")'; }
 states_are() { [ "$(states)" = "$1" ] || fail "the service has \"$(states)\", not \"$1\""; }
 
-"$bin/flickr-loopback" --port 0 --store "$work/store" --ready-file "$work/env" >"$work/service.log" 2>&1 &
-service=$!
-for _ in $(seq 300); do [ ! -f "$work/env" ] || break; sleep 0.1; done
-# shellcheck disable=SC1091
-. "$work/env" || fail 'the service did not start'
-export HALVORA_LOOPBACK_PORT HALVORA_BROWSER=$work/browser PATH=$tools/user:$PATH LC_ALL=C.UTF-8
+start_service "$bin/flickr-loopback" store
+export HALVORA_BROWSER=$work/browser PATH=$tools/user:$PATH LC_ALL=C.UTF-8
 browser start
 
 # The grant, and a picture that is published with it.
@@ -83,12 +79,7 @@ key Enter
 sees 'Halvora may now publish on the Flickr account of Ada Lovelace.'
 ends_with 0
 states_are used/taken
-base64 -d >"$work/first.jpg" <<'PICTURE'
-/9j/2wCEABALCwsMCxAMDBAXDw0PFxsUEBAUGx8XFxcXFx8eFxoaGhoXHh4jJSclIx4vLzMzLy9AQEBAQEBAQEBAQEBAQEABEQ8P
-ERMRFRISFRQRFBEUGhQWFhQaJhoaHBoaJjAjHh4eHiMwKy4nJycuKzU1MDA1NUBAP0BAQEBAQEBAQEBAQP/AABEIAAEAAQMBIgAC
-EQEDEQH/xABLAAEBAAAAAAAAAAAAAAAAAAAABwEBAAAAAAAAAAAAAAAAAAAAABABAAAAAAAAAAAAAAAAAAAAABEBAAAAAAAAAAAA
-AAAAAAAAAP/aAAwDAQACEQMRAD8AoAAP/9k=
-PICTURE
+blank_picture "$work/first.jpg"
 "$bin/halvora" --profile "$work/profile" settings JPEGMode=0 >"$work/out"
 "$bin/halvora" --profile "$work/profile" publish "$work/first.jpg" >"$work/out" 2>&1 || fail 'the picture was not published'
 newest=$(admin tokens | jq -r '.[-1] | select(.permission == "write") | .token')

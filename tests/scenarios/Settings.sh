@@ -5,12 +5,13 @@
 set -euo pipefail
 bin=$(cd "$1" && pwd)
 work=$(mktemp -d)
-service=
+# shellcheck source=tests/scenarios/Service.sh
+. "$(dirname "$0")/Service.sh"
 terminals=0
 screen() { tmux -S "$work/terminal-$terminals" "$@"; }
 finish() {
     screen kill-server 2>/dev/null || true
-    [ -z "$service" ] || kill "$service" 2>/dev/null || true
+    stop_service
     rm -rf "$work"
 }
 trap finish EXIT
@@ -56,13 +57,8 @@ stored() {
 }
 admin() { curl -sS --noproxy '*' "http://127.0.0.1:$HALVORA_LOOPBACK_PORT/_loopback/$1"; }
 
-"$bin/flickr-loopback" --port 0 --store "$work/store" --token sheet-token:sheet-secret --ready-file "$work/env" \
-    >"$work/service.log" 2>&1 &
-service=$!
-for _ in $(seq 300); do [ ! -f "$work/env" ] || break; sleep 0.1; done
-# shellcheck disable=SC1091
-. "$work/env" || fail 'the service did not start'
-export HALVORA_LOOPBACK_PORT LC_ALL=C.UTF-8
+export LC_ALL=C.UTF-8
+start_service "$bin/flickr-loopback" store --token sheet-token:sheet-secret
 printf 'sheet-token\nsheet-secret\n' | "$bin/halvora" --profile "$work/profile" account --set-token - >"$work/out"
 
 # Cancelled in all ways, nothing is kept.
@@ -190,9 +186,7 @@ sees 'Name='
 key Tab Enter
 sees 'https://www.flickr.com/photos/'
 sees 'Go to your Flickr Homepage'
-kill "$service"
-wait "$service" 2>/dev/null || true
-service=
+stop_service
 key Tab Enter
 sees 'Failed to refresh account data.'
 key Enter

@@ -15,14 +15,17 @@ for program in "$service_program" "$proxy_program" "$driver_program" "$zip"; do
     }
 done
 work=$(mktemp -d)
+# shellcheck source=tests/scenarios/Service.sh
+. "$(dirname "$0")/Service.sh"
 export HALVORA_WINEPREFIX=$work/wine LC_ALL=C.UTF-8
-service='' proxy_process='' screen='' host=''
+proxy_process='' screen='' host=''
 finish() {
     exec 7>&-
     "$root/tools/browser" stop "$work/browser" 2>/dev/null || true
     WINEPREFIX=$HALVORA_WINEPREFIX wineserver -k 2>/dev/null || true
     WINEPREFIX=$HALVORA_WINEPREFIX wineserver -w 2>/dev/null || true
-    for process in $service $proxy_process $screen; do kill "$process" 2>/dev/null || true; done
+    stop_service
+    for process in $proxy_process $screen; do kill "$process" 2>/dev/null || true; done
     wait 2>/dev/null || true
     rm -rf "$work" 2>/dev/null || { sleep 1; rm -rf "$work"; }
 }
@@ -36,7 +39,6 @@ fail() {
     exit 1
 }
 trap 'fail "line $LINENO: $BASH_COMMAND: exit code $?"' ERR
-await_file() { for _ in $(seq 600); do [ ! -f "$1" ] || return 0; sleep 0.1; done; fail "$2"; }
 
 end_windows() { WINEPREFIX=$HALVORA_WINEPREFIX wineserver -k || true; WINEPREFIX=$HALVORA_WINEPREFIX wineserver -w; }
 windows() { "$root/tools/run-wine" "$@" </dev/null 2>/dev/null; }
@@ -59,12 +61,7 @@ picture() {
 }
 
 # The service, and a proxy through which Windows comes to it by the names that it has on the network.
-"$service_program" --port 0 --store "$work/store" --ready-file "$work/env" >"$work/service.log" 2>&1 &
-service=$!
-await_file "$work/env" 'the service did not start'
-# shellcheck disable=SC1091
-. "$work/env"
-export HALVORA_LOOPBACK_PORT HALVORA_CA_FILE
+start_service "$service_program" store
 mkdir "$work/proxy"
 mkfifo "$work/leash"
 leads=()

@@ -57,7 +57,7 @@ TEST_F(ProgressBar, ANewRangeTakesThePositionAlong)
     EXPECT_EQ(Send(PBM_GETPOS), 0);
 }
 
-// Wine's bar knows the normal state only.
+// Wine's progress bar has only the normal state.
 TEST_F(ProgressBar, StatesAnswerWithTheLast)
 {
     EXPECT_EQ(Send(PBM_GETSTATE), PBST_NORMAL);

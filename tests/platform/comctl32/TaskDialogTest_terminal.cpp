@@ -84,7 +84,7 @@ TEST(TerminalTaskDialog, TakesAnswersOfManyKinds)
 {
     const struct
     {
-        std::vector<std::string> typed; // each at a new prompt
+        std::vector<std::string> typed; // one entry per prompt
         const char *expected;
     } cases[] = {
         {{"1\n"}, "button 100 radio 11 checked 0"},
@@ -132,7 +132,7 @@ TEST(TerminalTaskDialog, HasButtonsOfItsOwnAndPlainDefaults)
         {TDCBF_OK_BUTTON | TDCBF_CANCEL_BUTTON | TDCBF_RETRY_BUTTON, 0, "1 [ OK ]   2 [ Retry ]   3 [ Cancel ]",
          "\x1B", "button 2"},
         {TDCBF_OK_BUTTON, TDF_ALLOW_DIALOG_CANCELLATION, "1 [ OK ]", "\x1B", "button 2"},
-        // It can't be cancelled, but the terminal can go away.
+        // It can't be cancelled, but Ctrl+D ends the terminal's input.
         {TDCBF_YES_BUTTON | TDCBF_NO_BUTTON, 0, "1 [ Yes ]   2 [ No ]", "\x04", "button 2"},
     };
     for (const auto &c : cases)
@@ -148,7 +148,7 @@ TEST(TerminalTaskDialog, HasButtonsOfItsOwnAndPlainDefaults)
     }
 }
 
-// What the callback was told, and what it does about it.
+// The notifications that the callback received, and its reaction.
 std::string told;
 
 HRESULT CALLBACK Recorder(HWND window, UINT notification, WPARAM wParam, LPARAM lParam, LONG_PTR data)
@@ -222,7 +222,7 @@ HRESULT CALLBACK Impatient(HWND window, UINT notification, WPARAM wParam, LPARAM
     }
     if (notification == TDN_CREATED && data != 0)
     {
-        // Detached: it ends with the process.
+        // Detached, since it runs until the process ends.
         std::thread([window] {
             SendMessageW(window, TDM_CLICK_RADIO_BUTTON, 12, 0);
             SendMessageW(window, TDM_CLICK_VERIFICATION, TRUE, 0);

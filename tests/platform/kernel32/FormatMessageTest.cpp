@@ -50,7 +50,7 @@ TEST(FormatMessage, ASmallBufferIsRefused)
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
 }
 
-// Windows keeps most of these in other modules; the table of Wine lacks the rest.
+// Windows has most of these messages in other modules, and Wine's table lacks the rest.
 TEST(FormatMessage, NetworkAndImagingFailuresHaveWordsNatively)
 {
     for (DWORD code : {0x80004002u, 0x80004003u, 0x80004004u, 0x8000FFFFu, 0x80040154u, 0x800700DFu, 0x80072EE2u,

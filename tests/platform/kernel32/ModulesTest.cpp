@@ -35,7 +35,7 @@ TEST(Modules, AnAddressInTheProgramGivesTheProgram)
     ASSERT_TRUE(GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT, nullptr, &program));
     EXPECT_EQ(ModuleAt(Here, GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT), program);
     EXPECT_EQ(GetModuleHandleW(nullptr), program);
-    // Counted: freed again.
+    // Each load counts, so this one must be freed, too.
     EXPECT_EQ(ModuleAt(Here, 0), program);
     EXPECT_TRUE(FreeLibrary(program));
 }
@@ -68,7 +68,7 @@ TEST(Modules, TheFileNameIsCutAndReportedIfTheBufferIsSmall)
     EXPECT_EQ(GetModuleFileNameW(nullptr, brief, ARRAYSIZE(brief)), ARRAYSIZE(brief));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
     EXPECT_EQ(WideText(brief, ARRAYSIZE(brief) - 1), whole.substr(0, ARRAYSIZE(brief) - 1));
-    // Windows terminates what it cuts, Wine doesn't.
+    // Windows terminates a path that it cuts, Wine doesn't.
     EXPECT_EQ(brief[ARRAYSIZE(brief) - 1], UnderWine ? whole[ARRAYSIZE(brief) - 1] : 0);
 }
 

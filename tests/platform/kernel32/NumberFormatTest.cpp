@@ -1,4 +1,4 @@
-// GetNumberFormatW with a format of the caller's: the same in every locale but for the sign.
+// GetNumberFormatW with the caller's own format: the locale decides nothing but the sign.
 #include "com/WideText.h"
 #include "tests/platform/KnownGaps.h"
 
@@ -49,7 +49,7 @@ TEST(NumberFormat, RoundsHalvesAwayFromZeroOnTheText)
     EXPECT_EQ(Format(TEXT("-2.5"), {}), TEXT("-3"));
     EXPECT_EQ(Format(TEXT("2.4999"), {}), TEXT("2"));
     EXPECT_EQ(Format(TEXT("1999.995"), {.decimals = 2}), TEXT("2,000.00"));
-    // A digit that rounding adds is grouped like the others; Wine forgets it.
+    // A digit that rounding adds must be grouped like the others; Wine doesn't do that.
     EXPECT_EQ(Format(TEXT("999.995"), {.decimals = 2}), UnderWine ? TEXT("1000.00") : TEXT("1,000.00"));
     EXPECT_EQ(Format(TEXT("0.05"), {.decimals = 1}), TEXT("0.1"));
     EXPECT_EQ(Format(TEXT("1.5"), {.decimals = 3}), TEXT("1.500"));
@@ -83,7 +83,7 @@ TEST(NumberFormat, RefusesWhatIsNoNumberOrNoFormat)
     }
     for (const Form &form : {Form{.leadingZero = 2}, Form{.negativeOrder = 5}})
     {
-        // Wine takes any number for these two.
+        // Wine accepts any number in these two fields.
         EXPECT_EQ(Format(TEXT("1"), form), UnderWine ? TEXT("1") : TEXT("failed"));
     }
     NUMBERFMTW format = Build({});

@@ -1,4 +1,4 @@
-// The environment's locale as the user's.
+// The user's locale comes from the environment.
 #include "com/WideText.h"
 
 #include <windows.h>

@@ -1,4 +1,4 @@
-// What reaches the opener of pages, for which a script stands in: it writes down how it was started.
+// How ShellExecuteW starts the program that opens pages. A script in its place records how it was started.
 #include <windows.h>
 #include <shellapi.h>
 
@@ -46,7 +46,7 @@ protected:
         fs::permissions(file, fs::perms::owner_all);
     }
 
-    // What the opener wrote, once it is done with it; empty after some seconds without.
+    // Waits for the script's record and returns it; empty if there is none after some seconds.
     std::string Record() const
     {
         for (int i = 0; i < 500 && !fs::exists(m_folder / "record"); ++i)
@@ -92,7 +92,7 @@ TEST_F(Browser, IsNotWaitedForAndLeavesNoZombie)
     ASSERT_GT(Open(TEXT("HTTP://www.example/"), nullptr), 32);
     EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(2));
     EXPECT_NE("", Record());
-    // Once it has ended this process has no child left, not even a dead one.
+    // When the script has ended, this process has no child left, not even a zombie.
     int result = 0;
     for (int i = 0; i < 500 && result == 0; ++i)
     {

@@ -31,7 +31,7 @@ TEST(WideFormat, IntegersWithFlagsWidthAndPrecision)
     EXPECT_PRINTS("[    5][5    ][00005][-0005]", "[%5d][%-5d][%05d][%05d]", 5, 5, 5, -5);
     EXPECT_PRINTS("[5    ]", "[%-05d]", 5);
     EXPECT_PRINTS("[  007][007  ]", "[%5.3d][%-5.3d]", 7, 7);
-    // With a precision Windows documents the flag 0 as ignored.
+    // Windows documents that a precision disables the flag 0.
     EXPECT_EQ(Print(TEXT("%05.3d"), 7), UnderWine ? TEXT("00007") : TEXT("  007"));
     EXPECT_PRINTS("[][  ]", "[%.0d][%2.0u]", 0, 0u);
     EXPECT_PRINTS("[   42][42   ][007]", "[%*d][%*d][%.*d]", 5, 42, -5, 42, 3, 7);
@@ -87,8 +87,8 @@ TEST(WideFormat, FloatsInFixedNotation)
     EXPECT_PRINTS("-0.00", "%.2f", -0.0);
 }
 
-// Two digits of an exponent, as Windows has had it since 2015; Wine's runtime library of mingw's
-// programs still prints three.
+// Exponents have two digits, as on Windows since 2015; the older C runtime that mingw's programs use under
+// Wine prints three.
 TEST(WideFormat, FloatsWithExponents)
 {
     EXPECT_EQ(Print(TEXT("%e"), 12345.678), UnderWine ? TEXT("1.234568e+004") : TEXT("1.234568e+04"));

@@ -4,7 +4,7 @@
 
 namespace
 {
-// Wine takes every wish for granted.
+// Wine lets both functions succeed.
 TEST(Foreground, IsNotTheProcesssToGiveOrLock)
 {
     SetLastError(0);

@@ -1,4 +1,4 @@
-// Message-only windows: they work in both builds without a display.
+// Uses message-only windows, which need no display in either build.
 #include "com/WideText.h"
 #include "tests/platform/KnownGaps.h"
 
@@ -153,7 +153,7 @@ TEST_F(Windows, ARefusedCreationLeavesNothing)
 TEST_F(Windows, ClassesAreKnownByName)
 {
     EXPECT_EQ(Create(TEXT("NoSuchClass")), nullptr);
-    // Wine has the code of UnregisterClassW here too.
+    // Wine sets the same code as UnregisterClassW.
     EXPECT_EQ(GetLastError(), DWORD{UnderWine ? ERROR_CLASS_DOES_NOT_EXIST : ERROR_CANNOT_FIND_WND_CLASS});
     WNDCLASSW again{};
     again.lpfnWndProc = RecordingProcedure;
@@ -173,7 +173,7 @@ TEST_F(Windows, ChildrenEndWithTheirParent)
     const HWND parent = Create();
     const HWND child = CreateWindowExW(0, TEXT("RecordingWindow"), nullptr, WS_CHILD, 0, 0, 0, 0, parent, nullptr,
                                        GetModuleHandleW(nullptr), nullptr);
-    // Without a display Wine makes no children.
+    // Without a display Wine creates no child windows.
     EXPECT_TRUE(child != nullptr || UnderWine);
     DestroyWindow(parent);
     EXPECT_FALSE(IsWindow(child));

@@ -29,7 +29,7 @@ protected:
         ASSERT_TRUE(GetFileVersionInfoW(path.c_str(), 0, size, m_block.data()));
     }
 
-    // With the terminator that belongs to the length.
+    // The value, with the terminator, since its length includes it.
     WideText Text(const WCHAR *path) const
     {
         void *value = nullptr;
