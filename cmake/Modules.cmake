@@ -21,8 +21,7 @@ function(halvora_test name)
   add_executable(${name} ${TEST_SOURCES})
   target_link_libraries(${name} PRIVATE test_main ${TEST_LIBRARIES})
   target_include_directories(${name} PRIVATE "${CMAKE_SOURCE_DIR}")
-  # Optimising test code would take longer than it saves.
-  target_compile_options(${name} PRIVATE -O0)
+  target_compile_options(${name} PRIVATE ${HALVORA_TEST_OPTIONS})
   # Most of what the compiler reads for a test is GoogleTest; this way it reads that once.
   halvora_precompiled(${name} test_main)
   # The program's resources and exported functions can then be found as a module's are.
