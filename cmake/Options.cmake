@@ -25,6 +25,9 @@ set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+# Programs and modules find their libraries by paths relative to themselves: nothing in them depends on the
+# folder that they were built in.
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
 find_program(CCACHE ccache)
 if(CCACHE)
@@ -60,6 +63,8 @@ else()
   # For modules and programs: any load address, no executable data, and a guarded stack.
   add_compile_options(-fstack-protector-strong)
   add_link_options(-static -fstack-protector-strong "LINKER:--dynamicbase,--high-entropy-va,--nxcompat")
+  # The linker writes the time into each file unless told not to: the same source gives the same bytes.
+  add_link_options(LINKER:--no-insert-timestamp)
 endif()
 
 # For code of tests: optimising it takes longer than it saves, and undefined behaviour is looked for in what is

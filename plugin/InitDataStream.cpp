@@ -15,6 +15,16 @@ constexpr BstrOwner AccountRecord::*StoredTexts[] = {
     &AccountRecord::FullName,   &AccountRecord::PhotosUrl,        &AccountRecord::AccountType,
 };
 
+// COM allows null for a count or position that isn't wanted, but a host's own stream may write there unchecked:
+// every call of this file has a variable for it.
+HRESULT MoveTo(IStream *stream, UINT64 position) noexcept
+{
+    LARGE_INTEGER target;
+    target.QuadPart = static_cast<INT64>(position);
+    ULARGE_INTEGER reached{};
+    return stream->Seek(target, STREAM_SEEK_SET, &reached);
+}
+
 // Reads all of size, or throws: E_FAIL if the stream ends before.
 void ReadExactly(IStream *stream, void *data, UINT32 size)
 {
@@ -48,9 +58,7 @@ public:
     {
         if (m_isKnown)
         {
-            LARGE_INTEGER back;
-            back.QuadPart = static_cast<INT64>(m_position.QuadPart);
-            m_stream->Seek(back, STREAM_SEEK_SET, nullptr);
+            MoveTo(m_stream, m_position.QuadPart);
         }
     }
     PositionKeeper(const PositionKeeper &) = delete;
@@ -114,7 +122,8 @@ void WriteText(IStream *stream, const BstrOwner &text)
 void ReadInitData(IStream *stream, AccountRecord &account)
 {
     signed char marker = 0;
-    ThrowIfFailed(stream->Read(&marker, sizeof marker, nullptr));
+    ULONG read = 0;
+    ThrowIfFailed(stream->Read(&marker, sizeof marker, &read));
     if (marker < 1)
     {
         account.MaxFileSize = 0;
@@ -127,7 +136,7 @@ void ReadInitData(IStream *stream, AccountRecord &account)
         text = ReadText(stream);
     }
     INT64 maxFileSize = 0;
-    ULONG read = 0;
+    read = 0;
     stream->Read(&maxFileSize, sizeof maxFileSize, &read);
     if (read < sizeof maxFileSize)
     {
@@ -138,7 +147,7 @@ void ReadInitData(IStream *stream, AccountRecord &account)
 
 void WriteInitData(IStream *stream, const AccountRecord &account)
 {
-    ThrowIfFailed(stream->Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr));
+    ThrowIfFailed(MoveTo(stream, 0));
     ThrowIfFailed(stream->SetSize(ULARGE_INTEGER{}));
     WriteExactly(stream, &FormatMarker, sizeof FormatMarker);
     for (const auto field : StoredTexts)

@@ -108,8 +108,8 @@ HRESULT CMultipartFormData::AddTextField(LPCWSTR name, LPCWSTR value) noexcept
     });
 }
 
-HRESULT CMultipartFormData::AddFilePart(LPCWSTR name, IStream *content, LPCWSTR mimeType, LPCWSTR fileName, UINT32,
-                                        UINT32) noexcept
+HRESULT CMultipartFormData::AddFilePart(LPCWSTR name, IStream *content, LPCWSTR mimeType, LPCWSTR fileName,
+                                        UINT_PTR, UINT_PTR) noexcept
 {
     return AtBoundary([&] {
         if (name == nullptr || content == nullptr || fileName == nullptr)

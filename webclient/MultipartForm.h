@@ -19,8 +19,8 @@ public:
 
     STDMETHODIMP AddNumberField(LPCWSTR name, UINT32 value) noexcept override;
     STDMETHODIMP AddTextField(LPCWSTR name, LPCWSTR value) noexcept override;
-    STDMETHODIMP AddFilePart(LPCWSTR name, IStream *content, LPCWSTR mimeType, LPCWSTR fileName, UINT32 reserved1,
-                             UINT32 reserved2) noexcept override;
+    STDMETHODIMP AddFilePart(LPCWSTR name, IStream *content, LPCWSTR mimeType, LPCWSTR fileName,
+                             UINT_PTR reserved1, UINT_PTR reserved2) noexcept override;
     STDMETHODIMP GetBodyLength(UINT32 *length) noexcept override;
     STDMETHODIMP GetContentType(BSTR *contentType) noexcept override;
 

@@ -110,7 +110,7 @@ bool IsServiceHost(std::string_view host, std::initializer_list<std::string_view
 HRESULT COAuthWebClient::SetService(LPCWSTR userAgent, LPCWSTR restEndpoint, LPCWSTR signatureMethod,
                                     LPCWSTR applicationKey, LPCWSTR applicationSecret, LPCWSTR requestTokenUrl,
                                     LPCWSTR authorizeUrl, LPCWSTR accessTokenUrl, LPCWSTR callbackUrl,
-                                    UINT32) noexcept
+                                    UINT_PTR) noexcept
 {
     return AtBoundary([&] {
         for (LPCWSTR text : {userAgent, restEndpoint, signatureMethod, applicationKey, applicationSecret,
@@ -278,7 +278,7 @@ HRESULT COAuthWebClient::Carry(const Service &service, std::string_view method, 
 }
 
 HRESULT COAuthWebClient::RestRequest(LPCWSTR resource, LPCWSTR method, IRequestParameters *headers,
-                                     IRequestParameters *fields, UINT32, IUnknown **reply) noexcept
+                                     IRequestParameters *fields, UINT_PTR, IUnknown **reply) noexcept
 {
     if (reply == nullptr)
     {
@@ -309,7 +309,7 @@ HRESULT COAuthWebClient::RestRequest(LPCWSTR resource, LPCWSTR method, IRequestP
 
 HRESULT COAuthWebClient::UploadRequest(LPCWSTR url, LPCWSTR resource, LPCWSTR method, IRequestParameters *headers,
                                        IRequestParameters *query, IRequestParameters *fields, IStream *body,
-                                       UINT32 bodyLength, IUploadProgressCallback *callback, UINT32,
+                                       UINT32 bodyLength, IUploadProgressCallback *callback, UINT_PTR,
                                        IUnknown **reply) noexcept
 {
     if (reply == nullptr)

@@ -26,18 +26,18 @@ public:
     STDMETHODIMP SetService(LPCWSTR userAgent, LPCWSTR restEndpoint, LPCWSTR signatureMethod,
                             LPCWSTR applicationKey, LPCWSTR applicationSecret, LPCWSTR requestTokenUrl,
                             LPCWSTR authorizeUrl, LPCWSTR accessTokenUrl, LPCWSTR callbackUrl,
-                            UINT32 flags) noexcept override;
+                            UINT_PTR reserved) noexcept override;
     STDMETHODIMP GetAuthorizationUrl(UINT32 flags, IRequestParameters *parameters, BSTR *url) noexcept override;
     STDMETHODIMP GetAccessToken(UINT32 flags, LPCWSTR verifier, BSTR *token, BSTR *tokenSecret) noexcept override;
     STDMETHODIMP SetAccessToken(LPCWSTR token, LPCWSTR tokenSecret) noexcept override;
     STDMETHODIMP Reserved1() noexcept override { return E_NOTIMPL; }
     STDMETHODIMP RestRequest(LPCWSTR resource, LPCWSTR method, IRequestParameters *headers,
-                             IRequestParameters *fields, UINT32 flags, IUnknown **reply) noexcept override;
+                             IRequestParameters *fields, UINT_PTR reserved, IUnknown **reply) noexcept override;
     STDMETHODIMP Reserved2() noexcept override { return E_NOTIMPL; }
     STDMETHODIMP Reserved3() noexcept override { return E_NOTIMPL; }
     STDMETHODIMP UploadRequest(LPCWSTR url, LPCWSTR resource, LPCWSTR method, IRequestParameters *headers,
                                IRequestParameters *query, IRequestParameters *fields, IStream *body,
-                               UINT32 bodyLength, IUploadProgressCallback *callback, UINT32 flags,
+                               UINT32 bodyLength, IUploadProgressCallback *callback, UINT_PTR reserved,
                                IUnknown **reply) noexcept override;
     STDMETHODIMP GetMimeTypeForFile(LPCWSTR fileName, BSTR *mimeType) noexcept override;
 

@@ -1,7 +1,7 @@
 // seal-credentials KEY SECRET OUTPUT
 //
 // Runs on the machine that builds: writes a C++ source with the application's key (32 characters) and
-// secret (16) as sealed records, each under a fresh mask. Exit code 2, with words, for values that
+// secret (16) as sealed records, each under a mask of its own. Exit code 2, with words, for values that
 // the records can't hold.
 #include "account/SecuredTransformation.h"
 
@@ -31,13 +31,16 @@ bool IsGoodMask(std::uint32_t mask)
     return (mask & 0x00800080) == 0x00800080;
 }
 
-std::uint32_t FreshMask()
+// Follows from the value, so that the same source and values give the same bytes. The mask lies beside what it
+// covers: one that nobody could repeat would hide no more.
+std::uint32_t MaskFor(std::string_view value)
 {
-    std::random_device random;
+    std::seed_seq seed(value.begin(), value.end());
+    std::mt19937 random(seed);
     std::uint32_t mask = 0;
     while (!IsGoodMask(mask))
     {
-        mask = random();
+        mask = static_cast<std::uint32_t>(random());
     }
     return mask;
 }
@@ -51,7 +54,7 @@ void WriteRecord(std::ostream &out, const char *name, std::string_view value)
         bytes.push_back(0);
     }
     bytes.insert(bytes.end(), 2, 0);
-    const std::uint32_t mask = FreshMask();
+    const std::uint32_t mask = MaskFor(value);
     TransformSecured(bytes.data(), bytes.data(), bytes.size(), mask);
 
     out << "const SecuredRecord<" << bytes.size() << "> " << name << " = {\n    {"
@@ -90,7 +93,7 @@ int main(int argc, char **argv)
         return 2;
     }
     std::ofstream out(argv[3], std::ios::trunc);
-    out << "// Made while the system is built; every run seals under fresh masks.\n"
+    out << "// Made while the system is built.\n"
            "#include \"account/ApplicationCredentials.h\"\n\n";
     WriteRecord(out, "ApplicationKey", argv[1]);
     WriteRecord(out, "ApplicationSecret", argv[2]);

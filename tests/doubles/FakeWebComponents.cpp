@@ -18,7 +18,7 @@ WideText Text(LPCWSTR text)
     return text ? WideText(text) : WideText(TEXT("(null)"));
 }
 
-WideText Text(UINT32 number)
+WideText Text(UINT_PTR number)
 {
     const std::string digits = std::to_string(number);
     return WideText(digits.begin(), digits.end());
@@ -95,8 +95,8 @@ public:
         return m_record.Record("AddTextField", {Text(name), Text(value)});
     }
 
-    STDMETHODIMP AddFilePart(LPCWSTR name, IStream *content, LPCWSTR mimeType, LPCWSTR fileName, UINT32 reserved1,
-                             UINT32 reserved2) override
+    STDMETHODIMP AddFilePart(LPCWSTR name, IStream *content, LPCWSTR mimeType, LPCWSTR fileName,
+                             UINT_PTR reserved1, UINT_PTR reserved2) override
     {
         const HRESULT result = m_record.Record("AddFilePart", {Text(name), Present(content), Text(mimeType),
                                                                Text(fileName), Text(reserved1), Text(reserved2)});
@@ -148,12 +148,12 @@ public:
     STDMETHODIMP SetService(LPCWSTR userAgent, LPCWSTR restEndpoint, LPCWSTR signatureMethod,
                             LPCWSTR applicationKey, LPCWSTR applicationSecret, LPCWSTR requestTokenUrl,
                             LPCWSTR authorizeUrl, LPCWSTR accessTokenUrl, LPCWSTR callbackUrl,
-                            UINT32 flags) override
+                            UINT_PTR reserved) override
     {
         return m_record.Record("SetService",
                                {Text(userAgent), Text(restEndpoint), Text(signatureMethod), Text(applicationKey),
                                 Text(applicationSecret), Text(requestTokenUrl), Text(authorizeUrl),
-                                Text(accessTokenUrl), Text(callbackUrl), Text(flags)});
+                                Text(accessTokenUrl), Text(callbackUrl), Text(reserved)});
     }
 
     STDMETHODIMP GetAuthorizationUrl(UINT32 flags, IRequestParameters *parameters, BSTR *url) override
@@ -187,25 +187,25 @@ public:
     }
 
     STDMETHODIMP RestRequest(LPCWSTR resource, LPCWSTR method, IRequestParameters *headers,
-                             IRequestParameters *fields, UINT32 flags, IUnknown **reply) override
+                             IRequestParameters *fields, UINT_PTR reserved, IUnknown **reply) override
     {
         *reply = nullptr;
         const HRESULT result =
             m_record.Record("RestRequest", {Text(resource), Text(method), FakeParameters::List(headers),
-                                            FakeParameters::List(fields), Text(flags)});
+                                            FakeParameters::List(fields), Text(reserved)});
         return FAILED(result) ? result : m_record.TakeAnswer(reply);
     }
 
     STDMETHODIMP UploadRequest(LPCWSTR url, LPCWSTR resource, LPCWSTR method, IRequestParameters *headers,
                                IRequestParameters *query, IRequestParameters *fields, IStream *body,
-                               UINT32 bodyLength, IUploadProgressCallback *callback, UINT32 flags,
+                               UINT32 bodyLength, IUploadProgressCallback *callback, UINT_PTR reserved,
                                IUnknown **reply) override
     {
         *reply = nullptr;
         HRESULT result = m_record.Record("UploadRequest",
                                          {Text(url), Text(resource), Text(method), FakeParameters::List(headers),
                                           FakeParameters::List(query), FakeParameters::List(fields), Present(body),
-                                          Text(bodyLength), Present(callback), Text(flags)});
+                                          Text(bodyLength), Present(callback), Text(reserved)});
         if (FAILED(result))
         {
             return result;

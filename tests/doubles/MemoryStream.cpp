@@ -26,10 +26,7 @@ HRESULT MemoryStream::Read(void *target, ULONG length, ULONG *done)
         std::memcpy(target, Content.data() + Position, count);
         Position += count;
     }
-    if (done != nullptr)
-    {
-        *done = static_cast<ULONG>(count);
-    }
+    *done = static_cast<ULONG>(count);
     return FAILED(result) ? result : count == length ? S_OK : S_FALSE;
 }
 
@@ -43,10 +40,7 @@ HRESULT MemoryStream::Write(const void *source, ULONG length, ULONG *done)
         Content.replace(Position, length, static_cast<const char *>(source), length);
         Position += length;
     }
-    if (done != nullptr)
-    {
-        *done = written ? length : 0;
-    }
+    *done = written ? length : 0;
     return result;
 }
 
@@ -63,10 +57,7 @@ HRESULT MemoryStream::Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER *pos
         return STG_E_INVALIDFUNCTION;
     }
     Position = static_cast<size_t>(static_cast<INT64>(bases[origin]) + move.QuadPart);
-    if (position != nullptr)
-    {
-        position->QuadPart = Position;
-    }
+    position->QuadPart = Position;
     return S_OK;
 }
 

@@ -1,4 +1,5 @@
-// A stream in memory that records its calls and can fail at a given one.
+// A stream in memory that records its calls and can fail at a given one. As streams of some hosts do, it writes
+// counts and positions without a look whether there is a place for them.
 #pragma once
 
 #include "com/ComObject.h"

@@ -388,15 +388,10 @@ TEST_F(Registration, TheTypeLibraryTellsClassInterfaceAndSet)
         ASSERT_EQ(library->GetDocumentation(i, name.Put(), help.Put(), nullptr, nullptr), S_OK);
         types.push_back(Narrow(name.View()) + ": " + Narrow(help.View()));
     }
-    EXPECT_THAT(types, testing::IsSupersetOf({"HVRPublishToFlickrLib: Halvora Publish to Flickr 1.0 Type Library",
-                                              "tagHVRPUBLISHINGCAPABILITIES: ",
-                                              "IHalvoraPublishingPlugin: IHalvoraPublishingPlugin Interface",
-                                              "FlickrPublisher: Halvora FlickrPublisher Class"}));
-    for (const std::string &type : types)
-    {
-        EXPECT_THAT(type, testing::Not(testing::HasSubstr("IUploadProgressCallback")));
-        EXPECT_THAT(type, testing::Not(testing::HasSubstr("IHalvoraPublishingHost")));
-    }
+    EXPECT_THAT(types, testing::ElementsAre("HVRPublishToFlickrLib: Halvora Publish to Flickr 1.0 Type Library",
+                                            "tagHVRPUBLISHINGCAPABILITIES: ",
+                                            "IHalvoraPublishingPlugin: IHalvoraPublishingPlugin Interface",
+                                            "FlickrPublisher: Halvora FlickrPublisher Class"));
     ComPtr<ITypeInfo> info;
     ASSERT_EQ(library->GetTypeInfoOfGuid(__uuidof(IHalvoraPublishingPlugin), info.Put()), S_OK);
     DISPID expected = 0;
