@@ -17,7 +17,7 @@ std::string WithoutSecrets(std::string text, SecretViews secrets)
         }
         for (size_t at = 0; (at = text.find(secret, at)) != text.npos; ++at)
         {
-            text.replace(at, secret.size(), " ");
+            text.replace(at, secret.size(), 1, ' ');
         }
     }
     return text;
