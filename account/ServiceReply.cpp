@@ -67,6 +67,9 @@ WideText ComposeServiceError(IXMLDOMDocument2 *document, const WCHAR *code)
     if (!message.IsEmpty())
     {
         WideText words(message.View());
+        // The text must stay on one line: an attribute can hold "&#10;".
+        std::replace_if(
+            words.begin(), words.end(), [](WCHAR c) { return c < ' '; }, WCHAR{' '});
         CapitalizeFirst(words);
         text.append(TEXT(": ")).append(words);
     }

@@ -46,8 +46,8 @@ public:
         curl_global_cleanup();
     }
 
-    // Of the handles that have spoken to the origin, the one that was used last: its connection is the
-    // most likely to be still open.
+    // Prefers the handle that was used last for this origin: its connection is the most likely to be open
+    // still.
     EasyHandle Take(std::string_view origin)
     {
         {
@@ -70,7 +70,7 @@ public:
         return handle;
     }
 
-    // At most as many as MostIdle are kept: the one that has waited longest goes.
+    // Keeps MostIdle handles at most, and closes the one that has been idle longest.
     void GiveBack(EasyHandle handle, std::string origin) noexcept
     {
         curl_easy_reset(handle.get()); // keeps connection and sessions
@@ -91,8 +91,8 @@ private:
         EasyHandle handle;
     };
 
-    // A server that leaves says so by a last record, in which libcurl sees a sign of life, and the next
-    // request would go to nobody. On a connection that rests there is nothing to read otherwise.
+    // A server that closes a TLS connection sends a last record. libcurl takes it for a sign of life and
+    // would send the next request into a closed connection. Nothing else can be read on an idle connection.
     static void CloseIfLeft(CURL *handle) noexcept
     {
         curl_socket_t connection = CURL_SOCKET_BAD;
@@ -100,9 +100,9 @@ private:
         if (curl_easy_getinfo(handle, CURLINFO_ACTIVESOCKET, &connection) != CURLE_OK ||
             connection == CURL_SOCKET_BAD || recv(connection, bytes, sizeof(bytes), MSG_DONTWAIT) <= 0)
         {
-            return; // none, at rest, or at an end that libcurl sees itself
+            return; // no connection, an idle one, or an end that libcurl notices itself
         }
-        // The record is gone now, and with it the use of the connection: let libcurl see its end.
+        // That record is read now, so TLS can't go on here: make libcurl notice the end.
         shutdown(connection, SHUT_RDWR);
         while (recv(connection, bytes, sizeof(bytes), MSG_DONTWAIT) > 0)
         {
@@ -122,7 +122,7 @@ private:
     std::vector<Idle> m_idle;
 };
 
-// The Authorization header is in the list: its bytes are wiped too.
+// Wipes the lines, since one of them is the Authorization header.
 struct ListCloser
 {
     void operator()(curl_slist *list) const noexcept
@@ -155,7 +155,7 @@ private:
     std::unique_ptr<curl_slist, ListCloser> m_list;
 };
 
-// One request on its way.
+// One request and its answer.
 class CurlExchange
 {
 public:
@@ -197,7 +197,10 @@ private:
     int OnProgress(UINT64 received, UINT64 sent);
     int OnBeforeRequest();
     bool IsPatienceOver(UINT64 received, UINT64 sent);
+    Stop StopOf(Clock::time_point now) const;
 
+    UINT64 SentBytes() const;
+    bool IsAllSent() const;
     UINT64 BodyLength() const { return m_request.body != nullptr ? m_request.body->Length() : 0; }
     void ReportLast();
     TransportError ErrorOf(CURLcode code) const;
@@ -208,10 +211,13 @@ private:
     const TransportLimits &m_limits;
     TextList m_headers;
     TextList m_connectTo;
+    const Clock::time_point m_start = Clock::now();
     HttpReply m_reply;
     UINT64 m_bodyRead = 0;
     UINT64 m_sent = 0;
     UINT64 m_received = 0;
+    bool m_isKept = false;                       // the connection had served another request
+    bool m_isTooLong = false;                    // the answer
     bool m_hasMoved = false;                     // a header line has come since the last look
     std::optional<Clock::time_point> m_lastMove; // set when the request starts on its connection
     std::optional<Clock::time_point> m_allSent;
@@ -228,8 +234,8 @@ void CurlExchange::SetConnection()
     Set(CURLOPT_PROTOCOLS_STR, "http,https");
     Set(CURLOPT_FOLLOWLOCATION, 0L);
     Set(CURLOPT_TCP_KEEPALIVE, 1L);
-    // What waits in the socket unsent counts as progress though it has gone nowhere; the system
-    // would let megabytes wait, a whole picture.
+    // Bytes that wait unsent in the socket count as progress. The system would let megabytes wait there, a
+    // whole picture.
     Set(
         CURLOPT_SOCKOPTFUNCTION, +[](void *, curl_socket_t socket, curlsocktype) -> int {
             const int bytes = 128 * 1024;
@@ -237,6 +243,10 @@ void CurlExchange::SetConnection()
             return CURL_SOCKOPT_OK;
         });
     Set(CURLOPT_MAXCONNECTS, 1L); // the one that the pool looks after
+    Set(CURLOPT_FRESH_CONNECT, m_request.needsNewConnection ? 1L : 0L);
+    // Name and password come from the proxy's address. Not Negotiate, which libcurl prefers where it is
+    // offered and which they are no use for.
+    Set(CURLOPT_PROXYAUTH, static_cast<long>(CURLAUTH_BASIC | CURLAUTH_DIGEST | CURLAUTH_NTLM));
     Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(m_limits.connect.count()));
     Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
     if (const char *entries = std::getenv("HALVORA_CONNECT_TO"))
@@ -365,13 +375,13 @@ size_t CurlExchange::OnHeader(std::string_view line)
     m_hasMoved = true;
     if (line.starts_with("HTTP/"))
     {
-        // "HTTP/1.1 503 Service Unavailable"; a later answer takes the place of an interim one.
-        m_reply.status = 0;
-        m_reply.statusWords.clear();
+        // "HTTP/1.1 503 Service Unavailable". An interim answer (100, 102, 103) is none: the service thinks on.
         const size_t status = line.find(' ');
-        if (status != std::string_view::npos)
+        const int number =
+            status != std::string_view::npos ? std::atoi(std::string(line.substr(status + 1, 3)).c_str()) : 0;
+        if (number >= 200)
         {
-            m_reply.status = std::atoi(std::string(line.substr(status + 1, 3)).c_str());
+            m_reply.status = number;
             const size_t words = line.find(' ', status + 1);
             const size_t end = line.find_last_not_of(" \r\n");
             if (words != std::string_view::npos && end > words)
@@ -387,6 +397,7 @@ size_t CurlExchange::OnWrite(const char *bytes, size_t size)
 {
     if (m_reply.body.size() + size > m_limits.replyBytes)
     {
+        m_isTooLong = true;
         return 0;
     }
     m_reply.body.append(bytes, size);
@@ -404,6 +415,12 @@ int CurlExchange::OnBeforeRequest()
     {
         m_stop = Stop::Resend;
         return CURL_PREREQFUNC_ABORT;
+    }
+    if (!m_requestSize)
+    {
+        long connects = 0;
+        curl_easy_getinfo(m_handle, CURLINFO_NUM_CONNECTS, &connects);
+        m_isKept = connects == 0;
     }
     m_requestSize = requestSize;
     m_lastMove = Clock::now();
@@ -430,16 +447,24 @@ bool CurlExchange::IsPatienceOver(UINT64 received, UINT64 sent)
     {
         m_allSent = now;
     }
-    const bool isAnswering = m_reply.status != 0;
-    if (m_allSent && now - *m_allSent > m_limits.answer)
-    {
-        m_stop = Stop::NoAnswer;
-    }
-    else if ((!m_allSent || isAnswering) && now - *m_lastMove > m_limits.stall)
-    {
-        m_stop = m_allSent ? Stop::NoAnswer : Stop::Stalled;
-    }
+    m_stop = StopOf(now);
     return m_stop != Stop::No;
+}
+
+CurlExchange::Stop CurlExchange::StopOf(Clock::time_point now) const
+{
+    const bool isAnswering = m_reply.status != 0;
+    const auto answerLimit = m_request.isSmall && !isAnswering ? m_limits.smallAnswer : m_limits.answer;
+    if (m_allSent && now - *m_allSent > answerLimit)
+    {
+        return Stop::NoAnswer;
+    }
+    const bool isStill = (!m_allSent || isAnswering) && now - *m_lastMove > m_limits.stall;
+    if (isStill || (m_request.isSmall && now - m_start > m_limits.smallWhole))
+    {
+        return m_allSent ? Stop::NoAnswer : Stop::Stalled;
+    }
+    return Stop::No;
 }
 
 int CurlExchange::OnProgress(UINT64 received, UINT64 sent)
@@ -454,15 +479,27 @@ int CurlExchange::OnProgress(UINT64 received, UINT64 sent)
     return FAILED(m_callerFailure) ? 1 : 0;
 }
 
-// The last bytes may have gone out, and been answered, since the last look. The exchange is over
-// then: an answer that would end it comes too late to undo anything.
-void CurlExchange::ReportLast()
+// Bytes of the body that the socket has taken. A part of libcurl's last piece may have left beside them, but
+// never the piece's end, so as long as these are fewer than the body has the server can't have it all.
+UINT64 CurlExchange::SentBytes() const
 {
     curl_off_t sent = 0;
-    if (m_request.body != nullptr && curl_easy_getinfo(m_handle, CURLINFO_SIZE_UPLOAD_T, &sent) == CURLE_OK &&
-        static_cast<UINT64>(sent) > m_sent)
+    curl_easy_getinfo(m_handle, CURLINFO_SIZE_UPLOAD_T, &sent);
+    return std::max(m_sent, static_cast<UINT64>(sent));
+}
+
+bool CurlExchange::IsAllSent() const
+{
+    return m_lastMove && SentBytes() >= BodyLength();
+}
+
+// The last bytes may have been sent, and answered, since the last report. The exchange is over then, so the
+// result of this one comes too late to end it.
+void CurlExchange::ReportLast()
+{
+    if (m_request.body != nullptr && SentBytes() > m_sent)
     {
-        static_cast<void>(m_request.body->Report(static_cast<UINT64>(sent)));
+        static_cast<void>(m_request.body->Report(SentBytes()));
     }
 }
 
@@ -482,6 +519,7 @@ HttpReply CurlExchange::Run()
         throw ErrorOf(code);
     }
     ReportLast();
+    m_reply.isAllSent = IsAllSent();
     return std::move(m_reply);
 }
 
@@ -507,10 +545,11 @@ TransportError CurlExchange::CertificateError() const
 
 TransportError CurlExchange::ErrorOf(CURLcode code) const
 {
-    // What the callbacks decided goes ahead of how libcurl puts it.
+    // What the callbacks decided is more exact than libcurl's code for it.
     if (FAILED(m_callerFailure))
     {
-        return {TransportProblem::EndedByCaller, m_callerFailure};
+        return {IsAllSent() ? TransportProblem::EndedBeforeAnswer : TransportProblem::EndedByCaller,
+                m_callerFailure};
     }
     if (FAILED(m_readFailure))
     {
@@ -541,14 +580,28 @@ TransportError CurlExchange::ErrorOf(CURLcode code) const
     }
     if (!m_lastMove)
     {
+        long proxyStatus = 0;
+        curl_easy_getinfo(m_handle, CURLINFO_HTTP_CONNECTCODE, &proxyStatus);
+        if (proxyStatus == 407)
+        {
+            return {TransportProblem::ProxyNeedsLogin};
+        }
         return {code == CURLE_SSL_CONNECT_ERROR ? TransportProblem::TlsFailed : TransportProblem::CannotConnect};
+    }
+    if (m_isTooLong)
+    {
+        return {TransportProblem::AnswerTooLong};
     }
     if (code == CURLE_WRITE_ERROR || code == CURLE_WEIRD_SERVER_REPLY || code == CURLE_UNSUPPORTED_PROTOCOL)
     {
         return {TransportProblem::AnswerGarbled};
     }
-    // All that libcurl was given counts as sent: it may lie in the server's hands.
-    return {m_bodyRead == BodyLength() ? TransportProblem::LostBeforeAnswer : TransportProblem::LostWhileSending};
+    if (IsAllSent())
+    {
+        return {TransportProblem::LostBeforeAnswer};
+    }
+    const bool isKeptLost = m_isKept && m_reply.status == 0;
+    return {isKeptLost ? TransportProblem::KeptConnectionLost : TransportProblem::LostWhileSending};
 }
 
 class CurlTransport final : public HttpTransport

@@ -1,15 +1,11 @@
 #include "webclient/ErrorBody.h"
 
 #include "webclient/RequestUrl.h"
-#include "webclient/Utf8.h"
-
 #include <algorithm>
 #include <utility>
 
 namespace
 {
-constexpr size_t LongestLine = 200;
-
 using Words = std::pair<std::string_view, std::string_view>;
 
 // The problems of OAuth's problem reporting extension, as services send them.
@@ -54,34 +50,7 @@ std::string LowerAscii(std::string_view text)
     return result;
 }
 
-// One line of whole characters: blanks and line ends folded, a cut marked.
-std::string OneLine(std::string_view text)
-{
-    WideText line;
-    for (const WCHAR c : WideFromUtf8(text))
-    {
-        if (c > ' ' && c != 0x7F)
-        {
-            line.push_back(c);
-        }
-        else if (!line.empty() && line.back() != ' ')
-        {
-            line.push_back(' ');
-        }
-    }
-    if (line.size() > LongestLine)
-    {
-        line.resize(LongestLine);
-        line += TEXT("...");
-    }
-    while (!line.empty() && line.back() == ' ')
-    {
-        line.pop_back();
-    }
-    return Utf8FromWide(line);
-}
-
-// Only words of letters, digits, "_" and "&" go into a description of ours.
+// Only letters, digits and "_" of a service's word are put into our own sentences.
 std::string PlainWord(std::string_view text)
 {
     std::string result;
@@ -118,7 +87,7 @@ std::string DescribeOAuthProblem(std::string_view body)
             text = known.second;
         }
     }
-    return OneLine(text + (absent.empty() ? "" : ": " + absent) + " (" + problem + ")");
+    return text + (absent.empty() ? "" : ": " + absent) + " (" + problem + ")";
 }
 
 std::string WithoutTags(std::string_view html)
@@ -150,8 +119,7 @@ std::string ElementText(std::string_view html, const std::string &lower, const s
     const size_t open = lower.find("<" + name);
     const size_t start = open == std::string::npos ? open : lower.find('>', open);
     const size_t end = start == std::string::npos ? start : lower.find("</" + name, start);
-    return end == std::string::npos ? std::string()
-                                    : OneLine(WithoutTags(html.substr(start + 1, end - start - 1)));
+    return end == std::string::npos ? std::string() : WithoutTags(html.substr(start + 1, end - start - 1));
 }
 
 bool IsBinary(std::string_view text)
@@ -160,11 +128,8 @@ bool IsBinary(std::string_view text)
         return (c < ' ' && c != '\t' && c != '\r' && c != '\n' && c != '\f') || c == 0x7F;
     });
 }
-} // namespace
-
-std::string DescribeErrorBody(std::string_view body)
+std::string Describe(std::string_view body)
 {
-    body = body.substr(0, 16 * 1024);
     if (body.find("oauth_problem=") != std::string_view::npos)
     {
         return DescribeOAuthProblem(body);
@@ -181,11 +146,19 @@ std::string DescribeErrorBody(std::string_view body)
     body.remove_prefix(first);
     if (body.front() != '<')
     {
-        return OneLine(body);
+        return std::string(body);
     }
     const std::string lower = LowerAscii(body);
     const std::string title = ElementText(body, lower, "title");
-    return title.empty() ? ElementText(body, lower, "h1") : title;
+    const bool isBlank = title.find_first_not_of(" \t\r\n") == title.npos;
+    return isBlank ? ElementText(body, lower, "h1") : title;
+}
+} // namespace
+
+std::string DescribeErrorBody(std::string_view body, const SecretViews &secrets)
+{
+    // Secrets are taken out before anything is cut: a part of one would not be found.
+    return ShownLine(Describe(WithoutSecrets(std::string(body), secrets).substr(0, 16 * 1024)), secrets);
 }
 
 std::string_view StandardStatusWords(int status)

@@ -1,5 +1,16 @@
-// The only way from this module to the network, and what its implementations promise: signing,
-// encoding and replies don't know which HTTP library carries them.
+// The only way from this module to the network: signing, encoding and replies don't know the HTTP library.
+//
+// An upload creates something at the service, and a second copy is as bad as none. So a transport sends a
+// request once, never twice, and its errors tell three outcomes apart:
+//
+//     not sent      the service can't have the whole request: nothing was created
+//     answered      the service decided; its status is a reply, not an error
+//     unknown       all was sent and no whole answer came: the service may or may not have acted
+//
+// Only a request whose bytes did not all leave may be sent again, and only by the caller, who has to sign it
+// anew. That happens with connections that are kept from one request to the next: the service may close one
+// just when the next request is on its way. Limits follow the same line: a transfer may take as long as bytes
+// move, a service may think for minutes about a picture, and a call without a picture is over within one.
 #pragma once
 
 #include "webclient/SecretText.h"
@@ -12,7 +23,7 @@
 #include <string_view>
 #include <vector>
 
-// What is sent behind the headers, and who wants to know how far it has got.
+// What is sent behind the headers; hears how far the transfer has got.
 class RequestBody
 {
 public:
@@ -23,8 +34,11 @@ public:
     // At least one byte, at most size. A failure ends the exchange with its code.
     virtual HRESULT Read(void *buffer, ULONG size, ULONG *read) = 0;
 
-    // How many bytes the socket has taken. Called when they became more, and several times a second
-    // (at least once) while nothing moves. A failing answer ends the exchange with that code.
+    // Makes the next Read start at the first byte again. Fails where that isn't possible.
+    virtual HRESULT Rewind() = 0;
+
+    // sent is the number of bytes that the socket has taken. Called when they have become more, and at least
+    // once a second while nothing moves. A failing result ends the exchange with that code.
     virtual HRESULT Report(UINT64 sent) = 0;
 };
 
@@ -41,6 +55,8 @@ struct HttpRequest
     std::string userAgent;
     std::vector<HttpHeader> headers; // not: Content-Length, which is the body's length
     RequestBody *body = nullptr;     // null for a request without one
+    bool isSmall = false;            // without a picture: the limits of small calls hold
+    bool needsNewConnection = false; // not one that was kept
 };
 
 struct HttpReply
@@ -48,18 +64,21 @@ struct HttpReply
     int status = 0;
     std::string statusWords; // as the server says them; may be empty
     std::string body;
+    bool isAllSent = true; // false for a refusal that came before the whole request was sent
 };
 
 enum class TransportProblem
 {
     NameNotFound,
     ProxyNotFound,
+    ProxyNeedsLogin,
     CannotConnect,
     ConnectTimedOut,
     SendStalled,
     AnswerMissing,
     LostWhileSending,
-    LostBeforeAnswer, // all was sent: whether the server acted on it is unknown
+    KeptConnectionLost, // as LostWhileSending, on a connection that an earlier request had used
+    LostBeforeAnswer,   // all was sent: whether the server acted on it is unknown
     CertificateExpired,
     CertificateNotYetValid,
     CertificateForOtherHost,
@@ -67,9 +86,11 @@ enum class TransportProblem
     TlsFailed,
     TrustFileUnreadable,
     AnswerGarbled,
-    BodyUnreadable, // code: what Read answered
-    EndedByCaller,  // code: what Report answered
-    Other           // code: as fitting
+    AnswerTooLong,
+    BodyUnreadable,    // code: what Read returned
+    EndedByCaller,     // code: what Report returned
+    EndedBeforeAnswer, // as EndedByCaller, after all was sent: the outcome is unknown
+    Other              // code: as fitting
 };
 
 // Thrown for a request without a complete reply.
@@ -79,12 +100,17 @@ struct TransportError
     HRESULT code = E_FAIL;
 };
 
+// Bytes. The service's replies have some kilobytes; XML parsers can take minutes for megabytes.
+constexpr size_t LargestReply = 256 * 1024;
+
 struct TransportLimits
 {
     std::chrono::milliseconds connect{30'000};
-    std::chrono::milliseconds stall{60'000};   // without a byte moving
-    std::chrono::milliseconds answer{300'000}; // from the last byte sent to the last byte of the answer
-    size_t replyBytes = 4 * 1024 * 1024;
+    std::chrono::milliseconds stall{60'000};       // without a byte moving
+    std::chrono::milliseconds answer{300'000};     // from the last byte sent to the last byte of the answer
+    std::chrono::milliseconds smallAnswer{30'000}; // of a small call, from the last byte sent to the status
+    std::chrono::milliseconds smallWhole{60'000};  // of a small call, connecting included
+    size_t replyBytes = LargestReply;
 };
 
 class HttpTransport
@@ -92,10 +118,11 @@ class HttpTransport
 public:
     virtual ~HttpTransport() = default;
 
-    // Sends the request once, and only once, and waits for the whole answer, whatever its status.
-    // Redirections are not followed. Any thread; one thread per call.
+    // Sends the request once, and only once, and waits for the whole answer, whatever its status from 200
+    // up; interim answers (below 200) are passed over. Redirections are not followed. Throws
+    // TransportError. May be called on any thread, by several at a time.
     virtual HttpReply Exchange(const HttpRequest &request) = 0;
 };
 
-// The transport of the system that this is built for. Connections may be shared by the whole process.
+// The transport of the system that this is built for. Its connections may serve the whole process.
 std::shared_ptr<HttpTransport> CreateTransport(const TransportLimits &limits = {});

@@ -2,6 +2,7 @@
 
 #include "com/BstrOwner.h"
 #include "webclient/MimeType.h"
+#include "webclient/PercentEncoding.h"
 #include "webclient/ReplyDocument.h"
 #include "webclient/RequestBodies.h"
 #include "webclient/RequestParameters.h"
@@ -13,6 +14,7 @@
 namespace
 {
 constexpr HRESULT InvalidServerResponse = static_cast<HRESULT>(0x80072F78);
+constexpr HRESULT InsecureAddress = static_cast<HRESULT>(0x80072EE6); // ERROR_INTERNET_UNRECOGNIZED_SCHEME
 
 RequestUrl SecureUrl(LPCWSTR text)
 {
@@ -33,8 +35,8 @@ std::string LowerAscii(std::string text)
     return text;
 }
 
-// The caller's headers, without those that are the transport's or the signature's to write: the
-// length above all, which a signed number can't tell beyond 2 GiB.
+// The caller's headers, without those that the transport or the signature writes: above all the length, which
+// the caller's signed number can't hold beyond 2 GiB.
 std::vector<HttpHeader> CallersHeaders(const ParameterList &headers)
 {
     static constexpr std::string_view Owned[] = {"authorization", "connection",        "content-length", "expect",
@@ -69,10 +71,17 @@ SecretText ValueOf(const ParameterList &parameters, std::string_view name)
 
 BstrOwner BstrOf(const SecretText &text)
 {
-    return BstrOwner(WideFromUtf8(text.View()));
+    const SecretWideText wide = SecretWideFromUtf8(text.View());
+    return BstrOwner(WideView(wide.data(), wide.size()));
 }
 
-// Wipes a reply that holds a token pair, whatever way is taken from there.
+// An empty or blank text is no token.
+bool IsToken(std::string_view text)
+{
+    return text.find_first_not_of(" \t\r\n") != text.npos;
+}
+
+// Owns a reply that holds a token pair, and wipes it in the end.
 class WipedReply
 {
 public:
@@ -89,7 +98,8 @@ public:
             ThrowHresult(ResultOfStatus(m_reply.status));
         }
         ParameterList values = ParseForm(m_reply.body);
-        if (ValueOf(values, "oauth_token").IsEmpty() || ValueOf(values, "oauth_token_secret").IsEmpty())
+        if (!IsToken(ValueOf(values, "oauth_token").View()) ||
+            !IsToken(ValueOf(values, "oauth_token_secret").View()))
         {
             ThrowHresult(InvalidServerResponse);
         }
@@ -151,13 +161,19 @@ HRESULT COAuthWebClient::SetAccessToken(LPCWSTR token, LPCWSTR tokenSecret) noex
         {
             return E_INVALIDARG;
         }
+        SecretText newToken = SecretUtf8FromWide(token);
+        SecretText newSecret = SecretUtf8FromWide(tokenSecret);
         const std::lock_guard guard(m_lock);
         if (!m_service)
         {
             return E_UNEXPECTED;
         }
-        m_service->identity.token = SecretUtf8FromWide(token);
-        m_service->identity.tokenSecret = SecretUtf8FromWide(tokenSecret);
+        if (!IsToken(newToken.View()) || !IsToken(newSecret.View()))
+        {
+            return E_INVALIDARG;
+        }
+        m_service->identity.token = std::move(newToken);
+        m_service->identity.tokenSecret = std::move(newSecret);
         return S_OK;
     });
 }
@@ -176,6 +192,7 @@ HttpReply COAuthWebClient::AskForToken(const Service &service, const RequestUrl 
                                        const OAuthIdentity &identity, const ParameterList &further)
 {
     HttpRequest request{"POST", url.Text(), service.userAgent, {}, nullptr};
+    request.isSmall = true;
     request.headers.push_back(
         {"Authorization", ComposeAuthorization("POST", url, identity, OAuthMoment::Now(), {}, further)});
     try
@@ -199,15 +216,17 @@ HRESULT COAuthWebClient::GetAuthorizationUrl(UINT32, IRequestParameters *paramet
         const Service service = CurrentService();
         RequestUrl page = service.authorizeUrl;
         page.AddQuery(ReadParameters(parameters));
-        // A new authorization knows nothing of a token that the client may hold.
+        // Signed without the token that the client may hold: a new authorization doesn't build on it.
         const OAuthIdentity application{
             service.identity.applicationKey, service.identity.applicationSecret, {}, {}};
         const WipedReply reply(AskForToken(service, service.requestTokenUrl, application,
                                            {{"oauth_callback", SecretText(service.callbackUrl)}}));
         const ParameterList pair = reply.Pair();
-        // Last of the query: there its readers expect it.
-        page.AddQuery({{"oauth_token", ValueOf(pair, "oauth_token")}});
-        BstrOwner text(WideFromUtf8(page.Text()));
+        // Last in the query, where the caller looks for it.
+        SecretText address(page.Text());
+        address.Append(page.query.empty() ? "?oauth_token=" : "&oauth_token=");
+        AppendPercentEncoded(address, ValueOf(pair, "oauth_token").View());
+        BstrOwner text = BstrOf(address);
         const std::lock_guard guard(m_lock);
         m_service->requestToken = ValueOf(pair, "oauth_token");
         m_service->requestTokenSecret = ValueOf(pair, "oauth_token_secret");
@@ -250,20 +269,44 @@ HRESULT COAuthWebClient::GetAccessToken(UINT32, LPCWSTR verifier, BSTR *token, B
     });
 }
 
-// Signs, sends, and turns whatever comes of it into a document.
+// A connection that was kept from an earlier request may be closed by the service just now. If it was lost
+// before the whole body had left, the service can't have the request, and only then it is sent once more.
+HttpReply COAuthWebClient::SendSigned(HttpRequest &request, const std::function<SecretText()> &sign)
+{
+    request.headers.push_back({"Authorization", sign()});
+    try
+    {
+        return m_transport->Exchange(request);
+    }
+    catch (const TransportError &error)
+    {
+        if (error.problem != TransportProblem::KeptConnectionLost || FAILED(request.body->Rewind()))
+        {
+            throw;
+        }
+    }
+    request.headers.back().value = sign();
+    request.needsNewConnection = true;
+    return m_transport->Exchange(request);
+}
+
+// Signs, sends, and turns the reply or the failure into a document.
 HRESULT COAuthWebClient::Carry(const Service &service, std::string_view method, const RequestUrl &url,
                                const ParameterList &headers, const ParameterList &signedParameters,
-                               RequestBody *body, std::string_view what, IUnknown **reply)
+                               RequestBody *body, bool isPicture, IUnknown **reply)
 {
+    const std::string_view what = isPicture ? "picture" : "request";
+    const OAuthIdentity &identity = service.identity;
     ComPtr<IXMLDOMDocument2> document = CreateReplyDocument();
     HttpRequest request{std::string(method), url.Text(), service.userAgent, CallersHeaders(headers), body};
-    request.headers.push_back({"Authorization", ComposeAuthorization(method, url, service.identity,
-                                                                     OAuthMoment::Now(), signedParameters, {})});
+    request.isSmall = !isPicture;
+    const auto sign = [&] {
+        return ComposeAuthorization(method, url, identity, OAuthMoment::Now(), signedParameters, {});
+    };
     HRESULT result = S_OK;
     try
     {
-        const OAuthIdentity &identity = service.identity;
-        result = LoadReply(document.Get(), m_transport->Exchange(request),
+        result = LoadReply(document.Get(), SendSigned(request, sign), what,
                            {identity.applicationKey.View(), identity.applicationSecret.View(),
                             identity.token.View(), identity.tokenSecret.View()});
     }
@@ -295,7 +338,7 @@ HRESULT COAuthWebClient::RestRequest(LPCWSTR resource, LPCWSTR method, IRequestP
         if (verb == TEXT("GET"))
         {
             url.AddQuery(parameters);
-            return Carry(service, "GET", url, sentHeaders, {}, nullptr, "request", reply);
+            return Carry(service, "GET", url, sentHeaders, {}, nullptr, false, reply);
         }
         if (verb != TEXT("POST"))
         {
@@ -303,7 +346,7 @@ HRESULT COAuthWebClient::RestRequest(LPCWSTR resource, LPCWSTR method, IRequestP
         }
         TextBody body(EncodeForm(parameters));
         sentHeaders.push_back({"Content-Type", SecretText("application/x-www-form-urlencoded")});
-        return Carry(service, "POST", url, sentHeaders, parameters, &body, "request", reply);
+        return Carry(service, "POST", url, sentHeaders, parameters, &body, false, reply);
     });
 }
 
@@ -332,13 +375,22 @@ HRESULT COAuthWebClient::UploadRequest(LPCWSTR url, LPCWSTR resource, LPCWSTR me
         {
             address.UpgradeToHttps();
         }
+        if (address.scheme != "https")
+        {
+            ComPtr<IXMLDOMDocument2> refusal = CreateReplyDocument();
+            LoadHttpError(refusal.Get(), 0, "Not sent",
+                          "The address of the upload, on " + address.host +
+                              ", is not secure: pictures are sent to https addresses only.");
+            *reply = refusal.Detach();
+            return InsecureAddress;
+        }
         if (callback != nullptr)
         {
             ThrowIfFailed(callback->OnUploadProgress(UPLOAD_BEGIN, bodyLength, 0));
         }
         UploadBody content(body, bodyLength, callback);
-        return Carry(service, "POST", address, ReadParameters(headers), ReadParameters(fields), &content,
-                     "picture", reply);
+        return Carry(service, "POST", address, ReadParameters(headers), ReadParameters(fields), &content, true,
+                     reply);
     });
 }
 

@@ -1,6 +1,6 @@
-// The component that signs requests and carries them to the service. Its methods may be called on
-// any thread; each blocks until its request is over. What SetService and SetAccessToken were given
-// is copied, and wiped from memory with the object.
+// The component that signs requests and sends them to the service. Its methods may be called on any thread;
+// each blocks until its request is over. It copies the arguments of SetService and SetAccessToken, and wipes
+// the secret ones from memory when it is destroyed.
 #pragma once
 
 #include "WebComponents.h"
@@ -9,6 +9,7 @@
 #include "webclient/OAuthSignature.h"
 #include "webclient/RequestUrl.h"
 
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -58,9 +59,10 @@ private:
     Service CurrentService();
     HttpReply AskForToken(const Service &service, const RequestUrl &url, const OAuthIdentity &identity,
                           const ParameterList &further);
+    HttpReply SendSigned(HttpRequest &request, const std::function<SecretText()> &sign);
     HRESULT Carry(const Service &service, std::string_view method, const RequestUrl &url,
                   const ParameterList &headers, const ParameterList &signedParameters, RequestBody *body,
-                  std::string_view what, IUnknown **reply);
+                  bool isPicture, IUnknown **reply);
 
     std::shared_ptr<HttpTransport> m_transport;
     std::mutex m_lock;

@@ -7,6 +7,7 @@
 
 #include <objbase.h>
 
+#include <optional>
 #include <string>
 
 namespace
@@ -19,7 +20,7 @@ bool IsSuccess(int status)
     return status >= 200 && status <= 299;
 }
 
-// Text as the content of an element or a quoted attribute; what XML can't hold becomes a blank.
+// Text as the content of an element or a quoted attribute; characters that XML can't hold become blanks.
 WideText Escaped(std::string_view text)
 {
     WideText result;
@@ -50,6 +51,11 @@ WideText Escaped(std::string_view text)
     return result;
 }
 
+WideText Attribute(const WCHAR *name, const std::optional<std::string> &value)
+{
+    return value ? TEXT(" ") + WideText(name) + TEXT("=\"") + Escaped(*value) + TEXT("\"") : WideText();
+}
+
 bool Load(IXMLDOMDocument2 *document, const WideText &text)
 {
     VARIANT_BOOL isLoaded = VARIANT_FALSE;
@@ -57,8 +63,8 @@ bool Load(IXMLDOMDocument2 *document, const WideText &text)
     return ThrowIfFailed(document->loadXML(xml.Get(), &isLoaded)) == S_OK && isLoaded != VARIANT_FALSE;
 }
 
-// Servers put a mark or blank lines ahead of the document. The declaration goes too: it names the
-// encoding of the bytes, and what is loaded is text already.
+// Cuts off what servers put ahead of the document, a byte order mark or blank lines, and the declaration: it
+// names the encoding of the bytes, and the document is loaded from decoded text.
 std::string_view DocumentText(std::string_view body)
 {
     if (body.starts_with("\xEF\xBB\xBF"))
@@ -74,9 +80,20 @@ std::string_view DocumentText(std::string_view body)
     return body;
 }
 
+std::string_view WithoutBlanks(std::string_view text)
+{
+    return text.substr(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
+}
+
+// The first name behind comments: "!DOCTYPE" where there is a document type.
 std::string_view RootName(std::string_view text)
 {
-    text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
+    text = WithoutBlanks(text);
+    while (text.starts_with("<!--"))
+    {
+        const size_t end = text.find("-->", 4);
+        text = WithoutBlanks(text.substr(end == text.npos ? text.size() : end + 3));
+    }
     if (!text.starts_with('<'))
     {
         return {};
@@ -88,32 +105,47 @@ std::string_view RootName(std::string_view text)
 bool LoadServiceDocument(IXMLDOMDocument2 *document, std::string_view body)
 {
     const std::string_view text = DocumentText(body);
-    return RootName(text) == "rsp" && text.find("<!DOCTYPE") == std::string_view::npos &&
-           Load(document, WideFromUtf8(text));
+    return RootName(text) == "rsp" && Load(document, WideFromUtf8(text));
 }
 
-std::string ServiceMessage(IXMLDOMDocument2 *document)
+std::optional<std::string> NodeText(IXMLDOMDocument2 *document, const WCHAR *expression)
 {
     ComPtr<IXMLDOMNode> node;
     BstrOwner text;
-    const BstrOwner path(TEXT("/rsp/err/@msg"));
+    const BstrOwner path{WideView(expression)};
     if (document->selectSingleNode(path.Get(), node.Put()) != S_OK || !node || FAILED(node->get_text(text.Put())))
     {
-        return {};
+        return std::nullopt;
     }
     return Utf8FromWide(text.View());
 }
 
-std::string Hide(std::string text, const std::vector<std::string_view> &hidden)
+// The service's message is shown as it stands in the document. Where it can't be, the document is replaced by
+// one with the same outcome and code and a message of one line without secrets.
+void MakeMessageFitToShow(IXMLDOMDocument2 *document, const SecretViews &secrets)
 {
-    for (const std::string_view secret : hidden)
+    constexpr size_t longestMessage = 1000;
+    const std::string message = NodeText(document, TEXT("/rsp/err/@msg")).value_or("");
+    const std::string shown = ShownLine(message, secrets, longestMessage);
+    if (shown == message)
     {
-        for (size_t at; !secret.empty() && (at = text.find(secret)) != std::string::npos;)
-        {
-            text.replace(at, secret.size(), " ");
-        }
+        return;
     }
-    return text;
+    const auto outcome = NodeText(document, TEXT("/rsp/@stat"));
+    const auto code = NodeText(document, TEXT("/rsp/err/@code"));
+    Load(document, TEXT("<rsp") + Attribute(TEXT("stat"), outcome) + TEXT("><err") +
+                       Attribute(TEXT("code"), code) + Attribute(TEXT("msg"), shown) + TEXT("/></rsp>"));
+}
+
+// A gateway gives these in place of a service that may still be at work, or may have done it.
+bool IsFromGateway(int status)
+{
+    return status == 500 || status == 502 || status == 504;
+}
+
+std::string Joined(std::string_view start, const std::string &end)
+{
+    return std::string(start) + (start.empty() || end.empty() ? "" : ": ") + end;
 }
 } // namespace
 
@@ -131,25 +163,35 @@ HRESULT ResultOfStatus(int status) noexcept
     return static_cast<HRESULT>(0x80190000u | static_cast<unsigned>(status & 0xFFFF));
 }
 
-HRESULT LoadReply(IXMLDOMDocument2 *document, const HttpReply &reply, const std::vector<std::string_view> &hidden)
+HRESULT LoadReply(IXMLDOMDocument2 *document, const HttpReply &reply, std::string_view what,
+                  const SecretViews &secrets)
 {
     const bool isServiceReply = LoadServiceDocument(document, reply.body);
     if (isServiceReply && IsSuccess(reply.status))
     {
+        MakeMessageFitToShow(document, secrets);
         return S_OK;
     }
-    std::string description = isServiceReply ? ServiceMessage(document) : DescribeErrorBody(reply.body);
+    const std::string description =
+        isServiceReply ? ShownLine(NodeText(document, TEXT("/rsp/err/@msg")).value_or(""), secrets)
+                       : DescribeErrorBody(reply.body, secrets);
+    const std::string unknown = std::string(what) + " may or may not have arrived";
+    std::string reason;
     if (IsSuccess(reply.status))
     {
-        description = "The answer is not in the service's form" + (description.empty() ? "" : ": " + description);
+        reason = "The answer is not in the service's form, and the " + unknown;
     }
     else if (reply.status >= 300 && reply.status <= 399)
     {
-        description = "Redirections are not followed" + (description.empty() ? "" : ": " + description);
+        reason = "Redirections are not followed";
     }
-    const std::string_view words =
-        reply.statusWords.empty() ? StandardStatusWords(reply.status) : std::string_view(reply.statusWords);
-    LoadHttpError(document, reply.status, words, Hide(description, hidden));
+    else if (IsFromGateway(reply.status) && !isServiceReply && reply.isAllSent)
+    {
+        reason = "The " + unknown;
+    }
+    const std::string words = reply.statusWords.empty() ? std::string(StandardStatusWords(reply.status))
+                                                        : ShownLine(reply.statusWords, secrets);
+    LoadHttpError(document, reply.status, words, Joined(reason, description));
     return IsSuccess(reply.status) ? InvalidServerResponse : ResultOfStatus(reply.status);
 }
 

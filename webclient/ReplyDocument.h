@@ -8,18 +8,21 @@
 #include "XmlInterfaces.h"
 #include "com/ComPtr.h"
 #include "webclient/HttpTransport.h"
+#include "webclient/ShownLine.h"
 
 #include <string_view>
-#include <vector>
 
-// An empty document, made before anything is sent, so that a reply always finds its place. Throws
-// what the creation answers.
+// An empty document. Make it before anything is sent: a document that can't be made must not cost a reply.
+// Throws the code of the creation.
 ComPtr<IXMLDOMDocument2> CreateReplyDocument();
 
 // Fills the document with one of the two shapes. The result is a success for the first,
 // HTTP_E_STATUS_... (0x80190000 + status) for another status, and the code for an invalid server
-// response for a success whose body isn't the service's. hidden are texts that must not be told.
-HRESULT LoadReply(IXMLDOMDocument2 *document, const HttpReply &reply, const std::vector<std::string_view> &hidden);
+// response for a success whose body isn't the service's. what is "picture" or "request". If a gateway answered,
+// or nothing that can be understood, after everything was sent, the description says that it may or may not
+// have arrived. No text that can be shown holds one of the secrets.
+HRESULT LoadReply(IXMLDOMDocument2 *document, const HttpReply &reply, std::string_view what,
+                  const SecretViews &secrets);
 
 // Status 0 means that there was no answer.
 void LoadHttpError(IXMLDOMDocument2 *document, int status, std::string_view words, std::string_view description);

@@ -11,9 +11,20 @@ HRESULT TextBody::Read(void *buffer, ULONG size, ULONG *read)
     return *read > 0 ? S_OK : HRESULT_FROM_WIN32(ERROR_HANDLE_EOF);
 }
 
+HRESULT TextBody::Rewind()
+{
+    m_position = 0;
+    return S_OK;
+}
+
 UploadBody::UploadBody(IStream *content, UINT32 length, IUploadProgressCallback *callback)
     : m_content(content), m_length(length), m_callback(callback)
 {
+    ULARGE_INTEGER position{};
+    if (SUCCEEDED(content->Seek(LARGE_INTEGER{}, STREAM_SEEK_CUR, &position)))
+    {
+        m_start = position;
+    }
 }
 
 HRESULT UploadBody::Read(void *buffer, ULONG size, ULONG *read)
@@ -21,12 +32,25 @@ HRESULT UploadBody::Read(void *buffer, ULONG size, ULONG *read)
     *read = 0;
     const HRESULT result = m_content->Read(buffer, std::min<ULONG>(size, m_length - m_read), read);
     m_read += *read;
-    // What was read ahead of a failure is no use: the rest will never follow.
+    // Bytes that were read before a failure are of no use: the rest can't follow.
     if (FAILED(result))
     {
         return result;
     }
     return *read > 0 ? S_OK : HRESULT_FROM_WIN32(ERROR_HANDLE_EOF);
+}
+
+HRESULT UploadBody::Rewind()
+{
+    if (!m_start)
+    {
+        return STG_E_INVALIDFUNCTION;
+    }
+    LARGE_INTEGER start{};
+    start.QuadPart = static_cast<LONGLONG>(m_start->QuadPart);
+    const HRESULT result = m_content->Seek(start, STREAM_SEEK_SET, nullptr);
+    m_read = SUCCEEDED(result) ? 0 : m_read;
+    return result;
 }
 
 HRESULT UploadBody::Report(UINT64 sent)
@@ -38,6 +62,7 @@ HRESULT UploadBody::Report(UINT64 sent)
         return S_OK;
     }
     const auto now = Clock::now();
+    sent = std::max(sent, m_reported.value_or(0));
     const bool isNews = m_reported != sent;
     const auto age = now - m_reportTime;
     const bool isDue = !m_reported || (isNews && (sent == m_length || age >= leastInterval)) || age >= heartbeat;

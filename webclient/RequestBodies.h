@@ -11,7 +11,7 @@
 #include <optional>
 #include <string>
 
-// A short text in memory.
+// A short text in memory. Never sent twice: it may have left whole before its connection was lost.
 class TextBody final : public RequestBody
 {
 public:
@@ -19,6 +19,7 @@ public:
 
     UINT64 Length() const override { return m_text.size(); }
     HRESULT Read(void *buffer, ULONG size, ULONG *read) override;
+    HRESULT Rewind() override;
     HRESULT Report(UINT64) override { return S_OK; }
 
 private:
@@ -26,9 +27,10 @@ private:
     size_t m_position = 0;
 };
 
-// Exactly length bytes of a stream, read as they are sent. Passes the progress on to the callback,
-// which may be null: at once when all is sent, otherwise not more often than a user could see,
-// and once a second when nothing moves, so that an answer of the callback always arrives soon.
+// Exactly length bytes of a stream from its present position on, read as they are sent. Reports the progress
+// to the callback, which may be null: at once when all is sent, otherwise not more often than a user can see,
+// and once a second while nothing moves, so that the callback can always end the transfer soon. A body that is
+// sent once more reports again when it is further than it was.
 class UploadBody final : public RequestBody
 {
 public:
@@ -36,12 +38,14 @@ public:
 
     UINT64 Length() const override { return m_length; }
     HRESULT Read(void *buffer, ULONG size, ULONG *read) override;
+    HRESULT Rewind() override;
     HRESULT Report(UINT64 sent) override;
 
 private:
     using Clock = std::chrono::steady_clock;
 
     ComPtr<IStream> m_content;
+    std::optional<ULARGE_INTEGER> m_start; // nullopt: the stream can't tell, so it can't be rewound
     UINT32 m_length;
     UINT32 m_read = 0;
     ComPtr<IUploadProgressCallback> m_callback;

@@ -1,4 +1,5 @@
-// Result codes and words for requests that found no answer.
+// Result codes and words for requests that got no answer. Each of the three outcomes has its own words: an
+// unknown one says "may or may not have arrived".
 #pragma once
 
 #include "webclient/HttpTransport.h"

@@ -85,6 +85,26 @@ char32_t NextCharacter(std::string_view bytes, size_t &position)
     position += following;
     return c;
 }
+template <class Text>
+Text Decode(std::string_view bytes)
+{
+    Text result;
+    result.reserve(bytes.size());
+    for (size_t position = 0; position < bytes.size();)
+    {
+        const char32_t c = NextCharacter(bytes, position);
+        if (c < 0x10000)
+        {
+            result.push_back(static_cast<WCHAR>(c));
+        }
+        else
+        {
+            result.push_back(static_cast<WCHAR>(0xD800 + ((c - 0x10000) >> 10)));
+            result.push_back(static_cast<WCHAR>(0xDC00 + (c & 0x3FF)));
+        }
+    }
+    return result;
+}
 } // namespace
 
 std::string Utf8FromWide(WideView text)
@@ -104,20 +124,10 @@ SecretText SecretUtf8FromWide(WideView text)
 
 WideText WideFromUtf8(std::string_view bytes)
 {
-    WideText result;
-    result.reserve(bytes.size());
-    for (size_t position = 0; position < bytes.size();)
-    {
-        const char32_t c = NextCharacter(bytes, position);
-        if (c < 0x10000)
-        {
-            result.push_back(static_cast<WCHAR>(c));
-        }
-        else
-        {
-            result.push_back(static_cast<WCHAR>(0xD800 + ((c - 0x10000) >> 10)));
-            result.push_back(static_cast<WCHAR>(0xDC00 + (c & 0x3FF)));
-        }
-    }
-    return result;
+    return Decode<WideText>(bytes);
+}
+
+SecretWideText SecretWideFromUtf8(std::string_view bytes)
+{
+    return Decode<SecretWideText>(bytes);
 }

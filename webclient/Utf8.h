@@ -7,7 +7,11 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
+
+using SecretWideText = std::vector<WCHAR, WipingAllocator<WCHAR>>; // without a closing zero
 
 std::string Utf8FromWide(WideView text);
 SecretText SecretUtf8FromWide(WideView text);
 WideText WideFromUtf8(std::string_view bytes);
+SecretWideText SecretWideFromUtf8(std::string_view bytes);

@@ -1,6 +1,6 @@
-// HTTP over WinHTTP. Every exchange has a connection of its own: on one that was kept WinHTTP repeats a
-// request by itself when the server has left meanwhile, and no picture may go up twice. What is
-// trusted is what Windows trusts, and the proxy is the system's.
+// HTTP over WinHTTP. Every exchange has a connection of its own: on a kept connection that the server has
+// closed WinHTTP repeats the request by itself, and no picture may be uploaded twice. Windows decides which
+// certificates are trusted and which proxy is used.
 #include "webclient/HttpTransport.h"
 
 #include "com/HandleOwner.h"
@@ -18,10 +18,8 @@ using namespace std::chrono_literals;
 // By their numbers: the headers of this compiler don't know them all.
 constexpr DWORD ProtocolTls12 = 0x00000800;
 constexpr DWORD ProtocolTls13 = 0x00002000;
-constexpr DWORD AnswerTimeLimit = 7; // WINHTTP_OPTION_RECEIVE_RESPONSE_TIMEOUT
-
-// Header lines in the form that WinHTTP wants, wiped like the text that they were made of.
-using SecretWideText = std::vector<WCHAR, WipingAllocator<WCHAR>>;
+constexpr DWORD AnswerTimeLimit = 7;    // WINHTTP_OPTION_RECEIVE_RESPONSE_TIMEOUT
+constexpr DWORD LogInToProxiesOnly = 3; // WINHTTP_AUTOLOGON_SECURITY_LEVEL_PROXY_ONLY
 
 InternetHandleOwner Opened(HINTERNET handle)
 {
@@ -32,7 +30,7 @@ InternetHandleOwner Opened(HINTERNET handle)
     return InternetHandleOwner(handle);
 }
 
-// A proxy that was set for all programs of the computer goes ahead of the user's settings.
+// A proxy that is set for all programs of the computer comes before the user's settings.
 bool HasComputerProxy()
 {
     WINHTTP_PROXY_INFO proxy{};
@@ -73,7 +71,7 @@ InternetHandleOwner OpenSession()
     return opened;
 }
 
-// One request on its way.
+// One request and its answer.
 class WinHttpExchange
 {
 public:
@@ -144,7 +142,7 @@ InternetHandleOwner WinHttpExchange::Connect(HINTERNET session)
 
 InternetHandleOwner WinHttpExchange::OpenRequest()
 {
-    // The address goes as it was signed.
+    // The address is sent exactly as it was signed.
     const DWORD flags =
         WINHTTP_FLAG_ESCAPE_DISABLE | WINHTTP_FLAG_ESCAPE_DISABLE_QUERY | (m_isSecure ? WINHTTP_FLAG_SECURE : 0);
     return Opened(WinHttpOpenRequest(m_connection.Get(), WideFromUtf8(m_request.method).c_str(), m_path.c_str(),
@@ -153,13 +151,18 @@ InternetHandleOwner WinHttpExchange::OpenRequest()
 
 void WinHttpExchange::SetPolicy()
 {
-    DWORD disabled = WINHTTP_DISABLE_COOKIES | WINHTTP_DISABLE_REDIRECTS | WINHTTP_DISABLE_AUTHENTICATION |
-                     WINHTTP_DISABLE_KEEP_ALIVE;
+    // The user's own login goes to proxies that ask for it, which companies have, and never to a server.
+    // Where the system can't tell the two apart nobody gets it.
+    DWORD logIn = LogInToProxiesOnly;
+    const bool isProxyOnly =
+        WinHttpSetOption(m_http.Get(), WINHTTP_OPTION_AUTOLOGON_POLICY, &logIn, sizeof(logIn)) != FALSE;
+    DWORD disabled = WINHTTP_DISABLE_COOKIES | WINHTTP_DISABLE_REDIRECTS | WINHTTP_DISABLE_KEEP_ALIVE |
+                     (isProxyOnly ? 0 : WINHTTP_DISABLE_AUTHENTICATION);
     if (!WinHttpSetOption(m_http.Get(), WINHTTP_OPTION_DISABLE_FEATURE, &disabled, sizeof(disabled)))
     {
         ThrowHresult(HRESULT_FROM_WIN32(GetLastError()));
     }
-    // Time is kept here, where one limit holds for several of WinHTTP's steps; its own come later.
+    // CheckPatience keeps the limits, which span several of WinHTTP's steps; WinHTTP's own come later.
     const auto later = [](std::chrono::milliseconds time) { return static_cast<int>((time + 5s).count()); };
     WinHttpSetTimeouts(m_http.Get(), later(m_limits.connect), later(m_limits.connect), later(m_limits.stall),
                        later(m_limits.answer));
@@ -211,11 +214,13 @@ void WinHttpExchange::CheckPatience() const
         }
         return;
     }
-    if (m_allSent && now - *m_allSent > m_limits.answer)
+    const auto answerLimit = m_request.isSmall && !m_isAnswering ? m_limits.smallAnswer : m_limits.answer;
+    if (m_allSent && now - *m_allSent > answerLimit)
     {
         throw TransportError{TransportProblem::AnswerMissing};
     }
-    if ((!m_allSent || m_isAnswering) && now - m_lastMove > m_limits.stall)
+    const bool isStill = (!m_allSent || m_isAnswering) && now - m_lastMove > m_limits.stall;
+    if (isStill || (m_request.isSmall && now - m_start > m_limits.smallWhole))
     {
         throw TransportError{m_allSent ? TransportProblem::AnswerMissing : TransportProblem::SendStalled};
     }
@@ -226,7 +231,8 @@ void WinHttpExchange::Report()
     const HRESULT answer = m_request.body != nullptr ? m_request.body->Report(m_sent) : S_OK;
     if (FAILED(answer))
     {
-        throw TransportError{TransportProblem::EndedByCaller, answer};
+        throw TransportError{m_allSent ? TransportProblem::EndedBeforeAnswer : TransportProblem::EndedByCaller,
+                             answer};
     }
 }
 
@@ -255,7 +261,7 @@ void WinHttpExchange::SendHead()
     m_isConnected = true;
 }
 
-// False if the connection was lost on the way.
+// Returns false if the connection was lost before everything was sent.
 bool WinHttpExchange::SendBody()
 {
     const UINT64 length = BodyLength();
@@ -291,14 +297,22 @@ bool WinHttpExchange::SendBody()
 
 void WinHttpExchange::ReceiveHead()
 {
-    m_http.Receive();
-    // ERROR_WINHTTP_RESEND_REQUEST is one of them: whatever WinHTTP wants once more, it doesn't get.
-    if (const DWORD error = Wait().error)
+    // An interim answer (102, 103; WinHTTP passes over 100) is none: the service thinks on.
+    do
     {
-        throw ErrorOf(error);
+        m_http.Receive();
+        // ERROR_WINHTTP_RESEND_REQUEST is one of the errors: nothing is sent twice.
+        if (const DWORD error = Wait().error)
+        {
+            throw ErrorOf(error);
+        }
+        m_reply.status = static_cast<int>(NumberHeader(WINHTTP_QUERY_STATUS_CODE));
+    } while (m_reply.status >= 100 && m_reply.status < 200);
+    if (m_reply.status == HTTP_STATUS_PROXY_AUTH_REQ)
+    {
+        throw TransportError{TransportProblem::ProxyNeedsLogin};
     }
     m_isAnswering = true;
-    m_reply.status = static_cast<int>(NumberHeader(WINHTTP_QUERY_STATUS_CODE));
     m_reply.statusWords = TextHeader(WINHTTP_QUERY_STATUS_TEXT);
 }
 
@@ -316,7 +330,7 @@ void WinHttpExchange::ReceiveBody()
         }
         if (m_reply.body.size() + ending.bytes > m_limits.replyBytes)
         {
-            throw TransportError{TransportProblem::AnswerGarbled};
+            throw TransportError{TransportProblem::AnswerTooLong};
         }
         if (ending.bytes == 0)
         {
@@ -346,13 +360,14 @@ HttpReply WinHttpExchange::Run()
         ReceiveHead();
         if (m_reply.status >= 400)
         {
+            m_reply.isAllSent = false;
             ReceiveBody();
             return std::move(m_reply);
         }
     }
     catch (const TransportError &error)
     {
-        if (error.problem == TransportProblem::EndedByCaller)
+        if (error.problem == TransportProblem::EndedByCaller || error.problem == TransportProblem::ProxyNeedsLogin)
         {
             throw;
         }
@@ -373,7 +388,7 @@ DWORD WinHttpExchange::NumberHeader(DWORD query) const
     return number;
 }
 
-// Empty if there is none, or one of an unreasonable length.
+// Empty if there is none, or if it is longer than 511 characters.
 std::string WinHttpExchange::TextHeader(DWORD query) const
 {
     WCHAR text[512] = {};
@@ -384,7 +399,7 @@ std::string WinHttpExchange::TextHeader(DWORD query) const
                : std::string();
 }
 
-// WinHTTP says of a date only that it is wrong; mostly it has passed.
+// WinHTTP only says that the date is wrong; mostly the certificate has expired.
 TransportError WinHttpExchange::CertificateError(DWORD error)
 {
     const DWORD flags = m_http.WhatWasSeen().certificateFlags;
@@ -414,6 +429,8 @@ TransportError WinHttpExchange::ErrorOf(DWORD error)
     case ERROR_WINHTTP_NAME_NOT_RESOLVED:
         return {sight.resolvedName.empty() || sight.resolvedName == m_host ? TransportProblem::NameNotFound
                                                                            : TransportProblem::ProxyNotFound};
+    case ERROR_WINHTTP_LOGIN_FAILURE:
+        return {TransportProblem::ProxyNeedsLogin};
     case ERROR_WINHTTP_CANNOT_CONNECT:
         return {TransportProblem::CannotConnect};
     case ERROR_WINHTTP_TIMEOUT:
@@ -433,7 +450,7 @@ TransportError WinHttpExchange::ErrorOf(DWORD error)
     case ERROR_WINHTTP_INVALID_SERVER_RESPONSE:
     case ERROR_WINHTTP_HEADER_COUNT_EXCEEDED:
     case ERROR_WINHTTP_HEADER_SIZE_OVERFLOW:
-        // Ahead of the request it is the proxy that was not understood.
+        // Before the request is sent only the proxy has answered.
         return {m_isConnected ? TransportProblem::AnswerGarbled : TransportProblem::CannotConnect};
     case ERROR_NOT_ENOUGH_MEMORY:
         return {TransportProblem::Other, E_OUTOFMEMORY};

@@ -16,7 +16,7 @@ namespace
 {
 using Clock = std::chrono::steady_clock;
 
-constexpr size_t LargestReply = 16 * 1024 * 1024;
+constexpr size_t LargestReply = 256 * 1024; // XmlTree takes no larger document
 constexpr size_t LargestHead = 256 * 1024;
 constexpr int MostRedirections = 10; // WinHTTP's number
 // Some servers turn away who names no program.

@@ -53,7 +53,7 @@ struct HttpAnswer
 
 // Blocks until the reply is there. A status of any kind is a reply. Redirections are followed to http and
 // https, up to 10, from https never to http; to another host neither user nor password go, nor the headers
-// Authorization and Cookie. Replies have up to 16 MB. Certificates are always checked.
+// Authorization and Cookie. Replies have up to 256 KB. Certificates are always checked.
 //
 // Throws the platform's codes: 0x80072EE7 no such host, 0x80072EFD no connection, 0x80072EE2 a limit has
 // passed, 0x80072EFE connection lost, 0x80072F0D, 0x80072F05 and 0x80072F06 certificate of an unknown

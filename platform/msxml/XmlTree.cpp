@@ -1,4 +1,5 @@
 // libxml2's headers draw in ICU's, which the Windows headers would mislead.
+#include <libxml/SAX2.h>
 #include <libxml/parser.h>
 #include <libxml/tree.h>
 #include <libxml/xpath.h>
@@ -29,7 +30,8 @@ private:
 
 namespace
 {
-constexpr size_t LargestText = 64 << 20;
+constexpr size_t LargestText = 256 * 1024;
+constexpr int MostAttributes = 1000;          // of one element: libxml2 takes seconds for some ten thousands
 constexpr unsigned long MostSteps = 20000000; // of one XPath expression
 
 // MSXML's own codes.
@@ -113,11 +115,36 @@ private:
     void *m_context;
 };
 
-void RefuseDocumentType(void *context, const xmlChar *, const xmlChar *, const xmlChar *)
+enum class Refusal
+{
+    None,
+    DocumentType,
+    Attributes
+};
+
+void Refuse(void *context, Refusal refusal)
 {
     auto *parser = static_cast<xmlParserCtxtPtr>(context);
-    *static_cast<bool *>(parser->_private) = true;
+    *static_cast<Refusal *>(parser->_private) = refusal;
     xmlStopParser(parser);
+}
+
+void RefuseDocumentType(void *context, const xmlChar *, const xmlChar *, const xmlChar *)
+{
+    Refuse(context, Refusal::DocumentType);
+}
+
+void StartElement(void *context, const xmlChar *name, const xmlChar *prefix, const xmlChar *uri,
+                  int namespaceCount, const xmlChar **namespaces, int attributeCount, int defaultedCount,
+                  const xmlChar **attributes)
+{
+    if (attributeCount > MostAttributes)
+    {
+        Refuse(context, Refusal::Attributes);
+        return;
+    }
+    xmlSAX2StartElementNs(context, name, prefix, uri, namespaceCount, namespaces, attributeCount, defaultedCount,
+                          attributes);
 }
 
 // Text of blanks alone between elements is not part of the document, unless xml:space says so.
@@ -139,17 +166,18 @@ void DropBlankTexts(xmlNodePtr parent)
     }
 }
 
-void DescribeFailure(xmlParserCtxtPtr parser, bool refused, XmlParseFailure &failure)
+void DescribeFailure(xmlParserCtxtPtr parser, Refusal refusal, XmlParseFailure &failure)
 {
     const xmlErrorPtr error = xmlCtxtGetLastError(parser);
     const int code = error ? error->code : 0;
-    failure.code = refused                             ? DtdProhibited
+    failure.code = refusal == Refusal::DocumentType    ? DtdProhibited
                    : code == XML_ERR_DOCUMENT_EMPTY    ? MissingRoot
                    : code == XML_ERR_TAG_NAME_MISMATCH ? EndTagMismatch
                                                        : E_FAIL;
-    failure.reason = refused ? TEXT("DTD is prohibited.")
-                     : error ? Trim(PathFromBytes(error->message ? error->message : ""))
-                             : WideText(TEXT("The text is no XML document."));
+    failure.reason = refusal == Refusal::DocumentType ? TEXT("DTD is prohibited.")
+                     : refusal == Refusal::Attributes ? TEXT("An element has more than 1000 attributes.")
+                     : error                          ? Trim(PathFromBytes(error->message ? error->message : ""))
+                                                      : WideText(TEXT("The text is no XML document."));
     failure.line = error ? error->line : parser->input ? parser->input->line : 0;
     failure.column = error ? error->int2 : parser->input ? parser->input->col : 0;
 }
@@ -168,7 +196,7 @@ std::optional<XmlNode> ParseXml(std::string_view bytes, const XmlParseOptions &o
     if (bytes.size() > LargestText)
     {
         failure.code = E_OUTOFMEMORY;
-        failure.reason = TEXT("The document is too large.");
+        failure.reason = TEXT("The document is larger than 256 KB.");
         return std::nullopt;
     }
     const ParserOwner parser(xmlNewParserCtxt());
@@ -177,17 +205,18 @@ std::optional<XmlNode> ParseXml(std::string_view bytes, const XmlParseOptions &o
         ThrowHresult(E_OUTOFMEMORY);
     }
     const SilentErrors silent;
-    bool refused = false;
-    parser->_private = &refused;
+    Refusal refusal = Refusal::None;
+    parser->_private = &refusal;
     parser->sax->internalSubset = RefuseDocumentType;
+    parser->sax->startElementNs = StartElement;
     const int flags = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_COMPACT |
                       (options.isUtf8 ? XML_PARSE_IGNORE_ENC : 0);
     const xmlDocPtr document =
         xmlCtxtReadMemory(parser.get(), bytes.data() ? bytes.data() : "", static_cast<int>(bytes.size()), nullptr,
                           options.isUtf8 ? "UTF-8" : nullptr, flags);
-    if (document == nullptr || refused || !parser->wellFormed)
+    if (document == nullptr || refusal != Refusal::None || !parser->wellFormed)
     {
-        DescribeFailure(parser.get(), refused, failure);
+        DescribeFailure(parser.get(), refusal, failure);
         xmlFreeDoc(document);
         return std::nullopt;
     }

@@ -105,7 +105,7 @@ TEST(ServiceReply, AFailureIsToldInOneLine)
          TEXT("Flickr Status = x9: \x00c9"
               "chec"),
          true},
-        {TEXT("<rsp stat='fail'><err code='8' msg='100 MB at most'/></rsp>"),
+        {TEXT("<rsp stat='fail'><err code='8' msg='100 MB&#10;at most'/></rsp>"),
          TEXT("Flickr Status = 8: 100 MB at most"), true},
         {TEXT("<rsp stat='fail'><err msg='no code'/></rsp>"), TEXT(""), false},
         {TEXT("<rsp stat='fail'/>"), TEXT(""), false},

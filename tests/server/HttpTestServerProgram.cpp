@@ -99,6 +99,30 @@ void AnswerLate(Conversation &conversation)
     conversation.WriteReply(200, "OK", "at last");
 }
 
+// Says at once that the answer will come.
+void AnswerInterim(Conversation &conversation)
+{
+    conversation.ReadRequest();
+    for (const char *interim : {"100 Continue", "102 Processing", "103 Early Hints"})
+    {
+        conversation.Write(std::string("HTTP/1.1 ") + interim + "\r\n\r\n");
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(2500));
+    conversation.WriteReply(200, "OK", "at last");
+}
+
+// Never stands still, and never comes to an end.
+void AnswerInDrops(Conversation &conversation)
+{
+    conversation.ReadRequest();
+    conversation.Write("HTTP/1.1 200 OK\r\nContent-Length: 500\r\n\r\n");
+    for (int i = 0; i < 100; ++i)
+    {
+        conversation.Write(".");
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+}
+
 void AnswerHalf(Conversation &conversation)
 {
     conversation.ReadRequest();
@@ -108,7 +132,7 @@ void AnswerHalf(Conversation &conversation)
 void AnswerTooMuch(Conversation &conversation)
 {
     conversation.ReadRequest();
-    conversation.WriteReply(200, "OK", std::string(200'000, 'x'));
+    conversation.WriteReply(200, "OK", std::string(300'000, 'x'));
 }
 
 void AnswerNonsense(Conversation &conversation)
@@ -124,11 +148,12 @@ public:
     {
         const IssuedCertificate usual = m_authority.Issue("DNS:*.server.test");
         const std::pair<const char *, HttpTestServer::Script> scripts[] = {
-            {"echo", Echo},          {"measure", Measure},        {"refuse", Refuse},
-            {"redirect", Redirect},  {"challenge", Challenge},    {"cut", Cut},
-            {"cut-head", CutHead},   {"count", CountCut},         {"deaf", TakeNothing},
-            {"mute", NeverAnswer},   {"late", AnswerLate},        {"half", AnswerHalf},
-            {"huge", AnswerTooMuch}, {"nonsense", AnswerNonsense}};
+            {"echo", Echo},          {"measure", Measure},         {"refuse", Refuse},
+            {"redirect", Redirect},  {"challenge", Challenge},     {"cut", Cut},
+            {"cut-head", CutHead},   {"count", CountCut},          {"deaf", TakeNothing},
+            {"mute", NeverAnswer},   {"late", AnswerLate},         {"half", AnswerHalf},
+            {"huge", AnswerTooMuch}, {"nonsense", AnswerNonsense}, {"interim", AnswerInterim},
+            {"drops", AnswerInDrops}};
         for (const auto &[name, script] : scripts)
         {
             Add(name, usual, script);
@@ -141,7 +166,8 @@ public:
     void Lead(std::string host, unsigned port) { m_ports[std::move(host)] = port; }
     void SaveAuthority(const std::string &path) const { m_authority.Save(path); }
 
-    // As a proxy does; a host that it doesn't know is like one that refuses connections.
+    // As a proxy does; a host that it doesn't know is like one that refuses connections, and to "locked" it
+    // leads nobody.
     void Serve(Conversation &conversation) const
     {
         const auto request = conversation.ReadHead();
@@ -149,7 +175,14 @@ public:
         {
             return;
         }
-        const auto port = m_ports.find(request->line.substr(8, request->line.find(':') - 8));
+        const std::string host = request->line.substr(8, request->line.find(':') - 8);
+        if (host == "locked.server.test")
+        {
+            conversation.WriteReply(407, "Proxy Authentication Required", "",
+                                    "Proxy-Authenticate: Basic realm=\"here\"\r\n");
+            return;
+        }
+        const auto port = m_ports.find(host);
         if (port != m_ports.end())
         {
             conversation.Write("HTTP/1.1 200 OK\r\n\r\n");

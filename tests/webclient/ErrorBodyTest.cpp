@@ -26,21 +26,22 @@ TEST(ErrorBody, SaysInOneLineWhatThePageSaid)
     };
     for (const auto &[body, expected] : cases)
     {
-        EXPECT_EQ(DescribeErrorBody(body), expected) << body;
+        EXPECT_EQ(DescribeErrorBody(body, {}), expected) << body;
     }
 }
 
 TEST(ErrorBody, OAuthProblemsArePutPlainlyAndWithoutTheirDetails)
 {
     const std::string signature = DescribeErrorBody(
-        "oauth_problem=signature_invalid&debug_sbs=POST&https%3A%2F%2Fapi&oauth_token%3Dsecret-token");
+        "oauth_problem=signature_invalid&debug_sbs=POST&https%3A%2F%2Fapi&oauth_token%3Dsecret-token", {});
     EXPECT_EQ(signature, "The service did not accept the signature of the request (signature_invalid)");
-    EXPECT_THAT(DescribeErrorBody("oauth_problem=token_rejected\n"),
+    EXPECT_THAT(DescribeErrorBody("oauth_problem=token_rejected\n", {}),
                 HasSubstr("authorize again (token_rejected)"));
     EXPECT_EQ(
-        DescribeErrorBody("oauth_problem=parameter_absent&oauth_parameters_absent=oauth_nonce%26oauth_token"),
+        DescribeErrorBody("oauth_problem=parameter_absent&oauth_parameters_absent=oauth_nonce%26oauth_token", {}),
         "The request lacked a parameter: oauth_nonce oauth_token (parameter_absent)");
-    EXPECT_EQ(DescribeErrorBody("oauth_problem=brand_new<b>"), "The service refused the request (brand_new b )");
+    EXPECT_EQ(DescribeErrorBody("oauth_problem=brand_new<b>", {}),
+              "The service refused the request (brand_new b )");
 }
 
 TEST(ErrorBody, LongTextIsCutBetweenCharacters)
@@ -50,9 +51,11 @@ TEST(ErrorBody, LongTextIsCutBetweenCharacters)
     {
         text += "\xC3\xA4";
     }
-    const std::string line = DescribeErrorBody(text);
+    const std::string line = DescribeErrorBody(text, {});
     EXPECT_EQ(line.size(), 200 * 2 + 3u);
     EXPECT_TRUE(line.ends_with("\xC3\xA4..."));
+    const std::string smile = "\xF0\x9F\x98\x80"; // two units of UTF-16, the first of them the 200th
+    EXPECT_EQ(DescribeErrorBody(std::string(199, 'x') + smile, {}), std::string(199, 'x') + "...");
 }
 
 TEST(TransportWords, EveryProblemFailsWithWords)

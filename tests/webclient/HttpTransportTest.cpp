@@ -12,6 +12,7 @@
 #include <functional>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 namespace
@@ -47,6 +48,12 @@ public:
             static_cast<char *>(buffer)[i] = ByteAt(m_read + i);
         }
         m_read += *read;
+        return S_OK;
+    }
+
+    HRESULT Rewind() override
+    {
+        m_read = 0;
         return S_OK;
     }
 
@@ -87,9 +94,10 @@ protected:
     static void TearDownTestSuite() { TrustedAuthority::End(); }
 
     static Outcome Send(const char *host, RequestBody *body, const TransportLimits &limits = {},
-                        const char *method = "POST")
+                        const char *method = "POST", bool isSmall = false)
     {
         HttpRequest request;
+        request.isSmall = isSmall;
         request.method = method;
         request.url = std::string("https://") + host + ".server.test/a%2Fb?c=%7E%20d";
         request.userAgent = "Halvora/1.2.3.4";
@@ -115,7 +123,9 @@ protected:
 TEST_F(HttpTransportTest, RequestArrivesAsItIs)
 {
     CountedBody body(700'001);
-    const Outcome outcome = Send("echo", &body);
+    TransportLimits limits;
+    limits.replyBytes = 1'000'000;
+    const Outcome outcome = Send("echo", &body, limits);
     ASSERT_EQ(outcome.code, S_OK);
     EXPECT_EQ(outcome.reply.status, 200);
     EXPECT_EQ(outcome.reply.statusWords, "Fine");
@@ -176,6 +186,7 @@ TEST_F(HttpTransportTest, AnswersAreTakenAndNotActedOn)
         EXPECT_EQ(outcome.reply.status, answer.status);
         EXPECT_EQ(outcome.reply.statusWords, answer.words);
         EXPECT_EQ(outcome.reply.body, answer.body);
+        EXPECT_TRUE(outcome.reply.isAllSent);
     }
     EXPECT_EQ(CutRequests(), "1"); // one challenge, and no second try
 }
@@ -204,10 +215,8 @@ TEST_F(HttpTransportTest, NothingIsSentTwice)
 
 TEST_F(HttpTransportTest, IncompleteAnswersAreErrors)
 {
-    TransportLimits limits;
-    limits.replyBytes = 100'000;
     EXPECT_EQ(Send("half", nullptr).problem, TransportProblem::LostBeforeAnswer);
-    EXPECT_EQ(Send("huge", nullptr, limits).problem, TransportProblem::AnswerGarbled);
+    EXPECT_EQ(Send("huge", nullptr).problem, TransportProblem::AnswerTooLong); // 300,000 bytes
     EXPECT_EQ(Send("nonsense", nullptr).code, static_cast<HRESULT>(0x80072F78));
 }
 
@@ -238,11 +247,14 @@ TEST_F(HttpTransportTest, CallersAnswerEndsTheExchange)
     EXPECT_LT(midway.reports.back(), midway.Length());
 
     // Nothing moves any more: the caller is asked all the same.
-    for (const auto &[host, size] : {std::pair("deaf", 30'000'000u), std::pair("mute", 1000u)})
+    for (const auto &[host, size, problem] : {std::tuple("deaf", 30'000'000u, TransportProblem::EndedByCaller),
+                                              std::tuple("mute", 1000u, TransportProblem::EndedBeforeAnswer)})
     {
         const auto start = Clock::now();
         CountedBody standing(size, [&](UINT64) { return Clock::now() - start > 1500ms ? E_ABORT : S_OK; });
-        EXPECT_EQ(Send(host, &standing).code, E_ABORT);
+        const Outcome outcome = Send(host, &standing);
+        EXPECT_EQ(outcome.code, E_ABORT);
+        EXPECT_EQ(outcome.problem, problem) << host;
         EXPECT_LT(Clock::now() - start, 10s) << host;
     }
 }
@@ -258,8 +270,18 @@ TEST_F(HttpTransportTest, LimitsEndWhatDoesNotMove)
     EXPECT_EQ(Send("mute", &brief, limits).problem, TransportProblem::AnswerMissing);
     // While the service thinks, nothing moves: that is no stall.
     limits.answer = 20s;
-    CountedBody thoughtful(1000);
-    EXPECT_EQ(Send("late", &thoughtful, limits).reply.body, "at last");
+    for (const char *host : {"late", "interim"})
+    {
+        CountedBody thoughtful(1000);
+        EXPECT_EQ(Send(host, &thoughtful, limits).reply.body, "at last") << host;
+    }
+    // A call without a picture has limits of its own, for the status and for the whole.
+    limits.stall = 20s;
+    limits.smallAnswer = 700ms;
+    EXPECT_EQ(Send("mute", nullptr, limits, "POST", true).problem, TransportProblem::AnswerMissing);
+    limits.smallAnswer = 20s;
+    limits.smallWhole = 1500ms;
+    EXPECT_EQ(Send("drops", nullptr, limits, "POST", true).problem, TransportProblem::AnswerMissing);
 }
 
 TEST_F(HttpTransportTest, BodyThatFailsEndsTheExchangeWithItsCode)
@@ -275,6 +297,8 @@ TEST_F(HttpTransportTest, HostThatNobodyLeadsToIsNotConnected)
 {
     CountedBody body(1000);
     EXPECT_EQ(Send("nowhere", &body).problem, TransportProblem::CannotConnect);
+    EXPECT_EQ(Send("locked", &body).problem, TransportProblem::ProxyNeedsLogin);
+    EXPECT_EQ(body.reports.back(), 0u);
 }
 
 TEST_F(HttpTransportTest, ThreadsKeepTheirExchangesApart)

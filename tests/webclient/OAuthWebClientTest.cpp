@@ -24,6 +24,8 @@ struct CarriedRequest
     std::string userAgent;
     std::vector<std::pair<std::string, std::string>> headers;
     std::string body;
+    bool isSmall;
+    bool needsNewConnection;
 
     std::string Header(const std::string &name) const
     {
@@ -39,7 +41,8 @@ class ScriptedTransport final : public HttpTransport
 public:
     HttpReply Exchange(const HttpRequest &request) override
     {
-        CarriedRequest carried{request.method, request.url, request.userAgent, {}, {}};
+        CarriedRequest carried{
+            request.method, request.url, request.userAgent, {}, {}, request.isSmall, request.needsNewConnection};
         for (const HttpHeader &header : request.headers)
         {
             carried.headers.emplace_back(header.name, header.value.View());
@@ -56,7 +59,7 @@ public:
             carried.body.append(buffer, read);
         }
         requests.push_back(std::move(carried));
-        if (problem)
+        if (problem && requests.size() <= failures)
         {
             throw TransportError{*problem};
         }
@@ -65,6 +68,7 @@ public:
 
     std::vector<HttpReply> replies{{200, "OK", "<rsp stat=\"ok\"><photoid>17</photoid></rsp>"}};
     std::optional<TransportProblem> problem;
+    size_t failures = 1000; // of the first requests, with the problem
     std::vector<CarriedRequest> requests;
 };
 
@@ -148,13 +152,16 @@ TEST_F(OAuthWebClientTest, RefusalsAreToldInTheServicesWords)
 {
     const RefusalCase cases[] = {
         {504, "Gateway Time-out", "<html><head><title>504 Gateway Time-out</title></head></html>",
-         static_cast<HRESULT>(0x801901F8), "504 Gateway Time-out"},
+         static_cast<HRESULT>(0x801901F8), "The picture may or may not have arrived: 504 Gateway Time-out"},
+        {503, "Service Unavailable", "", static_cast<HRESULT>(0x801901F7), "(none)"},
+        {400, "Bad", "application-secret and application-key of the-token, token-secret",
+         static_cast<HRESULT>(0x80190190), "and of ,"},
         {401, "Unauthorized", "oauth_problem=token_rejected&debug=the-token", static_cast<HRESULT>(0x80190191),
          "The service does not know the authorization, or it was revoked: authorize again (token_rejected)"},
         {429, "Too Many Requests", "slow\ndown", static_cast<HRESULT>(0x801901AD), "slow down"},
         {302, "Found", "", static_cast<HRESULT>(0x8019012E), "Redirections are not followed"},
         {200, "OK", "all fine", static_cast<HRESULT>(0x80072F78),
-         "The answer is not in the service's form: all fine"},
+         "The answer is not in the service's form, and the picture may or may not have arrived: all fine"},
     };
     for (const RefusalCase &refusal : cases)
     {
@@ -165,6 +172,32 @@ TEST_F(OAuthWebClientTest, RefusalsAreToldInTheServicesWords)
         EXPECT_EQ(ReplyText("/HttpError/Description"), refusal.description);
     }
     EXPECT_EQ(m_transport->requests.size(), std::size(cases)); // each was sent once
+    EXPECT_FALSE(m_transport->requests[0].isSmall);
+}
+
+TEST_F(OAuthWebClientTest, PictureThatAKeptConnectionLostIsSignedAndSentOnceMore)
+{
+    m_transport->problem = TransportProblem::KeptConnectionLost;
+    m_transport->failures = 1;
+    EXPECT_EQ(UploadText("the picture"), S_OK);
+    const auto &requests = m_transport->requests;
+    ASSERT_EQ(requests.size(), 2u);
+    EXPECT_EQ(requests[1].body, "the picture");
+    EXPECT_TRUE(requests[1].needsNewConnection && !requests[0].needsNewConnection);
+    EXPECT_EQ(requests[1].headers.size(), requests[0].headers.size());
+    EXPECT_NE(requests[1].Header("Authorization"), requests[0].Header("Authorization"));
+
+    m_transport->failures = 1000;
+    for (const TransportProblem problem : {TransportProblem::KeptConnectionLost,
+                                           TransportProblem::LostWhileSending, TransportProblem::LostBeforeAnswer})
+    {
+        m_transport->requests.clear();
+        m_transport->problem = problem;
+        EXPECT_EQ(UploadText("the picture"), static_cast<HRESULT>(0x80072EFE));
+        EXPECT_EQ(requests.size(), problem == TransportProblem::KeptConnectionLost ? 2u : 1u);
+        EXPECT_EQ(ReplyText("/HttpError/Description").find("may or may not have arrived") != std::string::npos,
+                  problem == TransportProblem::LostBeforeAnswer);
+    }
 }
 
 TEST_F(OAuthWebClientTest, BrokenConnectionsAreToldInWords)
@@ -188,7 +221,8 @@ TEST_F(OAuthWebClientTest, AuthorizationTradesItsTokens)
         {200, "OK", "oauth_callback_confirmed=true&oauth_token=req%2B1&oauth_token_secret=reqs"},
         {200, "OK", "fullname=J%20D&oauth_token=acc&oauth_token_secret=accs%21"},
         {401, "Unauthorized", "oauth_problem=consumer_key_unknown"},
-        {200, "OK", "<html>what?</html>"}};
+        {200, "OK", "<html>what?</html>"},
+        {200, "OK", "oauth_token=+&oauth_token_secret=s"}};
     BstrOwner token;
     BstrOwner secret;
     EXPECT_EQ(m_client->GetAccessToken(0, TEXT("v"), token.Put(), secret.Put()), E_UNEXPECTED);
@@ -215,6 +249,8 @@ TEST_F(OAuthWebClientTest, AuthorizationTradesItsTokens)
 
     EXPECT_EQ(m_client->GetAuthorizationUrl(0, nullptr, url.Put()), static_cast<HRESULT>(0x80190191));
     EXPECT_EQ(m_client->GetAuthorizationUrl(0, nullptr, url.Put()), static_cast<HRESULT>(0x80072F78));
+    EXPECT_EQ(m_client->GetAuthorizationUrl(0, nullptr, url.Put()), static_cast<HRESULT>(0x80072F78));
+    EXPECT_TRUE(std::ranges::all_of(requests, [](const CarriedRequest &request) { return request.isSmall; }));
     EXPECT_EQ(url.Get(), nullptr);
 }
 
@@ -227,7 +263,14 @@ TEST_F(OAuthWebClientTest, IncompleteCallsAreRefused)
     EXPECT_EQ(bare->SetService(TEXT("a"), TEXT("https://h/"), TEXT("PLAINTEXT"), TEXT("k"), TEXT("s"),
                                TEXT("https://h/"), TEXT("https://h/"), TEXT("https://h/"), TEXT("x"), 0),
               E_INVALIDARG);
+    EXPECT_EQ(m_client->SetAccessToken(TEXT(" "), TEXT("b")), E_INVALIDARG);
+    EXPECT_EQ(m_client->SetAccessToken(TEXT("a"), TEXT("")), E_INVALIDARG);
     EXPECT_EQ(UploadText(""), E_INVALIDARG);
+    EXPECT_EQ(m_client->UploadRequest(TEXT("http://flickr.example/upload/"), nullptr, TEXT("POST"), nullptr,
+                                      nullptr, nullptr, ScriptedStream::Make("x").Get(), 1, nullptr, 0,
+                                      m_reply.Put()),
+              static_cast<HRESULT>(0x80072EE6));
+    EXPECT_THAT(ReplyText("/HttpError/Description"), HasSubstr("on flickr.example, is not secure"));
     EXPECT_EQ(UploadText("x", Parameters({{TEXT("X"), TEXT("a\r\nY: b")}}).Get()), E_INVALIDARG);
     BstrOwner type;
     EXPECT_EQ(m_client->GetMimeTypeForFile(TEXT("x.JPG"), type.Put()), S_OK);

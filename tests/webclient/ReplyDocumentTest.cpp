@@ -17,7 +17,8 @@ protected:
 
     HRESULT Load(int status, std::string words, std::string body)
     {
-        return LoadReply(document.Get(), {status, std::move(words), std::move(body)}, {"the-secret"});
+        return LoadReply(document.Get(), {status, std::move(words), std::move(body)}, "picture",
+                         {" ", "the", "the-secret"});
     }
 
     std::string Text(const char *path) { return DocumentText(document.Get(), path); }
@@ -32,6 +33,7 @@ TEST_F(ReplyDocumentTest, ServiceRepliesAreHandedOnAsTheyAre)
         "\n\r\n<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n<rsp "
         "stat=\"ok\"><photoid>12-3\xC3\xA4</photoid></rsp>\n",
         "\xEF\xBB\xBF<?xml version=\"1.0\"?><rsp stat=\"ok\"><photoid>12-3\xC3\xA4</photoid></rsp>",
+        "<!-- <html> --> <!-- --><rsp stat=\"ok\"><photoid>12-3\xC3\xA4</photoid><![CDATA[<!DOCTYPE]]></rsp>",
     };
     for (const char *body : bodies)
     {
@@ -41,6 +43,13 @@ TEST_F(ReplyDocumentTest, ServiceRepliesAreHandedOnAsTheyAre)
     }
     EXPECT_EQ(Load(200, "OK", "<rsp stat=\"fail\"><err code=\"5\" msg=\"no\"/></rsp>"), S_OK);
     EXPECT_EQ(Text("/rsp/err/@code"), "5");
+    EXPECT_EQ(Text("/rsp/err/@msg"), "no");
+    // But for what can't be shown as it is.
+    EXPECT_EQ(Load(200, "OK", "<rsp stat='FAIL'><err code='7' msg='&quot;one&#10;two&quot; the-secret'/></rsp>"),
+              S_OK);
+    EXPECT_EQ(Text("/rsp/@stat"), "FAIL");
+    EXPECT_EQ(Text("/rsp/err/@code"), "7");
+    EXPECT_EQ(Text("/rsp/err/@msg"), "\"one two\"");
 }
 
 TEST_F(ReplyDocumentTest, OtherStatusesBecomeHttpErrors)
@@ -59,8 +68,12 @@ TEST_F(ReplyDocumentTest, OtherStatusesBecomeHttpErrors)
     EXPECT_EQ(Text("/HttpError/Description"), "Service down");
     EXPECT_EQ(Text("/rsp/err/@code"), "(none)");
 
-    EXPECT_TRUE(FAILED(Load(400, "Bad", "your token is the-secret, sir")));
-    EXPECT_THAT(Text("/HttpError/Description"), Not(HasSubstr("the-secret")));
+    // No part of a secret is left by a cut, and none stands in the status words.
+    EXPECT_TRUE(FAILED(Load(400, "Echo the-secret\tof yours", std::string(195, 'x') + "the-secret, sir")));
+    EXPECT_EQ(Text("/HttpError/Status"), "Echo of yours");
+    EXPECT_EQ(Text("/HttpError/Description"), std::string(195, 'x') + " , si...");
+    EXPECT_TRUE(FAILED(Load(400, "Bad", std::string(16'380, ' ') + "the-secret")));
+    EXPECT_EQ(Text("/HttpError/Description"), "(none)");
 
     EXPECT_TRUE(FAILED(Load(302, "Found", "")));
     EXPECT_EQ(Text("/HttpError/Description"), "Redirections are not followed");
@@ -75,6 +88,7 @@ TEST_F(ReplyDocumentTest, SuccessWithoutAServiceDocumentIsAFailure)
         "<html><title>Log in to this WLAN</title></html>",
         "{\"stat\":\"ok\"}",
         "<!DOCTYPE rsp [<!ENTITY a \"b\">]><rsp stat=\"ok\">&a;</rsp>",
+        "<!-- --><!DOCTYPE rsp [<!ENTITY a \"b\">]><rsp stat=\"ok\">&a;</rsp>",
         "<?xml version=\"1.0\"?><!DOCTYPE rsp SYSTEM \"file:///etc/passwd\"><rsp stat=\"ok\"/>",
         std::string("\0\x01\xFF", 3)};
     for (const std::string &body : bodies)

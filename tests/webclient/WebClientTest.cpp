@@ -147,6 +147,34 @@ TEST_F(WebClientTest, ConnectionThatClosedWhileIdleFailsNothing)
     EXPECT_EQ(server.ResumedSessions(), 2);
 }
 
+// The service closes a kept connection when the next picture is half-way: it can't have that picture.
+TEST_F(WebClientTest, PictureThatAKeptConnectionLostHalfWayIsSentOnceMore)
+{
+    constexpr UINT32 size = 30'000'000;
+    std::atomic<int> lostOnes{0};
+    HttpTestServer &server = StartServer([&lostOnes](Conversation &conversation) {
+        conversation.ReadRequest();
+        conversation.WriteReply(200, "OK", HttpTestServer::Success);
+        if (conversation.Number() == 1)
+        {
+            lostOnes += conversation.ReadHead() ? 1 : 0;
+        }
+    });
+    const auto client = Client();
+    EXPECT_EQ(UploadText(client.Get(), "first").result, S_OK);
+    const auto stream = ScriptedStream::MakeEndless(size);
+    const auto progress = RecordedProgress::Make();
+    EXPECT_EQ(Upload(client.Get(), stream.Get(), size, progress.Get()).result, S_OK);
+    EXPECT_EQ(lostOnes, 1);
+    ASSERT_EQ(server.Requests().size(), 2u);
+    EXPECT_NE(server.Requests()[1].connection, 1);
+    EXPECT_EQ(server.Requests()[1].bodyBytes, size);
+    const auto &entries = progress->entries;
+    EXPECT_TRUE(std::is_sorted(entries.begin() + 1, entries.end(),
+                               [](const auto &a, const auto &b) { return a.done < b.done; }));
+    EXPECT_EQ(entries.back().done, size);
+}
+
 TEST_F(WebClientTest, RequestThatWasReadButNotAnsweredIsNotRepeated)
 {
     HttpTestServer &server = StartServer([](Conversation &conversation) {
@@ -211,14 +239,14 @@ TEST_F(WebClientTest, EarlyRefusalWinsOverTheRestOfTheBody)
 {
     StartServer([](Conversation &conversation) {
         conversation.ReadHead();
-        conversation.WriteReply(413, "Too Large", "Files of that size are not for us", "Connection: close\r\n");
+        conversation.WriteReply(502, "Too Large", "Files of that size are not for us", "Connection: close\r\n");
         conversation.WaitForEnd();
     });
     const auto progress = RecordedProgress::Make();
     const UploadOutcome outcome =
         Upload(Client().Get(), ScriptedStream::MakeEndless(30'000'000).Get(), 30'000'000, progress.Get());
-    EXPECT_EQ(outcome.result, static_cast<HRESULT>(0x8019019D));
-    EXPECT_EQ(outcome.Description(), "Files of that size are not for us");
+    EXPECT_EQ(outcome.result, static_cast<HRESULT>(0x801901F6));
+    EXPECT_EQ(outcome.Description(), "Files of that size are not for us"); // and it can't have arrived
     EXPECT_LT(progress->entries.back().done, 30'000'000u);
 }
 
@@ -267,6 +295,36 @@ TEST_F(WebClientTest, UnreachableServiceIsToldInWords)
     const UploadOutcome unknown = UploadText(Client().Get(), "x");
     EXPECT_EQ(unknown.result, static_cast<HRESULT>(0x80072EE7));
     EXPECT_THAT(unknown.Description(), HasSubstr("was not found"));
+}
+
+TEST_F(WebClientTest, ProxyGetsTheNameAndPasswordOfItsAddress)
+{
+    HttpTestServer &server = StartServer();
+    HttpTestServer proxy([&server](Conversation &conversation) {
+        while (const auto request = conversation.ReadHead())
+        {
+            if (request->Header("proxy-authorization") == "Basic bWU6c2VzYW1l")
+            {
+                conversation.Write("HTTP/1.1 200 OK\r\n\r\n");
+                conversation.Relay(server.Port());
+                return;
+            }
+            conversation.WriteReply(407, "Who are you?", "", "Proxy-Authenticate: Basic realm=\"here\"\r\n");
+        }
+    });
+    const std::string place = "127.0.0.1:" + std::to_string(proxy.Port());
+    for (const auto &[login, result] :
+         {std::pair("", static_cast<HRESULT>(0x80072EEF)), std::pair("me:sesame@", S_OK),
+          std::pair("me:wrong@", static_cast<HRESULT>(0x80072EEF))})
+    {
+        setenv("https_proxy", ("http://" + (login + place)).c_str(), 1);
+        const UploadOutcome outcome = UploadText(Client().Get(), "picture");
+        EXPECT_EQ(outcome.result, result) << login;
+        EXPECT_EQ(outcome.Description().find("asks for a name and password") != std::string::npos, FAILED(result));
+    }
+    unsetenv("https_proxy");
+    EXPECT_EQ(server.Requests().size(), 1u);
+    EXPECT_EQ(server.Requests()[0].Header("proxy-authorization"), "(none)");
 }
 
 TEST_F(WebClientTest, TroubleWithTheBodyEndsTheTransferWithItsCode)

@@ -1,5 +1,5 @@
-// Refusal of document types, and the line of an error. Natively only: Wine 8 accepts document types
-// in the class of MSXML 6, and tells no line; Windows does as is expected here.
+// Refusals of the native parser. Natively only: Wine 8 accepts document types in the class of MSXML 6, and
+// tells no line (Windows does as is expected here); limits of size are the native parser's own.
 #include "Registration.h"
 
 #include "com/BstrOwner.h"
@@ -8,6 +8,9 @@
 #include "XmlInterfaces.h"
 
 #include <gtest/gtest.h>
+
+#include <ctime>
+#include <string>
 
 namespace
 {
@@ -44,6 +47,45 @@ TEST(DocumentTypes, AreRefusedWithTheirLine)
         EXPECT_EQ(S_OK, error->get_line(&line));
         EXPECT_EQ(c.code, code);
         EXPECT_EQ(c.line, line);
+    }
+}
+
+// Within half a second: a parser that takes such a document needs seconds.
+TEST(LargeDocuments, AreRefusedBeforeTheyCostTime)
+{
+    RegisterDocumentClass();
+    ComPtr<IXMLDOMDocument2> document;
+    ASSERT_EQ(S_OK, CoCreateInstance(DocumentClass, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IXMLDOMDocument2),
+                                     document.PutVoid()));
+    const auto withAttributes = [](int count) {
+        std::u16string text = u"<a";
+        for (int i = 0; i < count; ++i)
+        {
+            const std::string number = std::to_string(i);
+            text += u" a" + std::u16string(number.begin(), number.end()) + u"=''";
+        }
+        return text + u"/>";
+    };
+    const struct
+    {
+        std::u16string text;
+        bool isTaken;
+    } cases[] = {{withAttributes(1000), true},
+                 {withAttributes(1001), false},
+                 {withAttributes(26'000), false},
+                 {u"<a>" + std::u16string(255 * 1024, u'x') + u"</a>", true},
+                 {u"<a>" + std::u16string(256 * 1024, u'x') + u"</a>", false}};
+    for (const auto &c : cases)
+    {
+        VARIANT_BOOL success = VARIANT_FALSE;
+        const std::clock_t start = std::clock();
+        EXPECT_EQ(c.isTaken ? S_OK : S_FALSE, document->loadXML(BstrOwner(WideView(c.text)).Get(), &success));
+        EXPECT_LT(static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC, 5 * 0.5) << c.text.size();
+        ComPtr<IXMLDOMParseError> error;
+        BstrOwner reason;
+        ASSERT_EQ(S_OK, document->get_parseError(error.Put()));
+        error->get_reason(reason.Put());
+        EXPECT_EQ(c.isTaken, reason.IsEmpty());
     }
 }
 

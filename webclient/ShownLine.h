@@ -1,0 +1,17 @@
+// Makes text from the wire fit to be shown and logged. Every such text passes through here, the status words of
+// an answer and the service's own messages too: a server can repeat what it was sent, secrets included.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+using SecretViews = std::vector<std::string_view>; // UTF-8; blank ones are passed over
+
+// The text with a blank in place of each secret.
+std::string WithoutSecrets(std::string text, SecretViews secrets);
+
+// One line of UTF-8 without secrets, control characters and repeated blanks. Text beyond longest characters is
+// cut off, and "..." put in its place.
+std::string ShownLine(std::string_view text, const SecretViews &secrets, std::size_t longest = 200);
