@@ -1,18 +1,12 @@
 #include "host/Commands.h"
 
 #include "host/InitData.h"
-#include "host/InstalledModules_posix.h"
 #include "host/SettingsKeyMaking.h"
-#include "host/LinkText.h"
-#include "host/PluginSession.h"
-#include "host/PublishingHost.h"
 #include "host/SafeLine.h"
 #include "host/SettingsKey_posix.h"
 #include "host/SystemWords.h"
 #include "host/Terminal_posix.h"
 #include "host/TextEncodings.h"
-
-#include "com/BstrOwner.h"
 
 #include <algorithm>
 #include <iostream>
@@ -53,7 +47,7 @@ std::string WithoutLineEnd(std::string line)
     return line;
 }
 
-// The text of a token; nothing if it can't be one.
+// Nothing if the bytes can't be a token.
 std::optional<WideText> TokenText(const std::string &bytes)
 {
     const bool isPrintable =
@@ -79,34 +73,16 @@ ExitCode SetToken(std::vector<std::string> words, InitDataStore &store)
     AccountData account = ParseInitData(store.Content()).value_or(AccountData());
     if (account.token != token)
     {
-        // Name, type and limits belong to the account of the old token.
+        // Name, type and limits are those of the old token's account.
         account = AccountData();
     }
     account.token = token;
     account.tokenSecret = secret;
     store.Overwrite(ComposeInitData(account));
     WriteOut("The access token is stored.\n");
-    return ExitCode::AllWentUp;
+    return ExitCode::Success;
 }
 } // namespace
-
-ExitCode RunStatusCommand(const Profile &profile)
-{
-    InitDataStore store(profile);
-    store.Load();
-    TellNotices(store);
-    for (const std::string &problem : RegisterInstalledModules(ModuleFolders()).problems)
-    {
-        Complain(problem);
-    }
-    RunRecord record{ItemCollection()};
-    const auto host = PublishingHost::Make(record, [](int, const std::string &, const std::string &) {});
-    PluginSession session(static_cast<IHalvoraPublishingHost *>(host.Get()), store);
-    BstrOwner line;
-    ThrowIfFailed(session.Plugin()->GetDisplayState(line.Put()));
-    WriteOut(OneSafeLine(LinksAsText(Utf8FromText(line.View()))) + "\n");
-    return ExitCode::AllWentUp;
-}
 
 ExitCode RunSettingsCommand(const CommandLine &line)
 {
@@ -132,17 +108,17 @@ ExitCode RunSettingsCommand(const CommandLine &line)
         Complain("Nothing was stored.");
         return ExitCode::Usage;
     }
-    if (changes.empty())
-    {
-        WriteOut(ListSettings());
-        return ExitCode::AllWentUp;
-    }
     if (const HRESULT result = StoreSettings(changes); FAILED(result))
     {
         Complain("The settings could not be stored: " + SystemWords(result));
         return ExitCode::SomeFailed;
     }
-    return ExitCode::AllWentUp;
+    WriteOut(changes.empty() ? ListSettings() : DescribeChanges(changes));
+    for (const std::string &warning : SizeWarnings())
+    {
+        Complain(warning);
+    }
+    return ExitCode::Success;
 }
 
 ExitCode RunAccountCommand(const CommandLine &line, const Profile &profile)
@@ -155,5 +131,5 @@ ExitCode RunAccountCommand(const CommandLine &line, const Profile &profile)
         return SetToken(line.setToken, store);
     }
     WriteOut(DescribeAccount(ParseInitData(store.Content()).value_or(AccountData())));
-    return ExitCode::AllWentUp;
+    return ExitCode::Success;
 }

@@ -8,7 +8,7 @@ namespace
 {
 void DescribePublish(CLI::App &app, CommandLine &line)
 {
-    CLI::App *const publish = app.add_subcommand("publish", "Publish pictures on the user's Flickr account");
+    CLI::App *const publish = app.add_subcommand("publish", "Publish pictures to the user's Flickr account");
     publish
         ->add_option("PATH", line.paths,
                      "Pictures, and with --recursive folders. Files of one folder that differ only in their "
@@ -18,24 +18,26 @@ void DescribePublish(CLI::App &app, CommandLine &line)
     CLI::Option *const quiet =
         publish->add_flag("-q,--quiet", line.quiet, "Show warnings, errors and the summary alone");
     publish->add_flag("-v,--verbose", line.verbose, "Show details too")->excludes(quiet);
-    publish->footer("Ctrl-C once finishes the picture that is on its way, twice stops it, three times ends the "
-                    "program at once.\n\nExit codes: 0 all pictures went up, 1 some did not, 2 the call was "
-                    "wrong, 3 cancelled.");
+    publish->add_flag("--allow-small", line.allowSmall,
+                      "Publish even if the settings would make pictures less than 64 pixels long");
+    publish->footer("Press Ctrl-C once to stop after the current picture, twice to abort it, three times to quit "
+                    "at once.\n\nExit codes: 0 all pictures were published, 1 some were not, 2 usage error, "
+                    "3 cancelled.");
 }
 
 void DescribeOthers(CLI::App &app, CommandLine &line)
 {
-    app.add_subcommand("authorize", "Let Halvora publish on a Flickr account, by way of the web browser")
-        ->footer("Exit codes: 0 authorized, 1 failed, 2 the call was wrong, 3 cancelled.");
+    app.add_subcommand("authorize", "Let Halvora publish to a Flickr account, by way of the web browser")
+        ->footer("Exit codes: 0 authorized, 1 failed, 2 usage error, 3 cancelled.");
 
-    app.add_subcommand("status", "Tell what state the plug-in is in and what the next publish will do");
+    app.add_subcommand("status", "Show what the next publish will do, or what it still needs");
 
     CLI::App *const settings =
         app.add_subcommand("settings", "Show the settings in a sheet, list them, or change some");
     settings->add_option("NAME=VALUE", line.assignments,
                          "Changes to store; NAME= alone goes back to the default. Nothing is stored unless "
-                         "every change is right. Without changes: before a terminal a sheet to look at and "
-                         "edit the settings, which can also show and forget the account; elsewhere their list.");
+                         "every change is right. Without changes: in a terminal a sheet to look at and "
+                         "edit the settings, which can also show and forget the account; otherwise their list.");
 
     CLI::App *const account = app.add_subcommand("account", "Show the account, or set its access token");
     account
@@ -50,7 +52,7 @@ void DescribeOthers(CLI::App &app, CommandLine &line)
 std::variant<CommandLine, CommandLineEnd> ParseCommandLine(int argc, const char *const *argv)
 {
     CommandLine line;
-    CLI::App app("Publishes pictures on Flickr from the terminal.", "halvora");
+    CLI::App app("Publishes pictures to Flickr from the terminal.", "halvora");
     app.set_version_flag("--version", "halvora " HALVORA_VERSION);
     app.add_option("--profile", line.profile,
                    "Folder of the account and the settings (default: $XDG_DATA_HOME/halvora, else "

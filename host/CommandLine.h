@@ -23,11 +23,12 @@ struct CommandLine
     bool recursive = false;
     bool quiet = false;
     bool verbose = false;
+    bool allowSmall = false;              // of publish: maximum sizes that are hardly meant
     std::vector<std::string> assignments; // of settings, NAME=VALUE
     std::vector<std::string> setToken;    // of account: token and secret, or "-" for standard input
 };
 
-// A call that ends with its text: help, the version, or what is wrong with it.
+// A command line that is answered by a text alone: help, the version, or what is wrong with it.
 struct CommandLineEnd
 {
     bool isError = false;

@@ -1,11 +1,15 @@
 #include "host/InitData.h"
 
+#include "com/Checksum.h"
+
+#include <algorithm>
 #include <array>
 
 namespace
 {
 constexpr char FormatMarker = 1;
-constexpr uint32_t LongestText = 0x100000; // bytes, as the plug-in allows
+constexpr std::string_view FileMarker = "HVRA"; // no content begins with it
+constexpr uint32_t LongestText = 0x100000;      // bytes, as the plug-in allows
 
 using TextField = std::optional<WideText> AccountData::*;
 constexpr std::array<TextField, 6> TextFields = {&AccountData::token,     &AccountData::tokenSecret,
@@ -126,4 +130,26 @@ std::string ComposeInitData(const AccountData &account)
     }
     AppendNumber(bytes, static_cast<uint64_t>(account.maxFileSize), 8);
     return bytes;
+}
+
+std::string ComposeInitDataFile(std::string_view content)
+{
+    std::string file(FileMarker);
+    AppendNumber(file, content.size(), 4);
+    AppendNumber(file, Crc32(content), 4);
+    return file.append(content);
+}
+
+std::optional<std::string> ParseInitDataFile(std::string_view file)
+{
+    std::string_view content = file;
+    if (file.starts_with(FileMarker))
+    {
+        content.remove_prefix(std::min(FileMarker.size() + 8, file.size()));
+        if (file != ComposeInitDataFile(content))
+        {
+            return std::nullopt;
+        }
+    }
+    return !file.empty() && ParseInitData(content) ? std::optional(std::string(content)) : std::nullopt;
 }

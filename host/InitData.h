@@ -24,8 +24,15 @@ struct AccountData
     bool IsAuthorized() const;
 };
 
-// Nothing if the bytes aren't just what ComposeInitData writes: cut off, a text that isn't closed,
+// Nothing if the bytes aren't exactly what ComposeInitData writes: cut off, a text that isn't closed,
 // bytes left over, another marker. No bytes at all are an account that was never set.
 std::optional<AccountData> ParseInitData(std::string_view bytes);
 
 std::string ComposeInitData(const AccountData &account);
+
+// The host's own file around the stream's content: "HVRA", length and CRC-32 of the content, and the content.
+// The length and the sum tell damage that the content alone doesn't show, such as a changed letter of the token.
+std::string ComposeInitDataFile(std::string_view content);
+
+// The content of the file, or nothing if it is damaged. Earlier versions wrote the content alone.
+std::optional<std::string> ParseInitDataFile(std::string_view file);

@@ -1,10 +1,12 @@
 #include "host/InstalledModules_posix.h"
 
 #include "host/FileNames.h"
+#include "host/Profile.h"
 #include "host/SettingsKeyMaking.h"
 #include "host/SystemWords.h"
 
 #include "platform/advapi32/RegistryStore.h"
+#include "platform/ole32/ClassServers.h"
 
 #include "com/HandleOwner.h"
 #include <optional>
@@ -15,14 +17,14 @@ namespace
 {
 constexpr const WCHAR *StampsKey = TEXT("SOFTWARE\\TRNQ\\Halvora\\Terminal Host\\Modules");
 
-// A module and one of its classes, by whose entry one sees where the module is registered.
+// A module, and one of its classes: the entry of that class says whether the module is registered.
 struct Module
 {
     const char *file;
     const WCHAR *classKey;
 };
 
-// The registrar first: the others' entries are written by it.
+// The registrar comes first: it writes the entries of the others.
 constexpr Module Modules[] = {
     {"atl.so", TEXT("CLSID\\{44EC053A-400F-11D0-9DCD-00A0C90391D3}")},
     {"Halvora.Publishing.Plugin.Flickr.so", TEXT("CLSID\\{46519402-3380-4D48-BC76-63FFAA27165C}")},
@@ -73,7 +75,7 @@ LSTATUS WriteText(HKEY root, const WCHAR *path, const WCHAR *name, const WideTex
                                 static_cast<DWORD>((text.size() + 1) * sizeof(WCHAR)));
 }
 
-// Tells one build of a module from the next, whose classes may be others.
+// Differs between two builds of a module: the later one may have other classes.
 WideText StampOf(const fs::path &file)
 {
     std::error_code error;
@@ -89,7 +91,7 @@ bool IsRegistered(const Module &module, const fs::path &file)
            ReadText(HKEY_CURRENT_USER, StampsKey, TextOfPath(module.file).c_str()) == StampOf(file);
 }
 
-// The module stays loaded: it is about to be used.
+// The module stays loaded: it is used right after.
 HRESULT RegisterModule(const fs::path &file)
 {
     const HMODULE module = LoadLibraryW(TextOfPath(file).c_str());
@@ -103,6 +105,36 @@ HRESULT RegisterModule(const fs::path &file)
     return registration != nullptr ? registration() : HRESULT_FROM_WIN32(ERROR_PROC_NOT_FOUND);
 }
 
+// The same for every module, so it is said once, and ends the command.
+void RequireStore(LSTATUS written)
+{
+    if (written != ERROR_SUCCESS)
+    {
+        throw ProfileError("The parts of the program have to be registered in " + ShownPath(RegistryStorePath()) +
+                           ", which can't be written: " + SystemWords(HRESULT_FROM_WIN32(written)) +
+                           " Call once with the right to write it, or name another folder with --profile DIR.");
+    }
+}
+
+void RegisterModules(const std::vector<std::pair<const Module *, fs::path>> &modules, RegistrationReport &report)
+{
+    RegistryStoreBatch batch;
+    for (const auto &[module, file] : modules)
+    {
+        const WideText name = TextOfPath(module->file);
+        // Until the module has written its entries, its stamp is that of no build.
+        RequireStore(WriteText(HKEY_CURRENT_USER, StampsKey, name.c_str(), WideText()));
+        const HRESULT result = RegisterModule(file);
+        if (FAILED(result))
+        {
+            report.problems.push_back("The module " + ShownPath(file) +
+                                      " could not be registered: " + SystemWords(result));
+            continue;
+        }
+        WriteText(HKEY_CURRENT_USER, StampsKey, name.c_str(), StampOf(file));
+    }
+    RequireStore(batch.Commit());
+}
 } // namespace
 
 std::vector<fs::path> ModuleFolders()
@@ -133,24 +165,9 @@ RegistrationReport RegisterInstalledModules(const std::vector<fs::path> &folders
     }
     if (!unregistered.empty())
     {
-        RegistryStoreBatch batch;
-        for (const auto &[module, file] : unregistered)
-        {
-            const HRESULT result = RegisterModule(file);
-            if (FAILED(result))
-            {
-                report.problems.push_back("The module " + ShownPath(file) +
-                                          " could not be registered: " + SystemWords(result));
-                continue;
-            }
-            WriteText(HKEY_CURRENT_USER, StampsKey, TextOfPath(module->file).c_str(), StampOf(file));
-        }
-        if (const LSTATUS status = batch.Commit(); status != ERROR_SUCCESS)
-        {
-            report.problems.push_back("The modules of the program can't be registered in the profile: " +
-                                      SystemWords(HRESULT_FROM_WIN32(status)));
-        }
+        RegisterModules(unregistered, report);
     }
+    LoadClassServersOnlyFrom(folders);
     if (const HRESULT result = MakeSettingsKey(); FAILED(result))
     {
         report.problems.push_back("The settings can't be kept in the profile: " + SystemWords(result));

@@ -8,12 +8,24 @@ namespace fs = std::filesystem;
 
 namespace
 {
-// Six texts of at most 1 MiB and a few bytes; anything longer isn't ours.
+// Six texts of at most 1 MiB and a few bytes; no longer file is the plug-in's.
 constexpr size_t LongestInitData = 7 << 20;
 
 std::string Failure(const std::string &what, const std::system_error &error, const std::string &advice)
 {
     return what + ": " + FileErrorWords(error.code()) + ". " + advice;
+}
+
+// As ssh does with its keys: what others could have written is refused before any of it is read.
+void RefuseForeign(const fs::path &path, const std::string &kind)
+{
+    if (const std::string access = ForeignAccess(path); !access.empty())
+    {
+        throw ProfileError(
+            "The " + kind + " " + ShownPath(path) + " " + access +
+            ", who could direct your pictures elsewhere; it isn't used. Make it yours alone (chown, "
+            "chmod go-w), or name another folder with --profile DIR.");
+    }
 }
 } // namespace
 
@@ -37,6 +49,9 @@ Profile::Profile(const fs::path &folder)
         throw ProfileError(Failure("The profile folder " + ShownPath(folder) + " can't be made", error,
                                    "Make it yourself or name another with --profile DIR."));
     }
+    RefuseForeign(m_folder, "profile folder");
+    RefuseForeign(RegistryFile(), "settings file");
+    RefuseForeign(InitDataFile(), "account file");
 }
 
 void InitDataStore::Load()
@@ -44,7 +59,16 @@ void InitDataStore::Load()
     const fs::path file = m_profile.InitDataFile();
     try
     {
-        m_content = ReadWholeFile(file, LongestInitData).value_or(std::string());
+        m_content.clear();
+        if (const auto bytes = ReadWholeFile(file, LongestInitData))
+        {
+            if (auto content = ParseInitDataFile(*bytes))
+            {
+                m_content = *std::move(content);
+                return;
+            }
+            SetAsideDamaged();
+        }
     }
     catch (const std::system_error &error)
     {
@@ -53,11 +77,6 @@ void InitDataStore::Load()
             throw ProfileError(Failure("The account data in " + ShownPath(file) + " can't be read", error,
                                        "Check the permissions of the file and its folder."));
         }
-        SetAsideDamaged();
-        return;
-    }
-    if (!ParseInitData(m_content))
-    {
         SetAsideDamaged();
     }
 }
@@ -90,8 +109,8 @@ StoreOutcome InitDataStore::Store(const std::string &content)
     try
     {
         const FolderLock lock(m_profile.Folder());
-        const std::string present =
-            ReadWholeFile(m_profile.InitDataFile(), LongestInitData).value_or(std::string());
+        const auto file = ReadWholeFile(m_profile.InitDataFile(), LongestInitData);
+        const std::string present = file ? ParseInitDataFile(*file).value_or(*file) : std::string();
         if (present == content)
         {
             return StoreOutcome::Unchanged;
@@ -126,7 +145,7 @@ void InitDataStore::Overwrite(const std::string &content)
 
 void InitDataStore::Replace(const std::string &content)
 {
-    FileReplacement replacement(m_profile.InitDataFile(), content);
+    FileReplacement replacement(m_profile.InitDataFile(), ComposeInitDataFile(content));
     replacement.Commit();
     m_content = content;
 }

@@ -1,5 +1,6 @@
-// The folder that holds what one user of the program keeps: the registry store and the plug-in's
-// stream with the account. It is the user's own (mode 0700, its files 0600), or lies where the system
+// The folder of the files that the program keeps for one user: the registry store and the plug-in's
+// stream with the account. Nobody else may change them: they decide on whose account and for whose eyes pictures
+// are published. A folder that is made here has mode 0700, its files 0600; on Windows it lies where the system
 // keeps others out.
 #pragma once
 
@@ -8,7 +9,7 @@
 #include <string>
 #include <vector>
 
-// What went wrong with the profile and what to do, in words for the user.
+// A fault of the profile, with what to do about it, in words for the user.
 class ProfileError : public std::runtime_error
 {
 public:
@@ -22,7 +23,8 @@ public:
     // there is no home.
     static std::filesystem::path DefaultFolder();
 
-    // Makes the folder if it is missing. Throws ProfileError.
+    // Makes the folder if it is missing. Throws ProfileError, also for a folder or a file in it that belongs to
+    // somebody else or that others may write.
     explicit Profile(const std::filesystem::path &folder);
 
     const std::filesystem::path &Folder() const { return m_folder; }
@@ -35,24 +37,23 @@ private:
 
 enum class StoreOutcome
 {
-    Unchanged, // nothing to store
+    Unchanged, // there was nothing to store
     Stored,
-    KeptNewer // another process stored something else meanwhile, which stays
+    KeptNewer // another process stored something else meanwhile; that was kept
 };
 
-// The stream's content between runs. Processes that share a profile may all have it loaded; what one
-// of them changed isn't lost to the end of another's run.
+// The stream's content between runs. Processes that share a profile may all have it loaded; the end of one's
+// run doesn't overwrite what another has changed meanwhile.
 class InitDataStore
 {
 public:
     explicit InitDataStore(const Profile &profile) : m_profile(profile) {}
 
-    // Reads the file; nothing counts as an empty stream. A file that is no account data is given another
-    // name beside it, the content is empty then, and notices says so. Throws ProfileError if the file
-    // can't be read, or is damaged and can't be renamed.
+    // Reads the file; without one the content is empty. A damaged file is renamed, the content is then empty,
+    // and a notice says so. Throws ProfileError if the file can't be read, or is damaged and can't be renamed.
     void Load();
 
-    // The plug-in refused the loaded content: as for a damaged file.
+    // Does for content that the plug-in has refused what Load does for a damaged file.
     void SetAsideDamaged();
 
     const std::string &Content() const { return m_content; }
@@ -61,7 +62,7 @@ public:
     // After a run: stores the content if it changed in the run. Throws ProfileError.
     StoreOutcome Store(const std::string &content);
 
-    // On the user's order: stores the content whatever others did. Throws ProfileError.
+    // Stores the content whatever other processes stored: the user has just ordered it. Throws ProfileError.
     void Overwrite(const std::string &content);
 
 private:

@@ -6,7 +6,7 @@ namespace fs = std::filesystem;
 
 fs::path Profile::DefaultFolder()
 {
-    // The base directory specification has relative values ignored.
+    // The XDG base directory specification: a relative path is to be ignored.
     if (const char *data = std::getenv("XDG_DATA_HOME"); data != nullptr && fs::path(data).is_absolute())
     {
         return fs::path(data) / "halvora";

@@ -6,6 +6,7 @@
 #include "host/PluginSession.h"
 #include "host/PublishingHost.h"
 #include "host/PublishRun.h"
+#include "host/SettingsKey_posix.h"
 #include "host/SystemWords.h"
 #include "host/Terminal_posix.h"
 
@@ -110,6 +111,15 @@ ExitCode RunPublishCommand(const CommandLine &line, const Profile &profile)
     for (const std::string &problem : RegisterInstalledModules(ModuleFolders()).problems)
     {
         display.Log(2, problem);
+    }
+    for (const std::string &warning : SizeWarnings())
+    {
+        display.Log(2, warning);
+    }
+    if (const auto reason = TooSmallSize(); reason && !line.allowSmall)
+    {
+        Complain(*reason);
+        return ExitCode::SomeFailed;
     }
     RunRecord record(std::move(collection));
     const RunEnd end = record.Items().empty() ? RunEnd{S_OK, false} : Publish(record, store, display, signals);

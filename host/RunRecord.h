@@ -2,6 +2,7 @@
 // asks for, and by what it writes to the log in between.
 #pragma once
 
+#include "host/ExitCode.h"
 #include "host/PictureItems.h"
 
 #include "com/WideText.h"
@@ -12,14 +13,6 @@
 #include <string>
 #include <vector>
 
-enum class ExitCode
-{
-    AllWentUp = 0,
-    SomeFailed = 1,
-    Usage = 2,
-    Cancelled = 3
-};
-
 enum class ItemEnd
 {
     NotTried,
@@ -29,7 +22,7 @@ enum class ItemEnd
 
 struct RunSummary
 {
-    ExitCode exitCode = ExitCode::AllWentUp;
+    ExitCode exitCode = ExitCode::Success;
     std::string text; // UTF-8 lines, each closed by a line feed
 };
 

@@ -2,10 +2,14 @@
 
 #include "host/TextEncodings.h"
 
+#include "core/StringTable.h"
+#include "core/TextPieces.h"
 #include "resources/resource.h"
 #include "settings/OutputSize.h"
 
+#include <algorithm>
 #include <charconv>
+#include <initializer_list>
 
 namespace
 {
@@ -51,24 +55,95 @@ std::optional<UINT32> ParseNumber(const StoredSetting &setting, std::string_view
     return number;
 }
 
-// Nothing if the text is no size; "Original" only for a text that asks for it.
-std::optional<WideText> ParseSize(std::string_view text)
+constexpr WideView Digits = TEXT("0123456789");
+
+// Groups of three digits; in India, above the last one, of two.
+bool IsGrouped(WideView whole, WCHAR separator)
+{
+    size_t end = whole.size();
+    for (size_t at = whole.rfind(separator); at != whole.npos; at = whole.rfind(separator, at - 1))
+    {
+        const size_t length = end - at - 1;
+        if (at == 0 || (length != 3 && (length != 2 || end == whole.size())))
+        {
+            return false;
+        }
+        end = at;
+    }
+    return true;
+}
+
+bool IsOneOf(const std::string &word, std::initializer_list<std::string_view> words)
+{
+    return std::find(words.begin(), words.end(), word) != words.end();
+}
+
+// The plug-in reads as much of a size as it can and passes over the rest. Here that is a fault, in words; empty
+// if every character counts. text has no blanks.
+std::string FaultOfSize(WideView text, const LocaleNumberFormat &format)
+{
+    const std::string thousands = Utf8FromText(format.ThousandSeparator.substr(0, 1));
+    WideText ofWhole(Digits);
+    ofWhole += format.ThousandSeparator;
+    const WideView whole = text.substr(0, text.find_first_not_of(ofWhole));
+    WideView rest = text.substr(whole.size());
+    WideView fraction;
+    if (rest.starts_with(format.DecimalSeparator))
+    {
+        rest.remove_prefix(format.DecimalSeparator.size());
+        fraction = rest.substr(0, rest.find_first_not_of(Digits));
+        rest.remove_prefix(fraction.size());
+    }
+    if (!thousands.empty() && !IsGrouped(whole, format.ThousandSeparator.front()))
+    {
+        return "\"" + thousands + "\" separates thousands here, and \"" + Utf8FromText(format.DecimalSeparator) +
+               "\" decimals";
+    }
+    std::string unit = Lower(Utf8FromText(rest));
+    const bool isPixels = IsOneOf(unit, {"", "px", "pix", "pixel", "pixels"});
+    // The plug-in's own form has a word behind a print size.
+    const std::string print = Lower(Utf8FromText(LoadStringOrPlaceholder(IDS_SIZE_PRINT)));
+    unit.resize(unit.size() - (unit.ends_with(print) ? print.size() : 0));
+    if (!isPixels && !IsOneOf(unit, {"\"", "in", "inch", "inches", "cm"}))
+    {
+        return "\"" + Utf8FromText(rest) + "\" would not count";
+    }
+    return isPixels && fraction.find_first_not_of(u'0') != fraction.npos ? "there are no parts of pixels" : "";
+}
+
+// The plug-in's form of the size, which it reads back as the same; or what is wrong with the text, which may be
+// empty.
+std::variant<WideText, std::string> ParseSize(std::string_view text)
 {
     auto wide = TextFromUtf8(text);
-    if (!wide || wide->size() >= OutputSizeCapacity)
-    {
-        return std::nullopt;
-    }
     LocaleNumberFormat format;
-    if (!LoadLocaleFormat(format, false))
+    if (!wide || !LoadLocaleFormat(format, false))
     {
-        return std::nullopt;
+        return "";
+    }
+    std::erase_if(*wide, IsWhiteSpace);
+    const bool isOriginal = Lower(Utf8FromText(*wide)) == "original";
+    if (!isOriginal && (wide->size() >= OutputSizeCapacity || Digits.find((*wide + u' ').front()) == Digits.npos))
+    {
+        return "";
+    }
+    if (const std::string fault = isOriginal ? std::string() : FaultOfSize(*wide, format); !fault.empty())
+    {
+        return fault;
     }
     WideText normal = NormalizeOutputSize(*wide, IDS_SIZE_PRINT, format);
     double dpi = 0;
     OutputSizeUnit unit = UNIT_PIXELS;
-    const bool isFull = OutputSizeToPixels(normal, dpi, unit, format) == 0;
-    return isFull && Lower(text) != "original" ? std::nullopt : std::optional(std::move(normal));
+    if (normal.size() >= OutputSizeCapacity)
+    {
+        return "it is too large";
+    }
+    if (!isOriginal && (OutputSizeToPixels(normal, dpi, unit, format) == 0 ||
+                        NormalizeOutputSize(normal, IDS_SIZE_PRINT, format) != normal))
+    {
+        return "it is too small";
+    }
+    return normal;
 }
 } // namespace
 
@@ -77,7 +152,7 @@ std::variant<SettingAssignment, std::string> ParseSettingAssignment(std::string_
     const auto equals = text.find('=');
     if (equals == text.npos)
     {
-        return "\"" + std::string(text) + "\" is no setting's change; write NAME=VALUE.";
+        return "\"" + std::string(text) + "\" needs a value; write NAME=VALUE.";
     }
     const std::string name(text.substr(0, equals));
     const std::string_view value = text.substr(equals + 1);
@@ -100,10 +175,11 @@ std::variant<SettingAssignment, std::string> ParseSettingAssignment(std::string_
         return label + " can't be \"" + std::string(value) + "\"; it takes a number from 0 to " +
                std::to_string(setting->Largest) + " (" + Utf8FromText(setting->Meaning) + ").";
     }
-    if (auto size = ParseSize(value))
+    auto size = ParseSize(value);
+    if (const auto *fault = std::get_if<std::string>(&size))
     {
-        return SettingAssignment{setting, *std::move(size)};
+        return label + " can't be \"" + std::string(value) + "\"" + (fault->empty() ? "" : ": ") + *fault +
+               "; it takes Original, pixels such as 1024, or a print size such as 8\" or 20cm.";
     }
-    return label + " can't be \"" + std::string(value) +
-           "\"; it takes Original, pixels such as 1024, or a print size such as 8\" or 20cm.";
+    return SettingAssignment{setting, std::get<WideText>(std::move(size))};
 }

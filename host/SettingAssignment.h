@@ -15,7 +15,8 @@ struct SettingAssignment
     std::variant<std::monostate, UINT32, WideText> value;
 };
 
-// The change, or what is wrong with the text and what would be right. Names are taken in any case. Numbers
-// are decimal; where only 0 and 1 are allowed, on/off, yes/no and true/false too. Output sizes are kept
-// in their display form, in the user's locale.
+// The change, or what is wrong with the text and what would be right. Names may be written in any case. Numbers
+// are decimal; where only 0 and 1 are allowed, on/off, yes/no and true/false too. Output sizes become
+// the plug-in's display form, in the user's locale; one of which the plug-in would not read every character, or
+// that it could not read back, is refused.
 std::variant<SettingAssignment, std::string> ParseSettingAssignment(std::string_view text);

@@ -1,12 +1,13 @@
 #include "host/WholeFile.h"
 
 #include <fcntl.h>
+#include <pwd.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -46,6 +47,28 @@ int OpenOrThrow(const fs::path &path, int flags, mode_t mode, const char *deed)
     return number;
 }
 
+// Descriptor -1 with errno set if that fails. Opening waits for nothing: a pipe by that name has no content.
+Descriptor OpenToRead(const fs::path &file)
+{
+    const int number = ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    struct stat status;
+    if (number >= 0 && ::fstat(number, &status) == 0 && !S_ISREG(status.st_mode))
+    {
+        ::close(number);
+        errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+        return Descriptor(-1);
+    }
+    return Descriptor(number);
+}
+
+// The file that a symbolic link leads to; the path itself if it is none, or leads nowhere.
+fs::path WithoutLinks(const fs::path &file)
+{
+    std::error_code error;
+    fs::path target = fs::canonical(file, error);
+    return error ? file : target;
+}
+
 void WriteAll(int descriptor, std::string_view content, const fs::path &path)
 {
     while (!content.empty())
@@ -62,18 +85,19 @@ void WriteAll(int descriptor, std::string_view content, const fs::path &path)
 
 std::error_code TryToRead(const fs::path &file)
 {
-    const Descriptor opened(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+    const Descriptor opened = OpenToRead(file);
     return opened.Number() < 0 ? std::error_code(errno, std::generic_category()) : std::error_code();
 }
 
 std::string FileErrorWords(const std::error_code &error)
 {
-    return error.message();
+    // As OpenToRead has it.
+    return error == std::errc::invalid_argument ? "It is a pipe or a device, not a file" : error.message();
 }
 
 std::optional<std::string> ReadWholeFile(const fs::path &file, size_t limit)
 {
-    const Descriptor opened(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+    const Descriptor opened = OpenToRead(file);
     if (opened.Number() < 0)
     {
         if (errno == ENOENT)
@@ -109,9 +133,9 @@ std::optional<std::string> ReadWholeFile(const fs::path &file, size_t limit)
 }
 
 FileReplacement::FileReplacement(fs::path file, std::string_view content)
-    : m_file(std::move(file)), m_pending(m_file.native() + ".new")
+    : m_file(WithoutLinks(file)), m_pending(m_file.native() + ".new")
 {
-    // A leftover could be readable by others, or a link.
+    // What a crash left may be readable by others, or a link.
     ::unlink(m_pending.c_str());
     const Descriptor opened(OpenOrThrow(m_pending, O_WRONLY | O_CREAT | O_EXCL, 0600, "creating"));
     try
@@ -149,7 +173,7 @@ void FileReplacement::Commit()
 }
 
 FolderLock::FolderLock(const fs::path &folder)
-    : m_lock(OpenOrThrow(folder / "lock", O_RDWR | O_CREAT, 0600, "locking"))
+    : m_lock(OpenOrThrow(folder / "lock", O_RDWR | O_CREAT | O_NOFOLLOW, 0600, "locking"))
 {
     while (::flock(static_cast<int>(m_lock), LOCK_EX) != 0)
     {
@@ -173,7 +197,7 @@ fs::path SetFileAside(const fs::path &file, const std::string &suffix)
     for (int number = 1;; ++number)
     {
         const fs::path aside(file.native() + suffix + "-" + std::to_string(number));
-        // A link fails where a rename would replace what has the name already.
+        // link fails where the name is taken; rename would replace the file of that name.
         if (::link(file.c_str(), aside.c_str()) == 0)
         {
             if (::unlink(file.c_str()) != 0)
@@ -203,11 +227,29 @@ void MakePrivateFolder(const fs::path &folder)
     {
         const int error = errno;
         struct stat status;
-        if (::stat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode))
+        const bool isThere = ::stat(folder.c_str(), &status) == 0;
+        if (isThere && S_ISDIR(status.st_mode))
         {
             return;
         }
-        errno = error == EEXIST ? ENOTDIR : error;
+        // A name that exists and leads nowhere is a symbolic link: the error is that of its target.
+        errno = error != EEXIST ? error : isThere ? ENOTDIR : ENOENT;
         ThrowErrno("making", folder);
     }
+}
+
+std::string ForeignAccess(const fs::path &path)
+{
+    struct stat status;
+    if (::stat(path.c_str(), &status) != 0)
+    {
+        return {};
+    }
+    if (status.st_uid != ::geteuid() && status.st_uid != 0)
+    {
+        const passwd *const owner = ::getpwuid(status.st_uid);
+        return "belongs to " + (owner != nullptr ? std::string(owner->pw_name)
+                                                 : "the user of number " + std::to_string(status.st_uid));
+    }
+    return (status.st_mode & (S_IWGRP | S_IWOTH)) != 0 ? "can be written by other users" : std::string();
 }

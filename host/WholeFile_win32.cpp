@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 
 namespace
 {
-// More than any content that is written here; the system takes 32 bits.
+// The system's count has 32 bits.
 constexpr size_t LargestPart = size_t{1} << 30;
 
 [[noreturn]] void ThrowLastError(const char *deed)
@@ -53,7 +53,7 @@ void WriteAll(HANDLE file, std::string_view content)
         }
         content.remove_prefix(written);
     }
-    // The name must never lead to content that isn't there yet.
+    // The file gets its name only when its content is on the disk.
     if (!FlushFileBuffers(file))
     {
         ThrowLastError("writing");
@@ -70,7 +70,7 @@ std::error_code TryToRead(const fs::path &file)
 
 std::string FileErrorWords(const std::error_code &error)
 {
-    // The category's own words come in the code page of the day.
+    // The category's own words are in the system's code page, not in UTF-8.
     return error.category() == std::system_category()
                ? SystemWords(HRESULT_FROM_WIN32(static_cast<DWORD>(error.value())))
                : error.message();
@@ -108,7 +108,7 @@ std::optional<std::string> ReadWholeFile(const fs::path &file, size_t limit)
     }
 }
 
-// Who may read a file is what its folder passes on; the profile's lets nobody in but its user.
+// A file inherits who may read it from its folder; the profile's lets in its user alone.
 FileReplacement::FileReplacement(fs::path file, std::string_view content)
     : m_file(std::move(file)), m_pending(m_file.native() + L".new")
 {
@@ -147,7 +147,7 @@ void FileReplacement::Commit()
 FolderLock::FolderLock(const fs::path &folder)
 {
     FileOwner opened = OpenOrThrow(folder / L"lock", GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS, "locking");
-    // It belongs to the handle, and goes with it.
+    // The lock ends with its handle.
     OVERLAPPED start = {};
     if (!LockFileEx(opened.Get(), LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &start))
     {
@@ -160,7 +160,7 @@ FolderLock::~FolderLock()
 {
     const FileOwner opened(reinterpret_cast<HANDLE>(m_lock));
     OVERLAPPED start = {};
-    // The system may be late with what a closed handle held.
+    // Unlock explicitly: Windows may release a closed handle's lock late.
     UnlockFileEx(opened.Get(), 0, 1, 0, &start);
 }
 
@@ -185,4 +185,9 @@ fs::path SetFileAside(const fs::path &file, const std::string &suffix)
 void MakePrivateFolder(const fs::path &folder)
 {
     fs::create_directories(folder);
+}
+
+std::string ForeignAccess(const fs::path &)
+{
+    return {};
 }

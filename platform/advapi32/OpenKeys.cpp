@@ -21,7 +21,7 @@ std::map<HKEY, OpenKey> &Table()
     return *table;
 }
 
-// What predefined keys are mapped to in this process.
+// The keys that predefined keys stand for in this process.
 std::map<HKEY, OpenKey> &Mappings()
 {
     static auto *mappings = new std::map<HKEY, OpenKey>;
@@ -141,7 +141,7 @@ HKEY OpenHandle(KeyPlace place, REGSAM access)
 {
     const std::lock_guard guard(tableLock);
     static ULONG_PTR last = 0x100;
-    // Never used again, so that a closed handle is known as such.
+    // A value is never used again, so that a closed handle is recognised.
     const auto key = reinterpret_cast<HKEY>(last += 4);
     Table().emplace(key, OpenKey{std::move(place), SpecificRights(access)});
     return key;

@@ -1,4 +1,4 @@
-// Open keys: what a handle stands for, and the way from handle and subkey to keys of the tree.
+// Open keys: the key that a handle stands for, and how handle and subkey lead to keys of the tree.
 #pragma once
 
 #include "platform/advapi32/RegistryTree.h"
@@ -32,8 +32,8 @@ private:
 HKEY OpenHandle(KeyPlace place, REGSAM access);
 LSTATUS CloseHandleOf(HKEY key);
 
-// Lets the predefined key stand for what the handle target, which isn't a predefined one, was opened for; the
-// handle may be closed afterwards. With null the key is itself again. ERROR_INVALID_HANDLE.
+// Makes the predefined key stand for the key that the handle target was opened for; the handle may be closed
+// afterwards. Null undoes it. ERROR_INVALID_HANDLE, also if target is a predefined key.
 LSTATUS MapPredefinedKey(HKEY key, HKEY target);
 
 // The place of subkey (may be null) below key. ERROR_INVALID_HANDLE; ERROR_ACCESS_DENIED if the

@@ -13,11 +13,11 @@ class RegistryDatabase
 public:
     static RegistryDatabase &Instance();
 
-    // Looks at the tree as it is now. The look must not call the registry again.
+    // Calls look with the tree as it is now. look must not call the registry again.
     LSTATUS Read(const std::function<LSTATUS(const RegistryTree &)> &look);
 
-    // Lets change alter the tree, under the lock between processes, and writes the file if the
-    // result is ERROR_SUCCESS. If that fails the tree is again what the file says.
+    // Calls change with the tree, under the lock between processes, and writes the file if the
+    // result is ERROR_SUCCESS. If writing fails the tree is again what the file says.
     LSTATUS Write(const std::function<LSTATUS(RegistryTree &)> &change);
 
     void SetPath(const std::string &path);

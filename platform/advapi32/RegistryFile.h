@@ -1,4 +1,4 @@
-// The file of the registry store: reading, locking, replacing. Every operation answers with a
+// The file of the registry store: reading, locking, replacing. Every operation returns a
 // Win32 error code.
 #pragma once
 
@@ -9,7 +9,7 @@
 #include <sys/types.h>
 #include <time.h>
 
-// What tells one content of the file from another without reading it.
+// Differs between two contents of the file, nearly always: it is compared in place of reading the file.
 struct FileStamp
 {
     bool exists = false;

@@ -9,7 +9,7 @@
 
 namespace
 {
-// Standard exceptions may not leave a function of the API.
+// No exception may leave a function of the API.
 template <class Body>
 LSTATUS Guarded(Body &&body) noexcept
 {
@@ -40,8 +40,8 @@ bool Exists(const KeyPlace &place)
            }) == ERROR_SUCCESS;
 }
 
-// The names of the keys below, those of the user ahead of equal ones of the machine, in order of
-// their folded form.
+// The names of the subkeys in order of their folded form; where two are equal, the user's and not the
+// machine's.
 std::map<WideText, WideText> SubkeyNames(const KeyPlace &place, const RegistryTree &tree)
 {
     std::map<WideText, WideText> names;
@@ -168,7 +168,7 @@ LSTATUS WINAPI RegDeleteKeyW(HKEY key, LPCWSTR subkey)
     return Guarded([&] { return DeleteKey(key, subkey, false); });
 }
 
-// Without a subkey what lies in the key goes, and the key itself stays.
+// Without a subkey the content of the key is deleted, and the key itself stays.
 LSTATUS WINAPI RegDeleteTreeW(HKEY key, LPCWSTR subkey)
 {
     return Guarded([&]() -> LSTATUS {

@@ -28,8 +28,8 @@ bool IsRemark(std::string_view line)
     return text.empty() || text[0] == ';';
 }
 
-// The path between the brackets; empty if the line is no heading of a key. "[-...]" would delete a
-// key at an import and means nothing in a store.
+// The path between the brackets; empty if the line is no heading of a key. "[-...]" deletes a
+// key at an import; in a store it means nothing.
 WideText KeyPathOf(std::string_view line)
 {
     const std::string_view text = Trim(line);
@@ -42,7 +42,7 @@ WideText KeyPathOf(std::string_view line)
     {
         return {};
     }
-    // What regedit exports below this root is stored where the merged view writes.
+    // Keys that regedit exports below this root are stored where the merged view writes.
     const WideView classes = TEXT("HKEY_CLASSES_ROOT");
     if (path.starts_with(classes) && (path.size() == classes.size() || path[classes.size()] == u'\\'))
     {
@@ -85,7 +85,7 @@ private:
         m_lastLineClosed = end < text.size();
         std::string_view line = text.substr(0, end);
         text.remove_prefix(std::min(end + 1, text.size()));
-        // More than one is what a careless conversion of line ends leaves.
+        // A careless conversion of line ends leaves several.
         while (line.ends_with('\r'))
         {
             line.remove_suffix(1);
@@ -111,7 +111,7 @@ private:
 
     bool ParseValue(std::string line, std::string_view &text)
     {
-        // Only the bytes of a value go on in the next line.
+        // Only values in bytes continue in the next line.
         while (line.ends_with('\\') && line.find("=hex") != std::string::npos && !text.empty())
         {
             line += '\n' + TakeLine(text);

@@ -26,7 +26,7 @@ WideText FoldRegistryName(WideView name)
     WideText folded(name);
     for (WCHAR &unit : folded)
     {
-        // Unit by unit, as Windows does: what would grow or leave the plane stays as it is.
+        // Unit by unit, as Windows does: a letter whose capital takes more units stays as it is.
         const UChar32 upper = u_toupper(unit);
         unit = upper <= 0xFFFF ? static_cast<WCHAR>(upper) : unit;
     }
@@ -65,7 +65,7 @@ void RegistryKey::SetValue(WideView valueName, DWORD type, std::vector<BYTE> dat
     RegistryLine *line = FindValue(valueName);
     if (line == nullptr)
     {
-        // Ahead of what follows the values: a section that is not understood, or blank lines.
+        // Before the lines after the last value: blank ones, or a section that was not understood.
         auto end = std::find_if(lines.begin(), lines.end(), IsForeignSection);
         while (end != lines.begin() && IsBlank(*(end - 1)))
         {
@@ -91,7 +91,7 @@ bool RegistryKey::DeleteValue(WideView valueName)
 
 RegistryTree::RegistryTree()
 {
-    // There before anybody writes to them, and without sections of their own.
+    // These exist before anything is written to them, and have no sections in the file.
     for (const WideView path :
          {WideView(TEXT("HKEY_CURRENT_USER")), WideView(TEXT("HKEY_LOCAL_MACHINE\\Software\\Classes"))})
     {
@@ -148,7 +148,7 @@ void RegistryTree::Delete(WideView path)
     if (RegistryKey *parent = Find(path.substr(0, end)))
     {
         parent->children.erase(FoldRegistryName(path.substr(end + 1)));
-        // A key that the file knew only as part of its child's path lives on.
+        // Keep the parent: it may have existed only implicitly, through this child's section.
         parent->position = parent->position ? parent->position : ++lastPosition;
     }
 }

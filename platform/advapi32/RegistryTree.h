@@ -20,7 +20,7 @@ struct RegistryLine
 
 struct RegistryKey
 {
-    WideText name;                                             // as written by whoever made the key
+    WideText name;                                             // in the case that it was made with
     std::map<WideText, std::unique_ptr<RegistryKey>> children; // by folded name
     std::vector<RegistryLine> lines;
     size_t position = 0; // order in the file; 0: has no section of its own
@@ -40,7 +40,7 @@ struct RegistryTree
     const RegistryKey *Find(WideView path) const;
     RegistryKey *Find(WideView path);
 
-    // The key, made with all that is missing on the way to it.
+    // The key; if it is missing it is made, and the missing keys above it too.
     RegistryKey &Make(WideView path);
     void Delete(WideView path);
 

@@ -37,7 +37,7 @@ public:
         return error == std::errc() && stop != start;
     }
 
-    // A text in quotes, where a backslash stands ahead of a backslash or a quote.
+    // Text in quotes; in it a backslash precedes each backslash and each quote.
     bool TakeQuoted(WideText &text)
     {
         if (!Take("\""))
@@ -55,7 +55,7 @@ public:
         return Take("\"");
     }
 
-    // Bytes in hexadecimal between commas; a backslash carries them on in the next line.
+    // Bytes in hexadecimal, separated by commas; after a backslash they continue in the next line.
     bool TakeBytes(std::vector<BYTE> &data)
     {
         SkipBreaks();

@@ -9,7 +9,7 @@
 
 namespace
 {
-// Finds the key, which the handle must have the rights for, and lets body look at it.
+// Calls body with the key, if the handle has the rights that are needed.
 template <class Body>
 LSTATUS ReadKey(HKEY key, REGSAM needed, Body &&body) noexcept
 {
@@ -99,7 +99,7 @@ LSTATUS WINAPI RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type
     {
         return ERROR_INVALID_PARAMETER;
     }
-    // A value that is there already needs no new file.
+    // If the value is stored already, the file isn't replaced.
     const LSTATUS same = ReadKey(key, 0, [&](const RegistryKey &found) -> LSTATUS {
         const RegistryLine *value = found.FindValue(NameOf(name));
         const bool equal = value && value->type == type && value->data.size() == size &&

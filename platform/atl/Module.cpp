@@ -22,7 +22,7 @@ constexpr const WCHAR *OwnScript =
          " ATL.Registrar = s 'Registrar Class' {"
          "  CLSID = s '{44EC053A-400F-11D0-9DCD-00A0C90391D3}' } }");
 
-// As it stands between single quotes.
+// The path as it is written between single quotes in a script.
 WideText QuotedModulePath()
 {
     HMODULE module = nullptr;

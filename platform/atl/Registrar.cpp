@@ -30,7 +30,7 @@ using ModuleOwner = HandleOwner<ModulePolicy>;
     ThrowHresult(HRESULT_FROM_WIN32(GetLastError()));
 }
 
-// A script is text of bytes; one with a byte order mark is UTF-16.
+// A script is text in bytes; one that begins with a byte order mark is UTF-16.
 WideText TextOfBytes(const char *bytes, size_t size)
 {
     if (size >= 2 && bytes[0] == '\xFF' && bytes[1] == '\xFE')

@@ -52,7 +52,7 @@ struct Word
     WideText text;
     bool isQuoted = false;
 
-    // Signs and keywords are such only without quotes; keywords in whatever case.
+    // In quotes a sign or keyword is plain text; keywords may be written in any case.
     bool Is(const WCHAR *sign) const { return !isQuoted && UpperCaseName(text) == UpperCaseName(sign); }
 };
 
@@ -197,7 +197,7 @@ ScriptValue ReadValue(Words &words)
     return value;
 }
 
-// Keys of the system that no script may remove with all that lies below.
+// Keys of the system that no script may remove with all their subkeys.
 bool IsShared(const WideText &name)
 {
     static constexpr const WCHAR *Names[] = {TEXT("APPID"),    TEXT("CLSID"),    TEXT("COMPONENT CATEGORIES"),

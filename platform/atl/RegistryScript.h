@@ -1,4 +1,4 @@
-// The text form of a registry script, read into what it asks for:
+// The text form of a registry script, parsed into keys and values:
 //
 //     HKCR
 //     {

@@ -1,4 +1,4 @@
-// What a script asks for, done in the registry.
+// Applies a registry script to the registry.
 #pragma once
 
 #include "platform/atl/RegistryScript.h"
@@ -7,6 +7,6 @@
 // before the failure is thrown.
 void ApplyScript(const std::vector<ScriptRoot> &roots);
 
-// Removes named values, and keys from the last to the first. What isn't there is no failure. A key below which
+// Removes named values, and keys from the last to the first. A missing key or value is no failure. A key below which
 // something else lies stays, unless it is one to be removed by force.
 void RevertScript(const std::vector<ScriptRoot> &roots);

@@ -1,4 +1,4 @@
-// What the registry says of a class.
+// Reading the registry's entries of classes.
 #pragma once
 
 #include "com/WideText.h"

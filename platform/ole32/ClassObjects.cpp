@@ -1,10 +1,11 @@
-// Creation of objects: class objects that the process has registered come first, then the module
+// Creation of objects: by a class object that the process has registered, else by the module
 // that the class's registry entry names. A module, once loaded, stays until the process ends.
 #include "com/ComPtr.h"
 #include "com/Hresult.h"
 #include "platform/kernel32/PathText.h"
 #include "platform/ole32/Apartment.h"
 #include "platform/ole32/ClassEntries.h"
+#include "platform/ole32/ClassServers.h"
 
 #include <objbase.h>
 
@@ -13,6 +14,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 namespace
@@ -27,14 +29,23 @@ struct Registration
 
 std::mutex registrationLock;
 
-// Never destroyed: what is still registered when the process ends may not be called any more.
+std::mutex folderLock;
+std::optional<std::vector<std::filesystem::path>> allowedFolders;
+
+bool MayLoad(const std::filesystem::path &file)
+{
+    const std::lock_guard guard(folderLock);
+    return !allowedFolders || std::ranges::find(*allowedFolders, file.parent_path()) != allowedFolders->end();
+}
+
+// Never destroyed: objects that are still registered when the process ends may not be released any more.
 std::vector<Registration> &Registrations()
 {
     static auto *registrations = new std::vector<Registration>;
     return *registrations;
 }
 
-// A class object for single use leaves the table with its first use.
+// A class object for single use is taken out of the table by its first use.
 ComPtr<IUnknown> FindRegistered(REFCLSID clsid)
 {
     const std::lock_guard guard(registrationLock);
@@ -61,12 +72,16 @@ HRESULT GetClassObjectOfModule(REFCLSID clsid, REFIID iid, void **object)
         return REGDB_E_CLASSNOTREG;
     }
     const std::string file = PathToBytes(path);
+    if (!MayLoad(file))
+    {
+        return E_ACCESSDENIED;
+    }
     struct stat status;
     if (stat(file.c_str(), &status) != 0)
     {
         return CO_E_DLLNOTFOUND;
     }
-    // The loader counts by file: a module loaded before is found again, and none is ever unloaded.
+    // The loader finds a module that is loaded already by its file; RTLD_NODELETE keeps it for good.
     void *module = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
     if (module == nullptr)
     {
@@ -79,6 +94,12 @@ HRESULT GetClassObjectOfModule(REFCLSID clsid, REFIID iid, void **object)
     return result;
 }
 } // namespace
+
+void LoadClassServersOnlyFrom(std::vector<std::filesystem::path> folders)
+{
+    const std::lock_guard guard(folderLock);
+    allowedFolders = std::move(folders);
+}
 
 HRESULT WINAPI CoGetClassObject(REFCLSID clsid, DWORD context, COSERVERINFO *, REFIID iid, LPVOID *object)
 {
@@ -143,7 +164,7 @@ HRESULT WINAPI CoRegisterClassObject(REFCLSID clsid, LPUNKNOWN object, DWORD con
 
 HRESULT WINAPI CoRevokeClassObject(DWORD cookie)
 {
-    ComPtr<IUnknown> released; // after the lock: its release may call back
+    ComPtr<IUnknown> released; // released after the lock: the object's destructor may call back
     const std::lock_guard guard(registrationLock);
     auto &all = Registrations();
     const auto found =

@@ -211,7 +211,7 @@ private:
     off_t m_position = 0;
 };
 
-// The folder of a file that isn't there tells which of two codes is meant.
+// As Windows: another code if the folder is missing too.
 HRESULT OpenFailure(const std::string &path, int error)
 {
     struct stat status;

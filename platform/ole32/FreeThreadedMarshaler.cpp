@@ -12,7 +12,7 @@ namespace
 {
 const CLSID InProcessUnmarshaler = {0x0000033a, 0, 0, {0xc0, 0, 0, 0, 0, 0, 0, 0x46}};
 
-// What lies in the stream. The secret tells a packet of this process from any other bytes.
+// The content of the stream. The secret tells a packet of this process from any other bytes.
 struct Packet
 {
     DWORD flags;
@@ -123,7 +123,7 @@ public:
         result = ObjectOf(packet)->QueryInterface(iid, object);
         if (packet.flags == MSHLFLAGS_NORMAL)
         {
-            ComPtr<IUnknown>::Adopt(ObjectOf(packet)); // a normal packet serves once
+            ComPtr<IUnknown>::Adopt(ObjectOf(packet)); // a normal packet can be unmarshaled once
         }
         return result;
     }

@@ -1,4 +1,4 @@
-// Texts of identifiers, and the registry's ties between class identifiers and program identifiers.
+// Texts of identifiers, and the registry's links between class identifiers and program identifiers.
 #include "com/HandleOwner.h"
 #include "com/Hresult.h"
 #include "platform/ole32/ClassEntries.h"

@@ -10,7 +10,7 @@
 
 namespace
 {
-// Asked of a stream by GetHGlobalFromStream: is it one of ours?
+// GetHGlobalFromStream asks a stream for this interface to learn whether it is one of these.
 const IID MemoryStreamId = {0x6f2ad5b3, 0x1c0e, 0x4d0b, {0x9a, 0x0b, 0x52, 0x2d, 0x88, 0x31, 0x6e, 0x57}};
 
 struct SharedMemory
@@ -26,7 +26,7 @@ struct SharedMemory
     SharedMemory(const SharedMemory &) = delete;
     SharedMemory &operator=(const SharedMemory &) = delete;
 
-    // Makes room for so many bytes; what is new is zero.
+    // Makes room for the wanted number of bytes; new ones are zero.
     bool Resize(ULONGLONG wanted)
     {
         if (wanted > 0xFFFFFFFF)

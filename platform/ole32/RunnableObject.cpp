@@ -3,7 +3,7 @@
 #include <windows.h>
 #include <ole2.h>
 
-// An object that isn't told to run is running.
+// An object without IRunnableObject is always running.
 HRESULT WINAPI OleRun(IUnknown *object)
 {
     const auto runnable = QueryFor<IRunnableObject>(object);

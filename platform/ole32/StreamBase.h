@@ -40,7 +40,7 @@ public:
     }
 
 protected:
-    // Where a Seek leads; false if that is ahead of the start or the origin is none.
+    // The position that a Seek asks for; false if it is before the start, or the origin is unknown.
     static bool NewPosition(LARGE_INTEGER move, DWORD origin, ULONGLONG position, ULONGLONG size,
                             ULONGLONG &target) noexcept
     {

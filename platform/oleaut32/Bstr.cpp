@@ -29,7 +29,7 @@ BSTR Allocate(UINT bytes)
     }
     auto text = reinterpret_cast<BSTR>(block + HeaderSize);
     *LengthOf(text) = bytes;
-    // An odd number of bytes is closed by a whole unit behind the last byte, too.
+    // After an odd number of bytes, too, a whole zero unit follows the last byte.
     std::memset(block + HeaderSize + bytes, 0, padded - bytes);
     return text;
 }

@@ -9,7 +9,7 @@
 
 namespace
 {
-// The descriptor that everybody knows, and in front of it the type, as FADF_HAVEVARTYPE says.
+// The public descriptor, preceded by the element type, as FADF_HAVEVARTYPE says.
 struct TypedArray
 {
     DWORD unused[3];
@@ -60,7 +60,7 @@ SAFEARRAY *WINAPI SafeArrayCreateVector(VARTYPE type, LONG lowerBound, ULONG ele
     {
         return nullptr;
     }
-    // Of no elements too, the data has an address.
+    // The data of an empty array has an address too.
     void *const data = std::calloc(elements != 0 ? elements : 1, size);
     if (data == nullptr)
     {

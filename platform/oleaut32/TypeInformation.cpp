@@ -90,7 +90,7 @@ public:
         });
     }
 
-    // Of functions without parameters; of others the types would have to be known, which the reader passes over.
+    // Only functions without parameters: the reader of the file skips the types of parameters.
     STDMETHODIMP Invoke(PVOID object, MEMBERID id, WORD flags, DISPPARAMS *parameters, VARIANT *, EXCEPINFO *,
                         UINT *) noexcept override
     {
@@ -145,7 +145,7 @@ public:
         return S_OK;
     }
 
-    // What registration and calls by name don't ask for.
+    // Registration and calls by name don't call these.
     STDMETHODIMP GetTypeComp(ITypeComp **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP GetFuncDesc(UINT, FUNCDESC **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP GetVarDesc(UINT, VARDESC **) noexcept override { return E_NOTIMPL; }

@@ -105,7 +105,7 @@ public:
         });
     }
 
-    // What registration and calls by name don't ask for.
+    // Registration and calls by name don't call these.
     STDMETHODIMP GetTypeComp(ITypeComp **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP IsName(LPOLESTR, ULONG, BOOL *) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP FindName(LPOLESTR, ULONG, ITypeInfo **, MEMBERID *, USHORT *) noexcept override

@@ -103,7 +103,7 @@ void Remove(const Classes &classes, const WideText &path)
     }
 }
 
-// The keys below path, but for the two that every version has.
+// The keys below path, except the two that every version has.
 size_t CountOthers(const Classes &classes, const WideText &path)
 {
     RegistryKeyOwner key;
@@ -195,7 +195,7 @@ HRESULT Register(ITypeLib *library, LPCOLESTR path, LPCOLESTR helpFolder, const 
     });
 }
 
-// The interfaces are told by the library itself; one that can't be read any more leaves their entries.
+// The library itself lists its interfaces; if it can't be read any more, their entries stay.
 void RemoveInterfaces(const Classes &classes, const WideText &path, const WideText &id)
 {
     ComPtr<ITypeLib> library;

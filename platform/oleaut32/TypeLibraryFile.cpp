@@ -1,5 +1,5 @@
 // The form: a header, the places of the descriptions, a directory of segments, and the segments. All numbers are
-// little-endian; a name, a text or an identifier is told by its offset in its segment, -1 for none.
+// little-endian; a name, a text or an identifier is given by its offset in its segment, -1 for none.
 #include "platform/oleaut32/TypeLibraryFile.h"
 
 #include "com/Hresult.h"
@@ -110,7 +110,7 @@ private:
         const Bytes &texts = m_segments[TextSegment];
         return offset == None ? WideText() : texts.Text(offset + sizeof(WORD), texts.Word(offset));
     }
-    // Behind eight bytes of lookup, one with the length in a doubleword of flags.
+    // Eight bytes of lookup, a doubleword of flags whose first byte is the length, and the name.
     WideText Name(DWORD offset) const
     {
         const Bytes &names = m_segments[NameSegment];
@@ -135,7 +135,7 @@ private:
         return type;
     }
 
-    // The records of functions and variables, and behind them three tables: ids, names, and places of records.
+    // The records of functions and variables, and after them three tables: ids, names, and places of records.
     std::vector<TypeFunction> ReadFunctions(size_t records, size_t count, size_t variables) const
     {
         const size_t ids = records + sizeof(DWORD) + m_file.Dword(records);

@@ -31,7 +31,7 @@ const char *LocaleName(LCID locale)
             return name;
         }
     }
-    // The C locale would compare code points, which no language does and Windows doesn't know.
+    // The C locale would compare code points; Windows always compares by a language.
     const char *environment = uloc_getDefault();
     return std::strstr(environment, "POSIX") ? "en_US" : environment;
 }

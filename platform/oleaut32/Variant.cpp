@@ -1,5 +1,5 @@
 // VARIANT: initialising, clearing and copying of the types that automation of this system uses.
-// Arrays can be cleared, and not copied; records are not among them: DISP_E_BADVARTYPE.
+// Arrays can be cleared but not copied; records are refused with DISP_E_BADVARTYPE.
 #include <windows.h>
 #include <oleauto.h>
 

@@ -157,7 +157,7 @@ HRESULT ToInteger(const VARIANTARG &source, const IntegerRange &range, VARIANT &
     return S_OK;
 }
 
-// A double has no room for all numbers of 64 bits: text of plain digits is read as it stands.
+// A double can't hold every number of 64 bits, so text of plain digits is read as a whole number.
 bool Integer64OfText(BSTR text, int64_t &value)
 {
     std::string plain;

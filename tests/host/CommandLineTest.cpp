@@ -36,6 +36,8 @@ TEST(CommandLineTest, ReadsEveryCommand)
     EXPECT_EQ(publish.command, Command::Publish);
     EXPECT_EQ(publish.profile, "/x");
     EXPECT_TRUE(publish.recursive);
+    EXPECT_FALSE(publish.allowSmall);
+    EXPECT_TRUE(Parsed({"publish", "--allow-small", "a"}).allowSmall);
     EXPECT_TRUE(publish.verbose);
     EXPECT_THAT(publish.paths, ElementsAre("status", "a b.jpg"));
     EXPECT_THAT(Parsed({"publish", "--", "-x.jpg"}).paths, ElementsAre("-x.jpg"));

@@ -44,6 +44,25 @@ TEST(InitData, ComesBackAsItWas)
     EXPECT_FALSE(ParseInitData("")->IsAuthorized());
 }
 
+TEST(InitData, TheFileAroundItTellsEveryDamage)
+{
+    const std::string content = ComposeInitData(SomeAccount());
+    const std::string file = ComposeInitDataFile(content);
+    EXPECT_EQ(ParseInitDataFile(file), content);
+    EXPECT_EQ(ParseInitDataFile(content), content) << "as earlier versions wrote it";
+    EXPECT_EQ(ParseInitDataFile(ComposeInitDataFile("")), "");
+    for (size_t length = 0; length < file.size(); ++length)
+    {
+        EXPECT_FALSE(ParseInitDataFile(file.substr(0, length))) << length;
+    }
+    for (size_t bit = 0; bit < file.size() * 8; ++bit)
+    {
+        std::string changed = file;
+        changed[bit / 8] = static_cast<char>(changed[bit / 8] ^ (1 << bit % 8));
+        EXPECT_FALSE(ParseInitDataFile(changed)) << bit;
+    }
+}
+
 TEST(InitData, DamageIsNeverTakenForAnAccount)
 {
     const std::string whole = ComposeInitData(SomeAccount());

@@ -20,7 +20,11 @@ inline std::string AccountOf(const WCHAR *token)
 class ProfileTest : public testing::Test
 {
 protected:
-    std::string Kept() const { return m_folder.Read("profile/init-data.bin"); }
+    // The content of the account file.
+    std::string Kept() const
+    {
+        return ParseInitDataFile(m_folder.Read("profile/init-data.bin")).value_or("(damaged)");
+    }
 
     TemporaryFolder m_folder;
     Profile m_profile{m_folder.Path() / "profile"};

@@ -51,7 +51,7 @@ TEST_F(ProfileTest, OneHolderOfTheLockWaitsForTheOther)
     EXPECT_TRUE(waited);
 }
 
-TEST_F(ProfileTest, AFolderThatCanNotBeMadeIsToldInWords)
+TEST_F(ProfileTest, AFolderThatCanNotBeMadeEndsInWords)
 {
     m_folder.Write("file", "x");
     try

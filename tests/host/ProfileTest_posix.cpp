@@ -11,6 +11,8 @@
 #include <unistd.h>
 
 namespace fs = std::filesystem;
+using testing::AllOf;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 namespace
@@ -21,18 +23,71 @@ mode_t ModeOf(const fs::path &file)
     ::stat(file.c_str(), &status);
     return status.st_mode & 07777;
 }
+
+std::string RefusalOf(const fs::path &folder)
+{
+    try
+    {
+        const Profile profile(folder);
+        return "(taken)";
+    }
+    catch (const ProfileError &error)
+    {
+        return error.what();
+    }
+}
 } // namespace
 
 TEST_F(ProfileTest, IsForTheOwnersEyesAlone)
 {
     InitDataStore store(m_profile);
     store.Load();
-    EXPECT_EQ(store.Content(), "");
     EXPECT_EQ(store.Store(AccountOf(TEXT("a"))), StoreOutcome::Stored);
-    EXPECT_EQ(Kept(), AccountOf(TEXT("a")));
     EXPECT_EQ(ModeOf(m_profile.Folder()), 0700u);
     EXPECT_EQ(ModeOf(m_profile.InitDataFile()), 0600u);
-    EXPECT_EQ(store.Store(AccountOf(TEXT("a"))), StoreOutcome::Unchanged);
+}
+
+TEST_F(ProfileTest, WhatOthersMayWriteIsRefused)
+{
+    m_folder.Write("profile/init-data.bin", AccountOf(TEXT("planted")));
+    m_folder.Write("profile/registry.reg", "planted");
+    for (const fs::path &path : {m_profile.Folder(), m_profile.InitDataFile(), m_profile.RegistryFile()})
+    {
+        const fs::perms before = fs::status(path).permissions();
+        EXPECT_NO_THROW(Profile{m_profile.Folder()});
+        for (const fs::perms others : {fs::perms::group_write, fs::perms::others_write})
+        {
+            fs::permissions(path, before | others);
+            EXPECT_THAT(RefusalOf(m_profile.Folder()), AllOf(HasSubstr(path), HasSubstr("other users")));
+        }
+        fs::permissions(path, before);
+        if (::geteuid() == 0)
+        {
+            constexpr uid_t Nobody = 65534;
+            ASSERT_EQ(::chown(path.c_str(), Nobody, Nobody), 0);
+            EXPECT_THAT(RefusalOf(m_profile.Folder()), AllOf(HasSubstr(path), HasSubstr("belongs to nobody")));
+            ASSERT_EQ(::chown(path.c_str(), 0, 0), 0);
+        }
+    }
+}
+
+TEST_F(ProfileTest, APipeInThePlaceOfAFileHangsNobody)
+{
+    ASSERT_EQ(::mkfifo(m_profile.InitDataFile().c_str(), 0600), 0);
+    EXPECT_TRUE(TryToRead(m_profile.InitDataFile()));
+    InitDataStore store(m_profile);
+    EXPECT_THROW(store.Load(), ProfileError);
+}
+
+TEST_F(ProfileTest, ALinkToTheAccountStaysOne)
+{
+    m_folder.Write("account", AccountOf(TEXT("old")));
+    fs::create_symlink(m_folder.Path() / "account", m_profile.InitDataFile());
+    InitDataStore store(m_profile);
+    store.Load();
+    EXPECT_EQ(store.Store(AccountOf(TEXT("new"))), StoreOutcome::Stored);
+    EXPECT_TRUE(fs::is_symlink(m_profile.InitDataFile()));
+    EXPECT_EQ(ParseInitDataFile(m_folder.Read("account")), AccountOf(TEXT("new")));
 }
 
 TEST_F(ProfileTest, ACrashBeforeTheRenameLeavesTheOldContentWhole)

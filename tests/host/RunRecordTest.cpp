@@ -39,7 +39,7 @@ TEST(RunRecord, AWholeRunIsOneSentence)
     PublishAll(record, 2);
     const RunSummary summary = record.Summarize(false, Words);
     EXPECT_EQ(summary.text, "Published 2 pictures.\n");
-    EXPECT_EQ(summary.exitCode, ExitCode::AllWentUp);
+    EXPECT_EQ(summary.exitCode, ExitCode::Success);
 }
 
 TEST(RunRecord, ErrorsBelongToTheItemThatIsRunning)
@@ -78,7 +78,7 @@ TEST(RunRecord, ACancelThatCameTooLateIsNoFailure)
 {
     RunRecord record(Items(1));
     PublishAll(record, 1);
-    EXPECT_EQ(record.Summarize(true, Words).exitCode, ExitCode::AllWentUp);
+    EXPECT_EQ(record.Summarize(true, Words).exitCode, ExitCode::Success);
 }
 
 TEST(RunRecord, RefusedFilesCountAmongThoseThatDidNotGoUp)

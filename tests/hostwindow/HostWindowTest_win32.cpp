@@ -64,7 +64,8 @@ protected:
     }
     bool IsKeptAuthorized() const
     {
-        const auto account = ParseInitData(m_folder.Read("profile/init-data.bin"));
+        const auto account =
+            ParseInitData(ParseInitDataFile(m_folder.Read("profile/init-data.bin")).value_or("(damaged)"));
         return account && account->IsAuthorized();
     }
 

@@ -10,11 +10,11 @@ finish() { [ -z "$service" ] || kill "$service" 2>/dev/null || true; rm -rf "$wo
 trap finish EXIT
 
 fail() { printf 'FAILED: %s\n' "$1" >&2; [ ! -f "$work/out" ] || cat "$work/out" >&2; exit 1; }
-# Runs halvora, its words in $work/out: expect CODE ARGUMENTS...
+# Runs halvora, in $language if that is set, its words in $work/out: expect CODE ARGUMENTS...
 expect() {
     local wanted=$1 code=0
     shift
-    "$bin/halvora" --profile "$work/profile" "$@" >"$work/out" 2>&1 || code=$?
+    ${language:+env LC_ALL=$language} "$bin/halvora" --profile "$work/profile" "$@" >"$work/out" 2>&1 || code=$?
     [ $code -eq "$wanted" ] || fail "halvora $*: exit code $code, not $wanted"
 }
 says() { grep -qF -- "$1" "$work/out" || fail "nothing said of: $1"; }
@@ -88,6 +88,43 @@ says 'damaged'
 [ "$(cat "$work/profile/init-data.bin.damaged-1")" = garbage ] || fail 'the damaged file is not kept'
 printf 'tok\nsec\n' | "$bin/halvora" --profile "$work/profile" account --set-token - >/dev/null
 stop_service
+
+# Nor are settings replaced by their defaults unseen: not even the second call publishes.
+start_service store3
+head -c 100 "$work/profile/registry.reg" >"$work/cut"
+cp "$work/cut" "$work/profile/registry.reg"
+expect 1 publish raw.jpg
+says "registry.reg.damaged-1; all settings have their defaults now"
+cmp -s "$work/cut" "$work/profile/registry.reg.damaged-1" || fail 'the damaged settings are not kept'
+for command in 'publish raw.jpg' status authorize; do
+    # shellcheck disable=SC2086
+    expect 1 $command
+    says 'nothing was done by the defaults'
+done
+[ "$(uploads | jq length)" = 0 ] || fail 'a picture was sent by the defaults'
+expect 0 settings JPEGMode=2
+says 'JPEGMode=2'
+
+# A size that another language wrote, read without a language.
+language=de_DE.UTF-8 expect 0 settings JPEGLongDimension=1024
+says 'JPEGLongDimension=1.024 px'
+language=C expect 0 status
+says 'is stored as "1.024 px" and means 1 px here: 1 pixels. In a language with the other decimal separator it means 1024 pixels'
+language=C expect 1 publish raw.jpg
+says 'would make pictures at most 1 pixels long. Nothing was sent.'
+[ "$(uploads | jq length)" = 0 ] || fail 'a picture of one pixel was sent'
+language=C expect 0 publish --allow-small raw.jpg
+language=C expect 0 settings JPEGLongDimension= JPEGMode=0
+stop_service
+
+# Faults of the profile and of the output are said once, in words.
+mkdir -p "$work/barred/registry.reg.lock"
+code=0
+"$bin/halvora" --profile "$work/barred" status >"$work/out" 2>&1 || code=$?
+[ "$code $(wc -l <"$work/out")" = '1 1' ] || fail "a new profile that can't be written: code $code"
+says 'can'"'"'t be written: Access was denied.'
+! "$bin/halvora" --profile "$work/profile" settings >/dev/full 2>"$work/out" || fail 'a full disk is no failure'
+says 'No space left on device'
 
 # A termination reaches a transfer whose answer doesn't come; what was not tried is named.
 start_service store2 --fault 'kind=delay&ms=60000&target=upload'

@@ -75,6 +75,11 @@ done
 halvora settings
 cmp -s "$work/out" "$work/defaults" || fail 'a cancelled sheet stored something'
 
+# A terminal that nobody knows gets the list.
+terminals=$((terminals + 1))
+screen -f /dev/null new-session -d -x 80 -y 40 "TERM=nosuchterm '$bin/halvora' --profile '$work/profile' settings; sleep 60"
+sees 'JPEGMode=2 (default)'
+
 # Through all pages, on two sizes of terminal: title and description, family, asynchronous; moderate,
 # screenshots, hidden; JPEG at 320 px without GPS; RAW minimized no more, at 500 px from the list.
 walk() { # COLUMNS ROWS
