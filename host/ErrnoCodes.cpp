@@ -19,6 +19,7 @@ HRESULT HresultFromErrno(int number) noexcept
         {ENOMEM, ERROR_NOT_ENOUGH_MEMORY},
         {EEXIST, ERROR_FILE_EXISTS},
         {EIO, ERROR_IO_DEVICE},
+        {EINVAL, ERROR_FILE_INVALID}, // TryToRead of a pipe or a device, which has taken a file's place
     };
     for (const auto &[error, code] : Codes)
     {

@@ -6,6 +6,8 @@
 #include "com/WideText.h"
 
 #include <filesystem>
+#include <string>
+#include <string_view>
 
 WideText TextOfPath(const std::filesystem::path &path);
 std::filesystem::path PathOfText(WideView text);
@@ -21,6 +23,17 @@ inline std::string ExtensionOf(const std::filesystem::path &file)
 {
     const std::string extension = NameBytes(file.extension());
     return extension.empty() ? extension : extension.substr(1);
+}
+
+// Extensions are compared without regard to the case of ASCII letters.
+inline std::string LowerAscii(std::string_view text)
+{
+    std::string lower(text);
+    for (char &c : lower)
+    {
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+    return lower;
 }
 
 // The same for every name that leads to a file of this name in the same folder: links to folders are

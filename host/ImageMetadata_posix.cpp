@@ -3,6 +3,7 @@
 #include "host/ErrnoCodes.h"
 #include "host/MetadataTexts.h"
 #include "host/SnapshotFields.h"
+#include "host/WholeFile.h"
 
 #include "com/Hresult.h"
 
@@ -11,8 +12,6 @@
 #include <exiv2/exiv2.hpp>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -230,15 +229,12 @@ MetadataSnapshot ReadGroups(const Exiv2::Image &image, const MetadataBlocks &blo
     return groups;
 }
 
-// Opens the file first: the library's errors tell a missing file from an unknown kind only in their texts.
+// Opens the file first: the library's errors tell a missing file from an unknown kind only in their texts, and
+// the library waits without end for a pipe's writer.
 HRESULT TryOpen(const std::filesystem::path &file)
 {
-    if (std::FILE *opened = std::fopen(file.c_str(), "rb"))
-    {
-        std::fclose(opened);
-        return S_OK;
-    }
-    return HresultFromErrno(errno);
+    const std::error_code fault = TryToRead(file);
+    return fault ? HresultFromErrno(fault.value()) : S_OK;
 }
 } // namespace
 

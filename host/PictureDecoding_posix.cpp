@@ -3,15 +3,14 @@
 #include "host/ErrnoCodes.h"
 #include "host/FileNames.h"
 #include "host/RawDecoding_posix.h"
+#include "host/WholeFile.h"
 
 #include <vips/vips.h>
 
 #include <wincodec.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
+#include <fstream>
 #include <memory>
 #include <string_view>
 
@@ -77,16 +76,14 @@ std::string TakeReport()
 
 std::string FirstBytes(const std::filesystem::path &file)
 {
-    std::FILE *opened = std::fopen(file.c_str(), "rb");
-    if (opened == nullptr)
+    if (const std::error_code fault = TryToRead(file))
     {
-        const int error = errno;
-        throw DecodingError(HresultFromErrno(error), std::string("can't be read: ") + std::strerror(error));
+        throw DecodingError(HresultFromErrno(fault.value()), "can't be read: " + FileErrorWords(fault));
     }
     char bytes[12];
-    const size_t count = std::fread(bytes, 1, sizeof(bytes), opened);
-    std::fclose(opened);
-    return std::string(bytes, count);
+    std::ifstream content(file, std::ios::binary);
+    content.read(bytes, sizeof(bytes));
+    return std::string(bytes, static_cast<size_t>(content.gcount()));
 }
 
 // Kinds that no camera raw file begins with. Many raw files are TIFF outside, and a reader of TIFF finds

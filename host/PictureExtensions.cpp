@@ -1,8 +1,9 @@
 #include "host/PictureExtensions.h"
 
+#include "host/FileNames.h"
+
 #include <algorithm>
 #include <array>
-#include <string>
 
 namespace
 {
@@ -17,26 +18,16 @@ static_assert(std::is_sorted(Pictures.begin(), Pictures.end()));
 
 constexpr auto Sidecars = std::to_array<std::string_view>({"dop", "pp3", "thm", "xmp"});
 static_assert(std::is_sorted(Sidecars.begin(), Sidecars.end()));
-
-std::string Lower(std::string_view extension)
-{
-    std::string lower(extension);
-    for (char &c : lower)
-    {
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    }
-    return lower;
-}
 } // namespace
 
 bool IsPictureExtension(std::string_view extension)
 {
-    return std::binary_search(Pictures.begin(), Pictures.end(), std::string_view(Lower(extension)));
+    return std::binary_search(Pictures.begin(), Pictures.end(), std::string_view(LowerAscii(extension)));
 }
 
 bool IsSidecarExtension(std::string_view extension)
 {
-    return std::binary_search(Sidecars.begin(), Sidecars.end(), std::string_view(Lower(extension)));
+    return std::binary_search(Sidecars.begin(), Sidecars.end(), std::string_view(LowerAscii(extension)));
 }
 
 std::span<const std::string_view> PictureExtensions()

@@ -134,13 +134,21 @@ private:
         }
         std::error_code error;
         const fs::path whole = fs::absolute(file, error);
-        const auto [known, isNew] =
-            m_byStem.try_emplace(identity.parent_path() / identity.stem(), m_collection.items.size());
-        if (isNew)
+        // A.jpg and A.JPG are two pictures, if the system has two such files.
+        std::vector<size_t> &siblings = m_byStem[identity.parent_path() / identity.stem()];
+        const auto item = std::find_if(siblings.begin(), siblings.end(), [&](size_t index) {
+            const auto &known = m_collection.items[index].extensions;
+            return std::none_of(known.begin(), known.end(), [&](const std::string &each) {
+                return LowerAscii(each) == LowerAscii(extension);
+            });
+        });
+        if (item != siblings.end())
         {
-            m_collection.items.push_back({whole.parent_path() / whole.stem(), {}});
+            m_collection.items[*item].extensions.push_back(extension);
+            return;
         }
-        m_collection.items[known->second].extensions.push_back(extension);
+        siblings.push_back(m_collection.items.size());
+        m_collection.items.push_back({whole.parent_path() / whole.stem(), {extension}});
     }
 
     // Returns false if the folder was walked before or can't be read.
@@ -178,7 +186,7 @@ private:
 
     const bool m_recursive;
     ItemCollection m_collection;
-    std::map<fs::path, size_t> m_byStem;
+    std::map<fs::path, std::vector<size_t>> m_byStem; // the items of each
     std::set<fs::path> m_seen;
     std::set<fs::path> m_walked;
 };

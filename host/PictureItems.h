@@ -6,7 +6,8 @@
 #include <string>
 #include <vector>
 
-// One picture. Its files lie in one folder and differ only in their extension.
+// One picture. Its files lie in one folder and differ only in their extension. Extensions that differ only
+// in case belong to different pictures, since the plug-in can't tell them apart.
 struct PictureItem
 {
     std::filesystem::path stem;          // absolute, without the dot and extension

@@ -13,16 +13,9 @@ constexpr size_t MostBytesAhead = size_t{64} << 20;
 // How many items are searched for the next picture to decode; others are sent as they are on disk.
 constexpr size_t Sight = 8;
 
-std::string LowerExtension(std::string extension)
-{
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-    return extension;
-}
-
 std::string LowerExtensionOf(const fs::path &file)
 {
-    return LowerExtension(ExtensionOf(file));
+    return LowerAscii(ExtensionOf(file));
 }
 } // namespace
 
@@ -132,7 +125,7 @@ const std::string *PicturesAhead::GuessExtension(const PictureItem &item, const 
 {
     for (const std::string &extension : item.extensions)
     {
-        if (LowerExtension(extension) == asked)
+        if (LowerAscii(extension) == asked)
         {
             return &extension;
         }
@@ -141,7 +134,7 @@ const std::string *PicturesAhead::GuessExtension(const PictureItem &item, const 
     {
         return nullptr;
     }
-    const auto known = m_isDecoded.find(LowerExtension(item.extensions[0]));
+    const auto known = m_isDecoded.find(LowerAscii(item.extensions[0]));
     return known != m_isDecoded.end() && known->second ? &item.extensions[0] : nullptr;
 }
 

@@ -123,7 +123,7 @@ ExitCode RunPublishCommand(const CommandLine &line, const Profile &profile)
     }
     RunRecord record(std::move(collection));
     const RunEnd end = record.Items().empty() ? RunEnd{S_OK, false} : Publish(record, store, display, signals);
-    const RunSummary summary = record.Summarize(end.cancelled, SystemWordsOrNone);
+    const RunSummary summary = record.Summarize(end.cancelled, SystemWordsOrNone, ProcessVariable);
     display.Print(summary.text);
     return summary.exitCode;
 }

@@ -70,6 +70,7 @@ STDMETHODIMP PublishingHost::GetItemRecord(UINT64 item, ItemRecord *record) noex
         m_record.ItemBegins(index);
         m_ahead.ItemBegins(index);
         const PictureItem &picture = m_record.Items()[index];
+        m_undecided = picture.extensions.size() > 1 ? &picture : nullptr;
         BstrOwner path(TextOfPath(picture.stem));
         BstrOwner extensions(JoinExtensions(picture));
         record->Path = path.Detach();
@@ -84,8 +85,32 @@ STDMETHODIMP PublishingHost::WriteLogEntry(INT32 level, LPCWSTR source, LPCWSTR 
         const std::string text = Utf8FromText(message != nullptr ? WideView(message) : WideView());
         m_record.NoteEntry(level, text);
         m_log(level, Utf8FromText(source != nullptr ? WideView(source) : WideView()), text);
+        NoteChoice(text);
         return S_OK;
     });
+}
+
+// Of the files of one picture the plug-in publishes one. Its first entry that names a file tells which.
+void PublishingHost::NoteChoice(const std::string &entry)
+{
+    const PictureItem *const picture = m_undecided;
+    if (picture == nullptr)
+    {
+        return;
+    }
+    std::string chosen;
+    std::string others;
+    for (size_t i = 0; i < picture->extensions.size(); ++i)
+    {
+        const std::filesystem::path file = picture->File(i);
+        std::string &names =
+            entry.find("\"" + Utf8FromText(TextOfPath(file)) + "\"") != entry.npos ? chosen : others;
+        names += (names.empty() ? "" : ", ") + ShownPath(file.filename());
+    }
+    if (!chosen.empty() && m_undecided.exchange(nullptr) != nullptr)
+    {
+        Tell(LOG_LEVEL_INFO, "Left out, since " + chosen + " is the same picture: " + others + ".");
+    }
 }
 
 ComPtr<IWICBitmapSource> PublishingHost::ReadPicture(const std::filesystem::path &file, UINT longEdge)

@@ -47,12 +47,14 @@ private:
     ComPtr<IWICBitmapSource> ReadPicture(const std::filesystem::path &file, UINT longEdge);
 
     void GoWithoutMetadata(bool processed);
+    void NoteChoice(const std::string &entry);
 
     RunRecord &m_record;
     const LogSink m_log;
     GlobalMemoryOwner m_list;
     MetadataSnapshots m_snapshots;
     PicturesAhead m_ahead;
+    std::atomic<const PictureItem *> m_undecided = nullptr; // the item whose file the plug-in hasn't named yet
     std::atomic<bool> m_toldOfNoReading = false;
     std::atomic<bool> m_toldOfNoWriting = false;
 };

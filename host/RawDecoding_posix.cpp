@@ -1,5 +1,7 @@
 #include "host/RawDecoding_posix.h"
 
+#include "host/FileNames.h"
+
 #include <wincodec.h>
 
 // The library declares integers of these names that differ from Windows'.
@@ -66,10 +68,7 @@ void NoteDamage(void *damaged, const char *, int)
 
 bool IsRawExtension(std::string_view extension)
 {
-    std::string lower(extension);
-    std::transform(lower.begin(), lower.end(), lower.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
-    return std::binary_search(RawExtensions.begin(), RawExtensions.end(), std::string_view(lower));
+    return std::binary_search(RawExtensions.begin(), RawExtensions.end(), std::string_view(LowerAscii(extension)));
 }
 
 DecodedPicture DevelopRaw(const std::filesystem::path &file, UINT longEdge, const std::atomic<bool> *stop)

@@ -13,6 +13,9 @@ namespace
 {
 constexpr std::string_view CodeMark = "0x";
 constexpr size_t CodeDigits = 8;
+
+// The web client says this of every upload that was sent whole and not answered, and of no other.
+constexpr std::string_view OutcomeUnknown = "may or may not have arrived";
 constexpr std::string_view HexDigits = "0123456789abcdefABCDEF";
 
 std::string Trimmed(std::string text)
@@ -55,6 +58,31 @@ std::string Count(size_t number, const char *one, const char *several)
 {
     return std::to_string(number) + " " + (number == 1 ? one : several);
 }
+
+// Files that ended alike, a line each with the reason.
+class FileList
+{
+public:
+    void Add(const std::string &name, const std::string &reason)
+    {
+        m_lines += "  " + name + ": " + OneSafeLine(reason) + "\n";
+        ++m_count;
+    }
+
+    // Adds their count, the words for one or several and the lines, if there are any.
+    void AppendTo(std::string &text, const char *one, const char *several) const
+    {
+        if (m_count != 0)
+        {
+            text += (text.ends_with('\n') ? "" : " ") + Count(m_count, "file", "files");
+            text += std::string(m_count == 1 ? one : several) + "\n" + m_lines;
+        }
+    }
+
+private:
+    std::string m_lines;
+    size_t m_count = 0;
+};
 } // namespace
 
 std::string ReasonOfEntry(const std::string &entry, const ErrorWords &words)
@@ -120,35 +148,57 @@ ItemEnd RunRecord::EndOf(size_t index) const
     {
         return ItemEnd::NotTried;
     }
-    return state.errors.empty() ? ItemEnd::Published : ItemEnd::Failed;
+    if (state.errors.empty())
+    {
+        return ItemEnd::Published;
+    }
+    const bool isUnknown = std::any_of(state.errors.begin(), state.errors.end(), [](const std::string &error) {
+        return error.find(OutcomeUnknown) != error.npos;
+    });
+    return isUnknown ? ItemEnd::Unknown : ItemEnd::Failed;
 }
 
-RunSummary RunRecord::Summarize(bool cancelled, const ErrorWords &words) const
+std::string RunRecord::ItemState::Reason(const ErrorWords &words) const
+{
+    return errors.size() > 1 ? errors.front() : ReasonOfEntry(errors.back(), words);
+}
+
+std::vector<std::string> RunRecord::Errors() const
+{
+    std::vector<std::string> all = m_runErrors;
+    for (const ItemState &state : m_states)
+    {
+        all.insert(all.end(), state.errors.begin(), state.errors.end());
+    }
+    return all;
+}
+
+RunSummary RunRecord::Summarize(bool cancelled, const ErrorWords &words, const Variables &variables) const
 {
     size_t published = 0;
-    std::string failures;
-    const auto addFailure = [&](const std::string &name, const std::string &reason) {
-        failures += "  " + name + ": " + OneSafeLine(reason) + "\n";
-    };
+    FileList failed;
+    FileList unknown;
     for (const RefusedFile &refused : m_collection.refused)
     {
-        addFailure(ShownPath(refused.path), refused.reason);
+        failed.Add(ShownPath(refused.path), refused.reason);
     }
     for (size_t i = 0; i < m_states.size(); ++i)
     {
-        const ItemEnd end = EndOf(i);
-        published += end == ItemEnd::Published;
-        if (end == ItemEnd::NotTried)
+        const std::string name = NameOf(m_collection.items[i]);
+        switch (EndOf(i))
         {
-            addFailure(NameOf(m_collection.items[i]),
-                       cancelled ? "not tried, the run was cancelled" : "not tried");
-        }
-        else if (end == ItemEnd::Failed)
-        {
-            // The last entry says that the item failed; an earlier one says why.
-            const auto &errors = m_states[i].errors;
-            const std::string cause = errors.size() > 1 ? errors.front() : ReasonOfEntry(errors.back(), words);
-            addFailure(NameOf(m_collection.items[i]), cause);
+        case ItemEnd::Published:
+            ++published;
+            break;
+        case ItemEnd::NotTried:
+            failed.Add(name, cancelled ? "not tried, the run was cancelled" : "not tried");
+            break;
+        case ItemEnd::Unknown:
+            unknown.Add(name, m_states[i].Reason(words));
+            break;
+        case ItemEnd::Failed:
+            failed.Add(name, m_states[i].Reason(words));
+            break;
         }
     }
     const size_t total = m_states.size() + m_collection.refused.size();
@@ -164,8 +214,14 @@ RunSummary RunRecord::Summarize(bool cancelled, const ErrorWords &words) const
         return summary;
     }
     summary.exitCode = cancelled ? ExitCode::Cancelled : ExitCode::SomeFailed;
-    summary.text += "Published " + std::to_string(published) + " of " + Count(total, "picture", "pictures") +
-                    ". " + Count(total - published, "file", "files") +
-                    (total - published == 1 ? " was not uploaded:\n" : " were not uploaded:\n") + failures;
+    summary.text += "Published " + std::to_string(published) + " of " + Count(total, "picture", "pictures") + ".";
+    failed.AppendTo(summary.text, " was not uploaded:", " were not uploaded:");
+    unknown.AppendTo(summary.text, " may be published or not; look at Flickr before you publish it again:",
+                     " may be published or not; look at Flickr before you publish them again:");
+    summary.text += summary.text.ends_with('\n') ? "" : "\n";
+    for (const std::string &advice : AdviceFor(Errors(), variables))
+    {
+        summary.text += OneSafeLine(advice) + "\n";
+    }
     return summary;
 }

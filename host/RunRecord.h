@@ -4,6 +4,7 @@
 
 #include "host/ExitCode.h"
 #include "host/PictureItems.h"
+#include "host/RunAdvice.h"
 
 #include "com/WideText.h"
 
@@ -17,6 +18,7 @@ enum class ItemEnd
 {
     NotTried,
     Published,
+    Unknown, // sent, but the service's answer didn't come: it may be published
     Failed
 };
 
@@ -52,15 +54,21 @@ public:
     // Any thread. An item that is running counts as not tried.
     ItemEnd EndOf(size_t index) const;
 
-    // Counts, and each file that wasn't published with the reason.
-    RunSummary Summarize(bool cancelled, const ErrorWords &words) const;
+    // Counts, each file that wasn't published with the reason, and what a user can do about the commonest
+    // reasons.
+    RunSummary Summarize(bool cancelled, const ErrorWords &words, const Variables &variables = {}) const;
 
 private:
     struct ItemState
     {
         bool begun = false;
         std::vector<std::string> errors;
+
+        // The last entry says that the item failed; an earlier one says why.
+        std::string Reason(const ErrorWords &words) const;
     };
+
+    std::vector<std::string> Errors() const;
 
     mutable std::mutex m_lock;
     ItemCollection m_collection;

@@ -18,28 +18,31 @@ sigset_t WatchedSignals()
     sigemptyset(&signals);
     for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGWINCH})
     {
-        sigaddset(&signals, number);
+        // A signal that is blocked would be queued although it is ignored.
+        struct sigaction action = {};
+        if (::sigaction(number, nullptr, &action) == 0 && action.sa_handler != SIG_IGN)
+        {
+            sigaddset(&signals, number);
+        }
     }
     return signals;
 }
 } // namespace
 
-SignalWatch::SignalWatch()
+SignalWatch::SignalWatch() : m_watched(WatchedSignals())
 {
-    const sigset_t signals = WatchedSignals();
-    m_signals = ::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
+    m_signals = ::signalfd(-1, &m_watched, SFD_CLOEXEC | SFD_NONBLOCK);
     m_wakings = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     if (m_signals < 0 || m_wakings < 0)
     {
         throw std::system_error(errno, std::generic_category(), "watching signals");
     }
-    ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    ::pthread_sigmask(SIG_BLOCK, &m_watched, nullptr);
 }
 
 SignalWatch::~SignalWatch()
 {
-    const sigset_t signals = WatchedSignals();
-    ::pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+    ::pthread_sigmask(SIG_UNBLOCK, &m_watched, nullptr);
     ::close(m_signals);
     ::close(m_wakings);
 }
@@ -77,8 +80,7 @@ void SignalWatch::Wake()
 void SignalWatch::EndProcessByInterrupt()
 {
     ::signal(SIGINT, SIG_DFL);
-    const sigset_t signals = WatchedSignals();
-    ::pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+    ::pthread_sigmask(SIG_UNBLOCK, &m_watched, nullptr);
     ::raise(SIGINT);
     std::_Exit(130);
 }

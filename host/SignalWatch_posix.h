@@ -1,6 +1,8 @@
 // The signals that a run listens to, waited for by one thread.
 #pragma once
 
+#include <signal.h>
+
 #include <chrono>
 
 enum class RunSignal
@@ -12,7 +14,8 @@ enum class RunSignal
 };
 
 // While it lives, the signals above are blocked, and Wait alone receives them. Make it before any other
-// thread: a thread inherits its creator's mask of blocked signals. Throws std::system_error.
+// thread: a thread inherits its creator's mask of blocked signals. Signals that the process was started to
+// ignore, as under nohup, stay ignored. Throws std::system_error.
 class SignalWatch
 {
 public:
@@ -31,6 +34,7 @@ public:
     [[noreturn]] void EndProcessByInterrupt();
 
 private:
+    const sigset_t m_watched;
     int m_signals = -1;
     int m_wakings = -1;
 };

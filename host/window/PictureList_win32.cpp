@@ -175,9 +175,7 @@ void PictureList::Show(Picture &picture, HBITMAP thumbnail)
 
 size_t PictureList::WaitingCount() const
 {
-    return static_cast<size_t>(std::count_if(m_pictures.begin(), m_pictures.end(), [](const Picture &picture) {
-        return picture.end != ItemEnd::Published;
-    }));
+    return static_cast<size_t>(std::count_if(m_pictures.begin(), m_pictures.end(), IsWaiting));
 }
 
 std::vector<PictureItem> PictureList::BeginRun()
@@ -186,7 +184,7 @@ std::vector<PictureItem> PictureList::BeginRun()
     m_run.clear();
     for (const Picture &picture : m_pictures)
     {
-        if (picture.end != ItemEnd::Published)
+        if (IsWaiting(picture))
         {
             m_run.push_back(static_cast<size_t>(RowOf(picture)));
             waiting.push_back(picture.item);

@@ -31,11 +31,12 @@ public:
     size_t Count() const { return m_pictures.size(); }
     size_t SelectedCount() const;
 
-    // The pictures that aren't published yet.
+    // The pictures that are still to be published. One whose outcome is unknown isn't among them: sending it
+    // again could publish it twice.
     size_t WaitingCount() const;
 
-    // The items that aren't published yet, in the list's order, for a run that begins. The list must not
-    // change during the run.
+    // The items of those pictures, in the list's order, for a run that begins. The list must not change during
+    // the run.
     std::vector<PictureItem> BeginRun();
 
     // Marks what became of the items of BeginRun so far; one that wasn't tried stays unmarked.
@@ -51,6 +52,10 @@ private:
         ItemEnd end = ItemEnd::NotTried;
     };
 
+    static bool IsWaiting(const Picture &picture)
+    {
+        return picture.end == ItemEnd::NotTried || picture.end == ItemEnd::Failed;
+    }
     void Insert(const PictureItem &item, const std::filesystem::path &identity);
     Picture *Find(int number);
     // Takes the thumbnail, and puts on it the badge of what became of the picture.

@@ -44,7 +44,7 @@ TEST_F(PictureItems, AFolderNeedsLeaveToBeWalked)
     EXPECT_THAT(collection.items, IsEmpty());
 }
 
-TEST_F(PictureItems, EveryFileThatCanNotGoUpIsRefusedInWordsAndTheRestGoesAhead)
+TEST_F(PictureItems, EveryFileThatCanNotBePublishedIsRefusedInWordsAndTheRestIsTaken)
 {
     m_folder.Write("empty.jpg", "");
     m_folder.Write("noextension", "x");

@@ -16,6 +16,16 @@ TEST_F(PictureItems, ALinkBackIntoAFolderIsNotFollowed)
     EXPECT_THAT(Told(Collect({"p"}, true), m_folder.Path()), ElementsAre("p/deep/x[gif]"));
 }
 
+TEST_F(PictureItems, NamesThatDifferInCaseAreTwoPictures)
+{
+    for (const char *name : {"A.jpg", "A.JPG", "A.tif", "a.jpg"})
+    {
+        m_folder.Write(name, "x");
+    }
+    EXPECT_THAT(Told(Collect({"A.jpg", "A.JPG", "A.tif", "a.jpg"}), m_folder.Path()),
+                ElementsAre("A[jpg;tif]", "A[JPG]", "a[jpg]"));
+}
+
 TEST_F(PictureItems, WhatOnlyLooksLikeAFileIsRefused)
 {
     fs::create_symlink("nowhere.jpg", m_folder.Path() / "broken.jpg");

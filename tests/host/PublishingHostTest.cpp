@@ -107,6 +107,26 @@ TEST_F(PublishingHostTest, LogEntriesReachSinkAndRecord)
     EXPECT_EQ(m_record.EndOf(1), ItemEnd::Failed);
 }
 
+TEST_F(PublishingHostTest, SaysOnceWhichFilesAreLeftOutForTheOneThatIsPublished)
+{
+    ItemRecord record = {};
+    const auto publish = [&](UINT64 item, WideView file) {
+        m_host->GetItemRecord(item, &record);
+        const BstrOwner path = BstrOwner::Adopt(record.Path);
+        const BstrOwner extensions = BstrOwner::Adopt(record.Extensions);
+        for (int entry = 0; entry < 2; ++entry)
+        {
+            const WideText words = TEXT("Publishing \"") + WideText(file) + TEXT("\".");
+            EXPECT_EQ(m_host->WriteLogEntry(1, TEXT("Flickr"), words.c_str()), S_OK);
+        }
+    };
+    publish(1, TEXT("/p/caf") + WideText(1, 0xDCE9) + TEXT(".jpg"));
+    publish(2, TEXT("/p/two.png"));
+    ASSERT_EQ(m_log.size(), 5u);
+    EXPECT_EQ(m_log[1],
+              "1 halvora: Left out, since caf\xEF\xBF\xBD.jpg is the same picture: caf\xEF\xBF\xBD.tif.");
+}
+
 TEST_F(PublishingHostTest, MetadataThatCanNotBeReadFailInCodes)
 {
     ItemRecord record = {};

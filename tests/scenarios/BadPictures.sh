@@ -2,10 +2,12 @@
 # Damaged, odd and wrongly named pictures, in each of the three modes: BadPictures.sh FOLDER-OF-THE-PROGRAMS
 # What is refused leaves nothing at the service, is named, and gives its reason; the rest of the run goes on.
 set -euo pipefail
+here=$(cd "$(dirname "$0")" && pwd)
 bin=$1
 work=$(mktemp -d)
-service=
-finish() { [ -z "$service" ] || kill "$service" 2>/dev/null || true; rm -rf "$work"; }
+# shellcheck source-path=SCRIPTDIR
+. "$here/common.sh"
+finish() { end_service; rm -rf "$work"; }
 trap finish EXIT
 export LC_ALL=C
 
@@ -46,17 +48,7 @@ cp good.jpg jpeg.png
 cp "$work/plain.tif" tiff.jpg
 head -c 33 "$work/plain.png" >cut-png.jpg
 
-start_service() { # STORE OPTIONS...
-    rm -f "$work/env"
-    "$bin/flickr-loopback" --port 0 --store "$work/$1" --token tok:sec --ready-file "$work/env" "${@:2}" \
-        >"$work/service.log" 2>&1 &
-    service=$!
-    for _ in $(seq 300); do [ ! -f "$work/env" ] || break; sleep 0.1; done
-    # shellcheck disable=SC1091
-    . "$work/env"
-}
 host() { "$bin/halvora" --profile "$work/profile" "$@"; }
-uploads() { curl -sS "${HALVORA_LOOPBACK_GALLERY}_loopback/uploads"; }
 fail() {
     printf 'FAILED: mode %s: %s\n' "$mode" "$1" >&2
     cat "$work/out" >&2
@@ -90,7 +82,7 @@ bomb.jpg         up                         copy_the_file_again        save_a_sm
 CASES
 mapfile -t names < <(cut -d' ' -f1 "$work/cases")
 for mode in 0 1 2; do
-    start_service "store$mode"
+    start_service "store$mode" --token tok:sec
     printf 'tok\nsec\n' | host account --set-token - >/dev/null
     host settings JPEGMode=$mode >/dev/null
     code=0
@@ -107,25 +99,24 @@ for mode in 0 1 2; do
         esac
     done <"$work/cases"
     grep -q "^Published $good of ${#names[@]} pictures" "$work/out" || fail "not $good were published"
-    [ "$(uploads | jq length)" = "$good" ] || fail "not $good arrived"
-    kill "$service"
-    wait "$service" 2>/dev/null || true
+    [ "$(admin uploads | jq length)" = "$good" ] || fail "not $good arrived"
+    stop_service
 done
 
-# A file that goes while the one before it is under way, and another that turns into a folder.
-start_service store-slow --fault 'kind=delay&ms=1500&target=upload'
-cp good.jpg vanishing.jpg
-cp good.jpg folder.jpg
+# A file that goes while the one before it is being uploaded, one that turns into a folder, and one that turns
+# into a pipe, which nobody writes to.
+mode='1, and files that change'
+start_service store-slow --token tok:sec --fault 'kind=delay&ms=1500&target=upload'
+for name in vanishing folder pipe; do cp good.jpg $name.jpg; done
 host settings JPEGMode=1 >/dev/null
-host publish good.jpg vanishing.jpg folder.jpg progressive.jpg >"$work/out" 2>&1 &
-run=$!
-for _ in $(seq 100); do ! grep -q 'Publishing ".*good.jpg' "$work/out" || break; sleep 0.05; done
-rm vanishing.jpg folder.jpg
+start_run "$bin/halvora" --profile "$work/profile" publish good.jpg vanishing.jpg folder.jpg pipe.jpg progressive.jpg
+await 'the first picture is not tried' grep -q 'Publishing ".*good.jpg' "$work/out"
+rm vanishing.jpg folder.jpg pipe.jpg
 mkdir folder.jpg
+mkfifo pipe.jpg
 code=0
-wait $run || code=$?
+wait "$run" || code=$?
 [ $code -eq 1 ] || fail "exit code $code, not 1"
-refused vanishing.jpg ''
-refused folder.jpg ''
-[ "$(uploads | jq length)" = 2 ] || fail 'not two arrived'
+for name in vanishing folder pipe; do refused $name.jpg ''; done
+[ "$(admin uploads | jq length)" = 2 ] || fail 'not two arrived'
 echo 'Every picture met the right end.'

@@ -4,18 +4,19 @@
 # What the user sees is read from the terminal's screen and from the browser's pages. The first step
 # that isn't as promised ends the test.
 set -euo pipefail
+here=$(cd "$(dirname "$0")" && pwd)
 bin=$(cd "$1" && pwd)
 tools=$(cd "$2" && pwd)
 work=$(mktemp -d)
-# shellcheck source=tests/scenarios/Service.sh
-. "$(dirname "$0")/Service.sh"
+# shellcheck source-path=SCRIPTDIR
+. "$here/common.sh"
 # A terminal for each run: a new one can't be had of a server that is just ending.
 terminals=0
 screen() { tmux -S "$work/terminal-$terminals" "$@"; }
 finish() {
     screen kill-server 2>/dev/null || true
     "$tools/browser" stop "$work/browser" 2>/dev/null || true
-    stop_service
+    end_service
     rm -rf "$work" 2>/dev/null || { sleep 1; rm -rf "$work"; }
 }
 trap finish EXIT
@@ -29,12 +30,9 @@ browser() { local command=$1; shift; "$tools/browser" "$command" "$work/browser"
 page_says() { grep -qF -- "$2" "$work/browser/$1.txt" || fail "$1 does not say \"$2\" but: $(<"$work/browser/$1.txt")"; }
 # Waits until the terminal shows a text, wherever its lines are broken.
 sees() {
-    for _ in $(seq 300); do
-        ! screen capture-pane -p -S - 2>/dev/null | tr -s ' \n│' ' ' | grep -qF -- "$1" || return 0
-        sleep 0.1
-    done
-    fail "the terminal does not show: $1"
+    await "the terminal does not show: $1" shows "$1"
 }
+shows() { screen capture-pane -p -S - 2>/dev/null | tr -s ' \n│' ' ' | grep -qF -- "$1"; }
 key() { screen send-keys "$@"; }
 # The user begins, agrees, and answers the page: authorize ANSWER
 authorize() {
@@ -46,13 +44,13 @@ authorize() {
     sees 'Halvora needs your permission to publish images to Flickr.'
     sees 'Enter: Authorize. Esc'
     key Enter
-    await_file "$work/browser/answered" 'nobody answered in the browser'
+    await 'nobody answered in the browser' test -f "$work/browser/answered"
     page_says page 'May Halvora upload photos to your account?'
     sees "Return to this window once you've authorized Halvora on Flickr."
     sees 'Enter: Authorization Granted. Esc'
 }
 ends_with() {
-    for _ in $(seq 100); do [ ! -s "$work/code" ] || break; sleep 0.1; done
+    await 'halvora authorize does not end' test -s "$work/code"
     [ "$(cat "$work/code" 2>/dev/null)" = "$1" ] || fail "halvora authorize ended with $(cat "$work/code" 2>/dev/null), not $1"
 }
 is_refused() {
@@ -64,11 +62,10 @@ is_refused() {
     "$bin/halvora" --profile "$work/profile" account >"$work/out" 2>&1 || true
     ! grep -q 'Authorized: *yes' "$work/out" || fail 'authorized without a grant'
 }
-admin() { curl -sS --noproxy '*' "http://127.0.0.1:$HALVORA_LOOPBACK_PORT/_loopback/$1"; }
 states() { admin authorizations | jq -r 'map(.state + "/" + .at_maker) | join(" ")'; }
 states_are() { [ "$(states)" = "$1" ] || fail "the service has \"$(states)\", not \"$1\""; }
 
-start_service "$bin/flickr-loopback" store
+start_service store
 export HALVORA_BROWSER=$work/browser PATH=$tools/user:$PATH LC_ALL=C.UTF-8
 browser start
 

@@ -15,8 +15,9 @@ for program in "$service_program" "$proxy_program" "$driver_program" "$zip"; do
     }
 done
 work=$(mktemp -d)
-# shellcheck source=tests/scenarios/Service.sh
-. "$(dirname "$0")/Service.sh"
+bin=$(dirname "$service_program")
+# shellcheck source-path=SCRIPTDIR
+. "$(dirname "$0")/common.sh"
 export HALVORA_WINEPREFIX=$work/wine LC_ALL=C.UTF-8
 proxy_process='' screen='' host=''
 finish() {
@@ -61,7 +62,7 @@ picture() {
 }
 
 # The service, and a proxy through which Windows comes to it by the names that it has on the network.
-start_service "$service_program" store
+start_service store
 mkdir "$work/proxy"
 mkfifo "$work/leash"
 leads=()
@@ -71,7 +72,7 @@ done
 "$proxy_program" "$work/proxy" "${leads[@]}" <"$work/leash" &
 proxy_process=$!
 exec 7>"$work/leash"
-await_file "$work/proxy/port" 'the proxy did not start'
+await 'the proxy did not start' test -e "$work/proxy/port"
 proxy=127.0.0.1:$(<"$work/proxy/port")
 
 # A new Windows. WinHTTP in Wine knows the proxy by the variables, WinINet by the registry. What a program
@@ -141,8 +142,8 @@ start_host
 shows "$state" 'needs your permission'
 driver follow "$main_window" "$state" authorize
 driver answer 'Authorize Halvora Professional' 1
-await_file "$work/browser/user.log" 'no browser was started'
-await_file "$work/browser/answered" 'nobody has answered in the browser'
+await 'no browser was started' test -e "$work/browser/user.log"
+await 'nobody has answered in the browser' test -e "$work/browser/answered"
 grep -qF 'May Halvora upload photos to your account?' "$work/browser/page.txt" || fail 'the browser shows another page'
 driver answer 'Authorization Completion' 1
 shows "$state" 'Settings...'

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace
 {
@@ -22,10 +23,19 @@ TEST(ByteSizeByLocale, TakesTheUsersDecimalSeparator)
     saved ? setenv("LC_ALL", saved->c_str(), 1) : unsetenv("LC_ALL");
 }
 
-TEST(PathsHere, TakeTheSystemsSeparatorToo)
+TEST(Paths, TheFileNameStandsBehindTheLastSeparatorOfTheSystem)
 {
-    EXPECT_EQ(WideText(PathFindFileNameW(u"/home/user/picture.jpg")), u"picture.jpg");
-    EXPECT_EQ(WideText(PathFindFileNameW(u"folder/")), u"folder/");
-    EXPECT_EQ(WideText(PathFindExtensionW(u"a.b/c")), u"");
+    const std::pair<const WCHAR *, const WCHAR *> cases[] = {
+        {u"/home/user/picture.jpg", u"picture.jpg"},
+        {u"picture", u"picture"},
+        {u"folder.d/", u"folder.d/"},
+        {u"/p/Screenshot 2024-05-01 12:30:05", u"Screenshot 2024-05-01 12:30:05"},
+        {u"/p/a\\b", u"a\\b"},
+        {u"", u""},
+    };
+    for (const auto &[path, name] : cases)
+    {
+        EXPECT_EQ(WideText(PathFindFileNameW(path)), name);
+    }
 }
 } // namespace

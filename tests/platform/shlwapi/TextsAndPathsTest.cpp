@@ -23,27 +23,4 @@ TEST(Texts, AreFoundInTexts)
     EXPECT_EQ(StrStrW(text, TEXT("Two")), nullptr);
     EXPECT_EQ(StrStrW(text, TEXT("")), nullptr);
 }
-
-TEST(Paths, TheFileNameStandsBehindTheLastSeparator)
-{
-    const struct
-    {
-        const WCHAR *path;
-        const WCHAR *name;
-        const WCHAR *extension;
-    } cases[] = {
-        {TEXT("c:\\folder\\picture.jpg"), TEXT("picture.jpg"), TEXT(".jpg")},
-        {TEXT("picture.tar.gz"), TEXT("picture.tar.gz"), TEXT(".gz")},
-        {TEXT("c:picture"), TEXT("picture"), TEXT("")},
-        {TEXT("c:\\folder.d\\"), TEXT("folder.d\\"), TEXT("")},
-        {TEXT("a.b c"), TEXT("a.b c"), TEXT("")},
-        {TEXT("c:\\my pictures\\a b.jpg"), TEXT("a b.jpg"), TEXT(".jpg")},
-        {TEXT(""), TEXT(""), TEXT("")},
-    };
-    for (const auto &c : cases)
-    {
-        EXPECT_EQ(WideText(PathFindFileNameW(c.path)), c.name);
-        EXPECT_EQ(WideText(PathFindExtensionW(c.path)), c.extension);
-    }
-}
 } // namespace

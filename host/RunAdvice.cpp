@@ -1,0 +1,115 @@
+#include "host/RunAdvice.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <string_view>
+
+namespace
+{
+// A number that the plug-in's entries name, and what to do about it.
+struct Rule
+{
+    std::string_view mark;
+    long first;
+    long last;
+    const char *advice;
+};
+
+constexpr const char *AuthorizeAgain =
+    "Flickr does not accept Halvora's authorization. Authorize Halvora again (in a terminal: halvora authorize).";
+
+constexpr std::string_view HttpStatus = "HTTP Status = ";
+constexpr std::string_view ServiceStatus = "Flickr Status = ";
+
+constexpr Rule Rules[] = {
+    {ServiceStatus, 98, 98, AuthorizeAgain},
+    {HttpStatus, 401, 401, AuthorizeAgain},
+    {HttpStatus, 403, 403, AuthorizeAgain},
+    {HttpStatus, 429, 429, "Flickr takes no more requests for now. Wait some minutes, then publish the rest."},
+    {HttpStatus, 500, 599, "Flickr is out of order or overloaded. Publish the rest later."},
+};
+
+// Behind the path and the code, which may look like anything.
+std::string_view WordsOf(std::string_view entry)
+{
+    const size_t code = entry.rfind("(Error code: ");
+    return code == entry.npos ? entry : entry.substr(code);
+}
+
+bool Obeys(const Rule &rule, std::string_view words)
+{
+    const size_t at = words.find(rule.mark);
+    const long number =
+        at == words.npos ? -1 : std::strtol(std::string(words.substr(at + rule.mark.size())).c_str(), nullptr, 10);
+    return number >= rule.first && number <= rule.last;
+}
+
+// Without the name and password that it may hold.
+std::string ShownProxy(const std::string &proxy)
+{
+    const size_t scheme = proxy.find("://");
+    const size_t start = scheme == proxy.npos ? 0 : scheme + 3;
+    const size_t at = proxy.rfind('@');
+    return at == proxy.npos || at < start ? proxy.substr(start) : proxy.substr(at + 1);
+}
+
+std::string ProxyAdvice(const Variables &variables)
+{
+    // In libcurl's order for secure addresses.
+    for (const char *name : {"https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"})
+    {
+        if (const std::string proxy = variables(name); !proxy.empty())
+        {
+            return "Connections go through the proxy " + ShownProxy(proxy) + ", which the variable " + name +
+                   " names. Check that it is right and that the proxy runs.";
+        }
+    }
+    return std::string();
+}
+
+std::string TrustAdvice(const Variables &variables)
+{
+    const std::string file = variables("HALVORA_CA_FILE");
+    return file.empty() ? file
+                        : "Trusted certificates are read from " + file +
+                              " alone, which the variable HALVORA_CA_FILE names. Check that file.";
+}
+} // namespace
+
+std::string ProcessVariable(const char *name)
+{
+    const char *const value = std::getenv(name);
+    return value != nullptr ? value : "";
+}
+
+std::vector<std::string> AdviceFor(const std::vector<std::string> &entries, const Variables &variables)
+{
+    std::vector<std::string> lines;
+    const auto add = [&](const std::string &line) {
+        if (!line.empty() && std::find(lines.begin(), lines.end(), line) == lines.end())
+        {
+            lines.push_back(line);
+        }
+    };
+    const auto value = [&](const char *name) { return variables ? variables(name) : std::string(); };
+    for (const std::string &entry : entries)
+    {
+        const std::string_view words = WordsOf(entry);
+        for (const Rule &rule : Rules)
+        {
+            if (Obeys(rule, words))
+            {
+                add(rule.advice);
+            }
+        }
+        if (words.find("No connection") != words.npos)
+        {
+            add(ProxyAdvice(value));
+        }
+        if (words.find("Connection not secure") != words.npos)
+        {
+            add(TrustAdvice(value));
+        }
+    }
+    return lines;
+}

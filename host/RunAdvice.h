@@ -1,0 +1,16 @@
+// What a user can do about the errors that are commonest in a run: the service's refusals, and settings of this
+// computer that stand in the way to the service.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+// The value of an environment variable, empty if it isn't set. May be null: no variable counts then.
+using Variables = std::function<std::string(const char *name)>;
+
+// Of this process.
+std::string ProcessVariable(const char *name);
+
+// A line for each kind of error among the plug-in's error entries, in UTF-8.
+std::vector<std::string> AdviceFor(const std::vector<std::string> &entries, const Variables &variables);
