@@ -142,8 +142,3 @@ LCID WINAPI GetUserDefaultLCID()
 {
     return UserConventions().windowsId;
 }
-
-LANGID WINAPI GetUserDefaultLangID()
-{
-    return LANGIDFROMLCID(GetUserDefaultLCID());
-}

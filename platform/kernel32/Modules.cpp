@@ -136,19 +136,6 @@ HMODULE WINAPI LoadLibraryW(const WCHAR *name)
     return found->handle;
 }
 
-HMODULE WINAPI LoadLibraryExW(const WCHAR *name, HANDLE file, DWORD flags)
-{
-    // The dynamic loader has its own search order, so the flags that choose one have no effect.
-    constexpr DWORD searching = LOAD_WITH_ALTERED_SEARCH_PATH | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS |
-                                LOAD_LIBRARY_SEARCH_SYSTEM32 | LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR;
-    if (file != nullptr || (flags & ~searching) != 0)
-    {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return nullptr;
-    }
-    return LoadLibraryW(name);
-}
-
 BOOL WINAPI FreeLibrary(HMODULE module)
 {
     const auto found = module == nullptr ? std::nullopt : FindModule(module);

@@ -22,40 +22,6 @@ TEST(StringCch, CopyCutsTerminatesAndReports)
     EXPECT_EQ(StringCchCopyW(text, TooLarge, TEXT("x")), STRSAFE_E_INVALID_PARAMETER);
 }
 
-TEST(StringCch, CopyNTakesAtMostThatManyCharacters)
-{
-    WCHAR text[4];
-    EXPECT_EQ(StringCchCopyNW(text, 4, TEXT("abcdef"), 3), S_OK);
-    EXPECT_EQ(WideText(text), TEXT("abc"));
-    EXPECT_EQ(StringCchCopyNW(text, 4, TEXT("a"), 3), S_OK);
-    EXPECT_EQ(WideText(text), TEXT("a"));
-    EXPECT_EQ(StringCchCopyNW(text, 4, TEXT("abcdef"), 4), STRSAFE_E_INSUFFICIENT_BUFFER);
-    EXPECT_EQ(WideText(text), TEXT("abc"));
-}
-
-TEST(StringCch, CatGoesOnWhereTheTextEnds)
-{
-    WCHAR text[6] = {'a', 'b', 0};
-    EXPECT_EQ(StringCchCatW(text, 6, TEXT("cd")), S_OK);
-    EXPECT_EQ(WideText(text), TEXT("abcd"));
-    EXPECT_EQ(StringCchCatW(text, 6, TEXT("ef")), STRSAFE_E_INSUFFICIENT_BUFFER);
-    EXPECT_EQ(WideText(text), TEXT("abcde"));
-    const WCHAR before = text[3];
-    EXPECT_EQ(StringCchCatW(text, 3, TEXT("x")), STRSAFE_E_INVALID_PARAMETER) << "no terminator within 3";
-    EXPECT_EQ(text[3], before);
-}
-
-TEST(StringCch, LengthNeedsATerminatorWithinTheMaximum)
-{
-    size_t length = 99;
-    EXPECT_EQ(StringCchLengthW(TEXT("abc"), 4, &length), S_OK);
-    EXPECT_EQ(length, 3u);
-    EXPECT_EQ(StringCchLengthW(TEXT("abc"), 3, &length), STRSAFE_E_INVALID_PARAMETER);
-    EXPECT_EQ(length, 0u);
-    EXPECT_EQ(StringCchLengthW(nullptr, 3, &length), STRSAFE_E_INVALID_PARAMETER);
-    EXPECT_EQ(StringCchLengthW(TEXT(""), 1, nullptr), S_OK);
-}
-
 TEST(StringCch, PrintfCutsTerminatesAndReports)
 {
     WCHAR text[8] = {};
