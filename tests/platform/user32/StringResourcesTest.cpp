@@ -53,7 +53,8 @@ TEST(Icons, OneHandlePerResource)
     SetLastError(0);
     EXPECT_EQ(LoadIconW(module, MAKEINTRESOURCEW(401)), nullptr);
     // Wine goes on to look for a type that this program doesn't have.
-    EXPECT_EQ(GetLastError(), DWORD{UnderWine ? ERROR_RESOURCE_TYPE_NOT_FOUND : ERROR_RESOURCE_NAME_NOT_FOUND});
+    EXPECT_EQ(GetLastError(),
+              static_cast<DWORD>(UnderWine ? ERROR_RESOURCE_TYPE_NOT_FOUND : ERROR_RESOURCE_NAME_NOT_FOUND));
 }
 
 TEST(CharacterCase, OfTextsAndOfSingleCharacters)
