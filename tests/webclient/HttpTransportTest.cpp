@@ -77,7 +77,7 @@ const std::string Target =
     std::string(UnderWine ? "https://echo.server.test:443" : "") + "/a%2Fb?c=%7E%20d HTTP/1.1\r\n";
 
 // To Wine a connection that is closed without an answer is an answer that it can't read.
-constexpr TransportProblem NoAnswerAtAll =
+const TransportProblem NoAnswerAtAll =
     UnderWine ? TransportProblem::AnswerGarbled : TransportProblem::LostBeforeAnswer;
 
 class HttpTransportTest : public testing::Test
@@ -197,11 +197,13 @@ TEST_F(HttpTransportTest, NothingIsSentTwice)
     for (const char *host : {"cut", "cut-head"})
     {
         CountedBody body(1000);
-        // One that leaves after the head may be gone before the body is on its way, or after it.
         const TransportProblem problem = Send(host, &body).problem;
-        EXPECT_TRUE(problem == NoAnswerAtAll ||
-                    (host == std::string_view("cut-head") && problem == TransportProblem::LostWhileSending))
-            << host;
+        // A server that leaves after the head may be gone before the body is sent, or after it; then it also
+        // resets the connection, which Wine 10 doesn't take for an answer.
+        const bool isCutInTheBody =
+            host == std::string_view("cut-head") &&
+            (problem == TransportProblem::LostWhileSending || problem == TransportProblem::LostBeforeAnswer);
+        EXPECT_TRUE(problem == NoAnswerAtAll || isCutInTheBody) << host << " " << static_cast<int>(problem);
         EXPECT_EQ(CutRequests(), "1") << host;
         EXPECT_EQ(Send(host, nullptr, {}, "GET").problem, NoAnswerAtAll);
         EXPECT_EQ(CutRequests(), "1") << host;

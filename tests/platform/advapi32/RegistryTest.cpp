@@ -81,8 +81,11 @@ TEST_F(RegistryTest, KeepsEveryTypeOfValueAsItWasWritten)
     };
     for (const auto &c : cases)
     {
+        // Windows closes an unclosed text with the zero that may stand behind it.
+        std::vector<BYTE> buffer = c.data;
+        buffer.insert(buffer.end(), {'?', 0});
         ASSERT_EQ(ERROR_SUCCESS,
-                  RegSetValueExW(m_key.Get(), c.name, 0, c.type, c.data.empty() ? nullptr : c.data.data(),
+                  RegSetValueExW(m_key.Get(), c.name, 0, c.type, c.data.empty() ? nullptr : buffer.data(),
                                  static_cast<DWORD>(c.data.size())));
     }
     for (const auto &c : cases)

@@ -57,12 +57,12 @@ TEST_F(ProgressBar, ANewRangeTakesThePositionAlong)
     EXPECT_EQ(Send(PBM_GETPOS), 0);
 }
 
-// Wine's progress bar has only the normal state.
+// The bar of Wine 8 knows the normal state only.
 TEST_F(ProgressBar, StatesAnswerWithTheLast)
 {
     EXPECT_EQ(Send(PBM_GETSTATE), PBST_NORMAL);
     EXPECT_EQ(Send(PBM_SETSTATE, PBST_PAUSED), PBST_NORMAL);
-    EXPECT_EQ(Send(PBM_SETSTATE, PBST_ERROR), UnderWine ? PBST_NORMAL : PBST_PAUSED);
-    EXPECT_EQ(Send(PBM_GETSTATE), UnderWine ? PBST_NORMAL : PBST_ERROR);
+    EXPECT_EQ(Send(PBM_SETSTATE, PBST_ERROR), UnderWineBefore10 ? PBST_NORMAL : PBST_PAUSED);
+    EXPECT_EQ(Send(PBM_GETSTATE), UnderWineBefore10 ? PBST_NORMAL : PBST_ERROR);
 }
 } // namespace

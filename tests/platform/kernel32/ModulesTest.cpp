@@ -86,8 +86,8 @@ TEST(Modules, ExportedFunctionsAreFoundInTheirOwnModuleOnly)
 
 TEST(Modules, LoadingCountsUntilFreed)
 {
-    const WCHAR *const library = UnderWine ? TEXT("winmm.dll") : TEXT("libsqlite3.so.0");
-    const char *const function = UnderWine ? "timeGetTime" : "sqlite3_open";
+    const WCHAR *const library = IsWindowsBuild ? TEXT("winmm.dll") : TEXT("libsqlite3.so.0");
+    const char *const function = IsWindowsBuild ? "timeGetTime" : "sqlite3_open";
     ASSERT_EQ(GetModuleHandleW(library), nullptr);
     const HMODULE loaded = LoadLibraryW(library);
     ASSERT_NE(loaded, nullptr);
@@ -104,7 +104,7 @@ TEST(Modules, WhatCannotBeLoadedSaysWhy)
 {
     EXPECT_EQ(LoadLibraryW(TEXT("/no/such/module.so")), nullptr);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_MOD_NOT_FOUND});
-    if (!UnderWine)
+    if (!IsWindowsBuild)
     {
         EXPECT_EQ(LoadLibraryW(TEXT("/etc/passwd")), nullptr);
         EXPECT_EQ(GetLastError(), DWORD{ERROR_BAD_EXE_FORMAT});

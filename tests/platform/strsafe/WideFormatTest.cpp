@@ -87,14 +87,14 @@ TEST(WideFormat, FloatsInFixedNotation)
     EXPECT_PRINTS("-0.00", "%.2f", -0.0);
 }
 
-// Exponents have two digits, as on Windows since 2015; the older C runtime that mingw's programs use under
-// Wine prints three.
+// Two digits of an exponent, as Windows has had it since 2015; msvcrt.dll, the runtime library of mingw's
+// programs, still prints three.
 TEST(WideFormat, FloatsWithExponents)
 {
-    EXPECT_EQ(Print(TEXT("%e"), 12345.678), UnderWine ? TEXT("1.234568e+004") : TEXT("1.234568e+04"));
-    EXPECT_EQ(Print(TEXT("%.2E"), 0.00012), UnderWine ? TEXT("1.20E-004") : TEXT("1.20E-04"));
+    EXPECT_EQ(Print(TEXT("%e"), 12345.678), IsWindowsBuild ? TEXT("1.234568e+004") : TEXT("1.234568e+04"));
+    EXPECT_EQ(Print(TEXT("%.2E"), 0.00012), IsWindowsBuild ? TEXT("1.20E-004") : TEXT("1.20E-04"));
     EXPECT_PRINTS("0.0001 100000 1.5 0", "%g %g %g %g", 0.0001, 100000.0, 1.5, 0.0);
-    EXPECT_EQ(Print(TEXT("%g"), 1e6), UnderWine ? TEXT("1e+006") : TEXT("1e+06"));
+    EXPECT_EQ(Print(TEXT("%g"), 1e6), IsWindowsBuild ? TEXT("1e+006") : TEXT("1e+06"));
 }
 
 TEST(WideFormat, PercentSignsAndWhatIsNoConversion)
@@ -107,7 +107,7 @@ TEST(WideFormat, PercentSignsAndWhatIsNoConversion)
 
 TEST(WideFormat, NarrowTextIsUtf8)
 {
-    if (UnderWine)
+    if (IsWindowsBuild)
     {
         GTEST_SKIP() << "Windows reads narrow text by the C locale's code page.";
     }

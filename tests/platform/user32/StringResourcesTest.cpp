@@ -52,8 +52,9 @@ TEST(Icons, OneHandlePerResource)
     EXPECT_EQ(LoadIconW(module, MAKEINTRESOURCEW(400)), icon);
     SetLastError(0);
     EXPECT_EQ(LoadIconW(module, MAKEINTRESOURCEW(401)), nullptr);
-    // Wine then searches for another resource type, which this program doesn't have.
-    EXPECT_EQ(GetLastError(), DWORD{UnderWine ? ERROR_RESOURCE_TYPE_NOT_FOUND : ERROR_RESOURCE_NAME_NOT_FOUND});
+    // Wine goes on to look for a type that this program doesn't have.
+    EXPECT_EQ(GetLastError(),
+              static_cast<DWORD>(UnderWine ? ERROR_RESOURCE_TYPE_NOT_FOUND : ERROR_RESOURCE_NAME_NOT_FOUND));
 }
 
 TEST(CharacterCase, OfTextsAndOfSingleCharacters)

@@ -153,8 +153,9 @@ TEST_F(Windows, ARefusedCreationLeavesNothing)
 TEST_F(Windows, ClassesAreKnownByName)
 {
     EXPECT_EQ(Create(TEXT("NoSuchClass")), nullptr);
-    // Wine sets the same code as UnregisterClassW.
-    EXPECT_EQ(GetLastError(), DWORD{UnderWine ? ERROR_CLASS_DOES_NOT_EXIST : ERROR_CANNOT_FIND_WND_CLASS});
+    // Wine has the code of UnregisterClassW here too.
+    EXPECT_EQ(GetLastError(),
+              static_cast<DWORD>(UnderWine ? ERROR_CLASS_DOES_NOT_EXIST : ERROR_CANNOT_FIND_WND_CLASS));
     WNDCLASSW again{};
     again.lpfnWndProc = RecordingProcedure;
     again.lpszClassName = TEXT("recordingWINDOW");
