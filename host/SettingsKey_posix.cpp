@@ -212,8 +212,8 @@ std::optional<std::string> TooSmallSize()
     LoadSettings(block);
     constexpr UINT32 Processed = 2; // of JPEGMode: the others don't change the size
     const std::pair<const char *, UINT32> sizes[] = {
-        {"JPEGLongDimension", block.JPEGMode == Processed ? block.JPEG.LongEdgePixels : 0},
-        {"RAWLongDimension", block.RAW.LongEdgePixels}};
+        {"JPEGLongDimension", block.JPEGMode == Processed ? block.JPEGLongEdgePixels : 0},
+        {"RAWLongDimension", block.RAWLongEdgePixels}};
     for (const auto &[name, pixels] : sizes)
     {
         if (pixels != 0 && pixels < UINT32{SmallestUsualEdge})
