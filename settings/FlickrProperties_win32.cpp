@@ -22,6 +22,9 @@ constexpr DWORD BrowserPause = 500;
 // In 1/96 inch.
 constexpr INT32 DownwardMove = 10;
 
+// The low four bits of a system command are for the system.
+constexpr WPARAM SystemCommandMask = 0xFFF0;
+
 // Kept between sheets for as long as the module stays loaded.
 int lastPageIndex = 0;
 
@@ -61,6 +64,15 @@ int VerticalDotsPerInch()
     return dots;
 }
 
+// PSM_SETCURSEL leaves the focus on a control of the page that it hides. Posted, since the sheet still sets its
+// own first focus after it is shown.
+void FocusPage(HWND sheet)
+{
+    const auto page = reinterpret_cast<HWND>(SendMessageW(sheet, PSM_GETCURRENTPAGEHWND, 0, 0));
+    const HWND first = GetNextDlgTabItem(page, nullptr, FALSE);
+    PostMessageW(sheet, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(first), TRUE);
+}
+
 void MoveDown(HWND window, int pixels)
 {
     RECT place{};
@@ -69,6 +81,17 @@ void MoveDown(HWND window, int pixels)
                  SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 } // namespace
+
+bool CLinkKeys::ProcessWindowMessage(HWND link, UINT message, WPARAM wParam, LPARAM, LRESULT &result)
+{
+    if (message != WM_KEYDOWN || wParam != VK_SPACE)
+    {
+        return false;
+    }
+    NMHDR pressed{link, static_cast<UINT_PTR>(GetDlgCtrlID(link)), NM_RETURN};
+    result = SendMessageW(GetParent(link), WM_NOTIFY, pressed.idFrom, reinterpret_cast<LPARAM>(&pressed));
+    return true;
+}
 
 CFlickrProperties::CFlickrProperties(SheetAccount &account, UINT titleId)
     : CPropertySheetImpl(titleId), m_aboutPage(account), m_account(account)
@@ -103,10 +126,21 @@ bool CFlickrProperties::ProcessWindowMessage(HWND sheet, UINT message, WPARAM wP
             RememberPage(sheet);
         }
         return false;
+    // The title bar closes the sheet without a command in some versions of the platform.
+    case WM_SYSCOMMAND:
+        if ((wParam & SystemCommandMask) == SC_CLOSE)
+        {
+            RememberPage(sheet);
+        }
+        return false;
+    case WM_CLOSE:
+        RememberPage(sheet);
+        return false;
     case WM_NOTIFY:
     {
         const auto &notification = *reinterpret_cast<const NMHDR *>(lParam);
-        if (notification.idFrom != IDC_HOMEPAGE_LINK || notification.code != NM_CLICK)
+        if (notification.idFrom != IDC_HOMEPAGE_LINK ||
+            (notification.code != NM_CLICK && notification.code != NM_RETURN))
         {
             return false;
         }
@@ -143,6 +177,7 @@ void CFlickrProperties::OnFirstShow(HWND sheet)
     CentreOnPointer(sheet);
     MoveDown(sheet, OffsetInPixels(DownwardMove, VerticalDotsPerInch()));
     SendMessageW(sheet, PSM_SETCURSEL, static_cast<WPARAM>(lastPageIndex), 0);
+    FocusPage(sheet);
 }
 
 void CFlickrProperties::CreateHomepageLink(HWND sheet)
@@ -157,6 +192,7 @@ void CFlickrProperties::CreateHomepageLink(HWND sheet)
         const HGDIOBJ font = GetStockObject(DEFAULT_GUI_FONT);
         SendMessageW(m_homepageLink, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
         PlaceBesideButtons(sheet, m_homepageLink);
+        m_homepageLinkKeys.SubclassWindow(m_homepageLink);
     }
 }
 

@@ -6,8 +6,16 @@
 #include "settings/FlickrPages_win32.h"
 #include "settings/PropertySheet_win32.h"
 #include "ui/WaitingAnimationCtrl_win32.h"
+#include "ui/WindowImpl.h"
 
 struct SheetAccount;
+
+// Lets the space bar press a link, which by itself answers Enter only.
+class CLinkKeys final : public CWindowImpl
+{
+public:
+    bool ProcessWindowMessage(HWND link, UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result) override;
+};
 
 class CFlickrProperties final : public CPropertySheetImpl
 {
@@ -40,5 +48,6 @@ private:
     CFlickrAboutPage m_aboutPage;
     SheetAccount &m_account;
     HWND m_homepageLink = nullptr;
+    CLinkKeys m_homepageLinkKeys;
     CWaitingAnimationCtrl m_waitingAnimation;
 };

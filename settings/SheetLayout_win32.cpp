@@ -1,5 +1,6 @@
 #include "settings/SheetLayout_win32.h"
 
+#include "ui/PlacementArithmetic.h"
 #include "ui/WindowPlacement.h"
 
 #include <commctrl.h>
@@ -58,6 +59,34 @@ void Enlarge(HWND window, int byWidth, int byHeight)
     Resize(window, place.right - place.left + byWidth, place.bottom - place.top + byHeight);
 }
 
+// Moves children by pixels through MoveChildBy, whose unit is 1/96 inch: above 96 dots per inch, not every number
+// of pixels can be had.
+class ChildMoves
+{
+public:
+    explicit ChildMoves(HWND sheet) noexcept : m_sheet(sheet)
+    {
+        const HDC context = GetDC(sheet);
+        m_dotsX = GetDeviceCaps(context, LOGPIXELSX);
+        m_dotsY = GetDeviceCaps(context, LOGPIXELSY);
+        ReleaseDC(sheet, context);
+    }
+
+    // The nearest move that can be had, in pixels.
+    int Across(int pixels) const noexcept { return OffsetInPixels(MulDiv(pixels, 96, m_dotsX), m_dotsX); }
+    int Down(int pixels) const noexcept { return OffsetInPixels(MulDiv(pixels, 96, m_dotsY), m_dotsY); }
+
+    void Move(HWND child, int dx, int dy) const noexcept
+    {
+        MoveChildBy(m_sheet, child, MulDiv(dx, 96, m_dotsX), MulDiv(dy, 96, m_dotsY), 0, 0);
+    }
+
+private:
+    HWND m_sheet;
+    int m_dotsX;
+    int m_dotsY;
+};
+
 SIZE IdealSize(HWND link)
 {
     SIZE size{};
@@ -87,20 +116,22 @@ void TightenLayout(HWND sheet) noexcept
     {
         return;
     }
-    const int dx = units.Across(6);
-    const int dy = units.Down(4);
+    const ChildMoves moves(sheet);
+    // The sheet grows by twice the real move, so that the margins at both sides are equal.
+    const int dx = moves.Across(units.Across(6));
+    const int dy = moves.Down(units.Down(4));
     const int below = dy + units.Down(4) + 1;
     const HWND ok = GetDlgItem(sheet, IDOK);
     const HWND cancel = GetDlgItem(sheet, IDCANCEL);
-    MoveChildBy(sheet, tabs, dx, dy, 0, 0);
+    moves.Move(tabs, dx, dy);
     Resize(ok, units.Across(50), units.Down(16));
     Resize(cancel, units.Across(50), units.Down(16));
-    MoveChildBy(sheet, ok, dx - units.Across(4) - 1, below, 0, 0);
-    MoveChildBy(sheet, cancel, dx - 1, below, 0, 0);
+    moves.Move(ok, dx - units.Across(4) - 1, below);
+    moves.Move(cancel, dx - 1, below);
     Enlarge(sheet, 2 * dx, 2 * dy + units.Down(6));
     if (const HWND page = FindWindowExW(sheet, nullptr, TEXT("#32770"), nullptr))
     {
-        MoveChildBy(sheet, page, dx, dy, 0, 0);
+        moves.Move(page, dx, dy);
     }
 }
 

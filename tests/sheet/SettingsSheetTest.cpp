@@ -206,15 +206,33 @@ TEST_F(SettingsSheet, CancelSavesNothingAndRevokesNothing)
     EXPECT_EQ(StoredAccount(), before);
 }
 
-TEST_F(SettingsSheet, OpensWithThePageThatWasOnTopLast)
+TEST_F(SettingsSheet, OpensWithThePageThatWasOnTopLastAndTheFocusOnItsFirstControl)
 {
-    for (const auto &[page, button] : {std::pair{PageAbout, IDCANCEL}, {PageRaw, IDOK}, {PagePhotos, IDCANCEL}})
+    constexpr int titleBar = 0;
+    const struct
     {
-        Configure([page = page, button = button](const OpenSheet &sheet) {
+        int page;
+        int closedBy;
+        UINT focus;
+    } cases[] = {
+        {PageAbout, IDCANCEL, IDC_ACCOUNT},       {PageRaw, IDOK, IDC_MINIMIZE},
+        {PageJpeg, titleBar, IDC_MODE_PROCESSED}, {PageOptions, titleBar, IDC_SAFETY_SAFE},
+        {PagePhotos, IDCANCEL, IDC_WRITE_TITLE},
+    };
+    Fixture.Settings.Set(TEXT("JPEGMode"), 2u);
+    for (const auto &[page, closedBy, focus] : cases)
+    {
+        SCOPED_TRACE(page);
+        Configure([page = page, closedBy = closedBy](const OpenSheet &sheet) {
             sheet.SelectPage(page);
-            sheet.Close(button);
+            closedBy == titleBar ? sheet.CloseByTitleBar() : sheet.Close(closedBy);
         });
-        Configure([page = page](const OpenSheet &sheet) { EXPECT_EQ(sheet.SelectedPage(), page); });
+        Configure([page = page, focus = focus](const OpenSheet &sheet) {
+            EXPECT_EQ(sheet.SelectedPage(), page);
+            const HWND first = sheet.Control(focus);
+            EXPECT_TRUE(OpenSheet::WaitUntil([&] { return sheet.Focus() == first; }))
+                << "the focus is on " << GetDlgCtrlID(sheet.Focus());
+        });
     }
 }
 
@@ -404,19 +422,30 @@ TEST_F(SettingsSheet, ConfirmedDuringARunItPutsTheBarBack)
 
 TEST_F(SettingsSheet, TheLinkBesideTheButtonsOpensThePhotosPage)
 {
-    const OpenedAddress opened;
-    Configure([&](const OpenSheet &sheet) {
-        const HWND link = sheet.HomepageLink();
-        ASSERT_NE(link, nullptr);
-        EXPECT_EQ(GetWindow(link, GW_HWNDNEXT), sheet.Button(IDOK)) << "the tab key comes to it just before OK";
-        sheet.ClickLink(link);
-        EXPECT_EQ(opened.Wait(), "halvora-test:photos");
-        GUITHREADINFO focus{sizeof(focus)};
-        EXPECT_TRUE(OpenSheet::WaitUntil([&] {
-            return GetGUIThreadInfo(GetWindowThreadProcessId(sheet.Window(), nullptr), &focus) &&
-                   focus.hwndFocus == sheet.Button(IDOK);
-        }));
-    });
+    constexpr WPARAM mouse = 0;
+    for (const WPARAM way : {mouse, WPARAM{VK_RETURN}, WPARAM{VK_SPACE}})
+    {
+        SCOPED_TRACE(way);
+        const OpenedAddress opened;
+        Configure([&](const OpenSheet &sheet) {
+            const HWND link = sheet.HomepageLink();
+            ASSERT_NE(link, nullptr);
+            EXPECT_EQ(GetWindow(link, GW_HWNDNEXT), sheet.Button(IDOK))
+                << "the tab key comes to it just before OK";
+            if (way == mouse)
+            {
+                sheet.ClickLink(link);
+            }
+            else
+            {
+                PostMessageW(sheet.Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(link), TRUE);
+                EXPECT_TRUE(OpenSheet::WaitUntil([&] { return sheet.Focus() == link; }));
+                sheet.PressKey(way);
+            }
+            EXPECT_EQ(opened.Wait(), "halvora-test:photos");
+            EXPECT_TRUE(OpenSheet::WaitUntil([&] { return sheet.Focus() == sheet.Button(IDOK); }));
+        });
+    }
 }
 
 TEST_F(SettingsSheet, WaitingLocksTheButtonsUntilItStops)

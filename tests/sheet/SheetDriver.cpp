@@ -144,9 +144,32 @@ void OpenSheet::ClickLink(HWND link) const
     PostMessageW(link, WM_LBUTTONUP, 0, within);
 }
 
+void OpenSheet::PressKey(WPARAM key) const
+{
+    PostMessageW(Focus(), WM_KEYDOWN, key, 1);
+    PostMessageW(Focus(), WM_KEYUP, key, 0xC0000001);
+}
+
+HWND OpenSheet::Focus() const
+{
+    GUITHREADINFO information{sizeof(information)};
+    return GetGUIThreadInfo(m_thread, &information) ? information.hwndFocus : nullptr;
+}
+
 void OpenSheet::Close(int button) const
 {
     PostMessageW(Button(button), BM_CLICK, 0, 0);
+    WaitForEnd();
+}
+
+void OpenSheet::CloseByTitleBar() const
+{
+    PostMessageW(m_sheet, WM_SYSCOMMAND, SC_CLOSE, 0);
+    WaitForEnd();
+}
+
+void OpenSheet::WaitForEnd() const
+{
     EXPECT_TRUE(WaitUntil([this] { return !IsWindow(m_sheet) || !IsWindowVisible(m_sheet); }))
         << "the sheet stays open";
 }

@@ -42,8 +42,15 @@ public:
     // Posts a mouse click and doesn't wait for its effect.
     void ClickLink(HWND link) const;
 
-    // Presses OK or Cancel; returns when the sheet is gone.
+    // Posts a key to the control with the focus.
+    void PressKey(WPARAM key) const;
+
+    // Null while no window of the sheet's thread has the focus.
+    HWND Focus() const;
+
+    // Presses OK or Cancel, or closes the sheet by its title bar; return when the sheet is gone.
     void Close(int button) const;
+    void CloseByTitleBar() const;
 
     // Waits for another dialog with that title over the sheet.
     HWND WaitForDialog(const WCHAR *title) const;
@@ -52,6 +59,8 @@ public:
     static bool WaitUntil(const std::function<bool()> &condition);
 
 private:
+    void WaitForEnd() const;
+
     HWND m_sheet;
     DWORD m_thread;
 };

@@ -28,6 +28,7 @@ struct Measures
 {
     SIZE Base; // of 4 and 8 dialog units
     RECT Window;
+    RECT Client;
     RECT Tabs;
     RECT Page;
     RECT Ok;
@@ -56,6 +57,7 @@ Measures Measure(const OpenSheet &sheet)
     EXPECT_TRUE(MapDialogRect(window, &base));
     measures.Base = {base.right, base.bottom};
     GetWindowRect(window, &measures.Window);
+    GetClientRect(window, &measures.Client);
     measures.Tabs = PlaceIn(window, sheet.Tabs());
     measures.Page = PlaceIn(window, FindWindowExW(window, nullptr, TEXT("#32770"), nullptr));
     measures.Ok = PlaceIn(window, sheet.Button(IDOK));
@@ -114,12 +116,6 @@ Measures MeasureOurSheet(const WCHAR *photosUrl, std::function<void(const OpenSh
     ShowSettingsSheet(GetDesktopWindow(), shown);
     return measures;
 }
-
-// The whole part of a move in 1/96 inch on this screen.
-int Scaled(int move)
-{
-    return static_cast<int>(move * DotsPerInch() * 0.010416667 + 0.5);
-}
 } // namespace
 
 TEST(SheetLayout, RunsOnAScreenOfTheDotsThatTheTestIsFor)
@@ -129,7 +125,7 @@ TEST(SheetLayout, RunsOnAScreenOfTheDotsThatTheTestIsFor)
     EXPECT_EQ(DotsPerInch(), told ? std::atoi(told) : 96);
 }
 
-TEST(SheetLayout, TightensTheStandardLayout)
+TEST(SheetLayout, MarginsAreEqualAndTheButtonsWhole)
 {
     const Measures plain = MeasurePlainSheet();
     const Measures ours = MeasureOurSheet(TEXT("http://photos/"));
@@ -137,26 +133,25 @@ TEST(SheetLayout, TightensTheStandardLayout)
     const auto down = [&](int units) { return MulDiv(units, plain.Base.cy, 8); };
     ASSERT_EQ(plain.Tabs.left, across(4)) << "the platform's standard layout";
     ASSERT_EQ(plain.Tabs.top, down(4));
-    const int dx = across(6);
-    const int dy = down(4);
-    const int below = dy + down(4) + 1;
 
-    EXPECT_EQ(ours.Tabs.left - plain.Tabs.left, Scaled(dx));
-    EXPECT_EQ(ours.Tabs.top - plain.Tabs.top, Scaled(dy));
+    const int rightMargin = ours.Client.right - ours.Tabs.right;
+    EXPECT_NEAR(ours.Tabs.left, rightMargin, 1);
+    EXPECT_NEAR(ours.Tabs.left, across(10), 2);
+    EXPECT_NEAR(ours.Tabs.top, down(8), 2);
     EXPECT_EQ(SizeOf(ours.Tabs).cx, SizeOf(plain.Tabs).cx);
     EXPECT_EQ(SizeOf(ours.Tabs).cy, SizeOf(plain.Tabs).cy);
-    EXPECT_EQ(ours.Page.left - plain.Page.left, Scaled(dx));
-    EXPECT_EQ(ours.Page.top - plain.Page.top, Scaled(dy));
-    EXPECT_EQ(ours.Ok.left - plain.Ok.left, Scaled(dx - across(4) - 1));
-    EXPECT_EQ(ours.Cancel.left - plain.Cancel.left, Scaled(dx - 1));
-    for (const auto &[mine, standard] : {std::pair{ours.Ok, plain.Ok}, {ours.Cancel, plain.Cancel}})
+    EXPECT_EQ(ours.Page.left - ours.Tabs.left, plain.Page.left - plain.Tabs.left);
+    EXPECT_EQ(ours.Page.top - ours.Tabs.top, plain.Page.top - plain.Tabs.top);
+
+    for (const RECT &button : {ours.Ok, ours.Cancel})
     {
-        EXPECT_EQ(mine.top - standard.top, Scaled(below));
-        EXPECT_EQ(SizeOf(mine).cx, across(50));
-        EXPECT_EQ(SizeOf(mine).cy, down(16));
+        EXPECT_EQ(SizeOf(button).cx, across(50));
+        EXPECT_EQ(SizeOf(button).cy, down(16));
+        EXPECT_GE(button.top, ours.Tabs.bottom + down(4)) << "a gap below the pages";
+        EXPECT_GE(ours.Client.bottom - button.bottom, rightMargin / 2);
     }
-    EXPECT_EQ(SizeOf(ours.Window).cx - SizeOf(plain.Window).cx, 2 * dx);
-    EXPECT_EQ(SizeOf(ours.Window).cy - SizeOf(plain.Window).cy, 2 * dy + down(6));
+    EXPECT_GE(ours.Cancel.left, ours.Ok.right + across(3));
+    EXPECT_NEAR(ours.Client.right - ours.Cancel.right, rightMargin, 2);
 }
 
 TEST(SheetLayout, AddsTheAnimationAndTheLink)
@@ -189,7 +184,7 @@ TEST(SheetLayout, ALayoutThatIsNotTheStandardOneStays)
 
 TEST(SheetLayout, OpensUnderThePointerAndATenthOfAnInchLower)
 {
-    const int lower = DotsPerInch() * 10 / 96;
+    const int lower = (DotsPerInch() * 10 + 48) / 96;
     SetCursorPos(640, 500);
     const RECT middle = MeasureOurSheet(TEXT("")).Window;
     EXPECT_NEAR((middle.left + middle.right) / 2, 640, 1);
