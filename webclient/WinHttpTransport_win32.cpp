@@ -297,17 +297,18 @@ bool WinHttpExchange::SendBody()
 
 void WinHttpExchange::ReceiveHead()
 {
-    // An interim answer (102, 103; WinHTTP passes over 100) is none: the service thinks on.
-    do
+    m_http.Receive();
+    // ERROR_WINHTTP_RESEND_REQUEST is one of the errors: nothing is sent twice.
+    if (const DWORD error = Wait().error)
     {
-        m_http.Receive();
-        // ERROR_WINHTTP_RESEND_REQUEST is one of the errors: nothing is sent twice.
-        if (const DWORD error = Wait().error)
-        {
-            throw ErrorOf(error);
-        }
-        m_reply.status = static_cast<int>(NumberHeader(WINHTTP_QUERY_STATUS_CODE));
-    } while (m_reply.status >= 100 && m_reply.status < 200);
+        throw ErrorOf(error);
+    }
+    m_reply.status = static_cast<int>(NumberHeader(WINHTTP_QUERY_STATUS_CODE));
+    if (m_reply.status < HTTP_STATUS_OK)
+    {
+        // WinHTTP passes over interim answers. Wine doesn't, and then takes no other answer.
+        throw TransportError{TransportProblem::AnswerGarbled};
+    }
     if (m_reply.status == HTTP_STATUS_PROXY_AUTH_REQ)
     {
         throw TransportError{TransportProblem::ProxyNeedsLogin};

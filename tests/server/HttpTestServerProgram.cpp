@@ -116,7 +116,7 @@ void AnswerInDrops(Conversation &conversation)
 {
     conversation.ReadRequest();
     conversation.Write("HTTP/1.1 200 OK\r\nContent-Length: 500\r\n\r\n");
-    for (int i = 0; i < 100; ++i)
+    for (int i = 0; i < 40; ++i)
     {
         conversation.Write(".");
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
