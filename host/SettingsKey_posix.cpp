@@ -50,6 +50,11 @@ LocaleNumberFormat UserFormat()
     return format;
 }
 
+std::string Pixels(UINT32 count)
+{
+    return std::to_string(count) + (count == 1 ? " pixel" : " pixels");
+}
+
 INT32 PixelsOf(WideView text, const LocaleNumberFormat &format)
 {
     double dpi = 0;
@@ -191,7 +196,7 @@ std::vector<std::string> SizeWarnings()
             continue;
         }
         const auto described = [](INT32 pixels) {
-            return pixels == 0 ? std::string("the full size") : std::to_string(pixels) + " pixels";
+            return pixels == 0 ? std::string("the full size") : Pixels(static_cast<UINT32>(pixels));
         };
         const std::string name = Utf8FromText(setting.Name);
         const INT32 here = PixelsOf(reading.sizeText, format);
@@ -218,8 +223,8 @@ std::optional<std::string> TooSmallSize()
     {
         if (pixels != 0 && pixels < UINT32{SmallestUsualEdge})
         {
-            return std::string(name) + " would make pictures at most " + std::to_string(pixels) +
-                   " pixels long. Nothing was sent. Change it with halvora settings " + name +
+            return std::string(name) + " would make pictures at most " + Pixels(pixels) +
+                   " long. Nothing was sent. Change it with halvora settings " + name +
                    "=..., or publish with --allow-small.";
         }
     }

@@ -123,7 +123,7 @@ TEST(SettingsKey, ListsWhatHoldsAndMarksWhatIsStoredAndNotTaken)
     EXPECT_THAT(ListSettings(), HasSubstr("JPEGLongDimension=Original (stored: \"huge\") "));
     EXPECT_THAT(ListSettings(), HasSubstr("RAWLongDimension=1 px (stored: \"1.024 px\") "));
     EXPECT_THAT(SizeWarnings(), ElementsAre(AllOf(HasSubstr("\"huge\""), HasSubstr("the full size")),
-                                            AllOf(HasSubstr(": 1 pixels"), HasSubstr("1024 pixels"))));
+                                            AllOf(HasSubstr(": 1 pixel."), HasSubstr("1024 pixels"))));
     ASSERT_TRUE(TooSmallSize());
     EXPECT_THAT(*TooSmallSize(), HasSubstr("RAWLongDimension"));
 

@@ -96,9 +96,9 @@ says 'JPEGMode=2'
 language=de_DE.UTF-8 expect 0 settings JPEGLongDimension=1024
 says 'JPEGLongDimension=1.024 px'
 language=C expect 0 status
-says 'is stored as "1.024 px" and means 1 px here: 1 pixels. In a language with the other decimal separator it means 1024 pixels'
+says 'is stored as "1.024 px" and means 1 px here: 1 pixel. In a language with the other decimal separator it means 1024 pixels'
 language=C expect 1 publish raw.jpg
-says 'would make pictures at most 1 pixels long. Nothing was sent.'
+says 'would make pictures at most 1 pixel long. Nothing was sent.'
 [ "$(admin uploads | jq length)" = 0 ] || fail 'a picture of one pixel was sent'
 language=C expect 0 publish --allow-small raw.jpg
 language=C expect 0 settings JPEGLongDimension= JPEGMode=0
