@@ -3,15 +3,14 @@
 # SERVICE is flickr-loopback, BROWSER the script that leads Chromium. The application's part, the
 # signed steps, is done here by hand. The first step that isn't as promised ends the test.
 set -euo pipefail
-bin=$(dirname "$1")
+service_program=$1
 browser_script=$2
 work=$(mktemp -d)
-# shellcheck source-path=SCRIPTDIR
-. "$(dirname "$0")/../scenarios/common.sh"
+service=
 finish() {
     "$browser_script" stop "$work/browser" 2>/dev/null || true
     "$browser_script" stop "$work/stranger" 2>/dev/null || true
-    end_service
+    [ -z "$service" ] || kill "$service" 2>/dev/null || true
     rm -rf "$work" 2>/dev/null || { sleep 1; rm -rf "$work"; }
 }
 trap finish EXIT
@@ -20,7 +19,12 @@ browser() { local command=$1; shift; "$browser_script" "$command" "$work/browser
 shows() { local text; text=$(browser text); [[ $text == *"$1"* ]] || fail "the page does not say \"$1\" but: $text"; }
 is() { [ "$2" = "$3" ] || fail "$1 is \"$2\", not \"$3\""; }
 
-start_service store
+"$service_program" --port 0 --store "$work/store" --ready-file "$work/env" >"$work/service.log" 2>&1 &
+service=$!
+for _ in $(seq 300); do [ ! -f "$work/env" ] || break; sleep 0.1; done
+# shellcheck disable=SC1091
+. "$work/env" || fail 'the service did not start'
+export HALVORA_LOOPBACK_PORT
 admin=http://127.0.0.1:$HALVORA_LOOPBACK_PORT/_loopback
 maker=authorization.halvora.example
 steps=https://www.flickr.com/services/oauth

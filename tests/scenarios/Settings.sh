@@ -3,16 +3,14 @@
 # From the sheet in a terminal, played by what is typed into it, to the registry, the state line, the log,
 # the fields of an upload and the picture itself. The first step that isn't as promised ends the test.
 set -euo pipefail
-here=$(cd "$(dirname "$0")" && pwd)
 bin=$(cd "$1" && pwd)
 work=$(mktemp -d)
-# shellcheck source-path=SCRIPTDIR
-. "$here/common.sh"
+service=
 terminals=0
 screen() { tmux -S "$work/terminal-$terminals" "$@"; }
 finish() {
     screen kill-server 2>/dev/null || true
-    end_service
+    [ -z "$service" ] || kill "$service" 2>/dev/null || true
     rm -rf "$work"
 }
 trap finish EXIT
@@ -23,9 +21,12 @@ fail() {
     exit 1
 }
 sees() {
-    await "the terminal does not show: $1" shows "$1"
+    for _ in $(seq 200); do
+        ! screen capture-pane -p 2>/dev/null | tr -s ' \n│' ' ' | grep -qF -- "$1" || return 0
+        sleep 0.05
+    done
+    fail "the terminal does not show: $1"
 }
-shows() { screen capture-pane -p 2>/dev/null | tr -s ' \n│' ' ' | grep -qF -- "$1"; }
 key() { screen send-keys "$@"; }
 keys() { local count=$1; shift; for _ in $(seq "$count"); do key "$@"; done; }
 halvora() { "$bin/halvora" --profile "$work/profile" "$@" </dev/null >"$work/out" 2>&1; }
@@ -40,7 +41,7 @@ sheet() {
 }
 # The sheet has gone, and left the terminal as it was: closed CODE
 closed() {
-    await 'halvora settings does not end' test -s "$work/code"
+    for _ in $(seq 200); do [ ! -s "$work/code" ] || break; sleep 0.05; done
     [ "$(cat "$work/code" 2>/dev/null)" = "$1" ] || fail "halvora settings ended with $(cat "$work/code" 2>/dev/null), not $1"
     sees 'unchanged'
     sees 'before'
@@ -53,9 +54,15 @@ stored() {
         grep -qE "^${setting%%=*} *= *\"?${setting#*=}\"?( |\$)" <(sed 's/  */ /g' "$work/out") || fail "not stored: $setting"
     done
 }
+admin() { curl -sS --noproxy '*' "http://127.0.0.1:$HALVORA_LOOPBACK_PORT/_loopback/$1"; }
 
-start_service store --token sheet-token:sheet-secret
-export LC_ALL=C.UTF-8
+"$bin/flickr-loopback" --port 0 --store "$work/store" --token sheet-token:sheet-secret --ready-file "$work/env" \
+    >"$work/service.log" 2>&1 &
+service=$!
+for _ in $(seq 300); do [ ! -f "$work/env" ] || break; sleep 0.1; done
+# shellcheck disable=SC1091
+. "$work/env" || fail 'the service did not start'
+export HALVORA_LOOPBACK_PORT LC_ALL=C.UTF-8
 printf 'sheet-token\nsheet-secret\n' | "$bin/halvora" --profile "$work/profile" account --set-token - >"$work/out"
 
 # Cancelled in all ways, nothing is kept.
@@ -183,7 +190,9 @@ sees 'Name='
 key Tab Enter
 sees 'https://www.flickr.com/photos/'
 sees 'Go to your Flickr Homepage'
-stop_service
+kill "$service"
+wait "$service" 2>/dev/null || true
+service=
 key Tab Enter
 sees 'Failed to refresh account data.'
 key Enter
