@@ -3,15 +3,15 @@
 # SERVICE is flickr-loopback, BROWSER the script that controls Chromium. This script also plays the application,
 # which sends the signed requests. The first step that isn't as promised ends the test.
 set -euo pipefail
-bin=$(dirname "$1")
+service_program=$1
 browser_script=$2
 work=$(mktemp -d)
-# shellcheck source-path=SCRIPTDIR
-. "$(dirname "$0")/../scenarios/common.sh"
+# shellcheck source=tests/scenarios/Service.sh
+. "$(dirname "$0")/../scenarios/Service.sh"
 finish() {
     "$browser_script" stop "$work/browser" 2>/dev/null || true
     "$browser_script" stop "$work/stranger" 2>/dev/null || true
-    end_service
+    stop_service
     rm -rf "$work" 2>/dev/null || { sleep 1; rm -rf "$work"; }
 }
 trap finish EXIT
@@ -20,7 +20,7 @@ browser() { local command=$1; shift; "$browser_script" "$command" "$work/browser
 shows() { local text; text=$(browser text); [[ $text == *"$1"* ]] || fail "the page does not say \"$1\" but: $text"; }
 is() { [ "$2" = "$3" ] || fail "$1 is \"$2\", not \"$3\""; }
 
-start_service store
+start_service "$service_program" store
 admin=http://127.0.0.1:$HALVORA_LOOPBACK_PORT/_loopback
 maker=authorization.halvora.example
 steps=https://www.flickr.com/services/oauth

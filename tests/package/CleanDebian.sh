@@ -12,7 +12,7 @@ trap 'rm -rf "$trial"' EXIT
 cp "$package" "$trial/halvora.deb"
 mkdir "$trial"/{package,scenarios}
 cp "$here/InstalledPrograms.sh" "$trial/package"
-cp "$here/../scenarios/common.sh" "$trial/scenarios"
+cp "$here/../scenarios/Service.sh" "$trial/scenarios"
 cp "$picture" "$trial/picture.jpg"
 cat >"$trial/try.sh" <<'TRY'
 set -eu

@@ -4,8 +4,8 @@
 set -euo pipefail
 bin=$1 picture=$2
 work=$(mktemp -d)
-# shellcheck source=tests/scenarios/common.sh
-. "$(dirname "$0")/../scenarios/common.sh"
+# shellcheck source=tests/scenarios/Service.sh
+. "$(dirname "$0")/../scenarios/Service.sh"
 finish() { stop_service; rm -rf "$work"; }
 trap finish EXIT
 fail() { printf 'FAILED: %s\n' "$1" >&2; cat "$work"/out "$work"/service.log >&2 2>/dev/null || true; exit 1; }
@@ -17,7 +17,7 @@ says '^halvora [0-9.]*$'
 run status
 ! grep -qi 'missing\|could not' "$work/out" || fail 'a module is missing'
 
-start_service store --token tok:sec
+start_service "$bin/flickr-loopback" store --token tok:sec
 printf 'tok\nsec\n' | "$bin/halvora" --profile "$work/profile" account --set-token - >"$work/out" 2>&1 || fail 'no account'
 
 run settings JPEGMode=0

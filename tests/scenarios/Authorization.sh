@@ -4,15 +4,14 @@
 # service and the maker's endpoint. And what is secret in it is found nowhere but where it is kept.
 # Every step says what it saw; the first that isn't as promised ends the test.
 set -euo pipefail
-here=$(cd "$(dirname "$0")" && pwd)
 bin=$1
 work=$(mktemp -d)
-# shellcheck source-path=SCRIPTDIR
-. "$here/common.sh"
+# shellcheck source=tests/scenarios/Service.sh
+. "$(dirname "$0")/Service.sh"
 sampler=
 finish() {
     [ -z "$sampler" ] || kill "$sampler" 2>/dev/null || true
-    end_service
+    stop_service
     rm -rf "$work"
 }
 trap finish EXIT
@@ -30,9 +29,11 @@ expect() {
     cat "$work/out" >>"$work/everything-said"
     [ $code -eq "$wanted" ] || fail "halvora $*: exit code $code, not $wanted"
 }
-# Waits until the terminal shows a line: sees TEXT
-sees() { await "not seen: $1" grep -qsF -- "$1" "$work/screen"; }
-has_landed() { await 'the browser landed nowhere' test -f "$work/landed"; }
+# Waits until a file has a line with the text: await FILE TEXT
+await() {
+    for _ in $(seq 300); do ! grep -qsF -- "$2" "$1" || return 0; sleep 0.1; done
+    fail "not seen in ${1##*/}: $2"
+}
 
 # The browser: gets the page, answers its form as $browser_decision says, and goes where it is sent.
 mkdir "$work/path"
@@ -73,22 +74,23 @@ finish_authorize() {
     cat "$work/out" >>"$work/everything-said"
     [ $code -eq "$1" ] || fail "halvora authorize: exit code $code, not $1"
 }
-consent() { sees 'Halvora needs your permission'; sleep 0.3; type_in "$1"; }
+consent() { await "$work/screen" 'Halvora needs your permission'; sleep 0.3; type_in "$1"; }
 complete() {
-    sees 'Return to this window'
+    await "$work/screen" 'Return to this window'
     sleep 0.3
     type_in "$1"
 }
 # Waits for the error's dialog, whose text is broken into lines, and confirms it: dismiss_error CAPTION TEXT
 dismiss_error() {
-    await "no dialog says: $2" shows "$2"
+    for _ in $(seq 300); do ! shows "$2" || break; sleep 0.1; done
     shows "$1" || fail "no dialog with the caption: $1"
+    shows "$2" || fail "the dialog doesn't say: $2"
     sleep 0.3
     type_in ''
 }
 shows() { sed 's/│//g' "$work/screen" | tr -s ' \r\n' ' ' | grep -F -- "$1" >/dev/null; }
 
-start_service store
+start_service "$bin/flickr-loopback" store
 
 # Nobody to ask is a no.
 expect 3 authorize
@@ -106,7 +108,7 @@ finish_authorize 3
 sampler=$!
 authorize
 consent Authorize
-has_landed
+await_file "$work/landed" 'the browser did not land anywhere'
 complete 'Authorization Granted'
 finish_authorize 0
 kill $sampler
@@ -161,10 +163,10 @@ says 'halvora authorize'
 cmp -s "$work/granted" "$work/profile/init-data.bin" || fail 'an unreachable service changed the account'
 
 # An account that can't be read right afterwards is authorized all the same.
-start_service store --fault 'kind=status&status=504&target=rest&count=9'
+start_service "$bin/flickr-loopback" store --fault 'kind=status&status=504&target=rest&count=9'
 authorize
 consent Authorize
-has_landed
+await_file "$work/landed" 'the browser did not land anywhere'
 complete 'Authorization Granted'
 dismiss_error 'An error occurred while talking to Flickr' 'Unknown reply format. Cannot understand server anwser.'
 finish_authorize 1
@@ -175,11 +177,11 @@ says 'Authorized:    yes'
 stop_service
 
 # "Granted" without a grant ends the earlier authorization, and says so.
-start_service store
+start_service "$bin/flickr-loopback" store
 export browser_decision=deny
 authorize
 consent Authorize
-has_landed
+await_file "$work/landed" 'the browser did not land anywhere'
 complete 'Authorization Granted'
 dismiss_error 'Authorization Error' 'Could not connect to the Flickr authorization server. The error code was 0x80004005.'
 finish_authorize 1

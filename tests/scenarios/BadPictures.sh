@@ -2,12 +2,13 @@
 # Damaged, odd and wrongly named pictures, in each of the three modes: BadPictures.sh FOLDER-OF-THE-PROGRAMS
 # What is refused leaves nothing at the service, is named, and gives its reason; the rest of the run goes on.
 set -euo pipefail
-here=$(cd "$(dirname "$0")" && pwd)
 bin=$1
 work=$(mktemp -d)
-# shellcheck source-path=SCRIPTDIR
-. "$here/common.sh"
-finish() { end_service; rm -rf "$work"; }
+# shellcheck source=tests/scenarios/Service.sh
+. "$(dirname "$0")/Service.sh"
+# shellcheck source=tests/scenarios/Background.sh
+. "$(dirname "$0")/Background.sh"
+finish() { stop_service; rm -rf "$work"; }
 trap finish EXIT
 export LC_ALL=C
 
@@ -48,6 +49,7 @@ cp good.jpg jpeg.png
 cp "$work/plain.tif" tiff.jpg
 head -c 33 "$work/plain.png" >cut-png.jpg
 
+uploads() { curl -sS "${HALVORA_LOOPBACK_GALLERY}_loopback/uploads"; }
 host() { "$bin/halvora" --profile "$work/profile" "$@"; }
 fail() {
     printf 'FAILED: mode %s: %s\n' "$mode" "$1" >&2
@@ -82,7 +84,7 @@ bomb.jpg         up                         copy_the_file_again        save_a_sm
 CASES
 mapfile -t names < <(cut -d' ' -f1 "$work/cases")
 for mode in 0 1 2; do
-    start_service "store$mode" --token tok:sec
+    start_service "$bin/flickr-loopback" "store$mode" --token tok:sec
     printf 'tok\nsec\n' | host account --set-token - >/dev/null
     host settings JPEGMode=$mode >/dev/null
     code=0
@@ -99,18 +101,18 @@ for mode in 0 1 2; do
         esac
     done <"$work/cases"
     grep -q "^Published $good of ${#names[@]} pictures" "$work/out" || fail "not $good were published"
-    [ "$(admin uploads | jq length)" = "$good" ] || fail "not $good arrived"
+    [ "$(uploads | jq length)" = "$good" ] || fail "not $good arrived"
     stop_service
 done
 
 # A file that goes while the one before it is being uploaded, one that turns into a folder, and one that turns
 # into a pipe, which nobody writes to.
 mode='1, and files that change'
-start_service store-slow --token tok:sec --fault 'kind=delay&ms=1500&target=upload'
+start_service "$bin/flickr-loopback" store-slow --token tok:sec --fault 'kind=delay&ms=1500&target=upload'
 for name in vanishing folder pipe; do cp good.jpg $name.jpg; done
 host settings JPEGMode=1 >/dev/null
 start_run "$bin/halvora" --profile "$work/profile" publish good.jpg vanishing.jpg folder.jpg pipe.jpg progressive.jpg
-await 'the first picture is not tried' grep -q 'Publishing ".*good.jpg' "$work/out"
+await_words 'Publishing ".*good.jpg'
 rm vanishing.jpg folder.jpg pipe.jpg
 mkdir folder.jpg
 mkfifo pipe.jpg
@@ -118,5 +120,5 @@ code=0
 wait "$run" || code=$?
 [ $code -eq 1 ] || fail "exit code $code, not 1"
 for name in vanishing folder pipe; do refused $name.jpg ''; done
-[ "$(admin uploads | jq length)" = 2 ] || fail 'not two arrived'
+[ "$(uploads | jq length)" = 2 ] || fail 'not two arrived'
 echo 'Every picture met the right end.'

@@ -4,19 +4,18 @@
 # What the user sees is read from the terminal's screen and from the browser's pages. The first step
 # that isn't as promised ends the test.
 set -euo pipefail
-here=$(cd "$(dirname "$0")" && pwd)
 bin=$(cd "$1" && pwd)
 tools=$(cd "$2" && pwd)
 work=$(mktemp -d)
-# shellcheck source-path=SCRIPTDIR
-. "$here/common.sh"
+# shellcheck source=tests/scenarios/Service.sh
+. "$(dirname "$0")/Service.sh"
 # A terminal for each run: a new one can't be had of a server that is just ending.
 terminals=0
 screen() { tmux -S "$work/terminal-$terminals" "$@"; }
 finish() {
     screen kill-server 2>/dev/null || true
     "$tools/browser" stop "$work/browser" 2>/dev/null || true
-    end_service
+    stop_service
     rm -rf "$work" 2>/dev/null || { sleep 1; rm -rf "$work"; }
 }
 trap finish EXIT
@@ -30,9 +29,12 @@ browser() { local command=$1; shift; "$tools/browser" "$command" "$work/browser"
 page_says() { grep -qF -- "$2" "$work/browser/$1.txt" || fail "$1 does not say \"$2\" but: $(<"$work/browser/$1.txt")"; }
 # Waits until the terminal shows a text, wherever its lines are broken.
 sees() {
-    await "the terminal does not show: $1" shows "$1"
+    for _ in $(seq 300); do
+        ! screen capture-pane -p -S - 2>/dev/null | tr -s ' \n│' ' ' | grep -qF -- "$1" || return 0
+        sleep 0.1
+    done
+    fail "the terminal does not show: $1"
 }
-shows() { screen capture-pane -p -S - 2>/dev/null | tr -s ' \n│' ' ' | grep -qF -- "$1"; }
 key() { screen send-keys "$@"; }
 # The user begins, agrees, and answers the page: authorize ANSWER
 authorize() {
@@ -44,13 +46,13 @@ authorize() {
     sees 'Halvora needs your permission to publish images to Flickr.'
     sees 'Enter: Authorize. Esc'
     key Enter
-    await 'nobody answered in the browser' test -f "$work/browser/answered"
+    await_file "$work/browser/answered" 'nobody answered in the browser'
     page_says page 'May Halvora upload photos to your account?'
     sees "Return to this window once you've authorized Halvora on Flickr."
     sees 'Enter: Authorization Granted. Esc'
 }
 ends_with() {
-    await 'halvora authorize does not end' test -s "$work/code"
+    for _ in $(seq 100); do [ ! -s "$work/code" ] || break; sleep 0.1; done
     [ "$(cat "$work/code" 2>/dev/null)" = "$1" ] || fail "halvora authorize ended with $(cat "$work/code" 2>/dev/null), not $1"
 }
 is_refused() {
@@ -62,14 +64,15 @@ is_refused() {
     "$bin/halvora" --profile "$work/profile" account >"$work/out" 2>&1 || true
     ! grep -q 'Authorized: *yes' "$work/out" || fail 'authorized without a grant'
 }
+admin() { curl -sS --noproxy '*' "http://127.0.0.1:$HALVORA_LOOPBACK_PORT/_loopback/$1"; }
 states() { admin authorizations | jq -r 'map(.state + "/" + .at_maker) | join(" ")'; }
 states_are() { [ "$(states)" = "$1" ] || fail "the service has \"$(states)\", not \"$1\""; }
 
-start_service store
+start_service "$bin/flickr-loopback" store
 export HALVORA_BROWSER=$work/browser PATH=$tools/user:$PATH LC_ALL=C.UTF-8
 browser start
 
-# The grant, and a picture that is published with it.
+# The grant, and a picture that goes up with it.
 authorize Allow
 page_says after-page 'You can return to Halvora now'
 key Enter
@@ -78,9 +81,9 @@ ends_with 0
 states_are used/taken
 blank_picture "$work/first.jpg"
 "$bin/halvora" --profile "$work/profile" settings JPEGMode=0 >"$work/out"
-"$bin/halvora" --profile "$work/profile" publish "$work/first.jpg" >"$work/out" 2>&1 || fail 'the picture was not published'
+"$bin/halvora" --profile "$work/profile" publish "$work/first.jpg" >"$work/out" 2>&1 || fail 'the picture did not go up'
 newest=$(admin tokens | jq -r '.[-1] | select(.permission == "write") | .token')
-[ "$(admin uploads | jq -r '.[].token')" = "$newest" ] || fail 'the picture was not published with the granted token'
+[ "$(admin uploads | jq -r '.[].token')" = "$newest" ] || fail 'the picture did not go up with the granted token'
 
 # Going on before the page is answered: the old grant is lost, and a grant that comes too late helps nobody.
 authorize read
@@ -101,5 +104,5 @@ states_are 'used/taken granted/waiting denied/none pending/none'
 authorize Allow
 key Enter
 ends_with 0
-"$bin/halvora" --profile "$work/profile" publish "$work/first.jpg" >"$work/out" 2>&1 || fail 'the picture was not published again'
+"$bin/halvora" --profile "$work/profile" publish "$work/first.jpg" >"$work/out" 2>&1 || fail 'the picture did not go up again'
 echo 'The user has granted, and published.'

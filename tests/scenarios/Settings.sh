@@ -3,16 +3,15 @@
 # From the sheet in a terminal, played by what is typed into it, to the registry, the state line, the log,
 # the fields of an upload and the picture itself. The first step that isn't as promised ends the test.
 set -euo pipefail
-here=$(cd "$(dirname "$0")" && pwd)
 bin=$(cd "$1" && pwd)
 work=$(mktemp -d)
-# shellcheck source-path=SCRIPTDIR
-. "$here/common.sh"
+# shellcheck source=tests/scenarios/Service.sh
+. "$(dirname "$0")/Service.sh"
 terminals=0
 screen() { tmux -S "$work/terminal-$terminals" "$@"; }
 finish() {
     screen kill-server 2>/dev/null || true
-    end_service
+    stop_service
     rm -rf "$work"
 }
 trap finish EXIT
@@ -23,9 +22,12 @@ fail() {
     exit 1
 }
 sees() {
-    await "the terminal does not show: $1" shows "$1"
+    for _ in $(seq 200); do
+        ! screen capture-pane -p 2>/dev/null | tr -s ' \n│' ' ' | grep -qF -- "$1" || return 0
+        sleep 0.05
+    done
+    fail "the terminal does not show: $1"
 }
-shows() { screen capture-pane -p 2>/dev/null | tr -s ' \n│' ' ' | grep -qF -- "$1"; }
 key() { screen send-keys "$@"; }
 keys() { local count=$1; shift; for _ in $(seq "$count"); do key "$@"; done; }
 halvora() { "$bin/halvora" --profile "$work/profile" "$@" </dev/null >"$work/out" 2>&1; }
@@ -40,7 +42,7 @@ sheet() {
 }
 # The sheet has gone, and left the terminal as it was: closed CODE
 closed() {
-    await 'halvora settings does not end' test -s "$work/code"
+    for _ in $(seq 200); do [ ! -s "$work/code" ] || break; sleep 0.05; done
     [ "$(cat "$work/code" 2>/dev/null)" = "$1" ] || fail "halvora settings ended with $(cat "$work/code" 2>/dev/null), not $1"
     sees 'unchanged'
     sees 'before'
@@ -53,9 +55,10 @@ stored() {
         grep -qE "^${setting%%=*} *= *\"?${setting#*=}\"?( |\$)" <(sed 's/  */ /g' "$work/out") || fail "not stored: $setting"
     done
 }
+admin() { curl -sS --noproxy '*' "http://127.0.0.1:$HALVORA_LOOPBACK_PORT/_loopback/$1"; }
 
-start_service store --token sheet-token:sheet-secret
 export LC_ALL=C.UTF-8
+start_service "$bin/flickr-loopback" store --token sheet-token:sheet-secret
 printf 'sheet-token\nsheet-secret\n' | "$bin/halvora" --profile "$work/profile" account --set-token - >"$work/out"
 
 # Cancelled in all ways, nothing is kept.
@@ -143,7 +146,7 @@ vips gaussnoise "$work/noise.png" 900 600 --sigma 40 --mean 128
 vips jpegsave "$work/noise.png" "$work/picture.jpg" --Q 95
 exiftool -q -overwrite_original -XMP-dc:Title='Dünen' -EXIF:ImageDescription='Sand and wind' -Keywords=quarantine \
     -EXIF:Artist='Ada Lovelace' -GPSLatitude=12.5 -GPSLatitudeRef=N -GPSLongitude=45.25 -GPSLongitudeRef=E "$work/picture.jpg"
-halvora publish -v "$work/picture.jpg" || fail 'the picture was not published'
+halvora publish -v "$work/picture.jpg" || fail 'the picture did not go up'
 grep -qF '320' "$work/out" || fail 'the log does not tell the size'
 field() { admin uploads | jq -r ".[-1].fields.$1 // .[-1].$1 // empty"; }
 for expected in title=Dünen description='Sand and wind' tags= is_public=0 is_friend=0 is_family=1 safety_level=2 \
@@ -177,7 +180,7 @@ sees '[x] Further reduce the upload size'
 key Enter
 closed 0
 stored JPEGMinimize=1 AsyncUpload=1
-halvora publish "$work/picture.jpg" || fail 'the picture was not published again'
+halvora publish "$work/picture.jpg" || fail 'the picture did not go up again'
 [ "$(field async)" = 1 ] || fail 'the upload was not asynchronous'
 arrived '320 x 213' '2 2' 08
 

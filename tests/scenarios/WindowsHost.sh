@@ -15,9 +15,8 @@ for program in "$service_program" "$proxy_program" "$driver_program" "$zip"; do
     }
 done
 work=$(mktemp -d)
-bin=$(dirname "$service_program")
-# shellcheck source-path=SCRIPTDIR
-. "$(dirname "$0")/common.sh"
+# shellcheck source=tests/scenarios/Service.sh
+. "$(dirname "$0")/Service.sh"
 export HALVORA_WINEPREFIX=$work/wine LC_ALL=C.UTF-8
 proxy_process='' screen='' host=''
 finish() {
@@ -62,7 +61,7 @@ picture() {
 }
 
 # The service, and a proxy through which Windows comes to it by the names that it has on the network.
-start_service store
+start_service "$service_program" store
 mkdir "$work/proxy"
 mkfifo "$work/leash"
 leads=()
@@ -72,7 +71,7 @@ done
 "$proxy_program" "$work/proxy" "${leads[@]}" <"$work/leash" &
 proxy_process=$!
 exec 7>"$work/leash"
-await 'the proxy did not start' test -e "$work/proxy/port"
+await_file "$work/proxy/port" 'the proxy did not start'
 proxy=127.0.0.1:$(<"$work/proxy/port")
 
 # A new Windows. WinHTTP in Wine knows the proxy by the variables, WinINet by the registry. What a program
@@ -142,8 +141,8 @@ start_host
 shows "$state" 'needs your permission'
 driver follow "$main_window" "$state" authorize
 driver answer 'Authorize Halvora Professional' 1
-await 'no browser was started' test -e "$work/browser/user.log"
-await 'nobody has answered in the browser' test -e "$work/browser/answered"
+await_file "$work/browser/user.log" 'no browser was started'
+await_file "$work/browser/answered" 'nobody has answered in the browser'
 grep -qF 'May Halvora upload photos to your account?' "$work/browser/page.txt" || fail 'the browser shows another page'
 driver answer 'Authorization Completion' 1
 shows "$state" 'Settings...'
