@@ -1,6 +1,7 @@
 #include "host/ImagingTrial.h"
 
 #include "host/FrameMetadata.h"
+#include "host/MetadataWriting.h"
 #include "host/PictureSource.h"
 #include "host/TextEncodings.h"
 
@@ -10,6 +11,7 @@
 #include <wincodec.h>
 #include <wincodecsdk.h>
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -46,6 +48,26 @@ std::string Segments()
     return Segment('\xE1', exif) + Segment('\xE1', xmp) + Segment('\xED', block) + Segment('\xFE', mark);
 }
 
+// What is done to the metadata of a new picture before its pixels are written.
+using Editing = std::function<void(IWICBitmapFrameEncode &frame)>;
+
+void CopyBlocks(IWICBitmapFrameDecode &source, IWICBitmapFrameEncode &frame)
+{
+    const auto blocks = QueryFor<IWICMetadataBlockReader>(&source);
+    const auto writer = QueryFor<IWICMetadataBlockWriter>(&frame);
+    if (blocks && writer)
+    {
+        writer->InitializeFromBlockReader(blocks.Get());
+    }
+}
+
+ComPtr<IWICMetadataQueryWriter> QueryWriterOf(IWICBitmapFrameEncode &frame)
+{
+    ComPtr<IWICMetadataQueryWriter> writer;
+    ThrowIfFailed(frame.GetMetadataQueryWriter(writer.Put()));
+    return writer;
+}
+
 class Trial
 {
 public:
@@ -55,11 +77,36 @@ public:
                                        m_factory.PutVoid()));
     }
 
-    bool Copies()
+    CopiedMetadata Copies()
     {
-        const ComPtr<IWICBitmapFrameDecode> frame = MarkedFrame();
-        const auto blocks = QueryFor<IWICMetadataBlockReader>(frame.Get());
-        return Encode(frame.Get(), blocks.Get()).find(Mark) != std::string::npos;
+        const ComPtr<IWICBitmapFrameDecode> source = MarkedFrame();
+        const auto copy = [&](IWICBitmapFrameEncode &frame) { CopyBlocks(*source.Get(), frame); };
+        const auto copyAndRemove = [&](IWICBitmapFrameEncode &frame) {
+            copy(frame);
+            AtBoundary([&] {
+                WriteRecordMetadata(*QueryWriterOf(frame).Get(), ItemRecord(), MetadataSnapshots(),
+                                    GroupSwitches(), NewFrame::Copied, [](const std::string &) {});
+                return S_OK;
+            });
+        };
+        if (!HoldsMark(Encode(source.Get(), copy)))
+        {
+            return CopiedMetadata::None;
+        }
+        return HoldsMark(Encode(source.Get(), copyAndRemove)) ? CopiedMetadata::Lasting
+                                                              : CopiedMetadata::Removable;
+    }
+
+    bool Writes()
+    {
+        const auto describe = [](IWICBitmapFrameEncode &frame) {
+            std::string mark(Mark);
+            PROPVARIANT text = {};
+            text.vt = VT_LPSTR;
+            text.pszVal = mark.data();
+            QueryWriterOf(frame)->SetMetadataByName(TEXT("/app1/ifd/{ushort=270}"), &text);
+        };
+        return HoldsMark(Encode(GreyPicture().Get(), describe));
     }
 
     bool Reads()
@@ -72,6 +119,8 @@ public:
     }
 
 private:
+    static bool HoldsMark(const std::string &file) { return file.find(Mark) != std::string::npos; }
+
     static ComPtr<IStream> NewStream()
     {
         ComPtr<IStream> stream;
@@ -79,11 +128,15 @@ private:
         return stream;
     }
 
+    static ComPtr<IWICBitmapSource> GreyPicture()
+    {
+        return MakePictureSource(std::make_shared<const DecodedPicture>(
+            DecodedPicture{16, 16, 96, 96, std::vector<BYTE>(size_t{16} * 16 * 3, 0x80)}));
+    }
+
     ComPtr<IWICBitmapFrameDecode> MarkedFrame()
     {
-        const auto grey = std::make_shared<const DecodedPicture>(
-            DecodedPicture{16, 16, 96, 96, std::vector<BYTE>(size_t{16} * 16 * 3, 0x80)});
-        std::string marked = Encode(MakePictureSource(grey).Get(), nullptr);
+        std::string marked = Encode(GreyPicture().Get(), [](IWICBitmapFrameEncode &) {});
         marked.insert(2, Segments());
 
         ComPtr<IStream> file = NewStream();
@@ -107,7 +160,7 @@ private:
         return bytes;
     }
 
-    std::string Encode(IWICBitmapSource *source, IWICMetadataBlockReader *blocks)
+    std::string Encode(IWICBitmapSource *source, const Editing &edit)
     {
         const ComPtr<IStream> file = NewStream();
         ComPtr<IWICBitmapEncoder> encoder;
@@ -122,11 +175,7 @@ private:
         ThrowIfFailed(frame->SetSize(width, height));
         WICPixelFormatGUID format = GUID_WICPixelFormat24bppBGR;
         ThrowIfFailed(frame->SetPixelFormat(&format));
-        if (const auto writer = QueryFor<IWICMetadataBlockWriter>(frame.Get()); writer && blocks != nullptr)
-        {
-            // Ignore the result; only the written file decides.
-            writer->InitializeFromBlockReader(blocks);
-        }
+        edit(*frame.Get());
         ThrowIfFailed(frame->WriteSource(source, nullptr));
         ThrowIfFailed(frame->Commit());
         ThrowIfFailed(encoder->Commit());
@@ -137,15 +186,19 @@ private:
 };
 } // namespace
 
-CopiedMetadata TryCopyingMetadata() noexcept
+MetadataSupport TryWritingMetadata() noexcept
 {
-    static const CopiedMetadata Found = [] {
-        bool copies = false;
-        const HRESULT result = AtBoundary([&] {
-            copies = Trial().Copies();
+    static const MetadataSupport Found = [] {
+        MetadataSupport support;
+        AtBoundary([&] {
+            support.copies = Trial().Copies();
             return S_OK;
         });
-        return FAILED(result) ? CopiedMetadata::Unknown : copies ? CopiedMetadata::Some : CopiedMetadata::None;
+        AtBoundary([&] {
+            support.writes = Trial().Writes();
+            return S_OK;
+        });
+        return support;
     }();
     return Found;
 }

@@ -309,20 +309,8 @@ void WriteExif(RecordWriting &writing, const MetadataSnapshot &snapshot, const I
 }
 } // namespace
 
-bool RefusesEveryChange(IWICMetadataQueryWriter &writer) noexcept
-{
-    const auto isMissing = [](HRESULT result) {
-        return result == E_NOTIMPL || result == WINCODEC_ERR_UNSUPPORTEDOPERATION;
-    };
-    PROPVARIANT upright = {};
-    upright.vt = VT_UI2;
-    upright.uiVal = 1;
-    return isMissing(writer.RemoveMetadataByName(TEXT("/xmp"))) &&
-           isMissing(writer.SetMetadataByName(TEXT("/app1/ifd/{ushort=274}"), &upright));
-}
-
 void WriteRecordMetadata(IWICMetadataQueryWriter &writer, const ItemRecord &record,
-                         const MetadataSnapshots &snapshots, const GroupSwitches &switches, bool processed,
+                         const MetadataSnapshots &snapshots, const GroupSwitches &switches, NewFrame frame,
                          const WritingNotice &notice)
 {
     const auto group = [](bool wanted, RecordGroup found) { return wanted ? std::move(found) : RecordGroup(); };
@@ -333,9 +321,10 @@ void WriteRecordMetadata(IWICMetadataQueryWriter &writer, const ItemRecord &reco
     const bool iptc = switches.iptc && !IsIptcBlank(record);
 
     RecordWriting writing(writer, record, notice);
-    if (!processed)
+    UINT16 orientation = OrientationOf(record);
+    if (frame == NewFrame::Copied)
     {
-        const UINT16 orientation = writing.CopiedOrientation();
+        orientation = writing.CopiedOrientation();
         writing.Remove(TEXT("/xmp"));
         writing.Remove(TEXT("/app13"));
         if (copyright && iptc && !exif.blank && !gps.blank && !xmp.blank)
@@ -346,10 +335,10 @@ void WriteRecordMetadata(IWICMetadataQueryWriter &writer, const ItemRecord &reco
         {
             writing.ClearCopies();
         }
-        if (orientation != 1)
-        {
-            writing.SetShort(ExifField::Directory::Main, Tag::Orientation, orientation);
-        }
+    }
+    if (frame != NewFrame::Processed && orientation != 1)
+    {
+        writing.SetShort(ExifField::Directory::Main, Tag::Orientation, orientation);
     }
     for (const RecordGroup *each : {&exif, &gps, &xmp})
     {
@@ -361,7 +350,7 @@ void WriteRecordMetadata(IWICMetadataQueryWriter &writer, const ItemRecord &reco
     }
     if (exif.snapshot)
     {
-        WriteExif(writing, *exif.snapshot, record, processed);
+        WriteExif(writing, *exif.snapshot, record, frame == NewFrame::Processed);
     }
     if (gps.snapshot)
     {

@@ -40,13 +40,16 @@ struct GroupSwitches
 // Called with words in UTF-8 about what was left out, for the log.
 using WritingNotice = std::function<void(const std::string &words)>;
 
-// Whether the writer can neither set nor remove metadata. Finding out removes the XMP block of one that
-// can, which is written anew or not at all.
-bool RefusesEveryChange(IWICMetadataQueryWriter &writer) noexcept;
+// What a new file holds before its metadata is written.
+enum class NewFrame
+{
+    Processed, // pixels that were decoded and turned upright
+    Intact,    // the source's pixels
+    Copied     // the source's pixels and copies of its metadata blocks
+};
 
 // A group that is switched off or blank in the record leaves nothing behind. Throws the code of a removal
-// that failed; a single value that can't be written is left out and noticed. processed: the picture was
-// decoded, and the writer starts empty.
+// from a copied frame that failed; a single value that can't be written is left out and noticed.
 void WriteRecordMetadata(IWICMetadataQueryWriter &writer, const ItemRecord &record,
-                         const MetadataSnapshots &snapshots, const GroupSwitches &switches, bool processed,
+                         const MetadataSnapshots &snapshots, const GroupSwitches &switches, NewFrame frame,
                          const WritingNotice &notice);

@@ -2,7 +2,6 @@
 
 #include "host/FileNames.h"
 #include "host/ImageMetadata.h"
-#include "host/ImagingTrial.h"
 #include "host/MetadataWriting.h"
 #include "host/PictureSource.h"
 #include "host/TextEncodings.h"
@@ -25,8 +24,11 @@ WideText JoinExtensions(const PictureItem &item)
 }
 } // namespace
 
-PublishingHost::PublishingHost(RunRecord &record, LogSink log)
-    : m_record(record), m_log(std::move(log)), m_ahead(record.Items(), DecodePicture)
+PublishingHost::PublishingHost(RunRecord &record, LogSink log, std::function<MetadataSupport()> support)
+    : m_record(record),
+      m_log(std::move(log)),
+      m_support(std::move(support)),
+      m_ahead(record.Items(), DecodePicture)
 {
 }
 
@@ -126,24 +128,6 @@ ComPtr<IWICBitmapSource> PublishingHost::ReadPicture(const std::filesystem::path
     }
 }
 
-void PublishingHost::GoWithoutMetadata(bool processed)
-{
-    // If this component can't remove metadata, refuse unless its copies hold none.
-    if (!processed && TryCopyingMetadata() != CopiedMetadata::None)
-    {
-        Tell(LOG_LEVEL_WARNING,
-             "This system's imaging component copies metadata and can't remove any, so pictures "
-             "can't be published with their pixels intact. Send them as files or processed.");
-        ThrowHresult(WINCODEC_ERR_UNSUPPORTEDOPERATION);
-    }
-    if (!m_toldOfNoWriting.exchange(true))
-    {
-        Tell(LOG_LEVEL_WARNING,
-             "This system's imaging component can't write metadata: converted pictures are "
-             "published without any, and those that only their metadata turns upright stay as they lie.");
-    }
-}
-
 STDMETHODIMP PublishingHost::ReadImageMetadata(LPCWSTR path, INT32, INT32 longEdge, IWICBitmapSource **source,
                                                INT32 flags, ItemRecord *record) noexcept
 {
@@ -205,13 +189,31 @@ STDMETHODIMP PublishingHost::WriteImageMetadata(IWICMetadataQueryWriter *writer,
         return E_INVALIDARG;
     }
     return AtBoundary([&] {
-        if (RefusesEveryChange(*writer))
+        const MetadataSupport support = m_support();
+        const NewFrame frame = processed != 0                           ? NewFrame::Processed
+                               : support.copies == CopiedMetadata::None ? NewFrame::Intact
+                                                                        : NewFrame::Copied;
+        // What can't be taken out of a copy must not have got into it.
+        if (frame == NewFrame::Copied && support.copies != CopiedMetadata::Removable)
         {
-            GoWithoutMetadata(processed != 0);
+            Tell(LOG_LEVEL_WARNING,
+                 "This system's imaging component copies metadata and can't take any out again, so "
+                 "pictures can't be uploaded with their pixels intact. Send them as files or "
+                 "processed.");
+            return WINCODEC_ERR_UNSUPPORTEDOPERATION;
+        }
+        if (!support.writes && !m_toldOfNoWriting.exchange(true))
+        {
+            Tell(LOG_LEVEL_WARNING, "This system's imaging component can't write metadata: converted pictures are "
+                                    "uploaded without any, "
+                                    "and those that only their metadata turns upright stay as they lie.");
+        }
+        if (!support.writes && frame != NewFrame::Copied)
+        {
             return S_OK;
         }
         const GroupSwitches switches = {copyright != 0, exif != 0, xmp != 0, gps != 0, iptc != 0};
-        WriteRecordMetadata(*writer, *record, m_snapshots, switches, processed != 0,
+        WriteRecordMetadata(*writer, *record, m_snapshots, switches, frame,
                             [&](const std::string &words) { Tell(LOG_LEVEL_VERBOSE, words); });
         return S_OK;
     });

@@ -2,6 +2,7 @@
 // picture files. One object answers both of the host's interfaces, from any thread.
 #pragma once
 
+#include "host/ImagingTrial.h"
 #include "host/MetadataSnapshots.h"
 #include "host/PicturesAhead.h"
 #include "host/RunRecord.h"
@@ -22,7 +23,8 @@ class PublishingHost final : public ComObject<PublishingHost, IHalvoraPublishing
 {
 public:
     // The record must outlive every run with this host. Item handles are 1 and up, in the record's order.
-    PublishingHost(RunRecord &record, LogSink log);
+    // support tells what the imaging component does; it is asked at each writing of metadata.
+    PublishingHost(RunRecord &record, LogSink log, std::function<MetadataSupport()> support = TryWritingMetadata);
 
     STDMETHODIMP Reserved1() noexcept override { return E_NOTIMPL; }
     STDMETHODIMP Reserved2() noexcept override { return E_NOTIMPL; }
@@ -46,11 +48,11 @@ private:
     void Tell(int level, const std::string &text) { m_log(level, "halvora", text); }
     ComPtr<IWICBitmapSource> ReadPicture(const std::filesystem::path &file, UINT longEdge);
 
-    void GoWithoutMetadata(bool processed);
     void NoteChoice(const std::string &entry);
 
     RunRecord &m_record;
     const LogSink m_log;
+    const std::function<MetadataSupport()> m_support;
     GlobalMemoryOwner m_list;
     MetadataSnapshots m_snapshots;
     PicturesAhead m_ahead;

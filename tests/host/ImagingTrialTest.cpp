@@ -11,7 +11,9 @@ TEST(ImagingTrial, TellsWhatTheComponentDoes)
 {
     RegisterSystemModules();
     ASSERT_GE(CoInitializeEx(nullptr, COINIT_MULTITHREADED), 0);
-    EXPECT_EQ(TryCopyingMetadata(), UnderWine ? CopiedMetadata::None : CopiedMetadata::Some);
+    const MetadataSupport support = TryWritingMetadata();
+    EXPECT_EQ(support.copies, UnderWine ? CopiedMetadata::None : CopiedMetadata::Removable);
+    EXPECT_EQ(support.writes, !UnderWine);
     EXPECT_EQ(TryReadingMetadata(), !UnderWine);
     CoUninitialize();
 }
