@@ -154,7 +154,8 @@ ExitCode RunStatusCommand(const Profile &profile)
 ExitCode RunAuthorizeCommand(const Profile &profile)
 {
     OpenedPlugin plugin(profile);
-    return TellOutcome(plugin.Run(TEXT("authorize")), plugin.Before(), plugin.Now());
+    const HRESULT result = plugin.Run(TEXT("authorize"));
+    return TellOutcome(result, plugin.Before(), plugin.Now());
 }
 
 ExitCode RunSheetCommand(const Profile &profile)
