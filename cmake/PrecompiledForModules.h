@@ -1,12 +1,12 @@
-// What nearly every file of our modules includes; the compiler reads it once for each build. A file
-// must still include what it uses: each header is also compiled alone, and HALVORA_PRECOMPILE=OFF
-// builds everything without this.
+// What nearly every file of our modules includes; the compiler reads it once per build. A file must still
+// include what it uses: each header is also compiled alone, and HALVORA_PRECOMPILE=OFF builds everything
+// without precompiled headers.
 #pragma once
 
 #include "cmake/PrecompiledHeaderIsUsed.h"
 
 #ifndef _WIN32
-// Ahead of the Windows headers, which make ICU take the system for Windows.
+// Before the Windows headers, whose macros would make ICU believe that it runs on Windows.
 #include <unicode/utypes.h>
 #endif
 
@@ -25,7 +25,7 @@
 #include <utility>
 #include <vector>
 
-// Without what clashes with other libraries: winsock.h with the system's own sockets.
+// Leaves out winsock.h, which clashes with the system's own socket headers.
 #ifndef WIN32_LEAN_AND_MEAN
 #define WIN32_LEAN_AND_MEAN
 #endif
@@ -36,7 +36,7 @@
 #include <shellapi.h>
 #include <commctrl.h>
 #include <wincodec.h>
-// rpcndr.h makes a macro of a word that ICU and others have for names.
+// rpcndr.h defines a macro of this name, which ICU and others use for variables.
 #undef small
 
 #include "com/BstrOwner.h"

@@ -1,10 +1,10 @@
-// Fails the compilation of a file for which the compiler passed over the precompiled header that was
-// made for it. g++ does that without a word when anything is included ahead of it (-Winvalid-pch
-// speaks only of headers that it looked into). A precompiled header is not read again, so this
-// assertion is evaluated while the header is made, and elsewhere only if the header was ignored.
+// Fails the compilation of a file if the compiler ignored the precompiled header that was made for it.
+// g++ does so silently if anything is included before it (-Winvalid-pch reports only headers that it
+// examined). The text of a precompiled header is not read again, so this assertion is evaluated while the
+// header is made, and elsewhere only if the header was ignored.
 #pragma once
 
-// Tools over clang read the header as text.
+// Tools based on clang read the header as text.
 #ifndef __clang__
 namespace PrecompiledHeader
 {

@@ -6,7 +6,7 @@
 #if defined(__cplusplus) && !defined(IID_PPV_ARGS)
 extern "C++"
 {
-    // The out parameter as void **, once it is certain that it points to an interface.
+    // Converts the address of an interface pointer to void **; fails to compile for any other type.
     template <class T>
     void **IID_PPV_ARGS_Helper(T **object) noexcept
     {

@@ -1,4 +1,4 @@
-// Wine's windef.h uses va_list without including what declares it, and Windows' own header includes it.
+// Wine's windef.h uses va_list without including <stdarg.h>, which Windows' own windef.h does.
 #pragma once
 
 #include <cstdarg>
