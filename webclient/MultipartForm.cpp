@@ -4,6 +4,8 @@
 #include "webclient/RandomText.h"
 #include "webclient/Utf8.h"
 
+#include <shlwapi.h>
+
 #include <algorithm>
 #include <cstring>
 
@@ -36,11 +38,12 @@ std::string QuotedName(std::string_view name)
     return result;
 }
 
-// Cuts the folder off, at a slash of either kind: the service needn't learn the user's folders.
+// Cuts the folder off, by the system's own rule: the service needn't learn the user's folders, and on Linux a
+// backslash or a colon is a letter of the name.
 WideView NameWithoutFolder(WideView name)
 {
-    const size_t slash = name.find_last_of(TEXT("/\\"));
-    return slash == WideView::npos ? name : name.substr(slash + 1);
+    const WideText path(name);
+    return name.substr(static_cast<size_t>(PathFindFileNameW(path.c_str()) - path.c_str()));
 }
 
 // A header value must stay on its line.
