@@ -5,7 +5,7 @@
 namespace
 {
 // 20 drawings a second are smooth to the eye and cheap over a slow line.
-constexpr std::chrono::milliseconds DRAWING_PAUSE(50);
+constexpr std::chrono::milliseconds DrawingPause(50);
 
 struct LevelLook
 {
@@ -110,7 +110,7 @@ void LiveDisplay::Draw()
 
 void LiveDisplay::Redraw(Clock::time_point now)
 {
-    if (m_stale && now - m_lastDrawing >= DRAWING_PAUSE)
+    if (m_stale && now - m_lastDrawing >= DrawingPause)
     {
         m_lastDrawing = now;
         Draw();

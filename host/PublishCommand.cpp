@@ -10,6 +10,9 @@
 #include "host/SystemWords.h"
 #include "host/Terminal_posix.h"
 
+#include <atomic>
+#include <thread>
+
 namespace
 {
 DisplayOptions OptionsFor(const CommandLine &line)
@@ -72,7 +75,17 @@ RunEnd Publish(RunRecord &record, InitDataStore &store, LiveDisplay &display, Si
     {
         display.Log(2, store.Notices()[i]);
     }
-    const RunEnd end = RunPublication(*session.Plugin(), display, signals);
+    std::atomic<bool> isCancelled = false;
+    host->PauseBy([&](std::chrono::seconds pause) {
+        display.Log(1, "Flickr asks for a pause: going on in " + std::to_string(pause.count()) +
+                           " seconds. Ctrl-C cancels.");
+        const auto end = std::chrono::steady_clock::now() + pause;
+        while (!isCancelled && std::chrono::steady_clock::now() < end)
+        {
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        }
+    });
+    const RunEnd end = RunPublication(*session.Plugin(), display, signals, [&] { isCancelled = true; });
     host->RunEnds();
     record.RunEnds();
     KeepAccount(session, display);

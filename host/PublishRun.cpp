@@ -8,7 +8,7 @@
 
 namespace
 {
-constexpr std::chrono::milliseconds WAITING_STEP(50);
+constexpr std::chrono::milliseconds WaitingStep(50);
 
 // Turns interrupts into calls of Cancel, each one more urgent than the one before.
 class Canceller
@@ -55,7 +55,8 @@ private:
 };
 } // namespace
 
-RunEnd RunPublication(IHalvoraPublishingPlugin &plugin, LiveDisplay &display, SignalWatch &signals)
+RunEnd RunPublication(IHalvoraPublishingPlugin &plugin, LiveDisplay &display, SignalWatch &signals,
+                      const std::function<void()> &onCancel)
 {
     const ProgressWindows windows(
         [&](const ProgressView &view) { display.ShowProgress(view, LiveDisplay::Clock::now()); });
@@ -75,13 +76,15 @@ RunEnd RunPublication(IHalvoraPublishingPlugin &plugin, LiveDisplay &display, Si
     });
     while (!over)
     {
-        switch (signals.Wait(WAITING_STEP))
+        switch (signals.Wait(WaitingStep))
         {
         case RunSignal::Interrupt:
             canceller.Interrupt();
+            onCancel();
             break;
         case RunSignal::Terminate:
             canceller.Terminate();
+            onCancel();
             break;
         case RunSignal::Resize:
             display.Resize(TerminalColumns());

@@ -7,6 +7,8 @@
 
 #include "HVRPublishToFlickr.h"
 
+#include <functional>
+
 struct RunEnd
 {
     HRESULT result = E_UNEXPECTED; // of Publish
@@ -14,5 +16,7 @@ struct RunEnd
 };
 
 // The first interrupt lets the current item finish; the second stops it, as the first SIGTERM or SIGHUP
-// does; the third ends the process. Throws the HRESULT of windows that can't be made.
-RunEnd RunPublication(IHalvoraPublishingPlugin &plugin, LiveDisplay &display, SignalWatch &signals);
+// does; the third ends the process. onCancel is called at each of them. Throws the HRESULT of windows that
+// can't be made.
+RunEnd RunPublication(IHalvoraPublishingPlugin &plugin, LiveDisplay &display, SignalWatch &signals,
+                      const std::function<void()> &onCancel);

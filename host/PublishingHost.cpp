@@ -4,6 +4,7 @@
 #include "host/ImageMetadata.h"
 #include "host/MetadataWriting.h"
 #include "host/PictureSource.h"
+#include "host/RunAdvice.h"
 #include "host/TextEncodings.h"
 
 #include "com/BstrOwner.h"
@@ -71,6 +72,7 @@ STDMETHODIMP PublishingHost::GetItemRecord(UINT64 item, ItemRecord *record) noex
         const size_t index = static_cast<size_t>(item - 1);
         m_record.ItemBegins(index);
         m_ahead.ItemBegins(index);
+        m_hasMoreItems = item < m_record.Items().size();
         const PictureItem &picture = m_record.Items()[index];
         m_undecided = picture.extensions.size() > 1 ? &picture : nullptr;
         BstrOwner path(TextOfPath(picture.stem));
@@ -88,6 +90,12 @@ STDMETHODIMP PublishingHost::WriteLogEntry(INT32 level, LPCWSTR source, LPCWSTR 
         m_record.NoteEntry(level, text);
         m_log(level, Utf8FromText(source != nullptr ? WideView(source) : WideView()), text);
         NoteChoice(text);
+        // The plug-in looks for a cancel when this returns, before the next item.
+        const auto pause = level >= LOG_LEVEL_ERROR ? RequestedWait(text) : std::chrono::seconds(0);
+        if (pause.count() != 0 && m_wait && m_hasMoreItems)
+        {
+            m_wait(pause);
+        }
         return S_OK;
     });
 }

@@ -13,6 +13,7 @@
 #include "HostContract.h"
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <string>
 
@@ -41,6 +42,10 @@ public:
                                     INT32 copyright, INT32 exif, INT32 xmp, INT32 gps, INT32 iptc, INT32 anyGroup,
                                     INT32 processed) noexcept override;
 
+    // wait is called on the plug-in's thread when the service asks for a pause and further items follow. It
+    // returns when the pause is over or the user cancels. Without it nothing waits.
+    void PauseBy(std::function<void(std::chrono::seconds)> wait) { m_wait = std::move(wait); }
+
     // Ends the work ahead of the plug-in's requests. To be called when a run is over, also a cancelled one.
     void RunEnds() { m_ahead.Stop(); }
 
@@ -53,10 +58,12 @@ private:
     RunRecord &m_record;
     const LogSink m_log;
     const std::function<MetadataSupport()> m_support;
+    std::function<void(std::chrono::seconds)> m_wait;
     GlobalMemoryOwner m_list;
     MetadataSnapshots m_snapshots;
     PicturesAhead m_ahead;
     std::atomic<const PictureItem *> m_undecided = nullptr; // the item whose file the plug-in hasn't named yet
+    std::atomic<bool> m_hasMoreItems = false;
     std::atomic<bool> m_toldOfNoReading = false;
     std::atomic<bool> m_toldOfNoWriting = false;
 };

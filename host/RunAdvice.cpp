@@ -82,6 +82,17 @@ std::string ProcessVariable(const char *name)
     return value != nullptr ? value : "";
 }
 
+std::chrono::seconds RequestedWait(const std::string &entry)
+{
+    constexpr std::string_view asks = "The service asks to wait ";
+    constexpr long longest = 600;
+    const std::string_view words = WordsOf(entry);
+    const size_t at = words.find(asks);
+    const long seconds =
+        at == words.npos ? 0 : std::strtol(std::string(words.substr(at + asks.size())).c_str(), nullptr, 10);
+    return std::chrono::seconds(std::clamp(seconds, 0L, longest));
+}
+
 std::vector<std::string> AdviceFor(const std::vector<std::string> &entries, const Variables &variables)
 {
     std::vector<std::string> lines;

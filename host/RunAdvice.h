@@ -2,6 +2,7 @@
 // computer that stand in the way to the service.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
@@ -11,6 +12,10 @@ using Variables = std::function<std::string(const char *name)>;
 
 // Of this process.
 std::string ProcessVariable(const char *name);
+
+// How long the service asks to wait before the next request, by an error entry of the plug-in: at most ten
+// minutes, 0 where the entry says nothing of it.
+std::chrono::seconds RequestedWait(const std::string &entry);
 
 // A line for each kind of error among the plug-in's error entries, in UTF-8.
 std::vector<std::string> AdviceFor(const std::vector<std::string> &entries, const Variables &variables);

@@ -519,6 +519,9 @@ HttpReply CurlExchange::Run()
         throw ErrorOf(code);
     }
     ReportLast();
+    curl_off_t wait = 0;
+    curl_easy_getinfo(m_handle, CURLINFO_RETRY_AFTER, &wait);
+    m_reply.retryAfter = static_cast<unsigned>(std::clamp<curl_off_t>(wait, 0, 24 * 60 * 60));
     m_reply.isAllSent = IsAllSent();
     return std::move(m_reply);
 }

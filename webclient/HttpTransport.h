@@ -64,7 +64,8 @@ struct HttpReply
     int status = 0;
     std::string statusWords; // as the server says them; may be empty
     std::string body;
-    bool isAllSent = true; // false for a refusal that came before the whole request was sent
+    unsigned retryAfter = 0; // seconds, as the header Retry-After asks (RFC 9110, 10.2.3); 0 without one
+    bool isAllSent = true;   // false for a refusal that came before the whole request was sent
 };
 
 enum class TransportProblem

@@ -185,6 +185,11 @@ HRESULT LoadReply(IXMLDOMDocument2 *document, const HttpReply &reply, std::strin
     {
         reason = "Redirections are not followed";
     }
+    else if (reply.status == 429 && reply.retryAfter != 0)
+    {
+        // The host looks for these words, and waits.
+        reason = "The service asks to wait " + std::to_string(reply.retryAfter) + " seconds";
+    }
     else if (IsFromGateway(reply.status) && !isServiceReply && reply.isAllSent)
     {
         reason = "The " + unknown;

@@ -315,6 +315,7 @@ void WinHttpExchange::ReceiveHead()
     }
     m_isAnswering = true;
     m_reply.statusWords = TextHeader(WINHTTP_QUERY_STATUS_TEXT);
+    m_reply.retryAfter = NumberHeader(WINHTTP_QUERY_RETRY_AFTER); // its other form, a date, isn't read
 }
 
 void WinHttpExchange::ReceiveBody()

@@ -182,7 +182,7 @@ void DescribeFailure(xmlParserCtxtPtr parser, Refusal refusal, XmlParseFailure &
     failure.column = error ? error->int2 : parser->input ? parser->input->col : 0;
 }
 
-std::optional<XmlNode> Neighbour(const std::shared_ptr<const XmlTree> &tree, xmlNodePtr node)
+std::optional<XmlNode> Adjacent(const std::shared_ptr<const XmlTree> &tree, xmlNodePtr node)
 {
     return node ? std::optional(XmlNode(tree, node)) : std::nullopt;
 }
@@ -326,17 +326,17 @@ std::optional<WideText> XmlNode::Attribute(const std::string &name) const
 std::optional<XmlNode> XmlNode::Parent() const
 {
     // An attribute has an owner, and no parent.
-    return GetKind() == Kind::Attribute ? std::nullopt : Neighbour(m_tree, Raw(m_node)->parent);
+    return GetKind() == Kind::Attribute ? std::nullopt : Adjacent(m_tree, Raw(m_node)->parent);
 }
 
 std::optional<XmlNode> XmlNode::Next() const
 {
-    return GetKind() == Kind::Attribute ? std::nullopt : Neighbour(m_tree, Raw(m_node)->next);
+    return GetKind() == Kind::Attribute ? std::nullopt : Adjacent(m_tree, Raw(m_node)->next);
 }
 
 std::optional<XmlNode> XmlNode::Previous() const
 {
-    return GetKind() == Kind::Attribute ? std::nullopt : Neighbour(m_tree, Raw(m_node)->prev);
+    return GetKind() == Kind::Attribute ? std::nullopt : Adjacent(m_tree, Raw(m_node)->prev);
 }
 
 std::vector<XmlNode> XmlNode::Children() const
@@ -351,7 +351,7 @@ std::vector<XmlNode> XmlNode::Children() const
 
 std::optional<XmlNode> XmlNode::RootElement() const
 {
-    return Neighbour(m_tree, xmlDocGetRootElement(m_tree->Document()));
+    return Adjacent(m_tree, xmlDocGetRootElement(m_tree->Document()));
 }
 
 std::vector<XmlNode> XmlNode::Select(const std::string &expression) const

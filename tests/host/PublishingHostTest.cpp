@@ -126,6 +126,26 @@ TEST_F(PublishingHostTest, LogEntriesReachSinkAndRecord)
     EXPECT_EQ(m_record.EndOf(1), ItemEnd::Failed);
 }
 
+TEST_F(PublishingHostTest, WaitsAsTheServiceAsksWhereAnotherItemFollows)
+{
+    std::vector<int> pauses;
+    m_host->PauseBy([&](std::chrono::seconds pause) { pauses.push_back(static_cast<int>(pause.count())); });
+    const auto fail = [&](UINT64 item, const WCHAR *words) {
+        ItemRecord record = {};
+        m_host->GetItemRecord(item, &record);
+        const BstrOwner path = BstrOwner::Adopt(record.Path);
+        const BstrOwner extensions = BstrOwner::Adopt(record.Extensions);
+        m_host->WriteLogEntry(3, TEXT("Flickr"), words);
+    };
+    const WCHAR *const asks = TEXT("Could not publish \"p\" (Error code: 0x801901ad) HTTP Status = 429: Too Many ")
+        TEXT("Requests, The service asks to wait 30 seconds");
+    fail(1, asks);
+    fail(1, TEXT("(Error code: 0x801901ad) The service asks to wait 99999 seconds"));
+    fail(1, TEXT("\"The service asks to wait 5 seconds.jpg\" (Error code: 0x801901f7) HTTP Status = 503: Busy"));
+    fail(2, asks);
+    EXPECT_THAT(pauses, ElementsAre(30, 600));
+}
+
 TEST_F(PublishingHostTest, SaysOnceWhichFilesAreLeftOutForTheOneThatIsPublished)
 {
     ItemRecord record = {};

@@ -72,7 +72,7 @@ start_service "$bin/flickr-loopback" store
 export HALVORA_BROWSER=$work/browser PATH=$tools/user:$PATH LC_ALL=C.UTF-8
 browser start
 
-# The grant, and a picture that goes up with it.
+# The grant, and a picture that is published with it.
 authorize Allow
 page_says after-page 'You can return to Halvora now'
 key Enter

@@ -37,7 +37,7 @@ void Measure(Conversation &conversation)
 void Refuse(Conversation &conversation)
 {
     conversation.ReadRequest();
-    conversation.WriteReply(500, "Out Of Order", "try tomorrow");
+    conversation.WriteReply(500, "Out Of Order", "try tomorrow", "Retry-After: 120\r\n");
 }
 
 void Redirect(Conversation &conversation)

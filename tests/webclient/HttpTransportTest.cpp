@@ -186,6 +186,7 @@ TEST_F(HttpTransportTest, AnswersAreTakenAndNotActedOn)
         EXPECT_EQ(outcome.reply.status, answer.status);
         EXPECT_EQ(outcome.reply.statusWords, answer.words);
         EXPECT_EQ(outcome.reply.body, answer.body);
+        EXPECT_EQ(outcome.reply.retryAfter, answer.status == 500 ? 120u : 0u);
         EXPECT_TRUE(outcome.reply.isAllSent);
     }
     EXPECT_EQ(CutRequests(), "1"); // one challenge, and no second try

@@ -171,7 +171,10 @@ TEST_F(OAuthWebClientTest, RefusalsAreToldInTheServicesWords)
         EXPECT_EQ(ReplyText("/HttpError/Status"), refusal.words);
         EXPECT_EQ(ReplyText("/HttpError/Description"), refusal.description);
     }
-    EXPECT_EQ(m_transport->requests.size(), std::size(cases)); // each was sent once
+    m_transport->replies = {{429, "Too Many Requests", "slow down", 30}};
+    UploadText("x");
+    EXPECT_EQ(ReplyText("/HttpError/Description"), "The service asks to wait 30 seconds: slow down");
+    EXPECT_EQ(m_transport->requests.size(), std::size(cases) + 1); // each was sent once
     EXPECT_FALSE(m_transport->requests[0].isSmall);
 }
 
