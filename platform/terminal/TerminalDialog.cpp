@@ -17,7 +17,7 @@
 namespace
 {
 using Clock = std::chrono::steady_clock;
-constexpr std::chrono::milliseconds timerInterval(200);
+constexpr std::chrono::milliseconds TimerInterval(200);
 constexpr std::string_view Prompt = "   > ";
 
 // The dialog on the terminal: the last drawing, and the line that the user is typing.
@@ -133,7 +133,7 @@ public:
             std::fputs(DescribeDialog(m_dialog.Page(), UserWritesUtf8()).c_str(), stderr);
             GiveUp();
         }
-        m_timerDue = Clock::now() + timerInterval;
+        m_timerDue = Clock::now() + TimerInterval;
         while (!m_outcome)
         {
             Refresh();
@@ -163,7 +163,7 @@ private:
         if (m_timer && Clock::now() >= m_timerDue)
         {
             m_listener.TimerPassed();
-            m_timerDue = Clock::now() + timerInterval;
+            m_timerDue = Clock::now() + TimerInterval;
         }
     }
 
