@@ -53,7 +53,7 @@ TEST_F(WebClientTest, UploadCarriesTheFormAsItIs)
     const auto picture = ScriptedStream::Make(std::string(300'000, 'p'), 10'000);
     form->AddTextField(TEXT("title"), Title);
     form->AddNumberField(TEXT("is_public"), 1);
-    form->AddFilePart(TEXT("photo"), picture.Get(), TEXT("image/jpeg"), TEXT("C:\\pictures\\b\u00E4r.jpg"), 0, 0);
+    form->AddFilePart(TEXT("photo"), picture.Get(), TEXT("image/jpeg"), TEXT("/home/me/b\u00E4r.jpg"), 0, 0);
     UINT32 length = 0;
     ASSERT_EQ(form->GetBodyLength(&length), S_OK);
     BstrOwner type;
