@@ -48,7 +48,7 @@ void ReadReply(std::string_view bytes)
     const auto document = CreateReplyDocument();
     for (const int status : {200, 401, 503})
     {
-        LoadReply(document.Get(), {status, "Words", std::string(bytes)}, {"hidden-text"});
+        LoadReply(document.Get(), {status, "Words", std::string(bytes)}, "picture", {"hidden-text"});
     }
 }
 
