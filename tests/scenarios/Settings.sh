@@ -42,7 +42,7 @@ sheet() {
 }
 # The sheet has gone, and left the terminal as it was: closed CODE
 closed() {
-    for _ in $(seq 200); do [ ! -s "$work/code" ] || break; sleep 0.05; done
+    for _ in $(seq 1200); do [ ! -s "$work/code" ] || break; sleep 0.05; done
     [ "$(cat "$work/code" 2>/dev/null)" = "$1" ] || fail "halvora settings ended with $(cat "$work/code" 2>/dev/null), not $1"
     sees 'unchanged'
     sees 'before'
