@@ -52,7 +52,7 @@ authorize() {
     sees 'Enter: Authorization Granted. Esc'
 }
 ends_with() {
-    for _ in $(seq 100); do [ ! -s "$work/code" ] || break; sleep 0.1; done
+    for _ in $(seq 600); do [ ! -s "$work/code" ] || break; sleep 0.1; done
     [ "$(cat "$work/code" 2>/dev/null)" = "$1" ] || fail "halvora authorize ended with $(cat "$work/code" 2>/dev/null), not $1"
 }
 is_refused() {

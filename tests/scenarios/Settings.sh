@@ -22,7 +22,7 @@ fail() {
     exit 1
 }
 sees() {
-    for _ in $(seq 200); do
+    for _ in $(seq 600); do
         ! screen capture-pane -p 2>/dev/null | tr -s ' \n│' ' ' | grep -qF -- "$1" || return 0
         sleep 0.05
     done
