@@ -84,7 +84,7 @@ TEST_F(MultipartFormTest, FileNameIsQuotedAndWithoutFolders)
         // On Linux a backslash and a colon are letters of the name.
         {TEXT("C:\\Users\\me\\a.jpg"), IsWindowsBuild ? "\"a.jpg\"" : "\"C:%5CUsers%5Cme%5Ca.jpg\""},
         {TEXT("/home/me/\u65E5\u672C.jpg"), "\"\xE6\x97\xA5\xE6\x9C\xAC.jpg\""},
-        {TEXT("say \"hi\"\r\nX: y.jpg"), "\"say %22hi%22%0D%0AX: y.jpg\""},
+        {TEXT("say \"hi\"\r\nX. y.jpg"), "\"say %22hi%22%0D%0AX. y.jpg\""},
     };
     for (const auto &[name, expected] : cases)
     {
