@@ -1,5 +1,7 @@
-// halvora.exe: [--profile FOLDER] [PICTURE or FOLDER]...
+// HalvoraPublish.exe: [--profile FOLDER] [PICTURE or FOLDER]...
+// HalvoraPublish.exe --start-menu add|remove, for the installer: no window; the exit code is 0 or 1.
 #include "host/window/HostWindow_win32.h"
+#include "host/window/StartMenu_win32.h"
 #include "host/window/WindowText_win32.h"
 #include "host/window/resource.h"
 
@@ -20,6 +22,7 @@ struct Arguments
 {
     std::filesystem::path profile = Profile::DefaultFolder();
     std::vector<std::filesystem::path> pictures;
+    std::wstring startMenu; // "add" or "remove"; empty: show the window
 };
 
 Arguments ReadArguments()
@@ -34,6 +37,10 @@ Arguments ReadArguments()
         {
             arguments.profile = texts[++i];
         }
+        else if (std::wstring_view(texts[i]) == L"--start-menu" && i + 1 < count)
+        {
+            arguments.startMenu = texts[++i];
+        }
         else
         {
             arguments.pictures.emplace_back(texts[i]);
@@ -45,6 +52,10 @@ Arguments ReadArguments()
 int Run(int show)
 {
     const Arguments arguments = ReadArguments();
+    if (!arguments.startMenu.empty())
+    {
+        return FAILED(arguments.startMenu == L"add" ? AddToStartMenu() : RemoveFromStartMenu()) ? 1 : 0;
+    }
     const Profile profile(arguments.profile);
     HostWindow host(profile);
     host.AddPictures(arguments.pictures);
