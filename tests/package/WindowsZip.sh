@@ -74,7 +74,9 @@ run() {
     (cd "$1" && windows cmd /c "set LOCALAPPDATA=$local&& $2 /quiet") | tr -d '\r' >"$work/out" || code=$?
     [ $code -eq "$3" ] || fail "$2 in $1: exit code $code, not $3"
 }
+start_menu=$HALVORA_WINEPREFIX/drive_c/users/$(id -un)/AppData/Roaming/Microsoft/Windows/Start\ Menu/Programs
 nothing_left() {
+    [ ! -e "$start_menu/Halvora Publish to Flickr.lnk" ] || fail 'the entry in the Start menu is left'
     [ ! -e "$home/Halvora" ] || fail "left: $(find "$home/Halvora")"
     registry >"$work/after"
     diff "$work/before" "$work/after" >&2 || fail 'the registry is not what it was'
@@ -93,6 +95,8 @@ for local in 'C:\users\jo\AppData\Local' 'C:\users\Zoë 写真 (neu)\Local'; do
     for file in "$unpacked"/*.dll "$unpacked"/*.exe; do
         [ ! -f "$file" ] || cmp -s "$file" "$home/Halvora/Publish to Flickr/${file##*/}" || fail "${file##*/} is not in place"
     done
+    [ -f "$start_menu/Halvora Publish to Flickr.lnk" ] || fail 'no entry in the Start menu'
+    grep -qF '"UninstallString"="\"' "$work/installed" || fail 'not in the list of installed apps'
     for module in "${modules[@]}"; do
         grep -qF "@=\"${local//\\/\\\\}\\\\Halvora\\\\Publish to Flickr\\\\$module\"" "$work/installed" ||
             fail "$module is not registered where it lies"
