@@ -1,7 +1,7 @@
 // HalvoraPublish.exe: [--profile FOLDER] [PICTURE or FOLDER]...
-// HalvoraPublish.exe --start-menu add|remove, for the installer: no window; the exit code is 0 or 1.
+// HalvoraPublish.exe --shell-entries add|remove, for the installer: no window; the exit code is 0 or 1.
 #include "host/window/HostWindow_win32.h"
-#include "host/window/StartMenu_win32.h"
+#include "host/window/ShellEntries_win32.h"
 #include "host/window/WindowText_win32.h"
 #include "host/window/resource.h"
 
@@ -20,9 +20,9 @@ namespace
 {
 struct Arguments
 {
-    std::filesystem::path profile = Profile::DefaultFolder();
+    std::filesystem::path profile; // empty: the default
     std::vector<std::filesystem::path> pictures;
-    std::wstring startMenu; // "add" or "remove"; empty: show the window
+    std::wstring shellEntries; // "add" or "remove"; empty: show the window
 };
 
 Arguments ReadArguments()
@@ -37,9 +37,9 @@ Arguments ReadArguments()
         {
             arguments.profile = texts[++i];
         }
-        else if (std::wstring_view(texts[i]) == L"--start-menu" && i + 1 < count)
+        else if (std::wstring_view(texts[i]) == L"--shell-entries" && i + 1 < count)
         {
-            arguments.startMenu = texts[++i];
+            arguments.shellEntries = texts[++i];
         }
         else
         {
@@ -52,11 +52,11 @@ Arguments ReadArguments()
 int Run(int show)
 {
     const Arguments arguments = ReadArguments();
-    if (!arguments.startMenu.empty())
+    if (!arguments.shellEntries.empty())
     {
-        return FAILED(arguments.startMenu == L"add" ? AddToStartMenu() : RemoveFromStartMenu()) ? 1 : 0;
+        return FAILED(arguments.shellEntries == L"add" ? AddShellEntries() : RemoveShellEntries()) ? 1 : 0;
     }
-    const Profile profile(arguments.profile);
+    const Profile profile(arguments.profile.empty() ? Profile::DefaultFolder() : arguments.profile);
     HostWindow host(profile);
     host.AddPictures(arguments.pictures);
     ShowWindow(host.Get(), show);

@@ -37,17 +37,8 @@ for %%M in (@HALVORA_MODULES@) do call :register %%M
 if defined failed goto undo
 
 rem The Start menu, and Windows' list of installed apps. Without them it works all the same.
-"%target%\HalvoraPublish.exe" --start-menu add
-if errorlevel 1 echo Windows can't add an entry to the Start menu; the program is HalvoraPublish.exe there.
-set "entry=HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\HalvoraPublishToFlickr"
-call :list DisplayName REG_SZ "Halvora Publish to Flickr"
-call :list DisplayVersion REG_SZ "@PROJECT_VERSION@"
-call :list Publisher REG_SZ "Halvora"
-call :list DisplayIcon REG_SZ "%target%\HalvoraPublish.exe"
-call :list UninstallString REG_SZ "\"%target%\uninstall.cmd\""
-call :list QuietUninstallString REG_SZ "\"%target%\uninstall.cmd\" /quiet"
-call :list NoModify REG_DWORD 1
-call :list NoRepair REG_DWORD 1
+"%target%\HalvoraPublish.exe" --shell-entries add
+if errorlevel 1 echo Windows can't add it to the Start menu and the installed apps; the program is HalvoraPublish.exe there.
 
 echo Halvora Publish to Flickr @PROJECT_VERSION@ is installed in
 echo "%target%"
@@ -68,11 +59,6 @@ if errorlevel 1 (
     echo "%target%\%1" can't be written.
     set failed=yes
 )
-goto :eof
-
-:list
-"%system%\reg.exe" add "%entry%" /v %1 /t %2 /d %3 /f >nul
-if errorlevel 1 echo Windows can't write %1 into its list of installed apps.
 goto :eof
 
 :register

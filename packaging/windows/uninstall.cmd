@@ -14,8 +14,7 @@ if not exist "%target%" (
     exit /b 0
 )
 for %%M in (@HALVORA_MODULES@) do call :unregister %%M
-if exist "%target%\HalvoraPublish.exe" "%target%\HalvoraPublish.exe" --start-menu remove
-"%system%\reg.exe" delete "HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\HalvoraPublishToFlickr" /f >nul 2>nul
+if exist "%target%\HalvoraPublish.exe" "%target%\HalvoraPublish.exe" --shell-entries remove
 for %%F in (@HALVORA_MODULES@@HALVORA_PROGRAMS@ ReadMe.txt) do call :remove %%F
 if defined failed (
     echo Is Halvora still open? Close it and start uninstall.cmd again.
