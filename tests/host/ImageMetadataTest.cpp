@@ -216,14 +216,21 @@ TEST_F(ImageMetadata, NoDamageBreaksTheReader)
         SetExif(image, "Exif.Photo.UserComment", Exiv2::undefined, "ASCII\0\0\0text"s);
         image.exifData()["Exif.Image.Artist"] = "someone";
     });
-    const std::string bytes = m_folder.Read(whole.filename());
-    for (size_t at = 2; at < bytes.size(); at += 17)
+    const fs::path boxes = m_folder.Path() / "picture.avif";
+    ASSERT_EQ(std::system(("vips copy " + whole.string() + " " + boxes.string() + " 2>&1").c_str()), 0);
+    for (const fs::path &file : {whole, boxes})
     {
-        std::string broken = bytes;
-        broken[at] = static_cast<char>(broken[at] ^ 0xFF);
         ImageTexts texts;
-        ReadImageTexts(m_folder.Write("broken.jpg", broken), texts);
-        ReadImageTexts(m_folder.Write("cut.jpg", bytes.substr(0, at)), texts);
+        ASSERT_EQ(ReadImageTexts(file, texts), S_OK);
+        EXPECT_EQ(texts.title + texts.comment + texts.artist, u"Titletextsomeone") << file;
+        const std::string bytes = m_folder.Read(file.filename());
+        for (size_t at = 2; at < bytes.size(); at += 17)
+        {
+            std::string broken = bytes;
+            broken[at] = static_cast<char>(broken[at] ^ 0xFF);
+            ReadImageTexts(m_folder.Write("broken", broken), texts);
+            ReadImageTexts(m_folder.Write("cut", bytes.substr(0, at)), texts);
+        }
     }
 }
 

@@ -6,6 +6,7 @@
 #include "tests/privacy/MarkedValues.h"
 
 #include <exiv2/exiv2.hpp>
+#include <vips/vips.h>
 
 #include <algorithm>
 #include <functional>
@@ -230,6 +231,24 @@ std::string Written(Exiv2::Image &image)
     return file;
 }
 
+// EXIF and XMP of a JPEG, and its pixels, in a file of boxes, which Exiv2 reads but doesn't write.
+std::string AsHeif(const std::string &jpeg)
+{
+    VipsImage *image = nullptr;
+    void *bytes = nullptr;
+    size_t size = 0;
+    if (VIPS_INIT("tests") != 0 ||
+        (image = vips_image_new_from_buffer(jpeg.data(), jpeg.size(), "", nullptr)) == nullptr ||
+        vips_heifsave_buffer(image, &bytes, &size, "compression", VIPS_FOREIGN_HEIF_COMPRESSION_AV1, nullptr) != 0)
+    {
+        throw std::runtime_error(vips_error_buffer());
+    }
+    std::string file(static_cast<const char *>(bytes), size);
+    g_free(bytes);
+    g_object_unref(image);
+    return file;
+}
+
 std::string MakePlainPicture(Contents contents)
 {
     switch (contents)
@@ -257,6 +276,8 @@ const char *ExtensionOf(Contents contents)
         return ".tif";
     case Contents::WebP:
         return ".webp";
+    case Contents::Heif:
+        return ".avif";
     case Contents::Png:
         return ".png";
     case Contents::Raw:
@@ -279,7 +300,7 @@ std::string MakeMarkedPicture(Contents contents)
         image->setByteOrder(Exiv2::bigEndian);
         return Written(*image);
     }
-    if (contents != Contents::WebP)
+    if (contents != Contents::WebP && contents != Contents::Heif)
     {
         for (const MarkedPlace &place : IptcPlaces())
         {
@@ -298,6 +319,10 @@ std::string MakeMarkedPicture(Contents contents)
         std::string file = Written(*image);
         AddPngChunks(file, std::string(exif.begin(), exif.end()));
         return file;
+    }
+    if (contents == Contents::Heif)
+    {
+        return AsHeif(Written(*image));
     }
     if (!isJpeg)
     {

@@ -319,7 +319,7 @@ TEST_F(PrivacyMatrix, IntactPixelsWithoutBlocksAfterAFailure)
 TEST_F(PrivacyMatrix, ProcessedPixels)
 {
     for (const Contents contents : {Contents::JpegWithEverything, Contents::JpegWithExifAlone, Contents::Tiff,
-                                    Contents::WebP, Contents::Png, Contents::Raw})
+                                    Contents::WebP, Contents::Heif, Contents::Png, Contents::Raw})
     {
         SCOPED_TRACE(ExtensionOf(contents));
         UsePicture(contents);
