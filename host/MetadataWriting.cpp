@@ -7,6 +7,7 @@
 
 #include "com/Hresult.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace
@@ -17,6 +18,7 @@ constexpr WORD ImageDescription = 270;
 constexpr WORD Orientation = 274;
 constexpr WORD Artist = 315;
 constexpr WORD Copyright = 33432;
+constexpr WORD MakerNote = 37500;
 constexpr WORD UserComment = 37510;
 constexpr WORD ColorSpace = 40961;
 constexpr WORD PixelXDimension = 40962;
@@ -26,7 +28,8 @@ constexpr WORD PixelYDimension = 40963;
 // Copies of other blocks, layers and directories of small pictures that lie in IFD0.
 constexpr WORD CopiesInMain[] = {700, 33723, 34377, 37724};
 
-// An EXIF block and an XMP packet have to fit into a segment of 64 KB each; longer texts stay out.
+// An EXIF block and an XMP packet have to fit into a segment of 64 KB each; longer texts stay out. The imaging
+// component tells when an EXIF block is full, but not of XMP before the pixels are written.
 constexpr size_t LongestText = 8000;
 constexpr size_t MostXmpText = 12000;
 
@@ -113,9 +116,36 @@ public:
         }
     }
 
-    void Set(const WideText &path, const PROPVARIANT &value)
+    // The new picture's own size has to fit in, or the copied block doesn't stay.
+    void FitCopies(UINT32 width)
     {
-        const HRESULT result = m_writer.SetMetadataByName(path.c_str(), &value);
+        const WideText path = ExifPath(ExifField::Directory::Exif, Tag::PixelXDimension);
+        PROPVARIANT value = {};
+        value.vt = VT_UI4;
+        value.ulVal = width;
+        const auto fits = [&] {
+            return m_writer.SetMetadataByName(path.c_str(), &value) != WINCODEC_ERR_TOOMUCHMETADATA;
+        };
+        m_maySpareMakerNote = true;
+        if (!fits() && !(SpareMakerNote() && fits()))
+        {
+            Remove(TEXT("/app1"));
+            LeaveOut("what else the camera's EXIF block held");
+        }
+    }
+
+    void Set(const WideText &path, const PROPVARIANT &value, const std::string &words)
+    {
+        HRESULT result = m_writer.SetMetadataByName(path.c_str(), &value);
+        if (result == WINCODEC_ERR_TOOMUCHMETADATA && SpareMakerNote())
+        {
+            result = m_writer.SetMetadataByName(path.c_str(), &value);
+        }
+        if (result == WINCODEC_ERR_TOOMUCHMETADATA)
+        {
+            LeaveOut(words);
+            return;
+        }
         if (result == E_OUTOFMEMORY)
         {
             ThrowHresult(result);
@@ -133,7 +163,7 @@ public:
         PROPVARIANT value = {};
         value.vt = VT_UI2;
         value.uiVal = number;
-        Set(ExifPath(directory, tag), value);
+        Set(ExifPath(directory, tag), value, FieldWords(tag));
     }
 
     void SetLong(ExifField::Directory directory, WORD tag, UINT32 number)
@@ -141,23 +171,117 @@ public:
         PROPVARIANT value = {};
         value.vt = VT_UI4;
         value.ulVal = number;
-        Set(ExifPath(directory, tag), value);
+        Set(ExifPath(directory, tag), value, FieldWords(tag));
     }
 
-    void SetText(const WideText &path, WideView text)
+    // Written by WriteExifTexts, for which words say what it is.
+    void AddExifText(ExifField::Directory directory, WORD tag, const char *words, WideView text)
     {
-        if (text.empty() || text.size() > LongestText)
-        {
-            return;
-        }
-        WideText copy(text);
-        PROPVARIANT value = {};
-        value.vt = VT_LPWSTR;
-        value.pwszVal = copy.data();
-        Set(path, value);
+        m_exifTexts.push_back({ExifPath(directory, tag), std::string("EXIF ") + words, text});
     }
 
-    void SetTexts(const WideText &path, std::vector<WideText> texts)
+    // To be called when everything else is written: where there isn't room for all, the longest stay out.
+    void WriteExifTexts()
+    {
+        std::stable_sort(m_exifTexts.begin(), m_exifTexts.end(),
+                         [](const ExifText &a, const ExifText &b) { return a.text.size() < b.text.size(); });
+        for (const ExifText &each : m_exifTexts)
+        {
+            SetText(each.path, each.text, each.words);
+        }
+    }
+
+    void SetProperty(const WCHAR *name, WideView text)
+    {
+        const std::string words = "XMP " + Utf8FromText(name);
+        if (TakeXmpRoom(text.size(), words))
+        {
+            SetText(WideText(TEXT("/xmp/")) + name, text, words);
+        }
+    }
+
+    // name may begin with the kind of its list, "<xmpbag>".
+    void SetProperties(WideView name, const std::vector<WideText> &texts)
+    {
+        size_t size = 0;
+        for (const WideText &text : texts)
+        {
+            size += text.size() + 16;
+        }
+        const std::string words = "XMP " + Utf8FromText(name.substr(name.find('>') + 1));
+        if (TakeXmpRoom(size, words))
+        {
+            SetTexts(WideText(TEXT("/xmp/")).append(name), texts, words);
+        }
+    }
+
+    void SetDataset(const WCHAR *name, WideView text) { SetText(DatasetPath(name), text, DatasetWords(name)); }
+    void SetDatasets(const WCHAR *name, std::vector<WideText> texts)
+    {
+        SetTexts(DatasetPath(name), std::move(texts), DatasetWords(name));
+    }
+
+    void SetField(const ExifField &field)
+    {
+        const WideText path = ExifPath(field.directory, field.tag);
+        const ExifFieldValue value(field);
+        if (value.Get().vt != VT_EMPTY && !Holds(path))
+        {
+            Set(path, value.Get(), FieldWords(field.tag));
+        }
+    }
+
+    // What had no room, in words for the log; empty if there was room for all.
+    std::string LeftOut() const
+    {
+        std::string words;
+        for (const std::string &each : m_leftOut)
+        {
+            words += (words.empty() ? "" : ", ") + each;
+        }
+        return words;
+    }
+
+private:
+    static WideText DatasetPath(const WCHAR *name)
+    {
+        return WideText(TEXT("/app13/irb/8bimiptc/iptc/{str=")) + name + TEXT("}");
+    }
+
+    static std::string DatasetWords(const WCHAR *name) { return "IPTC " + Utf8FromText(name); }
+    static std::string FieldWords(WORD tag) { return "EXIF field " + std::to_string(tag); }
+
+    void LeaveOut(const std::string &words) { m_leftOut.push_back(words); }
+
+    // The first to make room: the largest by far, and of use only to the camera maker's own programs.
+    bool SpareMakerNote()
+    {
+        if (!m_maySpareMakerNote || !Remove(ExifPath(ExifField::Directory::Exif, Tag::MakerNote)))
+        {
+            return false;
+        }
+        m_maySpareMakerNote = false;
+        LeaveOut("the camera's maker note");
+        return true;
+    }
+
+    void SetText(const WideText &path, WideView text, const std::string &words)
+    {
+        if (text.size() > LongestText)
+        {
+            LeaveOut(words);
+        }
+        else if (!text.empty())
+        {
+            WideText copy(text);
+            PROPVARIANT value = {};
+            value.vt = VT_LPWSTR;
+            value.pwszVal = copy.data();
+            Set(path, value, words);
+        }
+    }
+
+    void SetTexts(const WideText &path, std::vector<WideText> texts, const std::string &words)
     {
         if (texts.empty())
         {
@@ -172,71 +296,34 @@ public:
         value.vt = VT_VECTOR | VT_LPWSTR;
         value.calpwstr.cElems = static_cast<ULONG>(elements.size());
         value.calpwstr.pElems = elements.data();
-        Set(path, value);
+        Set(path, value, words);
     }
 
-    void SetExifText(ExifField::Directory directory, WORD tag, WideView text)
-    {
-        SetText(ExifPath(directory, tag), text);
-    }
-
-    void SetProperty(const WCHAR *name, WideView text)
-    {
-        if (TakeXmpRoom(text.size()))
-        {
-            SetText(WideText(TEXT("/xmp/")) + name, text);
-        }
-    }
-
-    void SetProperties(const WCHAR *name, const std::vector<WideText> &texts)
-    {
-        size_t size = 0;
-        for (const WideText &text : texts)
-        {
-            size += text.size() + 16;
-        }
-        if (TakeXmpRoom(size))
-        {
-            SetTexts(WideText(TEXT("/xmp/")) + name, texts);
-        }
-    }
-
-    void SetDataset(const WCHAR *name, WideView text) { SetText(DatasetPath(name), text); }
-    void SetDatasets(const WCHAR *name, std::vector<WideText> texts)
-    {
-        SetTexts(DatasetPath(name), std::move(texts));
-    }
-
-    void SetField(const ExifField &field)
-    {
-        const WideText path = ExifPath(field.directory, field.tag);
-        const ExifFieldValue value(field);
-        if (value.Get().vt != VT_EMPTY && !Holds(path))
-        {
-            Set(path, value.Get());
-        }
-    }
-
-private:
-    static WideText DatasetPath(const WCHAR *name)
-    {
-        return WideText(TEXT("/app13/irb/8bimiptc/iptc/{str=")) + name + TEXT("}");
-    }
-
-    bool TakeXmpRoom(size_t size)
+    bool TakeXmpRoom(size_t size, const std::string &words)
     {
         if (size > MostXmpText - m_xmpText)
         {
+            LeaveOut(words);
             return false;
         }
         m_xmpText += size;
         return true;
     }
 
+    struct ExifText
+    {
+        WideText path;
+        std::string words;
+        WideView text;
+    };
+
     IWICMetadataQueryWriter &m_writer;
     const ItemRecord &m_record;
     const WritingNotice &m_notice;
     size_t m_xmpText = 0;
+    bool m_maySpareMakerNote = false;
+    std::vector<ExifText> m_exifTexts;
+    std::vector<std::string> m_leftOut;
 };
 
 void WriteCopyright(RecordWriting &writing, const ItemRecord &record)
@@ -244,9 +331,9 @@ void WriteCopyright(RecordWriting &writing, const ItemRecord &record)
     const WideView artist = ViewOf(record.CopyrightTexts[0]);
     const WideView copyright = ViewOf(record.CopyrightTexts[1]);
     const WideView credit = ViewOf(record.CopyrightTexts[2]);
-    writing.SetExifText(ExifField::Directory::Main, Tag::Artist, artist);
-    writing.SetExifText(ExifField::Directory::Main, Tag::Copyright, copyright);
-    writing.SetExifText(ExifField::Directory::Exif, Tag::UserComment, ViewOf(record.ExifComment));
+    writing.AddExifText(ExifField::Directory::Main, Tag::Artist, "artist", artist);
+    writing.AddExifText(ExifField::Directory::Main, Tag::Copyright, "copyright", copyright);
+    writing.AddExifText(ExifField::Directory::Exif, Tag::UserComment, "comment", ViewOf(record.ExifComment));
     writing.SetProperties(TEXT("dc:creator"), SplitArtists(artist));
     writing.SetProperty(TEXT("dc:rights"), copyright);
     writing.SetProperty(TEXT("photoshop:Credit"), credit);
@@ -266,7 +353,7 @@ void WriteIptc(RecordWriting &writing, const ItemRecord &record)
     writing.SetProperty(TEXT("dc:title"), title);
     writing.SetProperty(TEXT("dc:description"), description);
     writing.SetProperties(TEXT("<xmpbag>dc:subject"), keywords);
-    writing.SetExifText(ExifField::Directory::Main, Tag::ImageDescription, description);
+    writing.AddExifText(ExifField::Directory::Main, Tag::ImageDescription, "description", description);
     for (const IptcTextPlace &place : IptcTextPlaces)
     {
         const WideView text = ViewOf(record.Iptc.Texts[place.number]);
@@ -309,9 +396,9 @@ void WriteExif(RecordWriting &writing, const MetadataSnapshot &snapshot, const I
 }
 } // namespace
 
-void WriteRecordMetadata(IWICMetadataQueryWriter &writer, const ItemRecord &record,
-                         const MetadataSnapshots &snapshots, const GroupSwitches &switches, NewFrame frame,
-                         const WritingNotice &notice)
+std::string WriteRecordMetadata(IWICMetadataQueryWriter &writer, const ItemRecord &record,
+                                const MetadataSnapshots &snapshots, const GroupSwitches &switches, NewFrame frame,
+                                const WritingNotice &notice)
 {
     const auto group = [](bool wanted, RecordGroup found) { return wanted ? std::move(found) : RecordGroup(); };
     const RecordGroup exif = group(switches.exif, snapshots.Exif(record));
@@ -330,6 +417,7 @@ void WriteRecordMetadata(IWICMetadataQueryWriter &writer, const ItemRecord &reco
         if (copyright && iptc && !exif.blank && !gps.blank && !xmp.blank)
         {
             writing.ClearClosedCopies();
+            writing.FitCopies(record.Widths[0]);
         }
         else
         {
@@ -371,4 +459,6 @@ void WriteRecordMetadata(IWICMetadataQueryWriter &writer, const ItemRecord &reco
     {
         WriteIptc(writing, record);
     }
+    writing.WriteExifTexts();
+    return writing.LeftOut();
 }

@@ -49,7 +49,8 @@ enum class NewFrame
 };
 
 // A group that is switched off or blank in the record leaves nothing behind. Throws the code of a removal
-// from a copied frame that failed; a single value that can't be written is left out and noticed.
-void WriteRecordMetadata(IWICMetadataQueryWriter &writer, const ItemRecord &record,
-                         const MetadataSnapshots &snapshots, const GroupSwitches &switches, NewFrame frame,
-                         const WritingNotice &notice);
+// from a copied frame that failed; a single value that can't be written is left out and noticed. Returns what was
+// left out for want of room, in words for the log: first the maker note, then the longest texts.
+std::string WriteRecordMetadata(IWICMetadataQueryWriter &writer, const ItemRecord &record,
+                                const MetadataSnapshots &snapshots, const GroupSwitches &switches, NewFrame frame,
+                                const WritingNotice &notice);

@@ -9,6 +9,7 @@
 
 #include "host/FileNames.h"
 
+#include <exiv2/exiv2.hpp>
 #include <gmock/gmock.h>
 
 #include <cstdlib>
@@ -280,6 +281,66 @@ TEST_F(MetadataWriting, SegmentsOfMakersGoWithAllGroupsOrNotAtAll)
     {
         const Octets file = Make(on, false);
         EXPECT_FALSE(Holds(file, "secretpl") || Holds(file, "secretmore")) << on;
+    }
+}
+
+TEST_F(MetadataWriting, WhatHasNoRoomIsLeftOutAndTold)
+{
+    const std::string letter = "\xE6\xBC\xA2"; // three bytes
+    const auto text = [&](size_t letters) {
+        std::string repeated;
+        for (size_t i = 0; i < letters; ++i)
+        {
+            repeated += letter;
+        }
+        return repeated;
+    };
+    const struct
+    {
+        size_t makerNote;
+        std::vector<size_t> letters; // of description, copyright, artist
+        const char *leftOut;
+    } cases[] = {
+        {40000, {100, 100, 100}, nullptr},
+        {60000, {2400, 100, 100}, "the camera's maker note."},
+        {0, {8001, 100, 100}, "IPTC Caption, XMP dc:description, EXIF description."},
+        {30000,
+         {7900, 7800, 7700},
+         "XMP dc:rights, XMP dc:description, the camera's maker note, EXIF description."},
+    };
+    for (const auto &c : cases)
+    {
+        Exiftool("-XMP-dc:Description='" + text(c.letters[0]) + "' -XMP-dc:Rights='" + text(c.letters[1]) +
+                 "' -XMP-dc:Creator='" + text(c.letters[2]) + "'");
+        const std::string mark = "secretnote";
+        const auto image = Exiv2::ImageFactory::open(m_file.string());
+        image->readMetadata();
+        const std::string note = mark + std::string(c.makerNote, 'n');
+        image->exifData()["Exif.Photo.MakerNote"] =
+            Exiv2::DataValue(reinterpret_cast<const Exiv2::byte *>(note.data()), static_cast<long>(note.size()));
+        image->writeMetadata();
+        for (const bool processed : {false, true})
+        {
+            SCOPED_TRACE(std::to_string(c.makerNote) + (processed ? " processed" : " intact"));
+            m_log.clear();
+            const Octets file = Make(All, processed);
+            const auto tags = ReadWithExiftool(file);
+            const std::string told = c.leftOut != nullptr ? c.leftOut : "";
+            const bool keepsNote = told.find("maker note") == told.npos;
+            EXPECT_EQ(Holds(file, mark), keepsNote && !processed);
+            const bool keepsText = told.find("EXIF description") == told.npos;
+            EXPECT_EQ(Holds(file, text(c.letters[0]) + '\0'), keepsText) << "as EXIF ends a text";
+            EXPECT_THAT(tags, Contains(Key("GPS:GPSImgDirection")));
+            EXPECT_THAT(tags, Contains(Pair("IFD0:Model", "secretexif")));
+            EXPECT_THAT(tags, Contains(Pair("IFD0:Copyright", text(c.letters[1]))));
+            if (told.empty() || processed)
+            {
+                continue;
+            }
+            ASSERT_FALSE(m_log.empty());
+            EXPECT_EQ(m_log.back(), "Some metadata of " + ShownPath(m_file) +
+                                        " are too long for the new file and were left out: " + told);
+        }
     }
 }
 

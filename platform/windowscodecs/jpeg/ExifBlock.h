@@ -89,6 +89,9 @@ public:
     void SetResolution(double x, double y);
     bool GetResolution(double &x, double &y) const;
 
+    // Whether it can be written without its thumbnail, also after SetResolution.
+    bool Fits() const;
+
     // The contents of an APP1 segment. A maker note keeps its place in the block where that can be,
     // since its own offsets often count from the block's start. A block that doesn't fit into a segment is
     // written without its thumbnail; throws WINCODEC_ERR_TOOMUCHMETADATA if that isn't enough.
