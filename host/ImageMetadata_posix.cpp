@@ -1,5 +1,6 @@
 #include "host/ImageMetadata.h"
 
+#include "host/DcfColours.h"
 #include "host/ErrnoCodes.h"
 #include "host/MetadataTexts.h"
 #include "host/SnapshotFields.h"
@@ -222,12 +223,21 @@ private:
     SnapshotFields m_fields;
 };
 
+bool TellsAdobeRgb(const Exiv2::ExifData &exif)
+{
+    const auto space = exif.findKey(Exiv2::ExifKey("Exif.Photo.ColorSpace"));
+    const auto index = exif.findKey(Exiv2::ExifKey("Exif.Iop.InteroperabilityIndex"));
+    return space != exif.end() && space->count() > 0 &&
+           IsAdobeRgb(space->toLong(), index != exif.end() ? index->toString() : std::string());
+}
+
 MetadataSnapshot ReadGroups(const Exiv2::Image &image, const MetadataBlocks &blocks)
 {
     MetadataSnapshot groups;
     GroupReading reading(image, groups);
     reading.TakeFromXmp(image.xmpData());
     ChooseNumbers(blocks, groups);
+    groups.isAdobeRgb = TellsAdobeRgb(image.exifData());
     return groups;
 }
 

@@ -1,5 +1,6 @@
 #include "host/MetadataWriting.h"
 
+#include "host/DcfColours.h"
 #include "host/ExifFieldValue.h"
 #include "host/ImageTexts.h"
 #include "host/IptcTexts.h"
@@ -172,6 +173,19 @@ public:
         value.vt = VT_UI4;
         value.ulVal = number;
         Set(ExifPath(directory, tag), value, FieldWords(tag));
+    }
+
+    void SetAdobeRgb()
+    {
+        if (!Holds(ExifPath(ExifField::Directory::Exif, Tag::ColorSpace)))
+        {
+            SetShort(ExifField::Directory::Exif, Tag::ColorSpace, UncalibratedColorSpace);
+        }
+        std::string index(AdobeRgbIndex);
+        PROPVARIANT value = {};
+        value.vt = VT_LPSTR;
+        value.pszVal = index.data();
+        Set(TEXT("/app1/ifd/exif/interop/{ushort=1}"), value, "EXIF interoperability index");
     }
 
     // Written by WriteExifTexts, for which words say what it is.
@@ -427,6 +441,10 @@ std::string WriteRecordMetadata(IWICMetadataQueryWriter &writer, const ItemRecor
     if (frame != NewFrame::Processed && orientation != 1)
     {
         writing.SetShort(ExifField::Directory::Main, Tag::Orientation, orientation);
+    }
+    if (frame != NewFrame::Processed && IsAdobeRgb(record))
+    {
+        writing.SetAdobeRgb();
     }
     for (const RecordGroup *each : {&exif, &gps, &xmp})
     {

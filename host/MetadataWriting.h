@@ -18,7 +18,8 @@
 // they may show what was cropped away or painted over.
 //
 // Orientation isn't metadata: it says how the pixels lie, as the colour profile says how they look. Pixels
-// that weren't turned keep it, whatever the switches say.
+// that weren't turned keep it, whatever the switches say, and so do pixels in Adobe RGB the two fields that say
+// so where there is no profile (DcfColours.h).
 #pragma once
 
 #include "host/MetadataSnapshots.h"

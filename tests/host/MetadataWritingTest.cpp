@@ -53,7 +53,7 @@ const char *const Tags =
     "-XMP-dc:Description='secretiptc caption' -XMP-dc:Subject=secretiptc1 -XMP-dc:Subject='secretiptc 2' "
     "-XMP-photoshop:City=secretiptcCity -XMP-iptcCore:Location=secretiptcPlace "
     "-IFD0:ImageDescription='secretiptc caption' -IFD0:XPTitle='secretiptc title' -IFD0:XPKeywords=secretiptc1 "
-    "-IFD0:Orientation#=6 ";
+    "-IFD0:Orientation#=6 -ExifIFD:ColorSpace#=65535 -InteropIFD:InteropIndex=R03 ";
 
 class MetadataWriting : public testing::Test
 {
@@ -238,6 +238,10 @@ TEST_F(MetadataWriting, GoesByGroupAndLeavesNothingOfTheOthers)
             EXPECT_THAT(tags[i], Not(Contains(Key("ExifTool:Error"))));
             const auto turned = tags[i].find("IFD0:Orientation");
             EXPECT_EQ(turned != tags[i].end() ? turned->second : "1", processed ? "1" : "6");
+            // Neither do the colours, which no profile tells.
+            const auto colours = tags[i].find("ExifIFD:ColorSpace");
+            EXPECT_EQ(colours != tags[i].end() ? colours->second : "1", processed ? "1" : "65535");
+            EXPECT_EQ(tags[i].count("InteropIFD:InteropIndex"), processed ? 0u : 1u);
         }
     }
 }
@@ -254,6 +258,7 @@ TEST_F(MetadataWriting, WithoutCopiedBlocksTheGroupsComeFromTheRecord)
     }
     EXPECT_THAT(tags, Not(Contains(Key("GPS:GPSLatitude"))));
     EXPECT_THAT(tags, Contains(Pair("IFD0:Orientation", "6")));
+    EXPECT_THAT(tags, Contains(Pair("InteropIFD:InteropIndex", "R03")));
 }
 
 TEST_F(MetadataWriting, APlaceToldInXmpAloneBelongsToGps)

@@ -66,6 +66,33 @@ TEST_F(PictureDecoding, ColoursAreConvertedFromTheFilesProfile)
     ExpectQuarters(DecodePicture(jpeg, 16, nullptr), {Green, Red, Blue, White}, 4);
 }
 
+TEST_F(PictureDecoding, AdobeRgbThatExifAloneTellsIsConverted)
+{
+    const struct
+    {
+        const char *fields;
+        const char *profile;
+        bool isAdobe;
+    } cases[] = {
+        {"-ExifIFD:ColorSpace#=65535 -InteropIFD:InteropIndex=R03", "", true},
+        {"-ExifIFD:ColorSpace#=2", "", true},
+        {"-ExifIFD:ColorSpace#=65535 -InteropIFD:InteropIndex=R98", "", false},
+        {"-ExifIFD:ColorSpace#=1 -InteropIFD:InteropIndex=R03", "", false},
+        {"-ExifIFD:ColorSpace#=65535 -InteropIFD:InteropIndex=R03", "srgb", false},
+    };
+    for (const auto &c : cases)
+    {
+        const fs::path file =
+            Sample("exif.jpg", 240, 240, {.saver = "[Q=100,subsample-mode=off]", .profile = c.profile});
+        const std::string command =
+            "exiftool -q -q -m -overwrite_original " + std::string(c.fields) + " " + file.string();
+        ASSERT_EQ(std::system(command.c_str()), 0);
+        // Halfway between green and white: such a green has less than no red in sRGB.
+        const int red = PixelAt(DecodePicture(file, 3, nullptr), 2, 1).red;
+        EXPECT_TRUE(c.isAdobe ? red < 40 : red > 90) << c.fields << c.profile << ": " << red;
+    }
+}
+
 TEST_F(PictureDecoding, ADamagedProfileCountsAsNone)
 {
     const fs::path exchanged = MakeExchangedProfile(m_folder.Path());
