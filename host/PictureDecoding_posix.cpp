@@ -106,8 +106,9 @@ struct FileHeader
     bool isAdobeRgb = false;          // by EXIF, of a file without a profile
 };
 
-// A field as the library tells it, "240/1 (240, Rational, 1 components, 8 bytes)"; empty if there is none.
-std::string_view ExifField(VipsImage *image, const char *name)
+// A field as the library tells it, one of EXIF as "240/1 (240, Rational, 1 components, 8 bytes)"; empty if there
+// is none.
+std::string_view TextField(VipsImage *image, const char *name)
 {
     const char *text = nullptr;
     return vips_image_get_typeof(image, name) != 0 && vips_image_get_string(image, name, &text) == 0
@@ -129,6 +130,28 @@ double NumberOf(std::string_view field)
     return denominator != 0 ? double(numerator) / denominator : 0;
 }
 
+// HEIF and WebP tell a resolution in their EXIF blocks alone, where the library doesn't look for it: for them it
+// reports its default, and as if that were the file's.
+void ReadResolution(VipsImage *image, FileHeader &header)
+{
+    const std::string_view loader = TextField(image, VIPS_META_LOADER);
+    if (loader.starts_with("heifload") || loader.starts_with("webpload"))
+    {
+        constexpr int none = 1;
+        constexpr int centimetre = 3;
+        const auto unit = static_cast<int>(NumberOf(TextField(image, "exif-ifd0-ResolutionUnit")));
+        const double perInch = unit == none ? 0 : unit == centimetre ? 2.54 : 1;
+        header.dpiX = NumberOf(TextField(image, "exif-ifd0-XResolution")) * perInch;
+        header.dpiY = NumberOf(TextField(image, "exif-ifd0-YResolution")) * perInch;
+    }
+    // Without this field the library reports a default resolution of its own.
+    else if (vips_image_get_typeof(image, VIPS_META_RESOLUTION_UNIT) != 0)
+    {
+        header.dpiX = vips_image_get_xres(image) * 25.4;
+        header.dpiY = vips_image_get_yres(image) * 25.4;
+    }
+}
+
 FileHeader ReadHeader(const std::filesystem::path &file)
 {
     const Image image(vips_image_new_from_file(file.c_str(), "access", VIPS_ACCESS_SEQUENTIAL, nullptr));
@@ -146,12 +169,7 @@ FileHeader ReadHeader(const std::filesystem::path &file)
                                 " megapixels can be decoded");
     }
     FileHeader header;
-    // Without this field the library reports a default resolution of its own.
-    if (vips_image_get_typeof(image.get(), VIPS_META_RESOLUTION_UNIT) != 0)
-    {
-        header.dpiX = vips_image_get_xres(image.get()) * 25.4;
-        header.dpiY = vips_image_get_yres(image.get()) * 25.4;
-    }
+    ReadResolution(image.get(), header);
     if (vips_image_get_orientation_swap(image.get()))
     {
         std::swap(header.dpiX, header.dpiY);
@@ -161,8 +179,8 @@ FileHeader ReadHeader(const std::filesystem::path &file)
                         : vips_image_get_bands(image.get()) >= 3                               ? "srgb"
                                                                                                : nullptr;
     header.isAdobeRgb = !header.hasProfile && header.ownProfile != nullptr && header.ownProfile == "srgb"sv &&
-                        IsAdobeRgb(static_cast<long>(NumberOf(ExifField(image.get(), "exif-ifd2-ColorSpace"))),
-                                   ExifField(image.get(), "exif-ifd4-InteroperabilityIndex"));
+                        IsAdobeRgb(static_cast<long>(NumberOf(TextField(image.get(), "exif-ifd2-ColorSpace"))),
+                                   TextField(image.get(), "exif-ifd4-InteroperabilityIndex"));
     return header;
 }
 
