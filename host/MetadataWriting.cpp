@@ -63,20 +63,28 @@ public:
     {
     }
 
+    enum class Name
+    {
+        Known,
+        Foreign // to some components
+    };
+
     // Returns false if there was nothing to remove.
-    bool Remove(const WideText &path)
+    bool Remove(const WideText &path, Name name = Name::Known)
     {
         const HRESULT result = m_writer.RemoveMetadataByName(path.c_str());
-        if (result != WINCODEC_ERR_PROPERTYNOTFOUND)
+        if (result == WINCODEC_ERR_PROPERTYNOTFOUND ||
+            (result == WINCODEC_ERR_INVALIDQUERYREQUEST && name == Name::Foreign))
         {
-            ThrowIfFailed(result);
+            return false;
         }
-        return SUCCEEDED(result);
+        ThrowIfFailed(result);
+        return true;
     }
 
-    void RemoveAll(const WideText &path)
+    void RemoveAll(const WideText &path, Name name = Name::Known)
     {
-        for (int left = MostSegments; Remove(path); --left)
+        for (int left = MostSegments; Remove(path, name); --left)
         {
             if (left == 0)
             {
@@ -97,14 +105,18 @@ public:
         return orientation >= 1 && orientation <= 8 ? orientation : OrientationOf(m_record);
     }
 
+    // Application segments other than those that hold EXIF, XMP and IPTC have their numbers' names, or all the
+    // same one. Which a component uses, and that nothing stays, is tried out (ImagingTrial.h).
     void ClearCopies()
     {
         Remove(TEXT("/app1"));
         RemoveAll(TEXT("/com"));
+        RemoveAll(TEXT("/unknown"), Name::Foreign);
         for (int number = 0; number <= 15; ++number)
         {
             const std::string digits = std::to_string(number);
-            RemoveAll((number == 1 ? TEXT("/[1]app") : TEXT("/app")) + WideText(digits.begin(), digits.end()));
+            RemoveAll((number == 1 ? TEXT("/[1]app") : TEXT("/app")) + WideText(digits.begin(), digits.end()),
+                      Name::Foreign);
         }
     }
 
