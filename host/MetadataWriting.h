@@ -14,8 +14,10 @@
 // five groups are wanted does the EXIF block stay, and is completed; otherwise every copied block is
 // removed, and the wanted groups are written anew from the lists above. Maker notes and makers' own
 // segments can't be looked into and may hold a place, an owner or a title: they are published with all
-// five groups or not at all. XMP and IPTC blocks are always written anew. Thumbnails are always removed:
-// they may show what was cropped away or painted over.
+// five groups or not at all. XMP and IPTC blocks are always written anew. The EXIF block's own thumbnail is
+// always removed: it may show what was cropped away or painted over. So may the previews that some cameras keep in
+// their maker notes, whose forms only their makers know; these are published with the notes, and the README
+// says so.
 //
 // Orientation isn't metadata: it says how the pixels lie, as the colour profile says how they look. Pixels
 // that weren't turned keep it, whatever the switches say, and so do pixels in Adobe RGB the two fields that say
