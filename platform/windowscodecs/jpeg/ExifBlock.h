@@ -85,7 +85,7 @@ public:
     // Turns the elements of a value from little-endian into the block's order, and back.
     void ConvertOrder(ExifEntry &entry) const noexcept;
 
-    // Both axes in dots per inch.
+    // Both axes in dots per inch. Get returns false for none, and for one that is 0 or has no unit.
     void SetResolution(double x, double y);
     bool GetResolution(double &x, double &y) const;
 
