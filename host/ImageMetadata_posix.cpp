@@ -2,6 +2,7 @@
 
 #include "host/DcfColours.h"
 #include "host/ErrnoCodes.h"
+#include "host/ExtendedXmp_posix.h"
 #include "host/MetadataTexts.h"
 #include "host/SnapshotFields.h"
 #include "host/WholeFile.h"
@@ -241,6 +242,29 @@ MetadataSnapshot ReadGroups(const Exiv2::Image &image, const MetadataBlocks &blo
     return groups;
 }
 
+// Adds the properties that a JPEG file's further packet holds.
+void AddExtendedXmp(const std::filesystem::path &file, Exiv2::XmpData &xmp)
+{
+    const auto identifier = xmp.findKey(Exiv2::XmpKey("Xmp.xmpNote.HasExtendedXMP"));
+    if (identifier == xmp.end())
+    {
+        return;
+    }
+    Exiv2::XmpData extension;
+    const std::string packet = ReadExtendedXmp(file, identifier->toString());
+    if (packet.empty() || Exiv2::XmpParser::decode(extension, packet) != 0)
+    {
+        return;
+    }
+    for (const Exiv2::Xmpdatum &datum : extension)
+    {
+        if (xmp.findKey(Exiv2::XmpKey(datum.key())) == xmp.end())
+        {
+            xmp.add(datum);
+        }
+    }
+}
+
 // Opens the file first: the library's errors tell a missing file from an unknown kind only in their texts, and
 // the library waits without end for a pipe's writer.
 HRESULT TryOpen(const std::filesystem::path &file)
@@ -266,6 +290,7 @@ HRESULT ReadMetadata(const std::filesystem::path &file, ImageTexts &texts, Metad
             // Absolute, so that no name looks like one of the library's protocols.
             const auto image = Exiv2::ImageFactory::open(std::filesystem::absolute(file).native());
             image->readMetadata();
+            AddExtendedXmp(file, image->xmpData());
             const MetadataBlocks blocks(*image);
             if (groups != nullptr)
             {

@@ -201,6 +201,8 @@ void AddSegments(std::string &file)
         Segment(0xE2, "MPF\0"s + ValueOf("APP2, list of further pictures")) +
         Segment(0xED, "Photoshop 3.0\0"s + "8BIM\x04\x04\0\0\0\0\0\x16\x1C\x02\x78\0\x11"s +
                           ValueOf("APP13, second segment")) +
+        Segment(0xE2, "urn:iso:std:iso:ts:21496:-1\0"s + ValueOf("APP2, a gain map's announcement")) +
+        Segment(0xEB, "JP\0\1\0\0\0\1\0\0\0\x40jumb\0\0\0\x26jumdc2pa"s + ValueOf("APP11, content credentials")) +
         Segment(0xE6, "GoPro\0DEVC"s + ValueOf("APP6, telemetry of an action camera")) +
         Segment(0xEC, "Ducky\0\2\0\x10\0\0\0\x0E"s + ValueOf("APP12, picture information")) +
         Segment(0xFE, ValueOf("second COM"));
@@ -216,6 +218,9 @@ void AddSegments(std::string &file)
     SampleOptions small{.Width = 16, .Height = 12};
     small.Markers = {{0xE1, "Exif\0\0"s + ValueOf("second picture behind the end")}};
     file += AsString(MakeJpeg(small));
+    file += "\0\0\0\x18"
+            "ftypmp42\0\0\0\0mp42isom\0\0\0\x20udta"s +
+            ValueOf("a motion photo's video behind that");
 }
 
 std::string Written(Exiv2::Image &image)
