@@ -41,7 +41,10 @@ void StartLibraryOnce()
     static const bool Started = [] {
         Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
         Exiv2::enableBMFF();
-        return Exiv2::XmpParser::initialize(LockToolkit, nullptr);
+        const bool isReady = Exiv2::XmpParser::initialize(LockToolkit, nullptr);
+        // Known to the toolkit alone, so that the property's key would be refused.
+        Exiv2::XmpProperties::registerNs("http://ns.adobe.com/xmp/note/", "xmpNote");
+        return isReady;
     }();
     static_cast<void>(Started);
 }

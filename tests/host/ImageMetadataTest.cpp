@@ -108,6 +108,7 @@ TEST_F(ImageMetadata, XmpComesBeforeIptcAndExif)
 TEST_F(ImageMetadata, XmpIsReadBeyondTheFirstPacket)
 {
     const std::string identifier(32, 'A');
+    Exiv2::XmpProperties::registerNs("http://ns.adobe.com/xmp/note/", "xmpNote");
     const fs::path file = Make([&](Exiv2::Image &image) {
         SetXmp(image, "Xmp.dc.title", Exiv2::langAlt, {"lang=x-default Title"});
         SetXmp(image, "Xmp.xmpNote.HasExtendedXMP", Exiv2::xmpText, {identifier.c_str()});
