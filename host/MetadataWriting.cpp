@@ -1,5 +1,6 @@
 #include "host/MetadataWriting.h"
 
+#include "host/CopiedBlocks.h"
 #include "host/DcfColours.h"
 #include "host/ExifFieldValue.h"
 #include "host/ImageTexts.h"
@@ -19,31 +20,16 @@ constexpr WORD ImageDescription = 270;
 constexpr WORD Orientation = 274;
 constexpr WORD Artist = 315;
 constexpr WORD Copyright = 33432;
-constexpr WORD MakerNote = 37500;
 constexpr WORD UserComment = 37510;
 constexpr WORD ColorSpace = 40961;
 constexpr WORD PixelXDimension = 40962;
 constexpr WORD PixelYDimension = 40963;
 } // namespace Tag
 
-// Copies of other blocks, layers and directories of small pictures that lie in IFD0.
-constexpr WORD CopiesInMain[] = {700, 33723, 34377, 37724};
-
 // An EXIF block and an XMP packet have to fit into a segment of 64 KB each; longer texts stay out. The imaging
 // component tells when an EXIF block is full, but not of XMP before the pixels are written.
 constexpr size_t LongestText = 8000;
 constexpr size_t MostXmpText = 12000;
-
-// More segments of a kind than any file has; ends the loop on a writer that always claims success.
-constexpr int MostSegments = 10000;
-
-WideText ExifPath(ExifField::Directory directory, WORD tag)
-{
-    static constexpr WideView Folders[] = {TEXT("/app1/ifd/"), TEXT("/app1/ifd/exif/"), TEXT("/app1/ifd/gps/")};
-    const std::string number = std::to_string(tag);
-    return WideText(Folders[static_cast<size_t>(directory)]) + TEXT("{ushort=") +
-           WideText(number.begin(), number.end()) + TEXT("}");
-}
 
 std::vector<WideText> SplitArtists(WideView artists)
 {
@@ -58,76 +44,12 @@ WideView ViewOf(BSTR text)
 class RecordWriting
 {
 public:
-    RecordWriting(IWICMetadataQueryWriter &writer, const ItemRecord &record, const WritingNotice &notice)
-        : m_writer(writer), m_record(record), m_notice(notice)
+    RecordWriting(IWICMetadataQueryWriter &writer, const WritingNotice &notice)
+        : m_writer(writer), m_notice(notice)
     {
-    }
-
-    enum class Name
-    {
-        Known,
-        Foreign // to some components
-    };
-
-    // Returns false if there was nothing to remove.
-    bool Remove(const WideText &path, Name name = Name::Known)
-    {
-        const HRESULT result = m_writer.RemoveMetadataByName(path.c_str());
-        if (result == WINCODEC_ERR_PROPERTYNOTFOUND ||
-            (result == WINCODEC_ERR_INVALIDQUERYREQUEST && name == Name::Foreign))
-        {
-            return false;
-        }
-        ThrowIfFailed(result);
-        return true;
-    }
-
-    void RemoveAll(const WideText &path, Name name = Name::Known)
-    {
-        for (int left = MostSegments; Remove(path, name); --left)
-        {
-            if (left == 0)
-            {
-                ThrowHresult(WINCODEC_ERR_UNEXPECTEDMETADATATYPE);
-            }
-        }
     }
 
     bool Holds(const WideText &path) { return m_writer.GetMetadataByName(path.c_str(), nullptr) == S_OK; }
-
-    UINT16 CopiedOrientation()
-    {
-        PROPVARIANT value = {};
-        const WideText path = ExifPath(ExifField::Directory::Main, Tag::Orientation);
-        const HRESULT result = m_writer.GetMetadataByName(path.c_str(), &value);
-        const UINT16 orientation = SUCCEEDED(result) && value.vt == VT_UI2 ? value.uiVal : UINT16{0};
-        PropVariantClear(&value);
-        return orientation >= 1 && orientation <= 8 ? orientation : OrientationOf(m_record);
-    }
-
-    // Application segments other than those that hold EXIF, XMP and IPTC have their numbers' names, or all the
-    // same one. Which a component uses, and that nothing stays, is tried out (ImagingTrial.h).
-    void ClearCopies()
-    {
-        Remove(TEXT("/app1"));
-        RemoveAll(TEXT("/com"));
-        RemoveAll(TEXT("/unknown"), Name::Foreign);
-        for (int number = 0; number <= 15; ++number)
-        {
-            const std::string digits = std::to_string(number);
-            RemoveAll((number == 1 ? TEXT("/[1]app") : TEXT("/app")) + WideText(digits.begin(), digits.end()),
-                      Name::Foreign);
-        }
-    }
-
-    void ClearClosedCopies()
-    {
-        Remove(TEXT("/app1/thumb"));
-        for (const WORD tag : CopiesInMain)
-        {
-            Remove(ExifPath(ExifField::Directory::Main, tag));
-        }
-    }
 
     // The new picture's own size has to fit in, or the copied block doesn't stay.
     void FitCopies(UINT32 width)
@@ -142,7 +64,7 @@ public:
         m_maySpareMakerNote = true;
         if (!fits() && !(SpareMakerNote() && fits()))
         {
-            Remove(TEXT("/app1"));
+            CopiedBlocks(m_writer).RemoveExif();
             LeaveOut("what else the camera's EXIF block held");
         }
     }
@@ -282,7 +204,7 @@ private:
     // The first to make room: the largest by far, and of use only to the camera maker's own programs.
     bool SpareMakerNote()
     {
-        if (!m_maySpareMakerNote || !Remove(ExifPath(ExifField::Directory::Exif, Tag::MakerNote)))
+        if (!m_maySpareMakerNote || !CopiedBlocks(m_writer).RemoveMakerNote())
         {
             return false;
         }
@@ -344,7 +266,6 @@ private:
     };
 
     IWICMetadataQueryWriter &m_writer;
-    const ItemRecord &m_record;
     const WritingNotice &m_notice;
     size_t m_xmpText = 0;
     bool m_maySpareMakerNote = false;
@@ -433,21 +354,21 @@ std::string WriteRecordMetadata(IWICMetadataQueryWriter &writer, const ItemRecor
     const bool copyright = switches.copyright && !IsCopyrightBlank(record);
     const bool iptc = switches.iptc && !IsIptcBlank(record);
 
-    RecordWriting writing(writer, record, notice);
+    RecordWriting writing(writer, notice);
     UINT16 orientation = OrientationOf(record);
     if (frame == NewFrame::Copied)
     {
-        orientation = writing.CopiedOrientation();
-        writing.Remove(TEXT("/xmp"));
-        writing.Remove(TEXT("/app13"));
+        CopiedBlocks blocks(writer);
+        const UINT16 copied = blocks.Orientation();
+        orientation = copied != 0 ? copied : orientation;
         if (copyright && iptc && !exif.blank && !gps.blank && !xmp.blank)
         {
-            writing.ClearClosedCopies();
+            blocks.RemoveClosed();
             writing.FitCopies(record.Widths[0]);
         }
         else
         {
-            writing.ClearCopies();
+            blocks.RemoveAll();
         }
     }
     if (frame != NewFrame::Processed && orientation != 1)

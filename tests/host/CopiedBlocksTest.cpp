@@ -1,5 +1,4 @@
-// The clearing of copied blocks in imaging components that name them differently.
-#include "host/MetadataWriting.h"
+#include "host/CopiedBlocks.h"
 
 #include "com/ComObject.h"
 #include "com/ComPtr.h"
@@ -42,12 +41,11 @@ public:
     Blocks Held;
 };
 
-HRESULT Clear(Blocks &blocks)
+HRESULT RemoveAll(Blocks &blocks)
 {
     const auto frame = Frame::Make(blocks);
     const HRESULT result = AtBoundary([&] {
-        WriteRecordMetadata(*frame.Get(), ItemRecord(), MetadataSnapshots(), GroupSwitches(), NewFrame::Copied,
-                            [](const std::string &) {});
+        CopiedBlocks(*frame.Get()).RemoveAll();
         return S_OK;
     });
     blocks = frame->Held;
@@ -56,7 +54,7 @@ HRESULT Clear(Blocks &blocks)
 }
 } // namespace
 
-TEST(CopiedBlocks, AreClearedWhateverTheirNames)
+TEST(CopiedBlocks, AreRemovedWhateverTheirNames)
 {
     const Blocks known = {{TEXT("/app1"), 1}, {TEXT("/xmp"), 1}, {TEXT("/app13"), 1}, {TEXT("/com"), 2}};
     Blocks byOneName = known;
@@ -65,10 +63,10 @@ TEST(CopiedBlocks, AreClearedWhateverTheirNames)
     byNumber[TEXT("/app2")] = byNumber[TEXT("/[1]app1")] = byNumber[TEXT("/app15")] = 2;
     for (Blocks blocks : {byOneName, byNumber})
     {
-        EXPECT_EQ(Clear(blocks), S_OK);
+        EXPECT_EQ(RemoveAll(blocks), S_OK);
         EXPECT_THAT(blocks, IsEmpty());
     }
     // Of the blocks that every component has, none may be passed over.
     Blocks withoutExif = {{TEXT("/xmp"), 1}, {TEXT("/app13"), 1}, {TEXT("/com"), 1}};
-    EXPECT_EQ(Clear(withoutExif), WINCODEC_ERR_INVALIDQUERYREQUEST);
+    EXPECT_EQ(RemoveAll(withoutExif), WINCODEC_ERR_INVALIDQUERYREQUEST);
 }
