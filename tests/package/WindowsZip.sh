@@ -50,8 +50,10 @@ done
 [[ " ${modules[*]} " = *' Halvora.Publishing.Plugin.Flickr.dll '* ]] || fail 'the plug-in is missing'
 grep -q 'Runtime Library Exception' "$unpacked/Licences/gcc.txt" || fail 'the exception of the GCC runtime is missing'
 
-# Prints the user's and the machine's registry. The keys that contain all classes exist beforehand.
-for container in AppID CLSID TypeLib Interface; do wine_tool reg add "HKCU\\Software\\Classes\\$container" /f; done
+# Prints the user's and the machine's registry. The keys that contain all classes and all programs exist beforehand.
+for container in Classes\\{AppID,CLSID,TypeLib,Interface} Microsoft\\Windows\\CurrentVersion\\Uninstall; do
+    wine_tool reg add "HKCU\\Software\\$container" /f
+done
 settings='HKCU\SOFTWARE\TRNQ\Halvora\Trial'
 wine_tool reg add "$settings" /v Kept /t REG_SZ /d yes /f
 registry() {
@@ -61,6 +63,7 @@ registry() {
     # Wine registers type libraries for the whole machine even if asked for one user; that isn't our fault.
     for part in user machine; do iconv -f UTF-16 -t UTF-8 "$work/$part.reg" | tr -d '\r'; done |
         awk -v RS= -v ORS='\n\n' -v rest="$work/by-wine" 'BEGIN { printf "" >rest }
+            tolower($1) ~ /^\[hkey_current_user\\software\\wine\\/ { next }
             tolower($1) ~ /^\[hkey_local.*\\(typelib|interface)\\/ { print >rest; next } { print }'
 }
 registry >"$work/before"
