@@ -2,6 +2,7 @@
 
 #include "host/ErrnoCodes.h"
 #include "host/FileNames.h"
+#include "host/PictureCheck.h"
 #include "host/RawDecoding_posix.h"
 #include "host/WholeFile.h"
 
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <future>
 #include <memory>
 #include <string_view>
 
@@ -86,12 +88,11 @@ std::string FirstBytes(const std::filesystem::path &file)
     return std::string(bytes, static_cast<size_t>(content.gcount()));
 }
 
-// Kinds that no camera raw file begins with. Many raw files are TIFF outside, and a reader of TIFF finds
+// Kinds beside JPEG that no camera raw file begins with. Many raw files are TIFF outside, and a reader of TIFF finds
 // their thumbnails only, so the extension decides there.
 bool IsPlainKind(std::string_view start)
 {
-    return start.starts_with("\xFF\xD8"sv) || start.starts_with("\x89PNG"sv) || start.starts_with("GIF8"sv) ||
-           start.starts_with("RIFF"sv);
+    return start.starts_with("\x89PNG"sv) || start.starts_with("GIF8"sv) || start.starts_with("RIFF"sv);
 }
 
 struct FileHeader
@@ -227,7 +228,8 @@ int EdgeFor(UINT longEdge)
     return longEdge == 0 || longEdge > VIPS_MAX_COORD ? VIPS_MAX_COORD : static_cast<int>(longEdge);
 }
 
-DecodedPicture DecodePlain(const std::filesystem::path &file, UINT longEdge, const std::atomic<bool> *stop)
+DecodedPicture DecodePlain(const std::filesystem::path &file, UINT longEdge, VipsFailOn failOn,
+                           const std::atomic<bool> *stop)
 {
     if (vips_foreign_find_load(file.c_str()) == nullptr)
     {
@@ -243,18 +245,17 @@ DecodedPicture DecodePlain(const std::filesystem::path &file, UINT longEdge, con
     if (!header.hasProfile)
     {
         result = vips_thumbnail(file.c_str(), &scaled, edge, "height", edge, "size", VIPS_SIZE_DOWN, "fail_on",
-                                VIPS_FAIL_ON_TRUNCATED, nullptr);
+                                failOn, nullptr);
     }
     else if (header.ownProfile != nullptr)
     {
         result = vips_thumbnail(file.c_str(), &scaled, edge, "height", edge, "size", VIPS_SIZE_DOWN, "fail_on",
-                                VIPS_FAIL_ON_TRUNCATED, "export_profile", "srgb", "import_profile",
-                                header.ownProfile, nullptr);
+                                failOn, "export_profile", "srgb", "import_profile", header.ownProfile, nullptr);
     }
     else
     {
         result = vips_thumbnail(file.c_str(), &scaled, edge, "height", edge, "size", VIPS_SIZE_DOWN, "fail_on",
-                                VIPS_FAIL_ON_TRUNCATED, "export_profile", "srgb", nullptr);
+                                failOn, "export_profile", "srgb", nullptr);
     }
     if (result != 0)
     {
@@ -263,6 +264,24 @@ DecodedPicture DecodePlain(const std::filesystem::path &file, UINT longEdge, con
     DecodedPicture picture = Finish(Image(scaled), stop);
     picture.dpiX = header.dpiX;
     picture.dpiY = header.dpiY;
+    return picture;
+}
+
+// The check costs a fraction of the decoding, and runs beside it.
+DecodedPicture DecodeJpeg(const std::filesystem::path &file, UINT longEdge, const std::atomic<bool> *stop)
+{
+    auto check = std::async(std::launch::async, SurveyFile, file, stop);
+    DecodedPicture picture = DecodePlain(file, longEdge, VIPS_FAIL_ON_NONE, stop);
+    const PictureSurvey survey = check.get();
+    switch (survey.state)
+    {
+    case PictureState::Whole:
+        break;
+    case PictureState::Damaged:
+        throw DecodingError(WINCODEC_ERR_BADIMAGE, "is damaged or was cut short: " + survey.damage);
+    case PictureState::Unknown:
+        return DecodePlain(file, longEdge, VIPS_FAIL_ON_WARNING, stop);
+    }
     return picture;
 }
 
@@ -292,9 +311,14 @@ DecodedPicture DecodePicture(const std::filesystem::path &file, UINT longEdge, c
     {
         ~EndOfThread() { vips_thread_shutdown(); }
     } endOfThread;
-    if (!IsPlainKind(FirstBytes(file)) && IsRawExtension(ExtensionOf(file)))
+    const std::string start = FirstBytes(file);
+    if (start.starts_with("\xFF\xD8"sv))
+    {
+        return DecodeJpeg(file, longEdge, stop);
+    }
+    if (!IsPlainKind(start) && IsRawExtension(ExtensionOf(file)))
     {
         return Scale(DevelopRaw(file, longEdge, stop), longEdge, stop);
     }
-    return DecodePlain(file, longEdge, stop);
+    return DecodePlain(file, longEdge, VIPS_FAIL_ON_TRUNCATED, stop);
 }
