@@ -1,6 +1,7 @@
 #include "host/PictureDecoding.h"
 
 #include "host/ErrnoCodes.h"
+#include "host/ColourProfile_posix.h"
 #include "host/FileNames.h"
 #include "host/PictureCheck.h"
 #include "host/RawDecoding_posix.h"
@@ -14,6 +15,7 @@
 #include <fstream>
 #include <future>
 #include <memory>
+#include <optional>
 #include <string_view>
 
 using namespace std::string_view_literals;
@@ -99,9 +101,29 @@ struct FileHeader
 {
     double dpiX = 0;
     double dpiY = 0;
-    bool hasProfile = false;
-    const char *ownProfile = nullptr; // of the library, should the file's be damaged
+    UINT longEdge = 0;
+    bool isJpeg = false;
+    // Of the file's profile, if its colours can be converted by it.
+    std::optional<ProfileIntent> intent;
+    // The library converts ink by a profile of its own, and cuts sixteen bits to eight, before it looks at the
+    // file's profile. For such pictures the profile must come first.
+    bool comesFirst = false;
 };
+
+std::optional<ProfileIntent> IntentOf(VipsImage *image)
+{
+    const void *profile = nullptr;
+    size_t size = 0;
+    if (vips_image_get_typeof(image, VIPS_META_ICC_NAME) == 0 ||
+        vips_image_get_blob(image, VIPS_META_ICC_NAME, &profile, &size) != 0)
+    {
+        return std::nullopt;
+    }
+    const ColourKind kind = vips_image_get_interpretation(image) == VIPS_INTERPRETATION_CMYK ? ColourKind::Ink
+                            : vips_image_get_bands(image) < 3                                ? ColourKind::Gray
+                                                                                             : ColourKind::Screen;
+    return IntentFor({static_cast<const char *>(profile), size}, kind);
+}
 
 FileHeader ReadHeader(const std::filesystem::path &file)
 {
@@ -130,10 +152,14 @@ FileHeader ReadHeader(const std::filesystem::path &file)
     {
         std::swap(header.dpiX, header.dpiY);
     }
-    header.hasProfile = vips_image_get_typeof(image.get(), VIPS_META_ICC_NAME) != 0;
-    header.ownProfile = vips_image_get_interpretation(image.get()) == VIPS_INTERPRETATION_CMYK ? "cmyk"
-                        : vips_image_get_bands(image.get()) >= 3                               ? "srgb"
-                                                                                               : nullptr;
+    header.longEdge = static_cast<UINT>(std::max(width, height));
+    const char *loader = nullptr;
+    header.isJpeg = vips_image_get_string(image.get(), VIPS_META_LOADER, &loader) == 0 && loader == "jpegload"sv;
+    header.intent = IntentOf(image.get());
+    const VipsInterpretation interpretation = vips_image_get_interpretation(image.get());
+    header.comesFirst = interpretation == VIPS_INTERPRETATION_CMYK ||
+                        interpretation == VIPS_INTERPRETATION_RGB16 ||
+                        interpretation == VIPS_INTERPRETATION_GREY16;
     return header;
 }
 
@@ -228,6 +254,63 @@ int EdgeFor(UINT longEdge)
     return longEdge == 0 || longEdge > VIPS_MAX_COORD ? VIPS_MAX_COORD : static_cast<int>(longEdge);
 }
 
+Image Reduced(Image image, UINT longEdge, const std::atomic<bool> *stop)
+{
+    const int edge = EdgeFor(longEdge);
+    Follow(image, stop, [&](VipsImage *in, VipsImage **out) {
+        return vips_thumbnail_image(in, out, edge, "height", edge, "size", VIPS_SIZE_DOWN, nullptr);
+    });
+    return image;
+}
+
+// Without a profile that fits, the colours are sRGB already, or Finish converts them.
+Image ScaleAndConvert(const std::filesystem::path &file, UINT longEdge, const FileHeader &header,
+                      VipsFailOn failOn, const std::atomic<bool> *stop)
+{
+    const int edge = EdgeFor(longEdge);
+    VipsImage *scaled = nullptr;
+    const int result = header.intent ? vips_thumbnail(file.c_str(), &scaled, edge, "height", edge, "size",
+                                                      VIPS_SIZE_DOWN, "fail_on", failOn, "export_profile", "srgb",
+                                                      "intent", static_cast<VipsIntent>(*header.intent), nullptr)
+                                     : vips_thumbnail(file.c_str(), &scaled, edge, "height", edge, "size",
+                                                      VIPS_SIZE_DOWN, "fail_on", failOn, nullptr);
+    if (result != 0)
+    {
+        ThrowBroken(stop);
+    }
+    return Image(scaled);
+}
+
+// How much smaller the decoder of JPEG is to make the picture; the rest of the scaling needs twice the size.
+int DecoderShrink(const FileHeader &header, UINT longEdge)
+{
+    int shrink = 1;
+    while (longEdge != 0 && shrink < 8 && header.longEdge / (shrink * 2) >= longEdge * 2)
+    {
+        shrink *= 2;
+    }
+    return shrink;
+}
+
+Image ConvertAndScale(const std::filesystem::path &file, UINT longEdge, const FileHeader &header,
+                      VipsFailOn failOn, const std::atomic<bool> *stop)
+{
+    Image image(header.isJpeg
+                    ? vips_image_new_from_file(file.c_str(), "access", VIPS_ACCESS_SEQUENTIAL, "fail_on", failOn,
+                                               "shrink", DecoderShrink(header, longEdge), nullptr)
+                    : vips_image_new_from_file(file.c_str(), "access", VIPS_ACCESS_SEQUENTIAL, "fail_on", failOn,
+                                               nullptr));
+    if (!image)
+    {
+        ThrowBroken(stop);
+    }
+    Follow(image, stop, [&](VipsImage *in, VipsImage **out) {
+        return vips_icc_transform(in, out, "srgb", "embedded", TRUE, "depth", 8, "intent",
+                                  static_cast<VipsIntent>(*header.intent), nullptr);
+    });
+    return Reduced(std::move(image), longEdge, stop);
+}
+
 DecodedPicture DecodePlain(const std::filesystem::path &file, UINT longEdge, VipsFailOn failOn,
                            const std::atomic<bool> *stop)
 {
@@ -237,31 +320,9 @@ DecodedPicture DecodePlain(const std::filesystem::path &file, UINT longEdge, Vip
         throw DecodingError(WINCODEC_ERR_UNKNOWNIMAGEFORMAT, "is of no kind of picture that is known here");
     }
     const FileHeader header = ReadHeader(file);
-    VipsImage *scaled = nullptr;
-    const int edge = EdgeFor(longEdge);
-    // Without a profile the colours are sRGB already, or Finish converts them; a conversion by profiles would
-    // change them. If an embedded profile can't be used, the library takes the one named here.
-    int result = 0;
-    if (!header.hasProfile)
-    {
-        result = vips_thumbnail(file.c_str(), &scaled, edge, "height", edge, "size", VIPS_SIZE_DOWN, "fail_on",
-                                failOn, nullptr);
-    }
-    else if (header.ownProfile != nullptr)
-    {
-        result = vips_thumbnail(file.c_str(), &scaled, edge, "height", edge, "size", VIPS_SIZE_DOWN, "fail_on",
-                                failOn, "export_profile", "srgb", "import_profile", header.ownProfile, nullptr);
-    }
-    else
-    {
-        result = vips_thumbnail(file.c_str(), &scaled, edge, "height", edge, "size", VIPS_SIZE_DOWN, "fail_on",
-                                failOn, "export_profile", "srgb", nullptr);
-    }
-    if (result != 0)
-    {
-        ThrowBroken(stop);
-    }
-    DecodedPicture picture = Finish(Image(scaled), stop);
+    Image scaled = header.intent && header.comesFirst ? ConvertAndScale(file, longEdge, header, failOn, stop)
+                                                      : ScaleAndConvert(file, longEdge, header, failOn, stop);
+    DecodedPicture picture = Finish(std::move(scaled), stop);
     picture.dpiX = header.dpiX;
     picture.dpiY = header.dpiY;
     return picture;
@@ -295,11 +356,7 @@ DecodedPicture Scale(DecodedPicture developed, UINT longEdge, const std::atomic<
         ThrowBroken(stop);
     }
     image->Type = VIPS_INTERPRETATION_sRGB;
-    const int edge = EdgeFor(longEdge);
-    Follow(image, stop, [&](VipsImage *in, VipsImage **out) {
-        return vips_thumbnail_image(in, out, edge, "height", edge, "size", VIPS_SIZE_DOWN, nullptr);
-    });
-    return Finish(std::move(image), stop);
+    return Finish(Reduced(std::move(image), longEdge, stop), stop);
 }
 } // namespace
 
