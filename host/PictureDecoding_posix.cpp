@@ -15,6 +15,7 @@
 #include <fstream>
 #include <future>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string_view>
 
@@ -103,6 +104,7 @@ struct FileHeader
     double dpiY = 0;
     UINT longEdge = 0;
     bool isJpeg = false;
+    bool isInScans = false;
     // Of the file's profile, if its colours can be converted by it.
     std::optional<ProfileIntent> intent;
     // The library converts ink by a profile of its own, and cuts sixteen bits to eight, before it looks at the
@@ -155,6 +157,9 @@ FileHeader ReadHeader(const std::filesystem::path &file)
     header.longEdge = static_cast<UINT>(std::max(width, height));
     const char *loader = nullptr;
     header.isJpeg = vips_image_get_string(image.get(), VIPS_META_LOADER, &loader) == 0 && loader == "jpegload"sv;
+    int isInScans = 0;
+    header.isInScans = vips_image_get_typeof(image.get(), "jpeg-multiscan") != 0 &&
+                       vips_image_get_int(image.get(), "jpeg-multiscan", &isInScans) == 0 && isInScans != 0;
     header.intent = IntentOf(image.get());
     const VipsInterpretation interpretation = vips_image_get_interpretation(image.get());
     header.comesFirst = interpretation == VIPS_INTERPRETATION_CMYK ||
@@ -311,6 +316,10 @@ Image ConvertAndScale(const std::filesystem::path &file, UINT longEdge, const Fi
     return Reduced(std::move(image), longEdge, stop);
 }
 
+// Of a picture in several scans the decoder holds all coefficients, two bytes for each sample: two such pictures at
+// a time would take twice that.
+std::mutex ScansLock;
+
 DecodedPicture DecodePlain(const std::filesystem::path &file, UINT longEdge, VipsFailOn failOn,
                            const std::atomic<bool> *stop)
 {
@@ -320,6 +329,11 @@ DecodedPicture DecodePlain(const std::filesystem::path &file, UINT longEdge, Vip
         throw DecodingError(WINCODEC_ERR_UNKNOWNIMAGEFORMAT, "is of no kind of picture that is known here");
     }
     const FileHeader header = ReadHeader(file);
+    std::unique_lock oneAtATime(ScansLock, std::defer_lock);
+    if (header.isInScans)
+    {
+        oneAtATime.lock();
+    }
     Image scaled = header.intent && header.comesFirst ? ConvertAndScale(file, longEdge, header, failOn, stop)
                                                       : ScaleAndConvert(file, longEdge, header, failOn, stop);
     DecodedPicture picture = Finish(std::move(scaled), stop);

@@ -37,6 +37,9 @@ void MakeAnimation(const std::filesystem::path &file);
 // One row of grays in 16 bits, from black up by steps of 1.
 void MakeRamp(const std::filesystem::path &file, int width, const std::string &profile);
 
+// Six numbers: x and y of red, green and blue.
+void SaveRgbProfile(const double (&primaries)[6], double gamma, const std::string &file);
+
 // Profiles that nobody would take for another: of sRGB's primaries with red and green exchanged and with a linear
 // scale, of gray, and of ink with cyan and yellow exchanged, which knows the perceptual intent alone.
 struct SampleProfiles

@@ -99,15 +99,6 @@ void Save(cmsHPROFILE profile, const std::string &file)
     cmsCloseProfile(profile);
 }
 
-void SaveRgb(const cmsCIExyYTRIPLE &primaries, double gamma, const std::string &file)
-{
-    const cmsCIExyY white = {0.3127, 0.3290, 1.0};
-    cmsToneCurve *const curve = cmsBuildGamma(nullptr, gamma);
-    cmsToneCurve *const curves[] = {curve, curve, curve};
-    Save(cmsCreateRGBProfile(&white, &primaries, curves), file);
-    cmsFreeToneCurve(curve);
-}
-
 // Inks as filters in front of a screen, of which yellow is called cyan.
 cmsInt32Number ToLab(const cmsUInt16Number ink[], cmsUInt16Number lab[], void *screenToLab)
 {
@@ -143,14 +134,25 @@ void SaveInk(const std::string &file)
 }
 } // namespace
 
+void SaveRgbProfile(const double (&primaries)[6], double gamma, const std::string &file)
+{
+    const cmsCIExyY white = {0.3127, 0.3290, 1.0};
+    const cmsCIExyYTRIPLE points = {
+        {primaries[0], primaries[1], 1}, {primaries[2], primaries[3], 1}, {primaries[4], primaries[5], 1}};
+    cmsToneCurve *const curve = cmsBuildGamma(nullptr, gamma);
+    cmsToneCurve *const curves[] = {curve, curve, curve};
+    Save(cmsCreateRGBProfile(&white, &points, curves), file);
+    cmsFreeToneCurve(curve);
+}
+
 SampleProfiles::SampleProfiles(const std::filesystem::path &folder)
     : exchanged(folder / "exchanged.icc"),
       linear(folder / "linear.icc"),
       gray(folder / "gray.icc"),
       ink(folder / "ink.icc")
 {
-    SaveRgb({{0.30, 0.60, 1}, {0.64, 0.33, 1}, {0.15, 0.06, 1}}, 2.2, exchanged);
-    SaveRgb({{0.64, 0.33, 1}, {0.30, 0.60, 1}, {0.15, 0.06, 1}}, 1, linear);
+    SaveRgbProfile({0.30, 0.60, 0.64, 0.33, 0.15, 0.06}, 2.2, exchanged);
+    SaveRgbProfile({0.64, 0.33, 0.30, 0.60, 0.15, 0.06}, 1, linear);
     const cmsCIExyY white = {0.3127, 0.3290, 1.0};
     cmsToneCurve *const curve = cmsBuildGamma(nullptr, 1.2);
     Save(cmsCreateGrayProfile(&white, curve), gray);
