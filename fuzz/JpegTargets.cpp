@@ -14,7 +14,7 @@ std::vector<std::string> JpegSamples()
     std::vector<std::string> samples{MakeMarkedPicture(Contents::JpegWithEverything),
                                      MakeMarkedPicture(Contents::JpegWithExifAlone)};
     for (const SampleOptions &options :
-         {SampleOptions{.Width = 24, .Height = 16, .Progressive = true},
+         {SampleOptions{.Width = 24, .Height = 16, .Progressive = true, .RestartInterval = 3},
           SampleOptions{.Width = 24, .Height = 16, .Components = 4, .StoredAsYcck = true},
           SampleOptions{.Width = 24, .Height = 16, .Components = 1, .Arithmetic = true, .RestartInterval = 1}})
     {

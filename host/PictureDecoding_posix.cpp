@@ -3,7 +3,9 @@
 #include "host/AdobeRgbProfile_posix.h"
 #include "host/DcfColours.h"
 #include "host/ErrnoCodes.h"
+#include "host/ColourProfile_posix.h"
 #include "host/FileNames.h"
+#include "host/PictureCheck.h"
 #include "host/RawDecoding_posix.h"
 #include "host/WholeFile.h"
 
@@ -14,7 +16,10 @@
 #include <algorithm>
 #include <charconv>
 #include <fstream>
+#include <future>
 #include <memory>
+#include <mutex>
+#include <optional>
 #include <string_view>
 
 using namespace std::string_view_literals;
@@ -89,21 +94,26 @@ std::string FirstBytes(const std::filesystem::path &file)
     return std::string(bytes, static_cast<size_t>(content.gcount()));
 }
 
-// Kinds that no camera raw file begins with. Many raw files are TIFF outside, and a reader of TIFF finds
+// Kinds beside JPEG that no camera raw file begins with. Many raw files are TIFF outside, and a reader of TIFF finds
 // their thumbnails only, so the extension decides there.
 bool IsPlainKind(std::string_view start)
 {
-    return start.starts_with("\xFF\xD8"sv) || start.starts_with("\x89PNG"sv) || start.starts_with("GIF8"sv) ||
-           start.starts_with("RIFF"sv);
+    return start.starts_with("\x89PNG"sv) || start.starts_with("GIF8"sv) || start.starts_with("RIFF"sv);
 }
 
 struct FileHeader
 {
     double dpiX = 0;
     double dpiY = 0;
-    bool hasProfile = false;
-    const char *ownProfile = nullptr; // of the library, should the file's be damaged
-    bool isAdobeRgb = false;          // by EXIF, of a file without a profile
+    UINT longEdge = 0;
+    bool isJpeg = false;
+    bool isInScans = false;
+    // Of the file's profile, if its colours can be converted by it.
+    std::optional<ProfileIntent> intent;
+    // The library converts ink by a profile of its own, and cuts sixteen bits to eight, before it looks at the
+    // file's profile. For such pictures the profile must come first.
+    bool comesFirst = false;
+    bool isAdobeRgb = false; // by EXIF, of a file without a profile that fits
 };
 
 // A field as the library tells it, one of EXIF as "240/1 (240, Rational, 1 components, 8 bytes)"; empty if there
@@ -152,6 +162,21 @@ void ReadResolution(VipsImage *image, FileHeader &header)
     }
 }
 
+std::optional<ProfileIntent> IntentOf(VipsImage *image)
+{
+    const void *profile = nullptr;
+    size_t size = 0;
+    if (vips_image_get_typeof(image, VIPS_META_ICC_NAME) == 0 ||
+        vips_image_get_blob(image, VIPS_META_ICC_NAME, &profile, &size) != 0)
+    {
+        return std::nullopt;
+    }
+    const ColourKind kind = vips_image_get_interpretation(image) == VIPS_INTERPRETATION_CMYK ? ColourKind::Ink
+                            : vips_image_get_bands(image) < 3                                ? ColourKind::Gray
+                                                                                             : ColourKind::Screen;
+    return IntentFor({static_cast<const char *>(profile), size}, kind);
+}
+
 FileHeader ReadHeader(const std::filesystem::path &file)
 {
     const Image image(vips_image_new_from_file(file.c_str(), "access", VIPS_ACCESS_SEQUENTIAL, nullptr));
@@ -174,11 +199,18 @@ FileHeader ReadHeader(const std::filesystem::path &file)
     {
         std::swap(header.dpiX, header.dpiY);
     }
-    header.hasProfile = vips_image_get_typeof(image.get(), VIPS_META_ICC_NAME) != 0;
-    header.ownProfile = vips_image_get_interpretation(image.get()) == VIPS_INTERPRETATION_CMYK ? "cmyk"
-                        : vips_image_get_bands(image.get()) >= 3                               ? "srgb"
-                                                                                               : nullptr;
-    header.isAdobeRgb = !header.hasProfile && header.ownProfile != nullptr && header.ownProfile == "srgb"sv &&
+    header.longEdge = static_cast<UINT>(std::max(width, height));
+    header.isJpeg = TextField(image.get(), VIPS_META_LOADER) == "jpegload";
+    int isInScans = 0;
+    header.isInScans = vips_image_get_typeof(image.get(), "jpeg-multiscan") != 0 &&
+                       vips_image_get_int(image.get(), "jpeg-multiscan", &isInScans) == 0 && isInScans != 0;
+    header.intent = IntentOf(image.get());
+    const VipsInterpretation interpretation = vips_image_get_interpretation(image.get());
+    header.comesFirst = interpretation == VIPS_INTERPRETATION_CMYK ||
+                        interpretation == VIPS_INTERPRETATION_RGB16 ||
+                        interpretation == VIPS_INTERPRETATION_GREY16;
+    header.isAdobeRgb = !header.intent && interpretation != VIPS_INTERPRETATION_CMYK &&
+                        vips_image_get_bands(image.get()) >= 3 &&
                         IsAdobeRgb(static_cast<long>(NumberOf(TextField(image.get(), "exif-ifd2-ColorSpace"))),
                                    TextField(image.get(), "exif-ifd4-InteroperabilityIndex"));
     return header;
@@ -285,7 +317,69 @@ int EdgeFor(UINT longEdge)
     return longEdge == 0 || longEdge > VIPS_MAX_COORD ? VIPS_MAX_COORD : static_cast<int>(longEdge);
 }
 
-DecodedPicture DecodePlain(const std::filesystem::path &file, UINT longEdge, const std::atomic<bool> *stop)
+Image Reduced(Image image, UINT longEdge, const std::atomic<bool> *stop)
+{
+    const int edge = EdgeFor(longEdge);
+    Follow(image, stop, [&](VipsImage *in, VipsImage **out) {
+        return vips_thumbnail_image(in, out, edge, "height", edge, "size", VIPS_SIZE_DOWN, nullptr);
+    });
+    return image;
+}
+
+// Without a profile that fits, the colours are sRGB already, or Finish converts them.
+Image ScaleAndConvert(const std::filesystem::path &file, UINT longEdge, const FileHeader &header,
+                      VipsFailOn failOn, const std::atomic<bool> *stop)
+{
+    const int edge = EdgeFor(longEdge);
+    VipsImage *scaled = nullptr;
+    const int result = header.intent ? vips_thumbnail(file.c_str(), &scaled, edge, "height", edge, "size",
+                                                      VIPS_SIZE_DOWN, "fail_on", failOn, "export_profile", "srgb",
+                                                      "intent", static_cast<VipsIntent>(*header.intent), nullptr)
+                                     : vips_thumbnail(file.c_str(), &scaled, edge, "height", edge, "size",
+                                                      VIPS_SIZE_DOWN, "fail_on", failOn, nullptr);
+    if (result != 0)
+    {
+        ThrowBroken(stop);
+    }
+    return Image(scaled);
+}
+
+// How much smaller the decoder of JPEG is to make the picture; the rest of the scaling needs twice the size.
+int DecoderShrink(const FileHeader &header, UINT longEdge)
+{
+    int shrink = 1;
+    while (longEdge != 0 && shrink < 8 && header.longEdge / (shrink * 2) >= longEdge * 2)
+    {
+        shrink *= 2;
+    }
+    return shrink;
+}
+
+Image ConvertAndScale(const std::filesystem::path &file, UINT longEdge, const FileHeader &header,
+                      VipsFailOn failOn, const std::atomic<bool> *stop)
+{
+    Image image(header.isJpeg
+                    ? vips_image_new_from_file(file.c_str(), "access", VIPS_ACCESS_SEQUENTIAL, "fail_on", failOn,
+                                               "shrink", DecoderShrink(header, longEdge), nullptr)
+                    : vips_image_new_from_file(file.c_str(), "access", VIPS_ACCESS_SEQUENTIAL, "fail_on", failOn,
+                                               nullptr));
+    if (!image)
+    {
+        ThrowBroken(stop);
+    }
+    Follow(image, stop, [&](VipsImage *in, VipsImage **out) {
+        return vips_icc_transform(in, out, "srgb", "embedded", TRUE, "depth", 8, "intent",
+                                  static_cast<VipsIntent>(*header.intent), nullptr);
+    });
+    return Reduced(std::move(image), longEdge, stop);
+}
+
+// Of a picture in several scans the decoder holds all coefficients, two bytes for each sample: two such pictures at
+// a time would take twice that.
+std::mutex ScansLock;
+
+DecodedPicture DecodePlain(const std::filesystem::path &file, UINT longEdge, VipsFailOn failOn,
+                           const std::atomic<bool> *stop)
 {
     if (vips_foreign_find_load(file.c_str()) == nullptr)
     {
@@ -293,39 +387,38 @@ DecodedPicture DecodePlain(const std::filesystem::path &file, UINT longEdge, con
         throw DecodingError(WINCODEC_ERR_UNKNOWNIMAGEFORMAT, "is of no kind of picture that is known here");
     }
     const FileHeader header = ReadHeader(file);
-    VipsImage *scaled = nullptr;
-    const int edge = EdgeFor(longEdge);
-    // Without a profile the colours are sRGB already, or Finish converts them; a conversion by profiles would
-    // change them. If an embedded profile can't be used, the library takes the one named here.
-    int result = 0;
-    if (!header.hasProfile)
+    std::unique_lock oneAtATime(ScansLock, std::defer_lock);
+    if (header.isInScans)
     {
-        result = vips_thumbnail(file.c_str(), &scaled, edge, "height", edge, "size", VIPS_SIZE_DOWN, "fail_on",
-                                VIPS_FAIL_ON_TRUNCATED, nullptr);
+        oneAtATime.lock();
     }
-    else if (header.ownProfile != nullptr)
-    {
-        result = vips_thumbnail(file.c_str(), &scaled, edge, "height", edge, "size", VIPS_SIZE_DOWN, "fail_on",
-                                VIPS_FAIL_ON_TRUNCATED, "export_profile", "srgb", "import_profile",
-                                header.ownProfile, nullptr);
-    }
-    else
-    {
-        result = vips_thumbnail(file.c_str(), &scaled, edge, "height", edge, "size", VIPS_SIZE_DOWN, "fail_on",
-                                VIPS_FAIL_ON_TRUNCATED, "export_profile", "srgb", nullptr);
-    }
-    if (result != 0)
-    {
-        ThrowBroken(stop);
-    }
-    Image image(scaled);
+    Image scaled = header.intent && header.comesFirst ? ConvertAndScale(file, longEdge, header, failOn, stop)
+                                                      : ScaleAndConvert(file, longEdge, header, failOn, stop);
     if (header.isAdobeRgb)
     {
-        ConvertFromAdobeRgb(image, stop);
+        ConvertFromAdobeRgb(scaled, stop);
     }
-    DecodedPicture picture = Finish(std::move(image), stop);
+    DecodedPicture picture = Finish(std::move(scaled), stop);
     picture.dpiX = header.dpiX;
     picture.dpiY = header.dpiY;
+    return picture;
+}
+
+// The check costs a fraction of the decoding, and runs beside it.
+DecodedPicture DecodeJpeg(const std::filesystem::path &file, UINT longEdge, const std::atomic<bool> *stop)
+{
+    auto check = std::async(std::launch::async, SurveyFile, file, stop);
+    DecodedPicture picture = DecodePlain(file, longEdge, VIPS_FAIL_ON_NONE, stop);
+    const PictureSurvey survey = check.get();
+    switch (survey.state)
+    {
+    case PictureState::Whole:
+        break;
+    case PictureState::Damaged:
+        throw DecodingError(WINCODEC_ERR_BADIMAGE, "is damaged or was cut short: " + survey.damage);
+    case PictureState::Unknown:
+        return DecodePlain(file, longEdge, VIPS_FAIL_ON_WARNING, stop);
+    }
     return picture;
 }
 
@@ -339,11 +432,7 @@ DecodedPicture Scale(DecodedPicture developed, UINT longEdge, const std::atomic<
         ThrowBroken(stop);
     }
     image->Type = VIPS_INTERPRETATION_sRGB;
-    const int edge = EdgeFor(longEdge);
-    Follow(image, stop, [&](VipsImage *in, VipsImage **out) {
-        return vips_thumbnail_image(in, out, edge, "height", edge, "size", VIPS_SIZE_DOWN, nullptr);
-    });
-    return Finish(std::move(image), stop);
+    return Finish(Reduced(std::move(image), longEdge, stop), stop);
 }
 } // namespace
 
@@ -355,9 +444,14 @@ DecodedPicture DecodePicture(const std::filesystem::path &file, UINT longEdge, c
     {
         ~EndOfThread() { vips_thread_shutdown(); }
     } endOfThread;
-    if (!IsPlainKind(FirstBytes(file)) && IsRawExtension(ExtensionOf(file)))
+    const std::string start = FirstBytes(file);
+    if (start.starts_with("\xFF\xD8"sv))
+    {
+        return DecodeJpeg(file, longEdge, stop);
+    }
+    if (!IsPlainKind(start) && IsRawExtension(ExtensionOf(file)))
     {
         return Scale(DevelopRaw(file, longEdge, stop), longEdge, stop);
     }
-    return DecodePlain(file, longEdge, stop);
+    return DecodePlain(file, longEdge, VIPS_FAIL_ON_TRUNCATED, stop);
 }

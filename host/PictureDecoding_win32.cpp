@@ -3,6 +3,7 @@
 #include "host/Apartment_win32.h"
 #include "host/FrameMetadata.h"
 #include "host/FrameOrientation_win32.h"
+#include "host/PictureCheck.h"
 #include "host/SystemWords.h"
 #include "host/WholeFile.h"
 
@@ -13,6 +14,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
+#include <future>
+#include <iterator>
 #include <optional>
 
 namespace
@@ -97,15 +101,36 @@ public:
         ComPtr<IWICBitmapDecoder> decoder;
         Check(m_factory->CreateDecoderFromFilename(file.c_str(), nullptr, GENERIC_READ,
                                                    WICDecodeMetadataCacheOnDemand, decoder.Put()));
+        return ReadFrame(*decoder.Get());
+    }
+
+    // For decoders that wait for the end of image, though all pixels are there.
+    DecodedPicture ReadWithEnd(const std::filesystem::path &file)
+    {
+        std::ifstream content(file, std::ios::binary);
+        std::vector<char> bytes(std::istreambuf_iterator<char>(content), {});
+        bytes.insert(bytes.end(), {'\xFF', '\xD9'});
+        ComPtr<IWICStream> stream;
+        Check(m_factory->CreateStream(stream.Put()));
+        Check(stream->InitializeFromMemory(reinterpret_cast<BYTE *>(bytes.data()),
+                                           static_cast<DWORD>(bytes.size())));
+        ComPtr<IWICBitmapDecoder> decoder;
+        Check(m_factory->CreateDecoderFromStream(stream.Get(), nullptr, WICDecodeMetadataCacheOnDemand,
+                                                 decoder.Put()));
+        return ReadFrame(*decoder.Get());
+    }
+
+private:
+    DecodedPicture ReadFrame(IWICBitmapDecoder &decoder)
+    {
         ComPtr<IWICBitmapFrameDecode> frame;
-        Check(decoder->GetFrame(0, frame.Put()));
+        Check(decoder.GetFrame(0, frame.Put()));
         SizeOf(frame.Get());
         DecodedPicture picture = InScreenColours(frame);
         frame->GetResolution(&picture.dpiX, &picture.dpiY);
         return Upright(std::move(picture), OrientationOfFrame(*frame.Get()));
     }
 
-private:
     // By the frame's profile if it has one that can be used.
     DecodedPicture InScreenColours(const ComPtr<IWICBitmapFrameDecode> &frame)
     {
@@ -261,5 +286,27 @@ DecodedPicture DecodePicture(const std::filesystem::path &file, UINT longEdge, c
                             "can't be read: " + FileErrorWords(fault));
     }
     const Apartment apartment;
-    return PictureReading(longEdge, stop).Read(file);
+    // The check costs a fraction of the decoding, and runs beside it.
+    auto check = std::async(std::launch::async, SurveyFile, file, stop);
+    PictureReading reading(longEdge, stop);
+    DecodedPicture picture;
+    try
+    {
+        picture = reading.Read(file);
+    }
+    catch (const DecodingError &)
+    {
+        const PictureSurvey survey = check.get();
+        if (survey.state != PictureState::Whole || survey.hasEnd)
+        {
+            throw;
+        }
+        return reading.ReadWithEnd(file);
+    }
+    const PictureSurvey survey = check.get();
+    if (survey.state == PictureState::Damaged)
+    {
+        throw DecodingError(WINCODEC_ERR_BADIMAGE, "is damaged or was cut short: " + survey.damage);
+    }
+    return picture;
 }

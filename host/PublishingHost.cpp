@@ -3,6 +3,7 @@
 #include "host/FileNames.h"
 #include "host/ImageMetadata.h"
 #include "host/MetadataWriting.h"
+#include "host/PictureCheck.h"
 #include "host/PictureSource.h"
 #include "host/RunAdvice.h"
 #include "host/TextEncodings.h"
@@ -157,6 +158,13 @@ STDMETHODIMP PublishingHost::ReadImageMetadata(LPCWSTR path, INT32, INT32 longEd
             Tell(LOG_LEVEL_WARNING,
                  "This system's imaging component can't read the metadata of JPEG files: texts in "
                  "them aren't used, and pictures are taken as they lie.");
+        }
+        if (LacksItsEndAlone(file))
+        {
+            Tell(LOG_LEVEL_WARNING, ShownPath(file) +
+                                        " lacks the marker that ends a JPEG file, as if its last bytes "
+                                        "were lost. All of its pixels are there, so it is published, "
+                                        "with the marker.");
         }
         ImageTexts texts;
         const auto groups = std::make_shared<MetadataSnapshot>();

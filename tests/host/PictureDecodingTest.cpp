@@ -1,3 +1,4 @@
+#include "tests/host/DamagedBytes.h"
 #include "tests/host/PictureDecodingFixture.h"
 
 #include <gmock/gmock.h>
@@ -90,6 +91,21 @@ TEST_F(PictureDecoding, WhatIsNoPictureFailsWithCodeAndWords)
         EXPECT_EQ(code, each.code) << each.file << ": " << words;
         EXPECT_THAT(words, HasSubstr(each.words)) << each.file;
     }
+}
+
+TEST_F(PictureDecoding, DamageIsToldWhereverItIs)
+{
+    Sample("whole.jpg", 400, 300);
+    const std::string whole = m_folder.Read("whole.jpg");
+    for (size_t place = 0; place < 10; ++place)
+    {
+        const auto [code, words] = FailureOf(m_folder.Write("damaged.jpg", DamagedAt(whole, place)));
+        EXPECT_EQ(code, WINCODEC_ERR_BADIMAGE) << place;
+        EXPECT_THAT(words, HasSubstr("is damaged")) << place;
+    }
+    // All pixels are there.
+    ExpectQuarters(DecodePicture(m_folder.Write("endless.jpg", whole.substr(0, whole.size() - 2)), 0, nullptr),
+                   {Red, Green, Blue, White}, 40);
 }
 
 TEST_F(PictureDecoding, AThreadWithoutComMayDecode)

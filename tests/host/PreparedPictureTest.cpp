@@ -88,7 +88,7 @@ TEST_F(PreparedPicture, IsAPictureOfTheWantedSizeWithoutTheGroupsThatAreOff)
     EXPECT_EQ(m_warnings.size(), UnderWine ? 2u : 0u);
 }
 
-TEST_F(PreparedPicture, ADamagedSourceFailsInWords)
+TEST_F(PreparedPicture, WhatIsWrongWithASourceIsSaid)
 {
     m_folder.Write("text.jpg", "no picture");
     UploadOptions options;
@@ -96,4 +96,15 @@ TEST_F(PreparedPicture, ADamagedSourceFailsInWords)
     EXPECT_THROW(Prepare(options, "text.jpg"), HresultError);
     ASSERT_FALSE(m_warnings.empty());
     EXPECT_THAT(m_warnings.back(), HasSubstr("text.jpg is of no kind of picture that is known here"));
+
+    // Wine's decoder doesn't take it with its pixels intact.
+    const std::string whole = m_folder.Read("source.jpg");
+    m_folder.Write("endless.jpg", whole.substr(0, whole.size() - 2));
+    for (options.mode = UnderWine ? SendProcessed : SendPixelsIntact; options.mode <= SendProcessed;
+         ++options.mode)
+    {
+        m_warnings.clear();
+        EXPECT_TRUE(Prepare(options, "endless.jpg").ends_with("\xFF\xD9"));
+        EXPECT_THAT(m_warnings, testing::Contains(HasSubstr("endless.jpg lacks the marker that ends")));
+    }
 }

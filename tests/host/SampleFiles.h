@@ -19,12 +19,13 @@ struct Rgb
 
 struct PictureOptions
 {
-    std::string saver;          // options behind the file's name, as "[Q=95]"
-    int orientation = 0;        // 0 for none
-    double dpi = 0;             // 0 for none
-    std::string profile;        // a built-in profile's name or a file
-    std::string interpretation; // "cmyk", "rgb16", "b-w" convert; empty leaves sRGB
-    bool alpha = false;         // an alpha channel, 0 everywhere
+    std::string saver;   // options behind the file's name, as "[Q=95]"
+    int orientation = 0; // 0 for none
+    double dpi = 0;      // 0 for none
+    std::string profile; // a built-in profile's name or a file
+    std::string
+        interpretation; // "cmyk", "rgb16", "b-w" convert; "ink" takes a colour's complement; empty leaves sRGB
+    bool alpha = false; // an alpha channel, 0 everywhere
 };
 
 // Four quarters: red, green above, blue, white below.
@@ -33,5 +34,20 @@ void MakeSample(const std::filesystem::path &file, int width, int height, const 
 // Red and green pages one behind the other.
 void MakeAnimation(const std::filesystem::path &file);
 
-// A profile of sRGB's primaries with red and green exchanged.
-std::filesystem::path MakeExchangedProfile(const std::filesystem::path &folder);
+// One row of grays in 16 bits, from black up by steps of 1.
+void MakeRamp(const std::filesystem::path &file, int width, const std::string &profile);
+
+// Six numbers: x and y of red, green and blue.
+void SaveRgbProfile(const double (&primaries)[6], double gamma, const std::string &file);
+
+// Profiles that nobody would take for another: of sRGB's primaries with red and green exchanged and with a linear
+// scale, of gray, and of ink with cyan and yellow exchanged, which knows the perceptual intent alone.
+struct SampleProfiles
+{
+    explicit SampleProfiles(const std::filesystem::path &folder);
+
+    std::string exchanged;
+    std::string linear;
+    std::string gray;
+    std::string ink;
+};

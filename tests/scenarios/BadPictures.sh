@@ -37,6 +37,8 @@ patched twelve.jpg $((frame + 1)) '\xc1\x00\x11\x0c'
 patched bomb.jpg $((frame + 5)) '\xff\xdc\xff\xdc'
 head -c $((size / 2)) good.jpg >truncated.jpg
 head -c $((frame + 4)) good.jpg >headonly.jpg
+head -c -2 good.jpg >endless.jpg
+patched spoiled.jpg $((size / 2)) '\x5a\xff\xc9\x17\xff\x80'
 { cat good.jpg; head -c 3000 /dev/zero; printf 'words behind the end'; } >trailing.jpg
 { head -c 2 good.jpg; printf '\xff\xff\xff'; tail -c +3 good.jpg; } >fill.jpg
 # A directory of a thousand entries, of which the segment holds none.
@@ -46,6 +48,7 @@ head -c $((frame + 4)) good.jpg >headonly.jpg
 : >empty.jpg
 cp "$work/plain.png" png.jpg
 cp good.jpg jpeg.png
+cp good.jpg jpeg.nef
 cp "$work/plain.tif" tiff.jpg
 head -c 33 "$work/plain.png" >cut-png.jpg
 
@@ -69,8 +72,11 @@ arithmetic.jpg   up                         up                         up
 cmyk.jpg         up                         up                         up
 fill.jpg         up                         up                         up
 trailing.jpg     up                         up                         up
+endless.jpg      up                         up                         up
+spoiled.jpg      up                         copy_the_file_again        copy_the_file_again
 exifcut.jpg      up                         up                         up
 jpeg.png         up                         up                         up
+jpeg.nef         up                         up                         up
 png.jpg          up                         not_what_it_appears_to_be  up
 tiff.jpg         not_what_it_appears_to_be  not_what_it_appears_to_be  up
 empty.jpg        copy_it_again              copy_it_again              copy_it_again

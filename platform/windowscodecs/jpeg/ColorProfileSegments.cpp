@@ -1,6 +1,6 @@
 // Colour profiles in the APP2 segments of a JPEG file. The only place that knows the colour management library.
 #include "com/Hresult.h"
-#include "platform/windowscodecs/jpeg/JpegMarkers.h"
+#include "jpegdata/JpegMarkers.h"
 #include "platform/windowscodecs/jpeg/MetadataBlocks.h"
 
 #include <algorithm>

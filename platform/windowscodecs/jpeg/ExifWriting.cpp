@@ -1,6 +1,6 @@
 #include "com/Hresult.h"
 #include "platform/windowscodecs/jpeg/ExifBlock.h"
-#include "platform/windowscodecs/jpeg/JpegMarkers.h"
+#include "jpegdata/JpegMarkers.h"
 
 #include <algorithm>
 #include <cstring>

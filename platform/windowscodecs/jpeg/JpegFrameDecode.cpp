@@ -1,5 +1,7 @@
 #include "platform/windowscodecs/jpeg/JpegFrameDecode.h"
 
+#include "com/Hresult.h"
+#include "jpegdata/PictureSurvey.h"
 #include "platform/windowscodecs/jpeg/BitmapFormats.h"
 #include "platform/windowscodecs/jpeg/MetadataBlockAccess.h"
 #include "platform/windowscodecs/jpeg/MetadataQueryObject.h"
@@ -10,9 +12,6 @@
 namespace
 {
 constexpr double DefaultDpi = 96;
-
-// Enough for 24 megapixels at 4:2:0 in several scans; larger ones are not worth their memory.
-constexpr ULONGLONG CheckedCoefficientBytes = 76 * 1024 * 1024;
 
 // By the header's density on one axis; the default where there is none.
 double JfifDpi(const JpegStructure &structure, WORD density) noexcept
@@ -141,9 +140,23 @@ void CJpegFrameDecode::CopyRows(const WICRect &part, UINT stride, BYTE *buffer)
     }
 }
 
-void CJpegFrameDecode::CheckPixels() const
+std::vector<ByteRange> CJpegFrameDecode::CheckPixels() const
 {
-    RowDecoder(m_stream, m_base).CheckAll(CheckedCoefficientBytes);
+    // Reads the header, which refuses what the survey doesn't look at.
+    RowDecoder rows(m_stream, m_base);
+    StreamBytes bytes = OpenBytes();
+    PictureSurvey survey = SurveyPicture([&](BYTE *to, size_t size) { return bytes.Read(to, size); }, nullptr);
+    switch (survey.state)
+    {
+    case PictureState::Damaged:
+        ThrowHresult(WINCODEC_ERR_BADIMAGE);
+    case PictureState::Unknown:
+        rows.CheckAll();
+        break;
+    case PictureState::Whole:
+        break;
+    }
+    return std::move(survey.unread);
 }
 
 HRESULT CJpegFrameDecode::GetMetadataQueryReader(IWICMetadataQueryReader **reader) noexcept

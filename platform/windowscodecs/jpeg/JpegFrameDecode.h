@@ -2,6 +2,7 @@
 #pragma once
 
 #include "com/ComObject.h"
+#include "jpegdata/CodedData.h"
 #include "platform/windowscodecs/jpeg/JpegStructure.h"
 #include "platform/windowscodecs/jpeg/MetadataBlocks.h"
 #include "platform/windowscodecs/jpeg/PixelCoding.h"
@@ -19,8 +20,9 @@ struct IJpegFrameSource : public IUnknown
     virtual const JpegStructure &Structure() const noexcept = 0;
     virtual StreamBytes OpenBytes() const = 0;
 
-    // Throws WINCODEC_ERR_BADIMAGE if the compressed data is damaged, and what RowDecoder throws.
-    virtual void CheckPixels() const = 0;
+    // What of the coded data belongs to no block, as ranges from where the picture begins. Throws
+    // WINCODEC_ERR_BADIMAGE if the picture isn't whole, and what RowDecoder throws.
+    virtual std::vector<ByteRange> CheckPixels() const = 0;
 
 protected:
     ~IJpegFrameSource() = default;
@@ -56,7 +58,7 @@ public:
 
     const JpegStructure &Structure() const noexcept override { return m_structure; }
     StreamBytes OpenBytes() const override { return StreamBytes(m_stream, m_base); }
-    void CheckPixels() const override;
+    std::vector<ByteRange> CheckPixels() const override;
 
 private:
     PixelLayout Layout() const noexcept;

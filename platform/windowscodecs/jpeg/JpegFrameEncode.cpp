@@ -1,7 +1,7 @@
 #include "platform/windowscodecs/jpeg/JpegFrameEncode.h"
 
 #include "platform/windowscodecs/jpeg/BitmapFormats.h"
-#include "platform/windowscodecs/jpeg/JpegMarkers.h"
+#include "jpegdata/JpegMarkers.h"
 #include "platform/windowscodecs/jpeg/MetadataBlockAccess.h"
 #include "platform/windowscodecs/jpeg/MetadataQueryObject.h"
 #include "platform/windowscodecs/jpeg/ScanCopy.h"
@@ -173,7 +173,7 @@ std::vector<OutputSegment> CJpegFrameEncode::Head(bool allowsJfif)
 
 void CJpegFrameEncode::CopyIntact(const IJpegFrameSource &source)
 {
-    source.CheckPixels();
+    const std::vector<ByteRange> unread = source.CheckPixels();
     const JpegStructure &structure = source.Structure();
     std::vector<OutputSegment> head = Head(structure.AllowsJfif());
     if (structure.HasAdobe)
@@ -182,7 +182,7 @@ void CJpegFrameEncode::CopyIntact(const IJpegFrameSource &source)
     }
     StreamBytes bytes = source.OpenBytes();
     BeginPixels();
-    CopyScans(bytes, head, m_stream.Get());
+    CopyScans(bytes, head, unread, m_stream.Get());
     m_state = State::Complete;
 }
 

@@ -1,7 +1,7 @@
 #include "platform/windowscodecs/jpeg/JpegStructure.h"
 
 #include "com/Hresult.h"
-#include "platform/windowscodecs/jpeg/JpegMarkers.h"
+#include "jpegdata/JpegMarkers.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,7 +1,7 @@
 #include "platform/windowscodecs/jpeg/MetadataBlockAccess.h"
 
 #include "com/ComObject.h"
-#include "platform/windowscodecs/jpeg/JpegMarkers.h"
+#include "jpegdata/JpegMarkers.h"
 
 #include <cstring>
 

@@ -3,7 +3,7 @@
 #include "com/Hresult.h"
 #include "platform/kernel32/Utf8.h"
 #include "platform/windowscodecs/jpeg/ExifQueries.h"
-#include "platform/windowscodecs/jpeg/JpegMarkers.h"
+#include "jpegdata/JpegMarkers.h"
 #include "platform/windowscodecs/jpeg/PropertyValue.h"
 
 #include <wincodec.h>

@@ -1,6 +1,6 @@
 #include "platform/windowscodecs/jpeg/PictureOnly.h"
 
-#include "platform/windowscodecs/jpeg/JpegMarkers.h"
+#include "jpegdata/JpegMarkers.h"
 
 namespace
 {

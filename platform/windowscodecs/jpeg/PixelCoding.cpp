@@ -1,7 +1,7 @@
 #include "platform/windowscodecs/jpeg/PixelCoding.h"
 
 #include "com/Hresult.h"
-#include "platform/windowscodecs/jpeg/JpegMarkers.h"
+#include "jpegdata/JpegMarkers.h"
 
 #include <algorithm>
 #include <csetjmp>
@@ -33,6 +33,7 @@ struct ErrorTrap
     jmp_buf Home;
     HRESULT Code;
     bool Damaged;
+    bool CountsSpareBytes; // as damage
 };
 
 ErrorTrap *TrapOf(j_common_ptr common) noexcept
@@ -73,9 +74,11 @@ bool TellsDamage(int message) noexcept
 
 void NoteMessage(j_common_ptr common, int level)
 {
-    if (level < 0 && TellsDamage(common->err->msg_code))
+    ErrorTrap &trap = *TrapOf(common);
+    const int message = common->err->msg_code;
+    if (level < 0 && (TellsDamage(message) || (message == JWRN_EXTRANEOUS_DATA && trap.CountsSpareBytes)))
     {
-        TrapOf(common)->Damaged = true;
+        trap.Damaged = true;
     }
 }
 
@@ -89,6 +92,7 @@ void SetTrap(ErrorTrap &trap) noexcept
     trap.Manager.output_message = KeepSilent;
     trap.Code = S_OK;
     trap.Damaged = false;
+    trap.CountsSpareBytes = false;
 }
 
 // Runs a piece of work that calls the library; false if the library gave up.
@@ -183,17 +187,6 @@ void WatchScans(j_common_ptr common)
         TrapOf(common)->Code = WINCODEC_ERR_BADIMAGE;
         LeaveLibrary(common);
     }
-}
-
-ULONGLONG CoefficientBytes(const jpeg_decompress_struct &decoder) noexcept
-{
-    ULONGLONG blocks = 0;
-    for (int i = 0; i < decoder.num_components; ++i)
-    {
-        const jpeg_component_info &component = decoder.comp_info[i];
-        blocks += static_cast<ULONGLONG>(component.width_in_blocks) * component.height_in_blocks;
-    }
-    return blocks * DCTSIZE2 * sizeof(JCOEF);
 }
 
 void Invert(BYTE *row, size_t size) noexcept
@@ -292,14 +285,11 @@ void RowDecoder::ReadRow(BYTE *row)
     }
 }
 
-bool RowDecoder::CheckAll(ULONGLONG coefficientLimit)
+void RowDecoder::CheckAll()
 {
     State &state = *m_state;
     jpeg_decompress_struct &decoder = state.Decoder;
-    if (jpeg_has_multiple_scans(&decoder) && CoefficientBytes(decoder) > coefficientLimit)
-    {
-        return false;
-    }
+    state.Trap.CountsSpareBytes = true;
     Guard(state.Trap, [&decoder] {
         decoder.scale_num = 1;
         decoder.scale_denom = 8;
@@ -317,9 +307,12 @@ bool RowDecoder::CheckAll(ULONGLONG coefficientLimit)
         {
             jpeg_read_scanlines(&decoder, rows, 1);
         }
+        if (!state.Trap.Damaged)
+        {
+            jpeg_finish_decompress(&decoder);
+        }
     });
     state.ThrowIfDamaged();
-    return true;
 }
 
 namespace

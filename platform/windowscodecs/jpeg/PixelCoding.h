@@ -41,11 +41,9 @@ public:
     void SkipTo(UINT row);
     void ReadRow(BYTE *row);
 
-    // Decodes the whole picture at an eighth of its size and throws the result away, to learn whether
-    // the compressed data is whole. A picture in several scans is checked only while its coefficients
-    // take no more than coefficientLimit bytes; false is returned if it wasn't. Nothing else may be
-    // called after it.
-    bool CheckAll(ULONGLONG coefficientLimit);
+    // Decodes the whole picture at an eighth of its size and throws the result away, to learn whether the
+    // compressed data is whole and nothing else lies in it. Nothing else may be called after it.
+    void CheckAll();
 
 private:
     struct State;

@@ -1,10 +1,11 @@
 #include "platform/windowscodecs/jpeg/ScanCopy.h"
 
-#include "com/Hresult.h"
-#include "platform/windowscodecs/jpeg/JpegMarkers.h"
+#include "jpegdata/JpegMarkers.h"
 #include "platform/windowscodecs/jpeg/JpegStructure.h"
 
+#include <algorithm>
 #include <cstring>
+#include <span>
 
 namespace
 {
@@ -59,12 +60,23 @@ private:
 };
 
 // Copies entropy-coded data with its restart markers up to the next marker, and returns that one;
-// 0 at the end of the stream.
-BYTE CopyEntropyCoded(StreamBytes &source, Output &output)
+// 0 at the end of the stream. unread: what is left out from here on.
+BYTE CopyEntropyCoded(StreamBytes &source, std::span<const ByteRange> &unread, Output &output)
 {
     for (;;)
     {
-        const StreamBytes::Run run = source.Peek();
+        StreamBytes::Run run = source.Peek();
+        if (!unread.empty())
+        {
+            if (source.Position() == unread.front().begin)
+            {
+                source.Seek(unread.front().end);
+                unread = unread.subspan(1);
+                continue;
+            }
+            run.Size =
+                static_cast<size_t>(std::min<ULONGLONG>(run.Size, unread.front().begin - source.Position()));
+        }
         if (run.Size == 0)
         {
             return 0;
@@ -104,12 +116,14 @@ bool BelongsToPicture(BYTE marker) noexcept
 
 bool IsAlone(BYTE marker) noexcept
 {
-    return marker == MARKER_TEM || (marker >= MARKER_RST0 && marker <= MARKER_SOI);
+    return marker == MARKER_TEM || IsRestart(marker);
 }
 } // namespace
 
-void CopyScans(StreamBytes &source, const std::vector<OutputSegment> &head, IStream *target)
+void CopyScans(StreamBytes &source, const std::vector<OutputSegment> &head, const std::vector<ByteRange> &unread,
+               IStream *target)
 {
+    std::span<const ByteRange> unreadFromHere(unread);
     Output output(target);
     output.Put(0xFF);
     output.Put(MARKER_SOI);
@@ -119,12 +133,9 @@ void CopyScans(StreamBytes &source, const std::vector<OutputSegment> &head, IStr
     }
     source.Seek(2);
     BYTE marker = NextMarker(source);
-    while (marker != MARKER_EOI)
+    // The start of another picture or the end of the file are an end too.
+    while (marker != MARKER_EOI && marker != MARKER_SOI && marker != 0)
     {
-        if (marker == 0)
-        {
-            ThrowHresult(WINCODEC_ERR_BADIMAGE);
-        }
         if (IsAlone(marker))
         {
             marker = NextMarker(source);
@@ -137,7 +148,7 @@ void CopyScans(StreamBytes &source, const std::vector<OutputSegment> &head, IStr
             output.PutSegment(marker, ReadSegment(source, place));
         }
         source.Seek(place.Offset + place.Length);
-        marker = marker == MARKER_SOS ? CopyEntropyCoded(source, output) : NextMarker(source);
+        marker = marker == MARKER_SOS ? CopyEntropyCoded(source, unreadFromHere, output) : NextMarker(source);
     }
     output.Put(0xFF);
     output.Put(MARKER_EOI);

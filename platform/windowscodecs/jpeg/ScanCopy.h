@@ -12,12 +12,15 @@
 // the picture.
 #pragma once
 
+#include "jpegdata/CodedData.h"
 #include "platform/windowscodecs/jpeg/PixelCoding.h"
 #include "platform/windowscodecs/jpeg/StreamBytes.h"
 
 #include <vector>
 
-// Writes a file of head and of the picture in source. Nothing else of source is copied: no application
-// segment, no comment, no stray byte between segments, nothing behind the end of image. Throws WINCODEC_ERR_BADIMAGE if source ends before its end of image, and what the streams
+// Writes a file of head and of the picture in source, which must be whole. Nothing else of source is copied: no
+// application segment, no comment, no stray byte between segments, nothing of the ranges in unread, which lie in
+// its coded data, nothing behind the end of image; an end of image that is missing is added. Throws what the streams
 // answer.
-void CopyScans(StreamBytes &source, const std::vector<OutputSegment> &head, IStream *target);
+void CopyScans(StreamBytes &source, const std::vector<OutputSegment> &head, const std::vector<ByteRange> &unread,
+               IStream *target);

@@ -1,7 +1,7 @@
 #include "platform/windowscodecs/jpeg/XmpBlock.h"
 
 #include "com/Hresult.h"
-#include "platform/windowscodecs/jpeg/JpegMarkers.h"
+#include "jpegdata/JpegMarkers.h"
 #include "platform/windowscodecs/jpeg/JpegStructure.h"
 #include "platform/windowscodecs/jpeg/XmpProperties.h"
 

@@ -42,6 +42,11 @@ inline bool IsFrameHeader(BYTE marker) noexcept
     return marker >= 0xC0 && marker <= 0xCF && marker != MARKER_DHT && marker != 0xC8 && marker != MARKER_DAC;
 }
 
+inline bool IsRestart(BYTE marker) noexcept
+{
+    return marker >= MARKER_RST0 && marker <= MARKER_RST7;
+}
+
 inline bool IsApplication(BYTE marker) noexcept
 {
     return marker >= MARKER_APP0 && marker <= MARKER_APP15;
