@@ -94,11 +94,12 @@ std::string FirstBytes(const std::filesystem::path &file)
     return std::string(bytes, static_cast<size_t>(content.gcount()));
 }
 
-// Kinds beside JPEG that no camera raw file begins with. Many raw files are TIFF outside, and a reader of TIFF finds
+// Kinds that no camera raw file begins with. Many raw files are TIFF outside, and a reader of TIFF finds
 // their thumbnails only, so the extension decides there.
 bool IsPlainKind(std::string_view start)
 {
-    return start.starts_with("\x89PNG"sv) || start.starts_with("GIF8"sv) || start.starts_with("RIFF"sv);
+    return start.starts_with("\xFF\xD8"sv) || start.starts_with("\x89PNG"sv) || start.starts_with("GIF8"sv) ||
+           start.starts_with("RIFF"sv);
 }
 
 struct FileHeader
@@ -111,8 +112,9 @@ struct FileHeader
     // Of the file's profile, if its colours can be converted by it.
     std::optional<ProfileIntent> intent;
     // The library converts ink by a profile of its own, and cuts sixteen bits to eight, before it looks at the
-    // file's profile. For such pictures the profile must come first.
-    bool comesFirst = false;
+    // file's profile; and WebP's decoder scales with a poor filter. Such pictures are loaded, then converted, then
+    // scaled.
+    bool goesByStep = false;
     bool isAdobeRgb = false; // by EXIF, of a file without a profile that fits
 };
 
@@ -200,15 +202,17 @@ FileHeader ReadHeader(const std::filesystem::path &file)
         std::swap(header.dpiX, header.dpiY);
     }
     header.longEdge = static_cast<UINT>(std::max(width, height));
-    header.isJpeg = TextField(image.get(), VIPS_META_LOADER) == "jpegload";
+    const std::string_view loader = TextField(image.get(), VIPS_META_LOADER);
+    header.isJpeg = loader == "jpegload";
     int isInScans = 0;
     header.isInScans = vips_image_get_typeof(image.get(), "jpeg-multiscan") != 0 &&
                        vips_image_get_int(image.get(), "jpeg-multiscan", &isInScans) == 0 && isInScans != 0;
     header.intent = IntentOf(image.get());
     const VipsInterpretation interpretation = vips_image_get_interpretation(image.get());
-    header.comesFirst = interpretation == VIPS_INTERPRETATION_CMYK ||
-                        interpretation == VIPS_INTERPRETATION_RGB16 ||
-                        interpretation == VIPS_INTERPRETATION_GREY16;
+    header.goesByStep = (header.intent && (interpretation == VIPS_INTERPRETATION_CMYK ||
+                                           interpretation == VIPS_INTERPRETATION_RGB16 ||
+                                           interpretation == VIPS_INTERPRETATION_GREY16)) ||
+                        loader.starts_with("webpload");
     header.isAdobeRgb = !header.intent && interpretation != VIPS_INTERPRETATION_CMYK &&
                         vips_image_get_bands(image.get()) >= 3 &&
                         IsAdobeRgb(static_cast<long>(NumberOf(TextField(image.get(), "exif-ifd2-ColorSpace"))),
@@ -367,10 +371,13 @@ Image ConvertAndScale(const std::filesystem::path &file, UINT longEdge, const Fi
     {
         ThrowBroken(stop);
     }
-    Follow(image, stop, [&](VipsImage *in, VipsImage **out) {
-        return vips_icc_transform(in, out, "srgb", "embedded", TRUE, "depth", 8, "intent",
-                                  static_cast<VipsIntent>(*header.intent), nullptr);
-    });
+    if (header.intent)
+    {
+        Follow(image, stop, [&](VipsImage *in, VipsImage **out) {
+            return vips_icc_transform(in, out, "srgb", "embedded", TRUE, "depth", 8, "intent",
+                                      static_cast<VipsIntent>(*header.intent), nullptr);
+        });
+    }
     return Reduced(std::move(image), longEdge, stop);
 }
 
@@ -378,22 +385,16 @@ Image ConvertAndScale(const std::filesystem::path &file, UINT longEdge, const Fi
 // a time would take twice that.
 std::mutex ScansLock;
 
-DecodedPicture DecodePlain(const std::filesystem::path &file, UINT longEdge, VipsFailOn failOn,
-                           const std::atomic<bool> *stop)
+DecodedPicture DecodePlain(const std::filesystem::path &file, UINT longEdge, const FileHeader &header,
+                           VipsFailOn failOn, const std::atomic<bool> *stop)
 {
-    if (vips_foreign_find_load(file.c_str()) == nullptr)
-    {
-        vips_error_clear();
-        throw DecodingError(WINCODEC_ERR_UNKNOWNIMAGEFORMAT, "is of no kind of picture that is known here");
-    }
-    const FileHeader header = ReadHeader(file);
     std::unique_lock oneAtATime(ScansLock, std::defer_lock);
     if (header.isInScans)
     {
         oneAtATime.lock();
     }
-    Image scaled = header.intent && header.comesFirst ? ConvertAndScale(file, longEdge, header, failOn, stop)
-                                                      : ScaleAndConvert(file, longEdge, header, failOn, stop);
+    Image scaled = header.goesByStep ? ConvertAndScale(file, longEdge, header, failOn, stop)
+                                     : ScaleAndConvert(file, longEdge, header, failOn, stop);
     if (header.isAdobeRgb)
     {
         ConvertFromAdobeRgb(scaled, stop);
@@ -404,22 +405,69 @@ DecodedPicture DecodePlain(const std::filesystem::path &file, UINT longEdge, Vip
     return picture;
 }
 
-// The check costs a fraction of the decoding, and runs beside it.
-DecodedPicture DecodeJpeg(const std::filesystem::path &file, UINT longEdge, const std::atomic<bool> *stop)
+[[noreturn]] void ThrowDamaged(const PictureSurvey &survey)
+{
+    throw DecodingError(WINCODEC_ERR_BADIMAGE, "is damaged or was cut short: " + survey.damage);
+}
+
+// The decoder has read all scans before it gives the first row, and warns of what is wrong. It also warns of what is
+// odd and does no harm, so the check says whether it is damage.
+DecodedPicture DecodeScans(const std::filesystem::path &file, UINT longEdge, const FileHeader &header,
+                           const std::atomic<bool> *stop)
+{
+    try
+    {
+        return DecodePlain(file, longEdge, header, VIPS_FAIL_ON_WARNING, stop);
+    }
+    catch (const DecodingError &error)
+    {
+        const PictureSurvey survey = SurveyFile(file, stop);
+        if (survey.state == PictureState::Damaged)
+        {
+            ThrowDamaged(survey);
+        }
+        if (error.Code() != WINCODEC_ERR_BADIMAGE || survey.state != PictureState::Whole)
+        {
+            throw;
+        }
+    }
+    return DecodePlain(file, longEdge, header, VIPS_FAIL_ON_NONE, stop);
+}
+
+// The decoder doesn't look at what is behind the last row, where damage before it shows. The check costs a fraction of
+// the decoding, and runs beside it.
+DecodedPicture DecodeOneScan(const std::filesystem::path &file, UINT longEdge, const FileHeader &header,
+                             const std::atomic<bool> *stop)
 {
     auto check = std::async(std::launch::async, SurveyFile, file, stop);
-    DecodedPicture picture = DecodePlain(file, longEdge, VIPS_FAIL_ON_NONE, stop);
+    DecodedPicture picture = DecodePlain(file, longEdge, header, VIPS_FAIL_ON_NONE, stop);
     const PictureSurvey survey = check.get();
     switch (survey.state)
     {
     case PictureState::Whole:
         break;
     case PictureState::Damaged:
-        throw DecodingError(WINCODEC_ERR_BADIMAGE, "is damaged or was cut short: " + survey.damage);
+        ThrowDamaged(survey);
     case PictureState::Unknown:
-        return DecodePlain(file, longEdge, VIPS_FAIL_ON_WARNING, stop);
+        return DecodePlain(file, longEdge, header, VIPS_FAIL_ON_WARNING, stop);
     }
     return picture;
+}
+
+DecodedPicture DecodeFile(const std::filesystem::path &file, UINT longEdge, const std::atomic<bool> *stop)
+{
+    if (vips_foreign_find_load(file.c_str()) == nullptr)
+    {
+        vips_error_clear();
+        throw DecodingError(WINCODEC_ERR_UNKNOWNIMAGEFORMAT, "is of no kind of picture that is known here");
+    }
+    const FileHeader header = ReadHeader(file);
+    if (!header.isJpeg)
+    {
+        return DecodePlain(file, longEdge, header, VIPS_FAIL_ON_TRUNCATED, stop);
+    }
+    return header.isInScans ? DecodeScans(file, longEdge, header, stop)
+                            : DecodeOneScan(file, longEdge, header, stop);
 }
 
 DecodedPicture Scale(DecodedPicture developed, UINT longEdge, const std::atomic<bool> *stop)
@@ -444,14 +492,9 @@ DecodedPicture DecodePicture(const std::filesystem::path &file, UINT longEdge, c
     {
         ~EndOfThread() { vips_thread_shutdown(); }
     } endOfThread;
-    const std::string start = FirstBytes(file);
-    if (start.starts_with("\xFF\xD8"sv))
-    {
-        return DecodeJpeg(file, longEdge, stop);
-    }
-    if (!IsPlainKind(start) && IsRawExtension(ExtensionOf(file)))
+    if (!IsPlainKind(FirstBytes(file)) && IsRawExtension(ExtensionOf(file)))
     {
         return Scale(DevelopRaw(file, longEdge, stop), longEdge, stop);
     }
-    return DecodePlain(file, longEdge, VIPS_FAIL_ON_TRUNCATED, stop);
+    return DecodeFile(file, longEdge, stop);
 }

@@ -156,50 +156,44 @@ void ReadAcBlock(CodedData &data, const HuffmanTable &ac, const ScanRange &range
 // T.81, G.1.2.3: a bit for each coefficient that wasn't zero before, behind the code that passes over it.
 void RefineAcBlock(CodedData &data, const HuffmanTable &ac, const ScanRange &range, UINT &run, NonZero &block)
 {
+    const NonZero band = ~NonZero{0} >> (BlockEnd - 1 - range.last) & ~NonZero{0} << range.first;
+    NonZero before = block & band; // those that no code passed over yet
+    NonZero zeros = ~block & band;
+    if (run > 0 && before == 0)
+    {
+        --run;
+        return;
+    }
     CodedData::Window window = data.Bits();
-    const NonZero before = block;
-    int k = range.first;
-    for (; run == 0 && k <= range.last; ++k)
+    while (run == 0 && (before | zeros) != 0)
     {
         const HuffmanTable::Code code = TakeCode(data, window, ac);
-        int zeros = code.symbol >> 4;
         const int bits = code.symbol & 15;
-        if (bits == 0 && zeros != 15)
+        if (bits == 0 && code.symbol >> 4 != 15)
         {
-            run = TakeRun(window, zeros);
+            run = TakeRun(window, code.symbol >> 4);
             break;
         }
-        if (bits > 1)
+        window.Take(bits);
+        for (int passed = code.symbol >> 4; passed > 0; --passed)
+        {
+            zeros &= zeros - 1;
+        }
+        // The zero that the code tells of, and all in front of it.
+        const NonZero told = zeros & (~zeros + 1);
+        const NonZero through = told != 0 ? told | (told - 1) : ~NonZero{0};
+        TakeBits(data, window, std::popcount(before & through));
+        before &= ~through;
+        zeros &= ~through;
+        if (bits > 1 || (bits != 0 && told == 0))
         {
             ThrowMeaningless();
         }
-        window.Take(bits);
-        int refined = 0;
-        for (; k <= range.last; ++k)
-        {
-            if ((before >> k & 1) != 0)
-            {
-                ++refined;
-            }
-            else if (--zeros < 0)
-            {
-                break;
-            }
-        }
-        TakeBits(data, window, refined);
-        if (bits != 0)
-        {
-            if (k > range.last)
-            {
-                ThrowMeaningless();
-            }
-            block |= NonZero{1} << k;
-        }
+        block |= bits != 0 ? told : 0;
     }
     if (run > 0)
     {
-        const NonZero rest = k < BlockEnd ? before >> k << k & ~NonZero{0} >> (BlockEnd - 1 - range.last) : 0;
-        TakeBits(data, window, std::popcount(rest));
+        TakeBits(data, window, std::popcount(before));
         --run;
     }
     PutBack(data, window);
