@@ -1,4 +1,4 @@
-#include "ui/WindowImpl.h"
+#include "ui/WindowImpl_win32.h"
 
 #include <gmock/gmock.h>
 
