@@ -36,7 +36,7 @@ if(HALVORA_NATIVE)
   # with the system's loader.
   set(folder lib/halvora/modules)
   set(programs halvora flickr-loopback)
-  set(modules publisher web_components atl msxml windowscodecs platform winhttp)
+  set(modules publisher web_components msxml windowscodecs platform winhttp)
   install(TARGETS ${programs} RUNTIME DESTINATION bin)
   install(TARGETS ${modules} LIBRARY DESTINATION ${folder})
   set_target_properties(halvora PROPERTIES INSTALL_RPATH "$ORIGIN/../${folder}")

@@ -121,7 +121,7 @@ ExitCode RunPublishCommand(const CommandLine &line, const Profile &profile)
     {
         return ExitCode::SomeFailed;
     }
-    for (const std::string &problem : RegisterInstalledModules(ModuleFolders()).problems)
+    for (const std::string &problem : UseInstalledModules(ModuleFolders()))
     {
         display.Log(2, problem);
     }

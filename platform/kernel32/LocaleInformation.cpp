@@ -137,8 +137,3 @@ BOOL WINAPI IsValidLocale(LCID locale, DWORD)
 {
     return ConventionsOf(locale).has_value();
 }
-
-LCID WINAPI GetUserDefaultLCID()
-{
-    return UserConventions().windowsId;
-}

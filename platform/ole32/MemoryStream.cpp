@@ -1,62 +1,36 @@
-// Streams over global memory. A stream and its clones share memory and size, each has a position
-// of its own. The memory grows ahead of the size, so that small writes stay cheap.
-#include "com/HandleOwner.h"
+// Streams in memory. A stream and its clones share their bytes, each has a position of its own.
 #include "platform/ole32/StreamBase.h"
 
 #include <algorithm>
 #include <cstring>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 namespace
 {
-// GetHGlobalFromStream asks a stream for this interface to learn whether it is one of these.
-const IID MemoryStreamId = {0x6f2ad5b3, 0x1c0e, 0x4d0b, {0x9a, 0x0b, 0x52, 0x2d, 0x88, 0x31, 0x6e, 0x57}};
-
 struct SharedMemory
 {
-    SharedMemory(HGLOBAL handle, bool freeAtEnd) : memory(handle), size(GlobalSize(handle)), owned(freeAtEnd) {}
-    ~SharedMemory()
-    {
-        if (owned)
-        {
-            GlobalFree(memory);
-        }
-    }
-    SharedMemory(const SharedMemory &) = delete;
-    SharedMemory &operator=(const SharedMemory &) = delete;
-
-    // Makes room for the wanted number of bytes; new ones are zero.
-    bool Resize(ULONGLONG wanted)
+    // New bytes are zero. False if there is no memory for them.
+    bool Resize(ULONGLONG wanted) noexcept
     {
         if (wanted > 0xFFFFFFFF)
         {
             return false;
         }
-        const SIZE_T capacity = GlobalSize(memory);
-        if (wanted > capacity)
+        try
         {
-            const SIZE_T grown = std::max<SIZE_T>({static_cast<SIZE_T>(wanted), capacity + capacity / 2, 4096});
-            const HGLOBAL moved = GlobalReAlloc(memory, grown, GMEM_MOVEABLE);
-            if (moved == nullptr)
-            {
-                return false;
-            }
-            memory = moved;
+            bytes.resize(wanted);
+            return true;
         }
-        if (wanted > size)
+        catch (const std::bad_alloc &)
         {
-            const GlobalLockOwner locked(memory);
-            std::memset(static_cast<BYTE *>(GlobalLock(memory)) + size, 0, wanted - size);
+            return false;
         }
-        size = wanted;
-        return true;
     }
 
     std::mutex lock;
-    HGLOBAL memory;
-    ULONGLONG size;
-    bool owned;
+    std::vector<BYTE> bytes;
 };
 
 class MemoryStream final : public StreamBase<MemoryStream>
@@ -66,19 +40,6 @@ public:
         : m_shared(std::move(shared)), m_position(position)
     {
     }
-
-    HRESULT QueryFurther(REFIID iid, void **object) noexcept
-    {
-        if (iid != MemoryStreamId)
-        {
-            return E_NOINTERFACE;
-        }
-        *object = this;
-        AddRef();
-        return S_OK;
-    }
-
-    HGLOBAL Memory() const { return m_shared->memory; }
 
     // Like Windows' own, this stream answers S_OK at its end, with fewer bytes.
     STDMETHODIMP Read(void *bytes, ULONG wanted, ULONG *read) noexcept override
@@ -92,13 +53,10 @@ public:
             return STG_E_INVALIDPOINTER;
         }
         const std::lock_guard guard(m_shared->lock);
-        const ULONGLONG left = m_position < m_shared->size ? m_shared->size - m_position : 0;
+        const std::vector<BYTE> &held = m_shared->bytes;
+        const ULONGLONG left = m_position < held.size() ? held.size() - m_position : 0;
         const ULONG got = static_cast<ULONG>(std::min<ULONGLONG>(wanted, left));
-        if (got != 0)
-        {
-            const GlobalLockOwner locked(m_shared->memory);
-            std::memcpy(bytes, static_cast<BYTE *>(GlobalLock(m_shared->memory)) + m_position, got);
-        }
+        std::memcpy(bytes, held.data() + (got != 0 ? m_position : 0), got);
         m_position += got;
         if (read != nullptr)
         {
@@ -122,12 +80,11 @@ public:
             return S_OK;
         }
         const std::lock_guard guard(m_shared->lock);
-        if (m_position + count > m_shared->size && !m_shared->Resize(m_position + count))
+        if (m_position + count > m_shared->bytes.size() && !m_shared->Resize(m_position + count))
         {
             return STG_E_MEDIUMFULL;
         }
-        const GlobalLockOwner locked(m_shared->memory);
-        std::memcpy(static_cast<BYTE *>(GlobalLock(m_shared->memory)) + m_position, bytes, count);
+        std::memcpy(m_shared->bytes.data() + m_position, bytes, count);
         m_position += count;
         if (written != nullptr)
         {
@@ -139,7 +96,7 @@ public:
     STDMETHODIMP Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER *position) noexcept override
     {
         const std::lock_guard guard(m_shared->lock);
-        const bool valid = NewPosition(move, origin, m_position, m_shared->size, m_position);
+        const bool valid = NewPosition(move, origin, m_position, m_shared->bytes.size(), m_position);
         if (position != nullptr)
         {
             position->QuadPart = m_position;
@@ -162,7 +119,7 @@ public:
         *status = STATSTG{};
         status->type = STGTY_STREAM;
         const std::lock_guard guard(m_shared->lock);
-        status->cbSize.QuadPart = m_shared->size;
+        status->cbSize.QuadPart = m_shared->bytes.size();
         return S_OK;
     }
 
@@ -181,39 +138,16 @@ private:
 };
 } // namespace
 
-HRESULT WINAPI CreateStreamOnHGlobal(HGLOBAL memory, BOOL freeAtEnd, LPSTREAM *stream)
+// Only for a stream that makes its own memory.
+HRESULT WINAPI CreateStreamOnHGlobal(HGLOBAL memory, BOOL, LPSTREAM *stream)
 {
-    if (stream == nullptr)
+    if (stream == nullptr || memory != nullptr)
     {
         return E_INVALIDARG;
     }
     *stream = nullptr;
-    return AtBoundary([&]() -> HRESULT {
-        GlobalMemoryOwner fresh(memory ? nullptr : GlobalAlloc(GMEM_MOVEABLE, 0));
-        if (memory == nullptr && !fresh)
-        {
-            return E_OUTOFMEMORY;
-        }
-        auto shared = std::make_shared<SharedMemory>(memory ? memory : fresh.Get(), freeAtEnd != FALSE);
-        static_cast<void>(fresh.Detach());
+    return AtBoundary([&] {
         return MemoryStream::CreateInstance(nullptr, __uuidof(IStream), reinterpret_cast<void **>(stream),
-                                            std::move(shared), ULONGLONG{0});
+                                            std::make_shared<SharedMemory>(), ULONGLONG{0});
     });
-}
-
-HRESULT WINAPI GetHGlobalFromStream(LPSTREAM stream, HGLOBAL *memory)
-{
-    if (stream == nullptr || memory == nullptr)
-    {
-        return E_INVALIDARG;
-    }
-    *memory = nullptr;
-    void *found = nullptr;
-    if (FAILED(stream->QueryInterface(MemoryStreamId, &found)))
-    {
-        return E_INVALIDARG;
-    }
-    const auto own = ComPtr<MemoryStream>::Adopt(static_cast<MemoryStream *>(found));
-    *memory = own->Memory();
-    return S_OK;
 }

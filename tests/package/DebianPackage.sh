@@ -15,7 +15,6 @@ diff - "$work/content" <<'CONTENT' || fail 'other content than promised'
 -rwxr-xr-x root/root usr/bin/halvora
 -rw-r--r-- root/root usr/lib/halvora/modules/Halvora.Publishing.Plugin.Flickr.so
 -rw-r--r-- root/root usr/lib/halvora/modules/Halvora.WebComponents.so
--rw-r--r-- root/root usr/lib/halvora/modules/atl.so
 -rw-r--r-- root/root usr/lib/halvora/modules/libhalvora-platform.so
 -rw-r--r-- root/root usr/lib/halvora/modules/libhalvora-winhttp.so
 -rw-r--r-- root/root usr/lib/halvora/modules/msxml.so

@@ -16,7 +16,6 @@
 #include "tests/doubles/CallRecord.h"
 #include "tests/doubles/FakeWebComponents.h"
 #include "tests/doubles/SettingsKey.h"
-#include "tests/doubles/SystemModules.h"
 #include "tests/host/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -115,7 +114,6 @@ class PrivacyMatrix : public testing::Test
 protected:
     static void SetUpTestSuite()
     {
-        RegisterSystemModules();
         Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute); // the odd blocks are meant to be odd
     }
 

@@ -1,11 +1,10 @@
 #include "com/ComPtr.h"
-#include "com/HandleOwner.h"
 #include "com/WideText.h"
 
 #include <gmock/gmock.h>
 #include <shlwapi.h>
 
-#include <cstring>
+#include <filesystem>
 #include <string>
 
 namespace
@@ -88,32 +87,6 @@ TEST(MemoryStreams, ClonesShareTheBytesAndNotThePosition)
     EXPECT_EQ("abcdef", ReadFrom(stream.Get(), 0, 6));
 }
 
-TEST(MemoryStreams, HandOutTheirMemory)
-{
-    ComPtr<IStream> stream;
-    {
-        GlobalMemoryOwner memory(GlobalAlloc(GMEM_MOVEABLE, 4));
-        std::memcpy(GlobalLock(memory.Get()), "wxyz", 4);
-        GlobalUnlock(memory.Get());
-        ASSERT_EQ(S_OK, CreateStreamOnHGlobal(memory.Get(), FALSE, stream.Put()));
-        EXPECT_EQ("wxyz", ReadFrom(stream.Get(), 0, 4));
-        HGLOBAL found = nullptr;
-        EXPECT_EQ(S_OK, GetHGlobalFromStream(stream.Get(), &found));
-        EXPECT_EQ(memory.Get(), found);
-        stream.Reset();
-        const GlobalLockOwner lock(memory.Get());
-        EXPECT_EQ(0, std::memcmp(GlobalLock(memory.Get()), "wxyz", 4));
-    }
-    stream = NewMemoryStream();
-    const std::string many(100000, 'm');
-    stream->Write(many.data(), 100000, nullptr);
-    HGLOBAL memory = nullptr;
-    ASSERT_EQ(S_OK, GetHGlobalFromStream(stream.Get(), &memory));
-    EXPECT_GE(GlobalSize(memory), 100000u);
-    const GlobalLockOwner lock(memory);
-    EXPECT_EQ(0, std::memcmp(GlobalLock(memory), many.data(), many.size()));
-}
-
 TEST(MemoryStreams, CopyUpToTheirEnd)
 {
     const ComPtr<IStream> source = NewMemoryStream();
@@ -131,7 +104,13 @@ TEST(MemoryStreams, CopyUpToTheirEnd)
 class FileStreams : public testing::Test
 {
 protected:
-    void SetUp() override { ASSERT_EQ(S_OK, Make(TEXT("stream-test-ä€😀.bin"), m_stream)); }
+    void SetUp() override { ASSERT_EQ(S_OK, Make(m_name, m_stream)); }
+
+    void TearDown() override
+    {
+        m_stream.Reset();
+        std::filesystem::remove(WideText(m_name));
+    }
 
     static HRESULT Make(const WCHAR *name, ComPtr<IStream> &stream)
     {

@@ -6,7 +6,6 @@
 #include "com/WideText.h"
 #include "tests/doubles/CallRecord.h"
 #include "tests/doubles/ClassInPlace.h"
-#include "tests/doubles/SystemModules.h"
 #include "tests/platform/KnownGaps.h"
 
 #include "HVRPublishToFlickr.h"
@@ -98,7 +97,6 @@ public:
         const fs::path source(HALVORA_MODULE);
         m_file = m_folder / source.filename();
         fs::copy_file(source, m_file);
-        LinkSystemLibraries(source.parent_path());
         if (isDamaged)
         {
             DamageTypeLibrary();
@@ -124,15 +122,6 @@ public:
         return reinterpret_cast<HRESULT(STDAPICALLTYPE *)(BOOL, LPCWSTR)>(Exported("DllInstall"))(install,
                                                                                                   commandLine);
     }
-    ComPtr<IClassFactory> Factory() const
-    {
-        const auto get =
-            reinterpret_cast<HRESULT(STDAPICALLTYPE *)(REFCLSID, REFIID, void **)>(Exported("DllGetClassObject"));
-        ComPtr<IClassFactory> factory;
-        EXPECT_EQ(get(CLSID_FlickrPublisher, __uuidof(IClassFactory), factory.PutVoid()), S_OK);
-        return factory;
-    }
-
     WideText Path() const
     {
         WCHAR path[1024] = {};
@@ -158,18 +147,6 @@ private:
         std::ofstream(m_file, std::ios::binary | std::ios::trunc) << bytes;
     }
 
-    // Off Windows the module finds the libraries that stand for the system's beside itself.
-    void LinkSystemLibraries(const fs::path &folder) const
-    {
-        for (const fs::directory_entry &file : fs::directory_iterator(folder))
-        {
-            if (file.path().filename().string().starts_with("libhalvora-"))
-            {
-                fs::create_symlink(file.path(), m_folder / file.path().filename());
-            }
-        }
-    }
-
     fs::path m_folder;
     fs::path m_file;
     HMODULE m_module = nullptr;
@@ -178,7 +155,6 @@ private:
 class Registration : public testing::Test
 {
 protected:
-    static void SetUpTestSuite() { RegisterSystemModules(); }
     void SetUp() override { RemoveAll(); }
     void TearDown() override { RemoveAll(); }
 
@@ -351,20 +327,22 @@ TEST_F(Registration, AFailingScriptLeavesLocaleAndMappingAsTheyWere)
     MachineClasses.Remove("Halvora.Test.Mark");
 }
 
-TEST_F(Registration, LocksCountObjectsFactoriesAndExplicitLocks)
+TEST_F(Registration, LetsTheSystemCreateTheObject)
 {
     const InstalledCopy copy;
-    ComPtr<IClassFactory> factory = copy.Factory();
-    EXPECT_EQ(copy.Call("DllCanUnloadNow"), S_FALSE);
-    EXPECT_EQ(copy.Factory().Get(), factory.Get()) << "made once and kept";
-    ComPtr<IUnknown> object;
-    EXPECT_EQ(factory->CreateInstance(nullptr, __uuidof(IUnknown), object.PutVoid()), S_OK);
-    EXPECT_EQ(factory->LockServer(TRUE), S_OK);
-    object.Reset();
-    EXPECT_EQ(copy.Call("DllCanUnloadNow"), S_FALSE);
-    EXPECT_EQ(factory->LockServer(FALSE), S_OK);
-    factory.Reset();
-    EXPECT_EQ(copy.Call("DllCanUnloadNow"), S_OK);
+    ASSERT_EQ(copy.Call("DllRegisterServer"), S_OK);
+    CLSID named{};
+    EXPECT_EQ(CLSIDFromProgID(TEXT("Halvora.Publishing.Plugin.Flickr"), &named), S_OK);
+    EXPECT_TRUE(named == CLSID_FlickrPublisher);
+    ComPtr<IHalvoraPublishingPlugin> plugin;
+    const auto create = [&] {
+        return CoCreateInstance(CLSID_FlickrPublisher, nullptr, CLSCTX_ALL, __uuidof(IHalvoraPublishingPlugin),
+                                plugin.PutVoid());
+    };
+    EXPECT_EQ(create(), S_OK);
+    plugin.Reset();
+    EXPECT_EQ(copy.Call("DllUnregisterServer"), S_OK);
+    EXPECT_EQ(create(), REGDB_E_CLASSNOTREG);
 }
 
 TEST_F(Registration, TheTypeLibraryTellsClassInterfaceAndSet)

@@ -1,8 +1,8 @@
 #include "plugin/ModuleRegistration.h"
 
 #include "com/Hresult.h"
-#include "plugin/RegistryScripts.h"
-#include "plugin/TypeLibraryRegistration.h"
+#include "plugin/RegistryScripts_win32.h"
+#include "plugin/TypeLibraryRegistration_win32.h"
 #include "resources/resource.h"
 
 namespace

@@ -1,4 +1,4 @@
-#include "plugin/RegistryScripts.h"
+#include "plugin/RegistryScripts_win32.h"
 
 #include "com/ComPtr.h"
 #include "com/HandleOwner.h"

@@ -1,4 +1,4 @@
-#include "plugin/TypeLibraryRegistration.h"
+#include "plugin/TypeLibraryRegistration_win32.h"
 
 #include "com/ComPtr.h"
 #include "com/HandleOwner.h"

@@ -1,6 +1,4 @@
-#include "tests/doubles/SystemModules.h"
-
-void RegisterSystemModules() {}
+#include "tests/doubles/PrivateRegistryStore.h"
 
 // The prefix of the build folder is private already.
 void UsePrivateRegistryStore() {}
