@@ -1,46 +1,16 @@
-// Streams in memory. A stream and its clones share their bytes, each has a position of its own.
+// Streams in memory.
 #include "platform/ole32/StreamBase.h"
 
 #include <algorithm>
 #include <cstring>
-#include <memory>
 #include <mutex>
 #include <vector>
 
 namespace
 {
-struct SharedMemory
-{
-    // New bytes are zero. False if there is no memory for them.
-    bool Resize(ULONGLONG wanted) noexcept
-    {
-        if (wanted > 0xFFFFFFFF)
-        {
-            return false;
-        }
-        try
-        {
-            bytes.resize(wanted);
-            return true;
-        }
-        catch (const std::bad_alloc &)
-        {
-            return false;
-        }
-    }
-
-    std::mutex lock;
-    std::vector<BYTE> bytes;
-};
-
 class MemoryStream final : public StreamBase<MemoryStream>
 {
 public:
-    MemoryStream(std::shared_ptr<SharedMemory> shared, ULONGLONG position)
-        : m_shared(std::move(shared)), m_position(position)
-    {
-    }
-
     // Like Windows' own, this stream answers S_OK at its end, with fewer bytes.
     STDMETHODIMP Read(void *bytes, ULONG wanted, ULONG *read) noexcept override
     {
@@ -52,11 +22,11 @@ public:
         {
             return STG_E_INVALIDPOINTER;
         }
-        const std::lock_guard guard(m_shared->lock);
-        const std::vector<BYTE> &held = m_shared->bytes;
-        const ULONGLONG left = m_position < held.size() ? held.size() - m_position : 0;
+        const std::lock_guard guard(m_lock);
+        const ULONGLONG left = m_position < m_bytes.size() ? m_bytes.size() - m_position : 0;
         const ULONG got = static_cast<ULONG>(std::min<ULONGLONG>(wanted, left));
-        std::memcpy(bytes, held.data() + (got != 0 ? m_position : 0), got);
+        std::copy_n(m_bytes.data() + std::min<ULONGLONG>(m_position, m_bytes.size()), got,
+                    static_cast<BYTE *>(bytes));
         m_position += got;
         if (read != nullptr)
         {
@@ -79,12 +49,12 @@ public:
         {
             return S_OK;
         }
-        const std::lock_guard guard(m_shared->lock);
-        if (m_position + count > m_shared->bytes.size() && !m_shared->Resize(m_position + count))
+        const std::lock_guard guard(m_lock);
+        if (m_position + count > m_bytes.size() && !Resize(m_position + count))
         {
             return STG_E_MEDIUMFULL;
         }
-        std::memcpy(m_shared->bytes.data() + m_position, bytes, count);
+        std::memcpy(m_bytes.data() + m_position, bytes, count);
         m_position += count;
         if (written != nullptr)
         {
@@ -95,8 +65,8 @@ public:
 
     STDMETHODIMP Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER *position) noexcept override
     {
-        const std::lock_guard guard(m_shared->lock);
-        const bool valid = NewPosition(move, origin, m_position, m_shared->bytes.size(), m_position);
+        const std::lock_guard guard(m_lock);
+        const bool valid = NewPosition(move, origin, m_position, m_bytes.size(), m_position);
         if (position != nullptr)
         {
             position->QuadPart = m_position;
@@ -106,8 +76,8 @@ public:
 
     STDMETHODIMP SetSize(ULARGE_INTEGER size) noexcept override
     {
-        const std::lock_guard guard(m_shared->lock);
-        return m_shared->Resize(size.QuadPart) ? S_OK : STG_E_MEDIUMFULL;
+        const std::lock_guard guard(m_lock);
+        return Resize(size.QuadPart) ? S_OK : STG_E_MEDIUMFULL;
     }
 
     STDMETHODIMP Stat(STATSTG *status, DWORD) noexcept override
@@ -118,23 +88,33 @@ public:
         }
         *status = STATSTG{};
         status->type = STGTY_STREAM;
-        const std::lock_guard guard(m_shared->lock);
-        status->cbSize.QuadPart = m_shared->bytes.size();
+        const std::lock_guard guard(m_lock);
+        status->cbSize.QuadPart = m_bytes.size();
         return S_OK;
     }
 
-    STDMETHODIMP Clone(IStream **clone) noexcept override
+private:
+    // New bytes are zero. False if there is no memory for them.
+    bool Resize(ULONGLONG wanted) noexcept
     {
-        if (clone == nullptr)
+        if (wanted > 0xFFFFFFFF)
         {
-            return STG_E_INVALIDPOINTER;
+            return false;
         }
-        return CreateInstance(nullptr, __uuidof(IStream), reinterpret_cast<void **>(clone), m_shared, m_position);
+        try
+        {
+            m_bytes.resize(wanted);
+            return true;
+        }
+        catch (const std::bad_alloc &)
+        {
+            return false;
+        }
     }
 
-private:
-    std::shared_ptr<SharedMemory> m_shared;
-    ULONGLONG m_position;
+    std::mutex m_lock;
+    std::vector<BYTE> m_bytes;
+    ULONGLONG m_position = 0;
 };
 } // namespace
 
@@ -146,8 +126,5 @@ HRESULT WINAPI CreateStreamOnHGlobal(HGLOBAL memory, BOOL, LPSTREAM *stream)
         return E_INVALIDARG;
     }
     *stream = nullptr;
-    return AtBoundary([&] {
-        return MemoryStream::CreateInstance(nullptr, __uuidof(IStream), reinterpret_cast<void **>(stream),
-                                            std::make_shared<SharedMemory>(), ULONGLONG{0});
-    });
+    return MemoryStream::CreateInstance(nullptr, __uuidof(IStream), reinterpret_cast<void **>(stream));
 }
