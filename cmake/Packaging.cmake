@@ -58,6 +58,7 @@ if(HALVORA_NATIVE)
   set(licences share/doc/halvora)
   install(FILES "${in}/debian/copyright" "${out}/changelog.gz" DESTINATION "${licences}")
   licence_text(libcli11-dev CLI11)
+  licence_text(nlohmann-json3-dev nlohmann-json)
 
   set(CPACK_GENERATOR DEB)
   set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)

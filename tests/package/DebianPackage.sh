@@ -22,6 +22,7 @@ diff - "$work/content" <<'CONTENT' || fail 'other content than promised'
 -rw-r--r-- root/root usr/share/doc/halvora/CLI11.txt
 -rw-r--r-- root/root usr/share/doc/halvora/changelog.gz
 -rw-r--r-- root/root usr/share/doc/halvora/copyright
+-rw-r--r-- root/root usr/share/doc/halvora/nlohmann-json.txt
 -rw-r--r-- root/root usr/share/man/man1/flickr-loopback.1.gz
 -rw-r--r-- root/root usr/share/man/man1/halvora.1.gz
 CONTENT
