@@ -12,7 +12,8 @@ option(HALVORA_FUZZ "Trials of the readers with spoiled samples (native only)" $
 set(HALVORA_API_HOST "api.flickr.com" CACHE STRING "Host of the photo service's API")
 set(HALVORA_WEB_HOST "www.flickr.com" CACHE STRING "Host of the photo service's web pages")
 set(HALVORA_MAKER_HOST "authorization.halvora.example" CACHE STRING "The maker's authorization host")
-set(HALVORA_APPLICATION_KEY "68616c766f72612d64656d6f2d6b6579" CACHE STRING
+set(HALVORA_DEMONSTRATION_KEY "68616c766f72612d64656d6f2d6b6579") # known to flickr-loopback alone
+set(HALVORA_APPLICATION_KEY "${HALVORA_DEMONSTRATION_KEY}" CACHE STRING
     "OAuth consumer key of the application, 32 characters")
 set(HALVORA_APPLICATION_SECRET "64656d6f2d736563" CACHE STRING
     "OAuth consumer secret of the application, 16 characters")

@@ -50,11 +50,28 @@ if(HALVORA_NATIVE)
     execute_process(COMMAND date -R OUTPUT_VARIABLE HALVORA_DAY OUTPUT_STRIP_TRAILING_WHITESPACE)
   endif()
   set(HALVORA_MAINTAINER "Halvora Publish to Flickr developers <developers@halvora.example>")
+  # The manual lists the settings as the program does.
+  file(READ "${CMAKE_SOURCE_DIR}/settings/StoredSettings.cpp" table)
+  string(REGEX MATCHALL "{TEXT\\(\"[^}]*\\)}" rows "${table}")
+  set(HALVORA_SETTINGS)
+  foreach(row ${rows})
+    string(REGEX REPLACE "^{TEXT.\"([A-Za-z]+)\".*TEXT.\"(.*)\".}$" ".TP\n.B \\1\n\\2" row "${row}")
+    string(REPLACE "\\\"" "\"" row "${row}")
+    string(APPEND HALVORA_SETTINGS "${row}\n")
+  endforeach()
+  string(STRIP "${HALVORA_SETTINGS}" HALVORA_SETTINGS)
   foreach(text halvora.1 flickr-loopback.1 changelog)
     configure_file("${in}/debian/${text}" "${out}/${text}" @ONLY)
     execute_process(COMMAND gzip -9nkf "${out}/${text}" COMMAND_ERROR_IS_FATAL ANY)
   endforeach()
   install(FILES "${out}/halvora.1.gz" "${out}/flickr-loopback.1.gz" DESTINATION share/man/man1)
+  install(FILES "${in}/debian/completion/halvora.bash" DESTINATION share/bash-completion/completions RENAME halvora)
+  install(FILES "${in}/debian/completion/_halvora" DESTINATION share/zsh/vendor-completions)
+  install(FILES "${in}/debian/completion/halvora.fish" DESTINATION share/fish/vendor_completions.d)
+  # "Open with" in file managers; not shown in menus.
+  install(FILES "${in}/debian/halvora.desktop" DESTINATION share/applications)
+  install(FILES "${in}/debian/halvora.svg" DESTINATION share/icons/hicolor/scalable/apps)
+  install(FILES "${in}/debian/example.halvora.Halvora.metainfo.xml" DESTINATION share/metainfo)
   set(licences share/doc/halvora)
   install(FILES "${in}/debian/copyright" "${out}/changelog.gz" DESTINATION "${licences}")
   licence_text(libcli11-dev CLI11)
@@ -64,15 +81,15 @@ if(HALVORA_NATIVE)
   set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
   set(CPACK_DEBIAN_PACKAGE_MAINTAINER "${HALVORA_MAINTAINER}")
   set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
-  set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "publish photographs on a Flickr account from the terminal")
+  set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "upload photos to Flickr from the terminal")
   set(CPACK_PACKAGE_DESCRIPTION
-    "Puts photographs on their owner's Flickr account: untouched, with their
-pixels intact and only the metadata that the owner allows, or freshly
-rendered from camera RAW and other files. It gets the permission in the web
-browser, says how far it is, and what went wrong with which file.
+    "Uploads your photos to your Flickr account: byte for byte, with their
+pixels untouched and only the metadata you allow, or re-rendered from camera
+RAW and other files. You give your permission in your web browser. It shows
+progress and the time left, and says what went wrong with which file.
 .
-With it comes a photo service for this machine alone, to try everything
-without an account.")
+It comes with a photo service on this computer, to try everything without an
+account.")
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}/lib")
   # CA certificates, which shlibdeps can't find. The browser and the desktop's proxy settings are optional.
@@ -90,7 +107,7 @@ else()
       get_target_property(type ${target} TYPE)
       get_target_property(name ${target} OUTPUT_NAME)
       if(type STREQUAL EXECUTABLE)
-        string(APPEND HALVORA_PROGRAMS " ${target}.exe")
+        string(APPEND HALVORA_PROGRAMS " ${name}.exe")
       else()
         string(APPEND HALVORA_MODULES " ${name}.dll")
       endif()

@@ -55,7 +55,8 @@ std::optional<WideText> TokenText(const std::string &bytes)
     return isPrintable ? TextFromUtf8(bytes) : std::nullopt;
 }
 
-ExitCode SetToken(std::vector<std::string> words, InitDataStore &store)
+// The result of --set-token: the token is stored in any case, and Flickr is asked about it.
+ExitCode SetToken(std::vector<std::string> words, InitDataStore &store, const Profile &profile)
 {
     if (words.size() == 1)
     {
@@ -80,6 +81,7 @@ ExitCode SetToken(std::vector<std::string> words, InitDataStore &store)
     account.tokenSecret = secret;
     store.Overwrite(ComposeInitData(account));
     WriteOut("The access token is stored.\n");
+    AskAboutAccount(profile);
     return ExitCode::Success;
 }
 } // namespace
@@ -128,8 +130,14 @@ ExitCode RunAccountCommand(const CommandLine &line, const Profile &profile)
     TellNotices(store);
     if (!line.setToken.empty())
     {
-        return SetToken(line.setToken, store);
+        return SetToken(line.setToken, store, profile);
+    }
+    ExitCode code = ExitCode::Success;
+    if (line.refresh && ParseInitData(store.Content()).value_or(AccountData()).IsAuthorized())
+    {
+        code = AskAboutAccount(profile);
+        store.Load();
     }
     WriteOut(DescribeAccount(ParseInitData(store.Content()).value_or(AccountData())));
-    return ExitCode::Success;
+    return code;
 }

@@ -26,6 +26,7 @@ struct CommandLine
     bool allowSmall = false;              // of publish: maximum sizes that are hardly meant
     std::vector<std::string> assignments; // of settings, NAME=VALUE
     std::vector<std::string> setToken;    // of account: token and secret, or "-" for standard input
+    bool refresh = false;                 // of account: ask the service
 };
 
 // A command line that is answered by a text alone: help, the version, or what is wrong with it.

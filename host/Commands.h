@@ -14,3 +14,7 @@ ExitCode RunSettingsCommand(const CommandLine &line);
 ExitCode RunSheetCommand(const Profile &profile); // settings, for a user at a terminal
 ExitCode RunAccountCommand(const CommandLine &line, const Profile &profile);
 ExitCode RunAuthorizeCommand(const Profile &profile);
+
+// Asks the service whether it accepts the account's token, stores the account's limits as it tells them, and prints
+// what it said. A part of account.
+ExitCode AskAboutAccount(const Profile &profile);

@@ -1,5 +1,6 @@
 #include "host/FrameMetadata.h"
 
+#include "host/DcfColours.h"
 #include "host/ExifFieldValue.h"
 #include "host/MetadataTexts.h"
 #include "host/SnapshotFields.h"
@@ -19,6 +20,7 @@ namespace
 using BlockPaths = std::span<const WideView>;
 constexpr WideView MainPaths[] = {TEXT("/app1/ifd"), TEXT("/ifd")};
 constexpr WideView ExifPaths[] = {TEXT("/app1/ifd/exif"), TEXT("/ifd/exif")};
+constexpr WideView InteropPaths[] = {TEXT("/app1/ifd/exif/interop"), TEXT("/ifd/exif/interop")};
 constexpr WideView GpsPaths[] = {TEXT("/app1/ifd/gps"), TEXT("/ifd/gps")};
 constexpr WideView XmpPaths[] = {TEXT("/xmp"), TEXT("/ifd/xmp")};
 constexpr WideView IptcPaths[] = {TEXT("/app13/irb/8bimiptc/iptc"), TEXT("/ifd/iptc"),
@@ -27,9 +29,11 @@ constexpr WideView CommentPaths[] = {TEXT("/com")};
 
 namespace Tag
 {
+constexpr WORD InteroperabilityIndex = 1;
 constexpr WORD Orientation = 274;
 constexpr WORD Rating = 18246;
 constexpr WORD UserComment = 37510;
+constexpr WORD ColorSpace = 40961;
 } // namespace Tag
 
 // Ends the reading of a list that a crafted file makes endless.
@@ -286,6 +290,15 @@ UINT16 ReadFrameOrientation(IWICMetadataQueryReader &reader)
     return orientation >= 1 && orientation <= 8 ? static_cast<UINT16>(orientation) : UINT16{1};
 }
 
+bool IsFrameInAdobeRgb(IWICMetadataQueryReader &reader)
+{
+    QueryValue space;
+    QueryValue index;
+    space.Read(reader, ExifPaths, FieldItem(Tag::ColorSpace));
+    index.Read(reader, InteropPaths, FieldItem(Tag::InteroperabilityIndex));
+    return IsAdobeRgb(space.Number().value_or(0), Utf8FromText(FirstOf(index.Texts())));
+}
+
 void ReadFrameMetadata(IWICMetadataQueryReader &reader, ImageTexts &texts, MetadataSnapshot *groups)
 {
     const FrameTexts blocks(reader);
@@ -300,5 +313,6 @@ void ReadFrameMetadata(IWICMetadataQueryReader &reader, ImageTexts &texts, Metad
     ReadFields(reader, ExifPaths, ExifField::Directory::Exif, fields);
     ReadFields(reader, GpsPaths, ExifField::Directory::Gps, fields);
     groups->orientation = ReadFrameOrientation(reader);
+    groups->isAdobeRgb = IsFrameInAdobeRgb(reader);
     ChooseNumbers(blocks, *groups);
 }

@@ -13,3 +13,6 @@ void ReadFrameMetadata(IWICMetadataQueryReader &reader, ImageTexts &texts, Metad
 
 // EXIF's number, 1 to 8; 1 where there is none.
 UINT16 ReadFrameOrientation(IWICMetadataQueryReader &reader);
+
+// By DcfColours.h.
+bool IsFrameInAdobeRgb(IWICMetadataQueryReader &reader);

@@ -1,6 +1,8 @@
 #include "host/ImageMetadata.h"
 
+#include "host/DcfColours.h"
 #include "host/ErrnoCodes.h"
+#include "host/ExtendedXmp_posix.h"
 #include "host/MetadataTexts.h"
 #include "host/SnapshotFields.h"
 #include "host/WholeFile.h"
@@ -32,12 +34,17 @@ void LockToolkit(void *, bool lock)
     lock ? toolkit.lock() : toolkit.unlock();
 }
 
-// exiv2 wants its XMP toolkit started before a second thread uses it, and speaks on stderr by itself.
+// exiv2 wants its XMP toolkit started before a second thread uses it, and speaks on stderr by itself. Of files
+// made of boxes (HEIF, AVIF, CR3) it reads nothing, and reports no failure, unless told to.
 void StartLibraryOnce()
 {
     static const bool Started = [] {
         Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
-        return Exiv2::XmpParser::initialize(LockToolkit, nullptr);
+        Exiv2::enableBMFF();
+        const bool isReady = Exiv2::XmpParser::initialize(LockToolkit, nullptr);
+        // Known to the toolkit alone, so that the property's key would be refused.
+        Exiv2::XmpProperties::registerNs("http://ns.adobe.com/xmp/note/", "xmpNote");
+        return isReady;
     }();
     static_cast<void>(Started);
 }
@@ -220,13 +227,45 @@ private:
     SnapshotFields m_fields;
 };
 
+bool TellsAdobeRgb(const Exiv2::ExifData &exif)
+{
+    const auto space = exif.findKey(Exiv2::ExifKey("Exif.Photo.ColorSpace"));
+    const auto index = exif.findKey(Exiv2::ExifKey("Exif.Iop.InteroperabilityIndex"));
+    return space != exif.end() && space->count() > 0 &&
+           IsAdobeRgb(space->toLong(), index != exif.end() ? index->toString() : std::string());
+}
+
 MetadataSnapshot ReadGroups(const Exiv2::Image &image, const MetadataBlocks &blocks)
 {
     MetadataSnapshot groups;
     GroupReading reading(image, groups);
     reading.TakeFromXmp(image.xmpData());
     ChooseNumbers(blocks, groups);
+    groups.isAdobeRgb = TellsAdobeRgb(image.exifData());
     return groups;
+}
+
+// Adds the properties that a JPEG file's further packet holds.
+void AddExtendedXmp(const std::filesystem::path &file, Exiv2::XmpData &xmp)
+{
+    const auto identifier = xmp.findKey(Exiv2::XmpKey("Xmp.xmpNote.HasExtendedXMP"));
+    if (identifier == xmp.end())
+    {
+        return;
+    }
+    Exiv2::XmpData extension;
+    const std::string packet = ReadExtendedXmp(file, identifier->toString());
+    if (packet.empty() || Exiv2::XmpParser::decode(extension, packet) != 0)
+    {
+        return;
+    }
+    for (const Exiv2::Xmpdatum &datum : extension)
+    {
+        if (xmp.findKey(Exiv2::XmpKey(datum.key())) == xmp.end())
+        {
+            xmp.add(datum);
+        }
+    }
 }
 
 // Opens the file first: the library's errors tell a missing file from an unknown kind only in their texts, and
@@ -254,6 +293,7 @@ HRESULT ReadMetadata(const std::filesystem::path &file, ImageTexts &texts, Metad
             // Absolute, so that no name looks like one of the library's protocols.
             const auto image = Exiv2::ImageFactory::open(std::filesystem::absolute(file).native());
             image->readMetadata();
+            AddExtendedXmp(file, image->xmpData());
             const MetadataBlocks blocks(*image);
             if (groups != nullptr)
             {

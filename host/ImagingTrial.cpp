@@ -45,7 +45,14 @@ std::string Segments()
     const std::string block = "Photoshop 3.0\0"
                               "8BIM\x04\x04\0\0\0\0\0"s +
                               static_cast<char>(dataset.size()) + dataset + std::string(dataset.size() % 2, '\0');
-    return Segment('\xE1', exif) + Segment('\xE1', xmp) + Segment('\xED', block) + Segment('\xFE', mark);
+    std::string segments =
+        Segment('\xE1', exif) + Segment('\xE1', xmp) + Segment('\xED', block) + Segment('\xFE', mark);
+    // Of kinds that no component knows: with every application number but JFIF's, and that of EXIF again.
+    for (int marker = 0xE1; marker <= 0xEF; ++marker)
+    {
+        segments += Segment(static_cast<char>(marker), "Trial\0"s + mark);
+    }
+    return segments;
 }
 
 // What is done to the metadata of a new picture before its pixels are written.

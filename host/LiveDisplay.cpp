@@ -24,7 +24,10 @@ LevelLook LookOf(int level)
 }
 } // namespace
 
-LiveDisplay::LiveDisplay(const DisplayOptions &options, Sink sink) : m_options(options), m_sink(std::move(sink)) {}
+LiveDisplay::LiveDisplay(const DisplayOptions &options, Sink out, Sink faults)
+    : m_options(options), m_out(std::move(out)), m_faults(std::move(faults))
+{
+}
 
 void LiveDisplay::Log(int level, std::string_view text)
 {
@@ -34,20 +37,27 @@ void LiveDisplay::Log(int level, std::string_view text)
     }
     const LevelLook look = LookOf(level);
     std::string line = look.word + OneSafeLine(text);
-    if (m_options.colour && *look.colour != '\0')
+    const bool isFault = level >= 2;
+    if ((isFault ? m_options.colourFaults : m_options.colour) && *look.colour != '\0')
     {
         line = look.colour + line + "\x1b[0m";
     }
-    Print(line + "\n");
+    Print(line + "\n", isFault);
 }
 
-void LiveDisplay::Print(std::string_view lines)
+void LiveDisplay::Print(std::string_view lines, bool isFault)
 {
     const std::lock_guard guard(m_lock);
-    std::string drawing = EraseLine();
-    drawing += lines;
-    drawing += DrawLine();
-    m_sink(drawing);
+    if (!isFault)
+    {
+        const std::string erased = EraseLine();
+        Write(erased + std::string(lines) + DrawLine());
+        return;
+    }
+    // Both files are usually the same terminal.
+    Write(EraseLine());
+    m_faults(lines);
+    Write(DrawLine());
 }
 
 void LiveDisplay::ShowProgress(const ProgressView &view, Clock::time_point now)
@@ -80,9 +90,17 @@ void LiveDisplay::EndProgress()
     const std::lock_guard guard(m_lock);
     if (m_drawn)
     {
-        m_sink(EraseLine());
+        Write(EraseLine());
     }
     m_hasProgress = m_drawn = m_stale = false;
+}
+
+void LiveDisplay::Write(const std::string &drawing)
+{
+    if (!drawing.empty())
+    {
+        m_out(drawing);
+    }
 }
 
 std::string LiveDisplay::EraseLine() const
@@ -105,7 +123,7 @@ void LiveDisplay::Draw()
 {
     std::string drawing = EraseLine();
     drawing += DrawLine();
-    m_sink(drawing);
+    Write(drawing);
 }
 
 void LiveDisplay::Redraw(Clock::time_point now)

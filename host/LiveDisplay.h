@@ -15,7 +15,8 @@ struct DisplayOptions
     bool live = false; // a progress line is drawn; needs a terminal
     bool unicode = false;
     bool colour = false;
-    int lowestLevel = 1; // log lines below this level are left out
+    bool colourFaults = false; // on standard error
+    int lowestLevel = 1;       // log lines below this level are left out
 };
 
 class LiveDisplay
@@ -24,14 +25,16 @@ public:
     using Clock = std::chrono::steady_clock;
     using Sink = std::function<void(std::string_view)>;
 
-    // The sink gets whole drawings, each in one call, and is never called by two threads at once.
-    LiveDisplay(const DisplayOptions &options, Sink sink);
+    // The sinks, for standard output and standard error, get whole drawings, each in one call, and are never called
+    // by two threads at once.
+    LiveDisplay(const DisplayOptions &options, Sink out, Sink faults);
 
-    // One line, levels as in WriteLogEntry: plain from level 1, else with the level's word in front.
+    // One line, levels as in WriteLogEntry: plain from level 1, else with the level's word in front. Warnings (2) and
+    // errors (3 and up) go to standard error.
     void Log(int level, std::string_view text);
 
     // Text that is no log entry, such as a summary: always shown, line by line.
-    void Print(std::string_view lines);
+    void Print(std::string_view lines, bool isFault = false);
 
     // Stores the progress, and draws it if the last drawing is long enough ago.
     void ShowProgress(const ProgressView &view, Clock::time_point now);
@@ -46,13 +49,15 @@ public:
     void EndProgress();
 
 private:
+    void Write(const std::string &drawing);
     std::string EraseLine() const;
     std::string DrawLine();
     void Draw();
     void Redraw(Clock::time_point now);
 
     const DisplayOptions m_options;
-    const Sink m_sink;
+    const Sink m_out;
+    const Sink m_faults;
     std::mutex m_lock;
     ProgressView m_view;
     size_t m_columns = 80;

@@ -21,6 +21,7 @@ void MetadataSnapshots::Put(SnapshotPtr snapshot, ItemRecord &record)
         record.CopyrightTexts[0] = BstrOwner(WideView(TEXT(""))).Detach();
     }
     const UINT16 orientation = snapshot->orientation;
+    const BYTE isAdobeRgb = snapshot->isAdobeRgb ? 1 : 0;
     UINT64 key;
     {
         const std::lock_guard guard(m_lock);
@@ -36,6 +37,7 @@ void MetadataSnapshots::Put(SnapshotPtr snapshot, ItemRecord &record)
     std::memset(record.XmpGroup, 0, sizeof(record.XmpGroup));
     std::memcpy(record.XmpGroup, &key, sizeof(key));
     std::memcpy(record.Opaque11C, &orientation, sizeof(orientation));
+    record.Opaque11C[sizeof(orientation)] = isAdobeRgb;
 }
 
 SnapshotPtr MetadataSnapshots::Find(UINT64 key) const
@@ -83,6 +85,11 @@ UINT16 OrientationOf(const ItemRecord &record)
     UINT16 orientation = 0;
     std::memcpy(&orientation, record.Opaque11C, sizeof(orientation));
     return orientation >= 1 && orientation <= 8 ? orientation : UINT16{1};
+}
+
+bool IsAdobeRgb(const ItemRecord &record)
+{
+    return record.Opaque11C[sizeof(UINT16)] != 0;
 }
 
 bool IsCopyrightBlank(const ItemRecord &record)

@@ -38,7 +38,8 @@ struct MetadataSnapshot
     int rating = NoNumber;  // -1 (rejected) to 5
     int urgency = NoNumber; // 0 to 8
     WideText label;
-    UINT16 orientation = 1; // EXIF's numbers, 1 to 8
+    UINT16 orientation = 1;  // EXIF's numbers, 1 to 8
+    bool isAdobeRgb = false; // by DcfColours.h
 };
 
 using SnapshotPtr = std::shared_ptr<const MetadataSnapshot>;
@@ -54,7 +55,7 @@ struct RecordGroup
 class MetadataSnapshots
 {
 public:
-    // Keeps the snapshot and puts its key and the orientation into the record, whose texts are there
+    // Keeps the snapshot and puts its key, the orientation and the colours into the record, whose texts are there
     // already. If it has no text of the copyright group, artist is set to "" so that "read, empty" differs
     // from "removed by the plug-in". Throws E_OUTOFMEMORY.
     void Put(SnapshotPtr snapshot, ItemRecord &record);
@@ -79,6 +80,9 @@ private:
 
 // 1 for a record that was never read into.
 UINT16 OrientationOf(const ItemRecord &record);
+
+// Whether the file that was read into the record names Adobe RGB by its EXIF block.
+bool IsAdobeRgb(const ItemRecord &record);
 
 bool IsCopyrightBlank(const ItemRecord &record);
 bool IsIptcBlank(const ItemRecord &record);

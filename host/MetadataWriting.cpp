@@ -1,5 +1,7 @@
 #include "host/MetadataWriting.h"
 
+#include "host/CopiedBlocks.h"
+#include "host/DcfColours.h"
 #include "host/ExifFieldValue.h"
 #include "host/ImageTexts.h"
 #include "host/IptcTexts.h"
@@ -7,6 +9,7 @@
 
 #include "com/Hresult.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace
@@ -23,23 +26,10 @@ constexpr WORD PixelXDimension = 40962;
 constexpr WORD PixelYDimension = 40963;
 } // namespace Tag
 
-// Copies of other blocks, layers and directories of small pictures that lie in IFD0.
-constexpr WORD CopiesInMain[] = {700, 33723, 34377, 37724};
-
-// An EXIF block and an XMP packet have to fit into a segment of 64 KB each; longer texts stay out.
+// An EXIF block and an XMP packet have to fit into a segment of 64 KB each; longer texts stay out. The imaging
+// component tells when an EXIF block is full, but not of XMP before the pixels are written.
 constexpr size_t LongestText = 8000;
 constexpr size_t MostXmpText = 12000;
-
-// More segments of a kind than any file has; ends the loop on a writer that always claims success.
-constexpr int MostSegments = 10000;
-
-WideText ExifPath(ExifField::Directory directory, WORD tag)
-{
-    static constexpr WideView Folders[] = {TEXT("/app1/ifd/"), TEXT("/app1/ifd/exif/"), TEXT("/app1/ifd/gps/")};
-    const std::string number = std::to_string(tag);
-    return WideText(Folders[static_cast<size_t>(directory)]) + TEXT("{ushort=") +
-           WideText(number.begin(), number.end()) + TEXT("}");
-}
 
 std::vector<WideText> SplitArtists(WideView artists)
 {
@@ -54,68 +44,43 @@ WideView ViewOf(BSTR text)
 class RecordWriting
 {
 public:
-    RecordWriting(IWICMetadataQueryWriter &writer, const ItemRecord &record, const WritingNotice &notice)
-        : m_writer(writer), m_record(record), m_notice(notice)
+    RecordWriting(IWICMetadataQueryWriter &writer, const WritingNotice &notice)
+        : m_writer(writer), m_notice(notice)
     {
-    }
-
-    // Returns false if there was nothing to remove.
-    bool Remove(const WideText &path)
-    {
-        const HRESULT result = m_writer.RemoveMetadataByName(path.c_str());
-        if (result != WINCODEC_ERR_PROPERTYNOTFOUND)
-        {
-            ThrowIfFailed(result);
-        }
-        return SUCCEEDED(result);
-    }
-
-    void RemoveAll(const WideText &path)
-    {
-        for (int left = MostSegments; Remove(path); --left)
-        {
-            if (left == 0)
-            {
-                ThrowHresult(WINCODEC_ERR_UNEXPECTEDMETADATATYPE);
-            }
-        }
     }
 
     bool Holds(const WideText &path) { return m_writer.GetMetadataByName(path.c_str(), nullptr) == S_OK; }
 
-    UINT16 CopiedOrientation()
+    // The new picture's own size has to fit in, or the copied block doesn't stay.
+    void FitCopies(UINT32 width)
     {
+        const WideText path = ExifPath(ExifField::Directory::Exif, Tag::PixelXDimension);
         PROPVARIANT value = {};
-        const WideText path = ExifPath(ExifField::Directory::Main, Tag::Orientation);
-        const HRESULT result = m_writer.GetMetadataByName(path.c_str(), &value);
-        const UINT16 orientation = SUCCEEDED(result) && value.vt == VT_UI2 ? value.uiVal : UINT16{0};
-        PropVariantClear(&value);
-        return orientation >= 1 && orientation <= 8 ? orientation : OrientationOf(m_record);
-    }
-
-    void ClearCopies()
-    {
-        Remove(TEXT("/app1"));
-        RemoveAll(TEXT("/com"));
-        for (int number = 0; number <= 15; ++number)
+        value.vt = VT_UI4;
+        value.ulVal = width;
+        const auto fits = [&] {
+            return m_writer.SetMetadataByName(path.c_str(), &value) != WINCODEC_ERR_TOOMUCHMETADATA;
+        };
+        m_maySpareMakerNote = true;
+        if (!fits() && !(SpareMakerNote() && fits()))
         {
-            const std::string digits = std::to_string(number);
-            RemoveAll((number == 1 ? TEXT("/[1]app") : TEXT("/app")) + WideText(digits.begin(), digits.end()));
+            CopiedBlocks(m_writer).RemoveExif();
+            LeaveOut("what else the camera's EXIF block held");
         }
     }
 
-    void ClearClosedCopies()
+    void Set(const WideText &path, const PROPVARIANT &value, const std::string &words)
     {
-        Remove(TEXT("/app1/thumb"));
-        for (const WORD tag : CopiesInMain)
+        HRESULT result = m_writer.SetMetadataByName(path.c_str(), &value);
+        if (result == WINCODEC_ERR_TOOMUCHMETADATA && SpareMakerNote())
         {
-            Remove(ExifPath(ExifField::Directory::Main, tag));
+            result = m_writer.SetMetadataByName(path.c_str(), &value);
         }
-    }
-
-    void Set(const WideText &path, const PROPVARIANT &value)
-    {
-        const HRESULT result = m_writer.SetMetadataByName(path.c_str(), &value);
+        if (result == WINCODEC_ERR_TOOMUCHMETADATA)
+        {
+            LeaveOut(words);
+            return;
+        }
         if (result == E_OUTOFMEMORY)
         {
             ThrowHresult(result);
@@ -133,7 +98,7 @@ public:
         PROPVARIANT value = {};
         value.vt = VT_UI2;
         value.uiVal = number;
-        Set(ExifPath(directory, tag), value);
+        Set(ExifPath(directory, tag), value, FieldWords(tag));
     }
 
     void SetLong(ExifField::Directory directory, WORD tag, UINT32 number)
@@ -141,23 +106,130 @@ public:
         PROPVARIANT value = {};
         value.vt = VT_UI4;
         value.ulVal = number;
-        Set(ExifPath(directory, tag), value);
+        Set(ExifPath(directory, tag), value, FieldWords(tag));
     }
 
-    void SetText(const WideText &path, WideView text)
+    void SetAdobeRgb()
     {
-        if (text.empty() || text.size() > LongestText)
+        if (!Holds(ExifPath(ExifField::Directory::Exif, Tag::ColorSpace)))
         {
-            return;
+            SetShort(ExifField::Directory::Exif, Tag::ColorSpace, UncalibratedColorSpace);
         }
-        WideText copy(text);
+        std::string index(AdobeRgbIndex);
         PROPVARIANT value = {};
-        value.vt = VT_LPWSTR;
-        value.pwszVal = copy.data();
-        Set(path, value);
+        value.vt = VT_LPSTR;
+        value.pszVal = index.data();
+        Set(TEXT("/app1/ifd/exif/interop/{ushort=1}"), value, "EXIF interoperability index");
     }
 
-    void SetTexts(const WideText &path, std::vector<WideText> texts)
+    // Written by WriteExifTexts, for which words say what it is.
+    void AddExifText(ExifField::Directory directory, WORD tag, const char *words, WideView text)
+    {
+        m_exifTexts.push_back({ExifPath(directory, tag), std::string("EXIF ") + words, text});
+    }
+
+    // To be called when everything else is written: where there isn't room for all, the longest stay out.
+    void WriteExifTexts()
+    {
+        std::stable_sort(m_exifTexts.begin(), m_exifTexts.end(),
+                         [](const ExifText &a, const ExifText &b) { return a.text.size() < b.text.size(); });
+        for (const ExifText &each : m_exifTexts)
+        {
+            SetText(each.path, each.text, each.words);
+        }
+    }
+
+    void SetProperty(const WCHAR *name, WideView text)
+    {
+        const std::string words = "XMP " + Utf8FromText(name);
+        if (TakeXmpRoom(text.size(), words))
+        {
+            SetText(WideText(TEXT("/xmp/")) + name, text, words);
+        }
+    }
+
+    // name may begin with the kind of its list, "<xmpbag>".
+    void SetProperties(WideView name, const std::vector<WideText> &texts)
+    {
+        size_t size = 0;
+        for (const WideText &text : texts)
+        {
+            size += text.size() + 16;
+        }
+        const std::string words = "XMP " + Utf8FromText(name.substr(name.find('>') + 1));
+        if (TakeXmpRoom(size, words))
+        {
+            SetTexts(WideText(TEXT("/xmp/")).append(name), texts, words);
+        }
+    }
+
+    void SetDataset(const WCHAR *name, WideView text) { SetText(DatasetPath(name), text, DatasetWords(name)); }
+    void SetDatasets(const WCHAR *name, std::vector<WideText> texts)
+    {
+        SetTexts(DatasetPath(name), std::move(texts), DatasetWords(name));
+    }
+
+    void SetField(const ExifField &field)
+    {
+        const WideText path = ExifPath(field.directory, field.tag);
+        const ExifFieldValue value(field);
+        if (value.Get().vt != VT_EMPTY && !Holds(path))
+        {
+            Set(path, value.Get(), FieldWords(field.tag));
+        }
+    }
+
+    // What had no room, in words for the log; empty if there was room for all.
+    std::string LeftOut() const
+    {
+        std::string words;
+        for (const std::string &each : m_leftOut)
+        {
+            words += (words.empty() ? "" : ", ") + each;
+        }
+        return words;
+    }
+
+private:
+    static WideText DatasetPath(const WCHAR *name)
+    {
+        return WideText(TEXT("/app13/irb/8bimiptc/iptc/{str=")) + name + TEXT("}");
+    }
+
+    static std::string DatasetWords(const WCHAR *name) { return "IPTC " + Utf8FromText(name); }
+    static std::string FieldWords(WORD tag) { return "EXIF field " + std::to_string(tag); }
+
+    void LeaveOut(const std::string &words) { m_leftOut.push_back(words); }
+
+    // The first to make room: the largest by far, and of use only to the camera maker's own programs.
+    bool SpareMakerNote()
+    {
+        if (!m_maySpareMakerNote || !CopiedBlocks(m_writer).RemoveMakerNote())
+        {
+            return false;
+        }
+        m_maySpareMakerNote = false;
+        LeaveOut("the camera's maker note");
+        return true;
+    }
+
+    void SetText(const WideText &path, WideView text, const std::string &words)
+    {
+        if (text.size() > LongestText)
+        {
+            LeaveOut(words);
+        }
+        else if (!text.empty())
+        {
+            WideText copy(text);
+            PROPVARIANT value = {};
+            value.vt = VT_LPWSTR;
+            value.pwszVal = copy.data();
+            Set(path, value, words);
+        }
+    }
+
+    void SetTexts(const WideText &path, std::vector<WideText> texts, const std::string &words)
     {
         if (texts.empty())
         {
@@ -172,71 +244,33 @@ public:
         value.vt = VT_VECTOR | VT_LPWSTR;
         value.calpwstr.cElems = static_cast<ULONG>(elements.size());
         value.calpwstr.pElems = elements.data();
-        Set(path, value);
+        Set(path, value, words);
     }
 
-    void SetExifText(ExifField::Directory directory, WORD tag, WideView text)
-    {
-        SetText(ExifPath(directory, tag), text);
-    }
-
-    void SetProperty(const WCHAR *name, WideView text)
-    {
-        if (TakeXmpRoom(text.size()))
-        {
-            SetText(WideText(TEXT("/xmp/")) + name, text);
-        }
-    }
-
-    void SetProperties(const WCHAR *name, const std::vector<WideText> &texts)
-    {
-        size_t size = 0;
-        for (const WideText &text : texts)
-        {
-            size += text.size() + 16;
-        }
-        if (TakeXmpRoom(size))
-        {
-            SetTexts(WideText(TEXT("/xmp/")) + name, texts);
-        }
-    }
-
-    void SetDataset(const WCHAR *name, WideView text) { SetText(DatasetPath(name), text); }
-    void SetDatasets(const WCHAR *name, std::vector<WideText> texts)
-    {
-        SetTexts(DatasetPath(name), std::move(texts));
-    }
-
-    void SetField(const ExifField &field)
-    {
-        const WideText path = ExifPath(field.directory, field.tag);
-        const ExifFieldValue value(field);
-        if (value.Get().vt != VT_EMPTY && !Holds(path))
-        {
-            Set(path, value.Get());
-        }
-    }
-
-private:
-    static WideText DatasetPath(const WCHAR *name)
-    {
-        return WideText(TEXT("/app13/irb/8bimiptc/iptc/{str=")) + name + TEXT("}");
-    }
-
-    bool TakeXmpRoom(size_t size)
+    bool TakeXmpRoom(size_t size, const std::string &words)
     {
         if (size > MostXmpText - m_xmpText)
         {
+            LeaveOut(words);
             return false;
         }
         m_xmpText += size;
         return true;
     }
 
+    struct ExifText
+    {
+        WideText path;
+        std::string words;
+        WideView text;
+    };
+
     IWICMetadataQueryWriter &m_writer;
-    const ItemRecord &m_record;
     const WritingNotice &m_notice;
     size_t m_xmpText = 0;
+    bool m_maySpareMakerNote = false;
+    std::vector<ExifText> m_exifTexts;
+    std::vector<std::string> m_leftOut;
 };
 
 void WriteCopyright(RecordWriting &writing, const ItemRecord &record)
@@ -244,9 +278,9 @@ void WriteCopyright(RecordWriting &writing, const ItemRecord &record)
     const WideView artist = ViewOf(record.CopyrightTexts[0]);
     const WideView copyright = ViewOf(record.CopyrightTexts[1]);
     const WideView credit = ViewOf(record.CopyrightTexts[2]);
-    writing.SetExifText(ExifField::Directory::Main, Tag::Artist, artist);
-    writing.SetExifText(ExifField::Directory::Main, Tag::Copyright, copyright);
-    writing.SetExifText(ExifField::Directory::Exif, Tag::UserComment, ViewOf(record.ExifComment));
+    writing.AddExifText(ExifField::Directory::Main, Tag::Artist, "artist", artist);
+    writing.AddExifText(ExifField::Directory::Main, Tag::Copyright, "copyright", copyright);
+    writing.AddExifText(ExifField::Directory::Exif, Tag::UserComment, "comment", ViewOf(record.ExifComment));
     writing.SetProperties(TEXT("dc:creator"), SplitArtists(artist));
     writing.SetProperty(TEXT("dc:rights"), copyright);
     writing.SetProperty(TEXT("photoshop:Credit"), credit);
@@ -266,7 +300,7 @@ void WriteIptc(RecordWriting &writing, const ItemRecord &record)
     writing.SetProperty(TEXT("dc:title"), title);
     writing.SetProperty(TEXT("dc:description"), description);
     writing.SetProperties(TEXT("<xmpbag>dc:subject"), keywords);
-    writing.SetExifText(ExifField::Directory::Main, Tag::ImageDescription, description);
+    writing.AddExifText(ExifField::Directory::Main, Tag::ImageDescription, "description", description);
     for (const IptcTextPlace &place : IptcTextPlaces)
     {
         const WideView text = ViewOf(record.Iptc.Texts[place.number]);
@@ -309,9 +343,9 @@ void WriteExif(RecordWriting &writing, const MetadataSnapshot &snapshot, const I
 }
 } // namespace
 
-void WriteRecordMetadata(IWICMetadataQueryWriter &writer, const ItemRecord &record,
-                         const MetadataSnapshots &snapshots, const GroupSwitches &switches, NewFrame frame,
-                         const WritingNotice &notice)
+std::string WriteRecordMetadata(IWICMetadataQueryWriter &writer, const ItemRecord &record,
+                                const MetadataSnapshots &snapshots, const GroupSwitches &switches, NewFrame frame,
+                                const WritingNotice &notice)
 {
     const auto group = [](bool wanted, RecordGroup found) { return wanted ? std::move(found) : RecordGroup(); };
     const RecordGroup exif = group(switches.exif, snapshots.Exif(record));
@@ -320,25 +354,30 @@ void WriteRecordMetadata(IWICMetadataQueryWriter &writer, const ItemRecord &reco
     const bool copyright = switches.copyright && !IsCopyrightBlank(record);
     const bool iptc = switches.iptc && !IsIptcBlank(record);
 
-    RecordWriting writing(writer, record, notice);
+    RecordWriting writing(writer, notice);
     UINT16 orientation = OrientationOf(record);
     if (frame == NewFrame::Copied)
     {
-        orientation = writing.CopiedOrientation();
-        writing.Remove(TEXT("/xmp"));
-        writing.Remove(TEXT("/app13"));
+        CopiedBlocks blocks(writer);
+        const UINT16 copied = blocks.Orientation();
+        orientation = copied != 0 ? copied : orientation;
         if (copyright && iptc && !exif.blank && !gps.blank && !xmp.blank)
         {
-            writing.ClearClosedCopies();
+            blocks.RemoveClosed();
+            writing.FitCopies(record.Widths[0]);
         }
         else
         {
-            writing.ClearCopies();
+            blocks.RemoveAll();
         }
     }
     if (frame != NewFrame::Processed && orientation != 1)
     {
         writing.SetShort(ExifField::Directory::Main, Tag::Orientation, orientation);
+    }
+    if (frame != NewFrame::Processed && IsAdobeRgb(record))
+    {
+        writing.SetAdobeRgb();
     }
     for (const RecordGroup *each : {&exif, &gps, &xmp})
     {
@@ -371,4 +410,6 @@ void WriteRecordMetadata(IWICMetadataQueryWriter &writer, const ItemRecord &reco
     {
         WriteIptc(writing, record);
     }
+    writing.WriteExifTexts();
+    return writing.LeftOut();
 }

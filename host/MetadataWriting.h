@@ -14,11 +14,14 @@
 // five groups are wanted does the EXIF block stay, and is completed; otherwise every copied block is
 // removed, and the wanted groups are written anew from the lists above. Maker notes and makers' own
 // segments can't be looked into and may hold a place, an owner or a title: they are published with all
-// five groups or not at all. XMP and IPTC blocks are always written anew. Thumbnails are always removed:
-// they may show what was cropped away or painted over.
+// five groups or not at all. XMP and IPTC blocks are always written anew. The EXIF block's own thumbnail is
+// always removed: it may show what was cropped away or painted over. So may the previews that some cameras keep in
+// their maker notes, whose forms only their makers know; these are published with the notes, and the README
+// says so.
 //
 // Orientation isn't metadata: it says how the pixels lie, as the colour profile says how they look. Pixels
-// that weren't turned keep it, whatever the switches say.
+// that weren't turned keep it, whatever the switches say, and so do pixels in Adobe RGB the two fields that say
+// so where there is no profile (DcfColours.h).
 #pragma once
 
 #include "host/MetadataSnapshots.h"
@@ -49,7 +52,8 @@ enum class NewFrame
 };
 
 // A group that is switched off or blank in the record leaves nothing behind. Throws the code of a removal
-// from a copied frame that failed; a single value that can't be written is left out and noticed.
-void WriteRecordMetadata(IWICMetadataQueryWriter &writer, const ItemRecord &record,
-                         const MetadataSnapshots &snapshots, const GroupSwitches &switches, NewFrame frame,
-                         const WritingNotice &notice);
+// from a copied frame that failed; a single value that can't be written is left out and noticed. Returns what was
+// left out for want of room, in words for the log: first the maker note, then the longest texts.
+std::string WriteRecordMetadata(IWICMetadataQueryWriter &writer, const ItemRecord &record,
+                                const MetadataSnapshots &snapshots, const GroupSwitches &switches, NewFrame frame,
+                                const WritingNotice &notice);

@@ -1,5 +1,6 @@
 // Decoding of picture files: turned upright, in sRGB, on white, and no larger than wanted.
 //
+// A picture that its EXIF block alone says to be in Adobe RGB counts as one with that profile.
 // An animation or a file of many pages gives its first picture. Alpha is laid on white. Colours are
 // converted from the profile in the file, CMYK included; a damaged profile counts as none. Sixteen bits
 // become eight. Pictures of more than MaxPicturePixels are refused before a pixel is decoded.

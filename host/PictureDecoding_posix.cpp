@@ -1,5 +1,7 @@
 #include "host/PictureDecoding.h"
 
+#include "host/AdobeRgbProfile_posix.h"
+#include "host/DcfColours.h"
 #include "host/ErrnoCodes.h"
 #include "host/FileNames.h"
 #include "host/RawDecoding_posix.h"
@@ -10,6 +12,7 @@
 #include <wincodec.h>
 
 #include <algorithm>
+#include <charconv>
 #include <fstream>
 #include <memory>
 #include <string_view>
@@ -100,7 +103,54 @@ struct FileHeader
     double dpiY = 0;
     bool hasProfile = false;
     const char *ownProfile = nullptr; // of the library, should the file's be damaged
+    bool isAdobeRgb = false;          // by EXIF, of a file without a profile
 };
+
+// A field as the library tells it, one of EXIF as "240/1 (240, Rational, 1 components, 8 bytes)"; empty if there
+// is none.
+std::string_view TextField(VipsImage *image, const char *name)
+{
+    const char *text = nullptr;
+    return vips_image_get_typeof(image, name) != 0 && vips_image_get_string(image, name, &text) == 0
+               ? std::string_view(text)
+               : std::string_view();
+}
+
+// A whole number or a rational; 0 if it isn't there.
+double NumberOf(std::string_view field)
+{
+    unsigned numerator = 0;
+    unsigned denominator = 1;
+    const char *const end = field.data() + field.size();
+    const char *const behind = std::from_chars(field.data(), end, numerator).ptr;
+    if (behind != end && *behind == '/')
+    {
+        std::from_chars(behind + 1, end, denominator);
+    }
+    return denominator != 0 ? double(numerator) / denominator : 0;
+}
+
+// HEIF and WebP tell a resolution in their EXIF blocks alone, where the library doesn't look for it: for them it
+// reports its default, and as if that were the file's.
+void ReadResolution(VipsImage *image, FileHeader &header)
+{
+    const std::string_view loader = TextField(image, VIPS_META_LOADER);
+    if (loader.starts_with("heifload") || loader.starts_with("webpload"))
+    {
+        constexpr int none = 1;
+        constexpr int centimetre = 3;
+        const auto unit = static_cast<int>(NumberOf(TextField(image, "exif-ifd0-ResolutionUnit")));
+        const double perInch = unit == none ? 0 : unit == centimetre ? 2.54 : 1;
+        header.dpiX = NumberOf(TextField(image, "exif-ifd0-XResolution")) * perInch;
+        header.dpiY = NumberOf(TextField(image, "exif-ifd0-YResolution")) * perInch;
+    }
+    // Without this field the library reports a default resolution of its own.
+    else if (vips_image_get_typeof(image, VIPS_META_RESOLUTION_UNIT) != 0)
+    {
+        header.dpiX = vips_image_get_xres(image) * 25.4;
+        header.dpiY = vips_image_get_yres(image) * 25.4;
+    }
+}
 
 FileHeader ReadHeader(const std::filesystem::path &file)
 {
@@ -119,12 +169,7 @@ FileHeader ReadHeader(const std::filesystem::path &file)
                                 " megapixels can be decoded");
     }
     FileHeader header;
-    // Without this field the library reports a default resolution of its own.
-    if (vips_image_get_typeof(image.get(), VIPS_META_RESOLUTION_UNIT) != 0)
-    {
-        header.dpiX = vips_image_get_xres(image.get()) * 25.4;
-        header.dpiY = vips_image_get_yres(image.get()) * 25.4;
-    }
+    ReadResolution(image.get(), header);
     if (vips_image_get_orientation_swap(image.get()))
     {
         std::swap(header.dpiX, header.dpiY);
@@ -133,6 +178,9 @@ FileHeader ReadHeader(const std::filesystem::path &file)
     header.ownProfile = vips_image_get_interpretation(image.get()) == VIPS_INTERPRETATION_CMYK ? "cmyk"
                         : vips_image_get_bands(image.get()) >= 3                               ? "srgb"
                                                                                                : nullptr;
+    header.isAdobeRgb = !header.hasProfile && header.ownProfile != nullptr && header.ownProfile == "srgb"sv &&
+                        IsAdobeRgb(static_cast<long>(NumberOf(TextField(image.get(), "exif-ifd2-ColorSpace"))),
+                                   TextField(image.get(), "exif-ifd4-InteroperabilityIndex"));
     return header;
 }
 
@@ -172,6 +220,16 @@ int TakeRows(VipsRegion *region, VipsRect *area, void *target) noexcept
         }
     }
     return 0;
+}
+
+void ConvertFromAdobeRgb(Image &image, const std::atomic<bool> *stop)
+{
+    const std::string &profile = AdobeRgbProfile();
+    Follow(image, stop, [](VipsImage *in, VipsImage **out) { return vips_copy(in, out, nullptr); });
+    vips_image_set_blob_copy(image.get(), VIPS_META_ICC_NAME, profile.data(), profile.size());
+    Follow(image, stop, [](VipsImage *in, VipsImage **out) {
+        return vips_icc_transform(in, out, "srgb", "embedded", TRUE, nullptr);
+    });
 }
 
 // 8 bits in sRGB, laid on white.
@@ -260,7 +318,12 @@ DecodedPicture DecodePlain(const std::filesystem::path &file, UINT longEdge, con
     {
         ThrowBroken(stop);
     }
-    DecodedPicture picture = Finish(Image(scaled), stop);
+    Image image(scaled);
+    if (header.isAdobeRgb)
+    {
+        ConvertFromAdobeRgb(image, stop);
+    }
+    DecodedPicture picture = Finish(std::move(image), stop);
     picture.dpiX = header.dpiX;
     picture.dpiY = header.dpiY;
     return picture;

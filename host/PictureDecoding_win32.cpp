@@ -1,6 +1,7 @@
 #include "host/PictureDecoding.h"
 
 #include "host/Apartment_win32.h"
+#include "host/FrameMetadata.h"
 #include "host/FrameOrientation_win32.h"
 #include "host/SystemWords.h"
 #include "host/WholeFile.h"
@@ -19,6 +20,9 @@ namespace
 // Bytes that one call copies: large for the sake of decoders that start from the beginning with each call,
 // small enough to notice stop soon.
 constexpr size_t BandBytes = size_t{16} << 20;
+
+// More than a file has; a crafted one may claim any number.
+constexpr UINT MostContexts = 16;
 
 // Since Windows 10; it takes every pixel of the source into account, as Fant does.
 constexpr auto HighQualityCubic = static_cast<WICBitmapInterpolationMode>(4);
@@ -145,25 +149,42 @@ private:
         return converter;
     }
 
-    // The frame's profile, if it has one and the component can read it.
+    // The frame's profile, or the colour space that its EXIF block names instead of one. The component gives
+    // both alike, in an order that it doesn't promise, and of the EXIF block less than DcfColours.h tells.
     ComPtr<IWICColorContext> ProfileOf(IWICBitmapFrameDecode *frame)
     {
-        ComPtr<IWICColorContext> profile;
         UINT count = 0;
-        IWICColorContext *room[1] = {};
-        if (FAILED(frame->GetColorContexts(0, nullptr, &count)) || count == 0 ||
-            FAILED(m_factory->CreateColorContext(profile.Put())))
+        if (FAILED(frame->GetColorContexts(0, nullptr, &count)))
         {
-            return nullptr;
+            count = 0;
         }
-        room[0] = profile.Get();
-        WICColorContextType type = WICColorContextUninitialized;
-        if (FAILED(frame->GetColorContexts(1, room, &count)) || FAILED(profile->GetType(&type)) ||
-            type == WICColorContextUninitialized)
+        std::vector<ComPtr<IWICColorContext>> contexts(std::min(count, MostContexts));
+        std::vector<IWICColorContext *> room;
+        for (ComPtr<IWICColorContext> &context : contexts)
         {
-            return nullptr;
+            Check(m_factory->CreateColorContext(context.Put()));
+            room.push_back(context.Get());
         }
-        return profile;
+        const bool given = !room.empty() &&
+                           SUCCEEDED(frame->GetColorContexts(static_cast<UINT>(room.size()), room.data(), &count));
+        for (const ComPtr<IWICColorContext> &context : contexts)
+        {
+            WICColorContextType type = WICColorContextUninitialized;
+            if (given && SUCCEEDED(context->GetType(&type)) && type == WICColorContextProfile)
+            {
+                return context;
+            }
+        }
+        ComPtr<IWICMetadataQueryReader> reader;
+        ComPtr<IWICColorContext> adobe;
+        constexpr UINT exifAdobeRgb = 2;
+        if (SUCCEEDED(frame->GetMetadataQueryReader(reader.Put())) && IsFrameInAdobeRgb(*reader.Get()) &&
+            SUCCEEDED(m_factory->CreateColorContext(adobe.Put())) &&
+            SUCCEEDED(adobe->InitializeFromExifColorSpace(exifAdobeRgb)))
+        {
+            return adobe;
+        }
+        return nullptr;
     }
 
     // Null where there is no profile, or none that the component takes.

@@ -3,6 +3,7 @@
 #include "host/FileNames.h"
 #include "host/NaturalOrder.h"
 #include "host/PictureExtensions.h"
+#include "host/TextEncodings.h"
 #include "host/WholeFile.h"
 
 #include <algorithm>
@@ -77,7 +78,7 @@ public:
         const bool walked = Walk(argument);
         if (walked && m_seen.size() + m_collection.refused.size() == before)
         {
-            m_collection.refused.push_back({argument, "contains no pictures (hidden files are skipped)"});
+            m_collection.empty.push_back(argument);
         }
     }
 
@@ -103,7 +104,7 @@ private:
         else if (!IsPictureExtension(extension))
         {
             m_collection.refused.push_back(
-                {file, "has the extension \"" + extension + "\", which is no picture's; rename it if it is one"});
+                {file, "is not a supported picture type (." + extension + "); if it is a picture, rename it"});
         }
         else
         {
@@ -148,7 +149,8 @@ private:
             return;
         }
         siblings.push_back(m_collection.items.size());
-        m_collection.items.push_back({whole.parent_path() / whole.stem(), {extension}});
+        m_collection.items.push_back(
+            {whole.parent_path() / whole.stem(), {extension}, file.parent_path() / file.stem()});
     }
 
     // Returns false if the folder was walked before or can't be read.
@@ -196,6 +198,20 @@ fs::path PictureItem::FileWith(const std::string &extension) const
 {
     fs::path file = stem;
     return file += "." + extension;
+}
+
+fs::path PictureItem::TypedFile() const
+{
+    fs::path file = typedStem.empty() ? stem : typedStem;
+    return file += "." + extensions.front();
+}
+
+std::string PictureItem::AsTyped(std::string text) const
+{
+    const std::string whole = Utf8FromText(TextOfPath(stem)) + ".";
+    const std::string typed = Utf8FromText(TextOfPath(typedStem)) + ".";
+    const size_t at = typedStem.empty() ? text.npos : text.find(whole);
+    return at == text.npos ? text : text.replace(at, whole.size(), typed);
 }
 
 ItemCollection CollectItems(const std::vector<fs::path> &arguments, bool recursive)

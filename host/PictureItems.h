@@ -12,9 +12,16 @@ struct PictureItem
 {
     std::filesystem::path stem;          // absolute, without the dot and extension
     std::vector<std::string> extensions; // without dots, as NameBytes, in the order of their discovery
+    std::filesystem::path typedStem{};   // as the user wrote it, perhaps relative; for messages. Empty: as stem
 
     std::filesystem::path File(size_t index) const { return FileWith(extensions[index]); }
     std::filesystem::path FileWith(const std::string &extension) const;
+
+    // The first file, which stands for the picture, as the user wrote it.
+    std::filesystem::path TypedFile() const;
+
+    // The text with the whole path of this picture replaced by what the user wrote.
+    std::string AsTyped(std::string text) const;
 };
 
 struct RefusedFile
@@ -28,6 +35,7 @@ struct ItemCollection
     std::vector<PictureItem> items;
     std::vector<RefusedFile> refused;              // count as pictures that weren't published
     std::vector<std::filesystem::path> folders;    // given although recursive is false
+    std::vector<std::filesystem::path> empty;      // folders without pictures
     std::vector<std::filesystem::path> passedOver; // sidecars named beside pictures
 };
 

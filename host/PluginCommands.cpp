@@ -15,6 +15,10 @@
 
 #include "com/BstrOwner.h"
 #include "com/Hresult.h"
+#include "settings/SettingsStore.h"
+
+#include <algorithm>
+#include <array>
 
 namespace
 {
@@ -76,6 +80,8 @@ public:
         return result;
     }
 
+    void Store() { m_session.Finish(); }
+
 private:
     AccountData LoadAccount()
     {
@@ -132,6 +138,32 @@ ExitCode TellOutcome(HRESULT result, const AccountData &before, const AccountDat
     return ExitCode::SomeFailed;
 }
 
+constexpr std::pair<const WCHAR *, const char *> Texts[] = {
+    {TEXT("WriteTitle"), "titles"}, {TEXT("WriteDescription"), "descriptions"}, {TEXT("WriteTags"), "tags"}};
+using TextSwitches = std::array<bool, std::size(Texts)>;
+
+TextSwitches TextsSent()
+{
+    const SettingsReader reader;
+    TextSwitches sent{};
+    std::ranges::transform(Texts, sent.begin(), [&](const auto &text) { return reader.Number(text.first) != 0; });
+    return sent;
+}
+
+// Until the sheet's first OK these texts are sent, though the sheet shows them as off; OK stores what it shows.
+void TellTextsNoLongerSent(const TextSwitches &before)
+{
+    const TextSwitches now = TextsSent();
+    for (size_t i = 0; i < now.size(); ++i)
+    {
+        if (before[i] && !now[i])
+        {
+            Complain(std::string("From now on, ") + Texts[i].second +
+                     " are no longer sent. To send them: halvora settings " + Utf8FromText(Texts[i].first) + "=1");
+        }
+    }
+}
+
 void TellSizeWarnings()
 {
     for (const std::string &warning : SizeWarnings())
@@ -153,14 +185,42 @@ ExitCode RunStatusCommand(const Profile &profile)
 
 ExitCode RunAuthorizeCommand(const Profile &profile)
 {
+    if (!HasTerminal())
+    {
+        Complain("authorize asks its questions in a terminal, and there is none here. Run it in one, or store an "
+                 "access token with: halvora account --set-token -");
+        return ExitCode::SomeFailed;
+    }
     OpenedPlugin plugin(profile);
     const HRESULT result = plugin.Run(TEXT("authorize"));
     return TellOutcome(result, plugin.Before(), plugin.Now());
 }
 
+ExitCode AskAboutAccount(const Profile &profile)
+{
+    OpenedPlugin plugin(profile);
+    HRESULT result;
+    {
+        const ParentWindow parent;
+        result = plugin.Get().CanPublish(parent.Get(), TRUE);
+    }
+    plugin.Store();
+    if (result == S_OK)
+    {
+        WriteOut("Flickr accepts the access token.\n");
+        return ExitCode::Success;
+    }
+    // The plug-in doesn't tell which.
+    Complain(
+        "Flickr did not confirm the access token: it rejects it, can't be reached, or takes no more uploads this "
+        "month. To try again: halvora account --refresh");
+    return ExitCode::SomeFailed;
+}
+
 ExitCode RunSheetCommand(const Profile &profile)
 {
     OpenedPlugin plugin(profile);
+    const auto before = TextsSent();
     const HRESULT result = plugin.Run(TEXT("settings"));
     if (FAILED(result))
     {
@@ -172,6 +232,7 @@ ExitCode RunSheetCommand(const Profile &profile)
         WriteOut("The authorization is forgotten here; Flickr's account page still lists it and can withdraw it. "
                  "To publish again: halvora authorize\n");
     }
+    TellTextsNoLongerSent(before);
     TellSizeWarnings();
     return ExitCode::Success;
 }

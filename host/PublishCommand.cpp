@@ -28,6 +28,10 @@ void TellWhatIsKnown(const ItemCollection &collection, LiveDisplay &display)
     {
         display.Log(3, ShownPath(refused.path) + " " + refused.reason + ".");
     }
+    for (const auto &folder : collection.empty)
+    {
+        display.Log(2, ShownPath(folder) + " contains no pictures (hidden files are skipped).");
+    }
     for (const auto &path : collection.passedOver)
     {
         display.Log(1, ShownPath(path) + " belongs to a picture and isn't published by itself.");
@@ -67,8 +71,10 @@ bool MayPublish(InitDataStore &store)
 
 RunEnd Publish(RunRecord &record, InitDataStore &store, LiveDisplay &display, SignalWatch &signals)
 {
-    const auto host = PublishingHost::Make(
-        record, [&](int level, const std::string &, const std::string &message) { display.Log(level, message); });
+    const auto host =
+        PublishingHost::Make(record, [&](int level, const std::string &, const std::string &message) {
+            display.Log(level, record.AsTyped(message));
+        });
     const size_t told = store.Notices().size();
     PluginSession session(static_cast<IHalvoraPublishingHost *>(host.Get()), store);
     for (size_t i = told; i < store.Notices().size(); ++i)
@@ -109,7 +115,7 @@ ExitCode RunPublishCommand(const CommandLine &line, const Profile &profile)
         return ExitCode::Usage;
     }
     SignalWatch signals;
-    LiveDisplay display(OptionsFor(line), WriteOut);
+    LiveDisplay display(OptionsFor(line), WriteOut, WriteFaults);
     InitDataStore store(profile);
     store.Load();
     for (const std::string &notice : store.Notices())
@@ -137,6 +143,6 @@ ExitCode RunPublishCommand(const CommandLine &line, const Profile &profile)
     RunRecord record(std::move(collection));
     const RunEnd end = record.Items().empty() ? RunEnd{S_OK, false} : Publish(record, store, display, signals);
     const RunSummary summary = record.Summarize(end.cancelled, SystemWordsOrNone, ProcessVariable);
-    display.Print(summary.text);
+    display.Print(summary.text, summary.exitCode != ExitCode::Success);
     return summary.exitCode;
 }

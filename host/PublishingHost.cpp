@@ -151,6 +151,7 @@ STDMETHODIMP PublishingHost::ReadImageMetadata(LPCWSTR path, INT32, INT32 longEd
     }
     return AtBoundary([&] {
         const std::filesystem::path file = PathOfText(path);
+        m_lastRead = file;
         if (!CanReadMetadata() && !m_toldOfNoReading.exchange(true))
         {
             Tell(LOG_LEVEL_WARNING,
@@ -221,8 +222,14 @@ STDMETHODIMP PublishingHost::WriteImageMetadata(IWICMetadataQueryWriter *writer,
             return S_OK;
         }
         const GroupSwitches switches = {copyright != 0, exif != 0, xmp != 0, gps != 0, iptc != 0};
-        WriteRecordMetadata(*writer, *record, m_snapshots, switches, frame,
-                            [&](const std::string &words) { Tell(LOG_LEVEL_VERBOSE, words); });
+        const std::string leftOut =
+            WriteRecordMetadata(*writer, *record, m_snapshots, switches, frame,
+                                [&](const std::string &words) { Tell(LOG_LEVEL_VERBOSE, words); });
+        if (!leftOut.empty())
+        {
+            Tell(LOG_LEVEL_WARNING, "Some metadata of " + ShownPath(m_lastRead) +
+                                        " are too long for the new file and were left out: " + leftOut + ".");
+        }
         return S_OK;
     });
 }

@@ -61,6 +61,7 @@ private:
     std::function<void(std::chrono::seconds)> m_wait;
     GlobalMemoryOwner m_list;
     MetadataSnapshots m_snapshots;
+    std::filesystem::path m_lastRead; // whose metadata are written next; the plug-in's thread only
     PicturesAhead m_ahead;
     std::atomic<const PictureItem *> m_undecided = nullptr; // the item whose file the plug-in hasn't named yet
     std::atomic<bool> m_hasMoreItems = false;

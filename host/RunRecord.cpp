@@ -31,12 +31,6 @@ bool SaysNothing(const std::string &text)
     return text.empty() || text.starts_with("(internal");
 }
 
-// The first file of the item stands for it.
-std::string NameOf(const PictureItem &item)
-{
-    return ShownPath(item.File(0));
-}
-
 // What a user can do about it; most codes' words say that themselves.
 const char *AdviceFor(HRESULT code)
 {
@@ -134,6 +128,18 @@ void RunRecord::NoteEntry(int level, const std::string &text)
     (m_current ? m_states[*m_current].errors : m_runErrors).push_back(text);
 }
 
+std::string RunRecord::AsTyped(const std::string &text) const
+{
+    const std::lock_guard guard(m_lock);
+    return m_current ? m_collection.items[*m_current].AsTyped(text) : text;
+}
+
+std::optional<size_t> RunRecord::Current() const
+{
+    const std::lock_guard guard(m_lock);
+    return m_current;
+}
+
 void RunRecord::RunEnds()
 {
     const std::lock_guard guard(m_lock);
@@ -184,7 +190,7 @@ RunSummary RunRecord::Summarize(bool cancelled, const ErrorWords &words, const V
     }
     for (size_t i = 0; i < m_states.size(); ++i)
     {
-        const std::string name = NameOf(m_collection.items[i]);
+        const std::string name = ShownPath(m_collection.items[i].TypedFile());
         switch (EndOf(i))
         {
         case ItemEnd::Published:
@@ -202,6 +208,10 @@ RunSummary RunRecord::Summarize(bool cancelled, const ErrorWords &words, const V
         }
     }
     const size_t total = m_states.size() + m_collection.refused.size();
+    if (total == 0 && m_runErrors.empty())
+    {
+        return {ExitCode::SomeFailed, "Nothing to publish.\n"};
+    }
 
     RunSummary summary;
     for (const std::string &error : m_runErrors)

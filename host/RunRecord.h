@@ -48,6 +48,12 @@ public:
     // Entries of level 3 and 4 belong to the item that is running, or to the run itself. Any thread.
     void NoteEntry(int level, const std::string &text);
 
+    // The text with the path of the item that is running as the user wrote it. Any thread.
+    std::string AsTyped(const std::string &text) const;
+
+    // The item that is running, if any. Any thread.
+    std::optional<size_t> Current() const;
+
     // The last item is over.
     void RunEnds();
 

@@ -35,9 +35,27 @@ const StoredSetting *FindByName(std::string_view name)
     return nullptr;
 }
 
+// The number that a word stands for in a meaning such as "0 safe, 1 moderate, 2 restricted".
+std::optional<UINT32> NumberOfWord(const StoredSetting &setting, const std::string &word)
+{
+    const std::string meaning = Utf8FromText(setting.Meaning) + ",";
+    for (UINT32 number = 0; number <= setting.Largest; ++number)
+    {
+        if (meaning.find(std::to_string(number) + " " + word + ",") != meaning.npos)
+        {
+            return number;
+        }
+    }
+    return std::nullopt;
+}
+
 std::optional<UINT32> ParseNumber(const StoredSetting &setting, std::string_view text)
 {
     const std::string word = Lower(text);
+    if (const auto number = NumberOfWord(setting, word))
+    {
+        return number;
+    }
     if (setting.Largest == 1 && (word == "on" || word == "yes" || word == "true"))
     {
         return 1;
@@ -150,17 +168,17 @@ std::variant<WideText, std::string> ParseSize(std::string_view text)
 std::variant<SettingAssignment, std::string> ParseSettingAssignment(std::string_view text)
 {
     const auto equals = text.find('=');
-    if (equals == text.npos)
-    {
-        return "\"" + std::string(text) + "\" needs a value; write NAME=VALUE.";
-    }
     const std::string name(text.substr(0, equals));
-    const std::string_view value = text.substr(equals + 1);
     const StoredSetting *setting = FindByName(name);
     if (setting == nullptr)
     {
         return "There is no setting \"" + name + "\"; halvora settings lists them all.";
     }
+    if (equals == text.npos)
+    {
+        return SettingAssignment{setting, SettingQuestion()};
+    }
+    const std::string_view value = text.substr(equals + 1);
     const std::string label = Utf8FromText(setting->Name);
     if (value.empty())
     {
@@ -172,8 +190,10 @@ std::variant<SettingAssignment, std::string> ParseSettingAssignment(std::string_
         {
             return SettingAssignment{setting, *number};
         }
-        return label + " can't be \"" + std::string(value) + "\"; it takes a number from 0 to " +
-               std::to_string(setting->Largest) + " (" + Utf8FromText(setting->Meaning) + ").";
+        return label + " can't be \"" + std::string(value) + "\"; it takes " +
+               (setting->Largest == 1 ? "1 or 0, yes or no"
+                                      : "a number from 0 to " + std::to_string(setting->Largest)) +
+               " (" + Utf8FromText(setting->Meaning) + ").";
     }
     auto size = ParseSize(value);
     if (const auto *fault = std::get_if<std::string>(&size))

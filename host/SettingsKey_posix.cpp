@@ -107,6 +107,10 @@ Reading Read(const SettingsReader &reader, HKEY key, const StoredSetting &settin
 LSTATUS StoreOne(HKEY key, const SettingAssignment &change)
 {
     const WCHAR *const name = change.setting->Name;
+    if (std::holds_alternative<SettingQuestion>(change.value))
+    {
+        return ERROR_SUCCESS;
+    }
     if (const auto *number = std::get_if<UINT32>(&change.value))
     {
         return RegSetValueExW(key, name, 0, REG_DWORD, reinterpret_cast<const BYTE *>(number), sizeof(*number));

@@ -11,6 +11,9 @@
 // a progress line where the terminal can place its cursor. The program's locale must be set.
 DisplayOptions DetectDisplay();
 
+// Whether there is a terminal that dialogs can ask in: the session's own, whatever the standard files are.
+bool HasTerminal();
+
 // Whether standard input and output are a terminal that can show the settings sheet.
 bool IsUserAtTerminal();
 
@@ -19,6 +22,9 @@ size_t TerminalColumns();
 
 // Writes everything to standard output, if need be in several calls. What can't be written is lost.
 void WriteOut(std::string_view text);
+
+// The same to standard error.
+void WriteFaults(std::string_view text);
 
 // The first error number of a WriteOut that failed, 0 if none did. A reader that has seen enough and closed its
 // pipe is no failure.

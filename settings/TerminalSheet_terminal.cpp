@@ -26,12 +26,14 @@ constexpr int Widest = 80;
 constexpr int Tallest = 24;
 constexpr int PageMargin = 2;
 constexpr int WheelRows = 3;
+constexpr int RowsForKeys = 20; // a lower sheet needs all its rows for the page
 
 // Kept between sheets for as long as the module stays loaded.
 size_t lastPageIndex = 0;
 
 constexpr const WCHAR *OkWord = TEXT("[   OK   ]");
 constexpr const WCHAR *CancelWord = TEXT("[ Cancel ]");
+constexpr const WCHAR *KeyWords = TEXT("Tab move   Space change   Ctrl+PgDn next page   Enter OK   Esc cancel");
 constexpr const WCHAR *WaitingWord = TEXT("Please wait...");
 
 int Cells(WideView text)
@@ -394,7 +396,8 @@ private:
         const int bottom = sheet.Top + sheet.Height - 1;
         DrawTabs(sheet);
         DrawRule(sheet, sheet.Top + 1);
-        const int footRows = DrawButtons(sheet, bottom);
+        const int keyRows = DrawKeys(sheet, bottom);
+        const int footRows = keyRows + DrawButtons(sheet, bottom - keyRows);
         DrawRule(sheet, bottom - footRows);
         m_pageRows = std::max(sheet.Height - footRows - 3, 1);
         const int pageColumns = std::max(sheet.Width - 2 * PageMargin, 1);
@@ -471,6 +474,17 @@ private:
         {
             m_screen.PlaceCursor(column + 1, row);
         }
+    }
+
+    // Returns the number of rows used.
+    int DrawKeys(const ScreenArea &sheet, int row)
+    {
+        if (sheet.Height < RowsForKeys || sheet.Width < Cells(KeyWords) + 2 * PageMargin)
+        {
+            return 0;
+        }
+        m_screen.Write(sheet.Left + PageMargin, row, KeyWords, Look::Dim);
+        return 1;
     }
 
     // Returns the number of rows used.

@@ -5,6 +5,7 @@
 namespace
 {
 constexpr COLORREF Green = RGB(16, 124, 16);
+constexpr COLORREF Blue = RGB(0, 95, 184);
 constexpr COLORREF Red = RGB(196, 43, 28);
 constexpr COLORREF White = RGB(255, 255, 255);
 
@@ -95,18 +96,27 @@ BitmapOwner CopyOf(HIMAGELIST images, int image, int edge)
     return copy;
 }
 
-void DrawBadge(HBITMAP bitmap, int edge, bool isPublished)
+void DrawBadge(HBITMAP bitmap, int edge, Badge badge)
 {
     {
         const Canvas canvas(bitmap);
         const int size = edge / 4;
         const int left = edge - size - 2, top = edge - size - 2;
         const int thick = std::max(size / 8, 2);
-        canvas.With(CreatePen(PS_SOLID, 2, White), CreateSolidBrush(isPublished ? Green : Red),
+        canvas.With(CreatePen(PS_SOLID, 2, White),
+                    CreateSolidBrush(badge == Badge::Published ? Green
+                                     : badge == Badge::Failed  ? Red
+                                                               : Blue),
                     [&] { Ellipse(canvas.Get(), left, top, left + size, top + size); });
         const auto at = [&](int x, int y) { return POINT{left + size * x / 16, top + size * y / 16}; };
         canvas.With(CreatePen(PS_SOLID, thick, White), CreateSolidBrush(White), [&] {
-            if (isPublished)
+            if (badge == Badge::Uploading)
+            {
+                const POINT shaft[] = {at(8, 12), at(8, 4)}, head[] = {at(5, 7), at(8, 4), at(11, 7)};
+                Polyline(canvas.Get(), shaft, 2);
+                Polyline(canvas.Get(), head, 3);
+            }
+            else if (badge == Badge::Published)
             {
                 const POINT check[] = {at(4, 8), at(7, 11), at(12, 5)};
                 Polyline(canvas.Get(), check, 3);

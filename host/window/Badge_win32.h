@@ -10,5 +10,12 @@
 BitmapOwner EmptyFrame(int edge);
 BitmapOwner CopyOf(HIMAGELIST images, int image, int edge);
 
-// In the corner at the lower right: a check mark for a published picture, a cross for one that failed.
-void DrawBadge(HBITMAP bitmap, int edge, bool isPublished);
+enum class Badge
+{
+    Published, // a check mark
+    Failed,    // a cross; also if the outcome is unknown
+    Uploading  // an arrow that points up
+};
+
+// In the corner at the lower right; covers one that is there.
+void DrawBadge(HBITMAP bitmap, int edge, Badge badge);

@@ -26,6 +26,7 @@ struct HostCommands
     bool canAdd = false;
     bool canRemove = false;
     bool canPublish = false;
+    bool mustAuthorize = false; // first; the button for publishing does that then
     bool canCancel = false;
     bool canConfigure = false;
     bool isCancelAbrupt = false; // the next click stops at once

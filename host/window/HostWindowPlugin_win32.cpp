@@ -118,8 +118,8 @@ void HostWindow::ShowPlugin()
         m_controls->SetText(IDC_STATE, text(&IHalvoraPublishingPlugin::GetDisplayState));
         m_isAuthorized = plugin.CanPublish(m_window, FALSE) == S_OK;
     }
-    m_controls->LayOut();
     UpdateCommands();
+    m_controls->LayOut();
 }
 
 // Runs the verb of the link that was clicked. The plug-in shows dialogs, so this may take long.

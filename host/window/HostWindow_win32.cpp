@@ -227,6 +227,11 @@ void HostWindow::OnCommand(int id)
         {
             BeginRun();
         }
+        else if (commands.mustAuthorize)
+        {
+            m_verb = L"authorize";
+            Configure();
+        }
         break;
     case IDC_CANCEL:
         if (commands.canCancel)
@@ -262,6 +267,15 @@ LRESULT HostWindow::OnNotify(NMHDR &header)
         else if (header.code == LVN_KEYDOWN && reinterpret_cast<const NMLVKEYDOWN &>(header).wVKey == VK_DELETE)
         {
             OnCommand(IDC_REMOVE);
+        }
+        else if (header.code == NM_CUSTOMDRAW && m_pictures && m_pictures->Count() == 0)
+        {
+            auto &drawing = reinterpret_cast<NMLVCUSTOMDRAW &>(header);
+            if (drawing.nmcd.dwDrawStage == CDDS_POSTPAINT)
+            {
+                m_pictures->DrawHint(drawing, ResourceText(IDS_DROP_HERE));
+            }
+            return drawing.nmcd.dwDrawStage == CDDS_PREPAINT ? CDRF_NOTIFYPOSTPAINT : CDRF_DODEFAULT;
         }
         return 0;
     case IDC_LOG:
@@ -309,6 +323,10 @@ void HostWindow::AddPictures(const std::vector<std::filesystem::path> &paths)
     for (const RefusedFile &refused : collection.refused)
     {
         m_log->Append(LOG_LEVEL_WARNING, ShownPath(refused.path) + " " + refused.reason + ".");
+    }
+    for (const auto &folder : collection.empty)
+    {
+        m_log->Append(LOG_LEVEL_WARNING, ShownPath(folder) + " contains no pictures (hidden files are skipped).");
     }
     for (const auto &path : collection.passedOver)
     {
@@ -369,7 +387,8 @@ void HostWindow::UpdateCommands()
     const HostCommands commands = CommandsIn(State());
     m_controls->Enable(IDC_ADD, commands.canAdd && !m_isConfiguring);
     m_controls->Enable(IDC_REMOVE, commands.canRemove && !m_isConfiguring);
-    m_controls->Enable(IDC_PUBLISH, commands.canPublish && !m_isConfiguring);
+    m_controls->SetText(IDC_PUBLISH, ResourceText(commands.mustAuthorize ? IDS_AUTHORIZE : IDS_PUBLISH));
+    m_controls->Enable(IDC_PUBLISH, (commands.canPublish || commands.mustAuthorize) && !m_isConfiguring);
     m_controls->Enable(IDC_STATE, commands.canConfigure && !m_isConfiguring);
     m_controls->SetText(IDC_CANCEL, ResourceText(commands.isCancelAbrupt ? IDS_STOP_NOW : IDS_CANCEL));
     m_controls->Enable(IDC_CANCEL, commands.canCancel);

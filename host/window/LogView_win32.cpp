@@ -64,36 +64,70 @@ void LogView::Show()
     }
     for (Entry &entry : appended)
     {
-        Insert(entry);
         m_entries.push_back(std::move(entry));
+        Insert(m_entries.size() - 1);
     }
     FitColumns();
     if (m_entries.size() > MostEntries)
     {
         m_entries.erase(m_entries.begin(), m_entries.end() - MostEntries / 2);
-        ShowDetails(m_details);
+        Refill();
     }
-    ListView_EnsureVisible(m_list, static_cast<int>(m_levels.size()) - 1, FALSE);
+    ListView_EnsureVisible(m_list, static_cast<int>(m_rows.size()) - 1, FALSE);
 }
 
-void LogView::Insert(const Entry &entry)
+// A report view has no rows of several lines: an entry that is too wide takes as many rows as it needs.
+std::vector<std::wstring> LogView::LinesOf(const std::wstring &text) const
 {
+    const auto fits = [&](const std::wstring &line) {
+        return ListView_GetStringWidth(m_list, line.c_str()) <= m_textWidth;
+    };
+    if (fits(text))
+    {
+        return {text};
+    }
+    std::vector<std::wstring> lines;
+    std::wstring line;
+    for (size_t begin = 0; begin < text.size();)
+    {
+        const size_t end = std::min(text.find(L' ', begin), text.size());
+        const std::wstring word = text.substr(begin, end - begin);
+        const std::wstring longer = line.empty() ? word : line + L' ' + word;
+        if (!line.empty() && !fits(longer))
+        {
+            lines.push_back(std::exchange(line, word));
+        }
+        else
+        {
+            line = longer;
+        }
+        begin = end + 1;
+    }
+    lines.push_back(line);
+    return lines;
+}
+
+void LogView::Insert(size_t index)
+{
+    const Entry &entry = m_entries[index];
     if (!IsSeen(entry))
     {
         return;
     }
     std::wstring level = LevelText(entry.level);
-    std::wstring text = entry.text;
-    LVITEMW row{};
-    row.mask = LVIF_TEXT;
-    row.iItem = static_cast<int>(m_levels.size());
-    row.pszText = level.data();
-    m_levels.push_back(entry.level);
-    ListView_InsertItem(m_list, &row);
-    m_longest = std::max(m_longest, ListView_GetStringWidth(m_list, text.c_str()));
-    row.iSubItem = 1;
-    row.pszText = text.data();
-    ListView_SetItem(m_list, &row);
+    for (std::wstring &line : LinesOf(entry.text))
+    {
+        LVITEMW row{};
+        row.mask = LVIF_TEXT;
+        row.iItem = static_cast<int>(m_rows.size());
+        row.pszText = level.data();
+        m_rows.push_back(index);
+        ListView_InsertItem(m_list, &row);
+        row.iSubItem = 1;
+        row.pszText = line.data();
+        ListView_SetItem(m_list, &row);
+        level.clear();
+    }
 }
 
 void LogView::SelectAll()
@@ -104,17 +138,14 @@ void LogView::SelectAll()
 std::wstring LogView::SelectedText() const
 {
     std::wstring text;
-    size_t row = 0;
-    for (const Entry &entry : m_entries)
+    size_t copied = m_entries.size();
+    for (size_t row = 0; row < m_rows.size(); ++row)
     {
-        if (!IsSeen(entry))
+        if (m_rows[row] != copied && ListView_GetItemState(m_list, static_cast<int>(row), LVIS_SELECTED) != 0)
         {
-            continue;
-        }
-        if (ListView_GetItemState(m_list, static_cast<int>(row++), LVIS_SELECTED) != 0)
-        {
-            const std::wstring level = LevelText(entry.level);
-            text += (level.empty() ? level : level + L": ") + entry.text + L"\r\n";
+            copied = m_rows[row];
+            const std::wstring level = LevelText(m_entries[copied].level);
+            text += (level.empty() ? level : level + L": ") + m_entries[copied].text + L"\r\n";
         }
     }
     return text;
@@ -123,17 +154,21 @@ std::wstring LogView::SelectedText() const
 void LogView::ShowDetails(bool details)
 {
     m_details = details;
+    Refill();
+}
+
+void LogView::Refill()
+{
     SendMessageW(m_list, WM_SETREDRAW, FALSE, 0);
     ListView_DeleteAllItems(m_list);
-    m_levels.clear();
-    m_longest = 0;
-    for (const Entry &entry : m_entries)
+    m_rows.clear();
+    for (size_t i = 0; i < m_entries.size(); ++i)
     {
-        Insert(entry);
+        Insert(i);
     }
     SendMessageW(m_list, WM_SETREDRAW, TRUE, 0);
     InvalidateRect(m_list, nullptr, TRUE);
-    ListView_EnsureVisible(m_list, static_cast<int>(m_levels.size()) - 1, FALSE);
+    ListView_EnsureVisible(m_list, static_cast<int>(m_rows.size()) - 1, FALSE);
 }
 
 void LogView::FitColumns()
@@ -149,15 +184,20 @@ void LogView::FitColumns()
     const int whole =
         area.right - ((GetWindowLongW(m_list, GWL_STYLE) & WS_VSCROLL) != 0 ? 0 : GetSystemMetrics(SM_CXVSCROLL));
     ListView_SetColumnWidth(m_list, 0, widest);
-    ListView_SetColumnWidth(m_list, 1, std::max(whole - widest, m_longest + 4 * GetSystemMetrics(SM_CXEDGE)));
+    ListView_SetColumnWidth(m_list, 1, whole - widest);
+    if (const int width = whole - widest - 6 * GetSystemMetrics(SM_CXEDGE); width != m_textWidth)
+    {
+        m_textWidth = width;
+        Refill();
+    }
 }
 
 LRESULT LogView::Draw(NMLVCUSTOMDRAW &drawing) const
 {
     const size_t row = drawing.nmcd.dwItemSpec;
-    if (drawing.nmcd.dwDrawStage == CDDS_ITEMPREPAINT && row < m_levels.size() && !HasOwnColours())
+    if (drawing.nmcd.dwDrawStage == CDDS_ITEMPREPAINT && row < m_rows.size() && !HasOwnColours())
     {
-        const int level = m_levels[row];
+        const int level = m_entries[m_rows[row]].level;
         drawing.clrText = level >= LOG_LEVEL_ERROR     ? ErrorColour
                           : level == LOG_LEVEL_WARNING ? WarningColour
                           : level <= LOG_LEVEL_VERBOSE ? DetailColour

@@ -23,13 +23,13 @@ public:
 
     void SelectAll();
 
-    // The selected rows, each a line: the level's word if it has one, and the text.
+    // The selected entries, each a line: the level's word if it has one, and the text.
     std::wstring SelectedText() const;
 
     // Whether entries of level 0 are seen.
     void ShowDetails(bool details);
 
-    // For the window's present size; a text that is longer can be scrolled to.
+    // For the window's present size; a longer text continues in further rows.
     void FitColumns();
 
     // Answers the list's question how to draw: in colours of the levels.
@@ -43,14 +43,16 @@ private:
     };
 
     bool IsSeen(const Entry &entry) const { return entry.level > 0 || m_details; }
-    void Insert(const Entry &entry);
+    std::vector<std::wstring> LinesOf(const std::wstring &text) const;
+    void Insert(size_t index);
+    void Refill();
 
     const HWND m_list;
     const UINT m_message;
     std::mutex m_lock;
     std::vector<Entry> m_appended;
     std::vector<Entry> m_entries;
-    std::vector<int> m_levels; // row by row
+    std::vector<size_t> m_rows; // the entry of each
     bool m_details = false;
-    int m_longest = 0; // pixels of the widest text seen
+    int m_textWidth = 0; // in pixels
 };

@@ -1,5 +1,7 @@
-// halvora.exe: [--profile FOLDER] [PICTURE or FOLDER]...
+// HalvoraPublish.exe: [--profile FOLDER] [PICTURE or FOLDER]...
+// HalvoraPublish.exe --shell-entries add|remove, for the installer: no window; the exit code is 0 or 1.
 #include "host/window/HostWindow_win32.h"
+#include "host/window/ShellEntries_win32.h"
 #include "host/window/WindowText_win32.h"
 #include "host/window/resource.h"
 
@@ -18,8 +20,9 @@ namespace
 {
 struct Arguments
 {
-    std::filesystem::path profile = Profile::DefaultFolder();
+    std::filesystem::path profile; // empty: the default
     std::vector<std::filesystem::path> pictures;
+    std::wstring shellEntries; // "add" or "remove"; empty: show the window
 };
 
 Arguments ReadArguments()
@@ -34,6 +37,10 @@ Arguments ReadArguments()
         {
             arguments.profile = texts[++i];
         }
+        else if (std::wstring_view(texts[i]) == L"--shell-entries" && i + 1 < count)
+        {
+            arguments.shellEntries = texts[++i];
+        }
         else
         {
             arguments.pictures.emplace_back(texts[i]);
@@ -45,7 +52,11 @@ Arguments ReadArguments()
 int Run(int show)
 {
     const Arguments arguments = ReadArguments();
-    const Profile profile(arguments.profile);
+    if (!arguments.shellEntries.empty())
+    {
+        return FAILED(arguments.shellEntries == L"add" ? AddShellEntries() : RemoveShellEntries()) ? 1 : 0;
+    }
+    const Profile profile(arguments.profile.empty() ? Profile::DefaultFolder() : arguments.profile);
     HostWindow host(profile);
     host.AddPictures(arguments.pictures);
     ShowWindow(host.Get(), show);

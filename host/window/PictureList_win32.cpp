@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 namespace
 {
@@ -148,9 +149,12 @@ void PictureList::ShowThumbnails()
 
 void PictureList::Show(Picture &picture, HBITMAP thumbnail)
 {
-    if (picture.end != ItemEnd::NotTried)
+    if (picture.end != ItemEnd::NotTried || picture.isUploading)
     {
-        DrawBadge(thumbnail, m_edge, picture.end == ItemEnd::Published);
+        DrawBadge(thumbnail, m_edge,
+                  picture.isUploading                 ? Badge::Uploading
+                  : picture.end == ItemEnd::Published ? Badge::Published
+                                                      : Badge::Failed);
     }
     if (picture.image == 0 && !m_freeImages.empty())
     {
@@ -199,10 +203,27 @@ void PictureList::MarkEnds(const RunRecord &record)
     {
         Picture &picture = m_pictures[m_run[i]];
         const ItemEnd end = record.EndOf(i);
+        const bool wasUploading = std::exchange(picture.isUploading, record.Current() == i);
         if (end != ItemEnd::NotTried && end != picture.end)
         {
             picture.end = end;
             Show(picture, CopyOf(m_images, picture.image, m_edge).Get());
         }
+        else if (picture.isUploading && !wasUploading)
+        {
+            Show(picture, CopyOf(m_images, picture.image, m_edge).Get());
+        }
     }
+}
+
+void PictureList::DrawHint(NMLVCUSTOMDRAW &drawing, const std::wstring &hint) const
+{
+    const HDC context = drawing.nmcd.hdc;
+    RECT area{};
+    GetClientRect(m_view, &area);
+    const HGDIOBJ font = SelectObject(context, reinterpret_cast<HFONT>(SendMessageW(m_view, WM_GETFONT, 0, 0)));
+    SetBkMode(context, TRANSPARENT);
+    SetTextColor(context, GetSysColor(COLOR_GRAYTEXT));
+    DrawTextW(context, hint.c_str(), -1, &area, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
+    SelectObject(context, font);
 }

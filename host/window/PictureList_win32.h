@@ -9,6 +9,7 @@
 #include <commctrl.h>
 
 #include <memory>
+#include <string>
 #include <vector>
 
 class PictureList
@@ -39,8 +40,11 @@ public:
     // the run.
     std::vector<PictureItem> BeginRun();
 
-    // Marks what became of the items of BeginRun so far; one that wasn't tried stays unmarked.
+    // Marks what became of the items of BeginRun so far, and the one that is being uploaded.
     void MarkEnds(const RunRecord &record);
+
+    // Writes the hint into the middle of the view, which must be empty, while that is drawn.
+    void DrawHint(NMLVCUSTOMDRAW &drawing, const std::wstring &hint) const;
 
 private:
     struct Picture
@@ -50,6 +54,7 @@ private:
         std::filesystem::path identity; // of the stem
         int image = 0;                  // 0: none of its own
         ItemEnd end = ItemEnd::NotTried;
+        bool isUploading = false;
     };
 
     static bool IsWaiting(const Picture &picture)

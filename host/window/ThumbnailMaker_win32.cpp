@@ -6,6 +6,8 @@
 
 namespace
 {
+constexpr DWORD FrameColour = 0xFFC8C8C8;
+
 // 32 bits a pixel, rows from the top, filled with the background.
 BitmapOwner MakeSquare(int edge, DWORD *&pixels)
 {
@@ -43,7 +45,9 @@ BitmapOwner InTheMiddle(const DecodedPicture &picture, int edge)
     {
         for (int x = 0; x < width; ++x, from += 3)
         {
-            line[x] = 0xFF000000u | DWORD{from[2]} << 16 | DWORD{from[1]} << 8 | from[0];
+            // A frame, or white pictures would not be seen.
+            const bool isFrame = x == 0 || y == 0 || x == width - 1 || y == height - 1;
+            line[x] = isFrame ? FrameColour : 0xFF000000u | DWORD{from[2]} << 16 | DWORD{from[1]} << 8 | from[0];
         }
     }
     return square;

@@ -36,9 +36,13 @@ copy /y "%source%Licences\*" "%target%\Licences" >nul
 for %%M in (@HALVORA_MODULES@) do call :register %%M
 if defined failed goto undo
 
+rem The Start menu, and Windows' list of installed apps. Without them it works all the same.
+"%target%\HalvoraPublish.exe" --shell-entries add
+if errorlevel 1 echo Windows can't add it to the Start menu and the installed apps; the program is HalvoraPublish.exe there.
+
 echo Halvora Publish to Flickr @PROJECT_VERSION@ is installed in
 echo "%target%"
-echo Start Halvora, which offers to publish to Flickr, or halvora.exe there.
+echo Start Halvora and choose "Publish to Flickr", or "Halvora Publish to Flickr" in the Start menu.
 if /i not "%quiet%"=="/quiet" pause
 exit /b 0
 

@@ -14,6 +14,7 @@ if not exist "%target%" (
     exit /b 0
 )
 for %%M in (@HALVORA_MODULES@) do call :unregister %%M
+if exist "%target%\HalvoraPublish.exe" "%target%\HalvoraPublish.exe" --shell-entries remove
 for %%F in (@HALVORA_MODULES@@HALVORA_PROGRAMS@ ReadMe.txt) do call :remove %%F
 if defined failed (
     echo Is Halvora still open? Close it and start uninstall.cmd again.
@@ -21,7 +22,7 @@ if defined failed (
     if /i not "%quiet%"=="/quiet" pause
     exit /b 1
 )
-rem The account that halvora.exe kept, which holds the permission to publish.
+rem The account that HalvoraPublish.exe kept, which holds the permission to publish.
 for %%F in (init-data.bin init-data.bin.new lock) do del /f /q "%LOCALAPPDATA%\Halvora\%%F" 2>nul
 del /f /q "%LOCALAPPDATA%\Halvora\init-data.bin.damaged-*" 2>nul
 echo Halvora Publish to Flickr is removed; its settings stay.

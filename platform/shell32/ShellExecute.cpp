@@ -1,5 +1,6 @@
 // Opens a document, which natively is always a web page: the desktop's xdg-open passes its address to the
-// user's browser.
+// user's browser. Over ssh, or without a desktop, no browser starts, or only one that nobody sees, so the address
+// is shown in the terminal too: any browser on any computer does.
 //
 // The address is an argument of xdg-open and of the browser, and every user of the machine can read the
 // arguments of a process, so an address that is opened must not hold a secret. That of the page on which
@@ -13,9 +14,29 @@
 #include "platform/shell32/DetachedProgram.h"
 
 #include <cerrno>
+#include <fcntl.h>
+#include <termios.h>
+#include <unistd.h>
 
 namespace
 {
+// Writes to the user's terminal, if there is one. While it passes on each key as it is typed, this program shows a
+// sheet there, in which lines of others would stand where they don't belong.
+void ShowInTerminal(const std::string &address)
+{
+    const int terminal = open("/dev/tty", O_WRONLY | O_NOCTTY | O_CLOEXEC);
+    termios state{};
+    if (terminal >= 0 && tcgetattr(terminal, &state) == 0 && (state.c_lflag & ICANON) != 0)
+    {
+        const std::string text = "\nIf no browser opens, open this page on any computer:\n" + address + "\n\n";
+        [[maybe_unused]] const ssize_t written = write(terminal, text.data(), text.size());
+    }
+    if (terminal >= 0)
+    {
+        close(terminal);
+    }
+}
+
 bool EqualsIgnoringCase(WideView text, WideView lowerAscii)
 {
     if (text.size() != lowerAscii.size())
@@ -74,6 +95,7 @@ Outcome Open(WideView verb, WideView address)
     {
         return {SE_ERR_ACCESSDENIED, ERROR_ACCESS_DENIED};
     }
+    ShowInTerminal(ToUtf8(address));
     const std::string opener = FindProgram("xdg-open");
     if (opener.empty())
     {

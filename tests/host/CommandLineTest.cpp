@@ -41,7 +41,7 @@ TEST(CommandLineTest, ReadsEveryCommand)
     EXPECT_TRUE(publish.verbose);
     EXPECT_THAT(publish.paths, ElementsAre("status", "a b.jpg"));
     EXPECT_THAT(Parsed({"publish", "--", "-x.jpg"}).paths, ElementsAre("-x.jpg"));
-    EXPECT_EQ(Parsed({"status"}).command, Command::Status);
+    EXPECT_EQ(Parsed({"status", "--profile", "/behind"}).profile, "/behind");
     EXPECT_THAT(Parsed({"settings", "A=1", "B=8\" print"}).assignments, ElementsAre("A=1", "B=8\" print"));
     EXPECT_THAT(Parsed({"account", "--set-token", "t", "s"}).setToken, ElementsAre("t", "s"));
     EXPECT_THAT(Parsed({"account", "--set-token", "-"}).setToken, ElementsAre("-"));
@@ -55,8 +55,12 @@ TEST(CommandLineTest, WrongCallsEndInWords)
     EXPECT_TRUE(Ended({"publish"}).isError);
     EXPECT_TRUE(Ended({"publish", "-q", "-v", "a"}).isError);
     EXPECT_TRUE(Ended({"nonsense"}).isError);
+    EXPECT_THAT(Ended({"nonsense"}).text, HasSubstr("--help lists"));
+    EXPECT_THAT(Ended({"--profile", "/x", "publsih", "a"}).text, HasSubstr("did you mean \"publish\"?"));
     EXPECT_THAT(Ended({"account", "--set-token", "alone"}).text, HasSubstr("its secret"));
     EXPECT_FALSE(Ended({"--help"}).isError);
     EXPECT_THAT(Ended({"account", "--help"}).text, HasSubstr("standard input"));
     EXPECT_THAT(Ended({"--version"}).text, HasSubstr("1.96"));
+    EXPECT_EQ(Ended({"version"}).text, Ended({"--version"}).text);
+    EXPECT_EQ(Ended({"help", "account"}).text, Ended({"account", "--help"}).text);
 }

@@ -25,7 +25,8 @@ const char *const Tags =
     "-ExifIFD:ISO=200 -ExifIFD:ExposureTime=1/60 -ExifIFD:LensModel=L -ExifIFD:SubjectArea='1 2 3' "
     "-ExifIFD:ExposureCompensation=-1.5 -ExifIFD:DateTimeOriginal='2024:05:06 07:08:09' -GPSLatitude=49.5 "
     "-GPSLatitudeRef=N -GPSAltitude=12 -GPSDateStamp='2024:05:06' -XMP-xmp:Label=Red -XMP-photoshop:Urgency=2 "
-    "-IFD0:Rating=4 -IFD0:Orientation#=6 -Comment=said";
+    "-IFD0:Rating=4 -IFD0:Orientation#=6 -ExifIFD:ColorSpace#=65535 "
+    "-InteropIFD:InteropIndex=R03 -Comment=said";
 
 // "directory tag type data"
 std::vector<std::string> Told(const std::vector<ExifField> &fields)
@@ -80,6 +81,7 @@ TEST(FrameMetadata, FindsWhatTheReaderOfFilesFinds)
     EXPECT_EQ(Told(groups.gps), Told(wantedGroups.gps));
     EXPECT_GE(groups.gps.size(), 4u);
     EXPECT_EQ(groups.orientation, 6);
+    EXPECT_TRUE(groups.isAdobeRgb && wantedGroups.isAdobeRgb);
     EXPECT_EQ(groups.rating, 4);
     EXPECT_EQ(groups.urgency, 2);
     EXPECT_EQ(groups.label, u"Red");

@@ -105,6 +105,48 @@ TEST_F(ImageMetadata, XmpComesBeforeIptcAndExif)
     EXPECT_EQ(texts.artist, u"Ann; Bob");
 }
 
+TEST_F(ImageMetadata, XmpIsReadBeyondTheFirstPacket)
+{
+    const std::string identifier(32, 'A');
+    Exiv2::XmpProperties::registerNs("http://ns.adobe.com/xmp/note/", "xmpNote");
+    const fs::path file = Make([&](Exiv2::Image &image) {
+        SetXmp(image, "Xmp.dc.title", Exiv2::langAlt, {"lang=x-default Title"});
+        SetXmp(image, "Xmp.xmpNote.HasExtendedXMP", Exiv2::xmpText, {identifier.c_str()});
+    });
+    Exiv2::XmpData beyond;
+    beyond["Xmp.dc.title"] = "other";
+    beyond["Xmp.dc.subject"] = "word";
+    beyond["Xmp.dc.description"] = std::string(70000, 'd');
+    std::string packet;
+    ASSERT_EQ(Exiv2::XmpParser::encode(packet, beyond), 0);
+    const auto bigEndian = [](size_t value, int bytes) {
+        std::string text;
+        for (; bytes > 0; --bytes)
+        {
+            text += static_cast<char>(value >> 8 * (bytes - 1));
+        }
+        return text;
+    };
+    const auto part = [&](size_t from, size_t length) {
+        const std::string contents = "http://ns.adobe.com/xmp/extension/\0"s + identifier +
+                                     bigEndian(packet.size(), 4) + bigEndian(from, 4) +
+                                     packet.substr(from, length);
+        return "\xFF\xE1"s + bigEndian(contents.size() + 2, 2) + contents;
+    };
+    const std::string first = m_folder.Read(file.filename());
+    const size_t half = packet.size() / 2;
+    for (const bool isWhole : {true, false})
+    {
+        std::string bytes = first;
+        bytes.insert(2, part(half, packet.size()) + (isWhole ? part(0, half) : std::string()));
+        ImageTexts texts;
+        ASSERT_EQ(ReadImageTexts(m_folder.Write("far.jpg", bytes), texts), S_OK);
+        EXPECT_EQ(texts.title, u"Title");
+        EXPECT_EQ(texts.description.size(), isWhole ? 70000u : 0u);
+        EXPECT_EQ(texts.keywords.size(), isWhole ? 1u : 0u);
+    }
+}
+
 TEST_F(ImageMetadata, IptcIsReadWithAndWithoutItsDeclaredCharset)
 {
     struct Case
@@ -216,14 +258,21 @@ TEST_F(ImageMetadata, NoDamageBreaksTheReader)
         SetExif(image, "Exif.Photo.UserComment", Exiv2::undefined, "ASCII\0\0\0text"s);
         image.exifData()["Exif.Image.Artist"] = "someone";
     });
-    const std::string bytes = m_folder.Read(whole.filename());
-    for (size_t at = 2; at < bytes.size(); at += 17)
+    const fs::path boxes = m_folder.Path() / "picture.avif";
+    ASSERT_EQ(std::system(("vips copy " + whole.string() + " " + boxes.string() + " 2>&1").c_str()), 0);
+    for (const fs::path &file : {whole, boxes})
     {
-        std::string broken = bytes;
-        broken[at] = static_cast<char>(broken[at] ^ 0xFF);
         ImageTexts texts;
-        ReadImageTexts(m_folder.Write("broken.jpg", broken), texts);
-        ReadImageTexts(m_folder.Write("cut.jpg", bytes.substr(0, at)), texts);
+        ASSERT_EQ(ReadImageTexts(file, texts), S_OK);
+        EXPECT_EQ(texts.title + texts.comment + texts.artist, u"Titletextsomeone") << file;
+        const std::string bytes = m_folder.Read(file.filename());
+        for (size_t at = 2; at < bytes.size(); at += 17)
+        {
+            std::string broken = bytes;
+            broken[at] = static_cast<char>(broken[at] ^ 0xFF);
+            ReadImageTexts(m_folder.Write("broken", broken), texts);
+            ReadImageTexts(m_folder.Write("cut", bytes.substr(0, at)), texts);
+        }
     }
 }
 

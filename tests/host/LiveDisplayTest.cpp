@@ -15,10 +15,16 @@ class LiveDisplayTest : public testing::Test
 protected:
     LiveDisplay Make(bool live, int lowestLevel = 1)
     {
-        return LiveDisplay({live, false, false, lowestLevel}, [this](std::string_view drawing) {
-            m_screen += drawing;
-            ++m_drawings;
-        });
+        return LiveDisplay(
+            {live, false, false, false, lowestLevel},
+            [this](std::string_view drawing) {
+                m_screen += drawing;
+                ++m_drawings;
+            },
+            [this](std::string_view lines) {
+                m_screen += lines; // a terminal shows both
+                m_faults += lines;
+            });
     }
 
     std::string TakeScreen() { return std::exchange(m_screen, {}); }
@@ -26,6 +32,7 @@ protected:
     static ProgressView View(int position) { return {0, 100, position, BarState::Normal, "status"}; }
 
     std::string m_screen;
+    std::string m_faults; // what standard error got
     int m_drawings = 0;
     LiveDisplay::Clock::time_point m_now{10s};
 };
@@ -42,7 +49,9 @@ TEST_F(LiveDisplayTest, LinesScrollAboveTheProgressAndLeaveNothingBehind)
     display.EndProgress();
     EXPECT_EQ(TakeScreen(), Erase);
     display.Print("done\n");
-    EXPECT_EQ(TakeScreen(), "done\n");
+    display.Print("failed\n", true);
+    EXPECT_EQ(TakeScreen(), "done\nfailed\n");
+    EXPECT_EQ(m_faults, "error: broke\nfailed\n");
 }
 
 TEST_F(LiveDisplayTest, DrawsAtMostTwentyTimesASecondAndLosesNothing)

@@ -66,6 +66,33 @@ TEST_F(PictureDecoding, ColoursAreConvertedFromTheFilesProfile)
     ExpectQuarters(DecodePicture(jpeg, 16, nullptr), {Green, Red, Blue, White}, 4);
 }
 
+TEST_F(PictureDecoding, AdobeRgbThatExifAloneTellsIsConverted)
+{
+    const struct
+    {
+        const char *fields;
+        const char *profile;
+        bool isAdobe;
+    } cases[] = {
+        {"-ExifIFD:ColorSpace#=65535 -InteropIFD:InteropIndex=R03", "", true},
+        {"-ExifIFD:ColorSpace#=2", "", true},
+        {"-ExifIFD:ColorSpace#=65535 -InteropIFD:InteropIndex=R98", "", false},
+        {"-ExifIFD:ColorSpace#=1 -InteropIFD:InteropIndex=R03", "", false},
+        {"-ExifIFD:ColorSpace#=65535 -InteropIFD:InteropIndex=R03", "srgb", false},
+    };
+    for (const auto &c : cases)
+    {
+        const fs::path file =
+            Sample("exif.jpg", 240, 240, {.saver = "[Q=100,subsample-mode=off]", .profile = c.profile});
+        const std::string command =
+            "exiftool -q -q -m -overwrite_original " + std::string(c.fields) + " " + file.string();
+        ASSERT_EQ(std::system(command.c_str()), 0);
+        // Halfway between green and white: such a green has less than no red in sRGB.
+        const int red = PixelAt(DecodePicture(file, 3, nullptr), 2, 1).red;
+        EXPECT_TRUE(c.isAdobe ? red < 40 : red > 90) << c.fields << c.profile << ": " << red;
+    }
+}
+
 TEST_F(PictureDecoding, ADamagedProfileCountsAsNone)
 {
     const fs::path exchanged = MakeExchangedProfile(m_folder.Path());
@@ -120,10 +147,16 @@ TEST_F(PictureDecoding, HeifIsReadWhereTheLibraryCan)
 
 TEST_F(PictureDecoding, TheResolutionIsTheFiles)
 {
-    const DecodedPicture told = DecodePicture(Sample("told.jpg", 80, 40, {.dpi = 240}), 40, nullptr);
-    EXPECT_NEAR(told.dpiX, 240, 0.5);
-    EXPECT_NEAR(told.dpiY, 240, 0.5);
-    EXPECT_EQ(DecodePicture(Sample("untold.png", 8, 8, {.saver = "[strip]"}), 0, nullptr).dpiX, 0);
+    for (const char *name : {"told.jpg", "told.webp", "told.avif"})
+    {
+        const DecodedPicture told = DecodePicture(Sample(name, 80, 40, {.dpi = 240}), 40, nullptr);
+        EXPECT_NEAR(told.dpiX, 240, 0.5) << name;
+        EXPECT_NEAR(told.dpiY, 240, 0.5) << name;
+    }
+    for (const char *name : {"untold.png", "untold.avif"})
+    {
+        EXPECT_EQ(DecodePicture(Sample(name, 8, 8, {.saver = "[strip]"}), 0, nullptr).dpiX, 0) << name;
+    }
 }
 
 TEST_F(PictureDecoding, TheContentDecidesNotTheName)

@@ -38,6 +38,9 @@ TEST(SettingAssignment, TakesWhatTheTableAllows)
     EXPECT_TRUE(std::holds_alternative<std::monostate>(Taken("IsPublic=").value));
     EXPECT_EQ(WideView(Taken("safetylevel=1").setting->Name), u"SafetyLevel");
     EXPECT_EQ(std::get<UINT32>(Taken("IsPublic=false").value), 0u);
+    EXPECT_EQ(std::get<UINT32>(Taken("SafetyLevel=Restricted").value), 2u);
+    EXPECT_EQ(std::get<UINT32>(Taken("JPEGMode=processed").value), 2u);
+    EXPECT_TRUE(std::holds_alternative<SettingQuestion>(Taken("JPEGMode").value));
 }
 
 TEST(SettingAssignment, StoresSizesInThePluginsForm)
@@ -56,7 +59,7 @@ TEST(SettingAssignment, StoresSizesInThePluginsForm)
 
 TEST(SettingAssignment, SaysWhatIsWrongAndWhatWouldBeRight)
 {
-    EXPECT_THAT(FaultOf("JPEGMode"), HasSubstr("NAME=VALUE"));
+    EXPECT_THAT(FaultOf("SafetyLevel=saf"), HasSubstr("0 safe, 1 moderate"));
     EXPECT_THAT(FaultOf("Nothing=1"), HasSubstr("no setting \"Nothing\""));
     for (const char *text :
          {"JPEGMode=3", "JPEGMode=-1", "JPEGMode=1x", "JPEGMode=on", "JPEGMode=4294967296", "JPEGMode= 1"})

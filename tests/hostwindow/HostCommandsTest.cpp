@@ -14,7 +14,8 @@ HostState With(HostState state, auto change)
     return state;
 }
 
-// A letter for each thing that can be done: add, remove, publish, cancel (C: at once), configure (s).
+// A letter for each thing that can be done: add, remove, publish, authorize (z) instead, cancel (C: at once),
+// configure (s).
 std::string Possible(const HostState &state)
 {
     const HostCommands commands = CommandsIn(state);
@@ -22,6 +23,7 @@ std::string Possible(const HostState &state)
     letters += commands.canAdd ? "a" : "";
     letters += commands.canRemove ? "r" : "";
     letters += commands.canPublish ? "p" : "";
+    letters += commands.mustAuthorize ? "z" : "";
     letters += !commands.canCancel ? "" : commands.isCancelAbrupt ? "C" : "c";
     letters += commands.canConfigure ? "s" : "";
     return letters;
@@ -43,7 +45,7 @@ TEST(HostCommands, FollowWhatThereIs)
         {"nothing selected", With(Ready, [](HostState &s) { s.selected = 0; }), "aps", IDS_MANY_READY},
         {"empty", With(Ready, [](HostState &s) { s.pictures = s.selected = s.waiting = 0; }), "as",
          IDS_NO_PICTURES},
-        {"no account", With(Ready, [](HostState &s) { s.isAuthorized = false; }), "ars", IDS_NO_ACCOUNT},
+        {"no account", With(Ready, [](HostState &s) { s.isAuthorized = false; }), "arzs", IDS_NO_ACCOUNT},
         {"no plug-in", With(Ready, [](HostState &s) { s.hasPlugin = s.isAuthorized = false; }), "ar",
          IDS_NO_PLUGIN},
     };

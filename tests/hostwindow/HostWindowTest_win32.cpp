@@ -212,7 +212,10 @@ TEST_F(HostWithPlugin, ShowsItAndAsksForAuthorization)
     EXPECT_EQ(host.Text(IDC_PLUGIN_NAME), L"Publish for trial");
     EXPECT_THAT(host.Text(IDC_PLUGIN_VERSION), HasSubstr(L"7.5 (Build 3)"));
     EXPECT_TRUE(host.AwaitText(IDC_STATE, L"needs your leave"));
-    EXPECT_FALSE(host.IsEnabled(IDC_PUBLISH));
+    EXPECT_EQ(host.Text(IDC_PUBLISH), L"Au&thorize...");
+    host.Press(IDC_PUBLISH);
+    EXPECT_TRUE(host.AwaitText(IDC_STATE, L"Settings..."));
+    EXPECT_TRUE(host.AwaitText(IDC_PUBLISH, L"&Publish"));
 }
 
 TEST_F(HostWithPlugin, FollowsItsLinksAndKeepsTheAccount)

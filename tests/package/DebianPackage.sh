@@ -19,12 +19,18 @@ diff - "$work/content" <<'CONTENT' || fail 'other content than promised'
 -rw-r--r-- root/root usr/lib/halvora/modules/libhalvora-winhttp.so
 -rw-r--r-- root/root usr/lib/halvora/modules/msxml.so
 -rw-r--r-- root/root usr/lib/halvora/modules/windowscodecs.so
+-rw-r--r-- root/root usr/share/applications/halvora.desktop
+-rw-r--r-- root/root usr/share/bash-completion/completions/halvora
 -rw-r--r-- root/root usr/share/doc/halvora/CLI11.txt
 -rw-r--r-- root/root usr/share/doc/halvora/changelog.gz
 -rw-r--r-- root/root usr/share/doc/halvora/copyright
 -rw-r--r-- root/root usr/share/doc/halvora/nlohmann-json.txt
+-rw-r--r-- root/root usr/share/fish/vendor_completions.d/halvora.fish
+-rw-r--r-- root/root usr/share/icons/hicolor/scalable/apps/halvora.svg
 -rw-r--r-- root/root usr/share/man/man1/flickr-loopback.1.gz
 -rw-r--r-- root/root usr/share/man/man1/halvora.1.gz
+-rw-r--r-- root/root usr/share/metainfo/example.halvora.Halvora.metainfo.xml
+-rw-r--r-- root/root usr/share/zsh/vendor-completions/_halvora
 CONTENT
 
 # It depends on the packages of what it loads and calls, and Debian has all of them.
@@ -57,7 +63,7 @@ for file in "$unpacked"/usr/bin/* "$unpacked"/usr/lib/halvora/modules/*; do
 done
 ! readelf -dW "$unpacked/usr/bin/flickr-loopback" | grep 'R.*PATH' || fail 'flickr-loopback needs no path'
 version=$(dpkg-deb --field "$package" Version)
-[ "$("$unpacked/usr/bin/halvora" --version)" = "halvora $version" ] || fail 'the program has another version than the package'
+[ "$("$unpacked/usr/bin/halvora" --version | head -n 1)" = "halvora $version" ] || fail 'the program has another version than the package'
 for page in halvora flickr-loopback; do
     warnings=$(zcat "$unpacked/usr/share/man/man1/$page.1.gz" | LC_ALL=C.UTF-8 MANROFFSEQ='' MANWIDTH=80 man --warnings -l - 2>&1 >"$work/page")
     [ -z "$warnings" ] || fail "man page $page: $warnings"

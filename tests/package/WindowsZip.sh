@@ -50,8 +50,10 @@ done
 [[ " ${modules[*]} " = *' Halvora.Publishing.Plugin.Flickr.dll '* ]] || fail 'the plug-in is missing'
 grep -q 'Runtime Library Exception' "$unpacked/Licences/gcc.txt" || fail 'the exception of the GCC runtime is missing'
 
-# Prints the user's and the machine's registry. The keys that contain all classes exist beforehand.
-for container in AppID CLSID TypeLib Interface; do wine_tool reg add "HKCU\\Software\\Classes\\$container" /f; done
+# Prints the user's and the machine's registry. The keys that contain all classes and all programs exist beforehand.
+for container in Classes\\{AppID,CLSID,TypeLib,Interface} Microsoft\\Windows\\CurrentVersion\\Uninstall; do
+    wine_tool reg add "HKCU\\Software\\$container" /f
+done
 settings='HKCU\SOFTWARE\TRNQ\Halvora\Trial'
 wine_tool reg add "$settings" /v Kept /t REG_SZ /d yes /f
 registry() {
@@ -61,6 +63,7 @@ registry() {
     # Wine registers type libraries for the whole machine even if asked for one user; that isn't our fault.
     for part in user machine; do iconv -f UTF-16 -t UTF-8 "$work/$part.reg" | tr -d '\r'; done |
         awk -v RS= -v ORS='\n\n' -v rest="$work/by-wine" 'BEGIN { printf "" >rest }
+            tolower($1) ~ /^\[hkey_current_user\\software\\wine\\/ { next }
             tolower($1) ~ /^\[hkey_local.*\\(typelib|interface)\\/ { print >rest; next } { print }'
 }
 registry >"$work/before"
@@ -74,7 +77,9 @@ run() {
     (cd "$1" && windows cmd /c "set LOCALAPPDATA=$local&& $2 /quiet") | tr -d '\r' >"$work/out" || code=$?
     [ $code -eq "$3" ] || fail "$2 in $1: exit code $code, not $3"
 }
+start_menu=$HALVORA_WINEPREFIX/drive_c/users/$(id -un)/AppData/Roaming/Microsoft/Windows/Start\ Menu/Programs
 nothing_left() {
+    [ ! -e "$start_menu/Halvora Publish to Flickr.lnk" ] || fail 'the entry in the Start menu is left'
     [ ! -e "$home/Halvora" ] || fail "left: $(find "$home/Halvora")"
     registry >"$work/after"
     diff "$work/before" "$work/after" >&2 || fail 'the registry is not what it was'
@@ -93,6 +98,8 @@ for local in 'C:\users\jo\AppData\Local' 'C:\users\Zoë 写真 (neu)\Local'; do
     for file in "$unpacked"/*.dll "$unpacked"/*.exe; do
         [ ! -f "$file" ] || cmp -s "$file" "$home/Halvora/Publish to Flickr/${file##*/}" || fail "${file##*/} is not in place"
     done
+    [ -f "$start_menu/Halvora Publish to Flickr.lnk" ] || fail 'no entry in the Start menu'
+    grep -qF '"UninstallString"="\"' "$work/installed" || fail 'not in the list of installed apps'
     for module in "${modules[@]}"; do
         grep -qF "@=\"${local//\\/\\\\}\\\\Halvora\\\\Publish to Flickr\\\\$module\"" "$work/installed" ||
             fail "$module is not registered where it lies"

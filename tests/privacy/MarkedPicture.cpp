@@ -6,6 +6,7 @@
 #include "tests/privacy/MarkedValues.h"
 
 #include <exiv2/exiv2.hpp>
+#include <vips/vips.h>
 
 #include <algorithm>
 #include <functional>
@@ -118,6 +119,9 @@ void AddExif(Exiv2::ExifData &data, const std::string &thumbnail)
     {
         AddText(data, Exiv2::ExifKey(place.key), place.value);
     }
+    data["Exif.Image.Orientation"] = uint16_t{6};
+    data["Exif.Photo.ColorSpace"] = uint16_t{65535};
+    data["Exif.Iop.InteroperabilityIndex"] = std::string("R03");
     data["Exif.GPSInfo.GPSLatitudeRef"] = std::string("N");
     Exiv2::URationalValue latitude;
     latitude.value_ = {{47, 1}, {13, 1}, {SecondsNumerator, SecondsDenominator}};
@@ -149,6 +153,12 @@ std::string Segment(int marker, const std::string &contents)
     const size_t length = contents.size() + 2;
     return "\xFF"s + static_cast<char>(marker) + static_cast<char>(length >> 8) +
            static_cast<char>(length & 0xFF) + contents;
+}
+
+// Of JUMBF, and of the files that are made of boxes.
+std::string Box(const char *type, const std::string &contents)
+{
+    return BigEndian(contents.size() + 8) + type + contents;
 }
 
 // The offset of the first segment that is neither an application's nor a comment, and on the way there
@@ -200,6 +210,10 @@ void AddSegments(std::string &file)
         Segment(0xE2, "MPF\0"s + ValueOf("APP2, list of further pictures")) +
         Segment(0xED, "Photoshop 3.0\0"s + "8BIM\x04\x04\0\0\0\0\0\x16\x1C\x02\x78\0\x11"s +
                           ValueOf("APP13, second segment")) +
+        Segment(0xE2, "urn:iso:std:iso:ts:21496:-1\0"s + ValueOf("APP2, a gain map's announcement")) +
+        Segment(0xEB,
+                "JP\0\1\0\0\0\1"s + Box("jumb", Box("jumd", std::string(16, '\1') + "\3c2pa."s +
+                                                                ValueOf("APP11, content credentials") + '\0'))) +
         Segment(0xE6, "GoPro\0DEVC"s + ValueOf("APP6, telemetry of an action camera")) +
         Segment(0xEC, "Ducky\0\2\0\x10\0\0\0\x0E"s + ValueOf("APP12, picture information")) +
         Segment(0xFE, ValueOf("second COM"));
@@ -215,6 +229,7 @@ void AddSegments(std::string &file)
     SampleOptions small{.Width = 16, .Height = 12};
     small.Markers = {{0xE1, "Exif\0\0"s + ValueOf("second picture behind the end")}};
     file += AsString(MakeJpeg(small));
+    file += Box("ftyp", "mp42\0\0\0\0mp42isom"s) + Box("udta", ValueOf("a motion photo's video behind that"));
 }
 
 std::string Written(Exiv2::Image &image)
@@ -227,6 +242,24 @@ std::string Written(Exiv2::Image &image)
     {
         RenameBlockTags(file);
     }
+    return file;
+}
+
+// EXIF and XMP of a JPEG, and its pixels, in a file of boxes, which Exiv2 reads but doesn't write.
+std::string AsHeif(const std::string &jpeg)
+{
+    VipsImage *image = nullptr;
+    void *bytes = nullptr;
+    size_t size = 0;
+    if (VIPS_INIT("tests") != 0 ||
+        (image = vips_image_new_from_buffer(jpeg.data(), jpeg.size(), "", nullptr)) == nullptr ||
+        vips_heifsave_buffer(image, &bytes, &size, "compression", VIPS_FOREIGN_HEIF_COMPRESSION_AV1, nullptr) != 0)
+    {
+        throw std::runtime_error(vips_error_buffer());
+    }
+    std::string file(static_cast<const char *>(bytes), size);
+    g_free(bytes);
+    g_object_unref(image);
     return file;
 }
 
@@ -257,6 +290,8 @@ const char *ExtensionOf(Contents contents)
         return ".tif";
     case Contents::WebP:
         return ".webp";
+    case Contents::Heif:
+        return ".avif";
     case Contents::Png:
         return ".png";
     case Contents::Raw:
@@ -279,7 +314,7 @@ std::string MakeMarkedPicture(Contents contents)
         image->setByteOrder(Exiv2::bigEndian);
         return Written(*image);
     }
-    if (contents != Contents::WebP)
+    if (contents != Contents::WebP && contents != Contents::Heif)
     {
         for (const MarkedPlace &place : IptcPlaces())
         {
@@ -298,6 +333,10 @@ std::string MakeMarkedPicture(Contents contents)
         std::string file = Written(*image);
         AddPngChunks(file, std::string(exif.begin(), exif.end()));
         return file;
+    }
+    if (contents == Contents::Heif)
+    {
+        return AsHeif(Written(*image));
     }
     if (!isJpeg)
     {

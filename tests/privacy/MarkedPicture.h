@@ -9,6 +9,7 @@ enum class Contents
     JpegWithExifAlone, // as a camera writes it, in its own byte order
     Tiff,              // EXIF, IPTC and XMP
     WebP,              // EXIF and XMP
+    Heif,              // EXIF and XMP
     Png,               // EXIF twice, IPTC and XMP, and texts in chunks of their own
     Raw                // as TIFF, a camera's DNG
 };

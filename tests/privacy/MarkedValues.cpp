@@ -102,7 +102,10 @@ const std::vector<MarkedPlace> &OtherPlaces()
         {"thumbnail, COM", "qzThumbComment", {Exif | Copyright}},
         {"thumbnail, EXIF", "qzThumbGps", {Exif | Gps}},
         {"unused bytes in the EXIF block", "qzStaleGps", {}},
+        {"APP11, content credentials", "qzCredentials", {AllGroups}},
+        {"APP2, a gain map's announcement", "qzGainMap", {}},
         {"second picture behind the end", "qzTrailerGps", {}},
+        {"a motion photo's video behind that", "qzVideoGps", {}},
     };
     return Places;
 }

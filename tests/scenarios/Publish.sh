@@ -129,5 +129,6 @@ code=0
 wait "$run" || code=$?
 [ $code -eq 3 ] || fail "exit code $code after a cancel, not 3"
 says 'not tried, the run was cancelled'
+says '1 file may be published or not'
 stop_service
 echo 'Everything arrived as it was meant.'

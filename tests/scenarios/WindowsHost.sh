@@ -102,7 +102,7 @@ unzip -q "$zip" -d "$work/unpacked"
 home=$HALVORA_WINEPREFIX/drive_c/users/$(id -un)/AppData/Local
 (cd "$work/unpacked"/* && windows cmd /c install.cmd /quiet) >"$work/out" || fail 'install.cmd fails'
 installed="$home/Halvora/Publish to Flickr"
-[ -f "$installed/halvora.exe" ] || fail 'the host is not installed'
+[ -f "$installed/HalvoraPublish.exe" ] || fail 'the host is not installed'
 # Classes of one user don't count for Wine; when that is no longer so, this can go.
 publisher='{46519402-3380-4D48-BC76-63FFAA27165C}'
 ! windows "$driver_program" has-class "$publisher" || fail 'Wine sees the classes of one user: the detour can go'
@@ -123,7 +123,7 @@ cp "$from/RainDrops.jpg" "$pictures/Regen für später.jpg"
 head -c 30000000 /dev/zero >>"$pictures/LadyBird.jpg"
 files=()
 for file in "$pictures"/*; do files+=("C:\\Pictures\\${file##*/}"); done
-program='C:\users\'$(id -un)'\AppData\Local\Halvora\Publish to Flickr\halvora.exe'
+program='C:\users\'$(id -un)'\AppData\Local\Halvora\Publish to Flickr\HalvoraPublish.exe'
 : >"$work/stamp"
 start_host() {
     "$root/tools/run-wine" "$program" "${files[@]}" </dev/null >"$work/host.log" 2>&1 7>&- &

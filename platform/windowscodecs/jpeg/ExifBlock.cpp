@@ -122,12 +122,15 @@ bool ExifBlock::GetResolution(double &x, double &y) const
     {
         return false;
     }
-    const ExifEntry *unit = Main.Find(ExifTag::ResolutionUnit);
-    if (unit != nullptr && unit->Type == EXIF_SHORT && unit->Data.size() == 2 &&
-        unit->Data[BigEndian ? 1 : 0] == 3)
+    constexpr BYTE none = 1;
+    constexpr BYTE centimetre = 3;
+    const ExifEntry *entry = Main.Find(ExifTag::ResolutionUnit);
+    const bool isTold = entry != nullptr && entry->Type == EXIF_SHORT && entry->Data.size() == 2;
+    const BYTE unit = isTold ? entry->Data[BigEndian ? 1 : 0] : BYTE{0};
+    if (unit == centimetre)
     {
         x *= 2.54;
         y *= 2.54;
     }
-    return true;
+    return unit != none && x > 0 && y > 0;
 }

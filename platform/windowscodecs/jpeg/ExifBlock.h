@@ -85,9 +85,12 @@ public:
     // Turns the elements of a value from little-endian into the block's order, and back.
     void ConvertOrder(ExifEntry &entry) const noexcept;
 
-    // Both axes in dots per inch.
+    // Both axes in dots per inch. Get returns false for none, and for one that is 0 or has no unit.
     void SetResolution(double x, double y);
     bool GetResolution(double &x, double &y) const;
+
+    // Whether it can be written without its thumbnail, also after SetResolution.
+    bool Fits() const;
 
     // The contents of an APP1 segment. A maker note keeps its place in the block where that can be,
     // since its own offsets often count from the block's start. A block that doesn't fit into a segment is

@@ -228,17 +228,19 @@ void SetExif(std::optional<ExifBlock> &block, const QueryItem *items, size_t cou
         ThrowHresult(WINCODEC_ERR_PROPERTYNOTFOUND);
     }
     entry.Tag = *place.Tag;
-    if (!block)
-    {
-        block.emplace();
-    }
-    block->ConvertOrder(entry);
-    ExifDirectory *directory = place.InThumbnail ? &*block->Thumbnail : &block->Main;
+    ExifBlock changed = block.value_or(ExifBlock());
+    changed.ConvertOrder(entry);
+    ExifDirectory *directory = place.InThumbnail ? &*changed.Thumbnail : &changed.Main;
     for (const WORD tag : place.Directories)
     {
         directory = &directory->Children[tag];
     }
     directory->Set(std::move(entry));
+    if (!changed.Fits())
+    {
+        ThrowHresult(WINCODEC_ERR_TOOMUCHMETADATA);
+    }
+    block = std::move(changed);
 }
 
 bool RemoveExif(std::optional<ExifBlock> &block, const QueryItem *items, size_t count)

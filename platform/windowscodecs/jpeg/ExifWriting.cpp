@@ -11,6 +11,9 @@ namespace
 {
 constexpr UINT SignatureBytes = 6;
 
+// What SetResolution adds: three entries, and two values that each lie at an even place behind the table.
+constexpr UINT ResolutionBytes = 3 * 12 + 2 * (8 + 1);
+
 // Lays out one block: allocates from its start on, around the range that a maker note reserves.
 class Layout
 {
@@ -171,6 +174,11 @@ Bytes Lay(const ExifBlock &block, UINT makerNoteAt, bool withThumbnail)
     return layout.Take();
 }
 } // namespace
+
+bool ExifBlock::Fits() const
+{
+    return Lay(*this, 0, false).size() + ResolutionBytes + SignatureBytes <= MaxSegmentBytes;
+}
 
 Bytes ExifBlock::Write() const
 {

@@ -4,6 +4,7 @@
 #include "platform/windowscodecs/jpeg/MetadataBlockAccess.h"
 #include "platform/windowscodecs/jpeg/MetadataQueryObject.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace
@@ -12,6 +13,17 @@ constexpr double DefaultDpi = 96;
 
 // Enough for 24 megapixels at 4:2:0 in several scans; larger ones are not worth their memory.
 constexpr ULONGLONG CheckedCoefficientBytes = 76 * 1024 * 1024;
+
+// By the header's density on one axis; the default where there is none.
+double JfifDpi(const JpegStructure &structure, WORD density) noexcept
+{
+    const WORD fewer = std::min(structure.DensityX, structure.DensityY);
+    if (!structure.HasJfif || structure.DensityUnit > 2 || (structure.DensityUnit == 0 && fewer == 0))
+    {
+        return DefaultDpi;
+    }
+    return density * (structure.DensityUnit == 0 ? DefaultDpi / fewer : structure.DensityUnit == 1 ? 1 : 2.54);
+}
 } // namespace
 
 CJpegFrameDecode::CJpegFrameDecode(ComPtr<IStream> stream, ULONGLONG base, JpegStructure structure)
@@ -64,15 +76,9 @@ HRESULT CJpegFrameDecode::GetResolution(double *x, double *y) noexcept
     {
         return E_INVALIDARG;
     }
-    *x = *y = DefaultDpi;
-    if (m_structure.HasJfif && (m_structure.DensityUnit == 1 || m_structure.DensityUnit == 2))
-    {
-        const double perInch = m_structure.DensityUnit == 1 ? 1 : 2.54;
-        *x = m_structure.DensityX * perInch;
-        *y = m_structure.DensityY * perInch;
-        return S_OK;
-    }
-    // Unreadable metadata isn't this call's failure: the default resolution holds then.
+    *x = JfifDpi(m_structure, m_structure.DensityX);
+    *y = JfifDpi(m_structure, m_structure.DensityY);
+    // Unreadable metadata isn't this call's failure: what the JFIF header says holds then.
     AtBoundary([&] {
         const std::lock_guard guard(m_mutex);
         double exifX = 0;

@@ -37,7 +37,8 @@ public:
     STDMETHODIMP GetSize(UINT *width, UINT *height) noexcept override;
     STDMETHODIMP GetPixelFormat(WICPixelFormatGUID *format) noexcept override;
 
-    // JFIF's density, else that of the EXIF block, else 96.
+    // The EXIF block's, which a camera or an editor meant; else the JFIF header's, where writers that know of no
+    // resolution leave a 72; else 96, on the axis of fewer pixels where JFIF tells their proportions alone.
     STDMETHODIMP GetResolution(double *x, double *y) noexcept override;
     STDMETHODIMP CopyPalette(IWICPalette *palette) noexcept override;
 

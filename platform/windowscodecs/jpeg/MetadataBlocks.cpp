@@ -11,11 +11,14 @@ namespace
 {
 constexpr size_t MaxMetadataBytes = 16 * 1024 * 1024;
 
+// Of the segment by which ISO 21496-1 tells that a gain map follows behind the picture.
+constexpr auto GainMapSignature = "urn:iso:std:iso:ts:21496:-1\0"sv;
+
 bool BelongsToCoding(BYTE marker, const Bytes &contents) noexcept
 {
     return (marker == MARKER_APP0 && (BeginsWith(contents, "JFIF\0"sv) || BeginsWith(contents, "JFXX\0"sv))) ||
-           (marker == MARKER_APP2 &&
-            (BeginsWith(contents, "ICC_PROFILE\0"sv) || BeginsWith(contents, "MPF\0"sv))) ||
+           (marker == MARKER_APP2 && (BeginsWith(contents, "ICC_PROFILE\0"sv) || BeginsWith(contents, "MPF\0"sv) ||
+                                      BeginsWith(contents, GainMapSignature))) ||
            (marker == MARKER_APP14 && BeginsWith(contents, "Adobe"sv));
 }
 } // namespace

@@ -1,6 +1,6 @@
 // All metadata in a picture's application segments and comments: the block reader shows it, the block
 // writer copies it and the query writer changes it. Not part of it are the
-// JFIF header, the colour profile and Adobe's marker, which belong to the coding, and lists of
+// JFIF header, the colour profile and Adobe's marker, which belong to the coding, and what tells of
 // further pictures behind the end of image.
 #pragma once
 

@@ -13,7 +13,8 @@
 //
 // Codes: WINCODEC_ERR_INVALIDQUERYREQUEST for a path that means nothing,
 // WINCODEC_ERR_PROPERTYNOTFOUND, WINCODEC_ERR_PROPERTYUNEXPECTEDTYPE for a value that can't be stored
-// there, and for a whole block given a value.
+// there, and for a whole block given a value, WINCODEC_ERR_TOOMUCHMETADATA for one that doesn't fit into its
+// block's segment.
 #pragma once
 
 #include "com/WideText.h"
