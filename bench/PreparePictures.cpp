@@ -9,7 +9,6 @@
 #include "com/Hresult.h"
 #include "host/PublishingHost.h"
 #include "publish/ImagePreparation.h"
-#include "tests/doubles/SystemModules.h"
 
 #include <algorithm>
 #include <chrono>
@@ -70,7 +69,6 @@ int main(int argc, char **argv)
         return 2;
     }
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-    RegisterSystemModules();
     RunRecord record{ItemCollection()};
     const auto host = PublishingHost::Make(record, [](int, const std::string &, const std::string &message) {
         std::fprintf(stderr, "%s\n", message.c_str());

@@ -4,8 +4,6 @@
 #include "fuzz/FuzzTarget.h"
 #include "fuzz/Mutation.h"
 
-#include "tests/doubles/SystemModules.h"
-
 #include <windows.h>
 #include <objbase.h>
 
@@ -118,7 +116,6 @@ int main(int argc, char **argv)
         __sanitizer_set_death_callback(KeepBytes);
     }
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-    RegisterSystemModules();
     if (!file.empty())
     {
         std::ifstream stream(file, std::ios::binary);

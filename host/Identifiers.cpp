@@ -3,3 +3,4 @@
 
 #include "HostContract.h"
 #include "HVRPublishToFlickr.h"
+#include "WebComponents.h"

@@ -86,7 +86,7 @@ private:
     AccountData LoadAccount()
     {
         m_store.Load();
-        for (const std::string &problem : RegisterInstalledModules(ModuleFolders()).problems)
+        for (const std::string &problem : UseInstalledModules(ModuleFolders()))
         {
             Complain(problem);
         }

@@ -57,7 +57,7 @@ LRESULT CALLBACK ProgressWindows::BarProcedure(HWND window, UINT message, WPARAM
 {
     ProgressWindows &owner = OwnerOf(window);
     const LRESULT result = CallWindowProcW(owner.m_barDefault, window, message, wParam, lParam);
-    if (message == PBM_SETPOS || message == PBM_SETRANGE32 || message == PBM_SETSTATE || message == PBM_DELTAPOS)
+    if (message == PBM_SETPOS || message == PBM_SETRANGE32 || message == PBM_SETSTATE)
     {
         owner.BarChanged();
     }

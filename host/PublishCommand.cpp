@@ -127,7 +127,7 @@ ExitCode RunPublishCommand(const CommandLine &line, const Profile &profile)
     {
         return ExitCode::SomeFailed;
     }
-    for (const std::string &problem : RegisterInstalledModules(ModuleFolders()).problems)
+    for (const std::string &problem : UseInstalledModules(ModuleFolders()))
     {
         display.Log(2, problem);
     }

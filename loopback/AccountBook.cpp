@@ -36,7 +36,6 @@ constexpr std::array PropertyRules = {
     PropertyRule{"bandwidth_max", Kind::Size, "107374182400"},
     PropertyRule{"bandwidth_used", Kind::Size, "0"},
     PropertyRule{"refuse_duplicates", Kind::Flag, "0"},
-    PropertyRule{"ticket_delay_ms", Kind::Size, "0"},
     PropertyRule{"request_token_seconds", Kind::Size, "600"},
     PropertyRule{"run", Kind::Text, ""},
 };
@@ -105,10 +104,17 @@ Account AccountBook::Get() const
 {
     std::lock_guard lock(m_mutex);
     const auto number = [&](const char *name) { return ParseWholeNumber(m_properties.at(name)).value_or(0); };
-    return {m_properties.at("nsid"),       m_properties.at("user_name"),      m_properties.at("full_name"),
-            m_properties.at("photos_url"), m_properties.at("level") == "pro", number("max_file_size"),
-            number("bandwidth_max"),       number("bandwidth_used"),          number("refuse_duplicates") == 1,
-            number("ticket_delay_ms"),     number("request_token_seconds"),   m_properties.at("run")};
+    return {m_properties.at("nsid"),
+            m_properties.at("user_name"),
+            m_properties.at("full_name"),
+            m_properties.at("photos_url"),
+            m_properties.at("level") == "pro",
+            number("max_file_size"),
+            number("bandwidth_max"),
+            number("bandwidth_used"),
+            number("refuse_duplicates") == 1,
+            number("request_token_seconds"),
+            m_properties.at("run")};
 }
 
 std::optional<std::string> AccountBook::Set(const std::string &name, const std::string &value)

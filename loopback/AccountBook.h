@@ -27,8 +27,6 @@ struct Account
     std::int64_t bandwidthUsed = 0;
     // Whether the service refuses a picture whose bytes it already has.
     bool refuseDuplicates = false;
-    // How long a ticket of an asynchronous upload stays open, in milliseconds.
-    std::int64_t ticketDelay = 0;
     // How long a request token is valid, in seconds.
     std::int64_t requestTokenLife = 0;
     // The label of current uploads on the page that compares uploads; may be empty.

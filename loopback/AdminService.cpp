@@ -1,7 +1,8 @@
 #include "loopback/AdminService.h"
 
-#include "loopback/JsonWriter.h"
 #include "loopback/UploadParameters.h"
+
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 
@@ -14,8 +15,8 @@ namespace
 constexpr char Help[] =
     "GET  account                  the account's properties\n"
     "POST account                  NAME=VALUE...: level=pro|basic max_file_size bandwidth_max bandwidth_used\n"
-    "                              user_name full_name photos_url nsid refuse_duplicates ticket_delay_ms\n"
-    "                              request_token_seconds run (what the uploads of now are called at /compare)\n"
+    "                              user_name full_name photos_url nsid refuse_duplicates request_token_seconds\n"
+    "                              run (what the uploads of now are called at /compare)\n"
     "GET  tokens                   tokens and their permissions\n"
     "POST tokens                   token=T&secret=S[&permission=read|write|delete]\n"
     "POST tokens/remove            token=T\n"
@@ -36,9 +37,13 @@ constexpr char Help[] =
     "POST requests/clear\n"
     "GET  statistics               connections and requests since the start\n";
 
-HttpReply Json(std::string json)
+using Json = nlohmann::ordered_json;
+
+// Bytes that aren't UTF-8 become U+FFFD.
+HttpReply JsonReply(const Json &json)
 {
-    return {200, "application/json; charset=utf-8", std::move(json) + "\n"};
+    return {200, "application/json; charset=utf-8",
+            json.dump(1, ' ', false, Json::error_handler_t::replace) + "\n"};
 }
 
 HttpReply Done()
@@ -51,41 +56,90 @@ HttpReply Refused(const std::string &words)
     return {400, "text/plain; charset=utf-8", words + "\n"};
 }
 
-void WritePhoto(JsonWriter &json, const PhotoRecord &photo, const std::string &path)
+Json PhotoJson(const PhotoRecord &photo, const std::string &path)
 {
-    json.BeginObject();
-    const auto text = [&](const char *name, const std::string &value) { json.Name(name).Text(value); };
-    const auto number = [&](const char *name, std::int64_t value) { json.Name(name).Number(value); };
-    text("id", std::to_string(photo.id));
-    text("title", photo.title);
-    text("description", photo.description);
-    text("tags", photo.tags);
-    json.Name("tag_list").BeginArray();
-    for (const auto &tag : SplitTags(photo.tags))
+    return {{"id", std::to_string(photo.id)},
+            {"title", photo.title},
+            {"description", photo.description},
+            {"tags", photo.tags},
+            {"tag_list", SplitTags(photo.tags)},
+            {"is_public", +photo.isPublic},
+            {"is_friend", +photo.isFriend},
+            {"is_family", +photo.isFamily},
+            {"safety_level", photo.safetyLevel},
+            {"content_type", photo.contentType},
+            {"hidden", photo.hidden},
+            {"async", +!photo.ticket.empty()},
+            {"ticket", photo.ticket},
+            {"file_name", photo.fileName},
+            {"mime_type", photo.mimeType},
+            {"detected_type", photo.detectedType},
+            {"path", path},
+            {"sha256", photo.sha256},
+            {"size", photo.size},
+            {"uploaded", photo.uploaded},
+            {"token", photo.token},
+            {"user_agent", photo.userAgent},
+            {"connection", photo.connection},
+            {"run", photo.run}};
+}
+
+Json FaultJson(const Fault &fault)
+{
+    return {
+        {"kind", FaultName(fault.kind)}, {"target", fault.target}, {"count", fault.count}, {"skip", fault.skip}};
+}
+
+Json JournalJson(const JournalEntry &entry)
+{
+    return {{"connection", entry.connection},
+            {"secure", entry.secure},
+            {"http_method", entry.httpMethod},
+            {"host", entry.host},
+            {"path", entry.path},
+            {"method", entry.apiMethod},
+            {"user_agent", entry.userAgent},
+            {"content_type", entry.contentType},
+            {"content_length", entry.contentLength},
+            {"expect", entry.expect},
+            {"fault", entry.fault},
+            {"status", entry.status},
+            {"answered", entry.answered}};
+}
+
+Json StatisticsJson(const ConnectionCounts &counts)
+{
+    return {{"connections", counts.accepted},
+            {"secure_connections", counts.secure},
+            {"resumed_sessions", counts.resumed},
+            {"open_connections", counts.open},
+            {"requests", counts.requests}};
+}
+
+// The list of what each makes of an item.
+template <class Items, class Make>
+Json ListOf(const Items &items, Make make)
+{
+    Json list = Json::array();
+    for (const auto &item : items)
     {
-        json.Text(tag);
+        list.push_back(make(item));
     }
-    json.EndArray();
-    number("is_public", photo.isPublic);
-    number("is_friend", photo.isFriend);
-    number("is_family", photo.isFamily);
-    number("safety_level", photo.safetyLevel);
-    number("content_type", photo.contentType);
-    number("hidden", photo.hidden);
-    number("async", !photo.ticket.empty());
-    text("ticket", photo.ticket);
-    text("file_name", photo.fileName);
-    text("mime_type", photo.mimeType);
-    text("detected_type", photo.detectedType);
-    text("path", path);
-    text("sha256", photo.sha256);
-    number("size", photo.size);
-    number("uploaded", photo.uploaded);
-    text("token", photo.token);
-    text("user_agent", photo.userAgent);
-    number("connection", photo.connection);
-    text("run", photo.run);
-    json.EndObject();
+    return list;
+}
+
+Json AuthorizationsJson(const AccountBook &accounts, const RequestTokenBook &requests, const MakerEndpoint &maker)
+{
+    const auto kept = maker.States();
+    return ListOf(requests.All(), [&](const auto &token) {
+        const auto atMaker = std::ranges::find(kept, token.token, [](const auto &entry) { return entry.first; });
+        return Json{{"token", token.token},
+                    {"application", accounts.ConsumerName(token.consumer)},
+                    {"state", StateName(token.state)},
+                    {"permission", token.permission},
+                    {"seconds_left", token.secondsLeft},
+                    {"at_maker", atMaker == kept.end() ? "none" : atMaker->second}};
+    });
 }
 
 // A page of another site may make the browser send a form here, but the browser then names that site in
@@ -135,46 +189,41 @@ HttpReply AdminService::Read(const std::string &path) const
 {
     if (path == "account")
     {
-        JsonWriter json;
-        json.BeginObject();
+        Json json = Json::object();
         for (const auto &[name, value] : m_accounts.Properties())
         {
-            json.Name(name).Text(value);
+            json[name] = value;
         }
-        json.EndObject();
-        return Json(json.Json());
+        return JsonReply(json);
     }
     if (path == "tokens")
     {
-        JsonWriter json;
-        json.BeginArray();
-        for (const auto &token : m_accounts.Tokens())
-        {
-            json.BeginObject().Name("token").Text(token.token).Name("permission").Text(token.permission);
-            json.EndObject();
-        }
-        json.EndArray();
-        return Json(json.Json());
+        return JsonReply(ListOf(m_accounts.Tokens(), [](const auto &token) {
+            return Json{{"token", token.token}, {"permission", token.permission}};
+        }));
     }
     if (path == "authorizations")
     {
-        return Json(AuthorizationsJson());
+        return JsonReply(AuthorizationsJson(m_accounts, m_requests, m_maker));
     }
     if (path == "faults")
     {
-        return Json(FaultsJson());
+        return JsonReply(ListOf(m_faults.Pending(), FaultJson));
     }
     if (path == "uploads")
     {
-        return Json(UploadsJson());
+        auto photos = m_photos.All();
+        std::ranges::reverse(photos);
+        return JsonReply(
+            ListOf(photos, [&](const auto &photo) { return PhotoJson(photo, m_uploads.PathOf(photo).string()); }));
     }
     if (path == "requests")
     {
-        return Json(JournalJson());
+        return JsonReply(ListOf(m_journal.Entries(), JournalJson));
     }
     if (path == "statistics")
     {
-        return Json(StatisticsJson());
+        return JsonReply(StatisticsJson(m_counts()));
     }
     return {path.empty() ? 200 : 404, "text/plain; charset=utf-8", Help};
 }
@@ -250,100 +299,6 @@ HttpReply AdminService::Change(const std::string &path, const FormFields &fields
         return Done();
     }
     return {404, "text/plain; charset=utf-8", Help};
-}
-
-std::string AdminService::AuthorizationsJson() const
-{
-    const auto kept = m_maker.States();
-    JsonWriter json;
-    json.BeginArray();
-    for (const auto &token : m_requests.All())
-    {
-        const auto atMaker =
-            std::find_if(kept.begin(), kept.end(), [&](const auto &entry) { return entry.first == token.token; });
-        json.BeginObject();
-        json.Name("token").Text(token.token);
-        json.Name("application").Text(m_accounts.ConsumerName(token.consumer));
-        json.Name("state").Text(StateName(token.state));
-        json.Name("permission").Text(token.permission);
-        json.Name("seconds_left").Number(token.secondsLeft);
-        json.Name("at_maker").Text(atMaker == kept.end() ? "none" : atMaker->second);
-        json.EndObject();
-    }
-    json.EndArray();
-    return json.Json();
-}
-
-std::string AdminService::UploadsJson() const
-{
-    auto photos = m_photos.All();
-    std::reverse(photos.begin(), photos.end());
-    JsonWriter json;
-    json.BeginArray();
-    for (const auto &photo : photos)
-    {
-        WritePhoto(json, photo, m_uploads.PathOf(photo).string());
-    }
-    json.EndArray();
-    return json.Json();
-}
-
-std::string AdminService::JournalJson() const
-{
-    JsonWriter json;
-    json.BeginArray();
-    for (const auto &entry : m_journal.Entries())
-    {
-        json.BeginObject();
-        json.Name("connection").Number(static_cast<std::int64_t>(entry.connection));
-        json.Name("secure").Flag(entry.secure);
-        json.Name("http_method").Text(entry.httpMethod);
-        json.Name("host").Text(entry.host);
-        json.Name("path").Text(entry.path);
-        json.Name("method").Text(entry.apiMethod);
-        json.Name("user_agent").Text(entry.userAgent);
-        json.Name("content_type").Text(entry.contentType);
-        json.Name("content_length").Text(entry.contentLength);
-        json.Name("expect").Text(entry.expect);
-        json.Name("fault").Text(entry.fault);
-        json.Name("status").Number(entry.status);
-        json.Name("answered").Flag(entry.answered);
-        json.EndObject();
-    }
-    json.EndArray();
-    return json.Json();
-}
-
-std::string AdminService::FaultsJson() const
-{
-    JsonWriter json;
-    json.BeginArray();
-    for (const auto &fault : m_faults.Pending())
-    {
-        json.BeginObject();
-        json.Name("kind").Text(FaultName(fault.kind)).Name("target").Text(fault.target);
-        json.Name("count").Number(fault.count).Name("skip").Number(fault.skip);
-        json.EndObject();
-    }
-    json.EndArray();
-    return json.Json();
-}
-
-std::string AdminService::StatisticsJson() const
-{
-    const ConnectionCounts counts = m_counts();
-    JsonWriter json;
-    json.BeginObject();
-    const auto number = [&](const char *name, std::uint64_t value) {
-        json.Name(name).Number(static_cast<std::int64_t>(value));
-    };
-    number("connections", counts.accepted);
-    number("secure_connections", counts.secure);
-    number("resumed_sessions", counts.resumed);
-    number("open_connections", counts.open);
-    number("requests", counts.requests);
-    json.EndObject();
-    return json.Json();
 }
 
 } // namespace loopback

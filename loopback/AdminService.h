@@ -32,11 +32,6 @@ public:
 private:
     HttpReply Read(const std::string &path) const;
     HttpReply Change(const std::string &path, const FormFields &fields);
-    std::string AuthorizationsJson() const;
-    std::string UploadsJson() const;
-    std::string JournalJson() const;
-    std::string FaultsJson() const;
-    std::string StatisticsJson() const;
 
     AccountBook &m_accounts;
     RequestTokenBook &m_requests;

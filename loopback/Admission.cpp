@@ -40,7 +40,7 @@ Caller Admission::Admit(const HttpRequest &request, const FormFields &fields, Pe
     {
         return {HttpReply{401, "text/plain; charset=utf-8", "oauth_problem=token_rejected"}};
     }
-    if (wanted != Permission::None && caller.token.token.empty())
+    if (caller.token.token.empty())
     {
         return {FailReply(99, "User not logged in / Insufficient permissions")};
     }

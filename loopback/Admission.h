@@ -12,8 +12,6 @@ namespace loopback
 
 enum class Permission
 {
-    // The application's signature alone is enough.
-    None,
     Read,
     Write
 };

@@ -239,7 +239,8 @@ public:
         set_keep_alive_timeout(std::chrono::seconds(KeepAliveLimit).count());
         new_task_queue = [] { return new ThreadPerConnection; };
         // Not SO_REUSEPORT: with it a second server could silently take half of the connections.
-        set_socket_options([](socket_t socket) {
+        set_socket_options([this](socket_t socket) {
+            m_socket = socket;
             const int on = 1;
             setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
             setsockopt(socket, SOL_SOCKET, SO_RCVBUF, &ReceiveBuffer, sizeof ReceiveBuffer);
@@ -263,7 +264,7 @@ public:
                                      ": is another program using it?");
         }
         // Call listen again for a longer queue than httplib's five.
-        ::listen(svr_sock_, ListenBacklog);
+        ::listen(m_socket, ListenBacklog);
         return bound;
     }
 
@@ -277,6 +278,8 @@ public:
     ConnectionCounts Counts() const { return {m_accepted, m_secure, m_resumed, m_open, m_requests}; }
 
 private:
+    // The one operation of the library that is replaced: TLS and plain HTTP on one port, waiting until the server
+    // stops, and ends of a connection that a fault asks for are nowhere else to be had.
     bool process_and_close_socket(socket_t socket) override
     {
         Connection connection(socket, m_stopSignal, ++m_accepted);
@@ -349,6 +352,7 @@ private:
     static thread_local Connection *t_connection;
 
     HttpHandler m_handler;
+    int m_socket = -1; // that listens
     int m_stopSignal;
     std::atomic<std::uint64_t> m_accepted = 0;
     std::atomic<std::uint64_t> m_secure = 0;

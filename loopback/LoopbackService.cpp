@@ -143,7 +143,7 @@ struct LoopbackService::Parts
           consent(accounts, requestTokens),
           admission(accounts, Now),
           uploads(options.store, accounts, photos, admission),
-          rest(accounts, photos, admission),
+          rest(accounts, admission),
           admin(accounts, requestTokens, maker, photos, uploads, faults, journal,
                 [this] { return server.Counts(); }),
           gallery(accounts, photos, uploads),

@@ -1,7 +1,5 @@
 #include "loopback/PhotoIndex.h"
 
-#include <fmt/format.h>
-
 namespace loopback
 {
 
@@ -59,8 +57,6 @@ PhotoIndex::PhotoIndex(Database &database) : m_database(database)
                  "connection INTEGER NOT NULL)");
     EnsureTextColumn(database, "photos", "run");
     database.Run("CREATE INDEX IF NOT EXISTS photos_by_content ON photos (sha256)");
-    database.Run("CREATE TABLE IF NOT EXISTS tickets (number INTEGER PRIMARY KEY, photo INTEGER NOT NULL, "
-                 "closes INTEGER NOT NULL)");
     database.Run("CREATE TABLE IF NOT EXISTS ids (id INTEGER PRIMARY KEY AUTOINCREMENT)");
     database.Run("INSERT OR IGNORE INTO ids VALUES (53912345000)");
 }
@@ -125,31 +121,6 @@ bool PhotoIndex::HasContent(const std::string &sha256) const
 void PhotoIndex::Clear()
 {
     m_database.Run("DELETE FROM photos");
-    m_database.Run("DELETE FROM tickets");
-}
-
-std::string PhotoIndex::AddTicket(std::int64_t photoId, std::int64_t closes)
-{
-    const auto rows =
-        m_database.Run("INSERT INTO tickets (photo, closes) VALUES (?, ?) RETURNING number", {photoId, closes});
-    return fmt::format("2830-{}", 72157000000000 + NumberAt(rows.at(0), 0));
-}
-
-TicketAnswer PhotoIndex::CheckTicket(const std::string &ticket, std::int64_t now) const
-{
-    const auto rows = m_database.Run("SELECT photo, closes FROM tickets WHERE "
-                                     "'2830-' || (72157000000000 + number) = ?",
-                                     {ticket});
-    if (rows.empty())
-    {
-        return {};
-    }
-    if (NumberAt(rows[0], 1) > now)
-    {
-        return {TicketState::Open};
-    }
-    const auto photo = NumberAt(rows[0], 0);
-    return {photo == 0 ? TicketState::Failed : TicketState::Complete, photo};
 }
 
 } // namespace loopback

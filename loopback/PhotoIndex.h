@@ -1,4 +1,4 @@
-// The index of what was published: one record per photo, and the tickets of asynchronous uploads.
+// The index of what was published: one record per photo.
 // Thread-safe.
 #pragma once
 
@@ -44,20 +44,6 @@ struct PhotoRecord
     std::string run;
 };
 
-enum class TicketState
-{
-    Unknown,
-    Open,
-    Complete,
-    Failed
-};
-
-struct TicketAnswer
-{
-    TicketState state = TicketState::Unknown;
-    std::int64_t photoId = 0;
-};
-
 class PhotoIndex
 {
 public:
@@ -72,11 +58,6 @@ public:
     std::optional<PhotoRecord> Find(std::int64_t id) const;
     bool HasContent(const std::string &sha256) const;
     void Clear();
-
-    // Returns a new ticket. At the given time (Unix milliseconds) it is completed with the photo, or has
-    // failed if photoId is 0.
-    std::string AddTicket(std::int64_t photoId, std::int64_t closes);
-    TicketAnswer CheckTicket(const std::string &ticket, std::int64_t now) const;
 
 private:
     Database &m_database;

@@ -4,8 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
-#include <sstream>
 
 namespace loopback
 {
@@ -17,10 +15,8 @@ constexpr std::size_t BodyLimit = 1024 * 1024;
 
 struct Call
 {
-    const FormFields &fields;
     const TokenRecord &token;
     const Account &account;
-    const PhotoIndex &photos;
 };
 
 HttpReply CheckToken(const Call &call)
@@ -79,62 +75,23 @@ HttpReply GetUploadStatus(const Call &call)
                       {"videos", {{"uploaded", "0"}, {"remaining", "lots"}}}}}});
 }
 
-HttpReply CheckTickets(const Call &call)
-{
-    const auto tickets = FindField(call.fields, "tickets");
-    if (!tickets || tickets->empty())
-    {
-        return FailReply(1, "Required parameter missing: tickets");
-    }
-    const auto now =
-        std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::system_clock::now().time_since_epoch())
-            .count();
-    XmlElement uploader{"uploader"};
-    std::istringstream list(*tickets);
-    for (std::string ticket; std::getline(list, ticket, ',');)
-    {
-        const TicketAnswer answer = call.photos.CheckTicket(ticket, now);
-        XmlElement element{"ticket", {{"id", ticket}}};
-        switch (answer.state)
-        {
-        case TicketState::Unknown:
-            element.attributes.emplace_back("invalid", "1");
-            break;
-        case TicketState::Open:
-            element.attributes.emplace_back("complete", "0");
-            break;
-        case TicketState::Failed:
-            element.attributes.emplace_back("complete", "2");
-            break;
-        case TicketState::Complete:
-            element.attributes.emplace_back("complete", "1");
-            element.attributes.emplace_back("photoid", std::to_string(answer.photoId));
-            break;
-        }
-        uploader.children.push_back(std::move(element));
-    }
-    return OkReply({std::move(uploader)});
-}
-
 struct Method
 {
     const char *name;
-    Permission permission;
     HttpReply (*answer)(const Call &);
 };
 
 constexpr std::array Methods = {
-    Method{"flickr.auth.oauth.checkToken", Permission::Read, CheckToken},
-    Method{"flickr.urls.getUserPhotos", Permission::Read, GetUserPhotos},
-    Method{"flickr.people.getUploadStatus", Permission::Read, GetUploadStatus},
-    Method{"flickr.photos.upload.checkTickets", Permission::None, CheckTickets},
-    Method{"flickr.test.login", Permission::Read, TestLogin},
+    Method{"flickr.auth.oauth.checkToken", CheckToken},
+    Method{"flickr.urls.getUserPhotos", GetUserPhotos},
+    Method{"flickr.people.getUploadStatus", GetUploadStatus},
+    Method{"flickr.test.login", TestLogin},
 };
 
 } // namespace
 
-RestService::RestService(AccountBook &accounts, PhotoIndex &photos, Admission &admission)
-    : m_accounts(accounts), m_photos(photos), m_admission(admission)
+RestService::RestService(AccountBook &accounts, Admission &admission)
+    : m_accounts(accounts), m_admission(admission)
 {
 }
 
@@ -165,12 +122,12 @@ RestReply RestService::Handle(HttpExchange &exchange)
     {
         return {FailReply(111, "Format \"" + *FindField(fields, "format") + "\" not found"), name};
     }
-    const Caller caller = m_admission.Admit(request, bodyFields, method->permission);
+    const Caller caller = m_admission.Admit(request, bodyFields, Permission::Read);
     if (caller.refusal)
     {
         return {*caller.refusal, name};
     }
-    return {method->answer({fields, caller.token, m_accounts.Get(), m_photos}), name};
+    return {method->answer({caller.token, m_accounts.Get()}), name};
 }
 
 } // namespace loopback

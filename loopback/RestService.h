@@ -4,7 +4,6 @@
 #include "loopback/AccountBook.h"
 #include "loopback/Admission.h"
 #include "loopback/HttpMessages.h"
-#include "loopback/PhotoIndex.h"
 
 #include <string>
 
@@ -21,13 +20,12 @@ struct RestReply
 class RestService
 {
 public:
-    RestService(AccountBook &accounts, PhotoIndex &photos, Admission &admission);
+    RestService(AccountBook &accounts, Admission &admission);
 
     RestReply Handle(HttpExchange &exchange);
 
 private:
     AccountBook &m_accounts;
-    PhotoIndex &m_photos;
     Admission &m_admission;
 };
 

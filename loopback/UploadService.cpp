@@ -3,11 +3,11 @@
 #include "loopback/FileKind.h"
 #include "loopback/IncomingFile.h"
 #include "loopback/MultipartParser.h"
+#include "loopback/RandomText.h"
 #include "loopback/UploadParameters.h"
 #include "loopback/XmlReply.h"
 
 #include <algorithm>
-#include <chrono>
 #include <ctime>
 #include <memory>
 
@@ -19,13 +19,6 @@ namespace
 
 constexpr std::size_t FieldBytesLimit = 1024 * 1024;
 constexpr char PhotoField[] = "photo";
-
-std::int64_t UnixMilliseconds()
-{
-    return std::chrono::duration_cast<std::chrono::milliseconds>(
-               std::chrono::system_clock::now().time_since_epoch())
-        .count();
-}
 
 } // namespace
 
@@ -185,19 +178,18 @@ HttpReply UploadService::Accept(PhotoRecord record, Form &form, bool isAsynchron
     std::lock_guard lock(m_acceptance);
     const Account account = m_accounts.Get();
     record.run = account.run;
-    const auto ticketReply = [&](std::int64_t photoId) {
-        record.ticket = m_photos.AddTicket(photoId, UnixMilliseconds() + account.ticketDelay);
-        return OkReply({{"ticketid", {}, record.ticket}});
-    };
+    // What became of the picture is not asked by the ticket here: it is in the list of uploads.
+    record.ticket = isAsynchronous ? "2830-" + RandomDigits(14) : "";
+    const HttpReply ticketReply = OkReply({{"ticketid", {}, record.ticket}});
     if (account.refuseDuplicates && m_photos.HasContent(record.sha256))
     {
-        return isAsynchronous ? ticketReply(0) : FailReply(9, "Duplicate photo/video detected");
+        return isAsynchronous ? ticketReply : FailReply(9, "Duplicate photo/video detected");
     }
     const FileKind *kind = RecogniseFile(form.photo->FirstBytes());
     if (!kind)
     {
         // The service inspects an asynchronous upload only after it has answered.
-        return isAsynchronous ? ticketReply(0) : FailReply(5, "Filetype was not recognised");
+        return isAsynchronous ? ticketReply : FailReply(5, "Filetype was not recognised");
     }
     if (!m_accounts.UseBandwidth(record.size))
     {
@@ -207,8 +199,7 @@ HttpReply UploadService::Accept(PhotoRecord record, Form &form, bool isAsynchron
     record.detectedType = kind->mimeType;
     record.storedName = std::to_string(record.id) + "." + kind->extension;
     form.photo->Keep(PathOf(record));
-    HttpReply reply =
-        isAsynchronous ? ticketReply(record.id) : OkReply({{"photoid", {}, std::to_string(record.id)}});
+    HttpReply reply = isAsynchronous ? ticketReply : OkReply({{"photoid", {}, std::to_string(record.id)}});
     m_photos.Add(record);
     return reply;
 }

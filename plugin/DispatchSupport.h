@@ -1,5 +1,6 @@
-// IDispatch of the plug-in's dual interface, answered from the type library in the module's
-// resources. The library is loaded at the first call that needs it. Any thread.
+// IDispatch of the plug-in's dual interface. On Windows it is answered from the type library in the module's
+// resources, which is loaded at the first call that needs it; natively it says that there is no type library.
+// Any thread.
 #pragma once
 
 #include "com/ComPtr.h"

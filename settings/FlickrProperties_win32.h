@@ -6,7 +6,7 @@
 #include "settings/FlickrPages_win32.h"
 #include "settings/PropertySheet_win32.h"
 #include "ui/WaitingAnimationCtrl_win32.h"
-#include "ui/WindowImpl.h"
+#include "ui/WindowImpl_win32.h"
 
 struct SheetAccount;
 

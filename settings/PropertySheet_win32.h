@@ -1,7 +1,7 @@
 // A modal property sheet whose window is subclassed by an object. Windows build only.
 #pragma once
 
-#include "ui/WindowImpl.h"
+#include "ui/WindowImpl_win32.h"
 
 #include <windows.h>
 #include <commctrl.h>

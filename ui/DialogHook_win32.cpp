@@ -1,6 +1,6 @@
 #include "ui/DialogHook.h"
 
-#include "ui/WindowImpl.h"
+#include "ui/WindowImpl_win32.h"
 #include "ui/WindowPlacement.h"
 
 #include <atomic>

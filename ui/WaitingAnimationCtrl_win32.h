@@ -4,7 +4,7 @@
 
 #include "com/HandleOwner.h"
 #include "ui/WaitingAnimation.h"
-#include "ui/WindowImpl.h"
+#include "ui/WindowImpl_win32.h"
 
 class CWaitingAnimationImpl : public CWindowImpl
 {

@@ -31,7 +31,7 @@ RegistryDatabase &RegistryDatabase::Instance()
 void RegistryDatabase::Load()
 {
     std::string bytes;
-    m_tree = RegistryTree();
+    m_content = RegistryContent();
     m_loaded = true;
     m_blocked = false;
     if (const LSTATUS result = ReadWholeFile(m_path, bytes, m_stamp); result != ERROR_SUCCESS)
@@ -46,7 +46,7 @@ void RegistryDatabase::Load()
     }
     if (auto parsed = ParseRegistryText(bytes))
     {
-        m_tree = std::move(*parsed);
+        m_content = std::move(*parsed);
         return;
     }
     if (!SetAside())
@@ -69,7 +69,7 @@ bool RegistryDatabase::SetAside()
     bool done = ReadWholeFile(m_path, bytes, m_stamp) == ERROR_SUCCESS;
     if (auto parsed = done ? ParseRegistryText(bytes) : std::nullopt)
     {
-        m_tree = std::move(*parsed);
+        m_content = std::move(*parsed);
     }
     else if (done && (done = SetFileAside(m_path, keptAs) == ERROR_SUCCESS))
     {
@@ -89,7 +89,7 @@ void RegistryDatabase::Refresh()
     {
         m_path = DefaultPath();
     }
-    // While the lock is held, no other process changes the file, and the tree may be ahead of it.
+    // While the lock is held, no other process changes the file, and the content may be ahead of it.
     if (!m_loaded || (!m_fileLock.IsHeld() && !(StampOf(m_path) == m_stamp)))
     {
         Load();
@@ -117,21 +117,21 @@ LSTATUS RegistryDatabase::Lock()
     return result == ERROR_PATH_NOT_FOUND ? ERROR_ACCESS_DENIED : result;
 }
 
-LSTATUS RegistryDatabase::Read(const std::function<LSTATUS(const RegistryTree &)> &look)
+LSTATUS RegistryDatabase::Read(const std::function<LSTATUS(const RegistryContent &)> &look)
 {
     const std::lock_guard guard(m_lock);
     Refresh();
-    return look(m_tree);
+    return look(m_content);
 }
 
-LSTATUS RegistryDatabase::Write(const std::function<LSTATUS(RegistryTree &)> &change)
+LSTATUS RegistryDatabase::Write(const std::function<LSTATUS(RegistryContent &)> &change)
 {
     const std::lock_guard guard(m_lock);
     LSTATUS result = Lock();
     if (result == ERROR_SUCCESS)
     {
         Refresh();
-        result = m_blocked ? ERROR_ACCESS_DENIED : change(m_tree);
+        result = m_blocked ? ERROR_ACCESS_DENIED : change(m_content);
         if (result == ERROR_SUCCESS && m_batches != 0)
         {
             m_changedInBatch = true;
@@ -150,7 +150,7 @@ LSTATUS RegistryDatabase::Write(const std::function<LSTATUS(RegistryTree &)> &ch
 
 LSTATUS RegistryDatabase::Save()
 {
-    const LSTATUS result = ReplaceFile(m_path, FormatRegistryText(m_tree), m_stamp);
+    const LSTATUS result = ReplaceFile(m_path, FormatRegistryText(m_content), m_stamp);
     m_loaded = result == ERROR_SUCCESS;
     return result;
 }
@@ -193,16 +193,6 @@ std::optional<RegistryProblem> RegistryDatabase::TakeProblem()
     const std::lock_guard guard(m_lock);
     Refresh();
     return std::exchange(m_problem, std::nullopt);
-}
-
-FILETIME RegistryDatabase::LastChange()
-{
-    const std::lock_guard guard(m_lock);
-    // Units of 100 ns since 1601.
-    const ULONGLONG time =
-        m_stamp.exists ? (m_stamp.modified.tv_sec + 11644473600ULL) * 10000000 + m_stamp.modified.tv_nsec / 100
-                       : 0;
-    return {static_cast<DWORD>(time), static_cast<DWORD>(time >> 32)};
 }
 
 void SetRegistryStorePath(const std::string &path)

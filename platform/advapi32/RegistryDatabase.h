@@ -1,9 +1,9 @@
-// The one registry of the process: the tree, kept in step with its file.
+// The one registry of the process: its content, kept in step with its file.
 #pragma once
 
 #include "platform/advapi32/RegistryFile.h"
 #include "platform/advapi32/RegistryStore.h"
-#include "platform/advapi32/RegistryTree.h"
+#include "platform/advapi32/RegistryContent.h"
 
 #include <functional>
 #include <mutex>
@@ -13,19 +13,16 @@ class RegistryDatabase
 public:
     static RegistryDatabase &Instance();
 
-    // Calls look with the tree as it is now. look must not call the registry again.
-    LSTATUS Read(const std::function<LSTATUS(const RegistryTree &)> &look);
+    // Calls look with the content as it is now. look must not call the registry again.
+    LSTATUS Read(const std::function<LSTATUS(const RegistryContent &)> &look);
 
-    // Calls change with the tree, under the lock between processes, and writes the file if the
-    // result is ERROR_SUCCESS. If writing fails the tree is again what the file says.
-    LSTATUS Write(const std::function<LSTATUS(RegistryTree &)> &change);
+    // Calls change with the content, under the lock between processes, and writes the file if the
+    // result is ERROR_SUCCESS. If writing fails the content is again what the file says.
+    LSTATUS Write(const std::function<LSTATUS(RegistryContent &)> &change);
 
     void SetPath(const std::string &path);
     std::string Path();
     std::optional<RegistryProblem> TakeProblem();
-
-    // Time of the file's last change.
-    FILETIME LastChange();
 
     void BeginBatch();
     LSTATUS EndBatch();
@@ -34,14 +31,14 @@ private:
     RegistryDatabase() = default;
 
     void Refresh(); // reads the file again if it has changed
-    LSTATUS Lock(); // against other processes; the tree is then what the file says
+    LSTATUS Lock(); // against other processes; the content is then what the file says
     void Load();
     bool SetAside();
     LSTATUS Save();
 
     std::mutex m_lock;
     std::string m_path;
-    RegistryTree m_tree;
+    RegistryContent m_content;
     FileStamp m_stamp;
     bool m_loaded = false;
     bool m_blocked = false; // the file couldn't be read and mustn't be replaced

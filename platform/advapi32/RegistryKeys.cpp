@@ -1,87 +1,79 @@
-// Opening, making, deleting and listing keys.
-#include "platform/advapi32/OpenKeys.h"
+// Opening, making and deleting keys.
+#include "platform/advapi32/RegistryKeys.h"
+
 #include "platform/advapi32/RegistryDatabase.h"
 
-#include <windows.h>
-
-#include <algorithm>
-#include <new>
+#include <map>
+#include <mutex>
 
 namespace
 {
-// No exception may leave a function of the API.
-template <class Body>
-LSTATUS Guarded(Body &&body) noexcept
+struct OpenKey
 {
-    try
+    WideText path;
+    REGSAM access;
+};
+
+std::mutex tableLock;
+
+std::map<HKEY, OpenKey> &Table()
+{
+    static auto *table = new std::map<HKEY, OpenKey>;
+    return *table;
+}
+
+HKEY OpenHandle(const WideText &path, REGSAM access)
+{
+    const std::lock_guard guard(tableLock);
+    static ULONG_PTR last = 0x100;
+    // A value is never used again, so that a closed handle is recognised.
+    const auto key = reinterpret_cast<HKEY>(last += 4);
+    Table().emplace(key, OpenKey{path, access});
+    return key;
+}
+
+// Appends the names of subkey; several backslashes in a row, or at the end, count as one or none.
+void Append(WideText &path, WideView subkey)
+{
+    while (!subkey.empty())
     {
-        return body();
-    }
-    catch (const std::bad_alloc &)
-    {
-        return ERROR_NOT_ENOUGH_MEMORY;
+        const size_t end = std::min(subkey.find(u'\\'), subkey.size());
+        path.append(path.empty() || end == 0 ? TEXT("") : TEXT("\\")).append(subkey.substr(0, end));
+        subkey.remove_prefix(std::min(end + 1, subkey.size()));
     }
 }
 
-LSTATUS Read(const std::function<LSTATUS(const RegistryTree &)> &look)
+LSTATUS Exists(const WideText &path)
 {
-    return RegistryDatabase::Instance().Read(look);
+    return RegistryDatabase::Instance().Read(
+        [&](const RegistryContent &content) { return content.Has(path) ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND; });
 }
+} // namespace
 
-LSTATUS Write(const std::function<LSTATUS(RegistryTree &)> &change)
+LSTATUS LocateKey(HKEY key, LPCWSTR subkey, REGSAM needed, WideText &path)
 {
-    return RegistryDatabase::Instance().Write(change);
-}
-
-bool Exists(const KeyPlace &place)
-{
-    return Read([&](const RegistryTree &tree) {
-               return place.Find(tree) ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
-           }) == ERROR_SUCCESS;
-}
-
-// The names of the subkeys in order of their folded form; where two are equal, the user's and not the
-// machine's.
-std::map<WideText, WideText> SubkeyNames(const KeyPlace &place, const RegistryTree &tree)
-{
-    std::map<WideText, WideText> names;
-    for (const RegistryKey *key : place.FindAll(tree))
-    {
-        for (const auto &[folded, child] : key->children)
-        {
-            names.emplace(folded, child->name);
-        }
-    }
-    return names;
-}
-
-LSTATUS DeleteKey(HKEY key, LPCWSTR subkey, bool withSubkeys)
-{
-    KeyPlace place({});
-    LSTATUS result = LocateKey(key, subkey, 0, place);
-    if (result != ERROR_SUCCESS)
-    {
-        return result;
-    }
-    if (!Exists(place))
+    if (key == HKEY_CLASSES_ROOT || key == HKEY_LOCAL_MACHINE)
     {
         return ERROR_FILE_NOT_FOUND;
     }
-    return Write([&](RegistryTree &tree) -> LSTATUS {
-        const RegistryKey *found = place.Find(tree);
-        if (found == nullptr)
+    path.clear();
+    if (key != HKEY_CURRENT_USER)
+    {
+        const std::lock_guard guard(tableLock);
+        const auto found = Table().find(key);
+        if (found == Table().end())
         {
-            return ERROR_FILE_NOT_FOUND;
+            return ERROR_INVALID_HANDLE;
         }
-        if (!withSubkeys && !found->children.empty())
+        if ((found->second.access & needed) != needed)
         {
             return ERROR_ACCESS_DENIED;
         }
-        tree.Delete(WideText(place.Path(tree)));
-        return ERROR_SUCCESS;
-    });
+        path = found->second.path;
+    }
+    Append(path, subkey ? WideView(subkey) : WideView());
+    return ERROR_SUCCESS;
 }
-} // namespace
 
 LSTATUS WINAPI RegOpenKeyExW(HKEY key, LPCWSTR subkey, DWORD, REGSAM access, PHKEY opened)
 {
@@ -90,19 +82,12 @@ LSTATUS WINAPI RegOpenKeyExW(HKEY key, LPCWSTR subkey, DWORD, REGSAM access, PHK
         return ERROR_INVALID_PARAMETER;
     }
     *opened = nullptr;
-    return Guarded([&]() -> LSTATUS {
-        KeyPlace place({});
-        const LSTATUS result = LocateKey(key, subkey, 0, place);
-        if (result != ERROR_SUCCESS)
-        {
-            return result;
-        }
-        if (!Exists(place))
-        {
-            return ERROR_FILE_NOT_FOUND;
-        }
-        *opened = OpenHandle(std::move(place), access);
-        return ERROR_SUCCESS;
+    return WithoutExceptions([&] {
+        WideText path;
+        LSTATUS result = LocateKey(key, subkey, 0, path);
+        result = result == ERROR_SUCCESS ? Exists(path) : result;
+        *opened = result == ERROR_SUCCESS ? OpenHandle(path, access) : nullptr;
+        return result;
     });
 }
 
@@ -114,49 +99,33 @@ LSTATUS WINAPI RegCreateKeyExW(HKEY key, LPCWSTR subkey, DWORD reserved, LPWSTR,
         return ERROR_INVALID_PARAMETER;
     }
     *opened = nullptr;
-    return Guarded([&]() -> LSTATUS {
-        KeyPlace place({});
-        LSTATUS result = LocateKey(key, subkey, 0, place);
-        if (result != ERROR_SUCCESS)
+    return WithoutExceptions([&] {
+        WideText path;
+        LSTATUS result = LocateKey(key, subkey, 0, path);
+        result = result == ERROR_SUCCESS ? Exists(path) : result;
+        const bool isNew = result == ERROR_FILE_NOT_FOUND;
+        if (isNew)
         {
-            return result;
+            result = LocateKey(key, subkey, KEY_CREATE_SUB_KEY, path);
+            result = result != ERROR_SUCCESS ? result
+                                             : RegistryDatabase::Instance().Write([&](RegistryContent &content) {
+                                                   content.Make(path);
+                                                   return ERROR_SUCCESS;
+                                               });
         }
-        DWORD found = REG_OPENED_EXISTING_KEY;
-        if (!Exists(place))
+        *opened = result == ERROR_SUCCESS ? OpenHandle(path, access) : nullptr;
+        if (result == ERROR_SUCCESS && disposition != nullptr)
         {
-            found = REG_CREATED_NEW_KEY;
-            result = LocateKey(key, subkey, KEY_CREATE_SUB_KEY, place);
-            result = result != ERROR_SUCCESS ? result : Write([&](RegistryTree &tree) {
-                tree.Make(WideText(place.Path(tree)));
-                return ERROR_SUCCESS;
-            });
-            if (result != ERROR_SUCCESS)
-            {
-                return result;
-            }
+            *disposition = isNew ? REG_CREATED_NEW_KEY : REG_OPENED_EXISTING_KEY;
         }
-        *opened = OpenHandle(std::move(place), access);
-        if (disposition != nullptr)
-        {
-            *disposition = found;
-        }
-        return ERROR_SUCCESS;
+        return result;
     });
-}
-
-LSTATUS WINAPI RegOpenCurrentUser(REGSAM access, PHKEY opened)
-{
-    return RegOpenKeyExW(HKEY_CURRENT_USER, nullptr, 0, access, opened);
-}
-
-LSTATUS WINAPI RegOverridePredefKey(HKEY key, HKEY target)
-{
-    return Guarded([&] { return MapPredefinedKey(key, target); });
 }
 
 LSTATUS WINAPI RegCloseKey(HKEY key)
 {
-    return CloseHandleOf(key);
+    const std::lock_guard guard(tableLock);
+    return Table().erase(key) != 0 ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
 }
 
 LSTATUS WINAPI RegDeleteKeyW(HKEY key, LPCWSTR subkey)
@@ -165,133 +134,19 @@ LSTATUS WINAPI RegDeleteKeyW(HKEY key, LPCWSTR subkey)
     {
         return ERROR_INVALID_PARAMETER;
     }
-    return Guarded([&] { return DeleteKey(key, subkey, false); });
-}
-
-// Without a subkey the content of the key is deleted, and the key itself stays.
-LSTATUS WINAPI RegDeleteTreeW(HKEY key, LPCWSTR subkey)
-{
-    return Guarded([&]() -> LSTATUS {
-        if (subkey != nullptr && *subkey != 0)
-        {
-            return DeleteKey(key, subkey, true);
-        }
-        KeyPlace place({});
-        const LSTATUS result = LocateKey(key, nullptr, KEY_SET_VALUE, place);
-        return result != ERROR_SUCCESS ? result : Write([&](RegistryTree &tree) -> LSTATUS {
-            RegistryKey *found = place.Find(tree);
-            if (found == nullptr)
-            {
-                return ERROR_KEY_DELETED;
-            }
-            found->children.clear();
-            std::erase_if(found->lines, [](const RegistryLine &line) { return line.isValue; });
-            found->position = found->position ? found->position : ++tree.lastPosition;
-            return ERROR_SUCCESS;
-        });
-    });
-}
-
-LSTATUS WINAPI RegEnumKeyExW(HKEY key, DWORD index, LPWSTR name, LPDWORD length, LPDWORD, LPWSTR keyClass,
-                             LPDWORD classLength, PFILETIME lastChange)
-{
-    if (name == nullptr || length == nullptr || (keyClass != nullptr && classLength == nullptr))
-    {
-        return ERROR_INVALID_PARAMETER;
-    }
-    return Guarded([&]() -> LSTATUS {
-        KeyPlace place({});
-        const LSTATUS located = LocateKey(key, nullptr, KEY_ENUMERATE_SUB_KEYS, place);
-        const LSTATUS result = located != ERROR_SUCCESS ? located : Read([&](const RegistryTree &tree) -> LSTATUS {
-            if (place.Find(tree) == nullptr)
-            {
-                return ERROR_KEY_DELETED;
-            }
-            const auto names = SubkeyNames(place, tree);
-            if (index >= names.size())
-            {
-                return ERROR_NO_MORE_ITEMS;
-            }
-            const WideText &found = std::next(names.begin(), index)->second;
-            if (*length <= found.size())
-            {
-                return ERROR_MORE_DATA;
-            }
-            found.copy(name, found.size());
-            name[found.size()] = 0;
-            *length = static_cast<DWORD>(found.size());
-            return ERROR_SUCCESS;
-        });
-        if (result == ERROR_SUCCESS && classLength != nullptr)
-        {
-            if (keyClass != nullptr && *classLength != 0)
-            {
-                *keyClass = 0;
-            }
-            *classLength = 0;
-        }
-        if (result == ERROR_SUCCESS && lastChange != nullptr)
-        {
-            *lastChange = RegistryDatabase::Instance().LastChange();
-        }
-        return result;
-    });
-}
-
-LSTATUS WINAPI RegQueryInfoKeyW(HKEY key, LPWSTR keyClass, LPDWORD classLength, LPDWORD, LPDWORD subkeys,
-                                LPDWORD longestSubkey, LPDWORD longestClass, LPDWORD values, LPDWORD longestName,
-                                LPDWORD longestData, LPDWORD security, PFILETIME lastChange)
-{
-    return Guarded([&]() -> LSTATUS {
-        KeyPlace place({});
-        const LSTATUS located = LocateKey(key, nullptr, KEY_QUERY_VALUE, place);
-        size_t keyCount = 0, keyLength = 0, valueCount = 0, nameLength = 0, dataSize = 0;
-        const LSTATUS result = located != ERROR_SUCCESS ? located : Read([&](const RegistryTree &tree) -> LSTATUS {
-            const RegistryKey *found = place.Find(tree);
-            if (found == nullptr)
-            {
-                return ERROR_KEY_DELETED;
-            }
-            const auto names = SubkeyNames(place, tree);
-            keyCount = names.size();
-            for (const auto &[folded, name] : names)
-            {
-                keyLength = std::max(keyLength, name.size());
-            }
-            valueCount = found->CountValues();
-            for (const RegistryLine &line : found->lines)
-            {
-                nameLength = std::max(nameLength, line.isValue ? line.name.size() : 0);
-                dataSize = std::max(dataSize, line.data.size());
-            }
-            return ERROR_SUCCESS;
-        });
-        if (result != ERROR_SUCCESS)
-        {
-            return result;
-        }
-        const auto answer = [](LPDWORD out, size_t value) {
-            if (out != nullptr)
-            {
-                *out = static_cast<DWORD>(value);
-            }
-        };
-        if (keyClass != nullptr && classLength != nullptr && *classLength != 0)
-        {
-            *keyClass = 0;
-        }
-        answer(classLength, 0);
-        answer(subkeys, keyCount);
-        answer(longestSubkey, keyLength);
-        answer(longestClass, 0);
-        answer(values, valueCount);
-        answer(longestName, nameLength);
-        answer(longestData, dataSize);
-        answer(security, 0);
-        if (lastChange != nullptr)
-        {
-            *lastChange = RegistryDatabase::Instance().LastChange();
-        }
-        return ERROR_SUCCESS;
+    return WithoutExceptions([&] {
+        WideText path;
+        LSTATUS result = LocateKey(key, subkey, 0, path);
+        result = result == ERROR_SUCCESS ? Exists(path) : result;
+        return result != ERROR_SUCCESS
+                   ? result
+                   : RegistryDatabase::Instance().Write([&](RegistryContent &content) -> LSTATUS {
+                         if (content.HasBelow(path))
+                         {
+                             return ERROR_ACCESS_DENIED;
+                         }
+                         content.Delete(path);
+                         return ERROR_SUCCESS;
+                     });
     });
 }

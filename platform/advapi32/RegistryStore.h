@@ -1,8 +1,8 @@
-// The registry's store: one text file in the form of "Windows Registry Editor Version 5.00", UTF-8
-// or UTF-16 with a byte order mark, that all processes of a user share.
+// The registry's store: what lies below HKEY_CURRENT_USER, in one text file (RegistryText.h) that all processes of a
+// user share.
 //
 // Each change replaces the file as a whole, or leaves the old one as it was; changes by another
-// process are seen with the next call, and none is lost. What the store doesn't understand stays in the file.
+// process are seen with the next call, and none is lost.
 // A remark below the heading holds length and checksum of the rest. A file that is damaged, or was changed
 // without deleting that remark, is moved aside as NAME.damaged-N when it is read.
 // All functions may be called from any thread.

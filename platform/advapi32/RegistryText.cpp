@@ -1,10 +1,10 @@
 #include "platform/advapi32/RegistryText.h"
 
 #include "com/Checksum.h"
-#include "platform/advapi32/RegistryValueText.h"
 #include "platform/kernel32/PathText.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <cstring>
 
@@ -12,284 +12,262 @@ namespace
 {
 constexpr std::string_view Heading = "Windows Registry Editor Version 5.00";
 constexpr std::string_view CheckStart = "; checked: ";
-constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF";
-constexpr std::string_view Utf16Mark = "\xFF\xFE";
+constexpr std::string_view Root = "[HKEY_CURRENT_USER\\";
+constexpr WideView RegisteredClasses = TEXT("SOFTWARE\\CLASSES\\");
 
-std::string_view Trim(std::string_view text)
+// A line of the text, which loses it; without the end of the line. closed: whether it had one.
+std::string_view TakeLine(std::string_view &text, bool &closed)
 {
-    const size_t start = text.find_first_not_of(" \t");
-    return start == std::string_view::npos ? std::string_view()
-                                           : text.substr(start, text.find_last_not_of(" \t") - start + 1);
+    const size_t end = std::min(text.find('\n'), text.size());
+    closed = end < text.size();
+    std::string_view line = text.substr(0, end);
+    text.remove_prefix(closed ? end + 1 : end);
+    while (line.ends_with('\r'))
+    {
+        line.remove_suffix(1);
+    }
+    return line;
 }
 
-bool IsRemark(std::string_view line)
+bool Take(std::string_view &text, std::string_view expected)
 {
-    const std::string_view text = Trim(line);
-    return text.empty() || text[0] == ';';
+    const bool taken = text.starts_with(expected);
+    text.remove_prefix(taken ? expected.size() : 0);
+    return taken;
 }
 
-// The path between the brackets; empty if the line is no heading of a key. "[-...]" deletes a
-// key at an import; in a store it means nothing.
-WideText KeyPathOf(std::string_view line)
+void SkipBlanks(std::string_view &text)
 {
-    const std::string_view text = Trim(line);
-    if (text.size() < 3 || text.front() != '[' || text.back() != ']' || text[1] == '-')
-    {
-        return {};
-    }
-    WideText path = PathFromBytes(text.substr(1, text.size() - 2));
-    if (path.front() == u'\\' || path.back() == u'\\' || path.find(TEXT("\\\\")) != WideText::npos)
-    {
-        return {};
-    }
-    // Keys that regedit exports below this root are stored where the merged view writes.
-    const WideView classes = TEXT("HKEY_CLASSES_ROOT");
-    if (path.starts_with(classes) && (path.size() == classes.size() || path[classes.size()] == u'\\'))
-    {
-        path.replace(0, classes.size(), TEXT("HKEY_LOCAL_MACHINE\\Software\\Classes"));
-    }
-    return path;
+    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
 }
 
-class Parser
+bool TakeHex(std::string_view &text, DWORD &number, size_t mostDigits)
 {
-public:
-    explicit Parser(RegistryTree &tree) : m_tree(tree) {}
+    const char *const start = text.data();
+    const auto [stop, error] = std::from_chars(start, start + std::min(text.size(), mostDigits), number, 16);
+    text.remove_prefix(stop - start);
+    return error == std::errc() && stop != start;
+}
 
-    // False if the text breaks off in the middle of something.
-    bool Parse(std::string_view text)
+// Text in quotes; in it a backslash precedes each backslash and each quote.
+bool TakeQuoted(std::string_view &text, WideText &content)
+{
+    if (!Take(text, "\""))
     {
-        while (!text.empty())
+        return false;
+    }
+    std::string bytes;
+    while (!text.empty() && text[0] != '"')
+    {
+        const size_t escape = text[0] == '\\' && text.size() > 1 ? 1 : 0;
+        bytes += text[escape];
+        text.remove_prefix(escape + 1);
+    }
+    content = PathFromBytes(bytes);
+    return Take(text, "\"");
+}
+
+std::vector<BYTE> BytesOf(const void *data, size_t size)
+{
+    const auto *bytes = static_cast<const BYTE *>(data);
+    return {bytes, bytes + size};
+}
+
+bool TakeBytes(std::string_view &text, std::vector<BYTE> &data)
+{
+    DWORD byte = 0;
+    while (!text.empty() && TakeHex(text, byte, 2))
+    {
+        data.push_back(static_cast<BYTE>(byte));
+        if (!Take(text, ","))
         {
-            const std::string line = TakeLine(text);
-            if (StartKey(line))
-            {
-                continue;
-            }
-            if (IsRemark(line))
-            {
-                AddText(line);
-            }
-            else if (!ParseValue(line, text) && !m_lastLineClosed)
-            {
-                return false;
-            }
+            return true;
         }
+    }
+    return data.empty();
+}
+
+bool TakeData(std::string_view &text, RegistryValue &value)
+{
+    WideText quoted;
+    if (TakeQuoted(text, quoted))
+    {
+        value.type = REG_SZ;
+        value.data = BytesOf(quoted.c_str(), (quoted.size() + 1) * sizeof(WCHAR));
         return true;
     }
-
-private:
-    std::string TakeLine(std::string_view &text)
+    DWORD number = 0;
+    if (Take(text, "dword:"))
     {
-        const size_t end = std::min(text.find('\n'), text.size());
-        m_lastLineClosed = end < text.size();
-        std::string_view line = text.substr(0, end);
-        text.remove_prefix(std::min(end + 1, text.size()));
-        // A careless conversion of line ends leaves several.
-        while (line.ends_with('\r'))
-        {
-            line.remove_suffix(1);
-        }
-        return std::string(line);
+        value.type = REG_DWORD;
+        const bool taken = TakeHex(text, number, 8);
+        value.data = BytesOf(&number, sizeof(number));
+        return taken;
     }
+    value.type = REG_BINARY;
+    return Take(text, "hex:") ? TakeBytes(text, value.data)
+                              : Take(text, "hex(") && TakeHex(text, value.type, 8) && Take(text, "):") &&
+                                    TakeBytes(text, value.data);
+}
 
-    bool StartKey(const std::string &line)
+std::optional<RegistryValue> ParseValue(std::string_view line)
+{
+    RegistryValue value;
+    SkipBlanks(line);
+    bool valid = Take(line, "@") || (TakeQuoted(line, value.name) && !value.name.empty());
+    SkipBlanks(line);
+    valid = valid && Take(line, "=");
+    SkipBlanks(line);
+    valid = valid && TakeData(line, value);
+    SkipBlanks(line);
+    return valid && line.empty() ? std::optional(std::move(value)) : std::nullopt;
+}
+
+// Bytes in hexadecimal continue in the next line after a backslash.
+std::string TakeContinued(std::string_view line, std::string_view &text, bool &closed)
+{
+    std::string whole(line);
+    while (whole.ends_with(",\\") && whole.find("=hex") != std::string::npos && !text.empty())
     {
-        if (!Trim(line).starts_with('['))
-        {
-            return false;
-        }
-        const WideText path = KeyPathOf(line);
-        m_unknownSection = path.empty();
-        if (m_unknownSection)
-        {
-            return false;
-        }
-        m_key = &m_tree.Make(path);
-        return true;
+        whole.pop_back();
+        const std::string_view next = TakeLine(text, closed);
+        whole += next.substr(std::min(next.find_first_not_of(' '), next.size()));
     }
-
-    bool ParseValue(std::string line, std::string_view &text)
-    {
-        // Only values in bytes continue in the next line.
-        while (line.ends_with('\\') && line.find("=hex") != std::string::npos && !text.empty())
-        {
-            line += '\n' + TakeLine(text);
-        }
-        auto value = m_key && !m_unknownSection ? ParseRegistryValue(line) : std::nullopt;
-        if (!value)
-        {
-            AddText(line);
-            return false;
-        }
-        if (RegistryLine *earlier = m_key->FindValue(value->name))
-        {
-            *earlier = std::move(*value);
-        }
-        else
-        {
-            m_key->lines.push_back(std::move(*value));
-        }
-        return true;
-    }
-
-    void AddText(const std::string &line)
-    {
-        if (m_key == nullptr)
-        {
-            m_tree.preamble.push_back(line);
-            return;
-        }
-        RegistryLine kept;
-        kept.text = line;
-        m_key->lines.push_back(std::move(kept));
-    }
-
-    RegistryTree &m_tree;
-    RegistryKey *m_key = nullptr;
-    bool m_unknownSection = false;
-    bool m_lastLineClosed = true;
-};
+    return whole;
+}
 
 // The remark that tells whether everything below it is as it was written. It stands at the top, where a file that
 // was cut has lost either the keys or the right to it.
 std::string CheckLine(std::string_view below)
 {
     std::string bytes(below);
-    std::erase(bytes, '\r'); // counted without the carriage returns of one form of the file
+    std::erase(bytes, '\r'); // an editor may have put them there
     char line[128];
     std::snprintf(line, sizeof(line), "%s%zu bytes follow, CRC-32 %08x. After a change by hand delete this line.",
                   CheckStart.data(), bytes.size(), static_cast<unsigned>(Crc32(bytes)));
     return line;
 }
 
-// Takes the check off the text; false if the text isn't what was checked. A file of an earlier version, or of
-// regedit, has none.
-bool TakeCheck(std::string_view &text)
+// The path of a key's line below HKEY_CURRENT_USER; nothing for another line, and for what is passed over.
+std::optional<WideText> KeyPathOf(std::string_view line)
 {
-    if (!text.starts_with(CheckStart))
+    if (!Take(line, Root) || !line.ends_with(']'))
     {
-        return true;
+        return std::nullopt;
     }
-    const size_t end = std::min(text.find('\n'), text.size());
-    std::string_view line = text.substr(0, end);
-    line.remove_suffix(line.ends_with('\r') ? 1 : 0);
-    text.remove_prefix(std::min(end + 1, text.size()));
-    return line == CheckLine(text);
+    WideText path = PathFromBytes(line.substr(0, line.size() - 1));
+    const bool isClass = FoldRegistryName(path).starts_with(RegisteredClasses);
+    return isClass ? std::nullopt : std::optional(std::move(path));
 }
 
-struct Section
+// Whether the data of a REG_SZ can stand between quotes: one line of valid text, closed by one zero.
+bool IsQuotable(const std::vector<BYTE> &data, WideText &text)
 {
-    WideText path;
-    const RegistryKey *key;
-};
-
-void CollectSections(const RegistryKey &key, const WideText &path, std::vector<Section> &sections)
-{
-    if (key.position != 0)
+    if (data.size() < sizeof(WCHAR) || data.size() % sizeof(WCHAR) != 0)
     {
-        sections.push_back({path, &key});
+        return false;
     }
-    for (const auto &[folded, child] : key.children)
-    {
-        CollectSections(*child, path.empty() ? child->name : path + u'\\' + child->name, sections);
-    }
+    text.resize(data.size() / sizeof(WCHAR));
+    std::memcpy(text.data(), data.data(), data.size());
+    const bool closed = text.back() == 0;
+    text.pop_back();
+    return closed && std::ranges::none_of(text, [](WCHAR unit) { return unit < 0x20; }) &&
+           PathFromBytes(PathToBytes(text)) == text;
 }
 
-void AppendLine(std::string &text, std::string_view line)
+std::string Quote(WideView text)
 {
-    text.append(line);
-    text += '\n';
+    std::string quoted = "\"";
+    for (const char byte : PathToBytes(text))
+    {
+        quoted += byte == '"' || byte == '\\' ? "\\" : "";
+        quoted += byte;
+    }
+    return quoted + '"';
 }
 
-std::string Encode(const std::string &text, const RegistryTree &tree)
+std::string FormatValue(const RegistryValue &value)
 {
-    std::string lines;
-    for (const char byte : text)
+    const std::string name = (value.name.empty() ? std::string("@") : Quote(value.name)) + '=';
+    WideText text;
+    if (value.type == REG_SZ && IsQuotable(value.data, text))
     {
-        if (byte == '\n' && tree.hasCarriageReturns)
-        {
-            lines += '\r';
-        }
-        lines += byte;
+        return name + Quote(text);
     }
-    if (!tree.isUtf16)
+    char part[24];
+    if (value.type == REG_DWORD && value.data.size() == sizeof(DWORD))
     {
-        return lines;
+        DWORD number;
+        std::memcpy(&number, value.data.data(), sizeof(number));
+        std::snprintf(part, sizeof(part), "dword:%08x", static_cast<unsigned>(number));
+        return name + part;
     }
-    const WideText wide = PathFromBytes(lines);
-    std::string bytes(Utf16Mark);
-    bytes.append(reinterpret_cast<const char *>(wide.data()), wide.size() * sizeof(WCHAR));
-    return bytes;
+    std::snprintf(part, sizeof(part), "hex(%x):", static_cast<unsigned>(value.type));
+    std::string line = name + part;
+    for (const BYTE byte : value.data)
+    {
+        std::snprintf(part, sizeof(part), "%s%02x", line.ends_with(':') ? "" : ",", byte);
+        line += part;
+    }
+    return line;
 }
 } // namespace
 
-std::optional<RegistryTree> ParseRegistryText(std::string_view bytes)
+std::optional<RegistryContent> ParseRegistryText(std::string_view bytes)
 {
-    RegistryTree tree;
-    std::string text(bytes);
-    if (bytes.starts_with(Utf16Mark))
+    bool closed = true;
+    std::string_view text = bytes;
+    if (bytes.find('\0') != std::string_view::npos || TakeLine(text, closed) != Heading)
     {
-        if (bytes.size() % sizeof(WCHAR) != 0)
+        return std::nullopt;
+    }
+    if (text.starts_with(CheckStart))
+    {
+        const std::string_view check = TakeLine(text, closed);
+        if (check != CheckLine(text))
         {
             return std::nullopt;
         }
-        WideText wide((bytes.size() - Utf16Mark.size()) / sizeof(WCHAR), 0);
-        std::memcpy(wide.data(), bytes.data() + Utf16Mark.size(), wide.size() * sizeof(WCHAR));
-        text = PathToBytes(wide);
-        tree.isUtf16 = true;
     }
-    else if (bytes.starts_with(Utf8Mark))
+    RegistryContent content;
+    bool hasKeys = false;
+    RegistryKey *key = nullptr;
+    while (!text.empty())
     {
-        text.erase(0, Utf8Mark.size());
+        const std::string_view first = TakeLine(text, closed);
+        const std::string line = TakeContinued(first, text, closed);
+        if (line.starts_with('[') && line.ends_with(']'))
+        {
+            const auto path = KeyPathOf(line);
+            key = path ? &content.Make(*path) : nullptr;
+            hasKeys = true;
+            continue;
+        }
+        auto value = ParseValue(line);
+        if (value && key != nullptr)
+        {
+            key->SetValue(std::move(*value));
+        }
+        if (!value && !closed && !line.starts_with(';'))
+        {
+            return std::nullopt;
+        }
     }
-    if (text.find('\0') != std::string::npos)
-    {
-        return std::nullopt;
-    }
-    const size_t start = std::min(text.find_first_not_of(" \t\r\n"), text.size());
-    std::string_view rest = std::string_view(text).substr(start);
-    const size_t end = std::min(rest.find('\n'), rest.size());
-    std::string_view first = rest.substr(0, end);
-    tree.hasCarriageReturns = first.ends_with('\r');
-    first.remove_suffix(tree.hasCarriageReturns ? 1 : 0);
-    if (Trim(first) != Heading)
-    {
-        return std::nullopt;
-    }
-    rest.remove_prefix(std::min(end + 1, rest.size()));
-    if (!TakeCheck(rest) || !Parser(tree).Parse(rest) || tree.lastPosition == 0)
-    {
-        return std::nullopt;
-    }
-    return tree;
+    return hasKeys ? std::optional(std::move(content)) : std::nullopt;
 }
 
-std::string FormatRegistryText(const RegistryTree &tree)
+std::string FormatRegistryText(const RegistryContent &content)
 {
-    std::vector<Section> sections;
-    CollectSections(tree.root, {}, sections);
-    std::sort(sections.begin(), sections.end(),
-              [](const Section &left, const Section &right) { return left.key->position < right.key->position; });
     std::string text;
-    for (const std::string &line : tree.preamble)
+    for (const auto &[folded, key] : content.Keys())
     {
-        AppendLine(text, line);
-    }
-    for (const Section &section : sections)
-    {
-        if (text != "\n" && !text.ends_with("\n\n"))
+        text += '\n' + std::string(Root) + PathToBytes(key.path) + "]\n";
+        for (const RegistryValue &value : key.values)
         {
-            text += '\n';
-        }
-        AppendLine(text, '[' + PathToBytes(section.path) + ']');
-        for (const RegistryLine &line : section.key->lines)
-        {
-            AppendLine(text, line.isValue ? FormatRegistryValue(line) : line.text);
+            text += FormatValue(value) + '\n';
         }
     }
-    std::string file;
-    AppendLine(file, Heading);
-    AppendLine(file, CheckLine(text));
-    return Encode(file + text, tree);
+    // A file without a key would be taken for one that was cut.
+    text += content.Keys().empty() ? "\n[HKEY_CURRENT_USER]\n" : "";
+    return std::string(Heading) + '\n' + CheckLine(text) + '\n' + text;
 }

@@ -1,17 +1,24 @@
-// The text form of the registry, as regedit exports it.
+// The text of the registry's file, UTF-8:
+//
+//     Windows Registry Editor Version 5.00
+//     ; checked: 90 bytes follow, CRC-32 01234567. After a change by hand delete this line.
+//
+//     [HKEY_CURRENT_USER\Software\Name]
+//     "Text"="with \"quotes\" and \\"
+//     "Number"=dword:0000002a
+//     "Bytes"=hex(3):01,02
 #pragma once
 
-#include "platform/advapi32/RegistryTree.h"
+#include "platform/advapi32/RegistryContent.h"
 
 #include <optional>
 #include <string>
 #include <string_view>
 
-// The tree that the bytes of a file describe. Nothing if they are damaged: another heading, zero bytes, no key, a
-// value that is cut off, or not what the check below the heading was made of. Text without a check is read
-// as well: earlier versions and regedit write none.
-std::optional<RegistryTree> ParseRegistryText(std::string_view bytes);
+// What the bytes of a file say. Nothing if they are damaged: another heading, zero bytes, no key, a last line that
+// is cut off, or not what the check was made of. A file without a check is read as well: earlier versions and people
+// write such. What else stands in the file, keys outside of HKEY_CURRENT_USER and the classes that earlier versions
+// registered among it, is passed over.
+std::optional<RegistryContent> ParseRegistryText(std::string_view bytes);
 
-// The bytes of a file, with a check of everything below it. What has not been changed since it was parsed is
-// written as it stood.
-std::string FormatRegistryText(const RegistryTree &tree);
+std::string FormatRegistryText(const RegistryContent &content);

@@ -1,9 +1,7 @@
 target_sources(platform PRIVATE
-  advapi32/OpenKeys.cpp
+  advapi32/RegistryContent.cpp
   advapi32/RegistryDatabase.cpp
   advapi32/RegistryFile.cpp
   advapi32/RegistryKeys.cpp
   advapi32/RegistryText.cpp
-  advapi32/RegistryTree.cpp
-  advapi32/RegistryValues.cpp
-  advapi32/RegistryValueText.cpp)
+  advapi32/RegistryValues.cpp)

@@ -24,14 +24,6 @@ public:
         return std::exchange(m_position, Within(position));
     }
 
-    int MoveBy(int delta)
-    {
-        const std::lock_guard guard(m_lock);
-        const long long moved = static_cast<long long>(m_position) + delta;
-        return std::exchange(m_position,
-                             static_cast<int>(std::clamp<long long>(moved, m_low, std::max(m_low, m_high))));
-    }
-
     // Returns the low words of the previous limits.
     LRESULT SetRange(int low, int high)
     {
@@ -85,8 +77,6 @@ LRESULT Answer(ProgressBar &bar, UINT message, WPARAM wParam, LPARAM lParam)
     {
     case PBM_SETPOS:
         return bar.SetPosition(static_cast<int>(wParam));
-    case PBM_DELTAPOS:
-        return bar.MoveBy(static_cast<int>(wParam));
     case PBM_SETRANGE32:
         return bar.SetRange(static_cast<int>(wParam), static_cast<int>(lParam));
     case PBM_GETRANGE:
@@ -113,7 +103,6 @@ LRESULT CALLBACK ProgressBarProcedure(HWND window, UINT message, WPARAM wParam, 
         delete bar;
         return 0;
     case PBM_SETPOS:
-    case PBM_DELTAPOS:
     case PBM_SETRANGE32:
     case PBM_GETRANGE:
     case PBM_GETPOS:

@@ -1,6 +1,6 @@
-// Bounded text functions with Windows' names, contracts and results. Capacities are in characters,
-// including the terminator; a text that doesn't fit is cut, terminated and reported. Formats are those of
-// Windows' wide printf: %s is wide, %S and %hs narrow (UTF-8), %ld 32 bits, %I64d 64 bits.
+// Formatting into a bounded buffer, with Windows' name, contract and results. The capacity is in characters,
+// including the terminator; a text that doesn't fit is cut, terminated and reported. Of the conversions there are
+// %s and %ls (wide), %d, %u and %x, those with l (32 bits) or I64, with a width filled with zeros (%08lx), and %%.
 #pragma once
 
 #include <windows.h>
@@ -12,13 +12,6 @@
 #define STRSAFE_E_INSUFFICIENT_BUFFER ((HRESULT)0x8007007AL)
 #define STRSAFE_E_INVALID_PARAMETER ((HRESULT)0x80070057L)
 
-extern "C"
-{
-    HRESULT WINAPI StringCchCopyW(WCHAR *target, size_t capacity, const WCHAR *source);
-    HRESULT WINAPI StringCchPrintfW(WCHAR *target, size_t capacity, const WCHAR *format, ...);
-    HRESULT WINAPI StringCchVPrintfW(WCHAR *target, size_t capacity, const WCHAR *format, va_list arguments);
-}
-
-#define StringCchCopy StringCchCopyW
-#define StringCchPrintf StringCchPrintfW
-#define StringCchVPrintf StringCchVPrintfW
+// STRSAFE_E_INVALID_PARAMETER also for a conversion that is none of these.
+extern "C" HRESULT WINAPI StringCchVPrintfW(WCHAR *target, size_t capacity, const WCHAR *format,
+                                            va_list arguments);

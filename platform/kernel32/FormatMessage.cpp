@@ -39,7 +39,7 @@ DWORD WINAPI FormatMessageW(DWORD flags, LPCVOID, DWORD code, DWORD, LPWSTR buff
     if (allocate)
     {
         allocated =
-            static_cast<LPWSTR>(LocalAlloc(LMEM_FIXED, std::max<size_t>(needed, capacity) * sizeof(WCHAR)));
+            static_cast<LPWSTR>(GlobalAlloc(GMEM_FIXED, std::max<size_t>(needed, capacity) * sizeof(WCHAR)));
         if (allocated == nullptr)
         {
             return 0;

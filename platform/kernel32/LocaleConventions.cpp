@@ -76,7 +76,6 @@ std::optional<LocaleConventions> ReadConventions(const std::string &name)
         conventions.furtherGroups = further > 0 ? further : conventions.firstGroup;
     }
     conventions.signBehind = !HasNegativePrefix(format.get());
-    conventions.windowsId = name.empty() ? InvariantLocale : uloc_getLCID(name.c_str());
     return conventions;
 }
 
@@ -93,11 +92,10 @@ std::optional<LocaleConventions> ConventionsByName(const std::string &name)
 
 LocaleConventions UserConventions()
 {
-    if (auto conventions = ConventionsByName(EnvironmentLocale()); conventions && conventions->windowsId != 0)
-    {
-        return *conventions;
-    }
-    return ConventionsByName(StandIn).value();
+    const std::string name = EnvironmentLocale();
+    // ICU makes something of any name; a language that Windows has no identifier for counts as unknown.
+    const auto conventions = uloc_getLCID(name.c_str()) != 0 ? ConventionsByName(name) : std::nullopt;
+    return conventions ? *conventions : ConventionsByName(StandIn).value();
 }
 
 std::optional<LocaleConventions> ConventionsOf(uint32_t windowsId)

@@ -15,8 +15,6 @@ struct LocaleConventions
     int firstGroup = 0;
     int furtherGroups = 0;
     bool signBehind = false;
-    // Windows' identifier of the locale, an LCID.
-    uint32_t windowsId = 0;
 };
 
 // The user's locale comes from the environment, read at each call: the first of LC_ALL, LC_NUMERIC and

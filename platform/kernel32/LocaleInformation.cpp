@@ -3,7 +3,6 @@
 #include "com/WideText.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace
 {
@@ -28,21 +27,6 @@ WideText GroupingText(const LocaleConventions &conventions)
     return text + u";0";
 }
 
-std::optional<UINT> ReadNumber(const LocaleConventions &conventions, LCTYPE type)
-{
-    switch (type)
-    {
-    case LOCALE_IDIGITS:
-        return DecimalDigits;
-    case LOCALE_ILZERO:
-        return LeadingZero;
-    case LOCALE_INEGNUMBER:
-        return NegativeOrder(conventions);
-    default:
-        return std::nullopt;
-    }
-}
-
 std::optional<WideText> ReadText(const LocaleConventions &conventions, LCTYPE type)
 {
     switch (type)
@@ -53,8 +37,12 @@ std::optional<WideText> ReadText(const LocaleConventions &conventions, LCTYPE ty
         return conventions.thousandsSeparator;
     case LOCALE_SGROUPING:
         return GroupingText(conventions);
-    case LOCALE_SNEGATIVESIGN:
-        return conventions.negativeSign;
+    case LOCALE_IDIGITS:
+        return NumberText(DecimalDigits);
+    case LOCALE_ILZERO:
+        return NumberText(LeadingZero);
+    case LOCALE_INEGNUMBER:
+        return NumberText(NegativeOrder(conventions));
     default:
         return std::nullopt;
     }
@@ -64,20 +52,6 @@ int Fail(DWORD error)
 {
     SetLastError(error);
     return 0;
-}
-
-int CopyOut(const void *data, size_t length, WCHAR *buffer, int capacity)
-{
-    if (capacity == 0)
-    {
-        return static_cast<int>(length);
-    }
-    if (static_cast<size_t>(capacity) < length)
-    {
-        return Fail(ERROR_INSUFFICIENT_BUFFER);
-    }
-    std::memcpy(buffer, data, length * sizeof(WCHAR));
-    return static_cast<int>(length);
 }
 } // namespace
 
@@ -120,25 +94,21 @@ int WINAPI GetLocaleInfoW(LCID locale, LCTYPE type, WCHAR *buffer, int capacity)
     {
         return Fail(ERROR_INVALID_PARAMETER);
     }
-    const LCTYPE item =
-        type & ~static_cast<LCTYPE>(LOCALE_NOUSEROVERRIDE | LOCALE_USE_CP_ACP | LOCALE_RETURN_NUMBER);
-    const auto number = ReadNumber(*conventions, item);
-    if (type & LOCALE_RETURN_NUMBER)
+    const auto text = ReadText(*conventions, type & ~static_cast<LCTYPE>(LOCALE_NOUSEROVERRIDE));
+    if (!text)
     {
-        const DWORD value = number.value_or(0);
-        return number ? CopyOut(&value, sizeof(value) / sizeof(WCHAR), buffer, capacity)
-                      : Fail(ERROR_INVALID_FLAGS);
+        return Fail(ERROR_INVALID_FLAGS);
     }
-    const auto text = number ? NumberText(*number) : ReadText(*conventions, item);
-    return text ? CopyOut(text->c_str(), text->size() + 1, buffer, capacity) : Fail(ERROR_INVALID_FLAGS);
+    const int length = static_cast<int>(text->size() + 1);
+    if (capacity != 0 && capacity < length)
+    {
+        return Fail(ERROR_INSUFFICIENT_BUFFER);
+    }
+    std::copy_n(text->c_str(), capacity != 0 ? length : 0, buffer);
+    return length;
 }
 
 BOOL WINAPI IsValidLocale(LCID locale, DWORD)
 {
     return ConventionsOf(locale).has_value();
-}
-
-LCID WINAPI GetUserDefaultLCID()
-{
-    return UserConventions().windowsId;
 }

@@ -15,13 +15,10 @@
 
 namespace
 {
-constexpr DWORD KnownFlags = GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT |
-                             GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS;
-
 // The dynamic loader's handle of a loaded module. Adds a reference, which the caller must dlclose.
-void *OpenLoaded(const LoadedModule &module, int flags = 0)
+void *OpenLoaded(const LoadedModule &module)
 {
-    return dlopen(module.isProgram ? nullptr : module.path.c_str(), RTLD_LAZY | RTLD_NOLOAD | flags);
+    return dlopen(module.isProgram ? nullptr : module.path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
 }
 
 // Whether the name is that of a Windows system library; natively all of them are this library.
@@ -41,49 +38,32 @@ std::optional<LoadedModule> FindNamed(const std::string &name)
                                  : FindModuleByName(name);
 }
 
-std::optional<LoadedModule> Identify(DWORD flags, const WCHAR *name)
+HMODULE HandleOf(const std::optional<LoadedModule> &found)
 {
-    if (flags & GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS)
-    {
-        return FindModuleOfAddress(name);
-    }
-    return name == nullptr ? FindModule(nullptr) : FindNamed(ToUtf8(name));
-}
-} // namespace
-
-BOOL WINAPI GetModuleHandleExW(DWORD flags, const WCHAR *name, HMODULE *module)
-{
-    constexpr DWORD exclusive = GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-    if (module == nullptr)
-    {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return FALSE;
-    }
-    *module = nullptr;
-    if ((flags & ~KnownFlags) != 0 || (flags & exclusive) == exclusive)
-    {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return FALSE;
-    }
-    const auto found = Identify(flags, name);
     if (!found)
     {
         SetLastError(ERROR_MOD_NOT_FOUND);
+    }
+    return found ? found->handle : nullptr;
+}
+} // namespace
+
+// Only for the module of an address, without a reference to it.
+BOOL WINAPI GetModuleHandleExW(DWORD flags, const WCHAR *address, HMODULE *module)
+{
+    constexpr DWORD known = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+    if (module == nullptr || flags != known)
+    {
+        SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
     }
-    if (!(flags & GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT))
-    {
-        OpenLoaded(*found, flags & GET_MODULE_HANDLE_EX_FLAG_PIN ? RTLD_NODELETE : 0);
-    }
-    *module = found->handle;
-    return TRUE;
+    *module = HandleOf(FindModuleOfAddress(address));
+    return *module != nullptr;
 }
 
 HMODULE WINAPI GetModuleHandleW(const WCHAR *name)
 {
-    HMODULE module = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT, name, &module);
-    return module;
+    return HandleOf(name == nullptr ? FindModule(nullptr) : FindNamed(ToUtf8(name)));
 }
 
 DWORD WINAPI GetModuleFileNameW(HMODULE module, WCHAR *buffer, DWORD capacity)
@@ -134,21 +114,6 @@ HMODULE WINAPI LoadLibraryW(const WCHAR *name)
         return nullptr;
     }
     return found->handle;
-}
-
-BOOL WINAPI FreeLibrary(HMODULE module)
-{
-    const auto found = module == nullptr ? std::nullopt : FindModule(module);
-    void *const loaded = found ? OpenLoaded(*found) : nullptr;
-    if (loaded == nullptr)
-    {
-        SetLastError(ERROR_MOD_NOT_FOUND);
-        return FALSE;
-    }
-    // Two dlclose: one for our dlopen above, one for the caller's reference.
-    dlclose(loaded);
-    dlclose(loaded);
-    return TRUE;
 }
 
 FARPROC WINAPI GetProcAddress(HMODULE module, const char *name)

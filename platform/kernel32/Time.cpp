@@ -14,12 +14,6 @@ void WINAPI GetSystemTimeAsFileTime(FILETIME *time)
     time->dwHighDateTime = static_cast<DWORD>(ticks >> 32);
 }
 
-ULONGLONG WINAPI GetTickCount64()
-{
-    const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
-}
-
 void WINAPI Sleep(DWORD milliseconds)
 {
     if (milliseconds == INFINITE)

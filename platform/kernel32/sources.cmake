@@ -12,6 +12,5 @@ target_sources(platform PRIVATE
   kernel32/Resources.cpp
   kernel32/SystemMessages.cpp
   kernel32/SystemVersion.cpp
-  kernel32/ThreadLocale.cpp
   kernel32/Time.cpp
   kernel32/Utf8.cpp)

@@ -43,11 +43,6 @@ HRESULT WINAPI CoInitializeEx(LPVOID reserved, DWORD flags)
     return S_OK;
 }
 
-HRESULT WINAPI CoInitialize(LPVOID reserved)
-{
-    return CoInitializeEx(reserved, COINIT_APARTMENTTHREADED);
-}
-
 void WINAPI CoUninitialize()
 {
     if (threadState.entries != 0 && --threadState.entries == 0 && threadState.multithreaded)

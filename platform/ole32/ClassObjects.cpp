@@ -1,21 +1,19 @@
-// Creation of objects: by a class object that the process has registered, else by the module
-// that the class's registry entry names. A module, once loaded, stays until the process ends.
+// Creation of objects: by a class object that the process has registered, else by the module that the class table
+// names. A module, once loaded, stays until the process ends.
 #include "com/ComPtr.h"
 #include "com/Hresult.h"
-#include "platform/kernel32/PathText.h"
+#include "platform/kernel32/LoadedModules.h"
 #include "platform/ole32/Apartment.h"
-#include "platform/ole32/ClassEntries.h"
 #include "platform/ole32/ClassServers.h"
 
-#include <objbase.h>
+#include "XmlInterfaces.h"
+
+#include <wincodec.h>
 
 #include <dlfcn.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <mutex>
-#include <optional>
-#include <vector>
 
 namespace
 {
@@ -23,20 +21,10 @@ struct Registration
 {
     CLSID clsid;
     ComPtr<IUnknown> object;
-    DWORD flags;
     DWORD cookie;
 };
 
-std::mutex registrationLock;
-
-std::mutex folderLock;
-std::optional<std::vector<std::filesystem::path>> allowedFolders;
-
-bool MayLoad(const std::filesystem::path &file)
-{
-    const std::lock_guard guard(folderLock);
-    return !allowedFolders || std::ranges::find(*allowedFolders, file.parent_path()) != allowedFolders->end();
-}
+std::mutex tableLock;
 
 // Never destroyed: objects that are still registered when the process ends may not be released any more.
 std::vector<Registration> &Registrations()
@@ -45,39 +33,62 @@ std::vector<Registration> &Registrations()
     return *registrations;
 }
 
-// A class object for single use is taken out of the table by its first use.
-ComPtr<IUnknown> FindRegistered(REFCLSID clsid)
+std::vector<ClassServer> &HostServers()
 {
-    const std::lock_guard guard(registrationLock);
-    auto &all = Registrations();
-    const auto found =
-        std::find_if(all.begin(), all.end(), [&](const auto &entry) { return entry.clsid == clsid; });
-    if (found == all.end())
-    {
-        return nullptr;
-    }
-    ComPtr<IUnknown> object = found->object;
-    if (found->flags == REGCLS_SINGLEUSE)
-    {
-        all.erase(found);
-    }
-    return object;
+    static auto *servers = new std::vector<ClassServer>;
+    return *servers;
 }
 
-HRESULT GetClassObjectOfModule(REFCLSID clsid, REFIID iid, void **object)
+// MSXML's document without a version.
+constexpr CLSID PlainDocument = {0x2933bf90, 0x7b36, 0x11d2, {0xb2, 0x0e, 0x00, 0xc0, 0x4f, 0x98, 0x3e, 0x60}};
+
+// Empty if no module has the class.
+std::filesystem::path FindServer(REFCLSID clsid)
 {
-    WideText path;
-    if (!ReadClassesEntry(ClassKeyPath(clsid) + TEXT("\\InprocServer32"), path))
+    static const struct
+    {
+        const CLSID &clsid;
+        const char *module;
+    } Own[] = {
+        {CLSID_WICImagingFactory, "windowscodecs.so"},
+        {CLSID_DOMDocument60, "msxml.so"},
+        {PlainDocument, "msxml.so"},
+        {CLSID_XMLHTTP60, "msxml.so"},
+        {CLSID_ServerXMLHTTP60, "msxml.so"},
+    };
+    for (const auto &server : Own)
+    {
+        if (server.clsid == clsid)
+        {
+            const auto library = FindModuleOfAddress(reinterpret_cast<const void *>(&FindServer));
+            return std::filesystem::path(library.value().path).replace_filename(server.module);
+        }
+    }
+    const std::lock_guard guard(tableLock);
+    const auto found = std::ranges::find(HostServers(), clsid, &ClassServer::clsid);
+    return found != HostServers().end() ? found->module : std::filesystem::path();
+}
+
+ComPtr<IUnknown> FindRegistered(REFCLSID clsid)
+{
+    const std::lock_guard guard(tableLock);
+    const auto found = std::ranges::find(Registrations(), clsid, &Registration::clsid);
+    return found != Registrations().end() ? found->object : nullptr;
+}
+
+HRESULT GetFactory(REFCLSID clsid, ComPtr<IClassFactory> &factory)
+{
+    if (const ComPtr<IUnknown> registered = FindRegistered(clsid))
+    {
+        return registered->QueryInterface(__uuidof(IClassFactory), factory.PutVoid());
+    }
+    const std::filesystem::path file = FindServer(clsid);
+    if (file.empty())
     {
         return REGDB_E_CLASSNOTREG;
     }
-    const std::string file = PathToBytes(path);
-    if (!MayLoad(file))
-    {
-        return E_ACCESSDENIED;
-    }
-    struct stat status;
-    if (stat(file.c_str(), &status) != 0)
+    std::error_code error;
+    if (!exists(file, error))
     {
         return CO_E_DLLNOTFOUND;
     }
@@ -89,23 +100,23 @@ HRESULT GetClassObjectOfModule(REFCLSID clsid, REFIID iid, void **object)
     }
     using GetClassObject = HRESULT(WINAPI *)(REFCLSID, REFIID, void **);
     const auto entry = reinterpret_cast<GetClassObject>(dlsym(module, "DllGetClassObject"));
-    const HRESULT result = entry ? entry(clsid, iid, object) : CO_E_ERRORINDLL;
+    const HRESULT result = entry ? entry(clsid, __uuidof(IClassFactory), factory.PutVoid()) : CO_E_ERRORINDLL;
     dlclose(module);
     return result;
 }
 } // namespace
 
-void LoadClassServersOnlyFrom(std::vector<std::filesystem::path> folders)
+void SetClassServers(std::vector<ClassServer> servers)
 {
-    const std::lock_guard guard(folderLock);
-    allowedFolders = std::move(folders);
+    const std::lock_guard guard(tableLock);
+    HostServers() = std::move(servers);
 }
 
-HRESULT WINAPI CoGetClassObject(REFCLSID clsid, DWORD context, COSERVERINFO *, REFIID iid, LPVOID *object)
+HRESULT WINAPI CoCreateInstance(REFCLSID clsid, LPUNKNOWN outer, DWORD context, REFIID iid, LPVOID *object)
 {
     if (object == nullptr)
     {
-        return E_INVALIDARG;
+        return E_POINTER;
     }
     *object = nullptr;
     if (!IsInApartment())
@@ -117,31 +128,13 @@ HRESULT WINAPI CoGetClassObject(REFCLSID clsid, DWORD context, COSERVERINFO *, R
         return REGDB_E_CLASSNOTREG;
     }
     return AtBoundary([&] {
-        if (const ComPtr<IUnknown> registered = FindRegistered(clsid))
-        {
-            return registered->QueryInterface(iid, object);
-        }
-        return GetClassObjectOfModule(clsid, iid, object);
+        ComPtr<IClassFactory> factory;
+        const HRESULT found = GetFactory(clsid, factory);
+        return SUCCEEDED(found) ? factory->CreateInstance(outer, iid, object) : found;
     });
 }
 
-HRESULT WINAPI CoCreateInstance(REFCLSID clsid, LPUNKNOWN outer, DWORD context, REFIID iid, LPVOID *object)
-{
-    if (object == nullptr)
-    {
-        return E_POINTER;
-    }
-    *object = nullptr;
-    ComPtr<IClassFactory> factory;
-    const HRESULT found = CoGetClassObject(clsid, context, nullptr, __uuidof(IClassFactory), factory.PutVoid());
-    if (FAILED(found))
-    {
-        return found;
-    }
-    return factory->CreateInstance(outer, iid, object);
-}
-
-HRESULT WINAPI CoRegisterClassObject(REFCLSID clsid, LPUNKNOWN object, DWORD context, DWORD flags, LPDWORD cookie)
+HRESULT WINAPI CoRegisterClassObject(REFCLSID clsid, LPUNKNOWN object, DWORD context, DWORD, LPDWORD cookie)
 {
     if (object == nullptr || cookie == nullptr || (context & CLSCTX_INPROC_SERVER) == 0)
     {
@@ -149,14 +142,14 @@ HRESULT WINAPI CoRegisterClassObject(REFCLSID clsid, LPUNKNOWN object, DWORD con
     }
     *cookie = 0;
     return AtBoundary([&]() -> HRESULT {
-        const std::lock_guard guard(registrationLock);
+        const std::lock_guard guard(tableLock);
         static DWORD lastCookie = 0;
         auto &all = Registrations();
-        if (std::any_of(all.begin(), all.end(), [&](const auto &entry) { return entry.clsid == clsid; }))
+        if (std::ranges::find(all, clsid, &Registration::clsid) != all.end())
         {
             return CO_E_OBJISREG;
         }
-        all.push_back({clsid, ComPtr<IUnknown>(object), flags, ++lastCookie});
+        all.push_back({clsid, ComPtr<IUnknown>(object), ++lastCookie});
         *cookie = lastCookie;
         return S_OK;
     });
@@ -165,10 +158,9 @@ HRESULT WINAPI CoRegisterClassObject(REFCLSID clsid, LPUNKNOWN object, DWORD con
 HRESULT WINAPI CoRevokeClassObject(DWORD cookie)
 {
     ComPtr<IUnknown> released; // released after the lock: the object's destructor may call back
-    const std::lock_guard guard(registrationLock);
+    const std::lock_guard guard(tableLock);
     auto &all = Registrations();
-    const auto found =
-        std::find_if(all.begin(), all.end(), [&](const auto &entry) { return entry.cookie == cookie; });
+    const auto found = std::ranges::find(all, cookie, &Registration::cookie);
     if (found == all.end())
     {
         return E_INVALIDARG;

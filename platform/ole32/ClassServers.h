@@ -1,10 +1,18 @@
-// Which modules may be loaded to create objects.
+// Which module creates the objects of a class.
 #pragma once
+
+#include <objbase.h>
 
 #include <filesystem>
 #include <vector>
 
-// From now on a class whose registry entry names a file in none of these folders can't be created: the result is
-// E_ACCESSDENIED, and the file isn't loaded. A path in the registry's store would otherwise be code that anyone
-// who can write that file runs. Without a call every registered module is loaded. Any thread.
-void LoadClassServersOnlyFrom(std::vector<std::filesystem::path> folders);
+struct ClassServer
+{
+    CLSID clsid;
+    std::filesystem::path module;
+};
+
+// The classes of a host and its plug-ins, in place of those of an earlier call. The platform's own classes (XML
+// documents and requests, imaging) are known without it, their modules lie beside this library. No other class can
+// be created, and no other file is loaded to create one. Any thread.
+void SetClassServers(std::vector<ClassServer> servers);

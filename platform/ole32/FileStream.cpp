@@ -1,4 +1,4 @@
-// Streams over files. Positions and sizes have 64 bits; nothing of the file is kept in memory.
+// Streams over files, for reading. Positions and sizes have 64 bits; nothing of the file is kept in memory.
 #include "platform/kernel32/PathText.h"
 #include "platform/ole32/StreamBase.h"
 
@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -14,8 +13,6 @@
 
 namespace
 {
-constexpr DWORD AccessMask = STGM_READ | STGM_WRITE | STGM_READWRITE;
-
 std::string FolderOf(const std::string &path)
 {
     const size_t slash = path.find_last_of('/');
@@ -29,21 +26,11 @@ HRESULT LastFailure(int error)
         int error;
         DWORD code;
     } codes[] = {
-        {ENOENT, ERROR_FILE_NOT_FOUND},
-        {ENOTDIR, ERROR_PATH_NOT_FOUND},
-        {EACCES, ERROR_ACCESS_DENIED},
-        {EPERM, ERROR_ACCESS_DENIED},
-        {EISDIR, ERROR_ACCESS_DENIED},
-        {EROFS, ERROR_WRITE_PROTECT},
-        {ENOSPC, ERROR_DISK_FULL},
-        {EDQUOT, ERROR_DISK_FULL},
-        {EFBIG, ERROR_DISK_FULL},
-        {EMFILE, ERROR_TOO_MANY_OPEN_FILES},
-        {ENFILE, ERROR_TOO_MANY_OPEN_FILES},
-        {ENAMETOOLONG, ERROR_FILENAME_EXCED_RANGE},
-        {ELOOP, ERROR_CANT_RESOLVE_FILENAME},
-        {ETXTBSY, ERROR_SHARING_VIOLATION},
-        {ENOMEM, ERROR_NOT_ENOUGH_MEMORY},
+        {ENOENT, ERROR_FILE_NOT_FOUND},       {ENOTDIR, ERROR_PATH_NOT_FOUND},
+        {EACCES, ERROR_ACCESS_DENIED},        {EPERM, ERROR_ACCESS_DENIED},
+        {EISDIR, ERROR_ACCESS_DENIED},        {EMFILE, ERROR_TOO_MANY_OPEN_FILES},
+        {ENFILE, ERROR_TOO_MANY_OPEN_FILES},  {ENAMETOOLONG, ERROR_FILENAME_EXCED_RANGE},
+        {ELOOP, ERROR_CANT_RESOLVE_FILENAME}, {ENOMEM, ERROR_NOT_ENOUGH_MEMORY},
         {EINVAL, ERROR_INVALID_PARAMETER},
     };
     for (const auto &entry : codes)
@@ -60,7 +47,7 @@ class FileStream final : public StreamBase<FileStream>
 {
 public:
     // Takes over the descriptor.
-    FileStream(int file, DWORD mode, const WideText &name) : m_file(file), m_mode(mode), m_name(name) {}
+    FileStream(int file, DWORD mode) : m_file(file), m_mode(mode) {}
     ~FileStream() { close(m_file); }
 
     STDMETHODIMP Read(void *bytes, ULONG wanted, ULONG *read) noexcept override
@@ -72,10 +59,6 @@ public:
         if (bytes == nullptr)
         {
             return STG_E_INVALIDPOINTER;
-        }
-        if ((m_mode & AccessMask) == STGM_WRITE)
-        {
-            return STG_E_ACCESSDENIED;
         }
         ULONG got = 0;
         while (got < wanted)
@@ -103,40 +86,13 @@ public:
         return got == wanted ? S_OK : S_FALSE;
     }
 
-    STDMETHODIMP Write(const void *bytes, ULONG count, ULONG *written) noexcept override
+    STDMETHODIMP Write(const void *, ULONG, ULONG *written) noexcept override
     {
         if (written != nullptr)
         {
             *written = 0;
         }
-        if (bytes == nullptr)
-        {
-            return STG_E_INVALIDPOINTER;
-        }
-        if ((m_mode & AccessMask) == STGM_READ)
-        {
-            return STG_E_ACCESSDENIED;
-        }
-        ULONG put = 0;
-        HRESULT result = S_OK;
-        while (put < count && SUCCEEDED(result))
-        {
-            const ssize_t part = pwrite(m_file, static_cast<const BYTE *>(bytes) + put, count - put, m_position);
-            if (part >= 0)
-            {
-                put += static_cast<ULONG>(part);
-                m_position += part;
-            }
-            else if (errno != EINTR)
-            {
-                result = LastFailure(errno);
-            }
-        }
-        if (written != nullptr)
-        {
-            *written = put;
-        }
-        return result;
+        return STG_E_ACCESSDENIED;
     }
 
     STDMETHODIMP Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER *position) noexcept override
@@ -151,16 +107,10 @@ public:
         return valid ? S_OK : STG_E_INVALIDFUNCTION;
     }
 
-    STDMETHODIMP SetSize(ULARGE_INTEGER size) noexcept override
-    {
-        if ((m_mode & AccessMask) == STGM_READ)
-        {
-            return STG_E_ACCESSDENIED;
-        }
-        return ftruncate(m_file, static_cast<off_t>(size.QuadPart)) == 0 ? S_OK : LastFailure(errno);
-    }
+    STDMETHODIMP SetSize(ULARGE_INTEGER) noexcept override { return STG_E_ACCESSDENIED; }
 
-    STDMETHODIMP Stat(STATSTG *status, DWORD flags) noexcept override
+    // Without the name.
+    STDMETHODIMP Stat(STATSTG *status, DWORD) noexcept override
     {
         if (status == nullptr)
         {
@@ -172,30 +122,10 @@ public:
         {
             return LastFailure(errno);
         }
-        if ((flags & STATFLAG_NONAME) == 0)
-        {
-            const size_t bytes = (m_name.size() + 1) * sizeof(WCHAR);
-            status->pwcsName = static_cast<LPOLESTR>(CoTaskMemAlloc(bytes));
-            if (status->pwcsName == nullptr)
-            {
-                return E_OUTOFMEMORY;
-            }
-            std::memcpy(status->pwcsName, m_name.c_str(), bytes);
-        }
         status->type = STGTY_STREAM;
         status->cbSize.QuadPart = attributes.st_size;
         status->grfMode = m_mode;
         return S_OK;
-    }
-
-    STDMETHODIMP Clone(IStream **clone) noexcept override
-    {
-        if (clone == nullptr)
-        {
-            return STG_E_INVALIDPOINTER;
-        }
-        *clone = nullptr;
-        return E_NOTIMPL;
     }
 
 private:
@@ -207,7 +137,6 @@ private:
 
     int m_file;
     DWORD m_mode;
-    WideText m_name;
     off_t m_position = 0;
 };
 
@@ -221,14 +150,6 @@ HRESULT OpenFailure(const std::string &path, int error)
     }
     return LastFailure(error);
 }
-
-int OpenFlags(DWORD mode)
-{
-    // Not blocking: a pipe by that name must not hang the caller.
-    int flags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-    flags |= (mode & AccessMask) == STGM_READ ? O_RDONLY : (mode & AccessMask) == STGM_WRITE ? O_WRONLY : O_RDWR;
-    return flags | (mode & STGM_CREATE ? O_CREAT | O_TRUNC : 0);
-}
 } // namespace
 
 HRESULT WINAPI SHCreateStreamOnFileW(LPCWSTR path, DWORD mode, IStream **stream)
@@ -238,13 +159,15 @@ HRESULT WINAPI SHCreateStreamOnFileW(LPCWSTR path, DWORD mode, IStream **stream)
         return E_INVALIDARG;
     }
     *stream = nullptr;
-    if ((mode & AccessMask) == AccessMask || (mode & (STGM_TRANSACTED | STGM_SIMPLE | STGM_DELETEONRELEASE)) != 0)
+    constexpr DWORD sharing = STGM_SHARE_DENY_NONE | STGM_SHARE_DENY_READ | STGM_SHARE_DENY_WRITE;
+    if ((mode & ~sharing) != STGM_READ)
     {
         return E_INVALIDARG;
     }
     return AtBoundary([&]() -> HRESULT {
         const std::string name = PathToBytes(path);
-        const int file = open(name.c_str(), OpenFlags(mode), 0666);
+        // Not blocking: a pipe by that name must not hang the caller.
+        const int file = open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
         if (file < 0)
         {
             return OpenFailure(name, errno);
@@ -256,6 +179,6 @@ HRESULT WINAPI SHCreateStreamOnFileW(LPCWSTR path, DWORD mode, IStream **stream)
             return HRESULT_FROM_WIN32(ERROR_ACCESS_DENIED);
         }
         return FileStream::CreateInstance(nullptr, __uuidof(IStream), reinterpret_cast<void **>(stream), file,
-                                          mode, WideText(path));
+                                          mode);
     });
 }

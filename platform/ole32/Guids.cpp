@@ -9,5 +9,7 @@
 #include <wincodec.h>
 #include <wincodecsdk.h>
 
+#include "XmlInterfaces.h"
+
 // Windows has this one in a library for linking; here it is the platform's for every module.
 extern "C" const IID GUID_NULL = {};

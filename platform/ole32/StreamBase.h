@@ -1,5 +1,4 @@
-// What the streams of this library have in common: copying, and the operations that they don't
-// support, with the codes that Windows gives for them.
+// What the streams of this library have in common: positions, and the operations that nobody calls here.
 #pragma once
 
 #include "com/ComObject.h"
@@ -10,24 +9,19 @@ template <class Class>
 class StreamBase : public ComObject<Class, Answers<IStream, ISequentialStream>>
 {
 public:
-    STDMETHODIMP CopyTo(IStream *target, ULARGE_INTEGER bytes, ULARGE_INTEGER *read,
-                        ULARGE_INTEGER *written) noexcept override
+    STDMETHODIMP CopyTo(IStream *, ULARGE_INTEGER, ULARGE_INTEGER *, ULARGE_INTEGER *) noexcept override
     {
-        ULARGE_INTEGER readSoFar{}, writtenSoFar{};
-        const HRESULT result = target
-                                   ? CopyBytes(target, bytes.QuadPart, readSoFar.QuadPart, writtenSoFar.QuadPart)
-                                   : STG_E_INVALIDPOINTER;
-        if (read != nullptr)
-        {
-            *read = readSoFar;
-        }
-        if (written != nullptr)
-        {
-            *written = writtenSoFar;
-        }
-        return result;
+        return E_NOTIMPL;
     }
-
+    STDMETHODIMP Clone(IStream **clone) noexcept override
+    {
+        if (clone == nullptr)
+        {
+            return STG_E_INVALIDPOINTER;
+        }
+        *clone = nullptr;
+        return E_NOTIMPL;
+    }
     STDMETHODIMP Commit(DWORD) noexcept override { return S_OK; }
     STDMETHODIMP Revert() noexcept override { return S_OK; }
     STDMETHODIMP LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) noexcept override
@@ -53,31 +47,5 @@ protected:
         }
         target = static_cast<ULONGLONG>(sum);
         return true;
-    }
-
-private:
-    HRESULT CopyBytes(IStream *target, ULONGLONG left, ULONGLONG &read, ULONGLONG &written) noexcept
-    {
-        BYTE buffer[16384];
-        while (left != 0)
-        {
-            const ULONG wanted = left < sizeof(buffer) ? static_cast<ULONG>(left) : sizeof(buffer);
-            ULONG got = 0;
-            HRESULT result = this->Read(buffer, wanted, &got);
-            read += got;
-            if (FAILED(result) || got == 0)
-            {
-                return FAILED(result) ? result : S_OK;
-            }
-            ULONG put = 0;
-            result = target->Write(buffer, got, &put);
-            written += put;
-            if (FAILED(result) || put != got)
-            {
-                return FAILED(result) ? result : STG_E_MEDIUMFULL;
-            }
-            left -= got;
-        }
-        return S_OK;
     }
 };

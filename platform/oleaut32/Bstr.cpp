@@ -2,11 +2,9 @@
 #include <windows.h>
 #include <oleauto.h>
 
-#include <algorithm>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
-#include <string>
 
 namespace
 {
@@ -21,51 +19,26 @@ DWORD *LengthOf(BSTR text)
 
 BSTR Allocate(UINT bytes)
 {
-    const size_t padded = (static_cast<size_t>(bytes) + sizeof(OLECHAR) + 1) & ~size_t{1};
-    auto *block = static_cast<unsigned char *>(std::malloc(HeaderSize + padded));
+    auto *block = static_cast<unsigned char *>(std::malloc(HeaderSize + bytes + sizeof(OLECHAR)));
     if (block == nullptr)
     {
         return nullptr;
     }
     auto text = reinterpret_cast<BSTR>(block + HeaderSize);
     *LengthOf(text) = bytes;
-    // After an odd number of bytes, too, a whole zero unit follows the last byte.
-    std::memset(block + HeaderSize + bytes, 0, padded - bytes);
+    text[bytes / sizeof(OLECHAR)] = 0;
     return text;
 }
 } // namespace
 
-BSTR WINAPI SysAllocStringByteLen(LPCSTR bytes, UINT length)
-{
-    if (length > LongestText * sizeof(OLECHAR))
-    {
-        return nullptr;
-    }
-    BSTR text = Allocate(length);
-    if (text != nullptr && bytes != nullptr)
-    {
-        std::memcpy(text, bytes, length);
-    }
-    return text;
-}
-
 BSTR WINAPI SysAllocStringLen(const OLECHAR *source, UINT length)
 {
-    if (length > LongestText)
+    BSTR text = length > LongestText ? nullptr : Allocate(length * sizeof(OLECHAR));
+    if (text != nullptr && source != nullptr)
     {
-        return nullptr;
+        std::memcpy(text, source, length * sizeof(OLECHAR));
     }
-    return SysAllocStringByteLen(reinterpret_cast<LPCSTR>(source), length * sizeof(OLECHAR));
-}
-
-BSTR WINAPI SysAllocString(const OLECHAR *source)
-{
-    if (source == nullptr)
-    {
-        return nullptr;
-    }
-    const size_t length = std::char_traits<OLECHAR>::length(source);
-    return length > LongestText ? nullptr : SysAllocStringLen(source, static_cast<UINT>(length));
+    return text;
 }
 
 void WINAPI SysFreeString(BSTR text)
@@ -84,41 +57,4 @@ UINT WINAPI SysStringByteLen(BSTR text)
 UINT WINAPI SysStringLen(BSTR text)
 {
     return SysStringByteLen(text) / sizeof(OLECHAR);
-}
-
-// source may lie inside the old string; without a source the old text is kept as far as it fits.
-INT WINAPI SysReAllocStringLen(BSTR *text, const OLECHAR *source, UINT length)
-{
-    if (text == nullptr)
-    {
-        return FALSE;
-    }
-    BSTR changed = SysAllocStringLen(source, length);
-    if (changed == nullptr)
-    {
-        return FALSE;
-    }
-    if (source == nullptr && *text != nullptr)
-    {
-        std::memcpy(changed, *text, std::min(length, SysStringLen(*text)) * sizeof(OLECHAR));
-    }
-    SysFreeString(*text);
-    *text = changed;
-    return TRUE;
-}
-
-INT WINAPI SysReAllocString(LPBSTR text, const OLECHAR *source)
-{
-    if (text == nullptr)
-    {
-        return FALSE;
-    }
-    if (source == nullptr)
-    {
-        SysFreeString(*text);
-        *text = nullptr;
-        return TRUE;
-    }
-    const size_t length = std::char_traits<OLECHAR>::length(source);
-    return length > LongestText ? FALSE : SysReAllocStringLen(text, source, static_cast<UINT>(length));
 }

@@ -1,5 +1,5 @@
-// Arrays of one dimension whose elements are plain numbers, bytes above all: that is what components
-// hand each other here. Other element types are refused.
+// Arrays of one dimension whose elements are bytes: that is what components hand each other here. Other
+// element types are refused.
 #include <windows.h>
 #include <oleauto.h>
 
@@ -21,54 +21,24 @@ TypedArray *Typed(SAFEARRAY *array)
 {
     return reinterpret_cast<TypedArray *>(reinterpret_cast<BYTE *>(array) - offsetof(TypedArray, array));
 }
-
-ULONG ElementSize(VARTYPE type)
-{
-    switch (type)
-    {
-    case VT_I1:
-    case VT_UI1:
-        return 1;
-    case VT_I2:
-    case VT_UI2:
-    case VT_BOOL:
-        return 2;
-    case VT_I4:
-    case VT_UI4:
-    case VT_INT:
-    case VT_UINT:
-    case VT_R4:
-    case VT_ERROR:
-        return 4;
-    case VT_I8:
-    case VT_UI8:
-    case VT_R8:
-    case VT_CY:
-    case VT_DATE:
-        return 8;
-    default:
-        return 0;
-    }
-}
 } // namespace
 
 SAFEARRAY *WINAPI SafeArrayCreateVector(VARTYPE type, LONG lowerBound, ULONG elements)
 {
-    const ULONG size = ElementSize(type);
-    auto *const typed = size != 0 ? new (std::nothrow) TypedArray{} : nullptr;
+    auto *const typed = type == VT_UI1 ? new (std::nothrow) TypedArray{} : nullptr;
     if (typed == nullptr)
     {
         return nullptr;
     }
     // The data of an empty array has an address too.
-    void *const data = std::calloc(elements != 0 ? elements : 1, size);
+    void *const data = std::calloc(elements != 0 ? elements : 1, 1);
     if (data == nullptr)
     {
         delete typed;
         return nullptr;
     }
     typed->type = type;
-    typed->array = {1, FADF_HAVEVARTYPE, size, 0, data, {{elements, lowerBound}}};
+    typed->array = {1, FADF_HAVEVARTYPE, 1, 0, data, {{elements, lowerBound}}};
     return &typed->array;
 }
 

@@ -2,10 +2,5 @@ target_sources(platform PRIVATE
   oleaut32/Bstr.cpp
   oleaut32/ErrorInfo.cpp
   oleaut32/SafeArray.cpp
-  oleaut32/TypeInformation.cpp
-  oleaut32/TypeLibrary.cpp
-  oleaut32/TypeLibraryEntries.cpp
-  oleaut32/TypeLibraryFile.cpp
-  oleaut32/VarBstrCmp.cpp
   oleaut32/Variant.cpp
   oleaut32/VariantConversion.cpp)

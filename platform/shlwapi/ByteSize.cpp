@@ -5,14 +5,20 @@
 #include "com/WideText.h"
 
 #include <shlwapi.h>
-#include <strsafe.h>
 
 #include <algorithm>
 #include <iterator>
+#include <string>
 
 namespace
 {
-WideText FormatByUserLocale(const WideText &digits, UINT decimals)
+WideText Wide(const std::string &text)
+{
+    return WideText(text.begin(), text.end());
+}
+
+// number has a point before its decimals, if there are any.
+WideText FormatByUserLocale(const std::string &number, UINT decimals)
 {
     LocaleConventions conventions = UserConventions();
     const NUMBERFMTW format{decimals,
@@ -22,30 +28,16 @@ WideText FormatByUserLocale(const WideText &digits, UINT decimals)
                             conventions.thousandsSeparator.data(),
                             NegativeOrder(conventions)};
     WCHAR text[64] = {};
-    GetNumberFormatW(LOCALE_USER_DEFAULT, 0, digits.c_str(), &format, text, ARRAYSIZE(text));
+    GetNumberFormatW(LOCALE_USER_DEFAULT, 0, Wide(number).c_str(), &format, text, ARRAYSIZE(text));
     return text;
 }
 
-WideText Printed(const WCHAR *format, LONGLONG number, LONGLONG fraction = 0)
-{
-    WCHAR text[64] = {};
-    StringCchPrintfW(text, ARRAYSIZE(text), format, number, fraction);
-    return text;
-}
-} // namespace
-
-PWSTR WINAPI StrFormatByteSizeW(LONGLONG bytes, PWSTR buffer, UINT capacity)
+WideText ByteSize(LONGLONG bytes)
 {
     constexpr const WCHAR *units[] = {u" KB", u" MB", u" GB", u" TB", u" PB", u" EB"};
-    if (buffer == nullptr || capacity == 0)
-    {
-        return buffer;
-    }
     if (bytes < 1024)
     {
-        const WideText text = Printed(u"%I64d bytes", bytes);
-        StringCchCopyW(buffer, capacity, text.c_str());
-        return buffer;
+        return Wide(std::to_string(bytes) + " bytes");
     }
     size_t unit = 0;
     // From 1000 on a number has four digits and the next unit takes over: 0.97 MB, not 1000 KB.
@@ -55,12 +47,19 @@ PWSTR WINAPI StrFormatByteSizeW(LONGLONG bytes, PWSTR buffer, UINT capacity)
         scaled >>= 10;
     }
     const ULONGLONG whole = scaled >> 10;
-    const ULONGLONG hundredths = (scaled & 1023) * 100 / 1024;
     const UINT decimals = whole >= 100 ? 0 : whole >= 10 ? 1 : 2;
-    const ULONGLONG fraction = decimals == 2 ? hundredths : decimals == 1 ? hundredths / 10 : 0;
-    const WideText digits = decimals == 0   ? Printed(u"%I64d", whole)
-                            : decimals == 1 ? Printed(u"%I64d.%I64d", whole, fraction)
-                                            : Printed(u"%I64d.%02I64d", whole, fraction);
-    StringCchCopyW(buffer, capacity, (FormatByUserLocale(digits, decimals) + units[unit]).c_str());
+    const std::string hundredths = std::to_string(100 + (scaled & 1023) * 100 / 1024).substr(1);
+    return FormatByUserLocale(std::to_string(whole) + "." + hundredths.substr(0, decimals), decimals) +
+           units[unit];
+}
+} // namespace
+
+PWSTR WINAPI StrFormatByteSizeW(LONGLONG bytes, PWSTR buffer, UINT capacity)
+{
+    if (buffer != nullptr && capacity != 0)
+    {
+        const WideText text = ByteSize(bytes);
+        buffer[text.copy(buffer, capacity - 1)] = 0;
+    }
     return buffer;
 }

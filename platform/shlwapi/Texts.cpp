@@ -1,7 +1,5 @@
-// Comparing and searching texts.
+// Comparing texts.
 #include "platform/user32/CaseMapping.h"
-
-#include "com/WideText.h"
 
 #include <shlwapi.h>
 
@@ -17,14 +15,4 @@ int WINAPI StrCmpIW(LPCWSTR first, LPCWSTR second)
             return a - b;
         }
     }
-}
-
-LPWSTR WINAPI StrStrW(LPCWSTR text, LPCWSTR wanted)
-{
-    if (text == nullptr || wanted == nullptr || *wanted == 0)
-    {
-        return nullptr;
-    }
-    const size_t at = WideView(text).find(wanted);
-    return at == WideView::npos ? nullptr : const_cast<LPWSTR>(text + at);
 }

@@ -1,3 +1,2 @@
 target_sources(platform PRIVATE
-  strsafe/StringCch.cpp
-  strsafe/WideFormat.cpp)
+  strsafe/StringCch.cpp)

@@ -13,28 +13,18 @@
 
 struct WindowClass
 {
-    ATOM atom = 0;
     WideText name;
     WNDPROC procedure = nullptr;
     int extraBytes = 0;
-    HINSTANCE module = nullptr;
 };
 
 struct Window
 {
     HWND handle = nullptr;
-    std::shared_ptr<const WindowClass> windowClass;
     WNDPROC procedure = nullptr;
-    WideText text;
     LONG_PTR userData = 0;
-    LONG_PTR style = 0;
-    LONG_PTR extendedStyle = 0;
-    LONG_PTR id = 0;
-    HINSTANCE module = nullptr;
-    HWND parent = nullptr;
     // The class's extra window memory (cbWndExtra), by byte offset.
     std::vector<BYTE> extra;
-    std::vector<std::pair<WideText, HANDLE>> properties;
 };
 
 class WindowStore
@@ -46,24 +36,20 @@ public:
     // runs.
     std::mutex &Lock() { return m_lock; }
 
-    // Call these under the lock. Names are compared without regard to case; an atom may replace a name.
-    std::shared_ptr<const WindowClass> FindClass(const WCHAR *nameOrAtom) const;
-    ATOM AddClass(WindowClass added);
-    void RemoveClass(ATOM atom);
-    bool HasWindows(const WindowClass &windowClass) const;
+    // Call these under the lock. Names are compared without regard to case.
+    const WindowClass *FindClass(const WCHAR *name) const;
+    void AddClass(WindowClass added);
 
-    Window &AddWindow(const std::shared_ptr<const WindowClass> &windowClass);
+    Window &AddWindow(const WindowClass &windowClass);
     // Sets the last error and returns null if there is no such window.
     Window *FindWindow(HWND handle);
     void RemoveWindow(HWND handle);
-    std::vector<HWND> ChildrenOf(HWND parent) const;
 
 private:
     WindowStore();
 
     std::mutex m_lock;
-    std::vector<std::shared_ptr<const WindowClass>> m_classes;
+    std::vector<WindowClass> m_classes;
     std::vector<std::unique_ptr<Window>> m_windows;
-    ATOM m_lastAtom = 0xC000;
     ULONG_PTR m_lastHandle = 0x10000;
 };

@@ -1,4 +1,4 @@
-// Creating and destroying windows, their texts and fields, and sending messages to them.
+// Classes of windows, creating and destroying windows, their fields, and sending messages to them.
 #include "platform/user32/WindowStore.h"
 
 #include <cstring>
@@ -13,46 +13,19 @@ WNDPROC ProcedureOf(HWND handle)
     return window != nullptr ? window->procedure : nullptr;
 }
 
-void Remove(HWND handle)
-{
-    WindowStore &store = WindowStore::Instance();
-    const std::lock_guard guard(store.Lock());
-    store.RemoveWindow(handle);
-}
-
-// The field that a negative index of GetWindowLongPtrW stands for.
-LONG_PTR *FieldOf(Window &window, int index)
-{
-    switch (index)
-    {
-    case GWLP_USERDATA:
-        return &window.userData;
-    case GWL_STYLE:
-        return &window.style;
-    case GWL_EXSTYLE:
-        return &window.extendedStyle;
-    case GWLP_ID:
-        return &window.id;
-    case GWLP_WNDPROC:
-        return reinterpret_cast<LONG_PTR *>(&window.procedure);
-    case GWLP_HINSTANCE:
-        return reinterpret_cast<LONG_PTR *>(&window.module);
-    default:
-        break;
-    }
-    SetLastError(ERROR_INVALID_INDEX);
-    return nullptr;
-}
-
 // The bytes of a field or of the window's extra memory. Sets the last error and returns null if there are
 // none at the index.
 void *StorageOf(Window &window, int index)
 {
-    if (index < 0)
+    if (index == GWLP_USERDATA)
     {
-        return FieldOf(window, index);
+        return &window.userData;
     }
-    if (static_cast<size_t>(index) + sizeof(LONG_PTR) > window.extra.size())
+    if (index == GWLP_WNDPROC)
+    {
+        return &window.procedure;
+    }
+    if (index < 0 || static_cast<size_t>(index) + sizeof(LONG_PTR) > window.extra.size())
     {
         SetLastError(ERROR_INVALID_INDEX);
         return nullptr;
@@ -61,6 +34,19 @@ void *StorageOf(Window &window, int index)
 }
 } // namespace
 
+ATOM WINAPI RegisterClassExW(const WNDCLASSEXW *description)
+{
+    WindowStore &store = WindowStore::Instance();
+    const std::lock_guard guard(store.Lock());
+    if (store.FindClass(description->lpszClassName))
+    {
+        SetLastError(ERROR_CLASS_ALREADY_EXISTS);
+        return 0;
+    }
+    store.AddClass({description->lpszClassName, description->lpfnWndProc, description->cbWndExtra});
+    return 1;
+}
+
 HWND WINAPI CreateWindowExW(DWORD extendedStyle, LPCWSTR className, LPCWSTR text, DWORD style, int x, int y,
                             int width, int height, HWND parent, HMENU menu, HINSTANCE module, LPVOID parameter)
 {
@@ -68,34 +54,19 @@ HWND WINAPI CreateWindowExW(DWORD extendedStyle, LPCWSTR className, LPCWSTR text
     {
         WindowStore &store = WindowStore::Instance();
         const std::lock_guard guard(store.Lock());
-        const auto windowClass = className != nullptr ? store.FindClass(className) : nullptr;
-        if (!windowClass)
+        const WindowClass *const windowClass = className != nullptr ? store.FindClass(className) : nullptr;
+        if (windowClass == nullptr)
         {
             SetLastError(ERROR_CANNOT_FIND_WND_CLASS);
             return nullptr;
         }
-        if (parent != nullptr && parent != HWND_MESSAGE && store.FindWindow(parent) == nullptr)
-        {
-            return nullptr;
-        }
-        Window &window = store.AddWindow(windowClass);
-        window.style = style;
-        window.extendedStyle = extendedStyle;
-        window.id = reinterpret_cast<LONG_PTR>(menu);
-        window.module = module;
-        window.parent = parent;
-        handle = window.handle;
+        handle = store.AddWindow(*windowClass).handle;
     }
     CREATESTRUCTW creation{
         parameter, module,    menu,         parent, height, width, y, x, static_cast<LONG>(style),
         text,      className, extendedStyle};
     const auto described = reinterpret_cast<LPARAM>(&creation);
-    if (!SendMessageW(handle, WM_NCCREATE, 0, described))
-    {
-        Remove(handle);
-        return nullptr;
-    }
-    if (SendMessageW(handle, WM_CREATE, 0, described) == -1)
+    if (!SendMessageW(handle, WM_NCCREATE, 0, described) || SendMessageW(handle, WM_CREATE, 0, described) == -1)
     {
         DestroyWindow(handle);
         return nullptr;
@@ -110,18 +81,10 @@ BOOL WINAPI DestroyWindow(HWND handle)
         return FALSE;
     }
     SendMessageW(handle, WM_DESTROY, 0, 0);
-    std::vector<HWND> children;
-    {
-        WindowStore &store = WindowStore::Instance();
-        const std::lock_guard guard(store.Lock());
-        children = store.ChildrenOf(handle);
-    }
-    for (HWND child : children)
-    {
-        DestroyWindow(child);
-    }
     SendMessageW(handle, WM_NCDESTROY, 0, 0);
-    Remove(handle);
+    WindowStore &store = WindowStore::Instance();
+    const std::lock_guard guard(store.Lock());
+    store.RemoveWindow(handle);
     return TRUE;
 }
 
@@ -146,19 +109,14 @@ BOOL WINAPI SetWindowTextW(HWND handle, LPCWSTR text)
     return SendMessageW(handle, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text)) != 0;
 }
 
-int WINAPI GetWindowTextW(HWND handle, LPWSTR buffer, int capacity)
+// Creation and a new text are accepted; nobody reads the text of a window back.
+LRESULT WINAPI DefWindowProcW(HWND handle, UINT message, WPARAM, LPARAM)
 {
-    if (buffer == nullptr || capacity <= 0)
+    if (message == WM_CLOSE)
     {
-        return 0;
+        DestroyWindow(handle);
     }
-    buffer[0] = 0;
-    return static_cast<int>(SendMessageW(handle, WM_GETTEXT, capacity, reinterpret_cast<LPARAM>(buffer)));
-}
-
-int WINAPI GetWindowTextLengthW(HWND handle)
-{
-    return static_cast<int>(SendMessageW(handle, WM_GETTEXTLENGTH, 0, 0));
+    return message == WM_NCCREATE || message == WM_SETTEXT;
 }
 
 LONG_PTR WINAPI GetWindowLongPtrW(HWND handle, int index)

@@ -25,7 +25,6 @@ PublishFixture::PublishFixture()
             }),
       m_folder(NewFolder())
 {
-    RegisterSystemModules();
     Host->Metadata->Calls = &Imaging.Calls;
     Host->Metadata->Picture = [this] { return Imaging.MakePicture(); };
     Settings.Set(TEXT("JPEGMode"), UINT32{0});

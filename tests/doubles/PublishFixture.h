@@ -11,7 +11,6 @@
 #include "tests/doubles/FakeWebComponents.h"
 #include "tests/doubles/MemoryStream.h"
 #include "tests/doubles/SettingsKey.h"
-#include "tests/doubles/SystemModules.h"
 
 #include "HVRPublishToFlickr.h"
 

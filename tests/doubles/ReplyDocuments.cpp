@@ -1,7 +1,6 @@
 #include "tests/doubles/ReplyDocuments.h"
 
 #include "com/BstrOwner.h"
-#include "tests/doubles/SystemModules.h"
 
 #include <objbase.h>
 
@@ -9,7 +8,6 @@
 
 ComPtr<IXMLDOMDocument2> MakeDocument(WideView xml)
 {
-    RegisterSystemModules();
     ComPtr<IXMLDOMDocument2> document;
     const HRESULT created = CoCreateInstance(CLSID_DOMDocument60, nullptr, CLSCTX_INPROC_SERVER,
                                              __uuidof(IXMLDOMDocument2), document.PutVoid());

@@ -4,7 +4,7 @@
 #include "settings/SettingsStore.h"
 #include "settings/StoredSettings.h"
 #include "tests/doubles/CallRecord.h"
-#include "tests/doubles/SystemModules.h"
+#include "tests/doubles/PrivateRegistryStore.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,5 @@
 #include "host/ImagingTrial.h"
 
-#include "tests/doubles/SystemModules.h"
 #include "tests/platform/KnownGaps.h"
 
 #include <gtest/gtest.h>
@@ -9,7 +8,6 @@
 
 TEST(ImagingTrial, TellsWhatTheComponentDoes)
 {
-    RegisterSystemModules();
     ASSERT_GE(CoInitializeEx(nullptr, COINIT_MULTITHREADED), 0);
     const MetadataSupport support = TryWritingMetadata();
     EXPECT_EQ(support.copies, UnderWine ? CopiedMetadata::None : CopiedMetadata::Removable);

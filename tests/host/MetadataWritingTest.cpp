@@ -2,7 +2,6 @@
 
 #include "com/BstrOwner.h"
 #include "publish/ItemRecord.h"
-#include "tests/doubles/SystemModules.h"
 #include "tests/host/SampleFiles.h"
 #include "tests/host/TemporaryFolder.h"
 #include "tests/platform/windowscodecs_jpeg/CodecUse_posix.h"
@@ -32,7 +31,6 @@ class MetadataWriting : public testing::Test
 protected:
     MetadataWriting()
     {
-        RegisterSystemModules(); // in which the host tries out what can be removed
         m_file = m_folder.Path() / "source.jpg";
         MakeSample(m_file, 64, 48, {.dpi = 300});
         MakeSample(m_folder.Path() / "thumb.jpg", 32, 24);

@@ -1,7 +1,6 @@
 // The plug-in's preparation of a picture through the system's imaging component and the real host.
 #include "host/PublishingHost.h"
 
-#include "tests/doubles/SystemModules.h"
 #include "tests/host/SampleFiles.h"
 #include "tests/host/TemporaryFolder.h"
 #include "tests/platform/KnownGaps.h"
@@ -38,7 +37,6 @@ class PreparedPicture : public testing::Test
 protected:
     PreparedPicture()
     {
-        RegisterSystemModules();
         EXPECT_GE(CoInitializeEx(nullptr, COINIT_MULTITHREADED), 0);
         MakeSample(m_folder.Path() / "plain.jpg", 96, 64);
         std::string bytes = m_folder.Read("plain.jpg");

@@ -43,19 +43,6 @@ std::size_t Append(char *bytes, std::size_t size, std::size_t count, void *text)
     return size * count;
 }
 
-std::size_t AddHeader(char *bytes, std::size_t size, std::size_t count, void *answer)
-{
-    std::string line(bytes, size * count);
-    const auto colon = line.find(": ");
-    if (colon != std::string::npos)
-    {
-        std::string name = line.substr(0, colon);
-        std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::tolower(c); });
-        static_cast<Answer *>(answer)->headers[name] = line.substr(colon + 2, line.size() - colon - 4);
-    }
-    return size * count;
-}
-
 loopback::ServiceOptions In(loopback::ServiceOptions options, const std::filesystem::path &store)
 {
     options.store = store;
@@ -73,7 +60,6 @@ std::string Signature::Header(const std::string &url, const Fields &parameters) 
                     {"oauth_timestamp", std::to_string(std::time(nullptr) + timestampOffset)},
                     {"oauth_token", token},
                     {"oauth_version", version}};
-    oauth.insert(oauth.end(), further.begin(), further.end());
     std::erase_if(oauth, [&](const auto &field) {
         return std::find(omitted.begin(), omitted.end(), field.first) != omitted.end();
     });
@@ -125,16 +111,7 @@ Answer LoopbackClient::Send(const std::string &url, const std::string &authoriza
     curl_easy_setopt(m_curl, CURLOPT_TIMEOUT, 60L);
     curl_easy_setopt(m_curl, CURLOPT_WRITEFUNCTION, Append);
     curl_easy_setopt(m_curl, CURLOPT_WRITEDATA, &answer.body);
-    curl_easy_setopt(m_curl, CURLOPT_HEADERFUNCTION, AddHeader);
-    curl_easy_setopt(m_curl, CURLOPT_HEADERDATA, &answer);
     setUp(m_curl);
-    // After setUp, which may have added a header.
-    char *ownHeader = nullptr;
-    curl_easy_getinfo(m_curl, CURLINFO_PRIVATE, &ownHeader);
-    if (ownHeader)
-    {
-        headers = curl_slist_append(headers, ownHeader);
-    }
     curl_easy_setopt(m_curl, CURLOPT_HTTPHEADER, headers);
     answer.result = curl_easy_perform(m_curl);
     curl_easy_getinfo(m_curl, CURLINFO_RESPONSE_CODE, &answer.status);
@@ -146,10 +123,9 @@ Answer LoopbackClient::Send(const std::string &url, const std::string &authoriza
     return answer;
 }
 
-Answer LoopbackClient::Rest(const std::string &method, const Signature &signature, const Fields &more)
+Answer LoopbackClient::Rest(const std::string &method, const Signature &signature)
 {
-    Fields fields = {{"method", method}};
-    fields.insert(fields.end(), more.begin(), more.end());
+    const Fields fields = {{"method", method}};
     const std::string url = Api + "/services/rest";
     const std::string body = Joined(fields);
     return Send(url, signature.Header(url, fields),
@@ -178,44 +154,9 @@ Answer LoopbackClient::Upload(const Fields &fields, const UploadFile &file, cons
     return answer;
 }
 
-Answer LoopbackClient::UploadBody(const std::string &contentType, const std::string &body, const Fields &fields)
+Answer LoopbackClient::Get(const std::string &url)
 {
-    const std::string url = Api + "/services/upload/";
-    const std::string header = "Content-Type: " + contentType;
-    return Send(url, Signature().Header(url, fields), [&](void *curl) {
-        curl_easy_setopt(curl, CURLOPT_PRIVATE, header.c_str());
-        curl_easy_setopt(curl, CURLOPT_POSTFIELDSIZE, static_cast<long>(body.size()));
-        curl_easy_setopt(curl, CURLOPT_COPYPOSTFIELDS, body.data());
-    });
-}
-
-Answer LoopbackClient::Signed(const std::string &url, const Signature &signature, const std::string &target)
-{
-    return Send(url, signature.Header(url, {}), [&](void *curl) {
-        curl_easy_setopt(curl, CURLOPT_POSTFIELDS, "");
-        curl_easy_setopt(curl, CURLOPT_REQUEST_TARGET, target.empty() ? nullptr : target.c_str());
-    });
-}
-
-Answer LoopbackClient::Get(const std::string &url, const std::string &header)
-{
-    return Send(url, "", [&](void *curl) {
-        curl_easy_setopt(curl, CURLOPT_PRIVATE, header.empty() ? nullptr : header.c_str());
-    });
-}
-
-Answer LoopbackClient::Head(const std::string &url)
-{
-    return Send(url, "", [](void *curl) { curl_easy_setopt(curl, CURLOPT_NOBODY, 1L); });
-}
-
-Answer LoopbackClient::Post(const std::string &url, const Fields &form, const std::string &header)
-{
-    const std::string body = Joined(form);
-    return Send(url, "", [&](void *curl) {
-        curl_easy_setopt(curl, CURLOPT_PRIVATE, header.empty() ? nullptr : header.c_str());
-        curl_easy_setopt(curl, CURLOPT_COPYPOSTFIELDS, body.c_str());
-    });
+    return Send(url, "", [](void *) {});
 }
 
 Answer LoopbackClient::Admin(const std::string &path)
@@ -225,7 +166,9 @@ Answer LoopbackClient::Admin(const std::string &path)
 
 Answer LoopbackClient::Admin(const std::string &path, const Fields &form)
 {
-    return Post("http://127.0.0.1/_loopback/" + path, form);
+    const std::string body = Joined(form);
+    return Send("http://127.0.0.1/_loopback/" + path, "",
+                [&](void *curl) { curl_easy_setopt(curl, CURLOPT_COPYPOSTFIELDS, body.c_str()); });
 }
 
 TestFolder::TestFolder()

@@ -6,7 +6,6 @@
 
 #include <filesystem>
 #include <functional>
-#include <map>
 #include <string>
 #include <thread>
 #include <utility>
@@ -25,8 +24,6 @@ struct Signature
     std::string method = "HMAC-SHA1";
     std::string nonce;
     long timestampOffset = 0;
-    // More OAuth parameters, signed and sent in the header.
-    Fields further;
     // The names of OAuth parameters that are left out.
     std::vector<std::string> omitted;
     // Signed but not sent.
@@ -44,8 +41,6 @@ struct Answer
     long status = 0;
     std::string body;
     std::string contentType;
-    // Names in lower case; of repeated ones the last.
-    std::map<std::string, std::string> headers;
 };
 
 struct UploadFile
@@ -62,16 +57,10 @@ public:
     LoopbackClient(int port, std::filesystem::path authority);
     ~LoopbackClient();
 
-    Answer Rest(const std::string &method, const Signature &signature = {}, const Fields &more = {});
+    Answer Rest(const std::string &method, const Signature &signature = {});
     Answer Upload(const Fields &fields, const UploadFile &file = {}, const Signature &signature = {});
-    // Uploads this body, signed as if it held these fields.
-    Answer UploadBody(const std::string &contentType, const std::string &body, const Fields &fields = {});
-    // Posts an empty body with the signature in the header; `target` replaces the path in the request line.
-    Answer Signed(const std::string &url, const Signature &signature, const std::string &target = "");
-    // Gets without a signature and follows no redirects. `header` is added, such as "Cookie: a=b".
-    Answer Get(const std::string &url, const std::string &header = "");
-    Answer Head(const std::string &url);
-    Answer Post(const std::string &url, const Fields &form, const std::string &header = "");
+    // Without a signature; follows no redirects.
+    Answer Get(const std::string &url);
     // Plain HTTP to the service's own address.
     Answer Admin(const std::string &path);
     Answer Admin(const std::string &path, const Fields &form);

@@ -63,7 +63,7 @@ TEST(UploadService, KeepsBytesAndTextsOfAnyLanguageAsTheyWere)
     const std::pair<const char *, std::string> wanted[] = {
         {"id", "\"" + id + "\""},
         {"title", "\"Ünïcödé 😀 & <b>\""},
-        {"description", R"("one\u000atwo\u000d\u000a=+%26")"},
+        {"description", R"("one\ntwo\r\n=+%26")"},
         {"tags", R"("\"a\" \"b c\" \"日本\"")"},
         {"is_public", "0"},
         {"is_friend", "1"},
@@ -82,17 +82,6 @@ TEST(UploadService, KeepsBytesAndTextsOfAnyLanguageAsTheyWere)
         EXPECT_EQ(JsonValue(json, name), value) << name;
     }
     EXPECT_TRUE(FileBytes(StoredFile(client)) == file.bytes);
-}
-
-TEST(UploadService, AbsentFieldsHaveTheDefaultsOfTheAccount)
-{
-    RunningService service;
-    auto client = service.Client();
-    client.Upload({});
-    const std::string json = client.Admin("uploads").body;
-    EXPECT_EQ(JsonValue(json, "is_public") + JsonValue(json, "is_friend") + JsonValue(json, "is_family"), "100");
-    EXPECT_EQ(JsonValue(json, "safety_level") + JsonValue(json, "content_type") + JsonValue(json, "hidden"),
-              "111");
 }
 
 TEST(UploadService, RefusesWithTheServicesCodes)
@@ -130,74 +119,6 @@ TEST(UploadService, RefusesWithTheServicesCodes)
         EXPECT_EQ(client.Admin("uploads").body, "[]\n");
         EXPECT_TRUE(std::filesystem::is_empty(service.Store() / "incoming"));
     }
-}
-
-TEST(UploadService, RefusesABodyThatIsNoForm)
-{
-    RunningService service;
-    auto client = service.Client();
-    const std::string type = "multipart/form-data; boundary=bb";
-    EXPECT_THAT(client
-                    .UploadBody(type,
-                                "--bb\r\nContent-Disposition: form-data; name=\"title\"\r\n\r\nx\r\n--bb--\r\n",
-                                {{"title", "x"}})
-                    .body,
-                HasSubstr("code=\"2\""));
-    EXPECT_THAT(client.UploadBody("application/x-www-form-urlencoded", "title=x", {{"title", "x"}}).body,
-                HasSubstr("code=\"2\""));
-    EXPECT_THAT(
-        client.UploadBody(type, "--bb\r\nContent-Disposition: form-data; name=\"photo\"; filename=\"a\"\r\n\r\nx")
-            .body,
-        AllOf(HasSubstr("code=\"3\""), HasSubstr("the form has no end")));
-    EXPECT_EQ(client.Admin("uploads").body, "[]\n");
-}
-
-TEST(UploadService, AStoreThatCannotBeWrittenIsAnAnswerAndNoHang)
-{
-    RunningService service;
-    auto client = service.Client();
-    std::filesystem::remove(service.Store() / "incoming");
-    UploadFile file;
-    file.bytes.resize(3'000'000);
-    EXPECT_EQ(client.Upload({}, file).status, 500);
-    std::filesystem::create_directory(service.Store() / "incoming");
-    EXPECT_THAT(client.Upload({}).body, HasSubstr("photoid"));
-    EXPECT_EQ(JsonValue(client.Admin("statistics").body, "secure_connections"), "1");
-}
-
-TEST(UploadService, CountsTheAllowanceUntilItIsSpent)
-{
-    RunningService service;
-    auto client = service.Client();
-    const auto size = static_cast<long>(UploadFile().bytes.size());
-    client.Admin("account", {{"bandwidth_max", std::to_string(2 * size)}});
-    EXPECT_THAT(client.Upload({}).body, HasSubstr("photoid"));
-    EXPECT_THAT(client.Upload({}).body, HasSubstr("photoid"));
-    EXPECT_THAT(client.Upload({}).body, HasSubstr("code=\"6\""));
-    EXPECT_THAT(client.Rest("flickr.people.getUploadStatus").body,
-                HasSubstr("usedbytes=\"" + std::to_string(2 * size) + "\" remainingbytes=\"0\""));
-    client.Admin("account", {{"level", "pro"}});
-    EXPECT_THAT(client.Upload({}).body, HasSubstr("photoid"));
-    client.Admin("account", {{"refuse_duplicates", "1"}});
-    EXPECT_THAT(client.Upload({}).body, HasSubstr("code=\"9\""));
-}
-
-TEST(UploadService, AnAsynchronousUploadGivesATicketThatComesToAnEnd)
-{
-    RunningService service;
-    auto client = service.Client();
-    const auto check = [&](const std::string &ticket) {
-        return client.Rest("flickr.photos.upload.checkTickets", {}, {{"tickets", ticket}}).body;
-    };
-    const std::string good = Element(client.Upload({{"async", "1"}}).body, "ticketid");
-    const std::string bad = Element(client.Upload({{"async", "1"}}, {"a.jpg", "no picture"}).body, "ticketid");
-    client.Admin("account", {{"ticket_delay_ms", "60000"}});
-    const std::string open = Element(client.Upload({{"async", "1"}}).body, "ticketid");
-    EXPECT_THAT(check(good + "," + bad + "," + open + ",0-0"),
-                AllOf(HasSubstr("<ticket id=\"" + good + "\" complete=\"1\" photoid=\"539"),
-                      HasSubstr("<ticket id=\"" + bad + "\" complete=\"2\"/>"),
-                      HasSubstr("<ticket id=\"" + open + "\" complete=\"0\"/>"),
-                      HasSubstr("<ticket id=\"0-0\" invalid=\"1\"/>")));
 }
 
 TEST(SplitTags, ReadsQuotedAndBareTags)

@@ -15,7 +15,6 @@ diff - "$work/content" <<'CONTENT' || fail 'other content than promised'
 -rwxr-xr-x root/root usr/bin/halvora
 -rw-r--r-- root/root usr/lib/halvora/modules/Halvora.Publishing.Plugin.Flickr.so
 -rw-r--r-- root/root usr/lib/halvora/modules/Halvora.WebComponents.so
--rw-r--r-- root/root usr/lib/halvora/modules/atl.so
 -rw-r--r-- root/root usr/lib/halvora/modules/libhalvora-platform.so
 -rw-r--r-- root/root usr/lib/halvora/modules/libhalvora-winhttp.so
 -rw-r--r-- root/root usr/lib/halvora/modules/msxml.so
@@ -25,6 +24,7 @@ diff - "$work/content" <<'CONTENT' || fail 'other content than promised'
 -rw-r--r-- root/root usr/share/doc/halvora/CLI11.txt
 -rw-r--r-- root/root usr/share/doc/halvora/changelog.gz
 -rw-r--r-- root/root usr/share/doc/halvora/copyright
+-rw-r--r-- root/root usr/share/doc/halvora/nlohmann-json.txt
 -rw-r--r-- root/root usr/share/fish/vendor_completions.d/halvora.fish
 -rw-r--r-- root/root usr/share/icons/hicolor/scalable/apps/halvora.svg
 -rw-r--r-- root/root usr/share/man/man1/flickr-loopback.1.gz

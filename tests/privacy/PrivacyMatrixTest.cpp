@@ -16,7 +16,6 @@
 #include "tests/doubles/CallRecord.h"
 #include "tests/doubles/FakeWebComponents.h"
 #include "tests/doubles/SettingsKey.h"
-#include "tests/doubles/SystemModules.h"
 #include "tests/host/TemporaryFolder.h"
 #include "tests/platform/windowscodecs_jpeg/CodecUse_posix.h"
 
@@ -126,7 +125,6 @@ class PrivacyMatrix : public testing::Test
 protected:
     static void SetUpTestSuite()
     {
-        RegisterSystemModules();
         Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute); // the odd blocks are meant to be odd
     }
 

@@ -2,7 +2,6 @@
 #include "core/ThisModule.h"
 #include "resources/resource.h"
 #include "taskdialog/TaskDialogRunner.h"
-#include "tests/doubles/SystemModules.h"
 #include "tests/platform/PseudoTerminal.h"
 
 #include <gmock/gmock.h>
@@ -21,8 +20,6 @@ std::string Show(UINT resource)
 
 class TerminalDialogs : public testing::Test
 {
-protected:
-    static void SetUpTestSuite() { RegisterSystemModules(); }
 };
 
 TEST_F(TerminalDialogs, AskAndAreAnswered)

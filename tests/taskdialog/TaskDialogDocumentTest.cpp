@@ -1,7 +1,6 @@
 #include "core/ThisModule.h"
 #include "resources/resource.h"
 #include "taskdialog/TaskDialogDocument.h"
-#include "tests/doubles/SystemModules.h"
 
 #include <gmock/gmock.h>
 
@@ -17,8 +16,6 @@ using testing::IsEmpty;
 class TaskDialogDocuments : public testing::Test
 {
 protected:
-    static void SetUpTestSuite() { RegisterSystemModules(); }
-
     bool Load(const std::string &text)
     {
         const bool result = m_document.LoadDocument({reinterpret_cast<const BYTE *>(text.data()), text.size()});

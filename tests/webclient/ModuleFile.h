@@ -1,4 +1,4 @@
-// A COM module as a file, loaded and registered without the registry's help.
+// A COM module as a file, loaded without COM's help.
 #pragma once
 
 #include <windows.h>
@@ -7,9 +7,6 @@
 
 // Full path of the module <name> of the build: a DLL or a shared object.
 std::string ModulePath(const char *name);
-
-// Calls its DllRegisterServer. False if that can't be.
-bool RegisterModule(const char *name);
 
 // An exported function of that module, which stays loaded; null if there is none.
 void *ModuleFunction(const char *name, const char *function);

@@ -1,7 +1,5 @@
 #include "tests/webclient/ModuleFile.h"
 
-#include "tests/webclient/DocumentText.h"
-
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
@@ -20,15 +18,4 @@ void *ModuleFunction(const char *name, const char *function)
         return nullptr;
     }
     return dlsym(module, function);
-}
-
-bool RegisterModule(const char *name)
-{
-    const auto registerServer = reinterpret_cast<HRESULT (*)()>(ModuleFunction(name, "DllRegisterServer"));
-    return registerServer != nullptr && SUCCEEDED(registerServer());
-}
-
-void UseDocumentComponent()
-{
-    ASSERT_TRUE(RegisterModule("msxml"));
 }

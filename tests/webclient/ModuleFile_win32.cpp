@@ -21,10 +21,3 @@ void *ModuleFunction(const char *name, const char *function)
     }
     return reinterpret_cast<void *>(GetProcAddress(module, function));
 }
-
-bool RegisterModule(const char *name)
-{
-    const auto registerServer =
-        reinterpret_cast<HRESULT(STDAPICALLTYPE *)()>(ModuleFunction(name, "DllRegisterServer"));
-    return registerServer != nullptr && SUCCEEDED(registerServer());
-}

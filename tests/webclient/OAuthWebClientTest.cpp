@@ -75,8 +75,6 @@ public:
 class OAuthWebClientTest : public testing::Test
 {
 protected:
-    static void SetUpTestSuite() { UseDocumentComponent(); }
-
     OAuthWebClientTest() : m_client(COAuthWebClient::Make(m_transport))
     {
         EXPECT_EQ(m_client->SetService(TEXT("Halvora/1.2.3.4"), TEXT("https://api.flickr.com/services/rest"),

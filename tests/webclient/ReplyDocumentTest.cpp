@@ -13,8 +13,6 @@ using testing::Not;
 class ReplyDocumentTest : public testing::Test
 {
 protected:
-    static void SetUpTestSuite() { UseDocumentComponent(); }
-
     HRESULT Load(int status, std::string words, std::string body)
     {
         return LoadReply(document.Get(), {status, std::move(words), std::move(body)}, "picture",

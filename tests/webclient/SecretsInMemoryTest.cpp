@@ -1,6 +1,5 @@
 // No token is left in memory that was freed.
 #include "com/BstrOwner.h"
-#include "tests/webclient/DocumentText.h"
 #include "tests/webclient/ScriptedStream.h"
 #include "webclient/OAuthWebClient.h"
 
@@ -91,7 +90,6 @@ public:
 
 TEST(SecretsInMemory, NoTokenIsLeftWhereItWasFreed)
 {
-    UseDocumentComponent();
     const auto transport = std::make_shared<TokenTransport>();
     auto client = COAuthWebClient::Make(transport);
     ASSERT_EQ(client->SetService(TEXT("A"), TEXT("https://api.flickr.com/"), TEXT("HMAC-SHA1"), TEXT("key"),

@@ -1,6 +1,7 @@
 #include "tests/webclient/ServiceFixture.h"
 
 #include "com/BstrOwner.h"
+#include "platform/ole32/ClassServers.h"
 #include "tests/webclient/DocumentText.h"
 #include "tests/webclient/ModuleFile.h"
 #include "tests/webclient/ScriptedStream.h"
@@ -28,8 +29,9 @@ const TestAuthority &ServiceFixture::Authority()
 
 void ServiceFixture::SetUpTestSuite()
 {
-    UseDocumentComponent();
-    ASSERT_TRUE(RegisterModule("Halvora.WebComponents"));
+    const std::filesystem::path module = ModulePath("Halvora.WebComponents");
+    SetClassServers(
+        {{CLSID_OAuthWebClient, module}, {CLSID_RequestParameters, module}, {CLSID_MultipartFormData, module}});
     Authority().Save(TrustFile);
 }
 

@@ -85,21 +85,36 @@ protected:
     std::string m_file;
 };
 
-TEST_F(RegistryStore, KeepsEverythingItDoesNotChange)
+TEST_F(RegistryStore, WritesKeysAndValuesInUtf8)
 {
-    const std::string before =
-        Heading + "; a remark at the top\n\n[HKEY_CURRENT_USER\\Software\\Other]\n; mine\n"
-                  "\"odd\"=something new\n\"List\"=hex(7):61,00,\\\n  00,00,00,00\n[-HKEY_X]\n\"gone\"=-\n\n"
-                  "[HKEY_CURRENT_USER\\Software\\Test]\n\"A\"=dword:1\n";
-    Put(before);
-    ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("B"), 2));
-    EXPECT_EQ(before + "\"B\"=dword:00000002\n", UncheckedText());
-    ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("A"), 3));
-    EXPECT_THAT(FileText(), HasSubstr("\"odd\"=something new\n"));
-    EXPECT_EQ(3, Get(TEXT("a")));
+    ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("B\u00E4"), 2));
+    RegistryKeyOwner key;
+    RegCreateKeyExW(HKEY_CURRENT_USER, TEXT("Software\\Test\\Below"), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
+                    key.Put(), nullptr);
+    const WCHAR text[] = TEXT("say \"C:\\\" \xD83D\xDE00");
+    RegSetValueExW(key.Get(), nullptr, 0, REG_SZ, reinterpret_cast<const BYTE *>(text), sizeof(text));
+    RegSetValueExW(key.Get(), TEXT("Bytes"), 0, REG_BINARY, reinterpret_cast<const BYTE *>("\x01\xFF"), 2);
+    EXPECT_EQ(Heading + "\n[HKEY_CURRENT_USER\\Software\\Test]\n\"B\xC3\xA4\"=dword:00000002\n"
+                        "\n[HKEY_CURRENT_USER\\Software\\Test\\Below]\n@=\"say \\\"C:\\\\\\\" \xF0\x9F\x98\x80\"\n"
+                        "\"Bytes\"=hex(3):01,ff\n",
+              UncheckedText());
     struct stat status;
     ASSERT_EQ(0, stat(m_file.c_str(), &status));
     EXPECT_EQ(0600u, status.st_mode & 0777);
+}
+
+TEST_F(RegistryStore, TakesOverWhatEarlierVersionsWrote)
+{
+    const std::string settings = "[HKEY_CURRENT_USER\\Software\\Test]\n; mine\n\"odd\"=something new\n"
+                                 "\"A\" = dword:1\r\n\"List\"=hex(7):61,00,\\\n  00,00\n";
+    Put(Heading + "\n[HKEY_LOCAL_MACHINE\\Software\\Classes\\CLSID\\{1}\\InprocServer32]\n@=\"/a.so\"\n\n" +
+        "[HKEY_CURRENT_USER\\SOFTWARE\\Classes\\x]\n@=\"y\"\n[-HKEY_CURRENT_USER\\Z]\n\"gone\"=-\n" + settings);
+    EXPECT_EQ(1, Get(TEXT("a")));
+    EXPECT_FALSE(RegistryStoreProblem());
+    ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("B"), 2));
+    EXPECT_EQ(Heading + "\n[HKEY_CURRENT_USER\\Software\\Test]\n\"A\"=dword:00000001\n"
+                        "\"List\"=hex(7):61,00,00,00\n\"B\"=dword:00000002\n",
+              UncheckedText());
 }
 
 TEST_F(RegistryStore, WritesNothingWhenNothingChanges)
@@ -112,22 +127,6 @@ TEST_F(RegistryStore, WritesNothingWhenNothingChanges)
     stat(m_file.c_str(), &second);
     EXPECT_EQ(first.st_ino, second.st_ino);
     EXPECT_EQ(before, fs::last_write_time(m_file));
-}
-
-TEST_F(RegistryStore, ReadsAndKeepsWhatRegeditExports)
-{
-    const std::u16string text =
-        u"\xFEFFWindows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\Test]\r\n"
-        u"\"Größe\"=dword:00000007\r\n";
-    const std::string bytes(reinterpret_cast<const char *>(text.data()), text.size() * 2);
-    Put(bytes);
-    EXPECT_EQ(7, Get(TEXT("grÖße")));
-    ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("B"), 2));
-    const std::u16string added = u"\"B\"=dword:00000002\r\n";
-    EXPECT_TRUE(FileText().ends_with(bytes.substr(bytes.find('[') - 4) +
-                                     std::string(reinterpret_cast<const char *>(added.data()), added.size() * 2)));
-    SetRegistryStorePath(m_file);
-    EXPECT_EQ(2, Get(TEXT("B")));
 }
 
 TEST_F(RegistryStore, PutsADamagedFileAsideAndSaysSoOnce)

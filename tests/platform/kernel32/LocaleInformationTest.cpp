@@ -44,19 +44,6 @@ TEST(LocaleInformation, TextsOfKnownLocales)
     EXPECT_EQ(Read(English, LOCALE_ILZERO), TEXT("1"));
     EXPECT_EQ(Read(English, LOCALE_IDIGITS), TEXT("2"));
     EXPECT_EQ(Read(English, LOCALE_INEGNUMBER), TEXT("1"));
-    EXPECT_EQ(Read(English, LOCALE_SNEGATIVESIGN), TEXT("-"));
-}
-
-TEST(LocaleInformation, NumbersOnRequest)
-{
-    DWORD number = 99;
-    auto *const buffer = reinterpret_cast<WCHAR *>(&number);
-    EXPECT_EQ(GetLocaleInfoW(English, LOCALE_IDIGITS | LOCALE_RETURN_NUMBER, buffer, 2), 2);
-    EXPECT_EQ(number, 2u);
-    EXPECT_EQ(GetLocaleInfoW(English, LOCALE_IDIGITS | LOCALE_RETURN_NUMBER, buffer, 1), 0);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
-    EXPECT_EQ(GetLocaleInfoW(English, LOCALE_SDECIMAL | LOCALE_RETURN_NUMBER, buffer, 2), 0);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_FLAGS});
 }
 
 TEST(LocaleInformation, SizesAndRefusals)

@@ -2,6 +2,7 @@
 #include "com/WideText.h"
 
 #include <windows.h>
+#include <shlwapi.h>
 
 #include <gtest/gtest.h>
 
@@ -50,27 +51,25 @@ TEST_F(UserLocale, IsReadAtEachCall)
     const struct
     {
         const char *locale;
-        LCID id;
         const WCHAR *number;
     } cases[] = {
-        {"C", 0x0409, u"-1,234,567.89"},
-        {"POSIX", 0x0409, u"-1,234,567.89"},
-        {"C.UTF-8", 0x0409, u"-1,234,567.89"},
-        {"en_US.UTF-8", 0x0409, u"-1,234,567.89"},
-        {"de_DE.UTF-8", 0x0407, u"-1.234.567,89"},
-        {"de_DE@euro", 0x0407, u"-1.234.567,89"},
-        {"de_CH.UTF-8", 0x0807, u"-1\u2019234\u2019567.89"},
-        {"fr_FR.UTF-8", 0x040C, u"-1\u202F234\u202F567,89"},
-        {"hi_IN.UTF-8", 0x0439, u"-12,34,567.89"},
-        {"ar_EG.UTF-8", 0x0C01, u"\u200E-1,234,567.89"},
-        {"fa_IR.UTF-8", 0x0429, u"\u200E\u22121,234,567.89"},
-        {"xx_YY.UTF-8", 0x0409, u"-1,234,567.89"},
+        {"C", u"-1,234,567.89"},
+        {"POSIX", u"-1,234,567.89"},
+        {"C.UTF-8", u"-1,234,567.89"},
+        {"en_US.UTF-8", u"-1,234,567.89"},
+        {"de_DE.UTF-8", u"-1.234.567,89"},
+        {"de_DE@euro", u"-1.234.567,89"},
+        {"de_CH.UTF-8", u"-1\u2019234\u2019567.89"},
+        {"fr_FR.UTF-8", u"-1\u202F234\u202F567,89"},
+        {"hi_IN.UTF-8", u"-12,34,567.89"},
+        {"ar_EG.UTF-8", u"\u200E-1,234,567.89"},
+        {"fa_IR.UTF-8", u"\u200E\u22121,234,567.89"},
+        {"xx_YY.UTF-8", u"-1,234,567.89"},
     };
     for (const auto &c : cases)
     {
         setenv("LC_ALL", c.locale, 1);
         EXPECT_EQ(Format(u"-1234567.891"), c.number) << c.locale;
-        EXPECT_EQ(GetUserDefaultLCID(), c.id) << c.locale;
     }
 }
 
@@ -82,14 +81,27 @@ TEST_F(UserLocale, GroupsFourDigitsAlsoWhereICUWouldNot)
 
 TEST_F(UserLocale, ComesFromTheFirstVariableThatSaysAnything)
 {
-    EXPECT_EQ(GetUserDefaultLCID(), 0x0409u);
+    const auto separator = [] {
+        WCHAR text[4] = {};
+        GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_STHOUSAND, text, 4);
+        return WideText(text);
+    };
+    EXPECT_EQ(separator(), u",");
     setenv("LANG", "de_DE.UTF-8", 1);
-    EXPECT_EQ(GetUserDefaultLCID(), 0x0407u);
+    EXPECT_EQ(separator(), u".");
     setenv("LC_NUMERIC", "fr_FR.UTF-8", 1);
-    EXPECT_EQ(GetUserDefaultLCID(), 0x040Cu);
+    EXPECT_EQ(separator(), u"\u202F");
     setenv("LC_ALL", "", 1);
-    EXPECT_EQ(GetUserDefaultLCID(), 0x040Cu);
+    EXPECT_EQ(separator(), u"\u202F");
     setenv("LC_ALL", "C.UTF-8", 1);
-    EXPECT_EQ(GetUserDefaultLCID(), 0x0409u);
+    EXPECT_EQ(separator(), u",");
+}
+
+TEST_F(UserLocale, CountsForSizesToo)
+{
+    setenv("LC_ALL", "de_DE.UTF-8", 1);
+    WCHAR text[64];
+    StrFormatByteSizeW(1340, text, ARRAYSIZE(text));
+    EXPECT_EQ(WideText(text), u"1,30 KB");
 }
 } // namespace

@@ -1,6 +1,5 @@
 // Refusals of the native parser. Natively only: Wine 8 accepts document types in the class of MSXML 6, and
 // tells no line (Windows does as is expected here); limits of size are the native parser's own.
-#include "Registration.h"
 
 #include "com/BstrOwner.h"
 #include "com/ComPtr.h"
@@ -18,7 +17,6 @@ const CLSID DocumentClass = {0x88d96a05, 0xf192, 0x11d4, {0xa6, 0x5f, 0x00, 0x40
 
 TEST(DocumentTypes, AreRefusedWithTheirLine)
 {
-    RegisterDocumentClass();
     ComPtr<IXMLDOMDocument2> document;
     ASSERT_EQ(S_OK, CoCreateInstance(DocumentClass, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IXMLDOMDocument2),
                                      document.PutVoid()));
@@ -53,7 +51,6 @@ TEST(DocumentTypes, AreRefusedWithTheirLine)
 // Within half a second: a parser that takes such a document needs seconds.
 TEST(LargeDocuments, AreRefusedBeforeTheyCostTime)
 {
-    RegisterDocumentClass();
     ComPtr<IXMLDOMDocument2> document;
     ASSERT_EQ(S_OK, CoCreateInstance(DocumentClass, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IXMLDOMDocument2),
                                      document.PutVoid()));
@@ -93,7 +90,6 @@ TEST(LargeDocuments, AreRefusedBeforeTheyCostTime)
 TEST(DocumentBytes, OfABrokenEncodingAreRefusedSilently)
 {
     using namespace std::string_literals;
-    RegisterDocumentClass();
     ComPtr<IXMLDOMDocument2> document;
     ASSERT_EQ(S_OK, CoCreateInstance(DocumentClass, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IXMLDOMDocument2),
                                      document.PutVoid()));

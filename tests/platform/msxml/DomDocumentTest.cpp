@@ -1,5 +1,3 @@
-#include "Registration.h"
-
 #include "com/BstrOwner.h"
 #include "com/ComPtr.h"
 
@@ -17,8 +15,6 @@ const IID ElementInterface = {0x2933bf86, 0x7b36, 0x11d2, {0xb2, 0x0e, 0x00, 0xc
 class DomDocument : public testing::Test
 {
 protected:
-    static void SetUpTestSuite() { RegisterDocumentClass(); }
-
     void SetUp() override
     {
         ASSERT_EQ(S_OK, CoCreateInstance(DocumentClass, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IXMLDOMDocument2),

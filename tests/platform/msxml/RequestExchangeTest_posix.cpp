@@ -1,5 +1,4 @@
 // Requests to a server of this program's own. Natively only, where the server is.
-#include "Registration.h"
 #include "RequestUse.h"
 #include "tests/server/HttpTestServer.h"
 
@@ -47,8 +46,6 @@ std::string Reply(const std::string &body, const std::string &status = "200 OK",
 class RequestExchange : public testing::Test
 {
 protected:
-    static void SetUpTestSuite() { RegisterDocumentClass(); }
-
     void TearDown() override
     {
         for (const char *name : {"HALVORA_CONNECT_TO", "HALVORA_CA_FILE", "http_proxy"})

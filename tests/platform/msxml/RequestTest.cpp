@@ -1,5 +1,4 @@
 // Requests without a server: what can be asked when.
-#include "Registration.h"
 #include "RequestUse.h"
 #include "tests/platform/KnownGaps.h"
 
@@ -12,8 +11,6 @@ const char *const ClosedPort = "http://127.0.0.1:1/";
 
 class Request : public testing::TestWithParam<const CLSID *>
 {
-protected:
-    static void SetUpTestSuite() { RegisterDocumentClass(); }
 };
 
 INSTANTIATE_TEST_SUITE_P(BothClasses, Request, testing::Values(&ServerRequestClass, &UserRequestClass));
@@ -73,7 +70,6 @@ TEST_P(Request, FailsToSendWhereNobodyListensAndCanBeUsedAgain)
 
 TEST(RequestClasses, OnlyTheServersCanBeGivenAProxy)
 {
-    RegisterDocumentClass();
     for (const CLSID *requestClass : {&ServerRequestClass, &UserRequestClass})
     {
         RequestUse use(*requestClass);

@@ -15,12 +15,4 @@ TEST(Texts, AreComparedWithoutRegardToCase)
     EXPECT_GT(StrCmpIW(TEXT("photos"), TEXT("Photo")), 0);
     EXPECT_EQ(StrCmpIW(TEXT("\xC4"), TEXT("\xE4")), 0);
 }
-
-TEST(Texts, AreFoundInTexts)
-{
-    const WCHAR *const text = TEXT("one two two");
-    EXPECT_EQ(StrStrW(text, TEXT("two")), text + 4);
-    EXPECT_EQ(StrStrW(text, TEXT("Two")), nullptr);
-    EXPECT_EQ(StrStrW(text, TEXT("")), nullptr);
-}
 } // namespace

@@ -1,4 +1,4 @@
-// The imaging factory through registration and CoCreateInstance, as the plug-in reaches it.
+// The imaging factory through CoCreateInstance, as the plug-in reaches it.
 #include "com/ComPtr.h"
 #include "com/WideText.h"
 
@@ -18,31 +18,6 @@ namespace
 class ContainerFormat : public testing::Test
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        WCHAR program[1024];
-        WideText path(program, GetModuleFileNameW(nullptr, program, ARRAYSIZE(program)));
-        path.resize(path.rfind(u'/'));
-        s_module = LoadLibraryW((path + u"/../lib/windowscodecs.so").c_str());
-        ASSERT_NE(s_module, nullptr);
-        ASSERT_EQ(Export("DllRegisterServer")(), S_OK);
-    }
-
-    static void TearDownTestSuite()
-    {
-        EXPECT_EQ(Export("DllCanUnloadNow")(), S_OK);
-        EXPECT_EQ(Export("DllUnregisterServer")(), S_OK);
-        EXPECT_EQ(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_ALL, IID_IUnknown,
-                                   ComPtr<IUnknown>().PutVoid()),
-                  REGDB_E_CLASSNOTREG);
-        FreeLibrary(s_module);
-    }
-
-    static HRESULT (*Export(const char *name))()
-    {
-        return reinterpret_cast<HRESULT (*)()>(reinterpret_cast<void *>(GetProcAddress(s_module, name)));
-    }
-
     void SetUp() override
     {
         ASSERT_EQ(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_ALL, IID_PPV_ARGS(m_factory.Put())),
@@ -61,7 +36,6 @@ protected:
         return FAILED(result) ? result : decoder->GetContainerFormat(&format);
     }
 
-    static inline HMODULE s_module = nullptr;
     ComPtr<IWICImagingFactory> m_factory;
 };
 

@@ -1,6 +1,0 @@
-#include "tests/doubles/SystemModules.h"
-
-void RegisterSystemModules() {}
-
-// The prefix of the build folder is private already.
-void UsePrivateRegistryStore() {}

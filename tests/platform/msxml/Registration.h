@@ -1,4 +1,0 @@
-// Makes the document class available to CoCreateInstance.
-#pragma once
-
-void RegisterDocumentClass();

@@ -1,4 +1,0 @@
-#include "Registration.h"
-
-// Windows has the class.
-void RegisterDocumentClass() {}

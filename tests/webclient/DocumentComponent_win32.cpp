@@ -1,3 +1,0 @@
-#include "tests/webclient/DocumentText.h"
-
-void UseDocumentComponent() {}
