@@ -74,7 +74,7 @@ UINT64 PublishStatistics::RemainingTime(UINT64 now)
     {
         return 0;
     }
-    if (left >= static_cast<double>(NoEstimate / TicksPerSecond))
+    if (left >= static_cast<double>(NoEstimate) / TicksPerSecond)
     {
         return NoEstimate;
     }

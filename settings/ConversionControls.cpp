@@ -6,7 +6,7 @@
 #include "settings/OutputSize.h"
 #include "settings/SettingsStore.h"
 
-const ConversionControls::Flag ConversionControls::flags[] = {
+const ConversionControls::Flag ConversionControls::Flags[] = {
     {IDC_MINIMIZE, TEXT("Minimize"), &ConversionControls::m_minimize},
     {IDC_WRITE_COPYRIGHT, TEXT("WriteCopyright"), &ConversionControls::m_writeCopyright},
     {IDC_WRITE_EXIF, TEXT("WriteEXIF"), &ConversionControls::m_writeEXIF},
@@ -46,7 +46,7 @@ void ConversionControls::FillLists(IPageControls &controls)
 
 void ConversionControls::Load(const SettingsReader &reader)
 {
-    for (const Flag &flag : flags)
+    for (const Flag &flag : Flags)
     {
         reader.ReadInto(NameOf(flag.Setting).c_str(), this->*flag.Field);
     }
@@ -56,7 +56,7 @@ void ConversionControls::Load(const SettingsReader &reader)
 
 void ConversionControls::Show(IPageControls &controls)
 {
-    for (const Flag &flag : flags)
+    for (const Flag &flag : Flags)
     {
         UINT32 &field = this->*flag.Field;
         if (field > LargestCheckState)
@@ -70,7 +70,7 @@ void ConversionControls::Show(IPageControls &controls)
 
 void ConversionControls::Take(IPageControls &controls)
 {
-    for (const Flag &flag : flags)
+    for (const Flag &flag : Flags)
     {
         this->*flag.Field = controls.Check(flag.Id);
     }
@@ -85,7 +85,7 @@ void ConversionControls::Take(IPageControls &controls)
 
 void ConversionControls::Save(const SettingsWriter &writer)
 {
-    for (const Flag &flag : flags)
+    for (const Flag &flag : Flags)
     {
         writer.Write(NameOf(flag.Setting).c_str(), this->*flag.Field);
     }

@@ -26,7 +26,7 @@ public:
     // Copies the controls to the fields. A size text that is too long is cut, with a beep and the focus on it.
     void Take(IPageControls &controls);
 
-    // Writes the flags as they are and the size in its display form.
+    // Writes the Flags as they are and the size in its display form.
     void Save(const SettingsWriter &writer);
 
 private:
@@ -36,7 +36,7 @@ private:
         const WCHAR *Setting;
         UINT32 ConversionControls::*Field;
     };
-    static const Flag flags[6];
+    static const Flag Flags[6];
 
     WideText NameOf(const WCHAR *setting) const { return WideText(m_kind) + setting; }
     void NormalizeDimension();

@@ -43,7 +43,7 @@ public:
         endingSignal = 0;
         struct sigaction note = {};
         note.sa_handler = NoteSignal;
-        for (size_t i = 0; i < count; ++i)
+        for (size_t i = 0; i < Count; ++i)
         {
             sigaction(Numbers[i], &note, &m_before[i]);
         }
@@ -51,7 +51,7 @@ public:
 
     ~SignalNotes()
     {
-        for (size_t i = 0; i < count; ++i)
+        for (size_t i = 0; i < Count; ++i)
         {
             sigaction(Numbers[i], &m_before[i], nullptr);
         }
@@ -66,8 +66,8 @@ public:
 
 private:
     static constexpr int Numbers[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
-    static constexpr size_t count = std::size(Numbers);
-    struct sigaction m_before[count] = {};
+    static constexpr size_t Count = std::size(Numbers);
+    struct sigaction m_before[Count] = {};
 };
 
 struct KeyMeaning

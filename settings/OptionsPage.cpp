@@ -4,7 +4,7 @@
 #include "settings/SettingsStore.h"
 #include "settings/StoredSettings.h"
 
-const OptionsPage::Group OptionsPage::groups[] = {
+const OptionsPage::Group OptionsPage::Groups[] = {
     {IDC_SAFETY_SAFE, TEXT("SafetyLevel"), &OptionsPage::m_safetyLevel},
     {IDC_CONTENT_PHOTOS, TEXT("ContentType"), &OptionsPage::m_contentType},
     {IDC_SEARCH_SHOW, TEXT("SearchVisibility"), &OptionsPage::m_searchVisibility},
@@ -18,7 +18,7 @@ UINT OptionsPage::Template() const noexcept
 void OptionsPage::Load(IPageControls &controls)
 {
     const SettingsReader reader;
-    for (const Group &group : groups)
+    for (const Group &group : Groups)
     {
         UINT32 &field = this->*group.Field;
         reader.ReadInto(group.Setting, field);
@@ -33,7 +33,7 @@ void OptionsPage::Load(IPageControls &controls)
 
 void OptionsPage::Save(IPageControls &controls)
 {
-    for (const Group &group : groups)
+    for (const Group &group : Groups)
     {
         this->*group.Field = controls.Radio(group.FirstId);
     }
@@ -42,7 +42,7 @@ void OptionsPage::Save(IPageControls &controls)
     {
         return;
     }
-    for (const Group &group : groups)
+    for (const Group &group : Groups)
     {
         writer.Write(group.Setting, this->*group.Field);
     }

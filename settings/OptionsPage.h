@@ -17,7 +17,7 @@ private:
         const WCHAR *Setting;
         UINT32 OptionsPage::*Field;
     };
-    static const Group groups[3];
+    static const Group Groups[3];
 
     UINT32 m_safetyLevel = 0;
     UINT32 m_contentType = 0;

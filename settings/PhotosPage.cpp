@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <iterator>
 
-const PhotosPage::Flag PhotosPage::flags[] = {
+const PhotosPage::Flag PhotosPage::Flags[] = {
     {IDC_ASYNC_UPLOAD, TEXT("AsyncUpload"), &PhotosPage::m_asyncUpload},
     {IDC_WRITE_TITLE, TEXT("WriteTitle"), &PhotosPage::m_writeTitle},
     {IDC_WRITE_DESCRIPTION, TEXT("WriteDescription"), &PhotosPage::m_writeDescription},
@@ -68,7 +68,7 @@ void PhotosPage::Load(IPageControls &controls)
     const SettingsReader reader;
     if (reader.IsOpen())
     {
-        for (const Flag &flag : flags)
+        for (const Flag &flag : Flags)
         {
             UINT32 &field = this->*flag.Field;
             reader.ReadInto(flag.Setting, field);
@@ -87,7 +87,7 @@ void PhotosPage::Save(IPageControls &controls)
     {
         return;
     }
-    for (const Flag &flag : flags)
+    for (const Flag &flag : Flags)
     {
         writer.Write(flag.Setting, this->*flag.Field);
     }
@@ -102,7 +102,7 @@ void PhotosPage::Save(IPageControls &controls)
 
 void PhotosPage::Show(IPageControls &controls)
 {
-    for (const Flag &flag : flags)
+    for (const Flag &flag : Flags)
     {
         controls.SetCheck(flag.Id, this->*flag.Field);
     }
@@ -111,7 +111,7 @@ void PhotosPage::Show(IPageControls &controls)
 
 void PhotosPage::Take(IPageControls &controls)
 {
-    for (const Flag &flag : flags)
+    for (const Flag &flag : Flags)
     {
         this->*flag.Field = controls.Check(flag.Id);
     }

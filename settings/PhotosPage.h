@@ -23,7 +23,7 @@ private:
         const WCHAR *Setting;
         UINT32 PhotosPage::*Field;
     };
-    static const Flag flags[4];
+    static const Flag Flags[4];
 
     // These differ from the defaults of an upload, which sends title, description and tags until this page
     // has been saved once.

@@ -37,5 +37,7 @@ POINT CentredOnPoint(const RECT &frame, POINT pointer, const RECT &workArea) noe
 LONG OffsetInPixels(INT32 offset, int dotsPerInch) noexcept
 {
     constexpr double inchesPerUnit = 0.010416667; // 1/96, rounded
-    return static_cast<LONG>(static_cast<double>(offset) * dotsPerInch * inchesPerUnit + 0.5);
+    // Halves of negative offsets go up too, unlike with std::lround.
+    return static_cast<LONG>(static_cast<double>(offset) * dotsPerInch * inchesPerUnit +
+                             0.5); // NOLINT(bugprone-incorrect-roundings)
 }
