@@ -50,7 +50,7 @@ using Register = HRESULT(STDAPICALLTYPE *)();
 using Install = HRESULT(STDAPICALLTYPE *)(BOOL install, LPCWSTR commandLine);
 
 // Leaves nothing registered to other tests, which may share the registry.
-class WebComponentsModule : public testing::Test
+class WebComponentsRegistration : public testing::Test
 {
 protected:
     void SetUp() override
@@ -68,7 +68,7 @@ protected:
     const Install m_install = reinterpret_cast<Install>(ModuleFunction(Module, "DllInstall"));
 };
 
-TEST_F(WebComponentsModule, RegistersAndUnregistersItsClasses)
+TEST_F(WebComponentsRegistration, RegistersAndUnregistersItsClasses)
 {
     ASSERT_EQ(m_register(), S_OK);
     EXPECT_EQ(MachineText("\\InprocServer32", TEXT("ThreadingModel")), TEXT("Both"));
@@ -83,7 +83,7 @@ TEST_F(WebComponentsModule, RegistersAndUnregistersItsClasses)
     EXPECT_EQ(m_unregister(), S_OK); // nothing left to do is no failure
 }
 
-TEST_F(WebComponentsModule, RegistersForOneUserAlone)
+TEST_F(WebComponentsRegistration, RegistersForOneUserAlone)
 {
     EXPECT_EQ(m_install(TRUE, TEXT("User")), S_OK);
     EXPECT_EQ(UserText("\\InprocServer32"), Wide(ModulePath(Module)));
