@@ -115,7 +115,6 @@ TEST(PublishStatistics, ForgetsSamplesBeyondTheLast25)
     {
         statistics.RemainingTime(Seconds(100)); // 1 unit a second
     }
-    // (100 + 24) / 25 = 4.96; 900 / 4.96 = 181.45
     EXPECT_EQ(statistics.RemainingTime(Seconds(100)), Seconds(900)) << "the 26th sample replaces the first";
 }
 

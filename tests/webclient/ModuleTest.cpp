@@ -13,7 +13,7 @@
 namespace
 {
 const char *const Module = "Halvora.WebComponents";
-const char *const ClientClass = "CLSID\\{C6338984-E934-4679-A284-D35BEC55674C}";
+const char *const ClientClass = "CLSID\\{5DC9820B-696D-488D-B09C-73CC4D72C85B}";
 
 WideText Wide(const std::string &text)
 {
