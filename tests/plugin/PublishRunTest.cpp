@@ -27,7 +27,11 @@ protected:
         ASSERT_EQ(Plugin->Initialize(Fixture.Host.Get(), 1033, Fixture.Stream.Get(), 0), S_OK);
     }
 
-    void TearDown() override { EXPECT_EQ(Plugin->Terminate(), S_OK); }
+    void TearDown() override
+    {
+        EXPECT_FALSE(Fixture.Host->IsListLocked());
+        EXPECT_EQ(Plugin->Terminate(), S_OK);
+    }
 
     void AddPictures(int count)
     {
@@ -504,6 +508,21 @@ TEST_F(PublishRun, MovesTheBarByWholePercents)
     };
     Publish();
     EXPECT_THAT(Fixture.Record.LinesOf("bar position "), ElementsAre("0", "0", "1", "75", "50", "100"));
+    EXPECT_THAT(Fixture.Record.LinesOf("status "),
+                ElementsAre("Checking connectivity...", "Publishing...", "Estimating remaining time...",
+                            "Estimated time left: less than one minute.", "Done."));
+
+    // A text is written when it changes, and at the first report of each upload.
+    Fixture.Record.Clear();
+    Fixture.Web.DuringUpload = nullptr;
+    Fixture.Web.Answer(OkReply);
+    Publish();
+    EXPECT_THAT(Fixture.Record.LinesOf("status "),
+                testing::Contains("Estimated time left: less than one minute."));
+
+    Fixture.Record.Clear();
+    EXPECT_EQ(Plugin.As<IUploadProgressCallback>()->OnUploadProgress(UPLOAD_BYTES, 2, 1), S_OK);
+    EXPECT_TRUE(Fixture.Record.Lines().empty()) << "after the run the windows are the host's alone";
 }
 
 TEST_F(PublishRun, NeedsBothWindows)

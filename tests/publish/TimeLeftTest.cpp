@@ -86,6 +86,7 @@ TEST(PublishStatistics, EstimatesByTheMeanOfTheRatesSinceTheStart)
 {
     PublishStatistics statistics;
     EXPECT_EQ(statistics.RemainingTime(Seconds(5)), NoEstimate) << "before the run";
+    EXPECT_GT(SystemTicks(), 400 * 365 * Seconds(Day)) << "the clock counts from the year 1601";
     statistics.Reset();
     statistics.Start(200, Seconds(1000));
     EXPECT_EQ(statistics.RemainingTime(Seconds(1000)), NoEstimate) << "no time has passed";

@@ -208,6 +208,7 @@ TEST_F(WebClientTest, EarlyRefusalWinsOverTheRestOfTheBody)
 
 TEST_F(WebClientTest, TrustsTheAuthoritiesOfTheFileThatIsNamedAndNoOthers)
 {
+    StartServer();
     setenv("HALVORA_CA_FILE", "there-is-no-such-file.pem", 1);
     EXPECT_THAT(UploadText(Client().Get(), "x").Description(), HasSubstr("trusted certificates"));
     unsetenv("HALVORA_CA_FILE");
