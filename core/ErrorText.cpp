@@ -10,6 +10,8 @@
 
 #include <oleauto.h>
 
+#include <utility>
+
 namespace
 {
 WideText CodeSentence(HRESULT code)
@@ -31,6 +33,18 @@ LocalTextOwner SystemMessage(HRESULT code)
 }
 } // namespace
 
+WideText WithMessage(WideText sentence, WideView message)
+{
+    sentence += TEXT(' ');
+    sentence += StripWhiteSpace(message);
+    WideText text(StripWhiteSpace(sentence));
+    if (!text.empty() && text.back() != TEXT('.'))
+    {
+        text += TEXT('.');
+    }
+    return text;
+}
+
 WideText FormatErrorText(HRESULT code)
 {
     WideText text = CodeSentence(code);
@@ -39,21 +53,7 @@ WideText FormatErrorText(HRESULT code)
         return text;
     }
     const LocalTextOwner message = SystemMessage(code);
-    if (!message)
-    {
-        return text;
-    }
-    text += TEXT(' ');
-    text += StripWhiteSpace(message.Get());
-    while (!text.empty() && StripWhiteSpace(WideView(&text.back(), 1)).empty())
-    {
-        text.pop_back();
-    }
-    if (!text.empty() && text.back() != TEXT('.'))
-    {
-        text += TEXT('.');
-    }
-    return text;
+    return message ? WithMessage(std::move(text), message.Get()) : text;
 }
 
 void SetErrorInfoText(const WCHAR *text)

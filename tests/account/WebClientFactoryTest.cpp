@@ -2,7 +2,6 @@
 
 #include "account/AccountRecord.h"
 #include "account/ApplicationCredentials.h"
-#include "account/ServiceHosts.h"
 #include "com/ModuleLocks.h"
 #include "core/VersionBlock.h"
 #include "tests/doubles/FakeWebComponents.h"
@@ -37,14 +36,14 @@ TEST(WebClientFactory, SetsUpAClientOfItsOwnForEachUse)
     EXPECT_EQ(web.Operations(), (std::vector<std::string>{"Create IOAuthWebClient", "SetService", "SetAccessToken",
                                                           "Create IOAuthWebClient", "SetService"}));
     const std::vector<WideText> service = {TEXT("Halvora/1.96.0.401"),
-                                           ServiceHosts::RestEndpoint,
+                                           TEXT("https://api.flickr.com/services/rest"),
                                            TEXT("HMAC-SHA1"),
                                            Plain(ApplicationKey.Head),
                                            Plain(ApplicationSecret.Head),
-                                           ServiceHosts::RequestTokenUrl,
-                                           ServiceHosts::AuthorizeUrl,
-                                           ServiceHosts::AccessTokenUrl,
-                                           ServiceHosts::CallbackUrl,
+                                           TEXT("http://www.flickr.com/services/oauth/request_token"),
+                                           TEXT("http://www.flickr.com/services/oauth/authorize"),
+                                           TEXT("http://www.flickr.com/services/oauth/access_token"),
+                                           TEXT("http://authorization.halvora.example/flickr/authorization/"),
                                            TEXT("0")};
     EXPECT_EQ(web.Calls()[1].Arguments, service);
     EXPECT_EQ(web.Calls()[2].Arguments, (std::vector<WideText>{TEXT("t"), TEXT("s")}));

@@ -108,11 +108,20 @@ TEST(NumberFormat, ReadsTheConventionsOfALocale)
         EXPECT_EQ(format.Grouping, 3u);
         EXPECT_EQ(format.LeadingZero, 1u);
         EXPECT_EQ(format.NegativeOrder, 1u);
+        EXPECT_EQ(format.NumDigits, 2u);
     }
 }
 
 TEST(NumberFormat, LoadsOnFirstUseAndThenOnlyWhenToldTo)
 {
+    // The identifiers that stand for a locale without being one.
+    for (const LCID generic : {0, 127, 1024, 2048, 3072, 4096, 5120})
+    {
+        SetLastError(0);
+        LocaleNumberFormat format(generic);
+        LoadLocaleFormat(format, true);
+        EXPECT_NE(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER)) << generic;
+    }
     LocaleNumberFormat format(German);
     WCHAR text[64];
     EXPECT_EQ(FormatNumber(format, {.Signed = 1234567}, NUMBER_SIGNED, 0, text), S_OK);

@@ -70,9 +70,13 @@ TEST(ErrorText, PutsTheSystemsWordsBehindTheCode)
         const std::string text = Narrow(FormatErrorText(code));
         EXPECT_THAT(text, StartsWith("The error code was 0x8"));
         EXPECT_GT(text.size(), sizeof("The error code was 0x80070005. ")) << text;
-        EXPECT_THAT(text, EndsWith("."));
         EXPECT_THAT(text, testing::Not(EndsWith(".."))) << text;
     }
+    for (const WCHAR *message : {TEXT("Not found"), TEXT(" Not found.\r\n"), TEXT("\tNot found\n")})
+    {
+        EXPECT_EQ(Narrow(WithMessage(TEXT("Error."), message)), "Error. Not found.");
+    }
+    EXPECT_EQ(Narrow(WithMessage(TEXT("Error."), TEXT(" "))), "Error.");
 }
 
 TEST(ErrorText, ReachesTheThreadsErrorObject)

@@ -68,7 +68,7 @@ void FakeImageMetadata::Fill(ItemRecord &record) const
 HRESULT FakeImageMetadata::ReadImageMetadata(LPCWSTR path, INT32 reserved, INT32 longEdge,
                                              IWICBitmapSource **source, INT32 flags, ItemRecord *record) noexcept
 {
-    const bool isTextsOnly = source == nullptr && flags == READ_METADATA_ONLY && longEdge == 0;
+    const bool isTextsOnly = source == nullptr && flags == READ_METADATA_ONLY && longEdge == 0 && reserved == 0;
     const bool isWithPicture = source != nullptr && flags == READ_METADATA_AND_PICTURE && reserved == 0;
     m_record.Add("read " + Narrow(path) + (isTextsOnly ? "" : " with the picture"));
     HRESULT result = Result;

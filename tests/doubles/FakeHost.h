@@ -64,6 +64,11 @@ public:
     ComPtr<FakeImageMetadata> Metadata; // null: a host without a reader
     std::function<void(size_t)> OnItem; // called when the record of an item is asked for
 
+    bool IsListLocked() const
+    {
+        return m_list && (GlobalUnlock(m_list.Get()) || GetLastError() != ERROR_NOT_LOCKED);
+    }
+
     HRESULT QueryFurther(REFIID iid, void **object) noexcept;
 
     STDMETHODIMP Reserved1() noexcept override { return E_NOTIMPL; }

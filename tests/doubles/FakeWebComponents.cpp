@@ -53,7 +53,9 @@ public:
 
     STDMETHODIMP Add(LPCWSTR name, VARIANT value) override
     {
-        const WideText text = V_VT(&value) == VT_BSTR ? Text(V_BSTR(&value)) : Text(V_UI4(&value));
+        const std::string number = std::to_string(V_VT(&value) == VT_I4 ? INT64{V_I4(&value)} : V_UI4(&value));
+        const WideText text =
+            V_VT(&value) == VT_BSTR ? Text(V_BSTR(&value)) : WideText(number.begin(), number.end());
         if (V_VT(&value) != VT_BSTR && V_VT(&value) != VT_I4 && V_VT(&value) != VT_UI4)
         {
             ADD_FAILURE() << "a parameter of type " << V_VT(&value);

@@ -33,14 +33,11 @@ HRESULT MemoryStream::Read(void *target, ULONG length, ULONG *done)
 HRESULT MemoryStream::Write(const void *source, ULONG length, ULONG *done)
 {
     const HRESULT result = Record("Write " + std::to_string(length));
-    const bool written = SUCCEEDED(result);
-    if (written)
-    {
-        Content.resize(std::max(Content.size(), Position + length));
-        Content.replace(Position, length, static_cast<const char *>(source), length);
-        Position += length;
-    }
-    *done = written ? length : 0;
+    const size_t count = SUCCEEDED(result) ? std::min<size_t>(length, Room - std::min(Room, Position)) : 0;
+    Content.resize(std::max(Content.size(), Position + count));
+    Content.replace(Position, count, static_cast<const char *>(source), count);
+    Position += count;
+    *done = static_cast<ULONG>(count);
     return result;
 }
 

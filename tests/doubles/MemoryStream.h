@@ -18,7 +18,8 @@ public:
     // The call of that number, counted from 1 over all operations, fails with code and does nothing.
     void FailCall(size_t number, HRESULT code);
 
-    std::string Content; // the bytes
+    std::string Content;    // the bytes
+    size_t Room = SIZE_MAX; // bytes that it can hold; what goes beyond isn't written, which is no failure
     size_t Position = 0;
     std::vector<std::string> Calls; // "Read 4", "Write 33", "Seek", "SetSize 0", ...
 

@@ -54,7 +54,7 @@ std::string PublishFixture::PathOf(const std::string &file) const
 
 std::string PublishFixture::AuthorizedInitData()
 {
-    std::string data("\x01\x04\0\0\0t\0\0\0\x04\0\0\0s\0\0\0", 17);
-    data.append(4 * 4 + 8, '\0');
-    return data;
+    // Between the texts: no user name. Behind them: neither the photos' address nor the level of the account.
+    const std::string token("\x01\x04\0\0\0t\0\0\0\x04\0\0\0s\0\0\0\0\0\0\0\x04\0\0\0f\0\0\0", 29);
+    return token + std::string(2 * 4 + 8, '\0');
 }

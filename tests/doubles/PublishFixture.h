@@ -38,7 +38,7 @@ public:
     SettingsKey Settings;
     ComPtr<MemoryStream> Stream = MemoryStream::Make(AuthorizedInitData());
 
-    // Init-data with the token pair "t" and "s" and nothing else.
+    // Init-data with the token pair "t" and "s" and the full name "f".
     static std::string AuthorizedInitData();
 
 private:

@@ -1,24 +1,40 @@
 #include "tests/doubles/SettingsKey.h"
 
 #include "com/HandleOwner.h"
-#include "settings/SettingsStore.h"
 #include "settings/StoredSettings.h"
 #include "tests/doubles/CallRecord.h"
 #include "tests/doubles/PrivateRegistryStore.h"
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 namespace
 {
 constexpr UINT32 Mark = 77;
 constexpr const WCHAR *MarkText = TEXT("untouched");
 
-RegistryKeyOwner OpenForWriting()
+RegistryKeyOwner OpenKey()
 {
     RegistryKeyOwner key;
-    const LONG result = RegOpenKeyExW(HKEY_CURRENT_USER, SettingsKeyPath, 0, KEY_WRITE, key.Put());
+    const LONG result = RegOpenKeyExW(HKEY_CURRENT_USER, SettingsKeyPath, 0, KEY_READ | KEY_WRITE, key.Put());
     EXPECT_EQ(result, ERROR_SUCCESS);
     return key;
+}
+
+// As it lies in the key, with "?" behind what isn't of the setting's type or length.
+std::string Stored(const RegistryKeyOwner &key, const StoredSetting &setting)
+{
+    WCHAR text[64] = {};
+    DWORD type = 0;
+    DWORD size = sizeof text;
+    RegQueryValueExW(key.Get(), setting.Name, nullptr, &type, reinterpret_cast<BYTE *>(text), &size);
+    UINT32 number;
+    std::memcpy(&number, text, sizeof number);
+    const bool isNumber = setting.Type == REG_DWORD;
+    const bool isWhole =
+        type == setting.Type && size == (isNumber ? sizeof number : (WideView(text).size() + 1) * sizeof(WCHAR));
+    return (isNumber ? std::to_string(number) : Narrow(text)) + (isWhole ? "" : "?");
 }
 } // namespace
 
@@ -51,14 +67,14 @@ void SettingsKey::Set(const WCHAR *name, const WCHAR *text)
 
 void SettingsKey::SetBytes(const WCHAR *name, DWORD type, const std::vector<BYTE> &bytes)
 {
-    const RegistryKeyOwner key = OpenForWriting();
+    const RegistryKeyOwner key = OpenKey();
     const LONG result = RegSetValueExW(key.Get(), name, 0, type, bytes.data(), static_cast<DWORD>(bytes.size()));
     EXPECT_EQ(result, ERROR_SUCCESS);
 }
 
 void SettingsKey::Remove(const WCHAR *name)
 {
-    const RegistryKeyOwner key = OpenForWriting();
+    const RegistryKeyOwner key = OpenKey();
     EXPECT_EQ(RegDeleteValueW(key.Get(), name), ERROR_SUCCESS);
 }
 
@@ -79,14 +95,12 @@ void SettingsKey::MarkAll()
 
 std::string SettingsKey::Written() const
 {
-    const SettingsReader reader;
+    const RegistryKeyOwner key = OpenKey();
     std::string written;
     for (const StoredSetting &setting : StoredSettings())
     {
-        const bool isText = setting.Type != REG_DWORD;
-        const std::string value =
-            isText ? Narrow(reader.Text(setting.Name)) : std::to_string(reader.Number(setting.Name));
-        if (value != (isText ? Narrow(MarkText) : std::to_string(Mark)))
+        const std::string value = Stored(key, setting);
+        if (value != (setting.Type == REG_DWORD ? std::to_string(Mark) : Narrow(MarkText)))
         {
             written += (written.empty() ? "" : " ") + Narrow(setting.Name) + "=" + value;
         }

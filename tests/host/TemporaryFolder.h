@@ -32,7 +32,7 @@ public:
     // Makes the file, and the folders above it.
     std::filesystem::path Write(const std::filesystem::path &name, std::string_view content) const
     {
-        const std::filesystem::path file = m_path / name;
+        std::filesystem::path file = m_path / name;
         std::filesystem::create_directories(file.parent_path());
         std::ofstream(file, std::ios::binary) << content;
         return file;

@@ -5,7 +5,7 @@
 #include "tests/doubles/CallRecord.h"
 #include "tests/doubles/MemoryStream.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace
 {
@@ -61,6 +61,10 @@ TEST(InitData, IsWrittenByteForByteOverWhatWasThere)
     stream->Position = 77;
     EXPECT_EQ(Write(stream.Get(), SomeAccount()), S_OK);
     EXPECT_EQ(stream->Content, SomeBytes);
+    // In this order, for the sake of a stream that can't be cut behind its position; nothing is committed.
+    ASSERT_GT(stream->Calls.size(), 2u);
+    EXPECT_EQ(stream->Calls[0] + ", " + stream->Calls[1], "Seek, SetSize 0");
+    EXPECT_THAT(stream->Calls, testing::Not(testing::Contains("Commit")));
     EXPECT_EQ(Write(stream.Get(), AccountRecord()), S_OK);
     EXPECT_EQ(stream->Content, "\1" + std::string(32, '\0'));
 }
@@ -157,6 +161,12 @@ TEST(InitData, GivesTheFailureOfAnyCallOfTheStream)
         EXPECT_EQ(Write(stream.Get(), account), STG_E_MEDIUMFULL) << call;
         EXPECT_EQ(stream->Calls.size(), call) << "nothing goes on after a failure";
         EXPECT_TRUE(SomeBytes.starts_with(stream->Content)) << call;
+    }
+    for (size_t room = 0; room < SomeBytes.size(); ++room)
+    {
+        const auto stream = MemoryStream::Make();
+        stream->Room = room;
+        EXPECT_EQ(Write(stream.Get(), account), STG_E_MEDIUMFULL) << room;
     }
 
     const auto full = MemoryStream::Make(SomeBytes);

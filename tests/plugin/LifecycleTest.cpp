@@ -1,6 +1,7 @@
 // The object outside a run, as COM and the host use it.
 #include "com/BstrOwner.h"
 #include "com/ModuleLocks.h"
+#include "core/ThisModule.h"
 #include "plugin/FlickrModule.h"
 #include "plugin/FlickrPublisher.h"
 #include "plugin/UsageMetrics.h"
@@ -47,7 +48,8 @@ TEST(Lifecycle, TellsWhoItIs)
     EXPECT_EQ(TextOf(plugin, &IHalvoraPublishingPlugin::GetDisplayName), "Publish to Flickr");
     EXPECT_EQ(TextOf(plugin, &IHalvoraPublishingPlugin::GetDescription), "Halvora Publish to Flickr Component");
     EXPECT_EQ(TextOf(plugin, &IHalvoraPublishingPlugin::GetVersionInformation), "1.96 (Build 401)");
-    EXPECT_THAT(TextOf(plugin, &IHalvoraPublishingPlugin::GetAuthorInformation), testing::HasSubstr("2026"));
+    EXPECT_THAT(TextOf(plugin, &IHalvoraPublishingPlugin::GetAuthorInformation),
+                testing::StartsWith("Copyright \xC2\xA9 2026 "));
     EXPECT_THAT(TextOf(plugin, &IHalvoraPublishingPlugin::GetDisplayState),
                 testing::HasSubstr("<a id=\"authorize\""));
     HVRPUBLISHINGCAPABILITIES capabilities{};
@@ -100,10 +102,12 @@ TEST(Lifecycle, CanBeAggregated)
     const long locks = ModuleLocks::Read();
     {
         const auto outer = Outer::Make();
+        CFlickrModule module(ThisModule());
+        ComPtr<IClassFactory> factory;
+        ASSERT_EQ(module.GetClassObject(CLSID_FlickrPublisher, __uuidof(IClassFactory), factory.PutVoid()), S_OK);
         void *face = nullptr;
-        EXPECT_EQ(CFlickrPublisher::CreateInstance(outer.Get(), __uuidof(IDispatch), &face),
-                  CLASS_E_NOAGGREGATION);
-        ASSERT_EQ(CFlickrPublisher::CreateInstance(outer.Get(), __uuidof(IUnknown), outer->Inner.PutVoid()), S_OK);
+        EXPECT_EQ(factory->CreateInstance(outer.Get(), __uuidof(IDispatch), &face), CLASS_E_NOAGGREGATION);
+        ASSERT_EQ(factory->CreateInstance(outer.Get(), __uuidof(IUnknown), outer->Inner.PutVoid()), S_OK);
         for (const IID &iid : {__uuidof(IHalvoraPublishingPlugin), __uuidof(ISupportErrorInfo),
                                __uuidof(IUploadProgressCallback), __uuidof(IMarshal)})
         {
@@ -138,6 +142,19 @@ TEST(Lifecycle, ChecksTheHostAndTakesItOnce)
     EXPECT_TRUE(gUsageMetrics);
     EXPECT_EQ(plugin->Publish(fixture.Windows.Bar(), fixture.Windows.StatusText()), E_UNEXPECTED);
 
+    // What is no host or no stream lets go of the one before.
+    const std::pair<IUnknown *, IUnknown *> others[] = {{fixture.Host.Get(), fixture.Host.Get()},
+                                                        {fixture.Host.Get(), nullptr},
+                                                        {fixture.Stream.Get(), fixture.Stream.Get()}};
+    for (const auto &[host, stream] : others)
+    {
+        EXPECT_EQ(plugin->Initialize(fixture.Host.Get(), 0, fixture.Stream.Get(), 0), S_OK);
+        EXPECT_EQ(plugin->CanPublish(nullptr, FALSE), S_OK);
+        EXPECT_EQ(plugin->Initialize(host, 0, stream, 0), host == fixture.Host.Get() ? S_OK : E_INVALIDARG);
+        EXPECT_EQ(plugin->CanPublish(nullptr, FALSE), E_UNEXPECTED);
+    }
+
+    EXPECT_EQ(plugin->Initialize(fixture.Host.Get(), 0, nullptr, 0), S_OK);
     fixture.Host->AddRef();
     const ULONG references = fixture.Host->Release();
     EXPECT_EQ(plugin->Initialize(fixture.Host.Get(), 0, fixture.Stream.Get(), 0), S_OK);
@@ -156,6 +173,16 @@ TEST(Lifecycle, AFailingStreamKeepsHostAndCounterAsTheyWere)
     EXPECT_EQ(plugin->Initialize(fixture.Host.Get(), 0, fixture.Stream.Get(), 0), E_FAIL);
     EXPECT_FALSE(gUsageMetrics);
     EXPECT_EQ(plugin->CanPublish(nullptr, FALSE), S_FALSE) << "initialized, not authorized";
+
+    fixture.Stream->Content = PublishFixture::AuthorizedInitData();
+    fixture.Stream->Position = 0;
+    EXPECT_EQ(plugin->Initialize(fixture.Host.Get(), 0, fixture.Stream.Get(), 0), S_OK);
+    fixture.Stream->FailCall(fixture.Stream->Calls.size() + 1, STG_E_ACCESSDENIED);
+    EXPECT_EQ(plugin->Terminate(), STG_E_ACCESSDENIED);
+    EXPECT_TRUE(gUsageMetrics);
+    EXPECT_EQ(plugin->Terminate(), S_OK);
+    EXPECT_FALSE(gUsageMetrics);
+    EXPECT_EQ(plugin->CanPublish(nullptr, FALSE), S_OK) << "host, stream and account stay";
 }
 
 TEST(Lifecycle, ConfigureChecksBeforeItLooksAtTheVerb)

@@ -27,7 +27,11 @@ protected:
         ASSERT_EQ(Plugin->Initialize(Fixture.Host.Get(), 1033, Fixture.Stream.Get(), 0), S_OK);
     }
 
-    void TearDown() override { EXPECT_EQ(Plugin->Terminate(), S_OK); }
+    void TearDown() override
+    {
+        EXPECT_FALSE(Fixture.Host->IsListLocked());
+        EXPECT_EQ(Plugin->Terminate(), S_OK);
+    }
 
     void AddPictures(int count)
     {
@@ -55,10 +59,13 @@ protected:
 TEST_F(PublishRun, TellsItsCourseToLogStatusAndBar)
 {
     AddPictures(2);
+    Fixture.Web.Answer(TEXT("<rsp stat=\"ok\"><user ispro=\"1\"><filesize maxbytes=\"5\"/>"
+                            "<bandwidth maxbytes=\"0\" usedbytes=\"0\"/></user></rsp>"));
+    EXPECT_EQ(Plugin->CanPublish(nullptr, TRUE), S_OK);
     const Lines course{
         "log verbose Starting.",
         "log verbose Publish to Flickr 1.96 (Build 401)",
-        "log verbose Name=, Type=, MaxFileSize=0 bytes, UploadLeftThisMonth=0 bytes",
+        "log verbose Name=f, Type=Pro, MaxFileSize=5 bytes, UploadLeftThisMonth=Unlimited",
         "status Checking connectivity...",
         "bar position 0",
         "bar state 1",
@@ -101,7 +108,10 @@ TEST_F(PublishRun, SendsTheFileAsItLiesUnderItsName)
     Fixture.Host->Metadata->Keywords = TEXT("a; b c");
     Fixture.Settings.Set(TEXT("AsyncUpload"), 7);
     Fixture.Settings.Set(TEXT("IsPublic"), 3);
+    Fixture.Settings.Set(TEXT("IsFriend"), UINT32_MAX);
     Fixture.Settings.Set(TEXT("SafetyLevel"), 2);
+    Fixture.Settings.Set(TEXT("ContentType"), 4);
+    Fixture.Settings.Set(TEXT("SearchVisibility"), 1);
     Fixture.Web.Answer(OkReply);
     Publish();
     EXPECT_EQ(LastStatus(), "Done.");
@@ -111,10 +121,17 @@ TEST_F(PublishRun, SendsTheFileAsItLiesUnderItsName)
     ASSERT_EQ(uploads.size(), 1u);
     EXPECT_EQ(Narrow(uploads[0].Arguments[0]), "https://api.flickr.com/services/upload/");
     EXPECT_EQ(Narrow(uploads[0].Arguments[2]), "POST");
-    EXPECT_EQ(Narrow(uploads[0].Arguments[5]), "async=1&title=A title&tags=\"a\" \"b c\"&is_public=3&is_friend=0&"
-                                               "is_family=0&safety_level=3&content_type=1&hidden=1");
+    std::string fields = Narrow(uploads[0].Arguments[5]);
+    EXPECT_EQ(fields, "async=1&title=A title&tags=\"a\" \"b c\"&is_public=3&is_friend=4294967295&is_family=0&"
+                      "safety_level=3&content_type=5&hidden=2");
+    std::ranges::replace(fields, '&', '\n');
+    const std::string body = fields + "\n" + std::string(JpegBytes);
+    EXPECT_THAT(Fixture.Web.Bodies, ElementsAre(body)) << "what is signed is what is sent";
+    EXPECT_EQ(Narrow(uploads[0].Arguments[3]),
+              "Content-Type=multipart/form-data; boundary=fake&Content-Length=" + std::to_string(body.size()));
     const auto parts = Fixture.Web.CallsOf("AddFilePart");
     EXPECT_EQ(Narrow(parts.at(0).Arguments[0]), "photo");
+    EXPECT_EQ(Narrow(parts.at(0).Arguments[2]), "image/jpeg");
     EXPECT_EQ(Narrow(parts.at(0).Arguments[3]), "photo.jpg");
     EXPECT_THAT(Fixture.Web.Operations(), ElementsAreArray(Lines{"Create IOAuthWebClient",
                                                                  "SetService",
@@ -159,14 +176,21 @@ TEST_F(PublishRun, FailsTheItemByTheCodeOfTheCallThatFailed)
     for (size_t call = 1; call <= operations.size(); ++call)
     {
         const std::string &operation = operations[call - 1];
-        if (operation == "GetMimeTypeForFile" || operation == "GetBodyLength")
-        {
-            continue;
-        }
+        // A picture goes without its type, and a length that was told counts, whatever the result.
+        const bool isIgnored = operation == "GetMimeTypeForFile" || operation == "GetBodyLength";
         Fixture.Record.Clear();
         Fixture.Web.ForgetCalls();
         Fixture.Web.FailCall(call, 0x80031234);
+        if (isIgnored)
+        {
+            Fixture.Web.Answer(OkReply);
+        }
         Publish();
+        if (isIgnored)
+        {
+            EXPECT_THAT(Log("error"), testing::IsEmpty()) << operation;
+            continue;
+        }
         const bool isSwallowed = operation == "Create IOAuthWebClient" || operation == "SetService" ||
                                  operation == "SetAccessToken" || operation == "Create IMultipartFormData";
         EXPECT_THAT(Log("error"),
@@ -176,6 +200,26 @@ TEST_F(PublishRun, FailsTheItemByTheCodeOfTheCallThatFailed)
         EXPECT_EQ(Fixture.Web.Operations().size(), call) << operation;
         EXPECT_EQ(LastState(), "3");
         EXPECT_EQ(LastStatus(), "Done.");
+    }
+    Fixture.Record.Clear();
+    Fixture.Web.BodyLength = 0;
+    Fixture.Web.FailOperation("GetBodyLength", 0x80031234);
+    Publish();
+    EXPECT_THAT(Log("error"), ElementsAre(testing::HasSubstr("0x80031234")));
+}
+
+// A file without a title is named after itself, unless nothing of it could be read.
+TEST_F(PublishRun, SendsNoTextOfAPictureWhoseMetadataCannotBeRead)
+{
+    AddPictures(1);
+    for (const HRESULT result : {S_OK, E_FAIL})
+    {
+        Fixture.Host->Metadata->Result = result;
+        Fixture.Web.ForgetCalls();
+        Fixture.Web.Answer(OkReply);
+        Publish();
+        EXPECT_THAT(Narrow(Fixture.Web.CallsOf("UploadRequest").at(0).Arguments[5]),
+                    testing::StartsWith(result == S_OK ? "title=p0" : "is_public="));
     }
 }
 
@@ -251,6 +295,7 @@ TEST_F(PublishRun, ChecksWhatAFileReallyIs)
         if (c.isSent)
         {
             EXPECT_EQ(Fixture.Web.FileParts.back(), c.content) << "rewound after the check";
+            EXPECT_EQ(Narrow(Fixture.Web.CallsOf("AddFilePart").at(0).Arguments[3]), "x." + Narrow(c.extension));
         }
     }
 }
@@ -297,13 +342,55 @@ TEST_F(PublishRun, TellsOfAFileThatIsNoJpegInEveryMode)
     // As a processed picture it is uploaded by the settings of JPEG files, if the host can read it.
     Fixture.Record.Clear();
     Fixture.Settings.Set(TEXT("JPEGMode"), 2);
-    Fixture.Settings.Set(TEXT("JPEGWriteGPS"), UINT32{0});
-    Fixture.Settings.Set(TEXT("RAWWriteEXIF"), UINT32{0});
     Fixture.Web.Answer(OkReply);
     Publish();
     EXPECT_THAT(Log("error"), testing::IsEmpty());
-    EXPECT_THAT(Fixture.Imaging.Calls.DetailsOf("WriteImageMetadata"),
-                ElementsAre(testing::StartsWith("1100011 ")));
+    EXPECT_EQ(Narrow(Fixture.Web.CallsOf("AddFilePart").at(0).Arguments[3]), "x.jpg");
+}
+
+// Each switch alone is on, for one kind of file, and all others of that kind are off; for the other kind of file
+// it is the other way round.
+TEST_F(PublishRun, SendsWhatTheSettingsOfItsKindOfFileAllow)
+{
+    static constexpr const WCHAR *Switches[] = {TEXT("WriteCopyright"), TEXT("WriteEXIF"), TEXT("WriteXMP"),
+                                                TEXT("WriteGPS"),       TEXT("WriteIPTC"), TEXT("Minimize")};
+    const struct
+    {
+        const WCHAR *settings, *others, *extension, *size;
+        const char *picture, *resolution;
+    } kinds[] = {
+        {TEXT("JPEG"), TEXT("RAW"), TEXT("jpg"), TEXT("8 in"), "with picture of 2455", " at 307x307"},
+        {TEXT("RAW"), TEXT("JPEG"), TEXT("nef"), TEXT("40 in"), "with picture of 7200", " at 180x180"},
+    };
+    Fixture.Settings.Set(TEXT("JPEGMode"), 2);
+    for (const auto &kind : kinds)
+    {
+        Fixture.Settings.Set((WideText(kind.settings) + TEXT("LongDimension")).c_str(), kind.size);
+    }
+    for (const auto &kind : kinds)
+    {
+        for (size_t on = 0; on < std::size(Switches); ++on)
+        {
+            for (const WCHAR *const &name : Switches)
+            {
+                const bool isOn = name == Switches[on];
+                Fixture.Settings.Set((WideText(kind.settings) + name).c_str(), UINT32{isOn});
+                Fixture.Settings.Set((WideText(kind.others) + name).c_str(), UINT32{!isOn});
+            }
+            Fixture.Host->Items.clear();
+            Fixture.AddItem("p", kind.extension, JpegBytes);
+            Fixture.Imaging.Calls.Reset();
+            Fixture.Web.Answer(OkReply);
+            Publish();
+            std::string flags = on < 5 ? "0000011" : "0000001";
+            flags[on] = on < 5 ? '1' : flags[on];
+            EXPECT_THAT(Fixture.Imaging.Calls.DetailsOf("WriteImageMetadata"),
+                        ElementsAre(testing::StartsWith(flags + " 800x600" + kind.resolution)));
+            EXPECT_THAT(Fixture.Imaging.Calls.DetailsOf("ReadImageMetadata"), ElementsAre(kind.picture));
+            EXPECT_THAT(Fixture.Imaging.Calls.DetailsOf("Options.Write"),
+                        ElementsAre(testing::EndsWith(on == 5 ? "VT_UI1=1" : "VT_UI1=3")));
+        }
+    }
 }
 
 // A picture of the same name may be another one when it is read again.
@@ -342,7 +429,9 @@ TEST_F(PublishRun, EndsWithoutAList)
 
     Fixture.Host->ListResult = S_OK;
     Fixture.Host->ListCanBeLocked = false;
+    Fixture.Record.Clear();
     Publish();
+    EXPECT_THAT(Log("fatal"), ElementsAre("Could not retrieve the list of images to be published."));
     EXPECT_EQ(LastStatus(), "Error.");
     EXPECT_EQ(LastState(), "2");
 }
@@ -419,6 +508,21 @@ TEST_F(PublishRun, MovesTheBarByWholePercents)
     };
     Publish();
     EXPECT_THAT(Fixture.Record.LinesOf("bar position "), ElementsAre("0", "0", "1", "75", "50", "100"));
+    EXPECT_THAT(Fixture.Record.LinesOf("status "),
+                ElementsAre("Checking connectivity...", "Publishing...", "Estimating remaining time...",
+                            "Estimated time left: less than one minute.", "Done."));
+
+    // A text is written when it changes, and at the first report of each upload.
+    Fixture.Record.Clear();
+    Fixture.Web.DuringUpload = nullptr;
+    Fixture.Web.Answer(OkReply);
+    Publish();
+    EXPECT_THAT(Fixture.Record.LinesOf("status "),
+                testing::Contains("Estimated time left: less than one minute."));
+
+    Fixture.Record.Clear();
+    EXPECT_EQ(Plugin.As<IUploadProgressCallback>()->OnUploadProgress(UPLOAD_BYTES, 2, 1), S_OK);
+    EXPECT_TRUE(Fixture.Record.Lines().empty()) << "after the run the windows are the host's alone";
 }
 
 TEST_F(PublishRun, NeedsBothWindows)

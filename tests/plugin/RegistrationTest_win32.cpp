@@ -313,8 +313,10 @@ TEST_F(Registration, AFailingScriptLeavesLocaleAndMappingAsTheyWere)
             return FailingRegistrar::CreateInstance(nullptr, iid, object, seen);
         });
         EXPECT_EQ(copy.Install(true, TEXT("User")), E_ACCESSDENIED);
+        EXPECT_EQ(copy.Call("DllUnregisterServer"), E_ACCESSDENIED) << "though the last step succeeds";
     }
-    EXPECT_EQ(seen, (std::vector<std::string>{"apply 100 user", "apply 102 user", "revert 102", "revert 100"}));
+    EXPECT_EQ(seen, (std::vector<std::string>{"apply 100 user", "apply 102 user", "revert 102", "revert 100",
+                                              "revert 102", "revert 100"}));
     EXPECT_EQ(GetThreadLocale(), 0x407u);
     SetThreadLocale(before);
     UserClasses.Remove("Halvora.Test.Mark");

@@ -54,7 +54,7 @@ TEST(OutputSize, HasOneDisplayFormAndOneValueForEachWayOfWritingIt)
         {English(), TEXT("0.4"), TEXT("0 px"), 0, 300, UNIT_PIXELS},
         {English(), TEXT("1024"), TEXT("1,024 px"), 1024, 300, UNIT_PIXELS},
         {English(), TEXT("1024px"), TEXT("1,024 px"), 1024, 300, UNIT_PIXELS},
-        {English(), TEXT("1,024 PIXELS"), TEXT("1,024 px"), 1024, 300, UNIT_PIXELS},
+        {English(), TEXT("1,000,000 PIXELS"), TEXT("1,000,000 px"), 1000000, 300, UNIT_PIXELS},
         {English(), TEXT("1024 x 768"), TEXT("1,024 px"), 1024, 300, UNIT_PIXELS},
         {English(),
          TEXT("\t1 0\x00a0"

@@ -299,7 +299,6 @@ TEST_F(TaskDialogDocuments, LeaveNothingBehindForTheNext)
         EXPECT_EQ(m_document.marqueeTime, 0);
         EXPECT_EQ(config.cbSize, 160u);
     }
-    EXPECT_FALSE(m_document.LoadFromResource(999, TEXT("TDXML"), ThisModule()));
     EXPECT_EQ(m_document.selectedButton, 5);
     EXPECT_EQ(m_document.dialogWindow, reinterpret_cast<HWND>(7));
 }
@@ -326,7 +325,14 @@ TEST_F(TaskDialogDocuments, AskBeforeTheBrowserAndWaitForTheUser)
     EXPECT_EQ(Text(config.pszWindowTitle), TEXT("Authorization Completion"));
     EXPECT_EQ(Buttons(config.pButtons, config.cButtons), TEXT("1:Authorization Granted"));
     EXPECT_EQ(config.dwCommonButtons, TDCBF_CANCEL_BUTTON);
+    EXPECT_EQ(config.dwFlags, TDF_POSITION_RELATIVE_TO_WINDOW);
+    EXPECT_EQ(config.cxWidth, 215u);
     EXPECT_EQ(+config.pszExpandedInformation, nullptr);
+
+    // A resource that isn't there leaves none of this.
+    EXPECT_FALSE(m_document.LoadFromResource(999, TEXT("TDXML"), ThisModule()));
+    EXPECT_EQ(+config.pszWindowTitle, nullptr);
+    EXPECT_FALSE(m_document.loaded);
 }
 
 // A window in place of the dialog that records the messages sent to it.

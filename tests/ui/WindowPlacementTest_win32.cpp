@@ -70,10 +70,4 @@ TEST(Windows, AreShiftedAndEnlargedInTheirParent)
     EXPECT_EQ(place.right - place.left, 111);
     EXPECT_EQ(place.bottom - place.top, 50);
 }
-
-TEST(Windows, OfThisSystemHaveVisibleFrames)
-{
-    EXPECT_TRUE(IsVistaOrLater());
-    EXPECT_TRUE(IsVistaOrLater());
-}
 } // namespace

@@ -11,7 +11,6 @@
 namespace
 {
 using testing::HasSubstr;
-using testing::Not;
 
 std::string ReadAll(IStream *stream, ULONG chunk, HRESULT *result = nullptr)
 {
@@ -93,7 +92,6 @@ TEST_F(MultipartFormTest, FileNameIsQuotedAndWithoutFolders)
                   S_OK);
         const auto text = ReadAll(QueryFor<IStream>(static_cast<IMultipartFormData *>(one.Get())).Get(), 4096);
         EXPECT_THAT(text, HasSubstr("filename=" + std::string(expected) + "\r\n"));
-        EXPECT_THAT(text, Not(HasSubstr("me/")));
     }
 }
 

@@ -235,6 +235,7 @@ TEST_F(OAuthWebClientTest, AuthorizationTradesItsTokens)
     ASSERT_EQ(m_client->GetAccessToken(0, TEXT("ver/1"), token.Put(), secret.Put()), S_OK);
     EXPECT_EQ(Utf8FromWide(token.View()), "acc");
     EXPECT_EQ(Utf8FromWide(secret.View()), "accs!");
+    EXPECT_EQ(m_client->GetAccessToken(0, TEXT("v"), token.Put(), secret.Put()), E_UNEXPECTED) << "it is used up";
 
     const auto &requests = m_transport->requests;
     ASSERT_EQ(requests.size(), 2u);

@@ -1,28 +1,19 @@
-// Uploads while they run: progress, the caller's stop, stalls, limits, and memory.
+// Uploads while they run: the caller's stop, connecting, and memory.
 #include "tests/webclient/ScriptedStream.h"
 #include "tests/webclient/ServiceFixture.h"
 
 #include <chrono>
 #include <cstdio>
-#include <thread>
 
 namespace
 {
 using testing::HasSubstr;
 using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
 
 constexpr UINT32 ThirtyMegabytes = 30'000'000;
 
 class UploadTransferTest : public ServiceFixture
 {
-protected:
-    // Takes the head of each request and nothing of its body.
-    static void TakeNothing(Conversation &conversation)
-    {
-        conversation.ReadHead();
-        conversation.WaitForEnd();
-    }
 };
 
 TEST_F(UploadTransferTest, FailingAnswerEndsTheTransferWithItsCode)
@@ -42,55 +33,6 @@ TEST_F(UploadTransferTest, FailingAnswerEndsTheTransferWithItsCode)
     EXPECT_EQ(Upload(client.Get(), ScriptedStream::MakeEndless(10).Get(), 10, never.Get()).result, E_ABORT);
     EXPECT_EQ(never->entries.size(), 1u);
     EXPECT_LE(server.Connections(), 1);
-}
-
-TEST_F(UploadTransferTest, StopReachesATransferThatStands)
-{
-    StartServer(TakeNothing);
-    int repeats = 0;
-    UINT32 last = 0;
-    const auto progress = RecordedProgress::Make([&](const RecordedProgress::ProgressEntry &entry) {
-        // What the socket took of a first piece may not count yet.
-        repeats = entry.code == UPLOAD_BYTES && entry.done == last ? repeats + 1 : 0;
-        last = entry.done;
-        return repeats == 2 ? E_ABORT : S_OK;
-    });
-    const auto start = Clock::now();
-    const UploadOutcome outcome = Upload(Client().Get(), ScriptedStream::MakeEndless(ThirtyMegabytes).Get(),
-                                         ThirtyMegabytes, progress.Get());
-    EXPECT_EQ(outcome.result, E_ABORT);
-    EXPECT_LT(Clock::now() - start, 20s);
-}
-
-TEST_F(UploadTransferTest, LimitsEndWhatDoesNotMove)
-{
-    TransportLimits limits;
-    limits.stall = 700ms;
-    limits.answer = 700ms;
-    StartServer(TakeNothing);
-    const UploadOutcome stalled = Upload(ClientWithLimits(limits).Get(),
-                                         ScriptedStream::MakeEndless(ThirtyMegabytes).Get(), ThirtyMegabytes);
-    EXPECT_EQ(stalled.result, static_cast<HRESULT>(0x80072EE2));
-    EXPECT_EQ(stalled.Text("/HttpError/Status"), "Transfer stalled");
-
-    StartServer([](Conversation &conversation) {
-        conversation.ReadRequest();
-        conversation.WaitForEnd();
-    });
-    const UploadOutcome unanswered =
-        Upload(ClientWithLimits(limits).Get(), ScriptedStream::MakeEndless(1000).Get(), 1000);
-    EXPECT_EQ(unanswered.result, static_cast<HRESULT>(0x80072EE2));
-    EXPECT_THAT(unanswered.Description(), HasSubstr("the picture may or may not have arrived"));
-    EXPECT_EQ(m_server->Requests().size(), 1u);
-
-    // While the service thinks, nothing moves: that is no stall.
-    limits.answer = 20s;
-    StartServer([](Conversation &conversation) {
-        conversation.ReadRequest();
-        std::this_thread::sleep_for(2500ms);
-        conversation.WriteReply(200, "OK", HttpTestServer::Success);
-    });
-    EXPECT_EQ(Upload(ClientWithLimits(limits).Get(), ScriptedStream::MakeEndless(1000).Get(), 1000).result, S_OK);
 }
 
 TEST_F(UploadTransferTest, ConnectingHasALimit)
