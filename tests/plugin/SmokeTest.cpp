@@ -86,27 +86,3 @@ TEST(Smoke, AnswersScriptsFromTheTypeLibrary)
     EXPECT_EQ(plugin->Invoke(99, IID{}, 0x409, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr),
               DISP_E_MEMBERNOTFOUND);
 }
-
-TEST(Smoke, RegistersTheClassForCoCreateInstance)
-{
-    RegisterSystemModules();
-    const HMODULE module = LoadLibraryW(std::filesystem::path(HALVORA_MODULE).string<WCHAR>().c_str());
-    ASSERT_NE(module, nullptr);
-    const auto registerServer = Exported<HRESULT STDAPICALLTYPE()>(module, "DllRegisterServer");
-    const auto unregisterServer = Exported<HRESULT STDAPICALLTYPE()>(module, "DllUnregisterServer");
-    ASSERT_TRUE(registerServer && unregisterServer);
-    ASSERT_EQ(registerServer(), S_OK);
-    CLSID named{};
-    EXPECT_EQ(CLSIDFromProgID(TEXT("Halvora.Publishing.Plugin.Flickr"), &named), S_OK);
-    EXPECT_TRUE(named == CLSID_FlickrPublisher);
-    ComPtr<IHalvoraPublishingPlugin> plugin;
-    EXPECT_EQ(CoCreateInstance(CLSID_FlickrPublisher, nullptr, CLSCTX_ALL, __uuidof(IHalvoraPublishingPlugin),
-                               plugin.PutVoid()),
-              S_OK);
-    plugin.Reset();
-    EXPECT_EQ(unregisterServer(), S_OK);
-    EXPECT_EQ(CoCreateInstance(CLSID_FlickrPublisher, nullptr, CLSCTX_ALL, __uuidof(IHalvoraPublishingPlugin),
-                               plugin.PutVoid()),
-              REGDB_E_CLASSNOTREG);
-    EXPECT_EQ(unregisterServer(), S_OK) << "nothing left to remove";
-}
