@@ -227,6 +227,13 @@ TEST(AuthorizationFlow, EndsAsEachOutcomeOfItsStepsSays)
                           c.pair == Pair::New || (c.pair == Pair::Unchanged && wasAuthorized));
                 EXPECT_EQ(attempt.Record.LinesOf("error "), ExpectedErrors(c.message, c.result));
                 EXPECT_EQ(attempt.Record.LinesOf("lock").size(), attempt.Record.LinesOf("unlock").size());
+                if (c.result == S_FALSE)
+                {
+                    const bool isAtOnce = attempt.Record.Lines().size() == 1;
+                    EXPECT_EQ(attempt.Record.Lines().back(), isAtOnce ? "consent" : "unlock") << "nothing follows";
+                    EXPECT_EQ(attempt.Web.CallsOf("Create IRequestParameters").size(), isAtOnce ? 0u : 1u);
+                    EXPECT_EQ(attempt.Web.CallsOf("GetAccessToken").size(), 0u);
+                }
             }
             EXPECT_EQ(ModuleLocks::Read(), objects) << "objects left behind";
         }
@@ -257,25 +264,6 @@ TEST(AuthorizationFlow, TakesItsStepsInOrder)
     EXPECT_EQ(pairs[2].Arguments, (std::vector<WideText>{TEXT("access-token"), TEXT("access-secret")}));
     EXPECT_EQ(Narrow(attempt.Account.UserName.View()), "jdoe");
     EXPECT_EQ(Narrow(attempt.Account.AccountType.View()), "Pro");
-}
-
-TEST(AuthorizationFlow, DoesNothingBehindARefusedConsent)
-{
-    Attempt attempt(true);
-    attempt.Interaction.ConsentOutcome = IDCANCEL;
-    EXPECT_EQ(attempt.Run(), S_FALSE);
-    EXPECT_EQ(attempt.Record.Lines(), (std::vector<std::string>{"consent"}));
-    EXPECT_TRUE(attempt.Web.CallsOf("Create IRequestParameters").empty());
-}
-
-TEST(AuthorizationFlow, DoesNothingBehindARefusedCompletion)
-{
-    Attempt attempt(true);
-    attempt.Interaction.CompletionOutcome = IDCANCEL;
-    EXPECT_EQ(attempt.Run(), S_FALSE);
-    EXPECT_EQ(attempt.Record.Lines().back(), "unlock") << "nothing was asked of the endpoint";
-    EXPECT_TRUE(attempt.Web.CallsOf("GetAccessToken").empty());
-    EXPECT_TRUE(attempt.Web.CallsOf("RestRequest").empty());
 }
 
 TEST(AuthorizationFlow, LeavesAnEmptyVerifierToTheService)

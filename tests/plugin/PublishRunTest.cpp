@@ -133,6 +133,7 @@ TEST_F(PublishRun, SendsTheFileAsItLiesUnderItsName)
     EXPECT_EQ(Narrow(parts.at(0).Arguments[0]), "photo");
     EXPECT_EQ(Narrow(parts.at(0).Arguments[2]), "image/jpeg");
     EXPECT_EQ(Narrow(parts.at(0).Arguments[3]), "photo.jpg");
+    EXPECT_EQ(Narrow(parts.at(0).Arguments[4] + parts.at(0).Arguments[5]), "00");
     EXPECT_THAT(Fixture.Web.Operations(), ElementsAreArray(Lines{"Create IOAuthWebClient",
                                                                  "SetService",
                                                                  "SetAccessToken",

@@ -158,15 +158,6 @@ TEST_F(HttpTransportTest, RequestsWithoutABodyHaveNone)
     EXPECT_THAT(post, HasSubstr("Content-Length: 0\r\n"));
 }
 
-TEST_F(HttpTransportTest, LongBodyPassesOnWithItsProgress)
-{
-    CountedBody body(20'000'000);
-    EXPECT_EQ(Send("measure", &body).reply.body, "20000000");
-    EXPECT_GT(body.reports.size(), 5u);
-    EXPECT_TRUE(std::is_sorted(body.reports.begin(), body.reports.end()));
-    EXPECT_EQ(body.reports.back(), body.Length());
-}
-
 TEST_F(HttpTransportTest, AnswersAreTakenAndNotActedOn)
 {
     const struct

@@ -208,7 +208,7 @@ class Finder:
             other = f'({text}) + 1'
         else:
             return
-        if text not in (other, 'nullptr', '{}', '*this'):
+        if text not in (other, 'nullptr', '{}', 'std::nullopt', '*this'):
             self.add(*span, other, 'return value replaced')
 
     def swap(self, first, second, kind):
