@@ -103,6 +103,8 @@ TEST_F(PictureDecoding, DamageIsToldWhereverItIs)
         EXPECT_EQ(code, WINCODEC_ERR_BADIMAGE) << place;
         EXPECT_THAT(words, HasSubstr("is damaged")) << place;
     }
+    EXPECT_EQ(FailureOf(m_folder.Write("cut.jpg", whole.substr(0, whole.size() / 2))).first,
+              WINCODEC_ERR_BADIMAGE);
     // All pixels are there.
     ExpectQuarters(DecodePicture(m_folder.Write("endless.jpg", whole.substr(0, whole.size() - 2)), 0, nullptr),
                    {Red, Green, Blue, White}, 40);

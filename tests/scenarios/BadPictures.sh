@@ -48,7 +48,7 @@ patched spoiled.jpg $((size / 2)) '\x5a\xff\xc9\x17\xff\x80'
 : >empty.jpg
 cp "$work/plain.png" png.jpg
 cp good.jpg jpeg.png
-cp good.jpg camera.nef
+cp good.jpg noraw.nef
 cp "$work/plain.tif" tiff.jpg
 head -c 33 "$work/plain.png" >cut-png.jpg
 
@@ -76,7 +76,7 @@ endless.jpg      up                         up                         up
 spoiled.jpg      up                         copy_the_file_again        copy_the_file_again
 exifcut.jpg      up                         up                         up
 jpeg.png         up                         up                         up
-camera.nef       up                         up                         up
+noraw.nef        up                         up                         up
 png.jpg          up                         not_what_it_appears_to_be  up
 tiff.jpg         not_what_it_appears_to_be  not_what_it_appears_to_be  up
 empty.jpg        copy_it_again              copy_it_again              copy_it_again
