@@ -36,25 +36,13 @@ void LockToolkit(void *, bool lock)
 
 // exiv2 wants its XMP toolkit started before a second thread uses it, and speaks on stderr by itself. Of files
 // made of boxes (HEIF, AVIF, CR3) it reads nothing, and reports no failure, unless told to.
-class Library
-{
-public:
-    Library()
-    {
-        Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
-        Exiv2::enableBMFF();
-        Exiv2::XmpParser::initialize(LockToolkit, nullptr);
-        // Known to the toolkit alone, so that the property's key would be refused.
-        Exiv2::XmpProperties::registerNs("http://ns.adobe.com/xmp/note/", "xmpNote");
-    }
-    ~Library() { Exiv2::XmpProperties::unregisterNs(); }
-    Library(const Library &) = delete;
-    Library &operator=(const Library &) = delete;
-};
-
 void StartLibraryOnce()
 {
-    static const Library Started;
+    static const bool Started = [] {
+        Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
+        Exiv2::enableBMFF();
+        return Exiv2::XmpParser::initialize(LockToolkit, nullptr);
+    }();
     static_cast<void>(Started);
 }
 
@@ -257,7 +245,9 @@ MetadataSnapshot ReadGroups(const Exiv2::Image &image, const MetadataBlocks &blo
 // Adds the properties that a JPEG file's further packet holds.
 void AddExtendedXmp(const std::filesystem::path &file, Exiv2::XmpData &xmp)
 {
-    const auto identifier = xmp.findKey(Exiv2::XmpKey("Xmp.xmpNote.HasExtendedXMP"));
+    // By its name alone: the library makes no key of a prefix that it hasn't read yet.
+    const auto identifier = std::find_if(
+        xmp.begin(), xmp.end(), [](const Exiv2::Xmpdatum &datum) { return datum.tagName() == "HasExtendedXMP"; });
     if (identifier == xmp.end())
     {
         return;
