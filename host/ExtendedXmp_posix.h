@@ -1,5 +1,5 @@
 // Extended XMP of JPEG files: what doesn't fit into the main packet's segment lies in further ones, cut into parts,
-// and the metadata library leaves it alone (XMP Specification Part 3, 1.1.3.1).
+// and the metadata library leaves it alone (the XMP standard on storage in files, 1.1.3.1).
 #pragma once
 
 #include <filesystem>
