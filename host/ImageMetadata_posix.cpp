@@ -36,13 +36,24 @@ void LockToolkit(void *, bool lock)
 
 // exiv2 wants its XMP toolkit started before a second thread uses it, and speaks on stderr by itself. Of files
 // made of boxes (HEIF, AVIF, CR3) it reads nothing, and reports no failure, unless told to.
-void StartLibraryOnce()
+class Library
 {
-    static const bool Started = [] {
+public:
+    Library()
+    {
         Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
         Exiv2::enableBMFF();
-        return Exiv2::XmpParser::initialize(LockToolkit, nullptr);
-    }();
+        Exiv2::XmpParser::initialize(LockToolkit, nullptr);
+    }
+    // It registers each namespace that it meets, and frees none by itself.
+    ~Library() { Exiv2::XmpProperties::unregisterNs(); }
+    Library(const Library &) = delete;
+    Library &operator=(const Library &) = delete;
+};
+
+void StartLibraryOnce()
+{
+    static const Library Started;
     static_cast<void>(Started);
 }
 
