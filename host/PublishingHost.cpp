@@ -159,13 +159,6 @@ STDMETHODIMP PublishingHost::ReadImageMetadata(LPCWSTR path, INT32, INT32 longEd
                  "This system's imaging component can't read the metadata of JPEG files: texts in "
                  "them aren't used, and pictures are taken as they lie.");
         }
-        if (LacksItsEndAlone(file))
-        {
-            Tell(LOG_LEVEL_WARNING, ShownPath(file) +
-                                        " lacks the marker that ends a JPEG file, as if its last bytes "
-                                        "were lost. All of its pixels are there, so it is published, "
-                                        "with the marker.");
-        }
         ImageTexts texts;
         const auto groups = std::make_shared<MetadataSnapshot>();
         const HRESULT read = ReadMetadata(file, texts, groups.get());
@@ -206,6 +199,14 @@ STDMETHODIMP PublishingHost::WriteImageMetadata(IWICMetadataQueryWriter *writer,
         return E_INVALIDARG;
     }
     return AtBoundary([&] {
+        // Not for a file that is sent as it is: it isn't changed, and looking into it takes time.
+        if (LacksItsEndAlone(m_lastRead))
+        {
+            Tell(LOG_LEVEL_WARNING, ShownPath(m_lastRead) +
+                                        " lacks the marker that ends a JPEG file, as if its last bytes "
+                                        "were lost. All of its pixels are there, so it is published, "
+                                        "with the marker.");
+        }
         const MetadataSupport support = m_support();
         const NewFrame frame = processed != 0                           ? NewFrame::Processed
                                : support.copies == CopiedMetadata::None ? NewFrame::Intact
