@@ -26,7 +26,7 @@ public:
     // Copies the controls to the fields. A size text that is too long is cut, with a beep and the focus on it.
     void Take(IPageControls &controls);
 
-    // Writes the Flags as they are and the size in its display form.
+    // Writes the flags as they are and the size in its display form.
     void Save(const SettingsWriter &writer);
 
 private:
