@@ -15,11 +15,11 @@ namespace loopback
 namespace
 {
 
-constexpr char Style[] = R"(
+const std::string Style = R"(
 header{display:flex;flex-wrap:wrap;gap:.4rem 1.5rem;align-items:baseline;padding:1.4rem max(1.2rem,calc(50vw - 36rem));
 border-bottom:1px solid var(--line);background:var(--card)}
 h1{font-size:1.35rem;margin:0;letter-spacing:-.01em}h1 i{font-style:normal;color:var(--pink)}
-header p{margin:0;color:var(--soft)}
+header p{margin:0;color:var(--soft)}header .demo{flex-basis:100%;font-size:.87rem}
 main{padding:1.6rem max(1.2rem,calc(50vw - 36rem)) 4rem}
 .grid{display:grid;grid-template-columns:repeat(auto-fill,minmax(17.5rem,1fr));gap:1.3rem}
 .card{background:var(--card);border:1px solid var(--line);border-radius:12px;overflow:hidden;box-shadow:var(--shade);
@@ -72,11 +72,6 @@ const char *Audience(const PhotoRecord &photo)
 std::string TimeText(std::int64_t unixSeconds)
 {
     return fmt::format("{:%Y-%m-%d %H:%M}", fmt::localtime(static_cast<std::time_t>(unixSeconds)));
-}
-
-std::string Frame(const std::string &title, const std::string &heading, const std::string &main)
-{
-    return PageFrame({title, Style, heading, main});
 }
 
 std::string TagsHtml(const PhotoRecord &photo)
@@ -143,6 +138,16 @@ std::string UploadTable(const PhotoRecord &photo, const PhotoFacts &facts)
 
 } // namespace
 
+std::string GalleryFrame(const std::string &title, const std::string &heading, const std::string &main,
+                         const std::string &style)
+{
+    return PageFrame({title, Style + style,
+                      heading +
+                          "<p class=\"demo\">A demonstration: <b>flickr-loopback</b> shows this page, on your own "
+                          "computer. Nothing here has left it.</p>",
+                      main});
+}
+
 std::string SizeText(std::int64_t bytes)
 {
     return bytes < 1000        ? fmt::format("{} bytes", bytes)
@@ -183,10 +188,10 @@ std::string OverviewPage(const Account &account, const std::vector<PhotoRecord> 
                     "<p><a href=\"/compare\">Compare uploads</a></p>",
                     EscapeHtml(account.fullName), EscapeHtml(account.userName), account.isPro ? "Pro" : "Basic",
                     photos.size(), photos.size() == 1 ? "photo" : "photos", SizeText(bytes));
-    return Frame(account.fullName + "’s photos", heading,
-                 photos.empty() ? "<div class=\"empty\"><h2>Nothing published yet</h2>"
-                                  "<p>Pictures appear here as soon as they are uploaded.</p></div>"
-                                : "<div class=\"grid\">" + cards + "</div>");
+    return GalleryFrame(account.fullName + "’s photos", heading,
+                        photos.empty() ? "<div class=\"empty\"><h2>Nothing published yet</h2>"
+                                         "<p>Pictures appear here as soon as they are uploaded.</p></div>"
+                                       : "<div class=\"grid\">" + cards + "</div>");
 }
 
 std::string PhotoPage(const PhotoRecord &photo, const PhotoFacts &facts)
@@ -213,14 +218,14 @@ std::string PhotoPage(const PhotoRecord &photo, const PhotoFacts &facts)
                     "<section class=\"groups\" aria-label=\"Metadata in the file\">{6}</section>",
                     photo.id, PictureHtml(photo), TitleHtml(photo), DescriptionHtml(photo), TagsHtml(photo),
                     UploadTable(photo, facts), groups);
-    return Frame(photo.title.empty() ? "Photo " + std::to_string(photo.id) : photo.title,
-                 "<h1><a href=\"/\">← All photos</a></h1>", main);
+    return GalleryFrame(photo.title.empty() ? "Photo " + std::to_string(photo.id) : photo.title,
+                        "<h1><a href=\"/\">← All photos</a></h1>", main);
 }
 
 std::string MissingPage()
 {
-    return Frame("Not found", "<h1><a href=\"/\">← All photos</a></h1>",
-                 "<div class=\"empty\"><h2>Nothing is here</h2></div>");
+    return GalleryFrame("Not found", "<h1><a href=\"/\">← All photos</a></h1>",
+                        "<div class=\"empty\"><h2>Nothing is here</h2></div>");
 }
 
 } // namespace loopback

@@ -16,6 +16,10 @@ namespace loopback
 
 using FactsOf = std::function<std::shared_ptr<const PhotoFacts>(const PhotoRecord &)>;
 
+// A page with the gallery's header; heading and main are HTML, `style` is CSS beyond the gallery's own.
+std::string GalleryFrame(const std::string &title, const std::string &heading, const std::string &main,
+                         const std::string &style = "");
+
 // A photo's title, or what the pages show for an untitled one; HTML.
 std::string TitleHtml(const PhotoRecord &photo);
 // The picture, or a placeholder if browsers can't show its format; HTML.

@@ -54,7 +54,7 @@ std::string PageFrame(const PageParts &parts)
     return "<!doctype html>\n<html lang=\"en\"><head><meta charset=\"utf-8\">"
            "<meta name=\"viewport\" content=\"width=device-width,initial-scale=1\">"
            "<link rel=\"icon\" href=\"data:,\"><title>" +
-           EscapeHtml(parts.title) + "</title><style>" + CommonStyle + std::string(parts.style) +
+           EscapeHtml(parts.title) + "</title><style>" + CommonStyle + parts.style +
            "</style></head>\n<body><header>" + parts.header + "</header>\n<main>" + parts.main +
            "</main></body></html>\n";
 }

@@ -17,7 +17,7 @@ struct PageParts
     // Plain text, not HTML.
     std::string title;
     // CSS; the colours are --page, --card, --ink, --soft, --line, --accent, --pink, --chip, --shade.
-    std::string_view style;
+    std::string style;
     // HTML.
     std::string header;
     std::string main;
