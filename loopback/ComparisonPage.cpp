@@ -23,7 +23,7 @@ th,td,td:first-child{padding:.45rem 1.1rem;border-top:1px solid var(--line);text
 thead th{vertical-align:bottom;border-top:0}
 th:first-child{width:9rem;font-weight:400;color:var(--soft)}
 .picture{display:block;aspect-ratio:3/2;background:var(--chip);border-radius:8px;overflow:hidden;margin-bottom:.5rem}
-.picture img,.picture video{width:100%;height:100%;object-fit:contain;display:block}
+.picture img{width:100%;height:100%;object-fit:contain;display:block}
 summary,details summary{padding:0;font-weight:400}.lost{color:var(--pink)}.soft{color:var(--soft)}
 details p{margin:.3rem 0;font-size:.82rem}
 @media(max-width:45rem){table{width:max-content}td,thead th{width:12.5rem;padding:.45rem .8rem}
@@ -36,13 +36,13 @@ constexpr std::array GroupNames = {"EXIF", "GPS", "IPTC", "XMP", "Comment"};
 struct Upload
 {
     const PhotoRecord *photo;
-    std::shared_ptr<const PhotoFacts> facts;
+    PhotoFacts facts;
 
     // The names of the group's entries.
     std::set<std::string> Keys(std::string_view group) const
     {
         std::set<std::string> keys;
-        for (const auto &[name, entries] : facts->groups)
+        for (const auto &[name, entries] : facts.groups)
         {
             for (const auto &entry : entries)
             {
@@ -80,7 +80,7 @@ std::string HeadRow(const std::vector<Upload> &uploads)
     {
         html += fmt::format("<th scope=\"col\" dir=\"auto\"><a class=\"picture\" href=\"/photo/{}\">{}</a>{}</th>",
                             photo->id, PictureHtml(*photo),
-                            photo->run.empty() ? "Upload without a name" : EscapeHtml(photo->run));
+                            photo->run.empty() ? "Upload without a name" : EscapeMarkup(photo->run));
     }
     return html + "</tr></thead>";
 }
@@ -91,7 +91,7 @@ std::string Missing(const std::set<std::string> &from, const std::set<std::strin
     std::string names;
     for (const auto &name : from)
     {
-        names += in.contains(name) ? "" : (names.empty() ? "" : ", ") + EscapeHtml(name);
+        names += in.contains(name) ? "" : (names.empty() ? "" : ", ") + EscapeMarkup(name);
     }
     return names.empty() ? "" : fmt::format("<p><b>{}</b> {}</p>", heading, names);
 }
@@ -122,14 +122,12 @@ std::string Section(const std::vector<Upload> &uploads, int number)
     const bool isMeasured = uploads.front().photo->run == Reference;
     std::string rows =
         Row("Size", uploads, [](const Upload &upload) { return SizeText(upload.photo->size); }) +
-        Row("Type", uploads, [](const Upload &upload) { return EscapeHtml(upload.photo->detectedType); }) +
+        Row("Type", uploads, [](const Upload &upload) { return EscapeMarkup(upload.photo->detectedType); }) +
         Row("Pixels", uploads,
-            [](const Upload &upload) {
-                return fmt::format("{} × {}", upload.facts->width, upload.facts->height);
-            }) +
+            [](const Upload &upload) { return fmt::format("{} × {}", upload.facts.width, upload.facts.height); }) +
         Row("Colour profile", uploads, [](const Upload &upload) {
-            return upload.facts->profileSize > 0 ? SizeText(static_cast<std::int64_t>(upload.facts->profileSize))
-                                                 : std::string("<span class=\"soft\">none in the file</span>");
+            return upload.facts.profileSize > 0 ? SizeText(static_cast<std::int64_t>(upload.facts.profileSize))
+                                                : std::string("<span class=\"soft\">none in the file</span>");
         });
     for (const std::string name : GroupNames)
     {
@@ -148,7 +146,7 @@ std::string Section(const std::vector<Upload> &uploads, int number)
         "<section class=\"panel\" aria-labelledby=\"title-{0}\"><h2 id=\"title-{0}\" dir=\"auto\">{1}</h2>"
         "<div class=\"wide\" role=\"region\" tabindex=\"0\" aria-labelledby=\"title-{0}\"><table>{2}"
         "<tbody>{3}</tbody></table></div></section>\n",
-        number, EscapeHtml(NameOf(*uploads.front().photo)), HeadRow(uploads), rows);
+        number, EscapeMarkup(NameOf(*uploads.front().photo)), HeadRow(uploads), rows);
 }
 
 } // namespace

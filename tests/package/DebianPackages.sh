@@ -48,7 +48,7 @@ CONTENT
 needs() { # PACKAGE NAME...
     local all name package=$1
     all=$(dpkg-deb --field "$package" Depends)
-    for name in "${@:2}"; do [[ ", $all," =~ ,\ $name[\ ,] ]] || fail "$package: no dependency on $name"; done
+    for name in "${@:2}"; do [[ ", $all," =~ ,\ ${name}[\ ,] ]] || fail "$package: no dependency on $name"; done
     [[ $all != *-dev* ]] || fail "$package: a dependency on what only building needs: $all"
     ! grep -q 'libasan\|libubsan' <<<"$all" || fail "$package: sanitizers in a package"
     apt-get install --simulate --no-install-recommends -q "$package" >"$work/apt" 2>&1 || {
@@ -57,8 +57,8 @@ needs() { # PACKAGE NAME...
     }
 }
 needs "$host" ca-certificates libc6 libcurl4 libexiv2-27 libicu72 libraw20 libssl3 libvips42 libxml2
-needs "$service" libc6 libcpp-httplib0.11 libexiv2-27 libsqlite3-0 libssl3 libxml2
-! grep -q 'libsqlite3\|httplib' <<<"$(dpkg-deb --field "$host" Depends)" || fail 'the program depends on what only the service needs'
+needs "$service" libc6 libexiv2-27 libmicrohttpd12 libsqlite3-0 libssl3
+! grep -q 'libsqlite3\|microhttpd' <<<"$(dpkg-deb --field "$host" Depends)" || fail 'the program depends on what only the service needs'
 promises=$(dpkg-deb --field "$host" Recommends Suggests)
 [ "$promises" = 'Recommends: xdg-utils, libproxy-tools, libproxy1-plugin-webkit
 Suggests: flickr-loopback' ] || fail "other promises: $promises"
