@@ -10,10 +10,12 @@
 #include "webclient/PercentEncoding.h"
 
 #include <cstdlib>
+#include <filesystem>
+#include <unistd.h>
 
 namespace
 {
-const char *TrustFile = "webclient-test-ca.pem";
+const std::string TrustFile = "webclient-test-ca." + std::to_string(getpid()) + ".pem"; // of this process alone
 } // namespace
 
 std::string UploadOutcome::Text(const char *path) const
@@ -35,9 +37,14 @@ void ServiceFixture::SetUpTestSuite()
     Authority().Save(TrustFile);
 }
 
+void ServiceFixture::TearDownTestSuite()
+{
+    std::filesystem::remove(TrustFile);
+}
+
 void ServiceFixture::SetUp()
 {
-    setenv("HALVORA_CA_FILE", TrustFile, 1);
+    setenv("HALVORA_CA_FILE", TrustFile.c_str(), 1);
 }
 
 void ServiceFixture::TearDown()

@@ -54,6 +54,7 @@ class ServiceFixture : public testing::Test
 {
 protected:
     static void SetUpTestSuite();
+    static void TearDownTestSuite();
     void SetUp() override;
     void TearDown() override;
 
