@@ -36,7 +36,7 @@ if(HALVORA_NATIVE)
   # with the system's loader.
   set(folder lib/halvora/modules)
   set(programs halvora flickr-loopback)
-  set(modules publisher web_components msxml windowscodecs platform winhttp)
+  set(modules publisher web_components msxml windowscodecs platform)
   install(TARGETS ${programs} RUNTIME DESTINATION bin)
   install(TARGETS ${modules} LIBRARY DESTINATION ${folder})
   set_target_properties(halvora PROPERTIES INSTALL_RPATH "$ORIGIN/../${folder}")
@@ -92,9 +92,9 @@ It comes with a photo service on this computer, to try everything without an
 account.")
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}/lib")
-  # CA certificates, which shlibdeps can't find. The browser and the desktop's proxy settings are optional.
+  # CA certificates, which shlibdeps can't find. The browser is optional.
   set(CPACK_DEBIAN_PACKAGE_DEPENDS "ca-certificates")
-  set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xdg-utils, libproxy-tools, libproxy1-plugin-webkit")
+  set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xdg-utils")
   set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 else()
   # Only those that this build makes.
