@@ -30,7 +30,7 @@ constexpr Row Rows[] = {
     {TransportProblem::ProxyRefused, InternetError(12029), "No connection",
      "The proxy {proxy} does not lead to {host}: it answered {status}."},
     {TransportProblem::CannotConnect, InternetError(12029), "No connection",
-     "The connection to {host} was refused, or no way leads there."},
+     "The connection to {host} was refused, or there is no route to it."},
     {TransportProblem::ConnectTimedOut, InternetError(12002), "No connection",
      "The connection to {host} timed out."},
     {TransportProblem::SendStalled, InternetError(12002), "Transfer stalled",
