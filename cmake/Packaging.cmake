@@ -38,7 +38,7 @@ if(HALVORA_NATIVE)
   # Not in lib or directly below it: only our programs use these libraries, and CPack would register them
   # with the system's loader.
   set(folder lib/halvora/modules)
-  set(modules publisher web_components msxml windowscodecs platform winhttp)
+  set(modules publisher web_components msxml windowscodecs platform)
   install(TARGETS halvora RUNTIME DESTINATION bin COMPONENT host)
   install(TARGETS ${modules} LIBRARY DESTINATION ${folder} COMPONENT host)
   install(TARGETS flickr-loopback RUNTIME DESTINATION bin COMPONENT service)
@@ -115,9 +115,9 @@ everything without an account.")
 Behaves on 127.0.0.1 as the photo service does on the Internet, for
 demonstrations, tests and experiments: it grants permissions, accepts
 uploads and shows them in a gallery. Nothing leaves the computer.")
-  # CA certificates, which shlibdeps can't find. The browser and the desktop's proxy settings are optional.
+  # CA certificates, which shlibdeps can't find. The browser is optional.
   set(CPACK_DEBIAN_HOST_PACKAGE_DEPENDS "ca-certificates")
-  set(CPACK_DEBIAN_HOST_PACKAGE_RECOMMENDS "xdg-utils, libproxy-tools, libproxy1-plugin-webkit")
+  set(CPACK_DEBIAN_HOST_PACKAGE_RECOMMENDS "xdg-utils")
   set(CPACK_DEBIAN_HOST_PACKAGE_SUGGESTS "flickr-loopback")
   set(CPACK_DEBIAN_SERVICE_PACKAGE_SUGGESTS "halvora")
 else()

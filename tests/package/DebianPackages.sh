@@ -20,7 +20,6 @@ diff - "$work/content" <<'CONTENT' || fail 'other content than promised'
 -rw-r--r-- root/root usr/lib/halvora/modules/Halvora.Publishing.Plugin.Flickr.so
 -rw-r--r-- root/root usr/lib/halvora/modules/Halvora.WebComponents.so
 -rw-r--r-- root/root usr/lib/halvora/modules/libhalvora-platform.so
--rw-r--r-- root/root usr/lib/halvora/modules/libhalvora-winhttp.so
 -rw-r--r-- root/root usr/lib/halvora/modules/msxml.so
 -rw-r--r-- root/root usr/lib/halvora/modules/windowscodecs.so
 -rw-r--r-- root/root usr/share/applications/halvora.desktop
@@ -60,7 +59,7 @@ needs "$host" ca-certificates libc6 libcurl4 libexiv2-27 libicu72 libraw20 libss
 needs "$service" libc6 libexiv2-27 libmicrohttpd12 libsqlite3-0 libssl3
 ! grep -q 'libsqlite3\|microhttpd' <<<"$(dpkg-deb --field "$host" Depends)" || fail 'the program depends on what only the service needs'
 promises=$(dpkg-deb --field "$host" Recommends Suggests)
-[ "$promises" = 'Recommends: xdg-utils, libproxy-tools, libproxy1-plugin-webkit
+[ "$promises" = 'Recommends: xdg-utils
 Suggests: flickr-loopback' ] || fail "other promises: $promises"
 
 # Unpacked into an unusual folder, it finds its own modules and no others.
