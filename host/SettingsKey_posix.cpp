@@ -1,6 +1,5 @@
 #include "host/SettingsKey_posix.h"
 
-#include "host/DisplayText.h"
 #include "host/SafeLine.h"
 #include "host/TextEncodings.h"
 
@@ -8,6 +7,7 @@
 #include "resources/resource.h"
 #include "settings/OutputSize.h"
 #include "settings/SettingsStore.h"
+#include "terminal/TerminalText.h"
 
 #include "com/HandleOwner.h"
 
@@ -147,12 +147,12 @@ std::string ListSettings()
     for (const StoredSetting &setting : StoredSettings())
     {
         lines.emplace_back(DescribeSetting(setting), &setting);
-        widest = std::max(widest, DisplayWidth(lines.back().first));
+        widest = std::max(widest, TerminalWidth(lines.back().first));
     }
     std::string list;
     for (const auto &[assignment, setting] : lines)
     {
-        list += assignment + std::string(widest - DisplayWidth(assignment) + 2, ' ') +
+        list += assignment + std::string(widest - TerminalWidth(assignment) + 2, ' ') +
                 Utf8FromText(setting->Meaning) + "\n";
     }
     return list;
