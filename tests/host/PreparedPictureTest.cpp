@@ -93,7 +93,7 @@ TEST_F(PreparedPicture, WhatIsWrongWithASourceIsSaid)
     options.Mode = SendProcessed;
     EXPECT_THROW(Prepare(options, "text.jpg"), HresultError);
     ASSERT_FALSE(m_warnings.empty());
-    EXPECT_THAT(m_warnings.back(), HasSubstr("text.jpg is of no kind of picture that is known here"));
+    EXPECT_THAT(m_warnings.back(), HasSubstr("text.jpg is not a picture format that Halvora can read"));
 
     // Wine's decoder doesn't take it with its pixels intact.
     const std::string whole = m_folder.Read("source.jpg");
