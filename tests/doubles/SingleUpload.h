@@ -24,10 +24,10 @@ public:
     static UploadOptions Options(UINT32 mode)
     {
         UploadOptions options;
-        options.mode = mode;
-        options.writeCopyright = options.writeExif = options.writeXmp = options.writeGps = options.writeIptc =
+        options.Mode = mode;
+        options.WriteCopyright = options.WriteEXIF = options.WriteXMP = options.WriteGPS = options.WriteIPTC =
             true;
-        options.printDpi = 300;
+        options.PrintDpi = 300;
         return options;
     }
 

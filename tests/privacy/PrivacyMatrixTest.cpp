@@ -127,11 +127,11 @@ protected:
         const auto host = FakeHost::Make(record);
         host->OtherMetadata = metadata;
         UploadOptions options = SingleUpload::Options(mode);
-        options.writeCopyright = groups & Copyright;
-        options.writeExif = groups & Exif;
-        options.writeXmp = groups & Xmp;
-        options.writeGps = groups & Gps;
-        options.writeIptc = groups & Iptc;
+        options.WriteCopyright = (groups & Copyright) != 0;
+        options.WriteEXIF = (groups & Exif) != 0;
+        options.WriteXMP = (groups & Xmp) != 0;
+        options.WriteGPS = (groups & Gps) != 0;
+        options.WriteIPTC = (groups & Iptc) != 0;
         Web.Clear();
         Web.AnswerWith(S_OK, nullptr);
         EXPECT_EQ(SingleUpload().Run(host.Get(), Path, options), S_OK) << NameOf(groups);

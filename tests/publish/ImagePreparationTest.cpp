@@ -130,8 +130,8 @@ TEST_F(ImagePreparation, KeepsThePixelsOfAJpeg)
     // Size and economy apply to processed pictures alone.
     Calls().Clear();
     UploadOptions options = SingleUpload::Options(SendPixelsIntact);
-    options.minimize = true;
-    options.longEdgePixels = 240;
+    options.Minimize = true;
+    options.LongEdgePixels = 240;
     EXPECT_EQ(Upload(options), S_OK);
     EXPECT_THAT(Calls().Lines(), ElementsAreArray(AfterFactory(IntactPass)));
 }
@@ -139,13 +139,13 @@ TEST_F(ImagePreparation, KeepsThePixelsOfAJpeg)
 TEST_F(ImagePreparation, WritesThePictureThatTheHostProcessed)
 {
     UploadOptions options = SingleUpload::Options(SendProcessed);
-    options.longEdgePixels = 1024;
+    options.LongEdgePixels = 1024;
     EXPECT_EQ(Upload(options), S_OK);
     EXPECT_THAT(Calls().Lines(), ElementsAreArray(AfterFactory(ProcessedPass)));
 
     Calls().Clear();
-    options.minimize = true;
-    options.longEdgePixels = 0;
+    options.Minimize = true;
+    options.LongEdgePixels = 0;
     EXPECT_EQ(Upload(options), S_OK);
     EXPECT_THAT(Calls().LinesOf("ReadImageMetadata "), ElementsAre("with picture of 0"));
     EXPECT_THAT(Calls().LinesOf("Options.Write "),
@@ -183,7 +183,7 @@ TEST_F(ImagePreparation, EndsAtTheFirstFailureThatMatters)
           std::tuple(SendProcessed, AfterFactory(ProcessedPass), processed)})
     {
         UploadOptions options = SingleUpload::Options(mode);
-        options.longEdgePixels = mode == SendProcessed ? 1024 : 0;
+        options.LongEdgePixels = mode == SendProcessed ? 1024 : 0;
         for (size_t number = 1; number <= calls.size(); ++number)
         {
             const std::string &call = calls[number - 1];
@@ -332,7 +332,7 @@ TEST_F(ImagePreparation, TriesAgainWhereThatMayHelp)
                                   end == 'M' ? pass : writings);
         }
         UploadOptions options = SingleUpload::Options(c.mode);
-        options.writeGps = false;
+        options.WriteGPS = false;
         EXPECT_EQ(Upload(options), codes.at(passes.back()));
         EXPECT_EQ(Single.Pauses, c.pauses);
         EXPECT_EQ(Calls().CallsOf("CreateFactory").size(), 1u);
@@ -354,15 +354,15 @@ TEST_F(ImagePreparation, BlanksEachGroupThatIsOff)
 {
     const struct
     {
-        bool UploadOptions::*group;
+        UINT32 ConversionSettings::*group;
         const char *intact;
         const char *processed;
     } cases[] = {
-        {&UploadOptions::writeCopyright, "1111110 800x600 at 96x96 exif xmp gps iptc", "01111"},
-        {&UploadOptions::writeExif, "1111110 800x600 at 96x96 copyright xmp gps iptc", "10111"},
-        {&UploadOptions::writeXmp, "1111110 800x600 at 96x96 copyright exif gps iptc", "11011"},
-        {&UploadOptions::writeGps, "1111110 800x600 at 96x96 copyright exif xmp iptc", "11101"},
-        {&UploadOptions::writeIptc, "1111110 800x600 at 96x96 copyright exif xmp gps", "11110"},
+        {&ConversionSettings::WriteCopyright, "1111110 800x600 at 96x96 exif xmp gps iptc", "01111"},
+        {&ConversionSettings::WriteEXIF, "1111110 800x600 at 96x96 copyright xmp gps iptc", "10111"},
+        {&ConversionSettings::WriteXMP, "1111110 800x600 at 96x96 copyright exif gps iptc", "11011"},
+        {&ConversionSettings::WriteGPS, "1111110 800x600 at 96x96 copyright exif xmp iptc", "11101"},
+        {&ConversionSettings::WriteIPTC, "1111110 800x600 at 96x96 copyright exif xmp gps", "11110"},
     };
     for (const auto &c : cases)
     {
@@ -370,7 +370,7 @@ TEST_F(ImagePreparation, BlanksEachGroupThatIsOff)
         UploadOptions options = SingleUpload::Options(SendPixelsIntact);
         options.*c.group = false;
         EXPECT_EQ(Upload(options), S_OK);
-        options.mode = SendProcessed;
+        options.Mode = SendProcessed;
         EXPECT_EQ(Upload(options), S_OK);
         // For a processed picture the flags alone decide.
         EXPECT_THAT(
@@ -380,7 +380,7 @@ TEST_F(ImagePreparation, BlanksEachGroupThatIsOff)
 
     // All off, and one alone on: only then is the picture marked as processed.
     UploadOptions options;
-    options.mode = SendPixelsIntact;
+    options.Mode = SendPixelsIntact;
     Calls().Clear();
     EXPECT_EQ(Upload(options), S_OK);
     EXPECT_THAT(Calls().LinesOf("WriteImageMetadata "), ElementsAre("1111100 800x600 at 96x96"));
@@ -389,13 +389,13 @@ TEST_F(ImagePreparation, BlanksEachGroupThatIsOff)
                 testing::HasSubstr("&description=A comment&"))
         << "the form keeps its words";
 
-    options.mode = SendProcessed;
+    options.Mode = SendProcessed;
     Calls().Clear();
     EXPECT_EQ(Upload(options), S_OK);
     EXPECT_THAT(Calls().LinesOf("WriteImageMetadata "),
                 ElementsAre("0000001 800x600 at 96x96 copyright exif xmp gps iptc"));
     EXPECT_THAT(Calls().CallsOf("Metadata.Set"), IsEmpty());
-    options.writeGps = true;
+    options.WriteGPS = true;
     Calls().Clear();
     EXPECT_EQ(Upload(options), S_OK);
     EXPECT_THAT(Calls().LinesOf("WriteImageMetadata "),
