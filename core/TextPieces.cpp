@@ -1,6 +1,7 @@
 #include "core/TextPieces.h"
 
 #include <algorithm>
+#include <climits>
 
 bool IsWhiteSpace(WCHAR unit) noexcept
 {
@@ -44,6 +45,20 @@ bool EqualsIgnoringCase(WideView left, WideView right) noexcept
     };
     return std::equal(left.begin(), left.end(), right.begin(), right.end(),
                       [fold](WCHAR a, WCHAR b) { return fold(a) == fold(b); });
+}
+
+int LeadingNumber(WideView text) noexcept
+{
+    INT64 number = 0;
+    for (const WCHAR digit : text)
+    {
+        if (digit < '0' || digit > '9')
+        {
+            break;
+        }
+        number = std::min<INT64>(number * 10 + (digit - '0'), INT_MAX);
+    }
+    return static_cast<int>(number);
 }
 
 void CapitalizeFirst(WideText &text)

@@ -18,5 +18,8 @@ WideView StripWhiteSpace(WideView text) noexcept;
 // Compares without regard to the case of A to Z, independent of the locale: for keywords of a format.
 bool EqualsIgnoringCase(WideView left, WideView right) noexcept;
 
+// The digits at the start of the text, INT_MAX at most: "3;2;0" is 3. Without a digit 0.
+int LeadingNumber(WideView text) noexcept;
+
 // Puts the first character into upper case by the rules of the user's language.
 void CapitalizeFirst(WideText &text);
