@@ -142,8 +142,10 @@ TEST(OAuthMoment, IsAnotherForEachRequest)
 
 TEST(Utf8, TextsOfAnyKindSurvive)
 {
-    EXPECT_EQ(Utf8FromWide(TEXT("a\u00E9\u20AC\U0001F600")), "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80");
-    EXPECT_EQ(WideFromUtf8("a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80"), TEXT("a\u00E9\u20AC\U0001F600"));
+    const WideText wide = TEXT("a\u00E9\u20AC\U0001F600\U0010FFFF");
+    const std::string bytes = "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80\xF4\x8F\xBF\xBF";
+    EXPECT_EQ(Utf8FromWide(wide), bytes);
+    EXPECT_EQ(WideFromUtf8(bytes), wide);
     const WCHAR lone[] = {'x', 0xD83D, 'y', 0xDE00, 0xD83D, 0};
     EXPECT_EQ(Utf8FromWide(lone), "x\xEF\xBF\xBDy\xEF\xBF\xBD\xEF\xBF\xBD");
     for (const char *bad : {"\x80", "\xC0\x80", "\xE2\x82", "\xED\xA0\x80", "\xF5\x80\x80\x80"})
