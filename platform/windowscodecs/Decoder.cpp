@@ -2,10 +2,11 @@
 
 #include "com/ComObject.h"
 #include "platform/windowscodecs/ContainerSignature.h"
+#include "platform/windowscodecs/UncalledMethods.h"
 
 namespace
 {
-class CDecoder final : public ComObject<CDecoder, IWICBitmapDecoder>
+class CDecoder final : public UncalledOfDecoder<ComObject<CDecoder, IWICBitmapDecoder>>
 {
 public:
     explicit CDecoder(REFGUID format) : m_format(format) {}
@@ -20,15 +21,7 @@ public:
         return S_OK;
     }
 
-    STDMETHODIMP QueryCapability(IStream *, DWORD *) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP Initialize(IStream *, WICDecodeOptions) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetDecoderInfo(IWICBitmapDecoderInfo **) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP CopyPalette(IWICPalette *) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetMetadataQueryReader(IWICMetadataQueryReader **) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetPreview(IWICBitmapSource **) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetColorContexts(UINT, IWICColorContext **, UINT *) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetThumbnail(IWICBitmapSource **) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetFrameCount(UINT *) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP GetFrame(UINT, IWICBitmapFrameDecode **) noexcept override { return E_NOTIMPL; }
 
 private:

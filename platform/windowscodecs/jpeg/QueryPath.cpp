@@ -65,10 +65,10 @@ private:
         return taken;
     }
 
-    ULONG ParseNumber(WideView digits)
+    WORD ParseNumber(WideView digits)
     {
-        ULONGLONG value = 0;
-        if (digits.empty() || digits.size() > 10)
+        UINT value = 0;
+        if (digits.empty() || digits.size() > 5)
         {
             Refuse();
         }
@@ -80,11 +80,11 @@ private:
             }
             value = value * 10 + (digit - '0');
         }
-        if (value > 0xFFFFFFFF)
+        if (value > 0xFFFF)
         {
             Refuse();
         }
-        return static_cast<ULONG>(value);
+        return static_cast<WORD>(value);
     }
 
     void ParseTyped(QueryItem &item)
@@ -94,22 +94,17 @@ private:
         Expect('=');
         const WideText value = TakeUntil(TEXT("}"));
         Expect('}');
-        if (SameName(type, TEXT("str")) || SameName(type, TEXT("wstr")))
+        if (SameName(type, TEXT("str")))
         {
             item.Text = value;
             return;
         }
-        for (const WideView number : {WideView(TEXT("ushort")), WideView(TEXT("ulong")), WideView(TEXT("uint")),
-                                      WideView(TEXT("uchar")), WideView(TEXT("short")), WideView(TEXT("long"))})
+        if (!SameName(type, TEXT("ushort")))
         {
-            if (SameName(type, number))
-            {
-                item.ItemKind = QueryItem::Kind::Number;
-                item.Number = ParseNumber(value);
-                return;
-            }
+            Refuse();
         }
-        Refuse();
+        item.ItemKind = QueryItem::Kind::Number;
+        item.Number = ParseNumber(value);
     }
 
     QueryItem ParseItem()
@@ -124,18 +119,12 @@ private:
         if (Sees('<'))
         {
             ++m_at;
-            item.Collection = TakeUntil(TEXT(">"));
+            TakeUntil(TEXT(">"));
             Expect('>');
         }
         if (Sees('{'))
         {
             ParseTyped(item);
-            if (Sees(':') && item.ItemKind == QueryItem::Kind::Name)
-            {
-                ++m_at;
-                item.Schema = std::move(item.Text);
-                item.Text = TakeUntil(TEXT("/"));
-            }
         }
         else
         {
