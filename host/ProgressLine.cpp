@@ -1,7 +1,7 @@
 #include "host/ProgressLine.h"
 
 #include "host/DisplayText.h"
-#include "host/SafeLine.h"
+#include "com/TextConversion.h"
 
 #include <algorithm>
 

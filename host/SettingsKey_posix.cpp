@@ -1,7 +1,7 @@
 #include "host/SettingsKey_posix.h"
 
 #include "host/DisplayText.h"
-#include "host/SafeLine.h"
+#include "com/TextConversion.h"
 #include "host/TextEncodings.h"
 
 #include "platform/advapi32/RegistryStore.h"

@@ -1,6 +1,6 @@
 #include "host/Terminal_posix.h"
 
-#include "host/SafeLine.h"
+#include "com/TextConversion.h"
 
 #include <fcntl.h>
 #include <langinfo.h>

@@ -1,5 +1,6 @@
 #include "loopback/HttpServer.h"
 
+#include "com/AsciiText.h"
 #include "loopback/Connection.h"
 
 #include <httplib.h>
@@ -10,7 +11,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cctype>
 #include <exception>
 #include <fstream>
 #include <stdexcept>
@@ -30,13 +30,6 @@ constexpr int ReceiveBuffer = 128 * 1024;
 // httplib parses multipart bodies itself if it sees their Content-Type. Under this header name it doesn't,
 // so that they stream through our own parser.
 constexpr char HiddenContentType[] = "X-Loopback-Content-Type";
-
-std::string LowerCase(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
 
 // A server must also accept a whole address as the target, as a proxy gets it. Its host then takes
 // precedence over the Host header (RFC 9112, 3.2.2).
@@ -114,11 +107,11 @@ public:
         m_request.connection = connection.Number();
         for (const auto &[name, value] : request.headers)
         {
-            m_request.headers.emplace(LowerCase(name == HiddenContentType ? "Content-Type" : name), value);
+            m_request.headers.emplace(LowerAscii(name == HiddenContentType ? "Content-Type" : name), value);
         }
         m_request.host = m_request.Header("host");
         TakeWholeAddress(m_request);
-        m_request.host = LowerCase(m_request.host);
+        m_request.host = LowerAscii(m_request.host);
         const std::string ownPort = m_request.secure ? ":443" : ":80";
         if (m_request.host.ends_with(ownPort))
         {

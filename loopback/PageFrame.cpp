@@ -1,6 +1,6 @@
 #include "loopback/PageFrame.h"
 
-#include "loopback/Utf8.h"
+#include "com/Utf8.h"
 
 namespace loopback
 {
@@ -23,7 +23,7 @@ a{color:var(--accent);text-decoration:none}a:hover{text-decoration:underline}
 std::string EscapeHtml(std::string_view text)
 {
     std::string html;
-    for (const char c : RepairUtf8(text))
+    for (const char c : RepairedUtf8(text))
     {
         switch (c)
         {

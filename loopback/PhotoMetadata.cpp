@@ -1,6 +1,6 @@
 #include "loopback/PhotoMetadata.h"
 
-#include "loopback/Utf8.h"
+#include "com/Utf8.h"
 
 #include <exiv2/exiv2.hpp>
 

@@ -1,6 +1,6 @@
 #include "loopback/XmlReply.h"
 
-#include "loopback/Utf8.h"
+#include "com/Utf8.h"
 
 #include <libxml/xmlwriter.h>
 
@@ -21,7 +21,7 @@ const xmlChar *Xml(const std::string &text)
 
 std::string XmlSafe(const std::string &bytes)
 {
-    std::string text = RepairUtf8(bytes);
+    std::string text = RepairedUtf8(bytes);
     // XML 1.0, 2.2 allows only these three control characters.
     std::replace_if(
         text.begin(), text.end(),

@@ -1,5 +1,6 @@
 #include "webclient/OAuthWebClient.h"
 
+#include "com/AsciiText.h"
 #include "com/BstrOwner.h"
 #include "webclient/MimeType.h"
 #include "webclient/PercentEncoding.h"
@@ -26,13 +27,6 @@ RequestUrl SecureUrl(LPCWSTR text)
 bool HasControls(std::string_view text)
 {
     return std::any_of(text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; });
-}
-
-std::string LowerAscii(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
-    return text;
 }
 
 // The caller's headers, without those that the transport or the signature writes: above all the length, which

@@ -2,7 +2,7 @@
 
 #include "com/WideText.h"
 #include "platform/kernel32/LoadedModules.h"
-#include "platform/kernel32/PathText.h"
+#include "com/TextConversion.h"
 #include "platform/terminal/ButtonWords.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
 // Elements, other nodes, and lists of nodes.
-#include "platform/kernel32/PathText.h"
+#include "com/TextConversion.h"
 #include "platform/msxml/NodeOperations.h"
 
 namespace

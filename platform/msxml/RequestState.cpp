@@ -1,6 +1,6 @@
 #include "platform/msxml/RequestState.h"
 
-#include "platform/kernel32/Utf8.h"
+#include "com/TextConversion.h"
 
 #include <algorithm>
 #include <strings.h>

@@ -1,7 +1,7 @@
 // The classes XMLHTTP60 and ServerXMLHTTP60: interfaces over a RequestState.
 #include "com/ClassFactory.h"
 #include "com/ComObject.h"
-#include "platform/kernel32/Utf8.h"
+#include "com/TextConversion.h"
 #include "platform/msxml/RequestState.h"
 #include "platform/msxml/UnsupportedOperations.h"
 

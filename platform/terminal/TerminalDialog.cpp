@@ -1,6 +1,6 @@
 #include "platform/terminal/TerminalDialog.h"
 
-#include "platform/kernel32/Utf8.h"
+#include "com/TextConversion.h"
 #include "platform/terminal/DialogAnswer.h"
 #include "platform/terminal/DialogDrawing.h"
 #include "platform/terminal/TerminalDevice.h"

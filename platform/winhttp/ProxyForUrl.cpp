@@ -4,7 +4,7 @@
 #include <winhttp.h>
 
 #include "com/Hresult.h"
-#include "platform/kernel32/Utf8.h"
+#include "com/TextConversion.h"
 #include "platform/winhttp/ProxyProgram.h"
 #include "platform/winhttp/ProxyText.h"
 #include "platform/winhttp/ScriptDownload.h"

@@ -1,7 +1,7 @@
 #include "platform/winhttp/ProxyText.h"
 
 #include "com/Hresult.h"
-#include "platform/kernel32/Utf8.h"
+#include "com/TextConversion.h"
 
 #include <algorithm>
 #include <cctype>

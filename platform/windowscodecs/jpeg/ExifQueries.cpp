@@ -1,7 +1,8 @@
 #include "platform/windowscodecs/jpeg/ExifQueries.h"
 
+#include "com/AsciiText.h"
 #include "com/Hresult.h"
-#include "platform/kernel32/Utf8.h"
+#include "com/TextConversion.h"
 #include "platform/windowscodecs/jpeg/PropertyValue.h"
 
 #include <wincodec.h>
@@ -34,7 +35,7 @@ bool NamesDirectory(const QueryItem &item, WORD parent, WORD &tag) noexcept
                        {TEXT("interop"), ExifTag::ExifDirectory, ExifTag::InteropDirectory}};
     for (const auto &directory : directories)
     {
-        if (directory.Parent == parent && SameName(item.Text, directory.Name))
+        if (directory.Parent == parent && EqualsIgnoringCase(item.Text, directory.Name))
         {
             tag = directory.Tag;
             return true;
@@ -46,7 +47,8 @@ bool NamesDirectory(const QueryItem &item, WORD parent, WORD &tag) noexcept
 // "ifd", directories in it, and a number at the end.
 Place Locate(std::span<const QueryItem> path)
 {
-    if (path.size() < 2 || !SameName(path[0].Text, TEXT("ifd")) || path.back().ItemKind != QueryItem::Kind::Number)
+    if (path.size() < 2 || !EqualsIgnoringCase(path[0].Text, TEXT("ifd")) ||
+        path.back().ItemKind != QueryItem::Kind::Number)
     {
         ThrowHresult(WINCODEC_ERR_INVALIDQUERYREQUEST);
     }

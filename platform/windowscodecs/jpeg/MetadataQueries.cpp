@@ -1,8 +1,9 @@
 #include "platform/windowscodecs/jpeg/MetadataQueries.h"
 
+#include "com/AsciiText.h"
 #include "com/Hresult.h"
 #include "jpegdata/JpegMarkers.h"
-#include "platform/kernel32/Utf8.h"
+#include "com/TextConversion.h"
 #include "platform/windowscodecs/jpeg/ExifQueries.h"
 #include "platform/windowscodecs/jpeg/PropertyValue.h"
 
@@ -22,7 +23,7 @@ using Items = std::span<const QueryItem>;
 
 bool Is(const QueryItem &item, WideView name) noexcept
 {
-    return item.ItemKind == QueryItem::Kind::Name && item.Index == 0 && SameName(item.Text, name);
+    return item.ItemKind == QueryItem::Kind::Name && item.Index == 0 && EqualsIgnoringCase(item.Text, name);
 }
 
 // Of the EXIF block.
@@ -34,14 +35,14 @@ bool IsExif(Items path) noexcept
 // "app0" to "app15", or "com".
 BYTE MarkerOf(const QueryItem &item)
 {
-    if (SameName(item.Text, TEXT("com")))
+    if (EqualsIgnoringCase(item.Text, TEXT("com")))
     {
         return MARKER_COM;
     }
     for (int number = 0; number <= 15; ++number)
     {
         const std::string digits = std::to_string(number);
-        if (SameName(item.Text, TEXT("app") + WideText(digits.begin(), digits.end())))
+        if (EqualsIgnoringCase(item.Text, TEXT("app") + WideText(digits.begin(), digits.end())))
         {
             return static_cast<BYTE>(MARKER_APP0 + number);
         }

@@ -2,7 +2,7 @@
 
 #include "com/Hresult.h"
 #include "com/WideText.h"
-#include "platform/kernel32/Utf8.h"
+#include "com/TextConversion.h"
 
 #include <cstring>
 

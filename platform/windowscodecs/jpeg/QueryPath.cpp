@@ -1,18 +1,12 @@
 #include "platform/windowscodecs/jpeg/QueryPath.h"
 
+#include "com/AsciiText.h"
 #include "com/Hresult.h"
-
-#include <algorithm>
 
 #include <wincodec.h>
 
 namespace
 {
-WCHAR Lower(WCHAR c) noexcept
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<WCHAR>(c + 32) : c;
-}
-
 [[noreturn]] void Refuse()
 {
     ThrowHresult(WINCODEC_ERR_INVALIDQUERYREQUEST);
@@ -94,12 +88,12 @@ private:
         Expect('=');
         const WideText value = TakeUntil(TEXT("}"));
         Expect('}');
-        if (SameName(type, TEXT("str")))
+        if (EqualsIgnoringCase(type, TEXT("str")))
         {
             item.Text = value;
             return;
         }
-        if (!SameName(type, TEXT("ushort")))
+        if (!EqualsIgnoringCase(type, TEXT("ushort")))
         {
             Refuse();
         }
@@ -145,10 +139,4 @@ private:
 QueryPath ParseQueryPath(WideView text)
 {
     return PathParser(text).Parse();
-}
-
-bool SameName(WideView name, WideView other) noexcept
-{
-    return std::equal(name.begin(), name.end(), other.begin(), other.end(),
-                      [](WCHAR a, WCHAR b) { return Lower(a) == Lower(b); });
 }

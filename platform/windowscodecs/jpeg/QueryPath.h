@@ -22,6 +22,3 @@ using QueryPath = std::vector<QueryItem>;
 
 // Throws WINCODEC_ERR_INVALIDQUERYREQUEST for what is no path.
 QueryPath ParseQueryPath(WideView text);
-
-// Without regard to the case of ASCII letters.
-bool SameName(WideView name, WideView other) noexcept;

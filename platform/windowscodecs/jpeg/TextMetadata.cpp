@@ -1,8 +1,8 @@
 #include "platform/windowscodecs/jpeg/TextMetadata.h"
 
+#include "com/AsciiText.h"
 #include "com/Hresult.h"
 #include "jpegdata/JpegMarkers.h"
-#include "platform/windowscodecs/jpeg/QueryPath.h"
 
 #include <exiv2/exiv2.hpp>
 
@@ -147,7 +147,8 @@ void TextMetadata::SetXmp(const std::string &name, const std::vector<std::string
 
 void TextMetadata::SetIptc(WideView name, const std::vector<std::string> &texts)
 {
-    const auto found = std::ranges::find_if(Datasets, [&](const auto &each) { return SameName(each.Name, name); });
+    const auto found =
+        std::ranges::find_if(Datasets, [&](const auto &each) { return EqualsIgnoringCase(each.Name, name); });
     if (found == std::end(Datasets))
     {
         ThrowHresult(WINCODEC_ERR_INVALIDQUERYREQUEST);
