@@ -1,5 +1,4 @@
-// Conversion between the UTF-16 of the Windows API and the UTF-8 of files, networks and terminals, and text from others
-// made safe to show.
+// Conversion between the UTF-16 of the Windows API and the UTF-8 of files, networks and terminals.
 #pragma once
 
 #include "com/Utf8.h"
@@ -69,43 +68,4 @@ inline std::string PathToBytes(WideView path)
         AppendUtf8(character, [&](char byte) { bytes += byte; });
     }
     return bytes;
-}
-
-// Whether a terminal, or a log that is shown in one, obeys the character instead of showing it: controls of ASCII and
-// ISO 6429, and marks that reorder or break the line.
-constexpr bool IsCommand(char32_t character) noexcept
-{
-    return character < 0x20 || (character >= 0x7F && character < 0xA0) || character == 0x200E ||
-           character == 0x200F || (character >= 0x2028 && character <= 0x202E) ||
-           (character >= 0x2066 && character <= 0x2069);
-}
-
-// The text in one line, without power over the terminal: a line break or a tab becomes a blank, another control
-// of ASCII shows in caret notation, and every other command, like a fault in the UTF-8, as U+FFFD.
-inline std::string OneSafeLine(std::string_view utf8)
-{
-    std::string safe;
-    const auto put = [&](char byte) { safe += byte; };
-    while (!utf8.empty())
-    {
-        const char32_t character = TakeUtf8(utf8);
-        if (character == '\r' && utf8.starts_with('\n'))
-        {
-            continue;
-        }
-        if (character == '\n' || character == '\t' || character == '\r')
-        {
-            put(' ');
-        }
-        else if (character < 0x20 || character == 0x7F)
-        {
-            put('^');
-            put(static_cast<char>(character ^ 0x40));
-        }
-        else
-        {
-            AppendUtf8(character == MalformedUtf8 || IsCommand(character) ? ReplacementCharacter : character, put);
-        }
-    }
-    return safe;
 }

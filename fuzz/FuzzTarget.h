@@ -1,4 +1,4 @@
-// A parser of foreign bytes under trial: well-formed samples to spoil, and the call that reads the result.
+// A parser of untrusted bytes under trial: well-formed samples to spoil, and the call that reads the result.
 #pragma once
 
 #include <string>

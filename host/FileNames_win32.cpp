@@ -1,6 +1,6 @@
 #include "host/FileNames.h"
 
-#include "com/TextConversion.h"
+#include "com/SafeText.h"
 #include "host/SystemWords.h"
 #include "host/TextEncodings.h"
 

@@ -1,6 +1,6 @@
 #include "host/LiveDisplay.h"
 
-#include "com/TextConversion.h"
+#include "com/SafeText.h"
 
 namespace
 {

@@ -460,7 +460,7 @@ DecodedPicture DecodeFile(const std::filesystem::path &file, UINT longEdge, cons
     if (vips_foreign_find_load(file.c_str()) == nullptr)
     {
         vips_error_clear();
-        throw DecodingError(WINCODEC_ERR_UNKNOWNIMAGEFORMAT, "is of no kind of picture that is known here");
+        throw DecodingError(WINCODEC_ERR_UNKNOWNIMAGEFORMAT, "is not a picture format that Halvora can read");
     }
     const FileHeader header = ReadHeader(file);
     if (!header.isJpeg)

@@ -41,7 +41,7 @@ constexpr auto HighQualityCubic = static_cast<WICBitmapInterpolationMode>(4);
     // No decoder knows the file's first bytes. One that knows them and fails later has met damage, whatever
     // it calls that.
     case WINCODEC_ERR_COMPONENTNOTFOUND:
-        throw DecodingError(WINCODEC_ERR_UNKNOWNIMAGEFORMAT, "is of no kind of picture that is known here");
+        throw DecodingError(WINCODEC_ERR_UNKNOWNIMAGEFORMAT, "is not a picture format that Halvora can read");
     default:
         throw DecodingError(WINCODEC_ERR_BADIMAGE, "is damaged or was cut short: " + SystemWords(code));
     }

@@ -7,18 +7,17 @@
 #include "host/LinkText.h"
 #include "host/PluginSession.h"
 #include "host/PublishingHost.h"
-#include "com/TextConversion.h"
+#include "com/SafeText.h"
 #include "host/SettingsKey_posix.h"
 #include "host/SystemWords.h"
 #include "host/Terminal_posix.h"
 #include "host/TextEncodings.h"
+#include "host/TextSwitches.h"
 
 #include "com/BstrOwner.h"
 #include "com/Hresult.h"
-#include "settings/SettingsStore.h"
 
 #include <algorithm>
-#include <array>
 
 namespace
 {
@@ -138,29 +137,12 @@ ExitCode TellOutcome(HRESULT result, const AccountData &before, const AccountDat
     return ExitCode::SomeFailed;
 }
 
-constexpr std::pair<const WCHAR *, const char *> Texts[] = {
-    {TEXT("WriteTitle"), "titles"}, {TEXT("WriteDescription"), "descriptions"}, {TEXT("WriteTags"), "tags"}};
-using TextSwitches = std::array<bool, std::size(Texts)>;
-
-TextSwitches TextsSent()
-{
-    const SettingsReader reader;
-    TextSwitches sent{};
-    std::ranges::transform(Texts, sent.begin(), [&](const auto &text) { return reader.Number(text.first) != 0; });
-    return sent;
-}
-
-// Until the sheet's first OK these texts are sent, though the sheet shows them as off; OK stores what it shows.
 void TellTextsNoLongerSent(const TextSwitches &before)
 {
-    const TextSwitches now = TextsSent();
-    for (size_t i = 0; i < now.size(); ++i)
+    for (const TextSwitches::Text &text : TextSwitches().NoLongerSentSince(before))
     {
-        if (before[i] && !now[i])
-        {
-            Complain(std::string("From now on, ") + Texts[i].second +
-                     " are no longer sent. To send them: halvora settings " + Utf8FromText(Texts[i].first) + "=1");
-        }
+        Complain(std::string("From now on, ") + text.words +
+                 " are no longer sent. To send them: halvora settings " + Utf8FromText(text.setting) + "=1");
     }
 }
 
@@ -220,7 +202,7 @@ ExitCode AskAboutAccount(const Profile &profile)
 ExitCode RunSheetCommand(const Profile &profile)
 {
     OpenedPlugin plugin(profile);
-    const auto before = TextsSent();
+    const TextSwitches before;
     const HRESULT result = plugin.Run(TEXT("settings"));
     if (FAILED(result))
     {

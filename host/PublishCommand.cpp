@@ -65,7 +65,7 @@ bool MayPublish(InitDataStore &store)
     {
         return true;
     }
-    Complain("No Flickr account is set. Let Halvora publish on one with: halvora authorize");
+    Complain("No Flickr account yet. Give Halvora your permission with: halvora authorize");
     return false;
 }
 

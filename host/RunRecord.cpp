@@ -2,7 +2,7 @@
 
 #include "host/FileNames.h"
 #include "com/AsciiText.h"
-#include "com/TextConversion.h"
+#include "com/SafeText.h"
 
 #include <windows.h>
 #include <wincodec.h>

@@ -14,7 +14,6 @@
 
 namespace
 {
-constexpr HRESULT InvalidServerResponse = static_cast<HRESULT>(0x80072F78);
 constexpr HRESULT InsecureAddress = static_cast<HRESULT>(0x80072EE6); // ERROR_INTERNET_UNRECOGNIZED_SCHEME
 
 RequestUrl SecureUrl(LPCWSTR text)

@@ -1,6 +1,7 @@
 // An absolute http or https address, split into the parts that signing and sending need.
 #pragma once
 
+#include "com/AsciiText.h" // by which schemes, hosts and names of headers are compared
 #include "webclient/SecretText.h"
 
 #include <string>

@@ -1,6 +1,6 @@
 #include "webclient/ShownLine.h"
 
-#include "com/TextConversion.h"
+#include "com/SafeText.h"
 
 #include <algorithm>
 

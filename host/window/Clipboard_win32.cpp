@@ -9,7 +9,19 @@ namespace
 class OpenClipboardOf
 {
 public:
-    explicit OpenClipboardOf(HWND owner) : m_isOpen(OpenClipboard(owner) != FALSE) {}
+    // Another program may have the clipboard open just now, a clipboard manager for example: for half a second
+    // it is asked for again.
+    explicit OpenClipboardOf(HWND owner)
+    {
+        for (int tries = 10; !m_isOpen && tries > 0; --tries)
+        {
+            m_isOpen = OpenClipboard(owner) != FALSE;
+            if (!m_isOpen)
+            {
+                Sleep(50);
+            }
+        }
+    }
     ~OpenClipboardOf()
     {
         if (m_isOpen)
@@ -23,7 +35,7 @@ public:
     explicit operator bool() const { return m_isOpen; }
 
 private:
-    const bool m_isOpen;
+    bool m_isOpen = false;
 };
 
 bool Fill(HGLOBAL memory, const std::wstring &text)

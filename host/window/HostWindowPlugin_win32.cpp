@@ -3,6 +3,7 @@
 
 #include "host/SettingsKeyMaking.h"
 #include "host/SystemWords.h"
+#include "host/TextSwitches.h"
 #include "host/window/WindowText_win32.h"
 #include "host/window/resource.h"
 
@@ -132,11 +133,17 @@ void HostWindow::Configure()
     std::wstring verb = m_verb, parameters;
     m_isConfiguring = true;
     UpdateCommands();
+    const TextSwitches before;
     const HRESULT result = m_use->Plugin().Configure(m_window, verb.data(), parameters.data());
     m_isConfiguring = false;
     EndUse(StoringAfter(verb, result));
     Guarded([&] { BeginUse({}); });
     TellOutcome(verb, result);
+    for (const TextSwitches::Text &text : TextSwitches().NoLongerSentSince(before))
+    {
+        m_log->Append(LOG_LEVEL_WARNING, std::string("From now on, ") + text.words +
+                                             " are no longer sent. To send them, switch them on in the settings.");
+    }
     ShowPlugin();
     ShowHint();
 }
