@@ -10,23 +10,20 @@
 namespace loopback
 {
 
-struct RestReply
-{
-    HttpReply reply;
-    // The request's "method", unchecked.
-    std::string method;
-};
-
 class RestService
 {
 public:
-    RestService(AccountBook &accounts, Admission &admission);
+    RestService(AccountBook &accounts, Admission &admission) : m_accounts(accounts), m_admission(admission) {}
 
-    RestReply Handle(HttpExchange &exchange);
+    // `fields` are those of the body.
+    HttpReply Handle(const HttpRequest &request, const FormFields &fields);
 
 private:
     AccountBook &m_accounts;
     Admission &m_admission;
 };
+
+// The "method" that the request asks for, unchecked.
+std::string RestMethod(const HttpRequest &request, const FormFields &fields);
 
 } // namespace loopback
