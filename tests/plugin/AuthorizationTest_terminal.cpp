@@ -39,7 +39,7 @@ TEST(AuthorizationAtATerminal, BeginsWithTheUsersConsent)
     ASSERT_TRUE(given.Answer("\n"));
     EXPECT_THAT(given.Screen(), HasSubstr("Halvora needs your permission to publish images to Flickr."));
     EXPECT_THAT(given.Screen(), HasSubstr("Authorization Error"));
-    EXPECT_THAT(given.Screen(), HasSubstr("The error code was 0x80070005."));
+    EXPECT_THAT(given.Screen(), HasSubstr("0x80070005. Access was denied."));
     EXPECT_EQ(given.Result(), std::to_string(E_ACCESSDENIED));
 }
 
@@ -81,7 +81,6 @@ TEST(AuthorizationAtATerminal, TakesTheUsersProxy)
                    (setting.Bypass ? Narrow(setting.Bypass.Get()) : "");
         });
     };
-    EXPECT_EQ(discovered("http://proxy.example:3128"), "0 3 https=proxy.example:3128 other.example");
-    // A script that can't be had leaves no proxy.
-    EXPECT_EQ(discovered("pac+file:///nowhere"), "0 1  ");
+    EXPECT_EQ(discovered("http://proxy.example:3128"), "0 3 http://proxy.example:3128 other.example");
+    EXPECT_EQ(discovered(""), "0 1  other.example");
 }
