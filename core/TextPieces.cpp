@@ -38,15 +38,6 @@ WideView StripWhiteSpace(WideView text) noexcept
     return text;
 }
 
-bool EqualsIgnoringCase(WideView left, WideView right) noexcept
-{
-    const auto fold = [](WCHAR unit) {
-        return unit >= TEXT('A') && unit <= TEXT('Z') ? static_cast<WCHAR>(unit + 0x20) : unit;
-    };
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [fold](WCHAR a, WCHAR b) { return fold(a) == fold(b); });
-}
-
 int LeadingNumber(WideView text) noexcept
 {
     INT64 number = 0;

@@ -30,6 +30,7 @@ public:
     const std::filesystem::path &Folder() const { return m_folder; }
     std::filesystem::path RegistryFile() const { return m_folder / "registry.reg"; }
     std::filesystem::path InitDataFile() const { return m_folder / "init-data.bin"; }
+    std::filesystem::path LockFile() const { return m_folder / "lock"; } // of the account
 
 private:
     std::filesystem::path m_folder; // absolute

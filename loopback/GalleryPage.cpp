@@ -24,7 +24,7 @@ main{padding:1.6rem max(1.2rem,calc(50vw - 36rem)) 4rem}
 .grid{display:grid;grid-template-columns:repeat(auto-fill,minmax(17.5rem,1fr));gap:1.3rem}
 .card{background:var(--card);border:1px solid var(--line);border-radius:12px;overflow:hidden;box-shadow:var(--shade);
 display:flex;flex-direction:column}
-.card .picture{display:block;aspect-ratio:3/2;background:var(--chip)}
+.card .picture{display:block;aspect-ratio:3/2;min-height:0;overflow:hidden;background:var(--chip)}
 .picture img{width:100%;height:100%;object-fit:cover;display:block}
 .none{display:grid;place-items:center;height:100%;color:var(--soft)}
 .text{padding:.9rem 1rem 1rem;display:flex;flex-direction:column;gap:.55rem;flex:1}

@@ -36,12 +36,6 @@ HttpReply GetUserPhotos(const Call &call)
         "user", {{"nsid", AccountId}, {"url", "https://www.flickr.com/photos/" + call.account.userName + "/"}}));
 }
 
-HttpReply TestLogin(const Call &call)
-{
-    return OkReply(
-        Element("user", {{"id", AccountId}}, Element("username", {}, EscapeMarkup(call.account.userName))));
-}
-
 HttpReply GetUploadStatus(const Call &call)
 {
     const Account &account = call.account;
@@ -63,8 +57,7 @@ HttpReply GetUploadStatus(const Call &call)
     return OkReply(
         Element("user", {{"id", AccountId}, {"username", account.userName}, {"ispro", account.isPro ? "1" : "0"}},
                 Element("username", {}, EscapeMarkup(account.userName)) + Element("bandwidth", bandwidth) +
-                    Element("filesize", fileSize) + Element("sets", {{"created", "0"}, {"remaining", "lots"}}) +
-                    Element("videos", {{"uploaded", "0"}, {"remaining", "lots"}})));
+                    Element("filesize", fileSize)));
 }
 
 struct Method
@@ -77,7 +70,6 @@ constexpr std::array Methods = {
     Method{"flickr.auth.oauth.checkToken", CheckToken},
     Method{"flickr.urls.getUserPhotos", GetUserPhotos},
     Method{"flickr.people.getUploadStatus", GetUploadStatus},
-    Method{"flickr.test.login", TestLogin},
 };
 
 } // namespace

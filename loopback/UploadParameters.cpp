@@ -1,6 +1,8 @@
 #include "loopback/UploadParameters.h"
 
-#include "loopback/Utf8.h"
+#include "com/Utf8.h"
+
+#include <fmt/format.h>
 
 #include <set>
 
@@ -12,24 +14,20 @@ namespace
 
 constexpr std::string_view Blanks = " \t\r\n";
 
-// Reads a number from lowest to highest; sets the complaint if the field is anything else.
-int ReadNumber(const FormFields &fields, const char *name, int lowest, int highest, int initial,
-               std::string &complaint)
+struct NumberRule
 {
-    const auto text = FindField(fields, name);
-    if (!text)
-    {
-        return initial;
-    }
-    const auto number = ParseWholeNumber(*text);
-    if (!number || *number < lowest || *number > highest)
-    {
-        complaint = std::string(name) + " is not a number from " + std::to_string(lowest) + " to " +
-                    std::to_string(highest);
-        return initial;
-    }
-    return static_cast<int>(*number);
-}
+    const char *name;
+    int lowest;
+    int highest;
+    int PhotoRecord::*member;
+};
+
+constexpr NumberRule Numbers[] = {
+    {"is_public", 0, 1, &PhotoRecord::isPublic},       {"is_friend", 0, 1, &PhotoRecord::isFriend},
+    {"is_family", 0, 1, &PhotoRecord::isFamily},       {"safety_level", 1, 3, &PhotoRecord::safetyLevel},
+    {"content_type", 1, 3, &PhotoRecord::contentType}, {"hidden", 1, 2, &PhotoRecord::hidden},
+    {"async", 0, 1, &PhotoRecord::isAsynchronous},
+};
 
 std::string GeneralComplaint(const FormFields &fields)
 {
@@ -38,7 +36,7 @@ std::string GeneralComplaint(const FormFields &fields)
     {
         if (!IsUtf8(name) || !IsUtf8(value))
         {
-            return "the field " + RepairUtf8(name) + " is not UTF-8";
+            return "the field " + RepairedUtf8(name) + " is not UTF-8";
         }
         if (!seen.insert(name).second)
         {
@@ -71,26 +69,22 @@ std::vector<std::string> SplitTags(std::string_view tags)
     }
 }
 
-UploadParameters ReadUploadParameters(const FormFields &fields)
+std::string ReadUploadParameters(const FormFields &fields, PhotoRecord &record)
 {
-    UploadParameters parameters;
-    PhotoRecord &record = parameters.record;
-    std::string &complaint = parameters.complaint;
     record.title = FindField(fields, "title").value_or("");
     record.description = FindField(fields, "description").value_or("");
     record.tags = FindField(fields, "tags").value_or("");
-    record.isPublic = ReadNumber(fields, "is_public", 0, 1, 1, complaint);
-    record.isFriend = ReadNumber(fields, "is_friend", 0, 1, 0, complaint);
-    record.isFamily = ReadNumber(fields, "is_family", 0, 1, 0, complaint);
-    record.safetyLevel = ReadNumber(fields, "safety_level", 1, 3, 1, complaint);
-    record.contentType = ReadNumber(fields, "content_type", 1, 3, 1, complaint);
-    record.hidden = ReadNumber(fields, "hidden", 1, 2, 1, complaint);
-    record.isAsynchronous = ReadNumber(fields, "async", 0, 1, 0, complaint);
-    if (complaint.empty())
+    for (const auto &[name, lowest, highest, member] : Numbers)
     {
-        complaint = GeneralComplaint(fields);
+        const auto text = FindField(fields, name);
+        const auto number = text ? ParseWholeNumber(*text) : record.*member;
+        if (!number || *number < lowest || *number > highest)
+        {
+            return fmt::format("{} is not a number from {} to {}", name, lowest, highest);
+        }
+        record.*member = static_cast<int>(*number);
     }
-    return parameters;
+    return GeneralComplaint(fields);
 }
 
 } // namespace loopback

@@ -15,14 +15,8 @@ namespace loopback
 // White space separates tags; a tag in double quotes may contain blanks.
 std::vector<std::string> SplitTags(std::string_view tags);
 
-struct UploadParameters
-{
-    // Its members from title to isAsynchronous are set; absent fields have the account's defaults.
-    PhotoRecord record;
-    // The error message, or empty.
-    std::string complaint;
-};
-
-UploadParameters ReadUploadParameters(const FormFields &fields);
+// Sets the record's members from title to isAsynchronous; those whose field is absent keep their defaults. Returns what
+// is wrong with the fields, or an empty text.
+std::string ReadUploadParameters(const FormFields &fields, PhotoRecord &record);
 
 } // namespace loopback

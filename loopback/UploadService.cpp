@@ -74,10 +74,10 @@ HttpReply UploadService::Handle(const HttpRequest &request, UploadForm &form)
     {
         return FailReply(2, "No photo specified");
     }
-    UploadParameters parameters = ReadUploadParameters(form.Fields());
-    if (!parameters.complaint.empty())
+    PhotoRecord record;
+    if (const auto complaint = ReadUploadParameters(form.Fields(), record); !complaint.empty())
     {
-        return FailReply(3, "General upload failure (" + parameters.complaint + ")");
+        return FailReply(3, "General upload failure (" + complaint + ")");
     }
     if (photo->Size() == 0)
     {
@@ -87,7 +87,6 @@ HttpReply UploadService::Handle(const HttpRequest &request, UploadForm &form)
     {
         return FailReply(8, "Filesize was too large");
     }
-    PhotoRecord &record = parameters.record;
     record.fileName = form.PhotoHeader().fileName.value_or("");
     record.mimeType = form.PhotoHeader().contentType;
     record.token = caller.token.token;

@@ -80,15 +80,12 @@ UINT GroupingNumber(const LocaleConventions &conventions)
 
 UINT NegativeOrder(const LocaleConventions &conventions)
 {
-    return conventions.signBehind ? 3 : 1;
+    return conventions.signBehind ? SignBehind : SignAhead;
 }
 
+// Only into a buffer.
 int WINAPI GetLocaleInfoW(LCID locale, LCTYPE type, WCHAR *buffer, int capacity)
 {
-    if (capacity < 0 || (capacity > 0 && buffer == nullptr))
-    {
-        return Fail(ERROR_INVALID_PARAMETER);
-    }
     const auto conventions = ConventionsOfLocale(locale);
     if (!conventions)
     {
@@ -100,11 +97,11 @@ int WINAPI GetLocaleInfoW(LCID locale, LCTYPE type, WCHAR *buffer, int capacity)
         return Fail(ERROR_INVALID_FLAGS);
     }
     const int length = static_cast<int>(text->size() + 1);
-    if (capacity != 0 && capacity < length)
+    if (capacity < length)
     {
         return Fail(ERROR_INSUFFICIENT_BUFFER);
     }
-    std::copy_n(text->c_str(), capacity != 0 ? length : 0, buffer);
+    std::copy_n(text->c_str(), length, buffer);
     return length;
 }
 

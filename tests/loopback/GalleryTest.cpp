@@ -13,8 +13,7 @@ TEST(Gallery, ShowsWhatWasPublishedAndNothingRuns)
     EXPECT_THAT(client.Get("http://127.0.0.1/").body, HasSubstr("Nothing published yet"));
     UploadFile file{"<script>.jpg"};
     client.Upload({{"title", "<script>alert(1)</script>"}, {"tags", "\"b c\" '\"><i>"}, {"is_public", "0"}}, file);
-    const std::string quoted = JsonValue(client.Admin("uploads").body, "id");
-    const std::string page = "http://127.0.0.1/photo/" + quoted.substr(1, quoted.size() - 2);
+    const std::string page = "http://127.0.0.1/photo/" + client.Uploads()[0].at("id").get<std::string>();
     for (const auto &address : {std::string("https://www.flickr.com/"), page})
     {
         const Answer answer = client.Get(address);

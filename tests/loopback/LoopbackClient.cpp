@@ -159,6 +159,11 @@ Answer LoopbackClient::Admin(const std::string &path)
     return Get("http://127.0.0.1/_loopback/" + path);
 }
 
+Json LoopbackClient::Uploads()
+{
+    return Json::parse(Admin("uploads").body);
+}
+
 Answer LoopbackClient::Admin(const std::string &path, const Fields &form)
 {
     return Send("http://127.0.0.1/_loopback/" + path, "",
@@ -195,22 +200,4 @@ RunningService::~RunningService()
 {
     m_service.Stop();
     m_thread.join();
-}
-
-std::string JsonValue(const std::string &json, const std::string &name)
-{
-    const std::string key = "\"" + name + "\": ";
-    const auto at = json.find(key);
-    if (at == std::string::npos || json.find(key, at + 1) != std::string::npos)
-    {
-        return "(not once)";
-    }
-    // Every member ends a line or the object.
-    const auto begin = at + key.size();
-    std::string value = json.substr(begin, json.find_first_of("\n}", begin) - begin);
-    if (value.ends_with(','))
-    {
-        value.pop_back();
-    }
-    return value;
 }

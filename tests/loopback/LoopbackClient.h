@@ -4,6 +4,8 @@
 
 #include "loopback/LoopbackService.h"
 
+#include <nlohmann/json.hpp>
+
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -11,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+using Json = nlohmann::json;
 using Fields = std::vector<std::pair<std::string, std::string>>;
 
 struct Answer
@@ -44,6 +47,8 @@ public:
     // Plain HTTP to the service's own address.
     Answer Admin(const std::string &path);
     Answer Admin(const std::string &path, const Fields &form);
+    // The service's list of uploads, oldest first.
+    Json Uploads();
 
 private:
     Answer Send(const std::string &url, const std::string &authorization,
@@ -84,6 +89,3 @@ private:
     loopback::LoopbackService m_service;
     std::thread m_thread;
 };
-
-// The value of the only member of that name in a JSON text, unchanged.
-std::string JsonValue(const std::string &json, const std::string &name);

@@ -39,7 +39,7 @@ TEST(AuthorizationAtATerminal, BeginsWithTheUsersConsent)
     ASSERT_TRUE(given.Answer("\n"));
     EXPECT_THAT(given.Screen(), HasSubstr("Halvora needs your permission to publish images to Flickr."));
     EXPECT_THAT(given.Screen(), HasSubstr("Authorization Error"));
-    EXPECT_THAT(given.Screen(), HasSubstr("0x80070005."));
+    EXPECT_THAT(given.Screen(), HasSubstr("0x80070005. Access was denied."));
     EXPECT_THAT(given.Screen(), HasSubstr("   > Authorize\r\n")) << "the choice stays on the screen";
     EXPECT_EQ(given.Result(), std::to_string(E_ACCESSDENIED));
 }
@@ -69,13 +69,19 @@ TEST(AuthorizationAtATerminal, OpensThePageAndWaitsForTheUser)
 
 TEST(AuthorizationAtATerminal, TakesTheUsersProxy)
 {
-    setenv("https_proxy", "http://proxy.example:3128", 1);
-    setenv("no_proxy", "other.example", 1);
-    ProxySetting setting;
-    EXPECT_EQ(DiscoverSystemProxy(TEXT("https://page.example/"), setting), 0u);
-    unsetenv("https_proxy");
-    unsetenv("no_proxy");
-    EXPECT_EQ(setting.AccessType, 3u);
-    EXPECT_THAT(Narrow(setting.Proxy.Get()), HasSubstr("proxy.example:3128"));
-    EXPECT_THAT(Narrow(setting.Bypass.Get()), HasSubstr("other.example"));
+    const auto discovered = [](const char *proxy) {
+        return ResultOf([proxy] {
+            setenv("https_proxy", proxy, 1);
+            setenv("no_proxy", "other.example", 1);
+            ProxySetting setting;
+            const DWORD error = DiscoverSystemProxy(TEXT("https://page.example/"), setting);
+            unsetenv("https_proxy");
+            unsetenv("no_proxy");
+            return std::to_string(error) + " " + std::to_string(setting.AccessType) + " " +
+                   (setting.Proxy ? Narrow(setting.Proxy.Get()) : "") + " " +
+                   (setting.Bypass ? Narrow(setting.Bypass.Get()) : "");
+        });
+    };
+    EXPECT_EQ(discovered("http://proxy.example:3128"), "0 3 http://proxy.example:3128 other.example");
+    EXPECT_EQ(discovered(""), "0 1  other.example");
 }

@@ -89,6 +89,7 @@ walk() { # COLUMNS ROWS
     sees '[500 px_'
     key Enter
     closed 0
+    sees 'tags are no longer sent'
 }
 wanted=(WriteTitle=1 WriteDescription=1 WriteTags=0 IsPublic=0 IsFriend=0 IsFamily=1 AsyncUpload=1 SafetyLevel=1
     ContentType=1 SearchVisibility=1 JPEGMode=2 JPEGMinimize=0 JPEGWriteGPS=0 'JPEGLongDimension=320 px'

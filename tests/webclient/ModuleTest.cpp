@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace
 {
 const char *const Module = "Halvora.WebComponents";
@@ -18,15 +20,20 @@ TEST(WebComponentsModule, KnowsWhenItMayBeUnloaded)
         reinterpret_cast<HRESULT(STDAPICALLTYPE *)()>(ModuleFunction(Module, "DllCanUnloadNow"));
     ASSERT_TRUE(getClassObject != nullptr && canUnload != nullptr);
     EXPECT_EQ(canUnload(), S_OK);
+    const std::pair<CLSID, IID> classes[] = {{CLSID_OAuthWebClient, __uuidof(IOAuthWebClient)},
+                                             {CLSID_RequestParameters, __uuidof(IRequestParameters)},
+                                             {CLSID_MultipartFormData, __uuidof(IMultipartFormData)}};
+    for (const auto &[clsid, iid] : classes)
     {
         ComPtr<IClassFactory> factory;
-        ASSERT_EQ(getClassObject(CLSID_MultipartFormData, __uuidof(IClassFactory), factory.PutVoid()), S_OK);
-        ComPtr<IMultipartFormData> form;
-        ASSERT_EQ(factory->CreateInstance(nullptr, __uuidof(IMultipartFormData), form.PutVoid()), S_OK);
+        ASSERT_EQ(getClassObject(clsid, __uuidof(IClassFactory), factory.PutVoid()), S_OK);
+        ComPtr<IUnknown> object;
+        ASSERT_EQ(factory->CreateInstance(nullptr, iid, object.PutVoid()), S_OK);
         factory.Reset();
         EXPECT_EQ(canUnload(), S_FALSE);
+        object.Reset();
+        EXPECT_EQ(canUnload(), S_OK);
     }
-    EXPECT_EQ(canUnload(), S_OK);
     void *object = &object;
     EXPECT_EQ(getClassObject(CLSID_DOMDocument60, __uuidof(IClassFactory), &object), CLASS_E_CLASSNOTAVAILABLE);
     EXPECT_EQ(object, nullptr);

@@ -1,11 +1,9 @@
 // The client by itself: what it hands to a transport, and what it makes of what comes back.
 #include "com/BstrOwner.h"
-#include "tests/webclient/DocumentText.h"
+#include "tests/webclient/ClientUse.h"
 #include "tests/webclient/ScriptedStream.h"
-#include "tests/webclient/SignatureCheck.h"
 #include "webclient/OAuthWebClient.h"
 #include "webclient/PercentEncoding.h"
-#include "webclient/RequestParameters.h"
 #include "webclient/Utf8.h"
 
 #include <gmock/gmock.h>
@@ -75,31 +73,7 @@ public:
 class OAuthWebClientTest : public testing::Test
 {
 protected:
-    OAuthWebClientTest() : m_client(COAuthWebClient::Make(m_transport))
-    {
-        EXPECT_EQ(m_client->SetService(TEXT("Halvora/1.2.3.4"), TEXT("https://api.flickr.com/services/rest"),
-                                       TEXT("HMAC-SHA1"), TEXT("application-key"), TEXT("application-secret"),
-                                       TEXT("http://www.flickr.com/services/oauth/request_token"),
-                                       TEXT("http://www.flickr.com/services/oauth/authorize"),
-                                       TEXT("http://www.flickr.com/services/oauth/access_token"),
-                                       TEXT("http://authorization.halvora.example/flickr/authorization/"), 0),
-                  S_OK);
-        EXPECT_EQ(m_client->SetAccessToken(TEXT("the-token"), TEXT("token-secret")), S_OK);
-    }
-
-    static ComPtr<CRequestParameters> Parameters(const std::vector<std::pair<const WCHAR *, const WCHAR *>> &pairs)
-    {
-        auto parameters = CRequestParameters::Make();
-        for (const auto &[name, value] : pairs)
-        {
-            const BstrOwner text{WideView(value)};
-            VARIANT variant{};
-            V_VT(&variant) = VT_BSTR;
-            V_BSTR(&variant) = text.Get();
-            EXPECT_EQ(parameters->Add(name, variant), S_OK);
-        }
-        return parameters;
-    }
+    OAuthWebClientTest() : m_client(COAuthWebClient::Make(m_transport)) { SetUpClient(*m_client.Get()); }
 
     HRESULT UploadText(const std::string &text, IRequestParameters *headers = nullptr,
                        IRequestParameters *fields = nullptr)
@@ -135,6 +109,21 @@ TEST_F(OAuthWebClientTest, UploadIsSignedOverItsFieldsAndGoesOutAsItIs)
     EXPECT_THAT(request.Header("Authorization"), HasSubstr("oauth_token=\"the-token\""));
     EXPECT_TRUE(IsSignedRight(request.Header("Authorization"), request.method, request.url,
                               {{"title", SecretText(Utf8FromWide(title))}}, "token-secret"));
+}
+
+TEST_F(OAuthWebClientTest, MethodIsCalledByASignedForm)
+{
+    const WCHAR *title = TEXT("Gr\u00FC\u00DFe \u65E5 & +50% \U0001F600\x01");
+    const auto fields = Parameters({{TEXT("method"), TEXT("flickr.test.echo")}, {TEXT("title"), title}});
+    ASSERT_EQ(m_client->RestRequest(nullptr, TEXT("POST"), nullptr, fields.Get(), 0, m_reply.Put()), S_OK);
+    const CarriedRequest &request = m_transport->requests.at(0);
+    EXPECT_EQ(request.method + " " + request.url, "POST https://api.flickr.com/services/rest");
+    EXPECT_EQ(request.Header("Content-Type"), "application/x-www-form-urlencoded");
+    EXPECT_EQ(request.body,
+              "method=flickr.test.echo&title=Gr%C3%BC%C3%9Fe%20%E6%97%A5%20%26%20%2B50%25%20%F0%9F%98%80%01");
+    EXPECT_TRUE(IsSignedRight(request.Header("Authorization"), "POST", request.url, ParseForm(request.body),
+                              "token-secret"));
+    EXPECT_TRUE(request.isSmall);
 }
 
 struct RefusalCase

@@ -1,6 +1,6 @@
 #include "com/BstrOwner.h"
 #include "com/Hresult.h"
-#include "tests/webclient/DocumentText.h"
+#include "tests/webclient/ClientUse.h"
 #include "webclient/ReplyDocument.h"
 
 #include <gmock/gmock.h>

@@ -1,13 +1,8 @@
 #include "tests/webclient/ServiceFixture.h"
 
-#include "com/BstrOwner.h"
 #include "platform/ole32/ClassServers.h"
-#include "tests/webclient/DocumentText.h"
 #include "tests/webclient/ModuleFile.h"
 #include "tests/webclient/ScriptedStream.h"
-#include "webclient/OAuthSignature.h"
-#include "webclient/OAuthWebClient.h"
-#include "webclient/PercentEncoding.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -79,33 +74,8 @@ ComPtr<IOAuthWebClient> ServiceFixture::Client()
     ComPtr<IOAuthWebClient> client;
     EXPECT_EQ(CoCreateInstance(CLSID_OAuthWebClient, nullptr, 23, __uuidof(IOAuthWebClient), client.PutVoid()),
               S_OK);
-    EXPECT_EQ(client->SetService(TEXT("Halvora/1.2.3.4"), TEXT("https://api.flickr.com/services/rest"),
-                                 TEXT("HMAC-SHA1"), TEXT("application-key"), TEXT("application-secret"),
-                                 TEXT("http://www.flickr.com/services/oauth/request_token"),
-                                 TEXT("http://www.flickr.com/services/oauth/authorize"),
-                                 TEXT("http://www.flickr.com/services/oauth/access_token"),
-                                 TEXT("http://authorization.halvora.example/flickr/authorization/"), 0),
-              S_OK);
-    EXPECT_EQ(client->SetAccessToken(TEXT("the-token"), TEXT("token-secret")), S_OK);
+    SetUpClient(*client.Get());
     return client;
-}
-
-ComPtr<IRequestParameters>
-ServiceFixture::Parameters(const std::vector<std::pair<const WCHAR *, const WCHAR *>> &pairs)
-{
-    ComPtr<IRequestParameters> parameters;
-    EXPECT_EQ(
-        CoCreateInstance(CLSID_RequestParameters, nullptr, 23, __uuidof(IRequestParameters), parameters.PutVoid()),
-        S_OK);
-    for (const auto &[name, value] : pairs)
-    {
-        const BstrOwner text{WideView(value)};
-        VARIANT variant{};
-        V_VT(&variant) = VT_BSTR;
-        V_BSTR(&variant) = text.Get();
-        EXPECT_EQ(parameters->Add(name, variant), S_OK);
-    }
-    return parameters;
 }
 
 UploadOutcome ServiceFixture::Upload(IOAuthWebClient *client, IStream *body, UINT32 length,

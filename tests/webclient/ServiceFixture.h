@@ -3,10 +3,8 @@
 
 #include "WebComponents.h"
 #include "com/ComObject.h"
-#include "tests/server/TestCertificates.h"
 #include "tests/server/HttpTestServer.h"
-#include "webclient/HttpTransport.h"
-#include "webclient/RequestUrl.h"
+#include "tests/webclient/ClientUse.h"
 
 #include <gmock/gmock.h>
 
@@ -64,9 +62,6 @@ protected:
 
     // From the registered module, as everybody gets it.
     static ComPtr<IOAuthWebClient> Client();
-
-    static ComPtr<IRequestParameters>
-    Parameters(const std::vector<std::pair<const WCHAR *, const WCHAR *>> &pairs);
 
     static UploadOutcome Upload(IOAuthWebClient *client, IStream *body, UINT32 length,
                                 IUploadProgressCallback *callback = nullptr, IRequestParameters *fields = nullptr,

@@ -2,7 +2,6 @@
 #include "com/BstrOwner.h"
 #include "tests/webclient/ScriptedStream.h"
 #include "tests/webclient/ServiceFixture.h"
-#include "tests/webclient/SignatureCheck.h"
 #include "webclient/Utf8.h"
 
 #include <cstdio>
@@ -11,39 +10,12 @@
 namespace
 {
 using testing::HasSubstr;
-using testing::Not;
 
 class WebClientTest : public ServiceFixture
 {
 };
 
 const WCHAR *const Title = TEXT("Gr\u00FC\u00DFe \u65E5\u672C & +50% \U0001F600\x01");
-
-TEST_F(WebClientTest, RestRequestIsASignedForm)
-{
-    HttpTestServer &server = StartServer();
-    const auto client = Client();
-    const auto fields = Parameters({{TEXT("method"), TEXT("flickr.test.echo")}, {TEXT("title"), Title}});
-    const UploadOutcome outcome = CallMethod(client.Get(), fields.Get());
-    EXPECT_EQ(outcome.result, S_OK);
-    EXPECT_EQ(outcome.Text("/rsp/@stat"), "ok");
-    CallMethod(client.Get(), fields.Get());
-
-    const auto requests = server.Requests();
-    ASSERT_EQ(requests.size(), 2u);
-    const SeenRequest &request = requests[0];
-    EXPECT_EQ(request.line, "POST /services/rest HTTP/1.1");
-    EXPECT_EQ(request.Header("content-type"), "application/x-www-form-urlencoded");
-    EXPECT_EQ(request.Header("user-agent"), "Halvora/1.2.3.4");
-    EXPECT_EQ(request.Header("expect"), "(none)");
-    EXPECT_THAT(request.body,
-                HasSubstr("title=Gr%C3%BC%C3%9Fe%20%E6%97%A5%E6%9C%AC%20%26%20%2B50%25%20%F0%9F%98%80%01"));
-    EXPECT_THAT(request.body, Not(HasSubstr("oauth_")));
-    EXPECT_THAT(request.Header("authorization"), HasSubstr("oauth_token=\"the-token\""));
-    EXPECT_TRUE(IsSignedRight(request.Header("authorization"), "POST", "https://api.flickr.com/services/rest",
-                              ParseForm(request.body), "token-secret"));
-    EXPECT_NE(request.Header("authorization"), requests[1].Header("authorization"));
-}
 
 TEST_F(WebClientTest, UploadCarriesTheFormAsItIs)
 {

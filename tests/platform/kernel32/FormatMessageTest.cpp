@@ -16,38 +16,17 @@ WideText MessageOf(DWORD code)
                        nullptr, code, LANG_USER_DEFAULT, reinterpret_cast<LPWSTR>(text.Put()), 0, nullptr);
     return length > 0 ? WideText(text.Get(), length) : WideText();
 }
+} // namespace
 
-TEST(FormatMessage, SystemMessagesEndInAFullStopAndALineBreak)
+TEST(FormatMessage, AFailureHasTheWordsOfItsErrorAndALineBreak)
 {
-    for (HRESULT code : {HRESULT{ERROR_FILE_NOT_FOUND}, HRESULT{ERROR_ACCESS_DENIED}, HRESULT{ERROR_DISK_FULL},
-                         E_FAIL, E_NOTIMPL, E_OUTOFMEMORY, E_INVALIDARG})
-    {
-        const WideText message = MessageOf(code);
-        ASSERT_GT(message.size(), 3u) << std::hex << code;
-        EXPECT_EQ(message.substr(message.size() - 3), TEXT(".\r\n")) << std::hex << code;
-    }
-}
-
-TEST(FormatMessage, AWin32FailureReadsLikeItsError)
-{
-    EXPECT_EQ(MessageOf(HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND)), MessageOf(ERROR_FILE_NOT_FOUND));
-    EXPECT_NE(MessageOf(ERROR_FILE_NOT_FOUND), MessageOf(ERROR_PATH_NOT_FOUND));
-}
-
-TEST(FormatMessage, AnUnknownCodeHasNoMessage)
-{
+    const WideText message = MessageOf(ERROR_FILE_NOT_FOUND);
+    EXPECT_TRUE(message.ends_with(TEXT(".\r\n")));
+    EXPECT_EQ(MessageOf(HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND)), message);
+    EXPECT_NE(MessageOf(ERROR_PATH_NOT_FOUND), message);
     SetLastError(0);
     EXPECT_EQ(MessageOf(0x87654321), WideText());
     EXPECT_EQ(GetLastError(), DWORD{ERROR_MR_MID_NOT_FOUND});
-}
-
-TEST(FormatMessage, ASmallBufferIsRefused)
-{
-    WCHAR text[4];
-    EXPECT_EQ(FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
-                             ERROR_FILE_NOT_FOUND, 0, text, ARRAYSIZE(text), nullptr),
-              0u);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
 }
 
 TEST(FormatMessage, NetworkAndImagingFailuresHaveWordsNatively)
@@ -62,4 +41,3 @@ TEST(FormatMessage, NetworkAndImagingFailuresHaveWordsNatively)
         EXPECT_EQ(MessageOf(code).empty(), UnderWine) << std::hex << code;
     }
 }
-} // namespace

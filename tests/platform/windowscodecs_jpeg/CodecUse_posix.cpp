@@ -99,7 +99,7 @@ HRESULT Rewrite(const Octets &file, const Rewriting &rewriting, Octets &result)
     }
     ComPtr<IWICBitmapEncoder> encoder;
     ComPtr<IWICBitmapFrameEncode> frame;
-    const ComPtr<IStream> target = rewriting.Target ? rewriting.Target : StreamOf({});
+    const ComPtr<IStream> target = StreamOf({});
     CreateJpegEncoder(encoder.Put());
     encoder->Initialize(target.Get(), WICBitmapEncoderNoCache);
     encoder->CreateNewFrame(frame.Put(), nullptr);
@@ -116,10 +116,7 @@ HRESULT Rewrite(const Octets &file, const Rewriting &rewriting, Octets &result)
     {
         code = encoder->Commit();
     }
-    if (!rewriting.Target)
-    {
-        result = BytesOf(target.Get());
-    }
+    result = BytesOf(target.Get());
     return code;
 }
 

@@ -25,7 +25,6 @@ struct Rewriting
     bool CopyProfile = true;
     double Resolution = 300;
     std::function<void(IWICMetadataQueryWriter *)> Edit;
-    ComPtr<IStream> Target; // null for a new one in memory
 };
 
 // Writes the file anew with its pixels intact. The first failure ends it; what is written so far is
