@@ -2,7 +2,7 @@
 // Thread-safe.
 #pragma once
 
-#include "loopback/Database.h"
+#include "database/Database.h"
 
 #include <cstdint>
 #include <map>

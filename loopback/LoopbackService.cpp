@@ -5,7 +5,7 @@
 #include "loopback/Admission.h"
 #include "loopback/CertificateAuthority.h"
 #include "loopback/ConsentService.h"
-#include "loopback/Database.h"
+#include "database/Database.h"
 #include "loopback/FaultQueue.h"
 #include "loopback/FaultyExchange.h"
 #include "loopback/Gallery.h"
@@ -143,7 +143,7 @@ struct LoopbackService::Parts
           consent(accounts, requestTokens),
           admission(accounts, Now),
           uploads(options.store, accounts, photos, admission),
-          rest(accounts, admission),
+          rest(accounts, photos, admission),
           admin(accounts, requestTokens, maker, photos, uploads, faults, journal,
                 [this] { return server.Counts(); }),
           gallery(accounts, photos, uploads),

@@ -2,7 +2,7 @@
 // delivers a verifier here, and the application fetches it once. Thread-safe.
 #pragma once
 
-#include "loopback/Database.h"
+#include "database/Database.h"
 #include "loopback/FormFields.h"
 #include "loopback/HttpMessages.h"
 

@@ -113,6 +113,12 @@ std::optional<PhotoRecord> PhotoIndex::Find(std::int64_t id) const
     return rows.empty() ? std::nullopt : std::optional(RecordOf(rows[0]));
 }
 
+std::optional<std::int64_t> PhotoIndex::FindByTicket(const std::string &ticket) const
+{
+    const auto rows = m_database.Run("SELECT id FROM photos WHERE ticket = ? AND ticket <> ''", {ticket});
+    return rows.empty() ? std::nullopt : std::optional(NumberAt(rows[0], 0));
+}
+
 bool PhotoIndex::HasContent(const std::string &sha256) const
 {
     return !m_database.Run("SELECT 1 FROM photos WHERE sha256 = ? LIMIT 1", {sha256}).empty();

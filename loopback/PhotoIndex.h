@@ -2,7 +2,7 @@
 // Thread-safe.
 #pragma once
 
-#include "loopback/Database.h"
+#include "database/Database.h"
 
 #include <cstdint>
 #include <optional>
@@ -11,6 +11,9 @@
 
 namespace loopback
 {
+
+// Every ticket of an asynchronous upload begins so.
+inline constexpr char TicketPrefix[] = "2830-";
 
 struct PhotoRecord
 {
@@ -56,6 +59,8 @@ public:
     // The newest first.
     std::vector<PhotoRecord> All() const;
     std::optional<PhotoRecord> Find(std::int64_t id) const;
+    // The id of the photo that was uploaded with the ticket.
+    std::optional<std::int64_t> FindByTicket(const std::string &ticket) const;
     bool HasContent(const std::string &sha256) const;
     void Clear();
 

@@ -2,7 +2,7 @@
 // grants or denies it, and the application exchanges it once. Thread-safe.
 #pragma once
 
-#include "loopback/Database.h"
+#include "database/Database.h"
 
 #include <cstdint>
 #include <functional>

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <sstream>
 
 namespace loopback
 {
@@ -17,6 +18,8 @@ struct Call
 {
     const TokenRecord &token;
     const Account &account;
+    const PhotoIndex &photos;
+    const FormFields &fields;
 };
 
 HttpReply CheckToken(const Call &call)
@@ -75,6 +78,30 @@ HttpReply GetUploadStatus(const Call &call)
                       {"videos", {{"uploaded", "0"}, {"remaining", "lots"}}}}}});
 }
 
+// Here an asynchronous upload is worked on at once, so a ticket without a photo is that of a refused one.
+HttpReply CheckTickets(const Call &call)
+{
+    XmlElement uploader{"uploader"};
+    std::istringstream list(FindField(call.fields, "tickets").value_or(""));
+    for (std::string ticket; std::getline(list, ticket, ',');)
+    {
+        XmlElement element{"ticket", {{"id", ticket}}};
+        const auto photo = call.photos.FindByTicket(ticket);
+        if (photo)
+        {
+            element.attributes.emplace_back("complete", "1");
+            element.attributes.emplace_back("photoid", std::to_string(*photo));
+        }
+        else
+        {
+            const bool isRefused = ticket.starts_with(TicketPrefix);
+            element.attributes.emplace_back(isRefused ? "complete" : "invalid", isRefused ? "2" : "1");
+        }
+        uploader.children.push_back(std::move(element));
+    }
+    return OkReply({std::move(uploader)});
+}
+
 struct Method
 {
     const char *name;
@@ -85,13 +112,14 @@ constexpr std::array Methods = {
     Method{"flickr.auth.oauth.checkToken", CheckToken},
     Method{"flickr.urls.getUserPhotos", GetUserPhotos},
     Method{"flickr.people.getUploadStatus", GetUploadStatus},
+    Method{"flickr.photos.upload.checkTickets", CheckTickets},
     Method{"flickr.test.login", TestLogin},
 };
 
 } // namespace
 
-RestService::RestService(AccountBook &accounts, Admission &admission)
-    : m_accounts(accounts), m_admission(admission)
+RestService::RestService(AccountBook &accounts, const PhotoIndex &photos, Admission &admission)
+    : m_accounts(accounts), m_photos(photos), m_admission(admission)
 {
 }
 
@@ -127,7 +155,7 @@ RestReply RestService::Handle(HttpExchange &exchange)
     {
         return {*caller.refusal, name};
     }
-    return {method->answer({caller.token, m_accounts.Get()}), name};
+    return {method->answer({caller.token, m_accounts.Get(), m_photos, fields}), name};
 }
 
 } // namespace loopback

@@ -4,6 +4,7 @@
 #include "loopback/AccountBook.h"
 #include "loopback/Admission.h"
 #include "loopback/HttpMessages.h"
+#include "loopback/PhotoIndex.h"
 
 #include <string>
 
@@ -20,12 +21,13 @@ struct RestReply
 class RestService
 {
 public:
-    RestService(AccountBook &accounts, Admission &admission);
+    RestService(AccountBook &accounts, const PhotoIndex &photos, Admission &admission);
 
     RestReply Handle(HttpExchange &exchange);
 
 private:
     AccountBook &m_accounts;
+    const PhotoIndex &m_photos;
     Admission &m_admission;
 };
 

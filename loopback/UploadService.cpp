@@ -178,8 +178,7 @@ HttpReply UploadService::Accept(PhotoRecord record, Form &form, bool isAsynchron
     std::lock_guard lock(m_acceptance);
     const Account account = m_accounts.Get();
     record.run = account.run;
-    // What became of the picture is not asked by the ticket here: it is in the list of uploads.
-    record.ticket = isAsynchronous ? "2830-" + RandomDigits(14) : "";
+    record.ticket = isAsynchronous ? TicketPrefix + RandomDigits(14) : "";
     const HttpReply ticketReply = OkReply({{"ticketid", {}, record.ticket}});
     if (account.refuseDuplicates && m_photos.HasContent(record.sha256))
     {

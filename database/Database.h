@@ -1,15 +1,27 @@
-// The index file, an SQLite database. Thread-safe: a lock admits one statement at a time.
+// A file of tables, by SQLite. A process that ends at any moment leaves it whole, and so does a crash of the system,
+// after which the last changes may be missing. Several processes may use one file. Thread-safe: a lock admits
+// one statement at a time.
 #pragma once
 
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <variant>
 #include <vector>
 
-namespace loopback
+class DatabaseError : public std::runtime_error
 {
+public:
+    DatabaseError(const std::string &words, bool isDamaged) : std::runtime_error(words), m_isDamaged(isDamaged) {}
+
+    // The file isn't what was written: no database, or one with spoiled pages.
+    bool IsDamaged() const { return m_isDamaged; }
+
+private:
+    bool m_isDamaged;
+};
 
 class Database
 {
@@ -17,7 +29,7 @@ public:
     using Value = std::variant<std::int64_t, std::string>;
     using Row = std::vector<Value>;
 
-    // Opens or creates the file. Throws std::runtime_error, as every member does.
+    // Opens or creates the file. Throws DatabaseError, as every member does.
     explicit Database(const std::filesystem::path &file);
     ~Database();
 
@@ -29,11 +41,9 @@ private:
     std::unique_ptr<State> m_state;
 };
 
-// Adds the column, empty in every row, unless the table has it: older versions made indexes without it.
+// Adds the column, empty in every row, unless the table has it: older versions made files without it.
 void EnsureTextColumn(Database &database, const std::string &table, const std::string &column);
 
 // The column of a row as a number or a text; the column must be of that kind.
 std::int64_t NumberAt(const Database::Row &row, std::size_t column);
 const std::string &TextAt(const Database::Row &row, std::size_t column);
-
-} // namespace loopback

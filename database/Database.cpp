@@ -1,16 +1,11 @@
-#include "loopback/Database.h"
+#include "database/Database.h"
 
 #include <sqlite3.h>
 
 #include <mutex>
-#include <stdexcept>
-
-namespace loopback
-{
 
 namespace
 {
-
 struct CloseDatabase
 {
     void operator()(sqlite3 *database) const { sqlite3_close_v2(database); }
@@ -22,7 +17,6 @@ struct FinalizeStatement
 };
 
 using Statement = std::unique_ptr<sqlite3_stmt, FinalizeStatement>;
-
 } // namespace
 
 struct Database::State
@@ -34,7 +28,8 @@ struct Database::State
     {
         if (result != wanted)
         {
-            throw std::runtime_error(std::string("index: ") + sqlite3_errmsg(database.get()));
+            throw DatabaseError(sqlite3_errmsg(database.get()),
+                                result == SQLITE_CORRUPT || result == SQLITE_NOTADB);
         }
     }
 };
@@ -42,7 +37,8 @@ struct Database::State
 Database::Database(const std::filesystem::path &file) : m_state(std::make_unique<State>())
 {
     sqlite3 *database = nullptr;
-    const int result = sqlite3_open(file.c_str(), &database);
+    const std::u8string name = file.u8string();
+    const int result = sqlite3_open(reinterpret_cast<const char *>(name.c_str()), &database);
     m_state->database.reset(database);
     m_state->Check(result, SQLITE_OK);
     sqlite3_busy_timeout(database, 5000);
@@ -108,5 +104,3 @@ const std::string &TextAt(const Database::Row &row, std::size_t column)
 {
     return std::get<std::string>(row.at(column));
 }
-
-} // namespace loopback
