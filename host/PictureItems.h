@@ -28,12 +28,15 @@ struct RefusedFile
 {
     std::filesystem::path path; // as given, or as found in a folder
     std::string reason;         // what is wrong and what to do, UTF-8
+    std::string photo{};        // the service's id, of a picture that was published before
 };
 
 struct ItemCollection
 {
     std::vector<PictureItem> items;
     std::vector<RefusedFile> refused;              // count as pictures that weren't published
+    std::vector<RefusedFile> undecided;            // may have been published before
+    std::vector<RefusedFile> leftOut;              // were published before; reason tells when
     std::vector<std::filesystem::path> folders;    // given although recursive is false
     std::vector<std::filesystem::path> empty;      // folders without pictures
     std::vector<std::filesystem::path> passedOver; // sidecars named beside pictures

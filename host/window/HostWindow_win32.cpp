@@ -30,7 +30,7 @@ struct Drop
 };
 } // namespace
 
-HostWindow::HostWindow(const Profile &profile) : m_store(profile)
+HostWindow::HostWindow(const Profile &profile) : m_profile(profile)
 {
     m_store.Load();
     const INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_LISTVIEW_CLASSES | ICC_PROGRESS_CLASS |
@@ -191,6 +191,7 @@ void HostWindow::OnCreate()
     {
         m_log->Append(LOG_LEVEL_WARNING, notice);
     }
+    Guarded([&] { OpenJournal(); });
     FindPlugin();
     Guarded([&] { BeginUse({}); });
     ShowPlugin();
@@ -333,6 +334,7 @@ void HostWindow::AddPictures(const std::vector<std::filesystem::path> &paths)
         m_log->Append(LOG_LEVEL_INFO, ShownPath(path) + " belongs to a picture and isn't published by itself.");
     }
     m_pictures->Add(collection.items);
+    MarkPublishedBefore();
     UpdateCommands();
     ShowHint();
 }
@@ -348,8 +350,7 @@ bool HostWindow::OnClose()
     {
         return true;
     }
-    if (MessageBoxW(m_window, ResourceText(IDS_CLOSE_QUESTION).c_str(), ResourceText(IDS_TITLE).c_str(),
-                    MB_YESNO | MB_ICONQUESTION) == IDYES)
+    if (Asks(IDS_CLOSE_QUESTION))
     {
         if (m_phase == RunPhase::Idle) // it ended while the question stood
         {
@@ -361,6 +362,12 @@ bool HostWindow::OnClose()
         UpdateCommands();
     }
     return false;
+}
+
+bool HostWindow::Asks(unsigned question, const std::wstring &number) const
+{
+    return MessageBoxW(m_window, ResourceText(question, number).c_str(), ResourceText(IDS_TITLE).c_str(),
+                       MB_YESNO | MB_ICONQUESTION) == IDYES;
 }
 
 void HostWindow::OnDestroy()

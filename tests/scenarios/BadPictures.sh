@@ -94,7 +94,7 @@ for mode in 0 1 2; do
     printf 'tok\nsec\n' | host account --set-token - >/dev/null
     host settings JPEGMode=$mode >/dev/null
     code=0
-    host publish "${names[@]}" >"$work/out" 2>&1 || code=$?
+    host publish --again "${names[@]}" >"$work/out" 2>&1 || code=$?
     [ $code -eq 1 ] || fail "exit code $code, not 1"
     ! grep -qE 'Sanitizer|runtime error' "$work/out" || fail 'a fault of memory'
     ! grep -q ': \.$' "$work/out" || fail 'a reason without words'
@@ -117,7 +117,7 @@ mode='1, and files that change'
 start_service "$bin/flickr-loopback" store-slow --token tok:sec --fault 'kind=delay&ms=1500&target=upload'
 for name in vanishing folder pipe; do cp good.jpg $name.jpg; done
 host settings JPEGMode=1 >/dev/null
-start_run "$bin/halvora" --profile "$work/profile" publish good.jpg vanishing.jpg folder.jpg pipe.jpg progressive.jpg
+start_run "$bin/halvora" --profile "$work/profile" publish --again good.jpg vanishing.jpg folder.jpg pipe.jpg progressive.jpg
 await_words 'Publishing ".*good.jpg'
 rm vanishing.jpg folder.jpg pipe.jpg
 mkdir folder.jpg

@@ -104,5 +104,5 @@ states_are 'used/taken granted/waiting denied/none pending/none'
 authorize Allow
 key Enter
 ends_with 0
-"$bin/halvora" --profile "$work/profile" publish "$work/first.jpg" >"$work/out" 2>&1 || fail 'the picture did not go up again'
+"$bin/halvora" --profile "$work/profile" publish --again "$work/first.jpg" >"$work/out" 2>&1 || fail 'the picture did not go up again'
 echo 'The user has granted, and published.'

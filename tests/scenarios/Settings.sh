@@ -180,7 +180,7 @@ sees '[x] Further reduce the upload size'
 key Enter
 closed 0
 stored JPEGMinimize=1 AsyncUpload=1
-halvora publish "$work/picture.jpg" || fail 'the picture did not go up again'
+halvora publish --again "$work/picture.jpg" || fail 'the picture did not go up again'
 [ "$(field async)" = 1 ] || fail 'the upload was not asynchronous'
 arrived '320 x 213' '2 2' 08
 
