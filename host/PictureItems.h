@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -47,3 +48,7 @@ struct ItemCollection
 // and files without a picture's extension are left out of a walk, and links back into a folder that
 // was walked are not followed.
 ItemCollection CollectItems(const std::vector<std::filesystem::path> &arguments, bool recursive);
+
+// Says which of the files that were named aren't pictures to publish; levels as in WriteLogEntry.
+void TellOfOtherFiles(const ItemCollection &collection,
+                      const std::function<void(int level, const std::string &text)> &tell);

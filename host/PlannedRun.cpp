@@ -167,22 +167,6 @@ ItemCollection CollectNamed(const CommandLine &line, std::vector<std::string> &f
     return collection;
 }
 
-void TellWhatIsKnown(const ItemCollection &collection, LiveDisplay &display)
-{
-    for (const RefusedFile &refused : collection.refused)
-    {
-        display.Log(3, ShownPath(refused.path) + " " + refused.reason + ".");
-    }
-    for (const auto &folder : collection.empty)
-    {
-        display.Log(2, ShownPath(folder) + " contains no pictures (hidden files are skipped).");
-    }
-    for (const auto &path : collection.passedOver)
-    {
-        display.Log(1, ShownPath(path) + " belongs to a picture and isn't published by itself.");
-    }
-}
-
 PlannedRun PlanRun(ItemCollection pictures, const CommandLine &line, const Profile &profile,
                    const AccountData &account, LiveDisplay &display)
 {

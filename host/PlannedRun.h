@@ -22,9 +22,6 @@ struct PlannedRun
 // be read, are added to faults, in words.
 ItemCollection CollectNamed(const CommandLine &line, std::vector<std::string> &faults);
 
-// Says which of the files that were named aren't pictures to publish.
-void TellWhatIsKnown(const ItemCollection &collection, LiveDisplay &display);
-
 // May ask the user. Throws ProfileError for a journal that can't be used.
 PlannedRun PlanRun(ItemCollection pictures, const CommandLine &line, const Profile &profile,
                    const AccountData &account, LiveDisplay &display);

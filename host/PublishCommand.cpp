@@ -224,7 +224,7 @@ ExitCode RunPublishCommand(const CommandLine &line, const Profile &profile)
     {
         display.Log(2, notice);
     }
-    TellWhatIsKnown(pictures, display);
+    TellOfOtherFiles(pictures, [&](int level, const std::string &text) { display.Log(level, text); });
     const auto account = ParseInitData(store.Content());
     if (!account || !account->IsAuthorized())
     {

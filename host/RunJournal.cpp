@@ -74,7 +74,8 @@ bool RunJournal::WriteLocked(size_t item, Kept &kept)
     {
         if (end == ItemEnd::Failed)
         {
-            m_journal->Forget(std::exchange(kept.id, 0));
+            m_journal->Forget(kept.id);
+            kept.id = 0;
             return true;
         }
         if (kept.id == 0)

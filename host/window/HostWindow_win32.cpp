@@ -321,18 +321,7 @@ void HostWindow::AddPictures(const std::vector<std::filesystem::path> &paths)
     // A large folder takes its time; the cursor changes back with the next move.
     SetCursor(LoadCursorW(nullptr, IDC_WAIT));
     const ItemCollection collection = CollectItems(paths, true);
-    for (const RefusedFile &refused : collection.refused)
-    {
-        m_log->Append(LOG_LEVEL_WARNING, ShownPath(refused.path) + " " + refused.reason + ".");
-    }
-    for (const auto &folder : collection.empty)
-    {
-        m_log->Append(LOG_LEVEL_WARNING, ShownPath(folder) + " contains no pictures (hidden files are skipped).");
-    }
-    for (const auto &path : collection.passedOver)
-    {
-        m_log->Append(LOG_LEVEL_INFO, ShownPath(path) + " belongs to a picture and isn't published by itself.");
-    }
+    TellOfOtherFiles(collection, [&](int level, const std::string &text) { m_log->Append(level, text); });
     m_pictures->Add(collection.items);
     MarkPublishedBefore();
     UpdateCommands();

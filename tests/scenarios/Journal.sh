@@ -59,11 +59,11 @@ says '10.jpg is now https://'
 arrived 3
 # A picture that was worked on is another one; a setting for one run isn't kept.
 printf 'more' >>11.jpg
-expect 0 publish --set IsPublic=0 11.jpg
-uploads | jq -e '.[0].is_public == 0 or .[0].is_public == false' >/dev/null || fail 'the setting had no effect'
-expect 0 settings IsPublic
-says 'IsPublic=1'
-expect 2 publish --set IsPublic=maybe 12.jpg
+expect 0 publish --set SafetyLevel=moderate 11.jpg
+uploads | jq -e 'map(.safety_level) == [1, 1, 1, 2]' >/dev/null || fail 'the setting had no effect'
+expect 0 settings SafetyLevel
+says 'SafetyLevel=0'
+expect 2 publish --set SafetyLevel=maybe 12.jpg
 arrived 4
 stop_service
 
@@ -94,7 +94,7 @@ expect 0 publish -0 --files-from "$work/list"
 arrived 6
 
 # A run that is killed while the service is at work: the picture on its way is unknown, and isn't sent unasked.
-curl -sS -d 'kind=delay&ms=60000&target=upload' "${HALVORA_LOOPBACK_GALLERY}_loopback/faults" >/dev/null
+curl -sS -d 'kind=delay&ms=5000&target=upload' "${HALVORA_LOOPBACK_GALLERY}_loopback/faults" >/dev/null
 start_run "$bin/halvora" --profile "$work/profile" publish 21.jpg 22.jpg
 await_words 'Publishing "'
 sleep 1
