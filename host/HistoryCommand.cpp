@@ -78,11 +78,15 @@ ExitCode RunHistoryCommand(const CommandLine &line, const Profile &profile)
 {
     Journal journal(profile);
     std::ranges::for_each(journal.Notices(), Complain);
+    InitDataStore store(profile);
+    store.Load();
+    const AccountData account = ParseInitData(store.Content()).value_or(AccountData());
+    journal.Recognize(JournalAccount::Of(account));
     ExitCode code = ExitCode::Success;
     if (line.refresh)
     {
         UseInstalledModules(ModuleFolders());
-        for (const std::string &problem : RefreshTickets(journal, profile))
+        for (const std::string &problem : RefreshTickets(journal, account))
         {
             Complain(problem);
             code = ExitCode::SomeFailed;

@@ -1,7 +1,6 @@
 #include "host/Tickets.h"
 
 #include "host/FileNames.h"
-#include "host/InitData.h"
 #include "host/SystemWords.h"
 #include "host/TextEncodings.h"
 
@@ -83,13 +82,10 @@ void Enter(Journal &journal, const JournalEntry &entry, IXMLDOMDocument2 *reply,
 }
 } // namespace
 
-std::vector<std::string> RefreshTickets(Journal &journal, const Profile &profile)
+std::vector<std::string> RefreshTickets(Journal &journal, const AccountData &data)
 {
     std::vector<JournalEntry> entries = journal.Entries();
     std::erase_if(entries, [](const JournalEntry &entry) { return entry.outcome != JournalOutcome::HandedIn; });
-    InitDataStore store(profile);
-    store.Load();
-    const AccountData data = ParseInitData(store.Content()).value_or(AccountData());
     AccountRecord account;
     account.OAuthToken = BstrOwner(data.token.value_or(WideText()));
     account.OAuthTokenSecret = BstrOwner(data.tokenSecret.value_or(WideText()));

@@ -50,7 +50,7 @@ expect 0 publish 10.jpg 11.jpg copy.jpg
 says "copy.jpg was published on $(date +%Y-%m-%d)"
 says '3 pictures are on the account already and were left out.'
 expect 0 history 10.jpg
-says "/$id/"
+says "flickr.com/photo.gne?id=$id"
 halvora history --json >"$work/out"
 jq -e 'length == 2 and all(.outcome == "published" and (.sha256 | length) == 64)' "$work/out" >/dev/null || fail 'no such history'
 expect 1 history 12.jpg
@@ -60,7 +60,7 @@ arrived 3
 # A picture that was worked on is another one; a setting for one run isn't kept.
 printf 'more' >>11.jpg
 expect 0 publish --set SafetyLevel=moderate 11.jpg
-uploads | jq -e 'map(.safety_level) == [1, 1, 1, 2]' >/dev/null || fail 'the setting had no effect'
+uploads | jq -e 'map(.safety_level) | sort == [1, 1, 1, 2]' >/dev/null || fail 'the setting had no effect'
 expect 0 settings SafetyLevel
 says 'SafetyLevel=0'
 expect 2 publish --set SafetyLevel=maybe 12.jpg
@@ -111,7 +111,7 @@ says 'Published 1 picture.'
 stop_service
 
 # Pictures that are handed in: their tickets are looked up later.
-start_service "$bin/flickr-loopback" store4 --token tok:sec
+start_service "$bin/flickr-loopback" store4 --token tok:sec --account refuse_duplicates=1
 cp "$work/blank.jpg" 23.jpg
 halvora settings AsyncUpload=1 >/dev/null
 expect 0 publish 23.jpg 24.jpg
@@ -121,6 +121,10 @@ says 'handed-in'
 expect 0 history --refresh 23.jpg
 id=$(uploads | jq -r 'map(select(.file_name == "23.jpg"))[0].id')
 says "$id"
+expect 0 publish --again 24.jpg
+expect 1 history --refresh 24.jpg
+says '24.jpg was handed in, and Flickr refused it.'
+[ "$(grep -c ' published ' "$work/out")" = 1 ] || fail 'not one of the two is published'
 halvora settings AsyncUpload=0 >/dev/null
 stop_service
 
