@@ -38,10 +38,10 @@ void Save(IStream *picture, const fs::path &target)
 UploadOptions AllGroups(bool isIntact, UINT32 longEdge)
 {
     UploadOptions options;
-    options.mode = isIntact ? SendPixelsIntact : SendProcessed;
-    options.writeCopyright = options.writeExif = options.writeXmp = options.writeGps = options.writeIptc = true;
-    options.longEdgePixels = longEdge;
-    options.printDpi = 300;
+    options.Mode = isIntact ? SendPixelsIntact : SendProcessed;
+    options.WriteCopyright = options.WriteEXIF = options.WriteXMP = options.WriteGPS = options.WriteIPTC = true;
+    options.LongEdgePixels = longEdge;
+    options.PrintDpi = 300;
     return options;
 }
 

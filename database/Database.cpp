@@ -87,14 +87,6 @@ std::vector<Database::Row> Database::Run(const char *sql, const std::vector<Valu
     return rows;
 }
 
-void EnsureTextColumn(Database &database, const std::string &table, const std::string &column)
-{
-    if (database.Run("SELECT 1 FROM pragma_table_info(?) WHERE name = ?", {table, column}).empty())
-    {
-        database.Run(("ALTER TABLE " + table + " ADD COLUMN " + column + " TEXT NOT NULL DEFAULT ''").c_str());
-    }
-}
-
 std::int64_t NumberAt(const Database::Row &row, std::size_t column)
 {
     return std::get<std::int64_t>(row.at(column));

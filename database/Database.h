@@ -41,9 +41,6 @@ private:
     std::unique_ptr<State> m_state;
 };
 
-// Adds the column, empty in every row, unless the table has it: older versions made files without it.
-void EnsureTextColumn(Database &database, const std::string &table, const std::string &column);
-
 // The column of a row as a number or a text; the column must be of that kind.
 std::int64_t NumberAt(const Database::Row &row, std::size_t column);
 const std::string &TextAt(const Database::Row &row, std::size_t column);

@@ -1,7 +1,9 @@
 #include "host/ProgressLine.h"
 
-#include "host/DisplayText.h"
-#include "host/SafeLine.h"
+#include "host/CharsetConversion.h"
+
+#include "com/WideText.h"
+#include "terminal/TerminalText.h"
 
 #include <algorithm>
 
@@ -74,11 +76,6 @@ std::string RenderProgressLine(const ProgressView &view, const LineStyle &style)
         return std::string();
     }
 
-    std::string status = OneSafeLine(view.status);
-    if (!style.unicode)
-    {
-        status = AsciiOnly(status);
-    }
     std::string bar;
     size_t used = percent.size();
     const size_t spare = room > BesideTheBar ? room - BesideTheBar : 0;
@@ -89,7 +86,12 @@ std::string RenderProgressLine(const ProgressView &view, const LineStyle &style)
         used += columns + 1;
     }
     const size_t left = room - used;
-    status = left > 2 ? CutToWidth(status, left - 2, style.unicode) : std::string();
+    std::string status;
+    if (left > 2)
+    {
+        const auto text = TextFromCharset(Charset::Utf8, view.status, Faults::Replace).value_or(WideText());
+        status = TerminalLine(CutToWidth(text, left - 2, style.unicode), style.unicode);
+    }
 
     std::string line;
     if (!bar.empty())

@@ -1,6 +1,5 @@
 #include "host/SettingsKey_posix.h"
 
-#include "host/DisplayText.h"
 #include "host/SafeLine.h"
 #include "host/TextEncodings.h"
 
@@ -8,6 +7,7 @@
 #include "resources/resource.h"
 #include "settings/OutputSize.h"
 #include "settings/SettingsStore.h"
+#include "terminal/TerminalText.h"
 
 #include "com/HandleOwner.h"
 
@@ -24,7 +24,7 @@ std::optional<std::string> ReadStored(HKEY key, const StoredSetting &setting)
     DWORD type = 0;
     DWORD size = sizeof(text) - sizeof(WCHAR);
     const LSTATUS status =
-        RegQueryValueExW(key, setting.Name, nullptr, &type, reinterpret_cast<BYTE *>(text), &size);
+        RegQueryValueExW(key, setting.Name.c_str(), nullptr, &type, reinterpret_cast<BYTE *>(text), &size);
     if (key == nullptr || (status != ERROR_SUCCESS && status != ERROR_MORE_DATA))
     {
         return std::nullopt;
@@ -87,18 +87,18 @@ Reading Read(const SettingsReader &reader, HKEY key, const StoredSetting &settin
     if (setting.Type == REG_SZ)
     {
         LocaleNumberFormat format = UserFormat();
-        reading.sizeText = reader.Text(setting.Name);
+        reading.sizeText = reader.Text(setting.Name.c_str());
         const WideText normal = NormalizeOutputSize(reading.sizeText, IDS_SIZE_PRINT, format);
         reading.holds = Utf8FromText(normal);
         reading.isTaken = !reading.stored || Bare(reading.sizeText, format) == Bare(normal, format);
         return reading;
     }
-    const UINT32 number = reader.Number(setting.Name);
+    const UINT32 number = reader.Number(setting.Name.c_str());
     // The form of an upload gets these as they are; of the others the plug-in makes what it knows.
-    const bool isSent = WideView(setting.Name).starts_with(TEXT("Is")) || setting.Largest == 2;
-    const UINT32 taken = WideView(setting.Name) == TEXT("JPEGMode") ? std::min(number, setting.Largest)
-                         : isSent                                   ? number
-                                                                    : number != 0;
+    const bool isSent = setting.Name.starts_with(TEXT("Is")) || setting.Largest == 2;
+    const UINT32 taken = setting.Name == TEXT("JPEGMode") ? std::min(number, setting.Largest)
+                         : isSent                         ? number
+                                                          : number != 0;
     reading.holds = std::to_string(taken);
     reading.isTaken = !reading.stored || *reading.stored == reading.holds;
     return reading;
@@ -106,7 +106,7 @@ Reading Read(const SettingsReader &reader, HKEY key, const StoredSetting &settin
 
 LSTATUS StoreOne(HKEY key, const SettingAssignment &change)
 {
-    const WCHAR *const name = change.setting->Name;
+    const WCHAR *const name = change.setting->Name.c_str();
     if (std::holds_alternative<SettingQuestion>(change.value))
     {
         return ERROR_SUCCESS;
@@ -147,12 +147,12 @@ std::string ListSettings()
     for (const StoredSetting &setting : StoredSettings())
     {
         lines.emplace_back(DescribeSetting(setting), &setting);
-        widest = std::max(widest, DisplayWidth(lines.back().first));
+        widest = std::max(widest, TerminalWidth(lines.back().first));
     }
     std::string list;
     for (const auto &[assignment, setting] : lines)
     {
-        list += assignment + std::string(widest - DisplayWidth(assignment) + 2, ' ') +
+        list += assignment + std::string(widest - TerminalWidth(assignment) + 2, ' ') +
                 Utf8FromText(setting->Meaning) + "\n";
     }
     return list;
@@ -219,10 +219,9 @@ std::optional<std::string> TooSmallSize()
 {
     SettingsBlock block;
     LoadSettings(block);
-    constexpr UINT32 Processed = 2; // of JPEGMode: the others don't change the size
     const std::pair<const char *, UINT32> sizes[] = {
-        {"JPEGLongDimension", block.JPEGMode == Processed ? block.JPEGLongEdgePixels : 0},
-        {"RAWLongDimension", block.RAWLongEdgePixels}};
+        {"JPEGLongDimension", block.JPEGMode == SendProcessed ? block.JPEG.LongEdgePixels : 0},
+        {"RAWLongDimension", block.RAW.LongEdgePixels}};
     for (const auto &[name, pixels] : sizes)
     {
         if (pixels != 0 && pixels < UINT32{SmallestUsualEdge})

@@ -2,72 +2,38 @@
 
 #include "host/SafeLine.h"
 
-#include <fcntl.h>
-#include <langinfo.h>
-#include <sys/ioctl.h>
+#include "terminal/TerminalDevice.h"
+
 #include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
-#include <cstdlib>
 #include <iostream>
-
-// After the others: the library's names are macros.
-#include <curses.h>
-#include <term.h>
 
 namespace
 {
 std::atomic<int> outputError = 0;
-
-// By the system's database of terminals. An empty TERM, and one that nobody knows, can do nothing.
-bool CanPlaceCursor(int file)
-{
-    int error = 0;
-    if (!::isatty(file) || ::setupterm(nullptr, file, &error) != OK)
-    {
-        return false;
-    }
-    const bool places = cursor_address != nullptr;
-    ::del_curterm(cur_term);
-    return places;
-}
-// Returns 0 or an errno value.
-int WriteAll(int file, std::string_view text)
-{
-    while (!text.empty())
-    {
-        const ssize_t written = ::write(file, text.data(), text.size());
-        if (written < 0 && errno != EINTR)
-        {
-            return errno;
-        }
-        text.remove_prefix(written > 0 ? static_cast<size_t>(written) : 0);
-    }
-    return 0;
-}
 } // namespace
 
 DisplayOptions DetectDisplay()
 {
-    const char *const noColour = std::getenv("NO_COLOR");
-    const bool wantsColour = noColour == nullptr || *noColour == '\0';
+    const TerminalAbilities out = AbilitiesOf(STDOUT_FILENO);
     DisplayOptions options;
-    options.live = CanPlaceCursor(STDOUT_FILENO);
-    options.colour = options.live && wantsColour;
-    options.colourFaults = wantsColour && CanPlaceCursor(STDERR_FILENO);
-    options.unicode = std::string_view(::nl_langinfo(CODESET)) == "UTF-8";
+    options.live = out.MovesCursor;
+    options.colour = out.HasColour;
+    options.colourFaults = AbilitiesOf(STDERR_FILENO).HasColour;
+    options.unicode = out.IsUnicode;
     return options;
 }
 
 bool HasTerminal()
 {
-    const int terminal = ::open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC);
+    const int terminal = OpenTerminal();
     if (terminal >= 0)
     {
         ::close(terminal);
     }
-    return terminal >= 0 || ::isatty(STDIN_FILENO);
+    return terminal >= 0;
 }
 
 bool IsUserAtTerminal()
@@ -77,8 +43,7 @@ bool IsUserAtTerminal()
 
 size_t TerminalColumns()
 {
-    winsize size = {};
-    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+    return SizeOfTerminal(STDOUT_FILENO).Columns;
 }
 
 void WriteOut(std::string_view text)

@@ -8,7 +8,7 @@
 #include <string_view>
 
 // What standard output can show: colours unless NO_COLOR is set, blocks where the locale is UTF-8,
-// a progress line where the terminal can place its cursor. The program's locale must be set.
+// a progress line where the terminal can place its cursor.
 DisplayOptions DetectDisplay();
 
 // Whether there is a terminal that dialogs can ask in: the session's own, whatever the standard files are.

@@ -5,42 +5,47 @@
 #include "loopback/AccountBook.h"
 #include "loopback/FaultQueue.h"
 #include "loopback/HttpMessages.h"
-#include "loopback/HttpServer.h"
 #include "loopback/MakerEndpoint.h"
 #include "loopback/PhotoIndex.h"
 #include "loopback/RequestJournal.h"
 #include "loopback/RequestTokenBook.h"
 #include "loopback/UploadService.h"
 
+#include <cstdint>
 #include <functional>
 #include <string>
 
 namespace loopback
 {
 
+// What the administration interface shows and changes.
+struct Administered
+{
+    AccountBook &accounts;
+    RequestTokenBook &requests;
+    MakerEndpoint &maker;
+    PhotoIndex &photos;
+    UploadService &uploads;
+    FaultQueue &faults;
+    RequestJournal &journal;
+    std::function<std::uint64_t()> secureConnections;
+    // Makes all request tokens and verifiers so many seconds older.
+    std::function<void(std::int64_t)> advance;
+};
+
 class AdminService
 {
 public:
-    using CountConnections = std::function<ConnectionCounts()>;
+    explicit AdminService(Administered administered) : m_administered(std::move(administered)) {}
 
-    AdminService(AccountBook &accounts, RequestTokenBook &requests, MakerEndpoint &maker, PhotoIndex &photos,
-                 UploadService &uploads, FaultQueue &faults, RequestJournal &journal, CountConnections counts);
-
-    // `path` is what follows "/_loopback/".
-    HttpReply Handle(HttpExchange &exchange, const std::string &path);
+    // `path` is what follows "/_loopback/"; `fields` are those of the body.
+    HttpReply Handle(const HttpRequest &request, const std::string &path, const FormFields &fields);
 
 private:
     HttpReply Read(const std::string &path) const;
     HttpReply Change(const std::string &path, const FormFields &fields);
 
-    AccountBook &m_accounts;
-    RequestTokenBook &m_requests;
-    MakerEndpoint &m_maker;
-    PhotoIndex &m_photos;
-    UploadService &m_uploads;
-    FaultQueue &m_faults;
-    RequestJournal &m_journal;
-    CountConnections m_counts;
+    Administered m_administered;
 };
 
 } // namespace loopback

@@ -7,12 +7,13 @@ namespace loopback
 
 Admission::Admission(AccountBook &accounts, OAuthVerifier::Clock clock)
     : m_accounts(accounts),
-      m_verifier([&accounts](const std::string &key) { return accounts.FindConsumerSecret(key); },
-                 [&accounts](const std::string &token) {
-                     const auto record = accounts.FindToken(token);
-                     return record ? std::optional(record->secret) : std::nullopt;
-                 },
-                 std::move(clock))
+      m_verifier(
+          Demonstration,
+          [&accounts](const std::string &token) {
+              const auto record = accounts.FindToken(token);
+              return record ? std::optional(record->secret) : std::nullopt;
+          },
+          std::move(clock))
 {
 }
 
@@ -22,10 +23,7 @@ Caller Admission::Admit(const HttpRequest &request, const FormFields &fields, Pe
     {
         return {FailReply(95, "SSL is required")};
     }
-    SignedRequest toCheck{request.method, "https://" + request.host + request.Path(),
-                          request.Header("authorization"), ParseForm(request.Query())};
-    toCheck.parameters.insert(toCheck.parameters.end(), fields.begin(), fields.end());
-    const OAuthOutcome outcome = m_verifier.Check(toCheck);
+    const OAuthOutcome outcome = m_verifier.Check(request, fields);
     if (outcome.isUnsigned)
     {
         return {FailReply(100, "Invalid API Key (Key has invalid format)")};
@@ -36,10 +34,6 @@ Caller Admission::Admit(const HttpRequest &request, const FormFields &fields, Pe
     }
     Caller caller;
     caller.token = m_accounts.FindToken(outcome.token).value_or(TokenRecord{});
-    if (!caller.token.consumer.empty() && caller.token.consumer != outcome.consumerKey)
-    {
-        return {HttpReply{401, "text/plain; charset=utf-8", "oauth_problem=token_rejected"}};
-    }
     if (caller.token.token.empty())
     {
         return {FailReply(99, "User not logged in / Insufficient permissions")};

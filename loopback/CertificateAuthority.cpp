@@ -18,6 +18,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace loopback
 {
@@ -69,12 +70,12 @@ std::string AsPem(const std::function<int(BIO *)> &write)
     return std::string(bytes, static_cast<std::size_t>(size));
 }
 
-std::string CertificatePem(X509 *certificate)
+std::string PemOf(X509 *certificate)
 {
     return AsPem([&](BIO *out) { return PEM_write_bio_X509(out, certificate); });
 }
 
-std::string KeyPem(EVP_PKEY *key)
+std::string PemOf(EVP_PKEY *key)
 {
     return AsPem(
         [&](BIO *out) { return PEM_write_bio_PrivateKey(out, key, nullptr, nullptr, 0, nullptr, nullptr); });
@@ -148,40 +149,49 @@ std::string NameList(const char *dnsPrefix, const char *ipPrefix, const char *ip
     return list;
 }
 
-Pair MakeAuthority()
+struct Extension
+{
+    int kind;
+    std::string value;
+};
+
+// Without an issuer the certificate is its own.
+Pair MakePair(const char *commonName, long life, const Pair *issuer, const std::vector<Extension> &extensions)
 {
     Pair pair;
     pair.key.reset(EVP_EC_gen("P-256"));
     Require(pair.key != nullptr, "making a key");
-    pair.certificate = NewCertificate(pair.key.get(), "Halvora loopback authority", AuthorityLife);
+    pair.certificate = NewCertificate(pair.key.get(), commonName, life);
     X509 *certificate = pair.certificate.get();
-    X509_set_issuer_name(certificate, X509_get_subject_name(certificate));
-    AddExtension(certificate, certificate, NID_basic_constraints, "critical,CA:TRUE,pathlen:0");
-    AddExtension(certificate, certificate, NID_key_usage, "critical,keyCertSign,cRLSign");
-    AddExtension(certificate, certificate, NID_subject_key_identifier, "hash");
-    AddExtension(certificate, certificate, NID_name_constraints,
-                 "critical," + NameList("permitted;DNS:", "permitted;IP:", "/255.255.255.255"));
-    Require(X509_sign(certificate, pair.key.get(), EVP_sha256()) > 0, "signing");
+    const Pair &signer = issuer ? *issuer : pair;
+    X509_set_issuer_name(certificate, X509_get_subject_name(signer.certificate.get()));
+    for (const auto &[kind, value] : extensions)
+    {
+        AddExtension(certificate, signer.certificate.get(), kind, value);
+    }
+    Require(X509_sign(certificate, signer.key.get(), EVP_sha256()) > 0, "signing");
     return pair;
+}
+
+Pair MakeAuthority()
+{
+    return MakePair(
+        "Halvora loopback authority", AuthorityLife, nullptr,
+        {{NID_basic_constraints, "critical,CA:TRUE,pathlen:0"},
+         {NID_key_usage, "critical,keyCertSign,cRLSign"},
+         {NID_subject_key_identifier, "hash"},
+         {NID_name_constraints, "critical," + NameList("permitted;DNS:", "permitted;IP:", "/255.255.255.255")}});
 }
 
 Pair MakeServer(const Pair &authority)
 {
-    Pair pair;
-    pair.key.reset(EVP_EC_gen("P-256"));
-    Require(pair.key != nullptr, "making a key");
-    pair.certificate = NewCertificate(pair.key.get(), "Halvora loopback service", ServerLife);
-    X509 *certificate = pair.certificate.get();
-    X509 *issuer = authority.certificate.get();
-    X509_set_issuer_name(certificate, X509_get_subject_name(issuer));
-    AddExtension(certificate, issuer, NID_basic_constraints, "critical,CA:FALSE");
-    AddExtension(certificate, issuer, NID_key_usage, "critical,digitalSignature");
-    AddExtension(certificate, issuer, NID_ext_key_usage, "serverAuth");
-    AddExtension(certificate, issuer, NID_subject_key_identifier, "hash");
-    AddExtension(certificate, issuer, NID_authority_key_identifier, "keyid");
-    AddExtension(certificate, issuer, NID_subject_alt_name, NameList("DNS:", "IP:", ""));
-    Require(X509_sign(certificate, authority.key.get(), EVP_sha256()) > 0, "signing");
-    return pair;
+    return MakePair("Halvora loopback service", ServerLife, &authority,
+                    {{NID_basic_constraints, "critical,CA:FALSE"},
+                     {NID_key_usage, "critical,digitalSignature"},
+                     {NID_ext_key_usage, "serverAuth"},
+                     {NID_subject_key_identifier, "hash"},
+                     {NID_authority_key_identifier, "keyid"},
+                     {NID_subject_alt_name, NameList("DNS:", "IP:", "")}});
 }
 
 bool LastsLongEnough(X509 *certificate)
@@ -190,7 +200,7 @@ bool LastsLongEnough(X509 *certificate)
     return X509_cmp_time(X509_get0_notAfter(certificate), &then) > 0;
 }
 
-// Checks what a client would: the chain, the dates and every host name.
+// Checks what a client would: the signature, the dates and every host name.
 bool IsUsable(const Pair &server, const Pair &authority)
 {
     if (!server.certificate || !authority.certificate || !LastsLongEnough(server.certificate.get()) ||
@@ -198,13 +208,7 @@ bool IsUsable(const Pair &server, const Pair &authority)
     {
         return false;
     }
-    std::unique_ptr<X509_STORE, Releaser<X509_STORE_free>> trusted(X509_STORE_new());
-    std::unique_ptr<X509_STORE_CTX, Releaser<X509_STORE_CTX_free>> check(X509_STORE_CTX_new());
-    Require(trusted && check, "allocating");
-    X509_STORE_add_cert(trusted.get(), authority.certificate.get());
-    X509_STORE_CTX_init(check.get(), trusted.get(), server.certificate.get(), nullptr);
-    X509_STORE_CTX_set_default(check.get(), "ssl_server");
-    bool usable = X509_verify_cert(check.get()) == 1;
+    bool usable = X509_verify(server.certificate.get(), authority.key.get()) == 1;
     for (const auto &host : KnownHosts())
     {
         usable = usable && (host == "127.0.0.1"
@@ -216,33 +220,24 @@ bool IsUsable(const Pair &server, const Pair &authority)
 
 } // namespace
 
-CertificateFiles PrepareCertificates(const fs::path &folder)
+Certificates PrepareCertificates(const fs::path &folder)
 {
     fs::create_directories(folder);
-    const CertificateFiles files{folder / "ca.pem", folder / "server.pem", folder / "server.key"};
-    const fs::path authorityKey = folder / "ca.key";
-
-    Pair authority = Load(files.authority, authorityKey);
-    Pair server = Load(files.serverChain, files.serverKey);
-    if (IsUsable(server, authority))
-    {
-        return files;
-    }
-    if (authority.certificate)
-    {
-        server = MakeServer(authority);
-    }
+    const fs::path authorityFile = folder / "ca.pem", authorityKey = folder / "ca.key";
+    const fs::path serverFile = folder / "server.pem", serverKey = folder / "server.key";
+    Pair authority = Load(authorityFile, authorityKey);
+    Pair server = Load(serverFile, serverKey);
     if (!IsUsable(server, authority))
     {
         authority = MakeAuthority();
         server = MakeServer(authority);
         Require(IsUsable(server, authority), "checking the new certificates");
-        WriteFile(authorityKey, KeyPem(authority.key.get()), 0600);
-        WriteFile(files.authority, CertificatePem(authority.certificate.get()), 0644);
+        WriteFile(authorityKey, PemOf(authority.key.get()), 0600);
+        WriteFile(authorityFile, PemOf(authority.certificate.get()), 0644);
+        WriteFile(serverKey, PemOf(server.key.get()), 0600);
+        WriteFile(serverFile, PemOf(server.certificate.get()), 0644);
     }
-    WriteFile(files.serverKey, KeyPem(server.key.get()), 0600);
-    WriteFile(files.serverChain, CertificatePem(server.certificate.get()), 0644);
-    return files;
+    return {authorityFile, {PemOf(server.certificate.get()), PemOf(server.key.get())}};
 }
 
 } // namespace loopback

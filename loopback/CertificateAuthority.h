@@ -3,21 +3,22 @@
 // trusts it trusts it for nothing else. Private keys have mode 0600.
 #pragma once
 
+#include "loopback/HttpServer.h"
+
 #include <filesystem>
 
 namespace loopback
 {
 
-struct CertificateFiles
+struct Certificates
 {
     // The authority's certificate, which a client must trust.
     std::filesystem::path authority;
-    std::filesystem::path serverChain;
-    std::filesystem::path serverKey;
+    ServerCredentials server;
 };
 
 // Uses the folder's certificates if they are complete, cover every known host and are valid for 30 more
 // days; otherwise creates new ones. Throws std::runtime_error.
-CertificateFiles PrepareCertificates(const std::filesystem::path &folder);
+Certificates PrepareCertificates(const std::filesystem::path &folder);
 
 } // namespace loopback

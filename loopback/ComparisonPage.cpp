@@ -16,50 +16,45 @@ namespace
 {
 
 constexpr char Style[] = R"(
-header{display:flex;flex-wrap:wrap;gap:.4rem 1.5rem;align-items:baseline;padding:1.4rem max(1.2rem,calc(50vw - 36rem));
-border-bottom:1px solid var(--line);background:var(--card)}
-h1{font-size:1.35rem;margin:0;letter-spacing:-.01em}
-header p{margin:0;color:var(--soft)}
-main{padding:1.6rem max(1.2rem,calc(50vw - 36rem)) 4rem;display:grid;gap:1.6rem;grid-template-columns:minmax(0,1fr)}
-section{background:var(--card);border:1px solid var(--line);border-radius:12px;box-shadow:var(--shade);overflow:hidden}
-h2{font-size:1.1rem;margin:0;text-align:left;padding:.9rem 1.1rem;overflow-wrap:anywhere}
-.wide{overflow-x:auto}
-table{border-collapse:collapse;width:100%;table-layout:fixed}
-th,td{padding:.45rem 1.1rem;border-top:1px solid var(--line);text-align:left;vertical-align:top;overflow-wrap:anywhere}
-thead th{vertical-align:bottom}
-th[scope=row],.corner{width:9rem;font-weight:400;color:var(--soft)}
-thead .corner,thead th{border-top:0}
+main{display:grid;gap:1.6rem;grid-template-columns:minmax(0,1fr)}
+section{overflow:hidden}h2{font-size:1.1rem;padding:.9rem 1.1rem}
+.wide{overflow-x:auto}table{table-layout:fixed;font-size:inherit}
+th,td,td:first-child{padding:.45rem 1.1rem;border-top:1px solid var(--line);text-align:left;vertical-align:top;width:auto;color:inherit}
+thead th{vertical-align:bottom;border-top:0}
+th:first-child{width:9rem;font-weight:400;color:var(--soft)}
 .picture{display:block;aspect-ratio:3/2;background:var(--chip);border-radius:8px;overflow:hidden;margin-bottom:.5rem}
-.picture img,.picture video{width:100%;height:100%;object-fit:contain;display:block}
-.none{display:grid;place-items:center;height:100%;color:var(--soft)}
-.missing{color:var(--soft)}
-.bar{display:block;height:.4rem;border-radius:99px;background:var(--chip);margin-top:.25rem}
-.bar i{display:block;height:100%;border-radius:99px;background:var(--accent);min-width:2px}
-summary{cursor:pointer}summary b{font-weight:600}
-.lost{color:var(--pink)}
-dl{margin:.4rem 0 .2rem;font-size:.82rem;max-height:18rem;overflow:auto}dt{color:var(--soft)}dd{margin:0 0 .3rem}
-.empty{text-align:center;color:var(--soft);padding:4rem 1rem}
-.untitled{color:var(--soft);font-style:italic;font-weight:400}
+.picture img{width:100%;height:100%;object-fit:contain;display:block}
+summary,details summary{padding:0;font-weight:400}.lost{color:var(--pink)}.soft{color:var(--soft)}
+details p{margin:.3rem 0;font-size:.82rem}
 @media(max-width:45rem){table{width:max-content}td,thead th{width:12.5rem;padding:.45rem .8rem}
-th[scope=row],.corner{width:6rem;padding:.45rem .4rem .45rem .8rem;font-size:.85rem;position:sticky;left:0;background:var(--card);z-index:1}}
+th:first-child{width:6rem;padding:.45rem .4rem .45rem .8rem;font-size:.85rem;position:sticky;left:0;background:var(--card);z-index:1}}
 )";
 
+constexpr char Reference[] = "As on disk";
 constexpr std::array GroupNames = {"EXIF", "GPS", "IPTC", "XMP", "Comment"};
 
 struct Upload
 {
     const PhotoRecord *photo;
-    std::shared_ptr<const PhotoFacts> facts;
+    PhotoFacts facts;
 
-    const MetadataGroup *Group(const std::string &name) const
+    // The names of the group's entries.
+    std::set<std::string> Keys(std::string_view group) const
     {
-        const auto found = std::find_if(facts->groups.begin(), facts->groups.end(),
-                                        [&](const MetadataGroup &group) { return group.name == name; });
-        return found == facts->groups.end() ? nullptr : &*found;
+        std::set<std::string> keys;
+        for (const auto &[name, entries] : facts.groups)
+        {
+            for (const auto &entry : entries)
+            {
+                if (name == group)
+                {
+                    keys.insert(entry.first);
+                }
+            }
+        }
+        return keys;
     }
 };
-
-using Cell = std::function<std::string(const Upload &)>;
 
 // The title, otherwise the file name without its extension: uploads of one picture may differ in format.
 std::string NameOf(const PhotoRecord &photo)
@@ -67,7 +62,8 @@ std::string NameOf(const PhotoRecord &photo)
     return !photo.title.empty() ? photo.title : photo.fileName.substr(0, photo.fileName.rfind('.'));
 }
 
-std::string Row(const std::string &name, const std::vector<Upload> &uploads, const Cell &cell)
+std::string Row(const std::string &name, const std::vector<Upload> &uploads,
+                const std::function<std::string(const Upload &)> &cell)
 {
     std::string html = "<tr><th scope=\"row\">" + name + "</th>";
     for (const auto &upload : uploads)
@@ -79,123 +75,118 @@ std::string Row(const std::string &name, const std::vector<Upload> &uploads, con
 
 std::string HeadRow(const std::vector<Upload> &uploads)
 {
-    std::string html = "<thead><tr><td class=\"corner\"></td>";
-    int number = 0;
-    for (const auto &upload : uploads)
+    std::string html = "<thead><tr><th></th>";
+    for (const auto &[photo, facts] : uploads)
     {
-        const std::string name =
-            upload.photo->run.empty() ? fmt::format("Upload {}", ++number) : EscapeHtml(upload.photo->run);
         html += fmt::format("<th scope=\"col\" dir=\"auto\"><a class=\"picture\" href=\"/photo/{}\">{}</a>{}</th>",
-                            upload.photo->id, PictureHtml(*upload.photo), name);
+                            photo->id, PictureHtml(*photo),
+                            photo->run.empty() ? "Upload without a name" : EscapeMarkup(photo->run));
     }
     return html + "</tr></thead>";
 }
 
-std::string SizeCell(const Upload &upload, std::int64_t largest)
+// The names that are in one set and not in the other.
+std::string Missing(const std::set<std::string> &from, const std::set<std::string> &in, const char *heading)
 {
-    return fmt::format("{}<span class=\"bar\" aria-hidden=\"true\"><i style=\"width:{:.1f}%\"></i></span>",
-                       SizeText(upload.photo->size),
-                       largest > 0 ? 100.0 * static_cast<double>(upload.photo->size) / static_cast<double>(largest)
-                                   : 0.0);
+    std::string names;
+    for (const auto &name : from)
+    {
+        names += in.contains(name) ? "" : (names.empty() ? "" : ", ") + EscapeMarkup(name);
+    }
+    return names.empty() ? "" : fmt::format("<p><b>{}</b> {}</p>", heading, names);
 }
 
-// The number of different entries that all uploads together have in the group.
-std::size_t EntriesOfAll(const std::vector<Upload> &uploads, const std::string &name)
+// `reference` is null for the reference itself and where there is none.
+std::string GroupCell(const std::set<std::string> &keys, const std::set<std::string> *reference)
 {
-    std::set<std::string> keys;
-    for (const auto &upload : uploads)
+    if (!reference || *reference == keys)
     {
-        if (const auto *group = upload.Group(name))
-        {
-            for (const auto &[key, value] : group->entries)
-            {
-                keys.insert(key);
-            }
-        }
+        return keys.empty() ? "<span class=\"soft\">none in the file</span>"
+                            : fmt::format("{}{}", reference ? "all " : "", keys.size());
     }
-    return keys.size();
+    const auto kept =
+        std::count_if(keys.begin(), keys.end(), [&](const auto &key) { return reference->contains(key); });
+    const auto lost = static_cast<std::ptrdiff_t>(reference->size()) - kept;
+    const auto added = static_cast<std::ptrdiff_t>(keys.size()) - kept;
+    return fmt::format(
+        "<details><summary>{}{}{}</summary>{}{}</details>",
+        lost == 0 ? std::string(reference->empty() ? "" : "all kept")
+                  : fmt::format("<span class=\"lost\">{} of {} kept</span>", kept, reference->size()),
+        added > 0 && !reference->empty() ? ", " : "", added > 0 ? fmt::format("{} added", added) : "",
+        Missing(*reference, keys, "Not sent:"), Missing(keys, *reference, "Added:"));
 }
 
-std::string GroupCell(const Upload &upload, const std::string &name, std::size_t ofAll)
-{
-    const auto *group = upload.Group(name);
-    if (!group)
-    {
-        return "<span class=\"lost\">none</span>";
-    }
-    std::set<std::string> keys;
-    std::string entries;
-    for (const auto &[key, value] : group->entries)
-    {
-        keys.insert(key);
-        entries += "<dt>" + EscapeHtml(key) + "</dt><dd dir=\"auto\">" + EscapeHtml(value) + "</dd>";
-    }
-    return fmt::format("<details><summary><b>{}</b>{}</summary><dl>{}</dl></details>", keys.size(),
-                       keys.size() == ofAll ? "" : fmt::format(" of {}", ofAll), entries);
-}
-
+// The first upload is the reference if it is called so.
 std::string Section(const std::vector<Upload> &uploads, int number)
 {
-    std::int64_t largest = 0;
-    for (const auto &upload : uploads)
-    {
-        largest = std::max(largest, upload.photo->size);
-    }
+    const bool isMeasured = uploads.front().photo->run == Reference;
     std::string rows =
-        Row("Size", uploads, [&](const Upload &upload) { return SizeCell(upload, largest); }) +
-        Row("Type", uploads, [](const Upload &upload) { return EscapeHtml(upload.photo->detectedType); }) +
+        Row("Size", uploads, [](const Upload &upload) { return SizeText(upload.photo->size); }) +
+        Row("Type", uploads, [](const Upload &upload) { return EscapeMarkup(upload.photo->detectedType); }) +
         Row("Pixels", uploads,
-            [](const Upload &upload) {
-                return upload.facts->width > 0 ? fmt::format("{} × {}", upload.facts->width, upload.facts->height)
-                                               : std::string("<span class=\"missing\">unknown</span>");
-            }) +
+            [](const Upload &upload) { return fmt::format("{} × {}", upload.facts.width, upload.facts.height); }) +
         Row("Colour profile", uploads, [](const Upload &upload) {
-            return upload.facts->profileSize > 0 ? SizeText(static_cast<std::int64_t>(upload.facts->profileSize))
-                                                 : std::string("<span class=\"missing\">none in the file</span>");
+            return upload.facts.profileSize > 0 ? SizeText(static_cast<std::int64_t>(upload.facts.profileSize))
+                                                : std::string("<span class=\"soft\">none in the file</span>");
         });
     for (const std::string name : GroupNames)
     {
-        if (const std::size_t ofAll = EntriesOfAll(uploads, name))
+        const auto reference = uploads.front().Keys(name);
+        if (std::any_of(uploads.begin(), uploads.end(),
+                        [&](const auto &upload) { return !upload.Keys(name).empty(); }))
         {
-            rows += Row(name, uploads, [&](const Upload &upload) { return GroupCell(upload, name, ofAll); });
+            rows += Row(name, uploads, [&](const Upload &upload) {
+                return &upload == &uploads.front()
+                           ? GroupCell(reference, nullptr)
+                           : GroupCell(upload.Keys(name), isMeasured ? &reference : nullptr);
+            });
         }
     }
-    return fmt::format("<section aria-labelledby=\"title-{0}\"><h2 id=\"title-{0}\" dir=\"auto\">{1}</h2>"
-                       "<div class=\"wide\" role=\"region\" tabindex=\"0\" "
-                       "aria-labelledby=\"title-{0}\"><table>{2}<tbody>{3}</tbody></table></div></section>\n",
-                       number, EscapeHtml(NameOf(*uploads.front().photo)), HeadRow(uploads), rows);
+    return fmt::format(
+        "<section class=\"panel\" aria-labelledby=\"title-{0}\"><h2 id=\"title-{0}\" dir=\"auto\">{1}</h2>"
+        "<div class=\"wide\" role=\"region\" tabindex=\"0\" aria-labelledby=\"title-{0}\"><table>{2}"
+        "<tbody>{3}</tbody></table></div></section>\n",
+        number, EscapeMarkup(NameOf(*uploads.front().photo)), HeadRow(uploads), rows);
 }
 
 } // namespace
 
 std::string ComparisonPage(const std::vector<PhotoRecord> &photos, const FactsOf &facts)
 {
-    // In the order in which the titles first appear.
+    // One list for each title, in the order of the newest upload of each.
     std::vector<std::vector<Upload>> comparisons;
-    for (auto photo = photos.rbegin(); photo != photos.rend(); ++photo)
+    for (const auto &photo : photos)
     {
         const auto same = std::find_if(comparisons.begin(), comparisons.end(), [&](const auto &uploads) {
-            return NameOf(*uploads.front().photo) == NameOf(*photo);
+            return NameOf(*uploads.front().photo) == NameOf(photo);
         });
         auto &uploads = same == comparisons.end() ? comparisons.emplace_back() : *same;
-        uploads.push_back({&*photo, facts(*photo)});
+        if (std::none_of(uploads.begin(), uploads.end(),
+                         [&](const auto &upload) { return upload.photo->run == photo.run; }))
+        {
+            uploads.push_back({&photo, facts(photo)});
+        }
     }
     std::erase_if(comparisons, [](const auto &uploads) { return uploads.size() < 2; });
     std::string main;
     int number = 0;
-    for (const auto &uploads : comparisons)
+    for (auto &uploads : comparisons)
     {
+        std::stable_partition(uploads.begin(), uploads.end(),
+                              [](const auto &upload) { return upload.photo->run == Reference; });
         main += Section(uploads, ++number);
     }
     if (main.empty())
     {
-        main = "<div class=\"empty\"><h2>Nothing to compare yet</h2><p>Photos that were uploaded more than once "
-               "under the same title appear here side by side.</p></div>";
+        main = "<div class=\"empty\"><h2>Nothing to compare yet</h2><p>Photos that were uploaded under the same "
+               "title "
+               "in more than one run appear here side by side.</p></div>";
     }
-    return PageFrame({"Uploads side by side", Style,
-                      "<h1>Uploads side by side</h1><p>What came through each time, the earliest on the left</p>"
-                      "<p><a href=\"/\">← All photos</a></p>",
-                      main});
+    return GalleryFrame(
+        "Uploads side by side",
+        "<h1>Uploads side by side</h1><p>What arrived, compared with the file as it is on disk; the "
+        "newest first</p><p><a href=\"/\">← All photos</a></p>",
+        main, Style);
 }
 
 } // namespace loopback

@@ -1,5 +1,5 @@
-// A page that shows uploads of the same title side by side: which of the picture and of its metadata
-// arrived each time.
+// A page that shows uploads of the same title side by side: what of the picture and of its metadata arrived each
+// time, measured against the upload whose run is called "As on disk".
 #pragma once
 
 #include "loopback/GalleryPage.h"
@@ -11,7 +11,8 @@
 namespace loopback
 {
 
-// `photos` begin with the newest; in each comparison the oldest is on the left.
+// `photos` begin with the newest, and so do the comparisons. Of several uploads with the same title and run only the
+// newest is shown.
 std::string ComparisonPage(const std::vector<PhotoRecord> &photos, const FactsOf &facts);
 
 } // namespace loopback

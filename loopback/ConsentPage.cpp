@@ -28,7 +28,6 @@ h2{font-size:.95rem;margin:1.1rem 0 .35rem}
 .sheet li::before{position:absolute;left:.15rem;font-weight:700}
 .can li::before{content:"✓";color:var(--accent)}
 .cannot li{color:var(--soft)}.cannot li::before{content:"–"}
-.notice{border-left:4px solid var(--pink);background:var(--chip);padding:.7rem .9rem;border-radius:0 8px 8px 0;margin:0 0 1.2rem}
 form{margin:1.5rem 0 0;padding-top:1.3rem;border-top:1px solid var(--line)}
 label{display:block;font-weight:600;margin-bottom:.3rem}
 input{font:inherit;color:inherit;background:var(--page);width:100%;padding:.6rem .75rem;border:1px solid var(--soft);
@@ -42,7 +41,6 @@ button:hover{filter:brightness(1.08)}
 :focus-visible{outline:3px solid var(--pink);outline-offset:2px}
 .after{margin:1.2rem 0 0;font-size:.88rem;color:var(--soft);overflow-wrap:anywhere}
 .sheet>p:last-child{margin-bottom:0}
-.code{font-size:1.8rem;font-weight:700;letter-spacing:.06em;margin:.6rem 0}
 )";
 
 constexpr char Brand[] = "<p class=\"brand\">flickr<i>-loopback</i></p>";
@@ -81,7 +79,7 @@ std::string Initial(const std::string &name)
 
 std::string Hidden(const char *name, const std::string &value)
 {
-    return fmt::format("<input type=\"hidden\" name=\"{}\" value=\"{}\">", name, EscapeHtml(value));
+    return fmt::format("<input type=\"hidden\" name=\"{}\" value=\"{}\">", name, EscapeMarkup(value));
 }
 
 std::string FormHtml(const ConsentQuestion &question)
@@ -89,12 +87,12 @@ std::string FormHtml(const ConsentQuestion &question)
     const std::string hint = question.isUserUnknown
                                  ? "<p class=\"hint wrong\" id=\"user-hint\" role=\"alert\">There is no "
                                    "account of this name here.</p>"
-                                 : "<p class=\"hint\" id=\"user-hint\">" + EscapeHtml(question.fullName) +
+                                 : "<p class=\"hint\" id=\"user-hint\">" + EscapeMarkup(question.fullName) +
                                        ". On this machine no password is asked for.</p>";
     return "<form method=\"post\" action=\"/services/oauth/authorize\">" + Hidden("oauth_token", question.token) +
-           Hidden("perms", question.permission) + Hidden("form_key", question.formKey) +
+           Hidden("perms", question.permission) +
            "<label for=\"user\">Your account</label><input id=\"user\" name=\"user\" value=\"" +
-           EscapeHtml(question.userName) +
+           EscapeMarkup(question.userName) +
            "\" autocomplete=\"username\" autocapitalize=\"none\" spellcheck=\"false\" maxlength=\"200\" "
            "required "
            "aria-describedby=\"user-hint\"" +
@@ -112,24 +110,19 @@ std::string Sheet(const std::string &html)
 
 std::string ConsentQuestionPage(const ConsentQuestion &question)
 {
-    const std::string name = EscapeHtml(question.application);
+    const std::string name = EscapeMarkup(question.application);
     const bool mayWrite = question.permission != "read";
     const bool mayDelete = question.permission == "delete";
-    const std::string after = question.callbackHost.empty()
-                                  ? "If you allow it, you see a code to type into " + name + "."
-                                  : "If you allow it, your browser goes on to <b>" +
-                                        EscapeHtml(question.callbackHost) + "</b>, which lets " + name + " know.";
     const std::string main =
         "<p class=\"who\"><span class=\"badge\" aria-hidden=\"true\">" +
-        EscapeHtml(Initial(question.application)) + "</span><span>The program <b>" + name +
+        EscapeMarkup(Initial(question.application)) + "</span><span>The program <b>" + name +
         "</b> asks</span></p><h1 id=\"heading\" dir=\"auto\">" +
-        EscapeHtml(Question(question.application, question.permission)) + "</h1>" +
-        (question.notice.empty() ? ""
-                                 : "<p class=\"notice\" role=\"alert\">" + EscapeHtml(question.notice) + "</p>") +
+        EscapeMarkup(Question(question.application, question.permission)) + "</h1>" +
         "<h2>It will be able to</h2><ul class=\"can\">" + MaySee + (mayWrite ? MayWrite : "") +
         (mayDelete ? MayDelete : "") + "</ul><h2>It won’t be able to</h2><ul class=\"cannot\">" +
         (mayWrite ? "" : MayWrite) + (mayDelete ? "" : MayDelete) + NeverPassword + "</ul>" + FormHtml(question) +
-        "<p class=\"after\">" + after + " You can answer for " + TimeLeft(question.secondsLeft) + ".</p>";
+        "<p class=\"after\">If you allow it, your browser goes on to <b>" + EscapeMarkup(question.callbackHost) +
+        "</b>, which lets " + name + " know. You can answer for " + TimeLeft(question.secondsLeft) + ".</p>";
     return PageFrame({question.application + " asks for access", Style, Brand, Sheet(main)});
 }
 
@@ -137,15 +130,7 @@ std::string ConsentOutcomePage(std::string_view heading, std::string_view text)
 {
     return PageFrame(
         {std::string(heading), Style, Brand,
-         Sheet("<h1 id=\"heading\">" + EscapeHtml(heading) + "</h1><p>" + EscapeHtml(text) + "</p>")});
-}
-
-std::string ConsentCodePage(const std::string &application, const std::string &code)
-{
-    const std::string name = EscapeHtml(application);
-    return PageFrame({"Your code for " + application, Style, Brand,
-                      Sheet("<h1 id=\"heading\">You have allowed it</h1><p>Type this code into " + name +
-                            ":</p><p class=\"code\">" + EscapeHtml(code) + "</p>")});
+         Sheet("<h1 id=\"heading\">" + EscapeMarkup(heading) + "</h1><p>" + EscapeMarkup(text) + "</p>")});
 }
 
 } // namespace loopback

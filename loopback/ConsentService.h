@@ -3,12 +3,9 @@
 #pragma once
 
 #include "loopback/AccountBook.h"
-#include "loopback/ConsentPage.h"
 #include "loopback/FormFields.h"
 #include "loopback/HttpMessages.h"
 #include "loopback/RequestTokenBook.h"
-
-#include <string>
 
 namespace loopback
 {
@@ -16,22 +13,20 @@ namespace loopback
 class ConsentService
 {
 public:
-    ConsentService(const AccountBook &accounts, RequestTokenBook &requests);
+    ConsentService(const AccountBook &accounts, RequestTokenBook &requests)
+        : m_accounts(accounts), m_requests(requests)
+    {
+    }
 
-    HttpReply Handle(HttpExchange &exchange);
+    // `fields` are those of the body.
+    HttpReply Handle(const HttpRequest &request, const FormFields &fields);
 
 private:
-    HttpReply Ask(const HttpRequest &request, const FormFields &fields, const std::string &notice,
-                  bool isUserUnknown);
-    HttpReply Answer(const HttpRequest &request, const FormFields &fields);
-    HttpReply Granted(const RequestToken &token) const;
-    std::string FormKey(const std::string &visitor, const FormFields &fields) const;
-    std::string ApplicationName(const RequestToken &token) const;
+    HttpReply Ask(const FormFields &fields, bool isUserUnknown) const;
+    HttpReply Answer(const FormFields &fields);
 
     const AccountBook &m_accounts;
     RequestTokenBook &m_requests;
-    // Random key of this run of the service. It signs the forms, so nobody else can make a valid one.
-    std::string m_key;
 };
 
 } // namespace loopback

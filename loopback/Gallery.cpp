@@ -23,26 +23,6 @@ HttpReply Picture(const PhotoRecord &record, const std::filesystem::path &path)
 
 } // namespace
 
-Gallery::Gallery(const AccountBook &accounts, const PhotoIndex &photos, const UploadService &uploads)
-    : m_accounts(accounts), m_photos(photos), m_uploads(uploads)
-{
-}
-
-std::shared_ptr<const PhotoFacts> Gallery::Facts(const PhotoRecord &record) const
-{
-    {
-        std::lock_guard lock(m_mutex);
-        const auto known = m_facts.find(record.id);
-        if (known != m_facts.end())
-        {
-            return known->second;
-        }
-    }
-    auto facts = std::make_shared<const PhotoFacts>(ReadPhotoFacts(m_uploads.PathOf(record)));
-    std::lock_guard lock(m_mutex);
-    return m_facts[record.id] = std::move(facts);
-}
-
 HttpReply Gallery::Handle(const HttpRequest &request) const
 {
     constexpr std::string_view photoPrefix = "/photo/";
@@ -52,7 +32,7 @@ HttpReply Gallery::Handle(const HttpRequest &request) const
     {
         return {405, "text/plain; charset=utf-8", "These pages are only read.\n"};
     }
-    const auto facts = [this](const PhotoRecord &record) { return Facts(record); };
+    const auto facts = [this](const PhotoRecord &record) { return ReadPhotoFacts(m_uploads.PathOf(record)); };
     if (path == "/")
     {
         return PageReply(200, OverviewPage(m_accounts.Get(), m_photos.All(), facts));
@@ -71,7 +51,7 @@ HttpReply Gallery::Handle(const HttpRequest &request) const
         if (record)
         {
             return isFile ? Picture(*record, m_uploads.PathOf(*record))
-                          : PageReply(200, PhotoPage(*record, *Facts(*record)));
+                          : PageReply(200, PhotoPage(*record, facts(*record)));
         }
     }
     return PageReply(404, MissingPage());

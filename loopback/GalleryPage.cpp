@@ -15,17 +15,17 @@ namespace loopback
 namespace
 {
 
-constexpr char Style[] = R"(
+const std::string Style = R"(
 header{display:flex;flex-wrap:wrap;gap:.4rem 1.5rem;align-items:baseline;padding:1.4rem max(1.2rem,calc(50vw - 36rem));
 border-bottom:1px solid var(--line);background:var(--card)}
 h1{font-size:1.35rem;margin:0;letter-spacing:-.01em}h1 i{font-style:normal;color:var(--pink)}
-header p{margin:0;color:var(--soft)}
+header p{margin:0;color:var(--soft)}header .demo{flex-basis:100%;font-size:.87rem}
 main{padding:1.6rem max(1.2rem,calc(50vw - 36rem)) 4rem}
 .grid{display:grid;grid-template-columns:repeat(auto-fill,minmax(17.5rem,1fr));gap:1.3rem}
 .card{background:var(--card);border:1px solid var(--line);border-radius:12px;overflow:hidden;box-shadow:var(--shade);
 display:flex;flex-direction:column}
 .card .picture{display:block;aspect-ratio:3/2;background:var(--chip)}
-.picture img,.picture video{width:100%;height:100%;object-fit:cover;display:block}
+.picture img{width:100%;height:100%;object-fit:cover;display:block}
 .none{display:grid;place-items:center;height:100%;color:var(--soft)}
 .text{padding:.9rem 1rem 1rem;display:flex;flex-direction:column;gap:.55rem;flex:1}
 h2{font-size:1.02rem;line-height:1.3;margin:0;overflow-wrap:anywhere}h2 a{color:inherit}
@@ -40,7 +40,7 @@ font-size:.83rem;color:var(--soft)}
 .empty{text-align:center;color:var(--soft);padding:5rem 1rem}
 .photo{display:grid;gap:1.5rem;grid-template-columns:minmax(0,1fr)}
 @media(min-width:60rem){.photo{grid-template-columns:minmax(0,3fr) minmax(0,2fr);align-items:start}}
-.photo>.picture img,.photo>.picture video{max-height:80vh;object-fit:contain;background:var(--chip);border-radius:12px}
+.photo>.picture img{max-height:80vh;object-fit:contain;background:var(--chip);border-radius:12px}
 .panel{background:var(--card);border:1px solid var(--line);border-radius:12px;box-shadow:var(--shade)}
 .groups{margin-top:1.5rem;display:grid;gap:1rem}
 details summary{padding:.7rem 1rem;cursor:pointer;font-weight:600}
@@ -74,24 +74,19 @@ std::string TimeText(std::int64_t unixSeconds)
     return fmt::format("{:%Y-%m-%d %H:%M}", fmt::localtime(static_cast<std::time_t>(unixSeconds)));
 }
 
-std::string Frame(const std::string &title, const std::string &heading, const std::string &main)
-{
-    return PageFrame({title, Style, heading, main});
-}
-
 std::string TagsHtml(const PhotoRecord &photo)
 {
     std::string html;
     for (const auto &tag : SplitTags(photo.tags))
     {
-        html += "<li>" + EscapeHtml(tag) + "</li>";
+        html += "<li>" + EscapeMarkup(tag) + "</li>";
     }
     return html.empty() ? html : "<ul class=\"tags\" aria-label=\"Tags\">" + html + "</ul>";
 }
 
 std::string DescriptionHtml(const PhotoRecord &photo)
 {
-    return photo.description.empty() ? "" : "<p dir=\"auto\">" + EscapeHtml(photo.description) + "</p>";
+    return photo.description.empty() ? "" : "<p dir=\"auto\">" + EscapeMarkup(photo.description) + "</p>";
 }
 
 std::string GroupNames(const PhotoFacts &facts)
@@ -112,19 +107,19 @@ std::string CardHtml(const PhotoRecord &photo, const std::string &groupNames)
                        "<span>{9}</span><span>{10}</span>{11}</div></div></article>\n",
                        photo.id, PictureHtml(photo), TitleHtml(photo), DescriptionHtml(photo), TagsHtml(photo),
                        Audience(photo), Word(SafetyWords, photo.safetyLevel),
-                       Word(ContentWords, photo.contentType), EscapeHtml(photo.detectedType), SizeText(photo.size),
-                       groupNames.empty() ? "no metadata in the file" : groupNames,
-                       photo.run.empty() ? "" : "<span>" + EscapeHtml(photo.run) + "</span>");
+                       Word(ContentWords, photo.contentType), EscapeMarkup(photo.detectedType),
+                       SizeText(photo.size), groupNames.empty() ? "no metadata in the file" : groupNames,
+                       photo.run.empty() ? "" : "<span>" + EscapeMarkup(photo.run) + "</span>");
 }
 
 std::string RowHtml(const std::string &name, const std::string &value)
 {
-    return "<tr><td>" + EscapeHtml(name) + "</td><td dir=\"auto\">" + EscapeHtml(value) + "</td></tr>";
+    return "<tr><td>" + EscapeMarkup(name) + "</td><td dir=\"auto\">" + EscapeMarkup(value) + "</td></tr>";
 }
 
 std::string UploadTable(const PhotoRecord &photo, const PhotoFacts &facts)
 {
-    std::string rows =
+    const std::string rows =
         RowHtml("Who may see it", Audience(photo)) + RowHtml("Safety", Word(SafetyWords, photo.safetyLevel)) +
         RowHtml("Content", Word(ContentWords, photo.contentType)) +
         RowHtml("Search", Word(SearchWords, photo.hidden)) + RowHtml("File name", photo.fileName) +
@@ -134,14 +129,20 @@ std::string UploadTable(const PhotoRecord &photo, const PhotoFacts &facts)
         RowHtml("Pixels", facts.width > 0 ? fmt::format("{} × {}", facts.width, facts.height) : "unknown") +
         RowHtml("SHA-256", photo.sha256) + RowHtml("Uploaded", TimeText(photo.uploaded)) +
         RowHtml("Program", photo.userAgent) + RowHtml("Photo id", std::to_string(photo.id));
-    if (!photo.ticket.empty())
-    {
-        rows += RowHtml("Ticket", photo.ticket);
-    }
     return "<table>" + rows + "</table>";
 }
 
 } // namespace
+
+std::string GalleryFrame(const std::string &title, const std::string &heading, const std::string &main,
+                         const std::string &style)
+{
+    return PageFrame({title, Style + style,
+                      heading +
+                          "<p class=\"demo\">A demonstration: <b>flickr-loopback</b> shows this page, on your own "
+                          "computer. Nothing here has left it.</p>",
+                      main});
+}
 
 std::string SizeText(std::int64_t bytes)
 {
@@ -152,21 +153,17 @@ std::string SizeText(std::int64_t bytes)
 
 std::string TitleHtml(const PhotoRecord &photo)
 {
-    return photo.title.empty() ? "<span class=\"untitled\">untitled</span>" : EscapeHtml(photo.title);
+    return photo.title.empty() ? "<span class=\"untitled\">untitled</span>" : EscapeMarkup(photo.title);
 }
 
 std::string PictureHtml(const PhotoRecord &photo)
 {
     const std::string source = fmt::format("/photo/{}/file", photo.id);
-    if (photo.detectedType.starts_with("video/"))
-    {
-        return "<video controls preload=\"metadata\" src=\"" + source + "\"></video>";
-    }
     if (photo.detectedType == "image/tiff")
     {
         return "<span class=\"none\">TIFF: no preview</span>";
     }
-    return "<img loading=\"lazy\" alt=\"" + EscapeHtml(photo.title) + "\" src=\"" + source + "\">";
+    return "<img loading=\"lazy\" alt=\"" + EscapeMarkup(photo.title) + "\" src=\"" + source + "\">";
 }
 
 std::string OverviewPage(const Account &account, const std::vector<PhotoRecord> &photos, const FactsOf &facts)
@@ -176,17 +173,17 @@ std::string OverviewPage(const Account &account, const std::vector<PhotoRecord> 
     for (const auto &photo : photos)
     {
         bytes += photo.size;
-        cards += CardHtml(photo, GroupNames(*facts(photo)));
+        cards += CardHtml(photo, GroupNames(facts(photo)));
     }
-    const std::string heading =
-        fmt::format("<h1>{}<i>.</i></h1><p>{} · {} account · {} {}, {}</p>"
-                    "<p><a href=\"/compare\">Compare uploads</a></p>",
-                    EscapeHtml(account.fullName), EscapeHtml(account.userName), account.isPro ? "Pro" : "Basic",
-                    photos.size(), photos.size() == 1 ? "photo" : "photos", SizeText(bytes));
-    return Frame(account.fullName + "’s photos", heading,
-                 photos.empty() ? "<div class=\"empty\"><h2>Nothing published yet</h2>"
-                                  "<p>Pictures appear here as soon as they are uploaded.</p></div>"
-                                : "<div class=\"grid\">" + cards + "</div>");
+    const std::string heading = fmt::format("<h1>{}<i>.</i></h1><p>{} · {} account · {} {}, {}</p>"
+                                            "<p><a href=\"/compare\">Compare uploads</a></p>",
+                                            EscapeMarkup(account.fullName), EscapeMarkup(account.userName),
+                                            account.isPro ? "Pro" : "Basic", photos.size(),
+                                            photos.size() == 1 ? "photo" : "photos", SizeText(bytes));
+    return GalleryFrame(account.fullName + "’s photos", heading,
+                        photos.empty() ? "<div class=\"empty\"><h2>Nothing published yet</h2>"
+                                         "<p>Pictures appear here as soon as they are uploaded.</p></div>"
+                                       : "<div class=\"grid\">" + cards + "</div>");
 }
 
 std::string PhotoPage(const PhotoRecord &photo, const PhotoFacts &facts)
@@ -213,14 +210,14 @@ std::string PhotoPage(const PhotoRecord &photo, const PhotoFacts &facts)
                     "<section class=\"groups\" aria-label=\"Metadata in the file\">{6}</section>",
                     photo.id, PictureHtml(photo), TitleHtml(photo), DescriptionHtml(photo), TagsHtml(photo),
                     UploadTable(photo, facts), groups);
-    return Frame(photo.title.empty() ? "Photo " + std::to_string(photo.id) : photo.title,
-                 "<h1><a href=\"/\">← All photos</a></h1>", main);
+    return GalleryFrame(photo.title.empty() ? "Photo " + std::to_string(photo.id) : photo.title,
+                        "<h1><a href=\"/\">← All photos</a></h1>", main);
 }
 
 std::string MissingPage()
 {
-    return Frame("Not found", "<h1><a href=\"/\">← All photos</a></h1>",
-                 "<div class=\"empty\"><h2>Nothing is here</h2></div>");
+    return GalleryFrame("Not found", "<h1><a href=\"/\">← All photos</a></h1>",
+                        "<div class=\"empty\"><h2>Nothing is here</h2></div>");
 }
 
 } // namespace loopback

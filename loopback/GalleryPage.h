@@ -7,14 +7,17 @@
 
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
 namespace loopback
 {
 
-using FactsOf = std::function<std::shared_ptr<const PhotoFacts>(const PhotoRecord &)>;
+using FactsOf = std::function<PhotoFacts(const PhotoRecord &)>;
+
+// A page with the gallery's header; heading and main are HTML, `style` is CSS beyond the gallery's own.
+std::string GalleryFrame(const std::string &title, const std::string &heading, const std::string &main,
+                         const std::string &style = "");
 
 // A photo's title, or what the pages show for an untitled one; HTML.
 std::string TitleHtml(const PhotoRecord &photo);

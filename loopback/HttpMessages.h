@@ -1,12 +1,10 @@
-// HTTP as the service's endpoints see it: a request whose body is read piece by piece, and a reply.
-// Independent of the library that implements the protocol.
+// HTTP as the service's endpoints see it, independent of the library that implements the protocol.
 #pragma once
 
-#include <chrono>
-#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -26,8 +24,6 @@ struct HttpRequest
     // Names in lower case.
     std::map<std::string, std::string> headers;
     bool secure = false;
-    // Counted from 1 over the life of the server.
-    std::uint64_t connection = 0;
 
     // The header's value, or an empty text.
     std::string Header(const std::string &lowerCaseName) const
@@ -47,6 +43,24 @@ struct HttpRequest
 
     // The host without its port.
     std::string HostName() const { return host.substr(0, host.find(':')); }
+
+    // Whether a page of another site made the browser send this: the browser names that site in the Origin header.
+    bool IsFromForeignPage() const
+    {
+        const std::string origin = Header("origin");
+        return !origin.empty() && origin != (secure ? "https://" : "http://") + host;
+    }
+};
+
+enum class Delivery
+{
+    Whole,
+    // The whole length is announced; the connection ends after half of the body.
+    Half,
+    // Nothing is sent; the connection is closed in order (FIN) ...
+    Closed,
+    // ... or reset (RST).
+    Reset
 };
 
 struct HttpReply
@@ -57,38 +71,25 @@ struct HttpReply
     std::vector<std::pair<std::string, std::string>> headers;
     // If set, the reply's body is this file's content, and `body` is ignored.
     std::filesystem::path file;
-    // Announce the whole length, send half of it and drop the connection.
-    bool cutInBody = false;
+    Delivery delivery = Delivery::Whole;
 };
 
-enum class ConnectionEnd
-{
-    // Orderly close (FIN).
-    Closed,
-    // Reset (RST).
-    Reset
-};
-
-// One request on its connection, for the thread that handles it.
-class HttpExchange
+// One request from its header to its answer, on a thread of its connection.
+class HttpTransaction
 {
 public:
-    using BodySink = std::function<bool(std::string_view)>;
+    virtual ~HttpTransaction() = default;
 
-    virtual ~HttpExchange() = default;
-    virtual const HttpRequest &Request() const = 0;
+    // Takes the next piece of the body. False resets the connection; there is no answer then.
+    virtual bool TakeBody(std::string_view bytes) = 0;
 
-    // Passes the whole body to the sink in pieces. Returns false if the sink stopped it, the client
-    // disconnected or the server is stopping; the rest of the body is then lost with the connection.
-    virtual bool ReadBody(const BodySink &sink) = 0;
-
-    // Returns false as soon as the server is stopping.
-    virtual bool Pause(std::chrono::milliseconds duration) = 0;
-
-    // Sends and reads nothing more: the connection ends when the handler returns, and its reply is discarded.
-    virtual void Drop(ConnectionEnd end) = 0;
+    // Called once the whole body has arrived.
+    virtual HttpReply Answer() = 0;
 };
 
-using HttpHandler = std::function<HttpReply(HttpExchange &)>;
+using BeginTransaction = std::function<std::unique_ptr<HttpTransaction>(const HttpRequest &)>;
+
+// The usual words for an HTTP status, such as "Bad Gateway".
+std::string StatusWords(int status);
 
 } // namespace loopback

@@ -1,20 +1,22 @@
 #include "loopback/HttpServer.h"
 
-#include "loopback/Connection.h"
+#include <microhttpd.h>
 
-#include <httplib.h>
-#include <openssl/ssl.h>
-
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <poll.h>
 #include <sys/eventfd.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <cctype>
-#include <exception>
-#include <fstream>
+#include <condition_variable>
+#include <cstring>
+#include <mutex>
 #include <stdexcept>
-#include <thread>
 
 namespace loopback
 {
@@ -22,14 +24,59 @@ namespace loopback
 namespace
 {
 
-constexpr std::chrono::minutes KeepAliveLimit{5};
-constexpr std::size_t KeepAliveRequests = 1'000'000'000;
 constexpr int ListenBacklog = 128;
 // A fixed, small receive buffer, so that a client notices after a few hundred KB that we stopped reading.
 constexpr int ReceiveBuffer = 128 * 1024;
-// httplib parses multipart bodies itself if it sees their Content-Type. Under this header name it doesn't,
-// so that they stream through our own parser.
-constexpr char HiddenContentType[] = "X-Loopback-Content-Type";
+// Half of it holds the piece of a body that is passed on at a time.
+constexpr std::size_t ConnectionMemory = 256 * 1024;
+constexpr unsigned char TlsHandshakeRecord = 0x16;
+
+// The server as one of its two daemons sees it.
+struct Door
+{
+    const BeginTransaction &begin;
+    bool isSecure;
+};
+
+struct StopDaemon
+{
+    void operator()(MHD_Daemon *daemon) const { MHD_stop_daemon(daemon); }
+};
+using Daemon = std::unique_ptr<MHD_Daemon, StopDaemon>;
+
+class Socket
+{
+public:
+    explicit Socket(int number) : m_number(number) {}
+    Socket(Socket &&other) noexcept : m_number(std::exchange(other.m_number, -1)) {}
+    Socket &operator=(Socket &&other) noexcept
+    {
+        std::swap(m_number, other.m_number);
+        return *this;
+    }
+    ~Socket()
+    {
+        if (m_number >= 0)
+        {
+            close(m_number);
+        }
+    }
+
+    int Get() const { return m_number; }
+    int Release() { return std::exchange(m_number, -1); }
+
+private:
+    int m_number;
+};
+
+// What is known of a request between the calls of the library.
+struct Exchange
+{
+    std::string target;
+    std::unique_ptr<HttpTransaction> transaction;
+    // The error that the transaction ended with, to be answered when the body has been read to its end.
+    std::string failure;
+};
 
 std::string LowerCase(std::string text)
 {
@@ -57,338 +104,301 @@ void TakeWholeAddress(HttpRequest &request)
     }
 }
 
-// Adapts a connection to httplib's stream interface.
-class ConnectionStream final : public httplib::Stream
+HttpRequest RequestOf(MHD_Connection *connection, const char *method, const std::string &target, bool isSecure)
 {
-public:
-    explicit ConnectionStream(Connection &connection) : m_connection(connection) {}
-
-    bool is_readable() const override { return !m_connection.IsDropped(); }
-    bool is_writable() const override { return !m_connection.IsDropped(); }
-    ssize_t read(char *bytes, std::size_t size) override { return m_connection.Read(bytes, size); }
-    ssize_t write(const char *bytes, std::size_t size) override { return m_connection.Write(bytes, size); }
-    void get_remote_ip_and_port(std::string &ip, int &) const override { ip = "127.0.0.1"; }
-    void get_local_ip_and_port(std::string &ip, int &) const override { ip = "127.0.0.1"; }
-    socket_t socket() const override { return m_connection.Socket(); }
-
-private:
-    Connection &m_connection;
-};
-
-// Each connection has its own thread for as long as it lasts, so an idle browser blocks nobody.
-class ThreadPerConnection final : public httplib::TaskQueue
-{
-public:
-    void enqueue(std::function<void()> work) override
+    HttpRequest request{method, target};
+    request.secure = isSecure;
+    MHD_get_connection_values(
+        connection, MHD_HEADER_KIND,
+        [](void *headers, MHD_ValueKind, const char *name, const char *value) {
+            static_cast<std::map<std::string, std::string> *>(headers)->emplace(LowerCase(name),
+                                                                                value ? value : "");
+            return MHD_YES;
+        },
+        &request.headers);
+    request.host = request.Header("host");
+    TakeWholeAddress(request);
+    request.host = LowerCase(request.host);
+    const std::string ownPort = isSecure ? ":443" : ":80";
+    if (request.host.ends_with(ownPort))
     {
-        ++m_running;
-        std::thread([this, work = std::move(work)] {
-            work();
-            std::lock_guard lock(m_mutex);
-            --m_running;
-            m_ended.notify_all();
-        }).detach();
+        request.host.resize(request.host.size() - ownPort.size());
     }
-
-    void shutdown() override
-    {
-        std::unique_lock lock(m_mutex);
-        m_ended.wait(lock, [this] { return m_running == 0; });
-    }
-
-private:
-    std::atomic<int> m_running = 0;
-    std::mutex m_mutex;
-    std::condition_variable m_ended;
-};
-
-class Exchange final : public HttpExchange
-{
-public:
-    Exchange(const httplib::Request &request, Connection &connection, const httplib::ContentReader *reader)
-        : m_connection(connection), m_reader(reader), m_drained(reader == nullptr)
-    {
-        m_request.method = request.method;
-        m_request.target = request.target;
-        m_request.secure = connection.IsSecure();
-        m_request.connection = connection.Number();
-        for (const auto &[name, value] : request.headers)
-        {
-            m_request.headers.emplace(LowerCase(name == HiddenContentType ? "Content-Type" : name), value);
-        }
-        m_request.host = m_request.Header("host");
-        TakeWholeAddress(m_request);
-        m_request.host = LowerCase(m_request.host);
-        const std::string ownPort = m_request.secure ? ":443" : ":80";
-        if (m_request.host.ends_with(ownPort))
-        {
-            m_request.host.resize(m_request.host.size() - ownPort.size());
-        }
-    }
-
-    const HttpRequest &Request() const override { return m_request; }
-
-    bool ReadBody(const BodySink &sink) override
-    {
-        if (m_drained)
-        {
-            return true;
-        }
-        // If the sink throws, read the body to its end all the same: the rest must not be taken for a request.
-        std::exception_ptr failure;
-        m_drained = (*m_reader)([&](const char *bytes, std::size_t size) {
-            try
-            {
-                return (failure || sink(std::string_view(bytes, size))) && !m_connection.IsDropped();
-            }
-            catch (...)
-            {
-                failure = std::current_exception();
-                return true;
-            }
-        });
-        if (!m_drained)
-        {
-            m_connection.Drop(ConnectionEnd::Reset);
-        }
-        if (failure)
-        {
-            std::rethrow_exception(failure);
-        }
-        return m_drained;
-    }
-
-    bool Pause(std::chrono::milliseconds duration) override { return m_connection.Pause(duration); }
-    void Drop(ConnectionEnd end) override { m_connection.Drop(end); }
-
-private:
-    HttpRequest m_request;
-    Connection &m_connection;
-    const httplib::ContentReader *m_reader;
-    bool m_drained;
-};
-
-void SendFile(const std::filesystem::path &path, const std::string &type, httplib::Response &response)
-{
-    auto file = std::make_shared<std::ifstream>(path, std::ios::binary);
-    std::error_code error;
-    const auto size = std::filesystem::file_size(path, error);
-    if (error || !*file)
-    {
-        response.status = 404;
-        return;
-    }
-    response.set_content_provider(
-        size, type, [file](std::size_t offset, std::size_t length, httplib::DataSink &sink) {
-            char bytes[64 * 1024];
-            file->seekg(static_cast<std::streamoff>(offset));
-            file->read(bytes, static_cast<std::streamsize>(std::min(length, sizeof bytes)));
-            return file->gcount() > 0 && sink.write(bytes, static_cast<std::size_t>(file->gcount()));
-        });
+    return request;
 }
 
-void FillResponse(const HttpReply &reply, httplib::Response &response)
+void Reset(MHD_Connection *connection)
 {
-    response.status = reply.status;
+    // Taking back the address of a connected socket makes the system send a reset.
+    const sockaddr none{AF_UNSPEC, {}};
+    connect(MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD)->connect_fd, &none,
+            sizeof none);
+}
+
+MHD_Response *FileResponse(const std::filesystem::path &path)
+{
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const off_t size = file >= 0 ? lseek(file, 0, SEEK_END) : -1;
+    // The response owns the file.
+    return size < 0 ? nullptr : MHD_create_response_from_fd(static_cast<std::size_t>(size), file);
+}
+
+// Gives half of the text and then an error, upon which the library ends the connection.
+MHD_Response *HalfResponse(const std::string &body)
+{
+    return MHD_create_response_from_callback(
+        body.size(), body.size(),
+        [](void *text, std::uint64_t position, char *bytes, std::size_t size) -> ssize_t {
+            const auto &whole = *static_cast<std::string *>(text);
+            if (position >= whole.size() / 2)
+            {
+                return MHD_CONTENT_READER_END_WITH_ERROR;
+            }
+            return static_cast<ssize_t>(whole.copy(bytes, std::min(size, whole.size() / 2 - position), position));
+        },
+        new std::string(body), [](void *text) { delete static_cast<std::string *>(text); });
+}
+
+MHD_Result Send(MHD_Connection *connection, const HttpReply &reply)
+{
+    if (reply.delivery == Delivery::Reset)
+    {
+        Reset(connection);
+    }
+    if (reply.delivery == Delivery::Reset || reply.delivery == Delivery::Closed)
+    {
+        return MHD_NO;
+    }
+    MHD_Response *response =
+        !reply.file.empty() ? FileResponse(reply.file)
+        : reply.delivery == Delivery::Half
+            ? HalfResponse(reply.body)
+            : MHD_create_response_from_buffer(reply.body.size(), const_cast<char *>(reply.body.data()),
+                                              MHD_RESPMEM_MUST_COPY);
+    if (!response)
+    {
+        return MHD_NO;
+    }
+    MHD_add_response_header(response, MHD_HTTP_HEADER_CONTENT_TYPE, reply.contentType.c_str());
     for (const auto &[name, value] : reply.headers)
     {
-        response.set_header(name, value);
+        MHD_add_response_header(response, name.c_str(), value.c_str());
     }
-    if (!reply.file.empty())
-    {
-        SendFile(reply.file, reply.contentType, response);
-    }
-    else if (reply.cutInBody)
-    {
-        response.set_content_provider(reply.body.size(), reply.contentType,
-                                      [body = reply.body](std::size_t, std::size_t, httplib::DataSink &sink) {
-                                          sink.write(body.data(), body.size() / 2);
-                                          return false;
-                                      });
-    }
-    else
-    {
-        response.set_content(reply.body, reply.contentType);
-    }
+    const MHD_Result result = MHD_queue_response(connection, static_cast<unsigned>(reply.status), response);
+    MHD_destroy_response(response);
+    return result;
 }
 
-bool SetUpTls(SSL_CTX &context, const std::filesystem::path &chain, const std::filesystem::path &key)
+// The library calls this with the header, then for each piece of the body, then for the answer.
+MHD_Result Handle(void *door, MHD_Connection *connection, const char *, const char *method, const char *,
+                  const char *bytes, std::size_t *size, void **state)
 {
-    SSL_CTX_set_min_proto_version(&context, TLS1_2_VERSION);
-    SSL_CTX_set_mode(&context, SSL_MODE_ENABLE_PARTIAL_WRITE | SSL_MODE_ACCEPT_MOVING_WRITE_BUFFER);
-    SSL_CTX_set_options(&context, SSL_OP_NO_COMPRESSION | SSL_OP_IGNORE_UNEXPECTED_EOF);
-    return SSL_CTX_use_certificate_chain_file(&context, chain.c_str()) == 1 &&
-           SSL_CTX_use_PrivateKey_file(&context, key.c_str(), SSL_FILETYPE_PEM) == 1;
+    auto &exchange = *static_cast<Exchange *>(*state);
+    const bool isBegin = !exchange.transaction && exchange.failure.empty();
+    const bool isEnd = !isBegin && *size == 0;
+    try
+    {
+        if (isBegin)
+        {
+            const auto &[begin, isSecure] = *static_cast<const Door *>(door);
+            exchange.transaction = begin(RequestOf(connection, method, exchange.target, isSecure));
+            return MHD_YES;
+        }
+        if (isEnd)
+        {
+            const HttpReply reply = exchange.failure.empty() ? exchange.transaction->Answer()
+                                                             : HttpReply{500, "text/plain", exchange.failure};
+            // What the request held is given back before the client sees the answer.
+            exchange.transaction.reset();
+            return Send(connection, reply);
+        }
+        const std::string_view piece(bytes, std::exchange(*size, 0));
+        if (exchange.failure.empty() && !exchange.transaction->TakeBody(piece))
+        {
+            Reset(connection);
+            return MHD_NO;
+        }
+    }
+    catch (const std::exception &failure)
+    {
+        exchange.failure = failure.what();
+        return isEnd ? Send(connection, {500, "text/plain", exchange.failure}) : MHD_YES;
+    }
+    return MHD_YES;
+}
+
+void *Begin(void *, const char *target, MHD_Connection *)
+{
+    return new Exchange{target};
+}
+
+void End(void *, MHD_Connection *, void **state, MHD_RequestTerminationCode)
+{
+    delete static_cast<Exchange *>(std::exchange(*state, nullptr));
+}
+
+Daemon StartDaemon(const Door &door, const ServerCredentials &credentials)
+{
+    std::vector<MHD_OptionItem> options = {
+        {MHD_OPTION_URI_LOG_CALLBACK, reinterpret_cast<intptr_t>(&Begin), nullptr},
+        {MHD_OPTION_NOTIFY_COMPLETED, reinterpret_cast<intptr_t>(&End), nullptr},
+        {MHD_OPTION_CONNECTION_MEMORY_LIMIT, static_cast<intptr_t>(ConnectionMemory), nullptr}};
+    if (door.isSecure)
+    {
+        options.push_back(
+            {MHD_OPTION_HTTPS_PRIORITIES, 0, const_cast<char *>("NORMAL:-VERS-ALL:+VERS-TLS1.3:+VERS-TLS1.2")});
+        options.push_back(
+            {MHD_OPTION_HTTPS_MEM_CERT, 0, const_cast<char *>(credentials.certificateChain.c_str())});
+        options.push_back({MHD_OPTION_HTTPS_MEM_KEY, 0, const_cast<char *>(credentials.privateKey.c_str())});
+    }
+    options.push_back({MHD_OPTION_END, 0, nullptr});
+    const unsigned flags = MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_THREAD_PER_CONNECTION | MHD_USE_POLL |
+                           MHD_USE_NO_LISTEN_SOCKET | MHD_USE_ITC | (door.isSecure ? MHD_USE_TLS : MHD_NO_FLAG);
+    Daemon daemon(MHD_start_daemon(flags, 0, nullptr, nullptr, &Handle, const_cast<Door *>(&door),
+                                   MHD_OPTION_ARRAY, options.data(), MHD_OPTION_END));
+    if (!daemon)
+    {
+        throw std::runtime_error("the server's certificate or key can't be used");
+    }
+    return daemon;
+}
+
+Socket Listen(int port)
+{
+    Socket listening(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    const int on = 1;
+    setsockopt(listening.Get(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+    setsockopt(listening.Get(), SOL_SOCKET, SO_RCVBUF, &ReceiveBuffer, sizeof ReceiveBuffer);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    if (bind(listening.Get(), reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0 ||
+        listen(listening.Get(), ListenBacklog) != 0)
+    {
+        throw std::runtime_error("can't listen on 127.0.0.1, port " + std::to_string(port) +
+                                 ": is another program using it?");
+    }
+    return listening;
 }
 
 } // namespace
 
-class HttpServer::Listener final : public httplib::SSLServer
+struct HttpServer::State
 {
-public:
-    Listener(const std::filesystem::path &chain, const std::filesystem::path &key, HttpHandler handler)
-        : httplib::SSLServer([&](SSL_CTX &context) { return SetUpTls(context, chain, key); }),
-          m_handler(std::move(handler)),
-          m_stopSignal(eventfd(0, EFD_CLOEXEC))
+    State(int port, const ServerCredentials &credentials, BeginTransaction beginTransaction)
+        : begin(std::move(beginTransaction)),
+          listening(Listen(port)),
+          plainDaemon(StartDaemon(plainDoor, credentials)),
+          secureDaemon(StartDaemon(secureDoor, credentials))
     {
-        if (!is_valid() || m_stopSignal < 0)
-        {
-            throw std::runtime_error("the server's certificate or key can't be used: " + chain.string());
-        }
-        set_keep_alive_max_count(KeepAliveRequests);
-        set_keep_alive_timeout(std::chrono::seconds(KeepAliveLimit).count());
-        new_task_queue = [] { return new ThreadPerConnection; };
-        // Not SO_REUSEPORT: with it a second server could silently take half of the connections.
-        set_socket_options([this](socket_t socket) {
-            m_socket = socket;
-            const int on = 1;
-            setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-            setsockopt(socket, SOL_SOCKET, SO_RCVBUF, &ReceiveBuffer, sizeof ReceiveBuffer);
-        });
-        Get(".*", [this](const httplib::Request &request, httplib::Response &response) {
-            Answer(request, response, nullptr);
-        });
-        Post(".*", [this](const httplib::Request &request, httplib::Response &response,
-                          const httplib::ContentReader &reader) { Answer(request, response, &reader); });
     }
 
-    ~Listener() override { close(m_stopSignal); }
-
-    int Bind(int port)
+    // Passes a connection whose first byte has arrived to the daemon that it is for.
+    void Pass(Socket connection)
     {
-        const int bound =
-            port == 0 ? bind_to_any_port("127.0.0.1") : (bind_to_port("127.0.0.1", port) ? port : -1);
-        if (bound <= 0)
+        unsigned char first = 0;
+        if (recv(connection.Get(), &first, 1, MSG_PEEK) != 1)
         {
-            throw std::runtime_error("can't listen on 127.0.0.1, port " + std::to_string(port) +
-                                     ": is another program using it?");
+            return;
         }
-        // Call listen again for a longer queue than httplib's five.
-        ::listen(m_socket, ListenBacklog);
-        return bound;
+        const bool isSecure = first == TlsHandshakeRecord;
+        secureConnections += isSecure ? 1 : 0;
+        sockaddr_in client{};
+        client.sin_family = AF_INET;
+        client.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        MHD_add_connection((isSecure ? secureDaemon : plainDaemon).get(), connection.Release(),
+                           reinterpret_cast<const sockaddr *>(&client), sizeof client);
     }
 
-    void SignalStop()
-    {
-        const std::uint64_t one = 1;
-        [[maybe_unused]] const auto written = write(m_stopSignal, &one, sizeof one);
-        stop();
-    }
-
-    ConnectionCounts Counts() const { return {m_accepted, m_secure, m_resumed, m_open, m_requests}; }
-
-private:
-    // The one operation of the library that is replaced: TLS and plain HTTP on one port, waiting until the server
-    // stops, and ends of a connection that a fault asks for are nowhere else to be had.
-    bool process_and_close_socket(socket_t socket) override
-    {
-        Connection connection(socket, m_stopSignal, ++m_accepted);
-        ++m_open;
-        if (connection.Accept(ssl_context()))
-        {
-            m_secure += connection.IsSecure() ? 1 : 0;
-            m_resumed += connection.IsResumed() ? 1 : 0;
-            ConnectionStream stream(connection);
-            t_connection = &connection;
-            while (connection.WaitForRequest(KeepAliveLimit) && ServeOne(stream, connection))
-            {
-            }
-            t_connection = nullptr;
-        }
-        --m_open;
-        return true;
-    }
-
-    bool ServeOne(ConnectionStream &stream, Connection &connection)
-    {
-        bool closed = false;
-        bool understood = false;
-        const bool done = process_request(stream, false, closed, [&](httplib::Request &request) {
-            understood = Admit(request);
-            if (!understood)
-            {
-                connection.Drop(ConnectionEnd::Reset);
-            }
-        });
-        return done && understood && !closed && !connection.IsDropped();
-    }
-
-    bool Admit(httplib::Request &request)
-    {
-        ++m_requests;
-        const auto type = request.headers.find("Content-Type");
-        if (type != request.headers.end())
-        {
-            const std::string value = type->second;
-            request.headers.erase(type);
-            request.headers.emplace(HiddenContentType, value);
-        }
-        // Without a length httplib would read until the connection ends.
-        if (request.method == "POST" && !request.has_header("Content-Length") &&
-            !request.has_header("Transfer-Encoding"))
-        {
-            request.set_header("Content-Length", "0");
-        }
-        return request.method == "GET" || request.method == "HEAD" || request.method == "POST";
-    }
-
-    void Answer(const httplib::Request &request, httplib::Response &response, const httplib::ContentReader *reader)
-    {
-        Exchange exchange(request, *t_connection, reader);
-        HttpReply reply;
-        try
-        {
-            reply = m_handler(exchange);
-        }
-        catch (const std::exception &failure)
-        {
-            reply = HttpReply{500, "text/plain; charset=utf-8", failure.what()};
-        }
-        exchange.ReadBody([](std::string_view) { return true; });
-        FillResponse(reply, response);
-    }
-
-    // httplib doesn't tell its handlers on which connection they run.
-    static thread_local Connection *t_connection;
-
-    HttpHandler m_handler;
-    int m_socket = -1; // that listens
-    int m_stopSignal;
-    std::atomic<std::uint64_t> m_accepted = 0;
-    std::atomic<std::uint64_t> m_secure = 0;
-    std::atomic<std::uint64_t> m_resumed = 0;
-    std::atomic<std::uint64_t> m_open = 0;
-    std::atomic<std::uint64_t> m_requests = 0;
+    const BeginTransaction begin;
+    const Door plainDoor{begin, false};
+    const Door secureDoor{begin, true};
+    const Socket listening;
+    const Socket stopSignal{eventfd(0, EFD_CLOEXEC)};
+    std::atomic<std::uint64_t> secureConnections = 0;
+    std::mutex mutex;
+    std::condition_variable stopped;
+    bool isStopping = false;
+    Daemon plainDaemon;
+    Daemon secureDaemon;
 };
 
-thread_local Connection *HttpServer::Listener::t_connection = nullptr;
-
-HttpServer::HttpServer(const std::filesystem::path &certificateChain, const std::filesystem::path &privateKey,
-                       HttpHandler handler)
-    : m_listener(std::make_unique<Listener>(certificateChain, privateKey, std::move(handler)))
+HttpServer::HttpServer(int port, const ServerCredentials &credentials, BeginTransaction begin)
+    : m_state(std::make_unique<State>(port, credentials, std::move(begin)))
 {
 }
 
 HttpServer::~HttpServer() = default;
 
-int HttpServer::Bind(int port)
+int HttpServer::Port() const
 {
-    return m_listener->Bind(port);
+    sockaddr_in address{};
+    socklen_t size = sizeof address;
+    getsockname(m_state->listening.Get(), reinterpret_cast<sockaddr *>(&address), &size);
+    return ntohs(address.sin_port);
 }
 
 void HttpServer::Run()
 {
-    m_listener->listen_after_bind();
+    const int listening = m_state->listening.Get();
+    const int stopSignal = m_state->stopSignal.Get();
+    // Those of which nothing has arrived yet.
+    std::vector<Socket> waiting;
+    for (;;)
+    {
+        std::vector<pollfd> polled = {{stopSignal, POLLIN, 0}, {listening, POLLIN, 0}};
+        for (const auto &connection : waiting)
+        {
+            polled.push_back({connection.Get(), POLLIN, 0});
+        }
+        poll(polled.data(), polled.size(), -1);
+        if (polled[0].revents != 0)
+        {
+            break;
+        }
+        for (std::size_t i = waiting.size(); i > 0; --i)
+        {
+            if (polled[i + 1].revents != 0)
+            {
+                m_state->Pass(std::move(waiting[i - 1]));
+                waiting.erase(waiting.begin() + static_cast<std::ptrdiff_t>(i - 1));
+            }
+        }
+        Socket connection(accept4(listening, nullptr, nullptr, SOCK_CLOEXEC));
+        if (connection.Get() >= 0)
+        {
+            waiting.push_back(std::move(connection));
+        }
+    }
+    m_state->plainDaemon.reset();
+    m_state->secureDaemon.reset();
 }
 
 void HttpServer::Stop()
 {
-    m_listener->SignalStop();
+    {
+        std::lock_guard lock(m_state->mutex);
+        m_state->isStopping = true;
+    }
+    m_state->stopped.notify_all();
+    eventfd_write(m_state->stopSignal.Get(), 1);
 }
 
-ConnectionCounts HttpServer::Counts() const
+bool HttpServer::Pause(std::chrono::milliseconds duration)
 {
-    return m_listener->Counts();
+    std::unique_lock lock(m_state->mutex);
+    return !m_state->stopped.wait_for(lock, duration, [this] { return m_state->isStopping; });
+}
+
+std::uint64_t HttpServer::SecureConnections() const
+{
+    return m_state->secureConnections;
+}
+
+std::string StatusWords(int status)
+{
+    return MHD_get_reason_phrase_for(static_cast<unsigned>(status));
 }
 
 } // namespace loopback

@@ -1,47 +1,46 @@
-// The listening socket on 127.0.0.1 and its threads. cpp-httplib handles the HTTP protocol; the connections
-// (TLS, waiting, cutting) are our own. One connection carries any number of requests.
+// The listening socket on 127.0.0.1, for TLS and for plain HTTP: the first byte of a connection tells which it is.
+// libmicrohttpd handles the connections, each on a thread of its own and with any number of requests.
 #pragma once
 
 #include "loopback/HttpMessages.h"
 
+#include <chrono>
 #include <cstdint>
-#include <filesystem>
 #include <memory>
 
 namespace loopback
 {
 
-struct ConnectionCounts
+struct ServerCredentials
 {
-    std::uint64_t accepted = 0;
-    std::uint64_t secure = 0;
-    // Connections that resumed a TLS session instead of a full handshake.
-    std::uint64_t resumed = 0;
-    std::uint64_t open = 0;
-    std::uint64_t requests = 0;
+    // PEM
+    std::string certificateChain;
+    std::string privateKey;
 };
 
 class HttpServer
 {
 public:
-    // Takes the PEM files of the server's certificate chain and key. Throws std::runtime_error.
-    HttpServer(const std::filesystem::path &certificateChain, const std::filesystem::path &privateKey,
-               HttpHandler handler);
+    // Listens on the port; 0 lets the system choose one. From then on clients can connect; they get answers once Run
+    // is running. Throws std::runtime_error.
+    HttpServer(int port, const ServerCredentials &credentials, BeginTransaction begin);
     ~HttpServer();
 
-    // Listens on the port (0 lets the system choose one) and returns it. Throws std::runtime_error. From then
-    // on clients can connect; they get answers once Run is running.
-    int Bind(int port);
+    int Port() const;
 
     // Serves until another thread calls Stop. Returns when every connection is closed.
     void Run();
     void Stop();
 
-    ConnectionCounts Counts() const;
+    // For transactions: returns false as soon as the server is stopping.
+    bool Pause(std::chrono::milliseconds duration);
+
+    // How many connections with TLS clients have opened so far.
+    std::uint64_t SecureConnections() const;
 
 private:
-    class Listener;
-    std::unique_ptr<Listener> m_listener;
+    struct State;
+    std::unique_ptr<State> m_state;
 };
 
 } // namespace loopback

@@ -1,7 +1,5 @@
 #include "loopback/IncomingFile.h"
 
-#include "loopback/FileKind.h"
-
 #include <fcntl.h>
 #include <stdlib.h>
 #include <unistd.h>
@@ -13,6 +11,13 @@
 
 namespace loopback
 {
+
+namespace
+{
+
+constexpr std::size_t FirstBytesKept = 16;
+
+}
 
 IncomingFile::IncomingFile(const std::filesystem::path &folder)
 {
@@ -39,9 +44,9 @@ void IncomingFile::Add(std::string_view bytes)
 {
     m_hash.Add(bytes);
     m_size += static_cast<std::int64_t>(bytes.size());
-    if (m_firstBytes.size() < FileKindBytes)
+    if (m_firstBytes.size() < FirstBytesKept)
     {
-        m_firstBytes.append(bytes.substr(0, FileKindBytes - m_firstBytes.size()));
+        m_firstBytes.append(bytes.substr(0, FirstBytesKept - m_firstBytes.size()));
     }
     while (!bytes.empty())
     {

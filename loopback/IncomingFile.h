@@ -2,7 +2,7 @@
 // destructor deletes the file unless Keep was called.
 #pragma once
 
-#include "loopback/Digest.h"
+#include "loopback/Secrets.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -25,7 +25,7 @@ public:
     void Add(std::string_view bytes);
 
     std::int64_t Size() const { return m_size; }
-    // As many as RecogniseFile looks at, if the file has them.
+    // The first few, enough to recognise a format.
     const std::string &FirstBytes() const { return m_firstBytes; }
     std::string Sha256() { return m_hash.Finish(); }
 

@@ -5,23 +5,25 @@
 #include "loopback/Admission.h"
 #include "loopback/CertificateAuthority.h"
 #include "loopback/ConsentService.h"
-#include "database/Database.h"
+#include "loopback/Documents.h"
 #include "loopback/FaultQueue.h"
-#include "loopback/FaultyExchange.h"
 #include "loopback/Gallery.h"
+#include "loopback/HttpServer.h"
 #include "loopback/MakerEndpoint.h"
 #include "loopback/PhotoIndex.h"
 #include "loopback/RequestJournal.h"
 #include "loopback/RequestTokenBook.h"
 #include "loopback/RestService.h"
 #include "loopback/ServiceHosts.h"
-#include "loopback/StoreLock.h"
 #include "loopback/TokenService.h"
 #include "loopback/UploadService.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <ctime>
 #include <stdexcept>
 
@@ -34,77 +36,6 @@ namespace
 namespace fs = std::filesystem;
 
 constexpr std::string_view AdminPrefix = "/_loopback/";
-
-// The endpoint that a request addresses.
-enum class Endpoint
-{
-    Nowhere,
-    Upload,
-    Rest,
-    RequestToken,
-    Consent,
-    AccessToken,
-    Maker,
-    Admin,
-    Gallery
-};
-
-std::string WithoutClosingSlash(std::string path)
-{
-    return path.size() > 1 && path.ends_with('/') ? path.substr(0, path.size() - 1) : path;
-}
-
-Endpoint EndpointFor(const HttpRequest &request)
-{
-    const std::string host = request.HostName();
-    const std::string path = WithoutClosingSlash(request.Path());
-    const bool isLocal = host == "localhost" || host == "127.0.0.1";
-    if (path == "/services/upload")
-    {
-        return isLocal || host == ApiHost() || host == UploadHost() ? Endpoint::Upload : Endpoint::Nowhere;
-    }
-    if (path == "/services/rest")
-    {
-        return isLocal || host == ApiHost() ? Endpoint::Rest : Endpoint::Nowhere;
-    }
-    if (path.starts_with("/services/oauth/"))
-    {
-        const bool isHere = isLocal || host == WebHost() || host == ApiHost();
-        return !isHere                                   ? Endpoint::Nowhere
-               : path == "/services/oauth/request_token" ? Endpoint::RequestToken
-               : path == "/services/oauth/authorize"     ? Endpoint::Consent
-               : path == "/services/oauth/access_token"  ? Endpoint::AccessToken
-                                                         : Endpoint::Nowhere;
-    }
-    if (request.target.starts_with(AdminPrefix))
-    {
-        return Endpoint::Admin;
-    }
-    if (host == MakerHost())
-    {
-        return Endpoint::Maker;
-    }
-    return path.starts_with("/services/") ? Endpoint::Nowhere : Endpoint::Gallery;
-}
-
-const char *FaultTarget(Endpoint endpoint)
-{
-    switch (endpoint)
-    {
-    case Endpoint::Upload:
-        return "upload";
-    case Endpoint::Rest:
-        return "rest";
-    case Endpoint::RequestToken:
-    case Endpoint::Consent:
-    case Endpoint::AccessToken:
-        return "oauth";
-    case Endpoint::Maker:
-        return "maker";
-    default:
-        return nullptr;
-    }
-}
 
 std::int64_t Now()
 {
@@ -128,157 +59,27 @@ std::pair<std::string, std::string> SplitAt(const std::string &text, char mark)
     return {text.substr(0, at), text.substr(at + 1)};
 }
 
+void ThrowIf(const std::optional<std::string> &complaint)
+{
+    if (complaint)
+    {
+        throw std::runtime_error(*complaint);
+    }
+}
+
 } // namespace
 
 struct LoopbackService::Parts
 {
-    explicit Parts(const ServiceOptions &options)
-        : lock(Prepared(options.store)),
-          database(options.store / "index.sqlite"),
-          accounts(database),
-          photos(database),
-          requestTokens(database, Now, [this] { return accounts.Get().requestTokenLife; }),
-          maker(database, Now, [this] { return accounts.Get().requestTokenLife; }),
-          tokens(accounts, requestTokens, Now),
-          consent(accounts, requestTokens),
-          admission(accounts, Now),
-          uploads(options.store, accounts, photos, admission),
-          rest(accounts, photos, admission),
-          admin(accounts, requestTokens, maker, photos, uploads, faults, journal,
-                [this] { return server.Counts(); }),
-          gallery(accounts, photos, uploads),
-          certificates(
-              PrepareCertificates(options.certificates.empty() ? options.store / "ca" : options.certificates)),
-          server(certificates.serverChain, certificates.serverKey,
-                 [this](HttpExchange &exchange) { return Answer(exchange); })
-    {
-        Apply(options);
-        port = server.Bind(options.port);
-    }
+    struct Call;
+    struct Route;
+    class Transaction;
 
-    void Apply(const ServiceOptions &options)
-    {
-        for (const auto &property : options.accountProperties)
-        {
-            const auto [name, value] = SplitAt(property, '=');
-            if (const auto complaint = accounts.Set(name, value))
-            {
-                throw std::runtime_error(*complaint);
-            }
-        }
-        for (const auto &pair : options.tokens)
-        {
-            const auto [token, secret] = SplitAt(pair, ':');
-            accounts.AddToken({token, secret, "write"});
-        }
-        for (const auto &pair : options.consumers)
-        {
-            const auto [key, secret] = SplitAt(pair, ':');
-            const auto mark = std::min(secret.find(':'), secret.size());
-            accounts.AddConsumer(key, secret.substr(0, mark), secret.substr(std::min(mark + 1, secret.size())));
-        }
-        for (const auto &text : options.faults)
-        {
-            Fault fault;
-            if (const auto complaint = ReadFault(ParseForm(text), fault))
-            {
-                throw std::runtime_error(*complaint);
-            }
-            faults.Add(fault);
-        }
-    }
+    explicit Parts(const ServiceOptions &options);
 
-    HttpReply Answer(HttpExchange &exchange)
-    {
-        const HttpRequest &request = exchange.Request();
-        if (!IsKnownHost(request.HostName()))
-        {
-            return {421, "text/plain; charset=utf-8", "The host name is none of this service's.\n"};
-        }
-        const Endpoint endpoint = EndpointFor(request);
-        JournalEntry entry{request.connection,
-                           request.secure,
-                           request.method,
-                           request.host,
-                           request.Path(),
-                           "",
-                           request.Header("user-agent"),
-                           request.Header("content-type"),
-                           request.Header("content-length"),
-                           request.Header("expect")};
-        HttpReply reply = AnswerWithFaults(exchange, endpoint, entry);
-        if (endpoint != Endpoint::Admin)
-        {
-            entry.status = reply.status;
-            journal.Add(entry);
-        }
-        return reply;
-    }
-
-    HttpReply AnswerWithFaults(HttpExchange &exchange, Endpoint endpoint, JournalEntry &entry)
-    {
-        const char *target = FaultTarget(endpoint);
-        const auto fault = target ? faults.Take(target) : std::nullopt;
-        entry.answered = true;
-        if (!fault)
-        {
-            return AnswerIn(endpoint, exchange, entry);
-        }
-        entry.fault = FaultName(fault->kind);
-        entry.answered = fault->kind != FaultKind::Cut && fault->kind != FaultKind::NoAnswer &&
-                         fault->kind != FaultKind::Truncated;
-        FaultyExchange faulty(exchange, *fault);
-        const auto answer = FaultAnswer(*fault);
-        const bool isRefusal = fault->kind == FaultKind::Status || fault->kind == FaultKind::Error;
-        if (answer && isRefusal && !fault->isCarriedOut)
-        {
-            return *answer;
-        }
-        HttpReply reply = AnswerIn(endpoint, faulty, entry);
-        if (fault->kind == FaultKind::Delay)
-        {
-            exchange.Pause(std::chrono::milliseconds(fault->milliseconds));
-        }
-        else if (fault->kind == FaultKind::NoAnswer)
-        {
-            exchange.Drop(ConnectionEnd::Closed);
-        }
-        reply.cutInBody = fault->kind == FaultKind::Truncated;
-        return answer.value_or(reply);
-    }
-
-    HttpReply AnswerIn(Endpoint endpoint, HttpExchange &exchange, JournalEntry &entry)
-    {
-        switch (endpoint)
-        {
-        case Endpoint::Upload:
-            return uploads.Handle(exchange);
-        case Endpoint::Rest:
-        {
-            RestReply answer = rest.Handle(exchange);
-            entry.apiMethod = answer.method;
-            return answer.reply;
-        }
-        case Endpoint::RequestToken:
-            return tokens.RequestToken(exchange);
-        case Endpoint::Consent:
-            return consent.Handle(exchange);
-        case Endpoint::AccessToken:
-            return tokens.AccessToken(exchange);
-        case Endpoint::Maker:
-            return maker.Handle(exchange.Request());
-        case Endpoint::Admin:
-            return admin.Handle(exchange, exchange.Request().Path().substr(AdminPrefix.size()));
-        case Endpoint::Gallery:
-            return gallery.Handle(exchange.Request());
-        case Endpoint::Nowhere:
-            break;
-        }
-        return {404, "text/plain; charset=utf-8", "Nothing is here.\n"};
-    }
-
-    StoreLock lock;
-    Database database;
+    Documents documents;
+    // How many seconds the clock of the authorizations is fast.
+    std::atomic<std::int64_t> ahead = 0;
     AccountBook accounts;
     PhotoIndex photos;
     RequestTokenBook requestTokens;
@@ -292,10 +93,230 @@ struct LoopbackService::Parts
     RequestJournal journal;
     AdminService admin;
     Gallery gallery;
-    CertificateFiles certificates;
+    Certificates certificates;
     HttpServer server;
-    int port = 0;
 };
+
+// What an endpoint answers with: the request, and its body as fields or, for an upload, as a form.
+struct LoopbackService::Parts::Call
+{
+    Parts &parts;
+    const HttpRequest &request;
+    const FormFields &fields;
+    UploadForm &form;
+};
+
+struct LoopbackService::Parts::Route
+{
+    std::string_view path;
+    // Beside 127.0.0.1 and localhost.
+    std::vector<std::string> hosts;
+    // What faults call it; null where none can strike.
+    const char *faultTarget;
+    HttpReply (*answer)(const Call &);
+
+    static const Route &Of(const HttpRequest &request);
+};
+
+const LoopbackService::Parts::Route &LoopbackService::Parts::Route::Of(const HttpRequest &request)
+{
+    static const Route Services[] = {
+        {"/services/upload",
+         {ApiHost, UploadHost},
+         "upload",
+         [](const Call &call) { return call.parts.uploads.Handle(call.request, call.form); }},
+        {"/services/rest",
+         {ApiHost},
+         "rest",
+         [](const Call &call) { return call.parts.rest.Handle(call.request, call.fields); }},
+        {"/services/oauth/request_token",
+         {WebHost, ApiHost},
+         "oauth",
+         [](const Call &call) { return call.parts.tokens.RequestToken(call.request, call.fields); }},
+        {"/services/oauth/authorize",
+         {WebHost, ApiHost},
+         "oauth",
+         [](const Call &call) { return call.parts.consent.Handle(call.request, call.fields); }},
+        {"/services/oauth/access_token",
+         {WebHost, ApiHost},
+         "oauth",
+         [](const Call &call) { return call.parts.tokens.AccessToken(call.request, call.fields); }},
+    };
+    static const Route Nowhere{"", {}, nullptr, [](const Call &) {
+                                   return HttpReply{404, "text/plain; charset=utf-8", "Nothing is here.\n"};
+                               }};
+    static const Route Stranger{
+        "", {}, nullptr, [](const Call &) {
+            return HttpReply{421, "text/plain; charset=utf-8", "The host name is none of this service's.\n"};
+        }};
+    static const Route Admin{AdminPrefix, {}, nullptr, [](const Call &call) {
+                                 const std::string path = call.request.Path().substr(AdminPrefix.size());
+                                 return call.parts.admin.Handle(call.request, path, call.fields);
+                             }};
+    static const Route Maker{
+        "", {}, "maker", [](const Call &call) { return call.parts.maker.Handle(call.request); }};
+    static const Route Pages{
+        "", {}, nullptr, [](const Call &call) { return call.parts.gallery.Handle(call.request); }};
+
+    const std::string host = request.HostName();
+    std::string path = request.Path();
+    if (path.size() > 1 && path.ends_with('/'))
+    {
+        path.pop_back();
+    }
+    const auto *route = std::ranges::find(Services, path, &Route::path);
+    if (route != std::end(Services))
+    {
+        const bool isHere =
+            host == "localhost" || host == "127.0.0.1" || std::ranges::count(route->hosts, host) > 0;
+        return isHere ? *route : Nowhere;
+    }
+    return !IsKnownHost(host)                        ? Stranger
+           : request.target.starts_with(AdminPrefix) ? Admin
+           : host == MakerHost                       ? Maker
+           : path.starts_with("/services/")          ? Nowhere
+                                                     : Pages;
+}
+
+// Brings a request to its endpoint, past the fault that strikes it.
+class LoopbackService::Parts::Transaction final : public HttpTransaction
+{
+public:
+    Transaction(Parts &parts, const HttpRequest &request)
+        : m_parts(parts),
+          m_request(request),
+          m_route(Route::Of(request)),
+          m_form(request.Header("content-type"), parts.uploads.IncomingFolder())
+    {
+        if (m_route.faultTarget)
+        {
+            m_fault = parts.faults.Take(m_route.faultTarget);
+        }
+    }
+
+    bool TakeBody(std::string_view bytes) override
+    {
+        if (!Pace(bytes.size()))
+        {
+            Note({.status = 0, .delivery = Delivery::Reset});
+            return false;
+        }
+        m_form.Add(bytes);
+        return true;
+    }
+
+    HttpReply Answer() override
+    {
+        const HttpReply reply = Pace(0) ? AnswerWithFault() : HttpReply{.delivery = Delivery::Reset};
+        Note(reply);
+        return reply;
+    }
+
+private:
+    bool Has(std::string_view kind) const { return m_fault && m_fault->kind == kind; }
+
+    // Delays or ends the reading of the body as the fault wants it.
+    bool Pace(std::size_t count)
+    {
+        using namespace std::chrono;
+        m_read += static_cast<std::int64_t>(count);
+        if (Has("cut") && m_read >= m_fault->after)
+        {
+            return false;
+        }
+        if (Has("stall") && !m_hasStalled && m_read >= m_fault->after)
+        {
+            m_hasStalled = true;
+            return m_parts.server.Pause(milliseconds(m_fault->milliseconds));
+        }
+        if (Has("slow"))
+        {
+            const auto due = m_begin + milliseconds(m_read * 1000 / m_fault->bytesPerSecond);
+            const auto early = ceil<milliseconds>(due - steady_clock::now());
+            return early.count() <= 0 || m_parts.server.Pause(early);
+        }
+        return true;
+    }
+
+    HttpReply AnswerWithFault()
+    {
+        const auto answer = m_fault ? FaultAnswer(*m_fault) : std::nullopt;
+        if (answer && (Has("status") || Has("error")) && !m_fault->isCarriedOut)
+        {
+            return *answer;
+        }
+        HttpReply reply = m_route.answer({m_parts, m_request, m_form.Fields(), m_form});
+        if (Has("delay"))
+        {
+            m_parts.server.Pause(std::chrono::milliseconds(m_fault->milliseconds));
+        }
+        reply.delivery = Has("no-answer") ? Delivery::Closed : Has("truncated") ? Delivery::Half : Delivery::Whole;
+        return answer.value_or(reply);
+    }
+
+    void Note(const HttpReply &reply)
+    {
+        if (m_route.path == AdminPrefix)
+        {
+            return;
+        }
+        m_parts.journal.Add({{"secure", m_request.secure},
+                             {"http_method", m_request.method},
+                             {"host", m_request.host},
+                             {"path", m_request.Path()},
+                             {"method", RestMethod(m_request, m_form.Fields())},
+                             {"user_agent", m_request.Header("user-agent")},
+                             {"content_type", m_request.Header("content-type")},
+                             {"content_length", m_request.Header("content-length")},
+                             {"expect", m_request.Header("expect")},
+                             {"fault", m_fault ? m_fault->kind : std::string()},
+                             {"status", reply.status},
+                             {"answered", reply.delivery == Delivery::Whole}});
+    }
+
+    Parts &m_parts;
+    const HttpRequest m_request;
+    const Route &m_route;
+    std::optional<Fault> m_fault;
+    UploadForm m_form;
+    std::int64_t m_read = 0;
+    bool m_hasStalled = false;
+    const std::chrono::steady_clock::time_point m_begin = std::chrono::steady_clock::now();
+};
+
+LoopbackService::Parts::Parts(const ServiceOptions &options)
+    : documents(Prepared(options.store) / "index.sqlite"),
+      accounts(documents),
+      photos(documents),
+      requestTokens(documents, [this] { return Now() + ahead; }),
+      maker(documents, [this] { return Now() + ahead; }),
+      tokens(accounts, requestTokens, Now),
+      consent(accounts, requestTokens),
+      admission(accounts, Now),
+      uploads(options.store, accounts, photos, admission),
+      rest(accounts, admission),
+      admin({accounts, requestTokens, maker, photos, uploads, faults, journal,
+             [this] { return server.SecureConnections(); }, [this](std::int64_t seconds) { ahead += seconds; }}),
+      gallery(accounts, photos, uploads),
+      certificates(PrepareCertificates(options.store / "ca")),
+      server(options.port, certificates.server,
+             [this](const HttpRequest &request) { return std::make_unique<Transaction>(*this, request); })
+{
+    for (const auto &property : options.accountProperties)
+    {
+        const auto [name, value] = SplitAt(property, '=');
+        ThrowIf(accounts.Set(name, value));
+    }
+    for (const auto &pair : options.tokens)
+    {
+        const auto [token, secret] = SplitAt(pair, ':');
+        accounts.AddToken({token, secret, "write"});
+    }
+    for (const auto &fault : options.faults)
+    {
+        ThrowIf(faults.Add(ParseForm(fault)));
+    }
+}
 
 LoopbackService::LoopbackService(const ServiceOptions &options) : m_parts(std::make_unique<Parts>(options)) {}
 
@@ -303,7 +324,7 @@ LoopbackService::~LoopbackService() = default;
 
 int LoopbackService::Port() const
 {
-    return m_parts->port;
+    return m_parts->server.Port();
 }
 
 std::filesystem::path LoopbackService::AuthorityFile() const

@@ -2,8 +2,6 @@
 // endpoint. Only one process at a time can use a store.
 #pragma once
 
-#include "loopback/HttpServer.h"
-
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -17,14 +15,10 @@ struct ServiceOptions
     // 0 lets the system choose.
     int port = 0;
     std::filesystem::path store;
-    // The folder of the certificates; empty for "ca" in the store.
-    std::filesystem::path certificates;
     // NAME=VALUE
     std::vector<std::string> accountProperties;
     // TOKEN:SECRET
     std::vector<std::string> tokens;
-    // KEY:SECRET or KEY:SECRET:NAME
-    std::vector<std::string> consumers;
     // As form fields, in the words of FaultQueue.h.
     std::vector<std::string> faults;
 };

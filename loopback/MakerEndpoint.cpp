@@ -3,6 +3,8 @@
 #include "loopback/PageFrame.h"
 #include "loopback/XmlReply.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 
 namespace loopback
@@ -13,7 +15,7 @@ namespace
 
 constexpr std::string_view Place = "/flickr/authorization";
 constexpr std::string_view ThankYou = "/flickr/authorization/granted";
-constexpr std::int64_t KeepSeconds = 24 * 60 * 60;
+constexpr char Collection[] = "verifiers";
 constexpr std::size_t LongestValue = 200;
 
 constexpr char Style[] = R"(
@@ -57,32 +59,28 @@ bool IsPlain(const std::string &value)
            std::all_of(value.begin(), value.end(), [](char c) { return c > ' ' && c < 0x7F; });
 }
 
-HttpReply Document(int status, std::vector<XmlElement> children)
+HttpReply Document(int status, const char *element, const std::string &text)
 {
     HttpReply reply{status, "text/xml; charset=utf-8",
-                    WriteXml({"TRNQVerifierExchange", {}, "", std::move(children)})};
+                    XmlDocument(Element("TRNQVerifierExchange", {}, Element(element, {}, EscapeMarkup(text))))};
     reply.headers = {{"Cache-Control", "no-store"}, {"X-Content-Type-Options", "nosniff"}};
     return reply;
 }
 
 HttpReply Problem(int status, const std::string &words)
 {
-    return Document(status, {{"Problem", {}, words}});
+    return Document(status, "Problem", words);
 }
 
 } // namespace
 
-MakerEndpoint::MakerEndpoint(Database &database, Seconds now, Seconds lifetime)
-    : m_database(database), m_now(std::move(now)), m_lifetime(std::move(lifetime))
-{
-    database.Run("CREATE TABLE IF NOT EXISTS verifiers (token TEXT PRIMARY KEY, verifier TEXT NOT NULL, "
-                 "kept INTEGER NOT NULL)");
-}
-
 HttpReply MakerEndpoint::Handle(const HttpRequest &request)
 {
     std::string path = request.Path();
-    path.resize(path.size() - (path.ends_with('/') ? 1 : 0));
+    if (path.ends_with('/'))
+    {
+        path.pop_back();
+    }
     if (path == ThankYou)
     {
         return PageReply(200, ThankYouPage());
@@ -103,14 +101,25 @@ HttpReply MakerEndpoint::Handle(const HttpRequest &request)
 
 HttpReply MakerEndpoint::Keep(const std::string &token, const std::string &verifier)
 {
-    std::lock_guard lock(m_mutex);
-    m_database.Run("DELETE FROM verifiers WHERE kept < ?", {m_now() - KeepSeconds - m_lifetime()});
+    const std::lock_guard lock(m_mutex);
     // Only the first counts: loading the page again must not restore a verifier that was handed over.
-    m_database.Run("INSERT OR IGNORE INTO verifiers VALUES (?, ?, ?)", {token, verifier, m_now()});
+    if (!m_documents.Find(Collection, token))
+    {
+        m_documents.Put(Collection, token, {{"verifier", verifier}, {"expires", m_clock() + RequestTokenLife}});
+    }
     // Redirect to an address without the verifier, so that neither address bar nor history shows it.
     HttpReply reply = PageReply(303, ThankYouPage());
     reply.headers.emplace_back("Location", ThankYou);
     return reply;
+}
+
+std::string MakerEndpoint::StateOf(const std::string &token) const
+{
+    const auto kept = m_documents.Find(Collection, token);
+    return !kept                              ? "none"
+           : kept->at("verifier") == ""       ? "taken"
+           : kept->at("expires") <= m_clock() ? "expired"
+                                              : "waiting";
 }
 
 HttpReply MakerEndpoint::HandOver(const HttpRequest &request, const std::string &token)
@@ -119,32 +128,14 @@ HttpReply MakerEndpoint::HandOver(const HttpRequest &request, const std::string 
     {
         return Problem(403, "A verifier is handed over by https only.");
     }
-    std::lock_guard lock(m_mutex);
-    const auto rows =
-        m_database.Run("SELECT verifier FROM verifiers WHERE token = ? AND verifier <> '' AND kept > ?",
-                       {token, m_now() - m_lifetime()});
-    if (rows.empty())
+    const std::lock_guard lock(m_mutex);
+    if (StateOf(token) != "waiting")
     {
         return Problem(404, "There is no verifier for this token.");
     }
-    m_database.Run("UPDATE verifiers SET verifier = '' WHERE token = ?", {token});
-    return Document(200, {{"Verifier", {}, TextAt(rows[0], 0)}});
-}
-
-std::vector<std::pair<std::string, std::string>> MakerEndpoint::States() const
-{
-    std::vector<std::pair<std::string, std::string>> states;
-    for (const auto &row : m_database.Run("SELECT token, verifier <> '', kept FROM verifiers ORDER BY rowid"))
-    {
-        const bool isExpired = NumberAt(row, 2) <= m_now() - m_lifetime();
-        states.emplace_back(TextAt(row, 0), NumberAt(row, 1) == 0 ? "taken" : isExpired ? "expired" : "waiting");
-    }
-    return states;
-}
-
-void MakerEndpoint::Advance(std::int64_t seconds)
-{
-    m_database.Run("UPDATE verifiers SET kept = kept - ?", {seconds});
+    const std::string verifier = m_documents.Find(Collection, token)->at("verifier");
+    m_documents.Put(Collection, token, {{"verifier", ""}, {"expires", m_clock()}});
+    return Document(200, "Verifier", verifier);
 }
 
 } // namespace loopback

@@ -1,10 +1,11 @@
 #include "loopback/OAuthVerifier.h"
 
-#include "loopback/Digest.h"
+#include "loopback/Secrets.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <set>
 
 namespace loopback
 {
@@ -13,8 +14,6 @@ namespace
 {
 
 constexpr std::int64_t TimestampWindow = 600;
-// Bounds the memory: beyond this many nonces the oldest are forgotten before their time.
-constexpr std::size_t NonceLimit = 200'000;
 constexpr std::string_view Scheme = "OAuth ";
 
 std::string_view Trim(std::string_view text)
@@ -123,15 +122,17 @@ std::string SignatureBase(const std::string &method, const std::string &url, con
     return method + "&" + PercentEncode(url) + "&" + PercentEncode(normalized);
 }
 
-OAuthVerifier::OAuthVerifier(SecretLookup consumerSecret, SecretLookup tokenSecret, Clock clock)
-    : m_consumerSecret(std::move(consumerSecret)), m_tokenSecret(std::move(tokenSecret)), m_clock(std::move(clock))
+OAuthVerifier::OAuthVerifier(Consumer consumer, SecretLookup tokenSecret, Clock clock)
+    : m_consumer(std::move(consumer)), m_tokenSecret(std::move(tokenSecret)), m_clock(std::move(clock))
 {
 }
 
-OAuthOutcome OAuthVerifier::Check(const SignedRequest &request)
+OAuthOutcome OAuthVerifier::Check(const HttpRequest &request, const FormFields &fields)
 {
-    FormFields parameters = ParseAuthorization(request.authorization);
-    parameters.insert(parameters.end(), request.parameters.begin(), request.parameters.end());
+    FormFields parameters = ParseAuthorization(request.Header("authorization"));
+    const FormFields query = ParseForm(request.Query());
+    parameters.insert(parameters.end(), query.begin(), query.end());
+    parameters.insert(parameters.end(), fields.begin(), fields.end());
     const auto value = [&](const char *name) { return FindField(parameters, name).value_or(""); };
 
     if (std::none_of(parameters.begin(), parameters.end(),
@@ -156,8 +157,7 @@ OAuthOutcome OAuthVerifier::Check(const SignedRequest &request)
     {
         return Refused("signature_method_rejected");
     }
-    const auto consumerSecret = m_consumerSecret(value("oauth_consumer_key"));
-    if (!consumerSecret)
+    if (value("oauth_consumer_key") != m_consumer.key)
     {
         return Refused("consumer_key_unknown");
     }
@@ -175,43 +175,27 @@ OAuthOutcome OAuthVerifier::Check(const SignedRequest &request)
         return Refused("token_rejected");
     }
 
-    const std::string base = SignatureBase(request.method, request.url, parameters);
-    const std::string key = PercentEncode(*consumerSecret) + "&" + PercentEncode(*tokenSecret);
+    const std::string url = (request.secure ? "https://" : "http://") + request.host + request.Path();
+    const std::string base = SignatureBase(request.method, url, parameters);
+    const std::string key = PercentEncode(m_consumer.secret) + "&" + PercentEncode(*tokenSecret);
     if (!EqualSecretly(HmacSha1(key, base), value("oauth_signature")))
     {
         return Refused("signature_invalid&debug_sbs=" + base);
     }
-    // Remember the nonce only after the signature was checked: a forged request must not use it up.
-    const std::string nonce =
-        value("oauth_timestamp") + " " + value("oauth_consumer_key") + " " + token + " " + value("oauth_nonce");
-    std::lock_guard lock(m_mutex);
-    if (!IsNonceFresh(nonce, now))
+    // Only now: a forged request must not use up the nonce.
+    if (!UseNonce(value("oauth_timestamp") + " " + token + " " + value("oauth_nonce"), now))
     {
         return Refused("nonce_used");
     }
-    RememberNonce(nonce, now);
-    return {.accepted = true,
-            .consumerKey = value("oauth_consumer_key"),
-            .token = token,
-            .parameters = std::move(parameters)};
+    return {.accepted = true, .token = token, .parameters = std::move(parameters)};
 }
 
-bool OAuthVerifier::IsNonceFresh(const std::string &nonce, std::int64_t now)
+bool OAuthVerifier::UseNonce(const std::string &nonce, std::int64_t now)
 {
+    const std::lock_guard lock(m_mutex);
     // A timestamp may lie a window ahead, so its nonce counts for two windows.
-    while (!m_nonceAges.empty() &&
-           (m_nonceAges.front().first < now - 2 * TimestampWindow || m_nonceAges.size() >= NonceLimit))
-    {
-        m_nonces.erase(m_nonceAges.front().second);
-        m_nonceAges.pop_front();
-    }
-    return !m_nonces.contains(nonce);
-}
-
-void OAuthVerifier::RememberNonce(const std::string &nonce, std::int64_t now)
-{
-    m_nonces.insert(nonce);
-    m_nonceAges.emplace_back(now, nonce);
+    std::erase_if(m_nonces, [&](const auto &used) { return used.second < now - 2 * TimestampWindow; });
+    return m_nonces.emplace(nonce, now).second;
 }
 
 } // namespace loopback

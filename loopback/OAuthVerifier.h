@@ -6,28 +6,17 @@
 #pragma once
 
 #include "loopback/FormFields.h"
+#include "loopback/HttpMessages.h"
 
 #include <cstdint>
-#include <deque>
 #include <functional>
+#include <map>
 #include <mutex>
 #include <optional>
-#include <set>
 #include <string>
 
 namespace loopback
 {
-
-struct SignedRequest
-{
-    std::string method;
-    // Scheme, host and path as requested, without the query.
-    std::string url;
-    // The value of the "Authorization" header, or empty.
-    std::string authorization;
-    // Every decoded parameter of the query and of the body, without files.
-    FormFields parameters;
-};
 
 struct OAuthOutcome
 {
@@ -36,7 +25,6 @@ struct OAuthOutcome
     bool isUnsigned = false;
     // If refused: the text for the client, "oauth_problem=...".
     std::string problem;
-    std::string consumerKey;
     // Empty if the application signed the request without a token.
     std::string token;
     // If accepted: all signed parameters, decoded.
@@ -46,27 +34,37 @@ struct OAuthOutcome
 // The text whose HMAC is the signature: method, URL and sorted parameters (RFC 5849, 3.4.1).
 std::string SignatureBase(const std::string &method, const std::string &url, const FormFields &parameters);
 
+// The application that may send requests.
+struct Consumer
+{
+    std::string key;
+    std::string secret;
+};
+
+// The application that holds the demonstration key.
+inline const Consumer Demonstration{"68616c766f72612d64656d6f2d6b6579", "64656d6f2d736563"};
+
 class OAuthVerifier
 {
 public:
     using SecretLookup = std::function<std::optional<std::string>(const std::string &)>;
     using Clock = std::function<std::int64_t()>;
 
-    // The lookups give the secret of a consumer key and of a token; the clock counts Unix seconds.
-    OAuthVerifier(SecretLookup consumerSecret, SecretLookup tokenSecret, Clock clock);
+    // `tokenSecret` gives the secret of a token; the clock counts Unix seconds.
+    OAuthVerifier(Consumer consumer, SecretLookup tokenSecret, Clock clock);
 
-    OAuthOutcome Check(const SignedRequest &request);
+    // `fields` are the decoded fields of the body, without files. Those of the query are read here.
+    OAuthOutcome Check(const HttpRequest &request, const FormFields &fields);
 
 private:
-    bool IsNonceFresh(const std::string &nonce, std::int64_t now);
-    void RememberNonce(const std::string &nonce, std::int64_t now);
+    bool UseNonce(const std::string &nonce, std::int64_t now);
 
-    SecretLookup m_consumerSecret;
+    Consumer m_consumer;
     SecretLookup m_tokenSecret;
     Clock m_clock;
     std::mutex m_mutex;
-    std::set<std::string> m_nonces;
-    std::deque<std::pair<std::int64_t, std::string>> m_nonceAges;
+    // Each with the time at which it was used.
+    std::map<std::string, std::int64_t> m_nonces;
 };
 
 } // namespace loopback

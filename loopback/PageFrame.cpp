@@ -2,6 +2,8 @@
 
 #include "loopback/Utf8.h"
 
+#include <algorithm>
+
 namespace loopback
 {
 
@@ -18,35 +20,26 @@ body{margin:0;background:var(--page);color:var(--ink);font:15px/1.5 system-ui,sa
 a{color:var(--accent);text-decoration:none}a:hover{text-decoration:underline}
 )";
 
-}
-
-std::string EscapeHtml(std::string_view text)
+struct Escape
 {
-    std::string html;
+    char character;
+    const char *text;
+};
+
+constexpr Escape Escapes[] = {{'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}, {'\'', "&#39;"}};
+
+} // namespace
+
+std::string EscapeMarkup(std::string_view text)
+{
+    std::string escaped;
     for (const char c : RepairUtf8(text))
     {
-        switch (c)
-        {
-        case '&':
-            html += "&amp;";
-            break;
-        case '<':
-            html += "&lt;";
-            break;
-        case '>':
-            html += "&gt;";
-            break;
-        case '"':
-            html += "&quot;";
-            break;
-        case '\'':
-            html += "&#39;";
-            break;
-        default:
-            html += c;
-        }
+        const auto *found = std::ranges::find(Escapes, c, &Escape::character);
+        const bool isControl = static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
+        escaped += found != std::end(Escapes) ? found->text : std::string(1, isControl ? '?' : c);
     }
-    return html;
+    return escaped;
 }
 
 std::string PageFrame(const PageParts &parts)
@@ -54,7 +47,7 @@ std::string PageFrame(const PageParts &parts)
     return "<!doctype html>\n<html lang=\"en\"><head><meta charset=\"utf-8\">"
            "<meta name=\"viewport\" content=\"width=device-width,initial-scale=1\">"
            "<link rel=\"icon\" href=\"data:,\"><title>" +
-           EscapeHtml(parts.title) + "</title><style>" + CommonStyle + std::string(parts.style) +
+           EscapeMarkup(parts.title) + "</title><style>" + CommonStyle + parts.style +
            "</style></head>\n<body><header>" + parts.header + "</header>\n<main>" + parts.main +
            "</main></body></html>\n";
 }
@@ -63,10 +56,9 @@ HttpReply PageReply(int status, std::string html, const std::string &formTargets
 {
     HttpReply reply{status, "text/html; charset=utf-8", std::move(html)};
     // Not "no-referrer": with it a browser doesn't send us a form's origin either.
-    reply.headers = {{"Content-Security-Policy",
-                      "default-src 'none'; img-src 'self'; media-src 'self'; style-src 'unsafe-inline'; "
-                      "base-uri 'none'; frame-ancestors 'none'; form-action " +
-                          formTargets},
+    reply.headers = {{"Content-Security-Policy", "default-src 'none'; img-src 'self'; style-src 'unsafe-inline'; "
+                                                 "base-uri 'none'; frame-ancestors 'none'; form-action " +
+                                                     formTargets},
                      {"X-Content-Type-Options", "nosniff"},
                      {"Referrer-Policy", "same-origin"},
                      {"Cache-Control", "no-store"}};

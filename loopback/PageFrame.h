@@ -1,5 +1,5 @@
 // What all pages share: the HTML document around them, the colours for light and dark mode, and the escaping
-// of what clients sent. Pages use no script and load nothing from other hosts.
+// of what clients sent, in HTML and in XML. Pages use no script and load nothing from other hosts.
 #pragma once
 
 #include "loopback/HttpMessages.h"
@@ -10,14 +10,15 @@
 namespace loopback
 {
 
-std::string EscapeHtml(std::string_view text);
+// Bytes that aren't UTF-8 become U+FFFD, and control characters, which XML doesn't allow, "?".
+std::string EscapeMarkup(std::string_view text);
 
 struct PageParts
 {
     // Plain text, not HTML.
     std::string title;
     // CSS; the colours are --page, --card, --ink, --soft, --line, --accent, --pink, --chip, --shade.
-    std::string_view style;
+    std::string style;
     // HTML.
     std::string header;
     std::string main;

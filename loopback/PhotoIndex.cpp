@@ -1,132 +1,89 @@
 #include "loopback/PhotoIndex.h"
 
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+
 namespace loopback
 {
 
 namespace
 {
 
-// The columns in the order of PhotoRecord.
-#define PHOTO_COLUMNS                                                                                             \
-    "id, title, description, tags, is_public, is_friend, is_family, safety_level, content_type, hidden, "         \
-    "ticket, file_name, mime_type, detected_type, stored_name, sha256, size, uploaded, token, user_agent, "       \
-    "connection, run"
+constexpr char Collection[] = "photos";
+constexpr std::int64_t FirstId = 53912345001;
 
-PhotoRecord RecordOf(const Database::Row &row)
+template <class Record, class Visit>
+void EachMember(Record &record, Visit visit)
+{
+    visit("id", record.id);
+    visit("title", record.title);
+    visit("description", record.description);
+    visit("tags", record.tags);
+    visit("is_public", record.isPublic);
+    visit("is_friend", record.isFriend);
+    visit("is_family", record.isFamily);
+    visit("safety_level", record.safetyLevel);
+    visit("content_type", record.contentType);
+    visit("hidden", record.hidden);
+    visit("async", record.isAsynchronous);
+    visit("file_name", record.fileName);
+    visit("mime_type", record.mimeType);
+    visit("detected_type", record.detectedType);
+    visit("stored_name", record.storedName);
+    visit("sha256", record.sha256);
+    visit("size", record.size);
+    visit("uploaded", record.uploaded);
+    visit("token", record.token);
+    visit("user_agent", record.userAgent);
+    visit("run", record.run);
+}
+
+PhotoRecord RecordOf(const Json &json)
 {
     PhotoRecord record;
-    std::size_t column = 0;
-    const auto number = [&] { return NumberAt(row, column++); };
-    const auto text = [&] { return TextAt(row, column++); };
-    record.id = number();
-    record.title = text();
-    record.description = text();
-    record.tags = text();
-    record.isPublic = number() != 0;
-    record.isFriend = number() != 0;
-    record.isFamily = number() != 0;
-    record.safetyLevel = static_cast<int>(number());
-    record.contentType = static_cast<int>(number());
-    record.hidden = static_cast<int>(number());
-    record.ticket = text();
-    record.fileName = text();
-    record.mimeType = text();
-    record.detectedType = text();
-    record.storedName = text();
-    record.sha256 = text();
-    record.size = number();
-    record.uploaded = number();
-    record.token = text();
-    record.userAgent = text();
-    record.connection = number();
-    record.run = text();
+    EachMember(record, [&](const char *name, auto &member) { json.at(name).get_to(member); });
     return record;
 }
 
 } // namespace
 
-PhotoIndex::PhotoIndex(Database &database) : m_database(database)
+Json PhotoJson(const PhotoRecord &record)
 {
-    database.Run("CREATE TABLE IF NOT EXISTS photos (id INTEGER PRIMARY KEY, title TEXT NOT NULL, "
-                 "description TEXT NOT NULL, tags TEXT NOT NULL, is_public INTEGER NOT NULL, "
-                 "is_friend INTEGER NOT NULL, is_family INTEGER NOT NULL, safety_level INTEGER NOT NULL, "
-                 "content_type INTEGER NOT NULL, hidden INTEGER NOT NULL, ticket TEXT NOT NULL, "
-                 "file_name TEXT NOT NULL, mime_type TEXT NOT NULL, detected_type TEXT NOT NULL, "
-                 "stored_name TEXT NOT NULL, sha256 TEXT NOT NULL, size INTEGER NOT NULL, "
-                 "uploaded INTEGER NOT NULL, token TEXT NOT NULL, user_agent TEXT NOT NULL, "
-                 "connection INTEGER NOT NULL)");
-    EnsureTextColumn(database, "photos", "run");
-    database.Run("CREATE INDEX IF NOT EXISTS photos_by_content ON photos (sha256)");
-    database.Run("CREATE TABLE IF NOT EXISTS ids (id INTEGER PRIMARY KEY AUTOINCREMENT)");
-    database.Run("INSERT OR IGNORE INTO ids VALUES (53912345000)");
+    Json json;
+    EachMember(record, [&](const char *name, const auto &member) { json[name] = member; });
+    return json;
 }
 
 std::int64_t PhotoIndex::ReserveId()
 {
-    const auto rows = m_database.Run("INSERT INTO ids DEFAULT VALUES RETURNING id");
-    m_database.Run("DELETE FROM ids WHERE id < ?", {NumberAt(rows.at(0), 0)});
-    return NumberAt(rows.at(0), 0);
+    const std::lock_guard lock(m_mutex);
+    const auto last = m_documents.Find("ids", Collection);
+    const std::int64_t id = last ? last->get<std::int64_t>() + 1 : FirstId;
+    m_documents.Put("ids", Collection, id);
+    return id;
 }
 
-void PhotoIndex::Add(const PhotoRecord &r)
+void PhotoIndex::Add(const PhotoRecord &record)
 {
-    const auto flag = [](int value) { return static_cast<std::int64_t>(value); };
-    m_database.Run("INSERT INTO photos (" PHOTO_COLUMNS ") VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
-                   "?, ?, ?, ?, ?, ?, ?)",
-                   {r.id,
-                    r.title,
-                    r.description,
-                    r.tags,
-                    flag(r.isPublic),
-                    flag(r.isFriend),
-                    flag(r.isFamily),
-                    flag(r.safetyLevel),
-                    flag(r.contentType),
-                    flag(r.hidden),
-                    r.ticket,
-                    r.fileName,
-                    r.mimeType,
-                    r.detectedType,
-                    r.storedName,
-                    r.sha256,
-                    r.size,
-                    r.uploaded,
-                    r.token,
-                    r.userAgent,
-                    r.connection,
-                    r.run});
+    m_documents.Put(Collection, std::to_string(record.id), PhotoJson(record));
 }
 
 std::vector<PhotoRecord> PhotoIndex::All() const
 {
     std::vector<PhotoRecord> records;
-    for (const auto &row : m_database.Run("SELECT " PHOTO_COLUMNS " FROM photos ORDER BY id DESC"))
+    for (const auto &document : m_documents.All(Collection))
     {
-        records.push_back(RecordOf(row));
+        records.push_back(RecordOf(document));
     }
+    std::ranges::reverse(records);
     return records;
 }
 
 std::optional<PhotoRecord> PhotoIndex::Find(std::int64_t id) const
 {
-    const auto rows = m_database.Run("SELECT " PHOTO_COLUMNS " FROM photos WHERE id = ?", {id});
-    return rows.empty() ? std::nullopt : std::optional(RecordOf(rows[0]));
-}
-
-std::optional<std::int64_t> PhotoIndex::FindByTicket(const std::string &ticket) const
-{
-    const auto rows = m_database.Run("SELECT id FROM photos WHERE ticket = ? AND ticket <> ''", {ticket});
-    return rows.empty() ? std::nullopt : std::optional(NumberAt(rows[0], 0));
-}
-
-bool PhotoIndex::HasContent(const std::string &sha256) const
-{
-    return !m_database.Run("SELECT 1 FROM photos WHERE sha256 = ? LIMIT 1", {sha256}).empty();
-}
-
-void PhotoIndex::Clear()
-{
-    m_database.Run("DELETE FROM photos");
+    const auto document = m_documents.Find(Collection, std::to_string(id));
+    return document ? std::optional(RecordOf(*document)) : std::nullopt;
 }
 
 } // namespace loopback

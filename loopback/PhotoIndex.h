@@ -2,18 +2,16 @@
 // Thread-safe.
 #pragma once
 
-#include "database/Database.h"
+#include "loopback/Documents.h"
 
 #include <cstdint>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace loopback
 {
-
-// Every ticket of an asynchronous upload begins so.
-inline constexpr char TicketPrefix[] = "2830-";
 
 struct PhotoRecord
 {
@@ -22,14 +20,15 @@ struct PhotoRecord
     std::string description;
     // As sent; SplitTags of UploadParameters.h separates them.
     std::string tags;
-    bool isPublic = true;
-    bool isFriend = false;
-    bool isFamily = false;
+    // 0 or 1
+    int isPublic = 1;
+    int isFriend = 0;
+    int isFamily = 0;
     int safetyLevel = 1;
     int contentType = 1;
     int hidden = 1;
-    // Empty for a synchronous upload.
-    std::string ticket;
+    // 0 or 1
+    int isAsynchronous = 0;
     // File name and type as the multipart body gave them.
     std::string fileName;
     std::string mimeType;
@@ -42,15 +41,17 @@ struct PhotoRecord
     std::int64_t uploaded = 0;
     std::string token;
     std::string userAgent;
-    std::int64_t connection = 0;
     // The account's "run" at the time of the upload.
     std::string run;
 };
 
+// Every member with its name, as the index and the administration interface have it.
+Json PhotoJson(const PhotoRecord &record);
+
 class PhotoIndex
 {
 public:
-    explicit PhotoIndex(Database &database);
+    explicit PhotoIndex(Documents &documents) : m_documents(documents) {}
 
     // Returns an id that no photo has had.
     std::int64_t ReserveId();
@@ -59,13 +60,10 @@ public:
     // The newest first.
     std::vector<PhotoRecord> All() const;
     std::optional<PhotoRecord> Find(std::int64_t id) const;
-    // The id of the photo that was uploaded with the ticket.
-    std::optional<std::int64_t> FindByTicket(const std::string &ticket) const;
-    bool HasContent(const std::string &sha256) const;
-    void Clear();
 
 private:
-    Database &m_database;
+    Documents &m_documents;
+    std::mutex m_mutex;
 };
 
 } // namespace loopback

@@ -1,7 +1,5 @@
 #include "loopback/PhotoMetadata.h"
 
-#include "loopback/Utf8.h"
-
 #include <exiv2/exiv2.hpp>
 
 #include <mutex>
@@ -12,50 +10,13 @@ namespace loopback
 namespace
 {
 
-constexpr std::size_t LongestValue = 1000;
-
-// An IPTC text that isn't UTF-8 is taken for Latin-1: files seldom declare its character set.
-std::string AsUtf8(const std::string &bytes)
-{
-    if (IsUtf8(bytes))
-    {
-        return bytes;
-    }
-    std::string text;
-    for (const char c : bytes)
-    {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x80)
-        {
-            text += c;
-        }
-        else
-        {
-            text += {static_cast<char>(0xC0 | (byte >> 6)), static_cast<char>(0x80 | (byte & 0x3F))};
-        }
-    }
-    return text;
-}
-
-std::string Shortened(std::string text)
-{
-    if (text.size() > LongestValue)
-    {
-        text.resize(LongestValue);
-        // Don't cut in the middle of a character.
-        while (!text.empty() && !IsUtf8(text))
-        {
-            text.pop_back();
-        }
-        text += "…";
-    }
-    return text;
-}
+// Longer values are only counted.
+constexpr long LongestValue = 4096;
 
 template <typename Datum>
 std::string Printed(const Datum &datum, const Exiv2::ExifData *exif)
 {
-    return Shortened(AsUtf8(datum.print(exif)));
+    return datum.size() > LongestValue ? std::to_string(datum.size()) + " bytes" : datum.print(exif);
 }
 
 template <typename Data>
@@ -76,10 +37,8 @@ void AddExif(const Exiv2::ExifData &data, MetadataGroup &exif, MetadataGroup &gp
         {
             continue;
         }
-        const bool isOpaque = datum.size() > 4096 || datum.groupName().starts_with("Thumbnail");
         MetadataGroup &group = datum.groupName() == "GPSInfo" ? gps : exif;
-        group.entries.emplace_back(datum.key(),
-                                   isOpaque ? std::to_string(datum.size()) + " bytes" : Printed(datum, &data));
+        group.entries.emplace_back(datum.key(), Printed(datum, &data));
     }
 }
 
@@ -109,7 +68,7 @@ PhotoFacts ReadPhotoFacts(const std::filesystem::path &file)
         AddEntries(image->xmpData(), xmp);
         if (!image->comment().empty())
         {
-            comment.entries.emplace_back("Comment", Shortened(AsUtf8(image->comment())));
+            comment.entries.emplace_back("Comment", image->comment());
         }
     }
     catch (const std::exception &)

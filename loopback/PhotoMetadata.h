@@ -13,7 +13,7 @@ struct MetadataGroup
 {
     // "EXIF", "GPS", "IPTC", "XMP" or "Comment"
     std::string name;
-    // Key and value in UTF-8, in the file's order.
+    // Key and value in the file's order, as bytes: a value need not be UTF-8.
     std::vector<std::pair<std::string, std::string>> entries;
 };
 

@@ -97,12 +97,10 @@ int main(int argc, char **argv)
     program.add_option("--store", options.store, "Folder of pictures, index and certificates")
         ->capture_default_str();
     program.add_option("--ready-file", readyFile, "Written, as shell assignments, once the service listens");
-    program.add_option("--ca-dir", options.certificates, "Folder of the certificates; by default STORE/ca");
     program.add_option("--account", options.accountProperties,
                        "NAME=VALUE: a property of the account, such as level=pro, max_file_size=BYTES, "
                        "bandwidth_max=BYTES, bandwidth_used=BYTES, full_name=TEXT");
     program.add_option("--token", options.tokens, "TOKEN:SECRET: one more pair that the account accepts");
-    program.add_option("--consumer", options.consumers, "KEY:SECRET[:NAME]: one more application");
     program.add_option("--fault", options.faults,
                        "Misbehave: kind=status&status=504&count=2&target=upload and the like; GET "
                        "/_loopback/ lists them");

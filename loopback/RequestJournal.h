@@ -1,45 +1,41 @@
 // The last requests, for tests and users who want to see what a client really sent. Thread-safe.
 #pragma once
 
-#include <cstdint>
+#include "loopback/Documents.h"
+
+#include <nlohmann/json.hpp>
+
 #include <deque>
 #include <mutex>
-#include <string>
-#include <vector>
 
 namespace loopback
 {
 
-struct JournalEntry
-{
-    std::uint64_t connection = 0;
-    bool secure = false;
-    std::string httpMethod;
-    std::string host;
-    std::string path;
-    // The "method" of a REST call.
-    std::string apiMethod;
-    std::string userAgent;
-    std::string contentType;
-    std::string contentLength;
-    std::string expect;
-    // The fault that was applied, or empty.
-    std::string fault;
-    int status = 0;
-    // Whether the whole reply was sent; false if the connection was cut instead.
-    bool answered = false;
-};
-
 class RequestJournal
 {
 public:
-    void Add(const JournalEntry &entry);
-    void Clear();
-    std::vector<JournalEntry> Entries() const;
+    void Add(Json entry)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_entries.push_back(std::move(entry));
+        if (m_entries.size() > Length)
+        {
+            m_entries.pop_front();
+        }
+    }
+
+    // The oldest first.
+    std::deque<Json> Entries() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_entries;
+    }
 
 private:
+    static constexpr std::size_t Length = 1000;
+
     mutable std::mutex m_mutex;
-    std::deque<JournalEntry> m_entries;
+    std::deque<Json> m_entries;
 };
 
 } // namespace loopback

@@ -2,10 +2,11 @@
 // grants or denies it, and the application exchanges it once. Thread-safe.
 #pragma once
 
-#include "database/Database.h"
+#include "loopback/Documents.h"
 
 #include <cstdint>
 #include <functional>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,70 +14,59 @@
 namespace loopback
 {
 
-enum class RequestTokenState
-{
-    // The user hasn't answered yet.
-    Pending,
-    Granted,
-    Denied,
-    // It was exchanged for an access token.
-    Used,
-    // Its lifetime is over, with or without an answer.
-    Expired
-};
+// The time, in Unix seconds.
+using Clock = std::function<std::int64_t()>;
 
-const char *StateName(RequestTokenState state);
+// How long a request token and its verifier are valid, in seconds.
+constexpr std::int64_t RequestTokenLife = 600;
+
+// The names of a request token's states.
+inline constexpr char Pending[] = "pending"; // the user hasn't answered yet
+inline constexpr char Granted[] = "granted";
+inline constexpr char Denied[] = "denied";
+inline constexpr char Used[] = "used";       // it was exchanged for an access token
+inline constexpr char Expired[] = "expired"; // with or without an answer
 
 struct RequestToken
 {
     std::string token;
     // Empty once it is used or denied.
     std::string secret;
-    // The key of the application that asked.
-    std::string consumer;
-    // "oob" or an http or https address.
     std::string callback;
     // What the user granted; empty until then.
     std::string permission;
     // Empty unless the state is Granted.
     std::string verifier;
-    RequestTokenState state = RequestTokenState::Pending;
-    // Seconds; negative if the lifetime is over.
-    std::int64_t secondsLeft = 0;
+    std::string state = Pending;
+    // Unix seconds
+    std::int64_t expires = 0;
 };
 
 class RequestTokenBook
 {
 public:
-    // The current time, or how long a token is valid; both in seconds.
-    using Seconds = std::function<std::int64_t()>;
+    RequestTokenBook(Documents &documents, Clock clock) : m_documents(documents), m_clock(std::move(clock)) {}
 
-    RequestTokenBook(Database &database, Seconds now, Seconds lifetime);
-
-    RequestToken Add(const std::string &consumer, const std::string &callback);
+    RequestToken Add(const std::string &callback);
     std::optional<RequestToken> Find(const std::string &token) const;
     // The oldest first.
     std::vector<RequestToken> All() const;
+    std::int64_t SecondsLeft(const RequestToken &token) const { return token.expires - m_clock(); }
 
     // Returns the token with a new verifier. Unless it is pending, changes nothing and returns nullopt.
     std::optional<RequestToken> Grant(const std::string &token, const std::string &permission);
     // Unless it is pending, changes nothing and returns false.
     bool Deny(const std::string &token);
-    // Returns the granted permission, once. Unless it is granted and not expired, changes nothing and returns
-    // nullopt.
+    // Returns the granted permission, once. Unless it is granted, changes nothing and returns nullopt.
     std::optional<std::string> Use(const std::string &token);
 
-    // Makes every token that much older.
-    void Advance(std::int64_t seconds);
-
 private:
-    RequestToken TokenOf(const Database::Row &row) const;
-    // A token that was requested at this time or earlier has expired.
-    std::int64_t Deadline() const;
+    RequestToken TokenOf(const Json &document) const;
+    void Put(const RequestToken &token);
 
-    Database &m_database;
-    Seconds m_now;
-    Seconds m_lifetime;
+    Documents &m_documents;
+    Clock m_clock;
+    std::mutex m_mutex;
 };
 
 } // namespace loopback

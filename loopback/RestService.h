@@ -4,31 +4,30 @@
 #include "loopback/AccountBook.h"
 #include "loopback/Admission.h"
 #include "loopback/HttpMessages.h"
-#include "loopback/PhotoIndex.h"
 
 #include <string>
 
 namespace loopback
 {
 
-struct RestReply
-{
-    HttpReply reply;
-    // The request's "method", unchecked.
-    std::string method;
-};
+// How the tickets of asynchronous uploads begin: ahead of the photo's id, and of the digits of one that was refused.
+inline constexpr char Ticket[] = "2830-";
+inline constexpr char RefusedTicket[] = "2830-0";
 
 class RestService
 {
 public:
-    RestService(AccountBook &accounts, const PhotoIndex &photos, Admission &admission);
+    RestService(AccountBook &accounts, Admission &admission) : m_accounts(accounts), m_admission(admission) {}
 
-    RestReply Handle(HttpExchange &exchange);
+    // `fields` are those of the body.
+    HttpReply Handle(const HttpRequest &request, const FormFields &fields);
 
 private:
     AccountBook &m_accounts;
-    const PhotoIndex &m_photos;
     Admission &m_admission;
 };
+
+// The "method" that the request asks for, unchecked.
+std::string RestMethod(const HttpRequest &request, const FormFields &fields);
 
 } // namespace loopback

@@ -7,46 +7,23 @@
 namespace loopback
 {
 
-std::string ApiHost()
-{
-    return HALVORA_API_HOST;
-}
-
-std::string UploadHost()
-{
-    return "up.flickr.com";
-}
-
-std::string WebHost()
-{
-    return HALVORA_WEB_HOST;
-}
-
-std::string MakerHost()
-{
-    return HALVORA_MAKER_HOST;
-}
-
 std::vector<std::string> KnownHosts()
 {
-    return {ApiHost(), UploadHost(), WebHost(), MakerHost(), "localhost", "127.0.0.1"};
+    return {ApiHost, UploadHost, WebHost, MakerHost, "localhost", "127.0.0.1"};
 }
 
 bool IsKnownHost(const std::string &name)
 {
-    const auto hosts = KnownHosts();
-    return std::find(hosts.begin(), hosts.end(), name) != hosts.end();
+    return std::ranges::count(KnownHosts(), name) > 0;
 }
 
 std::string ConnectToEntries(int port)
 {
     std::string entries;
-    for (const auto &host : {ApiHost(), UploadHost(), WebHost(), MakerHost()})
+    for (const char *host : {ApiHost, UploadHost, WebHost, MakerHost})
     {
-        for (const int from : {443, 80})
-        {
-            entries += fmt::format("{}{}:{}:127.0.0.1:{}", entries.empty() ? "" : ";", host, from, port);
-        }
+        entries +=
+            fmt::format("{0}{1}:443:127.0.0.1:{2};{1}:80:127.0.0.1:{2}", entries.empty() ? "" : ";", host, port);
     }
     return entries;
 }

@@ -7,11 +7,11 @@
 namespace loopback
 {
 
-std::string ApiHost();
-std::string UploadHost();
-std::string WebHost();
+inline constexpr char ApiHost[] = HALVORA_API_HOST;
+inline constexpr char UploadHost[] = "up.flickr.com";
+inline constexpr char WebHost[] = HALVORA_WEB_HOST;
 // The host of the authorization endpoint of the application's maker.
-std::string MakerHost();
+inline constexpr char MakerHost[] = HALVORA_MAKER_HOST;
 
 // Every name in the server's certificate, which also holds 127.0.0.1 as an address.
 std::vector<std::string> KnownHosts();

@@ -1,7 +1,6 @@
 #include "loopback/TokenService.h"
 
-#include "loopback/Digest.h"
-#include "loopback/RandomText.h"
+#include "loopback/Secrets.h"
 #include "loopback/XmlReply.h"
 
 #include <algorithm>
@@ -11,8 +10,6 @@ namespace loopback
 
 namespace
 {
-
-constexpr std::size_t BodyLimit = 64 * 1024;
 
 HttpReply TextReply(int status, std::string text)
 {
@@ -52,7 +49,7 @@ bool IsCallback(const std::string &text)
             return isVisible && text.find_first_of("'\";,<>\\#") == std::string::npos;
         }
     }
-    return text == "oob";
+    return false;
 }
 
 } // namespace
@@ -60,39 +57,24 @@ bool IsCallback(const std::string &text)
 TokenService::TokenService(AccountBook &accounts, RequestTokenBook &requests, OAuthVerifier::Clock clock)
     : m_accounts(accounts),
       m_requests(requests),
-      m_verifier([&accounts](const std::string &key) { return accounts.FindConsumerSecret(key); },
-                 [&requests](const std::string &token) {
-                     const auto found = requests.Find(token);
-                     const bool isOpen = found && (found->state == RequestTokenState::Pending ||
-                                                   found->state == RequestTokenState::Granted);
-                     return isOpen ? std::optional(found->secret) : std::nullopt;
-                 },
-                 std::move(clock))
+      m_verifier(
+          Demonstration,
+          [&requests](const std::string &token) {
+              const auto found = requests.Find(token);
+              const bool isOpen = found && (found->state == Pending || found->state == Granted);
+              return isOpen ? std::optional(found->secret) : std::nullopt;
+          },
+          std::move(clock))
 {
 }
 
-OAuthOutcome TokenService::Check(HttpExchange &exchange)
+HttpReply TokenService::RequestToken(const HttpRequest &request, const FormFields &fields)
 {
-    const HttpRequest &request = exchange.Request();
-    std::string body;
-    exchange.ReadBody([&](std::string_view bytes) { return body.append(bytes).size() <= BodyLimit; });
-    SignedRequest toCheck{request.method, "https://" + request.host + request.Path(),
-                          request.Header("authorization"), ParseForm(request.Query())};
-    if (request.Header("content-type").starts_with("application/x-www-form-urlencoded"))
-    {
-        const FormFields fields = ParseForm(body);
-        toCheck.parameters.insert(toCheck.parameters.end(), fields.begin(), fields.end());
-    }
-    return m_verifier.Check(toCheck);
-}
-
-HttpReply TokenService::RequestToken(HttpExchange &exchange)
-{
-    if (!exchange.Request().secure)
+    if (!request.secure)
     {
         return FailReply(95, "SSL is required");
     }
-    const OAuthOutcome outcome = Check(exchange);
+    const OAuthOutcome outcome = m_verifier.Check(request, fields);
     if (!outcome.accepted)
     {
         return TextReply(401, outcome.problem);
@@ -106,19 +88,19 @@ HttpReply TokenService::RequestToken(HttpExchange &exchange)
     {
         return Problem("parameter_rejected&oauth_parameters_rejected=oauth_callback");
     }
-    const auto token = m_requests.Add(outcome.consumerKey, callback);
+    const auto token = m_requests.Add(callback);
     return FormReply({{"oauth_callback_confirmed", "true"},
                       {"oauth_token", token.token},
                       {"oauth_token_secret", token.secret}});
 }
 
-HttpReply TokenService::AccessToken(HttpExchange &exchange)
+HttpReply TokenService::AccessToken(const HttpRequest &request, const FormFields &fields)
 {
-    if (!exchange.Request().secure)
+    if (!request.secure)
     {
         return FailReply(95, "SSL is required");
     }
-    const OAuthOutcome outcome = Check(exchange);
+    const OAuthOutcome outcome = m_verifier.Check(request, fields);
     if (!outcome.accepted)
     {
         return TextReply(401, outcome.problem);
@@ -127,8 +109,8 @@ HttpReply TokenService::AccessToken(HttpExchange &exchange)
     {
         return Absent("oauth_token");
     }
-    const auto request = m_requests.Find(outcome.token);
-    if (!request || request->consumer != outcome.consumerKey)
+    const auto asked = m_requests.Find(outcome.token);
+    if (!asked)
     {
         return Problem("token_rejected");
     }
@@ -138,7 +120,7 @@ HttpReply TokenService::AccessToken(HttpExchange &exchange)
         return Absent("oauth_verifier");
     }
     // Before the user has granted the token its verifier is empty, and none is right.
-    if (request->verifier.empty() || !EqualSecretly(request->verifier, *verifier))
+    if (asked->verifier.empty() || !EqualSecretly(asked->verifier, *verifier))
     {
         return Problem("verifier_invalid");
     }
@@ -147,14 +129,13 @@ HttpReply TokenService::AccessToken(HttpExchange &exchange)
     {
         return Problem("token_rejected");
     }
-    const TokenRecord pair{"72157" + RandomDigits(12) + "-" + RandomHex(8), RandomHex(8), *permission,
-                           outcome.consumerKey};
+    const TokenRecord pair{NewToken(), RandomHex(8), *permission};
     m_accounts.AddToken(pair);
     const Account account = m_accounts.Get();
     return FormReply({{"fullname", account.fullName},
                       {"oauth_token", pair.token},
                       {"oauth_token_secret", pair.secret},
-                      {"user_nsid", account.nsid},
+                      {"user_nsid", AccountId},
                       {"username", account.userName}});
 }
 

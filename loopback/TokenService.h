@@ -15,14 +15,11 @@ class TokenService
 public:
     TokenService(AccountBook &accounts, RequestTokenBook &requests, OAuthVerifier::Clock clock);
 
-    HttpReply RequestToken(HttpExchange &exchange);
-    // Exchanges a request token, with its verifier, for an access token: once, and only for the application
-    // that asked for it.
-    HttpReply AccessToken(HttpExchange &exchange);
+    HttpReply RequestToken(const HttpRequest &request, const FormFields &fields);
+    // Exchanges a request token, with its verifier, for an access token, once.
+    HttpReply AccessToken(const HttpRequest &request, const FormFields &fields);
 
 private:
-    OAuthOutcome Check(HttpExchange &exchange);
-
     AccountBook &m_accounts;
     RequestTokenBook &m_requests;
     OAuthVerifier m_verifier;

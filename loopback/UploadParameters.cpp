@@ -79,13 +79,13 @@ UploadParameters ReadUploadParameters(const FormFields &fields)
     record.title = FindField(fields, "title").value_or("");
     record.description = FindField(fields, "description").value_or("");
     record.tags = FindField(fields, "tags").value_or("");
-    record.isPublic = ReadNumber(fields, "is_public", 0, 1, 1, complaint) == 1;
-    record.isFriend = ReadNumber(fields, "is_friend", 0, 1, 0, complaint) == 1;
-    record.isFamily = ReadNumber(fields, "is_family", 0, 1, 0, complaint) == 1;
+    record.isPublic = ReadNumber(fields, "is_public", 0, 1, 1, complaint);
+    record.isFriend = ReadNumber(fields, "is_friend", 0, 1, 0, complaint);
+    record.isFamily = ReadNumber(fields, "is_family", 0, 1, 0, complaint);
     record.safetyLevel = ReadNumber(fields, "safety_level", 1, 3, 1, complaint);
     record.contentType = ReadNumber(fields, "content_type", 1, 3, 1, complaint);
     record.hidden = ReadNumber(fields, "hidden", 1, 2, 1, complaint);
-    parameters.isAsynchronous = ReadNumber(fields, "async", 0, 1, 0, complaint) == 1;
+    record.isAsynchronous = ReadNumber(fields, "async", 0, 1, 0, complaint);
     if (complaint.empty())
     {
         complaint = GeneralComplaint(fields);

@@ -17,9 +17,8 @@ std::vector<std::string> SplitTags(std::string_view tags);
 
 struct UploadParameters
 {
-    // Its members from title to hidden are set; absent fields have the account's defaults.
+    // Its members from title to isAsynchronous are set; absent fields have the account's defaults.
     PhotoRecord record;
-    bool isAsynchronous = false;
     // The error message, or empty.
     std::string complaint;
 };

@@ -1,86 +1,34 @@
 #include "loopback/XmlReply.h"
 
-#include "loopback/Utf8.h"
-
-#include <libxml/xmlwriter.h>
-
-#include <algorithm>
-#include <memory>
-#include <stdexcept>
-
 namespace loopback
 {
 
-namespace
+std::string Element(const std::string &name, const XmlAttributes &attributes, const std::string &content)
 {
-
-const xmlChar *Xml(const std::string &text)
-{
-    return reinterpret_cast<const xmlChar *>(text.c_str());
-}
-
-std::string XmlSafe(const std::string &bytes)
-{
-    std::string text = RepairUtf8(bytes);
-    // XML 1.0, 2.2 allows only these three control characters.
-    std::replace_if(
-        text.begin(), text.end(),
-        [](char c) { return static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r'; }, '?');
-    return text;
-}
-
-void Write(xmlTextWriter *writer, const XmlElement &element)
-{
-    xmlTextWriterStartElement(writer, Xml(element.name));
-    for (const auto &[name, value] : element.attributes)
+    std::string xml = "<" + name;
+    for (const auto &[attribute, value] : attributes)
     {
-        xmlTextWriterWriteAttribute(writer, Xml(name), Xml(XmlSafe(value)));
+        xml += " " + attribute + "=\"" + EscapeMarkup(value) + "\"";
     }
-    if (!element.text.empty())
-    {
-        xmlTextWriterWriteString(writer, Xml(XmlSafe(element.text)));
-    }
-    for (const auto &child : element.children)
-    {
-        Write(writer, child);
-    }
-    xmlTextWriterEndElement(writer);
+    return xml + (content.empty() ? "/>" : ">" + content + "</" + name + ">");
 }
 
-HttpReply XmlHttpReply(const XmlElement &root)
+std::string XmlDocument(const std::string &root)
 {
-    return {200, "text/xml; charset=utf-8", WriteXml(root)};
+    return "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n" + root + "\n";
 }
 
-} // namespace
-
-std::string WriteXml(const XmlElement &root)
+HttpReply OkReply(const std::string &content)
 {
-    const auto releaseBuffer = [](xmlBuffer *buffer) { xmlBufferFree(buffer); };
-    const auto releaseWriter = [](xmlTextWriter *writer) { xmlFreeTextWriter(writer); };
-    std::unique_ptr<xmlBuffer, decltype(releaseBuffer)> buffer(xmlBufferCreate());
-    std::unique_ptr<xmlTextWriter, decltype(releaseWriter)> writer(xmlNewTextWriterMemory(buffer.get(), 0));
-    if (!writer)
-    {
-        throw std::runtime_error("no memory for a reply");
-    }
-    xmlTextWriterSetIndent(writer.get(), 1);
-    xmlTextWriterStartDocument(writer.get(), nullptr, "utf-8", nullptr);
-    Write(writer.get(), root);
-    xmlTextWriterEndDocument(writer.get());
-    xmlTextWriterFlush(writer.get());
-    return reinterpret_cast<const char *>(xmlBufferContent(buffer.get()));
-}
-
-HttpReply OkReply(std::vector<XmlElement> children)
-{
-    return XmlHttpReply({"rsp", {{"stat", "ok"}}, "", std::move(children)});
+    return {200, "text/xml; charset=utf-8", XmlDocument(Element("rsp", {{"stat", "ok"}}, "\n" + content + "\n"))};
 }
 
 HttpReply FailReply(int code, const std::string &message)
 {
-    return XmlHttpReply(
-        {"rsp", {{"stat", "fail"}}, "", {{"err", {{"code", std::to_string(code)}, {"msg", message}}}}});
+    return {
+        200, "text/xml; charset=utf-8",
+        XmlDocument(Element("rsp", {{"stat", "fail"}},
+                            "\n" + Element("err", {{"code", std::to_string(code)}, {"msg", message}}) + "\n"))};
 }
 
 } // namespace loopback

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "loopback/HttpMessages.h"
+#include "loopback/PageFrame.h"
 
 #include <string>
 #include <utility>
@@ -10,19 +11,16 @@
 namespace loopback
 {
 
-struct XmlElement
-{
-    std::string name;
-    std::vector<std::pair<std::string, std::string>> attributes;
-    std::string text;
-    std::vector<XmlElement> children;
-};
+using XmlAttributes = std::vector<std::pair<std::string, std::string>>;
 
-// The document in UTF-8, with its declaration. Characters that XML doesn't allow become U+FFFD or "?".
-std::string WriteXml(const XmlElement &root);
+// An element; the content is XML, the attributes' values are plain text.
+std::string Element(const std::string &name, const XmlAttributes &attributes, const std::string &content = "");
 
-// <rsp stat="ok"> around the children.
-HttpReply OkReply(std::vector<XmlElement> children);
+// The document of this root element, with the XML declaration.
+std::string XmlDocument(const std::string &root);
+
+// <rsp stat="ok"> around the content.
+HttpReply OkReply(const std::string &content);
 
 // <rsp stat="fail"> with code and message; its HTTP status is 200.
 HttpReply FailReply(int code, const std::string &message);

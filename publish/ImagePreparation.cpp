@@ -23,7 +23,7 @@ struct Preparation
     const UploadOptions &Options;
     ComPtr<IWICImagingFactory> Factory;
 
-    bool IsIntact() const noexcept { return Options.mode == SendPixelsIntact; }
+    bool IsIntact() const noexcept { return Options.Mode == SendPixelsIntact; }
 };
 
 // The picture to write. Frame is the frame of the source file where its pixels are kept, and null for a
@@ -53,7 +53,7 @@ Source OpenSource(const Preparation &preparation, ItemRecord *record)
                                                               READ_METADATA_ONLY, record));
         return source;
     }
-    const auto longEdge = static_cast<INT32>(preparation.Options.longEdgePixels);
+    const auto longEdge = static_cast<INT32>(preparation.Options.LongEdgePixels);
     ThrowIfFailed(preparation.Metadata->ReadImageMetadata(preparation.SourcePath, 0, longEdge, source.Bitmap.Put(),
                                                           READ_METADATA_AND_PICTURE, record));
     if (!source.Bitmap)

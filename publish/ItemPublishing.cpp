@@ -18,31 +18,6 @@
 
 namespace
 {
-UploadOptions Options(UINT32 mode, bool verifyContainer, const ConversionSettings &settings, UINT32 longEdgePixels,
-                      double printDpi)
-{
-    UploadOptions options;
-    options.mode = mode;
-    options.verifyContainer = verifyContainer;
-    options.minimize = settings.Minimize != 0;
-    options.writeCopyright = settings.WriteCopyright != 0;
-    options.writeExif = settings.WriteEXIF != 0;
-    options.writeXmp = settings.WriteXMP != 0;
-    options.writeGps = settings.WriteGPS != 0;
-    options.writeIptc = settings.WriteIPTC != 0;
-    options.longEdgePixels = longEdgePixels;
-    options.printDpi = printDpi;
-    return options;
-}
-
-UploadOptions WebOptions()
-{
-    UploadOptions options;
-    options.mode = SendAsIs;
-    options.verifyContainer = true;
-    return options;
-}
-
 // One item: the file chosen for it and the result of its upload.
 struct Item
 {
@@ -88,9 +63,7 @@ void LogPath(void (*log)(IHalvoraPublishingHost *, const WCHAR *, ...), const Ru
 
 void UploadProcessed(const RunContext &run, Item &item)
 {
-    Upload(
-        run, item, item.JpegName,
-        Options(SendProcessed, false, run.Settings.RAW, run.Settings.RAWLongEdgePixels, run.Settings.RAWPrintDpi));
+    Upload(run, item, item.JpegName, {run.Settings.RAW, SendProcessed, false});
 }
 
 // The file is of another kind than its extension says. In processed mode the host may still be able to read
@@ -118,13 +91,11 @@ void UploadChosenFile(const RunContext &run, Item &item)
     LogPath(LogInfo, run, IDS_LOG_PUBLISHING, item);
     if (item.Choice.Class == ExtensionClass::Jpeg)
     {
-        Upload(run, item, item.JpegName,
-               Options(run.Settings.JPEGMode, true, run.Settings.JPEG, run.Settings.JPEGLongEdgePixels,
-                       run.Settings.JPEGPrintDpi));
+        Upload(run, item, item.JpegName, {run.Settings.JPEG, run.Settings.JPEGMode, true});
     }
     else
     {
-        Upload(run, item, item.WebName, WebOptions());
+        Upload(run, item, item.WebName, {{}, SendAsIs, true});
     }
     if (item.Result == WINCODEC_ERR_BADHEADER)
     {

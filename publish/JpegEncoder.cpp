@@ -16,7 +16,7 @@ constexpr double ScreenDpi = 72.0;
 
 JpegEncoder CreateJpegEncoder(IWICImagingFactory *factory, const UploadOptions &options)
 {
-    const bool isIntact = options.mode == SendPixelsIntact;
+    const bool isIntact = options.Mode == SendPixelsIntact;
     JpegEncoder encoder;
     ThrowIfFailed(
         factory->CreateEncoder(GUID_ContainerFormatJpeg, &GUID_VendorMicrosoft, encoder.Container.Put()));
@@ -27,7 +27,7 @@ JpegEncoder CreateJpegEncoder(IWICImagingFactory *factory, const UploadOptions &
     ThrowIfFailed(encoder.Container->CreateNewFrame(encoder.Frame.Put(), isIntact ? nullptr : bag.Put()));
     if (!isIntact)
     {
-        WriteEncoderOptions(bag.Get(), options.minimize, JpegSubsamplingSupported());
+        WriteEncoderOptions(bag.Get(), options.Minimize != 0, JpegSubsamplingSupported());
     }
     ThrowIfFailed(encoder.Frame->Initialize(bag.Get()));
     return encoder;
@@ -80,8 +80,8 @@ void WriteEncoderOptions(IPropertyBag2 *bag, bool minimize, bool withSubsampling
 
 Resolution ChooseResolution(const UploadOptions &options, IWICBitmapSource *source)
 {
-    const double wanted = options.printDpi != 0.0 ? std::fabs(options.printDpi) : ScreenDpi;
-    if (options.mode == SendProcessed && options.longEdgePixels != 0)
+    const double wanted = options.PrintDpi != 0.0 ? std::fabs(options.PrintDpi) : ScreenDpi;
+    if (options.Mode == SendProcessed && options.LongEdgePixels != 0)
     {
         return {wanted, wanted};
     }

@@ -54,13 +54,13 @@ void MarkAsProcessed(IWICMetadataQueryWriter *writer)
 
 bool WantAnyMetadata(const UploadOptions &options) noexcept
 {
-    return options.writeCopyright || options.writeExif || options.writeXmp || options.writeGps ||
-           options.writeIptc;
+    return options.WriteCopyright || options.WriteEXIF || options.WriteXMP || options.WriteGPS ||
+           options.WriteIPTC;
 }
 
 void BlankDeselectedGroups(ItemRecord &record, const UploadOptions &options) noexcept
 {
-    if (!options.writeCopyright)
+    if (!options.WriteCopyright)
     {
         FreeText(record.ExifComment);
         for (BSTR &text : record.CopyrightTexts)
@@ -68,19 +68,19 @@ void BlankDeselectedGroups(ItemRecord &record, const UploadOptions &options) noe
             FreeText(text);
         }
     }
-    if (!options.writeExif)
+    if (!options.WriteEXIF)
     {
         record.ExifGroup = 0;
     }
-    if (!options.writeXmp)
+    if (!options.WriteXMP)
     {
         std::memset(record.XmpGroup, 0xFF, sizeof record.XmpGroup);
     }
-    if (!options.writeGps)
+    if (!options.WriteGPS)
     {
         record.GpsGroup = 0;
     }
-    if (!options.writeIptc)
+    if (!options.WriteIPTC)
     {
         ReleaseIptcBlock(record.Iptc);
         // The host's mark of a group that is there and blank.
@@ -114,8 +114,8 @@ HRESULT SelectProcessedMetadata(IHalvoraImageMetadata *metadata, IWICBitmapFrame
     const auto writer = QueryWriter(target);
     const bool any = WantAnyMetadata(options);
     const HRESULT written =
-        metadata->WriteImageMetadata(writer.Get(), 0, 1, record, options.writeCopyright, options.writeExif,
-                                     options.writeXmp, options.writeGps, options.writeIptc, any, TRUE);
+        metadata->WriteImageMetadata(writer.Get(), 0, 1, record, options.WriteCopyright, options.WriteEXIF,
+                                     options.WriteXMP, options.WriteGPS, options.WriteIPTC, any, TRUE);
     if (any && SUCCEEDED(written))
     {
         MarkAsProcessed(writer.Get());

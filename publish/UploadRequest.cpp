@@ -34,10 +34,10 @@ Picture ObtainPicture(IHalvoraImageMetadata *metadata, const WCHAR *sourcePath, 
                       const UploadOptions &options, const Pause &wait)
 {
     Picture picture;
-    if (options.mode == SendAsIs)
+    if (options.Mode == SendAsIs)
     {
         picture.Texts = ReadTexts(metadata, sourcePath, uploadName);
-        picture.Stream = OpenPictureFile(sourcePath, options.verifyContainer);
+        picture.Stream = OpenPictureFile(sourcePath, options.VerifyContainer);
     }
     else
     {

@@ -4,16 +4,6 @@
 #include "core/StringTable.h"
 #include "resources/resource.h"
 #include "settings/OutputSize.h"
-#include "settings/SettingsStore.h"
-
-const ConversionControls::Flag ConversionControls::Flags[] = {
-    {IDC_MINIMIZE, TEXT("Minimize"), &ConversionControls::m_minimize},
-    {IDC_WRITE_COPYRIGHT, TEXT("WriteCopyright"), &ConversionControls::m_writeCopyright},
-    {IDC_WRITE_EXIF, TEXT("WriteEXIF"), &ConversionControls::m_writeEXIF},
-    {IDC_WRITE_XMP, TEXT("WriteXMP"), &ConversionControls::m_writeXMP},
-    {IDC_WRITE_GPS, TEXT("WriteGPS"), &ConversionControls::m_writeGPS},
-    {IDC_WRITE_IPTC, TEXT("WriteIPTC"), &ConversionControls::m_writeIPTC},
-};
 
 namespace
 {
@@ -46,9 +36,9 @@ void ConversionControls::FillLists(IPageControls &controls)
 
 void ConversionControls::Load(const SettingsReader &reader)
 {
-    for (const Flag &flag : Flags)
+    for (const ConversionSwitch &one : ConversionSwitches())
     {
-        reader.ReadInto(NameOf(flag.Setting).c_str(), this->*flag.Field);
+        reader.ReadInto(NameOf(one.Name).c_str(), m_conversion.*one.Member);
     }
     m_longDimension = reader.Text(NameOf(TEXT("LongDimension")).c_str());
     NormalizeDimension();
@@ -56,23 +46,23 @@ void ConversionControls::Load(const SettingsReader &reader)
 
 void ConversionControls::Show(IPageControls &controls)
 {
-    for (const Flag &flag : Flags)
+    for (const ConversionSwitch &one : ConversionSwitches())
     {
-        UINT32 &field = this->*flag.Field;
+        UINT32 &field = m_conversion.*one.Member;
         if (field > LargestCheckState)
         {
             field = 0;
         }
-        controls.SetCheck(flag.Id, field);
+        controls.SetCheck(one.ControlId, field);
     }
     controls.SetText(IDC_OUTPUT_SIZE, m_longDimension);
 }
 
 void ConversionControls::Take(IPageControls &controls)
 {
-    for (const Flag &flag : Flags)
+    for (const ConversionSwitch &one : ConversionSwitches())
     {
-        this->*flag.Field = controls.Check(flag.Id);
+        m_conversion.*one.Member = controls.Check(one.ControlId);
     }
     m_longDimension = controls.Text(IDC_OUTPUT_SIZE);
     if (m_longDimension.size() >= OutputSizeCapacity)
@@ -85,9 +75,9 @@ void ConversionControls::Take(IPageControls &controls)
 
 void ConversionControls::Save(const SettingsWriter &writer)
 {
-    for (const Flag &flag : Flags)
+    for (const ConversionSwitch &one : ConversionSwitches())
     {
-        writer.Write(NameOf(flag.Setting).c_str(), this->*flag.Field);
+        writer.Write(NameOf(one.Name).c_str(), m_conversion.*one.Member);
     }
     NormalizeDimension();
     writer.Write(NameOf(TEXT("LongDimension")).c_str(), m_longDimension);

@@ -1,15 +1,11 @@
 #include "settings/JpegPage.h"
 
 #include "resources/resource.h"
-#include "settings/SettingsStore.h"
 
 #include <algorithm>
 
 namespace
 {
-constexpr UINT32 SendPixelsIntact = 1;
-constexpr UINT32 SendProcessed = 2;
-
 // A control and the smallest mode in which it is enabled.
 struct EnableRule
 {
@@ -34,8 +30,7 @@ void JpegPage::Load(IPageControls &controls)
 {
     m_conversion.FillLists(controls);
     const SettingsReader reader;
-    reader.ReadInto(TEXT("JPEGMode"), m_mode);
-    m_mode = std::min(m_mode, SendProcessed);
+    m_mode = std::min(reader.Number(TEXT("JPEGMode")), UINT32{SendProcessed});
     m_conversion.Load(reader);
     controls.SetRadio(IDC_MODE_AS_IS, m_mode);
     m_conversion.Show(controls);

@@ -16,6 +16,6 @@ private:
     void Take(IPageControls &controls);
     void ApplyRules(IPageControls &controls);
 
-    UINT32 m_mode = 2; // 0 SendAsIs, 1 SendPixelsIntact, 2 SendProcessed
+    UINT32 m_mode = SendAsIs; // until loaded
     ConversionControls m_conversion{TEXT("JPEG")};
 };

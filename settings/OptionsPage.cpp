@@ -2,7 +2,6 @@
 
 #include "resources/resource.h"
 #include "settings/SettingsStore.h"
-#include "settings/StoredSettings.h"
 
 const OptionsPage::Group OptionsPage::Groups[] = {
     {IDC_SAFETY_SAFE, TEXT("SafetyLevel"), &OptionsPage::m_safetyLevel},
@@ -21,7 +20,7 @@ void OptionsPage::Load(IPageControls &controls)
     for (const Group &group : Groups)
     {
         UINT32 &field = this->*group.Field;
-        reader.ReadInto(group.Setting, field);
+        field = reader.Number(group.Setting);
         // A stored value without a radio button is shown, and later saved, as the first.
         if (field > FindStoredSetting(group.Setting)->Largest)
         {

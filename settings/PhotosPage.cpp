@@ -47,12 +47,11 @@ UINT32 VisibilityOfNumbers(const VisibilityNumbers &numbers) noexcept
 
 UINT32 LoadVisibility(const SettingsReader &reader)
 {
-    VisibilityNumbers numbers{1, 0, 0};
-    reader.ReadInto(TEXT("IsPublic"), numbers.IsPublic);
+    VisibilityNumbers numbers{reader.Number(TEXT("IsPublic")), 0, 0};
     if (numbers.IsPublic == 0)
     {
-        reader.ReadInto(TEXT("IsFriend"), numbers.IsFriend);
-        reader.ReadInto(TEXT("IsFamily"), numbers.IsFamily);
+        numbers.IsFriend = reader.Number(TEXT("IsFriend"));
+        numbers.IsFamily = reader.Number(TEXT("IsFamily"));
     }
     return VisibilityOfNumbers(numbers);
 }

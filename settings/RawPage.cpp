@@ -1,7 +1,6 @@
 #include "settings/RawPage.h"
 
 #include "resources/resource.h"
-#include "settings/SettingsStore.h"
 
 UINT RawPage::Template() const noexcept
 {

@@ -2,49 +2,38 @@
 
 #include "resources/resource.h"
 #include "settings/OutputSize.h"
-#include "settings/StoredSettings.h"
 
 #include <algorithm>
 #include <string>
 
 namespace
 {
-constexpr UINT32 SendProcessed = 2;
-
-struct FlagName
+ConversionSettings DefaultConversion() noexcept
 {
-    const WCHAR *Name;
-    UINT32 ConversionSettings::*Field;
-};
-constexpr FlagName FlagNames[] = {
-    {TEXT("Minimize"), &ConversionSettings::Minimize},
-    {TEXT("WriteCopyright"), &ConversionSettings::WriteCopyright},
-    {TEXT("WriteEXIF"), &ConversionSettings::WriteEXIF},
-    {TEXT("WriteXMP"), &ConversionSettings::WriteXMP},
-    {TEXT("WriteGPS"), &ConversionSettings::WriteGPS},
-    {TEXT("WriteIPTC"), &ConversionSettings::WriteIPTC},
-};
-
-void LoadFlags(const SettingsReader &reader, const WideText &kind, ConversionSettings &conversion)
-{
-    for (const FlagName &flag : FlagNames)
+    ConversionSettings conversion;
+    for (const ConversionSwitch &one : ConversionSwitches())
     {
-        UINT32 &field = conversion.*flag.Field;
-        reader.ReadInto((kind + flag.Name).c_str(), field);
-        field = field != 0;
+        conversion.*one.Member = one.Default;
     }
+    return conversion;
 }
 
-void LoadSize(const SettingsReader &reader, const WCHAR *name, WideText &longDimension, UINT32 &longEdgePixels,
-              double &printDpi)
+void LoadConversion(const SettingsReader &reader, const WideText &kind, ConversionSettings &conversion,
+                    WideText &longDimension)
 {
+    for (const ConversionSwitch &one : ConversionSwitches())
+    {
+        UINT32 &field = conversion.*one.Member;
+        reader.ReadInto((kind + one.Name).c_str(), field);
+        field = field != 0;
+    }
     WCHAR size[OutputSizeCapacity] = {};
-    reader.Text(name).copy(size, OutputSizeCapacity - 1);
+    reader.Text((kind + TEXT("LongDimension")).c_str()).copy(size, OutputSizeCapacity - 1);
     NormalizeOutputSize(size, OutputSizeCapacity, IDS_SIZE_PRINT);
     longDimension = size;
 
     OutputSizeUnit unit;
-    longEdgePixels = static_cast<UINT32>(OutputSizeToPixels(longDimension, printDpi, unit));
+    conversion.LongEdgePixels = static_cast<UINT32>(OutputSizeToPixels(longDimension, conversion.PrintDpi, unit));
 }
 
 RegistryKeyOwner OpenSettingsKey(REGSAM access) noexcept
@@ -60,10 +49,14 @@ RegistryKeyOwner OpenSettingsKey(REGSAM access) noexcept
 
 SettingsReader::SettingsReader() noexcept : m_key(OpenSettingsKey(KEY_READ)) {}
 
-UINT32 SettingsReader::Number(const WCHAR *name) const noexcept
+SettingsBlock::SettingsBlock()
+    : JPEGMode(FindStoredSetting(TEXT("JPEGMode"))->Default), JPEG(DefaultConversion()), RAW(DefaultConversion())
 {
-    const StoredSetting *setting = FindStoredSetting(name);
-    UINT32 value = setting ? setting->Default : 0;
+}
+
+UINT32 SettingsReader::Number(const WCHAR *name) const
+{
+    UINT32 value = FindStoredSetting(name)->Default;
     ReadInto(name, value);
     return value;
 }
@@ -117,10 +110,7 @@ void LoadSettings(SettingsBlock &block)
         return;
     }
     reader.ReadInto(TEXT("JPEGMode"), block.JPEGMode);
-    block.JPEGMode = std::min(block.JPEGMode, SendProcessed);
-    LoadFlags(reader, TEXT("JPEG"), block.JPEG);
-    LoadSize(reader, TEXT("JPEGLongDimension"), block.JPEGLongDimension, block.JPEGLongEdgePixels,
-             block.JPEGPrintDpi);
-    LoadFlags(reader, TEXT("RAW"), block.RAW);
-    LoadSize(reader, TEXT("RAWLongDimension"), block.RAWLongDimension, block.RAWLongEdgePixels, block.RAWPrintDpi);
+    block.JPEGMode = std::min(block.JPEGMode, UINT32{SendProcessed});
+    LoadConversion(reader, TEXT("JPEG"), block.JPEG, block.JPEGLongDimension);
+    LoadConversion(reader, TEXT("RAW"), block.RAW, block.RAWLongDimension);
 }

@@ -6,32 +6,21 @@
 
 #include "com/HandleOwner.h"
 #include "com/WideText.h"
+#include "settings/StoredSettings.h"
 
 #include <windows.h>
 
-// What is kept of pictures of one kind of file when they are prepared for upload. Flags are 0 or 1.
-struct ConversionSettings
-{
-    UINT32 Minimize = 1;
-    UINT32 WriteCopyright = 1;
-    UINT32 WriteEXIF = 1;
-    UINT32 WriteXMP = 0;
-    UINT32 WriteGPS = 1;
-    UINT32 WriteIPTC = 0;
-};
-
 struct SettingsBlock
 {
-    UINT32 JPEGMode = 2; // 0 SendAsIs, 1 SendPixelsIntact, 2 SendProcessed
+    // The defaults.
+    SettingsBlock();
+
+    UINT32 JPEGMode; // one of UploadMode
     ConversionSettings JPEG;
-    UINT32 JPEGLongEdgePixels = 0; // 0: keep the size
-    double JPEGPrintDpi = 0;
     WideText JPEGLongDimension; // display form of the maximum output size; empty until one was loaded
 
     // The same for RAW and TIFF files.
     ConversionSettings RAW;
-    UINT32 RAWLongEdgePixels = 0;
-    double RAWPrintDpi = 0;
     WideText RAWLongDimension;
 };
 
@@ -48,7 +37,7 @@ public:
     bool IsOpen() const noexcept { return static_cast<bool>(m_key); }
 
     // The value as stored, or its default from the table in StoredSettings.h, which must have the name.
-    UINT32 Number(const WCHAR *name) const noexcept;
+    UINT32 Number(const WCHAR *name) const;
 
     // Leaves value alone if there is no value of at most 4 bytes.
     void ReadInto(const WCHAR *name, UINT32 &value) const noexcept;

@@ -31,17 +31,6 @@ constexpr PhotoItem PhotoItems[] = {
     {TEXT("SearchVisibility"), {TEXT("searchable"), TEXT("hidden from search"), TEXT("hidden from search")}},
 };
 
-struct MetadataItem
-{
-    UINT32 ConversionSettings::*Flag;
-    UINT WordId;
-};
-constexpr MetadataItem MetadataItems[] = {
-    {&ConversionSettings::WriteCopyright, IDS_META_COPYRIGHT}, {&ConversionSettings::WriteEXIF, IDS_META_EXIF},
-    {&ConversionSettings::WriteXMP, IDS_META_RATING},          {&ConversionSettings::WriteGPS, IDS_META_GPS},
-    {&ConversionSettings::WriteIPTC, IDS_META_IPTC},
-};
-
 WideText ListSeparator()
 {
     return LoadStringOrPlaceholder(IDS_LIST_SEPARATOR);
@@ -68,11 +57,11 @@ WideText MetadataSummary(const SettingsBlock &settings)
 {
     const WideText separator = ListSeparator();
     WideText words;
-    for (const MetadataItem &item : MetadataItems)
+    for (const ConversionSwitch &one : ConversionSwitches())
     {
-        if (settings.JPEG.*item.Flag != 0)
+        if (one.WordId != 0 && settings.JPEG.*one.Member != 0)
         {
-            words.append(words.empty() ? TEXT(" ") : separator).append(LoadStringOrPlaceholder(item.WordId));
+            words.append(words.empty() ? TEXT(" ") : separator).append(LoadStringOrPlaceholder(one.WordId));
         }
     }
     if (words.empty())
@@ -101,9 +90,9 @@ WideText ModeText(const SettingsBlock &settings)
 {
     switch (settings.JPEGMode)
     {
-    case 0:
+    case SendAsIs:
         return LoadStringOrPlaceholder(IDS_MODE_INTACT_FILES);
-    case 1:
+    case SendPixelsIntact:
         return LoadStringOrPlaceholder(IDS_MODE_INTACT_PIXELS) + MetadataSummary(settings);
     default:
         return LoadStringOrPlaceholder(IDS_MODE_RESAMPLE) + MetadataSummary(settings) + SizeSummary(settings);

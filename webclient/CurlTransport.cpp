@@ -1,14 +1,14 @@
-// HTTP over libcurl, the only file that knows it. Every exchange borrows an easy handle from a pool
-// of the process: the handle keeps its connection, TLS sessions and host addresses from one
-// exchange with a host to the next, and is used by one thread at a time.
+// HTTP over libcurl: what is sent, what is waited for, and what became of it. Which proxy is used and who is trusted
+// is platform/http's, and connections are CurlHandle's.
 // Without the socket and cryptography headers of Windows, which clash with the system's own.
 #define WIN32_LEAN_AND_MEAN
 #include "webclient/HttpTransport.h"
 
 #include "com/Hresult.h"
+#include "platform/http/CurlSetup.h"
+#include "webclient/CurlHandle.h"
 
 #include <curl/curl.h>
-#include <openssl/x509_vfy.h>
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -22,105 +22,6 @@
 namespace
 {
 using Clock = std::chrono::steady_clock;
-
-struct HandleCloser
-{
-    void operator()(CURL *handle) const noexcept { curl_easy_cleanup(handle); }
-};
-using EasyHandle = std::unique_ptr<CURL, HandleCloser>;
-
-class HandlePool
-{
-public:
-    // Made on first use. libcurl and OpenSSL are set up inside the constructor, so that their own
-    // ends, registered there, come after the pool's when the process exits.
-    static HandlePool &Get()
-    {
-        static HandlePool pool;
-        return pool;
-    }
-
-    ~HandlePool()
-    {
-        m_idle.clear();
-        curl_global_cleanup();
-    }
-
-    // Prefers the handle that was used last for this origin: its connection is the most likely to be open
-    // still.
-    EasyHandle Take(std::string_view origin)
-    {
-        {
-            const std::lock_guard guard(m_lock);
-            const auto found = std::find_if(m_idle.rbegin(), m_idle.rend(),
-                                            [&](const Idle &idle) { return idle.origin == origin; });
-            if (found != m_idle.rend())
-            {
-                EasyHandle handle = std::move(found->handle);
-                m_idle.erase(std::next(found).base());
-                CloseIfLeft(handle.get());
-                return handle;
-            }
-        }
-        EasyHandle handle(curl_easy_init());
-        if (!handle)
-        {
-            ThrowHresult(E_OUTOFMEMORY);
-        }
-        return handle;
-    }
-
-    // Keeps MostIdle handles at most, and closes the one that has been idle longest.
-    void GiveBack(EasyHandle handle, std::string origin) noexcept
-    {
-        curl_easy_reset(handle.get()); // keeps connection and sessions
-        const std::lock_guard guard(m_lock);
-        if (m_idle.size() == MostIdle)
-        {
-            m_idle.erase(m_idle.begin());
-        }
-        m_idle.push_back({std::move(origin), std::move(handle)}); // reserved: doesn't throw
-    }
-
-private:
-    static constexpr size_t MostIdle = 8;
-
-    struct Idle
-    {
-        std::string origin;
-        EasyHandle handle;
-    };
-
-    // A server that closes a TLS connection sends a last record. libcurl takes it for a sign of life and
-    // would send the next request into a closed connection. Nothing else can be read on an idle connection.
-    static void CloseIfLeft(CURL *handle) noexcept
-    {
-        curl_socket_t connection = CURL_SOCKET_BAD;
-        char bytes[256];
-        if (curl_easy_getinfo(handle, CURLINFO_ACTIVESOCKET, &connection) != CURLE_OK ||
-            connection == CURL_SOCKET_BAD || recv(connection, bytes, sizeof(bytes), MSG_DONTWAIT) <= 0)
-        {
-            return; // no connection, an idle one, or an end that libcurl notices itself
-        }
-        // That record is read now, so TLS can't go on here: make libcurl notice the end.
-        shutdown(connection, SHUT_RDWR);
-        while (recv(connection, bytes, sizeof(bytes), MSG_DONTWAIT) > 0)
-        {
-        }
-    }
-
-    HandlePool()
-    {
-        if (curl_global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK)
-        {
-            ThrowHresult(E_FAIL);
-        }
-        m_idle.reserve(MostIdle);
-    }
-
-    std::mutex m_lock;
-    std::vector<Idle> m_idle;
-};
 
 // Wipes the lines, since one of them is the Authorization header.
 struct ListCloser
@@ -160,7 +61,11 @@ class CurlExchange
 {
 public:
     CurlExchange(CURL *handle, const HttpRequest &request, const TransportLimits &limits)
-        : m_handle(handle), m_request(request), m_limits(limits)
+        : m_handle(handle),
+          m_request(request),
+          m_limits(limits),
+          m_proxy(EnvironmentProxy(request.url)),
+          m_setup(handle, m_proxy, limits.connect)
     {
     }
 
@@ -186,7 +91,6 @@ private:
     }
 
     void SetConnection();
-    void SetTrust();
     void SetRequest();
     void SetBody();
     void SetCallbacks();
@@ -205,12 +109,14 @@ private:
     void ReportLast();
     TransportError ErrorOf(CURLcode code) const;
     TransportError CertificateError() const;
+    TransportError ConnectingError(CURLcode code) const;
 
     CURL *m_handle;
     const HttpRequest &m_request;
     const TransportLimits &m_limits;
+    const ProxyChoice m_proxy;
+    const CurlSetup m_setup;
     TextList m_headers;
-    TextList m_connectTo;
     const Clock::time_point m_start = Clock::now();
     HttpReply m_reply;
     UINT64 m_bodyRead = 0;
@@ -229,10 +135,6 @@ private:
 
 void CurlExchange::SetConnection()
 {
-    Set(CURLOPT_NOSIGNAL, 1L);
-    Set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
-    Set(CURLOPT_PROTOCOLS_STR, "http,https");
-    Set(CURLOPT_FOLLOWLOCATION, 0L);
     Set(CURLOPT_TCP_KEEPALIVE, 1L);
     // Bytes that wait unsent in the socket count as progress. The system would let megabytes wait there, a
     // whole picture.
@@ -244,37 +146,6 @@ void CurlExchange::SetConnection()
         });
     Set(CURLOPT_MAXCONNECTS, 1L); // the one that the pool looks after
     Set(CURLOPT_FRESH_CONNECT, m_request.needsNewConnection ? 1L : 0L);
-    // Name and password come from the proxy's address. Not Negotiate, which libcurl prefers where it is
-    // offered and which they are no use for.
-    Set(CURLOPT_PROXYAUTH, static_cast<long>(CURLAUTH_BASIC | CURLAUTH_DIGEST | CURLAUTH_NTLM));
-    Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(m_limits.connect.count()));
-    Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
-    if (const char *entries = std::getenv("HALVORA_CONNECT_TO"))
-    {
-        for (std::string_view rest = entries; !rest.empty();)
-        {
-            const size_t end = std::min(rest.find(';'), rest.size());
-            if (end > 0)
-            {
-                m_connectTo.Add(std::string(rest.substr(0, end)).c_str());
-            }
-            rest.remove_prefix(std::min(end + 1, rest.size()));
-        }
-        Set(CURLOPT_CONNECT_TO, m_connectTo.Get());
-    }
-}
-
-void CurlExchange::SetTrust()
-{
-    Set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-    Set(CURLOPT_SSL_VERIFYPEER, 1L);
-    Set(CURLOPT_SSL_VERIFYHOST, 2L);
-    const char *bundle = std::getenv("HALVORA_CA_FILE");
-    if (bundle != nullptr && *bundle != 0)
-    {
-        Set(CURLOPT_CAINFO, bundle);
-        Set(CURLOPT_CAPATH, static_cast<const char *>(nullptr)); // instead of the system's, not beside it
-    }
 }
 
 void CurlExchange::SetBody()
@@ -506,7 +377,6 @@ void CurlExchange::ReportLast()
 HttpReply CurlExchange::Run()
 {
     SetConnection();
-    SetTrust();
     SetRequest();
     SetCallbacks();
     m_reply.body.reserve(4096); // token replies stay in one buffer, where they can be wiped
@@ -528,22 +398,33 @@ HttpReply CurlExchange::Run()
 
 TransportError CurlExchange::CertificateError() const
 {
-    long verdict = X509_V_OK;
-    curl_easy_getinfo(m_handle, CURLINFO_SSL_VERIFYRESULT, &verdict);
-    switch (verdict)
+    switch (m_setup.FaultOfCertificate())
     {
-    case X509_V_OK:
-    case X509_V_ERR_UNSPECIFIED: // the chain is good: libcurl missed the host's name before it noted a verdict
-    case X509_V_ERR_HOSTNAME_MISMATCH:
-    case X509_V_ERR_IP_ADDRESS_MISMATCH:
+    case CertificateFault::OtherHost:
         return {TransportProblem::CertificateForOtherHost};
-    case X509_V_ERR_CERT_HAS_EXPIRED:
+    case CertificateFault::Expired:
         return {TransportProblem::CertificateExpired};
-    case X509_V_ERR_CERT_NOT_YET_VALID:
+    case CertificateFault::NotYetValid:
         return {TransportProblem::CertificateNotYetValid};
     default:
         return {TransportProblem::CertificateUntrusted};
     }
+}
+
+// Of what failed before the request could start.
+TransportError CurlExchange::ConnectingError(CURLcode code) const
+{
+    long proxyStatus = 0;
+    curl_easy_getinfo(m_handle, CURLINFO_HTTP_CONNECTCODE, &proxyStatus);
+    if (proxyStatus == 407)
+    {
+        return {TransportProblem::ProxyNeedsLogin};
+    }
+    if (proxyStatus >= 300)
+    {
+        return {TransportProblem::ProxyRefused, E_FAIL, ShownProxy(m_proxy.server), static_cast<int>(proxyStatus)};
+    }
+    return {code == CURLE_SSL_CONNECT_ERROR ? TransportProblem::TlsFailed : TransportProblem::CannotConnect};
 }
 
 TransportError CurlExchange::ErrorOf(CURLcode code) const
@@ -583,13 +464,7 @@ TransportError CurlExchange::ErrorOf(CURLcode code) const
     }
     if (!m_lastMove)
     {
-        long proxyStatus = 0;
-        curl_easy_getinfo(m_handle, CURLINFO_HTTP_CONNECTCODE, &proxyStatus);
-        if (proxyStatus == 407)
-        {
-            return {TransportProblem::ProxyNeedsLogin};
-        }
-        return {code == CURLE_SSL_CONNECT_ERROR ? TransportProblem::TlsFailed : TransportProblem::CannotConnect};
+        return ConnectingError(code);
     }
     if (m_isTooLong)
     {
@@ -614,30 +489,11 @@ public:
 
     HttpReply Exchange(const HttpRequest &request) override
     {
-        HandlePool &pool = HandlePool::Get();
-        std::string origin = OriginOf(request.url);
-        EasyHandle handle = pool.Take(origin);
-        Loan loan{pool, std::move(handle), std::move(origin)};
-        return CurlExchange(loan.handle.get(), request, m_limits).Run();
+        const CurlHandle handle(request.url);
+        return CurlExchange(handle.Get(), request, m_limits).Run();
     }
 
 private:
-    struct Loan
-    {
-        HandlePool &pool;
-        EasyHandle handle;
-        std::string origin;
-
-        ~Loan() { pool.GiveBack(std::move(handle), std::move(origin)); }
-    };
-
-    // "https://host:port" of an address.
-    static std::string OriginOf(std::string_view url)
-    {
-        const size_t host = url.find("://");
-        return std::string(url.substr(0, url.find_first_of("/?", host == std::string_view::npos ? 0 : host + 3)));
-    }
-
     TransportLimits m_limits;
 };
 } // namespace

@@ -1,6 +1,7 @@
 #include "webclient/ErrorBody.h"
 
 #include "webclient/RequestUrl.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -41,14 +42,6 @@ constexpr Words Entities[] = {{"&lt;", "<"},
                               {"&mdash;", "\xE2\x80\x94"},
                               {"&ndash;", "\xE2\x80\x93"},
                               {"&amp;", "&"}}; // last, or "&amp;lt;" would be unfolded twice
-
-std::string LowerAscii(std::string_view text)
-{
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
-    return result;
-}
 
 // Only letters, digits and "_" of a service's word are put into our own sentences.
 std::string PlainWord(std::string_view text)

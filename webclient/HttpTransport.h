@@ -73,6 +73,7 @@ enum class TransportProblem
     NameNotFound,
     ProxyNotFound,
     ProxyNeedsLogin,
+    ProxyRefused, // with any other status
     CannotConnect,
     ConnectTimedOut,
     SendStalled,
@@ -99,6 +100,8 @@ struct TransportError
 {
     TransportProblem problem = TransportProblem::Other;
     HRESULT code = E_FAIL;
+    std::string proxy{}; // of ProxyRefused: "host:port"
+    int proxyStatus = 0; // likewise
 };
 
 // Bytes. The service's replies have some kilobytes; XML parsers can take minutes for megabytes.

@@ -1,6 +1,7 @@
 #include "webclient/MultipartForm.h"
 
 #include "com/BstrOwner.h"
+#include "webclient/PercentEncoding.h"
 #include "webclient/RandomText.h"
 #include "webclient/Utf8.h"
 
@@ -17,23 +18,8 @@ std::string QuotedName(std::string_view name)
     std::string result;
     for (const char c : name)
     {
-        switch (c)
-        {
-        case '"':
-            result += "%22";
-            break;
-        case '\r':
-            result += "%0D";
-            break;
-        case '\n':
-            result += "%0A";
-            break;
-        case '\\':
-            result += "%5C";
-            break; // some readers take it for an escape
-        default:
-            result += c;
-        }
+        const bool isEncoded = c == '"' || c == '\r' || c == '\n' || c == '\\'; // the last is some readers' escape
+        result += isEncoded ? PercentEncode({&c, 1}) : std::string(1, c);
     }
     return result;
 }
@@ -286,14 +272,4 @@ HRESULT CMultipartFormData::Stat(STATSTG *status, DWORD) noexcept
         status->cbSize.QuadPart = BodyLength();
         return S_OK;
     });
-}
-
-HRESULT CMultipartFormData::Clone(IStream **clone) noexcept
-{
-    if (clone == nullptr)
-    {
-        return STG_E_INVALIDPOINTER;
-    }
-    *clone = nullptr;
-    return E_NOTIMPL;
 }

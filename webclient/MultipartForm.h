@@ -47,7 +47,7 @@ public:
     {
         return STG_E_INVALIDFUNCTION;
     }
-    STDMETHODIMP Clone(IStream **clone) noexcept override;
+    STDMETHODIMP Clone(IStream **) noexcept override { return E_NOTIMPL; }
 
 private:
     // A piece of the body: its own bytes, then those of a file, if there is one.

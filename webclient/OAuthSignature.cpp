@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 namespace
 {
@@ -15,19 +16,6 @@ SecretText Encoded(std::string_view bytes)
     AppendPercentEncoded(result, bytes);
     return result;
 }
-
-struct EncodedPair
-{
-    SecretText name;
-    SecretText value;
-
-    // RFC 5849, 3.4.1.3.2: by encoded name, then by encoded value, byte by byte.
-    bool operator<(const EncodedPair &other) const
-    {
-        return name.View() != other.name.View() ? name.View() < other.name.View()
-                                                : value.View() < other.value.View();
-    }
-};
 
 std::string Base64(const HmacSha1Digest &digest)
 {
@@ -75,23 +63,23 @@ OAuthMoment OAuthMoment::Now()
 
 SecretText SignatureBaseString(std::string_view method, const RequestUrl &url, const ParameterList &parameters)
 {
-    std::vector<EncodedPair> pairs;
+    std::vector<std::pair<SecretText, SecretText>> pairs; // names and values, encoded
     for (const ParameterList &list : {ParseForm(url.query), parameters})
     {
         for (const Parameter &parameter : list)
         {
-            pairs.push_back({Encoded(parameter.name), Encoded(parameter.value.View())});
+            pairs.emplace_back(Encoded(parameter.name), Encoded(parameter.value.View()));
         }
     }
-    std::sort(pairs.begin(), pairs.end());
+    std::sort(pairs.begin(), pairs.end()); // RFC 5849, 3.4.1.3.2: by name, then by value, byte by byte
 
     SecretText normalized;
-    for (const EncodedPair &pair : pairs)
+    for (const auto &[name, value] : pairs)
     {
         normalized.Append(normalized.IsEmpty() ? "" : "&");
-        normalized.Append(pair.name.View());
+        normalized.Append(name.View());
         normalized.Append('=');
-        normalized.Append(pair.value.View());
+        normalized.Append(value.View());
     }
     SecretText result{method};
     result.Append('&');

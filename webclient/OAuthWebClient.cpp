@@ -14,7 +14,6 @@
 
 namespace
 {
-constexpr HRESULT InvalidServerResponse = static_cast<HRESULT>(0x80072F78);
 constexpr HRESULT InsecureAddress = static_cast<HRESULT>(0x80072EE6); // ERROR_INTERNET_UNRECOGNIZED_SCHEME
 
 RequestUrl SecureUrl(LPCWSTR text)
@@ -27,13 +26,6 @@ RequestUrl SecureUrl(LPCWSTR text)
 bool HasControls(std::string_view text)
 {
     return std::any_of(text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 0x7F; });
-}
-
-std::string LowerAscii(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
-    return text;
 }
 
 // The caller's headers, without those that the transport or the signature writes: above all the length, which

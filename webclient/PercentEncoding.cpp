@@ -10,24 +10,6 @@ bool IsUnreserved(unsigned char c)
            c == '_' || c == '~';
 }
 
-template <class Append>
-void Encode(std::string_view bytes, Append &&append)
-{
-    for (const unsigned char byte : bytes)
-    {
-        if (IsUnreserved(byte))
-        {
-            append(static_cast<char>(byte));
-        }
-        else
-        {
-            append('%');
-            append(Digits[byte >> 4]);
-            append(Digits[byte & 15]);
-        }
-    }
-}
-
 int DigitValue(char c)
 {
     if (c >= '0' && c <= '9')
@@ -41,15 +23,25 @@ int DigitValue(char c)
 
 void AppendPercentEncoded(SecretText &text, std::string_view bytes)
 {
-    Encode(bytes, [&](char byte) { text.Append(byte); });
+    for (const unsigned char byte : bytes)
+    {
+        if (IsUnreserved(byte))
+        {
+            text.Append(static_cast<char>(byte));
+        }
+        else
+        {
+            const char encoded[] = {'%', Digits[byte >> 4], Digits[byte & 15]};
+            text.Append({encoded, sizeof(encoded)});
+        }
+    }
 }
 
 std::string PercentEncode(std::string_view bytes)
 {
-    std::string result;
-    result.reserve(bytes.size());
-    Encode(bytes, [&](char byte) { result.push_back(byte); });
-    return result;
+    SecretText result;
+    AppendPercentEncoded(result, bytes);
+    return std::string(result.View());
 }
 
 SecretText FormDecode(std::string_view encoded)

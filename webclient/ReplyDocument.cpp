@@ -7,14 +7,13 @@
 
 #include <objbase.h>
 
+#include <algorithm>
+#include <iterator>
 #include <optional>
 #include <string>
 
 namespace
 {
-// ERROR_HTTP_INVALID_SERVER_RESPONSE
-constexpr HRESULT InvalidServerResponse = static_cast<HRESULT>(0x80072F78);
-
 bool IsSuccess(int status)
 {
     return status >= 200 && status <= 299;
@@ -23,32 +22,22 @@ bool IsSuccess(int status)
 // Text as the content of an element or a quoted attribute; characters that XML can't hold become blanks.
 WideText Escaped(std::string_view text)
 {
+    static constexpr std::pair<WCHAR, const WCHAR *> Entities[] = {
+        {'&', TEXT("&amp;")}, {'<', TEXT("&lt;")}, {'>', TEXT("&gt;")}, {'"', TEXT("&quot;")}};
     WideText result;
     for (const WCHAR c : WideFromUtf8(text))
     {
-        switch (c)
-        {
-        case '&':
-            result += TEXT("&amp;");
-            break;
-        case '<':
-            result += TEXT("&lt;");
-            break;
-        case '>':
-            result += TEXT("&gt;");
-            break;
-        case '"':
-            result += TEXT("&quot;");
-            break;
-        case 0xFFFE:
-        case 0xFFFF:
-            result += ' ';
-            break;
-        default:
-            result += c < ' ' ? static_cast<WCHAR>(' ') : c;
-        }
+        const auto *const entity = std::ranges::find(Entities, c, &std::pair<WCHAR, const WCHAR *>::first);
+        const WCHAR shown = c < ' ' || c >= 0xFFFE ? static_cast<WCHAR>(' ') : c;
+        result += entity != std::end(Entities) ? WideText(entity->second) : WideText(1, shown);
     }
     return result;
+}
+
+WideText Element(const WideText &name, std::string_view text)
+{
+    return text.empty() ? WideText()
+                        : TEXT("<") + name + TEXT(">") + Escaped(text) + TEXT("</") + name + TEXT(">");
 }
 
 WideText Attribute(const WCHAR *name, const std::optional<std::string> &value)
@@ -202,16 +191,10 @@ HRESULT LoadReply(IXMLDOMDocument2 *document, const HttpReply &reply, std::strin
 
 void LoadHttpError(IXMLDOMDocument2 *document, int status, std::string_view words, std::string_view description)
 {
-    WideText xml = TEXT("<HttpError HttpStatus=\"") + WideFromUtf8(std::to_string(status)) + TEXT("\">");
-    if (!words.empty())
-    {
-        xml += TEXT("<Status>") + Escaped(words) + TEXT("</Status>");
-    }
-    if (!description.empty())
-    {
-        xml += TEXT("<Description>") + Escaped(description) + TEXT("</Description>");
-    }
-    if (!Load(document, xml + TEXT("</HttpError>")))
+    const WideText xml = TEXT("<HttpError") + Attribute(TEXT("HttpStatus"), std::to_string(status)) + TEXT(">") +
+                         Element(TEXT("Status"), words) + Element(TEXT("Description"), description) +
+                         TEXT("</HttpError>");
+    if (!Load(document, xml))
     {
         ThrowHresult(E_UNEXPECTED);
     }

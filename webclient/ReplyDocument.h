@@ -12,6 +12,8 @@
 
 #include <string_view>
 
+constexpr HRESULT InvalidServerResponse = static_cast<HRESULT>(0x80072F78); // ERROR_HTTP_INVALID_SERVER_RESPONSE
+
 // An empty document. Make it before anything is sent: a document that can't be made must not cost a reply.
 // Throws the code of the creation.
 ComPtr<IXMLDOMDocument2> CreateReplyDocument();

@@ -5,12 +5,6 @@
 
 namespace
 {
-WideText WideDecimal(INT64 number)
-{
-    const std::string digits = std::to_string(number);
-    return WideText(digits.begin(), digits.end());
-}
-
 WideText TextOf(const VARIANT &value)
 {
     switch (V_VT(&value))
@@ -20,9 +14,9 @@ WideText TextOf(const VARIANT &value)
         // signed text must be the text that is sent.
         return V_BSTR(&value) != nullptr ? WideText(static_cast<const WCHAR *>(V_BSTR(&value))) : WideText();
     case VT_I4:
-        return WideDecimal(V_I4(&value));
+        return WideFromUtf8(std::to_string(V_I4(&value)));
     case VT_UI4:
-        return WideDecimal(V_UI4(&value));
+        return WideFromUtf8(std::to_string(V_UI4(&value)));
     default:
         ThrowHresult(DISP_E_BADVARTYPE);
     }

@@ -11,14 +11,6 @@ namespace
 // ERROR_INTERNET_INVALID_URL, which is ERROR_WINHTTP_INVALID_URL too.
 constexpr HRESULT InvalidUrl = static_cast<HRESULT>(0x80072EE5);
 
-std::string LowerAscii(std::string_view text)
-{
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
-    return result;
-}
-
 unsigned DefaultPort(std::string_view scheme)
 {
     return scheme == "https" ? 443 : 80;
@@ -49,6 +41,14 @@ void ParseAuthority(std::string_view authority, RequestUrl &url)
     }
 }
 } // namespace
+
+std::string LowerAscii(std::string_view text)
+{
+    std::string result(text);
+    std::transform(result.begin(), result.end(), result.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
+    return result;
+}
 
 ParameterList ParseForm(std::string_view encoded)
 {

@@ -7,6 +7,9 @@
 #include <string_view>
 #include <vector>
 
+// The text with A to Z in small letters, as schemes, hosts and names of headers compare.
+std::string LowerAscii(std::string_view text);
+
 // One parameter of a request: UTF-8, not encoded.
 struct Parameter
 {

@@ -2,6 +2,7 @@
 // them is overwritten before it is freed, so that nothing is left in memory for a dump or a swap file.
 #pragma once
 
+#include <compare>
 #include <cstddef>
 #include <memory>
 #include <string_view>
@@ -53,6 +54,10 @@ public:
 
     std::string_view View() const noexcept { return {m_bytes.data(), m_bytes.size()}; }
     bool IsEmpty() const noexcept { return m_bytes.empty(); }
+
+    // Byte by byte, bytes without a sign.
+    friend auto operator<=>(const SecretText &a, const SecretText &b) noexcept { return a.View() <=> b.View(); }
+    friend bool operator==(const SecretText &a, const SecretText &b) noexcept { return a.View() == b.View(); }
 
 private:
     // A vector: a string keeps short texts inside the object, where the allocator doesn't wipe them.

@@ -1,4 +1,3 @@
 target_sources(platform PRIVATE
   comctl32/ProgressBar.cpp
-  comctl32/TaskDialog.cpp
-  comctl32/TaskDialogPage.cpp)
+  comctl32/TaskDialog.cpp)

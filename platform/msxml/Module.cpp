@@ -1,16 +1,15 @@
-// Exports of the module: the classes DOMDocument of MSXML 6 and of MSXML without a version, and the
-// request classes of MSXML 6.
+// Exports of the module: the classes DOMDocument of MSXML 6 and of MSXML without a version, and MSXML 6's
+// request for servers.
 #include <initguid.h>
 
 #include "com/ModuleLocks.h"
+#include "platform/msxml/NodeObjects.h"
 
 #include "XmlInterfaces.h"
 
 DEFINE_GUID(CLSID_DOMDocumentOfNoVersion, 0x2933bf90, 0x7b36, 0x11d2, 0xb2, 0x0e, 0x00, 0xc0, 0x4f, 0x98, 0x3e,
             0x60);
 
-IClassFactory *DocumentFactory();
-IClassFactory *UserRequestFactory();
 IClassFactory *ServerRequestFactory();
 
 namespace
@@ -24,7 +23,6 @@ struct ClassEntry
 const ClassEntry Classes[] = {
     {CLSID_DOMDocument60, DocumentFactory},
     {CLSID_DOMDocumentOfNoVersion, DocumentFactory},
-    {CLSID_XMLHTTP60, UserRequestFactory},
     {CLSID_ServerXMLHTTP60, ServerRequestFactory},
 };
 } // namespace

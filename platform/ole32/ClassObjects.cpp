@@ -53,7 +53,6 @@ std::filesystem::path FindServer(REFCLSID clsid)
         {CLSID_WICImagingFactory, "windowscodecs.so"},
         {CLSID_DOMDocument60, "msxml.so"},
         {PlainDocument, "msxml.so"},
-        {CLSID_XMLHTTP60, "msxml.so"},
         {CLSID_ServerXMLHTTP60, "msxml.so"},
     };
     for (const auto &server : Own)

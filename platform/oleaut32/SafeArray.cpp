@@ -115,13 +115,3 @@ HRESULT WINAPI SafeArrayGetUBound(SAFEARRAY *array, UINT dimension, LONG *bound)
     }
     return result;
 }
-
-HRESULT WINAPI SafeArrayGetVartype(SAFEARRAY *array, VARTYPE *type)
-{
-    if (array == nullptr || type == nullptr)
-    {
-        return E_INVALIDARG;
-    }
-    *type = static_cast<VARTYPE>(Typed(array)->type);
-    return S_OK;
-}

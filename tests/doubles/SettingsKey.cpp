@@ -28,7 +28,7 @@ std::string Stored(const RegistryKeyOwner &key, const StoredSetting &setting)
     WCHAR text[64] = {};
     DWORD type = 0;
     DWORD size = sizeof text;
-    RegQueryValueExW(key.Get(), setting.Name, nullptr, &type, reinterpret_cast<BYTE *>(text), &size);
+    RegQueryValueExW(key.Get(), setting.Name.c_str(), nullptr, &type, reinterpret_cast<BYTE *>(text), &size);
     UINT32 number;
     std::memcpy(&number, text, sizeof number);
     const bool isNumber = setting.Type == REG_DWORD;
@@ -84,11 +84,11 @@ void SettingsKey::MarkAll()
     {
         if (setting.Type == REG_DWORD)
         {
-            Set(setting.Name, Mark);
+            Set(setting.Name.c_str(), Mark);
         }
         else
         {
-            Set(setting.Name, MarkText);
+            Set(setting.Name.c_str(), MarkText);
         }
     }
 }

@@ -82,7 +82,8 @@ TEST_F(PictureDecoding, WhatIsNoPictureFailsWithCodeAndWords)
         const char *words;
     } cases[] = {
         {m_folder.Path() / "gone.jpg", HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND), "can't be read"},
-        {m_folder.Write("text.jpg", "no picture at all"), WINCODEC_ERR_UNKNOWNIMAGEFORMAT, "no kind of picture"},
+        {m_folder.Write("text.jpg", "no picture at all"), WINCODEC_ERR_UNKNOWNIMAGEFORMAT,
+         "not a picture format that Halvora can read"},
         {m_folder.Write("cut.png", png.substr(0, png.size() / 2)), WINCODEC_ERR_BADIMAGE, "cut short"},
     };
     for (const auto &each : cases)

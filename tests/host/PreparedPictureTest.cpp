@@ -73,8 +73,8 @@ TEST_F(PreparedPicture, IsAPictureOfTheWantedSizeWithoutTheGroupsThatAreOff)
     {
         SCOPED_TRACE(mode);
         UploadOptions options;
-        options.mode = mode;
-        options.longEdgePixels = mode == SendProcessed ? 48 : 0;
+        options.Mode = mode;
+        options.LongEdgePixels = mode == SendProcessed ? 48 : 0;
         const std::string bytes = Prepare(options);
         EXPECT_THAT(bytes, Not(HasSubstr(Secret)));
         const DecodedPicture picture = DecodePicture(m_folder.Write("result.jpg", bytes), 0, nullptr);
@@ -90,7 +90,7 @@ TEST_F(PreparedPicture, WhatIsWrongWithASourceIsSaid)
 {
     m_folder.Write("text.jpg", "no picture");
     UploadOptions options;
-    options.mode = SendProcessed;
+    options.Mode = SendProcessed;
     m_record.ItemBegins(0);
     EXPECT_THROW(Prepare(options, "text.jpg"), HresultError);
     EXPECT_THAT(m_warnings, testing::IsEmpty()) << "the plug-in's entry and the summary are enough";
@@ -101,8 +101,8 @@ TEST_F(PreparedPicture, WhatIsWrongWithASourceIsSaid)
     // Wine's decoder doesn't take it with its pixels intact.
     const std::string whole = m_folder.Read("source.jpg");
     m_folder.Write("endless.jpg", whole.substr(0, whole.size() - 2));
-    for (options.mode = UnderWine ? SendProcessed : SendPixelsIntact; options.mode <= SendProcessed;
-         ++options.mode)
+    for (options.Mode = UnderWine ? SendProcessed : SendPixelsIntact; options.Mode <= SendProcessed;
+         ++options.Mode)
     {
         m_warnings.clear();
         EXPECT_TRUE(Prepare(options, "endless.jpg").ends_with("\xFF\xD9"));

@@ -1,6 +1,6 @@
 #include "host/ProgressLine.h"
 
-#include "host/DisplayText.h"
+#include "terminal/TerminalText.h"
 
 #include <gmock/gmock.h>
 
@@ -53,7 +53,7 @@ TEST(ProgressLine, NeverReachesTheLastColumnWhateverTheWidth)
             for (const bool unicode : {false, true})
             {
                 const std::string line = RenderProgressLine(View(77, status), {columns, unicode, false});
-                EXPECT_LT(DisplayWidth(line), std::max<size_t>(columns, 1)) << columns << line;
+                EXPECT_LT(TerminalWidth(line), std::max<size_t>(columns, 1)) << columns << line;
                 EXPECT_EQ(line.find('\x1B'), line.npos);
             }
         }
@@ -62,10 +62,10 @@ TEST(ProgressLine, NeverReachesTheLastColumnWhateverTheWidth)
 
 TEST(ProgressLine, CutsBetweenCharactersAndSaysSo)
 {
-    EXPECT_EQ(CutToWidth("漢字漢字", 6, true), "漢字…");
-    EXPECT_EQ(CutToWidth("漢字漢字", 8, true), "漢字漢字");
-    EXPECT_EQ(CutToWidth("abcdef", 5, false), "ab...");
-    EXPECT_EQ(CutToWidth("abcdef", 2, false), "..");
+    EXPECT_EQ(CutToWidth(u"漢字漢字", 6, true), u"漢字…");
+    EXPECT_EQ(CutToWidth(u"漢字漢字", 8, true), u"漢字漢字");
+    EXPECT_EQ(CutToWidth(u"abcdef", 5, false), u"ab...");
+    EXPECT_EQ(CutToWidth(u"abcdef", 2, false), u"..");
 }
 
 TEST(ProgressLine, ColourTellsTheState)

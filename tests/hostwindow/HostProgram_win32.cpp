@@ -1,6 +1,7 @@
 #include "tests/hostwindow/HostProgram_win32.h"
 
 #include "host/window/resource.h"
+#include "tests/hostwindow/OtherProgram_win32.h"
 #include "tests/ui/DialogDriver_win32.h"
 
 #include <commctrl.h>
@@ -13,31 +14,6 @@ constexpr DWORD Patience = 20000; // milliseconds
 
 // LM_GETIDEALSIZE, which the headers of this compiler lack.
 constexpr UINT GetIdealSize = WM_USER + 0x301;
-
-// Memory of the other program, in which its controls take and give what a message only points to.
-class OtherMemory
-{
-public:
-    OtherMemory(HANDLE process, size_t size)
-        : m_process(process), m_place(VirtualAllocEx(process, nullptr, size, MEM_COMMIT, PAGE_READWRITE))
-    {
-    }
-    ~OtherMemory() { VirtualFreeEx(m_process, m_place, 0, MEM_RELEASE); }
-    OtherMemory(const OtherMemory &) = delete;
-    OtherMemory &operator=(const OtherMemory &) = delete;
-
-    void *At(size_t offset = 0) const { return static_cast<BYTE *>(m_place) + offset; }
-    LPARAM Pointer() const { return reinterpret_cast<LPARAM>(m_place); }
-    void Write(const void *from, size_t size) { WriteProcessMemory(m_process, m_place, from, size, nullptr); }
-    void Read(void *to, size_t size, size_t offset = 0) const
-    {
-        ReadProcessMemory(m_process, At(offset), to, size, nullptr);
-    }
-
-private:
-    HANDLE m_process;
-    void *m_place;
-};
 
 struct Search
 {
@@ -81,10 +57,10 @@ std::wstring CommandLineOf(const std::filesystem::path &profile,
     return line;
 }
 
-std::wstring Cell(HANDLE process, HWND list, int row, int column)
+std::wstring Cell(HWND list, int row, int column)
 {
     wchar_t text[1024]{};
-    OtherMemory memory(process, sizeof(LVITEMW) + sizeof(text));
+    OtherMemory memory(list, sizeof(LVITEMW) + sizeof(text));
     LVITEMW item{};
     item.iSubItem = column;
     item.cchTextMax = ARRAYSIZE(text);
@@ -128,33 +104,19 @@ HostProgram::~HostProgram()
 
 std::vector<HWND> HostProgram::Parts() const
 {
-    std::vector<HWND> parts;
-    EnumChildWindows(
-        m_window,
-        [](HWND part, LPARAM all) -> BOOL {
-            if (IsWindowVisible(part) && GetDlgCtrlID(part) != 0)
-            {
-                reinterpret_cast<std::vector<HWND> *>(all)->push_back(part);
-            }
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&parts));
+    auto parts = PartsOf(m_window);
+    std::erase_if(parts, [](HWND part) { return GetDlgCtrlID(part) == 0; });
     return parts;
 }
 
 HWND HostProgram::Part(int id) const
 {
-    const auto parts = Parts();
-    const auto found =
-        std::find_if(parts.begin(), parts.end(), [&](HWND part) { return GetDlgCtrlID(part) == id; });
-    return found != parts.end() ? *found : nullptr;
+    return FindPart(m_window, id);
 }
 
 std::wstring HostProgram::Text(int id) const
 {
-    wchar_t text[4096]{};
-    SendMessageW(Part(id), WM_GETTEXT, ARRAYSIZE(text), reinterpret_cast<LPARAM>(text));
-    return text;
+    return TextOf(Part(id));
 }
 
 std::vector<std::wstring> HostProgram::Rows(int id) const
@@ -168,7 +130,7 @@ std::vector<std::wstring> HostProgram::Rows(int id) const
     {
         for (int column = 0; column < columns; ++column)
         {
-            rows[row] += (column == 0 ? L"" : L"|") + Cell(m_process.Get(), list, static_cast<int>(row), column);
+            rows[row] += (column == 0 ? L"" : L"|") + Cell(list, static_cast<int>(row), column);
         }
     }
     return rows;
@@ -201,35 +163,14 @@ bool HostProgram::AwaitEnabled(int id, bool isEnabled) const
 
 void HostProgram::Follow(int id, const std::wstring &link) const
 {
-    const HWND control = Part(id);
-    RECT area{};
-    GetClientRect(control, &area);
-    OtherMemory memory(m_process.Get(), sizeof(LHITTESTINFO));
-    for (LONG y = 2; y < area.bottom; y += 4)
-    {
-        for (LONG x = 1; x < area.right; x += 4)
-        {
-            LHITTESTINFO hit{};
-            hit.pt = {x, y};
-            memory.Write(&hit, sizeof(hit));
-            const bool isLink = SendMessageW(control, LM_HITTEST, 0, memory.Pointer()) != 0;
-            memory.Read(&hit, sizeof(hit));
-            if (isLink && link == hit.item.szID)
-            {
-                PostMessageW(control, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, y));
-                PostMessageW(control, WM_LBUTTONUP, 0, MAKELPARAM(x, y));
-                return;
-            }
-        }
-    }
-    ADD_FAILURE() << "There is no such link.";
+    EXPECT_TRUE(FollowLink(Part(id), link));
 }
 
 void HostProgram::SelectLog() const
 {
     LVITEMW state{};
     state.state = state.stateMask = LVIS_SELECTED;
-    OtherMemory memory(m_process.Get(), sizeof(state));
+    OtherMemory memory(m_window, sizeof(state));
     memory.Write(&state, sizeof(state));
     SendMessageW(Part(IDC_LOG), LVM_SETITEMSTATE, static_cast<WPARAM>(-1), memory.Pointer());
 }
@@ -262,7 +203,7 @@ std::optional<DWORD> HostProgram::AwaitEnd() const
 SIZE HostProgram::IdealSizeOf(HWND button) const
 {
     SIZE size{};
-    OtherMemory memory(m_process.Get(), sizeof(size));
+    OtherMemory memory(m_window, sizeof(size));
     memory.Write(&size, sizeof(size));
     SendMessageW(button, BCM_GETIDEALSIZE, 0, memory.Pointer());
     memory.Read(&size, sizeof(size));
@@ -271,6 +212,6 @@ SIZE HostProgram::IdealSizeOf(HWND button) const
 
 int HostProgram::IdealHeightOf(HWND links, int width) const
 {
-    OtherMemory memory(m_process.Get(), sizeof(SIZE));
+    OtherMemory memory(m_window, sizeof(SIZE));
     return static_cast<int>(SendMessageW(links, GetIdealSize, static_cast<WPARAM>(width), memory.Pointer()));
 }

@@ -43,31 +43,19 @@ std::size_t Append(char *bytes, std::size_t size, std::size_t count, void *text)
     return size * count;
 }
 
-loopback::ServiceOptions In(loopback::ServiceOptions options, const std::filesystem::path &store)
-{
-    options.store = store;
-    return options;
-}
-
-} // namespace
-
-std::string Signature::Header(const std::string &url, const Fields &parameters) const
+// The value of the Authorization header.
+std::string Signed(const std::string &url, const Fields &parameters)
 {
     static int count = 0;
-    Fields oauth = {{"oauth_consumer_key", consumerKey},
-                    {"oauth_nonce", nonce.empty() ? "nonce-" + std::to_string(++count) : nonce},
-                    {"oauth_signature_method", method},
-                    {"oauth_timestamp", std::to_string(std::time(nullptr) + timestampOffset)},
-                    {"oauth_token", token},
-                    {"oauth_version", version}};
-    std::erase_if(oauth, [&](const auto &field) {
-        return std::find(omitted.begin(), omitted.end(), field.first) != omitted.end();
-    });
+    Fields oauth = {{"oauth_consumer_key", "68616c766f72612d64656d6f2d6b6579"},
+                    {"oauth_nonce", "nonce-" + std::to_string(++count)},
+                    {"oauth_signature_method", "HMAC-SHA1"},
+                    {"oauth_timestamp", std::to_string(std::time(nullptr))},
+                    {"oauth_token", "72157600000000000-demo000000000000"}};
     Fields all = oauth;
     all.insert(all.end(), parameters.begin(), parameters.end());
-    all.insert(all.end(), extraSigned.begin(), extraSigned.end());
-    const std::string base = "POST&" + Escape(signedUrl.empty() ? url : signedUrl) + "&" + Escape(Joined(all));
-    const std::string key = Escape(consumerSecret) + "&" + Escape(tokenSecret);
+    const std::string base = "POST&" + Escape(url) + "&" + Escape(Joined(all));
+    const std::string key = "64656d6f2d736563&demosecret000000";
     unsigned char mac[EVP_MAX_MD_SIZE];
     unsigned size = 0;
     HMAC(EVP_sha1(), key.data(), static_cast<int>(key.size()),
@@ -82,6 +70,14 @@ std::string Signature::Header(const std::string &url, const Fields &parameters) 
     }
     return header;
 }
+
+loopback::ServiceOptions In(loopback::ServiceOptions options, const std::filesystem::path &store)
+{
+    options.store = store;
+    return options;
+}
+
+} // namespace
 
 LoopbackClient::LoopbackClient(int port, std::filesystem::path authority)
     : m_curl(curl_easy_init()), m_port(port), m_authority(std::move(authority))
@@ -123,16 +119,15 @@ Answer LoopbackClient::Send(const std::string &url, const std::string &authoriza
     return answer;
 }
 
-Answer LoopbackClient::Rest(const std::string &method, const Signature &signature)
+Answer LoopbackClient::Rest(const std::string &method)
 {
     const Fields fields = {{"method", method}};
     const std::string url = Api + "/services/rest";
-    const std::string body = Joined(fields);
-    return Send(url, signature.Header(url, fields),
-                [&](void *curl) { curl_easy_setopt(curl, CURLOPT_COPYPOSTFIELDS, body.c_str()); });
+    return Send(url, Signed(url, fields),
+                [&](void *curl) { curl_easy_setopt(curl, CURLOPT_COPYPOSTFIELDS, Joined(fields).c_str()); });
 }
 
-Answer LoopbackClient::Upload(const Fields &fields, const UploadFile &file, const Signature &signature)
+Answer LoopbackClient::Upload(const Fields &fields, const UploadFile &file)
 {
     const std::string url = Api + "/services/upload/";
     curl_mime *form = curl_mime_init(m_curl);
@@ -147,8 +142,8 @@ Answer LoopbackClient::Upload(const Fields &fields, const UploadFile &file, cons
     curl_mime_filename(part, file.name.c_str());
     curl_mime_type(part, file.type.c_str());
     curl_mime_data(part, file.bytes.data(), file.bytes.size());
-    const Answer answer = Send(url, signature.Header(url, fields),
-                               [&](void *curl) { curl_easy_setopt(curl, CURLOPT_MIMEPOST, form); });
+    const Answer answer =
+        Send(url, Signed(url, fields), [&](void *curl) { curl_easy_setopt(curl, CURLOPT_MIMEPOST, form); });
     curl_easy_reset(m_curl);
     curl_mime_free(form);
     return answer;
@@ -166,9 +161,8 @@ Answer LoopbackClient::Admin(const std::string &path)
 
 Answer LoopbackClient::Admin(const std::string &path, const Fields &form)
 {
-    const std::string body = Joined(form);
     return Send("http://127.0.0.1/_loopback/" + path, "",
-                [&](void *curl) { curl_easy_setopt(curl, CURLOPT_COPYPOSTFIELDS, body.c_str()); });
+                [&](void *curl) { curl_easy_setopt(curl, CURLOPT_COPYPOSTFIELDS, Joined(form).c_str()); });
 }
 
 TestFolder::TestFolder()
@@ -189,6 +183,11 @@ TestFolder::~TestFolder()
 
 RunningService::RunningService(loopback::ServiceOptions options)
     : m_service(In(std::move(options), m_folder.Path() / "store")), m_thread([this] { m_service.Run(); })
+{
+}
+
+RunningService::RunningService(loopback::ServiceOptions options, const TestFolder &folder)
+    : m_service(In(std::move(options), folder.Path() / "store")), m_thread([this] { m_service.Run(); })
 {
 }
 

@@ -13,27 +13,6 @@
 
 using Fields = std::vector<std::pair<std::string, std::string>>;
 
-// The ingredients of a signature; a test spoils one at a time.
-struct Signature
-{
-    std::string consumerKey = "68616c766f72612d64656d6f2d6b6579";
-    std::string consumerSecret = "64656d6f2d736563";
-    std::string token = "72157600000000000-demo000000000000";
-    std::string tokenSecret = "demosecret000000";
-    std::string version = "1.0";
-    std::string method = "HMAC-SHA1";
-    std::string nonce;
-    long timestampOffset = 0;
-    // The names of OAuth parameters that are left out.
-    std::vector<std::string> omitted;
-    // Signed but not sent.
-    Fields extraSigned;
-    std::string signedUrl;
-
-    // The value of the Authorization header.
-    std::string Header(const std::string &url, const Fields &parameters) const;
-};
-
 struct Answer
 {
     // libcurl's result code; 0 is success.
@@ -57,8 +36,9 @@ public:
     LoopbackClient(int port, std::filesystem::path authority);
     ~LoopbackClient();
 
-    Answer Rest(const std::string &method, const Signature &signature = {});
-    Answer Upload(const Fields &fields, const UploadFile &file = {}, const Signature &signature = {});
+    // Signed for the demonstration account.
+    Answer Rest(const std::string &method);
+    Answer Upload(const Fields &fields, const UploadFile &file = {});
     // Without a signature; follows no redirects.
     Answer Get(const std::string &url);
     // Plain HTTP to the service's own address.
@@ -89,11 +69,14 @@ private:
 class RunningService
 {
 public:
-    RunningService() : RunningService(loopback::ServiceOptions{}) {}
-    explicit RunningService(loopback::ServiceOptions options);
+    // With a store of its own.
+    explicit RunningService(loopback::ServiceOptions options = {});
+    // With the store in a folder that outlives it.
+    RunningService(loopback::ServiceOptions options, const TestFolder &folder);
     ~RunningService();
 
     LoopbackClient Client() const { return LoopbackClient(m_service.Port(), m_service.AuthorityFile()); }
+    int Port() const { return m_service.Port(); }
     std::filesystem::path Store() const { return m_folder.Path() / "store"; }
 
 private:

@@ -7,6 +7,7 @@
 #include <poll.h>
 #include <pty.h>
 #include <signal.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -87,11 +88,18 @@ public:
         }
     }
 
-    // Waits for the prompt, then types the keys.
-    bool Answer(const std::string &keys)
+    bool Type(const std::string &keys)
     {
-        return WaitFor("   > ") &&
-               write(m_terminal, keys.data(), keys.size()) == static_cast<ssize_t>(keys.size());
+        return write(m_terminal, keys.data(), keys.size()) == static_cast<ssize_t>(keys.size());
+    }
+
+    // Waits for a dialog's prompt, then types the keys.
+    bool Answer(const std::string &keys) { return WaitFor("   > ") && Type(keys); }
+
+    void Resize(unsigned short columns, unsigned short rows)
+    {
+        const winsize size{rows, columns, 0, 0};
+        EXPECT_EQ(ioctl(m_terminal, TIOCSWINSZ, &size), 0);
     }
 
     // Waits for `ask` and returns its result; empty if the child ended otherwise.

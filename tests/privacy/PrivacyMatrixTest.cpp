@@ -148,13 +148,13 @@ protected:
         const auto host = Host::Make();
         host->First = first;
         UploadOptions options;
-        options.mode = mode;
-        options.writeCopyright = groups & Copyright;
-        options.writeExif = groups & Exif;
-        options.writeXmp = groups & Xmp;
-        options.writeGps = groups & Gps;
-        options.writeIptc = groups & Iptc;
-        options.printDpi = 300;
+        options.Mode = mode;
+        options.WriteCopyright = (groups & Copyright) != 0;
+        options.WriteEXIF = (groups & Exif) != 0;
+        options.WriteXMP = (groups & Xmp) != 0;
+        options.WriteGPS = (groups & Gps) != 0;
+        options.WriteIPTC = (groups & Iptc) != 0;
+        options.PrintDpi = 300;
         const RunContext run{host.Get(), nullptr, Callback.Get(), Account,     Version,     Settings,
                              Statistics, Windows, Cancel,         SystemTicks, [](DWORD) {}};
         Web.ForgetCalls();

@@ -47,10 +47,10 @@ protected:
     static UploadOptions Options(UINT32 mode)
     {
         UploadOptions options;
-        options.mode = mode;
-        options.writeCopyright = options.writeExif = options.writeXmp = options.writeGps = options.writeIptc =
+        options.Mode = mode;
+        options.WriteCopyright = options.WriteEXIF = options.WriteXMP = options.WriteGPS = options.WriteIPTC =
             true;
-        options.printDpi = 300;
+        options.PrintDpi = 300;
         return options;
     }
 
@@ -175,8 +175,8 @@ TEST_F(ImagePreparation, KeepsThePixelsOfAJpeg)
     // Size and economy apply to processed pictures alone.
     Calls().Reset();
     UploadOptions options = Options(SendPixelsIntact);
-    options.minimize = true;
-    options.longEdgePixels = 240;
+    options.Minimize = true;
+    options.LongEdgePixels = 240;
     EXPECT_EQ(Upload(options), S_OK);
     EXPECT_THAT(Calls().Calls(), ElementsAreArray(AfterFactory(IntactPass)));
 }
@@ -184,13 +184,13 @@ TEST_F(ImagePreparation, KeepsThePixelsOfAJpeg)
 TEST_F(ImagePreparation, WritesThePictureThatTheHostProcessed)
 {
     UploadOptions options = Options(SendProcessed);
-    options.longEdgePixels = 1024;
+    options.LongEdgePixels = 1024;
     EXPECT_EQ(Upload(options), S_OK);
     EXPECT_THAT(Calls().Calls(), ElementsAreArray(AfterFactory(ProcessedPass)));
 
     Calls().Reset();
-    options.minimize = true;
-    options.longEdgePixels = 0;
+    options.Minimize = true;
+    options.LongEdgePixels = 0;
     EXPECT_EQ(Upload(options), S_OK);
     EXPECT_THAT(Calls().DetailsOf("ReadImageMetadata"), ElementsAre("with picture of 0"));
     EXPECT_THAT(Calls().DetailsOf("Options.Write"),
@@ -228,7 +228,7 @@ TEST_F(ImagePreparation, EndsAtTheFirstFailureThatMatters)
           std::tuple(SendProcessed, AfterFactory(ProcessedPass), processed)})
     {
         UploadOptions options = Options(mode);
-        options.longEdgePixels = mode == SendProcessed ? 1024 : 0;
+        options.LongEdgePixels = mode == SendProcessed ? 1024 : 0;
         for (size_t number = 1; number <= calls.size(); ++number)
         {
             const std::string &call = calls[number - 1];
@@ -380,7 +380,7 @@ TEST_F(ImagePreparation, GoesWithoutTheBlocksThatNobodyCanWrite)
         Calls().Reset();
         Calls().FailOperation(c.operation, c.code);
         UploadOptions options = Options(SendPixelsIntact);
-        options.writeGps = false;
+        options.WriteGPS = false;
         EXPECT_EQ(Upload(options), S_OK) << c.operation;
         EXPECT_THAT(Pauses, IsEmpty());
         EXPECT_EQ(Calls().DetailsOf("Frame.InitializeFromBlockReader").size(), 1u);
@@ -404,15 +404,15 @@ TEST_F(ImagePreparation, BlanksEachGroupThatIsOff)
 {
     const struct
     {
-        bool UploadOptions::*group;
+        UINT32 ConversionSettings::*group;
         const char *intact;
         const char *processed;
     } cases[] = {
-        {&UploadOptions::writeCopyright, "1111110 800x600 at 96x96 exif xmp gps iptc", "01111"},
-        {&UploadOptions::writeExif, "1111110 800x600 at 96x96 copyright xmp gps iptc", "10111"},
-        {&UploadOptions::writeXmp, "1111110 800x600 at 96x96 copyright exif gps iptc", "11011"},
-        {&UploadOptions::writeGps, "1111110 800x600 at 96x96 copyright exif xmp iptc", "11101"},
-        {&UploadOptions::writeIptc, "1111110 800x600 at 96x96 copyright exif xmp gps", "11110"},
+        {&ConversionSettings::WriteCopyright, "1111110 800x600 at 96x96 exif xmp gps iptc", "01111"},
+        {&ConversionSettings::WriteEXIF, "1111110 800x600 at 96x96 copyright xmp gps iptc", "10111"},
+        {&ConversionSettings::WriteXMP, "1111110 800x600 at 96x96 copyright exif gps iptc", "11011"},
+        {&ConversionSettings::WriteGPS, "1111110 800x600 at 96x96 copyright exif xmp iptc", "11101"},
+        {&ConversionSettings::WriteIPTC, "1111110 800x600 at 96x96 copyright exif xmp gps", "11110"},
     };
     for (const auto &c : cases)
     {
@@ -420,7 +420,7 @@ TEST_F(ImagePreparation, BlanksEachGroupThatIsOff)
         UploadOptions options = Options(SendPixelsIntact);
         options.*c.group = false;
         EXPECT_EQ(Upload(options), S_OK);
-        options.mode = SendProcessed;
+        options.Mode = SendProcessed;
         EXPECT_EQ(Upload(options), S_OK);
         // For a processed picture the flags alone decide.
         EXPECT_THAT(
@@ -430,7 +430,7 @@ TEST_F(ImagePreparation, BlanksEachGroupThatIsOff)
 
     // All off, and one alone on: only then is the picture marked as processed.
     UploadOptions options;
-    options.mode = SendPixelsIntact;
+    options.Mode = SendPixelsIntact;
     Calls().Reset();
     EXPECT_EQ(Upload(options), S_OK);
     EXPECT_THAT(Calls().DetailsOf("WriteImageMetadata"), ElementsAre("1111100 800x600 at 96x96"));
@@ -438,13 +438,13 @@ TEST_F(ImagePreparation, BlanksEachGroupThatIsOff)
     const auto field = Fixture.Web.CallsOf("UploadRequest")[0].Arguments[5];
     EXPECT_NE(Narrow(field).find("&description=A comment&"), std::string::npos) << "the form keeps its words";
 
-    options.mode = SendProcessed;
+    options.Mode = SendProcessed;
     Calls().Reset();
     EXPECT_EQ(Upload(options), S_OK);
     EXPECT_THAT(Calls().DetailsOf("WriteImageMetadata"),
                 ElementsAre("0000001 800x600 at 96x96 copyright exif xmp gps iptc"));
     EXPECT_THAT(Calls().DetailsOf("Metadata.Set"), IsEmpty());
-    options.writeGps = true;
+    options.WriteGPS = true;
     Calls().Reset();
     EXPECT_EQ(Upload(options), S_OK);
     EXPECT_THAT(Calls().DetailsOf("WriteImageMetadata"),

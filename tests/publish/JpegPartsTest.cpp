@@ -35,9 +35,9 @@ TEST(OutputResolution, IsThatOfTheWantedSizeOrElseTheSourcesOwn)
         imaging.DpiX = c.sourceX;
         imaging.DpiY = c.sourceY;
         UploadOptions options;
-        options.mode = c.mode;
-        options.longEdgePixels = c.longEdge;
-        options.printDpi = c.printDpi;
+        options.Mode = c.mode;
+        options.LongEdgePixels = c.longEdge;
+        options.PrintDpi = c.printDpi;
         const Resolution chosen = ChooseResolution(options, imaging.MakePicture().Get());
         const int number = static_cast<int>(&c - cases);
         EXPECT_EQ(chosen.X, c.x) << number;

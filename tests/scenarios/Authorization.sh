@@ -1,135 +1,104 @@
 #!/usr/bin/env bash
-# From "halvora authorize" to an account that may publish: Authorization.sh FOLDER-OF-THE-PROGRAMS
-# A user at a terminal, played by what is typed into it; a browser, played by curl behind xdg-open; the
-# service and the maker's endpoint. And what is secret in it is found nowhere but where it is kept.
-# Every step says what it saw; the first that isn't as promised ends the test.
+# A user authorizes Halvora with a terminal and a real browser before them, and publishes with what was granted:
+# Authorization.sh FOLDER-OF-THE-PROGRAMS FOLDER-OF-THE-TOOLS
+# What the user sees is read from the terminal's screen and from the browser's pages. What is secret is found nowhere
+# but where it is kept. The first step that isn't as promised ends the test.
 set -euo pipefail
-bin=$1
+bin=$(cd "$1" && pwd)
+tools=$(cd "$2" && pwd)
 work=$(mktemp -d)
-# shellcheck source=tests/scenarios/Service.sh
-. "$(dirname "$0")/Service.sh"
-sampler=
+# shellcheck source=tests/scenarios/Host.sh
+. "$(dirname "$0")/Host.sh"
+watch=
 finish() {
-    [ -z "$sampler" ] || kill "$sampler" 2>/dev/null || true
+    [ -z "$watch" ] || kill "$watch" 2>/dev/null || true
+    close_terminal
+    for folder in browser stranger; do "$tools/browser" stop "$work/$folder" 2>/dev/null || true; done
     stop_service
-    rm -rf "$work"
+    rm -rf "$work" 2>/dev/null || { sleep 1; rm -rf "$work"; }
 }
 trap finish EXIT
-fail() {
-    printf 'FAILED: %s\n' "$1" >&2
-    for file in "$work"/out "$work"/screen "$work"/browser.log; do [ ! -f "$file" ] || tail -n 60 "$file" >&2; done
-    exit 1
-}
-says() { grep -qF -- "$1" "$work/out" || fail "nothing said of: $1"; }
-# Runs halvora without a terminal, its words in $work/out: expect CODE ARGUMENTS...
-expect() {
-    local wanted=$1 code=0
-    shift
-    setsid -w "$bin/halvora" --profile "$work/profile" "$@" </dev/null >"$work/out" 2>&1 || code=$?
-    cat "$work/out" >>"$work/everything-said"
-    [ $code -eq "$wanted" ] || fail "halvora $*: exit code $code, not $wanted"
-}
-# Waits until a file has a line with the text: await FILE TEXT
-await() {
-    for _ in $(seq 300); do ! grep -qsF -- "$2" "$1" || return 0; sleep 0.1; done
-    fail "not seen in ${1##*/}: $2"
-}
+browser() { local command=$1; shift; "$tools/browser" "$command" "$work/browser" "$@"; }
+page_says() { grep -qF -- "$2" "$work/browser/$1.txt" || fail "$1 does not say \"$2\" but: $(<"$work/browser/$1.txt")"; }
+browser_says() { local text; text=$(browser text); [[ $text == *"$1"* ]] || fail "the page does not say \"$1\" but: $text"; }
+account=$work/profile/init-data.bin
+earlier=0 # authorizations that the service had before those in question
 
-# The browser: gets the page, answers its form as $browser_decision says, and goes where it is sent.
-mkdir "$work/path"
-cat >"$work/path/xdg-open" <<'BROWSER'
-#!/usr/bin/env bash
-exec >>"$scenario/browser.log" 2>&1
-printf '%s\n' "$@" >"$scenario/browser-arguments"
-sleep 0.5   # long enough for the watch over the arguments to see this program
-get() {
-    curl -sS --noproxy '*' --cacert "$HALVORA_CA_FILE" --connect-to "::127.0.0.1:$HALVORA_LOOPBACK_PORT" \
-        -L -b "$scenario/jar" -c "$scenario/jar" "$@"
+# The user begins, and answers the first dialog with a key: begin KEY
+begin() {
+    rm -f "$work/browser/answered"
+    HALVORA_ANSWER=$answer open_terminal 90 40 "'$bin/halvora' --profile '$work/profile' authorize; echo \$? >'$work/code'"
+    sees 'Halvora needs your permission to publish images to Flickr.' -S -
+    sees 'Enter: Authorize. Esc' -S -
+    key "$1"
 }
-page=$(get "$1")
-fields=(--data-urlencode "decision=$browser_decision")
-while read -r name value; do fields+=(--data-urlencode "$name=$value"); done \
-    < <(grep -oE 'name="[a-z_]+" value="[^"]*"' <<<"$page" | grep -v '"decision"' |
-        sed -E 's/name="([^"]*)" value="([^"]*)"/\1 \2/')
-get -o "$scenario/last-page" -D "$scenario/way" "${fields[@]}" "${1%%\?*}"
-mv "$scenario/way" "$scenario/landed"
-BROWSER
-chmod +x "$work/path/xdg-open"
-export PATH="$work/path:$PATH" scenario="$work" browser_decision=allow LC_ALL=C.UTF-8 TERM=dumb
-
-# Runs "halvora authorize" in a terminal whose keys come from descriptor 7: authorize; then finish_authorize CODE
-mkfifo "$work/keys"
-exec 7<>"$work/keys"
+# ... and the page: authorize ANSWER
 authorize() {
-    rm -f "$work/screen" "$work/landed"
-    export tested_program="$bin/halvora"
-    script -qfec 'exec "$tested_program" --profile "$scenario/profile" authorize' "$work/screen" <"$work/keys" >/dev/null 2>&1 &
-    user=$!
+    answer=$1 begin Enter
+    await_file "$work/browser/answered" 'nobody answered in the browser'
+    page_says page 'May Halvora upload photos to your account?'
+    sees "Return to this window once you've authorized Halvora on Flickr." -S -
+    sees 'Enter: Authorization Granted. Esc' -S -
 }
-type_in() { printf '%s\r' "$1" >&7; }
-finish_authorize() {
-    local code=0
-    wait $user || code=$?
-    cp "$work/screen" "$work/out"
-    cat "$work/out" >>"$work/everything-said"
-    [ $code -eq "$1" ] || fail "halvora authorize: exit code $code, not $1"
+fails_with() {
+    sees "$1" -S -
+    sees 'Enter: OK. Esc' -S -
+    key Enter
+    ends_with 1
 }
-consent() { await "$work/screen" 'Halvora needs your permission'; sleep 0.3; type_in "$1"; }
-complete() {
-    await "$work/screen" 'Return to this window'
-    sleep 0.3
-    type_in "$1"
+is_refused() {
+    key Enter
+    fails_with 'Could not connect to the Flickr authorization server. The error code was 0x80004005.'
+    expect 0 account
+    says 'No account is set'
 }
-# Waits for the error's dialog, whose text is broken into lines, and confirms it: dismiss_error CAPTION TEXT
-dismiss_error() {
-    for _ in $(seq 300); do ! shows "$2" || break; sleep 0.1; done
-    shows "$1" || fail "no dialog with the caption: $1"
-    shows "$2" || fail "the dialog doesn't say: $2"
-    sleep 0.3
-    type_in ''
+states_are() {
+    local states
+    states=$(admin authorizations | jq -r ".[$earlier:]"' | map(.state + "/" + .at_maker) | join(" ")')
+    [ "$states" = "$1" ] || fail "the service has \"$states\", not \"$1\""
 }
-shows() { sed 's/│//g' "$work/screen" | tr -s ' \r\n' ' ' | grep -F -- "$1" >/dev/null; }
+is_unchanged() { cmp -s "$work/granted" "$account" || fail "the account is changed by $1"; }
 
 start_service "$bin/flickr-loopback" store
+export HALVORA_BROWSER=$work/browser PATH=$tools/user:$PATH LC_ALL=C.UTF-8 answer=Allow
+browser start
+blank_picture "$work/blank.jpg"
 
 # Nobody to ask: what to do instead.
 expect 1 authorize
 says 'account --set-token -'
-[ ! -e "$work/profile/init-data.bin" ] || fail 'an account was stored that nobody granted'
+[ ! -e "$account" ] || fail 'an account was stored that nobody granted'
 
 # A no to the first question leads nowhere.
-authorize
-consent Cancel
-finish_authorize 3
-[ ! -e "$work/browser-arguments" ] || fail 'a browser was started without consent'
+begin Escape
+ends_with 3
+[ ! -e "$work/browser/user.log" ] || fail 'a browser was started without consent'
 
-# From end to end, with an eye on the arguments of all processes.
+# The grant, with an eye on the arguments of all processes, and a picture that is published with it.
 (while :; do cat /proc/[0-9]*/cmdline 2>/dev/null | tr '\0' '\n' || true; sleep 0.1; done >"$work/process-arguments") &
-sampler=$!
-authorize
-consent Authorize
-await_file "$work/landed" 'the browser did not land anywhere'
-complete 'Authorization Granted'
-finish_authorize 0
-kill $sampler
-wait $sampler 2>/dev/null || true
-sampler=
-says 'Halvora may now publish on the Flickr account of '
-[ "$(stat -c %a "$work/profile/init-data.bin")" = 600 ] || fail "others may read the account: $(stat -c %A "$work/profile/init-data.bin")"
+watch=$!
+authorize Allow
+page_says after-page 'You can return to Halvora now'
+verifier=$(LC_ALL=C grep -ahoE '"verifier":"[0-9a-f]{16}"' "$work"/store/index.sqlite* | head -n 1 | cut -d'"' -f4)
+[ -n "$verifier" ] || fail 'the service has no verifier'
+key Enter
+sees 'Halvora may now publish on the Flickr account of Ada Lovelace.' -S -
+ends_with 0
+kill $watch
+wait $watch 2>/dev/null || true
+watch=
+states_are used/taken
+[ "$(stat -c %a "$account")" = 600 ] || fail "others may read the account: $(stat -c %A "$account")"
 [ "$(stat -c %a "$work/profile")" = 700 ] || fail 'others may look into the profile'
-cp "$work/profile/init-data.bin" "$work/granted"
 expect 0 account
 says 'Authorized:    yes'
 expect 0 status
 says 'halvora settings'
-verifier=$(sed -nE 's/^location:.*oauth_verifier=([^&[:space:]]*).*/\1/ip' "$work/landed")
-[ -n "$verifier" ] || fail "the browser went by $(cat "$work/landed")"
-
-# What was granted is good for publishing.
-blank_picture "$work/blank.jpg"
 expect 0 settings JPEGMode=0
 expect 0 publish -v "$work/blank.jpg"
-cmp -s "$work/granted" "$work/profile/init-data.bin" || cp "$work/profile/init-data.bin" "$work/granted"
+newest=$(admin tokens | jq -r '.[-1] | select(.permission == "write") | .token')
+[ "$(uploads | jq -r '.[].token')" = "$newest" ] || fail 'the picture was not uploaded with the granted token'
+cp "$account" "$work/granted"
 
 # Token, secret and verifier are nowhere but in the account's file. The search finds them there, so it would
 # find them elsewhere; a text may be UTF-8 or UTF-16.
@@ -139,56 +108,103 @@ holds() { # TEXT FILE
     LC_ALL=C grep -qaF -- "$1" "$2" || tr -d '\0' <"$2" | LC_ALL=C grep -qaF -- "$1"
 }
 for secret in "${pair[@]}"; do holds "$secret" "$work/granted" || fail 'the search sees nothing'; done
-grep -qF 'oauth_token=' "$work/browser-arguments" || fail 'the browser got no page'
 grep -qF 'oauth_token=' "$work/process-arguments" || fail 'the watch over the arguments saw nothing'
 while IFS= read -r -d '' file; do
     for secret in "${pair[@]}" "$verifier"; do
         ! holds "$secret" "$file" || fail "a secret stands in ${file#"$work/"}"
     done
 done < <(find "$work/profile" -type f ! -name init-data.bin -print0
-    printf '%s\0' "$work/everything-said" "$work/browser-arguments" "$work/process-arguments")
+    printf '%s\0' "$work/everything-said" "$work/process-arguments")
 
 # A no to the second question, and a service that can't be reached, leave the account as it was.
-authorize
-consent Authorize
-complete Cancel
-finish_authorize 3
-cmp -s "$work/granted" "$work/profile/init-data.bin" || fail 'a refusal changed the account'
+authorize Allow
+key Escape
+ends_with 3
+is_unchanged 'a refusal'
 stop_service
-authorize
-consent Authorize
-dismiss_error 'Authorization Error' 'Could not connect to the Flickr authorization server. The error code was 0x'
-finish_authorize 1
-says 'halvora authorize'
-cmp -s "$work/granted" "$work/profile/init-data.bin" || fail 'an unreachable service changed the account'
+begin Enter
+fails_with 'Could not connect to the Flickr authorization server. The error code was 0x'
+sees 'halvora authorize' -S -
+is_unchanged 'an unreachable service'
 
 # An account that can't be read right afterwards is authorized all the same.
+service_port=$HALVORA_LOOPBACK_PORT # which the browser goes to
 start_service "$bin/flickr-loopback" store --fault 'kind=status&status=504&target=rest&count=9'
-authorize
-consent Authorize
-await_file "$work/landed" 'the browser did not land anywhere'
-complete 'Authorization Granted'
-dismiss_error 'An error occurred while talking to Flickr' 'Unknown reply format. Cannot understand server anwser.'
-finish_authorize 1
-says 'The authorization is stored'
-! cmp -s "$work/granted" "$work/profile/init-data.bin" || fail 'the new authorization is not stored'
+authorize Allow
+key Enter
+fails_with 'Unknown reply format. Cannot understand server anwser.'
+sees 'The authorization is stored' -S -
+! cmp -s "$work/granted" "$account" || fail 'the new authorization is not stored'
 expect 0 account
 says 'Authorized:    yes'
 stop_service
-
-# "Granted" without a grant ends the earlier authorization, and says so.
 start_service "$bin/flickr-loopback" store
-export browser_decision=deny
-authorize
-consent Authorize
-await_file "$work/landed" 'the browser did not land anywhere'
-complete 'Authorization Granted'
-dismiss_error 'Authorization Error' 'Could not connect to the Flickr authorization server. The error code was 0x80004005.'
-finish_authorize 1
-says 'The earlier authorization is gone'
-expect 0 account
-says 'No account is set'
+earlier=$(admin authorizations | jq length)
+
+# Going on before the page is answered: the old grant is lost, and a grant that comes too late helps nobody.
+authorize read
+is_refused
+sees 'The earlier authorization is gone' -S -
+browser press Allow
+states_are granted/waiting
 expect 1 publish "$work/blank.jpg"
 says 'No Flickr account'
-stop_service
-echo 'Everything arrived as it was meant.'
+
+# The page by keyboard: the account, Allow, Deny, named as a screen reader names them. A mistyped account is no answer;
+# one answer is all that counts.
+authorize read
+[ "$(browser run 'return [...document.querySelectorAll("a, button, input:not([type=hidden])")].filter(e => e.tabIndex >= 0)
+    .map(e => e.labels && e.labels.length ? e.labels[0].innerText : e.innerText).join(" ")')" = '"Your account Allow Deny"' ] ||
+    fail 'another order of focus'
+page=$(browser address)
+browser fill 'Your account' nobody
+browser press Allow
+browser_says 'There is no account of this name here.'
+states_are 'granted/waiting pending/none'
+browser fill 'Your account' halvora-demo
+browser press Allow
+[ "$(browser address)" = http://authorization.halvora.example/flickr/authorization/granted ] || fail 'the verifier is in sight'
+key Enter
+ends_with 0
+browser open "$page"
+browser_says 'You have already allowed this'
+states_are 'granted/waiting used/taken'
+admin requests | jq -e 'any(.host == "authorization.halvora.example" and .path == "/flickr/authorization/"
+    and .secure == false and .user_agent != "" and .status == 303)' >/dev/null || fail 'the callback did not come in plain'
+
+# An answer counts until the time is over. On a small phone no page is wider than the screen.
+authorize read
+page=$(browser address)
+browser size 320 640
+for address in "$page" "${page%%=*}=none" http://authorization.halvora.example/flickr/authorization/granted; do
+    browser open "$address"
+    [ "$(browser run 'return document.documentElement.scrollWidth')" = 320 ] || fail "$address is wider than the screen"
+done
+browser open "$page"
+admin authorizations/advance -d seconds=601 >/dev/null
+browser press Allow
+browser_says 'The time for this question is over'
+is_refused
+earlier=$(admin authorizations | jq length)
+
+# A browser that doesn't trust the service's authority shows no page of it, so the other one checks certificates.
+openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj '/CN=Somebody else' -keyout "$work/other.key" -out "$work/other.crt" 2>/dev/null
+HALVORA_CA_FILE=$work/other.crt "$tools/browser" start "$work/stranger"
+"$tools/browser" open "$work/stranger" "$page" 2>/dev/null || true
+[[ $("$tools/browser" text "$work/stranger") == *CERT_AUTHORITY_INVALID* ]] || fail 'any certificate is trusted'
+"$tools/browser" stop "$work/stranger"
+
+# A denial, and a page that was closed.
+authorize Deny
+page_says after-page 'Nothing was granted'
+is_refused
+authorize close
+is_refused
+states_are 'denied/none pending/none'
+
+# After all of that the way is open still.
+authorize Allow
+key Enter
+ends_with 0
+expect 0 publish --again "$work/blank.jpg"
+echo 'The user has granted, and published.'

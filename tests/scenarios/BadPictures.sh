@@ -4,10 +4,8 @@
 set -euo pipefail
 bin=$1
 work=$(mktemp -d)
-# shellcheck source=tests/scenarios/Service.sh
-. "$(dirname "$0")/Service.sh"
-# shellcheck source=tests/scenarios/Background.sh
-. "$(dirname "$0")/Background.sh"
+# shellcheck source=tests/scenarios/Host.sh
+. "$(dirname "$0")/Host.sh"
 finish() { stop_service; rm -rf "$work"; }
 trap finish EXIT
 export LC_ALL=C
@@ -52,15 +50,8 @@ cp good.jpg noraw.nef
 cp "$work/plain.tif" tiff.jpg
 head -c 33 "$work/plain.png" >cut-png.jpg
 
-uploads() { curl -sS "${HALVORA_LOOPBACK_GALLERY}_loopback/uploads"; }
-host() { "$bin/halvora" --profile "$work/profile" "$@"; }
-fail() {
-    printf 'FAILED: mode %s: %s\n' "$mode" "$1" >&2
-    cat "$work/out" >&2
-    exit 1
-}
 refused() { # NAME WORDS
-    grep -q "^  .*$1: .*$2" "$work/out" || fail "the list at the end doesn't say of $1: $2"
+    grep -q "^  .*$1: .*$2" "$work/out" || fail "mode $mode: the list at the end doesn't say of $1: $2"
 }
 
 # In each mode, as it lies, pixels intact, processed: "up", or words of the refusal with "_" for blanks. As it
@@ -91,13 +82,11 @@ CASES
 mapfile -t names < <(cut -d' ' -f1 "$work/cases")
 for mode in 0 1 2; do
     start_service "$bin/flickr-loopback" "store$mode" --token tok:sec
-    printf 'tok\nsec\n' | host account --set-token - >/dev/null
-    host settings JPEGMode=$mode >/dev/null
-    code=0
-    host publish --again "${names[@]}" >"$work/out" 2>&1 || code=$?
-    [ $code -eq 1 ] || fail "exit code $code, not 1"
-    ! grep -qE 'Sanitizer|runtime error' "$work/out" || fail 'a fault of memory'
-    ! grep -q ': \.$' "$work/out" || fail 'a reason without words'
+    set_token
+    expect 0 settings JPEGMode=$mode
+    expect 1 publish --again "${names[@]}"
+    ! grep -qE 'Sanitizer|runtime error' "$work/out" || fail "mode $mode: a fault of memory"
+    ! grep -q ': \.$' "$work/out" || fail "mode $mode: a reason without words"
     good=0
     while read -r name outcomes; do
         read -ra words <<<"$outcomes"
@@ -106,8 +95,8 @@ for mode in 0 1 2; do
         *) refused "$name" "${words[mode]//_/ }" ;;
         esac
     done <"$work/cases"
-    grep -q "^Published $good of ${#names[@]} pictures" "$work/out" || fail "not $good were published"
-    [ "$(uploads | jq length)" = "$good" ] || fail "not $good arrived"
+    grep -q "^Published $good of ${#names[@]} pictures" "$work/out" || fail "mode $mode: not $good were published"
+    [ "$(uploads | jq length)" = "$good" ] || fail "mode $mode: not $good arrived"
     stop_service
 done
 
@@ -116,7 +105,7 @@ done
 mode='1, and files that change'
 start_service "$bin/flickr-loopback" store-slow --token tok:sec --fault 'kind=delay&ms=1500&target=upload'
 for name in vanishing folder pipe; do cp good.jpg $name.jpg; done
-host settings JPEGMode=1 >/dev/null
+expect 0 settings JPEGMode=1
 start_run "$bin/halvora" --profile "$work/profile" publish --again good.jpg vanishing.jpg folder.jpg pipe.jpg progressive.jpg
 await_words 'Publishing ".*good.jpg'
 rm vanishing.jpg folder.jpg pipe.jpg

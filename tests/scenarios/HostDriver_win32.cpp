@@ -21,6 +21,7 @@
 //
 // Ends with 0 when it is done, with 1 when it can't be.
 #include "com/ComPtr.h"
+#include "tests/hostwindow/OtherProgram_win32.h"
 #include "tests/sheet/WindowPicture.h"
 #include "tests/webclient/TrustedAuthority.h"
 
@@ -54,23 +55,10 @@ std::string Utf8(const std::wstring &text)
     return bytes;
 }
 
-std::wstring TextOf(HWND window)
-{
-    DWORD_PTR length = 0;
-    // A program that hangs must not hang this one.
-    SendMessageTimeoutW(window, WM_GETTEXTLENGTH, 0, 0, SMTO_ABORTIFHUNG, 5000, &length);
-    std::wstring text(length + 1, L'\0');
-    DWORD_PTR copied = 0;
-    SendMessageTimeoutW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()), SMTO_ABORTIFHUNG,
-                        5000, &copied);
-    text.resize(copied);
-    return text;
-}
-
-std::vector<HWND> Collected(const std::function<void(WNDENUMPROC, LPARAM)> &enumerate)
+std::vector<HWND> TopWindows()
 {
     std::vector<HWND> windows;
-    enumerate(
+    EnumWindows(
         [](HWND window, LPARAM all) -> BOOL {
             if (IsWindowVisible(window))
             {
@@ -80,16 +68,6 @@ std::vector<HWND> Collected(const std::function<void(WNDENUMPROC, LPARAM)> &enum
         },
         reinterpret_cast<LPARAM>(&windows));
     return windows;
-}
-
-std::vector<HWND> TopWindows()
-{
-    return Collected([](WNDENUMPROC each, LPARAM all) { EnumWindows(each, all); });
-}
-
-std::vector<HWND> PartsOf(HWND window)
-{
-    return Collected([window](WNDENUMPROC each, LPARAM all) { EnumChildWindows(window, each, all); });
 }
 
 std::wstring AllTexts(HWND window)
@@ -118,14 +96,6 @@ HWND FindTop(const std::wstring &caption)
     return found;
 }
 
-HWND FindPart(HWND window, int id)
-{
-    const auto parts = PartsOf(window);
-    const auto found =
-        std::find_if(parts.begin(), parts.end(), [&](HWND part) { return GetDlgCtrlID(part) == id; });
-    return found != parts.end() ? *found : nullptr;
-}
-
 void Await(const std::wstring &what, const std::function<bool()> &condition)
 {
     const ULONGLONG end = GetTickCount64() + Patience;
@@ -152,68 +122,6 @@ HWND Part(const std::wstring &caption, const std::wstring &id)
     HWND part = nullptr;
     Await(L"control " + id, [&] { return (part = FindPart(window, std::stoi(id))) != nullptr; });
     return part;
-}
-
-// Memory that another window's program can reach.
-class SharedMemory
-{
-public:
-    SharedMemory(HWND window, size_t size)
-    {
-        DWORD process = 0;
-        GetWindowThreadProcessId(window, &process);
-        m_process = OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE, FALSE, process);
-        m_place = VirtualAllocEx(m_process, nullptr, size, MEM_COMMIT, PAGE_READWRITE);
-    }
-    ~SharedMemory()
-    {
-        VirtualFreeEx(m_process, m_place, 0, MEM_RELEASE);
-        CloseHandle(m_process);
-    }
-    SharedMemory(const SharedMemory &) = delete;
-    SharedMemory &operator=(const SharedMemory &) = delete;
-
-    LPARAM Place() const { return reinterpret_cast<LPARAM>(m_place); }
-    bool Write(const void *from, size_t size)
-    {
-        return WriteProcessMemory(m_process, m_place, from, size, nullptr);
-    }
-    bool Read(void *to, size_t size) { return ReadProcessMemory(m_process, m_place, to, size, nullptr); }
-
-private:
-    HANDLE m_process;
-    void *m_place;
-};
-
-// A point on the link; false if nothing of it is on the screen.
-bool FindLink(HWND control, const std::wstring &name, LPARAM &point)
-{
-    RECT area{};
-    GetClientRect(control, &area);
-    SharedMemory memory(control, sizeof(LHITTESTINFO));
-    for (LONG y = 2; y < area.bottom; y += 4)
-    {
-        for (LONG x = 1; x < area.right; x += 3)
-        {
-            LHITTESTINFO hit{};
-            hit.pt = {x, y};
-            if (memory.Write(&hit, sizeof(hit)) && SendMessageW(control, LM_HITTEST, 0, memory.Place()) &&
-                memory.Read(&hit, sizeof(hit)) && (name == hit.item.szID || name == hit.item.szUrl))
-            {
-                point = MAKELPARAM(x, y);
-                return true;
-            }
-        }
-    }
-    return false;
-}
-
-void Follow(HWND control, const std::wstring &name)
-{
-    LPARAM point = 0;
-    Await(L"link " + name, [&] { return FindLink(control, name, point); });
-    PostMessageW(control, WM_LBUTTONDOWN, MK_LBUTTON, point);
-    PostMessageW(control, WM_LBUTTONUP, 0, point);
 }
 
 void Answer(const std::wstring &caption, WPARAM button)
@@ -296,7 +204,11 @@ const Command Commands[] = {
     {L"text", 2, [](const Arguments &a) { Say(TextOf(Part(a[0], a[1]))); }},
     {L"press", 2, [](const Arguments &a) { Press(Part(a[0], a[1])); }},
     {L"answer", 2, [](const Arguments &a) { Answer(a[0], std::stoul(a[1])); }},
-    {L"follow", 3, [](const Arguments &a) { Follow(Part(a[0], a[1]), a[2]); }},
+    {L"follow", 3,
+     [](const Arguments &a) {
+         const HWND links = Part(a[0], a[1]);
+         Await(L"link " + a[2], [&] { return FollowLink(links, a[2]); });
+     }},
     {L"page", 2, [](const Arguments &a) { SendMessageW(Top(a[0]), PSM_SETCURSEL, std::stoul(a[1]), 0); }},
     {L"close", 1, [](const Arguments &a) { PostMessageW(Top(a[0]), WM_CLOSE, 0, 0); }},
     {L"picture", 2, [](const Arguments &a) { Check(WriteWindowPicture(Top(a[0]), Utf8(a[1])), L"no picture"); }},

@@ -5,24 +5,10 @@
 set -euo pipefail
 bin=$1
 work=$(mktemp -d)
-# shellcheck source=tests/scenarios/Service.sh
-. "$(dirname "$0")/Service.sh"
-# shellcheck source=tests/scenarios/Background.sh
-. "$(dirname "$0")/Background.sh"
+# shellcheck source=tests/scenarios/Host.sh
+. "$(dirname "$0")/Host.sh"
 finish() { stop_service; rm -rf "$work"; }
 trap finish EXIT
-
-fail() { printf 'FAILED: %s\n' "$1" >&2; [ ! -f "$work/out" ] || cat "$work/out" >&2; exit 1; }
-# Runs halvora, in $language if that is set, its words in $work/out: expect CODE ARGUMENTS...
-expect() {
-    local wanted=$1 code=0
-    shift
-    ${language:+env LC_ALL=$language} "$bin/halvora" --profile "$work/profile" "$@" >"$work/out" 2>&1 || code=$?
-    [ $code -eq "$wanted" ] || fail "halvora $*: exit code $code, not $wanted"
-}
-says() { grep -qF -- "$1" "$work/out" || fail "nothing said of: $1"; }
-uploads() { curl -sS "${HALVORA_LOOPBACK_GALLERY}_loopback/uploads"; }
-is_silent_about() { ! grep -qF -- "$1" "$work/out" || fail "said: $1"; }
 
 mkdir "$work/pictures"
 blank_picture "$work/blank.jpg"
@@ -43,7 +29,7 @@ says 'No Flickr account'
 expect 2 publish "$work"
 says '--recursive'
 expect 2 settings JPEGMode=3
-printf 'tok\nsec\n' | "$bin/halvora" --profile "$work/profile" account --set-token - >/dev/null
+set_token
 expect 0 account
 says 'Authorized:    yes'
 is_silent_about tok
@@ -75,7 +61,7 @@ start_service "$bin/flickr-loopback" store --token tok:sec
 expect 1 publish raw.jpg
 says 'damaged'
 [ "$(cat "$work/profile/init-data.bin.damaged-1")" = garbage ] || fail 'the damaged file is not kept'
-printf 'tok\nsec\n' | "$bin/halvora" --profile "$work/profile" account --set-token - >/dev/null
+set_token
 stop_service
 
 # Nor are settings replaced by their defaults unseen: not even the second call publishes.

@@ -1,15 +1,17 @@
 # shellcheck shell=bash
 # What the scripts share that need the photo service. A script sets work, its temporary folder, before it sources
-# this file, and defines fail MESSAGE. Needs only bash and coreutils.
+# this file, and defines fail MESSAGE. Needs only bash and coreutils, and curl for
+# the administration interface.
 # shellcheck disable=SC2154
 
 service=
+service_port=0
 
-# start_service PROGRAM STORE OPTIONS...: starts flickr-loopback on a free port with the store $work/STORE, sets
+# start_service PROGRAM STORE OPTIONS...: starts flickr-loopback on $service_port (0 is any) with the store $work/STORE, sets
 # $service to its process, and sets the variables by which clients find it.
 start_service() {
     rm -f "$work/env"
-    "$1" --port 0 --store "$work/$2" --ready-file "$work/env" "${@:3}" >"$work/service.log" 2>&1 &
+    "$1" --port "$service_port" --store "$work/$2" --ready-file "$work/env" "${@:3}" >"$work/service.log" 2>&1 &
     service=$!
     await_file "$work/env" 'the service did not start'
     # shellcheck disable=SC1091
@@ -22,6 +24,10 @@ stop_service() {
     [ -z "$service" ] || { kill "$service" && wait "$service"; } 2>/dev/null || true
     service=
 }
+
+# The service's administration interface: admin PATH CURL-OPTIONS...
+admin() { curl -sS --noproxy '*' "http://127.0.0.1:$HALVORA_LOOPBACK_PORT/_loopback/$1" "${@:2}"; }
+uploads() { admin uploads; }
 
 # await_file FILE MESSAGE: waits until the file exists; fails with the message after a minute.
 await_file() {

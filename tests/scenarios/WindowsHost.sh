@@ -50,9 +50,6 @@ set_value() {
 driver() { "$root/tools/run-wine" "$driver_program" "$@" </dev/null 2>"$work/driver.log" || fail "host-driver $*"; }
 windows_path() { printf 'Z:%s' "${1//\//\\}"; }
 control() { sed -nE "s/^#define $1 +([0-9]+).*/\1/p" "$root/host/window/resource.h" "$root/resources/resource.h"; }
-admin() { curl -sS --noproxy '*' "$@"; }
-uploads() { admin "${HALVORA_LOOPBACK_GALLERY}_loopback/uploads"; }
-fault() { admin --data-urlencode "$@" >/dev/null; }
 picture() {
     [ -n "$pictures_folder" ] || return 0
     sleep 1 # until all is painted
@@ -166,8 +163,7 @@ shows "$state" 'Send JPEG files intact'
 picture host-96
 
 # A run that is stopped while the second picture is under way: what hadn't arrived is still to do.
-fault 'kind=stall' -d 'skip=1' -d 'after=100000' -d 'ms=600000' -d 'target=upload' \
-    "${HALVORA_LOOPBACK_GALLERY}_loopback/faults"
+admin faults -d 'kind=stall&skip=1&after=100000&ms=600000&target=upload' >/dev/null
 driver press "$main_window" "$publish"
 for _ in $(seq 300); do [ "$(uploads | jq length)" = 0 ] || break; sleep 0.1; done
 shows "$status" 'Published 1 of 3'

@@ -273,10 +273,3 @@ void HttpTestServer::AnswerAll(Conversation &conversation)
         conversation.WriteReply(200, "OK", Success);
     }
 }
-
-SilentListener::SilentListener() : m_listener(Listen(m_port)) {}
-
-SilentListener::~SilentListener()
-{
-    close(m_listener);
-}

@@ -114,19 +114,3 @@ private:
     std::vector<std::thread> m_threads; // of the connections; the acceptor's alone until it ends
     std::thread m_acceptor;
 };
-
-// A port of 127.0.0.1 where connections are taken by the system and never greeted.
-class SilentListener
-{
-public:
-    SilentListener();
-    ~SilentListener();
-    SilentListener(const SilentListener &) = delete;
-    SilentListener &operator=(const SilentListener &) = delete;
-
-    unsigned Port() const { return m_port; }
-
-private:
-    unsigned m_port = 0; // ahead of the listener, whose making sets it
-    int m_listener;
-};

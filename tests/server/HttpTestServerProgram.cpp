@@ -18,6 +18,20 @@ namespace
 {
 std::atomic<int> cutRequests{0};
 
+std::string Reply(const std::string &head, const std::string &body)
+{
+    return "HTTP/1.1 " + head + "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
+}
+
+// Reads one request, says this and leaves.
+HttpTestServer::Script Saying(const std::string &text)
+{
+    return [text](Conversation &conversation) {
+        conversation.ReadRequest();
+        conversation.Write(text);
+    };
+}
+
 void Echo(Conversation &conversation)
 {
     while (const auto request = conversation.ReadRequest())
@@ -32,20 +46,6 @@ void Measure(Conversation &conversation)
     {
         conversation.WriteReply(200, "OK", std::to_string(request->bodyBytes));
     }
-}
-
-void Refuse(Conversation &conversation)
-{
-    conversation.ReadRequest();
-    conversation.WriteReply(500, "Out Of Order", "try tomorrow", "Retry-After: 120\r\n");
-}
-
-void Redirect(Conversation &conversation)
-{
-    conversation.ReadRequest();
-    conversation.WriteReply(302, "Found", "",
-                            "Location: https://echo.server.test/elsewhere\r\n"
-                            "Set-Cookie: a=b\r\n");
 }
 
 void Challenge(Conversation &conversation)
@@ -123,24 +123,6 @@ void AnswerInDrops(Conversation &conversation)
     }
 }
 
-void AnswerHalf(Conversation &conversation)
-{
-    conversation.ReadRequest();
-    conversation.Write("HTTP/1.1 200 OK\r\nContent-Length: 500\r\n\r\n<rsp stat=\"ok\">");
-}
-
-void AnswerTooMuch(Conversation &conversation)
-{
-    conversation.ReadRequest();
-    conversation.WriteReply(200, "OK", std::string(300'000, 'x'));
-}
-
-void AnswerNonsense(Conversation &conversation)
-{
-    conversation.ReadRequest();
-    conversation.Write("what do you want?\r\n\r\n");
-}
-
 class Proxy
 {
 public:
@@ -148,11 +130,22 @@ public:
     {
         const IssuedCertificate usual = m_authority.Issue("DNS:*.server.test");
         const std::pair<const char *, HttpTestServer::Script> scripts[] = {
-            {"echo", Echo},          {"measure", Measure},         {"refuse", Refuse},
-            {"redirect", Redirect},  {"challenge", Challenge},     {"cut", Cut},
-            {"cut-head", CutHead},   {"count", CountCut},          {"deaf", TakeNothing},
-            {"mute", NeverAnswer},   {"late", AnswerLate},         {"half", AnswerHalf},
-            {"huge", AnswerTooMuch}, {"nonsense", AnswerNonsense}, {"interim", AnswerInterim},
+            {"echo", Echo},
+            {"measure", Measure},
+            {"refuse", Saying(Reply("500 Out Of Order\r\nRetry-After: 120", "try tomorrow"))},
+            {"redirect",
+             Saying(Reply("302 Found\r\nLocation: https://echo.server.test/elsewhere\r\nSet-Cookie: a=b", ""))},
+            {"challenge", Challenge},
+            {"cut", Cut},
+            {"cut-head", CutHead},
+            {"count", CountCut},
+            {"deaf", TakeNothing},
+            {"mute", NeverAnswer},
+            {"late", AnswerLate},
+            {"half", Saying("HTTP/1.1 200 OK\r\nContent-Length: 500\r\n\r\n<rsp stat=\"ok\">")},
+            {"huge", Saying(Reply("200 OK", std::string(300'000, 'x')))},
+            {"nonsense", Saying("what do you want?\r\n\r\n")},
+            {"interim", AnswerInterim},
             {"drops", AnswerInDrops}};
         for (const auto &[name, script] : scripts)
         {
@@ -166,8 +159,8 @@ public:
     void Lead(std::string host, unsigned port) { m_ports[std::move(host)] = port; }
     void SaveAuthority(const std::string &path) const { m_authority.Save(path); }
 
-    // As a proxy does; a host that it doesn't know is like one that refuses connections, and to "locked" it
-    // leads nobody.
+    // As a proxy does; a host that it doesn't know is like one that refuses connections, to "locked" it leads
+    // nobody, and on "tarpit" it thinks for ever.
     void Serve(Conversation &conversation) const
     {
         const auto request = conversation.ReadHead();
@@ -181,6 +174,10 @@ public:
             conversation.WriteReply(407, "Proxy Authentication Required", "",
                                     "Proxy-Authenticate: Basic realm=\"here\"\r\n");
             return;
+        }
+        if (host == "tarpit.server.test")
+        {
+            conversation.WaitForEnd();
         }
         const auto port = m_ports.find(host);
         if (port != m_ports.end())

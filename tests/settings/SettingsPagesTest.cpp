@@ -153,13 +153,13 @@ TEST(JpegPage, TheModeRulesWhatIsEnabledAndNothingElse)
             key.Set(TEXT("JPEGMode"), from.mode);
             Shown<JpegPage> page;
             EXPECT_EQ(page.Controls.Radio(IDC_MODE_AS_IS), from.mode);
-            EXPECT_EQ(page.Controls.Disabled, from.disabled);
+            EXPECT_EQ(page.Controls.Disabled(), from.disabled);
 
             page.Controls.SetRadio(IDC_MODE_AS_IS, to.mode);
             page.Logic.Click(page.Controls, IDC_WRITE_XMP);
-            EXPECT_EQ(page.Controls.Disabled, from.disabled) << "no rule follows that click";
+            EXPECT_EQ(page.Controls.Disabled(), from.disabled) << "no rule follows that click";
             page.Logic.Click(page.Controls, to.button);
-            EXPECT_EQ(page.Controls.Disabled, to.disabled);
+            EXPECT_EQ(page.Controls.Disabled(), to.disabled);
         }
     }
 }
@@ -200,7 +200,7 @@ TEST(ConversionPages, FieldsStartAtTheirDefaultsAndAreNotFolded)
         Shown<JpegPage> jpeg;
         EXPECT_EQ(raw.Controls.Check(IDC_WRITE_IPTC), shown);
         EXPECT_EQ(jpeg.Controls.Check(IDC_WRITE_IPTC), shown);
-        EXPECT_EQ(raw.Controls.Disabled, std::set<UINT>());
+        EXPECT_EQ(raw.Controls.Disabled(), std::set<UINT>());
         key.MarkAll();
         raw.Save();
         EXPECT_EQ(key.Written(), "RAWMinimize=1 RAWWriteCopyright=1 RAWWriteEXIF=1 RAWWriteXMP=0 RAWWriteGPS=1 "
@@ -253,22 +253,14 @@ TEST(ConversionPages, SizesAreShownAndStoredInTheirDisplayForm)
 TEST(ConversionPages, OfferTheUsualSizes)
 {
     SettingsKey key;
-    Shown<JpegPage> jpeg;
-    Shown<RawPage> raw;
-    const std::pair<const WCHAR *, UINT32> sizes[] = {
-        {TEXT("240"), 240},   {TEXT("320"), 320},   {TEXT("500"), 500},  {TEXT("800"), 800},
-        {TEXT("1024"), 1024}, {TEXT("1600"), 1600}, {TEXT("2048"), 2048}};
-    for (const FakePageControls *controls : {&jpeg.Controls, &raw.Controls})
+    std::vector<std::string> sizes = {"Original"};
+    for (const WCHAR *size :
+         {TEXT("240"), TEXT("320"), TEXT("500"), TEXT("800"), TEXT("1024"), TEXT("1600"), TEXT("2048")})
     {
-        ASSERT_EQ(controls->List.size(), 8u);
-        EXPECT_EQ(controls->List[0].Text, TEXT("Original"));
-        EXPECT_EQ(controls->List[0].Pixels, std::nullopt);
-        for (size_t i = 0; i < std::size(sizes); ++i)
-        {
-            EXPECT_EQ(Narrow(controls->List[i + 1].Text), Narrow(Grouped(sizes[i].first) + TEXT(" px")));
-            EXPECT_EQ(controls->List[i + 1].Pixels, sizes[i].second);
-        }
+        sizes.push_back(Narrow(Grouped(size) + TEXT(" px=") + size));
     }
+    EXPECT_EQ(Shown<JpegPage>().Controls.List(), sizes);
+    EXPECT_EQ(Shown<RawPage>().Controls.List(), sizes);
 }
 
 TEST(SettingsPages, WithoutTheKeyShowDefaultsAndSaveNothing)

@@ -1,11 +1,8 @@
 #include "settings/SettingsStore.h"
 
-#include "settings/StoredSettings.h"
 #include "tests/doubles/SettingsKey.h"
 
 #include <gtest/gtest.h>
-
-#include <set>
 
 namespace
 {
@@ -26,7 +23,7 @@ TEST(SettingsStore, WithoutTheKeyTheBlockStaysAsItIs)
     LoadSettings(block);
     EXPECT_EQ(block.JPEGMode, 2u);
     EXPECT_EQ(block.JPEG.WriteXMP, 7u);
-    EXPECT_EQ(block.JPEGLongEdgePixels, 0u);
+    EXPECT_EQ(block.JPEG.LongEdgePixels, 0u);
     EXPECT_TRUE(block.JPEGLongDimension.empty());
     EXPECT_EQ(block.RAWLongDimension, TEXT("kept"));
     EXPECT_EQ(SettingsReader().Number(TEXT("WriteTags")), 1u);
@@ -51,7 +48,7 @@ TEST(SettingsStore, AnEmptyKeyGivesTheDefaults)
     {
         EXPECT_EQ(size, TEXT("Original"));
     }
-    EXPECT_EQ(block.JPEGLongEdgePixels + block.RAWLongEdgePixels, 0u);
+    EXPECT_EQ(block.JPEG.LongEdgePixels + block.RAW.LongEdgePixels, 0u);
 }
 
 TEST(SettingsStore, EachValueReachesItsOwnFieldClampedOrFolded)
@@ -122,11 +119,11 @@ TEST(SettingsStore, OutputSizesAreLoadedInTheirDisplayForm)
         SettingsBlock block;
         LoadSettings(block);
         EXPECT_EQ(block.JPEGLongDimension, text);
-        EXPECT_EQ(block.JPEGLongEdgePixels, pixels);
-        EXPECT_EQ(block.JPEGPrintDpi, dpi);
+        EXPECT_EQ(block.JPEG.LongEdgePixels, pixels);
+        EXPECT_EQ(block.JPEG.PrintDpi, dpi);
         EXPECT_EQ(block.RAWLongDimension, TEXT("10 cm print"));
-        EXPECT_EQ(block.RAWLongEdgePixels, 1299u);
-        EXPECT_EQ(block.RAWPrintDpi, 330.0);
+        EXPECT_EQ(block.RAW.LongEdgePixels, 1299u);
+        EXPECT_EQ(block.RAW.PrintDpi, 330.0);
     }
 }
 
@@ -155,32 +152,4 @@ TEST(SettingsStore, AValueTooLongForANumberReadsAsMissing)
     EXPECT_EQ(reader.Number(TEXT("SafetyLevel")), 0u);
     EXPECT_EQ(reader.Number(TEXT("WriteTitle")), 1u);
     EXPECT_EQ(reader.Number(TEXT("ContentType")), 7u) << "as stored, whatever the range";
-}
-
-TEST(StoredSettings, AgreeWithTheBlock)
-{
-    std::set<WideText> names;
-    for (const StoredSetting &setting : StoredSettings())
-    {
-        EXPECT_TRUE(names.insert(setting.Name).second);
-        EXPECT_EQ(FindStoredSetting(setting.Name), &setting);
-        EXPECT_LE(setting.Default, setting.Largest);
-    }
-    EXPECT_EQ(names.size(), 25u);
-    EXPECT_EQ(FindStoredSetting(TEXT("jpegmode")), nullptr);
-
-    // The table's defaults of the two groups must be those of a block that has loaded nothing.
-    const SettingsBlock block;
-    const auto standard = [](const WCHAR *name) { return FindStoredSetting(name)->Default; };
-    EXPECT_EQ(standard(TEXT("JPEGMode")), block.JPEGMode);
-    for (const WideText &kind : {WideText(TEXT("JPEG")), WideText(TEXT("RAW"))})
-    {
-        const ConversionSettings &conversion = kind == TEXT("RAW") ? block.RAW : block.JPEG;
-        EXPECT_EQ(standard((kind + TEXT("Minimize")).c_str()), conversion.Minimize);
-        EXPECT_EQ(standard((kind + TEXT("WriteCopyright")).c_str()), conversion.WriteCopyright);
-        EXPECT_EQ(standard((kind + TEXT("WriteEXIF")).c_str()), conversion.WriteEXIF);
-        EXPECT_EQ(standard((kind + TEXT("WriteXMP")).c_str()), conversion.WriteXMP);
-        EXPECT_EQ(standard((kind + TEXT("WriteGPS")).c_str()), conversion.WriteGPS);
-        EXPECT_EQ(standard((kind + TEXT("WriteIPTC")).c_str()), conversion.WriteIPTC);
-    }
 }

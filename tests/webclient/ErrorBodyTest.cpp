@@ -21,6 +21,8 @@ TEST(ErrorBody, SaysInOneLineWhatThePageSaid)
         {"<html><head><title></title></head><body>text</body></html>", ""},
         {"<html><title>never closed", ""},
         {"&amp;lt; stays", "&amp;lt; stays"},
+        {"<title>&quot;a&nbsp;b&quot; &mdash; c&ndash;d &#39;e&apos;</title>", "\"a b\" \xE2\x80\x94 c\xE2\x80\x93"
+                                                                               "d 'e'"},
         {"<title>&amp;lt;b&amp;gt;</title>", "&lt;b&gt;"},
         {std::string("GIF89a\x01\x00\x02", 9), ""},
     };
@@ -40,8 +42,8 @@ TEST(ErrorBody, OAuthProblemsArePutPlainlyAndWithoutTheirDetails)
     EXPECT_EQ(
         DescribeErrorBody("oauth_problem=parameter_absent&oauth_parameters_absent=oauth_nonce%26oauth_token", {}),
         "The request lacked a parameter: oauth_nonce oauth_token (parameter_absent)");
-    EXPECT_EQ(DescribeErrorBody("oauth_problem=brand_new<b>", {}),
-              "The service refused the request (brand_new b )");
+    EXPECT_EQ(DescribeErrorBody("oauth_problem=Brand_new<b{z9", {}),
+              "The service refused the request (Brand_new b z9)");
 }
 
 TEST(ErrorBody, LongTextIsCutBetweenCharacters)
@@ -56,6 +58,22 @@ TEST(ErrorBody, LongTextIsCutBetweenCharacters)
     EXPECT_TRUE(line.ends_with("\xC3\xA4..."));
     const std::string smile = "\xF0\x9F\x98\x80"; // two units of UTF-16, the first of them the 200th
     EXPECT_EQ(DescribeErrorBody(std::string(199, 'x') + smile, {}), std::string(199, 'x') + "...");
+}
+
+TEST(ErrorBody, StatusesHaveTheNamesOfTheirStandard)
+{
+    std::string names;
+    for (int status = 0; status < 600; ++status)
+    {
+        const std::string_view words = StandardStatusWords(status);
+        names += words.empty() ? "" : std::to_string(status) + " " + std::string(words) + "; ";
+    }
+    EXPECT_EQ(names, "200 OK; 301 Moved Permanently; 302 Found; 303 See Other; 304 Not Modified; "
+                     "307 Temporary Redirect; 308 Permanent Redirect; 400 Bad Request; 401 Unauthorized; "
+                     "403 Forbidden; 404 Not Found; 405 Method Not Allowed; 408 Request Timeout; "
+                     "411 Length Required; 413 Content Too Large; 415 Unsupported Media Type; "
+                     "429 Too Many Requests; 500 Internal Server Error; 501 Not Implemented; 502 Bad Gateway; "
+                     "503 Service Unavailable; 504 Gateway Timeout; ");
 }
 
 TEST(TransportWords, EveryProblemFailsWithWords)

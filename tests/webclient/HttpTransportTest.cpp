@@ -256,6 +256,10 @@ TEST_F(HttpTransportTest, CallersAnswerEndsTheExchange)
 TEST_F(HttpTransportTest, LimitsEndWhatDoesNotMove)
 {
     TransportLimits limits;
+    limits.connect = 700ms;
+    CountedBody unsent(1000);
+    EXPECT_EQ(Send("tarpit", &unsent, limits).problem, TransportProblem::ConnectTimedOut);
+    limits = {};
     limits.stall = 700ms;
     limits.answer = 700ms;
     CountedBody large(30'000'000);

@@ -1,11 +1,12 @@
 // Published vectors, and the corners of RFC 5849 in which signatures of others have failed.
 #include "com/Hresult.h"
-#include "webclient/HmacSha1.h"
 #include "webclient/OAuthSignature.h"
 #include "webclient/PercentEncoding.h"
 #include "webclient/Utf8.h"
 
 #include <gmock/gmock.h>
+
+#include <ctime>
 
 namespace
 {
@@ -20,27 +21,6 @@ Parameter P(std::string name, std::string_view value)
 std::string BaseString(std::string_view method, std::string_view url, const ParameterList &parameters)
 {
     return std::string(SignatureBaseString(method, RequestUrl::Parse(url), parameters).View());
-}
-
-std::string Hex(const HmacSha1Digest &digest)
-{
-    std::string text;
-    for (const unsigned char byte : digest)
-    {
-        text += "0123456789abcdef"[byte >> 4];
-        text += "0123456789abcdef"[byte & 15];
-    }
-    return text;
-}
-
-TEST(HmacSha1, AnswersTheVectorsOfRfc2202)
-{
-    EXPECT_EQ(Hex(HmacSha1(std::string(20, '\x0b'), "Hi There")), "b617318655057264e28bc0b6fb378c8ef146be00");
-    EXPECT_EQ(Hex(HmacSha1("Jefe", "what do ya want for nothing?")), "effcdf6ae5eb2fa2d27416d5f184df9c259a7c79");
-    EXPECT_EQ(Hex(HmacSha1(std::string(20, '\xaa'), std::string(50, '\xdd'))),
-              "125d7342b9ac11cd91a39af48aa17b4f63f175d3");
-    EXPECT_EQ(Hex(HmacSha1(std::string(80, '\xaa'), "Test Using Larger Than Block-Size Key - Hash Key First")),
-              "aa4ae5e15272d00e95705637ce8a3b55ed402112");
 }
 
 TEST(OAuthSignature, BaseStringOfRfc5849Section341)
@@ -157,7 +137,7 @@ TEST(OAuthMoment, IsAnotherForEachRequest)
     const OAuthMoment first = OAuthMoment::Now();
     EXPECT_NE(first.nonce, OAuthMoment::Now().nonce);
     EXPECT_GE(first.nonce.size(), 16u);
-    EXPECT_GT(std::stoll(first.timestamp), 1'600'000'000);
+    EXPECT_NEAR(static_cast<double>(std::stoll(first.timestamp)), static_cast<double>(std::time(nullptr)), 10);
 }
 
 TEST(Utf8, TextsOfAnyKindSurvive)

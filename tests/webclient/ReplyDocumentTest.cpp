@@ -73,6 +73,7 @@ TEST_F(ReplyDocumentTest, OtherStatusesBecomeHttpErrors)
     EXPECT_TRUE(FAILED(Load(400, "Bad", std::string(16'380, ' ') + "the-secret")));
     EXPECT_EQ(Text("/HttpError/Description"), "(none)");
 
+    EXPECT_TRUE(FAILED(Load(300, "", "<rsp stat=\"ok\"/>")));
     EXPECT_TRUE(FAILED(Load(302, "Found", "")));
     EXPECT_EQ(Text("/HttpError/Description"), "Redirections are not followed");
 }

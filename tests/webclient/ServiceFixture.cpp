@@ -10,10 +10,12 @@
 #include "webclient/PercentEncoding.h"
 
 #include <cstdlib>
+#include <filesystem>
+#include <unistd.h>
 
 namespace
 {
-const char *TrustFile = "webclient-test-ca.pem";
+const std::string TrustFile = "webclient-test-ca." + std::to_string(getpid()) + ".pem"; // of this process alone
 } // namespace
 
 std::string UploadOutcome::Text(const char *path) const
@@ -35,9 +37,14 @@ void ServiceFixture::SetUpTestSuite()
     Authority().Save(TrustFile);
 }
 
+void ServiceFixture::TearDownTestSuite()
+{
+    std::filesystem::remove(TrustFile);
+}
+
 void ServiceFixture::SetUp()
 {
-    setenv("HALVORA_CA_FILE", TrustFile, 1);
+    setenv("HALVORA_CA_FILE", TrustFile.c_str(), 1);
 }
 
 void ServiceFixture::TearDown()
@@ -72,30 +79,15 @@ ComPtr<IOAuthWebClient> ServiceFixture::Client()
     ComPtr<IOAuthWebClient> client;
     EXPECT_EQ(CoCreateInstance(CLSID_OAuthWebClient, nullptr, 23, __uuidof(IOAuthWebClient), client.PutVoid()),
               S_OK);
-    SetService(client.Get());
-    return client;
-}
-
-ComPtr<IOAuthWebClient> ServiceFixture::ClientWithLimits(const TransportLimits &limits)
-{
-    ComPtr<IOAuthWebClient> client;
-    EXPECT_EQ(COAuthWebClient::CreateInstance(nullptr, __uuidof(IOAuthWebClient), client.PutVoid(),
-                                              CreateTransport(limits)),
-              S_OK);
-    SetService(client.Get());
-    return client;
-}
-
-void ServiceFixture::SetService(IOAuthWebClient *client)
-{
-    ASSERT_EQ(client->SetService(TEXT("Halvora/1.2.3.4"), TEXT("https://api.flickr.com/services/rest"),
+    EXPECT_EQ(client->SetService(TEXT("Halvora/1.2.3.4"), TEXT("https://api.flickr.com/services/rest"),
                                  TEXT("HMAC-SHA1"), TEXT("application-key"), TEXT("application-secret"),
                                  TEXT("http://www.flickr.com/services/oauth/request_token"),
                                  TEXT("http://www.flickr.com/services/oauth/authorize"),
                                  TEXT("http://www.flickr.com/services/oauth/access_token"),
                                  TEXT("http://authorization.halvora.example/flickr/authorization/"), 0),
               S_OK);
-    ASSERT_EQ(client->SetAccessToken(TEXT("the-token"), TEXT("token-secret")), S_OK);
+    EXPECT_EQ(client->SetAccessToken(TEXT("the-token"), TEXT("token-secret")), S_OK);
+    return client;
 }
 
 ComPtr<IRequestParameters>

@@ -54,6 +54,7 @@ class ServiceFixture : public testing::Test
 {
 protected:
     static void SetUpTestSuite();
+    static void TearDownTestSuite();
     void SetUp() override;
     void TearDown() override;
 
@@ -61,10 +62,8 @@ protected:
     HttpTestServer &StartServer(const IssuedCertificate &certificate, HttpTestServer::Script script);
     static void ConnectTo(unsigned port);
 
-    // From the registered module, as everybody gets it; with limits, one of this program's own.
+    // From the registered module, as everybody gets it.
     static ComPtr<IOAuthWebClient> Client();
-    static ComPtr<IOAuthWebClient> ClientWithLimits(const TransportLimits &limits);
-    static void SetService(IOAuthWebClient *client);
 
     static ComPtr<IRequestParameters>
     Parameters(const std::vector<std::pair<const WCHAR *, const WCHAR *>> &pairs);

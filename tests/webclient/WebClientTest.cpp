@@ -5,6 +5,7 @@
 #include "tests/webclient/SignatureCheck.h"
 #include "webclient/Utf8.h"
 
+#include <cstdio>
 #include <thread>
 
 namespace
@@ -224,7 +225,7 @@ TEST_F(WebClientTest, HostWithoutAnAddressIsToldInWords)
     EXPECT_THAT(unknown.Description(), HasSubstr("was not found"));
 }
 
-TEST_F(WebClientTest, ProxyGetsTheNameAndPasswordOfItsAddress)
+TEST_F(WebClientTest, ProxyGetsTheNameAndPasswordOfItsAddressAndIsNamedWhenItRefuses)
 {
     HttpTestServer &server = StartServer();
     HttpTestServer proxy([&server](Conversation &conversation) {
@@ -236,21 +237,84 @@ TEST_F(WebClientTest, ProxyGetsTheNameAndPasswordOfItsAddress)
                 conversation.Relay(server.Port());
                 return;
             }
+            if (request->Header("proxy-authorization") == "Basic bWU6YmFubmVk")
+            {
+                conversation.WriteReply(403, "Not you", "");
+                return;
+            }
             conversation.WriteReply(407, "Who are you?", "", "Proxy-Authenticate: Basic realm=\"here\"\r\n");
         }
     });
     const std::string place = "127.0.0.1:" + std::to_string(proxy.Port());
-    for (const auto &[login, result] :
-         {std::pair("", static_cast<HRESULT>(0x80072EEF)), std::pair("me:sesame@", S_OK),
-          std::pair("me:wrong@", static_cast<HRESULT>(0x80072EEF))})
+    const std::string asks = "asks for a name and password";
+    const std::string refuses =
+        "The proxy " + place + " does not lead to api.flickr.com: it answered 403 Forbidden.";
+    const struct
     {
-        setenv("https_proxy", ("http://" + (login + place)).c_str(), 1);
+        const char *login;
+        HRESULT result;
+        std::string description;
+    } cases[] = {{"", static_cast<HRESULT>(0x80072EEF), asks},
+                 {"me:sesame@", S_OK, "(none)"},
+                 {"me:wrong@", static_cast<HRESULT>(0x80072EEF), asks},
+                 {"me:banned@", static_cast<HRESULT>(0x80072EFD), refuses}};
+    for (const auto &c : cases)
+    {
+        setenv("https_proxy", ("http://" + (c.login + place)).c_str(), 1);
         const UploadOutcome outcome = UploadText(Client().Get(), "picture");
-        EXPECT_EQ(outcome.result, result) << login;
-        EXPECT_EQ(outcome.Description().find("asks for a name and password") != std::string::npos, FAILED(result));
+        EXPECT_EQ(outcome.result, c.result) << c.login;
+        EXPECT_THAT(outcome.Description(), HasSubstr(c.description));
     }
     unsetenv("https_proxy");
     EXPECT_EQ(server.Requests().size(), 1u);
     EXPECT_EQ(server.Requests()[0].Header("proxy-authorization"), "(none)");
+}
+
+TEST_F(WebClientTest, FailingAnswerToAReportEndsTheUploadWithItsCode)
+{
+    StartServer();
+    constexpr UINT32 size = 30'000'000;
+    const auto progress = RecordedProgress::Make([](const RecordedProgress::ProgressEntry &entry) {
+        return entry.code == UPLOAD_BYTES && entry.done > 0 ? static_cast<HRESULT>(0x80041234) : S_OK;
+    });
+    EXPECT_EQ(Upload(Client().Get(), ScriptedStream::MakeEndless(size).Get(), size, progress.Get()).result,
+              static_cast<HRESULT>(0x80041234));
+    EXPECT_LT(progress->entries.back().done, size);
+    EXPECT_EQ(progress->entries.back().total, size);
+
+    const auto never = RecordedProgress::Make([](const RecordedProgress::ProgressEntry &) { return E_ABORT; });
+    EXPECT_EQ(Upload(Client().Get(), ScriptedStream::MakeEndless(10).Get(), 10, never.Get()).result, E_ABORT);
+    EXPECT_EQ(never->entries.size(), 1u);
+}
+
+long PeakKilobytes()
+{
+    long peak = 0;
+    std::unique_ptr<FILE, int (*)(FILE *)> status(std::fopen("/proc/self/status", "r"), std::fclose);
+    for (char line[256]; status && std::fgets(line, sizeof(line), status.get()) != nullptr;)
+    {
+        std::sscanf(line, "VmHWM: %ld kB", &peak);
+    }
+    return peak;
+}
+
+TEST_F(WebClientTest, LargeBodiesPassThroughLittleMemory)
+{
+#ifdef __SANITIZE_ADDRESS__
+    constexpr UINT32 size = 100'000'000; // the sanitizer keeps memory of its own
+    constexpr long limit = 1'000'000;
+#else
+    constexpr UINT32 size = 500'000'000;
+    constexpr long limit = 48 * 1024;
+#endif
+    HttpTestServer &server = StartServer();
+    const auto progress = RecordedProgress::Make();
+    const UploadOutcome outcome =
+        Upload(Client().Get(), ScriptedStream::MakeEndless(size).Get(), size, progress.Get());
+    EXPECT_EQ(outcome.result, S_OK) << outcome.Description();
+    ASSERT_EQ(server.Requests().size(), 1u);
+    EXPECT_EQ(server.Requests()[0].bodyBytes, size);
+    EXPECT_EQ(progress->entries.back().done, size);
+    EXPECT_LT(PeakKilobytes(), limit);
 }
 } // namespace

@@ -134,8 +134,11 @@ class Scratch:
         for test in listed['tests']:
             properties = {p['name']: p['value'] for p in test['properties']}
             environment = dict(entry.split('=', 1) for entry in properties.get('ENVIRONMENT', ()))
-            program = next((programs[part] for part in test.get('command', ()) if part in programs), None)
-            is_script = not program or 'bash' in Path(test['command'][0]).name
+            programs_here = [programs[part] for part in test.get('command', ()) if part in programs]
+            # What needs a server is started by a script, but is a program like the others: one of the test's name.
+            program = next((p for p in programs_here if self.targets[p]['name'] == test['name']),
+                           programs_here[0] if programs_here and 'bash' not in Path(test['command'][0]).name else None)
+            is_script = not program
             if not test.get('command') or is_script and not (scripts and test['name'].endswith('_scenario')):
                 continue
             if is_script:

@@ -1,4 +1,1 @@
-list(APPEND libraries winhttp)
-if(HALVORA_NATIVE)
-  list(APPEND libraries test_server)
-endif()
+list(APPEND libraries curl_setup)

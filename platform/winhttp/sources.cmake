@@ -1,0 +1,3 @@
+target_sources(platform PRIVATE
+  http/EnvironmentProxy.cpp
+  winhttp/ProxySettings.cpp)

@@ -1,0 +1,98 @@
+#include "tests/hostwindow/OtherProgram_win32.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+
+namespace
+{
+constexpr UINT Patience = 5000; // milliseconds
+
+HANDLE ProcessOf(HWND window)
+{
+    DWORD process = 0;
+    GetWindowThreadProcessId(window, &process);
+    return OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE, FALSE, process);
+}
+} // namespace
+
+OtherMemory::OtherMemory(HWND window, size_t size)
+    : m_process(ProcessOf(window)),
+      m_place(VirtualAllocEx(m_process.Get(), nullptr, size, MEM_COMMIT, PAGE_READWRITE))
+{
+}
+
+OtherMemory::~OtherMemory()
+{
+    VirtualFreeEx(m_process.Get(), m_place, 0, MEM_RELEASE);
+}
+
+void OtherMemory::Write(const void *from, size_t size)
+{
+    WriteProcessMemory(m_process.Get(), m_place, from, size, nullptr);
+}
+
+void OtherMemory::Read(void *to, size_t size, size_t offset) const
+{
+    ReadProcessMemory(m_process.Get(), At(offset), to, size, nullptr);
+}
+
+std::wstring TextOf(HWND window)
+{
+    DWORD_PTR length = 0;
+    SendMessageTimeoutW(window, WM_GETTEXTLENGTH, 0, 0, SMTO_ABORTIFHUNG, Patience, &length);
+    std::wstring text(length + 1, L'\0');
+    DWORD_PTR copied = 0;
+    SendMessageTimeoutW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()), SMTO_ABORTIFHUNG,
+                        Patience, &copied);
+    text.resize(copied);
+    return text;
+}
+
+std::vector<HWND> PartsOf(HWND window)
+{
+    std::vector<HWND> parts;
+    EnumChildWindows(
+        window,
+        [](HWND part, LPARAM all) -> BOOL {
+            if (IsWindowVisible(part))
+            {
+                reinterpret_cast<std::vector<HWND> *>(all)->push_back(part);
+            }
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&parts));
+    return parts;
+}
+
+HWND FindPart(HWND window, int id)
+{
+    const auto parts = PartsOf(window);
+    const auto found = std::ranges::find(parts, id, GetDlgCtrlID);
+    return found != parts.end() ? *found : nullptr;
+}
+
+bool FollowLink(HWND control, const std::wstring &name)
+{
+    RECT area{};
+    GetClientRect(control, &area);
+    OtherMemory memory(control, sizeof(LHITTESTINFO));
+    for (LONG y = 2; y < area.bottom; y += 4)
+    {
+        for (LONG x = 1; x < area.right; x += 3)
+        {
+            LHITTESTINFO hit{};
+            hit.pt = {x, y};
+            memory.Write(&hit, sizeof(hit));
+            const bool isLink = SendMessageW(control, LM_HITTEST, 0, memory.Pointer()) != 0;
+            memory.Read(&hit, sizeof(hit));
+            if (isLink && (name == hit.item.szID || name == hit.item.szUrl))
+            {
+                PostMessageW(control, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, y));
+                PostMessageW(control, WM_LBUTTONUP, 0, MAKELPARAM(x, y));
+                return true;
+            }
+        }
+    }
+    return false;
+}
