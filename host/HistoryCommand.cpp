@@ -77,7 +77,7 @@ std::vector<JournalEntry> EntriesFor(const CommandLine &line, Journal &journal, 
 ExitCode RunHistoryCommand(const CommandLine &line, const Profile &profile)
 {
     Journal journal(profile);
-    std::ranges::for_each(journal.Notices(), Complain);
+    std::ranges::for_each(journal.TakeNotices(), Complain);
     InitDataStore store(profile);
     store.Load();
     const AccountData account = ParseInitData(store.Content()).value_or(AccountData());

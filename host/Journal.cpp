@@ -140,8 +140,10 @@ void Journal::Open()
     }
     catch (const DatabaseError &)
     {
-        // Nothing is left where the library is missing.
-        isNew &&fs::remove(file);
+        if (isNew) // where the library is missing, nothing is left
+        {
+            fs::remove(file);
+        }
         throw;
     }
     if (TextAt(m_database->Run("PRAGMA quick_check(1)").at(0), 0) != "ok")
@@ -181,8 +183,8 @@ void Journal::SetAside(const std::string &words)
     }
     const fs::path aside = SetFileAside(file, ".damaged");
     std::error_code none;
-    fs::rename(WithSuffix(file, "-wal"), WithSuffix(aside, "-wal"),
-               none); // the last changes, if they aren't in yet
+    // The last changes, if the file itself hasn't got them yet.
+    fs::rename(WithSuffix(file, "-wal"), WithSuffix(aside, "-wal"), none);
     fs::remove(WithSuffix(file, "-shm"), none);
     const auto rows = RowsThatCanBeRead(aside);
     Open();
@@ -194,7 +196,8 @@ void Journal::SetAside(const std::string &words)
     m_database->Run("COMMIT");
     m_notices.push_back("The journal of what was published, " + ShownPath(file) + ", is damaged (" + words +
                         "). It was kept as " + ShownPath(aside.filename()) + "; " + std::to_string(rows.size()) +
-                        " of its entries could be read and are used. What the others say may be published twice.");
+                        " of its entries could be read and are used. What the others told is forgotten, and would "
+                        "be published again.");
 }
 
 std::vector<Database::Row> Journal::Run(const std::string &sql, const std::vector<Database::Value> &values)
@@ -226,6 +229,12 @@ std::vector<Database::Row> Journal::Run(const std::string &sql, const std::vecto
                            ", can't be used: " + error.what() +
                            ". Check its permissions and the space on the disk.");
     }
+}
+
+std::vector<std::string> Journal::TakeNotices()
+{
+    const std::lock_guard guard(m_lock);
+    return std::exchange(m_notices, {});
 }
 
 void Journal::Recognize(const JournalAccount &account)

@@ -13,6 +13,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 enum class JournalOutcome
@@ -63,10 +64,12 @@ struct JournalEntry
 class Journal
 {
 public:
-    // A damaged journal is set aside, what can still be read of it goes into a new one, and a notice says so.
+    // A damaged journal is set aside, here or when the damage is met, what can still be read of it goes into a new
+    // one, and a notice says so.
     explicit Journal(const Profile &profile);
 
-    const std::vector<std::string> &Notices() const { return m_notices; }
+    // Those that weren't taken before.
+    std::vector<std::string> TakeNotices();
 
     // Entries that were made before the account's address was known get it.
     void Recognize(const JournalAccount &account);

@@ -175,7 +175,7 @@ PlannedRun PlanRun(ItemCollection pictures, const CommandLine &line, const Profi
     {
         return plan;
     }
-    for (const std::string &notice : plan.journal->Notices())
+    for (const std::string &notice : plan.journal->TakeNotices())
     {
         display.Log(2, notice);
     }

@@ -184,6 +184,10 @@ ExitCode RunPlan(PlannedRun plan, const CommandLine &line, InitDataStore &store,
     RunRecord record(std::move(plan.pictures));
     const RunTools tools = {line, plan.account, plan.journal.get(), store, display, signals};
     const RunEnd end = record.Items().empty() ? RunEnd{S_OK, false} : Publish(record, tools);
+    for (const std::string &notice : plan.journal ? plan.journal->TakeNotices() : std::vector<std::string>())
+    {
+        display.Log(2, notice);
+    }
     const std::vector<size_t> notTried = record.NotTried();
     for (const size_t item : notTried)
     {

@@ -173,10 +173,9 @@ void HostWindow::TellOutcome(const std::wstring &verb, HRESULT result)
     }
 }
 
-void HostWindow::OpenJournal()
+void HostWindow::TellJournalNotices()
 {
-    m_journal = std::make_unique<Journal>(m_profile);
-    for (const std::string &notice : m_journal->Notices())
+    for (const std::string &notice : m_journal ? m_journal->TakeNotices() : std::vector<std::string>())
     {
         m_log->Append(LOG_LEVEL_WARNING, notice);
     }
@@ -266,6 +265,7 @@ void HostWindow::OnRunEnd(HRESULT result)
         Tell(LOG_LEVEL_FATAL, IDS_NOT_STARTED, result);
     }
     m_use->RunEnds();
+    TellJournalNotices();
     m_pictures->MarkEnds(m_use->Record());
     const std::string summary = m_use->Record().Summarize(wasCancelled, SystemWordsOrNone).text;
     for (size_t begin = 0; begin < summary.size();)

@@ -191,7 +191,8 @@ void HostWindow::OnCreate()
     {
         m_log->Append(LOG_LEVEL_WARNING, notice);
     }
-    Guarded([&] { OpenJournal(); });
+    Guarded([&] { m_journal = std::make_unique<Journal>(m_profile); });
+    TellJournalNotices();
     FindPlugin();
     Guarded([&] { BeginUse({}); });
     ShowPlugin();

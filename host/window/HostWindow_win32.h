@@ -53,7 +53,7 @@ private:
     void Configure();
     void TellOutcome(const std::wstring &verb, HRESULT result);
 
-    void OpenJournal();
+    void TellJournalNotices();
     // Marks the pictures that the journal knows.
     void MarkPublishedBefore();
     bool Asks(unsigned question, const std::wstring &number = {}) const;

@@ -144,7 +144,7 @@ TEST_F(JournalTest, ADamagedOneIsSetAsideAndReadAsFarAsItGoes)
         }
         Spoil(one.from, one.bytes);
         Journal journal(m_profile);
-        EXPECT_THAT(journal.Notices(), ElementsAre(HasSubstr("kept as journal.db.damaged-")));
+        EXPECT_THAT(journal.TakeNotices(), ElementsAre(HasSubstr("kept as journal.db.damaged-")));
         EXPECT_GE(journal.Entries().size(), one.least);
         const fs::path next = m_folder.Write("next.jpg", "next");
         Publish(journal, next, "7");
@@ -166,7 +166,7 @@ TEST_F(JournalTest, SurvivesBeingKilledAmongOthers)
             std::this_thread::sleep_for(std::chrono::milliseconds(150 + round * 17 % 100));
         } // kills them
         Journal journal(m_profile);
-        ASSERT_THAT(journal.Notices(), IsEmpty());
+        ASSERT_THAT(journal.TakeNotices(), IsEmpty());
         const auto entries = journal.Entries();
         EXPECT_LE(std::ranges::count(entries, JournalOutcome::Unknown, &JournalEntry::outcome), 2 * (round + 1));
         ASSERT_GE(entries.size(), before);
