@@ -238,7 +238,7 @@ ExitCode RunDry(const PlannedRun &plan, const CommandLine &line, LiveDisplay &di
         return list.empty() ? std::string() : ", " + std::to_string(list.size()) + words;
     };
     display.Print("A run would publish " + std::to_string(plan.pictures.items.size()) + " (" + SizeText(bytes) +
-                  ")" + count(plan.pictures.leftOut, " are on the account already") +
+                  ")" + count(plan.pictures.leftOut, " on the account already") +
                   count(plan.pictures.undecided, " may be published or not") +
                   count(plan.pictures.refused, " can't be published") + ". Nothing was sent.\n");
     return plan.pictures.refused.empty() && plan.pictures.undecided.empty() ? ExitCode::Success

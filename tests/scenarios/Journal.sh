@@ -70,7 +70,7 @@ says 'limit is reached'
 arrived 1
 
 # What is left of a run can be handed to another.
-halvora publish --porcelain -n 1[5-9].jpg >"$work/lines" || fail 'no dry run'
+halvora publish --porcelain -n 1[5-9].jpg >"$work/lines" 2>"$work/out" || fail 'no dry run'
 [ "$(outcomes)" = left-out1to-send4 ] || fail "the lines tell $(outcomes)"
 "$bin/halvora" --profile "$work/profile" publish --porcelain --files-from - <"$work/lines" >"$work/more" 2>"$work/out" || fail 'the rest was not published'
 cp "$work/more" "$work/lines"
