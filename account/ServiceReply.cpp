@@ -9,7 +9,6 @@
 #include <shlwapi.h>
 
 #include <algorithm>
-#include <climits>
 
 namespace
 {
@@ -27,21 +26,6 @@ BstrOwner NodeTextOrEmpty(IXMLDOMDocument2 *document, const WCHAR *expression)
     BstrOwner text;
     ReadNodeText(document, expression, text);
     return text;
-}
-
-// The digits at the start of the text, as far as they fit.
-int LeadingNumber(WideView text)
-{
-    INT64 number = 0;
-    for (WCHAR digit : text)
-    {
-        if (digit < '0' || digit > '9')
-        {
-            break;
-        }
-        number = std::min<INT64>(number * 10 + (digit - '0'), INT_MAX);
-    }
-    return static_cast<int>(number);
 }
 
 WideText ComposeTransportError(IXMLDOMDocument2 *document, WideView status)
@@ -91,8 +75,8 @@ HRESULT ReadNodeText(IXMLDOMDocument2 *document, const WCHAR *expression, BstrOw
         }
         ComPtr<IXMLDOMNode> node;
         const BstrOwner path{WideView(expression)};
-        const HRESULT found = document->selectSingleNode(path.Get(), node.Put());
-        if (found != S_FALSE && node && SUCCEEDED(node->get_text(text.Put())))
+        document->selectSingleNode(path.Get(), node.Put()); // a failure gives no node
+        if (node && SUCCEEDED(node->get_text(text.Put())))
         {
             return S_OK;
         }

@@ -76,9 +76,7 @@ void OneItem(benchmark::State &state)
     for (auto _ : state)
     {
         state.PauseTiming();
-        fixture.Web.ForgetCalls();
-        fixture.Web.FileParts.clear();
-        fixture.Web.Bodies.clear();
+        fixture.Web.Clear();
         fixture.Web.Answer(OkReply);
         state.ResumeTiming();
         plugin->Publish(fixture.Windows.Bar(), fixture.Windows.StatusText());

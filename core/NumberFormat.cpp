@@ -1,5 +1,7 @@
 #include "core/NumberFormat.h"
 
+#include "core/TextPieces.h"
+
 #include <algorithm>
 #include <charconv>
 #include <iterator>
@@ -13,17 +15,6 @@ bool IsKnownLocale(LCID locale)
     // LOCALE_NEUTRAL, 127 (invariant), the user's and the system's default and the three custom ones.
     static constexpr LCID Generic[] = {0, 127, 1024, 2048, 3072, 4096, 5120};
     return std::ranges::find(Generic, locale) != std::end(Generic) || IsValidLocale(locale, LCID_SUPPORTED);
-}
-
-// The digits at the start of the text: "3;2;0" is 3.
-UINT32 LeadingNumber(const WCHAR *text)
-{
-    UINT32 number = 0;
-    for (; *text >= '0' && *text <= '9'; ++text)
-    {
-        number = number * 10 + (*text - '0');
-    }
-    return number;
 }
 
 bool ReadLocaleValues(LocaleNumberFormat &format)
@@ -44,7 +35,7 @@ bool ReadLocaleValues(LocaleNumberFormat &format)
         const bool found = read(type);
         if (found)
         {
-            number = LeadingNumber(buffer);
+            number = static_cast<UINT32>(LeadingNumber(buffer));
         }
         return found;
     };

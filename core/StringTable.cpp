@@ -10,7 +10,7 @@ WideView FindEntry(UINT id) noexcept
     // A buffer of length 0 asks for a pointer to the read-only entry, which isn't terminated.
     const WCHAR *entry = nullptr;
     const int length = LoadStringW(ThisModule(), id, reinterpret_cast<LPWSTR>(&entry), 0);
-    return length > 0 && entry != nullptr ? WideView(entry, static_cast<size_t>(length)) : WideView();
+    return WideView(entry, static_cast<size_t>(length)); // an absent one has no length
 }
 } // namespace
 

@@ -1,6 +1,7 @@
 #include "core/TextPieces.h"
 
 #include <algorithm>
+#include <climits>
 
 bool IsWhiteSpace(WCHAR unit) noexcept
 {
@@ -37,13 +38,18 @@ WideView StripWhiteSpace(WideView text) noexcept
     return text;
 }
 
-bool EqualsIgnoringCase(WideView left, WideView right) noexcept
+int LeadingNumber(WideView text) noexcept
 {
-    const auto fold = [](WCHAR unit) {
-        return unit >= TEXT('A') && unit <= TEXT('Z') ? static_cast<WCHAR>(unit + 0x20) : unit;
-    };
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [fold](WCHAR a, WCHAR b) { return fold(a) == fold(b); });
+    INT64 number = 0;
+    for (const WCHAR digit : text)
+    {
+        if (digit < '0' || digit > '9')
+        {
+            break;
+        }
+        number = std::min<INT64>(number * 10 + (digit - '0'), INT_MAX);
+    }
+    return static_cast<int>(number);
 }
 
 void CapitalizeFirst(WideText &text)

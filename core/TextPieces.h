@@ -1,6 +1,7 @@
 // Cutting texts: lists with a separator, and white space at the ends.
 #pragma once
 
+#include "com/AsciiText.h"
 #include "com/WideText.h"
 
 #include <vector>
@@ -15,8 +16,8 @@ std::vector<WideView> SplitText(WideView text, WCHAR separator);
 // The text without white space at its ends; a view into it.
 WideView StripWhiteSpace(WideView text) noexcept;
 
-// Compares without regard to the case of A to Z, independent of the locale: for keywords of a format.
-bool EqualsIgnoringCase(WideView left, WideView right) noexcept;
+// The digits at the start of the text, INT_MAX at most: "3;2;0" is 3. Without a digit 0.
+int LeadingNumber(WideView text) noexcept;
 
 // Puts the first character into upper case by the rules of the user's language.
 void CapitalizeFirst(WideText &text);

@@ -5,11 +5,8 @@ HMODULE ThisModule() noexcept
     // An object of this module finds the module by its address, however it was loaded and named.
     static const char Anchor = 0;
     HMODULE module = nullptr;
-    if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                            reinterpret_cast<LPCWSTR>(&Anchor), &module))
-    {
-        return nullptr;
-    }
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                       reinterpret_cast<LPCWSTR>(&Anchor), &module);
     return module;
 }
 

@@ -2,7 +2,7 @@
 
 #include "host/InitData.h"
 #include "host/SettingsKeyMaking.h"
-#include "host/SafeLine.h"
+#include "com/SafeText.h"
 #include "host/SettingsKey_posix.h"
 #include "host/SystemWords.h"
 #include "host/Terminal_posix.h"

@@ -1,4 +1,4 @@
-// Conversion between the character sets of files and UTF-16, by the system or its library.
+// Conversion from the character sets of files other than UTF-8 to UTF-16, by the system or its library.
 #pragma once
 
 #include "com/WideText.h"
@@ -8,7 +8,6 @@
 
 enum class Charset
 {
-    Utf8,
     Windows1252,
     Iso2022Jp,
     ShiftJis,

@@ -1,6 +1,6 @@
 #include "host/CharsetConversion.h"
 
-#include "host/TextEncodings.h"
+#include <windows.h>
 
 namespace
 {
@@ -12,10 +12,8 @@ UINT CodePageOf(Charset charset)
         return 1252;
     case Charset::ShiftJis:
         return 932;
-    case Charset::EucJp:
-        return 20932;
     default:
-        return CP_UTF8;
+        return 20932;
     }
 }
 
@@ -67,18 +65,4 @@ std::optional<WideText> TextFromCharset(Charset charset, std::string_view bytes,
     WideText text(static_cast<size_t>(length), 0);
     MultiByteToWideChar(page, flags, bytes.data(), size, text.data(), length);
     return text;
-}
-
-std::string Utf8FromText(WideView text)
-{
-    // Without flags a surrogate alone becomes U+FFFD.
-    const int size = static_cast<int>(text.size());
-    const int length =
-        size == 0 ? 0 : WideCharToMultiByte(CP_UTF8, 0, text.data(), size, nullptr, 0, nullptr, nullptr);
-    std::string bytes(static_cast<size_t>(length), '\0');
-    if (length > 0)
-    {
-        WideCharToMultiByte(CP_UTF8, 0, text.data(), size, bytes.data(), length, nullptr, nullptr);
-    }
-    return bytes;
 }

@@ -1,7 +1,8 @@
 #include "host/FileList.h"
 
 #include "host/FileNames.h"
-#include "host/SafeLine.h"
+
+#include "com/SafeText.h"
 
 #include <algorithm>
 #include <array>

@@ -3,11 +3,13 @@
 // sequence is the lone surrogate U+DC00 + byte. Every name survives the round trip.
 #pragma once
 
+#include "com/AsciiText.h" // by which extensions are compared
 #include "com/WideText.h"
 
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 WideText TextOfPath(const std::filesystem::path &path);
 std::filesystem::path PathOfText(WideView text);
@@ -26,20 +28,12 @@ inline std::string ExtensionOf(const std::filesystem::path &file)
     return extension.empty() ? extension : extension.substr(1);
 }
 
-// Extensions are compared without regard to the case of ASCII letters.
-inline std::string LowerAscii(std::string_view text)
-{
-    std::string lower(text);
-    for (char &c : lower)
-    {
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    }
-    return lower;
-}
-
 // The same for every name that leads to a file of this name in the same folder: links to folders are
 // resolved, and case is folded where the system doesn't tell it apart. To be compared, not opened.
 std::filesystem::path IdentityOf(const std::filesystem::path &file);
 
 // Whether a walk through a folder skips the entry.
 bool IsHidden(const std::filesystem::path &entry);
+
+// The system's words for a failure with a file, in UTF-8.
+std::string FileErrorWords(const std::error_code &error);

@@ -1,6 +1,7 @@
 #include "host/FileNames.h"
 
-#include "host/SafeLine.h"
+#include "com/SafeText.h"
+#include "host/SystemWords.h"
 #include "host/TextEncodings.h"
 
 #include "com/HandleOwner.h"
@@ -74,4 +75,12 @@ bool IsHidden(const fs::path &entry)
     const DWORD attributes = GetFileAttributesW(entry.c_str());
     return (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_HIDDEN) != 0) ||
            entry.filename().native().starts_with(L'.');
+}
+
+std::string FileErrorWords(const std::error_code &error)
+{
+    // The category's own words are in the system's code page, not in UTF-8.
+    return error.category() == std::system_category()
+               ? SystemWords(HRESULT_FROM_WIN32(static_cast<DWORD>(error.value())))
+               : error.message();
 }

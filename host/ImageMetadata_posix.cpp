@@ -1,11 +1,11 @@
 #include "host/ImageMetadata.h"
 
 #include "host/DcfColours.h"
-#include "host/ErrnoCodes.h"
+#include "com/ErrnoCodes_posix.h"
 #include "host/ExtendedXmp_posix.h"
 #include "host/MetadataTexts.h"
 #include "host/SnapshotFields.h"
-#include "host/WholeFile.h"
+#include "com/WholeFile.h"
 
 #include "com/Hresult.h"
 
@@ -283,7 +283,7 @@ void AddExtendedXmp(const std::filesystem::path &file, Exiv2::XmpData &xmp)
 HRESULT TryOpen(const std::filesystem::path &file)
 {
     const std::error_code fault = TryToRead(file);
-    return fault ? HresultFromErrno(fault.value()) : S_OK;
+    return fault ? HRESULT_FROM_WIN32(Win32FromErrno(fault.value())) : S_OK;
 }
 } // namespace
 

@@ -3,7 +3,7 @@
 #include "host/Apartment_win32.h"
 #include "host/FrameMetadata.h"
 #include "host/ImagingTrial.h"
-#include "host/WholeFile.h"
+#include "com/WholeFile.h"
 
 #include "com/ComPtr.h"
 #include "com/Hresult.h"

@@ -1,18 +1,12 @@
 #include "host/ImageTexts.h"
 
+#include "com/AsciiText.h"
 #include "com/BstrOwner.h"
 
 #include <algorithm>
 
 namespace
 {
-WideView Trimmed(WideView text)
-{
-    constexpr WideView blanks = TEXT(" \t\r\n");
-    const auto first = text.find_first_not_of(blanks);
-    return first == text.npos ? WideView() : text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
 void PutText(BSTR &field, WideView text)
 {
     if (!text.empty())

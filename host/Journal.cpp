@@ -3,7 +3,8 @@
 #include "host/FileDigest.h"
 #include "host/FileNames.h"
 #include "host/TextEncodings.h"
-#include "host/WholeFile.h"
+
+#include "com/WholeFile.h"
 
 #include <algorithm>
 #include <chrono>
@@ -176,7 +177,7 @@ void Journal::SetAside(const std::string &words)
 {
     const fs::path file = m_profile.JournalFile();
     m_database.reset();
-    const FolderLock lock(m_profile.Folder());
+    const FileLock lock(m_profile.LockFile());
     if (IsMended())
     {
         return;

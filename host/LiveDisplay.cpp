@@ -1,6 +1,6 @@
 #include "host/LiveDisplay.h"
 
-#include "host/SafeLine.h"
+#include "com/SafeText.h"
 
 namespace
 {

@@ -2,12 +2,12 @@
 
 #include "host/AdobeRgbProfile_posix.h"
 #include "host/DcfColours.h"
-#include "host/ErrnoCodes.h"
+#include "com/ErrnoCodes_posix.h"
 #include "host/ColourProfile_posix.h"
 #include "host/FileNames.h"
 #include "host/PictureCheck.h"
 #include "host/RawDecoding_posix.h"
-#include "host/WholeFile.h"
+#include "com/WholeFile.h"
 
 #include <vips/vips.h>
 
@@ -86,7 +86,8 @@ std::string FirstBytes(const std::filesystem::path &file)
 {
     if (const std::error_code fault = TryToRead(file))
     {
-        throw DecodingError(HresultFromErrno(fault.value()), "can't be read: " + FileErrorWords(fault));
+        throw DecodingError(HRESULT_FROM_WIN32(Win32FromErrno(fault.value())),
+                            "can't be read: " + FileErrorWords(fault));
     }
     char bytes[12];
     std::ifstream content(file, std::ios::binary);

@@ -5,7 +5,8 @@
 #include "host/FrameOrientation_win32.h"
 #include "host/PictureCheck.h"
 #include "host/SystemWords.h"
-#include "host/WholeFile.h"
+#include "com/WholeFile.h"
+#include "host/FileNames.h"
 
 #include "com/ComPtr.h"
 #include "com/Hresult.h"

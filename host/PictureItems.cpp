@@ -4,7 +4,7 @@
 #include "host/NaturalOrder.h"
 #include "host/PictureExtensions.h"
 #include "host/TextEncodings.h"
-#include "host/WholeFile.h"
+#include "com/WholeFile.h"
 
 #include <algorithm>
 #include <cstdint>

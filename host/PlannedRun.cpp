@@ -3,11 +3,11 @@
 #include "host/FileList.h"
 #include "host/FileNames.h"
 #include "host/PublishedBefore.h"
-#include "host/SafeLine.h"
 #include "host/Terminal_posix.h"
 #include "host/TextEncodings.h"
-#include "host/WholeFile.h"
 
+#include "com/SafeText.h"
+#include "com/WholeFile.h"
 #include "settings/SettingsStore.h"
 #include "settings/StateLine.h"
 

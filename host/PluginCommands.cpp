@@ -7,7 +7,7 @@
 #include "host/LinkText.h"
 #include "host/PluginSession.h"
 #include "host/PublishingHost.h"
-#include "host/SafeLine.h"
+#include "com/SafeText.h"
 #include "host/SettingsKey_posix.h"
 #include "host/SystemWords.h"
 #include "host/Terminal_posix.h"

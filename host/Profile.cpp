@@ -2,7 +2,7 @@
 
 #include "host/FileNames.h"
 #include "host/InitData.h"
-#include "host/WholeFile.h"
+#include "com/WholeFile.h"
 
 namespace fs = std::filesystem;
 
@@ -88,7 +88,7 @@ void InitDataStore::SetAsideDamaged()
     m_content.clear();
     try
     {
-        const FolderLock lock(m_profile.Folder());
+        const FileLock lock(m_profile.LockFile());
         const fs::path aside = SetFileAside(file, ".damaged");
         m_notices.push_back("The account data in " + ShownPath(file) + " is damaged. It was kept as " +
                             ShownPath(aside.filename()) + "; the account has to be set again.");
@@ -109,7 +109,7 @@ StoreOutcome InitDataStore::Store(const std::string &content)
     }
     try
     {
-        const FolderLock lock(m_profile.Folder());
+        const FileLock lock(m_profile.LockFile());
         const auto file = ReadWholeFile(m_profile.InitDataFile(), LongestInitData);
         const std::string present = file ? ParseInitDataFile(*file).value_or(*file) : std::string();
         if (present == content)
@@ -134,7 +134,7 @@ void InitDataStore::Overwrite(const std::string &content)
 {
     try
     {
-        const FolderLock lock(m_profile.Folder());
+        const FileLock lock(m_profile.LockFile());
         Replace(content);
     }
     catch (const std::system_error &error)

@@ -31,6 +31,7 @@ public:
     std::filesystem::path RegistryFile() const { return m_folder / "registry.reg"; }
     std::filesystem::path InitDataFile() const { return m_folder / "init-data.bin"; }
     std::filesystem::path JournalFile() const { return m_folder / "journal.db"; }
+    std::filesystem::path LockFile() const { return m_folder / "lock"; } // of the account
 
 private:
     std::filesystem::path m_folder; // absolute

@@ -1,19 +1,9 @@
 #include "host/Profile.h"
 
-#include <cstdlib>
+#include "com/WholeFile.h"
 
-namespace fs = std::filesystem;
-
-fs::path Profile::DefaultFolder()
+std::filesystem::path Profile::DefaultFolder()
 {
-    // The XDG base directory specification: a relative path is to be ignored.
-    if (const char *data = std::getenv("XDG_DATA_HOME"); data != nullptr && fs::path(data).is_absolute())
-    {
-        return fs::path(data) / "halvora";
-    }
-    if (const char *home = std::getenv("HOME"); home != nullptr && *home != '\0')
-    {
-        return fs::path(home) / ".local" / "share" / "halvora";
-    }
-    return fs::path();
+    const std::filesystem::path data = UserDataFolder();
+    return data.empty() ? data : data / "halvora";
 }

@@ -1,8 +1,6 @@
 #include "host/ProgressLine.h"
 
-#include "host/CharsetConversion.h"
-
-#include "com/WideText.h"
+#include "com/TextConversion.h"
 #include "terminal/TerminalText.h"
 
 #include <algorithm>
@@ -89,7 +87,7 @@ std::string RenderProgressLine(const ProgressView &view, const LineStyle &style)
     std::string status;
     if (left > 2)
     {
-        const auto text = TextFromCharset(Charset::Utf8, view.status, Faults::Replace).value_or(WideText());
+        const auto text = FromUtf8(view.status);
         status = TerminalLine(CutToWidth(text, left - 2, style.unicode), style.unicode);
     }
 

@@ -6,11 +6,11 @@
 #include "host/PictureCheck.h"
 #include "host/PictureSource.h"
 #include "host/RunAdvice.h"
-#include "host/SafeLine.h"
 #include "host/TextEncodings.h"
 
 #include "account/ServiceReply.h"
 #include "com/BstrOwner.h"
+#include "com/SafeText.h"
 
 #include <wincodec.h>
 

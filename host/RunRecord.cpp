@@ -1,7 +1,8 @@
 #include "host/RunRecord.h"
 
 #include "host/FileNames.h"
-#include "host/SafeLine.h"
+#include "com/AsciiText.h"
+#include "com/SafeText.h"
 
 #include <windows.h>
 #include <wincodec.h>
@@ -20,14 +21,6 @@ constexpr size_t CodeDigits = 8;
 // The web client says this of every upload that was sent whole and not answered, and of no other.
 constexpr std::string_view OutcomeUnknown = "may or may not have arrived";
 constexpr std::string_view HexDigits = "0123456789abcdefABCDEF";
-
-std::string Trimmed(std::string text)
-{
-    const auto last = text.find_last_not_of(" \t\r\n");
-    text.resize(last == text.npos ? 0 : last + 1);
-    const auto first = text.find_first_not_of(" \t\r\n");
-    return first == text.npos ? std::string() : text.substr(first);
-}
 
 bool SaysNothing(const std::string &text)
 {
@@ -119,14 +112,15 @@ std::string ReasonOfEntry(const std::string &entry, const ErrorWords &words)
     {
         return entry;
     }
-    const std::string rest =
-        Trimmed(entry.substr(entry.rfind(CodeMark + digits + ")") + CodeMark.size() + CodeDigits + 1));
+    const size_t end = entry.rfind(CodeMark + digits + ")") + CodeMark.size() + CodeDigits + 1;
+    const std::string rest(Trimmed(std::string_view(entry).substr(end)));
     if (!SaysNothing(rest))
     {
         return rest;
     }
     const auto code = static_cast<HRESULT>(std::strtoul(digits.c_str(), nullptr, 16));
-    const std::string meaning = Trimmed(words(code));
+    const std::string said = words(code);
+    const std::string meaning(Trimmed(said));
     return (meaning.empty() ? "error" : meaning) + " (" + CodeMark + digits + ")" + AdviceFor(code);
 }
 

@@ -1,6 +1,6 @@
 #include "host/SettingsKey_posix.h"
 
-#include "host/SafeLine.h"
+#include "com/SafeText.h"
 #include "host/TextEncodings.h"
 
 #include "platform/advapi32/RegistryStore.h"

@@ -1,6 +1,6 @@
 #include "host/Terminal_posix.h"
 
-#include "host/SafeLine.h"
+#include "com/SafeText.h"
 
 #include "terminal/TerminalDevice.h"
 

@@ -37,7 +37,7 @@ std::optional<WideText> TextFromUtf8(std::string_view bytes)
     {
         bytes.remove_prefix(3);
     }
-    return TextFromCharset(Charset::Utf8, bytes, Faults::Refuse);
+    return IsUtf8(bytes) ? std::optional(FromUtf8(bytes)) : std::nullopt;
 }
 
 WideText TextFromUtf8OrLatin(std::string_view bytes)

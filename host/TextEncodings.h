@@ -2,7 +2,7 @@
 // fit no encoding become U+FFFD.
 #pragma once
 
-#include "com/WideText.h"
+#include "com/TextConversion.h"
 
 #include <optional>
 #include <string>
@@ -31,8 +31,11 @@ WideText TextFromUtf16Guessing(std::string_view bytes, ByteOrder16 expected);
 // ISO-2022-JP, or bare JIS X 0208 rows without escapes, or Shift_JIS.
 WideText TextFromJis(std::string_view bytes);
 
-// Surrogates without their partner become U+FFFD.
-std::string Utf8FromText(WideView text);
+// As ToUtf8.
+inline std::string Utf8FromText(WideView text)
+{
+    return ToUtf8(text);
+}
 
 // Cuts the text at its first NUL and strips white space from the end.
 WideText WithoutPadding(WideText text);

@@ -1,5 +1,6 @@
 #include "loopback/HttpServer.h"
 
+#include "com/AsciiText.h"
 #include <microhttpd.h>
 
 #include <arpa/inet.h>
@@ -12,7 +13,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cctype>
 #include <condition_variable>
 #include <cstring>
 #include <mutex>
@@ -78,13 +78,6 @@ struct Exchange
     std::string failure;
 };
 
-std::string LowerCase(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
-
 // A server must also accept a whole address as the target, as a proxy gets it. Its host then takes
 // precedence over the Host header (RFC 9112, 3.2.2).
 void TakeWholeAddress(HttpRequest &request)
@@ -111,14 +104,14 @@ HttpRequest RequestOf(MHD_Connection *connection, const char *method, const std:
     MHD_get_connection_values(
         connection, MHD_HEADER_KIND,
         [](void *headers, MHD_ValueKind, const char *name, const char *value) {
-            static_cast<std::map<std::string, std::string> *>(headers)->emplace(LowerCase(name),
+            static_cast<std::map<std::string, std::string> *>(headers)->emplace(LowerAscii(name),
                                                                                 value ? value : "");
             return MHD_YES;
         },
         &request.headers);
     request.host = request.Header("host");
     TakeWholeAddress(request);
-    request.host = LowerCase(request.host);
+    request.host = LowerAscii(request.host);
     const std::string ownPort = isSecure ? ":443" : ":80";
     if (request.host.ends_with(ownPort))
     {

@@ -1,7 +1,8 @@
 #include "loopback/MultipartParser.h"
 
+#include "com/AsciiText.h"
+
 #include <algorithm>
-#include <cctype>
 
 namespace loopback
 {
@@ -10,14 +11,6 @@ namespace
 {
 
 constexpr std::size_t HeaderLimit = 16 * 1024;
-
-std::string LowerCase(std::string_view text)
-{
-    std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return lower;
-}
 
 // A parameter of a header's value, quoted or bare. A quote or backslash may be escaped by a backslash.
 // Browsers write %22 and the like instead; these stay as they are.
@@ -32,7 +25,7 @@ std::optional<std::string> Parameter(std::string_view value, const std::string &
         {
             return std::nullopt;
         }
-        const auto name = LowerCase(value.substr(nameBegin, equals - nameBegin));
+        const auto name = LowerAscii(value.substr(nameBegin, equals - nameBegin));
         std::string text;
         at = equals + 1;
         if (at < value.size() && value[at] == '"')
@@ -66,7 +59,7 @@ std::optional<std::string> Parameter(std::string_view value, const std::string &
 
 std::optional<std::string> MultipartParser::BoundaryOf(const std::string &contentType)
 {
-    const std::string kind = LowerCase(std::string_view(contentType).substr(0, contentType.find(';')));
+    const std::string kind = LowerAscii(std::string_view(contentType).substr(0, contentType.find(';')));
     if (kind.substr(0, kind.find_last_not_of(" \t") + 1) != "multipart/form-data")
     {
         return std::nullopt;
@@ -183,12 +176,12 @@ bool MultipartParser::StepHeader()
         {
             return Fail("a part's header line has no colon");
         }
-        const auto name = LowerCase(line.substr(0, colon));
+        const auto name = LowerAscii(line.substr(0, colon));
         auto value = line.substr(colon + 1);
         value.remove_prefix(std::min(value.find_first_not_of(" \t"), value.size()));
         if (name == "content-disposition")
         {
-            isFormData = LowerCase(value).starts_with("form-data");
+            isFormData = LowerAscii(value).starts_with("form-data");
             header.name = Parameter(value, "name").value_or("");
             header.fileName = Parameter(value, "filename");
         }

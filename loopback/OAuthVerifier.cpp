@@ -1,10 +1,10 @@
 #include "loopback/OAuthVerifier.h"
 
+#include "com/AsciiText.h"
 #include "loopback/Secrets.h"
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <set>
 
 namespace loopback
@@ -16,21 +16,9 @@ namespace
 constexpr std::int64_t TimestampWindow = 600;
 constexpr std::string_view Scheme = "OAuth ";
 
-std::string_view Trim(std::string_view text)
-{
-    const auto first = text.find_first_not_of(" \t\r\n");
-    if (first == std::string_view::npos)
-    {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
-}
-
 bool IsOAuthScheme(std::string_view header)
 {
-    return header.size() >= Scheme.size() &&
-           std::equal(Scheme.begin(), Scheme.end(), header.begin(),
-                      [](unsigned char a, unsigned char b) { return std::tolower(a) == std::tolower(b); });
+    return EqualsIgnoringCase(header.substr(0, Scheme.size()), Scheme);
 }
 
 // RFC 5849, 3.5.1. The realm is not a signed parameter (3.4.1.3.1).
@@ -45,15 +33,15 @@ FormFields ParseAuthorization(std::string_view header)
     while (!header.empty())
     {
         const auto comma = std::min(header.find(','), header.size());
-        const auto entry = Trim(header.substr(0, comma));
+        const auto entry = Trimmed(header.substr(0, comma));
         header.remove_prefix(std::min(comma + 1, header.size()));
         const auto equals = entry.find('=');
         if (equals == std::string_view::npos)
         {
             continue;
         }
-        const auto name = Trim(entry.substr(0, equals));
-        auto value = Trim(entry.substr(equals + 1));
+        const auto name = Trimmed(entry.substr(0, equals));
+        auto value = Trimmed(entry.substr(equals + 1));
         if (value.size() >= 2 && value.front() == '"' && value.back() == '"')
         {
             value = value.substr(1, value.size() - 2);

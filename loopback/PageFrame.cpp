@@ -1,6 +1,6 @@
 #include "loopback/PageFrame.h"
 
-#include "loopback/Utf8.h"
+#include "com/Utf8.h"
 
 #include <algorithm>
 
@@ -33,7 +33,7 @@ constexpr Escape Escapes[] = {{'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"'
 std::string EscapeMarkup(std::string_view text)
 {
     std::string escaped;
-    for (const char c : RepairUtf8(text))
+    for (const char c : RepairedUtf8(text))
     {
         const auto *found = std::ranges::find(Escapes, c, &Escape::character);
         const bool isControl = static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';

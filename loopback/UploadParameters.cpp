@@ -1,6 +1,6 @@
 #include "loopback/UploadParameters.h"
 
-#include "loopback/Utf8.h"
+#include "com/Utf8.h"
 
 #include <set>
 
@@ -38,7 +38,7 @@ std::string GeneralComplaint(const FormFields &fields)
     {
         if (!IsUtf8(name) || !IsUtf8(value))
         {
-            return "the field " + RepairUtf8(name) + " is not UTF-8";
+            return "the field " + RepairedUtf8(name) + " is not UTF-8";
         }
         if (!seen.insert(name).second)
         {

@@ -27,7 +27,6 @@ void PublishStatistics::Start(UINT64 totalUnits, UINT64 now)
     const std::lock_guard guard(m_lock);
     m_run.TotalUnits = totalUnits;
     m_run.StartTime = now;
-    m_run.Started = true;
 }
 
 void PublishStatistics::AddDoneUnits(UINT32 delta)
@@ -55,7 +54,7 @@ UINT64 PublishStatistics::RemainingTime(UINT64 now)
 {
     const std::lock_guard guard(m_lock);
     const double elapsed =
-        m_run.Started ? static_cast<double>(static_cast<INT64>(now - m_run.StartTime)) * 1e-7 : 0.0;
+        m_run.StartTime ? static_cast<double>(static_cast<INT64>(now - *m_run.StartTime)) * 1e-7 : 0.0;
     const double rate = elapsed != 0 ? static_cast<double>(m_run.DoneUnits) / elapsed : 0.0;
     if (rate != std::numeric_limits<double>::max())
     {

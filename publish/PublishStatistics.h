@@ -12,6 +12,7 @@
 
 #include <array>
 #include <mutex>
+#include <optional>
 
 // The present time of the system, in ticks since 1601.
 UINT64 SystemTicks() noexcept;
@@ -44,9 +45,8 @@ public:
 private:
     struct Run
     {
-        bool Started = false;
+        std::optional<UINT64> StartTime;
         UINT64 TotalUnits = 0;
-        UINT64 StartTime = 0;
         UINT64 DoneUnits = 0;
         UINT64 SampleCount = 0;               // taken so far, also those that the ring has lost since
         std::array<double, 25> RateSamples{}; // a ring, in units per second

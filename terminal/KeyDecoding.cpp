@@ -55,7 +55,7 @@ Input DecodeMouse(const std::string &sequence)
     int button = -1;
     Input input;
     char kind = 0;
-    if (std::sscanf(sequence.c_str(), "[<%d;%d;%d%c", &button, &input.Column, &input.Row, &kind) == 4 &&
+    if (std::sscanf(sequence.c_str(), "[<%4d;%4d;%4d%c", &button, &input.Column, &input.Row, &kind) == 4 &&
         kind == 'M')
     {
         input.What = button == 0    ? Key::Click

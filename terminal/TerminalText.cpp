@@ -4,7 +4,7 @@
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>
 
-#include "terminal/SafeText.h"
+#include "com/SafeText.h"
 #include "terminal/TerminalText.h"
 
 #include <algorithm>

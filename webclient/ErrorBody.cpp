@@ -1,5 +1,6 @@
 #include "webclient/ErrorBody.h"
 
+#include "com/AsciiText.h"
 #include "webclient/RequestUrl.h"
 
 #include <algorithm>

@@ -1,12 +1,12 @@
 #include "webclient/MimeType.h"
 
-#include <algorithm>
+#include "com/AsciiText.h"
 
 namespace
 {
 struct MediaType
 {
-    const WCHAR *extension; // lower case
+    const WCHAR *extension;
     const WCHAR *mimeType;
 };
 
@@ -18,17 +18,6 @@ constexpr MediaType MediaTypes[] = {
     {TEXT("heif"), TEXT("image/heif")}, {TEXT("avif"), TEXT("image/avif")}, {TEXT("mov"), TEXT("video/quicktime")},
     {TEXT("mp4"), TEXT("video/mp4")},   {TEXT("m4v"), TEXT("video/mp4")},   {TEXT("avi"), TEXT("video/x-msvideo")},
 };
-
-WCHAR LowerAscii(WCHAR c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<WCHAR>(c + ('a' - 'A')) : c;
-}
-
-bool EqualsLower(WideView text, WideView lower)
-{
-    return std::equal(text.begin(), text.end(), lower.begin(), lower.end(),
-                      [](WCHAR a, WCHAR b) { return LowerAscii(a) == b; });
-}
 } // namespace
 
 const WCHAR *MimeTypeOfFile(WideView fileName) noexcept
@@ -39,7 +28,7 @@ const WCHAR *MimeTypeOfFile(WideView fileName) noexcept
         const WideView extension = fileName.substr(dot + 1);
         for (const MediaType &type : MediaTypes)
         {
-            if (EqualsLower(extension, type.extension))
+            if (EqualsIgnoringCase(extension, type.extension))
             {
                 return type.mimeType;
             }

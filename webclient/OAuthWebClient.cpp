@@ -1,5 +1,6 @@
 #include "webclient/OAuthWebClient.h"
 
+#include "com/AsciiText.h"
 #include "com/BstrOwner.h"
 #include "webclient/MimeType.h"
 #include "webclient/PercentEncoding.h"

@@ -1,5 +1,6 @@
 #include "webclient/RequestUrl.h"
 
+#include "com/AsciiText.h"
 #include "com/Hresult.h"
 #include "webclient/PercentEncoding.h"
 
@@ -41,14 +42,6 @@ void ParseAuthority(std::string_view authority, RequestUrl &url)
     }
 }
 } // namespace
-
-std::string LowerAscii(std::string_view text)
-{
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
-    return result;
-}
 
 ParameterList ParseForm(std::string_view encoded)
 {

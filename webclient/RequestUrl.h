@@ -1,14 +1,12 @@
 // An absolute http or https address, split into the parts that signing and sending need.
 #pragma once
 
+#include "com/AsciiText.h" // by which schemes, hosts and names of headers are compared
 #include "webclient/SecretText.h"
 
 #include <string>
 #include <string_view>
 #include <vector>
-
-// The text with A to Z in small letters, as schemes, hosts and names of headers compare.
-std::string LowerAscii(std::string_view text);
 
 // One parameter of a request: UTF-8, not encoded.
 struct Parameter

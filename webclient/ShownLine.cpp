@@ -1,6 +1,6 @@
 #include "webclient/ShownLine.h"
 
-#include "webclient/Utf8.h"
+#include "com/SafeText.h"
 
 #include <algorithm>
 
@@ -26,9 +26,9 @@ std::string WithoutSecrets(std::string text, SecretViews secrets)
 std::string ShownLine(std::string_view text, const SecretViews &secrets, std::size_t longest)
 {
     WideText line;
-    for (const WCHAR c : WideFromUtf8(WithoutSecrets(std::string(text), secrets)))
+    for (const WCHAR c : FromUtf8(WithoutSecrets(std::string(text), secrets)))
     {
-        if (c > ' ' && c != 0x7F)
+        if (c != ' ' && !IsCommand(c))
         {
             line.push_back(c);
         }
@@ -47,5 +47,5 @@ std::string ShownLine(std::string_view text, const SecretViews &secrets, std::si
     {
         line.pop_back();
     }
-    return Utf8FromWide(line);
+    return ToUtf8(line);
 }

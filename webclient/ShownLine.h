@@ -12,6 +12,7 @@ using SecretViews = std::vector<std::string_view>; // UTF-8; blank ones are pass
 // The text with a blank in place of each secret.
 std::string WithoutSecrets(std::string text, SecretViews secrets);
 
-// One line of UTF-8 without secrets, control characters and repeated blanks. Text beyond longest characters is
+// One line of UTF-8 without secrets, commands to a terminal (IsCommand in com/SafeText.h) and repeated
+// blanks. Text beyond longest characters is
 // cut off, and "..." put in its place.
 std::string ShownLine(std::string_view text, const SecretViews &secrets, std::size_t longest = 200);

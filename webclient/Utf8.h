@@ -1,4 +1,4 @@
-// UTF-16 to UTF-8 and back. Nothing is refused: a lone surrogate, or a byte that belongs to no
+// UTF-16 to UTF-8 and back, of secrets too. Nothing is refused: a lone surrogate, or a byte that belongs to no
 // character, becomes U+FFFD, so that what is signed and what is sent are always the same bytes.
 #pragma once
 

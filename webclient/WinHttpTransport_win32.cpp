@@ -1,6 +1,7 @@
 // HTTP over WinHTTP. Every exchange has a connection of its own: on a kept connection that the server has
-// closed WinHTTP repeats the request by itself, and no picture may be uploaded twice. Windows decides which
-// certificates are trusted and which proxy is used.
+// closed WinHTTP repeats the request by itself, and no picture may be uploaded twice. (Wine 8 also keeps the way
+// through a proxy by the proxy's name alone, and would send a request for one host to another.) Windows decides
+// which certificates are trusted and which proxy is used.
 #include "webclient/HttpTransport.h"
 
 #include "com/HandleOwner.h"

@@ -1,6 +1,6 @@
 #include "host/window/LogView_win32.h"
 
-#include "host/SafeLine.h"
+#include "com/SafeText.h"
 #include "host/window/WindowText_win32.h"
 #include "host/window/resource.h"
 

@@ -1,23 +1,45 @@
 #include "platform/advapi32/RegistryDatabase.h"
 
+#include "com/ErrnoCodes_posix.h"
 #include "platform/advapi32/RegistryText.h"
 
 #include <cstdlib>
 #include <utility>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace
 {
+constexpr size_t LargestFile = 64 << 20;
+
 std::string DefaultPath()
 {
-    if (const char *file = std::getenv("HALVORA_REGISTRY_FILE"); file && *file)
+    const char *file = std::getenv("HALVORA_REGISTRY_FILE");
+    return file != nullptr && *file != '\0' ? file : (UserDataFolder() / "halvora" / "registry.reg").native();
+}
+
+FileStamp StampOf(const std::filesystem::path &path)
+{
+    struct stat status = {};
+    return ::stat(path.c_str(), &status) != 0 ? FileStamp()
+                                              : FileStamp(status.st_dev, status.st_ino, status.st_size,
+                                                          status.st_mtim.tv_sec, status.st_mtim.tv_nsec);
+}
+
+// ERROR_SUCCESS, or the failure that work throws.
+template <class Work>
+LSTATUS StatusOf(Work &&work)
+{
+    try
     {
-        return file;
+        work();
+        return ERROR_SUCCESS;
     }
-    const char *data = std::getenv("XDG_DATA_HOME");
-    const char *home = std::getenv("HOME");
-    // The base directory specification: a relative path counts as none.
-    const std::string folder = data && *data == '/' ? data : std::string(home ? home : "") + "/.local/share";
-    return folder + "/halvora/registry.reg";
+    catch (const std::system_error &error)
+    {
+        return Win32FromErrno(error.code().value());
+    }
 }
 } // namespace
 
@@ -30,21 +52,24 @@ RegistryDatabase &RegistryDatabase::Instance()
 
 void RegistryDatabase::Load()
 {
-    std::string bytes;
     m_content = RegistryContent();
     m_loaded = true;
     m_blocked = false;
-    if (const LSTATUS result = ReadWholeFile(m_path, bytes, m_stamp); result != ERROR_SUCCESS)
+    // Before the file: of a change in between the next call is told.
+    m_stamp = StampOf(m_path);
+    std::optional<std::string> bytes;
+    const LSTATUS result = StatusOf([&] { bytes = ReadWholeFile(m_path, LargestFile); });
+    if (result != ERROR_SUCCESS)
     {
         m_blocked = true;
         m_problem = RegistryProblem{m_path, result, {}};
         return;
     }
-    if (!m_stamp.exists)
+    if (!bytes)
     {
         return;
     }
-    if (auto parsed = ParseRegistryText(bytes))
+    if (auto parsed = ParseRegistryText(*bytes))
     {
         m_content = std::move(*parsed);
         return;
@@ -59,28 +84,26 @@ void RegistryDatabase::Load()
 // Another process may have repaired the file since it was read without the lock, so it is read again.
 bool RegistryDatabase::SetAside()
 {
-    const bool heldBefore = m_fileLock.IsHeld();
-    if (m_fileLock.Acquire(m_path) != ERROR_SUCCESS)
-    {
-        return false;
-    }
-    std::string bytes;
-    std::string keptAs;
-    bool done = ReadWholeFile(m_path, bytes, m_stamp) == ERROR_SUCCESS;
-    if (auto parsed = done ? ParseRegistryText(bytes) : std::nullopt)
-    {
-        m_content = std::move(*parsed);
-    }
-    else if (done && (done = SetFileAside(m_path, keptAs) == ERROR_SUCCESS))
-    {
-        m_stamp = {};
-        m_problem = RegistryProblem{m_path, ERROR_SUCCESS, keptAs};
-    }
+    const bool heldBefore = m_fileLock.has_value();
+    const LSTATUS result = StatusOf([&] {
+        if (!heldBefore)
+        {
+            m_fileLock.emplace(WithoutLinks(m_path).native() + ".lock");
+        }
+        const auto bytes = ReadWholeFile(m_path, LargestFile);
+        if (auto parsed = bytes ? ParseRegistryText(*bytes) : RegistryContent())
+        {
+            m_content = std::move(*parsed);
+            return;
+        }
+        m_problem = RegistryProblem{m_path, ERROR_SUCCESS, SetFileAside(m_path, ".damaged")};
+    });
+    m_stamp = StampOf(m_path);
     if (!heldBefore)
     {
-        m_fileLock.Release();
+        m_fileLock.reset();
     }
-    return done;
+    return result == ERROR_SUCCESS;
 }
 
 void RegistryDatabase::Refresh()
@@ -90,7 +113,7 @@ void RegistryDatabase::Refresh()
         m_path = DefaultPath();
     }
     // While the lock is held, no other process changes the file, and the content may be ahead of it.
-    if (!m_loaded || (!m_fileLock.IsHeld() && !(StampOf(m_path) == m_stamp)))
+    if (!m_loaded || (!m_fileLock && !(StampOf(m_path) == m_stamp)))
     {
         Load();
     }
@@ -98,7 +121,7 @@ void RegistryDatabase::Refresh()
 
 LSTATUS RegistryDatabase::Lock()
 {
-    if (m_fileLock.IsHeld())
+    if (m_fileLock)
     {
         return ERROR_SUCCESS;
     }
@@ -106,15 +129,18 @@ LSTATUS RegistryDatabase::Lock()
     {
         m_path = DefaultPath();
     }
-    const LSTATUS result = m_fileLock.Acquire(m_path);
+    const LSTATUS result = StatusOf([&] {
+        const std::filesystem::path file = std::filesystem::absolute(WithoutLinks(m_path));
+        MakePrivateFolder(file.parent_path());
+        m_fileLock.emplace(file.native() + ".lock");
+    });
     if (result == ERROR_SUCCESS)
     {
         // Another process may have replaced the file during the wait, and a stamp can come back: a file system
         // gives the number of a node to the next file, and its clock has ticks of some milliseconds.
         Load();
     }
-    // ERROR_PATH_NOT_FOUND: the folder can't be made.
-    return result == ERROR_PATH_NOT_FOUND ? ERROR_ACCESS_DENIED : result;
+    return result;
 }
 
 LSTATUS RegistryDatabase::Read(const std::function<LSTATUS(const RegistryContent &)> &look)
@@ -143,14 +169,22 @@ LSTATUS RegistryDatabase::Write(const std::function<LSTATUS(RegistryContent &)> 
     }
     if (m_batches == 0)
     {
-        m_fileLock.Release();
+        m_fileLock.reset();
     }
     return result;
 }
 
 LSTATUS RegistryDatabase::Save()
 {
-    const LSTATUS result = ReplaceFile(m_path, FormatRegistryText(m_content), m_stamp);
+    const LSTATUS result = StatusOf([&] {
+        // To replace a file is a right of its folder, but one that is write-protected is meant to stay.
+        if (::access(m_path.c_str(), W_OK) != 0 && errno != ENOENT)
+        {
+            throw std::system_error(errno, std::generic_category());
+        }
+        FileReplacement(m_path, FormatRegistryText(m_content)).Commit();
+    });
+    m_stamp = StampOf(m_path);
     m_loaded = result == ERROR_SUCCESS;
     return result;
 }
@@ -170,7 +204,7 @@ LSTATUS RegistryDatabase::EndBatch()
     }
     const LSTATUS result = m_changedInBatch ? Save() : ERROR_SUCCESS;
     m_changedInBatch = false;
-    m_fileLock.Release();
+    m_fileLock.reset();
     return result;
 }
 
@@ -185,7 +219,7 @@ void RegistryDatabase::SetPath(const std::string &path)
 std::string RegistryDatabase::Path()
 {
     const std::lock_guard guard(m_lock);
-    return m_path.empty() ? DefaultPath() : m_path;
+    return m_path.empty() ? DefaultPath() : m_path.native();
 }
 
 std::optional<RegistryProblem> RegistryDatabase::TakeProblem()

@@ -1,12 +1,20 @@
 // The one registry of the process: its content, kept in step with its file.
 #pragma once
 
-#include "platform/advapi32/RegistryFile.h"
-#include "platform/advapi32/RegistryStore.h"
+#include "com/WholeFile.h"
 #include "platform/advapi32/RegistryContent.h"
+#include "platform/advapi32/RegistryStore.h"
 
 #include <functional>
 #include <mutex>
+#include <optional>
+#include <tuple>
+
+#include <sys/types.h>
+
+// Device, node, size and time of change: differs between two contents of a file, nearly always, and is compared in
+// place of reading the file.
+using FileStamp = std::tuple<dev_t, ino_t, off_t, time_t, long>;
 
 class RegistryDatabase
 {
@@ -37,12 +45,12 @@ private:
     LSTATUS Save();
 
     std::mutex m_lock;
-    std::string m_path;
+    std::filesystem::path m_path;
     RegistryContent m_content;
     FileStamp m_stamp;
     bool m_loaded = false;
     bool m_blocked = false; // the file couldn't be read and mustn't be replaced
-    FileLock m_fileLock;
+    std::optional<FileLock> m_fileLock;
     int m_batches = 0;
     bool m_changedInBatch = false;
     std::optional<RegistryProblem> m_problem;

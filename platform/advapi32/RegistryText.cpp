@@ -1,7 +1,7 @@
 #include "platform/advapi32/RegistryText.h"
 
 #include "com/Checksum.h"
-#include "platform/kernel32/PathText.h"
+#include "com/TextConversion.h"
 
 #include <algorithm>
 #include <charconv>
@@ -22,10 +22,6 @@ std::string_view TakeLine(std::string_view &text, bool &closed)
     closed = end < text.size();
     std::string_view line = text.substr(0, end);
     text.remove_prefix(closed ? end + 1 : end);
-    while (line.ends_with('\r'))
-    {
-        line.remove_suffix(1);
-    }
     return line;
 }
 
@@ -34,11 +30,6 @@ bool Take(std::string_view &text, std::string_view expected)
     const bool taken = text.starts_with(expected);
     text.remove_prefix(taken ? expected.size() : 0);
     return taken;
-}
-
-void SkipBlanks(std::string_view &text)
-{
-    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
 }
 
 bool TakeHex(std::string_view &text, DWORD &number, size_t mostDigits)
@@ -104,47 +95,24 @@ bool TakeData(std::string_view &text, RegistryValue &value)
         value.data = BytesOf(&number, sizeof(number));
         return taken;
     }
-    value.type = REG_BINARY;
-    return Take(text, "hex:") ? TakeBytes(text, value.data)
-                              : Take(text, "hex(") && TakeHex(text, value.type, 8) && Take(text, "):") &&
-                                    TakeBytes(text, value.data);
+    return Take(text, "hex(") && TakeHex(text, value.type, 8) && Take(text, "):") && TakeBytes(text, value.data);
 }
 
 std::optional<RegistryValue> ParseValue(std::string_view line)
 {
     RegistryValue value;
-    SkipBlanks(line);
-    bool valid = Take(line, "@") || (TakeQuoted(line, value.name) && !value.name.empty());
-    SkipBlanks(line);
-    valid = valid && Take(line, "=");
-    SkipBlanks(line);
-    valid = valid && TakeData(line, value);
-    SkipBlanks(line);
+    const bool isNamed = Take(line, "@") || (TakeQuoted(line, value.name) && !value.name.empty());
+    const bool valid = isNamed && Take(line, "=") && TakeData(line, value);
     return valid && line.empty() ? std::optional(std::move(value)) : std::nullopt;
-}
-
-// Bytes in hexadecimal continue in the next line after a backslash.
-std::string TakeContinued(std::string_view line, std::string_view &text, bool &closed)
-{
-    std::string whole(line);
-    while (whole.ends_with(",\\") && whole.find("=hex") != std::string::npos && !text.empty())
-    {
-        whole.pop_back();
-        const std::string_view next = TakeLine(text, closed);
-        whole += next.substr(std::min(next.find_first_not_of(' '), next.size()));
-    }
-    return whole;
 }
 
 // The remark that tells whether everything below it is as it was written. It stands at the top, where a file that
 // was cut has lost either the keys or the right to it.
 std::string CheckLine(std::string_view below)
 {
-    std::string bytes(below);
-    std::erase(bytes, '\r'); // an editor may have put them there
     char line[128];
     std::snprintf(line, sizeof(line), "%s%zu bytes follow, CRC-32 %08x. After a change by hand delete this line.",
-                  CheckStart.data(), bytes.size(), static_cast<unsigned>(Crc32(bytes)));
+                  CheckStart.data(), below.size(), static_cast<unsigned>(Crc32(below)));
     return line;
 }
 
@@ -234,8 +202,7 @@ std::optional<RegistryContent> ParseRegistryText(std::string_view bytes)
     RegistryKey *key = nullptr;
     while (!text.empty())
     {
-        const std::string_view first = TakeLine(text, closed);
-        const std::string line = TakeContinued(first, text, closed);
+        const std::string_view line = TakeLine(text, closed);
         if (line.starts_with('[') && line.ends_with(']'))
         {
             const auto path = KeyPathOf(line);

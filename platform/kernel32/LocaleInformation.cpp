@@ -80,7 +80,7 @@ UINT GroupingNumber(const LocaleConventions &conventions)
 
 UINT NegativeOrder(const LocaleConventions &conventions)
 {
-    return conventions.signBehind ? 3 : 1;
+    return conventions.signBehind ? SignBehind : SignAhead;
 }
 
 int WINAPI GetLocaleInfoW(LCID locale, LCTYPE type, WCHAR *buffer, int capacity)

@@ -15,7 +15,9 @@ std::optional<LocaleConventions> ConventionsOfLocale(LCID locale);
 // a 0 follows it.
 UINT GroupingNumber(const LocaleConventions &conventions);
 
-// 1 if the minus sign stands before the number, 3 if it stands after it.
+// Where the minus sign stands.
+constexpr UINT SignAhead = 1;
+constexpr UINT SignBehind = 3;
 UINT NegativeOrder(const LocaleConventions &conventions);
 
 // Windows keeps two decimals and a leading zero in every locale.

@@ -1,7 +1,8 @@
 // Module handles, loading and exported functions, over the system's dynamic loader.
 #include "platform/kernel32/LoadedModules.h"
-#include "platform/kernel32/Utf8.h"
+#include "com/TextConversion.h"
 
+#include "com/AsciiText.h"
 #include "com/WideText.h"
 
 #include <dlfcn.h>
@@ -9,7 +10,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cctype>
 #include <iterator>
 #include <string_view>
 
@@ -22,11 +22,11 @@ void *OpenLoaded(const LoadedModule &module)
 }
 
 // Whether the name is that of a Windows system library; natively all of them are this library.
-bool IsSystemLibrary(std::string name)
+bool IsSystemLibrary(std::string_view given)
 {
     static const std::string_view Names[] = {"kernel32", "user32",   "comctl32", "shell32", "shlwapi",
                                              "version",  "advapi32", "oleaut32", "ole32"};
-    std::transform(name.begin(), name.end(), name.begin(), [](unsigned char unit) { return std::tolower(unit); });
+    const std::string name = LowerAscii(given);
     const bool hasExtension = name.ends_with(".dll");
     const std::string_view bare(name.data(), name.size() - (hasExtension ? 4 : 0));
     return std::find(std::begin(Names), std::end(Names), bare) != std::end(Names);

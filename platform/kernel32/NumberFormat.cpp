@@ -7,65 +7,28 @@
 
 namespace
 {
-bool IsDigit(WCHAR c)
-{
-    return c >= '0' && c <= '9';
-}
-
 struct DecimalText
 {
-    bool negative = false;
+    bool negative = false; // never of a zero
     WideText whole;
     WideText fraction;
 };
 
-// Accepts digits with at most one full stop among them, after a hyphen if the number is negative.
-std::optional<DecimalText> ParseDecimal(WideView text)
+// Digits, behind a hyphen if the number is negative; with decimals, a full stop and that many more.
+std::optional<DecimalText> ParseDecimal(WideView text, UINT decimals)
 {
     DecimalText number;
-    number.negative = !text.empty() && text[0] == '-';
-    text.remove_prefix(number.negative);
-    const size_t point = text.find('.');
+    const bool hasHyphen = text.starts_with(u'-');
+    text.remove_prefix(hasHyphen);
+    const size_t point = std::min(text.find(u'.'), text.size());
     number.whole = text.substr(0, point);
-    number.fraction = point == WideView::npos ? WideView() : text.substr(point + 1);
-    if (!std::all_of(number.whole.begin(), number.whole.end(), IsDigit) ||
-        !std::all_of(number.fraction.begin(), number.fraction.end(), IsDigit) ||
-        number.whole.size() + number.fraction.size() == 0)
-    {
-        return std::nullopt;
-    }
-    return number;
-}
-
-// Adds one at the last place of the digits.
-void Increment(WideText &digits)
-{
-    for (auto at = digits.rbegin(); at != digits.rend(); ++at)
-    {
-        if (*at != '9')
-        {
-            ++*at;
-            return;
-        }
-        *at = '0';
-    }
-    digits.insert(digits.begin(), '1');
-}
-
-// Rounds to that many decimals, halves away from zero. A result of zero has no sign.
-void Round(DecimalText &number, size_t decimals)
-{
-    const bool up = number.fraction.size() > decimals && number.fraction[decimals] >= '5';
-    number.fraction.resize(decimals, '0');
-    WideText digits = number.whole + number.fraction;
-    if (up)
-    {
-        Increment(digits);
-    }
-    number.whole = digits.substr(0, digits.size() - decimals);
-    number.fraction = digits.substr(digits.size() - decimals);
-    number.whole.erase(0, std::min(number.whole.find_first_not_of('0'), number.whole.size()));
-    number.negative = number.negative && digits.find_first_not_of('0') != WideText::npos;
+    number.fraction = text.substr(std::min(point + 1, text.size()));
+    const WideText digits = number.whole + number.fraction;
+    number.negative = hasHyphen && digits.find_first_not_of(u'0') != WideText::npos;
+    return digits.find_first_not_of(u"0123456789") == WideText::npos && !number.whole.empty() &&
+                   number.fraction.size() == decimals
+               ? std::optional(std::move(number))
+               : std::nullopt;
 }
 
 // grouping has a digit per group, the rightmost group first. The last one repeats, unless it is 0.
@@ -88,29 +51,6 @@ WideText Group(const WideText &whole, UINT grouping, WideView separator)
     return grouped;
 }
 
-WideText ApplySign(const WideText &text, UINT order, const WideText &sign)
-{
-    switch (order)
-    {
-    case 0:
-        return u"(" + text + u")";
-    case 2:
-        return sign + u" " + text;
-    case 3:
-        return text + sign;
-    case 4:
-        return text + u" " + sign;
-    default:
-        return sign + text;
-    }
-}
-
-bool IsValidFormat(const NUMBERFMTW &format)
-{
-    return format.LeadingZero <= 1 && format.NegativeOrder <= 4 && format.lpDecimalSep != nullptr &&
-           format.lpThousandSep != nullptr;
-}
-
 int Fail(DWORD error)
 {
     SetLastError(error);
@@ -118,53 +58,28 @@ int Fail(DWORD error)
 }
 } // namespace
 
+// Only with a format, for a value with exactly its number of decimals and one digit at least ahead of them, and with
+// the sign next to the number.
 int WINAPI GetNumberFormatW(LCID locale, DWORD flags, const WCHAR *value, const NUMBERFMTW *format, WCHAR *buffer,
                             int capacity)
 {
-    if (capacity < 0 || (capacity > 0 && buffer == nullptr) || value == nullptr)
+    const auto conventions = ConventionsOfLocale(locale);
+    const auto number = format != nullptr ? ParseDecimal(value, format->NumDigits) : std::nullopt;
+    if (!conventions || !number || flags != 0)
     {
         return Fail(ERROR_INVALID_PARAMETER);
     }
-    auto conventions = ConventionsOfLocale(locale);
-    if (!conventions || (format != nullptr && !IsValidFormat(*format)))
+    WideText text = Group(number->whole, format->Grouping, format->lpThousandSep);
+    if (format->NumDigits > 0)
     {
-        return Fail(ERROR_INVALID_PARAMETER);
-    }
-    if ((flags & ~static_cast<DWORD>(LOCALE_NOUSEROVERRIDE)) != 0 || (format != nullptr && flags != 0))
-    {
-        return Fail(ERROR_INVALID_FLAGS);
-    }
-    auto number = ParseDecimal(value);
-    if (!number)
-    {
-        return Fail(ERROR_INVALID_PARAMETER);
-    }
-    const NUMBERFMTW applied = format != nullptr ? *format
-                                                 : NUMBERFMTW{DecimalDigits,
-                                                              LeadingZero,
-                                                              GroupingNumber(*conventions),
-                                                              conventions->decimalSeparator.data(),
-                                                              conventions->thousandsSeparator.data(),
-                                                              NegativeOrder(*conventions)};
-    Round(*number, applied.NumDigits);
-    WideText text = Group(number->whole, applied.Grouping, applied.lpThousandSep);
-    if (text.empty() && (applied.LeadingZero != 0 || applied.NumDigits == 0))
-    {
-        text = u"0";
-    }
-    if (applied.NumDigits > 0)
-    {
-        text += applied.lpDecimalSep + number->fraction;
+        text += format->lpDecimalSep + number->fraction;
     }
     if (number->negative)
     {
-        text = ApplySign(text, applied.NegativeOrder, conventions->negativeSign);
+        text = format->NegativeOrder == SignBehind ? text + conventions->negativeSign
+                                                   : conventions->negativeSign + text;
     }
     const int length = static_cast<int>(text.size() + 1);
-    if (capacity == 0)
-    {
-        return length;
-    }
     if (capacity < length)
     {
         return Fail(ERROR_INSUFFICIENT_BUFFER);

@@ -1,5 +1,6 @@
 #include "platform/kernel32/ResourceSection.h"
 
+#include "com/AsciiText.h"
 #include "com/WideText.h"
 #include "platform/kernel32/LoadedModules.h"
 
@@ -47,11 +48,6 @@ DWORD ReadDword(const BYTE *at)
     return value;
 }
 
-WCHAR FoldCase(WCHAR c)
-{
-    return c >= 'a' && c <= 'z' ? static_cast<WCHAR>(c - 'a' + 'A') : c;
-}
-
 // A resource's type or name, as a caller or an entry gives it: a number or a text.
 struct Identifier
 {
@@ -61,9 +57,7 @@ struct Identifier
 
     bool operator==(const Identifier &other) const
     {
-        return isNumber == other.isNumber && number == other.number &&
-               std::equal(text.begin(), text.end(), other.text.begin(), other.text.end(),
-                          [](WCHAR a, WCHAR b) { return FoldCase(a) == FoldCase(b); });
+        return isNumber == other.isNumber && number == other.number && EqualsIgnoringCase(text, other.text);
     }
 };
 

@@ -1,5 +1,4 @@
 target_sources(platform PRIVATE
-  kernel32/PathText.cpp
   kernel32/FormatMessage.cpp
   kernel32/LastError.cpp
   kernel32/LoadedModules.cpp
@@ -12,5 +11,4 @@ target_sources(platform PRIVATE
   kernel32/Resources.cpp
   kernel32/SystemMessages.cpp
   kernel32/SystemVersion.cpp
-  kernel32/Time.cpp
-  kernel32/Utf8.cpp)
+  kernel32/Time.cpp)

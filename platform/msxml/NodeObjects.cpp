@@ -3,7 +3,7 @@
 #include "com/BstrOwner.h"
 #include "com/ClassFactory.h"
 #include "com/ComObject.h"
-#include "platform/kernel32/Utf8.h"
+#include "com/TextConversion.h"
 #include "platform/msxml/UnsupportedOperations.h"
 #include "platform/msxml/XmlTree.h"
 

@@ -1,7 +1,7 @@
 // The class ServerXMLHTTP60: one GET at a time, sent while its caller waits, and its reply as a document.
 #include "com/ClassFactory.h"
 #include "com/ComObject.h"
-#include "platform/kernel32/Utf8.h"
+#include "com/TextConversion.h"
 #include "platform/msxml/HttpGet.h"
 #include "platform/msxml/NodeObjects.h"
 #include "platform/msxml/UnsupportedOperations.h"

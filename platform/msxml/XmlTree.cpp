@@ -8,7 +8,7 @@
 #include "platform/msxml/XmlTree.h"
 
 #include "com/Hresult.h"
-#include "platform/kernel32/Utf8.h"
+#include "com/TextConversion.h"
 
 #include <mutex>
 

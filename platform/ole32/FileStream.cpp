@@ -1,5 +1,6 @@
 // Streams over files, for reading. Positions and sizes have 64 bits; nothing of the file is kept in memory.
-#include "platform/kernel32/PathText.h"
+#include "com/ErrnoCodes_posix.h"
+#include "com/TextConversion.h"
 #include "platform/ole32/StreamBase.h"
 
 #include <shlwapi.h>
@@ -19,28 +20,9 @@ std::string FolderOf(const std::string &path)
     return slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
 }
 
-HRESULT LastFailure(int error)
+HRESULT FailureOf(int error)
 {
-    static constexpr struct
-    {
-        int error;
-        DWORD code;
-    } codes[] = {
-        {ENOENT, ERROR_FILE_NOT_FOUND},       {ENOTDIR, ERROR_PATH_NOT_FOUND},
-        {EACCES, ERROR_ACCESS_DENIED},        {EPERM, ERROR_ACCESS_DENIED},
-        {EISDIR, ERROR_ACCESS_DENIED},        {EMFILE, ERROR_TOO_MANY_OPEN_FILES},
-        {ENFILE, ERROR_TOO_MANY_OPEN_FILES},  {ENAMETOOLONG, ERROR_FILENAME_EXCED_RANGE},
-        {ELOOP, ERROR_CANT_RESOLVE_FILENAME}, {ENOMEM, ERROR_NOT_ENOUGH_MEMORY},
-        {EINVAL, ERROR_INVALID_PARAMETER},
-    };
-    for (const auto &entry : codes)
-    {
-        if (entry.error == error)
-        {
-            return HRESULT_FROM_WIN32(entry.code);
-        }
-    }
-    return HRESULT_FROM_WIN32(ERROR_IO_DEVICE);
+    return HRESULT_FROM_WIN32(Win32FromErrno(error));
 }
 
 class FileStream final : public StreamBase<FileStream>
@@ -70,7 +52,7 @@ public:
             }
             if (part < 0)
             {
-                return LastFailure(errno);
+                return FailureOf(errno);
             }
             if (part == 0)
             {
@@ -120,7 +102,7 @@ public:
         struct stat attributes;
         if (fstat(m_file, &attributes) != 0)
         {
-            return LastFailure(errno);
+            return FailureOf(errno);
         }
         status->type = STGTY_STREAM;
         status->cbSize.QuadPart = attributes.st_size;
@@ -148,7 +130,7 @@ HRESULT OpenFailure(const std::string &path, int error)
     {
         return HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND);
     }
-    return LastFailure(error);
+    return FailureOf(error);
 }
 } // namespace
 

@@ -24,7 +24,7 @@ public:
     }
     STDMETHODIMP UnmarshalInterface(IStream *, REFIID, void **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP ReleaseMarshalData(IStream *) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP DisconnectObject(DWORD) noexcept override { return S_OK; }
+    STDMETHODIMP DisconnectObject(DWORD) noexcept override { return E_NOTIMPL; }
 };
 } // namespace
 

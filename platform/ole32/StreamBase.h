@@ -13,25 +13,11 @@ public:
     {
         return E_NOTIMPL;
     }
-    STDMETHODIMP Clone(IStream **clone) noexcept override
-    {
-        if (clone == nullptr)
-        {
-            return STG_E_INVALIDPOINTER;
-        }
-        *clone = nullptr;
-        return E_NOTIMPL;
-    }
+    STDMETHODIMP Clone(IStream **) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP Commit(DWORD) noexcept override { return S_OK; }
-    STDMETHODIMP Revert() noexcept override { return S_OK; }
-    STDMETHODIMP LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) noexcept override
-    {
-        return STG_E_INVALIDFUNCTION;
-    }
-    STDMETHODIMP UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) noexcept override
-    {
-        return STG_E_INVALIDFUNCTION;
-    }
+    STDMETHODIMP Revert() noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) noexcept override { return E_NOTIMPL; }
 
 protected:
     // The position that a Seek asks for; false if it is before the start, or the origin is unknown.

@@ -16,18 +16,22 @@ public:
     }
     STDMETHODIMP SetSource(LPOLESTR text) noexcept override { return Assign(m_source, text); }
     STDMETHODIMP SetDescription(LPOLESTR text) noexcept override { return Assign(m_description, text); }
-    STDMETHODIMP SetHelpFile(LPOLESTR text) noexcept override { return Assign(m_helpFile, text); }
-    STDMETHODIMP SetHelpContext(DWORD context) noexcept override
+    STDMETHODIMP SetHelpFile(LPOLESTR) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP SetHelpContext(DWORD) noexcept override { return E_NOTIMPL; }
+
+    STDMETHODIMP GetGUID(GUID *guid) noexcept override
     {
-        m_helpContext = context;
+        if (guid == nullptr)
+        {
+            return E_INVALIDARG;
+        }
+        *guid = m_guid;
         return S_OK;
     }
-
-    STDMETHODIMP GetGUID(GUID *guid) noexcept override { return Answer(guid, m_guid); }
     STDMETHODIMP GetSource(BSTR *text) noexcept override { return CopyTo(text, m_source); }
     STDMETHODIMP GetDescription(BSTR *text) noexcept override { return CopyTo(text, m_description); }
-    STDMETHODIMP GetHelpFile(BSTR *text) noexcept override { return CopyTo(text, m_helpFile); }
-    STDMETHODIMP GetHelpContext(DWORD *context) noexcept override { return Answer(context, m_helpContext); }
+    STDMETHODIMP GetHelpFile(BSTR *) noexcept override { return E_NOTIMPL; }
+    STDMETHODIMP GetHelpContext(DWORD *) noexcept override { return E_NOTIMPL; }
 
 private:
     static HRESULT Assign(BstrOwner &field, LPOLESTR text) noexcept
@@ -51,22 +55,9 @@ private:
         });
     }
 
-    template <class T>
-    static HRESULT Answer(T *out, const T &value) noexcept
-    {
-        if (out == nullptr)
-        {
-            return E_INVALIDARG;
-        }
-        *out = value;
-        return S_OK;
-    }
-
     GUID m_guid{};
     BstrOwner m_source;
     BstrOwner m_description;
-    BstrOwner m_helpFile;
-    DWORD m_helpContext = 0;
 };
 } // namespace
 

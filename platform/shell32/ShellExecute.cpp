@@ -8,9 +8,10 @@
 #include <windows.h>
 #include <shellapi.h>
 
+#include "com/AsciiText.h"
 #include "com/Hresult.h"
 #include "com/WideText.h"
-#include "platform/kernel32/Utf8.h"
+#include "com/TextConversion.h"
 #include "platform/shell32/DetachedProgram.h"
 
 #include <cerrno>
@@ -35,23 +36,6 @@ void ShowInTerminal(const std::string &address)
     {
         close(terminal);
     }
-}
-
-bool EqualsIgnoringCase(WideView text, WideView lowerAscii)
-{
-    if (text.size() != lowerAscii.size())
-    {
-        return false;
-    }
-    for (size_t i = 0; i < text.size(); ++i)
-    {
-        const WCHAR unit = text[i] >= 'A' && text[i] <= 'Z' ? static_cast<WCHAR>(text[i] | 0x20) : text[i];
-        if (unit != lowerAscii[i])
-        {
-            return false;
-        }
-    }
-    return true;
 }
 
 bool IsWebAddress(WideView text)

@@ -1,8 +1,9 @@
 // Version resources: reads the block of a file and finds values in it by their path.
+#include "com/AsciiText.h"
+#include "com/ErrnoCodes_posix.h"
 #include "platform/kernel32/ResourceSection.h"
-#include "platform/kernel32/Utf8.h"
+#include "com/TextConversion.h"
 
-#include <errno.h>
 #include <winver.h>
 
 #include <cstring>
@@ -11,25 +12,6 @@
 
 namespace
 {
-DWORD ErrorOfOpening(int error)
-{
-    switch (error)
-    {
-    case ENOENT:
-        return ERROR_FILE_NOT_FOUND;
-    case ENOTDIR:
-        return ERROR_PATH_NOT_FOUND;
-    case EACCES:
-    case EPERM:
-        return ERROR_ACCESS_DENIED;
-    case EMFILE:
-    case ENFILE:
-        return ERROR_TOO_MANY_OPEN_FILES;
-    default:
-        return ERROR_OPEN_FAILED;
-    }
-}
-
 // The block as it is in the file. Sets the last error and returns an empty one if the file has none.
 std::vector<BYTE> ReadVersionBlock(const WCHAR *fileName)
 {
@@ -38,7 +20,7 @@ std::vector<BYTE> ReadVersionBlock(const WCHAR *fileName)
     const auto section = FindResourceSection(path, error);
     if (!section)
     {
-        SetLastError(error != 0 ? ErrorOfOpening(error) : ERROR_RESOURCE_DATA_NOT_FOUND);
+        SetLastError(error != 0 ? Win32FromErrno(error) : ERROR_RESOURCE_DATA_NOT_FOUND);
         return {};
     }
     std::vector<BYTE> resources(section->size);
@@ -127,12 +109,7 @@ private:
 
     size_t ValueBytes() const { return Word(2) == 1 ? ValueLength() * sizeof(WCHAR) : ValueLength(); }
 
-    bool HasKey(WideView key) const
-    {
-        const auto fold = [](WCHAR c) { return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c; };
-        return std::equal(key.begin(), key.end(), m_key.begin(), m_key.end(),
-                          [&](WCHAR a, WCHAR b) { return fold(a) == fold(b); });
-    }
+    bool HasKey(WideView key) const { return EqualsIgnoringCase(key, m_key); }
 
     const BYTE *m_block = nullptr;
     size_t m_offset = 0;

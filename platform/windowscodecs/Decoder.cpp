@@ -1,11 +1,53 @@
 #include "platform/windowscodecs/Decoder.h"
 
 #include "com/ComObject.h"
-#include "platform/windowscodecs/ContainerSignature.h"
+#include "platform/windowscodecs/UncalledMethods.h"
+
+#include <string_view>
+
+using namespace std::string_view_literals;
 
 namespace
 {
-class CDecoder final : public ComObject<CDecoder, IWICBitmapDecoder>
+struct Signature
+{
+    std::string_view start;
+    const GUID *format;
+    // What must follow, and its offset in the file.
+    size_t offset = 0;
+    std::string_view further = {};
+};
+
+// A DNG file begins like any TIFF file and counts as one.
+const Signature Signatures[] = {
+    {"\xFF\xD8\xFF"sv, &GUID_ContainerFormatJpeg},
+    {"\x89PNG\r\n\x1A\n"sv, &GUID_ContainerFormatPng},
+    {"GIF87a"sv, &GUID_ContainerFormatGif},
+    {"GIF89a"sv, &GUID_ContainerFormatGif},
+    {"II\x2A\0"sv, &GUID_ContainerFormatTiff},
+    {"MM\0\x2A"sv, &GUID_ContainerFormatTiff},
+    {"BM"sv, &GUID_ContainerFormatBmp},
+    {"RIFF"sv, &GUID_ContainerFormatWebp, 8, "WEBP"sv},
+};
+
+// As many bytes as the longest signature looks at.
+constexpr ULONG SignatureLength = 12;
+
+// Null for a format that isn't known.
+const GUID *RecogniseContainer(std::string_view bytes)
+{
+    for (const Signature &signature : Signatures)
+    {
+        if (bytes.starts_with(signature.start) && bytes.size() >= signature.offset &&
+            bytes.substr(signature.offset).starts_with(signature.further))
+        {
+            return signature.format;
+        }
+    }
+    return nullptr;
+}
+
+class CDecoder final : public UncalledOfDecoder<ComObject<CDecoder, IWICBitmapDecoder>>
 {
 public:
     explicit CDecoder(REFGUID format) : m_format(format) {}
@@ -20,15 +62,7 @@ public:
         return S_OK;
     }
 
-    STDMETHODIMP QueryCapability(IStream *, DWORD *) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP Initialize(IStream *, WICDecodeOptions) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetDecoderInfo(IWICBitmapDecoderInfo **) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP CopyPalette(IWICPalette *) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetMetadataQueryReader(IWICMetadataQueryReader **) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetPreview(IWICBitmapSource **) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetColorContexts(UINT, IWICColorContext **, UINT *) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetThumbnail(IWICBitmapSource **) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetFrameCount(UINT *) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP GetFrame(UINT, IWICBitmapFrameDecode **) noexcept override { return E_NOTIMPL; }
 
 private:
@@ -36,7 +70,7 @@ private:
 };
 
 // A stream may give less than it was asked for without being at its end.
-ULONG ReadHead(IStream *stream, BYTE (&head)[SignatureLength])
+ULONG ReadHead(IStream *stream, char (&head)[SignatureLength])
 {
     ULONG length = 0;
     while (length < SignatureLength)
@@ -56,7 +90,7 @@ ULONG ReadHead(IStream *stream, BYTE (&head)[SignatureLength])
 HRESULT CreateDecoderOf(IStream *stream, IWICBitmapDecoder **decoder) noexcept
 {
     return AtBoundary([&] {
-        BYTE head[SignatureLength];
+        char head[SignatureLength];
         const GUID *const format = RecogniseContainer({head, ReadHead(stream, head)});
         if (format == nullptr)
         {

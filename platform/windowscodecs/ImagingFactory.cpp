@@ -75,10 +75,3 @@ STDMETHODIMP CImagingFactory::CreateColorContext(IWICColorContext **context) noe
 {
     return context != nullptr ? ::CreateColorContext(context) : E_INVALIDARG;
 }
-
-STDMETHODIMP CImagingFactory::CreateBitmapFromMemory(UINT width, UINT height, REFWICPixelFormatGUID format,
-                                                     UINT stride, UINT size, BYTE *pixels,
-                                                     IWICBitmap **bitmap) noexcept
-{
-    return CreateMemoryBitmap(width, height, format, stride, size, pixels, bitmap);
-}

@@ -5,7 +5,7 @@
 
 #include "com/Hresult.h"
 #include "platform/http/EnvironmentProxy.h"
-#include "platform/kernel32/Utf8.h"
+#include "com/TextConversion.h"
 
 #include <algorithm>
 

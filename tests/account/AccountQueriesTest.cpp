@@ -7,7 +7,9 @@
 #include "tests/doubles/MemoryStream.h"
 #include "tests/doubles/ReplyDocuments.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+
+using testing::ElementsAre;
 
 namespace
 {
@@ -34,64 +36,51 @@ AccountRecord EarlierAccount()
     return account;
 }
 
-std::vector<WideText> MethodsAsked(const FakeWebComponents &web)
+// A reply of flickr.people.getUploadStatus; null leaves an attribute out, with its element.
+WideText Status(WideView stat, const WCHAR *pro, const WCHAR *size, const WCHAR *most, const WCHAR *used)
 {
-    std::vector<WideText> methods;
-    for (const WebCall &call : web.CallsOf("RestRequest"))
-    {
-        EXPECT_EQ(call.Arguments[0], TEXT("(null)"));
-        EXPECT_EQ(call.Arguments[1], TEXT("POST"));
-        EXPECT_EQ(call.Arguments[2], TEXT("(null)"));
-        EXPECT_EQ(call.Arguments[4], TEXT("0"));
-        methods.push_back(call.Arguments[3]);
-    }
-    return methods;
+    const auto with = [](WideView before, const WCHAR *value, WideView after) {
+        return value ? WideText(before) + value + WideText(after) : WideText();
+    };
+    return with(TEXT("<rsp stat='"), stat.data(), TEXT("'><user")) + with(TEXT(" ispro='"), pro, TEXT("'")) +
+           TEXT(">") + with(TEXT("<filesize maxbytes='"), size, TEXT("'/>")) +
+           with(TEXT("<bandwidth maxbytes='"), most, TEXT("'")) + with(TEXT(" usedbytes='"), used, TEXT("'/>")) +
+           TEXT("</user></rsp>");
 }
 } // namespace
 
 TEST(QueryUploadStatus, TakesLevelAndLimitsFromTheReply)
 {
     constexpr INT64 unlimited = UnlimitedUpload;
+    const WCHAR *const none = nullptr;
+    const WCHAR *const huge = TEXT("9223372036854775807");
     const struct
     {
-        const WCHAR *reply;
+        WideText reply;
         HRESULT result;
         const WCHAR *type;
         INT64 maxFileSize;
         INT64 left;
     } cases[] = {
-        {ProReply, S_OK, TEXT("Pro"), 209715200, unlimited},
-        {TEXT("<rsp stat='OK'><user ispro='1 year'><filesize maxbytes='7'/></user></rsp>"), S_OK, TEXT("Pro"), 7,
-         unlimited},
-        {TEXT("<rsp stat='ok'><user ispro='1'/></rsp>"), E_FAIL, TEXT("Pro"), 1000, unlimited},
-        {TEXT("<rsp stat='ok'><user ispro='0'><filesize maxbytes='5'/><bandwidth maxbytes='300' "
-              "usedbytes='100'/></user></rsp>"),
-         S_OK, TEXT("Basic"), 5, 200},
-        {TEXT("<rsp stat='ok'><user ispro=''><filesize maxbytes='5'/><bandwidth maxbytes='0' "
-              "usedbytes='100'/></user></rsp>"),
-         S_OK, TEXT("Basic"), 5, unlimited},
-        {TEXT("<rsp stat='ok'><user ispro='0'><filesize maxbytes='5'/><bandwidth maxbytes='100' "
-              "usedbytes='100'/></user></rsp>"),
-         S_OK, TEXT("Basic"), 5, 0},
-        {TEXT("<rsp stat='ok'><user ispro='0'><filesize maxbytes='5'/><bandwidth maxbytes='100' "
-              "usedbytes='101'/></user></rsp>"),
-         S_OK, TEXT("Basic"), 5, 0},
-        {TEXT("<rsp stat='ok'><user ispro='0'><filesize maxbytes=''/><bandwidth maxbytes='9223372036854775807' "
-              "usedbytes='-1'/></user></rsp>"),
-         S_OK, TEXT("Basic"), 1000, unlimited},
-        {TEXT("<rsp stat='ok'><user ispro='0'><filesize maxbytes='5'/></user></rsp>"), E_FAIL, TEXT("Basic"), 5,
-         500},
-        {TEXT("<rsp stat='ok'><user ispro='0'><bandwidth maxbytes='300' usedbytes='100'/></user></rsp>"), E_FAIL,
-         TEXT("Basic"), 1000, 500},
-        {TEXT("<rsp stat='ok'><user><filesize maxbytes='5'/></user></rsp>"), E_FAIL, TEXT("Basic"), 1000, 500},
-        {TEXT("<rsp stat='fail'><user ispro='1'/></rsp>"), E_FAIL, TEXT("Basic"), 1000, 500},
-        {TEXT("<rsp stat=''/>"), E_FAIL, TEXT("Basic"), 1000, 500},
+        {Status(TEXT("ok"), TEXT("1"), TEXT("209715200"), none, none), S_OK, TEXT("Pro"), 209715200, unlimited},
+        {Status(TEXT("OK"), TEXT("1 year"), TEXT("7"), none, none), S_OK, TEXT("Pro"), 7, unlimited},
+        {Status(TEXT("ok"), TEXT("1"), none, none, none), E_FAIL, TEXT("Pro"), 1000, unlimited},
+        {Status(TEXT("ok"), TEXT("0"), TEXT("5"), TEXT("300"), TEXT("100")), S_OK, TEXT("Basic"), 5, 200},
+        {Status(TEXT("ok"), TEXT(""), TEXT("5"), TEXT("0"), TEXT("100")), S_OK, TEXT("Basic"), 5, unlimited},
+        {Status(TEXT("ok"), TEXT("0"), TEXT("5"), TEXT("100"), TEXT("100")), S_OK, TEXT("Basic"), 5, 0},
+        {Status(TEXT("ok"), TEXT("0"), TEXT("5"), TEXT("100"), TEXT("101")), S_OK, TEXT("Basic"), 5, 0},
+        {Status(TEXT("ok"), TEXT("0"), TEXT(""), huge, TEXT("-1")), S_OK, TEXT("Basic"), 1000, unlimited},
+        {Status(TEXT("ok"), TEXT("0"), TEXT("5"), none, none), E_FAIL, TEXT("Basic"), 5, 500},
+        {Status(TEXT("ok"), TEXT("0"), none, TEXT("300"), TEXT("100")), E_FAIL, TEXT("Basic"), 1000, 500},
+        {Status(TEXT("ok"), none, TEXT("5"), none, none), E_FAIL, TEXT("Basic"), 1000, 500},
+        {Status(TEXT("fail"), TEXT("1"), none, none, none), E_FAIL, TEXT("Basic"), 1000, 500},
+        {Status(TEXT(""), none, none, none, none), E_FAIL, TEXT("Basic"), 1000, 500},
         {TEXT("<rsp/>"), E_FAIL, TEXT("Basic"), 1000, 500},
         {Refusal, E_FAIL, TEXT("Basic"), 1000, 500},
     };
     for (const auto &[reply, result, type, maxFileSize, left] : cases)
     {
-        SCOPED_TRACE(testing::PrintToString(WideText(reply)));
+        SCOPED_TRACE(testing::PrintToString(reply));
         FakeWebComponents web;
         web.Answer(reply);
         AccountRecord account = EarlierAccount();
@@ -101,7 +90,8 @@ TEST(QueryUploadStatus, TakesLevelAndLimitsFromTheReply)
         EXPECT_EQ(account.UploadLeftThisMonth, left);
         EXPECT_TRUE(account.AccountRefreshed);
         EXPECT_TRUE(account.IsAuthorized());
-        EXPECT_EQ(MethodsAsked(web), std::vector<WideText>{TEXT("method=flickr.people.getUploadStatus")});
+        EXPECT_THAT(web.LinesOf("RestRequest "),
+                    ElementsAre("(null) POST (null) method=flickr.people.getUploadStatus 0"));
     }
 }
 
@@ -153,9 +143,10 @@ TEST(RefreshAccount, ReadsNamesAddressAndLimitsInThisOrder)
         EXPECT_EQ(account.FullName.View(), TEXT("Jane Doe"));
         EXPECT_EQ(account.PhotosUrl.View(), TEXT("https://www.flickr.com/photos/jdoe/"));
         EXPECT_EQ(account.AccountType.View(), TEXT("Pro"));
-        EXPECT_EQ(MethodsAsked(web), (std::vector<WideText>{TEXT("method=flickr.auth.oauth.checkToken"),
-                                                            TEXT("method=flickr.urls.getUserPhotos"),
-                                                            TEXT("method=flickr.people.getUploadStatus")}));
+        EXPECT_THAT(web.LinesOf("RestRequest "),
+                    ElementsAre("(null) POST (null) method=flickr.auth.oauth.checkToken 0",
+                                "(null) POST (null) method=flickr.urls.getUserPhotos 0",
+                                "(null) POST (null) method=flickr.people.getUploadStatus 0"));
         EXPECT_EQ(web.CallsOf("Create IOAuthWebClient").size(), 2u) << "one for the names, one for the limits";
     }
     EXPECT_EQ(ModuleLocks::Read(), before);
@@ -164,19 +155,17 @@ TEST(RefreshAccount, ReadsNamesAddressAndLimitsInThisOrder)
 TEST(RefreshAccount, ItsResultIsThatOfTheLimits)
 {
     FakeWebComponents web;
-    web.Answer(Refusal);
-    web.Answer(Refusal);
-    web.Answer(Refusal);
     AccountRecord account = EarlierAccount();
-    EXPECT_EQ(RefreshAccount(account, VersionBlock()), E_FAIL);
-    EXPECT_EQ(account.UserName.View(), TEXT("old user"));
-    EXPECT_EQ(account.PhotosUrl.View(), TEXT("old url"));
-    EXPECT_TRUE(account.IsAuthorized());
-
-    web.Answer(Refusal);
-    web.Answer(Refusal);
-    web.Answer(ProReply);
-    EXPECT_EQ(RefreshAccount(account, VersionBlock()), S_OK);
+    for (const auto &[limits, result] : {std::pair(Refusal, E_FAIL), std::pair(ProReply, S_OK)})
+    {
+        web.Answer(Refusal);
+        web.Answer(Refusal);
+        web.Answer(limits);
+        EXPECT_EQ(RefreshAccount(account, VersionBlock()), result);
+        EXPECT_EQ(account.UserName.View(), TEXT("old user"));
+        EXPECT_EQ(account.PhotosUrl.View(), TEXT("old url"));
+        EXPECT_TRUE(account.IsAuthorized());
+    }
 }
 
 TEST(RefreshAccount, AReadThatMissesEmptiesItsField)

@@ -9,59 +9,33 @@
 #include <cstddef>
 #include <cstdlib>
 #include <new>
+#include <optional>
 #include <thread>
 #include <vector>
 
 namespace
 {
-// Watches one buffer: whether it was freed, and whether any of its bytes was left.
-std::atomic<const unsigned char *> watched{nullptr};
-std::atomic<size_t> watchedLength{0};
-std::atomic<int> freedWiped{0};
-std::atomic<int> freedPlain{0};
-
-void Watch(const void *buffer, size_t length)
-{
-    freedWiped = 0;
-    freedPlain = 0;
-    watchedLength = length;
-    watched = static_cast<const unsigned char *>(buffer);
-}
-
-void NoteFreed(const void *buffer)
-{
-    if (buffer != nullptr && buffer == watched)
-    {
-        const unsigned char *bytes = watched;
-        const bool wiped = std::all_of(bytes, bytes + watchedLength, [](unsigned char byte) { return byte == 0; });
-        ++(wiped ? freedWiped : freedPlain);
-        watched = nullptr;
-    }
-}
+// The buffer whose end is looked at, and how many of its bytes were still there when it was freed.
+const unsigned char *watched = nullptr;
+size_t watchedLength = 0;
+std::optional<ptrdiff_t> bytesLeft;
 } // namespace
 
-// The aligned forms of this program are over-allocated ones: the block's own address lies ahead of it.
-void *operator new(size_t size, std::align_val_t alignment)
+// malloc's blocks are aligned to 16 bytes, which is what this program asks for.
+void *operator new(size_t size, std::align_val_t)
 {
-    const size_t align = std::max(static_cast<size_t>(alignment), sizeof(void *));
-    void *block = std::malloc(size + align + sizeof(void *));
-    if (block == nullptr)
-    {
-        throw std::bad_alloc();
-    }
-    const auto first = reinterpret_cast<size_t>(block) + sizeof(void *);
-    auto *aligned = reinterpret_cast<void **>((first + align - 1) / align * align);
-    aligned[-1] = block;
-    return aligned;
+    void *const memory = std::malloc(size);
+    return memory != nullptr ? memory : throw std::bad_alloc();
 }
 
 void operator delete(void *memory, std::align_val_t) noexcept
 {
-    NoteFreed(memory);
-    if (memory != nullptr)
+    if (memory != nullptr && memory == watched)
     {
-        std::free(static_cast<void **>(memory)[-1]);
+        bytesLeft = std::count_if(watched, watched + watchedLength, [](unsigned char byte) { return byte != 0; });
+        watched = nullptr;
     }
+    std::free(memory);
 }
 
 void operator delete(void *memory, size_t, std::align_val_t alignment) noexcept
@@ -153,14 +127,14 @@ TEST(ApplicationCredentials, OverlappingOpensShareOneBufferThatTheLastCloseWipes
     const SecuredString &record = ApplicationKey.Head;
     const WCHAR *first = OpenSecuredString(record);
     const WideText text = first;
-    Watch(first, 66);
+    watched = reinterpret_cast<const unsigned char *>(first);
+    watchedLength = 66;
     EXPECT_EQ(OpenSecuredString(record), first);
     CloseSecuredString(record);
-    EXPECT_EQ(freedWiped + freedPlain, 0);
+    EXPECT_FALSE(bytesLeft) << "still open";
     EXPECT_EQ(WideText(first), text);
     CloseSecuredString(record);
-    EXPECT_EQ(freedWiped, 1);
-    EXPECT_EQ(freedPlain, 0);
+    EXPECT_EQ(bytesLeft, 0);
 
     CloseSecuredString(record);
     EXPECT_EQ(Plain(record), text) << "a close too many changes nothing";

@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <functional>
 #include <new>
 
@@ -89,23 +90,14 @@ struct Attempt
 
     HRESULT Run()
     {
-        if (!HasAccountReplies)
+        for (const WCHAR *const reply : AccountReplies)
         {
-            AnswerAccount(TokenReply, PhotosReply, ProReply);
+            Web.Answer(reply);
         }
         const VersionBlock version;
         const auto client = CreateWebClient(Account, version);
         return Authorize(
             {Account, version, *client.Get(), FakeInteraction::Parent(), Interaction, Wait, Discovery});
-    }
-
-    void AnswerAccount(const WCHAR *token, const WCHAR *photos, const WCHAR *limits)
-    {
-        HasAccountReplies = true;
-        for (const WCHAR *const reply : {token, photos, limits})
-        {
-            Web.Answer(reply);
-        }
     }
 
     std::string Pair() const
@@ -120,7 +112,7 @@ struct Attempt
     AccountRecord Account;
     Pause Wait = [this](DWORD milliseconds) { Record.Add("wait " + std::to_string(milliseconds)); };
     ProxyDiscovery Discovery = [](const WCHAR *, ProxySetting &) -> DWORD { return 12180; };
-    bool HasAccountReplies = false;
+    std::array<const WCHAR *, 3> AccountReplies{TokenReply, PhotosReply, ProReply};
 };
 
 enum class Pair
@@ -158,56 +150,42 @@ TEST(AuthorizationFlow, EndsAsEachOutcomeOfItsStepsSays)
     const struct
     {
         const char *name;
-        std::function<void(Attempt &)> spoil;
+        const char *failing; // the operation, or null; by the result, or where that is a success by NoClass
         HRESULT result;
         Pair pair;
         Message message;
+        std::function<void(Attempt &)> spoil = [](Attempt &) {};
     } cases[] = {
-        {"all is well", [](Attempt &) {}, S_OK, Pair::New, Message::None},
-        {"consent refused", [](Attempt &w) { w.Interaction.ConsentOutcome = IDCANCEL; }, S_FALSE, Pair::Unchanged,
-         Message::None},
-        {"any other button goes on",
-         [](Attempt &w) { w.Interaction.ConsentOutcome = w.Interaction.CompletionOutcome = -1; }, S_OK, Pair::New,
-         Message::None},
-        {"no parameters", [](Attempt &w) { w.Web.FailOperation("Create IRequestParameters", NoClass); }, NoClass,
-         Pair::Unchanged, Message::None},
-        {"scope not taken", [](Attempt &w) { w.Web.FailOperation("Add", E_OUTOFMEMORY); }, E_OUTOFMEMORY,
-         Pair::Unchanged, Message::None},
-        {"no request token", [](Attempt &w) { w.Web.FailOperation("GetAuthorizationUrl", NotReached); },
-         NotReached, Pair::Unchanged, Message::Unreachable},
-        {"completion refused", [](Attempt &w) { w.Interaction.CompletionOutcome = IDCANCEL; }, S_FALSE,
-         Pair::Unchanged, Message::None},
-        {"no HTTP object",
-         [](Attempt &w) {
-             w.Http.ServerCreation = E_ACCESSDENIED;
-             w.Http.PlainCreation = NoClass;
-         },
-         NoClass, Pair::Empty, Message::Unreachable},
-        {"no server object", [](Attempt &w) { w.Http.ServerCreation = NoClass; }, S_OK, Pair::New, Message::None},
-        {"page without a request token", [](Attempt &w) { w.Web.AuthorizationUrl = TEXT("http://h/?t=1"); },
-         E_FAIL, Pair::Empty, Message::Unreachable},
-        {"open fails", [](Attempt &w) { w.Http.OpenResult = E_INVALIDARG; }, E_INVALIDARG, Pair::Empty,
-         Message::Unreachable},
-        {"send fails", [](Attempt &w) { w.Http.SendResult = NotReached; }, NotReached, Pair::Empty,
-         Message::Unreachable},
-        {"no reply", [](Attempt &w) { w.Http.ReplyResult = E_PENDING; }, E_PENDING, Pair::Empty,
-         Message::Unreachable},
-        {"a reply without a document", [](Attempt &w) { w.Http.Reply = nullptr; }, E_NOINTERFACE, Pair::Empty,
-         Message::Unreachable},
-        {"not granted in the browser", [](Attempt &w) { w.Http.Answer(TEXT("<TRNQVerifierExchange/>")); }, E_FAIL,
-         Pair::Empty, Message::Unreachable},
-        {"an error page of the endpoint", [](Attempt &w) { w.Http.Answer(TEXT("<html><body/></html>")); }, E_FAIL,
-         Pair::Empty, Message::Unreachable},
-        {"verifier refused", [](Attempt &w) { w.Web.FailOperation("GetAccessToken", E_ACCESSDENIED); },
-         E_ACCESSDENIED, Pair::Empty, Message::Unreachable},
-        {"account not reached",
-         [](Attempt &w) {
-             w.HasAccountReplies = true;
-             w.Web.AnswerWith(NotReached, nullptr);
-         },
-         E_FAIL, Pair::New, Message::AccountUnreadable},
-        {"new token refused", [](Attempt &w) { w.AnswerAccount(Refusal, Refusal, Refusal); }, E_FAIL, Pair::New,
-         Message::AccountUnreadable},
+        {"all is well", nullptr, S_OK, Pair::New, Message::None},
+        {"consent refused", nullptr, S_FALSE, Pair::Unchanged, Message::None,
+         [](Attempt &a) { a.Interaction.ConsentOutcome = IDCANCEL; }},
+        {"any other button goes on", nullptr, S_OK, Pair::New, Message::None,
+         [](Attempt &a) { a.Interaction.ConsentOutcome = a.Interaction.CompletionOutcome = -1; }},
+        {"no parameters", "Create IRequestParameters", NoClass, Pair::Unchanged, Message::None},
+        {"scope not taken", "Add", E_OUTOFMEMORY, Pair::Unchanged, Message::None},
+        {"no request token", "GetAuthorizationUrl", NotReached, Pair::Unchanged, Message::Unreachable},
+        {"completion refused", nullptr, S_FALSE, Pair::Unchanged, Message::None,
+         [](Attempt &a) { a.Interaction.CompletionOutcome = IDCANCEL; }},
+        {"no HTTP object", "create plain", NoClass, Pair::Empty, Message::Unreachable,
+         [](Attempt &a) { a.Record.FailOperation("create server", E_ACCESSDENIED); }},
+        {"no server object", "create server", S_OK, Pair::New, Message::None},
+        {"page without a request token", nullptr, E_FAIL, Pair::Empty, Message::Unreachable,
+         [](Attempt &a) { a.Web.AuthorizationUrl = TEXT("http://h/?t=1"); }},
+        {"open fails", "open", E_INVALIDARG, Pair::Empty, Message::Unreachable},
+        {"send fails", "send", NotReached, Pair::Empty, Message::Unreachable},
+        {"no reply", "read reply", E_PENDING, Pair::Empty, Message::Unreachable},
+        {"a reply without a document", nullptr, E_NOINTERFACE, Pair::Empty, Message::Unreachable,
+         [](Attempt &a) { a.Http.Reply = nullptr; }},
+        {"not granted in the browser", nullptr, E_FAIL, Pair::Empty, Message::Unreachable,
+         [](Attempt &a) { a.Http.Answer(TEXT("<TRNQVerifierExchange/>")); }},
+        {"an error page of the endpoint", nullptr, E_FAIL, Pair::Empty, Message::Unreachable,
+         [](Attempt &a) { a.Http.Answer(TEXT("<html><body/></html>")); }},
+        {"verifier refused", "GetAccessToken", E_ACCESSDENIED, Pair::Empty, Message::Unreachable},
+        {"account not reached", "RestRequest", E_FAIL, Pair::New, Message::AccountUnreadable},
+        {"new token refused", nullptr, E_FAIL, Pair::New, Message::AccountUnreadable,
+         [](Attempt &a) {
+             a.AccountReplies = {Refusal, Refusal, Refusal};
+         }},
     };
     for (const auto &c : cases)
     {
@@ -218,6 +196,12 @@ TEST(AuthorizationFlow, EndsAsEachOutcomeOfItsStepsSays)
             {
                 Attempt attempt(wasAuthorized);
                 const std::string before = attempt.Pair();
+                if (c.failing)
+                {
+                    const HRESULT code = FAILED(c.result) ? c.result : NoClass;
+                    attempt.Web.FailOperation(c.failing, code);
+                    attempt.Record.FailOperation(c.failing, code);
+                }
                 c.spoil(attempt);
                 EXPECT_EQ(attempt.Run(), c.result);
                 EXPECT_EQ(attempt.Pair(), c.pair == Pair::New     ? "access-token|access-secret"
@@ -253,15 +237,12 @@ TEST(AuthorizationFlow, TakesItsStepsInOrder)
                                         "open GET " + Narrow(ServiceHosts::VerifierEndpoint) +
                                             "/?oauth_token=request-token",
                                         "send", "read reply"}));
-    EXPECT_EQ(attempt.Web.CallsOf("GetAuthorizationUrl")[0].Arguments,
-              (std::vector<WideText>{TEXT("0"), TEXT("perms=write")}));
-    EXPECT_EQ(attempt.Web.CallsOf("GetAccessToken")[0].Arguments,
-              (std::vector<WideText>{TEXT("0"), TEXT("the-verifier")}));
+    EXPECT_EQ(attempt.Web.LinesOf("GetAuthorizationUrl ").at(0), "0 perms=write");
+    EXPECT_EQ(attempt.Web.LinesOf("GetAccessToken ").at(0), "0 the-verifier");
     // The client of the call knows the old pair, those that read the account the new one.
-    const auto pairs = attempt.Web.CallsOf("SetAccessToken");
-    ASSERT_EQ(pairs.size(), 3u);
-    EXPECT_EQ(pairs[0].Arguments[0], TEXT("old"));
-    EXPECT_EQ(pairs[2].Arguments, (std::vector<WideText>{TEXT("access-token"), TEXT("access-secret")}));
+    const std::string newPair = "access-token access-secret";
+    EXPECT_EQ(attempt.Web.LinesOf("SetAccessToken "),
+              (std::vector<std::string>{"old old secret", newPair, newPair}));
     EXPECT_EQ(Narrow(attempt.Account.UserName.View()), "jdoe");
     EXPECT_EQ(Narrow(attempt.Account.AccountType.View()), "Pro");
 }
@@ -271,7 +252,7 @@ TEST(AuthorizationFlow, LeavesAnEmptyVerifierToTheService)
     Attempt attempt(false);
     attempt.Http.Answer(TEXT("<TRNQVerifierExchange><Verifier/></TRNQVerifierExchange>"));
     EXPECT_EQ(attempt.Run(), S_OK);
-    EXPECT_EQ(attempt.Web.CallsOf("GetAccessToken")[0].Arguments[1], TEXT(""));
+    EXPECT_EQ(attempt.Web.CallsOf("GetAccessToken").at(0).Arguments[1], "");
 }
 
 TEST(AuthorizationFlow, GivesTheForegroundBackIfTheDialogFails)

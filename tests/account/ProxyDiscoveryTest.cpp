@@ -101,79 +101,47 @@ TEST(ProxyDiscovery, TakesTheFirstWayThatWorks)
     const WCHAR *const list = TEXT("list:2");
     const WCHAR *const local = TEXT("<local>");
     const WCHAR *const pac = TEXT("pac");
+    const std::string detect = "detect u";
+    const std::string script = "script pac u";
+    const std::string logon = " logon";
+    const char *const nothing = "1 (null) (null)";
     const struct
     {
         UserSettings user;
         std::deque<Answer> answers;
         std::vector<std::string> lines;
         DWORD error;
-        DWORD accessType;
-        const char *proxy;
-        const char *bypass;
+        const char *setting;
     } cases[] = {
-        {{}, {}, {}, 0, 1, "(null)", "(null)"},
-        {{0, false, nullptr, list, local}, {}, {}, 0, 3, "list:2", "<local>"},
-        {{0, false, nullptr, nullptr, local}, {}, {}, 0, 1, "(null)", "<local>"},
-        {{0, true, pac, list, local}, {{0, found}}, {"detect u"}, 0, 3, "found:1", "(null)"},
+        {{}, {}, {}, 0, "1 (null) (null)"},
+        {{0, false, nullptr, list, local}, {}, {}, 0, "3 list:2 <local>"},
+        {{0, false, nullptr, nullptr, local}, {}, {}, 0, "1 (null) <local>"},
+        {{0, true, pac, list, local}, {{0, found}}, {detect}, 0, "3 found:1 (null)"},
         // A way that works and finds no proxy is an answer, too.
-        {{0, true, pac, list, local}, {{0, nullptr}}, {"detect u"}, 0, 1, "(null)", "(null)"},
+        {{0, true, pac, list, local}, {{0, nullptr}}, {detect}, 0, "1 (null) (null)"},
         {{0, true, pac, list, local},
          {{NotDetected}, {0, found, local}},
-         {"detect u", "script pac u"},
+         {detect, script},
          0,
-         3,
-         "found:1",
-         "<local>"},
-        {{0, false, pac, list, nullptr}, {{12167}}, {"script pac u"}, 0, 3, "list:2", "(null)"},
-        {{0, true, pac, list, local},
-         {{NotDetected}, {12166}},
-         {"detect u", "script pac u"},
-         0,
-         3,
-         "list:2",
-         "<local>"},
+         "3 found:1 <local>"},
+        {{0, false, pac, list, nullptr}, {{12167}}, {script}, 0, "3 list:2 (null)"},
+        {{0, true, pac, list, local}, {{NotDetected}, {12166}}, {detect, script}, 0, "3 list:2 <local>"},
         // Asked for a login, the lookup gives one once, and that outcome stands.
-        {{0, true, nullptr, list, nullptr},
-         {{LoginFailure}, {0, found}},
-         {"detect u", "detect u logon"},
-         0,
-         3,
-         "found:1",
-         "(null)"},
-        {{0, true, pac, list, nullptr},
+        {{0, true, nullptr, list}, {{LoginFailure}, {0, found}}, {detect, detect + logon}, 0, "3 found:1 (null)"},
+        {{0, true, pac, list},
          {{LoginFailure}, {LoginFailure}, {0, found}},
-         {"detect u", "detect u logon", "script pac u"},
+         {detect, detect + logon, script},
          0,
-         3,
-         "found:1",
-         "(null)"},
-        {{0, false, pac, list, nullptr},
-         {{LoginFailure}, {LoginFailure}},
-         {"script pac u", "script pac u logon"},
-         0,
-         3,
-         "list:2",
-         "(null)"},
-        {{0, true, pac, list, nullptr},
-         {{LoginFailure}, {OtherFailure}},
-         {"detect u", "detect u logon"},
-         OtherFailure,
-         1,
-         "(null)",
-         "(null)"},
+         "3 found:1 (null)"},
+        {{0, false, pac, list}, {{LoginFailure}, {LoginFailure}}, {script, script + logon}, 0, "3 list:2 (null)"},
+        {{0, true, pac, list}, {{LoginFailure}, {OtherFailure}}, {detect, detect + logon}, OtherFailure, nothing},
         // Strings of a failed lookup, or of failed settings, are freed and not used.
-        {{0, true, nullptr, nullptr, nullptr},
-         {{NotDetected, found, local}},
-         {"detect u"},
-         0,
-         1,
-         "(null)",
-         "(null)"},
-        {{0, true, pac, list, nullptr}, {{OtherFailure}}, {"detect u"}, OtherFailure, 1, "(null)", "(null)"},
-        {{0, false, pac, list, nullptr}, {{OtherFailure}}, {"script pac u"}, OtherFailure, 1, "(null)", "(null)"},
-        {{2, false, nullptr, nullptr, nullptr}, {{NotDetected}}, {"detect u"}, 0, 1, "(null)", "(null)"},
-        {{2, false, nullptr, nullptr, nullptr}, {{0, found}}, {"detect u"}, 0, 3, "found:1", "(null)"},
-        {{5, true, pac, list, nullptr}, {}, {}, 5, 1, "(null)", "(null)"},
+        {{0, true}, {{NotDetected, found, local}}, {detect}, 0, nothing},
+        {{0, true, pac, list}, {{OtherFailure}}, {detect}, OtherFailure, nothing},
+        {{0, false, pac, list}, {{OtherFailure}}, {script}, OtherFailure, nothing},
+        {{2}, {{NotDetected}}, {detect}, 0, nothing},
+        {{2}, {{0, found}}, {detect}, 0, "3 found:1 (null)"},
+        {{5, true, pac, list}, {}, {}, 5, nothing},
     };
     for (const auto &c : cases)
     {
@@ -184,9 +152,8 @@ TEST(ProxyDiscovery, TakesTheFirstWayThatWorks)
         EXPECT_EQ(DiscoverProxy(TEXT("u"), setting, lookup), c.error);
         EXPECT_EQ(lookup.Record.Lines(), c.lines);
         EXPECT_TRUE(lookup.AllWereAsked());
-        EXPECT_EQ(setting.AccessType, c.accessType);
-        EXPECT_EQ(Shown(setting.Proxy), c.proxy);
-        EXPECT_EQ(Shown(setting.Bypass), c.bypass);
+        EXPECT_EQ(std::to_string(setting.AccessType) + " " + Shown(setting.Proxy) + " " + Shown(setting.Bypass),
+                  c.setting);
     }
 }
 
@@ -234,10 +201,10 @@ TEST(SendThroughProxy, SetsTheListsThatThereAreAndGivesTheResultOfSending)
         setting.AccessType = c.accessType;
         setting.Proxy = GlobalTextOwner(GlobalText(c.proxy));
         setting.Bypass = GlobalTextOwner(GlobalText(c.bypass));
-        http.ProxyResult = E_INVALIDARG;
         for (const HRESULT result : {S_OK, HRESULT_FROM_WIN32(ERROR_WINHTTP_CANNOT_CONNECT)})
         {
-            http.SendResult = result;
+            record.FailOperation("proxy", E_INVALIDARG);
+            record.FailOperation("send", result);
             EXPECT_EQ(SendThroughProxy(setting, *request.Get(), VARIANT{}), result);
             EXPECT_EQ(record.Lines(), c.lines);
             record.Clear();

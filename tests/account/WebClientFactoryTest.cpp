@@ -6,7 +6,9 @@
 #include "core/VersionBlock.h"
 #include "tests/doubles/FakeWebComponents.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+
+using testing::ElementsAre;
 
 namespace
 {
@@ -18,9 +20,9 @@ AccountRecord WithTokens(const WCHAR *token, const WCHAR *secret)
     return account;
 }
 
-WideText Plain(const SecuredString &record)
+std::string Plain(const SecuredString &record)
 {
-    const WideText text = OpenSecuredString(record);
+    const std::string text = Narrow(OpenSecuredString(record));
     CloseSecuredString(record);
     return text;
 }
@@ -33,21 +35,17 @@ TEST(WebClientFactory, SetsUpAClientOfItsOwnForEachUse)
     const auto other = CreateWebClient(AccountRecord(), VersionBlock());
     ASSERT_TRUE(client && other);
     EXPECT_NE(client.Get(), other.Get());
-    EXPECT_EQ(web.Operations(), (std::vector<std::string>{"Create IOAuthWebClient", "SetService", "SetAccessToken",
-                                                          "Create IOAuthWebClient", "SetService"}));
-    const std::vector<WideText> service = {TEXT("Halvora/1.96.0.401"),
-                                           TEXT("https://api.flickr.com/services/rest"),
-                                           TEXT("HMAC-SHA1"),
-                                           Plain(ApplicationKey.Head),
-                                           Plain(ApplicationSecret.Head),
-                                           TEXT("http://www.flickr.com/services/oauth/request_token"),
-                                           TEXT("http://www.flickr.com/services/oauth/authorize"),
-                                           TEXT("http://www.flickr.com/services/oauth/access_token"),
-                                           TEXT("http://authorization.halvora.example/flickr/authorization/"),
-                                           TEXT("0")};
-    EXPECT_EQ(web.Calls()[1].Arguments, service);
-    EXPECT_EQ(web.Calls()[2].Arguments, (std::vector<WideText>{TEXT("t"), TEXT("s")}));
-    EXPECT_EQ(web.Calls()[4].Arguments[0], TEXT("Halvora/0.0.0.0"));
+    EXPECT_THAT(web.Operations(), ElementsAre("Create IOAuthWebClient", "SetService", "SetAccessToken",
+                                              "Create IOAuthWebClient", "SetService"));
+    EXPECT_THAT(web.CallsOf("SetService").at(0).Arguments,
+                ElementsAre("Halvora/1.96.0.401", "https://api.flickr.com/services/rest", "HMAC-SHA1",
+                            Plain(ApplicationKey.Head), Plain(ApplicationSecret.Head),
+                            "http://www.flickr.com/services/oauth/request_token",
+                            "http://www.flickr.com/services/oauth/authorize",
+                            "http://www.flickr.com/services/oauth/access_token",
+                            "http://authorization.halvora.example/flickr/authorization/", "0"));
+    EXPECT_THAT(web.LinesOf("SetAccessToken "), ElementsAre("t s"));
+    EXPECT_EQ(web.CallsOf("SetService").at(1).Arguments[0], "Halvora/0.0.0.0");
 }
 
 TEST(WebClientFactory, HalfATokenPairIsNone)

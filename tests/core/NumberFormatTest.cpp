@@ -81,10 +81,11 @@ TEST(NumberFormat, RefusesWhatItCannotFormat)
         EXPECT_EQ(WideView(text), WideView(TEXT("before")));
     }
 
-    for (double value : {1e300, std::numeric_limits<double>::infinity()})
+    for (const auto &[value, code] :
+         {std::pair(1e300, 0x8007007Au), std::pair(std::numeric_limits<double>::infinity(), 0x80070057u)})
     {
         WCHAR text[64] = TEXT("before");
-        EXPECT_TRUE(FAILED(FormatNumber(format, {.Double = value}, NUMBER_DOUBLE, 30, text)));
+        EXPECT_EQ(FormatNumber(format, {.Double = value}, NUMBER_DOUBLE, 30, text), static_cast<HRESULT>(code));
         EXPECT_EQ(WideView(text), WideView());
     }
 }

@@ -52,7 +52,27 @@ TEST(TextPieces, SplitsAndStrips)
                 ElementsAre(WideView(TEXT("a")), WideView(TEXT(" b ")), WideView(TEXT("c"))));
     EXPECT_TRUE(SplitText(TEXT(";;;"), TEXT(';')).empty());
     EXPECT_EQ(StripWhiteSpace(TEXT(" \t\r\n a b\u2003\n")), WideView(TEXT("a b")));
-    EXPECT_EQ(StripWhiteSpace(TEXT(" \t ")), WideView());
+    const WideText white =
+        TEXT("\t\n\v\f\r \u0085\u00A0\u1680\u2000\u2001\u2009\u200A\u2028\u2029\u202F\u205F\u3000");
+    const WideText notWhite =
+        TEXT("\b\u000E\u001F!\u0084\u0086\u009F\u00A1\u167F\u1681\u1FFF\u200B\u2027\u202A\u202E\u2030")
+            TEXT("\u205E\u2060\u2FFF\u3001");
+    EXPECT_EQ(StripWhiteSpace(white), WideView());
+    for (const WCHAR unit : notWhite)
+    {
+        EXPECT_FALSE(IsWhiteSpace(unit)) << static_cast<int>(unit);
+    }
+    const std::pair<const WCHAR *, int> numbers[] = {{TEXT("3;2;0"), 3},
+                                                     {TEXT("9081/"), 9081},
+                                                     {TEXT("7:"), 7},
+                                                     {TEXT("x9"), 0},
+                                                     {TEXT(""), 0},
+                                                     {TEXT("2147483646"), 2147483646},
+                                                     {TEXT("99999999999999999999"), 2147483647}};
+    for (const auto &[text, number] : numbers)
+    {
+        EXPECT_EQ(LeadingNumber(text), number);
+    }
     EXPECT_TRUE(EqualsIgnoringCase(TEXT("JFIF"), TEXT("jfif")));
     EXPECT_FALSE(EqualsIgnoringCase(TEXT("jpg"), TEXT("jpgx")));
     EXPECT_FALSE(EqualsIgnoringCase(TEXT("[@"), TEXT("{`")));

@@ -1,40 +1,46 @@
 #include "tests/doubles/CallRecord.h"
 
+#include <algorithm>
+#include <filesystem>
+
 std::string Narrow(WideView text)
 {
-    std::string bytes;
-    for (size_t i = 0; i < text.size(); ++i)
-    {
-        UINT32 code = static_cast<UINT16>(text[i]);
-        if (code >= 0xD800 && code < 0xDC00 && i + 1 < text.size())
-        {
-            code = 0x10000 + ((code - 0xD800) << 10) + (static_cast<UINT16>(text[++i]) - 0xDC00);
-        }
-        if (code < 0x80)
-        {
-            bytes += static_cast<char>(code);
-            continue;
-        }
-        const int following = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
-        bytes += static_cast<char>((0xFF00 >> (following + 1) & 0xFF) | code >> (6 * following));
-        for (int shift = 6 * (following - 1); shift >= 0; shift -= 6)
-        {
-            bytes += static_cast<char>(0x80 | (code >> shift & 0x3F));
-        }
-    }
-    return bytes;
+    const std::u8string bytes = std::filesystem::path(text).u8string();
+    return std::string(bytes.begin(), bytes.end());
 }
 
-void CallRecord::Add(std::string line)
+HRESULT CallRecord::Enter(std::string operation, std::vector<std::string> arguments)
 {
-    const std::lock_guard guard(m_lock);
-    m_lines.push_back(std::move(line));
+    HRESULT result = S_OK;
+    for (Failure &failure : m_failures)
+    {
+        const bool isMeant = failure.Operation.empty() || failure.Operation == operation;
+        if (isMeant && failure.CallsUntil-- == 1)
+        {
+            result = failure.Code;
+        }
+    }
+    m_calls.push_back({operation, std::move(arguments)});
+    if (OnCall)
+    {
+        OnCall(operation);
+    }
+    return result;
 }
 
 std::vector<std::string> CallRecord::Lines() const
 {
-    const std::lock_guard guard(m_lock);
-    return m_lines;
+    std::vector<std::string> lines;
+    for (const Call &call : m_calls)
+    {
+        std::string line = call.Operation;
+        for (const std::string &argument : call.Arguments)
+        {
+            line += (argument.empty() ? "" : " ") + argument;
+        }
+        lines.push_back(std::move(line));
+    }
+    return lines;
 }
 
 std::vector<std::string> CallRecord::LinesOf(const std::string &prefix) const
@@ -50,8 +56,24 @@ std::vector<std::string> CallRecord::LinesOf(const std::string &prefix) const
     return found;
 }
 
-void CallRecord::Clear()
+std::vector<std::string> CallRecord::Operations() const
 {
-    const std::lock_guard guard(m_lock);
-    m_lines.clear();
+    std::vector<std::string> operations;
+    for (const Call &call : m_calls)
+    {
+        operations.push_back(call.Operation);
+    }
+    return operations;
+}
+
+std::vector<Call> CallRecord::CallsOf(const std::string &operation) const
+{
+    std::vector<Call> calls = m_calls;
+    std::erase_if(calls, [&](const Call &call) { return call.Operation != operation; });
+    return calls;
+}
+
+void CallRecord::FailOperation(const std::string &operation, HRESULT code, size_t nth)
+{
+    m_failures.push_back({operation, nth, code});
 }

@@ -1,4 +1,5 @@
-#include "tests/doubles/FakeDecoding.h"
+// The reading half.
+#include "tests/doubles/FakeImaging.h"
 
 #include <wincodecsdk.h>
 
@@ -6,15 +7,6 @@
 
 namespace
 {
-class BlockReader final : public ComObject<BlockReader, IWICMetadataBlockReader>
-{
-public:
-    STDMETHODIMP GetContainerFormat(GUID *) override { return E_NOTIMPL; }
-    STDMETHODIMP GetCount(UINT *) override { return E_NOTIMPL; }
-    STDMETHODIMP GetReaderByIndex(UINT, IWICMetadataReader **) override { return E_NOTIMPL; }
-    STDMETHODIMP GetEnumerator(IEnumUnknown **) override { return E_NOTIMPL; }
-};
-
 // A frame of a decoder or, with the name "picture", the picture of a host.
 class Frame final : public ComObject<Frame, Answers<IWICBitmapFrameDecode, IWICBitmapSource>>
 {
@@ -33,7 +25,7 @@ public:
             return E_NOINTERFACE;
         }
         const HRESULT result = m_imaging.Calls.Enter(m_prefix + "BlockReader");
-        return FAILED(result) ? result : BlockReader::CreateInstance(nullptr, iid, object);
+        return FAILED(result) ? result : MakeFakeBlocks(m_imaging, iid, object);
     }
 
     STDMETHODIMP GetSize(UINT *width, UINT *height) override
@@ -51,7 +43,7 @@ public:
     STDMETHODIMP GetColorContexts(UINT wanted, IWICColorContext **contexts, UINT *count) override
     {
         const bool isGiven = wanted == 1 && contexts != nullptr && contexts[0] != nullptr;
-        const HRESULT result = m_imaging.Calls.Enter(m_prefix + "GetColorContexts", isGiven ? "1" : "?");
+        const HRESULT result = m_imaging.Calls.Enter(m_prefix + "GetColorContexts", {isGiven ? "1" : "?"});
         *count = FAILED(result) ? 0 : Name == "frame" ? m_imaging.ProfileCount : m_imaging.OtherProfileCount;
         return result;
     }
@@ -114,7 +106,8 @@ public:
 private:
     HRESULT Enter(const char *operation, const std::string &details)
     {
-        return m_imaging.Calls.Enter((m_prefix.empty() ? "Decoder." : m_prefix + "decoder.") + operation, details);
+        return m_imaging.Calls.Enter((m_prefix.empty() ? "Decoder." : m_prefix + "decoder.") + operation,
+                                     {details});
     }
 
     FakeImaging &m_imaging;
@@ -123,14 +116,9 @@ private:
 };
 } // namespace
 
-ComPtr<IWICBitmapDecoder> MakeFakeDecoder(FakeImaging &imaging, const std::string &prefix)
+ComPtr<IWICBitmapDecoder> MakeFakeDecoder(FakeImaging &imaging, const std::string &prefix, const GUID &format)
 {
-    return Decoder::Make(imaging, prefix, GUID_ContainerFormatJpeg);
-}
-
-ComPtr<IWICBitmapDecoder> MakeFakeDecoder(FakeImaging &imaging, const GUID &format)
-{
-    return Decoder::Make(imaging, std::string(), format);
+    return Decoder::Make(imaging, prefix, format);
 }
 
 ComPtr<IWICBitmapSource> FakeImaging::MakePicture()

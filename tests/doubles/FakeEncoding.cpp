@@ -1,7 +1,5 @@
-#include "tests/doubles/FakeEncoding.h"
-
-#include "tests/doubles/CallRecord.h"
-#include "tests/doubles/FakeDecoding.h"
+// The writing half.
+#include "tests/doubles/FakeImaging.h"
 
 #include <ocidl.h>
 #include <wincodecsdk.h>
@@ -52,7 +50,7 @@ public:
                                  option.clsid == GUID{};
             line += isPlain ? "" : "?";
         }
-        return m_imaging.Calls.Enter("Options.Write", line);
+        return m_imaging.Calls.Enter("Options.Write", {line});
     }
     STDMETHODIMP Read(ULONG, PROPBAG2 *, IErrorLog *, VARIANT *, HRESULT *) override { return E_NOTIMPL; }
     STDMETHODIMP CountProperties(ULONG *) override { return E_NOTIMPL; }
@@ -63,14 +61,15 @@ private:
     FakeImaging &m_imaging;
 };
 
-class BlockWriter final : public ComObject<BlockWriter, IWICMetadataBlockWriter>
+// The metadata blocks of a source or of a new frame.
+class Blocks final : public ComObject<Blocks, Answers<IWICMetadataBlockWriter, IWICMetadataBlockReader>>
 {
 public:
-    explicit BlockWriter(FakeImaging &imaging) : m_imaging(imaging) {}
+    explicit Blocks(FakeImaging &imaging) : m_imaging(imaging) {}
 
     STDMETHODIMP InitializeFromBlockReader(IWICMetadataBlockReader *reader) override
     {
-        return m_imaging.Calls.Enter("Frame.InitializeFromBlockReader", reader ? "" : "(null)");
+        return m_imaging.Calls.Enter("Frame.InitializeFromBlockReader", {reader ? "" : "(null)"});
     }
     STDMETHODIMP GetContainerFormat(GUID *) override { return E_NOTIMPL; }
     STDMETHODIMP GetCount(UINT *) override { return E_NOTIMPL; }
@@ -93,11 +92,11 @@ public:
     STDMETHODIMP SetMetadataByName(LPCWSTR name, const PROPVARIANT *value) override
     {
         const std::string shown = value->vt == VT_UI2 ? "VT_UI2=" + std::to_string(value->uiVal) : "?";
-        return m_imaging.Calls.Enter("Metadata.Set", Narrow(name) + " " + shown);
+        return m_imaging.Calls.Enter("Metadata.Set", {Narrow(name), shown});
     }
     STDMETHODIMP RemoveMetadataByName(LPCWSTR name) override
     {
-        return m_imaging.Calls.Enter("Metadata.Remove", Narrow(name));
+        return m_imaging.Calls.Enter("Metadata.Remove", {Narrow(name)});
     }
     STDMETHODIMP GetContainerFormat(GUID *) override { return E_NOTIMPL; }
     STDMETHODIMP GetLocation(UINT, WCHAR *, UINT *) override { return E_NOTIMPL; }
@@ -120,7 +119,7 @@ public:
             return E_NOINTERFACE;
         }
         const HRESULT result = Enter("BlockWriter");
-        return FAILED(result) ? result : BlockWriter::CreateInstance(nullptr, iid, object, m_imaging);
+        return FAILED(result) ? result : MakeFakeBlocks(m_imaging, iid, object);
     }
 
     STDMETHODIMP Initialize(IPropertyBag2 *options) override
@@ -168,7 +167,7 @@ public:
 private:
     HRESULT Enter(const char *operation, const std::string &details = {})
     {
-        return m_imaging.Calls.Enter(std::string("Frame.") + operation, details);
+        return m_imaging.Calls.Enter(std::string("Frame.") + operation, {details});
     }
 
     FakeImaging &m_imaging;
@@ -183,12 +182,12 @@ public:
     STDMETHODIMP Initialize(IStream *stream, WICBitmapEncoderCacheOption option) override
     {
         m_stream = ComPtr<IStream>(stream);
-        return m_imaging.Calls.Enter("Encoder.Initialize", std::to_string(option));
+        return m_imaging.Calls.Enter("Encoder.Initialize", {std::to_string(option)});
     }
     STDMETHODIMP CreateNewFrame(IWICBitmapFrameEncode **frame, IPropertyBag2 **options) override
     {
         *frame = nullptr;
-        const HRESULT result = m_imaging.Calls.Enter("Encoder.CreateNewFrame", options ? "with options" : "");
+        const HRESULT result = m_imaging.Calls.Enter("Encoder.CreateNewFrame", {options ? "with options" : ""});
         if (FAILED(result))
         {
             return result;
@@ -232,4 +231,9 @@ ComPtr<IWICBitmapEncoder> MakeFakeEncoder(FakeImaging &imaging)
 ComPtr<IPropertyBag2> MakeFakeOptionBag(FakeImaging &imaging)
 {
     return OptionBag::Make(imaging);
+}
+
+HRESULT MakeFakeBlocks(FakeImaging &imaging, REFIID iid, void **object)
+{
+    return Blocks::CreateInstance(nullptr, iid, object, imaging);
 }

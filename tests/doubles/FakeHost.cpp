@@ -70,13 +70,12 @@ HRESULT FakeImageMetadata::ReadImageMetadata(LPCWSTR path, INT32 reserved, INT32
 {
     const bool isTextsOnly = source == nullptr && flags == READ_METADATA_ONLY && longEdge == 0 && reserved == 0;
     const bool isWithPicture = source != nullptr && flags == READ_METADATA_AND_PICTURE && reserved == 0;
-    m_record.Add("read " + Narrow(path) + (isTextsOnly ? "" : " with the picture"));
-    HRESULT result = Result;
+    HRESULT result = m_record.Enter("read", {Narrow(path), isTextsOnly ? "" : "with the picture"});
     if (Calls && SUCCEEDED(result))
     {
-        result = Calls->Enter("ReadImageMetadata", isTextsOnly     ? "only"
-                                                   : isWithPicture ? "with picture of " + std::to_string(longEdge)
-                                                                   : "?");
+        result = Calls->Enter("ReadImageMetadata", {isTextsOnly     ? "only"
+                                                    : isWithPicture ? "with picture of " + std::to_string(longEdge)
+                                                                    : "?"});
     }
     if (source)
     {
@@ -130,26 +129,25 @@ HRESULT FakeImageMetadata::WriteImageMetadata(IWICMetadataQueryWriter *writer, I
               record->Iptc.Word14 == read.Iptc.Word14,
           AllNull(record->Iptc.Texts) && std::ranges::equal(record->Iptc.Head, blankHead) &&
               record->Iptc.Word10 == 1 && record->Iptc.Word14 == 0x80000000);
-    return Calls->Enter("WriteImageMetadata", line);
+    return Calls->Enter("WriteImageMetadata", {line});
 }
 
 FakeHost::FakeHost(CallRecord &record) : Metadata(FakeImageMetadata::Make(record)), m_record(record) {}
 
 HRESULT FakeHost::QueryFurther(REFIID iid, void **object) noexcept
 {
-    if (iid == __uuidof(IHalvoraImageMetadata) && Metadata)
+    if (iid != __uuidof(IHalvoraImageMetadata))
     {
-        return Metadata->QueryInterface(iid, object);
+        return E_NOINTERFACE;
     }
-    return E_NOINTERFACE;
+    return OtherMetadata ? OtherMetadata->QueryInterface(iid, object) : Metadata->QueryInterface(iid, object);
 }
 
 HRESULT FakeHost::GetItemList(INT32 *count, HGLOBAL *items) noexcept
 {
-    m_record.Add("list");
-    if (FAILED(ListResult))
+    if (const HRESULT result = m_record.Enter("list"); FAILED(result))
     {
-        return ListResult;
+        return result;
     }
     *count = static_cast<INT32>(Items.size());
     if (!ListCanBeLocked)

@@ -1,12 +1,11 @@
 // A host whose list of items and metadata the test sets.
 //
-// Lines of the record: "log LEVEL MESSAGE", "list", "item N", "read PATH".
+// Calls of the record: "log LEVEL MESSAGE", "list", "item N", "read PATH"; "list" and "read" can fail.
 #pragma once
 
 #include "com/ComObject.h"
 #include "com/HandleOwner.h"
 #include "tests/doubles/CallRecord.h"
-#include "tests/doubles/CallScript.h"
 
 #include "HostContract.h"
 
@@ -20,7 +19,6 @@ class FakeImageMetadata final : public ComObject<FakeImageMetadata, IHalvoraImag
 public:
     explicit FakeImageMetadata(CallRecord &record) : m_record(record) {}
 
-    HRESULT Result = S_OK;
     std::optional<WideText> Caption;
     std::optional<WideText> Description;
     std::optional<WideText> Keywords;
@@ -31,7 +29,7 @@ public:
     // for a test that makes no new picture. The line of a writing has its flags, the size and resolution of
     // the record, and the groups that the record holds: "exif" as it was read, nothing for a blank one,
     // "exif?" for one that is neither.
-    CallScript *Calls = nullptr;
+    CallRecord *Calls = nullptr;
 
     // Makes the picture for a call that asks for one.
     std::function<ComPtr<IWICBitmapSource>()> Picture;
@@ -59,10 +57,10 @@ public:
         std::optional<WideText> Extensions;
     };
     std::vector<Item> Items;
-    HRESULT ListResult = S_OK;
     bool ListCanBeLocked = true;
-    ComPtr<FakeImageMetadata> Metadata; // null: a host without a reader
-    std::function<void(size_t)> OnItem; // called when the record of an item is asked for
+    ComPtr<FakeImageMetadata> Metadata;
+    ComPtr<IHalvoraImageMetadata> OtherMetadata; // in place of Metadata
+    std::function<void(size_t)> OnItem;          // called when the record of an item is asked for
 
     bool IsListLocked() const
     {

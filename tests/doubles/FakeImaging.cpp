@@ -1,8 +1,5 @@
 #include "tests/doubles/FakeImaging.h"
 
-#include "tests/doubles/FakeDecoding.h"
-#include "tests/doubles/FakeEncoding.h"
-
 #include <windows.h>
 #include <wincodec.h>
 
@@ -48,23 +45,24 @@ public:
         {
             return FAILED(result) ? result : WINCODEC_ERR_COMPONENTNOTFOUND;
         }
-        *decoder = MakeFakeDecoder(m_imaging, *format).Detach();
+        *decoder = MakeFakeDecoder(m_imaging, "", *format).Detach();
         return S_OK;
     }
     STDMETHODIMP CreateDecoder(REFGUID format, const GUID *vendor, IWICBitmapDecoder **decoder) override
     {
         *decoder = nullptr;
-        const HRESULT result = m_imaging.Calls.Enter("CreateDecoder", NameOf(format, vendor));
+        const HRESULT result = m_imaging.Calls.Enter("CreateDecoder", {NameOf(format, vendor)});
         if (SUCCEEDED(result))
         {
-            *decoder = MakeFakeDecoder(m_imaging, vendor && *vendor == OtherVendor ? "Other " : "").Detach();
+            const char *const prefix = vendor && *vendor == OtherVendor ? "Other " : "";
+            *decoder = MakeFakeDecoder(m_imaging, prefix, GUID_ContainerFormatJpeg).Detach();
         }
         return result;
     }
     STDMETHODIMP CreateEncoder(REFGUID format, const GUID *vendor, IWICBitmapEncoder **encoder) override
     {
         *encoder = nullptr;
-        const HRESULT result = m_imaging.Calls.Enter("CreateEncoder", NameOf(format, vendor));
+        const HRESULT result = m_imaging.Calls.Enter("CreateEncoder", {NameOf(format, vendor)});
         if (SUCCEEDED(result))
         {
             *encoder = MakeFakeEncoder(m_imaging).Detach();

@@ -8,10 +8,11 @@
 // than Microsoft and of its frame are "Other decoder." and "Other source.".
 #pragma once
 
-#include "tests/doubles/CallScript.h"
+#include "com/ComPtr.h"
+#include "tests/doubles/CallRecord.h"
 #include "tests/doubles/ClassInPlace.h"
 
-#include <windows.h>
+#include <ocidl.h>
 #include <wincodec.h>
 
 #include <string>
@@ -22,7 +23,7 @@ class FakeImaging
 public:
     FakeImaging();
 
-    CallScript Calls;
+    CallRecord Calls;
 
     // Size and resolution of every picture, and the number of profiles of the two kinds of frame.
     UINT Width = 800;
@@ -41,3 +42,16 @@ public:
 private:
     ClassInPlace m_factory;
 };
+
+// The parts, which record their calls in its Calls. A decoder is of one container, and puts prefix, "" or "Other ",
+// before the names of its calls.
+ComPtr<IWICBitmapDecoder> MakeFakeDecoder(FakeImaging &imaging, const std::string &prefix, const GUID &format);
+ComPtr<IWICBitmapEncoder> MakeFakeEncoder(FakeImaging &imaging);
+ComPtr<IPropertyBag2> MakeFakeOptionBag(FakeImaging &imaging);
+HRESULT MakeFakeBlocks(FakeImaging &imaging, REFIID iid, void **object);
+
+// The container of a stream by its first bytes; null if it is unknown.
+const GUID *ContainerOf(IStream *stream);
+
+// "frame", "other frame", "picture" for those of the fakes, else "?".
+std::string NameOfSource(IUnknown *source);

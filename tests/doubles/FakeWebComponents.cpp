@@ -2,7 +2,6 @@
 
 #include "com/BstrOwner.h"
 #include "com/ComObject.h"
-#include "tests/doubles/CallRecord.h"
 #include "tests/doubles/MemoryStream.h"
 #include "tests/doubles/ReplyDocuments.h"
 
@@ -13,20 +12,26 @@
 
 namespace
 {
-WideText Text(LPCWSTR text)
+std::string Text(LPCWSTR text)
 {
-    return text ? WideText(text) : WideText(TEXT("(null)"));
+    return text ? Narrow(text) : "(null)";
 }
 
-WideText Text(UINT_PTR number)
+std::string Text(UINT_PTR number)
 {
-    const std::string digits = std::to_string(number);
-    return WideText(digits.begin(), digits.end());
+    return std::to_string(number);
 }
 
-WideText Present(IUnknown *object)
+std::string Present(IUnknown *object)
 {
-    return object ? TEXT("(object)") : TEXT("(null)");
+    return object ? "(object)" : "(null)";
+}
+
+// Hands out a text where the call succeeds.
+HRESULT Give(HRESULT result, BSTR *target, WideView text)
+{
+    *target = SUCCEEDED(result) ? BstrOwner(text).Detach() : nullptr;
+    return result;
 }
 
 std::string ReadAll(IStream *stream, size_t most)
@@ -53,30 +58,30 @@ public:
 
     STDMETHODIMP Add(LPCWSTR name, VARIANT value) override
     {
-        const std::string number = std::to_string(V_VT(&value) == VT_I4 ? INT64{V_I4(&value)} : V_UI4(&value));
-        const WideText text =
-            V_VT(&value) == VT_BSTR ? Text(V_BSTR(&value)) : WideText(number.begin(), number.end());
+        const std::string text = V_VT(&value) == VT_BSTR ? Text(V_BSTR(&value))
+                                 : V_VT(&value) == VT_I4 ? std::to_string(V_I4(&value))
+                                                         : std::to_string(V_UI4(&value));
         if (V_VT(&value) != VT_BSTR && V_VT(&value) != VT_I4 && V_VT(&value) != VT_UI4)
         {
             ADD_FAILURE() << "a parameter of type " << V_VT(&value);
         }
-        const HRESULT result = m_record.Record("Add", {Text(name), text});
+        const HRESULT result = m_record.Enter("Add", {Text(name), text});
         if (SUCCEEDED(result))
         {
-            m_list += WideText(m_list.empty() ? TEXT("") : TEXT("&")) + name + TEXT("=") + text;
+            m_list += (m_list.empty() ? "" : "&") + Narrow(name) + "=" + text;
         }
         return result;
     }
 
-    static WideText List(IRequestParameters *parameters)
+    static std::string List(IRequestParameters *parameters)
     {
         auto *fake = dynamic_cast<FakeParameters *>(parameters);
-        return fake ? fake->m_list : Text(LPCWSTR{nullptr});
+        return fake ? fake->m_list : "(null)";
     }
 
 private:
     FakeWebComponents &m_record;
-    WideText m_list;
+    std::string m_list;
 };
 
 // Its body is a line "name=value" for each field and each file's bytes as they are.
@@ -88,20 +93,20 @@ public:
     STDMETHODIMP AddNumberField(LPCWSTR name, UINT32 value) override
     {
         m_body += Narrow(name) + "=" + std::to_string(value) + "\n";
-        return m_record.Record("AddNumberField", {Text(name), Text(value)});
+        return m_record.Enter("AddNumberField", {Text(name), Text(value)});
     }
 
     STDMETHODIMP AddTextField(LPCWSTR name, LPCWSTR value) override
     {
         m_body += Narrow(name) + "=" + Narrow(value ? value : TEXT("")) + "\n";
-        return m_record.Record("AddTextField", {Text(name), Text(value)});
+        return m_record.Enter("AddTextField", {Text(name), Text(value)});
     }
 
     STDMETHODIMP AddFilePart(LPCWSTR name, IStream *content, LPCWSTR mimeType, LPCWSTR fileName,
                              UINT_PTR reserved1, UINT_PTR reserved2) override
     {
-        const HRESULT result = m_record.Record("AddFilePart", {Text(name), Present(content), Text(mimeType),
-                                                               Text(fileName), Text(reserved1), Text(reserved2)});
+        const HRESULT result = m_record.Enter("AddFilePart", {Text(name), Present(content), Text(mimeType),
+                                                              Text(fileName), Text(reserved1), Text(reserved2)});
         if (SUCCEEDED(result) && content != nullptr)
         {
             m_record.FileParts.push_back(ReadAll(content, SIZE_MAX));
@@ -113,18 +118,12 @@ public:
     STDMETHODIMP GetBodyLength(UINT32 *length) override
     {
         *length = m_record.BodyLength.value_or(static_cast<UINT32>(m_body.size()));
-        return m_record.Record("GetBodyLength");
+        return m_record.Enter("GetBodyLength");
     }
 
     STDMETHODIMP GetContentType(BSTR *contentType) override
     {
-        *contentType = nullptr;
-        const HRESULT result = m_record.Record("GetContentType");
-        if (SUCCEEDED(result))
-        {
-            *contentType = BstrOwner(TEXT("multipart/form-data; boundary=fake")).Detach();
-        }
-        return result;
+        return Give(m_record.Enter("GetContentType"), contentType, TEXT("multipart/form-data; boundary=fake"));
     }
 
     HRESULT QueryFurther(REFIID iid, void **object)
@@ -133,7 +132,7 @@ public:
         {
             return E_NOINTERFACE;
         }
-        const HRESULT result = m_record.Record("QueryInterface IStream");
+        const HRESULT result = m_record.Enter("QueryInterface IStream");
         return FAILED(result) ? result : MemoryStream::CreateInstance(nullptr, iid, object, m_body);
     }
 
@@ -152,40 +151,28 @@ public:
                             LPCWSTR authorizeUrl, LPCWSTR accessTokenUrl, LPCWSTR callbackUrl,
                             UINT_PTR reserved) override
     {
-        return m_record.Record("SetService",
-                               {Text(userAgent), Text(restEndpoint), Text(signatureMethod), Text(applicationKey),
-                                Text(applicationSecret), Text(requestTokenUrl), Text(authorizeUrl),
-                                Text(accessTokenUrl), Text(callbackUrl), Text(reserved)});
+        return m_record.Enter("SetService",
+                              {Text(userAgent), Text(restEndpoint), Text(signatureMethod), Text(applicationKey),
+                               Text(applicationSecret), Text(requestTokenUrl), Text(authorizeUrl),
+                               Text(accessTokenUrl), Text(callbackUrl), Text(reserved)});
     }
 
     STDMETHODIMP GetAuthorizationUrl(UINT32 flags, IRequestParameters *parameters, BSTR *url) override
     {
-        *url = nullptr;
-        const HRESULT result =
-            m_record.Record("GetAuthorizationUrl", {Text(flags), FakeParameters::List(parameters)});
-        if (SUCCEEDED(result))
-        {
-            *url = BstrOwner(m_record.AuthorizationUrl).Detach();
-        }
-        return result;
+        return Give(m_record.Enter("GetAuthorizationUrl", {Text(flags), FakeParameters::List(parameters)}), url,
+                    m_record.AuthorizationUrl);
     }
 
     STDMETHODIMP GetAccessToken(UINT32 flags, LPCWSTR verifier, BSTR *token, BSTR *tokenSecret) override
     {
-        *token = nullptr;
-        *tokenSecret = nullptr;
-        const HRESULT result = m_record.Record("GetAccessToken", {Text(flags), Text(verifier)});
-        if (SUCCEEDED(result))
-        {
-            *token = BstrOwner(m_record.AccessToken).Detach();
-            *tokenSecret = BstrOwner(m_record.AccessTokenSecret).Detach();
-        }
-        return result;
+        const HRESULT result = m_record.Enter("GetAccessToken", {Text(flags), Text(verifier)});
+        Give(result, token, m_record.AccessToken);
+        return Give(result, tokenSecret, m_record.AccessTokenSecret);
     }
 
     STDMETHODIMP SetAccessToken(LPCWSTR token, LPCWSTR tokenSecret) override
     {
-        return m_record.Record("SetAccessToken", {Text(token), Text(tokenSecret)});
+        return m_record.Enter("SetAccessToken", {Text(token), Text(tokenSecret)});
     }
 
     STDMETHODIMP RestRequest(LPCWSTR resource, LPCWSTR method, IRequestParameters *headers,
@@ -193,8 +180,8 @@ public:
     {
         *reply = nullptr;
         const HRESULT result =
-            m_record.Record("RestRequest", {Text(resource), Text(method), FakeParameters::List(headers),
-                                            FakeParameters::List(fields), Text(reserved)});
+            m_record.Enter("RestRequest", {Text(resource), Text(method), FakeParameters::List(headers),
+                                           FakeParameters::List(fields), Text(reserved)});
         return FAILED(result) ? result : m_record.TakeAnswer(reply);
     }
 
@@ -204,10 +191,10 @@ public:
                                IUnknown **reply) override
     {
         *reply = nullptr;
-        HRESULT result = m_record.Record("UploadRequest",
-                                         {Text(url), Text(resource), Text(method), FakeParameters::List(headers),
-                                          FakeParameters::List(query), FakeParameters::List(fields), Present(body),
-                                          Text(bodyLength), Present(callback), Text(reserved)});
+        HRESULT result = m_record.Enter("UploadRequest",
+                                        {Text(url), Text(resource), Text(method), FakeParameters::List(headers),
+                                         FakeParameters::List(query), FakeParameters::List(fields), Present(body),
+                                         Text(bodyLength), Present(callback), Text(reserved)});
         if (FAILED(result))
         {
             return result;
@@ -230,13 +217,7 @@ public:
 
     STDMETHODIMP GetMimeTypeForFile(LPCWSTR fileName, BSTR *mimeType) override
     {
-        *mimeType = nullptr;
-        const HRESULT result = m_record.Record("GetMimeTypeForFile", {Text(fileName)});
-        if (SUCCEEDED(result))
-        {
-            *mimeType = BstrOwner(m_record.MimeType).Detach();
-        }
-        return result;
+        return Give(m_record.Enter("GetMimeTypeForFile", {Text(fileName)}), mimeType, m_record.MimeType);
     }
 
     STDMETHODIMP Reserved1() override { return Unexpected(); }
@@ -257,7 +238,7 @@ template <class Fake>
 ClassInPlace::Create Creating(FakeWebComponents &record, const char *operation)
 {
     return [&record, operation](REFIID iid, void **object) {
-        const HRESULT result = record.Record(operation);
+        const HRESULT result = record.Enter(operation);
         return FAILED(result) ? result : Fake::CreateInstance(nullptr, iid, object, record);
     };
 }
@@ -270,47 +251,11 @@ FakeWebComponents::FakeWebComponents()
 {
 }
 
-std::vector<WebCall> FakeWebComponents::Calls() const
+void FakeWebComponents::Clear()
 {
-    const std::scoped_lock lock(m_lock);
-    return m_calls;
-}
-
-std::vector<WebCall> FakeWebComponents::CallsOf(std::string_view operation) const
-{
-    std::vector<WebCall> calls = Calls();
-    std::erase_if(calls, [&](const WebCall &call) { return call.Operation != operation; });
-    return calls;
-}
-
-std::vector<std::string> FakeWebComponents::Operations() const
-{
-    std::vector<std::string> operations;
-    for (const WebCall &call : Calls())
-    {
-        operations.push_back(call.Operation);
-    }
-    return operations;
-}
-
-void FakeWebComponents::ForgetCalls()
-{
-    const std::scoped_lock lock(m_lock);
-    m_calls.clear();
-    m_callCount = 0;
-    m_operationCounts.clear();
-}
-
-void FakeWebComponents::FailCall(size_t number, HRESULT code)
-{
-    const std::scoped_lock lock(m_lock);
-    m_failingCalls[m_callCount + number] = code;
-}
-
-void FakeWebComponents::FailOperation(const std::string &operation, HRESULT code, size_t nth)
-{
-    const std::scoped_lock lock(m_lock);
-    m_failingOperations[operation][m_operationCounts[operation] + nth] = code;
+    CallRecord::Clear();
+    FileParts.clear();
+    Bodies.clear();
 }
 
 void FakeWebComponents::Answer(WideView xml)
@@ -320,30 +265,11 @@ void FakeWebComponents::Answer(WideView xml)
 
 void FakeWebComponents::AnswerWith(HRESULT result, ComPtr<IUnknown> reply)
 {
-    const std::scoped_lock lock(m_lock);
     m_answers.push_back({result, std::move(reply)});
-}
-
-HRESULT FakeWebComponents::Record(std::string operation, std::vector<WideText> arguments)
-{
-    const std::scoped_lock lock(m_lock);
-    const size_t number = ++m_callCount;
-    const size_t nth = ++m_operationCounts[operation];
-    const auto &failingOperation = m_failingOperations[operation];
-    m_calls.push_back({std::move(operation), std::move(arguments)});
-    if (const auto failing = m_failingCalls.find(number); failing != m_failingCalls.end())
-    {
-        const HRESULT code = failing->second;
-        m_failingCalls.erase(failing);
-        return code;
-    }
-    const auto failing = failingOperation.find(nth);
-    return failing == failingOperation.end() ? S_OK : failing->second;
 }
 
 HRESULT FakeWebComponents::TakeAnswer(IUnknown **reply)
 {
-    const std::scoped_lock lock(m_lock);
     if (m_answers.empty())
     {
         ADD_FAILURE() << "a request for which no answer was prepared";

@@ -26,31 +26,27 @@ public:
         EXPECT_EQ(V_BOOL(&isAsync), VARIANT_FALSE);
         EXPECT_EQ(V_VT(&user), VT_EMPTY);
         EXPECT_EQ(V_VT(&password), VT_EMPTY);
-        m_fake.Record().Add("open " + Narrow(method) + " " + Narrow(url));
-        return m_fake.OpenResult;
+        return m_fake.Record().Enter("open", {Narrow(method), Narrow(url)});
     }
 
     STDMETHODIMP send(VARIANT body) noexcept override
     {
         EXPECT_EQ(V_VT(&body), VT_EMPTY);
-        m_fake.Record().Add("send");
-        return m_fake.SendResult;
+        return m_fake.Record().Enter("send");
     }
 
     STDMETHODIMP get_responseXML(IDispatch **document) noexcept override
     {
-        m_fake.Record().Add("read reply");
-        *document = SUCCEEDED(m_fake.ReplyResult) ? ComPtr<IDispatch>(m_fake.Reply).Detach() : nullptr;
-        return m_fake.ReplyResult;
+        const HRESULT result = m_fake.Record().Enter("read reply");
+        *document = SUCCEEDED(result) ? ComPtr<IDispatch>(m_fake.Reply).Detach() : nullptr;
+        return result;
     }
 
     // Reached through IServerXMLHTTPRequest2 alone.
     virtual HRESULT STDMETHODCALLTYPE setProxy(SXH_PROXY_SETTING setting, VARIANT servers,
                                                VARIANT bypassList) noexcept
     {
-        m_fake.Record().Add("proxy " + std::to_string(setting) + " " + ListText(servers) + " " +
-                            ListText(bypassList));
-        return m_fake.ProxyResult;
+        return m_fake.Record().Enter("proxy", {std::to_string(setting), ListText(servers), ListText(bypassList)});
     }
 
     STDMETHODIMP setRequestHeader(BSTR, BSTR) noexcept override { return Unexpected(); }
@@ -88,21 +84,19 @@ private:
 };
 
 template <class Interface>
-ClassInPlace::Create Creating(FakeXmlHttp &fake, const char *line, HRESULT FakeXmlHttp::*result)
+ClassInPlace::Create Creating(FakeXmlHttp &fake, const char *operation)
 {
-    return [&fake, line, result](REFIID iid, void **object) {
-        fake.Record().Add(line);
-        return FAILED(fake.*result) ? fake.*result
-                                    : FakeRequest<Interface>::CreateInstance(nullptr, iid, object, fake);
+    return [&fake, operation](REFIID iid, void **object) {
+        const HRESULT result = fake.Record().Enter(operation);
+        return FAILED(result) ? result : FakeRequest<Interface>::CreateInstance(nullptr, iid, object, fake);
     };
 }
 } // namespace
 
 FakeXmlHttp::FakeXmlHttp(CallRecord &record)
     : m_record(record),
-      m_server(CLSID_ServerXMLHTTP60,
-               Creating<IServerXMLHTTPRequest2>(*this, "create server", &FakeXmlHttp::ServerCreation)),
-      m_plain(CLSID_XMLHTTP60, Creating<IXMLHTTPRequest>(*this, "create plain", &FakeXmlHttp::PlainCreation))
+      m_server(CLSID_ServerXMLHTTP60, Creating<IServerXMLHTTPRequest2>(*this, "create server")),
+      m_plain(CLSID_XMLHTTP60, Creating<IXMLHTTPRequest>(*this, "create plain"))
 {
 }
 

@@ -2,23 +2,10 @@
 
 #include <algorithm>
 #include <cstring>
-#include <utility>
-
-void MemoryStream::FailCall(size_t number, HRESULT code)
-{
-    m_failing = number;
-    m_failure = code;
-}
-
-HRESULT MemoryStream::Record(std::string call)
-{
-    Calls.push_back(std::move(call));
-    return Calls.size() == m_failing ? m_failure : S_OK;
-}
 
 HRESULT MemoryStream::Read(void *target, ULONG length, ULONG *done)
 {
-    const HRESULT result = Record("Read " + std::to_string(length));
+    const HRESULT result = Calls.Enter("Read", {std::to_string(length)});
     size_t count = 0;
     if (SUCCEEDED(result) && Position < Content.size())
     {
@@ -32,7 +19,7 @@ HRESULT MemoryStream::Read(void *target, ULONG length, ULONG *done)
 
 HRESULT MemoryStream::Write(const void *source, ULONG length, ULONG *done)
 {
-    const HRESULT result = Record("Write " + std::to_string(length));
+    const HRESULT result = Calls.Enter("Write", {std::to_string(length)});
     const size_t count = SUCCEEDED(result) ? std::min<size_t>(length, Room - std::min(Room, Position)) : 0;
     Content.resize(std::max(Content.size(), Position + count));
     Content.replace(Position, count, static_cast<const char *>(source), count);
@@ -43,7 +30,7 @@ HRESULT MemoryStream::Write(const void *source, ULONG length, ULONG *done)
 
 HRESULT MemoryStream::Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER *position)
 {
-    const HRESULT result = Record("Seek");
+    const HRESULT result = Calls.Enter("Seek");
     if (FAILED(result))
     {
         return result;
@@ -60,7 +47,7 @@ HRESULT MemoryStream::Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER *pos
 
 HRESULT MemoryStream::SetSize(ULARGE_INTEGER size)
 {
-    const HRESULT result = Record("SetSize " + std::to_string(size.QuadPart));
+    const HRESULT result = Calls.Enter("SetSize", {std::to_string(size.QuadPart)});
     if (SUCCEEDED(result))
     {
         Content.resize(static_cast<size_t>(size.QuadPart));
@@ -68,37 +55,11 @@ HRESULT MemoryStream::SetSize(ULARGE_INTEGER size)
     return result;
 }
 
-HRESULT MemoryStream::Commit(DWORD)
-{
-    return Record("Commit");
-}
-
 HRESULT MemoryStream::Stat(STATSTG *statistics, DWORD)
 {
-    const HRESULT result = Record("Stat");
+    const HRESULT result = Calls.Enter("Stat");
     *statistics = {};
     statistics->type = STGTY_STREAM;
     statistics->cbSize.QuadPart = Content.size();
     return result;
-}
-
-HRESULT MemoryStream::CopyTo(IStream *, ULARGE_INTEGER, ULARGE_INTEGER *, ULARGE_INTEGER *)
-{
-    return E_NOTIMPL;
-}
-HRESULT MemoryStream::Revert()
-{
-    return E_NOTIMPL;
-}
-HRESULT MemoryStream::LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD)
-{
-    return E_NOTIMPL;
-}
-HRESULT MemoryStream::UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD)
-{
-    return E_NOTIMPL;
-}
-HRESULT MemoryStream::Clone(IStream **)
-{
-    return E_NOTIMPL;
 }

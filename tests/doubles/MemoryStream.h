@@ -3,41 +3,35 @@
 #pragma once
 
 #include "com/ComObject.h"
+#include "tests/doubles/CallRecord.h"
 
 #include <objidl.h>
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 class MemoryStream final : public ComObject<MemoryStream, Answers<IStream, ISequentialStream>>
 {
 public:
     explicit MemoryStream(std::string_view content = {}) : Content(content) {}
 
-    // The call of that number, counted from 1 over all operations, fails with code and does nothing.
-    void FailCall(size_t number, HRESULT code);
-
     std::string Content;    // the bytes
     size_t Room = SIZE_MAX; // bytes that it can hold; what goes beyond isn't written, which is no failure
     size_t Position = 0;
-    std::vector<std::string> Calls; // "Read 4", "Write 33", "Seek", "SetSize 0", ...
+    CallRecord Calls; // "Read 4", "Write 33", "Seek", "SetSize 0", ...
 
     STDMETHODIMP Read(void *target, ULONG length, ULONG *done) override;
     STDMETHODIMP Write(const void *source, ULONG length, ULONG *done) override;
     STDMETHODIMP Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER *position) override;
     STDMETHODIMP SetSize(ULARGE_INTEGER size) override;
-    STDMETHODIMP CopyTo(IStream *, ULARGE_INTEGER, ULARGE_INTEGER *, ULARGE_INTEGER *) override;
-    STDMETHODIMP Commit(DWORD flags) override;
-    STDMETHODIMP Revert() override;
-    STDMETHODIMP LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override;
-    STDMETHODIMP UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override;
     STDMETHODIMP Stat(STATSTG *statistics, DWORD flags) override;
-    STDMETHODIMP Clone(IStream **) override;
-
-private:
-    HRESULT Record(std::string call);
-
-    size_t m_failing = 0;
-    HRESULT m_failure = E_FAIL;
+    STDMETHODIMP Commit(DWORD) override { return Calls.Enter("Commit"); }
+    STDMETHODIMP CopyTo(IStream *, ULARGE_INTEGER, ULARGE_INTEGER *, ULARGE_INTEGER *) override
+    {
+        return E_NOTIMPL;
+    }
+    STDMETHODIMP Revert() override { return E_NOTIMPL; }
+    STDMETHODIMP LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
+    STDMETHODIMP UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) override { return E_NOTIMPL; }
+    STDMETHODIMP Clone(IStream **) override { return E_NOTIMPL; }
 };

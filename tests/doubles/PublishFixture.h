@@ -11,16 +11,14 @@
 #include "tests/doubles/FakeWebComponents.h"
 #include "tests/doubles/MemoryStream.h"
 #include "tests/doubles/SettingsKey.h"
+#include "tests/host/TemporaryFolder.h"
 
 #include "HVRPublishToFlickr.h"
-
-#include <filesystem>
 
 class PublishFixture
 {
 public:
     PublishFixture();
-    ~PublishFixture();
 
     // Adds an item of files that exist, all with the same content.
     void AddItem(const std::string &name, const WCHAR *extensions, std::string_view content);
@@ -42,7 +40,7 @@ public:
     static std::string AuthorizedInitData();
 
 private:
-    std::filesystem::path m_folder;
+    TemporaryFolder m_folder;
 };
 
 inline constexpr std::string_view JpegBytes = "\xFF\xD8\xFF\xE0 not much of a picture";

@@ -1,6 +1,6 @@
 #include "tests/host/ProfileFixture.h"
 
-#include "host/WholeFile.h"
+#include "com/WholeFile.h"
 
 #include <gmock/gmock.h>
 
@@ -39,9 +39,9 @@ TEST_F(ProfileTest, OneHolderOfTheLockWaitsForTheOther)
 {
     std::atomic<bool> released = false;
     bool waited = false;
-    auto first = std::make_unique<FolderLock>(m_profile.Folder());
+    auto first = std::make_unique<FileLock>(m_profile.LockFile());
     std::thread second([&] {
-        const FolderLock lock(m_profile.Folder());
+        const FileLock lock(m_profile.LockFile());
         waited = released;
     });
     std::this_thread::sleep_for(std::chrono::milliseconds(50));

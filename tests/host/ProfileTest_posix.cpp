@@ -1,6 +1,6 @@
 #include "tests/host/ProfileFixture.h"
 
-#include "host/WholeFile.h"
+#include "com/WholeFile.h"
 
 #include <gmock/gmock.h>
 

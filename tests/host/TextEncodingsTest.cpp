@@ -35,9 +35,3 @@ TEST(TextEncodings, PaddingGoesAndTextStays)
     EXPECT_EQ(WithoutPadding(WideText(TEXT("a b \0\0\0"), 7)), TEXT("a b"));
     EXPECT_EQ(WithoutPadding(WideText(TEXT("  "))), TEXT(""));
 }
-
-TEST(TextEncodings, WhatIsNoTextLeavesAsReplacement)
-{
-    EXPECT_EQ(Utf8FromText(TEXT("ö📷")), "ö📷");
-    EXPECT_EQ(Utf8FromText(WideText(1, 0xD800)), "\xEF\xBF\xBD");
-}

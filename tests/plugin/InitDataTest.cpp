@@ -9,19 +9,8 @@
 
 namespace
 {
-std::string Bytes(std::initializer_list<std::string_view> parts)
-{
-    std::string bytes;
-    for (const auto part : parts)
-    {
-        bytes += part;
-    }
-    return bytes;
-}
-
 using namespace std::literals;
-constexpr auto None = "\0\0\0\0"sv;
-constexpr auto Size5 = "\5\0\0\0\0\0\0\0"sv;
+const std::string None(4, '\0');
 
 HRESULT Read(MemoryStream *stream, AccountRecord &account)
 {
@@ -50,9 +39,8 @@ AccountRecord SomeAccount()
     return account;
 }
 
-const std::string SomeBytes =
-    Bytes({"\1"sv, "\6\0\0\0a\0b\0\0\0"sv, "\2\0\0\0\0\0"sv, None, "\4\0\0\0\xE9\0\0\0"sv, None,
-           "\10\0\0\0P\0r\0o\0\0\0"sv, "\x08\x07\x06\x05\x04\x03\x02\x01"sv});
+const std::string SomeBytes = "\1"s + "\6\0\0\0a\0b\0\0\0"s + "\2\0\0\0\0\0"s + None + "\4\0\0\0\xE9\0\0\0"s +
+                              None + "\10\0\0\0P\0r\0o\0\0\0"s + "\x08\x07\x06\x05\x04\x03\x02\x01"s;
 } // namespace
 
 TEST(InitData, IsWrittenByteForByteOverWhatWasThere)
@@ -62,9 +50,10 @@ TEST(InitData, IsWrittenByteForByteOverWhatWasThere)
     EXPECT_EQ(Write(stream.Get(), SomeAccount()), S_OK);
     EXPECT_EQ(stream->Content, SomeBytes);
     // In this order, for the sake of a stream that can't be cut behind its position; nothing is committed.
-    ASSERT_GT(stream->Calls.size(), 2u);
-    EXPECT_EQ(stream->Calls[0] + ", " + stream->Calls[1], "Seek, SetSize 0");
-    EXPECT_THAT(stream->Calls, testing::Not(testing::Contains("Commit")));
+    const auto calls = stream->Calls.Lines();
+    ASSERT_GT(calls.size(), 2u);
+    EXPECT_EQ(calls[0] + ", " + calls[1], "Seek, SetSize 0");
+    EXPECT_THAT(calls, testing::Not(testing::Contains("Commit")));
     EXPECT_EQ(Write(stream.Get(), AccountRecord()), S_OK);
     EXPECT_EQ(stream->Content, "\1" + std::string(32, '\0'));
 }
@@ -95,15 +84,14 @@ TEST(InitData, WithoutAPositiveMarkerLeavesTheTextsAlone)
         EXPECT_LE(stream->Position, 1u);
     }
     AccountRecord account;
-    EXPECT_EQ(
-        Read(MemoryStream::Make(Bytes({"\x7F"sv, None, None, None, None, None, None, Size5})).Get(), account),
-        S_OK);
+    const std::string highest = "\x7F" + std::string(6 * 4, '\0') + "\5\0\0\0\0\0\0\0"s;
+    EXPECT_EQ(Read(MemoryStream::Make(highest).Get(), account), S_OK);
     EXPECT_EQ(account.MaxFileSize, 5);
 }
 
 TEST(InitData, RefusesEachMalformedShape)
 {
-    const std::string head = Bytes({"\1"sv, "\4\0\0\0o\0\0\0"sv});
+    const std::string head = "\1"s + "\4\0\0\0o\0\0\0"s;
     const struct
     {
         std::string second;
@@ -143,7 +131,7 @@ TEST(InitData, TakesAStringOfTheLargestSize)
 TEST(InitData, NeedsItsLastEightBytes)
 {
     AccountRecord account;
-    const std::string content = Bytes({"\1"sv, None, None, None, None, None, None, "\1\2\3\4\5\6\7"sv});
+    const std::string content = "\1" + std::string(6 * 4, '\0') + "\1\2\3\4\5\6\7";
     EXPECT_EQ(Read(MemoryStream::Make(content).Get(), account), HRESULT_FROM_WIN32(ERROR_INVALID_DATA));
     EXPECT_EQ(account.MaxFileSize, 0);
 }
@@ -153,13 +141,13 @@ TEST(InitData, GivesTheFailureOfAnyCallOfTheStream)
     const AccountRecord account = SomeAccount();
     const auto whole = MemoryStream::Make();
     ASSERT_EQ(Write(whole.Get(), account), S_OK);
-    const size_t writes = whole->Calls.size();
+    const size_t writes = whole->Calls.Lines().size();
     for (size_t call = 1; call <= writes; ++call)
     {
         const auto stream = MemoryStream::Make();
-        stream->FailCall(call, STG_E_MEDIUMFULL);
+        stream->Calls.FailCall(call, STG_E_MEDIUMFULL);
         EXPECT_EQ(Write(stream.Get(), account), STG_E_MEDIUMFULL) << call;
-        EXPECT_EQ(stream->Calls.size(), call) << "nothing goes on after a failure";
+        EXPECT_EQ(stream->Calls.Lines().size(), call) << "nothing goes on after a failure";
         EXPECT_TRUE(SomeBytes.starts_with(stream->Content)) << call;
     }
     for (size_t room = 0; room < SomeBytes.size(); ++room)
@@ -172,15 +160,15 @@ TEST(InitData, GivesTheFailureOfAnyCallOfTheStream)
     const auto full = MemoryStream::Make(SomeBytes);
     AccountRecord read;
     ASSERT_EQ(Read(full.Get(), read), S_OK);
-    const size_t reads = full->Calls.size();
+    const size_t reads = full->Calls.Lines().size();
     for (size_t call = 1; call <= reads; ++call)
     {
         const auto stream = MemoryStream::Make(SomeBytes);
-        stream->FailCall(call, STG_E_READFAULT);
-        const bool isSeek = full->Calls[call - 1].starts_with("Seek");
+        stream->Calls.FailCall(call, STG_E_READFAULT);
+        const bool isSeek = full->Calls.Operations()[call - 1] == "Seek";
         const HRESULT expected = isSeek          ? S_OK
                                  : call == reads ? HRESULT_FROM_WIN32(ERROR_INVALID_DATA)
                                                  : STG_E_READFAULT;
-        EXPECT_EQ(Read(stream.Get(), read), expected) << call << " " << full->Calls[call - 1];
+        EXPECT_EQ(Read(stream.Get(), read), expected) << call << " " << full->Calls.Operations()[call - 1];
     }
 }

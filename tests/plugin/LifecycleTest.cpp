@@ -22,15 +22,6 @@ Plugin CreatePlugin()
     return plugin;
 }
 
-using TextOperation = HRESULT (STDMETHODCALLTYPE IHalvoraPublishingPlugin::*)(BSTR *);
-
-std::string TextOf(const Plugin &plugin, TextOperation operation)
-{
-    BstrOwner text;
-    EXPECT_EQ((plugin.Get()->*operation)(text.Put()), S_OK);
-    return Narrow(text.View());
-}
-
 // An outer object without interfaces of its own.
 class Outer final : public ComObject<Outer, IProvideClassInfo>
 {
@@ -44,26 +35,28 @@ public:
 
 TEST(Lifecycle, TellsWhoItIs)
 {
+    using Text = HRESULT (STDMETHODCALLTYPE IHalvoraPublishingPlugin::*)(BSTR *);
+    const std::pair<Text, testing::Matcher<std::string>> cases[] = {
+        {&IHalvoraPublishingPlugin::GetDisplayName, "Publish to Flickr"},
+        {&IHalvoraPublishingPlugin::GetDescription, "Halvora Publish to Flickr Component"},
+        {&IHalvoraPublishingPlugin::GetVersionInformation, "1.96 (Build 401)"},
+        {&IHalvoraPublishingPlugin::GetAuthorInformation, testing::StartsWith("Copyright \xC2\xA9 2026 ")},
+        {&IHalvoraPublishingPlugin::GetDisplayState, testing::HasSubstr("<a id=\"authorize\"")},
+    };
     const Plugin plugin = CreatePlugin();
-    EXPECT_EQ(TextOf(plugin, &IHalvoraPublishingPlugin::GetDisplayName), "Publish to Flickr");
-    EXPECT_EQ(TextOf(plugin, &IHalvoraPublishingPlugin::GetDescription), "Halvora Publish to Flickr Component");
-    EXPECT_EQ(TextOf(plugin, &IHalvoraPublishingPlugin::GetVersionInformation), "1.96 (Build 401)");
-    EXPECT_THAT(TextOf(plugin, &IHalvoraPublishingPlugin::GetAuthorInformation),
-                testing::StartsWith("Copyright \xC2\xA9 2026 "));
-    EXPECT_THAT(TextOf(plugin, &IHalvoraPublishingPlugin::GetDisplayState),
-                testing::HasSubstr("<a id=\"authorize\""));
+    for (const auto &[operation, expected] : cases)
+    {
+        BstrOwner text;
+        EXPECT_EQ((plugin.Get()->*operation)(text.Put()), S_OK);
+        EXPECT_THAT(Narrow(text.View()), expected);
+        EXPECT_EQ((plugin.Get()->*operation)(nullptr), E_INVALIDARG);
+    }
     HVRPUBLISHINGCAPABILITIES capabilities{};
     EXPECT_EQ(plugin->GetCapabilities(&capabilities), S_OK);
     EXPECT_EQ(capabilities, 15);
     HICON icon = nullptr;
     EXPECT_EQ(plugin->GetIcon(&icon), S_OK);
     EXPECT_NE(icon, nullptr);
-
-    EXPECT_EQ(plugin->GetDisplayName(nullptr), E_INVALIDARG);
-    EXPECT_EQ(plugin->GetDescription(nullptr), E_INVALIDARG);
-    EXPECT_EQ(plugin->GetAuthorInformation(nullptr), E_INVALIDARG);
-    EXPECT_EQ(plugin->GetVersionInformation(nullptr), E_INVALIDARG);
-    EXPECT_EQ(plugin->GetDisplayState(nullptr), E_INVALIDARG);
     EXPECT_EQ(plugin->GetCapabilities(nullptr), E_INVALIDARG);
     EXPECT_EQ(plugin->GetIcon(nullptr), E_INVALIDARG);
 }
@@ -93,6 +86,8 @@ TEST(Lifecycle, AnswersItsInterfacesAndLeavesNothingBehind)
         EXPECT_EQ(count, IsWindowsBuild ? 1u : 0u) << "natively there is no type library";
         ComPtr<ITypeInfo> info;
         EXPECT_EQ(plugin->GetTypeInfo(1, 0, info.Put()), DISP_E_BADINDEX);
+        EXPECT_EQ(plugin->GetTypeInfo(1, 0, nullptr), E_INVALIDARG);
+        EXPECT_EQ(plugin->GetTypeInfoCount(nullptr), E_INVALIDARG);
     }
     EXPECT_EQ(ModuleLocks::Read(), locks);
 }
@@ -136,9 +131,9 @@ TEST(Lifecycle, ChecksTheHostAndTakesItOnce)
     EXPECT_EQ(plugin->Initialize(nullptr, 0, fixture.Stream.Get(), 0), E_INVALIDARG);
     EXPECT_EQ(plugin->Initialize(fixture.Stream.Get(), 0, fixture.Stream.Get(), 0), E_INVALIDARG);
     EXPECT_EQ(plugin->Initialize(fixture.Host.Get(), 0, nullptr, 0), S_OK);
-    const size_t calls = fixture.Stream->Calls.size();
+    const size_t calls = fixture.Stream->Calls.Lines().size();
     EXPECT_EQ(plugin->Terminate(), S_OK);
-    EXPECT_EQ(fixture.Stream->Calls.size(), calls) << "no stream, nothing written";
+    EXPECT_EQ(fixture.Stream->Calls.Lines().size(), calls) << "no stream, nothing written";
     EXPECT_TRUE(gUsageMetrics);
     EXPECT_EQ(plugin->Publish(fixture.Windows.Bar(), fixture.Windows.StatusText()), E_UNEXPECTED);
 
@@ -177,7 +172,7 @@ TEST(Lifecycle, AFailingStreamKeepsHostAndCounterAsTheyWere)
     fixture.Stream->Content = PublishFixture::AuthorizedInitData();
     fixture.Stream->Position = 0;
     EXPECT_EQ(plugin->Initialize(fixture.Host.Get(), 0, fixture.Stream.Get(), 0), S_OK);
-    fixture.Stream->FailCall(fixture.Stream->Calls.size() + 1, STG_E_ACCESSDENIED);
+    fixture.Stream->Calls.FailCall(1, STG_E_ACCESSDENIED);
     EXPECT_EQ(plugin->Terminate(), STG_E_ACCESSDENIED);
     EXPECT_TRUE(gUsageMetrics);
     EXPECT_EQ(plugin->Terminate(), S_OK);
@@ -207,22 +202,46 @@ TEST(Lifecycle, ConfigureChecksBeforeItLooksAtTheVerb)
 
 TEST(Lifecycle, CanPublishAsksTheServiceOnlyIfItIsTold)
 {
-    PublishFixture fixture;
-    const Plugin plugin = CreatePlugin();
-    EXPECT_EQ(plugin->CanPublish(nullptr, FALSE), E_UNEXPECTED);
-    ASSERT_EQ(plugin->Initialize(fixture.Host.Get(), 0, fixture.Stream.Get(), 0), S_OK);
-    EXPECT_EQ(plugin->CanPublish(nullptr, FALSE), S_OK);
-    EXPECT_TRUE(fixture.Web.Operations().empty());
-    const WCHAR *const user = TEXT("<rsp stat=\"ok\"><user ispro=\"0\"><filesize maxbytes=\"9\"/>"
-                                   "<bandwidth maxbytes=\"10\" usedbytes=\"%d\"/></user></rsp>");
-    const std::pair<const WCHAR *, HRESULT> cases[] = {{TEXT("4"), S_OK}, {TEXT("10"), S_FALSE}};
-    for (const auto &[used, result] : cases)
+    const std::string noPair(33, '\0');
+    const std::string halfPair = std::string("\1\4\0\0\0t\0\0\0", 9) + std::string(5 * 4 + 8, '\0');
+    const std::string pair = PublishFixture::AuthorizedInitData();
+    const std::string someLeft =
+        "ok'><user ispro='0'><filesize maxbytes='9'/><bandwidth maxbytes='10' usedbytes='9'/>";
+    const std::string usedUp =
+        "ok'><user ispro='0'><filesize maxbytes='9'/><bandwidth maxbytes='10' usedbytes='10'/>";
+    const std::string pro = "ok'><user ispro='1'><filesize maxbytes='9'/>";
+    const struct
     {
-        WideText reply(user);
-        fixture.Web.Answer(reply.replace(reply.find(TEXT("%d")), 2, used));
-        EXPECT_EQ(plugin->CanPublish(nullptr, TRUE), result);
+        std::string account;
+        BOOL withCheck;
+        std::string reply; // "": nothing may be asked
+        HRESULT result;
+    } cases[] = {
+        {noPair, FALSE, "", S_FALSE},  {halfPair, FALSE, "", S_FALSE},        {halfPair, TRUE, "", S_FALSE},
+        {pair, FALSE, "", S_OK},       {pair, TRUE, someLeft, S_OK},          {pair, TRUE, pro, S_OK},
+        {pair, TRUE, usedUp, S_FALSE}, {pair, TRUE, "fail'><user>", S_FALSE},
+    };
+    PublishFixture fixture;
+    EXPECT_EQ(CreatePlugin()->CanPublish(nullptr, FALSE), E_UNEXPECTED);
+    for (const auto &c : cases)
+    {
+        SCOPED_TRACE(&c - cases);
+        const Plugin plugin = CreatePlugin();
+        fixture.Stream = MemoryStream::Make(c.account);
+        ASSERT_EQ(plugin->Initialize(fixture.Host.Get(), 0, fixture.Stream.Get(), 0), S_OK);
+        fixture.Web.Clear();
+        if (!c.reply.empty())
+        {
+            const std::string xml = "<rsp stat='" + c.reply + "</user></rsp>";
+            fixture.Web.Answer(WideText(xml.begin(), xml.end()));
+        }
+        EXPECT_EQ(plugin->CanPublish(nullptr, c.withCheck), c.result);
+        EXPECT_EQ(fixture.Web.CallsOf("RestRequest").size(), c.reply.empty() ? 0u : 1u);
+        if (c.result == S_OK && c.withCheck)
+        {
+            fixture.Web.AnswerWith(E_FAIL, nullptr);
+            EXPECT_EQ(plugin->CanPublish(nullptr, TRUE), S_FALSE) << "whatever is known of the allowance";
+        }
+        EXPECT_EQ(plugin->Terminate(), S_OK);
     }
-    fixture.Web.AnswerWith(E_FAIL, nullptr);
-    EXPECT_EQ(plugin->CanPublish(nullptr, TRUE), S_FALSE);
-    EXPECT_EQ(plugin->Terminate(), S_OK);
 }

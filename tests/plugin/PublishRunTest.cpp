@@ -9,7 +9,6 @@
 #include <thread>
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using Lines = std::vector<std::string>;
 
 namespace
@@ -115,57 +114,31 @@ TEST_F(PublishRun, SendsTheFileAsItLiesUnderItsName)
     Fixture.Web.Answer(OkReply);
     Publish();
     EXPECT_EQ(LastStatus(), "Done.");
-    ASSERT_EQ(Fixture.Web.FileParts.size(), 1u);
-    EXPECT_EQ(Fixture.Web.FileParts[0], JpegBytes);
-    const auto uploads = Fixture.Web.CallsOf("UploadRequest");
-    ASSERT_EQ(uploads.size(), 1u);
-    EXPECT_EQ(Narrow(uploads[0].Arguments[0]), "https://api.flickr.com/services/upload/");
-    EXPECT_EQ(Narrow(uploads[0].Arguments[2]), "POST");
-    std::string fields = Narrow(uploads[0].Arguments[5]);
-    EXPECT_EQ(fields, "async=1&title=A title&tags=\"a\" \"b c\"&is_public=3&is_friend=4294967295&is_family=0&"
-                      "safety_level=3&content_type=5&hidden=2");
-    std::ranges::replace(fields, '&', '\n');
-    const std::string body = fields + "\n" + std::string(JpegBytes);
+    EXPECT_THAT(Fixture.Web.FileParts, ElementsAre(JpegBytes));
+    const std::string signedFields =
+        "async=1&title=A title&tags=\"a\" \"b c\"&is_public=3&is_friend=4294967295&is_family=0&"
+        "safety_level=3&content_type=5&hidden=2";
+    std::string body = signedFields + "\n" + std::string(JpegBytes);
+    std::ranges::replace(body, '&', '\n');
     EXPECT_THAT(Fixture.Web.Bodies, ElementsAre(body)) << "what is signed is what is sent";
-    EXPECT_EQ(Narrow(uploads[0].Arguments[3]),
-              "Content-Type=multipart/form-data; boundary=fake&Content-Length=" + std::to_string(body.size()));
-    const auto parts = Fixture.Web.CallsOf("AddFilePart");
-    EXPECT_EQ(Narrow(parts.at(0).Arguments[0]), "photo");
-    EXPECT_EQ(Narrow(parts.at(0).Arguments[2]), "image/jpeg");
-    EXPECT_EQ(Narrow(parts.at(0).Arguments[3]), "photo.jpg");
-    EXPECT_EQ(Narrow(parts.at(0).Arguments[4] + parts.at(0).Arguments[5]), "00");
-    EXPECT_THAT(Fixture.Web.Operations(), ElementsAreArray(Lines{"Create IOAuthWebClient",
-                                                                 "SetService",
-                                                                 "SetAccessToken",
-                                                                 "Create IMultipartFormData",
-                                                                 "GetMimeTypeForFile",
-                                                                 "Create IRequestParameters",
-                                                                 "Add",
-                                                                 "AddTextField",
-                                                                 "Add",
-                                                                 "AddTextField",
-                                                                 "Add",
-                                                                 "AddTextField",
-                                                                 "Add",
-                                                                 "AddNumberField",
-                                                                 "Add",
-                                                                 "AddNumberField",
-                                                                 "Add",
-                                                                 "AddNumberField",
-                                                                 "Add",
-                                                                 "AddNumberField",
-                                                                 "Add",
-                                                                 "AddNumberField",
-                                                                 "Add",
-                                                                 "AddNumberField",
-                                                                 "AddFilePart",
-                                                                 "QueryInterface IStream",
-                                                                 "GetBodyLength",
-                                                                 "GetContentType",
-                                                                 "Create IRequestParameters",
-                                                                 "Add",
-                                                                 "Add",
-                                                                 "UploadRequest"}));
+    const std::string length = std::to_string(body.size());
+    EXPECT_THAT(Fixture.Web.CallsOf("UploadRequest").at(0).Arguments,
+                ElementsAre("https://api.flickr.com/services/upload/", "(null)", "POST",
+                            "Content-Type=multipart/form-data; boundary=fake&Content-Length=" + length, "(null)",
+                            signedFields, "(object)", length, "(object)", "0"));
+    EXPECT_THAT(Fixture.Web.CallsOf("AddFilePart").at(0).Arguments,
+                ElementsAre("photo", "(object)", "image/jpeg", "photo.jpg", "0", "0"));
+    std::string operations;
+    for (const std::string &operation : Fixture.Web.Operations())
+    {
+        operations += operation + ", ";
+    }
+    EXPECT_EQ(operations,
+              "Create IOAuthWebClient, SetService, SetAccessToken, Create IMultipartFormData, GetMimeTypeForFile, "
+              "Create IRequestParameters, Add, AddTextField, Add, AddTextField, Add, AddTextField, "
+              "Add, AddNumberField, Add, AddNumberField, Add, AddNumberField, Add, AddNumberField, "
+              "Add, AddNumberField, Add, AddNumberField, AddFilePart, QueryInterface IStream, GetBodyLength, "
+              "GetContentType, Create IRequestParameters, Add, Add, UploadRequest, ");
 }
 
 TEST_F(PublishRun, FailsTheItemByTheCodeOfTheCallThatFailed)
@@ -180,7 +153,7 @@ TEST_F(PublishRun, FailsTheItemByTheCodeOfTheCallThatFailed)
         // A picture goes without its type, and a length that was told counts, whatever the result.
         const bool isIgnored = operation == "GetMimeTypeForFile" || operation == "GetBodyLength";
         Fixture.Record.Clear();
-        Fixture.Web.ForgetCalls();
+        Fixture.Web.Clear();
         Fixture.Web.FailCall(call, 0x80031234);
         if (isIgnored)
         {
@@ -215,11 +188,11 @@ TEST_F(PublishRun, SendsNoTextOfAPictureWhoseMetadataCannotBeRead)
     AddPictures(1);
     for (const HRESULT result : {S_OK, E_FAIL})
     {
-        Fixture.Host->Metadata->Result = result;
-        Fixture.Web.ForgetCalls();
+        Fixture.Record.FailOperation("read", result);
+        Fixture.Web.Clear();
         Fixture.Web.Answer(OkReply);
         Publish();
-        EXPECT_THAT(Narrow(Fixture.Web.CallsOf("UploadRequest").at(0).Arguments[5]),
+        EXPECT_THAT(Fixture.Web.CallsOf("UploadRequest").at(0).Arguments[5],
                     testing::StartsWith(result == S_OK ? "title=p0" : "is_public="));
     }
 }
@@ -253,50 +226,64 @@ TEST_F(PublishRun, TakesAnAnswerWithoutAVerdictForASuccess)
     EXPECT_EQ(LastState(), "1");
 }
 
+// A file that isn't what its name says is refused, or tried again as a processed picture where that is the mode.
 TEST_F(PublishRun, ChecksWhatAFileReallyIs)
 {
+    constexpr std::string_view tiff("II*\0 a TIFF", 11);
     const struct
     {
+        UINT32 mode;
         const WCHAR *extension;
         std::string_view content;
-        bool isSent;
+        const char *sentAs; // null: not sent
         const char *code;
-        bool isWrong;
+        const char *tellsOfWrongName; // the level, or null
     } cases[] = {
-        {TEXT("gif"), GifBytes, true, "", false},
-        {TEXT("png"), JpegBytes, true, "", false},
-        {TEXT("jpg"), "BM bitmap", false, "80004005", true},
-        {TEXT("png"), "text", false, "88982f50", false},
-        {TEXT("jpg"), "", false, "88982f50", false},
+        {0, TEXT("gif"), GifBytes, "x.gif", "", nullptr},
+        {0, TEXT("png"), JpegBytes, "x.png", "", nullptr},
+        {0, TEXT("jpg"), "BM bitmap", nullptr, "80004005", "error"},
+        {0, TEXT("png"), "text", nullptr, "88982f50", nullptr},
+        {0, TEXT("jpg"), "", nullptr, "88982f50", nullptr},
+        {1, TEXT("jpg"), tiff, nullptr, "80004005", "error"},
+        {2, TEXT("jpg"), tiff, "x.jpg", "", nullptr},
+        {2, TEXT("png"), "BM bitmap", "x.jpg", "", "warning"},
     };
     for (const auto &c : cases)
     {
+        SCOPED_TRACE(&c - cases);
+        Fixture.Settings.Set(TEXT("JPEGMode"), c.mode);
         Fixture.Record.Clear();
-        Fixture.Web.ForgetCalls();
+        Fixture.Web.Clear();
         Fixture.Host->Items.clear();
         Fixture.AddItem("x", c.extension, c.content);
-        if (c.isSent)
+        if (c.sentAs)
         {
             Fixture.Web.Answer(OkReply);
         }
         Publish();
-        const std::string path = Fixture.PathOf("x." + Narrow(c.extension));
-        Lines errors;
-        if (c.isWrong)
+        const std::string path = "\"" + Fixture.PathOf("x." + Narrow(c.extension)) + "\"";
+        Lines expected;
+        if (c.tellsOfWrongName)
         {
-            errors.push_back("\"" + path + "\" is not what it appears to be (wrong file extension?)");
+            expected.push_back(c.tellsOfWrongName + (" " + path) +
+                               " is not what it appears to be (wrong file extension?)");
         }
-        if (!c.isSent)
+        if (!c.sentAs)
         {
-            errors.push_back("Could not publish \"" + path + "\" (Error code: 0x" + c.code +
-                             ") (internal: invalid argument)");
+            expected.push_back("error Could not publish " + path + " (Error code: 0x" + c.code +
+                               ") (internal: invalid argument)");
         }
-        EXPECT_EQ(Log("error"), errors);
-        EXPECT_EQ(Fixture.Web.CallsOf("UploadRequest").size(), c.isSent ? 1u : 0u);
-        if (c.isSent)
+        Lines told = Fixture.Record.LinesOf("log ");
+        std::erase_if(told, [](const std::string &line) {
+            return !line.starts_with("error") && !line.starts_with("warning");
+        });
+        EXPECT_EQ(told, expected);
+        EXPECT_EQ(Fixture.Web.CallsOf("UploadRequest").size(), c.sentAs ? 1u : 0u);
+        if (c.sentAs)
         {
-            EXPECT_EQ(Fixture.Web.FileParts.back(), c.content) << "rewound after the check";
-            EXPECT_EQ(Narrow(Fixture.Web.CallsOf("AddFilePart").at(0).Arguments[3]), "x." + Narrow(c.extension));
+            EXPECT_THAT(Fixture.Web.FileParts, ElementsAre(c.mode == 2 ? FakeImaging::EncodedBytes : c.content))
+                << "rewound after the check";
+            EXPECT_EQ(Fixture.Web.CallsOf("AddFilePart").at(0).Arguments[3], c.sentAs);
         }
     }
 }
@@ -309,44 +296,11 @@ TEST_F(PublishRun, SendsEveryOtherFileAsAJpegOfTheHostsMaking)
     Fixture.Web.Answer(OkReply);
     Publish();
     EXPECT_THAT(Fixture.Web.FileParts, ElementsAre(FakeImaging::EncodedBytes));
-    EXPECT_EQ(Narrow(Fixture.Web.CallsOf("AddFilePart").at(0).Arguments[3]), "raw.jpg");
+    EXPECT_EQ(Fixture.Web.CallsOf("AddFilePart").at(0).Arguments[3], "raw.jpg");
     EXPECT_THAT(Log("info"), testing::IsSupersetOf({"Publishing \"" + Fixture.PathOf("raw.nef") + "\" as JPEG.",
                                                     std::string("Publishing \"\" as JPEG.")}));
     EXPECT_THAT(Log("error"),
                 ElementsAre("Could not publish \"\" (Error code: 0x80070002) (internal: invalid argument)"));
-
-    // A mislabelled file is tried again as a processed picture where that is the mode.
-    Fixture.Record.Clear();
-    Fixture.Web.ForgetCalls();
-    Fixture.Settings.Set(TEXT("JPEGMode"), 2);
-    Fixture.Host->Items.clear();
-    Fixture.AddItem("x", TEXT("png"), "BM bitmap");
-    Fixture.Web.Answer(OkReply);
-    Publish();
-    EXPECT_THAT(Log("warning"), ElementsAre("\"" + Fixture.PathOf("x.png") +
-                                            "\" is not what it appears to be (wrong file extension?)"));
-    EXPECT_THAT(Log("error"), testing::IsEmpty());
-    EXPECT_EQ(Narrow(Fixture.Web.CallsOf("AddFilePart").at(0).Arguments[3]), "x.jpg");
-}
-
-TEST_F(PublishRun, TellsOfAFileThatIsNoJpegInEveryMode)
-{
-    Fixture.AddItem("x", TEXT("jpg"), std::string_view("II*\0 a TIFF", 11));
-    Fixture.Settings.Set(TEXT("JPEGMode"), 1);
-    Publish();
-    const std::string path = Fixture.PathOf("x.jpg");
-    EXPECT_THAT(Log("error"), ElementsAre("\"" + path + "\" is not what it appears to be (wrong file extension?)",
-                                          "Could not publish \"" + path +
-                                              "\" (Error code: 0x80004005) (internal: invalid argument)"));
-    EXPECT_TRUE(Fixture.Web.CallsOf("UploadRequest").empty());
-
-    // As a processed picture it is uploaded by the settings of JPEG files, if the host can read it.
-    Fixture.Record.Clear();
-    Fixture.Settings.Set(TEXT("JPEGMode"), 2);
-    Fixture.Web.Answer(OkReply);
-    Publish();
-    EXPECT_THAT(Log("error"), testing::IsEmpty());
-    EXPECT_EQ(Narrow(Fixture.Web.CallsOf("AddFilePart").at(0).Arguments[3]), "x.jpg");
 }
 
 // Each switch alone is on, for one kind of file, and all others of that kind are off; for the other kind of file
@@ -380,15 +334,15 @@ TEST_F(PublishRun, SendsWhatTheSettingsOfItsKindOfFileAllow)
             }
             Fixture.Host->Items.clear();
             Fixture.AddItem("p", kind.extension, JpegBytes);
-            Fixture.Imaging.Calls.Reset();
+            Fixture.Imaging.Calls.Clear();
             Fixture.Web.Answer(OkReply);
             Publish();
             std::string flags = on < 5 ? "0000011" : "0000001";
             flags[on] = on < 5 ? '1' : flags[on];
-            EXPECT_THAT(Fixture.Imaging.Calls.DetailsOf("WriteImageMetadata"),
+            EXPECT_THAT(Fixture.Imaging.Calls.LinesOf("WriteImageMetadata "),
                         ElementsAre(testing::StartsWith(flags + " 800x600" + kind.resolution)));
-            EXPECT_THAT(Fixture.Imaging.Calls.DetailsOf("ReadImageMetadata"), ElementsAre(kind.picture));
-            EXPECT_THAT(Fixture.Imaging.Calls.DetailsOf("Options.Write"),
+            EXPECT_THAT(Fixture.Imaging.Calls.LinesOf("ReadImageMetadata "), ElementsAre(kind.picture));
+            EXPECT_THAT(Fixture.Imaging.Calls.LinesOf("Options.Write "),
                         ElementsAre(testing::EndsWith(on == 5 ? "VT_UI1=1" : "VT_UI1=3")));
         }
     }
@@ -404,7 +358,7 @@ TEST_F(PublishRun, TakesTheWordsOfTheLastPass)
     Fixture.Imaging.Calls.OnCall = [&](const std::string &call) {
         if (call == "ReadImageMetadata")
         {
-            const size_t pass = Fixture.Imaging.Calls.DetailsOf(call).size();
+            const size_t pass = Fixture.Imaging.Calls.LinesOf(call).size();
             Fixture.Host->Metadata->Caption = pass == 1   ? TEXT("First")
                                               : pass == 2 ? TEXT("Second")
                                                           : TEXT("Third");
@@ -416,25 +370,23 @@ TEST_F(PublishRun, TakesTheWordsOfTheLastPass)
     Fixture.Web.Answer(OkReply);
     Publish();
     EXPECT_EQ(LastStatus(), "Done.");
-    EXPECT_THAT(Narrow(Fixture.Web.CallsOf("UploadRequest").at(0).Arguments[5]),
+    EXPECT_THAT(Fixture.Web.CallsOf("UploadRequest").at(0).Arguments[5],
                 testing::StartsWith("title=Third&tags=\"tag\"&is_public="));
 }
 
+// It isn't given, or can't be locked.
 TEST_F(PublishRun, EndsWithoutAList)
 {
-    Fixture.Host->ListResult = E_ACCESSDENIED;
-    Publish();
-    EXPECT_THAT(Log("fatal"), ElementsAre("Could not retrieve the list of images to be published."));
-    EXPECT_EQ(LastStatus(), "Error.");
-    EXPECT_EQ(LastState(), "1");
-
-    Fixture.Host->ListResult = S_OK;
     Fixture.Host->ListCanBeLocked = false;
-    Fixture.Record.Clear();
-    Publish();
-    EXPECT_THAT(Log("fatal"), ElementsAre("Could not retrieve the list of images to be published."));
-    EXPECT_EQ(LastStatus(), "Error.");
-    EXPECT_EQ(LastState(), "2");
+    Fixture.Record.FailOperation("list", E_ACCESSDENIED);
+    for (const char *state : {"1", "2"})
+    {
+        Publish();
+        EXPECT_THAT(Log("fatal"), ElementsAre("Could not retrieve the list of images to be published."));
+        EXPECT_EQ(LastStatus(), "Error.");
+        EXPECT_EQ(LastState(), state);
+        Fixture.Record.Clear();
+    }
 }
 
 TEST_F(PublishRun, HasNothingToDoForAnEmptyList)
@@ -445,53 +397,49 @@ TEST_F(PublishRun, HasNothingToDoForAnEmptyList)
     EXPECT_EQ(LastStatus(), "Done.");
 }
 
+// Each in its turn on one object, asked for from another thread in the middle of the first upload: no request reaches
+// into the next run.
 TEST_F(PublishRun, StopsBetweenItemsAndWithinThem)
 {
     AddPictures(3);
-    // A polite cancel, from another thread, lets the present upload finish.
-    Fixture.Web.Answer(OkReply);
-    Fixture.Web.DuringUpload = [&](IUploadProgressCallback *callback, UINT32 length) {
-        std::thread([&] { EXPECT_EQ(Plugin->Cancel(FALSE), S_OK); }).join();
-        return callback->OnUploadProgress(UPLOAD_BYTES, length, length / 2);
-    };
-    Publish();
-    EXPECT_THAT(Fixture.Record.LinesOf("item "), ElementsAre("0"));
-    EXPECT_THAT(Log("warning"), ElementsAre("Cancelling at user request."));
-    EXPECT_EQ(LastStatus(), "Cancelled.");
-    EXPECT_EQ(LastState(), "3");
-
-    Fixture.Record.Clear();
-    Fixture.Web.DuringUpload = [&](IUploadProgressCallback *callback, UINT32 length) {
-        std::thread([&] { EXPECT_EQ(Plugin->Cancel(TRUE), S_OK); }).join();
-        return callback->OnUploadProgress(UPLOAD_BYTES, length, length / 2);
-    };
-    Publish();
-    EXPECT_THAT(Fixture.Record.LinesOf("item "), ElementsAre("0"));
-    EXPECT_THAT(Log("warning"), ElementsAre("Cancelling ABRUPTLY at user request."));
-    EXPECT_THAT(Log("error"), ElementsAre(testing::HasSubstr("0x80004004")));
-    EXPECT_EQ(LastStatus(), "Cancelled, aborted uploads.");
-
-    // Neither request reaches into the next run.
-    Fixture.Record.Clear();
-    Fixture.Web.DuringUpload = nullptr;
-    for (int i = 0; i < 3; ++i)
+    const struct
     {
-        Fixture.Web.Answer(OkReply);
-    }
-    Publish();
-    EXPECT_EQ(LastStatus(), "Done.");
-    EXPECT_TRUE(Log("error").empty());
-
-    // A second, polite cancel takes the abruptness back.
-    Fixture.Record.Clear();
-    Fixture.Web.Answer(OkReply);
-    Fixture.Web.DuringUpload = [&](IUploadProgressCallback *callback, UINT32 length) {
-        Plugin->Cancel(TRUE);
-        Plugin->Cancel(FALSE);
-        return callback->OnUploadProgress(UPLOAD_BYTES, length, length);
+        std::vector<BOOL> cancels;
+        int answers; // uploads that come to their end
+        Lines warnings;
+        const char *status;
+    } cases[] = {
+        {{FALSE}, 1, {"Cancelling at user request."}, "Cancelled."},
+        {{TRUE}, 0, {"Cancelling ABRUPTLY at user request."}, "Cancelled, aborted uploads."},
+        {{}, 3, {}, "Done."},
+        // A second, polite one takes the abruptness back.
+        {{TRUE, FALSE}, 1, {"Cancelling ABRUPTLY at user request.", "Cancelling at user request."}, "Cancelled."},
     };
-    Publish();
-    EXPECT_EQ(LastStatus(), "Cancelled.");
+    for (const auto &c : cases)
+    {
+        SCOPED_TRACE(&c - cases);
+        Fixture.Record.Clear();
+        for (int i = 0; i < c.answers; ++i)
+        {
+            Fixture.Web.Answer(OkReply);
+        }
+        Fixture.Web.DuringUpload = [&](IUploadProgressCallback *callback, UINT32 length) {
+            std::thread([&] {
+                for (const BOOL isAbrupt : c.cancels)
+                {
+                    EXPECT_EQ(Plugin->Cancel(isAbrupt), S_OK);
+                }
+            }).join();
+            return callback->OnUploadProgress(UPLOAD_BYTES, length, length / 2);
+        };
+        Publish();
+        EXPECT_EQ(Fixture.Record.LinesOf("item ").size(), c.cancels.empty() ? 3u : 1u);
+        EXPECT_EQ(Log("warning"), c.warnings);
+        EXPECT_EQ(Log("error").size(), c.answers == 0 ? 1u : 0u);
+        EXPECT_THAT(Log("error"), testing::Each(testing::HasSubstr("0x80004004")));
+        EXPECT_EQ(LastStatus(), c.status);
+        EXPECT_EQ(LastState(), c.cancels.empty() ? "1" : "3");
+    }
 }
 
 TEST_F(PublishRun, MovesTheBarByWholePercents)

@@ -6,6 +6,7 @@
 #include "com/WideText.h"
 #include "tests/doubles/CallRecord.h"
 #include "tests/doubles/ClassInPlace.h"
+#include "tests/host/TemporaryFolder.h"
 #include "tests/platform/KnownGaps.h"
 
 #include "HVRPublishToFlickr.h"
@@ -16,10 +17,10 @@
 #include <olectl.h>
 
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 
 namespace fs = std::filesystem;
+using Lines = std::vector<std::string>;
 
 namespace
 {
@@ -32,6 +33,13 @@ namespace
 WideText Wide(const std::string &text)
 {
     return WideText(text.begin(), text.end());
+}
+
+void MakeKey(HKEY root, const WideText &path)
+{
+    RegistryKeyOwner made;
+    EXPECT_EQ(RegCreateKeyExW(root, path.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, made.Put(), nullptr),
+              ERROR_SUCCESS);
 }
 
 // The classes of the machine or of the user, seen without the merged view of both.
@@ -59,12 +67,20 @@ struct Classes
         return isRead ? Narrow(text) : "(none)";
     }
 
-    void Make(const std::string &key) const
+    // Those of the lines "KEY [NAME] = VALUE" that don't hold.
+    Lines Lacking(Lines lines) const
     {
-        RegistryKeyOwner made;
-        EXPECT_EQ(RegCreateKeyExW(root, Path(key).c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, made.Put(), nullptr),
-                  ERROR_SUCCESS);
+        std::erase_if(lines, [&](const std::string &line) {
+            const size_t value = line.find(" = ");
+            const size_t name = line.find(" [");
+            const bool hasName = name < value;
+            return Text(line.substr(0, hasName ? name : value),
+                        hasName ? line.substr(name + 2, value - name - 3) : "") == line.substr(value + 3);
+        });
+        return lines;
     }
+
+    void Make(const std::string &key) const { MakeKey(root, Path(key)); }
     void Remove(const std::string &key) const { RegDeleteTreeW(root, Path(key).c_str()); }
 };
 
@@ -75,11 +91,10 @@ constexpr const char *OwnKeys[] = {
     CLASS_KEY,   PROG_ID,      PROG_ID ".1", "AppID\\" APPLICATION_ID, "AppID\\" PROG_ID ".dll",
     LIBRARY_KEY, INTERFACE_KEY};
 
-std::vector<std::string> PresentKeys(const Classes &classes)
+Lines PresentKeys(const Classes &classes)
 {
-    std::vector<std::string> present;
-    std::copy_if(std::begin(OwnKeys), std::end(OwnKeys), std::back_inserter(present),
-                 [&](const char *key) { return classes.Has(key); });
+    Lines present(std::begin(OwnKeys), std::end(OwnKeys));
+    std::erase_if(present, [&](const std::string &key) { return !classes.Has(key); });
     return present;
 }
 
@@ -89,19 +104,12 @@ class InstalledCopy
 public:
     explicit InstalledCopy(bool isDamaged = false)
     {
-        static int count = 0;
+        const fs::path source = fs::absolute(HALVORA_MODULE);
+        const std::string bytes = m_folder.Read(source);
         // With a quote in the path, which a script must not take for the path's end.
-        m_folder = fs::temp_directory_path() /
-                   ("halvora's " + std::to_string(GetTickCount64()) + "-" + std::to_string(++count));
-        fs::create_directories(m_folder);
-        const fs::path source(HALVORA_MODULE);
-        m_file = m_folder / source.filename();
-        fs::copy_file(source, m_file);
-        if (isDamaged)
-        {
-            DamageTypeLibrary();
-        }
-        m_module = LoadLibraryW(m_file.string<WCHAR>().c_str());
+        const fs::path file =
+            m_folder.Write("halvora's" / source.filename(), isDamaged ? WithDamagedTypeLibrary(bytes) : bytes);
+        m_module = LoadLibraryW(file.string<WCHAR>().c_str());
         EXPECT_NE(m_module, nullptr) << GetLastError();
     }
 
@@ -109,8 +117,6 @@ public:
     {
         EXPECT_EQ(Call("DllCanUnloadNow"), S_OK);
         FreeLibrary(m_module);
-        std::error_code error;
-        fs::remove_all(m_folder, error);
     }
 
     HRESULT Call(const char *name) const
@@ -132,23 +138,19 @@ public:
 private:
     void *Exported(const char *name) const { return reinterpret_cast<void *>(GetProcAddress(m_module, name)); }
 
-    void DamageTypeLibrary() const
+    static std::string WithDamagedTypeLibrary(std::string bytes)
     {
-        std::ifstream in(m_file, std::ios::binary);
-        std::string bytes(std::istreambuf_iterator<char>(in), {});
-        in.close();
         const std::string signature("MSFT\x02\x00\x01\x00", 8);
         size_t found = bytes.find(signature);
-        ASSERT_NE(found, std::string::npos);
+        EXPECT_NE(found, std::string::npos);
         for (; found != std::string::npos; found = bytes.find(signature, found))
         {
             bytes.replace(found, 4, "XXXX");
         }
-        std::ofstream(m_file, std::ios::binary | std::ios::trunc) << bytes;
+        return bytes;
     }
 
-    fs::path m_folder;
-    fs::path m_file;
+    TemporaryFolder m_folder;
     HMODULE m_module = nullptr;
 };
 
@@ -174,13 +176,11 @@ protected:
 class FailingRegistrar final : public ComObject<FailingRegistrar, IRegistrar>
 {
 public:
-    explicit FailingRegistrar(std::vector<std::string> &seen) : m_seen(seen) {}
+    explicit FailingRegistrar(Lines &seen) : m_seen(seen) {}
 
     STDMETHODIMP ResourceRegister(LPCOLESTR, UINT id, LPCOLESTR) noexcept override
     {
-        RegistryKeyOwner made;
-        RegCreateKeyExW(HKEY_CLASSES_ROOT, TEXT("Halvora.Test.Mark"), 0, nullptr, 0, KEY_WRITE, nullptr,
-                        made.Put(), nullptr);
+        MakeKey(HKEY_CLASSES_ROOT, TEXT("Halvora.Test.Mark"));
         m_seen.push_back("apply " + std::to_string(id) +
                          (UserClasses.Has("Halvora.Test.Mark") ? " user" : " machine") +
                          (GetThreadLocale() == 0x407 ? " own locale" : ""));
@@ -201,7 +201,7 @@ public:
     STDMETHODIMP StringUnregister(LPCOLESTR) noexcept override { return E_NOTIMPL; }
 
 private:
-    std::vector<std::string> &m_seen;
+    Lines &m_seen;
 };
 } // namespace
 
@@ -221,45 +221,38 @@ TEST_F(Registration, WritesEveryEntryForItsScopeAndTakesItBack)
         const std::string module = Narrow(copy.Path());
         ASSERT_EQ(scope.commandLine ? copy.Install(true, scope.commandLine) : copy.Call("DllRegisterServer"),
                   S_OK);
-        const std::vector<std::array<std::string, 3>> entries = {
-            {"AppID\\" APPLICATION_ID, "", PROG_ID},
-            {"AppID\\" PROG_ID ".dll", "AppID", APPLICATION_ID},
-            {PROG_ID ".1", "", "Halvora Publish to Flickr Class"},
-            {PROG_ID ".1\\CLSID", "", "{46519402-3380-4D48-BC76-63FFAA27165C}"},
-            {PROG_ID, "", "Halvora Publish to Flickr Class"},
-            {PROG_ID "\\CLSID", "", "{46519402-3380-4D48-BC76-63FFAA27165C}"},
-            {PROG_ID "\\CurVer", "", PROG_ID ".1"},
-            {CLASS_KEY, "", "Halvora Publish to Flickr Class"},
-            {CLASS_KEY "\\ProgID", "", PROG_ID ".1"},
-            {CLASS_KEY "\\VersionIndependentProgID", "", PROG_ID},
-            {CLASS_KEY "\\InprocServer32", "", module},
-            {CLASS_KEY "\\InprocServer32", "ThreadingModel", "Both"},
-            {CLASS_KEY "\\TypeLib", "", "{20FB81F4-2558-4961-B33E-75C9A90642E9}"},
+        const Lines entries = {
+            "AppID\\" APPLICATION_ID " = " PROG_ID,
+            "AppID\\" PROG_ID ".dll [AppID] = " APPLICATION_ID,
+            PROG_ID ".1 = Halvora Publish to Flickr Class",
+            PROG_ID ".1\\CLSID = {46519402-3380-4D48-BC76-63FFAA27165C}",
+            PROG_ID " = Halvora Publish to Flickr Class",
+            PROG_ID "\\CLSID = {46519402-3380-4D48-BC76-63FFAA27165C}",
+            PROG_ID "\\CurVer = " PROG_ID ".1",
+            CLASS_KEY " = Halvora Publish to Flickr Class",
+            CLASS_KEY "\\ProgID = " PROG_ID ".1",
+            CLASS_KEY "\\VersionIndependentProgID = " PROG_ID,
+            CLASS_KEY "\\InprocServer32 = " + module,
+            CLASS_KEY "\\InprocServer32 [ThreadingModel] = Both",
+            CLASS_KEY "\\TypeLib = {20FB81F4-2558-4961-B33E-75C9A90642E9}",
         };
-        const std::vector<std::array<std::string, 3>> libraryEntries = {
-            {LIBRARY_KEY "\\1.0", "", "Halvora Publish to Flickr 1.0 Type Library"},
-            {LIBRARY_KEY "\\1.0\\409\\win64", "", module},
-            {LIBRARY_KEY "\\1.0\\FLAGS", "", UnderWine ? "8" : "0"}, // Wine adds that the library has a file
-            {INTERFACE_KEY, "", "IHalvoraPublishingPlugin"},
-            {INTERFACE_KEY "\\TypeLib", "", "{20FB81F4-2558-4961-B33E-75C9A90642E9}"},
-            {INTERFACE_KEY "\\TypeLib", "Version", "1.0"},
+        const Lines libraryEntries = {
+            LIBRARY_KEY "\\1.0 = Halvora Publish to Flickr 1.0 Type Library",
+            LIBRARY_KEY "\\1.0\\409\\win64 = " + module,
+            LIBRARY_KEY "\\1.0\\FLAGS = " + std::string(UnderWine ? "8" : "0"), // Wine adds that it has a file
+            INTERFACE_KEY " = IHalvoraPublishingPlugin",
+            INTERFACE_KEY "\\TypeLib = {20FB81F4-2558-4961-B33E-75C9A90642E9}",
+            INTERFACE_KEY "\\TypeLib [Version] = 1.0",
         };
-        for (const auto &[key, name, value] : entries)
-        {
-            EXPECT_EQ(scope.own.Text(key, name), value) << key << " " << name;
-        }
         // Wine registers a user's type library for the machine.
         const Classes &libraryOwner = UnderWine ? MachineClasses : scope.own;
-        for (const auto &[key, name, value] : libraryEntries)
-        {
-            EXPECT_EQ(libraryOwner.Text(key, name), value) << key << " " << name;
-        }
+        EXPECT_EQ(scope.own.Lacking(entries), Lines());
+        EXPECT_EQ(libraryOwner.Lacking(libraryEntries), Lines());
         EXPECT_TRUE(scope.own.Has(CLASS_KEY "\\Programmable"));
         EXPECT_TRUE(scope.own.Has(CLASS_KEY "\\Implemented Categories\\{5EE4545B-143B-4f11-B9B3-F919653EB62F}"));
         const bool isLibraryAstray = &libraryOwner != &scope.own;
-        EXPECT_THAT(PresentKeys(scope.other),
-                    isLibraryAstray ? testing::ElementsAre(LIBRARY_KEY, INTERFACE_KEY)
-                                    : testing::Matcher<std::vector<std::string>>(testing::IsEmpty()));
+        EXPECT_THAT(PresentKeys(scope.other), isLibraryAstray ? testing::ElementsAre(LIBRARY_KEY, INTERFACE_KEY)
+                                                              : testing::Matcher<Lines>(testing::IsEmpty()));
 
         EXPECT_EQ(scope.commandLine ? copy.Install(false, scope.commandLine) : copy.Call("DllUnregisterServer"),
                   S_OK);
@@ -306,7 +299,7 @@ TEST_F(Registration, AFailingScriptLeavesLocaleAndMappingAsTheyWere)
 {
     const LCID before = GetThreadLocale();
     SetThreadLocale(0x407);
-    std::vector<std::string> seen;
+    Lines seen;
     {
         const InstalledCopy copy;
         const ClassInPlace registrar(CLSID_Registrar, [&](REFIID iid, void **object) {
@@ -315,36 +308,15 @@ TEST_F(Registration, AFailingScriptLeavesLocaleAndMappingAsTheyWere)
         EXPECT_EQ(copy.Install(true, TEXT("User")), E_ACCESSDENIED);
         EXPECT_EQ(copy.Call("DllUnregisterServer"), E_ACCESSDENIED) << "though the last step succeeds";
     }
-    EXPECT_EQ(seen, (std::vector<std::string>{"apply 100 user", "apply 102 user", "revert 102", "revert 100",
-                                              "revert 102", "revert 100"}));
+    EXPECT_EQ(seen,
+              (Lines{"apply 100 user", "apply 102 user", "revert 102", "revert 100", "revert 102", "revert 100"}));
     EXPECT_EQ(GetThreadLocale(), 0x407u);
     SetThreadLocale(before);
     UserClasses.Remove("Halvora.Test.Mark");
     EXPECT_FALSE(MachineClasses.Has("Halvora.Test.Mark"));
-    RegistryKeyOwner made;
-    ASSERT_EQ(RegCreateKeyExW(HKEY_CLASSES_ROOT, TEXT("Halvora.Test.Mark"), 0, nullptr, 0, KEY_WRITE, nullptr,
-                              made.Put(), nullptr),
-              ERROR_SUCCESS);
+    MakeKey(HKEY_CLASSES_ROOT, TEXT("Halvora.Test.Mark"));
     EXPECT_TRUE(MachineClasses.Has("Halvora.Test.Mark")) << "the classes are the machine's again";
     MachineClasses.Remove("Halvora.Test.Mark");
-}
-
-TEST_F(Registration, LetsTheSystemCreateTheObject)
-{
-    const InstalledCopy copy;
-    ASSERT_EQ(copy.Call("DllRegisterServer"), S_OK);
-    CLSID named{};
-    EXPECT_EQ(CLSIDFromProgID(TEXT("Halvora.Publishing.Plugin.Flickr"), &named), S_OK);
-    EXPECT_TRUE(named == CLSID_FlickrPublisher);
-    ComPtr<IHalvoraPublishingPlugin> plugin;
-    const auto create = [&] {
-        return CoCreateInstance(CLSID_FlickrPublisher, nullptr, CLSCTX_ALL, __uuidof(IHalvoraPublishingPlugin),
-                                plugin.PutVoid());
-    };
-    EXPECT_EQ(create(), S_OK);
-    plugin.Reset();
-    EXPECT_EQ(copy.Call("DllUnregisterServer"), S_OK);
-    EXPECT_EQ(create(), REGDB_E_CLASSNOTREG);
 }
 
 TEST_F(Registration, TheTypeLibraryTellsClassInterfaceAndSet)
@@ -360,7 +332,7 @@ TEST_F(Registration, TheTypeLibraryTellsClassInterfaceAndSet)
     EXPECT_EQ(attributes->lcid, 0x409u);
     EXPECT_EQ(attributes->syskind, SYS_WIN64);
     library->ReleaseTLibAttr(attributes);
-    std::vector<std::string> types;
+    Lines types;
     for (INT i = -1; i < static_cast<INT>(library->GetTypeInfoCount()); ++i)
     {
         BstrOwner name;

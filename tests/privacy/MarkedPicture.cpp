@@ -9,7 +9,6 @@
 #include <vips/vips.h>
 
 #include <algorithm>
-#include <functional>
 #include <stdexcept>
 
 using namespace std::string_literals;
@@ -18,7 +17,7 @@ namespace
 {
 const char *ValueOf(const char *place)
 {
-    for (const MarkedPlace &other : OtherPlaces())
+    for (const MarkedPlace &other : OtherPlaces)
     {
         if (place == std::string(other.key))
         {
@@ -95,14 +94,7 @@ std::string MakePlainTiff()
 {
     const std::pair<int, int> shorts[] = {{256, 8}, {257, 8},   {258, 8}, {259, 1},
                                           {262, 1}, {273, 110}, {277, 1}, {278, 8}};
-    const auto number = [](int value, int bytes) {
-        std::string text;
-        for (; bytes > 0; --bytes, value >>= 8)
-        {
-            text += static_cast<char>(value & 0xFF);
-        }
-        return text;
-    };
+    const auto number = [](int value, int bytes) { return NumberBytes(static_cast<size_t>(value), bytes, false); };
     std::string file = "II*\0\x08\0\0\0"s + number(std::size(shorts), 2);
     for (const auto &[tag, value] : shorts)
     {
@@ -115,7 +107,7 @@ std::string MakePlainTiff()
 void AddExif(Exiv2::ExifData &data, const std::string &thumbnail)
 {
     data["Exif.Image.Make"] = std::string("Panasonic");
-    for (const MarkedPlace &place : ExifPlaces())
+    for (const MarkedPlace &place : ExifPlaces)
     {
         AddText(data, Exiv2::ExifKey(place.key), place.value);
     }
@@ -137,22 +129,14 @@ void AddExif(Exiv2::ExifData &data, const std::string &thumbnail)
     }
 }
 
-// Four bytes, the highest first.
-std::string BigEndian(size_t value)
+std::string BigEndian(size_t value, int bytes = 4)
 {
-    std::string bytes;
-    for (int shift = 24; shift >= 0; shift -= 8)
-    {
-        bytes += static_cast<char>(value >> shift & 0xFF);
-    }
-    return bytes;
+    return NumberBytes(value, bytes, true);
 }
 
 std::string Segment(int marker, const std::string &contents)
 {
-    const size_t length = contents.size() + 2;
-    return "\xFF"s + static_cast<char>(marker) + static_cast<char>(length >> 8) +
-           static_cast<char>(length & 0xFF) + contents;
+    return "\xFF"s + static_cast<char>(marker) + BigEndian(contents.size() + 2, 2) + contents;
 }
 
 // Of JUMBF, and of the files that are made of boxes.
@@ -161,40 +145,30 @@ std::string Box(const char *type, const std::string &contents)
     return BigEndian(contents.size() + 8) + type + contents;
 }
 
-// The offset of the first segment that is neither an application's nor a comment, and on the way there
-// calls seen(offset, length) of each.
-size_t EndOfHead(const std::string &file, const std::function<void(size_t, size_t)> &seen)
+// The length of the segment at an offset, its marker included.
+size_t SegmentLength(const std::string &file, size_t at)
+{
+    return 2 + (static_cast<unsigned char>(file.at(at + 2)) << 8) + static_cast<unsigned char>(file.at(at + 3));
+}
+
+// The offset of the first segment that is neither an application's nor a comment.
+size_t EndOfHead(const std::string &file)
 {
     size_t at = 2;
-    for (;;)
+    while ((file.at(at + 1) & 0xF0) == 0xE0 || file.at(at + 1) == '\xFE')
     {
-        const auto marker = static_cast<unsigned char>(file.at(at + 1));
-        if ((marker & 0xF0) != 0xE0 && marker != 0xFE)
-        {
-            return at;
-        }
-        const size_t length =
-            2 + (static_cast<unsigned char>(file.at(at + 2)) << 8) + static_cast<unsigned char>(file.at(at + 3));
-        seen(at, length);
-        at += length;
+        at += SegmentLength(file, at);
     }
+    return at;
 }
 
 // Bytes that an earlier writer left at the end of the block, pointed to by nothing.
 void AddStaleBytes(std::string &file)
 {
-    size_t found = 0;
-    size_t foundLength = 0;
-    EndOfHead(file, [&](size_t at, size_t length) {
-        if (file.compare(at + 4, 6, "Exif\0\0"s) == 0)
-        {
-            found = at;
-            foundLength = length;
-        }
-    });
-    const std::string contents =
-        file.substr(found + 4, foundLength - 4) + ValueOf("unused bytes in the EXIF block");
-    file.replace(found, foundLength, Segment(0xE1, contents));
+    const size_t at = file.find("Exif\0\0"s) - 4;
+    const size_t length = SegmentLength(file, at);
+    const std::string contents = file.substr(at + 4, length - 4) + ValueOf("unused bytes in the EXIF block");
+    file.replace(at, length, Segment(0xE1, contents));
 }
 
 void AddSegments(std::string &file)
@@ -217,7 +191,7 @@ void AddSegments(std::string &file)
         Segment(0xE6, "GoPro\0DEVC"s + ValueOf("APP6, telemetry of an action camera")) +
         Segment(0xEC, "Ducky\0\2\0\x10\0\0\0\x0E"s + ValueOf("APP12, picture information")) +
         Segment(0xFE, ValueOf("second COM"));
-    const size_t endOfHead = EndOfHead(file, [](size_t, size_t) {});
+    const size_t endOfHead = EndOfHead(file);
     file.insert(endOfHead, added);
     const size_t firstScan = file.find("\xFF\xDA", endOfHead + added.size());
     const size_t secondScan = file.find("\xFF\xDA", firstScan + 1);
@@ -284,21 +258,8 @@ std::string MakePlainPicture(Contents contents)
 
 const char *ExtensionOf(Contents contents)
 {
-    switch (contents)
-    {
-    case Contents::Tiff:
-        return ".tif";
-    case Contents::WebP:
-        return ".webp";
-    case Contents::Heif:
-        return ".avif";
-    case Contents::Png:
-        return ".png";
-    case Contents::Raw:
-        return ".dng";
-    default:
-        return ".jpg";
-    }
+    static constexpr const char *Extensions[] = {".jpg", ".jpg", ".tif", ".webp", ".avif", ".png", ".dng"};
+    return Extensions[static_cast<size_t>(contents)];
 }
 
 std::string MakeMarkedPicture(Contents contents)
@@ -316,12 +277,12 @@ std::string MakeMarkedPicture(Contents contents)
     }
     if (contents != Contents::WebP && contents != Contents::Heif)
     {
-        for (const MarkedPlace &place : IptcPlaces())
+        for (const MarkedPlace &place : IptcPlaces)
         {
             image->iptcData()[place.key] = std::string(place.value);
         }
     }
-    for (const MarkedPlace &place : XmpPlaces())
+    for (const MarkedPlace &place : XmpPlaces)
     {
         image->xmpData()[place.key] = std::string(place.value);
     }

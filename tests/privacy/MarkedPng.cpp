@@ -11,14 +11,9 @@ namespace
 constexpr size_t SignatureBytes = 8;
 constexpr size_t HeaderChunkBytes = 25;
 
-std::string BigEndian(unsigned long value)
+std::string BigEndian(size_t value)
 {
-    std::string bytes;
-    for (int shift = 24; shift >= 0; shift -= 8)
-    {
-        bytes += static_cast<char>(value >> shift & 0xFF);
-    }
-    return bytes;
+    return NumberBytes(value, 4, true);
 }
 
 const Bytef *BytesOf(const std::string &text)
@@ -62,7 +57,7 @@ std::string MakePlainPng()
 void AddPngChunks(std::string &file, const std::string &exif)
 {
     std::string chunks = Chunk("eXIf", exif);
-    for (const MarkedPlace &place : PngPlaces())
+    for (const MarkedPlace &place : PngPlaces)
     {
         // "PNG tEXt Author" is the chunk's type and its keyword.
         const std::string type = std::string(place.key).substr(4, 4);
@@ -70,5 +65,5 @@ void AddPngChunks(std::string &file, const std::string &exif)
         chunks += Chunk(type, keyword + (type == "iTXt" ? "\0\0\0en\0\0"s : "\0"s) + place.value);
     }
     file.insert(SignatureBytes + HeaderChunkBytes, chunks);
-    file += "behind the end: "s + PngPlaces().front().value;
+    file += "behind the end: "s + PngPlaces.front().value;
 }

@@ -34,15 +34,15 @@ struct MarkedPlace
     std::vector<unsigned> leave;
 };
 
-const std::vector<MarkedPlace> &ExifPlaces();
-const std::vector<MarkedPlace> &IptcPlaces();
-const std::vector<MarkedPlace> &XmpPlaces();
+extern const std::vector<MarkedPlace> ExifPlaces;
+extern const std::vector<MarkedPlace> IptcPlaces;
+extern const std::vector<MarkedPlace> XmpPlaces;
 
 // Of a JPEG: segments that are none of these, or more of them than the usual.
-const std::vector<MarkedPlace> &OtherPlaces();
+extern const std::vector<MarkedPlace> OtherPlaces;
 
 // Of a PNG: "PNG", the type of the chunk and its keyword.
-const std::vector<MarkedPlace> &PngPlaces();
+extern const std::vector<MarkedPlace> PngPlaces;
 
 // Seconds of the latitude 47 degrees 13 minutes: a fraction that no other value has.
 constexpr unsigned SecondsNumerator = 987654321;
@@ -50,6 +50,9 @@ constexpr unsigned SecondsDenominator = 20000003;
 
 // Everything that is in the places.
 const std::vector<MarkedValue> &MarkedValues();
+
+// A number in so many bytes.
+std::string NumberBytes(size_t value, int count, bool isBigEndian);
 
 // ASCII as UTF-16.
 std::string WideBytes(const std::string &text, bool isBigEndian);

@@ -7,15 +7,11 @@
 
 #include <exiv2/exiv2.hpp>
 
-#include "account/AccountRecord.h"
-#include "com/BstrOwner.h"
-#include "core/VersionBlock.h"
 #include "host/PublishingHost.h"
-#include "publish/UploadRequest.h"
-#include "settings/SettingsStore.h"
-#include "tests/doubles/CallRecord.h"
+#include "tests/doubles/FakeHost.h"
 #include "tests/doubles/FakeWebComponents.h"
 #include "tests/doubles/SettingsKey.h"
+#include "tests/doubles/SingleUpload.h"
 #include "tests/host/TemporaryFolder.h"
 #include "tests/platform/windowscodecs_jpeg/CodecUse_posix.h"
 
@@ -40,11 +36,11 @@ enum class FirstWriting
     FailsAfter   // everything is written, and then it fails
 };
 
-// The real host, but that its first writing of metadata may fail.
-class Host final : public ComObject<Host, IHalvoraPublishingHost, IHalvoraImageMetadata>
+// That of the real host, but that its first writing may fail.
+class Metadata final : public ComObject<Metadata, IHalvoraImageMetadata>
 {
 public:
-    Host()
+    Metadata()
         : m_record(ItemCollection()),
           m_host(PublishingHost::Make(m_record, [](int, const auto &, const auto &) {}))
     {
@@ -52,15 +48,6 @@ public:
 
     FirstWriting First = FirstWriting::Succeeds;
     int Writings = 0;
-
-    STDMETHODIMP Reserved1() noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP Reserved2() noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetItemList(INT32 *, HGLOBAL *) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetItemRecord(UINT64, ItemRecord *) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP Reserved3() noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP Reserved4() noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP Reserved5() noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP WriteLogEntry(INT32, LPCWSTR, LPCWSTR) noexcept override { return S_OK; }
 
     STDMETHODIMP ReadImageMetadata(LPCWSTR path, INT32 reserved, INT32 longEdge, IWICBitmapSource **source,
                                    INT32 flags, ItemRecord *record) noexcept override
@@ -84,12 +71,6 @@ public:
 private:
     RunRecord m_record;
     ComPtr<PublishingHost> m_host;
-};
-
-class Progress final : public ComObject<Progress, IUploadProgressCallback>
-{
-public:
-    STDMETHODIMP OnUploadProgress(UINT32, UINT32, UINT32) noexcept override { return S_OK; }
 };
 
 std::string NameOf(unsigned groups)
@@ -128,12 +109,7 @@ protected:
         Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute); // the odd blocks are meant to be odd
     }
 
-    void SetUp() override
-    {
-        UsePicture(Contents::JpegWithEverything);
-        Account.OAuthToken = BstrOwner(TEXT("t"));
-        Account.OAuthTokenSecret = BstrOwner(TEXT("s"));
-    }
+    void SetUp() override { UsePicture(Contents::JpegWithEverything); }
 
     void UsePicture(Contents contents)
     {
@@ -145,24 +121,20 @@ protected:
     // The picture as it would be sent; empty after a failure, which fails the test.
     std::string Send(UINT32 mode, unsigned groups, FirstWriting first)
     {
-        const auto host = Host::Make();
-        host->First = first;
-        UploadOptions options;
-        options.Mode = mode;
+        const auto metadata = Metadata::Make();
+        metadata->First = first;
+        CallRecord record;
+        const auto host = FakeHost::Make(record);
+        host->OtherMetadata = metadata;
+        UploadOptions options = SingleUpload::Options(mode);
         options.WriteCopyright = (groups & Copyright) != 0;
         options.WriteEXIF = (groups & Exif) != 0;
         options.WriteXMP = (groups & Xmp) != 0;
         options.WriteGPS = (groups & Gps) != 0;
         options.WriteIPTC = (groups & Iptc) != 0;
-        options.PrintDpi = 300;
-        const RunContext run{host.Get(), nullptr, Callback.Get(), Account,     Version,     Settings,
-                             Statistics, Windows, Cancel,         SystemTicks, [](DWORD) {}};
-        Web.ForgetCalls();
-        Web.FileParts.clear();
+        Web.Clear();
         Web.AnswerWith(S_OK, nullptr);
-        ComPtr<IUnknown> reply;
-        const HRESULT result = UploadOneFile(run, Path.u16string().c_str(), TEXT("p.jpg"), reply, options);
-        EXPECT_EQ(result, S_OK) << NameOf(groups);
+        EXPECT_EQ(SingleUpload().Run(host.Get(), Path, options), S_OK) << NameOf(groups);
         return Web.FileParts.empty() ? std::string() : Web.FileParts.back();
     }
 
@@ -296,13 +268,6 @@ protected:
     std::filesystem::path Path;
     SettingsKey Key;
     FakeWebComponents Web;
-    AccountRecord Account;
-    VersionBlock Version = VersionBlock::OfThisModule();
-    SettingsBlock Settings;
-    PublishStatistics Statistics;
-    ProgressWindows Windows;
-    CancelFlags Cancel;
-    ComPtr<Progress> Callback = Progress::Make();
 };
 } // namespace
 
@@ -367,29 +332,5 @@ TEST_F(PrivacyMatrix, ProcessedPixels)
         SCOPED_TRACE(ExtensionOf(contents));
         UsePicture(contents);
         SendEveryChoice(SendProcessed, FirstWriting::Succeeds);
-    }
-}
-
-// What is in the form goes by its own switches, and is in the form alone.
-TEST_F(PrivacyMatrix, WordsOfTheFormAreNoPartOfThePicture)
-{
-    for (const UINT32 mode : {SendPixelsIntact, SendProcessed})
-    {
-        const std::string sent = Send(mode, 0, FirstWriting::Succeeds);
-        const auto uploads = Web.CallsOf("UploadRequest");
-        ASSERT_EQ(uploads.size(), 1u);
-        EXPECT_THAT(Narrow(uploads[0].Arguments[5]), HasSubstr("title=qzXmpTitle&description=qzXmpDescription"));
-        EXPECT_EQ(sent.find("qzXmpTitle"), std::string::npos);
-        EXPECT_EQ(sent.find("qzXmpDescription"), std::string::npos);
-    }
-}
-
-// The file as it lies is another promise: nothing is taken out. So go PNG files whatever the settings say.
-TEST_F(PrivacyMatrix, TheFileAsItLiesGoesWithEverything)
-{
-    for (const Contents contents : {Contents::JpegWithEverything, Contents::Png})
-    {
-        UsePicture(contents);
-        EXPECT_TRUE(Send(SendAsIs, 0, FirstWriting::Succeeds) == Marked) << ExtensionOf(contents);
     }
 }

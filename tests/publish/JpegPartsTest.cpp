@@ -3,14 +3,11 @@
 #include "com/Hresult.h"
 #include "publish/JpegEncoder.h"
 #include "publish/JpegSubsampling.h"
-#include "publish/RetryRule.h"
 #include "tests/doubles/CallRecord.h"
-#include "tests/doubles/FakeEncoding.h"
 #include "tests/doubles/FakeImaging.h"
 
 #include <gmock/gmock.h>
 
-#include <optional>
 #include <string_view>
 
 TEST(OutputResolution, IsThatOfTheWantedSizeOrElseTheSourcesOwn)
@@ -55,11 +52,11 @@ TEST(EncoderOptions, AreForLooksOrForFewBytes)
     WriteEncoderOptions(bag.Get(), true, true);
     WriteEncoderOptions(bag.Get(), false, false);
     WriteEncoderOptions(bag.Get(), true, false);
-    EXPECT_THAT(imaging.Calls.DetailsOf("Options.Write"),
+    EXPECT_THAT(imaging.Calls.LinesOf("Options.Write "),
                 testing::ElementsAre("ImageQuality 1 VT_R4=3F59999A, JpegYCrCbSubsampling 1 VT_UI1=3",
                                      "ImageQuality 1 VT_R4=3F400000, JpegYCrCbSubsampling 1 VT_UI1=1",
                                      "ImageQuality 1 VT_R4=3F59999A", "ImageQuality 1 VT_R4=3F400000"));
-    imaging.Calls.FailOperation("Options.Write", 0x80031234, 5);
+    imaging.Calls.FailOperation("Options.Write", 0x80031234);
     EXPECT_THROW(WriteEncoderOptions(bag.Get(), false, true), HresultError);
 }
 
@@ -97,62 +94,4 @@ TEST(JpegSubsampling, ElseShowsInTheThreadingModel)
     EXPECT_FALSE(answer(REG_BINARY, WideView(TEXT("Both\0"), 5)));
     key.Reset();
     EXPECT_EQ(RegDeleteKeyW(HKEY_CURRENT_USER, path), ERROR_SUCCESS);
-}
-
-namespace
-{
-constexpr HRESULT BadImage = 0x88982F60;
-constexpr HRESULT UnexpectedType = 0x88982F8E;
-constexpr HRESULT MetadataFailure = 0x80031111; // stands for a failure of the host's writer
-constexpr int None = -1;
-} // namespace
-
-// Sequences of passes: the result of each, the milliseconds until the next, and whether that copies blocks.
-TEST(RetryRule, AnswersEachOutcomeInItsTurn)
-{
-    struct Step
-    {
-        HRESULT outcome;
-        int pause;
-        bool copiesAfter;
-    };
-    const struct
-    {
-        bool copies;
-        std::vector<Step> steps;
-    } cases[] = {
-        {true, {{S_OK, None, true}}},
-        {true, {{E_FAIL, None, true}}},
-        {true, {{BadImage, 100, true}, {BadImage, 200, true}, {BadImage, 300, true}, {BadImage, None, true}}},
-        {false, {{BadImage, 100, false}, {BadImage, 200, false}, {BadImage, 300, false}, {BadImage, None, false}}},
-        {true, {{MetadataFailure, 0, false}, {MetadataFailure, None, false}}},
-        {true, {{UnexpectedType, 0, false}, {UnexpectedType, None, false}}},
-        {false, {{MetadataFailure, None, false}}},
-        {false, {{UnexpectedType, None, false}}},
-        // A metadata failure doesn't touch the count; any other result of writing the pixels resets it.
-        {true,
-         {{BadImage, 100, true},
-          {MetadataFailure, 0, false},
-          {BadImage, 200, false},
-          {MetadataFailure, None, false}}},
-        {true,
-         {{BadImage, 100, true},
-          {BadImage, 200, true},
-          {UnexpectedType, 0, false},
-          {BadImage, 100, false},
-          {UnexpectedType, None, false}}},
-    };
-    for (const auto &c : cases)
-    {
-        RetryRule rule(c.copies);
-        for (const Step &step : c.steps)
-        {
-            const std::optional<DWORD> next =
-                step.outcome == MetadataFailure ? rule.AfterMetadataFailure() : rule.AfterPixels(step.outcome);
-            const auto where = ::testing::Message()
-                               << "case " << (&c - cases) << ", step " << (&step - &c.steps[0]);
-            EXPECT_EQ(next ? static_cast<int>(*next) : None, step.pause) << where;
-            EXPECT_EQ(c.copies && !rule.BlocksDropped, step.copiesAfter) << where;
-        }
-    }
 }

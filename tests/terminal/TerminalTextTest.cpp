@@ -1,6 +1,6 @@
 #include "terminal/TerminalText.h"
 
-#include "terminal/SafeText.h"
+#include "com/SafeText.h"
 
 #include <gmock/gmock.h>
 

@@ -202,7 +202,7 @@ class Finder:
             other = 'E_FAIL' if text == 'S_OK' else 'S_OK'
         elif kind == TypeKind.POINTER:
             other = 'nullptr'
-        elif kind == TypeKind.RECORD:
+        elif kind == TypeKind.RECORD and text.split('::')[-1] != name.split('::')[-1] + '()':
             other = '{}'
         elif TypeKind.CHAR_U.value <= kind.value <= TypeKind.LONGDOUBLE.value:
             other = f'({text}) + 1'

@@ -1,5 +1,6 @@
-// A colour context: a profile's bytes, or the colour space that EXIF names.
+// A colour context: a profile's bytes.
 #include "com/ComObject.h"
+#include "platform/windowscodecs/UncalledMethods.h"
 #include "platform/windowscodecs/jpeg/JpegCodec.h"
 #include "platform/windowscodecs/jpeg/StreamBytes.h"
 
@@ -7,37 +8,19 @@
 
 namespace
 {
-class CColorContext final : public ComObject<CColorContext, IWICColorContext>
+class CColorContext final : public UncalledOfColorContext<ComObject<CColorContext, IWICColorContext>>
 {
 public:
-    STDMETHODIMP InitializeFromFilename(LPCWSTR) noexcept override { return WINCODEC_ERR_UNSUPPORTEDOPERATION; }
-
     STDMETHODIMP InitializeFromMemory(const BYTE *data, UINT size) noexcept override
     {
         return AtBoundary([&] {
-            if (m_type == WICColorContextExifColorSpace)
-            {
-                return WINCODEC_ERR_WRONGSTATE;
-            }
             if (data == nullptr || size == 0)
             {
                 return E_INVALIDARG;
             }
             m_profile.assign(data, data + size);
-            m_type = WICColorContextProfile;
             return S_OK;
         });
-    }
-
-    STDMETHODIMP InitializeFromExifColorSpace(UINT space) noexcept override
-    {
-        if (m_type == WICColorContextProfile)
-        {
-            return WINCODEC_ERR_WRONGSTATE;
-        }
-        m_exifSpace = space;
-        m_type = WICColorContextExifColorSpace;
-        return S_OK;
     }
 
     STDMETHODIMP GetType(WICColorContextType *type) noexcept override
@@ -46,7 +29,7 @@ public:
         {
             return E_INVALIDARG;
         }
-        *type = m_type;
+        *type = m_profile.empty() ? WICColorContextUninitialized : WICColorContextProfile;
         return S_OK;
     }
 
@@ -56,12 +39,11 @@ public:
         {
             return E_INVALIDARG;
         }
-        *actual = 0;
-        if (m_type != WICColorContextProfile)
+        *actual = static_cast<UINT>(m_profile.size());
+        if (m_profile.empty())
         {
             return WINCODEC_ERR_NOTINITIALIZED;
         }
-        *actual = static_cast<UINT>(m_profile.size());
         if (buffer == nullptr)
         {
             return S_OK;
@@ -74,20 +56,8 @@ public:
         return S_OK;
     }
 
-    STDMETHODIMP GetExifColorSpace(UINT *space) noexcept override
-    {
-        if (space == nullptr)
-        {
-            return E_INVALIDARG;
-        }
-        *space = m_exifSpace;
-        return m_type == WICColorContextExifColorSpace ? S_OK : WINCODEC_ERR_NOTINITIALIZED;
-    }
-
 private:
-    WICColorContextType m_type = WICColorContextUninitialized;
     Bytes m_profile;
-    UINT m_exifSpace = 0;
 };
 } // namespace
 

@@ -2,8 +2,7 @@
 
 #include "com/ComObject.h"
 #include "com/WideText.h"
-
-#include <cstring>
+#include "platform/windowscodecs/UncalledMethods.h"
 
 namespace
 {
@@ -16,7 +15,7 @@ struct Option
 constexpr Option Options[] = {{TEXT("ImageQuality"), VT_R4}, {TEXT("JpegYCrCbSubsampling"), VT_UI1}};
 constexpr ULONG OptionCount = sizeof Options / sizeof *Options;
 
-class COptionBag final : public ComObject<COptionBag, IPropertyBag2>
+class COptionBag final : public UncalledOfPropertyBag<ComObject<COptionBag, IPropertyBag2>>
 {
 public:
     STDMETHODIMP Read(ULONG count, PROPBAG2 *names, IErrorLog *, VARIANT *values,
@@ -61,47 +60,6 @@ public:
             m_values[option] = values[i];
         }
         return S_OK;
-    }
-
-    STDMETHODIMP CountProperties(ULONG *count) noexcept override
-    {
-        if (count == nullptr)
-        {
-            return E_INVALIDARG;
-        }
-        *count = OptionCount;
-        return S_OK;
-    }
-
-    STDMETHODIMP GetPropertyInfo(ULONG first, ULONG count, PROPBAG2 *infos, ULONG *given) noexcept override
-    {
-        if (infos == nullptr || given == nullptr)
-        {
-            return E_INVALIDARG;
-        }
-        *given = 0;
-        for (; *given < count && first + *given < OptionCount; ++*given)
-        {
-            const Option &option = Options[first + *given];
-            const size_t bytes = (WideView(option.Name).size() + 1) * sizeof(WCHAR);
-            PROPBAG2 &info = infos[*given];
-            info = {};
-            info.dwType = PROPBAG2_TYPE_DATA;
-            info.vt = option.Type;
-            info.dwHint = first + *given + 1;
-            info.pstrName = static_cast<LPOLESTR>(CoTaskMemAlloc(bytes));
-            if (info.pstrName == nullptr)
-            {
-                return E_OUTOFMEMORY;
-            }
-            std::memcpy(info.pstrName, option.Name, bytes);
-        }
-        return S_OK;
-    }
-
-    STDMETHODIMP LoadObject(LPCOLESTR, DWORD, IUnknown *, IErrorLog *) noexcept override
-    {
-        return WINCODEC_ERR_UNSUPPORTEDOPERATION;
     }
 
 private:

@@ -42,12 +42,6 @@ bool ExifDirectory::Remove(WORD tag)
     return Children.erase(tag) + entries > 0;
 }
 
-void ExifBlock::RemoveThumbnail() noexcept
-{
-    Thumbnail.reset();
-    ThumbnailPicture.clear();
-}
-
 void ExifBlock::ConvertOrder(ExifEntry &entry) const noexcept
 {
     const UINT piece = ExifPieceBytes(entry.Type);

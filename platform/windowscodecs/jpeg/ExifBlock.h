@@ -1,9 +1,13 @@
-// The EXIF block of a picture as a tree of directories that can be changed and written anew. Only
-// what is in the tree is written, so what was removed leaves no byte behind.
+// The EXIF block of a picture as a tree of directories that can be changed and written anew.
+//
+// Of our own, although the metadata library in this process (TextMetadata.h) writes such blocks too, for a promise:
+// what was removed leaves no byte behind. The library may change a block where it lies, and promises nothing for
+// bytes that no entry points to any more; and a maker note that it knows it takes apart and writes anew. Here
+// a block is always written anew, with what is in the tree and nothing else, and a maker note byte for byte.
 //
 // Reading is tolerant: an entry that points outside of the block is left out, the rest stays. Left
-// out are also descriptions of further pictures (SubIFDs, strips), padding, and directories that no
-// reader looks for. The thumbnail of IFD1 stays as a JPEG without any metadata of its own.
+// out are also the thumbnail, descriptions of further pictures (SubIFDs, strips), copies of XMP and IPTC, padding, and
+// directories that no reader looks for.
 #pragma once
 
 #include "platform/windowscodecs/jpeg/StreamBytes.h"
@@ -71,16 +75,13 @@ struct ExifDirectory
 class ExifBlock
 {
 public:
-    ExifDirectory Main;                     // IFD0, with the EXIF, GPS and interoperability directories
-    std::optional<ExifDirectory> Thumbnail; // IFD1
-    Bytes ThumbnailPicture;
+    ExifDirectory Main; // IFD0, with the EXIF, GPS and interoperability directories
     bool BigEndian = false;
 
     // The contents of an APP1 segment, signature included. nullopt if no IFD0 can be read.
     static std::optional<ExifBlock> Read(const Bytes &contents);
 
-    bool IsEmpty() const noexcept { return Main.IsEmpty() && !Thumbnail; }
-    void RemoveThumbnail() noexcept;
+    bool IsEmpty() const noexcept { return Main.IsEmpty(); }
 
     // Turns the elements of a value from little-endian into the block's order, and back.
     void ConvertOrder(ExifEntry &entry) const noexcept;
@@ -89,12 +90,11 @@ public:
     void SetResolution(double x, double y);
     bool GetResolution(double &x, double &y) const;
 
-    // Whether it can be written without its thumbnail, also after SetResolution.
+    // Whether it can be written, also after SetResolution.
     bool Fits() const;
 
     // The contents of an APP1 segment. A maker note keeps its place in the block where that can be,
-    // since its own offsets often count from the block's start. A block that doesn't fit into a segment is
-    // written without its thumbnail; throws WINCODEC_ERR_TOOMUCHMETADATA if that isn't enough.
+    // since its own offsets often count from the block's start. Throws WINCODEC_ERR_TOOMUCHMETADATA.
     Bytes Write() const;
 
 private:

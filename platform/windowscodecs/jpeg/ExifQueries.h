@@ -8,14 +8,15 @@
 #include <propidl.h>
 
 #include <optional>
+#include <span>
 
-// False for a directory, which has no value of its own. Throws WINCODEC_ERR_PROPERTYNOTFOUND.
-bool GetExif(const std::optional<ExifBlock> &block, const QueryItem *items, size_t count, PROPVARIANT *value);
+// Throws WINCODEC_ERR_PROPERTYNOTFOUND. A directory has no value.
+void GetExif(const std::optional<ExifBlock> &block, std::span<const QueryItem> path, PROPVARIANT *value);
 
 // Makes block and directory where they are missing. A wide text in the user's comment is stored as
-// Unicode, a plain one as ASCII. Throws WINCODEC_ERR_TOOMUCHMETADATA, with the block as it was, for a value that
+// Unicode where it isn't ASCII. Throws WINCODEC_ERR_TOOMUCHMETADATA, with the block as it was, for a value that
 // leaves no room in its segment.
-void SetExif(std::optional<ExifBlock> &block, const QueryItem *items, size_t count, const PROPVARIANT &value);
+void SetExif(std::optional<ExifBlock> &block, std::span<const QueryItem> path, const PROPVARIANT &value);
 
-// Whether there was anything to remove. Removing "/app1" or "/app1/ifd" takes the thumbnail along.
-bool RemoveExif(std::optional<ExifBlock> &block, const QueryItem *items, size_t count);
+// Whether there was anything to remove. An empty path means the whole block.
+bool RemoveExif(std::optional<ExifBlock> &block, std::span<const QueryItem> path);

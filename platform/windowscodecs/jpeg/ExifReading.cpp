@@ -1,6 +1,5 @@
 #include "platform/windowscodecs/jpeg/ExifBlock.h"
 #include "platform/windowscodecs/jpeg/JpegStructure.h"
-#include "platform/windowscodecs/jpeg/PictureOnly.h"
 
 #include <algorithm>
 
@@ -10,23 +9,13 @@ namespace
 {
 constexpr auto Signature = "Exif\0\0"sv;
 
-// Fields that describe pictures which aren't kept, or that are mere padding.
 constexpr WORD LeftOut[] = {
-    254,
-    255,
-    273,
-    278,
-    279,
-    322,
-    323,
-    324,
-    325, // subfile kind, strips, tiles
-    330, // SubIFDs
-    ExifTag::ThumbnailOffset,
-    ExifTag::ThumbnailLength,
-    0xEA1C,
-    0xEA1D // padding, and how far a maker note was moved
-};
+    // Of pictures that aren't kept: subfile kind, strips, tiles, SubIFDs, thumbnail.
+    254, 255, 273, 278, 279, 322, 323, 324, 325, 330, ExifTag::ThumbnailOffset, ExifTag::ThumbnailLength,
+    // What is removed as a block of its own, a second time.
+    ExifTag::XmpPacket, ExifTag::IptcRecords, ExifTag::PhotoshopResources,
+    // Padding, and how far a maker note was moved.
+    0xEA1C, 0xEA1D};
 
 bool IsLeftOut(WORD tag) noexcept
 {
@@ -56,16 +45,7 @@ public:
         {
             return false;
         }
-        UINT next = 0;
-        if (!ReadDirectory(Get32(4), m_block.Main, &next))
-        {
-            return false;
-        }
-        if (next != 0)
-        {
-            ReadThumbnail(next);
-        }
-        return true;
+        return ReadDirectory(Get32(4), m_block.Main);
     }
 
 private:
@@ -87,7 +67,7 @@ private:
 
     // Entries may share their bytes; the budget keeps a crafted block from growing without limit, and
     // the list of directories from running in circles.
-    bool ReadDirectory(UINT at, ExifDirectory &directory, UINT *next)
+    bool ReadDirectory(UINT at, ExifDirectory &directory)
     {
         if (!Holds(at, 2) || std::find(m_seen.begin(), m_seen.end(), at) != m_seen.end())
         {
@@ -99,10 +79,6 @@ private:
         for (UINT i = 0; i < count && Holds(place, 12); ++i, place += 12)
         {
             ReadEntry(place, directory);
-        }
-        if (next != nullptr)
-        {
-            *next = Holds(place, 4) ? Get32(place) : 0;
         }
         return true;
     }
@@ -139,34 +115,11 @@ private:
         }
         ++m_depth;
         ExifDirectory child;
-        if (ReadDirectory(offset, child, nullptr) && !child.IsEmpty())
+        if (ReadDirectory(offset, child) && !child.IsEmpty())
         {
             directory.Children.emplace(tag, std::move(child));
         }
         --m_depth;
-    }
-
-    void ReadThumbnail(UINT at)
-    {
-        UINT offset = 0;
-        UINT length = 0;
-        const UINT count = Holds(at, 2) ? Get16(at) : 0;
-        for (UINT place = at + 2, i = 0; i < count && Holds(place, 12); ++i, place += 12)
-        {
-            offset = Get16(place) == ExifTag::ThumbnailOffset ? Get32(place + 8) : offset;
-            length = Get16(place) == ExifTag::ThumbnailLength ? Get32(place + 8) : length;
-        }
-        ExifDirectory directory;
-        if (length == 0 || !Holds(offset, length) || !ReadDirectory(at, directory, nullptr))
-        {
-            return;
-        }
-        directory.Children.clear();
-        m_block.ThumbnailPicture = KeepPictureOnly(Bytes(m_data + offset, m_data + offset + length));
-        if (!m_block.ThumbnailPicture.empty())
-        {
-            m_block.Thumbnail = std::move(directory);
-        }
     }
 
     const BYTE *m_data;

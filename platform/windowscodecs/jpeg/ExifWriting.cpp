@@ -76,12 +76,12 @@ private:
     UINT m_free = 0;
 };
 
+// One of both.
 struct Slot
 {
     WORD Tag;
     const ExifEntry *Entry;
     const ExifDirectory *Child;
-    UINT Value;
 };
 
 std::vector<Slot> SlotsOf(const ExifDirectory &directory)
@@ -89,19 +89,20 @@ std::vector<Slot> SlotsOf(const ExifDirectory &directory)
     std::vector<Slot> slots;
     for (const ExifEntry &entry : directory.Entries)
     {
-        slots.push_back({entry.Tag, &entry, nullptr, 0});
+        slots.push_back({entry.Tag, &entry, nullptr});
     }
     for (const auto &[tag, child] : directory.Children)
     {
         if (!child.IsEmpty())
         {
-            slots.push_back({tag, nullptr, &child, 0});
+            slots.push_back({tag, nullptr, &child});
         }
     }
+    std::ranges::sort(slots, {}, &Slot::Tag);
     return slots;
 }
 
-UINT WriteDirectory(Layout &layout, const ExifDirectory &directory, const Bytes *picture);
+UINT WriteDirectory(Layout &layout, const ExifDirectory &directory);
 
 void WriteSlot(Layout &layout, UINT place, const Slot &slot)
 {
@@ -110,7 +111,7 @@ void WriteSlot(Layout &layout, UINT place, const Slot &slot)
     {
         layout.Put16(place + 2, EXIF_LONG);
         layout.Put32(place + 4, 1);
-        layout.Put32(place + 8, slot.Child != nullptr ? WriteDirectory(layout, *slot.Child, nullptr) : slot.Value);
+        layout.Put32(place + 8, WriteDirectory(layout, *slot.Child));
         return;
     }
     const Bytes &data = slot.Entry->Data;
@@ -132,17 +133,11 @@ void WriteSlot(Layout &layout, UINT place, const Slot &slot)
 }
 
 // The table first, then what its entries point to. Returns where the table lies.
-UINT WriteDirectory(Layout &layout, const ExifDirectory &directory, const Bytes *picture)
+UINT WriteDirectory(Layout &layout, const ExifDirectory &directory)
 {
-    std::vector<Slot> slots = SlotsOf(directory);
-    const UINT count = static_cast<UINT>(slots.size()) + (picture != nullptr ? 2 : 0);
+    const std::vector<Slot> slots = SlotsOf(directory);
+    const UINT count = static_cast<UINT>(slots.size());
     const UINT at = layout.Place(2 + 12 * count + 4);
-    if (picture != nullptr)
-    {
-        slots.push_back({ExifTag::ThumbnailOffset, nullptr, nullptr, layout.PlaceData(*picture)});
-        slots.push_back({ExifTag::ThumbnailLength, nullptr, nullptr, static_cast<UINT>(picture->size())});
-    }
-    std::sort(slots.begin(), slots.end(), [](const Slot &a, const Slot &b) { return a.Tag < b.Tag; });
     layout.Put16(at, count);
     UINT place = at + 2;
     for (const Slot &slot : slots)
@@ -159,37 +154,26 @@ const ExifEntry *MakerNoteOf(const ExifBlock &block) noexcept
     return exif != block.Main.Children.end() ? exif->second.Find(ExifTag::MakerNote) : nullptr;
 }
 
-Bytes Lay(const ExifBlock &block, UINT makerNoteAt, bool withThumbnail)
+Bytes Lay(const ExifBlock &block, UINT makerNoteAt)
 {
     const ExifEntry *note = makerNoteAt >= 8 ? MakerNoteOf(block) : nullptr;
     const bool reserve = note != nullptr && note->Data.size() > 4;
     Layout layout(block.BigEndian, reserve ? makerNoteAt : 0, reserve ? static_cast<UINT>(note->Data.size()) : 0);
-    const UINT main = WriteDirectory(layout, block.Main, nullptr);
-    layout.Put32(4, main);
-    if (withThumbnail && block.Thumbnail)
-    {
-        const UINT thumbnail = WriteDirectory(layout, *block.Thumbnail, &block.ThumbnailPicture);
-        layout.Put32(main + 2 + 12 * static_cast<UINT>(SlotsOf(block.Main).size()), thumbnail);
-    }
+    layout.Put32(4, WriteDirectory(layout, block.Main));
     return layout.Take();
 }
 } // namespace
 
 bool ExifBlock::Fits() const
 {
-    return Lay(*this, 0, false).size() + ResolutionBytes + SignatureBytes <= MaxSegmentBytes;
+    return Lay(*this, 0).size() + ResolutionBytes + SignatureBytes <= MaxSegmentBytes;
 }
 
 Bytes ExifBlock::Write() const
 {
-    const struct
+    for (const UINT makerNoteAt : {m_makerNoteOffset, 0u})
     {
-        UINT MakerNoteAt;
-        bool WithThumbnail;
-    } attempts[] = {{m_makerNoteOffset, true}, {0, true}, {m_makerNoteOffset, false}, {0, false}};
-    for (const auto &attempt : attempts)
-    {
-        const Bytes block = Lay(*this, attempt.MakerNoteAt, attempt.WithThumbnail);
+        const Bytes block = Lay(*this, makerNoteAt);
         if (block.size() + SignatureBytes <= MaxSegmentBytes)
         {
             Bytes contents = {'E', 'x', 'i', 'f', 0, 0};

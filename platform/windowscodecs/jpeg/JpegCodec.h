@@ -8,8 +8,3 @@
 HRESULT CreateJpegDecoder(IWICBitmapDecoder **decoder) noexcept;
 HRESULT CreateJpegEncoder(IWICBitmapEncoder **encoder) noexcept;
 HRESULT CreateColorContext(IWICColorContext **context) noexcept;
-
-// A bitmap with a copy of the caller's pixels and no resolution (0 by 0). Formats with whole bytes
-// for a pixel only; others give WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT.
-HRESULT CreateMemoryBitmap(UINT width, UINT height, REFWICPixelFormatGUID format, UINT stride, UINT size,
-                           const BYTE *pixels, IWICBitmap **bitmap) noexcept;

@@ -1,34 +1,14 @@
 // The decoder: recognises a JPEG and gives its one frame.
 #include "com/ComObject.h"
+#include "platform/windowscodecs/UncalledMethods.h"
 #include "platform/windowscodecs/jpeg/JpegCodec.h"
 #include "platform/windowscodecs/jpeg/JpegFrameDecode.h"
 
-#include <optional>
-
 namespace
 {
-class CJpegDecoder final : public ComObject<CJpegDecoder, IWICBitmapDecoder>
+class CJpegDecoder final : public UncalledOfDecoder<ComObject<CJpegDecoder, IWICBitmapDecoder>>
 {
 public:
-    STDMETHODIMP QueryCapability(IStream *stream, DWORD *capability) noexcept override
-    {
-        if (stream == nullptr || capability == nullptr)
-        {
-            return E_INVALIDARG;
-        }
-        *capability = 0;
-        return AtBoundary([&] {
-            const ULONGLONG base = PositionOf(stream);
-            StreamBytes bytes(ComPtr<IStream>(stream), base);
-            ReadStructure(bytes);
-            *capability =
-                WICBitmapDecoderCapabilityCanDecodeAllImages | WICBitmapDecoderCapabilityCanEnumerateMetadata;
-            LARGE_INTEGER back;
-            back.QuadPart = static_cast<LONGLONG>(base);
-            return stream->Seek(back, STREAM_SEEK_SET, nullptr);
-        });
-    }
-
     // The picture begins where the stream stands. Metadata is read when it is asked for, whatever the
     // option.
     STDMETHODIMP Initialize(IStream *stream, WICDecodeOptions) noexcept override
@@ -61,43 +41,6 @@ public:
         return S_OK;
     }
 
-    STDMETHODIMP GetDecoderInfo(IWICBitmapDecoderInfo **info) noexcept override
-    {
-        return Refuse(info, WINCODEC_ERR_COMPONENTNOTFOUND);
-    }
-    STDMETHODIMP CopyPalette(IWICPalette *) noexcept override { return WINCODEC_ERR_PALETTEUNAVAILABLE; }
-    STDMETHODIMP GetMetadataQueryReader(IWICMetadataQueryReader **reader) noexcept override
-    {
-        return Refuse(reader, WINCODEC_ERR_UNSUPPORTEDOPERATION);
-    }
-    STDMETHODIMP GetPreview(IWICBitmapSource **preview) noexcept override
-    {
-        return Refuse(preview, WINCODEC_ERR_UNSUPPORTEDOPERATION);
-    }
-    STDMETHODIMP GetColorContexts(UINT, IWICColorContext **, UINT *actual) noexcept override
-    {
-        if (actual == nullptr)
-        {
-            return E_INVALIDARG;
-        }
-        *actual = 0;
-        return WINCODEC_ERR_UNSUPPORTEDOPERATION;
-    }
-    STDMETHODIMP GetThumbnail(IWICBitmapSource **thumbnail) noexcept override
-    {
-        return Refuse(thumbnail, WINCODEC_ERR_CODECNOTHUMBNAIL);
-    }
-
-    STDMETHODIMP GetFrameCount(UINT *count) noexcept override
-    {
-        if (count == nullptr)
-        {
-            return E_INVALIDARG;
-        }
-        *count = m_stream ? 1 : 0;
-        return S_OK;
-    }
-
     STDMETHODIMP GetFrame(UINT index, IWICBitmapFrameDecode **frame) noexcept override
     {
         if (frame == nullptr)
@@ -120,17 +63,6 @@ public:
     }
 
 private:
-    template <class T>
-    static HRESULT Refuse(T **out, HRESULT code) noexcept
-    {
-        if (out == nullptr)
-        {
-            return E_INVALIDARG;
-        }
-        *out = nullptr;
-        return code;
-    }
-
     static ULONGLONG PositionOf(IStream *stream)
     {
         ULARGE_INTEGER position{};

@@ -1,12 +1,13 @@
 // The encoder: one frame into one stream, written from where the stream stands.
 #include "com/ComObject.h"
+#include "platform/windowscodecs/UncalledMethods.h"
 #include "platform/windowscodecs/jpeg/EncoderOptions.h"
 #include "platform/windowscodecs/jpeg/JpegCodec.h"
 #include "platform/windowscodecs/jpeg/JpegFrameEncode.h"
 
 namespace
 {
-class CJpegEncoder final : public ComObject<CJpegEncoder, IWICBitmapEncoder>
+class CJpegEncoder final : public UncalledOfEncoder<ComObject<CJpegEncoder, IWICBitmapEncoder>>
 {
 public:
     // Nothing is cached, whatever the option.
@@ -22,41 +23,6 @@ public:
         }
         m_stream = ComPtr<IStream>(stream);
         return S_OK;
-    }
-
-    STDMETHODIMP GetContainerFormat(GUID *format) noexcept override
-    {
-        if (format == nullptr)
-        {
-            return E_INVALIDARG;
-        }
-        *format = GUID_ContainerFormatJpeg;
-        return S_OK;
-    }
-
-    STDMETHODIMP GetEncoderInfo(IWICBitmapEncoderInfo **info) noexcept override
-    {
-        if (info == nullptr)
-        {
-            return E_INVALIDARG;
-        }
-        *info = nullptr;
-        return WINCODEC_ERR_COMPONENTNOTFOUND;
-    }
-
-    // A JPEG file keeps profile, thumbnail and metadata with its frame, and has neither palette nor preview.
-    STDMETHODIMP SetColorContexts(UINT, IWICColorContext **) noexcept override { return RefuseAtFile(); }
-    STDMETHODIMP SetPalette(IWICPalette *) noexcept override { return RefuseAtFile(); }
-    STDMETHODIMP SetThumbnail(IWICBitmapSource *) noexcept override { return RefuseAtFile(); }
-    STDMETHODIMP SetPreview(IWICBitmapSource *) noexcept override { return RefuseAtFile(); }
-    STDMETHODIMP GetMetadataQueryWriter(IWICMetadataQueryWriter **writer) noexcept override
-    {
-        if (writer == nullptr)
-        {
-            return E_INVALIDARG;
-        }
-        *writer = nullptr;
-        return RefuseAtFile();
     }
 
     STDMETHODIMP CreateNewFrame(IWICBitmapFrameEncode **frame, IPropertyBag2 **options) noexcept override
@@ -107,11 +73,6 @@ public:
     }
 
 private:
-    HRESULT RefuseAtFile() const noexcept
-    {
-        return m_stream ? WINCODEC_ERR_UNSUPPORTEDOPERATION : WINCODEC_ERR_NOTINITIALIZED;
-    }
-
     ComPtr<IStream> m_stream;
     ComPtr<CJpegFrameEncode> m_frame;
     bool m_committed = false;

@@ -2,12 +2,10 @@
 
 #include "com/Hresult.h"
 #include "jpegdata/PictureSurvey.h"
-#include "platform/windowscodecs/jpeg/BitmapFormats.h"
-#include "platform/windowscodecs/jpeg/MetadataBlockAccess.h"
 #include "platform/windowscodecs/jpeg/MetadataQueryObject.h"
+#include "platform/windowscodecs/jpeg/PixelCoding.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace
 {
@@ -30,12 +28,6 @@ CJpegFrameDecode::CJpegFrameDecode(ComPtr<IStream> stream, ULONGLONG base, JpegS
 {
 }
 
-PixelLayout CJpegFrameDecode::Layout() const noexcept
-{
-    const size_t components = m_structure.ComponentIds.size();
-    return components == 1 ? PixelLayout::Gray8 : components == 3 ? PixelLayout::Bgr24 : PixelLayout::Cmyk32;
-}
-
 MetadataBlocks &CJpegFrameDecode::Metadata()
 {
     if (!m_metadata)
@@ -56,16 +48,6 @@ HRESULT CJpegFrameDecode::GetSize(UINT *width, UINT *height) noexcept
     }
     *width = m_structure.Width;
     *height = m_structure.Height;
-    return S_OK;
-}
-
-HRESULT CJpegFrameDecode::GetPixelFormat(WICPixelFormatGUID *format) noexcept
-{
-    if (format == nullptr)
-    {
-        return E_INVALIDARG;
-    }
-    *format = FormatOfLayout(Layout());
     return S_OK;
 }
 
@@ -92,58 +74,10 @@ HRESULT CJpegFrameDecode::GetResolution(double *x, double *y) noexcept
     return S_OK;
 }
 
-HRESULT CJpegFrameDecode::CopyPalette(IWICPalette *) noexcept
-{
-    return WINCODEC_ERR_PALETTEUNAVAILABLE;
-}
-
-HRESULT CJpegFrameDecode::CopyPixels(const WICRect *wanted, UINT stride, UINT size, BYTE *buffer) noexcept
-{
-    if (buffer == nullptr)
-    {
-        return E_INVALIDARG;
-    }
-    return AtBoundary([&] {
-        const WICRect part =
-            CheckCopyRequest(wanted, m_structure.Width, m_structure.Height, BytesPerPixel(Layout()), stride, size);
-        const std::lock_guard guard(m_mutex);
-        CopyRows(part, stride, buffer);
-        return S_OK;
-    });
-}
-
-void CJpegFrameDecode::CopyRows(const WICRect &part, UINT stride, BYTE *buffer)
-{
-    const UINT pixel = BytesPerPixel(Layout());
-    const size_t wantedBytes = size_t{pixel} * static_cast<UINT>(part.Width);
-    const UINT first = static_cast<UINT>(part.Y);
-    std::unique_ptr<RowDecoder> rows = std::move(m_rows);
-    if (!rows || rows->NextRow() > first)
-    {
-        rows = std::make_unique<RowDecoder>(m_stream, m_base);
-    }
-    rows->SkipTo(first);
-    const bool whole = static_cast<UINT>(part.Width) == m_structure.Width;
-    Bytes row(whole ? 0 : size_t{pixel} * m_structure.Width);
-    for (INT y = 0; y < part.Height; ++y, buffer += stride)
-    {
-        rows->ReadRow(whole ? buffer : row.data());
-        if (!whole)
-        {
-            std::memcpy(buffer, &row[size_t{pixel} * static_cast<UINT>(part.X)], wantedBytes);
-        }
-    }
-    // Keep only a pass that can go on; any other would hold its memory for nothing.
-    if (rows->NextRow() < m_structure.Height)
-    {
-        m_rows = std::move(rows);
-    }
-}
-
 std::vector<ByteRange> CJpegFrameDecode::CheckPixels() const
 {
     // Reads the header, which refuses what the survey doesn't look at.
-    RowDecoder rows(m_stream, m_base);
+    TrialDecoder trial(m_stream, m_base);
     StreamBytes bytes = OpenBytes();
     PictureSurvey survey = SurveyPicture([&](BYTE *to, size_t size) { return bytes.Read(to, size); }, nullptr);
     switch (survey.state)
@@ -151,7 +85,7 @@ std::vector<ByteRange> CJpegFrameDecode::CheckPixels() const
     case PictureState::Damaged:
         ThrowHresult(WINCODEC_ERR_BADIMAGE);
     case PictureState::Unknown:
-        rows.CheckAll();
+        trial.DecodeAll();
         break;
     case PictureState::Whole:
         break;
@@ -195,62 +129,4 @@ HRESULT CJpegFrameDecode::GetColorContexts(UINT count, IWICColorContext **contex
         *actual = 1;
         return S_OK;
     });
-}
-
-HRESULT CJpegFrameDecode::GetThumbnail(IWICBitmapSource **thumbnail) noexcept
-{
-    if (thumbnail == nullptr)
-    {
-        return E_INVALIDARG;
-    }
-    *thumbnail = nullptr;
-    return WINCODEC_ERR_CODECNOTHUMBNAIL;
-}
-
-HRESULT CJpegFrameDecode::GetContainerFormat(GUID *format) noexcept
-{
-    if (format == nullptr)
-    {
-        return E_INVALIDARG;
-    }
-    *format = GUID_ContainerFormatJpeg;
-    return S_OK;
-}
-
-HRESULT CJpegFrameDecode::GetCount(UINT *count) noexcept
-{
-    if (count == nullptr)
-    {
-        return E_INVALIDARG;
-    }
-    *count = 0;
-    return AtBoundary([&] {
-        const std::lock_guard guard(m_mutex);
-        *count = CountBlocks(Metadata());
-        return S_OK;
-    });
-}
-
-HRESULT CJpegFrameDecode::GetReaderByIndex(UINT index, IWICMetadataReader **reader) noexcept
-{
-    if (reader == nullptr)
-    {
-        return E_INVALIDARG;
-    }
-    *reader = nullptr;
-    return AtBoundary([&] {
-        const std::lock_guard guard(m_mutex);
-        *reader = MakeBlockReader(Metadata(), index).Detach();
-        return S_OK;
-    });
-}
-
-HRESULT CJpegFrameDecode::GetEnumerator(IEnumUnknown **enumerator) noexcept
-{
-    if (enumerator == nullptr)
-    {
-        return E_INVALIDARG;
-    }
-    *enumerator = nullptr;
-    return WINCODEC_ERR_UNSUPPORTEDOPERATION;
 }

@@ -3,9 +3,9 @@
 
 #include "com/ComObject.h"
 #include "jpegdata/CodedData.h"
+#include "platform/windowscodecs/UncalledMethods.h"
 #include "platform/windowscodecs/jpeg/JpegStructure.h"
 #include "platform/windowscodecs/jpeg/MetadataBlocks.h"
-#include "platform/windowscodecs/jpeg/PixelCoding.h"
 
 #include <wincodec.h>
 #include <wincodecsdk.h>
@@ -21,7 +21,7 @@ struct IJpegFrameSource : public IUnknown
     virtual StreamBytes OpenBytes() const = 0;
 
     // What of the coded data belongs to no block, as ranges from where the picture begins. Throws
-    // WINCODEC_ERR_BADIMAGE if the picture isn't whole, and what RowDecoder throws.
+    // WINCODEC_ERR_BADIMAGE if the picture isn't whole, and what TrialDecoder throws.
     virtual std::vector<ByteRange> CheckPixels() const = 0;
 
 protected:
@@ -29,46 +29,33 @@ protected:
 };
 __CRT_UUID_DECL(IJpegFrameSource, 0x5f0c8e7a, 0x2f3d, 0x4b0b, 0x9a, 0x61, 0x6c, 0x1d, 0x38, 0x52, 0xe4, 0x97)
 
-class CJpegFrameDecode final : public ComObject<CJpegFrameDecode, Answers<IWICBitmapFrameDecode, IWICBitmapSource>,
-                                                IWICMetadataBlockReader, IJpegFrameSource>
+class CJpegFrameDecode final
+    : public UncalledOfFrameDecode<
+          UncalledOfBlockReader<ComObject<CJpegFrameDecode, Answers<IWICBitmapFrameDecode, IWICBitmapSource>,
+                                          IWICMetadataBlockReader, IJpegFrameSource>>>
 {
 public:
     // The picture begins at base in the stream, which the frame keeps.
     CJpegFrameDecode(ComPtr<IStream> stream, ULONGLONG base, JpegStructure structure);
 
     STDMETHODIMP GetSize(UINT *width, UINT *height) noexcept override;
-    STDMETHODIMP GetPixelFormat(WICPixelFormatGUID *format) noexcept override;
 
     // The EXIF block's, which a camera or an editor meant; else the JFIF header's, where writers that know of no
     // resolution leave a 72; else 96, on the axis of fewer pixels where JFIF tells their proportions alone.
     STDMETHODIMP GetResolution(double *x, double *y) noexcept override;
-    STDMETHODIMP CopyPalette(IWICPalette *palette) noexcept override;
-
-    // Parts that follow each other downwards are decoded in one pass.
-    STDMETHODIMP CopyPixels(const WICRect *part, UINT stride, UINT size, BYTE *buffer) noexcept override;
-
     STDMETHODIMP GetMetadataQueryReader(IWICMetadataQueryReader **reader) noexcept override;
     STDMETHODIMP GetColorContexts(UINT count, IWICColorContext **contexts, UINT *actual) noexcept override;
-    STDMETHODIMP GetThumbnail(IWICBitmapSource **thumbnail) noexcept override;
-
-    STDMETHODIMP GetContainerFormat(GUID *format) noexcept override;
-    STDMETHODIMP GetCount(UINT *count) noexcept override;
-    STDMETHODIMP GetReaderByIndex(UINT index, IWICMetadataReader **reader) noexcept override;
-    STDMETHODIMP GetEnumerator(IEnumUnknown **enumerator) noexcept override;
 
     const JpegStructure &Structure() const noexcept override { return m_structure; }
     StreamBytes OpenBytes() const override { return StreamBytes(m_stream, m_base); }
     std::vector<ByteRange> CheckPixels() const override;
 
 private:
-    PixelLayout Layout() const noexcept;
     MetadataBlocks &Metadata();
-    void CopyRows(const WICRect &part, UINT stride, BYTE *buffer);
 
     ComPtr<IStream> m_stream;
     ULONGLONG m_base;
     JpegStructure m_structure;
     std::mutex m_mutex;
-    std::unique_ptr<RowDecoder> m_rows;
     std::unique_ptr<MetadataBlocks> m_metadata; // once asked for
 };

@@ -1,8 +1,6 @@
 #include "platform/windowscodecs/jpeg/JpegFrameEncode.h"
 
-#include "platform/windowscodecs/jpeg/BitmapFormats.h"
 #include "jpegdata/JpegMarkers.h"
-#include "platform/windowscodecs/jpeg/MetadataBlockAccess.h"
 #include "platform/windowscodecs/jpeg/MetadataQueryObject.h"
 #include "platform/windowscodecs/jpeg/ScanCopy.h"
 
@@ -16,6 +14,8 @@ constexpr double DefaultDpi = 96;
 
 // Bytes of rows taken from a source at once: few calls, and little memory at any width.
 constexpr UINT StripBytes = 1024 * 1024;
+
+constexpr UINT PixelBytes = 3;
 
 WORD JfifDensity(double dpi) noexcept
 {
@@ -100,8 +100,7 @@ HRESULT CJpegFrameEncode::SetPixelFormat(WICPixelFormatGUID *format) noexcept
     }
     return AtBoundary([&] {
         RequireSetting();
-        m_layout = LayoutOfFormat(*format).value_or(PixelLayout::Bgr24);
-        *format = FormatOfLayout(m_layout);
+        *format = GUID_WICPixelFormat24bppBGR;
         return S_OK;
     });
 }
@@ -131,22 +130,6 @@ HRESULT CJpegFrameEncode::SetColorContexts(UINT count, IWICColorContext **contex
         }
         return S_OK;
     });
-}
-
-HRESULT CJpegFrameEncode::SetPalette(IWICPalette *) noexcept
-{
-    return WINCODEC_ERR_UNSUPPORTEDOPERATION;
-}
-
-HRESULT CJpegFrameEncode::SetThumbnail(IWICBitmapSource *) noexcept
-{
-    return WINCODEC_ERR_UNSUPPORTEDOPERATION;
-}
-
-void CJpegFrameEncode::BeginPixels()
-{
-    m_state = State::Writing;
-    m_closed = true;
 }
 
 // Resolution goes into the JFIF header and into an EXIF block alike; where there can't be a JFIF
@@ -181,106 +164,46 @@ void CJpegFrameEncode::CopyIntact(const IJpegFrameSource &source)
         head.push_back(AdobeMarker(structure.AdobeTransform));
     }
     StreamBytes bytes = source.OpenBytes();
-    BeginPixels();
+    m_state = State::Writing;
+    m_closed = true;
     CopyScans(bytes, head, unread, m_stream.Get());
     m_state = State::Complete;
 }
 
-void CJpegFrameEncode::StartEncoding()
-{
-    if (m_width == 0 || m_height == 0)
-    {
-        ThrowHresult(WINCODEC_ERR_WRONGSTATE);
-    }
-    const float quality = m_options.Quality.value_or(StandardQuality);
-    EncodingParameters parameters{m_width,
-                                  m_height,
-                                  m_layout,
-                                  std::max(1, static_cast<int>(std::lround(quality * 100))),
-                                  m_options.Subsampling.value_or(WICJpegYCrCbSubsampling420),
-                                  Head(m_layout != PixelLayout::Cmyk32)};
-    BeginPixels();
-    m_rows = std::make_unique<RowEncoder>(m_stream, parameters);
-}
-
-void CJpegFrameEncode::CountRow()
-{
-    if (++m_rowsWritten == m_height)
-    {
-        m_rows->Finish();
-        m_rows.reset();
-        m_state = State::Complete;
-    }
-}
-
-HRESULT CJpegFrameEncode::WritePixels(UINT lines, UINT stride, UINT size, BYTE *pixels) noexcept
-{
-    return AtBoundary([&] {
-        if (m_state != State::Writing)
-        {
-            RequireSetting();
-        }
-        if (pixels == nullptr || lines == 0)
-        {
-            return E_INVALIDARG;
-        }
-        if (m_width == 0 || (m_state == State::Writing && !m_rows))
-        {
-            return WINCODEC_ERR_WRONGSTATE;
-        }
-        if (lines > m_height - m_rowsWritten)
-        {
-            return WINCODEC_ERR_CODECTOOMANYSCANLINES;
-        }
-        CheckCopyRequest(nullptr, m_width, lines, BytesPerPixel(m_layout), stride, size);
-        if (m_state == State::Setting)
-        {
-            StartEncoding();
-        }
-        for (UINT y = 0; y < lines; ++y)
-        {
-            m_rows->WriteRow(pixels + size_t{stride} * y);
-            CountRow();
-        }
-        return S_OK;
-    });
-}
-
-void CJpegFrameEncode::EncodeSource(IWICBitmapSource *source, const WICRect &part)
+void CJpegFrameEncode::EncodeSource(IWICBitmapSource *source)
 {
     WICPixelFormatGUID format{};
     ThrowIfFailed(source->GetPixelFormat(&format));
-    const UINT pixel = BytesOfFormat(format);
-    Bytes converted(size_t{m_width} * BytesPerPixel(m_layout));
-    if (pixel == 0)
+    if (format != GUID_WICPixelFormat24bppBGR)
     {
         ThrowHresult(WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT);
     }
-    const UINT stride = (m_width * pixel + 3) / 4 * 4;
+    const float quality = m_options.Quality.value_or(StandardQuality);
+    RowEncoder encoder(m_stream, {m_width, m_height, std::max(1, static_cast<int>(std::lround(quality * 100))),
+                                  m_options.Subsampling.value_or(WICJpegYCrCbSubsampling420), Head(true)});
+    m_state = State::Writing;
+    m_closed = true;
+    const UINT stride = (m_width * PixelBytes + 3) / 4 * 4;
     const UINT rows = std::clamp(StripBytes / stride, 1u, m_height);
     Bytes strip(size_t{stride} * rows);
-    if (!ConvertRow(format, strip.data(), m_layout, converted.data(), m_width))
-    {
-        ThrowHresult(WINCODEC_ERR_UNSUPPORTEDPIXELFORMAT);
-    }
-    StartEncoding();
     for (UINT y = 0; y < m_height; y += rows)
     {
         const UINT count = std::min(rows, m_height - y);
-        const WICRect wanted = {part.X, part.Y + static_cast<INT>(y), part.Width, static_cast<INT>(count)};
+        const WICRect wanted = {0, static_cast<INT>(y), static_cast<INT>(m_width), static_cast<INT>(count)};
         ThrowIfFailed(source->CopyPixels(&wanted, stride, static_cast<UINT>(strip.size()), strip.data()));
         for (UINT row = 0; row < count; ++row)
         {
-            ConvertRow(format, &strip[size_t{stride} * row], m_layout, converted.data(), m_width);
-            m_rows->WriteRow(converted.data());
-            CountRow();
+            encoder.WriteRow(&strip[size_t{stride} * row]);
         }
     }
+    encoder.Finish();
+    m_state = State::Complete;
 }
 
-HRESULT CJpegFrameEncode::WriteSource(IWICBitmapSource *source, WICRect *wanted) noexcept
+// Only a whole source.
+HRESULT CJpegFrameEncode::WriteSource(IWICBitmapSource *source, WICRect *part) noexcept
 {
-    if (source == nullptr)
+    if (source == nullptr || part != nullptr)
     {
         return E_INVALIDARG;
     }
@@ -289,30 +212,17 @@ HRESULT CJpegFrameEncode::WriteSource(IWICBitmapSource *source, WICRect *wanted)
         UINT width = 0;
         UINT height = 0;
         ThrowIfFailed(source->GetSize(&width, &height));
-        const WICRect all = {0, 0, static_cast<INT>(width), static_cast<INT>(height)};
-        const WICRect part = wanted != nullptr ? *wanted : all;
-        if (part.X < 0 || part.Y < 0 || part.Width <= 0 || part.Height <= 0 || part.X > all.Width - part.Width ||
-            part.Y > all.Height - part.Height)
+        if (width != m_width || height != m_height)
         {
-            return E_INVALIDARG;
+            return m_width == 0 ? WINCODEC_ERR_WRONGSTATE : WINCODEC_ERR_SOURCERECTDOESNOTMATCHDIMENSIONS;
         }
-        if (m_width == 0)
-        {
-            ThrowIfFailed(SetSize(static_cast<UINT>(part.Width), static_cast<UINT>(part.Height)));
-        }
-        if (static_cast<UINT>(part.Width) != m_width || static_cast<UINT>(part.Height) != m_height)
-        {
-            return WINCODEC_ERR_SOURCERECTDOESNOTMATCHDIMENSIONS;
-        }
-        const bool whole = m_width == width && m_height == height;
-        const auto frame = whole && !m_options.AreGiven() ? QueryFor<IJpegFrameSource>(source) : nullptr;
-        if (frame)
+        if (const auto frame = m_options.AreGiven() ? nullptr : QueryFor<IJpegFrameSource>(source))
         {
             CopyIntact(*frame.Get());
         }
         else
         {
-            EncodeSource(source, part);
+            EncodeSource(source);
         }
         return S_OK;
     });
@@ -346,52 +256,6 @@ HRESULT CJpegFrameEncode::GetMetadataQueryWriter(IWICMetadataQueryWriter **write
     });
 }
 
-HRESULT CJpegFrameEncode::GetContainerFormat(GUID *format) noexcept
-{
-    if (format == nullptr)
-    {
-        return E_INVALIDARG;
-    }
-    *format = GUID_ContainerFormatJpeg;
-    return S_OK;
-}
-
-HRESULT CJpegFrameEncode::GetCount(UINT *count) noexcept
-{
-    if (count == nullptr)
-    {
-        return E_INVALIDARG;
-    }
-    *count = 0;
-    return AtBoundary([&] {
-        *count = CountBlocks(m_metadata);
-        return S_OK;
-    });
-}
-
-HRESULT CJpegFrameEncode::GetReaderByIndex(UINT index, IWICMetadataReader **reader) noexcept
-{
-    if (reader == nullptr)
-    {
-        return E_INVALIDARG;
-    }
-    *reader = nullptr;
-    return AtBoundary([&] {
-        *reader = MakeBlockReader(m_metadata, index).Detach();
-        return S_OK;
-    });
-}
-
-HRESULT CJpegFrameEncode::GetEnumerator(IEnumUnknown **enumerator) noexcept
-{
-    if (enumerator == nullptr)
-    {
-        return E_INVALIDARG;
-    }
-    *enumerator = nullptr;
-    return WINCODEC_ERR_UNSUPPORTEDOPERATION;
-}
-
 HRESULT CJpegFrameEncode::InitializeFromBlockReader(IWICMetadataBlockReader *reader) noexcept
 {
     if (reader == nullptr)
@@ -409,30 +273,4 @@ HRESULT CJpegFrameEncode::InitializeFromBlockReader(IWICMetadataBlockReader *rea
         m_metadata.Load(bytes, frame->Structure());
         return S_OK;
     });
-}
-
-// Blocks are changed by queries, not one by one.
-HRESULT CJpegFrameEncode::GetWriterByIndex(UINT, IWICMetadataWriter **writer) noexcept
-{
-    if (writer == nullptr)
-    {
-        return E_INVALIDARG;
-    }
-    *writer = nullptr;
-    return WINCODEC_ERR_UNSUPPORTEDOPERATION;
-}
-
-HRESULT CJpegFrameEncode::AddWriter(IWICMetadataWriter *) noexcept
-{
-    return WINCODEC_ERR_UNSUPPORTEDOPERATION;
-}
-
-HRESULT CJpegFrameEncode::SetWriterByIndex(UINT, IWICMetadataWriter *) noexcept
-{
-    return WINCODEC_ERR_UNSUPPORTEDOPERATION;
-}
-
-HRESULT CJpegFrameEncode::RemoveWriterByIndex(UINT) noexcept
-{
-    return WINCODEC_ERR_UNSUPPORTEDOPERATION;
 }

@@ -23,44 +23,25 @@ bool BelongsToCoding(BYTE marker, const Bytes &contents) noexcept
 }
 } // namespace
 
-void MetadataBlocks::Sort(BYTE marker, Bytes contents)
+void MetadataBlocks::Add(BYTE marker, Bytes contents)
 {
-    if (BelongsToCoding(marker, contents))
+    const bool isExif = marker == MARKER_APP1 && BeginsWith(contents, "Exif\0"sv);
+    if (isExif && !Exif)
     {
-        return;
+        Exif = ExifBlock::Read(contents);
     }
-    if (marker == MARKER_APP1 && BeginsWith(contents, "Exif\0"sv))
+    else if (!isExif && !BelongsToCoding(marker, contents))
     {
-        if (!Exif)
-        {
-            Exif = ExifBlock::Read(contents);
-        }
-    }
-    else if (marker == MARKER_APP1 && XmpBlock::Recognises(contents))
-    {
-        Xmp.AddSegment(std::move(contents));
-    }
-    else if (marker == MARKER_APP13)
-    {
-        Photoshop.AddSegment(contents);
-    }
-    else if (marker == MARKER_COM)
-    {
-        Comments.emplace_back(contents.begin(), contents.end());
-    }
-    else
-    {
-        Others.push_back({marker, std::move(contents)});
+        Copied.push_back({marker, std::move(contents)});
     }
 }
 
-void MetadataBlocks::Clear() noexcept
+void MetadataBlocks::Clear()
 {
     Exif.reset();
-    Xmp.Clear();
-    Photoshop.Clear();
-    Comments.clear();
-    Others.clear();
+    Texts.RemoveXmp();
+    Texts.RemoveIptc();
+    Copied.clear();
 }
 
 void MetadataBlocks::Load(StreamBytes &source, const JpegStructure &structure)
@@ -83,9 +64,8 @@ void MetadataBlocks::Load(StreamBytes &source, const JpegStructure &structure)
             Clear();
             ThrowHresult(WINCODEC_ERR_TOOMUCHMETADATA);
         }
-        Sort(place.Marker, ReadSegment(source, place));
+        Add(place.Marker, ReadSegment(source, place));
     }
-    Photoshop.Parse();
 }
 
 void MetadataBlocks::AppendSegments(std::vector<OutputSegment> &head) const
@@ -94,17 +74,13 @@ void MetadataBlocks::AppendSegments(std::vector<OutputSegment> &head) const
     {
         head.push_back({MARKER_APP1, Exif->Write()});
     }
-    for (Bytes &segment : Xmp.Segments())
-    {
-        head.push_back({MARKER_APP1, std::move(segment)});
-    }
-    for (Bytes &segment : Photoshop.Segments())
-    {
-        head.push_back({MARKER_APP13, std::move(segment)});
-    }
-    head.insert(head.end(), Others.begin(), Others.end());
-    for (const std::string &comment : Comments)
-    {
-        head.push_back({MARKER_COM, Bytes(comment.begin(), comment.end())});
-    }
+    Texts.AppendSegments(head);
+    head.insert(head.end(), Copied.begin(), Copied.end());
+}
+
+bool IsXmp(const OutputSegment &segment) noexcept
+{
+    return segment.Marker == MARKER_APP1 &&
+           (BeginsWith(segment.Contents, "http://ns.adobe.com/xap/1.0/\0"sv) ||
+            BeginsWith(segment.Contents, "http://ns.adobe.com/xmp/extension/\0"sv));
 }

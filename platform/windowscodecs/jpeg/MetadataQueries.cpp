@@ -1,14 +1,16 @@
 #include "platform/windowscodecs/jpeg/MetadataQueries.h"
 
+#include "com/AsciiText.h"
 #include "com/Hresult.h"
-#include "platform/kernel32/Utf8.h"
-#include "platform/windowscodecs/jpeg/ExifQueries.h"
 #include "jpegdata/JpegMarkers.h"
+#include "com/TextConversion.h"
+#include "platform/windowscodecs/jpeg/ExifQueries.h"
 #include "platform/windowscodecs/jpeg/PropertyValue.h"
 
 #include <wincodec.h>
 
 #include <algorithm>
+#include <span>
 
 namespace
 {
@@ -17,303 +19,127 @@ namespace
     ThrowHresult(WINCODEC_ERR_INVALIDQUERYREQUEST);
 }
 
-[[noreturn]] void ReportMissing()
-{
-    ThrowHresult(WINCODEC_ERR_PROPERTYNOTFOUND);
-}
-
-[[noreturn]] void RefuseType()
-{
-    ThrowHresult(WINCODEC_ERR_PROPERTYUNEXPECTEDTYPE);
-}
+using Items = std::span<const QueryItem>;
 
 bool Is(const QueryItem &item, WideView name) noexcept
 {
-    return item.ItemKind == QueryItem::Kind::Name && SameName(item.Text, name);
+    return item.ItemKind == QueryItem::Kind::Name && item.Index == 0 && EqualsIgnoringCase(item.Text, name);
 }
 
-// The block that a path names, and the rest of the path.
-struct Target
+// Of the EXIF block.
+bool IsExif(Items path) noexcept
 {
-    enum class Block
-    {
-        Exif,
-        Xmp,
-        Photoshop,
-        Comment,
-        Other
-    };
-    Block Kind;
-    BYTE Marker = 0;
-    UINT Index = 0;
-    const QueryItem *Rest;
-    size_t Count;
-};
-
-Target Aim(const QueryPath &path)
-{
-    const QueryItem &first = path.front();
-    Target target{Target::Block::Other, 0, first.Index, path.data() + 1, path.size() - 1};
-    if (Is(first, TEXT("xmp")))
-    {
-        target.Kind = Target::Block::Xmp;
-        return target;
-    }
-    if (Is(first, TEXT("com")))
-    {
-        target.Kind = Target::Block::Comment;
-        return target;
-    }
-    const WideText &name = first.Text;
-    if (name.size() < 4 || name.size() > 5 || !SameName(name.substr(0, 3), TEXT("app")))
-    {
-        RefusePath();
-    }
-    UINT number = 0;
-    for (const WCHAR digit : WideView(name).substr(3))
-    {
-        if (digit < '0' || digit > '9')
-        {
-            RefusePath();
-        }
-        number = number * 10 + (digit - '0');
-    }
-    if (number > 15)
-    {
-        RefusePath();
-    }
-    target.Marker = static_cast<BYTE>(MARKER_APP0 + number);
-    if (target.Marker == MARKER_APP1 && target.Index == 0)
-    {
-        target.Kind = Target::Block::Exif;
-    }
-    else if (target.Marker == MARKER_APP13)
-    {
-        target.Kind = Target::Block::Photoshop;
-    }
-    return target;
+    return Is(path[0], TEXT("app1"));
 }
 
-// The name of a dataset; null if the path ends at one of the blocks above it.
-const QueryItem *DatasetOf(const Target &target)
+// "app0" to "app15", or "com".
+BYTE MarkerOf(const QueryItem &item)
 {
-    static constexpr WideView Above[] = {TEXT("irb"), TEXT("8bimiptc"), TEXT("iptc")};
-    for (size_t i = 0; i < target.Count && i < 3; ++i)
+    if (EqualsIgnoringCase(item.Text, TEXT("com")))
     {
-        if (!Is(target.Rest[i], Above[i]))
+        return MARKER_COM;
+    }
+    for (int number = 0; number <= 15; ++number)
+    {
+        const std::string digits = std::to_string(number);
+        if (EqualsIgnoringCase(item.Text, TEXT("app") + WideText(digits.begin(), digits.end())))
         {
-            RefusePath();
+            return static_cast<BYTE>(MARKER_APP0 + number);
         }
     }
-    if (target.Count > 4 || (target.Count == 4 && target.Rest[3].ItemKind != QueryItem::Kind::Name))
-    {
-        RefusePath();
-    }
-    return target.Count == 4 ? &target.Rest[3] : nullptr;
+    RefusePath();
 }
 
-auto FindOther(MetadataBlocks &blocks, const Target &target)
+// Null for another path.
+const QueryItem *DatasetOf(Items path) noexcept
 {
+    static constexpr WideView Above[] = {TEXT("app13"), TEXT("irb"), TEXT("8bimiptc"), TEXT("iptc")};
+    const bool isDataset =
+        path.size() == 5 && std::equal(std::begin(Above), std::end(Above), path.begin(),
+                                       [](WideView name, const QueryItem &item) { return Is(item, name); });
+    return isDataset && path[4].ItemKind == QueryItem::Kind::Name ? &path[4] : nullptr;
+}
+
+bool IsApp13(const OutputSegment &segment) noexcept
+{
+    return segment.Marker == MARKER_APP13;
+}
+
+bool DropCopies(MetadataBlocks &blocks, bool (*isOne)(const OutputSegment &) noexcept)
+{
+    return std::erase_if(blocks.Copied, isOne) > 0;
+}
+
+bool RemoveSegment(MetadataBlocks &blocks, const QueryItem &item)
+{
+    const BYTE marker = MarkerOf(item);
     // The first APP1 is the EXIF block's place, whether there is one or not.
-    UINT index = target.Marker == MARKER_APP1 ? target.Index - 1 : target.Index;
-    return std::find_if(blocks.Others.begin(), blocks.Others.end(), [&](const OutputSegment &segment) {
-        return segment.Marker == target.Marker && index-- == 0;
+    UINT index = item.Index - (marker == MARKER_APP1 ? 1 : 0);
+    const auto found = std::ranges::find_if(blocks.Copied, [&](const OutputSegment &segment) {
+        return segment.Marker == marker && !IsXmp(segment) && index-- == 0;
     });
+    const bool isThere = found != blocks.Copied.end();
+    if (isThere)
+    {
+        blocks.Copied.erase(found);
+    }
+    return isThere;
 }
 
-bool NamesComment(const Target &target)
+bool Remove(MetadataBlocks &blocks, Items path)
 {
-    if (target.Count > 1 || (target.Count == 1 && !Is(target.Rest[0], TEXT("TextEntry"))))
+    if (IsExif(path))
+    {
+        const bool isThumbnail = path.size() == 2 && Is(path[1], TEXT("thumb"));
+        return !isThumbnail && RemoveExif(blocks.Exif, path.subspan(1));
+    }
+    if (path.size() > 1)
     {
         RefusePath();
     }
-    return target.Count == 1;
-}
-
-// The copies that some writers keep in IFD0.
-void RemoveFromMain(MetadataBlocks &blocks, std::initializer_list<WORD> tags, bool &removed)
-{
-    for (const WORD tag : tags)
-    {
-        removed |= blocks.Exif && blocks.Exif->Main.Remove(tag);
-    }
-}
-
-bool RemovePhotoshop(MetadataBlocks &blocks, const Target &target)
-{
-    if (const QueryItem *dataset = DatasetOf(target))
-    {
-        return blocks.Photoshop.Remove(ToUtf8(dataset->Text));
-    }
-    const bool wholeBlock = target.Count < 2;
-    bool removed = wholeBlock ? !blocks.Photoshop.IsEmpty() : blocks.Photoshop.HasIptc();
-    RemoveFromMain(blocks, {ExifTag::IptcRecords}, removed);
-    if (wholeBlock)
-    {
-        RemoveFromMain(blocks, {ExifTag::PhotoshopResources}, removed);
-        blocks.Photoshop.Clear();
-    }
-    blocks.Photoshop.RemoveIptc();
-    return removed;
-}
-
-bool RemoveXmp(MetadataBlocks &blocks, const Target &target)
-{
-    if (target.Count > 0)
-    {
-        return blocks.Xmp.Remove(target.Rest, target.Count);
-    }
-    bool removed = !blocks.Xmp.IsEmpty();
-    blocks.Xmp.Clear();
-    RemoveFromMain(blocks, {ExifTag::XmpPacket}, removed);
-    return removed;
-}
-
-bool RemoveComment(MetadataBlocks &blocks, const Target &target)
-{
-    NamesComment(target);
-    if (target.Index >= blocks.Comments.size())
-    {
-        return false;
-    }
-    blocks.Comments.erase(blocks.Comments.begin() + target.Index);
-    return true;
-}
-
-QueryAnswer AnswerTexts(const std::vector<std::string> &texts, PROPVARIANT *value)
-{
-    if (texts.empty())
-    {
-        ReportMissing();
-    }
-    ValueFromTexts(texts, value);
-    return QueryAnswer::Value;
-}
-
-QueryAnswer AnswerBlock(bool there)
-{
-    if (!there)
-    {
-        ReportMissing();
-    }
-    return QueryAnswer::Block;
+    return Is(path[0], TEXT("xmp"))     ? DropCopies(blocks, IsXmp) | blocks.Texts.RemoveXmp()
+           : Is(path[0], TEXT("app13")) ? DropCopies(blocks, IsApp13) | blocks.Texts.RemoveIptc()
+                                        : RemoveSegment(blocks, path[0]);
 }
 } // namespace
 
-QueryAnswer GetMetadata(MetadataBlocks &blocks, WideView text, PROPVARIANT *value)
+void GetMetadata(const MetadataBlocks &blocks, WideView text, PROPVARIANT *value)
 {
     const QueryPath path = ParseQueryPath(text);
-    const Target target = Aim(path);
-    switch (target.Kind)
+    if (!IsExif(path))
     {
-    case Target::Block::Exif:
-        return GetExif(blocks.Exif, target.Rest, target.Count, value) ? QueryAnswer::Value : QueryAnswer::Block;
-    case Target::Block::Xmp:
-        return target.Count == 0 ? AnswerBlock(!blocks.Xmp.IsEmpty())
-                                 : AnswerTexts(blocks.Xmp.Get(target.Rest, target.Count), value);
-    case Target::Block::Photoshop:
-        if (const QueryItem *dataset = DatasetOf(target))
-        {
-            return AnswerTexts(blocks.Photoshop.Get(ToUtf8(dataset->Text)), value);
-        }
-        return AnswerBlock(target.Count < 2 ? !blocks.Photoshop.IsEmpty() : blocks.Photoshop.HasIptc());
-    case Target::Block::Comment:
-    {
-        const bool named = NamesComment(target);
-        const bool there = target.Index < blocks.Comments.size();
-        return named && there ? AnswerTexts({ToWellFormedUtf8(blocks.Comments[target.Index])}, value)
-                              : AnswerBlock(there);
+        ThrowHresult(WINCODEC_ERR_PROPERTYNOTFOUND);
     }
-    case Target::Block::Other:
-        break;
-    }
-    if (target.Count > 0)
-    {
-        RefusePath();
-    }
-    return AnswerBlock(FindOther(blocks, target) != blocks.Others.end());
+    GetExif(blocks.Exif, Items(path).subspan(1), value);
 }
 
 void SetMetadata(MetadataBlocks &blocks, WideView text, const PROPVARIANT &value)
 {
     const QueryPath path = ParseQueryPath(text);
-    const Target target = Aim(path);
-    switch (target.Kind)
+    if (IsExif(path))
     {
-    case Target::Block::Exif:
-        SetExif(blocks.Exif, target.Rest, target.Count, value);
-        return;
-    case Target::Block::Xmp:
-        if (target.Count == 0)
-        {
-            RefuseType();
-        }
-        blocks.Xmp.Set(target.Rest, target.Count, TextsFromValue(value));
-        return;
-    case Target::Block::Photoshop:
-        if (const QueryItem *dataset = DatasetOf(target))
-        {
-            blocks.Photoshop.Set(ToUtf8(dataset->Text), TextsFromValue(value));
-            return;
-        }
-        RefuseType();
-    case Target::Block::Comment:
-    {
-        if (!NamesComment(target))
-        {
-            RefuseType();
-        }
-        const std::vector<std::string> texts = TextsFromValue(value);
-        if (texts.size() != 1)
-        {
-            RefuseType();
-        }
-        if (texts[0].size() > MaxSegmentBytes || target.Index > blocks.Comments.size())
-        {
-            ThrowHresult(target.Index > blocks.Comments.size() ? WINCODEC_ERR_PROPERTYNOTFOUND
-                                                               : WINCODEC_ERR_TOOMUCHMETADATA);
-        }
-        blocks.Comments.resize(std::max<size_t>(blocks.Comments.size(), target.Index + 1));
-        blocks.Comments[target.Index] = texts[0];
-        return;
+        SetExif(blocks.Exif, Items(path).subspan(1), value);
     }
-    case Target::Block::Other:
-        RefuseType();
+    else if (const QueryItem *dataset = DatasetOf(path))
+    {
+        DropCopies(blocks, IsApp13);
+        blocks.Texts.SetIptc(dataset->Text, TextsFromValue(value));
+    }
+    else if (Is(path[0], TEXT("xmp")) && path.size() == 2 && path[1].ItemKind == QueryItem::Kind::Name)
+    {
+        DropCopies(blocks, IsXmp);
+        blocks.Texts.SetXmp(ToUtf8(path[1].Text), TextsFromValue(value));
+    }
+    else
+    {
+        RefusePath();
     }
 }
 
 void RemoveMetadata(MetadataBlocks &blocks, WideView text)
 {
-    const QueryPath path = ParseQueryPath(text);
-    const Target target = Aim(path);
-    bool removed = false;
-    switch (target.Kind)
+    if (!Remove(blocks, ParseQueryPath(text)))
     {
-    case Target::Block::Exif:
-        removed = RemoveExif(blocks.Exif, target.Rest, target.Count);
-        break;
-    case Target::Block::Xmp:
-        removed = RemoveXmp(blocks, target);
-        break;
-    case Target::Block::Photoshop:
-        removed = RemovePhotoshop(blocks, target);
-        break;
-    case Target::Block::Comment:
-        removed = RemoveComment(blocks, target);
-        break;
-    case Target::Block::Other:
-    {
-        const auto found = FindOther(blocks, target);
-        removed = target.Count == 0 && found != blocks.Others.end();
-        if (removed)
-        {
-            blocks.Others.erase(found);
-        }
-        break;
-    }
-    }
-    if (!removed)
-    {
-        ReportMissing();
+        ThrowHresult(WINCODEC_ERR_PROPERTYNOTFOUND);
     }
 }

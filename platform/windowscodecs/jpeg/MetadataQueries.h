@@ -1,20 +1,16 @@
 // Reading, setting and removing metadata by the paths of the query interfaces.
 //
-//   /app1/ifd            EXIF block; below it {ushort=tag}, exif, exif/interop, gps
-//   /app1/thumb          the thumbnail's directory
-//   /xmp                 the XMP packet; below it prefix:property, with {ulong=element}, a language or
-//                        fields; "<xmpbag>", "<xmpseq>" and "<xmpalt>" say what a new one shall be
-//   /app13               Photoshop's block; below it irb/8bimiptc/iptc/{str=Caption}
-//   /com/TextEntry       the comment
-//   /app0 to /app15      any other application segment; "[1]" before a name means the second one
+//   /app1/ifd/{ushort=tag}                 a field of the EXIF block; exif, exif/interop or gps in front of it names its
+//                                          directory. The only one of these that is read.
+//   /xmp/prefix:property                   is set, in a new packet that takes the place of a copied one
+//   /app13/irb/8bimiptc/iptc/{str=Caption} is set, in new records that take the place of all copied segments
+//   /app1, /xmp, /app13                    are removed: the EXIF block, and all segments with XMP or of that number
+//   /com, /app0 to /app15, /[1]app1        are removed: one comment or application segment, "[1]" means the second
+//   /app1/thumb                            is never there, since thumbnails aren't copied
 //
-// Removal goes further than the tags where the same data lies twice: with "/xmp" the copy in IFD0
-// goes, with "/app13" those of the IPTC records and of Photoshop's resources.
-//
-// Codes: WINCODEC_ERR_INVALIDQUERYREQUEST for a path that means nothing,
+// Codes: WINCODEC_ERR_INVALIDQUERYREQUEST for any other path,
 // WINCODEC_ERR_PROPERTYNOTFOUND, WINCODEC_ERR_PROPERTYUNEXPECTEDTYPE for a value that can't be stored
-// there, and for a whole block given a value, WINCODEC_ERR_TOOMUCHMETADATA for one that doesn't fit into its
-// block's segment.
+// there, WINCODEC_ERR_TOOMUCHMETADATA for one that doesn't fit into its block's segment.
 #pragma once
 
 #include "com/WideText.h"
@@ -23,13 +19,6 @@
 #include <objidl.h>
 #include <propidl.h>
 
-// What Get answers for a whole block, which has no value of its own.
-enum class QueryAnswer
-{
-    Value,
-    Block
-};
-
-QueryAnswer GetMetadata(MetadataBlocks &blocks, WideView path, PROPVARIANT *value);
+void GetMetadata(const MetadataBlocks &blocks, WideView path, PROPVARIANT *value);
 void SetMetadata(MetadataBlocks &blocks, WideView path, const PROPVARIANT &value);
 void RemoveMetadata(MetadataBlocks &blocks, WideView path);

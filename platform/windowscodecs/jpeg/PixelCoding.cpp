@@ -3,7 +3,6 @@
 #include "com/Hresult.h"
 #include "jpegdata/JpegMarkers.h"
 
-#include <algorithm>
 #include <csetjmp>
 #include <cstdio>
 
@@ -188,46 +187,20 @@ void WatchScans(j_common_ptr common)
         LeaveLibrary(common);
     }
 }
-
-void Invert(BYTE *row, size_t size) noexcept
-{
-    std::transform(row, row + size, row, [](BYTE value) { return static_cast<BYTE>(255 - value); });
-}
 } // namespace
 
-struct RowDecoder::State
+struct TrialDecoder::State
 {
     ErrorTrap Trap;
     jpeg_decompress_struct Decoder{};
     jpeg_progress_mgr Progress{};
     StreamSource Source;
     ComPtr<IStream> Stream;
-    bool Started = false;
 
     ~State() { jpeg_destroy_decompress(&Decoder); }
-
-    void ThrowIfDamaged() const
-    {
-        if (Trap.Damaged)
-        {
-            ThrowHresult(WINCODEC_ERR_BADIMAGE);
-        }
-    }
-
-    // One size with the layout that the frame reports.
-    void Start()
-    {
-        Guard(Trap, [this] {
-            const int components = Decoder.num_components;
-            Decoder.out_color_space = components == 1 ? JCS_GRAYSCALE : components == 3 ? JCS_EXT_BGR : JCS_CMYK;
-            Decoder.dct_method = JDCT_ISLOW;
-            jpeg_start_decompress(&Decoder);
-        });
-        Started = true;
-    }
 };
 
-RowDecoder::RowDecoder(ComPtr<IStream> stream, ULONGLONG base) : m_state(new State)
+TrialDecoder::TrialDecoder(ComPtr<IStream> stream, ULONGLONG base) : m_state(new State)
 {
     State &state = *m_state;
     state.Stream = std::move(stream);
@@ -244,48 +217,9 @@ RowDecoder::RowDecoder(ComPtr<IStream> stream, ULONGLONG base) : m_state(new Sta
     });
 }
 
-RowDecoder::~RowDecoder() = default;
+TrialDecoder::~TrialDecoder() = default;
 
-UINT RowDecoder::NextRow() const noexcept
-{
-    return m_state->Started ? m_state->Decoder.output_scanline : 0;
-}
-
-void RowDecoder::SkipTo(UINT row)
-{
-    State &state = *m_state;
-    if (!state.Started)
-    {
-        state.Start();
-    }
-    if (row > state.Decoder.output_scanline)
-    {
-        Guard(state.Trap,
-              [&state, row] { jpeg_skip_scanlines(&state.Decoder, row - state.Decoder.output_scanline); });
-        state.ThrowIfDamaged();
-    }
-}
-
-void RowDecoder::ReadRow(BYTE *row)
-{
-    State &state = *m_state;
-    if (!state.Started)
-    {
-        state.Start();
-    }
-    Guard(state.Trap, [&state, row] {
-        JSAMPROW rows[1] = {row};
-        jpeg_read_scanlines(&state.Decoder, rows, 1);
-    });
-    state.ThrowIfDamaged();
-    // Writers of Adobe's marker store the complement of the ink.
-    if (state.Decoder.out_color_space == JCS_CMYK && state.Decoder.saw_Adobe_marker)
-    {
-        Invert(row, state.Decoder.output_width * size_t{4});
-    }
-}
-
-void RowDecoder::CheckAll()
+void TrialDecoder::DecodeAll()
 {
     State &state = *m_state;
     jpeg_decompress_struct &decoder = state.Decoder;
@@ -312,7 +246,10 @@ void RowDecoder::CheckAll()
             jpeg_finish_decompress(&decoder);
         }
     });
-    state.ThrowIfDamaged();
+    if (state.Trap.Damaged)
+    {
+        ThrowHresult(WINCODEC_ERR_BADIMAGE);
+    }
 }
 
 namespace
@@ -363,10 +300,6 @@ void EndDestination(j_compress_ptr encoder)
 
 void SetSubsampling(jpeg_compress_struct &encoder, BYTE option) noexcept
 {
-    if (encoder.jpeg_color_space != JCS_YCbCr)
-    {
-        return;
-    }
     jpeg_component_info &luma = encoder.comp_info[0];
     const bool full = option == WICJpegYCrCbSubsampling444;
     luma.h_samp_factor = full || option == WICJpegYCrCbSubsampling440 ? 1 : 2;
@@ -380,8 +313,6 @@ struct RowEncoder::State
     jpeg_compress_struct Encoder{};
     StreamDestination Destination;
     ComPtr<IStream> Stream;
-    PixelLayout Layout;
-    Bytes Inverted;
 
     ~State() { jpeg_destroy_compress(&Encoder); }
 };
@@ -390,7 +321,6 @@ RowEncoder::RowEncoder(ComPtr<IStream> stream, const EncodingParameters &paramet
 {
     State &state = *m_state;
     state.Stream = std::move(stream);
-    state.Layout = parameters.Layout;
     SetTrap(state.Trap);
     state.Encoder.err = &state.Trap.Manager;
     state.Destination.Manager = {};
@@ -404,10 +334,8 @@ RowEncoder::RowEncoder(ComPtr<IStream> stream, const EncodingParameters &paramet
         encoder.dest = &state.Destination.Manager;
         encoder.image_width = parameters.Width;
         encoder.image_height = parameters.Height;
-        encoder.input_components = static_cast<int>(BytesPerPixel(parameters.Layout));
-        encoder.in_color_space = parameters.Layout == PixelLayout::Gray8   ? JCS_GRAYSCALE
-                                 : parameters.Layout == PixelLayout::Bgr24 ? JCS_EXT_BGR
-                                                                           : JCS_CMYK;
+        encoder.input_components = 3;
+        encoder.in_color_space = JCS_EXT_BGR;
         jpeg_set_defaults(&encoder);
         jpeg_set_quality(&encoder, parameters.Quality, TRUE);
         SetSubsampling(encoder, parameters.Subsampling);
@@ -420,10 +348,6 @@ RowEncoder::RowEncoder(ComPtr<IStream> stream, const EncodingParameters &paramet
                               static_cast<unsigned>(segment.Contents.size()));
         }
     });
-    if (state.Layout == PixelLayout::Cmyk32)
-    {
-        state.Inverted.resize(size_t{parameters.Width} * 4);
-    }
 }
 
 RowEncoder::~RowEncoder() = default;
@@ -431,12 +355,6 @@ RowEncoder::~RowEncoder() = default;
 void RowEncoder::WriteRow(const BYTE *row)
 {
     State &state = *m_state;
-    if (!state.Inverted.empty())
-    {
-        std::copy_n(row, state.Inverted.size(), state.Inverted.begin());
-        Invert(state.Inverted.data(), state.Inverted.size());
-        row = state.Inverted.data();
-    }
     Guard(state.Trap, [&state, row] {
         JSAMPROW rows[1] = {const_cast<BYTE *>(row)};
         jpeg_write_scanlines(&state.Encoder, rows, 1);

@@ -2,11 +2,10 @@
 
 #include "com/Hresult.h"
 #include "com/WideText.h"
-#include "platform/kernel32/Utf8.h"
+#include "com/TextConversion.h"
 
 #include <cstring>
 
-#include <oleauto.h>
 #include <wincodec.h>
 
 namespace
@@ -26,27 +25,6 @@ constexpr FieldOfType Fields[] = {
 [[noreturn]] void RefuseType()
 {
     ThrowHresult(WINCODEC_ERR_PROPERTYUNEXPECTEDTYPE);
-}
-
-std::string ToText(const WCHAR *text, size_t length)
-{
-    return ToUtf8(WideView(text, length));
-}
-
-std::string ToText(const WCHAR *text)
-{
-    return text != nullptr ? ToUtf8(WideView(text)) : std::string();
-}
-
-std::string ToText(const char *text)
-{
-    return text != nullptr ? ToWellFormedUtf8(text) : std::string();
-}
-
-bool IsText(VARTYPE type) noexcept
-{
-    const VARTYPE element = type & VT_TYPEMASK;
-    return element == VT_LPSTR || element == VT_LPWSTR || element == VT_BSTR;
 }
 
 ExifEntry EntryFromBytes(WORD field, const void *data, size_t count)
@@ -70,68 +48,14 @@ T *AllocateTask(size_t count)
     }
     return static_cast<T *>(memory);
 }
-
-WCHAR *AllocateText(const std::string &text)
-{
-    const WideText wide = FromUtf8(text);
-    WCHAR *copy = AllocateTask<WCHAR>(wide.size() + 1);
-    std::memcpy(copy, wide.c_str(), (wide.size() + 1) * sizeof(WCHAR));
-    return copy;
-}
-
-std::string Decimal(const PROPVARIANT &value)
-{
-    switch (value.vt)
-    {
-    case VT_UI1:
-        return std::to_string(value.bVal);
-    case VT_I1:
-        return std::to_string(value.cVal);
-    case VT_UI2:
-        return std::to_string(value.uiVal);
-    case VT_I2:
-        return std::to_string(value.iVal);
-    case VT_UI4:
-        return std::to_string(value.ulVal);
-    case VT_I4:
-        return std::to_string(value.lVal);
-    case VT_UI8:
-        return std::to_string(value.uhVal.QuadPart);
-    case VT_I8:
-        return std::to_string(value.hVal.QuadPart);
-    case VT_BOOL:
-        return value.boolVal != VARIANT_FALSE ? "True" : "False";
-    default:
-        RefuseType();
-    }
-}
 } // namespace
-
-std::string ToWellFormedUtf8(std::string_view text)
-{
-    std::string whole(text);
-    if (ToUtf8(FromUtf8(whole)) == whole)
-    {
-        return whole;
-    }
-    WideText wide;
-    for (const char c : text)
-    {
-        wide += static_cast<WCHAR>(static_cast<unsigned char>(c));
-    }
-    return ToUtf8(wide);
-}
 
 ExifEntry EntryFromValue(const PROPVARIANT &value)
 {
-    if (IsText(value.vt))
+    if (value.vt == VT_LPSTR || value.vt == VT_LPWSTR)
     {
-        std::string joined;
-        for (const std::string &text : TextsFromValue(value))
-        {
-            joined += text + '\0';
-        }
-        return EntryFromBytes(EXIF_ASCII, joined.data(), joined.size());
+        const std::string text = TextsFromValue(value).front();
+        return EntryFromBytes(EXIF_ASCII, text.c_str(), text.size() + 1);
     }
     if (value.vt == VT_BLOB)
     {
@@ -197,58 +121,23 @@ void ValueFromEntry(const ExifEntry &entry, PROPVARIANT *value)
 
 std::vector<std::string> TextsFromValue(const PROPVARIANT &value)
 {
-    std::vector<std::string> texts;
+    const auto texts = [](const WCHAR *const *wide, ULONG count) {
+        std::vector<std::string> all;
+        for (ULONG i = 0; i < count; ++i)
+        {
+            all.push_back(wide[i] != nullptr ? ToUtf8(wide[i]) : std::string());
+        }
+        return all;
+    };
     switch (value.vt)
     {
     case VT_LPSTR:
-        return {ToText(value.pszVal)};
+        return {value.pszVal != nullptr ? value.pszVal : ""};
     case VT_LPWSTR:
-        return {ToText(value.pwszVal)};
-    case VT_BSTR:
-        return {ToText(value.bstrVal, SysStringLen(value.bstrVal))};
-    case VT_VECTOR | VT_LPSTR:
-        for (ULONG i = 0; i < value.calpstr.cElems; ++i)
-        {
-            texts.push_back(ToText(value.calpstr.pElems[i]));
-        }
-        return texts;
+        return texts(&value.pwszVal, 1);
     case VT_VECTOR | VT_LPWSTR:
-        for (ULONG i = 0; i < value.calpwstr.cElems; ++i)
-        {
-            texts.push_back(ToText(value.calpwstr.pElems[i]));
-        }
-        return texts;
-    case VT_VECTOR | VT_BSTR:
-        for (ULONG i = 0; i < value.cabstr.cElems; ++i)
-        {
-            texts.push_back(ToText(value.cabstr.pElems[i], SysStringLen(value.cabstr.pElems[i])));
-        }
-        return texts;
+        return texts(value.calpwstr.pElems, value.calpwstr.cElems);
     default:
-        return {Decimal(value)};
+        RefuseType();
     }
-}
-
-void ValueFromText(const std::string &text, PROPVARIANT *value)
-{
-    value->pwszVal = AllocateText(text);
-    value->vt = VT_LPWSTR;
-}
-
-void ValueFromTexts(const std::vector<std::string> &texts, PROPVARIANT *value)
-{
-    if (texts.size() == 1)
-    {
-        ValueFromText(texts.front(), value);
-        return;
-    }
-    WCHAR **elements = AllocateTask<WCHAR *>(texts.size());
-    ULONG count = 0;
-    for (const std::string &text : texts)
-    {
-        elements[count++] = AllocateText(text);
-    }
-    value->calpwstr.cElems = count;
-    value->calpwstr.pElems = elements;
-    value->vt = VT_VECTOR | VT_LPWSTR;
 }

@@ -11,20 +11,12 @@
 #include <vector>
 
 // The value as an entry without tag, little-endian. An unsigned 64-bit number is a rational, the
-// numerator in the lower half; a signed one alike. Texts become ASCII fields in UTF-8, with their
+// numerator in the lower half; a signed one alike. A text becomes an ASCII field in UTF-8, with its
 // zero. Throws WINCODEC_ERR_PROPERTYUNEXPECTEDTYPE for what has no field type.
 ExifEntry EntryFromValue(const PROPVARIANT &value);
 
 // The reverse, one element alone and several as a vector. An undefined field is a blob.
 void ValueFromEntry(const ExifEntry &entry, PROPVARIANT *value);
 
-// The texts in the value, UTF-8; numbers in decimal digits. Throws as above.
+// The texts in the value, UTF-8. Throws as above for what is none.
 std::vector<std::string> TextsFromValue(const PROPVARIANT &value);
-
-void ValueFromText(const std::string &text, PROPVARIANT *value);
-
-// One text alone, several as a vector.
-void ValueFromTexts(const std::vector<std::string> &texts, PROPVARIANT *value);
-
-// Text of unknown encoding: UTF-8 if it is well-formed as that, else Latin-1. The result is UTF-8.
-std::string ToWellFormedUtf8(std::string_view text);

@@ -1,18 +1,12 @@
 #include "platform/windowscodecs/jpeg/QueryPath.h"
 
+#include "com/AsciiText.h"
 #include "com/Hresult.h"
-
-#include <algorithm>
 
 #include <wincodec.h>
 
 namespace
 {
-WCHAR Lower(WCHAR c) noexcept
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<WCHAR>(c + 32) : c;
-}
-
 [[noreturn]] void Refuse()
 {
     ThrowHresult(WINCODEC_ERR_INVALIDQUERYREQUEST);
@@ -65,10 +59,10 @@ private:
         return taken;
     }
 
-    ULONG ParseNumber(WideView digits)
+    WORD ParseNumber(WideView digits)
     {
-        ULONGLONG value = 0;
-        if (digits.empty() || digits.size() > 10)
+        UINT value = 0;
+        if (digits.empty() || digits.size() > 5)
         {
             Refuse();
         }
@@ -80,11 +74,11 @@ private:
             }
             value = value * 10 + (digit - '0');
         }
-        if (value > 0xFFFFFFFF)
+        if (value > 0xFFFF)
         {
             Refuse();
         }
-        return static_cast<ULONG>(value);
+        return static_cast<WORD>(value);
     }
 
     void ParseTyped(QueryItem &item)
@@ -94,22 +88,17 @@ private:
         Expect('=');
         const WideText value = TakeUntil(TEXT("}"));
         Expect('}');
-        if (SameName(type, TEXT("str")) || SameName(type, TEXT("wstr")))
+        if (EqualsIgnoringCase(type, TEXT("str")))
         {
             item.Text = value;
             return;
         }
-        for (const WideView number : {WideView(TEXT("ushort")), WideView(TEXT("ulong")), WideView(TEXT("uint")),
-                                      WideView(TEXT("uchar")), WideView(TEXT("short")), WideView(TEXT("long"))})
+        if (!EqualsIgnoringCase(type, TEXT("ushort")))
         {
-            if (SameName(type, number))
-            {
-                item.ItemKind = QueryItem::Kind::Number;
-                item.Number = ParseNumber(value);
-                return;
-            }
+            Refuse();
         }
-        Refuse();
+        item.ItemKind = QueryItem::Kind::Number;
+        item.Number = ParseNumber(value);
     }
 
     QueryItem ParseItem()
@@ -124,18 +113,12 @@ private:
         if (Sees('<'))
         {
             ++m_at;
-            item.Collection = TakeUntil(TEXT(">"));
+            TakeUntil(TEXT(">"));
             Expect('>');
         }
         if (Sees('{'))
         {
             ParseTyped(item);
-            if (Sees(':') && item.ItemKind == QueryItem::Kind::Name)
-            {
-                ++m_at;
-                item.Schema = std::move(item.Text);
-                item.Text = TakeUntil(TEXT("/"));
-            }
         }
         else
         {
@@ -156,10 +139,4 @@ private:
 QueryPath ParseQueryPath(WideView text)
 {
     return PathParser(text).Parse();
-}
-
-bool SameName(WideView name, WideView other) noexcept
-{
-    return std::equal(name.begin(), name.end(), other.begin(), other.end(),
-                      [](WCHAR a, WCHAR b) { return Lower(a) == Lower(b); });
 }

@@ -41,15 +41,6 @@ TEST(FormatMessage, AnUnknownCodeHasNoMessage)
     EXPECT_EQ(GetLastError(), DWORD{ERROR_MR_MID_NOT_FOUND});
 }
 
-TEST(FormatMessage, ASmallBufferIsRefused)
-{
-    WCHAR text[4];
-    EXPECT_EQ(FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
-                             ERROR_FILE_NOT_FOUND, 0, text, ARRAYSIZE(text), nullptr),
-              0u);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
-}
-
 TEST(FormatMessage, NetworkAndImagingFailuresHaveWordsNatively)
 {
     if (IsWindowsBuild && !UnderWine)

@@ -34,10 +34,26 @@ protected:
         }
     }
 
+    static WideText Read(LCTYPE type)
+    {
+        WCHAR text[16] = {};
+        GetLocaleInfoW(LOCALE_USER_DEFAULT, type, text, ARRAYSIZE(text));
+        return text;
+    }
+
+    // With two decimals.
     static WideText Format(const WCHAR *value)
     {
+        WideText decimal = Read(LOCALE_SDECIMAL);
+        WideText thousand = Read(LOCALE_STHOUSAND);
+        const NUMBERFMTW format = {2,
+                                   1,
+                                   Read(LOCALE_SGROUPING) == u"3;2;0" ? 32u : 3u,
+                                   decimal.data(),
+                                   thousand.data(),
+                                   UINT(Read(LOCALE_INEGNUMBER)[0] - '0')};
         WCHAR text[64];
-        return GetNumberFormatW(LOCALE_USER_DEFAULT, 0, value, nullptr, text, ARRAYSIZE(text)) > 0
+        return GetNumberFormatW(LOCALE_USER_DEFAULT, 0, value, &format, text, ARRAYSIZE(text)) > 0
                    ? text
                    : TEXT("failed");
     }
@@ -69,23 +85,20 @@ TEST_F(UserLocale, IsReadAtEachCall)
     for (const auto &c : cases)
     {
         setenv("LC_ALL", c.locale, 1);
-        EXPECT_EQ(Format(u"-1234567.891"), c.number) << c.locale;
+        EXPECT_EQ(Format(u"-1234567.89"), c.number) << c.locale;
     }
 }
 
 TEST_F(UserLocale, GroupsFourDigitsAlsoWhereICUWouldNot)
 {
     setenv("LC_ALL", "es_ES.UTF-8", 1);
-    EXPECT_EQ(Format(u"1234"), u"1.234,00");
+    EXPECT_EQ(Format(u"1234.00"), u"1.234,00");
+    EXPECT_EQ(Format(u"-0.00"), u"0,00");
 }
 
 TEST_F(UserLocale, ComesFromTheFirstVariableThatSaysAnything)
 {
-    const auto separator = [] {
-        WCHAR text[4] = {};
-        GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_STHOUSAND, text, 4);
-        return WideText(text);
-    };
+    const auto separator = [] { return Read(LOCALE_STHOUSAND); };
     EXPECT_EQ(separator(), u",");
     setenv("LANG", "de_DE.UTF-8", 1);
     EXPECT_EQ(separator(), u".");

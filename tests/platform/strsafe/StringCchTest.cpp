@@ -16,18 +16,6 @@ HRESULT Print(WCHAR *text, size_t capacity, const WCHAR *format, ...)
     return result;
 }
 
-TEST(StringCch, PrintsWhatTheProgramsFormatsHold)
-{
-    WCHAR text[200] = {};
-    EXPECT_EQ(Print(text, 200, TEXT("%ls: 0x%08lx %04x%04x, %d%% of %d %lu %I64d"), TEXT("caf\u00E9"),
-                    static_cast<UINT32>(E_FAIL), 0x409, 0x4B0, -7, INT32_MIN, UINT32_MAX, INT64_MIN),
-              S_OK);
-    EXPECT_EQ(WideText(text),
-              TEXT("caf\u00E9: 0x80004005 040904b0, -7% of -2147483648 4294967295 -9223372036854775808"));
-    EXPECT_EQ(Print(text, 200, TEXT("?"), TEXT("unused"), 1), S_OK);
-    EXPECT_EQ(WideText(text), TEXT("?"));
-}
-
 TEST(StringCch, CutsTerminatesAndReports)
 {
     WCHAR text[8] = {};

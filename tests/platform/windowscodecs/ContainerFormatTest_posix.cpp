@@ -73,13 +73,4 @@ TEST_F(ContainerFormat, OtherContentHasNoDecoder)
         EXPECT_EQ(Open(head, format), WINCODEC_ERR_COMPONENTNOTFOUND) << head;
     }
 }
-
-TEST_F(ContainerFormat, BadArguments)
-{
-    ComPtr<IWICBitmapDecoder> decoder;
-    EXPECT_EQ(m_factory->CreateDecoderFromStream(nullptr, nullptr, WICDecodeMetadataCacheOnDemand, decoder.Put()),
-              E_INVALIDARG);
-    EXPECT_EQ(m_factory->CreateDecoderFromStream(nullptr, nullptr, WICDecodeMetadataCacheOnDemand, nullptr),
-              E_INVALIDARG);
-}
 } // namespace

@@ -102,30 +102,6 @@ TEST(IntactPixels, EndWithTheLastRowOfTheFrame)
     EXPECT_LT(result.size(), source.size() * 2 / 3);
 }
 
-TEST(IntactPixels, DifferOnceAnOptionOrASizeIsGiven)
-{
-    const Octets source = MakeJpeg({.Quality = 60});
-    ComPtr<IWICBitmapFrameDecode> frame;
-    ASSERT_EQ(S_OK, OpenFrame(source, frame));
-    ComPtr<IWICBitmapEncoder> encoder;
-    ComPtr<IWICBitmapFrameEncode> target;
-    ComPtr<IPropertyBag2> bag;
-    const ComPtr<IStream> stream = StreamOf({});
-    CreateJpegEncoder(encoder.Put());
-    encoder->Initialize(stream.Get(), WICBitmapEncoderNoCache);
-    encoder->CreateNewFrame(target.Put(), bag.Put());
-    WideText name = TEXT("ImageQuality");
-    PROPBAG2 option{PROPBAG2_TYPE_DATA, VT_R4, 0, 0, name.data(), {}};
-    VARIANT quality{};
-    V_VT(&quality) = VT_R4;
-    V_R4(&quality) = 0.95f;
-    ASSERT_EQ(S_OK, bag->Write(1, &option, &quality));
-    ASSERT_EQ(S_OK, target->Initialize(bag.Get()));
-    ASSERT_EQ(S_OK, target->WriteSource(frame.Get(), nullptr));
-    ASSERT_EQ(S_OK, target->Commit());
-    EXPECT_LT(FactsOf(BytesOf(stream.Get())).FirstQuantizer, FactsOf(source).FirstQuantizer);
-}
-
 TEST(IntactPixels, BringNothingElseAlong)
 {
     Octets source = MakeJpeg({.Components = 1,

@@ -1,4 +1,4 @@
-#include "host/WholeFile.h"
+#include "com/WholeFile.h"
 
 #include <fcntl.h>
 #include <pwd.h>
@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 
 namespace fs = std::filesystem;
 
@@ -61,14 +62,6 @@ Descriptor OpenToRead(const fs::path &file)
     return Descriptor(number);
 }
 
-// The file that a symbolic link leads to; the path itself if it is none, or leads nowhere.
-fs::path WithoutLinks(const fs::path &file)
-{
-    std::error_code error;
-    fs::path target = fs::canonical(file, error);
-    return error ? file : target;
-}
-
 void WriteAll(int descriptor, std::string_view content, const fs::path &path)
 {
     while (!content.empty())
@@ -83,16 +76,17 @@ void WriteAll(int descriptor, std::string_view content, const fs::path &path)
 }
 } // namespace
 
+fs::path WithoutLinks(const fs::path &file)
+{
+    std::error_code error;
+    fs::path target = fs::canonical(file, error);
+    return error ? file : target;
+}
+
 std::error_code TryToRead(const fs::path &file)
 {
     const Descriptor opened = OpenToRead(file);
     return opened.Number() < 0 ? std::error_code(errno, std::generic_category()) : std::error_code();
-}
-
-std::string FileErrorWords(const std::error_code &error)
-{
-    // As OpenToRead has it.
-    return error == std::errc::invalid_argument ? "It is a pipe or a device, not a file" : error.message();
 }
 
 std::optional<std::string> ReadWholeFile(const fs::path &file, size_t limit)
@@ -168,12 +162,13 @@ void FileReplacement::Commit()
         ThrowErrno("replacing", m_file);
     }
     m_pending.clear();
-    const Descriptor folder(OpenOrThrow(m_file.parent_path(), O_RDONLY | O_DIRECTORY, 0, "opening"));
-    ::fsync(folder.Number());
+    // The new file is there; where its folder can't be opened, it gets to the disk a little later.
+    const fs::path folder = m_file.has_parent_path() ? m_file.parent_path() : ".";
+    ::fsync(Descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)).Number());
 }
 
-FolderLock::FolderLock(const fs::path &folder)
-    : m_lock(OpenOrThrow(folder / "lock", O_RDWR | O_CREAT | O_NOFOLLOW, 0600, "locking"))
+FileLock::FileLock(const fs::path &file)
+    : m_lock(OpenOrThrow(file, O_RDWR | O_CREAT | O_NOFOLLOW, 0600, "locking"))
 {
     while (::flock(static_cast<int>(m_lock), LOCK_EX) != 0)
     {
@@ -182,18 +177,19 @@ FolderLock::FolderLock(const fs::path &folder)
             const int error = errno;
             ::close(static_cast<int>(m_lock));
             errno = error;
-            ThrowErrno("locking", folder);
+            ThrowErrno("locking", file);
         }
     }
 }
 
-FolderLock::~FolderLock()
+FileLock::~FileLock()
 {
     ::close(static_cast<int>(m_lock));
 }
 
-fs::path SetFileAside(const fs::path &file, const std::string &suffix)
+fs::path SetFileAside(const fs::path &given, const std::string &suffix)
 {
+    const fs::path file = WithoutLinks(given);
     for (int number = 1;; ++number)
     {
         const fs::path aside(file.native() + suffix + "-" + std::to_string(number));
@@ -252,4 +248,15 @@ std::string ForeignAccess(const fs::path &path)
                                                  : "the user of number " + std::to_string(status.st_uid));
     }
     return (status.st_mode & (S_IWGRP | S_IWOTH)) != 0 ? "can be written by other users" : std::string();
+}
+
+fs::path UserDataFolder()
+{
+    // The XDG base directory specification: a relative path is to be ignored.
+    if (const char *data = std::getenv("XDG_DATA_HOME"); data != nullptr && fs::path(data).is_absolute())
+    {
+        return data;
+    }
+    const char *home = std::getenv("HOME");
+    return home != nullptr && *home != '\0' ? fs::path(home) / ".local" / "share" : fs::path();
 }

@@ -11,9 +11,6 @@
 // No error if this is a file that can be read, else the system's.
 std::error_code TryToRead(const std::filesystem::path &file);
 
-// The system's words for a failure with a file, in UTF-8.
-std::string FileErrorWords(const std::error_code &error);
-
 // Nothing if there is no such file. Throws std::system_error for any other failure, for a file of more than
 // limit bytes, and for a folder, pipe or device.
 std::optional<std::string> ReadWholeFile(const std::filesystem::path &file, size_t limit);
@@ -37,26 +34,32 @@ private:
     std::filesystem::path m_pending;
 };
 
-// Holds the lock of a folder, against other processes and other holders in this one. The constructor waits for
-// it, and throws std::system_error.
-class FolderLock
+// Holds a lock against other processes and other holders in this one. It is a file that is made where it is missing,
+// and stays. The constructor waits for the lock, and throws std::system_error.
+class FileLock
 {
 public:
-    explicit FolderLock(const std::filesystem::path &folder);
-    ~FolderLock();
-    FolderLock(const FolderLock &) = delete;
-    FolderLock &operator=(const FolderLock &) = delete;
+    explicit FileLock(const std::filesystem::path &file);
+    ~FileLock();
+    FileLock(const FileLock &) = delete;
+    FileLock &operator=(const FileLock &) = delete;
 
 private:
     std::intptr_t m_lock; // the system's descriptor or handle
 };
 
-// Renames the file to its name with the suffix and "-1", "-2" and so on, the first that is free. Returns the
+// The file that a symbolic link leads to; the path itself if it is none, or leads nowhere, and on Windows.
+std::filesystem::path WithoutLinks(const std::filesystem::path &file);
+
+// Renames the file, of a symbolic link the one that it leads to, to its name with the suffix and "-1", "-2" and so on, the first that is free. Returns the
 // new path. Throws std::system_error.
 std::filesystem::path SetFileAside(const std::filesystem::path &file, const std::string &suffix);
 
 // Makes the folder and the missing ones above it, readable by their owner alone. Throws std::system_error.
 void MakePrivateFolder(const std::filesystem::path &folder);
+
+// Where programs keep the files of one user: $XDG_DATA_HOME, else ~/.local/share. Empty if there is no home. Linux alone.
+std::filesystem::path UserDataFolder();
 
 // Who besides the user may change the file or folder, as words that follow its name; empty if nobody, or if there
 // is none. The system's administrator counts as the user. Always empty on Windows.

@@ -1,6 +1,4 @@
-#include "host/WholeFile.h"
-
-#include "host/SystemWords.h"
+#include "com/WholeFile.h"
 
 #include "com/HandleOwner.h"
 
@@ -61,19 +59,16 @@ void WriteAll(HANDLE file, std::string_view content)
 }
 } // namespace
 
+fs::path WithoutLinks(const fs::path &file)
+{
+    return file;
+}
+
 std::error_code TryToRead(const fs::path &file)
 {
     return Open(file, GENERIC_READ, OPEN_EXISTING)
                ? std::error_code()
                : std::error_code(static_cast<int>(GetLastError()), std::system_category());
-}
-
-std::string FileErrorWords(const std::error_code &error)
-{
-    // The category's own words are in the system's code page, not in UTF-8.
-    return error.category() == std::system_category()
-               ? SystemWords(HRESULT_FROM_WIN32(static_cast<DWORD>(error.value())))
-               : error.message();
 }
 
 std::optional<std::string> ReadWholeFile(const fs::path &file, size_t limit)
@@ -144,9 +139,9 @@ void FileReplacement::Commit()
     m_pending.clear();
 }
 
-FolderLock::FolderLock(const fs::path &folder)
+FileLock::FileLock(const fs::path &file)
 {
-    FileOwner opened = OpenOrThrow(folder / L"lock", GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS, "locking");
+    FileOwner opened = OpenOrThrow(file, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS, "locking");
     // The lock ends with its handle.
     OVERLAPPED start = {};
     if (!LockFileEx(opened.Get(), LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &start))
@@ -156,7 +151,7 @@ FolderLock::FolderLock(const fs::path &folder)
     m_lock = reinterpret_cast<std::intptr_t>(opened.Detach());
 }
 
-FolderLock::~FolderLock()
+FileLock::~FileLock()
 {
     const FileOwner opened(reinterpret_cast<HANDLE>(m_lock));
     OVERLAPPED start = {};

@@ -1,7 +1,0 @@
-// A small JPEG in memory without its application segments and comments.
-#pragma once
-
-#include "platform/windowscodecs/jpeg/StreamBytes.h"
-
-// Empty if it isn't a whole JPEG.
-Bytes KeepPictureOnly(const Bytes &picture);

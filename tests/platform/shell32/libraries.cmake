@@ -1,3 +1,0 @@
-if(WIN32)
-  list(APPEND libraries shell32)
-endif()
