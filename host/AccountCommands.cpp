@@ -92,21 +92,11 @@ ExitCode RunSettingsCommand(const CommandLine &line)
     {
         Complain("The settings can't be kept in the profile: " + SystemWords(result));
     }
-    std::vector<SettingAssignment> changes;
-    bool allRight = true;
-    for (const std::string &text : line.assignments)
+    std::vector<std::string> faults;
+    const std::vector<SettingAssignment> changes = ParseSettingAssignments(line.assignments, faults);
+    if (!faults.empty())
     {
-        auto parsed = ParseSettingAssignment(text);
-        if (const auto *fault = std::get_if<std::string>(&parsed))
-        {
-            Complain(*fault);
-            allRight = false;
-            continue;
-        }
-        changes.push_back(std::get<SettingAssignment>(std::move(parsed)));
-    }
-    if (!allRight)
-    {
+        std::ranges::for_each(faults, Complain);
         Complain("Nothing was stored.");
         return ExitCode::Usage;
     }

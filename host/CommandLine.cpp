@@ -12,20 +12,61 @@ namespace
 void DescribePublish(CLI::App &app, CommandLine &line)
 {
     CLI::App *const publish = app.add_subcommand("publish", "Upload pictures to your Flickr account");
-    publish
-        ->add_option("PATH", line.paths,
-                     "Pictures, and with --recursive folders. Files in one folder that differ only in their "
-                     "extension are one picture.")
-        ->required();
+    publish->add_option("PATH", line.paths,
+                        "Pictures, and with --recursive folders. Files in one folder that differ only in their "
+                        "extension are one picture.");
     publish->add_flag("-r,--recursive", line.recursive, "Upload what is in folders and their subfolders too");
+    publish
+        ->add_option("--files-from", line.filesFrom,
+                     "Upload the files that FILE names, a line each (\"-\": standard input). Of what --porcelain "
+                     "wrote, those that aren't published")
+        ->type_name("FILE");
+    publish->add_flag("-0,--null", line.endsWithZero,
+                      "Lines of --files-from and --porcelain end with a zero byte");
     CLI::Option *const quiet =
         publish->add_flag("-q,--quiet", line.quiet, "Show only warnings, errors and the summary");
-    publish->add_flag("-v,--verbose", line.verbose, "Show details too")->excludes(quiet);
+    publish->add_flag("-v,--verbose", line.verbose, "Show details too, such as each photo's page")
+        ->excludes(quiet);
+    publish->add_flag("--porcelain", line.porcelain,
+                      "Write a line for each picture to standard output, fields separated by tabs: outcome, file, "
+                      "photo id or ticket, reason");
+    publish->add_flag("-n,--dry-run", line.dryRun, "Show what would be uploaded, and why the rest would not");
+    publish->add_flag("--again", line.again, "Upload also what is on the account already");
+    publish
+        ->add_option_function<std::string>(
+            "--unknown",
+            [&line](const std::string &choice) {
+                if (choice != "skip" && choice != "send")
+                {
+                    throw CLI::ValidationError("--unknown", "takes skip or send, not " + choice);
+                }
+                line.unknown = choice == "send" ? UnknownChoice::Send : UnknownChoice::Skip;
+            },
+            "Pictures that an earlier run may or may not have published: skip or send them, without asking")
+        ->type_name("skip|send");
+    publish->add_flag("--keep-trying", line.keepTrying,
+                      "While Flickr can't be reached, wait and try again instead of stopping after five failures");
+    publish->add_option("--set", line.assignments, "A setting for this run alone")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false);
     publish->add_flag("--allow-small", line.allowSmall,
                       "Upload even if the settings would make pictures less than 64 pixels long");
-    publish->footer("Press Ctrl-C once to stop after the current picture, twice to abort it, three times to quit "
+    publish->footer("What the same account has already, unchanged or under another name, is left out: a run that "
+                    "was broken off is taken up by the same command.\n\n"
+                    "Press Ctrl-C once to stop after the current picture, twice to abort it, three times to quit "
                     "at once.\n\nExit codes: 0 all pictures were published, 1 some were not, 2 usage error, "
                     "3 cancelled.");
+}
+
+void DescribeHistory(CLI::App &app, CommandLine &line)
+{
+    CLI::App *const history = app.add_subcommand("history", "List what was published, newest first");
+    history->add_option("FILE", line.paths, "Show only the uploads of these files, or of the same bytes");
+    history->add_option("-n,--count", line.count, "Show so many at most")->type_name("COUNT");
+    history->add_flag("--json", line.json, "Write JSON, with sizes and checksums");
+    history->add_flag("--refresh", line.refresh, "Ask Flickr first what became of pictures that were handed in");
+    history->footer(
+        "Exit codes: 0 done, 1 a file was never published, or Flickr could not be asked, 2 usage error.");
 }
 
 void DescribeOthers(CLI::App &app, CommandLine &line)
@@ -81,11 +122,9 @@ std::string VersionText()
     return text;
 }
 
-constexpr std::pair<const char *, Command> Commands[] = {{"publish", Command::Publish},
-                                                         {"status", Command::Status},
-                                                         {"settings", Command::Settings},
-                                                         {"account", Command::Account},
-                                                         {"authorize", Command::Authorize}};
+constexpr std::pair<const char *, Command> Commands[] = {
+    {"publish", Command::Publish},   {"history", Command::History}, {"status", Command::Status},
+    {"settings", Command::Settings}, {"account", Command::Account}, {"authorize", Command::Authorize}};
 
 // What to say of a first word that is no command; empty if it is one, or an option.
 std::string FaultOfCommand(std::string_view word)
@@ -137,6 +176,7 @@ std::variant<CommandLine, CommandLineEnd> ParseCommandLine(int argc, const char 
         ->type_name("DIR");
     app.require_subcommand(1);
     DescribePublish(app, line);
+    DescribeHistory(app, line);
     DescribeOthers(app, line);
     try
     {
@@ -161,6 +201,12 @@ std::variant<CommandLine, CommandLineEnd> ParseCommandLine(int argc, const char 
         {
             line.command = command;
         }
+    }
+    if (line.command == Command::Publish && line.paths.empty() && line.filesFrom.empty())
+    {
+        return CommandLineEnd{true,
+                              "publish needs pictures: name files, folders with --recursive, or a list of them "
+                              "with --files-from.\n"};
     }
     return line;
 }

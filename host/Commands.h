@@ -9,6 +9,7 @@
 // The registry store must be that of the profile, and COM initialized. All may throw ProfileError and
 // HresultError.
 ExitCode RunPublishCommand(const CommandLine &line, const Profile &profile);
+ExitCode RunHistoryCommand(const CommandLine &line, const Profile &profile);
 ExitCode RunStatusCommand(const Profile &profile);
 ExitCode RunSettingsCommand(const CommandLine &line);
 ExitCode RunSheetCommand(const Profile &profile); // settings, for a user at a terminal

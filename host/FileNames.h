@@ -19,6 +19,7 @@ std::string ShownPath(const std::filesystem::path &path);
 
 // A path's text for comparing and sorting: its bytes as on disk, or UTF-8 where names are UTF-16.
 std::string NameBytes(const std::filesystem::path &path);
+std::filesystem::path PathOfNameBytes(const std::string &bytes);
 
 // Without the dot, as NameBytes.
 inline std::string ExtensionOf(const std::filesystem::path &file)

@@ -22,6 +22,11 @@ std::string NameBytes(const std::filesystem::path &path)
     return path.native();
 }
 
+std::filesystem::path PathOfNameBytes(const std::string &bytes)
+{
+    return bytes;
+}
+
 std::filesystem::path IdentityOf(const std::filesystem::path &file)
 {
     std::error_code error;

@@ -56,6 +56,11 @@ std::string NameBytes(const fs::path &path)
     return Utf8FromText(path.native());
 }
 
+fs::path PathOfNameBytes(const std::string &bytes)
+{
+    return TextFromUtf8(bytes).value_or(WideText());
+}
+
 fs::path IdentityOf(const fs::path &file)
 {
     std::error_code error;

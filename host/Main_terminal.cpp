@@ -52,7 +52,7 @@ std::string WordsOf(const RegistryProblem &problem)
 // were looked at, which makes a new store. The account is a file of its own.
 void RequireSettings(Command command, const Profile &profile)
 {
-    if (command == Command::Account)
+    if (command == Command::Account || command == Command::History)
     {
         return;
     }
@@ -79,6 +79,8 @@ ExitCode Run(const CommandLine &line)
     {
     case Command::Publish:
         return RunPublishCommand(line, profile);
+    case Command::History:
+        return RunHistoryCommand(line, profile);
     case Command::Status:
         return RunStatusCommand(profile);
     case Command::Settings:

@@ -223,3 +223,20 @@ ItemCollection CollectItems(const std::vector<fs::path> &arguments, bool recursi
     }
     return collector.Finish();
 }
+
+void TellOfOtherFiles(const ItemCollection &collection,
+                      const std::function<void(int level, const std::string &text)> &tell)
+{
+    for (const RefusedFile &refused : collection.refused)
+    {
+        tell(3, ShownPath(refused.path) + " " + refused.reason + ".");
+    }
+    for (const auto &folder : collection.empty)
+    {
+        tell(2, ShownPath(folder) + " contains no pictures (hidden files are skipped).");
+    }
+    for (const auto &path : collection.passedOver)
+    {
+        tell(1, ShownPath(path) + " belongs to a picture and isn't published by itself.");
+    }
+}

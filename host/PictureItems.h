@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -28,12 +29,15 @@ struct RefusedFile
 {
     std::filesystem::path path; // as given, or as found in a folder
     std::string reason;         // what is wrong and what to do, UTF-8
+    std::string photo{};        // the service's id, of a picture that was published before
 };
 
 struct ItemCollection
 {
     std::vector<PictureItem> items;
     std::vector<RefusedFile> refused;              // count as pictures that weren't published
+    std::vector<RefusedFile> undecided;            // may have been published before
+    std::vector<RefusedFile> leftOut;              // were published before; reason tells when
     std::vector<std::filesystem::path> folders;    // given although recursive is false
     std::vector<std::filesystem::path> empty;      // folders without pictures
     std::vector<std::filesystem::path> passedOver; // sidecars named beside pictures
@@ -44,3 +48,7 @@ struct ItemCollection
 // and files without a picture's extension are left out of a walk, and links back into a folder that
 // was walked are not followed.
 ItemCollection CollectItems(const std::vector<std::filesystem::path> &arguments, bool recursive);
+
+// Says which of the files that were named aren't pictures to publish; levels as in WriteLogEntry.
+void TellOfOtherFiles(const ItemCollection &collection,
+                      const std::function<void(int level, const std::string &text)> &tell);

@@ -52,6 +52,7 @@ Profile::Profile(const fs::path &folder)
     RefuseForeign(m_folder, "profile folder");
     RefuseForeign(RegistryFile(), "settings file");
     RefuseForeign(InitDataFile(), "account file");
+    RefuseForeign(JournalFile(), "journal");
 }
 
 void InitDataStore::Load()

@@ -1,5 +1,5 @@
-// The folder of the files that the program keeps for one user: the registry store and the plug-in's
-// stream with the account. Nobody else may change them: they decide on whose account and for whose eyes pictures
+// The folder of the files that the program keeps for one user: the registry store, the plug-in's stream with the
+// account, and the journal of what was published. Nobody else may change them: they decide on whose account and for whose eyes pictures
 // are published. A folder that is made here has mode 0700, its files 0600; on Windows it lies where the system
 // keeps others out.
 #pragma once
@@ -30,6 +30,7 @@ public:
     const std::filesystem::path &Folder() const { return m_folder; }
     std::filesystem::path RegistryFile() const { return m_folder / "registry.reg"; }
     std::filesystem::path InitDataFile() const { return m_folder / "init-data.bin"; }
+    std::filesystem::path JournalFile() const { return m_folder / "journal.db"; }
     std::filesystem::path LockFile() const { return m_folder / "lock"; } // of the account
 
 private:

@@ -2,6 +2,7 @@
 
 #include "host/ProgressWindows.h"
 #include "host/Terminal_posix.h"
+#include "host/UploadObservation.h"
 
 #include <atomic>
 #include <thread>
@@ -55,8 +56,8 @@ private:
 };
 } // namespace
 
-RunEnd RunPublication(IHalvoraPublishingPlugin &plugin, LiveDisplay &display, SignalWatch &signals,
-                      const std::function<void()> &onCancel)
+RunEnd RunPublication(IHalvoraPublishingPlugin &plugin, IUploadObserver &observer, LiveDisplay &display,
+                      SignalWatch &signals, const std::function<void()> &onCancel)
 {
     const ProgressWindows windows(
         [&](const ProgressView &view) { display.ShowProgress(view, LiveDisplay::Clock::now()); });
@@ -66,7 +67,10 @@ RunEnd RunPublication(IHalvoraPublishingPlugin &plugin, LiveDisplay &display, Si
     std::atomic<bool> over = false;
     std::thread worker([&] {
         const HRESULT apartment = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-        end.result = plugin.Publish(windows.Bar(), windows.Status());
+        {
+            const UploadObservation observed(observer);
+            end.result = plugin.Publish(windows.Bar(), windows.Status());
+        }
         if (SUCCEEDED(apartment))
         {
             CoUninitialize();
@@ -98,4 +102,19 @@ RunEnd RunPublication(IHalvoraPublishingPlugin &plugin, LiveDisplay &display, Si
     display.EndProgress();
     end.cancelled = canceller.IsCancelled();
     return end;
+}
+
+bool WaitBetweenRuns(std::chrono::seconds pause, LiveDisplay &display, SignalWatch &signals)
+{
+    display.Log(2, "Trying again in " + std::to_string(pause.count()) + " seconds. Ctrl-C cancels.");
+    const auto end = LiveDisplay::Clock::now() + pause;
+    while (LiveDisplay::Clock::now() < end)
+    {
+        const RunSignal signal = signals.Wait(WaitingStep);
+        if (signal == RunSignal::Interrupt || signal == RunSignal::Terminate)
+        {
+            return false;
+        }
+    }
+    return true;
 }

@@ -8,7 +8,9 @@
 #include "host/RunAdvice.h"
 #include "host/TextEncodings.h"
 
+#include "account/ServiceReply.h"
 #include "com/BstrOwner.h"
+#include "com/SafeText.h"
 
 #include <wincodec.h>
 
@@ -43,7 +45,8 @@ STDMETHODIMP PublishingHost::GetItemList(INT32 *count, HGLOBAL *items) noexcept
     *count = 0;
     *items = nullptr;
     return AtBoundary([&] {
-        const size_t number = m_record.Items().size();
+        const std::vector<size_t> waiting = m_record.NotTried();
+        const size_t number = waiting.size();
         // GlobalLock fails for a block of 0 bytes.
         GlobalMemoryOwner list(GlobalAlloc(GMEM_MOVEABLE, std::max<size_t>(number, 1) * sizeof(UINT64)));
         auto *const handles = list ? static_cast<UINT64 *>(GlobalLock(list.Get())) : nullptr;
@@ -54,7 +57,7 @@ STDMETHODIMP PublishingHost::GetItemList(INT32 *count, HGLOBAL *items) noexcept
         const GlobalLockOwner locked(list.Get());
         for (size_t i = 0; i < number; ++i)
         {
-            handles[i] = i + 1;
+            handles[i] = waiting[i] + 1;
         }
         m_list = std::move(list);
         *items = m_list.Get();
@@ -97,6 +100,26 @@ STDMETHODIMP PublishingHost::WriteLogEntry(INT32 level, LPCWSTR source, LPCWSTR 
         {
             m_wait(pause);
         }
+        if (m_stop && level >= LOG_LEVEL_ERROR && m_record.FailuresToConnect() >= m_mostFailures)
+        {
+            m_stop();
+        }
+        return S_OK;
+    });
+}
+
+STDMETHODIMP PublishingHost::OnUploadReply(HRESULT result, IUnknown *reply) noexcept
+{
+    return AtBoundary([&] {
+        const auto document = ComPtr<IUnknown>(reply).As<IXMLDOMDocument2>();
+        BstrOwner photo;
+        BstrOwner ticket;
+        if (SUCCEEDED(result) && document && ReadOutcome(document.Get()) == S_OK)
+        {
+            ReadNodeText(document.Get(), TEXT("/rsp/photoid"), photo);
+            ReadNodeText(document.Get(), TEXT("/rsp/ticketid"), ticket);
+            m_record.NoteIds({OneSafeLine(Utf8FromText(photo.View())), OneSafeLine(Utf8FromText(ticket.View()))});
+        }
         return S_OK;
     });
 }
@@ -132,7 +155,7 @@ ComPtr<IWICBitmapSource> PublishingHost::ReadPicture(const std::filesystem::path
     }
     catch (const DecodingError &error)
     {
-        Tell(LOG_LEVEL_WARNING, ShownPath(file) + " " + error.what() + ".");
+        m_record.NoteFault(error.Code(), error.what());
         ThrowHresult(error.Code());
     }
 }
@@ -153,6 +176,10 @@ STDMETHODIMP PublishingHost::ReadImageMetadata(LPCWSTR path, INT32, INT32 longEd
     return AtBoundary([&] {
         const std::filesystem::path file = PathOfText(path);
         m_lastRead = file;
+        if (const auto item = m_record.Current(); item && m_fileBegins)
+        {
+            m_fileBegins(*item, file);
+        }
         if (!CanReadMetadata() && !m_toldOfNoReading.exchange(true))
         {
             Tell(LOG_LEVEL_WARNING,

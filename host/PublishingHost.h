@@ -1,5 +1,6 @@
 // The host as the plug-in sees it: the items of a run, their records, a log, and the metadata of
-// picture files. One object answers both of the host's interfaces, from any thread.
+// picture files; and as the web component sees it, which tells what the service answered. One object answers all of
+// the host's interfaces, from any thread.
 #pragma once
 
 #include "host/ImagingTrial.h"
@@ -11,6 +12,7 @@
 #include "com/HandleOwner.h"
 
 #include "HostContract.h"
+#include "WebComponents.h"
 
 #include <atomic>
 #include <chrono>
@@ -20,10 +22,12 @@
 // level, source and message as the plug-in gave them, in UTF-8. Any thread.
 using LogSink = std::function<void(int level, const std::string &source, const std::string &message)>;
 
-class PublishingHost final : public ComObject<PublishingHost, IHalvoraPublishingHost, IHalvoraImageMetadata>
+class PublishingHost final
+    : public ComObject<PublishingHost, IHalvoraPublishingHost, IHalvoraImageMetadata, IUploadObserver>
 {
 public:
-    // The record must outlive every run with this host. Item handles are 1 and up, in the record's order.
+    // The record must outlive every run with this host. Item handles are 1 and up, in the record's order; a run gets
+    // those of the items that weren't tried yet.
     // support tells what the imaging component does; it is asked at each writing of metadata.
     PublishingHost(RunRecord &record, LogSink log, std::function<MetadataSupport()> support = TryWritingMetadata);
 
@@ -42,6 +46,21 @@ public:
                                     INT32 copyright, INT32 exif, INT32 xmp, INT32 gps, INT32 iptc, INT32 anyGroup,
                                     INT32 processed) noexcept override;
 
+    STDMETHODIMP OnUploadReply(HRESULT result, IUnknown *reply) noexcept override;
+
+    // begins is called on the plug-in's thread before it gets a file of the item that is running.
+    void NoteFilesBy(std::function<void(size_t index, const std::filesystem::path &file)> begins)
+    {
+        m_fileBegins = std::move(begins);
+    }
+
+    // stop is called on the plug-in's thread when so many items failed in a row since there was no connection.
+    void StopBy(size_t failures, std::function<void()> stop)
+    {
+        m_mostFailures = failures;
+        m_stop = std::move(stop);
+    }
+
     // wait is called on the plug-in's thread when the service asks for a pause and further items follow. It
     // returns when the pause is over or the user cancels. Without it nothing waits.
     void PauseBy(std::function<void(std::chrono::seconds)> wait) { m_wait = std::move(wait); }
@@ -59,6 +78,9 @@ private:
     const LogSink m_log;
     const std::function<MetadataSupport()> m_support;
     std::function<void(std::chrono::seconds)> m_wait;
+    std::function<void(size_t, const std::filesystem::path &)> m_fileBegins;
+    std::function<void()> m_stop;
+    size_t m_mostFailures = 0;
     GlobalMemoryOwner m_list;
     MetadataSnapshots m_snapshots;
     std::filesystem::path m_lastRead; // whose metadata are written next; the plug-in's thread only

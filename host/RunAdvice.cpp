@@ -21,12 +21,25 @@ constexpr const char *AuthorizeAgain =
 constexpr std::string_view HttpStatus = "HTTP Status = ";
 constexpr std::string_view ServiceStatus = "Flickr Status = ";
 
+constexpr const char *LaterAgain = "Flickr is out of order or overloaded. Publish the rest later.";
+
 constexpr Rule Rules[] = {
-    {ServiceStatus, 98, 98, AuthorizeAgain},
+    {ServiceStatus, 6, 6,
+     "The account's limit is reached: it takes no more pictures this month, or none any more. Flickr's pages tell "
+     "which; publish the rest when there is space again."},
+    {ServiceStatus, 95, 97,
+     "Flickr doesn't accept how this version of Halvora sends its requests. Check the clock of this computer, and "
+     "whether there is a newer version."},
+    {ServiceStatus, 98, 99, AuthorizeAgain},
+    {ServiceStatus, 100, 100,
+     "Flickr doesn't know the key that this program was built with. Get a package of its maker, or build it with "
+     "a "
+     "key of your own."},
+    {ServiceStatus, 105, 106, LaterAgain},
     {HttpStatus, 401, 401, AuthorizeAgain},
     {HttpStatus, 403, 403, AuthorizeAgain},
     {HttpStatus, 429, 429, "Flickr takes no more requests for now. Wait some minutes, then publish the rest."},
-    {HttpStatus, 500, 599, "Flickr is out of order or overloaded. Publish the rest later."},
+    {HttpStatus, 500, 599, LaterAgain},
 };
 
 // Behind the path and the code, which may look like anything.
@@ -36,12 +49,11 @@ std::string_view WordsOf(std::string_view entry)
     return code == entry.npos ? entry : entry.substr(code);
 }
 
-bool Obeys(const Rule &rule, std::string_view words)
+// The number behind the mark, 0 if the words don't have the mark.
+long NumberBehind(std::string_view mark, std::string_view words)
 {
-    const size_t at = words.find(rule.mark);
-    const long number =
-        at == words.npos ? -1 : std::strtol(std::string(words.substr(at + rule.mark.size())).c_str(), nullptr, 10);
-    return number >= rule.first && number <= rule.last;
+    const size_t at = words.find(mark);
+    return at == words.npos ? 0 : std::strtol(std::string(words.substr(at + mark.size())).c_str(), nullptr, 10);
 }
 
 // Without the name and password that it may hold.
@@ -82,15 +94,26 @@ std::string ProcessVariable(const char *name)
     return value != nullptr ? value : "";
 }
 
+long ServiceCode(const std::string &entry)
+{
+    return NumberBehind(ServiceStatus, WordsOf(entry));
+}
+
+bool IsRefusalOfFile(long code)
+{
+    return (code >= 2 && code <= 5) || code == 8 || code == 9;
+}
+
+bool SaysNoConnection(const std::string &entry)
+{
+    return WordsOf(entry).find("No connection") != std::string_view::npos;
+}
+
 std::chrono::seconds RequestedWait(const std::string &entry)
 {
     constexpr std::string_view asks = "The service asks to wait ";
     constexpr long longest = 600;
-    const std::string_view words = WordsOf(entry);
-    const size_t at = words.find(asks);
-    const long seconds =
-        at == words.npos ? 0 : std::strtol(std::string(words.substr(at + asks.size())).c_str(), nullptr, 10);
-    return std::chrono::seconds(std::clamp(seconds, 0L, longest));
+    return std::chrono::seconds(std::clamp(NumberBehind(asks, WordsOf(entry)), 0L, longest));
 }
 
 std::vector<std::string> AdviceFor(const std::vector<std::string> &entries, const Variables &variables)
@@ -108,12 +131,13 @@ std::vector<std::string> AdviceFor(const std::vector<std::string> &entries, cons
         const std::string_view words = WordsOf(entry);
         for (const Rule &rule : Rules)
         {
-            if (Obeys(rule, words))
+            const long number = NumberBehind(rule.mark, words);
+            if (number >= rule.first && number <= rule.last)
             {
                 add(rule.advice);
             }
         }
-        if (words.find("No connection") != words.npos)
+        if (SaysNoConnection(entry))
         {
             add(ProxyAdvice(value));
         }

@@ -13,6 +13,15 @@ using Variables = std::function<std::string(const char *name)>;
 // Of this process.
 std::string ProcessVariable(const char *name);
 
+// The service's code in an error entry of the plug-in, 0 if it has none.
+long ServiceCode(const std::string &entry);
+
+// Whether the service refused this one file by that code: others may be taken.
+bool IsRefusalOfFile(long code);
+
+// Whether an error entry of the plug-in says that no connection could be made. Nothing was sent then.
+bool SaysNoConnection(const std::string &entry);
+
 // How long the service asks to wait before the next request, by an error entry of the plug-in: at most ten
 // minutes, 0 where the entry says nothing of it.
 std::chrono::seconds RequestedWait(const std::string &entry);

@@ -18,7 +18,8 @@ enum class ItemEnd
 {
     NotTried,
     Published,
-    Unknown, // sent, but the service's answer didn't come: it may be published
+    HandedIn, // the service gave a ticket: it publishes the picture in its own time, or refuses it
+    Unknown,  // sent, but the service's answer didn't come: it may be published
     Failed
 };
 
@@ -35,6 +36,17 @@ using ErrorWords = std::function<std::string(HRESULT)>;
 // the entry names where the entry says nothing more.
 std::string ReasonOfEntry(const std::string &entry, const ErrorWords &words);
 
+// What the service gave a picture: one of the two, or neither where it isn't known.
+struct ServiceIds
+{
+    std::string photo;
+    std::string ticket;
+};
+
+// After so many failures to connect in a row no further picture is worth its making.
+constexpr size_t MostFailuresToConnect = 5;
+
+// Several runs of the plug-in, one after the other, may share a record; together they are one to the user.
 class RunRecord
 {
 public:
@@ -42,11 +54,25 @@ public:
 
     const std::vector<PictureItem> &Items() const { return m_collection.items; }
 
+    // Called, on the thread that brings the news, when more is known of an item, and last when it is over. To be set
+    // before the run.
+    void WatchBy(std::function<void(size_t index, bool isOver)> watch) { m_watch = std::move(watch); }
+
+    // The items that no run has tried yet, in their order.
+    std::vector<size_t> NotTried() const;
+
     // The item before it, if any, is over. Any thread.
     void ItemBegins(size_t index);
 
     // Entries of level 3 and 4 belong to the item that is running, or to the run itself. Any thread.
     void NoteEntry(int level, const std::string &text);
+
+    // Why the host could not decode the file of the item that is running. It is told if the item fails by that code.
+    void NoteFault(HRESULT code, const std::string &words);
+
+    // The service has taken the picture of the item that is running. Any thread.
+    void NoteIds(const ServiceIds &ids);
+    ServiceIds IdsOf(size_t index) const;
 
     // The text with the path of the item that is running as the user wrote it. Any thread.
     std::string AsTyped(const std::string &text) const;
@@ -57,11 +83,24 @@ public:
     // The last item is over.
     void RunEnds();
 
-    // Any thread. An item that is running counts as not tried.
+    // The item counts as not tried, whatever became of it.
+    void TryAgain(size_t index);
+
+    // Any thread. An item that is running counts as not tried until the plug-in or the service has told its end.
     ItemEnd EndOf(size_t index) const;
 
+    // Why the item wasn't published; empty if it was or wasn't tried.
+    std::string ReasonOf(size_t index, const ErrorWords &words) const;
+
+    // The item that was tried last, if any, and the plug-in's last error entry on it, empty if there is none.
+    std::optional<size_t> LastTried() const;
+    std::string LastErrorOf(size_t index) const;
+
+    // How many of the items that were tried last failed since there was no connection.
+    size_t FailuresToConnect() const;
+
     // Counts, each file that wasn't published with the reason, and what a user can do about the commonest
-    // reasons.
+    // reasons. Of files that weren't tried only a few are named.
     RunSummary Summarize(bool cancelled, const ErrorWords &words, const Variables &variables = {}) const;
 
 private:
@@ -69,16 +108,22 @@ private:
     {
         bool begun = false;
         std::vector<std::string> errors;
+        HRESULT faultCode = S_OK;
+        std::string faultWords;
+        ServiceIds ids;
 
         // The last entry says that the item failed; an earlier one says why.
         std::string Reason(const ErrorWords &words) const;
     };
 
     std::vector<std::string> Errors() const;
+    void Tell(std::optional<size_t> index, bool isOver) const;
 
     mutable std::mutex m_lock;
     ItemCollection m_collection;
     std::vector<ItemState> m_states;
     std::vector<std::string> m_runErrors;
     std::optional<size_t> m_current;
+    std::optional<size_t> m_lastTried;
+    std::function<void(size_t index, bool isOver)> m_watch;
 };

@@ -203,3 +203,22 @@ std::variant<SettingAssignment, std::string> ParseSettingAssignment(std::string_
     }
     return SettingAssignment{setting, std::get<WideText>(std::move(size))};
 }
+
+std::vector<SettingAssignment> ParseSettingAssignments(const std::vector<std::string> &texts,
+                                                       std::vector<std::string> &faults)
+{
+    std::vector<SettingAssignment> changes;
+    for (const std::string &text : texts)
+    {
+        auto parsed = ParseSettingAssignment(text);
+        if (auto *const fault = std::get_if<std::string>(&parsed))
+        {
+            faults.push_back(std::move(*fault));
+        }
+        else
+        {
+            changes.push_back(std::get<SettingAssignment>(std::move(parsed)));
+        }
+    }
+    return changes;
+}

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
 
 // A name alone: nothing is to be changed.
 struct SettingQuestion
@@ -26,3 +27,7 @@ struct SettingAssignment
 // the plug-in's display form, in the user's locale; one of which the plug-in would not read every character, or
 // that it could not read back, is refused.
 std::variant<SettingAssignment, std::string> ParseSettingAssignment(std::string_view text);
+
+// All of them; what is wrong with those that are is added to faults.
+std::vector<SettingAssignment> ParseSettingAssignments(const std::vector<std::string> &texts,
+                                                       std::vector<std::string> &faults);

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
+#include <sstream>
 
 namespace loopback
 {
@@ -15,6 +17,7 @@ struct Call
 {
     const TokenRecord &token;
     const Account &account;
+    const FormFields &fields;
 };
 
 HttpReply CheckToken(const Call &call)
@@ -60,6 +63,32 @@ HttpReply GetUploadStatus(const Call &call)
                     Element("filesize", fileSize)));
 }
 
+// A ticket tells what became of its picture.
+HttpReply CheckTickets(const Call &call)
+{
+    std::string answers;
+    std::istringstream tickets(FindField(call.fields, "tickets").value_or(""));
+    for (std::string ticket; std::getline(tickets, ticket, ',');)
+    {
+        XmlAttributes answer = {{"id", ticket}};
+        if (ticket.starts_with(RefusedTicket))
+        {
+            answer.emplace_back("complete", "2");
+        }
+        else if (ticket.starts_with(Ticket))
+        {
+            answer.emplace_back("complete", "1");
+            answer.emplace_back("photoid", ticket.substr(std::strlen(Ticket)));
+        }
+        else
+        {
+            answer.emplace_back("invalid", "1");
+        }
+        answers += Element("ticket", answer);
+    }
+    return OkReply(Element("uploader", {}, answers));
+}
+
 struct Method
 {
     const char *name;
@@ -70,6 +99,7 @@ constexpr std::array Methods = {
     Method{"flickr.auth.oauth.checkToken", CheckToken},
     Method{"flickr.urls.getUserPhotos", GetUserPhotos},
     Method{"flickr.people.getUploadStatus", GetUploadStatus},
+    Method{"flickr.photos.upload.checkTickets", CheckTickets},
 };
 
 } // namespace
@@ -89,7 +119,7 @@ HttpReply RestService::Handle(const HttpRequest &request, const FormFields &fiel
         return FailReply(112, "Method \"" + name + "\" not found");
     }
     const Caller caller = m_admission.Admit(request, fields, Permission::Read);
-    return caller.refusal ? *caller.refusal : method->answer({caller.token, m_accounts.Get()});
+    return caller.refusal ? *caller.refusal : method->answer({caller.token, m_accounts.Get(), fields});
 }
 
 } // namespace loopback

@@ -10,6 +10,10 @@
 namespace loopback
 {
 
+// How the tickets of asynchronous uploads begin: ahead of the photo's id, and of the digits of one that was refused.
+inline constexpr char Ticket[] = "2830-";
+inline constexpr char RefusedTicket[] = "2830-0";
+
 class RestService
 {
 public:

@@ -1,5 +1,6 @@
 #include "loopback/UploadService.h"
 
+#include "loopback/RestService.h"
 #include "loopback/Secrets.h"
 #include "loopback/UploadParameters.h"
 #include "loopback/XmlReply.h"
@@ -97,16 +98,21 @@ HttpReply UploadService::Handle(const HttpRequest &request, UploadForm &form)
     return Accept(std::move(record), *photo);
 }
 
+// The service publishes the picture, or refuses it, after it has answered.
+static HttpReply TicketReply(const std::string &ticket)
+{
+    return OkReply(Element("ticketid", {}, ticket));
+}
+
 HttpReply UploadService::Accept(PhotoRecord record, IncomingFile &photo)
 {
     record.run = m_accounts.Get().run;
-    // What became of the picture is not asked by the ticket here: it is in the list of uploads.
-    const HttpReply ticketReply = OkReply(Element("ticketid", {}, "2830-" + RandomDigits(14)));
     const FileKind *kind = RecogniseFile(photo.FirstBytes());
     if (!kind)
     {
         // The service inspects an asynchronous upload only after it has answered.
-        return record.isAsynchronous ? ticketReply : FailReply(5, "Filetype was not recognised");
+        return record.isAsynchronous ? TicketReply(RefusedTicket + RandomDigits(13))
+                                     : FailReply(5, "Filetype was not recognised");
     }
     if (!m_accounts.UseBandwidth(record.size))
     {
@@ -117,7 +123,8 @@ HttpReply UploadService::Accept(PhotoRecord record, IncomingFile &photo)
     record.storedName = std::to_string(record.id) + "." + kind->extension;
     photo.Keep(PathOf(record));
     m_photos.Add(record);
-    return record.isAsynchronous ? ticketReply : OkReply(Element("photoid", {}, std::to_string(record.id)));
+    return record.isAsynchronous ? TicketReply(Ticket + std::to_string(record.id))
+                                 : OkReply(Element("photoid", {}, std::to_string(record.id)));
 }
 
 } // namespace loopback

@@ -8,6 +8,7 @@
 #include "webclient/RequestBodies.h"
 #include "webclient/RequestParameters.h"
 #include "webclient/TransportWords.h"
+#include "webclient/UploadObserver.h"
 #include "webclient/Utf8.h"
 
 #include <algorithm>
@@ -382,8 +383,10 @@ HRESULT COAuthWebClient::UploadRequest(LPCWSTR url, LPCWSTR resource, LPCWSTR me
             ThrowIfFailed(callback->OnUploadProgress(UPLOAD_BEGIN, bodyLength, 0));
         }
         UploadBody content(body, bodyLength, callback);
-        return Carry(service, "POST", address, ReadParameters(headers), ReadParameters(fields), &content, true,
-                     reply);
+        const HRESULT result = Carry(service, "POST", address, ReadParameters(headers), ReadParameters(fields),
+                                     &content, true, reply);
+        TellUploadObserver(result, *reply);
+        return result;
     });
 }
 

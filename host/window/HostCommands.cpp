@@ -8,7 +8,7 @@ HostCommands CommandsIn(const HostState &state)
     HostCommands commands;
     commands.canAdd = isIdle;
     commands.canRemove = isIdle && state.selected > 0;
-    commands.canPublish = isIdle && state.hasPlugin && state.isAuthorized && state.waiting > 0;
+    commands.canPublish = isIdle && state.hasPlugin && state.isAuthorized && state.pictures > 0;
     commands.mustAuthorize = isIdle && state.hasPlugin && !state.isAuthorized;
     commands.canCancel = state.phase == RunPhase::Running || state.phase == RunPhase::Finishing;
     commands.canConfigure = isIdle && state.hasPlugin;

@@ -1,6 +1,8 @@
 // How the window uses the plug-in: between runs, in its dialogs, and in a run.
 #include "host/window/HostWindow_win32.h"
 
+#include "host/PublishedBefore.h"
+#include "host/RunCourse.h"
 #include "host/SettingsKeyMaking.h"
 #include "host/SystemWords.h"
 #include "host/TextSwitches.h"
@@ -69,7 +71,7 @@ void HostWindow::BeginUse(ItemCollection pictures)
     if (m_plugin)
     {
         m_use = std::make_unique<PluginUse>(
-            *m_plugin, m_store, std::move(pictures),
+            *m_plugin, m_store, std::move(pictures), m_journal.get(),
             [this](int level, const std::string &, const std::string &text) { m_log->Append(level, text); });
     }
 }
@@ -171,22 +173,65 @@ void HostWindow::TellOutcome(const std::wstring &verb, HRESULT result)
     }
 }
 
+void HostWindow::TellJournalNotices()
+{
+    for (const std::string &notice : m_journal ? m_journal->TakeNotices() : std::vector<std::string>())
+    {
+        m_log->Append(LOG_LEVEL_WARNING, notice);
+    }
+}
+
+void HostWindow::MarkPublishedBefore()
+{
+    if (!m_journal)
+    {
+        return;
+    }
+    const auto account = JournalAccount::Of(ParseInitData(m_store.Content()).value_or(AccountData()));
+    m_journal->Recognize(account);
+    m_pictures->MarkKnown([&](const PictureItem &item) -> std::optional<ItemEnd> {
+        const auto entry = FindPublished({item}, *m_journal, account, [] { return true; })[0];
+        if (!entry)
+        {
+            return std::nullopt;
+        }
+        return entry->outcome == JournalOutcome::Unknown ? ItemEnd::Unknown : ItemEnd::Published;
+    });
+}
+
 void HostWindow::BeginRun()
 {
-    EndUse(Storing::UnlessNewer);
+    MarkPublishedBefore();
+    const size_t unknown = m_pictures->CountOf(ItemEnd::Unknown);
+    const bool sendsUnknown = unknown != 0 && Asks(IDS_UNKNOWN_QUESTION, std::to_wstring(unknown));
+    const bool again = unknown == 0 && m_pictures->WaitingCount() == 0 && Asks(IDS_AGAIN_QUESTION);
     ItemCollection pictures;
-    pictures.items = m_pictures->BeginRun();
+    pictures.items = m_pictures->BeginRun([&](ItemEnd end) {
+        return again || end == ItemEnd::NotTried || end == ItemEnd::Failed ||
+               (sendsUnknown && end == ItemEnd::Unknown);
+    });
+    if (pictures.items.empty())
+    {
+        ShowHint();
+        return;
+    }
+    EndUse(Storing::UnlessNewer);
     Guarded([&] { BeginUse(std::move(pictures)); });
     if (!m_use)
     {
         ShowPlugin();
         return;
     }
-    m_run = std::make_unique<RunThread>(m_use->Plugin(), (*m_controls)[IDC_PROGRESS], (*m_controls)[IDC_STATUS],
-                                        m_window, RunEndMessage);
+    StartThread();
     m_phase = RunPhase::Running;
     ShutdownBlockReasonCreate(m_window, ResourceText(IDS_PUBLISHING).c_str());
     UpdateCommands();
+}
+
+void HostWindow::StartThread()
+{
+    m_run = std::make_unique<RunThread>(*m_use, (*m_controls)[IDC_PROGRESS], (*m_controls)[IDC_STATUS], m_window,
+                                        RunEndMessage);
 }
 
 void HostWindow::CancelRun()
@@ -203,6 +248,15 @@ void HostWindow::CancelRun()
 void HostWindow::OnRunEnd(HRESULT result)
 {
     m_run.reset();
+    if (m_phase == RunPhase::Running && SUCCEEDED(result))
+    {
+        m_use->Record().RunEnds();
+        if (NextRunAfter(m_use->Record(), false) == NextRun::Rest)
+        {
+            StartThread();
+            return;
+        }
+    }
     ShutdownBlockReasonDestroy(m_window);
     const bool wasCancelled = m_phase != RunPhase::Running;
     m_phase = RunPhase::Idle;
@@ -211,6 +265,7 @@ void HostWindow::OnRunEnd(HRESULT result)
         Tell(LOG_LEVEL_FATAL, IDS_NOT_STARTED, result);
     }
     m_use->RunEnds();
+    TellJournalNotices();
     m_pictures->MarkEnds(m_use->Record());
     const std::string summary = m_use->Record().Summarize(wasCancelled, SystemWordsOrNone).text;
     for (size_t begin = 0; begin < summary.size();)

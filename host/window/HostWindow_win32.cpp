@@ -30,7 +30,7 @@ struct Drop
 };
 } // namespace
 
-HostWindow::HostWindow(const Profile &profile) : m_store(profile)
+HostWindow::HostWindow(const Profile &profile) : m_profile(profile)
 {
     m_store.Load();
     const INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_LISTVIEW_CLASSES | ICC_PROGRESS_CLASS |
@@ -191,6 +191,8 @@ void HostWindow::OnCreate()
     {
         m_log->Append(LOG_LEVEL_WARNING, notice);
     }
+    Guarded([&] { m_journal = std::make_unique<Journal>(m_profile); });
+    TellJournalNotices();
     FindPlugin();
     Guarded([&] { BeginUse({}); });
     ShowPlugin();
@@ -320,19 +322,9 @@ void HostWindow::AddPictures(const std::vector<std::filesystem::path> &paths)
     // A large folder takes its time; the cursor changes back with the next move.
     SetCursor(LoadCursorW(nullptr, IDC_WAIT));
     const ItemCollection collection = CollectItems(paths, true);
-    for (const RefusedFile &refused : collection.refused)
-    {
-        m_log->Append(LOG_LEVEL_WARNING, ShownPath(refused.path) + " " + refused.reason + ".");
-    }
-    for (const auto &folder : collection.empty)
-    {
-        m_log->Append(LOG_LEVEL_WARNING, ShownPath(folder) + " contains no pictures (hidden files are skipped).");
-    }
-    for (const auto &path : collection.passedOver)
-    {
-        m_log->Append(LOG_LEVEL_INFO, ShownPath(path) + " belongs to a picture and isn't published by itself.");
-    }
+    TellOfOtherFiles(collection, [&](int level, const std::string &text) { m_log->Append(level, text); });
     m_pictures->Add(collection.items);
+    MarkPublishedBefore();
     UpdateCommands();
     ShowHint();
 }
@@ -348,8 +340,7 @@ bool HostWindow::OnClose()
     {
         return true;
     }
-    if (MessageBoxW(m_window, ResourceText(IDS_CLOSE_QUESTION).c_str(), ResourceText(IDS_TITLE).c_str(),
-                    MB_YESNO | MB_ICONQUESTION) == IDYES)
+    if (Asks(IDS_CLOSE_QUESTION))
     {
         if (m_phase == RunPhase::Idle) // it ended while the question stood
         {
@@ -361,6 +352,12 @@ bool HostWindow::OnClose()
         UpdateCommands();
     }
     return false;
+}
+
+bool HostWindow::Asks(unsigned question, const std::wstring &number) const
+{
+    return MessageBoxW(m_window, ResourceText(question, number).c_str(), ResourceText(IDS_TITLE).c_str(),
+                       MB_YESNO | MB_ICONQUESTION) == IDYES;
 }
 
 void HostWindow::OnDestroy()

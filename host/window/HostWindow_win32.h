@@ -1,6 +1,7 @@
 // The window of the host: a list of pictures, the plug-in that publishes them, and the log.
 #pragma once
 
+#include "host/Journal.h"
 #include "host/Profile.h"
 #include "host/window/HostCommands.h"
 #include "host/window/HostControls_win32.h"
@@ -52,7 +53,12 @@ private:
     void Configure();
     void TellOutcome(const std::wstring &verb, HRESULT result);
 
+    void TellJournalNotices();
+    // Marks the pictures that the journal knows.
+    void MarkPublishedBefore();
+    bool Asks(unsigned question, const std::wstring &number = {}) const;
     void BeginRun();
+    void StartThread();
     void CancelRun();
     void OnRunEnd(HRESULT result);
 
@@ -62,7 +68,9 @@ private:
     void Tell(int level, unsigned text);
     void Tell(int level, unsigned text, HRESULT code);
 
-    InitDataStore m_store;
+    const Profile m_profile;
+    InitDataStore m_store{m_profile};
+    std::unique_ptr<Journal> m_journal; // null if it can't be used
     HWND m_window = nullptr;
     HWND m_focus = nullptr; // the control that had it when the window was left
     std::optional<HostControls> m_controls;

@@ -152,9 +152,9 @@ void PictureList::Show(Picture &picture, HBITMAP thumbnail)
     if (picture.end != ItemEnd::NotTried || picture.isUploading)
     {
         DrawBadge(thumbnail, m_edge,
-                  picture.isUploading                 ? Badge::Uploading
-                  : picture.end == ItemEnd::Published ? Badge::Published
-                                                      : Badge::Failed);
+                  picture.isUploading                                                     ? Badge::Uploading
+                  : picture.end == ItemEnd::Published || picture.end == ItemEnd::HandedIn ? Badge::Published
+                                                                                          : Badge::Failed);
     }
     if (picture.image == 0 && !m_freeImages.empty())
     {
@@ -177,24 +177,37 @@ void PictureList::Show(Picture &picture, HBITMAP thumbnail)
     ListView_RedrawItems(m_view, row.iItem, row.iItem);
 }
 
-size_t PictureList::WaitingCount() const
+void PictureList::MarkKnown(const std::function<std::optional<ItemEnd>(const PictureItem &)> &endBefore)
 {
-    return static_cast<size_t>(std::count_if(m_pictures.begin(), m_pictures.end(), IsWaiting));
+    for (Picture &picture : m_pictures)
+    {
+        const auto end = picture.end == ItemEnd::NotTried ? endBefore(picture.item) : std::nullopt;
+        if (end)
+        {
+            picture.end = *end;
+            Show(picture, CopyOf(m_images, picture.image, m_edge).Get());
+        }
+    }
 }
 
-std::vector<PictureItem> PictureList::BeginRun()
+size_t PictureList::CountOf(ItemEnd end) const
 {
-    std::vector<PictureItem> waiting;
+    return static_cast<size_t>(std::ranges::count(m_pictures, end, &Picture::end));
+}
+
+std::vector<PictureItem> PictureList::BeginRun(const std::function<bool(ItemEnd)> &isChosen)
+{
+    std::vector<PictureItem> chosen;
     m_run.clear();
     for (const Picture &picture : m_pictures)
     {
-        if (IsWaiting(picture))
+        if (isChosen(picture.end))
         {
             m_run.push_back(static_cast<size_t>(RowOf(picture)));
-            waiting.push_back(picture.item);
+            chosen.push_back(picture.item);
         }
     }
-    return waiting;
+    return chosen;
 }
 
 void PictureList::MarkEnds(const RunRecord &record)

@@ -8,7 +8,9 @@
 #include <windows.h>
 #include <commctrl.h>
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,13 +34,19 @@ public:
     size_t Count() const { return m_pictures.size(); }
     size_t SelectedCount() const;
 
+    // Marks those of the pictures that aren't published whose end before is known.
+    void MarkKnown(const std::function<std::optional<ItemEnd>(const PictureItem &)> &endBefore);
+
+    // How many pictures have that end.
+    size_t CountOf(ItemEnd end) const;
+
     // The pictures that are still to be published. One whose outcome is unknown isn't among them: sending it
     // again could publish it twice.
-    size_t WaitingCount() const;
+    size_t WaitingCount() const { return CountOf(ItemEnd::NotTried) + CountOf(ItemEnd::Failed); }
 
-    // The items of those pictures, in the list's order, for a run that begins. The list must not change during
-    // the run.
-    std::vector<PictureItem> BeginRun();
+    // The items of pictures whose end is chosen, in the list's order, for a run that begins. The list must not change
+    // during the run.
+    std::vector<PictureItem> BeginRun(const std::function<bool(ItemEnd)> &isChosen);
 
     // Marks what became of the items of BeginRun so far, and the one that is being uploaded.
     void MarkEnds(const RunRecord &record);
@@ -57,10 +65,6 @@ private:
         bool isUploading = false;
     };
 
-    static bool IsWaiting(const Picture &picture)
-    {
-        return picture.end == ItemEnd::NotTried || picture.end == ItemEnd::Failed;
-    }
     void Insert(const PictureItem &item, const std::filesystem::path &identity);
     Picture *Find(int number);
     // Takes the thumbnail, and puts on it the badge of what became of the picture.

@@ -3,6 +3,7 @@
 
 #include "host/PluginSession.h"
 #include "host/PublishingHost.h"
+#include "host/RunJournal.h"
 #include "host/RunRecord.h"
 
 #include "HVRPublishToFlickr.h"
@@ -15,13 +16,14 @@
 class PluginUse
 {
 public:
-    // Throws ProfileError, or the HRESULT of a plug-in that can't be created or initialized.
-    PluginUse(const CLSID &plugin, InitDataStore &store, ItemCollection pictures, LogSink log);
+    // journal may be null. Throws ProfileError, or the HRESULT of a plug-in that can't be created or initialized.
+    PluginUse(const CLSID &plugin, InitDataStore &store, ItemCollection pictures, Journal *journal, LogSink log);
 
     IHalvoraPublishingPlugin &Plugin() const { return *m_session.Plugin(); }
+    PublishingHost &Host() const { return *m_host.Get(); }
     RunRecord &Record() { return m_record; }
 
-    // The run is over: ends the host's own work ahead.
+    // The plug-in's last run is over: ends the host's own work ahead.
     void RunEnds();
 
     // The use is over; see PluginSession.
@@ -29,6 +31,7 @@ public:
 
 private:
     RunRecord m_record;
+    RunJournal m_journal;
     ComPtr<PublishingHost> m_host;
     PluginSession m_session;
 };
@@ -39,7 +42,7 @@ class RunThread
 public:
     // Starts. The plug-in shows its progress in bar and status; when Publish has returned, endMessage is
     // posted to the window with the result as wParam.
-    RunThread(IHalvoraPublishingPlugin &plugin, HWND bar, HWND status, HWND window, UINT endMessage);
+    RunThread(PluginUse &use, HWND bar, HWND status, HWND window, UINT endMessage);
 
     // Only after endMessage has come: the plug-in waits for the window's thread whenever it sends to it.
     ~RunThread() { m_thread.join(); }

@@ -47,12 +47,25 @@ TEST(CommandLineTest, ReadsEveryCommand)
     EXPECT_THAT(Parsed({"account", "--set-token", "-"}).setToken, ElementsAre("-"));
     EXPECT_TRUE(Parsed({"account"}).setToken.empty());
     EXPECT_EQ(Parsed({"authorize"}).command, Command::Authorize);
+    const CommandLine list = Parsed({"publish", "--files-from", "-", "-0", "--porcelain", "-n", "--again",
+                                     "--keep-trying", "--unknown", "send", "--set", "A=1", "--set", "B=2"});
+    EXPECT_EQ(list.filesFrom, "-");
+    EXPECT_TRUE(list.endsWithZero && list.porcelain && list.dryRun && list.again && list.keepTrying);
+    EXPECT_EQ(list.unknown, UnknownChoice::Send);
+    EXPECT_THAT(list.assignments, ElementsAre("A=1", "B=2"));
+    EXPECT_THAT(Parsed({"publish", "--set", "A=1", "a.jpg"}).paths, ElementsAre("a.jpg"));
+    const CommandLine history = Parsed({"history", "--json", "--refresh", "-n", "3", "a.jpg"});
+    EXPECT_EQ(history.command, Command::History);
+    EXPECT_TRUE(history.json && history.refresh);
+    EXPECT_EQ(history.count, 3u);
+    EXPECT_THAT(history.paths, ElementsAre("a.jpg"));
 }
 
 TEST(CommandLineTest, WrongCallsEndInWords)
 {
     EXPECT_TRUE(Ended({}).isError);
-    EXPECT_TRUE(Ended({"publish"}).isError);
+    EXPECT_THAT(Ended({"publish"}).text, HasSubstr("--files-from"));
+    EXPECT_TRUE(Ended({"publish", "--unknown", "maybe", "a"}).isError);
     EXPECT_TRUE(Ended({"publish", "-q", "-v", "a"}).isError);
     EXPECT_TRUE(Ended({"nonsense"}).isError);
     EXPECT_THAT(Ended({"nonsense"}).text, HasSubstr("--help lists"));

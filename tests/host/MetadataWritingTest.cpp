@@ -212,6 +212,5 @@ TEST_F(MetadataWriting, APictureComesWithItsRecord)
     EXPECT_LT(m_host->ReadImageMetadata(cut.c_str(), 0, 32, source.Put(), READ_METADATA_AND_PICTURE, other.Get()),
               0);
     EXPECT_FALSE(source);
-    EXPECT_THAT(m_log, Contains(HasSubstr("cut.jpg is ")));
     EXPECT_EQ(other.Get()->CopyrightTexts[1], nullptr);
 }

@@ -1,8 +1,10 @@
 #include "host/PublishingHost.h"
 
+#include "tests/doubles/ReplyDocuments.h"
 #include "tests/host/TemporaryFolder.h"
 
 #include "host/FileNames.h"
+#include "host/UploadObservation.h"
 
 #include "com/BstrOwner.h"
 #include "com/ComObject.h"
@@ -124,6 +126,67 @@ TEST_F(PublishingHostTest, LogEntriesReachSinkAndRecord)
     EXPECT_THAT(m_log, ElementsAre("3 Flickr: größe", "1 : "));
     m_record.RunEnds();
     EXPECT_EQ(m_record.EndOf(1), ItemEnd::Failed);
+}
+
+// The web component creates the class of the observer; what it gets is the host of the run.
+TEST_F(PublishingHostTest, LearnsFromTheWebComponentWhatTheServiceGave)
+{
+    const struct
+    {
+        HRESULT result;
+        const WCHAR *reply;
+        ServiceIds ids;
+    } cases[] = {
+        {S_OK, TEXT("<rsp stat=\"ok\"><photoid>53-1</photoid></rsp>"), {"53-1", ""}},
+        {S_OK, TEXT("<rsp stat=\"ok\"><ticketid>2830-7</ticketid></rsp>"), {"", "2830-7"}},
+        {S_OK, TEXT("<rsp stat=\"fail\"><photoid>1</photoid><err code=\"5\" msg=\"no\"/></rsp>"), {}},
+        {E_FAIL, TEXT("<HttpError HttpStatus=\"503\"/>"), {}},
+        {E_FAIL, nullptr, {}},
+    };
+    const auto create = [](ComPtr<IUploadObserver> &observer) {
+        return CoCreateInstance(CLSID_UploadObserver, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IUploadObserver),
+                                observer.PutVoid());
+    };
+    for (const auto &one : cases)
+    {
+        const UploadObservation observed(*m_host.Get());
+        ComPtr<IUploadObserver> observer;
+        ASSERT_EQ(create(observer), S_OK);
+        ItemRecord record = {};
+        m_record.TryAgain(1);
+        m_host->GetItemRecord(2, &record);
+        const BstrOwner path = BstrOwner::Adopt(record.Path);
+        const BstrOwner extensions = BstrOwner::Adopt(record.Extensions);
+        EXPECT_EQ(observer->OnUploadReply(one.result, one.reply ? MakeDocument(one.reply).Get() : nullptr), S_OK);
+        EXPECT_EQ(m_record.IdsOf(1).photo, one.ids.photo);
+        EXPECT_EQ(m_record.IdsOf(1).ticket, one.ids.ticket);
+    }
+    ComPtr<IUploadObserver> observer;
+    EXPECT_EQ(create(observer), REGDB_E_CLASSNOTREG) << "the run is over";
+}
+
+TEST_F(PublishingHostTest, StopsWhereThereIsNoConnection)
+{
+    int stops = 0;
+    m_host->StopBy(2, [&] { ++stops; });
+    for (const UINT64 item : {1, 2})
+    {
+        ItemRecord record = {};
+        m_host->GetItemRecord(item, &record);
+        const BstrOwner path = BstrOwner::Adopt(record.Path);
+        const BstrOwner extensions = BstrOwner::Adopt(record.Extensions);
+        EXPECT_EQ(stops, 0);
+        m_host->WriteLogEntry(3, TEXT("Flickr"), TEXT("\"p\" (Error code: 0x80072efd) No connection, refused."));
+    }
+    EXPECT_EQ(stops, 1);
+    m_record.RunEnds();
+    INT32 count = -1;
+    HGLOBAL list = nullptr;
+    m_record.TryAgain(1);
+    EXPECT_EQ(m_host->GetItemList(&count, &list), S_OK);
+    ASSERT_EQ(count, 1) << "what was tried isn't in the next run's list";
+    EXPECT_EQ(*static_cast<const UINT64 *>(GlobalLock(list)), 2u);
+    GlobalUnlock(list);
 }
 
 TEST_F(PublishingHostTest, WaitsAsTheServiceAsksWhereAnotherItemFollows)

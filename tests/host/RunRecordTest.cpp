@@ -88,7 +88,7 @@ TEST(RunRecord, AnOutcomeThatNobodyKnowsIsNotCalledAFailure)
     EXPECT_EQ(record.EndOf(0), ItemEnd::Unknown);
     const RunSummary summary = record.Summarize(true, Words);
     EXPECT_EQ(summary.text,
-              "Published 1 of 3 pictures. 1 file was not uploaded:\n"
+              "Published 1 of 3 pictures. 1 file was not tried:\n"
               "  /p/2.jpg: not tried, the run was cancelled\n"
               "1 file may be published or not; look at Flickr before you publish it again:\n"
               "  /p/0.jpg: Sent but not answered, the picture may or may not have arrived. It is not "
@@ -105,7 +105,12 @@ TEST(RunRecord, TheCommonestErrorsSayWhatToDoOnce)
                                              : "";
     };
     const std::pair<const char *, const char *> cases[] = {
+        {"Flickr Status = 6: User exceeded upload limit", "when there is space again"},
+        {"Flickr Status = 96: Invalid signature", "Check the clock"},
         {"Flickr Status = 98: Invalid auth token", "halvora authorize"},
+        {"Flickr Status = 99: Insufficient permissions", "halvora authorize"},
+        {"Flickr Status = 100: Invalid API Key", "a key of your own"},
+        {"Flickr Status = 105: Service currently unavailable", "later"},
         {"HTTP Status = 401: Unauthorized, fault", "halvora authorize"},
         {"HTTP Status = 403: Forbidden", "halvora authorize"},
         {"HTTP Status = 429: Too Many Requests", "Wait some minutes"},
@@ -132,6 +137,62 @@ TEST(RunRecord, TheCommonestErrorsSayWhatToDoOnce)
         EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), advice ? 4 : 3) << text;
         EXPECT_THAT(text.substr(line), HasSubstr(advice ? advice : "  /p/1.jpg: ")) << text;
     }
+}
+
+TEST(RunRecord, OfManyThatWereNotTriedTheCountIsEnough)
+{
+    for (const size_t left : {10u, 11u})
+    {
+        RunRecord record(Items(left + 1));
+        record.ItemBegins(0);
+        record.NoteEntry(4, "Could not publish \"/p/0.jpg\" (Error code: 0x80004005) Flickr Status = 3: no");
+        record.RunEnds();
+        const std::string text = record.Summarize(false, Words).text;
+        EXPECT_EQ(text.find("11 files were not tried.\n") != text.npos, left == 11) << text;
+        EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), left == 11 ? 3 : 13) << text;
+    }
+}
+
+TEST(RunRecord, WhatTheServiceGaveAndWhatWasLeftOutIsTold)
+{
+    ItemCollection collection = Items(2);
+    collection.leftOut.push_back({"/p/old.jpg", "was published on a day"});
+    RunRecord record(std::move(collection));
+    record.ItemBegins(0);
+    record.NoteEntry(3, "a complaint that an upload followed");
+    record.NoteIds({"7", ""});
+    EXPECT_EQ(record.EndOf(0), ItemEnd::Published) << "already";
+    record.ItemBegins(1);
+    record.NoteIds({"", "ticket"});
+    record.RunEnds();
+    EXPECT_EQ(record.EndOf(1), ItemEnd::HandedIn);
+    const RunSummary summary = record.Summarize(false, Words);
+    EXPECT_EQ(summary.text,
+              "Published 1 of 2 pictures. Handed in 1 picture, which Flickr publishes in its own time, or "
+              "refuses.\n1 picture is on the account already and was left out.\n");
+    EXPECT_EQ(summary.exitCode, ExitCode::Success);
+
+    collection = ItemCollection();
+    collection.leftOut.push_back({"/p/old.jpg", "was published on a day"});
+    collection.undecided.push_back({"/p/0.jpg", "was being sent"});
+    EXPECT_EQ(RunRecord(collection).Summarize(false, Words).exitCode, ExitCode::SomeFailed);
+    collection.undecided.clear();
+    EXPECT_EQ(RunRecord(collection).Summarize(false, Words).exitCode, ExitCode::Success);
+}
+
+TEST(RunRecord, TheDecodersReasonIsToldIfItIsWhatFailed)
+{
+    RunRecord record(Items(2));
+    for (const size_t item : {0u, 1u})
+    {
+        record.ItemBegins(item);
+        record.NoteFault(static_cast<HRESULT>(0x88982F60), "ends in the middle");
+        record.NoteEntry(3, std::string("Could not publish \"p\" (Error code: ") +
+                                (item == 0 ? "0x88982f60) " : "0x80070005) "));
+    }
+    record.RunEnds();
+    EXPECT_EQ(record.ReasonOf(0, Words), "ends in the middle; copy the file again from its source");
+    EXPECT_EQ(record.ReasonOf(1, Words), "Access is denied. (0x80070005)");
 }
 
 TEST(RunRecord, ACancelThatCameTooLateIsNoFailure)

@@ -41,7 +41,7 @@ TEST(HostCommands, FollowWhatThereIs)
     } cases[] = {
         {"ready", Ready, "arps", IDS_MANY_READY},
         {"one left", With(Ready, [](HostState &s) { s.waiting = 1; }), "arps", IDS_ONE_READY},
-        {"all up", With(Ready, [](HostState &s) { s.waiting = 0; }), "ars", IDS_ALL_UP},
+        {"all up", With(Ready, [](HostState &s) { s.waiting = 0; }), "arps", IDS_ALL_UP},
         {"nothing selected", With(Ready, [](HostState &s) { s.selected = 0; }), "aps", IDS_MANY_READY},
         {"empty", With(Ready, [](HostState &s) { s.pictures = s.selected = s.waiting = 0; }), "as",
          IDS_NO_PICTURES},

@@ -50,7 +50,7 @@ protected:
     {
         const auto file = m_folder.Path() / name;
         std::filesystem::create_directories(file.parent_path());
-        MakeSample(file, 300, 200);
+        MakeSample(file, 300 + m_made++, 200); // each its own bytes
         return file;
     }
     std::filesystem::path Profile() const { return m_folder.Path() / "profile"; }
@@ -72,6 +72,7 @@ protected:
     void LetOnePictureEnd() const { SetEvent(m_next.Get()); }
 
     TemporaryFolder m_folder;
+    mutable int m_made = 0;
     const FileOwner m_next{CreateEventW(nullptr, FALSE, FALSE, NextPicture)};
 };
 
@@ -283,6 +284,34 @@ TEST_F(HostRun, PublishesAndMarksWhatBecameOfEach)
     EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Picture 1 of 1"));
     LetOnePictureEnd();
     EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Trial done."));
+}
+
+TEST_F(HostRun, LeavesOutWhatAnotherWindowPublished)
+{
+    Authorize();
+    const std::vector<std::filesystem::path> one = {Sample("one.jpg")};
+    const auto publish = [&](const HostProgram &host) {
+        ASSERT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
+        host.Press(IDC_PUBLISH);
+    };
+    {
+        const HostProgram host(Profile(), one);
+        publish(host);
+        ASSERT_TRUE(host.AwaitText(IDC_STATUS, L"Picture 1 of 1"));
+        LetOnePictureEnd();
+        ASSERT_TRUE(host.AwaitText(IDC_STATUS, L"Trial done."));
+    }
+    {
+        const HostProgram host(Profile(), one);
+        EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Nothing here is left"));
+        publish(host);
+        const HWND question = host.AwaitQuestion();
+        ASSERT_NE(question, nullptr) << "published again without a word";
+        PostMessageW(question, WM_COMMAND, IDYES, 0);
+        ASSERT_TRUE(host.AwaitText(IDC_STATUS, L"Picture 1 of 1"));
+    } // ends the program in the middle
+    const HostProgram host(Profile(), {one[0], Sample("two.jpg")});
+    EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"1 picture to publish"));
 }
 
 TEST_F(HostRun, IsCancelledInTwoSteps)

@@ -206,5 +206,5 @@ states_are 'denied/none pending/none'
 authorize Allow
 key Enter
 ends_with 0
-expect 0 publish "$work/blank.jpg"
+expect 0 publish --again "$work/blank.jpg"
 echo 'The user has granted, and published.'

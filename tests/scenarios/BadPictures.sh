@@ -84,7 +84,7 @@ for mode in 0 1 2; do
     start_service "$bin/flickr-loopback" "store$mode" --token tok:sec
     set_token
     expect 0 settings JPEGMode=$mode
-    expect 1 publish "${names[@]}"
+    expect 1 publish --again "${names[@]}"
     ! grep -qE 'Sanitizer|runtime error' "$work/out" || fail "mode $mode: a fault of memory"
     ! grep -q ': \.$' "$work/out" || fail "mode $mode: a reason without words"
     good=0
@@ -106,7 +106,7 @@ mode='1, and files that change'
 start_service "$bin/flickr-loopback" store-slow --token tok:sec --fault 'kind=delay&ms=1500&target=upload'
 for name in vanishing folder pipe; do cp good.jpg $name.jpg; done
 expect 0 settings JPEGMode=1
-start_run "$bin/halvora" --profile "$work/profile" publish good.jpg vanishing.jpg folder.jpg pipe.jpg progressive.jpg
+start_run "$bin/halvora" --profile "$work/profile" publish --again good.jpg vanishing.jpg folder.jpg pipe.jpg progressive.jpg
 await_words 'Publishing ".*good.jpg'
 rm vanishing.jpg folder.jpg pipe.jpg
 mkdir folder.jpg

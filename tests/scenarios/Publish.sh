@@ -88,7 +88,7 @@ says 'is stored as "1.024 px" and means 1 px here: 1 pixel. In a language with t
 language=C expect 1 publish raw.jpg
 says 'would make pictures at most 1 pixel long. Nothing was sent.'
 [ "$(uploads | jq length)" = 0 ] || fail 'a picture of one pixel was sent'
-language=C expect 0 publish --allow-small raw.jpg
+language=C expect 0 publish --again --allow-small raw.jpg
 language=C expect 0 settings JPEGLongDimension= JPEGMode=0
 stop_service
 
@@ -104,7 +104,7 @@ says 'No space left on device'
 # A termination reaches a transfer whose answer doesn't come; what was not tried is named.
 # A hangup that was ignored at the start, as under nohup, changes nothing.
 start_service "$bin/flickr-loopback" store2 --token tok:sec --fault 'kind=delay&ms=60000&target=upload'
-start_run env --ignore-signal=HUP "$bin/halvora" --profile "$work/profile" publish raw.jpg "$first"
+start_run env --ignore-signal=HUP "$bin/halvora" --profile "$work/profile" publish --again raw.jpg "$first"
 await_words 'Publishing "'
 kill -HUP "$run"
 sleep 0.5

@@ -154,7 +154,7 @@ sees '[x] Further reduce the upload size'
 key Enter
 closed 0
 stored JPEGMinimize=1 AsyncUpload=1
-expect 0 publish "$work/picture.jpg"
+expect 0 publish --again "$work/picture.jpg"
 [ "$(field async)" = 1 ] || fail 'the upload was not asynchronous'
 arrived '320 x 213' '2 2' 08
 

@@ -1,5 +1,6 @@
 // The client by itself: what it hands to a transport, and what it makes of what comes back.
 #include "com/BstrOwner.h"
+#include "tests/doubles/ClassInPlace.h"
 #include "tests/webclient/ClientUse.h"
 #include "tests/webclient/ScriptedStream.h"
 #include "webclient/OAuthWebClient.h"
@@ -124,6 +125,39 @@ TEST_F(OAuthWebClientTest, MethodIsCalledByASignedForm)
     EXPECT_TRUE(IsSignedRight(request.Header("Authorization"), "POST", request.url, ParseForm(request.body),
                               "token-secret"));
     EXPECT_TRUE(request.isSmall);
+}
+
+namespace
+{
+class HostsObserver final : public ComObject<HostsObserver, IUploadObserver>
+{
+public:
+    STDMETHODIMP OnUploadReply(HRESULT result, IUnknown *reply) noexcept override
+    {
+        results.push_back(result);
+        replies.emplace_back(reply);
+        return E_FAIL; // which is nothing to the upload
+    }
+
+    std::vector<HRESULT> results;
+    std::vector<ComPtr<IUnknown>> replies;
+};
+} // namespace
+
+TEST_F(OAuthWebClientTest, AHostThatRegistersAnObserverLearnsWhatBecameOfUploads)
+{
+    const auto observer = HostsObserver::Make();
+    const ClassInPlace registered(
+        CLSID_UploadObserver, [&](REFIID iid, void **object) { return observer->QueryInterface(iid, object); });
+    m_transport->replies.push_back({503, "Busy", ""});
+    const std::vector<HRESULT> results = {UploadText("one"), UploadText("two")};
+    EXPECT_EQ(results[0], S_OK);
+    EXPECT_EQ(observer->results, results);
+    EXPECT_EQ(DocumentText(observer->replies.at(0).Get(), "/rsp/photoid"), "17");
+    EXPECT_EQ(DocumentText(observer->replies.at(1).Get(), "/HttpError/@HttpStatus"), "503");
+    ComPtr<IUnknown> reply;
+    m_client->RestRequest(nullptr, TEXT("GET"), nullptr, nullptr, 0, reply.Put());
+    EXPECT_EQ(observer->results.size(), 2u) << "not of other requests";
 }
 
 struct RefusalCase

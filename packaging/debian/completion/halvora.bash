@@ -11,8 +11,10 @@ _halvora() {
     done
     local words
     case $command in
-    '') words='authorize publish status settings account --profile --help --version' ;;
-    publish) words='--recursive --quiet --verbose --allow-small --profile --help' ;;
+    '') words='authorize publish history status settings account --profile --help --version' ;;
+    publish) words='--recursive --files-from --null --dry-run --again --unknown --keep-trying --set --porcelain --quiet --verbose
+        --allow-small --profile --help' ;;
+    history) words='--count --json --refresh --profile --help' ;;
     settings)
         words=$(halvora settings 2>/dev/null </dev/null | sed -n 's/=.*/=/p')
         [[ $words != *"$word"* ]] || compopt -o nospace

@@ -1,7 +1,8 @@
 # What fish offers behind "halvora".
-set -l commands authorize publish status settings account
+set -l commands authorize publish history status settings account
 complete -c halvora -n "not __fish_seen_subcommand_from $commands" -f -a authorize -d 'Ask for your permission'
 complete -c halvora -n "not __fish_seen_subcommand_from $commands" -f -a publish -d 'Upload pictures'
+complete -c halvora -n "not __fish_seen_subcommand_from $commands" -f -a history -d 'List what was published'
 complete -c halvora -n "not __fish_seen_subcommand_from $commands" -f -a status -d 'Show what the next publish will do'
 complete -c halvora -n "not __fish_seen_subcommand_from $commands" -f -a settings -d 'Open the sheet, list or change settings'
 complete -c halvora -n "not __fish_seen_subcommand_from $commands" -f -a account -d 'Show the account'
@@ -11,6 +12,17 @@ complete -c halvora -n "__fish_seen_subcommand_from publish" -s r -l recursive -
 complete -c halvora -n "__fish_seen_subcommand_from publish" -s q -l quiet -d 'Show only warnings, errors and the summary'
 complete -c halvora -n "__fish_seen_subcommand_from publish" -s v -l verbose -d 'Show details too'
 complete -c halvora -n "__fish_seen_subcommand_from publish" -l allow-small -d 'Upload even pictures of less than 64 pixels'
+complete -c halvora -n "__fish_seen_subcommand_from publish" -l files-from -r -d 'Upload the files that a list names'
+complete -c halvora -n "__fish_seen_subcommand_from publish" -s 0 -l null -d 'Lines end with a zero byte'
+complete -c halvora -n "__fish_seen_subcommand_from publish" -s n -l dry-run -d 'Show what would be uploaded'
+complete -c halvora -n "__fish_seen_subcommand_from publish" -l again -d 'Upload also what is on the account already'
+complete -c halvora -n "__fish_seen_subcommand_from publish" -l unknown -x -a 'skip send' -d 'Pictures that may be published or not'
+complete -c halvora -n "__fish_seen_subcommand_from publish" -l keep-trying -d 'Wait while Flickr cannot be reached'
+complete -c halvora -n "__fish_seen_subcommand_from publish" -l set -x -d 'A setting for this run alone'
+complete -c halvora -n "__fish_seen_subcommand_from publish" -l porcelain -d 'Write a line for each picture'
+complete -c halvora -n "__fish_seen_subcommand_from history" -s n -l count -x -d 'Show so many at most'
+complete -c halvora -n "__fish_seen_subcommand_from history" -l json -d 'Write JSON'
+complete -c halvora -n "__fish_seen_subcommand_from history" -l refresh -d 'Ask about pictures that were handed in'
 complete -c halvora -n "__fish_seen_subcommand_from settings" -f -a "(halvora settings 2>/dev/null </dev/null | string match -r '^[A-Za-z]+=')"
 complete -c halvora -n "__fish_seen_subcommand_from account" -l refresh -d 'Ask Flickr about it'
 complete -c halvora -n "__fish_seen_subcommand_from account" -l set-token -d 'Store an access token'

@@ -1,0 +1,25 @@
+#include "host/FileDigest.h"
+
+#include "host/HexDigits.h"
+
+#include <openssl/evp.h>
+
+#include <array>
+#include <memory>
+#include <new>
+
+std::string Sha256OfChunks(const std::function<std::string_view()> &next)
+{
+    const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context(EVP_MD_CTX_new(), EVP_MD_CTX_free);
+    if (!context || EVP_DigestInit_ex(context.get(), EVP_sha256(), nullptr) != 1)
+    {
+        throw std::bad_alloc();
+    }
+    for (std::string_view chunk = next(); !chunk.empty(); chunk = next())
+    {
+        EVP_DigestUpdate(context.get(), chunk.data(), chunk.size());
+    }
+    std::array<unsigned char, 32> digest{};
+    EVP_DigestFinal_ex(context.get(), digest.data(), nullptr);
+    return HexDigits(digest);
+}
