@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 enum class ColourKind
@@ -22,3 +23,7 @@ enum class ProfileIntent
 // if the profile can do that. Nothing if it can't be used: it is of another kind, as programs leave it that turn a
 // picture gray, or it is damaged.
 std::optional<ProfileIntent> IntentFor(std::string_view profile, ColourKind kind);
+
+// The profile of Adobe RGB (1998), for pictures that name it and don't hold it. Empty if there isn't the memory for
+// it. Any thread.
+const std::string &AdobeRgbProfile();

@@ -1,14 +1,13 @@
 #include "host/CopiedBlocks.h"
 
+#include "host/ExifTags.h"
+
 #include "com/Hresult.h"
 
 #include <string>
 
 namespace
 {
-constexpr WORD OrientationTag = 274;
-constexpr WORD MakerNoteTag = 37500;
-
 // Copies of other blocks, layers and directories of small pictures that lie in IFD0.
 constexpr WORD CopiesInMain[] = {700, 33723, 34377, 37724};
 
@@ -50,7 +49,7 @@ void CopiedBlocks::RemoveEach(const WideText &path, Name name)
 UINT16 CopiedBlocks::Orientation()
 {
     PROPVARIANT value = {};
-    const WideText path = ExifPath(ExifField::Directory::Main, OrientationTag);
+    const WideText path = ExifPath(ExifField::Directory::Main, ExifTag::Orientation);
     const HRESULT result = m_writer.GetMetadataByName(path.c_str(), &value);
     const UINT16 orientation = SUCCEEDED(result) && value.vt == VT_UI2 ? value.uiVal : UINT16{0};
     PropVariantClear(&value);
@@ -90,5 +89,5 @@ void CopiedBlocks::RemoveExif()
 
 bool CopiedBlocks::RemoveMakerNote()
 {
-    return Remove(ExifPath(ExifField::Directory::Exif, MakerNoteTag));
+    return Remove(ExifPath(ExifField::Directory::Exif, ExifTag::MakerNote));
 }

@@ -2,6 +2,7 @@
 
 #include "host/DcfColours.h"
 #include "host/ExifFieldValue.h"
+#include "host/ExifTags.h"
 #include "host/MetadataTexts.h"
 #include "host/SnapshotFields.h"
 
@@ -26,15 +27,6 @@ constexpr WideView XmpPaths[] = {TEXT("/xmp"), TEXT("/ifd/xmp")};
 constexpr WideView IptcPaths[] = {TEXT("/app13/irb/8bimiptc/iptc"), TEXT("/ifd/iptc"),
                                   TEXT("/ifd/irb/8bimiptc/iptc")};
 constexpr WideView CommentPaths[] = {TEXT("/com")};
-
-namespace Tag
-{
-constexpr WORD InteroperabilityIndex = 1;
-constexpr WORD Orientation = 274;
-constexpr WORD Rating = 18246;
-constexpr WORD UserComment = 37510;
-constexpr WORD ColorSpace = 40961;
-} // namespace Tag
 
 // Ends the reading of a list that a crafted file makes endless.
 constexpr int MostElements = 1000;
@@ -225,7 +217,7 @@ public:
     WideText ExifUserComment() const override
     {
         QueryValue value;
-        value.Read(m_reader, ExifPaths, FieldItem(Tag::UserComment));
+        value.Read(m_reader, ExifPaths, FieldItem(ExifTag::UserComment));
         const auto bytes = value.Bytes();
         // A query doesn't say which byte order the file has.
         return bytes ? CharsetTextOfBytes(*bytes, ByteOrder16::LittleEndian) : value.Wide().value_or(WideText());
@@ -234,7 +226,7 @@ public:
     std::optional<long> ExifRating() const override
     {
         QueryValue value;
-        value.Read(m_reader, MainPaths, FieldItem(Tag::Rating));
+        value.Read(m_reader, MainPaths, FieldItem(ExifTag::Rating));
         return value.Number();
     }
 
@@ -285,7 +277,7 @@ void ReadFields(IWICMetadataQueryReader &reader, BlockPaths blocks, ExifField::D
 UINT16 ReadFrameOrientation(IWICMetadataQueryReader &reader)
 {
     QueryValue value;
-    value.Read(reader, MainPaths, FieldItem(Tag::Orientation));
+    value.Read(reader, MainPaths, FieldItem(ExifTag::Orientation));
     const long orientation = value.Number().value_or(1);
     return orientation >= 1 && orientation <= 8 ? static_cast<UINT16>(orientation) : UINT16{1};
 }
@@ -294,8 +286,8 @@ bool IsFrameInAdobeRgb(IWICMetadataQueryReader &reader)
 {
     QueryValue space;
     QueryValue index;
-    space.Read(reader, ExifPaths, FieldItem(Tag::ColorSpace));
-    index.Read(reader, InteropPaths, FieldItem(Tag::InteroperabilityIndex));
+    space.Read(reader, ExifPaths, FieldItem(ExifTag::ColorSpace));
+    index.Read(reader, InteropPaths, FieldItem(ExifTag::InteroperabilityIndex));
     return IsAdobeRgb(space.Number().value_or(0), Utf8FromText(FirstOf(index.Texts())));
 }
 

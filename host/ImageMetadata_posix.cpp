@@ -2,6 +2,7 @@
 
 #include "host/DcfColours.h"
 #include "com/ErrnoCodes_posix.h"
+#include "host/ExifTags.h"
 #include "host/ExtendedXmp_posix.h"
 #include "host/MetadataTexts.h"
 #include "host/SnapshotFields.h"
@@ -205,7 +206,7 @@ private:
     {
         using enum ExifField::Directory;
         const std::string group = datum.groupName();
-        if (group == "Image" && datum.tag() == 274 && datum.count() > 0)
+        if (group == "Image" && datum.tag() == ExifTag::Orientation && datum.count() > 0)
         {
             const long orientation = datum.toLong();
             m_groups.orientation = static_cast<UINT16>(orientation >= 1 && orientation <= 8 ? orientation : 1);

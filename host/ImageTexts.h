@@ -32,6 +32,8 @@ struct ImageTexts
     WideText copyright;
     WideText credit;
     std::array<WideText, 32> places; // further texts of the record's IPTC group, by number (IptcTexts.h)
+
+    bool operator==(const ImageTexts &) const = default;
 };
 
 // The keywords of a record: joined with ";". A ";" inside a keyword becomes ",", so that it stays one

@@ -11,6 +11,18 @@ struct IptcDataset
     const WCHAR *name; // of the query "/app13/irb/8bimiptc/iptc/{str=...}"; null for no dataset
 };
 
+namespace Dataset
+{
+inline constexpr IptcDataset ObjectName = {5, TEXT("Object Name")};
+inline constexpr IptcDataset Urgency = {10, TEXT("Urgency")};
+inline constexpr IptcDataset Keywords = {25, TEXT("Keywords")};
+inline constexpr IptcDataset Byline = {80, TEXT("By-line")};
+inline constexpr IptcDataset Headline = {105, TEXT("Headline")};
+inline constexpr IptcDataset Credit = {110, TEXT("Credit")};
+inline constexpr IptcDataset Copyright = {116, TEXT("Copyright Notice")};
+inline constexpr IptcDataset Caption = {120, TEXT("Caption")};
+} // namespace Dataset
+
 struct IptcTextPlace
 {
     UINT number;           // of IptcBlock's texts
@@ -19,7 +31,7 @@ struct IptcTextPlace
 };
 
 inline constexpr IptcTextPlace IptcTextPlaces[] = {
-    {0, TEXT("photoshop:Headline"), {105, TEXT("Headline")}},
+    {0, TEXT("photoshop:Headline"), Dataset::Headline},
     {1, TEXT("photoshop:City"), {90, TEXT("City")}},
     {2, TEXT("iptc:Location"), {92, TEXT("Sub-location")}},
     {3, TEXT("photoshop:State"), {95, TEXT("Province\\/State")}},

@@ -27,6 +27,8 @@ struct ExifField
     WORD tag;
     WORD type;              // TIFF 6.0's numbers, 1 to 12
     std::vector<BYTE> data; // little-endian
+
+    auto operator<=>(const ExifField &) const = default;
 };
 
 constexpr int NoNumber = -100;

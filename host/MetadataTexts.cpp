@@ -1,32 +1,11 @@
 #include "host/MetadataTexts.h"
 
+#include "host/ExifTags.h"
+
 #include <initializer_list>
 
 namespace
 {
-namespace Tag
-{
-constexpr WORD ImageDescription = 270;
-constexpr WORD Artist = 315;
-constexpr WORD Copyright = 33432;
-constexpr WORD XPTitle = 40091;
-constexpr WORD XPComment = 40092;
-constexpr WORD XPAuthor = 40093;
-constexpr WORD XPKeywords = 40094;
-} // namespace Tag
-
-namespace Dataset
-{
-constexpr IptcDataset ObjectName = {5, TEXT("Object Name")};
-constexpr IptcDataset Urgency = {10, TEXT("Urgency")};
-constexpr IptcDataset Keywords = {25, TEXT("Keywords")};
-constexpr IptcDataset Byline = {80, TEXT("By-line")};
-constexpr IptcDataset Headline = {105, TEXT("Headline")};
-constexpr IptcDataset Credit = {110, TEXT("Credit")};
-constexpr IptcDataset Copyright = {116, TEXT("Copyright Notice")};
-constexpr IptcDataset Caption = {120, TEXT("Caption")};
-} // namespace Dataset
-
 WideText FirstText(std::initializer_list<WideText> candidates)
 {
     for (const WideText &candidate : candidates)
@@ -46,7 +25,7 @@ std::vector<WideText> ChooseKeywords(const MetadataTexts &blocks)
     {
         keywords = blocks.IptcList(Dataset::Keywords);
     }
-    return keywords.empty() ? SplitKeywords(blocks.ExifWindowsText(Tag::XPKeywords)) : keywords;
+    return keywords.empty() ? SplitKeywords(blocks.ExifWindowsText(ExifTag::XPKeywords)) : keywords;
 }
 
 WideText JoinNames(const std::vector<WideText> &names)
@@ -82,18 +61,18 @@ ImageTexts ChooseTexts(const MetadataTexts &blocks)
 {
     ImageTexts texts;
     texts.title = FirstText({blocks.Xmp(TEXT("dc:title")), blocks.Iptc(Dataset::ObjectName),
-                             blocks.ExifWindowsText(Tag::XPTitle), blocks.Xmp(TEXT("photoshop:Headline")),
+                             blocks.ExifWindowsText(ExifTag::XPTitle), blocks.Xmp(TEXT("photoshop:Headline")),
                              blocks.Iptc(Dataset::Headline)});
-    texts.description = FirstText(
-        {blocks.Xmp(TEXT("dc:description")), blocks.Iptc(Dataset::Caption), blocks.Exif(Tag::ImageDescription)});
+    texts.description = FirstText({blocks.Xmp(TEXT("dc:description")), blocks.Iptc(Dataset::Caption),
+                                   blocks.Exif(ExifTag::ImageDescription)});
     texts.keywords = ChooseKeywords(blocks);
-    texts.comment = FirstText({blocks.ExifUserComment(), blocks.ExifWindowsText(Tag::XPComment),
+    texts.comment = FirstText({blocks.ExifUserComment(), blocks.ExifWindowsText(ExifTag::XPComment),
                                blocks.Xmp(TEXT("exif:UserComment")), blocks.FileComment()});
     texts.artist =
         FirstText({JoinNames(blocks.XmpList(TEXT("dc:creator"))), JoinNames(blocks.IptcList(Dataset::Byline)),
-                   blocks.Exif(Tag::Artist), blocks.ExifWindowsText(Tag::XPAuthor)});
-    texts.copyright =
-        FirstText({blocks.Xmp(TEXT("dc:rights")), blocks.Iptc(Dataset::Copyright), blocks.Exif(Tag::Copyright)});
+                   blocks.Exif(ExifTag::Artist), blocks.ExifWindowsText(ExifTag::XPAuthor)});
+    texts.copyright = FirstText(
+        {blocks.Xmp(TEXT("dc:rights")), blocks.Iptc(Dataset::Copyright), blocks.Exif(ExifTag::Copyright)});
     texts.credit = FirstText({blocks.Xmp(TEXT("photoshop:Credit")), blocks.Iptc(Dataset::Credit)});
     for (const IptcTextPlace &place : IptcTextPlaces)
     {

@@ -9,6 +9,8 @@
 
 #include <windows.h>
 
+#include <wincodec.h>
+
 #include <atomic>
 #include <filesystem>
 #include <stdexcept>
@@ -43,6 +45,19 @@ private:
     HRESULT m_code;
 };
 
+// Throws for more than MaxPicturePixels.
+inline void RequireDecodableSize(UINT64 width, UINT64 height)
+{
+    if (width * height > MaxPicturePixels)
+    {
+        throw DecodingError(WINCODEC_ERR_IMAGESIZEOUTOFRANGE,
+                            "says that it is " + std::to_string(width) + " by " + std::to_string(height) +
+                                " pixels large; at most " + std::to_string(MaxPicturePixels / 1'000'000) +
+                                " megapixels can be decoded");
+    }
+}
+
 // longEdge in pixels, 0 for the full size. Any thread, also several at a time. stop may be null; once it
-// is true, the decoding ends soon. Throws DecodingError and std::bad_alloc.
+// is true, the decoding ends soon. A picture that can be stopped is one of several at a time, and is made on a single
+// core where the library allows it. Throws DecodingError and std::bad_alloc.
 DecodedPicture DecodePicture(const std::filesystem::path &file, UINT longEdge, const std::atomic<bool> *stop);

@@ -3,6 +3,7 @@
 #include "host/Apartment_win32.h"
 #include "host/FrameMetadata.h"
 #include "host/FrameOrientation_win32.h"
+#include "host/JfifProportions.h"
 #include "host/PictureCheck.h"
 #include "host/SystemWords.h"
 #include "com/WholeFile.h"
@@ -65,13 +66,7 @@ Size SizeOf(IWICBitmapSource *source)
 {
     Size size;
     Check(source->GetSize(&size.width, &size.height));
-    if (UINT64{size.width} * size.height > MaxPicturePixels)
-    {
-        throw DecodingError(WINCODEC_ERR_IMAGESIZEOUTOFRANGE,
-                            "says that it is " + std::to_string(size.width) + " by " +
-                                std::to_string(size.height) + " pixels large; at most " +
-                                std::to_string(MaxPicturePixels / 1'000'000) + " megapixels can be decoded");
-    }
+    RequireDecodableSize(size.width, size.height);
     return size;
 }
 
@@ -91,7 +86,8 @@ Size Reduced(const Size &size, UINT longEdge)
 class PictureReading
 {
 public:
-    PictureReading(UINT longEdge, const std::atomic<bool> *stop) : m_longEdge(longEdge), m_stop(stop)
+    PictureReading(const std::filesystem::path &file, UINT longEdge, const std::atomic<bool> *stop)
+        : m_longEdge(longEdge), m_stop(stop), m_proportions(JfifProportions(file))
     {
         Check(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
                                __uuidof(IWICImagingFactory), m_factory.PutVoid()));
@@ -129,6 +125,11 @@ private:
         SizeOf(frame.Get());
         DecodedPicture picture = InScreenColours(frame);
         frame->GetResolution(&picture.dpiX, &picture.dpiY);
+        if (m_proportions && picture.dpiX == picture.dpiY)
+        {
+            picture.dpiX = m_proportions->x;
+            picture.dpiY = m_proportions->y;
+        }
         return Upright(std::move(picture), OrientationOfFrame(*frame.Get()));
     }
 
@@ -275,6 +276,7 @@ private:
 
     const UINT m_longEdge;
     const std::atomic<bool> *const m_stop;
+    const std::optional<DotsPerInch> m_proportions; // the component gives the same for both axes then
     ComPtr<IWICImagingFactory> m_factory;
 };
 } // namespace
@@ -289,7 +291,7 @@ DecodedPicture DecodePicture(const std::filesystem::path &file, UINT longEdge, c
     const Apartment apartment;
     // The check costs a fraction of the decoding, and runs beside it.
     auto check = std::async(std::launch::async, SurveyFile, file, stop);
-    PictureReading reading(longEdge, stop);
+    PictureReading reading(file, longEdge, stop);
     DecodedPicture picture;
     try
     {

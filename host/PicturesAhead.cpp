@@ -3,15 +3,16 @@
 #include "host/FileNames.h"
 
 #include <algorithm>
+#include <system_error>
 
 namespace fs = std::filesystem;
 
 namespace
 {
-constexpr size_t MostAhead = 2;
-constexpr size_t MostBytesAhead = size_t{64} << 20;
-// How many items are searched for the next picture to decode; others are sent as they are on disk.
-constexpr size_t Sight = 8;
+constexpr unsigned MostThreads = 8;
+constexpr size_t MostBytesOfThread = size_t{32} << 20;
+// How many items are searched for the next pictures to decode; others are sent as they are on disk.
+constexpr size_t Sight = 2 * MostThreads;
 
 std::string LowerExtensionOf(const fs::path &file)
 {
@@ -19,8 +20,13 @@ std::string LowerExtensionOf(const fs::path &file)
 }
 } // namespace
 
-PicturesAhead::PicturesAhead(const std::vector<PictureItem> &items, PictureDecoder decoder)
-    : m_items(items), m_decoder(std::move(decoder))
+unsigned DecodingThreads() noexcept
+{
+    return std::clamp(std::thread::hardware_concurrency(), 1u, MostThreads);
+}
+
+PicturesAhead::PicturesAhead(const std::vector<PictureItem> &items, PictureDecoder decoder, unsigned threads)
+    : m_items(items), m_decoder(std::move(decoder)), m_threads(threads)
 {
 }
 
@@ -61,15 +67,31 @@ std::shared_ptr<const DecodedPicture> PicturesAhead::Take(const fs::path &file, 
         {
             PlanLocked(file, longEdge, picture ? picture->pixels.size() : 0);
         }
+        m_making += picture ? 0 : 1;
     }
     if (picture)
     {
         return picture;
     }
-    picture = std::make_shared<const DecodedPicture>(m_decoder(file, longEdge, nullptr));
+    picture = MakeHere(file, longEdge);
     const std::lock_guard guard(m_lock);
     PlanLocked(file, longEdge, picture->pixels.size());
     return picture;
+}
+
+std::shared_ptr<const DecodedPicture> PicturesAhead::MakeHere(const fs::path &file, UINT longEdge)
+{
+    const struct Counted
+    {
+        ~Counted()
+        {
+            const std::lock_guard guard(ahead.m_lock);
+            --ahead.m_making;
+            ahead.m_changed.notify_all();
+        }
+        PicturesAhead &ahead;
+    } counted{*this};
+    return std::make_shared<const DecodedPicture>(m_decoder(file, longEdge, nullptr));
 }
 
 void PicturesAhead::NoteUndecoded(const fs::path &file)
@@ -89,10 +111,11 @@ void PicturesAhead::Stop()
         }
     }
     m_changed.notify_all();
-    if (m_worker.joinable())
+    for (std::thread &worker : m_workers)
     {
-        m_worker.join();
+        worker.join();
     }
+    m_workers.clear();
 }
 
 size_t PicturesAhead::Hits() const
@@ -142,7 +165,8 @@ const std::string *PicturesAhead::GuessExtension(const PictureItem &item, const 
 void PicturesAhead::PlanLocked(const fs::path &asked, UINT longEdge, size_t bytes)
 {
     const size_t expected = longEdge == 0 ? bytes : size_t{longEdge} * longEdge * 3;
-    const size_t room = expected > MostBytesAhead / MostAhead ? 1 : MostAhead;
+    const size_t room =
+        std::clamp(m_threads * MostBytesOfThread / std::max<size_t>(expected, 1), size_t{1}, m_threads + 1);
     const std::string extension = LowerExtensionOf(asked);
     const size_t end = std::min(m_items.size(), m_item + 1 + Sight);
     for (size_t item = m_item + 1; item < end && m_jobs.size() < room && !m_stopped; ++item)
@@ -161,9 +185,16 @@ void PicturesAhead::PlanLocked(const fs::path &asked, UINT longEdge, size_t byte
             m_jobs.push_back(job);
         }
     }
-    if (!m_jobs.empty() && !m_worker.joinable() && !m_stopped)
+    try
     {
-        m_worker = std::thread([this] { Work(); });
+        while (m_workers.size() < std::min(m_threads, m_jobs.size()) && !m_stopped)
+        {
+            m_workers.emplace_back([this] { Work(); });
+        }
+    }
+    catch (const std::system_error &)
+    {
+        // With fewer threads than wanted it takes longer; what none has begun, Take makes itself.
     }
     m_changed.notify_all();
 }
@@ -184,7 +215,7 @@ void PicturesAhead::Work()
         m_changed.wait(lock, [&] {
             const auto waiting = std::find_if(m_jobs.begin(), m_jobs.end(),
                                               [](const JobPtr &job) { return job->stage == Stage::Waiting; });
-            next = waiting == m_jobs.end() ? nullptr : *waiting;
+            next = waiting == m_jobs.end() || m_making >= m_threads ? nullptr : *waiting;
             return next || m_stopped;
         });
         if (m_stopped)
@@ -192,6 +223,7 @@ void PicturesAhead::Work()
             return;
         }
         next->stage = Stage::Making;
+        ++m_making;
         lock.unlock();
         std::shared_ptr<const DecodedPicture> made;
         try
@@ -203,6 +235,7 @@ void PicturesAhead::Work()
             // Take decodes it again, meets the same failure and reports it.
         }
         lock.lock();
+        --m_making;
         next->stage = made ? Stage::Ready : Stage::Failed;
         if (!next->dropped)
         {

@@ -4,7 +4,9 @@
 // are guessed: the items that follow, of the same extension or of one asked for before, at the size last
 // asked for. A wrong guess costs time on another core and nothing else.
 //
-// At most two pictures wait or are being made, and one where two could take more than 64 MB.
+// They are made on several threads, and one more picture than there are threads is ready or in the making, so that
+// no thread waits for the plug-in. What the plug-in's own thread makes meanwhile counts as one of them. There are fewer where so many could take more than 32 MB for each thread, down to
+// one.
 #pragma once
 
 #include "host/PictureDecoding.h"
@@ -17,16 +19,21 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 // As DecodePicture.
 using PictureDecoder =
     std::function<DecodedPicture(const std::filesystem::path &, UINT longEdge, const std::atomic<bool> *stop)>;
 
+// As many as the machine has cores, at most eight.
+unsigned DecodingThreads() noexcept;
+
 class PicturesAhead
 {
 public:
-    // The items must outlive the object.
-    PicturesAhead(const std::vector<PictureItem> &items, PictureDecoder decoder);
+    // The items must outlive the object. threads is at least 1; they start when there is something to do for them.
+    PicturesAhead(const std::vector<PictureItem> &items, PictureDecoder decoder,
+                  unsigned threads = DecodingThreads());
     ~PicturesAhead() { Stop(); }
     PicturesAhead(const PicturesAhead &) = delete;
     PicturesAhead &operator=(const PicturesAhead &) = delete;
@@ -43,7 +50,7 @@ public:
     // The plug-in wanted no picture of the current item's file, so others like it needn't be decoded.
     void NoteUndecoded(const std::filesystem::path &file);
 
-    // Ends the thread; nothing is made ahead any more. Idempotent, and called on one thread.
+    // Ends the threads; nothing is made ahead any more. Idempotent, and called on one thread.
     void Stop();
 
     // How many were found ready or in the making, for measuring.
@@ -80,6 +87,7 @@ private:
     void PlanLocked(const std::filesystem::path &asked, UINT longEdge, size_t bytes);
     const std::string *GuessExtension(const PictureItem &item, const std::string &asked) const;
     void DropLocked(const JobPtr &job);
+    std::shared_ptr<const DecodedPicture> MakeHere(const std::filesystem::path &file, UINT longEdge);
     void Work();
 
     const std::vector<PictureItem> &m_items;
@@ -90,6 +98,8 @@ private:
     std::map<std::string, bool> m_isDecoded; // by extension, as the plug-in asked last
     size_t m_item = 0;
     size_t m_hits = 0;
+    size_t m_making = 0; // on the threads and in Take
     bool m_stopped = false;
-    std::thread m_worker;
+    const size_t m_threads;
+    std::vector<std::thread> m_workers;
 };

@@ -86,10 +86,7 @@ DecodedPicture DevelopRaw(const std::filesystem::path &file, UINT longEdge, cons
     Check(opened == LIBRAW_IO_ERROR ? LIBRAW_FILE_UNSUPPORTED : opened);
     const UINT width = library->imgdata.sizes.width;
     const UINT height = library->imgdata.sizes.height;
-    if (UINT64{width} * height > MaxPicturePixels)
-    {
-        throw DecodingError(WINCODEC_ERR_IMAGESIZEOUTOFRANGE, "has more pixels than can be decoded");
-    }
+    RequireDecodableSize(width, height);
     libraw_output_params_t &wanted = library->imgdata.params;
     wanted.use_camera_wb = 1;
     wanted.output_color = 1; // sRGB

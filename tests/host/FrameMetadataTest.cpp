@@ -1,7 +1,11 @@
+// A frame's metadata by the imaging component's queries: read, and removed.
 #include "host/FrameMetadata.h"
+
+#include "host/CopiedBlocks.h"
 
 #include "com/ComObject.h"
 #include "com/ComPtr.h"
+#include "com/Hresult.h"
 #include "com/WideText.h"
 
 #include <gmock/gmock.h>
@@ -13,6 +17,7 @@
 #include <variant>
 
 using testing::ElementsAre;
+using testing::IsEmpty;
 
 namespace
 {
@@ -35,11 +40,28 @@ T *TaskCopy(const T *data, size_t count)
 }
 
 // A block of metadata that answers as Windows documents it: alternatives and lists of XMP by a block of
-// their own, narrow text of EXIF and IPTC as bytes.
-class Block final : public ComObject<Block, IWICMetadataQueryReader>
+// their own, narrow text of EXIF and IPTC as bytes. Of blocks to remove it has a number by name; other names mean
+// nothing to it.
+class Block final : public ComObject<Block, Answers<IWICMetadataQueryWriter, IWICMetadataQueryReader>>
 {
 public:
-    explicit Block(std::map<WideText, Value> values) : m_values(std::move(values)) {}
+    explicit Block(std::map<WideText, Value> values, std::map<WideText, int> blocks = {})
+        : Left(std::move(blocks)), m_values(std::move(values))
+    {
+    }
+
+    std::map<WideText, int> Left;
+
+    STDMETHODIMP RemoveMetadataByName(LPCWSTR name) noexcept override
+    {
+        const auto found = Left.find(name);
+        if (found == Left.end())
+        {
+            return WINCODEC_ERR_INVALIDQUERYREQUEST;
+        }
+        return found->second-- > 0 ? S_OK : WINCODEC_ERR_PROPERTYNOTFOUND;
+    }
+    STDMETHODIMP SetMetadataByName(LPCWSTR, const PROPVARIANT *) noexcept override { return S_OK; }
 
     STDMETHODIMP GetMetadataByName(LPCWSTR name, PROPVARIANT *value) noexcept override
     {
@@ -156,6 +178,8 @@ TEST(FrameMetadata, FieldsComeFromTheirListsAlone)
         {TEXT("/ifd/gps/{ushort=1}"), std::string("N")},
         {TEXT("/ifd/{ushort=274}"), UINT16{9}},
         {TEXT("/ifd/{ushort=18246}"), UINT16{3}},
+        {TEXT("/ifd/xmp/xmp:Label"), TEXT("Red")},
+        {TEXT("/ifd/xmp/photoshop:Urgency"), TEXT("2")},
     });
     ReadFrameMetadata(*frame.Get(), texts, &groups);
     ASSERT_EQ(groups.camera.size(), 2u);
@@ -166,4 +190,34 @@ TEST(FrameMetadata, FieldsComeFromTheirListsAlone)
     ASSERT_EQ(groups.gps.size(), 1u);
     EXPECT_EQ(groups.orientation, 1);
     EXPECT_EQ(groups.rating, 3);
+    EXPECT_EQ(groups.label, TEXT("Red"));
+    EXPECT_EQ(groups.urgency, 2);
+}
+
+TEST(CopiedBlocks, AreRemovedWhateverTheirNames)
+{
+    using Blocks = std::map<WideText, int>;
+    const auto remove = [](Blocks &blocks) {
+        const auto frame = Block::Make(Values(), blocks);
+        const HRESULT result = AtBoundary([&] {
+            CopiedBlocks(*frame.Get()).RemoveAll();
+            return S_OK;
+        });
+        blocks = frame->Left;
+        std::erase_if(blocks, [](const auto &block) { return block.second <= 0; });
+        return result;
+    };
+    const Blocks known = {{TEXT("/app1"), 1}, {TEXT("/xmp"), 1}, {TEXT("/app13"), 1}, {TEXT("/com"), 2}};
+    Blocks byOneName = known;
+    byOneName[TEXT("/unknown")] = 3;
+    Blocks byNumber = known;
+    byNumber[TEXT("/app2")] = byNumber[TEXT("/[1]app1")] = byNumber[TEXT("/app15")] = 2;
+    for (Blocks blocks : {byOneName, byNumber})
+    {
+        EXPECT_EQ(remove(blocks), S_OK);
+        EXPECT_THAT(blocks, IsEmpty());
+    }
+    // Of the blocks that every component has, none may be passed over.
+    Blocks withoutExif = {{TEXT("/xmp"), 1}, {TEXT("/app13"), 1}, {TEXT("/com"), 1}};
+    EXPECT_EQ(remove(withoutExif), WINCODEC_ERR_INVALIDQUERYREQUEST);
 }

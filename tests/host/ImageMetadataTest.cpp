@@ -1,12 +1,18 @@
 #include "host/ImageMetadata.h"
 
+#include "tests/host/SampleFiles.h"
 #include "tests/host/TemporaryFolder.h"
+#include "tests/platform/windowscodecs_jpeg/CodecUse_posix.h"
+
+#include "host/FrameMetadata.h"
 
 #include <wincodec.h>
 
 #include <exiv2/exiv2.hpp>
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <functional>
 
 namespace fs = std::filesystem;
@@ -41,6 +47,15 @@ void SetXmp(Exiv2::Image &image, const char *key, Exiv2::TypeId type, std::initi
     }
     image.xmpData().add(Exiv2::XmpKey(key), value.get());
 }
+
+// Numbers, rationals and texts of every directory.
+const char *const ExifTags =
+    "-ExifIFD:UserComment='größer' -IFD0:ImageDescription=Beschreibung -IFD0:Artist=Anna -IFD0:Copyright=mine "
+    "-IFD0:Make=Acme -IFD0:Model=X1 -ExifIFD:FNumber=4 -ExifIFD:ISO=200 -ExifIFD:ExposureTime=1/60 "
+    "-ExifIFD:LensModel=L -ExifIFD:SubjectArea='1 2 3' -ExifIFD:ExposureCompensation=-1.5 "
+    "-ExifIFD:DateTimeOriginal='2024:05:06 07:08:09' -GPSLatitude=49.5 -GPSLatitudeRef=N -GPSAltitude=12 "
+    "-GPSDateStamp='2024:05:06' -IFD0:Rating=4 -IFD0:Orientation#=6 -ExifIFD:ColorSpace#=65535 "
+    "-InteropIFD:InteropIndex=R03";
 
 // Of this process, in KiB.
 long PeakMemory()
@@ -79,13 +94,6 @@ protected:
     TemporaryFolder m_folder;
 };
 } // namespace
-
-TEST_F(ImageMetadata, APictureWithoutMetadataHasNoTexts)
-{
-    const ImageTexts texts = Read([](Exiv2::Image &) {});
-    EXPECT_EQ(texts.title + texts.description + texts.comment + texts.artist + texts.copyright, u"");
-    EXPECT_THAT(texts.keywords, IsEmpty());
-}
 
 TEST_F(ImageMetadata, XmpComesBeforeIptcAndExif)
 {
@@ -149,18 +157,17 @@ TEST_F(ImageMetadata, XmpIsReadBeyondTheFirstPacket)
 
 TEST_F(ImageMetadata, IptcIsReadWithAndWithoutItsDeclaredCharset)
 {
-    struct Case
+    const struct
     {
         std::string charset;
         std::string bytes;
         WideText expected;
-    };
-    const Case cases[] = {{"\x1B%G", "Größe 漢字 📷", u"Größe 漢字 📷"},
-                          {"", "Größe 漢字", u"Größe 漢字"},
-                          {"", "Gr\xF6\xDF"s + "e", u"Größe"},
-                          {"\x1B%G", "Gr\xF6\xDF"s + "e", u"Größe"},
-                          {"", "padded\0\0"s, u"padded"}};
-    for (const Case &c : cases)
+    } cases[] = {{"\x1B%G", "Größe 漢字 📷", u"Größe 漢字 📷"},
+                 {"", "Größe 漢字", u"Größe 漢字"},
+                 {"", "Gr\xF6\xDF"s + "e", u"Größe"},
+                 {"\x1B%G", "Gr\xF6\xDF"s + "e", u"Größe"},
+                 {"", "padded\0\0"s, u"padded"}};
+    for (const auto &c : cases)
     {
         const ImageTexts texts = Read([&](Exiv2::Image &image) {
             if (!c.charset.empty())
@@ -180,35 +187,29 @@ TEST_F(ImageMetadata, IptcIsReadWithAndWithoutItsDeclaredCharset)
 
 TEST_F(ImageMetadata, UserCommentsAreReadInTheirNamedCharsetAndAnyByteOrder)
 {
-    struct Case
+    const struct
     {
+        Exiv2::ByteOrder order;
         std::string bytes;
         WideText expected;
-    };
-    const Case cases[] = {{"ASCII\0\0\0plain\0\0"s, u"plain"},
-                          {"ASCII\0\0\0caf\xE9"s, u"café"},
-                          {"UNICODE\0H\0i\0\xF6\0"s, u"Hiö"},
-                          {"UNICODE\0\0H\0i\0\xF6"s, u"Hiö"},
-                          {"UNICODE\0\xFE\xFF\x6F\x22"s, u"漢"},
-                          {"JIS\0\0\0\0\0\x1B$B4A;z\x1B(B"s, u"漢字"},
-                          {"\0\0\0\0\0\0\0\0größe"s, u"größe"},
-                          {"ASCII\0\0\0        "s, u""},
-                          {"ASCII"s, u""}};
-    for (const Case &c : cases)
+    } cases[] = {{Exiv2::littleEndian, "ASCII\0\0\0plain\0\0"s, u"plain"},
+                 {Exiv2::littleEndian, "ASCII\0\0\0caf\xE9"s, u"café"},
+                 {Exiv2::littleEndian, "UNICODE\0H\0i\0\xF6\0"s, u"Hiö"},
+                 {Exiv2::littleEndian, "UNICODE\0\0H\0i\0\xF6"s, u"Hiö"},
+                 {Exiv2::littleEndian, "UNICODE\0\xFE\xFF\x6F\x22"s, u"漢"},
+                 {Exiv2::littleEndian, "JIS\0\0\0\0\0\x1B$B4A;z\x1B(B"s, u"漢字"},
+                 {Exiv2::littleEndian, "\0\0\0\0\0\0\0\0größe"s, u"größe"},
+                 {Exiv2::littleEndian, "ASCII\0\0\0        "s, u""},
+                 {Exiv2::littleEndian, "ASCII"s, u""},
+                 {Exiv2::bigEndian, "UNICODE\0\x6F\x22\x5B\x57"s, u"漢字"}};
+    for (const auto &c : cases)
     {
-        const ImageTexts texts = Read(
-            [&](Exiv2::Image &image) { SetExif(image, "Exif.Photo.UserComment", Exiv2::undefined, c.bytes); });
+        const ImageTexts texts = Read([&](Exiv2::Image &image) {
+            image.setByteOrder(c.order);
+            SetExif(image, "Exif.Photo.UserComment", Exiv2::undefined, c.bytes);
+        });
         EXPECT_EQ(texts.comment, c.expected) << c.bytes;
     }
-}
-
-TEST_F(ImageMetadata, BigEndianFilesKeepTheirComments)
-{
-    const ImageTexts texts = Read([](Exiv2::Image &image) {
-        image.setByteOrder(Exiv2::bigEndian);
-        SetExif(image, "Exif.Photo.UserComment", Exiv2::undefined, "UNICODE\0\x6F\x22\x5B\x57"s);
-    });
-    EXPECT_EQ(texts.comment, u"漢字");
 }
 
 TEST_F(ImageMetadata, ExifAndWindowsTagsFillWhatTheOthersLack)
@@ -238,6 +239,7 @@ TEST_F(ImageMetadata, ExifAndWindowsTagsFillWhatTheOthersLack)
     EXPECT_EQ(texts.copyright, u"(c) Jürgen");
     EXPECT_EQ(texts.artist, u"Jürgen");
     EXPECT_EQ(Read([](Exiv2::Image &image) { image.setComment("of the segment"); }).comment, u"of the segment");
+    EXPECT_EQ(Read([](Exiv2::Image &) {}), ImageTexts());
 }
 
 TEST_F(ImageMetadata, AFileThatIsNoPictureFailsInCodes)
@@ -286,4 +288,42 @@ TEST_F(ImageMetadata, AHugeFileIsNotLoaded)
     ASSERT_EQ(ReadImageTexts(file, texts), S_OK);
     EXPECT_EQ(texts.title, u"huge");
     EXPECT_LT(PeakMemory() - before, 32 << 10) << "KiB";
+}
+
+// The reader by queries against the one that reads files: both must find the same in a picture's EXIF block, of which
+// alone the native imaging component tells.
+TEST_F(ImageMetadata, IsFoundByQueriesToo)
+{
+    const fs::path file = m_folder.Path() / "a.jpg";
+    MakeSample(file, 32, 24);
+    Exiftool(ExifTags, file);
+    ImageTexts wanted;
+    MetadataSnapshot wantedGroups;
+    ASSERT_EQ(ReadMetadata(file, wanted, &wantedGroups), S_OK);
+
+    const std::string bytes = m_folder.Read("a.jpg");
+    ComPtr<IWICBitmapFrameDecode> frame;
+    ASSERT_EQ(OpenFrame(Octets(bytes.begin(), bytes.end()), frame), S_OK);
+    ComPtr<IWICMetadataQueryReader> reader;
+    ASSERT_EQ(frame->GetMetadataQueryReader(reader.Put()), S_OK);
+    ImageTexts found;
+    MetadataSnapshot groups;
+    ReadFrameMetadata(*reader.Get(), found, &groups);
+
+    EXPECT_EQ(found, wanted);
+    EXPECT_EQ(found.description, u"Beschreibung");
+    EXPECT_EQ(found.comment, u"größer");
+    EXPECT_EQ(found.artist, u"Anna");
+    EXPECT_EQ(found.copyright, u"mine");
+    for (std::vector<ExifField> *fields : {&groups.camera, &groups.gps, &wantedGroups.camera, &wantedGroups.gps})
+    {
+        std::sort(fields->begin(), fields->end());
+    }
+    EXPECT_EQ(groups.camera, wantedGroups.camera);
+    EXPECT_GE(groups.camera.size(), 9u);
+    EXPECT_EQ(groups.gps, wantedGroups.gps);
+    EXPECT_GE(groups.gps.size(), 4u);
+    EXPECT_EQ(groups.orientation, 6);
+    EXPECT_TRUE(groups.isAdobeRgb && wantedGroups.isAdobeRgb);
+    EXPECT_EQ(groups.rating, 4);
 }

@@ -6,13 +6,13 @@
 #include "tests/host/SampleFiles.h"
 #include "tests/host/TemporaryFolder.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <initializer_list>
 #include <string>
-#include <utility>
 
 inline constexpr Rgb Red = {255, 0, 0};
 inline constexpr Rgb Green = {0, 255, 0};
@@ -49,9 +49,31 @@ inline void ExpectQuarters(const DecodedPicture &picture, const std::array<Rgb, 
     }
 }
 
+inline constexpr std::array<Rgb, 4> Flag = {Red, Green, Blue, White};
+
 class PictureDecoding : public testing::Test
 {
 protected:
+    struct Kind
+    {
+        const char *name;
+        PictureOptions options;
+        int tolerance;
+        std::array<Rgb, 4> colours = Flag;
+    };
+
+    void ExpectKinds(std::initializer_list<Kind> kinds)
+    {
+        for (const Kind &kind : kinds)
+        {
+            SCOPED_TRACE(kind.name);
+            const DecodedPicture picture = DecodePicture(Sample(kind.name, 48, 32, kind.options), 0, nullptr);
+            ASSERT_EQ(picture.width, 48u);
+            ASSERT_EQ(picture.height, 32u);
+            ExpectQuarters(picture, kind.colours, kind.tolerance);
+        }
+    }
+
     std::filesystem::path Sample(const char *name, int width, int height, const PictureOptions &options = {})
     {
         const std::filesystem::path file = m_folder.Path() / name;
@@ -59,17 +81,19 @@ protected:
         return file;
     }
 
-    static std::pair<HRESULT, std::string> FailureOf(const std::filesystem::path &file)
+    static void ExpectFailure(const std::filesystem::path &file, HRESULT code, const char *words)
     {
+        SCOPED_TRACE(file);
         try
         {
             DecodePicture(file, 0, nullptr);
+            FAIL() << "decoded";
         }
         catch (const DecodingError &error)
         {
-            return {error.Code(), error.what()};
+            EXPECT_EQ(error.Code(), code);
+            EXPECT_THAT(error.what(), testing::HasSubstr(words));
         }
-        return {S_OK, "decoded"};
     }
 
     TemporaryFolder m_folder;

@@ -2,41 +2,25 @@
 
 #include "tests/host/SampleDng.h"
 
-#include <gmock/gmock.h>
-
 #include <wincodec.h>
-#include <zlib.h>
 
 #include <set>
 
 namespace fs = std::filesystem;
-using testing::HasSubstr;
 using namespace std::string_literals;
 
 TEST_F(PictureDecoding, EveryKindGivesTheSamePicture)
 {
-    const struct
-    {
-        const char *name;
-        PictureOptions options;
-        int tolerance;
-    } kinds[] = {
+    ExpectKinds({
         {"a.jpg", {.saver = "[Q=100,subsample-mode=off]"}, 3},
         {"a16.png", {.interpretation = "rgb16"}, 0},
         {"a.gif", {}, 0},
         {"tiled.tif", {.saver = "[tile,compression=deflate]"}, 0},
         {"a16.tif", {.interpretation = "rgb16"}, 0},
         {"a.webp", {.saver = "[lossless]"}, 0},
+        {"a.avif", {}, 30},
         {"profiled.png", {.profile = "srgb"}, 1},
-    };
-    for (const auto &kind : kinds)
-    {
-        SCOPED_TRACE(kind.name);
-        const DecodedPicture picture = DecodePicture(Sample(kind.name, 48, 32, kind.options), 0, nullptr);
-        ASSERT_EQ(picture.width, 48u);
-        ASSERT_EQ(picture.height, 32u);
-        ExpectQuarters(picture, {Red, Green, Blue, White}, kind.tolerance);
-    }
+    });
 }
 
 TEST_F(PictureDecoding, ColoursAreConvertedFromTheFilesProfile)
@@ -55,7 +39,7 @@ TEST_F(PictureDecoding, ColoursAreConvertedFromTheFilesProfile)
         {"a.jpg", {.saver = "[Q=100,subsample-mode=off]", .profile = profiles.exchanged}, greenFirst},
         {"ink.tif", {.profile = profiles.ink, .interpretation = "ink"}, blueFirst},
         {"ink.jpg", {.saver = "[Q=100]", .profile = profiles.ink, .interpretation = "ink"}, blueFirst},
-        {"linear16.tif", {.profile = profiles.linear, .interpretation = "rgb16"}, {Red, Green, Blue, White}},
+        {"linear16.tif", {.profile = profiles.linear, .interpretation = "rgb16"}, Flag},
     };
     for (const auto &each : cases)
     {
@@ -91,9 +75,7 @@ TEST_F(PictureDecoding, AdobeRgbThatExifAloneTellsIsConverted)
     {
         const fs::path file =
             Sample("exif.jpg", 240, 240, {.saver = "[Q=100,subsample-mode=off]", .profile = c.profile});
-        const std::string command =
-            "exiftool -q -q -m -overwrite_original " + std::string(c.fields) + " " + file.string();
-        ASSERT_EQ(std::system(command.c_str()), 0);
+        Exiftool(c.fields, file);
         // Halfway between green and white: such a green has less than no red in sRGB.
         const int red = PixelAt(DecodePicture(file, 3, nullptr), 2, 1).red;
         EXPECT_TRUE(c.isAdobe ? red < 40 : red > 90) << c.fields << c.profile << ": " << red;
@@ -150,7 +132,7 @@ TEST_F(PictureDecoding, ACamerasRawFileIsDeveloped)
     const DecodedPicture whole = DecodePicture(m_folder.Write("sample.dng", sample), 0, nullptr);
     EXPECT_EQ(whole.width, 240u);
     EXPECT_EQ(whole.height, 160u);
-    ExpectQuarters(whole, {Red, Green, Blue, White}, 40);
+    ExpectQuarters(whole, Flag, 40);
 
     // Turned clockwise by a quarter, and at half its size or less.
     const fs::path upright = m_folder.Write("turned.dng", MakeDng(240, 160, 6));
@@ -159,22 +141,10 @@ TEST_F(PictureDecoding, ACamerasRawFileIsDeveloped)
     EXPECT_EQ(turned.height, 60u);
     ExpectQuarters(turned, {Blue, Red, White, Green}, 40);
 
-    const fs::path cut = m_folder.Write("cut.dng", sample.substr(0, sample.size() / 2));
-    EXPECT_EQ(FailureOf(cut).first, WINCODEC_ERR_BADIMAGE);
-}
-
-TEST_F(PictureDecoding, HeifIsReadWhereTheLibraryCan)
-{
-    const fs::path file = m_folder.Path() / "sample.avif";
-    try
-    {
-        MakeSample(file, 64, 32);
-    }
-    catch (const std::exception &missing)
-    {
-        GTEST_SKIP() << "no encoder makes a sample here: " << missing.what();
-    }
-    ExpectQuarters(DecodePicture(file, 0, nullptr), {Red, Green, Blue, White}, 30);
+    // The one strip of pixels begins at 0x12000 and ends behind the file, as if that had been cut short.
+    std::string cut = sample;
+    cut.replace(cut.find("\x11\1") + 2, 10, "\4\0\1\0\0\0\0\x20\1\0"s);
+    ExpectFailure(m_folder.Write("cut.dng", cut), WINCODEC_ERR_BADIMAGE, "can't be developed");
 }
 
 TEST_F(PictureDecoding, TheResolutionIsTheFiles)
@@ -191,33 +161,18 @@ TEST_F(PictureDecoding, TheResolutionIsTheFiles)
     }
 }
 
-TEST_F(PictureDecoding, BadFilesFailWithCodeAndWords)
+TEST_F(PictureDecoding, WhatIsNoRawFileFailsWithCodeAndWords)
 {
-    Sample("bomb.png", 64, 64);
-    // 100,000 pixels on a side, and the header's check sum right for it.
-    std::string bomb = m_folder.Read("bomb.png");
-    bomb.replace(16, 8, "\x00\x01\x86\xA0\x00\x01\x86\xA0"s);
-    const auto sum = static_cast<UINT32>(crc32(0, reinterpret_cast<const Bytef *>(bomb.data()) + 12, 17));
-    for (int i = 0; i < 4; ++i)
+    for (const std::string &bytes : {"II*\0\x08\0\0\0\0\0\0\0\0\0"s, std::string(5000, '\x33')})
     {
-        bomb[29 + i] = static_cast<char>(sum >> (24 - 8 * i));
+        ExpectFailure(m_folder.Write("unknown.nef", bytes), WINCODEC_ERR_UNKNOWNIMAGEFORMAT, "raw");
     }
-    const struct
-    {
-        fs::path file;
-        HRESULT code;
-        const char *words;
-    } cases[] = {
-        {m_folder.Write("unknown.nef", "II*\0\x08\0\0\0\0\0\0\0\0\0"s), WINCODEC_ERR_UNKNOWNIMAGEFORMAT, "raw"},
-        {m_folder.Write("noise.cr2", std::string(5000, '\x33')), WINCODEC_ERR_UNKNOWNIMAGEFORMAT, "raw"},
-    };
-    for (const auto &each : cases)
-    {
-        const auto [code, words] = FailureOf(each.file);
-        EXPECT_EQ(code, each.code) << each.file << ": " << words;
-        EXPECT_THAT(words, HasSubstr(each.words)) << each.file;
-    }
-    const auto [code, words] = FailureOf(m_folder.Write("bomb.png", bomb));
-    EXPECT_EQ(code, WINCODEC_ERR_IMAGESIZEOUTOFRANGE) << words;
-    EXPECT_THAT(words, HasSubstr("100000 by 100000 pixels"));
+}
+
+TEST_F(PictureDecoding, AHeaderThatClaimsTooManyPixelsIsRefused)
+{
+    Sample("whole.jpg", 64, 64);
+    std::string bomb = m_folder.Read("whole.jpg");
+    bomb.replace(bomb.find("\xFF\xC0") + 5, 4, "\xFF\xDC\xFF\xDC");
+    ExpectFailure(m_folder.Write("bomb.jpg", bomb), WINCODEC_ERR_IMAGESIZEOUTOFRANGE, "65500 by 65500 pixels");
 }

@@ -7,6 +7,7 @@
 #include <wincodec.h>
 
 #include <chrono>
+#include <memory>
 
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
@@ -21,7 +22,17 @@ public:
     {
         std::unique_lock lock(m_lock);
         m_asked.push_back(file.filename().string() + (stop != nullptr ? " ahead" : ""));
+        m_most = std::max(m_most, ++m_running);
+        const struct End
+        {
+            ~End() { --running; }
+            size_t &running;
+        } end{m_running};
         m_changed.notify_all();
+        if (stop == nullptr)
+        {
+            m_changed.wait_for(lock, 10ms, [&] { return m_running > 1; });
+        }
         while (stop != nullptr && m_held)
         {
             if (*stop)
@@ -54,6 +65,19 @@ public:
         return m_asked;
     }
 
+    void Forget()
+    {
+        const std::lock_guard guard(m_lock);
+        m_asked.clear();
+        m_most = 0;
+    }
+
+    size_t MostAtATime()
+    {
+        const std::lock_guard guard(m_lock);
+        return m_most;
+    }
+
     void Hold(bool held)
     {
         const std::lock_guard guard(m_lock);
@@ -68,114 +92,141 @@ private:
     std::condition_variable m_changed;
     std::vector<std::string> m_asked;
     bool m_held = false;
+    size_t m_running = 0;
+    size_t m_most = 0;
 };
 
 class PicturesAheadTest : public testing::Test
 {
 protected:
-    void Add(const char *stem, std::vector<std::string> extensions)
+    // Items "a", "b" and so on of one file each.
+    void AddTifs(int count)
+    {
+        for (int i = 0; i < count; ++i)
+        {
+            Add(std::string(1, static_cast<char>('a' + i)), {"tif"});
+        }
+    }
+
+    void Add(const std::string &stem, std::vector<std::string> extensions)
     {
         for (const std::string &extension : extensions)
         {
-            m_folder.Write(stem + ("." + extension), "x");
+            m_folder.Write(stem + "." + extension, "x");
         }
         m_items.push_back({m_folder.Path() / stem, std::move(extensions)});
     }
 
     fs::path File(const char *name) const { return m_folder.Path() / name; }
 
+    // Takes the first item's picture, and waits until so many are begun.
+    std::unique_ptr<PicturesAhead> Begin(size_t begun, UINT longEdge = 100, unsigned threads = 2)
+    {
+        auto ahead = std::make_unique<PicturesAhead>(
+            m_items,
+            [this](const fs::path &file, UINT edge, const std::atomic<bool> *stop) {
+                return m_decoder(file, edge, stop);
+            },
+            threads);
+        ahead->Take(File("a.tif"), longEdge);
+        m_decoder.WaitFor(begun);
+        return ahead;
+    }
+
     TemporaryFolder m_folder;
     std::vector<PictureItem> m_items;
     RecordingDecoder m_decoder;
-    PictureDecoder m_decode = [this](const fs::path &file, UINT longEdge, const std::atomic<bool> *stop) {
-        return m_decoder(file, longEdge, stop);
-    };
 };
 } // namespace
 
-TEST_F(PicturesAheadTest, MakesTheNextTwoInOrderAndEachOnce)
+TEST_F(PicturesAheadTest, MakesTheNextOnesAndEachOnce)
 {
-    for (const char *stem : {"a", "b", "c", "d"})
+    AddTifs(6);
+    for (const unsigned threads : {1u, 2u, 8u})
     {
-        Add(stem, {"tif"});
+        SCOPED_TRACE(threads);
+        m_decoder.Forget();
+        const auto ahead = Begin(1, 100, threads);
+        for (size_t i = 1; i < m_items.size(); ++i)
+        {
+            // One more than there are threads, unless the items end.
+            const size_t begun = std::min(i + 1 + threads, m_items.size());
+            EXPECT_EQ(m_decoder.WaitFor(begun).size(), begun);
+            ahead->ItemBegins(i);
+            EXPECT_EQ(ahead->Take(m_items[i].File(0), 100)->width, 100u);
+        }
+        EXPECT_THAT(m_decoder.Asked(), testing::UnorderedElementsAre("a.tif", "b.tif ahead", "c.tif ahead",
+                                                                     "d.tif ahead", "e.tif ahead", "f.tif ahead"));
+        EXPECT_EQ(ahead->Hits(), 5u);
     }
-    PicturesAhead ahead(m_items, m_decode);
-    const char *names[] = {"a.tif", "b.tif", "c.tif", "d.tif"};
-    for (size_t i = 0; i < 4; ++i)
+}
+
+TEST_F(PicturesAheadTest, MakesAsManyAtATimeAsThereAreThreads)
+{
+    AddTifs(9);
+    for (const unsigned threads : {1u, 2u, 3u, 8u})
     {
-        ahead.ItemBegins(i);
-        EXPECT_EQ(ahead.Take(File(names[i]), 100)->width, 100u);
-        m_decoder.WaitFor(std::min<size_t>(i + 3, 4));
+        SCOPED_TRACE(threads);
+        m_decoder.Forget();
+        m_decoder.Hold(true);
+        const auto ahead = Begin(1 + threads, 100, threads);
+        std::this_thread::sleep_for(20ms);
+        EXPECT_EQ(m_decoder.Asked().size(), 1 + threads);
+        EXPECT_LE(m_decoder.MostAtATime(), threads);
     }
-    auto asked = m_decoder.Asked();
-    ASSERT_EQ(asked.size(), 4u);
-    EXPECT_THAT(asked, testing::IsSupersetOf({"b.tif ahead", "c.tif ahead", "d.tif ahead"}));
-    EXPECT_EQ(ahead.Hits(), 3u);
+    EXPECT_THAT(DecodingThreads(), testing::AllOf(testing::Ge(1u), testing::Le(8u)));
 }
 
-TEST_F(PicturesAheadTest, ASecondRequestForTheSameFileIsMadeAnew)
+TEST_F(PicturesAheadTest, WhatWasMadeForAnotherRequestIsNoResult)
 {
-    Add("a", {"tif"});
-    Add("b", {"tif"});
-    PicturesAhead ahead(m_items, m_decode);
-    ahead.Take(File("a.tif"), 100);
-    ahead.ItemBegins(1);
-    m_decoder.WaitFor(2);
-    EXPECT_TRUE(ahead.Take(File("b.tif"), 100));
-    EXPECT_TRUE(ahead.Take(File("b.tif"), 100));
-    EXPECT_EQ(m_decoder.Asked().size(), 3u);
-}
-
-TEST_F(PicturesAheadTest, AWrongGuessIsNoResult)
-{
-    Add("a", {"tif"});
-    Add("b", {"tif"});
-    PicturesAhead ahead(m_items, m_decode);
-    ahead.Take(File("a.tif"), 100);
-    m_decoder.WaitFor(2);
-    ahead.ItemBegins(1);
-    EXPECT_EQ(ahead.Take(File("b.tif"), 50)->width, 50u) << "another size";
-    EXPECT_EQ(ahead.Hits(), 0u);
-}
-
-TEST_F(PicturesAheadTest, AFileThatChangedIsReadAgain)
-{
-    Add("a", {"tif"});
-    Add("b", {"tif"});
-    PicturesAhead ahead(m_items, m_decode);
-    ahead.Take(File("a.tif"), 100);
-    m_decoder.WaitFor(2);
-    m_folder.Write("b.tif", "changed");
-    ahead.ItemBegins(1);
-    ahead.Take(File("b.tif"), 100);
-    EXPECT_EQ(ahead.Hits(), 0u);
-    EXPECT_EQ(m_decoder.Asked().back(), "b.tif");
+    AddTifs(2);
+    const struct
+    {
+        const char *what;
+        UINT longEdge;
+        bool isChanged;
+        size_t hits;
+    } cases[] = {{"the same", 100, false, 1}, {"another size", 50, false, 0}, {"another file", 100, true, 0}};
+    for (const auto &c : cases)
+    {
+        SCOPED_TRACE(c.what);
+        m_decoder.Forget();
+        const auto ahead = Begin(2);
+        ahead->ItemBegins(1);
+        if (c.isChanged)
+        {
+            m_folder.Write("b.tif", "changed");
+        }
+        EXPECT_EQ(ahead->Take(File("b.tif"), c.longEdge)->width, c.longEdge);
+        EXPECT_EQ(ahead->Hits(), c.hits);
+        ahead->Take(File("b.tif"), c.longEdge);
+        EXPECT_EQ(ahead->Hits(), c.hits) << "a second request for one file";
+        EXPECT_EQ(m_decoder.Asked().back(), "b.tif");
+    }
 }
 
 TEST_F(PicturesAheadTest, AFailureAheadIsToldWhenItsPictureIsAskedFor)
 {
-    Add("a", {"tif"});
-    Add("b", {"tif"});
+    AddTifs(2);
     m_decoder.m_broken = "b.tif";
-    PicturesAhead ahead(m_items, m_decode);
-    EXPECT_NO_THROW(ahead.Take(File("a.tif"), 100));
-    m_decoder.WaitFor(2);
-    ahead.ItemBegins(1);
-    EXPECT_THROW(ahead.Take(File("b.tif"), 100), DecodingError);
+    const auto ahead = Begin(2);
+    ahead->ItemBegins(1);
+    EXPECT_THROW(ahead->Take(File("b.tif"), 100), DecodingError);
 }
 
-TEST_F(PicturesAheadTest, LargePicturesWaitAlone)
+TEST_F(PicturesAheadTest, LargePicturesAreFewer)
 {
-    for (const char *stem : {"a", "b", "c"})
+    AddTifs(5);
+    const std::pair<size_t, size_t> cases[] = {{40, 2}, {30, 3}, {20, 4}}; // megabytes, pictures made
+    for (const auto &[megabytes, made] : cases)
     {
-        Add(stem, {"tif"});
+        SCOPED_TRACE(megabytes);
+        m_decoder.Forget();
+        m_decoder.m_bytes = megabytes << 20;
+        const auto ahead = Begin(made, 0);
+        std::this_thread::sleep_for(50ms);
+        EXPECT_EQ(m_decoder.Asked().size(), made);
     }
-    m_decoder.m_bytes = size_t{40} << 20;
-    PicturesAhead ahead(m_items, m_decode);
-    ahead.Take(File("a.tif"), 0);
-    m_decoder.WaitFor(2);
-    std::this_thread::sleep_for(50ms);
-    EXPECT_THAT(m_decoder.Asked(), testing::ElementsAre("a.tif", "b.tif ahead"));
 }
 
 TEST_F(PicturesAheadTest, GuessesByExtension)
@@ -184,25 +235,30 @@ TEST_F(PicturesAheadTest, GuessesByExtension)
     Add("b", {"gif"});
     Add("c", {"jpg"});
     Add("d", {"webp", "TIF"});
-    PicturesAhead ahead(m_items, m_decode);
-    ahead.NoteUndecoded(File("a.jpg"));
-    ahead.Take(File("a.tif"), 100);
-    m_decoder.WaitFor(2);
+    Add("e", {"gif"});
+    const auto ahead = Begin(2, 100, 4);
     std::this_thread::sleep_for(50ms);
-    EXPECT_THAT(m_decoder.Asked(), testing::Contains("d.TIF ahead"));
-    EXPECT_EQ(m_decoder.Asked().size(), 2u);
+    EXPECT_THAT(m_decoder.Asked(), testing::UnorderedElementsAre("a.tif", "d.TIF ahead"));
+    // A file of another extension only if the plug-in has wanted the picture of such a one the last time.
+    ahead->ItemBegins(1);
+    ahead->Take(File("b.gif"), 50);
+    ahead->Take(File("a.tif"), 40);
+    EXPECT_THAT(m_decoder.WaitFor(7), testing::Contains("e.gif ahead").Times(2));
+    ahead->NoteUndecoded(File("b.gif"));
+    ahead->ItemBegins(2);
+    ahead->Take(File("c.jpg"), 30);
+    ahead->Take(File("a.tif"), 20);
+    std::this_thread::sleep_for(50ms);
+    EXPECT_THAT(m_decoder.Asked(), testing::Contains("e.gif ahead").Times(2));
 }
 
 TEST_F(PicturesAheadTest, StoppingEndsWhatIsBeingMade)
 {
-    Add("a", {"tif"});
-    Add("b", {"tif"});
+    AddTifs(4);
     m_decoder.Hold(true);
-    PicturesAhead ahead(m_items, m_decode);
-    ahead.Take(File("a.tif"), 100);
-    m_decoder.WaitFor(2);
-    ahead.Stop();
-    ahead.Stop();
-    ahead.Take(File("a.tif"), 100);
-    EXPECT_EQ(m_decoder.Asked().size(), 3u) << "nothing is made ahead any more";
+    const auto ahead = Begin(3);
+    ahead->Stop();
+    ahead->Stop();
+    ahead->Take(File("a.tif"), 100);
+    EXPECT_EQ(m_decoder.Asked().size(), 4u) << "nothing is made ahead any more";
 }

@@ -3,6 +3,5 @@
 
 #include <string>
 
-// Four quarters: red, green above, blue, white below. The sensor's colours are sRGB's. orientation is
-// EXIF's, and a position in the GPS directory says 59 degrees north.
+// Four quarters: red, green above, blue, white below. The sensor's colours are sRGB's. orientation is EXIF's.
 std::string MakeDng(unsigned width, unsigned height, unsigned short orientation);

@@ -31,6 +31,9 @@ struct PictureOptions
 // Four quarters: red, green above, blue, white below.
 void MakeSample(const std::filesystem::path &file, int width, int height, const PictureOptions &options = {});
 
+// Changes the file by exiftool's arguments, quoted for a shell; throws if that fails.
+void Exiftool(const std::string &arguments, const std::filesystem::path &file);
+
 // Red and green pages one behind the other.
 void MakeAnimation(const std::filesystem::path &file);
 

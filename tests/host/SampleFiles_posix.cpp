@@ -3,6 +3,9 @@
 #include <lcms2.h>
 #include <vips/vips8>
 
+#include <cstdlib>
+#include <stdexcept>
+
 using vips::VImage;
 
 namespace
@@ -70,6 +73,15 @@ void MakeSample(const std::filesystem::path &file, int width, int height, const 
     image.write_to_file((file.string() + options.saver).c_str(),
                         options.profile.empty() ? nullptr
                                                 : VImage::option()->set("profile", options.profile.c_str()));
+}
+
+void Exiftool(const std::string &arguments, const std::filesystem::path &file)
+{
+    const std::string command = "exiftool -q -q -m -overwrite_original " + arguments + " " + file.string();
+    if (std::system(command.c_str()) != 0)
+    {
+        throw std::runtime_error(command);
+    }
 }
 
 void MakeAnimation(const std::filesystem::path &file)

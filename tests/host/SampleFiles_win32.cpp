@@ -5,7 +5,6 @@
 
 #include <wincodec.h>
 
-#include <algorithm>
 #include <fstream>
 #include <vector>
 
@@ -34,100 +33,61 @@ std::vector<BYTE> QuartersOf(int width, int height)
     return pixels;
 }
 
-// The system's encoder writes no orientation, so the file is put together here: one directory, one strip.
-class TiffFile
+void Put(std::string &bytes, UINT value, int size)
 {
-public:
-    explicit TiffFile(std::vector<BYTE> strip) : m_strip(std::move(strip)) {}
-
-    void Short(UINT tag, UINT value) { Entry(tag, 3, value); }
-    void Long(UINT tag, UINT value) { Entry(tag, 4, value); }
-    void ThreeShorts(UINT tag, UINT value) { Far(tag, 3, 3, {value | value << 16, value}); }
-    void Rational(UINT tag, UINT value) { Far(tag, 5, 1, {value, 1}); }
-
-    std::string Bytes()
+    for (int i = 0; i < size; ++i)
     {
-        constexpr UINT header = 8;
-        Long(279, static_cast<UINT>(m_strip.size()));
-        const UINT directory = 2 + 12 * static_cast<UINT>(m_entries.size() + 1) + 4;
-        const UINT behind = header + directory;
-        Long(273, behind + static_cast<UINT>(m_far.size()));
-        std::string bytes("II*\0", 4);
-        Put(bytes, header, 4);
-        Put(bytes, static_cast<UINT>(m_entries.size()), 2);
-        std::sort(m_entries.begin(), m_entries.end(), [](const auto &a, const auto &b) { return a.tag < b.tag; });
-        for (const auto &entry : m_entries)
-        {
-            Put(bytes, entry.tag, 2);
-            Put(bytes, entry.type, 2);
-            Put(bytes, entry.count, 4);
-            Put(bytes, entry.isFar ? behind + entry.value : entry.value, 4);
-        }
-        Put(bytes, 0, 4);
-        bytes += m_far;
-        return bytes.append(m_strip.begin(), m_strip.end());
+        bytes += static_cast<char>(value >> (8 * i));
     }
+}
 
-private:
-    struct Field
-    {
-        UINT tag;
-        UINT type;
-        UINT count;
-        UINT value;
-        bool isFar;
-    };
-
-    static void Put(std::string &bytes, UINT value, int size)
-    {
-        for (int i = 0; i < size; ++i)
-        {
-            bytes += static_cast<char>(value >> (8 * i));
-        }
-    }
-
-    void Entry(UINT tag, UINT type, UINT value) { m_entries.push_back({tag, type, 1, value, false}); }
-
-    void Far(UINT tag, UINT type, UINT count, const std::vector<UINT> &values)
-    {
-        m_entries.push_back({tag, type, count, static_cast<UINT>(m_far.size()), true});
-        for (const UINT value : values)
-        {
-            Put(m_far, value, 4);
-        }
-    }
-
-    std::vector<Field> m_entries;
-    std::string m_far;
-    std::vector<BYTE> m_strip;
-};
-
+// The system's encoder writes no orientation, so the file is put together here: one directory, one strip.
 std::string MakeTiff(const std::vector<BYTE> &pixels, UINT width, UINT height, const PictureOptions &options)
 {
-    std::vector<BYTE> strip;
+    enum Type : UINT
+    {
+        Short = 3,
+        Long = 4,
+        Rational = 5
+    };
+    constexpr UINT fields = 13;
+    constexpr UINT behind = 8 + 2 + 12 * fields + 4;
+    const UINT orientation = options.orientation == 0 ? 1 : static_cast<UINT>(options.orientation);
+    const UINT dpi = options.dpi == 0 ? 96 : static_cast<UINT>(options.dpi);
+    // Tag, type, count, and the value or where it lies.
+    const UINT directory[fields][4] = {
+        {256, Long, 1, width},
+        {257, Long, 1, height},
+        {258, Short, 3, behind},
+        {259, Short, 1, 1},
+        {262, Short, 1, 2},
+        {273, Long, 1, behind + 16},
+        {274, Short, 1, orientation},
+        {277, Short, 1, 3},
+        {278, Long, 1, height},
+        {279, Long, 1, width * height * 3},
+        {282, Rational, 1, behind + 8},
+        {283, Rational, 1, behind + 8},
+        {296, Short, 1, 2},
+    };
+    std::string bytes("II*\0\x08\0\0\0\x0D\0", 10);
+    for (const auto &[tag, type, count, value] : directory)
+    {
+        Put(bytes, tag, 2);
+        Put(bytes, type, 2);
+        Put(bytes, count, 4);
+        Put(bytes, value, 4);
+    }
+    for (const UINT word : {0u, 8u << 16 | 8u, 8u, dpi, 1u})
+    {
+        Put(bytes, word, 4);
+    }
     for (size_t i = 0; i < pixels.size(); i += 4)
     {
-        strip.insert(strip.end(), {pixels[i + 2], pixels[i + 1], pixels[i]});
+        bytes.append(
+            {static_cast<char>(pixels[i + 2]), static_cast<char>(pixels[i + 1]), static_cast<char>(pixels[i])});
     }
-    TiffFile tiff(std::move(strip));
-    tiff.Long(256, width);
-    tiff.Long(257, height);
-    tiff.ThreeShorts(258, 8);
-    tiff.Short(259, 1);
-    tiff.Short(262, 2);
-    tiff.Short(277, 3);
-    tiff.Long(278, height);
-    if (options.orientation != 0)
-    {
-        tiff.Short(274, static_cast<UINT>(options.orientation));
-    }
-    if (options.dpi != 0)
-    {
-        tiff.Rational(282, static_cast<UINT>(options.dpi));
-        tiff.Rational(283, static_cast<UINT>(options.dpi));
-        tiff.Short(296, 2);
-    }
-    return tiff.Bytes();
+    return bytes;
 }
 
 void Encode(const std::filesystem::path &file, const GUID &container, std::vector<BYTE> pixels, UINT width,

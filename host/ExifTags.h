@@ -1,0 +1,24 @@
+// Numbers of EXIF's fields, in whichever directory each lies (EXIF 2.32, 4.6; those for texts of Windows and the rating
+// by Microsoft).
+#pragma once
+
+#include <windows.h>
+
+namespace ExifTag
+{
+constexpr WORD InteroperabilityIndex = 1;
+constexpr WORD ImageDescription = 270;
+constexpr WORD Orientation = 274;
+constexpr WORD Artist = 315;
+constexpr WORD Rating = 18246;
+constexpr WORD Copyright = 33432;
+constexpr WORD MakerNote = 37500;
+constexpr WORD UserComment = 37510;
+constexpr WORD XPTitle = 40091;
+constexpr WORD XPComment = 40092;
+constexpr WORD XPAuthor = 40093;
+constexpr WORD XPKeywords = 40094;
+constexpr WORD ColorSpace = 40961;
+constexpr WORD PixelXDimension = 40962;
+constexpr WORD PixelYDimension = 40963;
+} // namespace ExifTag
