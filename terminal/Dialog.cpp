@@ -33,7 +33,7 @@ public:
         // The chosen button's name stays on the screen.
         Erase(0);
         const auto button = std::ranges::find(m_page.Buttons, *m_outcome, &DialogButton::Id);
-        const std::u16string_view name = button != m_page.Buttons.end() ? button->Text : u"Cancel";
+        const std::u16string name = button != m_page.Buttons.end() ? button->Text : u"Cancel";
         m_device.Write(Shown(name) + "\n");
         return *m_outcome;
     }
