@@ -144,6 +144,7 @@ TEST(NumberFormat, AnUnknownLocaleFailsAndEmptiesTheRecord)
     EXPECT_FALSE(format.IsLoaded());
     EXPECT_TRUE(format.ThousandSeparator.empty());
     EXPECT_EQ(format.Grouping, 0u);
+    EXPECT_EQ(format.LeadingZero, 0u);
     EXPECT_EQ(format.Locale, 0xFFFFu);
 
     WCHAR text[64] = TEXT("before");
