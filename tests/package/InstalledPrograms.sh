@@ -23,7 +23,7 @@ printf 'tok\nsec\n' | "$bin/halvora" --profile "$work/profile" account --set-tok
 run settings JPEGMode=0
 run publish "$picture"
 run settings JPEGMode=2 'JPEGLongDimension=1024 px'
-run publish "$picture"
+run publish --again "$picture"
 sizes=$(find "$work/store/photos" -type f -exec stat -c %s {} + | sort -n)
 large=$(stat -c %s "$picture")
 [ "$(wc -l <<<"$sizes")" = 2 ] || fail 'not two uploads'
