@@ -216,13 +216,15 @@ void PictureList::MarkEnds(const RunRecord &record)
     {
         Picture &picture = m_pictures[m_run[i]];
         const ItemEnd end = record.EndOf(i);
-        const bool wasUploading = std::exchange(picture.isUploading, record.Current() == i);
-        if (end != ItemEnd::NotTried && end != picture.end)
+        const bool isUploading = record.Current() == i;
+        // An error is noted while its picture is still the one under way; its badge follows when it has ended.
+        const bool changes = isUploading != std::exchange(picture.isUploading, isUploading) ||
+                             (end != ItemEnd::NotTried && end != picture.end);
+        if (end != ItemEnd::NotTried)
         {
             picture.end = end;
-            Show(picture, CopyOf(m_images, picture.image, m_edge).Get());
         }
-        else if (picture.isUploading && !wasUploading)
+        if (changes && (isUploading || picture.end != ItemEnd::NotTried))
         {
             Show(picture, CopyOf(m_images, picture.image, m_edge).Get());
         }

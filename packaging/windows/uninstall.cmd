@@ -22,9 +22,9 @@ if defined failed (
     if /i not "%quiet%"=="/quiet" pause
     exit /b 1
 )
-rem The account that HalvoraPublish.exe kept, which holds the permission to publish.
+rem The account that HalvoraPublish.exe kept, which holds the permission to publish, and its journal of what was published.
 for %%F in (init-data.bin init-data.bin.new lock) do del /f /q "%LOCALAPPDATA%\Halvora\%%F" 2>nul
-del /f /q "%LOCALAPPDATA%\Halvora\init-data.bin.damaged-*" 2>nul
+del /f /q "%LOCALAPPDATA%\Halvora\init-data.bin.damaged-*" "%LOCALAPPDATA%\Halvora\journal.db*" 2>nul
 echo Halvora Publish to Flickr is removed; its settings stay.
 if /i not "%quiet%"=="/quiet" pause
 

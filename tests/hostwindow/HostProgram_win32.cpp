@@ -56,20 +56,6 @@ std::wstring CommandLineOf(const std::filesystem::path &profile,
     }
     return line;
 }
-
-std::wstring Cell(HWND list, int row, int column)
-{
-    wchar_t text[1024]{};
-    OtherMemory memory(list, sizeof(LVITEMW) + sizeof(text));
-    LVITEMW item{};
-    item.iSubItem = column;
-    item.cchTextMax = ARRAYSIZE(text);
-    item.pszText = static_cast<LPWSTR>(memory.At(sizeof(item)));
-    memory.Write(&item, sizeof(item));
-    SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), memory.Pointer());
-    memory.Read(text, sizeof(text), sizeof(item));
-    return text;
-}
 } // namespace
 
 HostProgram::HostProgram(const std::filesystem::path &profile, const std::vector<std::filesystem::path> &pictures)
@@ -121,19 +107,7 @@ std::wstring HostProgram::Text(int id) const
 
 std::vector<std::wstring> HostProgram::Rows(int id) const
 {
-    const HWND list = Part(id);
-    const HWND header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
-    const int columns =
-        header == nullptr ? 1 : std::max<int>(1, static_cast<int>(SendMessageW(header, HDM_GETITEMCOUNT, 0, 0)));
-    std::vector<std::wstring> rows(static_cast<size_t>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0)));
-    for (size_t row = 0; row < rows.size(); ++row)
-    {
-        for (int column = 0; column < columns; ++column)
-        {
-            rows[row] += (column == 0 ? L"" : L"|") + Cell(list, static_cast<int>(row), column);
-        }
-    }
-    return rows;
+    return RowsOf(Part(id));
 }
 
 std::wstring HostProgram::Log() const

@@ -275,8 +275,7 @@ TEST_F(HostRun, PublishesAndMarksWhatBecameOfEach)
 
     EXPECT_TRUE(SendMessageW(host.Window(), WM_QUERYENDSESSION, 0, 0));
 
-    EXPECT_GT(pixels(green), 300u);
-    EXPECT_GT(pixels(red), 150u);
+    EXPECT_TRUE(WaitFor([&] { return pixels(green) > 300 && pixels(red) > 150; }));
 
     // A published picture isn't sent again.
     EXPECT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));

@@ -96,3 +96,36 @@ bool FollowLink(HWND control, const std::wstring &name)
     }
     return false;
 }
+
+namespace
+{
+std::wstring Cell(HWND list, int row, int column)
+{
+    wchar_t text[1024]{};
+    OtherMemory memory(list, sizeof(LVITEMW) + sizeof(text));
+    LVITEMW item{};
+    item.iSubItem = column;
+    item.cchTextMax = ARRAYSIZE(text);
+    item.pszText = static_cast<LPWSTR>(memory.At(sizeof(item)));
+    memory.Write(&item, sizeof(item));
+    SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), memory.Pointer());
+    memory.Read(text, sizeof(text), sizeof(item));
+    return text;
+}
+} // namespace
+
+std::vector<std::wstring> RowsOf(HWND list)
+{
+    const HWND header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
+    const int columns =
+        header == nullptr ? 1 : std::max<int>(1, static_cast<int>(SendMessageW(header, HDM_GETITEMCOUNT, 0, 0)));
+    std::vector<std::wstring> rows(static_cast<size_t>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0)));
+    for (size_t row = 0; row < rows.size(); ++row)
+    {
+        for (int column = 0; column < columns; ++column)
+        {
+            rows[row] += (column == 0 ? L"" : L"|") + Cell(list, static_cast<int>(row), column);
+        }
+    }
+    return rows;
+}

@@ -38,3 +38,6 @@ HWND FindPart(HWND window, int id);
 
 // Clicks the link with that id or address among a control's links. False if nothing of it is on the screen.
 bool FollowLink(HWND control, const std::wstring &name);
+
+// The rows of a list, the columns of each with "|" between them.
+std::vector<std::wstring> RowsOf(HWND list);

@@ -9,6 +9,7 @@
 //     host-driver await-text CAPTION ID TEXT   until the control's text has TEXT in it
 //     host-driver await-button CAPTION ID      until the control can be pressed
 //     host-driver await-rows CAPTION ID COUNT  until the list has so many rows
+//     host-driver await-row CAPTION ID TEXT    until a row of the list has TEXT in it
 //     host-driver screen                       all texts of all windows
 //     host-driver texts CAPTION                all texts of the window, by lines
 //     host-driver text CAPTION ID
@@ -198,6 +199,12 @@ const Command Commands[] = {
      [](const Arguments &a) {
          const HWND list = Part(a[0], a[1]);
          Await(a[2] + L" rows", [&] { return SendMessageW(list, LVM_GETITEMCOUNT, 0, 0) == std::stoi(a[2]); });
+     }},
+    {L"await-row", 3,
+     [](const Arguments &a) {
+         const HWND list = Part(a[0], a[1]);
+         const auto holds = [&](const std::wstring &row) { return row.find(a[2]) != row.npos; };
+         Await(a[2], [&] { return std::ranges::any_of(RowsOf(list), holds); });
      }},
     {L"screen", 0, [](const Arguments &) { TellScreen(); }},
     {L"texts", 1, [](const Arguments &a) { Say(AllTexts(Top(a[0]))); }},

@@ -160,7 +160,7 @@ driver press "$sheet_window" "$(control IDC_MODE_AS_IS)"
 driver press "$sheet_window" $ok
 driver await-end "$sheet_window"
 shows "$state" 'Send JPEG files intact'
-shows "$(control IDC_LOG)" 'titles are no longer sent'
+driver await-row "$main_window" "$(control IDC_LOG)" 'titles are no longer sent'
 picture host-96
 
 # A run that is stopped while the second picture is under way: what hadn't arrived is still to do.
