@@ -1,6 +1,5 @@
 #include "host/Journal.h"
 
-#include "tests/host/ChildProcess.h"
 #include "tests/host/ProfileFixture.h"
 
 #include "host/FileDigest.h"
@@ -8,7 +7,6 @@
 
 #include <gmock/gmock.h>
 
-#include <cstdlib>
 #include <fstream>
 
 namespace fs = std::filesystem;
@@ -149,50 +147,6 @@ TEST_F(JournalTest, ADamagedOneIsSetAsideAndReadAsFarAsItGoes)
         const fs::path next = m_folder.Write("next.jpg", "next");
         Publish(journal, next, "7");
         EXPECT_EQ(Found(Ada, next), "next.jpg 7");
-    }
-}
-
-// Two processes enter pictures at the same time, and are killed at any moment: nothing that was entered is lost, and
-// what wasn't settled is unknown.
-TEST_F(JournalTest, SurvivesBeingKilledAmongOthers)
-{
-    m_folder.Write("one.jpg", "bytes");
-    size_t before = 0;
-    for (int round = 0; round < 20; ++round)
-    {
-        {
-            const ChildProcess one("JournalChild.*", m_folder.Path());
-            const ChildProcess two("JournalChild.*", m_folder.Path());
-            std::this_thread::sleep_for(std::chrono::milliseconds(150 + round * 17 % 100));
-        } // kills them
-        Journal journal(m_profile);
-        ASSERT_THAT(journal.TakeNotices(), IsEmpty());
-        const auto entries = journal.Entries();
-        EXPECT_LE(std::ranges::count(entries, JournalOutcome::Unknown, &JournalEntry::outcome), 2 * (round + 1));
-        ASSERT_GE(entries.size(), before);
-        before = entries.size();
-        for (const JournalEntry &entry : entries)
-        {
-            ASSERT_EQ(entry.photo.empty(), entry.outcome == JournalOutcome::Unknown);
-        }
-    }
-    EXPECT_GT(before, 100u);
-}
-
-// Run by the test above in processes of its own: enters pictures until it is killed.
-TEST(JournalChild, EntersPictures)
-{
-    const char *const folder = std::getenv("HALVORA_JOURNAL_TEST");
-    if (folder == nullptr)
-    {
-        GTEST_SKIP() << "it has no end by itself";
-    }
-    const Profile profile(fs::path(folder) / "profile");
-    Journal journal(profile);
-    const FileState file = LookAtFile(fs::path(folder) / "one.jpg").value_or(FileState());
-    for (int i = 0; i < 1000000; ++i)
-    {
-        journal.Settle(journal.Begin(Ada, file), JournalOutcome::Published, std::to_string(i + 1), "");
     }
 }
 
