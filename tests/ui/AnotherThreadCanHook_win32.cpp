@@ -2,14 +2,17 @@
 
 #include "ui/DialogHook.h"
 
+// Not a detached std::thread: one that starts while another ends was seen to vanish before it ran (winpthreads).
 bool AnotherThreadCanHook()
 {
-    // Shared, since the thread may never end.
-    const auto done = std::make_shared<std::promise<void>>();
-    std::thread([done] {
+    constexpr DWORD Patience = 60000; // ms
+    const auto armAndDisarm = [](LPVOID) -> DWORD {
         ArmTaskDialogHook();
         DisarmHook();
-        done->set_value();
-    }).detach();
-    return done->get_future().wait_for(std::chrono::minutes(1)) == std::future_status::ready;
+        return 0;
+    };
+    const HANDLE thread = CreateThread(nullptr, 0, armAndDisarm, nullptr, 0, nullptr);
+    const bool ended = WaitForSingleObject(thread, Patience) == WAIT_OBJECT_0;
+    CloseHandle(thread);
+    return ended;
 }

@@ -9,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <future>
 #include <string>
 #include <thread>
 #include <vector>
