@@ -15,8 +15,11 @@
 #include "host/SystemWords.h"
 #include "host/Terminal_posix.h"
 
+#include "platform/http/EnvironmentProxy.h"
+
 #include <algorithm>
 #include <atomic>
+#include <cstdlib>
 #include <thread>
 
 namespace
@@ -178,6 +181,13 @@ bool ChecksSettings(const CommandLine &line, LiveDisplay &display)
     return true;
 }
 
+ConnectionSettings OfThisProcess()
+{
+    const ProxyChoice proxy = EnvironmentProxy("https:");
+    const char *const trustFile = std::getenv("HALVORA_CA_FILE");
+    return {ShownProxy(proxy.server), proxy.variable, trustFile != nullptr ? trustFile : ""};
+}
+
 ExitCode RunPlan(PlannedRun plan, const CommandLine &line, InitDataStore &store, LiveDisplay &display)
 {
     SignalWatch signals;
@@ -193,7 +203,7 @@ ExitCode RunPlan(PlannedRun plan, const CommandLine &line, InitDataStore &store,
     {
         Report(tools, record, item);
     }
-    const RunSummary summary = record.Summarize(end.cancelled, SystemWordsOrNone, ProcessVariable);
+    const RunSummary summary = record.Summarize(end.cancelled, SystemWordsOrNone, OfThisProcess());
     display.Print(summary.text, summary.exitCode != ExitCode::Success);
     if (!notTried.empty() && plan.journal)
     {
