@@ -10,7 +10,6 @@
 #include "host/PublishRun.h"
 #include "host/RunCourse.h"
 #include "host/RunJournal.h"
-#include "host/SettingsForOneRun_posix.h"
 #include "host/SettingsKey_posix.h"
 #include "host/SystemWords.h"
 #include "host/Terminal_posix.h"
