@@ -28,9 +28,12 @@ struct Database::State
     {
         if (result != wanted)
         {
-            throw DatabaseError(result == SQLITE_BUSY ? "another process is using it"
-                                                      : sqlite3_errmsg(database.get()),
-                                result == SQLITE_CORRUPT || result == SQLITE_NOTADB);
+            const bool isOfDisk = result == SQLITE_CANTOPEN || result == SQLITE_READONLY ||
+                                  result == SQLITE_IOERR || result == SQLITE_FULL;
+            throw DatabaseError(
+                (result == SQLITE_BUSY ? "another process is using it" : sqlite3_errmsg(database.get())) +
+                    std::string(isOfDisk ? ". Check its permissions and the space on the disk" : ""),
+                result == SQLITE_CORRUPT || result == SQLITE_NOTADB);
         }
     }
 };

@@ -13,6 +13,7 @@
 class DatabaseError : public std::runtime_error
 {
 public:
+    // The words don't end with a full stop.
     DatabaseError(const std::string &words, bool isDamaged) : std::runtime_error(words), m_isDamaged(isDamaged) {}
 
     // The file isn't what was written: no database, or one with spoiled pages.

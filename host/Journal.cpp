@@ -240,8 +240,7 @@ std::vector<Database::Row> Journal::Run(const std::string &sql, const std::vecto
     catch (const std::exception &error)
     {
         throw ProfileError("The journal of what was published, " + ShownPath(m_profile.JournalFile()) +
-                           ", can't be used: " + error.what() +
-                           ". Check its permissions and the space on the disk.");
+                           ", can't be used: " + error.what() + ".");
     }
 }
 

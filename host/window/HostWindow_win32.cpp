@@ -190,7 +190,14 @@ void HostWindow::OnCreate()
     {
         m_log->Append(LOG_LEVEL_WARNING, notice);
     }
-    Guarded([&] { m_journal = std::make_unique<Journal>(m_profile); });
+    try
+    {
+        m_journal = std::make_unique<Journal>(m_profile);
+    }
+    catch (const ProfileError &error)
+    {
+        m_log->Append(LOG_LEVEL_WARNING, error.what() + std::string(" What is published isn't remembered."));
+    }
     TellJournalNotices();
     FindPlugin();
     Guarded([&] { BeginUse({}); });
