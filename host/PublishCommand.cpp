@@ -10,12 +10,14 @@
 #include "host/PublishRun.h"
 #include "host/RunCourse.h"
 #include "host/RunJournal.h"
-#include "host/SettingsForOneRun_posix.h"
 #include "host/SettingsKey_posix.h"
 #include "host/SystemWords.h"
 #include "host/Terminal_posix.h"
 
+#include "platform/http/EnvironmentProxy.h"
+
 #include <algorithm>
+#include <cstdlib>
 
 namespace
 {
@@ -172,6 +174,13 @@ bool ChecksSettings(const CommandLine &line, LiveDisplay &display)
     return true;
 }
 
+ConnectionSettings OfThisProcess()
+{
+    const ProxyChoice proxy = EnvironmentProxy("https:");
+    const char *const trustFile = std::getenv("HALVORA_CA_FILE");
+    return {ShownProxy(proxy.server), proxy.variable, trustFile != nullptr ? trustFile : ""};
+}
+
 ExitCode RunPlan(PlannedRun plan, const CommandLine &line, InitDataStore &store, LiveDisplay &display)
 {
     SignalWatch signals;
@@ -187,7 +196,7 @@ ExitCode RunPlan(PlannedRun plan, const CommandLine &line, InitDataStore &store,
     {
         Report(tools, record, item);
     }
-    const RunSummary summary = record.Summarize(end.cancelled, SystemWordsOrNone, ProcessVariable);
+    const RunSummary summary = record.Summarize(end.cancelled, SystemWordsOrNone, OfThisProcess());
     display.Print(summary.text, summary.exitCode != ExitCode::Success);
     if (!notTried.empty() && plan.journal)
     {

@@ -3,7 +3,6 @@
 #include "host/FileNames.h"
 #include "host/SystemWords.h"
 #include "host/TextEncodings.h"
-#include "host/window/Clipboard_win32.h"
 #include "host/window/OpenPictures_win32.h"
 #include "host/window/WindowText_win32.h"
 #include "host/window/resource.h"
