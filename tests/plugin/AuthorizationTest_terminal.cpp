@@ -1,4 +1,4 @@
-// The authorization as a user at a terminal meets it.
+// What the links of the state line open, as a user at a terminal meets it.
 #include "account/AuthorizationDialogs.h"
 #include "account/ProxyDiscovery.h"
 #include "plugin/FlickrPublisher.h"
@@ -64,6 +64,37 @@ TEST(AuthorizationAtATerminal, OpensThePageAndWaitsForTheUser)
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
     EXPECT_EQ(folder.Read("xdg-open.opened"), "https://page.example/?a=b\n");
+}
+
+// What the sheet returns, and whether there is an account still.
+std::string EditSettings()
+{
+    PublishFixture fixture;
+    ComPtr<IHalvoraPublishingPlugin> plugin;
+    CFlickrPublisher::CreateInstance(nullptr, __uuidof(IHalvoraPublishingPlugin), plugin.PutVoid());
+    EXPECT_EQ(plugin->Initialize(fixture.Host.Get(), 0, fixture.Stream.Get(), 0), S_OK);
+    WideText verb = TEXT("settings");
+    WideText parameters;
+    const std::string result =
+        std::to_string(plugin->Configure(fixture.Windows.Bar(), verb.data(), parameters.data()));
+    return result + (plugin->CanPublish(nullptr, FALSE) == S_OK ? ", authorized" : "");
+}
+
+TEST(SettingsAtATerminal, ForgetTheAccountIfTheUserRevokesIt)
+{
+    const std::string escape = "\x1B", toAbout = "\x1B[5;5~", ok = "\r";
+    const std::pair<std::string, const char *> cases[] = {
+        {toAbout + "\t\t " + escape, "0, authorized"},
+        {ok, "0, authorized"},
+        {toAbout + "\t\t " + ok, "1"},
+    };
+    for (const auto &[keys, expected] : cases)
+    {
+        TerminalRun run(EditSettings);
+        ASSERT_TRUE(run.WaitFor("Cancel"));
+        ASSERT_TRUE(run.Type(keys));
+        EXPECT_EQ(run.Result(), expected) << run.Screen();
+    }
 }
 
 TEST(AuthorizationAtATerminal, TakesTheUsersProxy)

@@ -76,6 +76,7 @@ TEST(StatusLine, CountsItemsFromTwoOn)
     const auto line = [](UINT64 count, UINT64 units, UINT64 ticks) {
         return Narrow(StatusLine(count, units, ticks, TEXT("1,234"), TEXT("56")));
     };
+    EXPECT_EQ(line(0, 0, 0), "Estimating remaining time...");
     EXPECT_EQ(line(1, 74, Seconds(9)), "Estimating remaining time...");
     EXPECT_EQ(line(1, 75, Seconds(9)), "Estimated time left: less than one minute.");
     EXPECT_EQ(line(2, 0, NoEstimate), "Published 56 of 1,234 items. Estimating remaining time...");

@@ -138,6 +138,7 @@ TEST(OutputSize, TextsOfAnyLengthAreReadAndTheDisplayFormIsCut)
     WCHAR tight[6] = TEXT("8 in");
     NormalizeOutputSize(tight, std::size(tight), IDS_SIZE_PRINT);
     EXPECT_EQ(WideView(tight), WideView(TEXT("8\" pr")));
+    NormalizeOutputSize(nullptr, 0, IDS_SIZE_PRINT);
 
     constexpr INT32 most = std::numeric_limits<INT32>::max();
     const struct

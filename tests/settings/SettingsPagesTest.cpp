@@ -209,6 +209,29 @@ TEST(ConversionPages, FieldsStartAtTheirDefaultsAndAreNotFolded)
     }
 }
 
+TEST(ConversionPages, EachBoxIsStoredUnderItsName)
+{
+    constexpr std::pair<UINT, const char *> boxes[] = {
+        {IDC_MINIMIZE, "Minimize"},    {IDC_WRITE_COPYRIGHT, "WriteCopyright"},
+        {IDC_WRITE_EXIF, "WriteEXIF"}, {IDC_WRITE_XMP, "WriteXMP"},
+        {IDC_WRITE_GPS, "WriteGPS"},   {IDC_WRITE_IPTC, "WriteIPTC"}};
+    for (const auto &[checked, name] : boxes)
+    {
+        SettingsKey key;
+        Shown<RawPage> page;
+        for (const auto &box : boxes)
+        {
+            page.Controls.SetCheck(box.first, box.first == checked);
+        }
+        key.MarkAll();
+        page.Save();
+        const std::string written = key.Written();
+        EXPECT_EQ(written.find("=1"), written.find(std::string("RAW") + name + "=1") + 3 + strlen(name))
+            << written;
+        EXPECT_EQ(written.find("=1"), written.rfind("=1")) << written;
+    }
+}
+
 TEST(ConversionPages, SizesAreShownAndStoredInTheirDisplayForm)
 {
     const struct
