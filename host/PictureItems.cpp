@@ -10,6 +10,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -77,7 +78,10 @@ std::optional<std::string> FaultOf(const fs::path &file)
 class Collector
 {
 public:
-    explicit Collector(bool recursive) : m_recursive(recursive) {}
+    Collector(bool recursive, const std::function<void()> &looksAtFile)
+        : m_recursive(recursive), m_looksAtFile(looksAtFile)
+    {
+    }
 
     void Take(const fs::path &argument)
     {
@@ -103,10 +107,19 @@ public:
     ItemCollection Finish() { return std::move(m_collection); }
 
 private:
+    std::optional<std::string> Look(const fs::path &file) const
+    {
+        if (m_looksAtFile)
+        {
+            m_looksAtFile();
+        }
+        return FaultOf(file);
+    }
+
     void TakeNamedFile(const fs::path &file)
     {
         const std::string extension = ExtensionOf(file);
-        if (auto fault = FaultOf(file))
+        if (auto fault = Look(file))
         {
             m_collection.refused.push_back({file, *fault});
         }
@@ -136,7 +149,7 @@ private:
         {
             return;
         }
-        if (auto fault = FaultOf(file))
+        if (auto fault = Look(file))
         {
             m_collection.refused.push_back({file, *fault});
             return;
@@ -180,20 +193,19 @@ private:
         {
             return false;
         }
-        std::vector<fs::path> entries;
+        std::vector<std::pair<std::string, fs::path>> entries; // with their names, for the sorting
         for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
         {
-            entries.push_back(entry->path());
+            entries.emplace_back(NameBytes(entry->path().filename()), entry->path());
         }
         if (error)
         {
             m_collection.refused.push_back({folder, "can't be listed: " + FileErrorWords(error)});
             return false;
         }
-        std::sort(entries.begin(), entries.end(), [](const fs::path &a, const fs::path &b) {
-            return NaturallyBefore(NameBytes(a.filename()), NameBytes(b.filename()));
-        });
-        for (const fs::path &entry : entries)
+        std::sort(entries.begin(), entries.end(),
+                  [](const auto &a, const auto &b) { return NaturallyBefore(a.first, b.first); });
+        for (const auto &[name, entry] : entries)
         {
             if (IsHidden(entry))
             {
@@ -205,6 +217,7 @@ private:
     }
 
     const bool m_recursive;
+    const std::function<void()> &m_looksAtFile;
     ItemCollection m_collection;
     std::map<fs::path, std::vector<size_t>> m_byStem; // the items of each
     std::set<fs::path> m_seen;
@@ -232,9 +245,10 @@ std::string PictureItem::AsTyped(std::string text) const
     return at == text.npos ? text : text.replace(at, whole.size(), typed);
 }
 
-ItemCollection CollectItems(const std::vector<fs::path> &arguments, bool recursive)
+ItemCollection CollectItems(const std::vector<fs::path> &arguments, bool recursive,
+                            const std::function<void()> &looksAtFile)
 {
-    Collector collector(recursive);
+    Collector collector(recursive, looksAtFile);
     for (const fs::path &argument : arguments)
     {
         collector.Take(argument);

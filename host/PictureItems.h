@@ -48,8 +48,9 @@ struct ItemCollection
 // Items in the order of the arguments; within a folder in natural order, subfolders included. A file
 // that is named twice, also through a link to its folder, is taken once. Hidden files, hidden folders
 // and files without a picture's extension are left out of a walk, and links back into a folder that
-// was walked are not followed.
-ItemCollection CollectItems(const std::vector<std::filesystem::path> &arguments, bool recursive);
+// was walked are not followed. looksAtFile, unless it is null, is called before each file that is looked at.
+ItemCollection CollectItems(const std::vector<std::filesystem::path> &arguments, bool recursive,
+                            const std::function<void()> &looksAtFile = nullptr);
 
 // Says which of the files that were named aren't pictures to publish; levels as in WriteLogEntry.
 void TellOfOtherFiles(const ItemCollection &collection,

@@ -117,34 +117,36 @@ std::string FilesText(const PictureItem &item, std::uintmax_t &bytes)
     return text;
 }
 
-// A line now and then while files are compared, which may take long where many were renamed.
-class ComparingWords
+// Counts on the terminal's line what is looked at before a run: a large tree takes long to read, and longer to compare
+// where many files were renamed.
+class CountedLine
 {
 public:
-    ComparingWords(size_t count, LiveDisplay &display) : m_count(count), m_display(display) {}
+    CountedLine(LiveDisplay &display, std::string words, size_t count = 0)
+        : m_display(display), m_words(std::move(words)), m_count(static_cast<std::int64_t>(count))
+    {
+    }
+    ~CountedLine() { m_display.EndProgress(); }
+    CountedLine(const CountedLine &) = delete;
+    CountedLine &operator=(const CountedLine &) = delete;
 
     bool operator()()
     {
-        const auto now = LiveDisplay::Clock::now();
-        if (now - m_last > std::chrono::seconds(2))
-        {
-            m_last = now;
-            m_display.Log(1, "Looking for what is on the account already: " + std::to_string(m_done) + " of " +
-                                 std::to_string(m_count));
-        }
         ++m_done;
+        m_display.ShowProgress({.high = m_count, .position = m_done, .status = m_words + std::to_string(m_done)},
+                               LiveDisplay::Clock::now());
         return true;
     }
 
 private:
-    const size_t m_count;
     LiveDisplay &m_display;
-    size_t m_done = 0;
-    LiveDisplay::Clock::time_point m_last = LiveDisplay::Clock::now();
+    const std::string m_words;
+    const std::int64_t m_count; // 0: not known
+    std::int64_t m_done = 0;
 };
 } // namespace
 
-ItemCollection CollectNamed(const CommandLine &line, std::vector<std::string> &faults)
+ItemCollection CollectNamed(const CommandLine &line, std::vector<std::string> &faults, LiveDisplay &display)
 {
     std::vector<std::filesystem::path> paths = line.paths;
     try
@@ -159,7 +161,8 @@ ItemCollection CollectNamed(const CommandLine &line, std::vector<std::string> &f
         faults.push_back("The list " + ShownPath(line.filesFrom) +
                          " can't be read: " + FileErrorWords(error.code()) + ".");
     }
-    ItemCollection collection = CollectItems(paths, line.recursive);
+    CountedLine looked(display, "Files looked at: ");
+    ItemCollection collection = CollectItems(paths, line.recursive, [&] { looked(); });
     for (const auto &folder : collection.folders)
     {
         faults.push_back(ShownPath(folder) + " is a folder; give --recursive to publish what is in it.");
@@ -184,8 +187,10 @@ PlannedRun PlanRun(ItemCollection pictures, const CommandLine &line, const Profi
     {
         return plan;
     }
-    const auto entries = FindPublished(plan.pictures.items, *plan.journal, plan.account,
-                                       ComparingWords(plan.pictures.items.size(), display));
+    const auto entries = [&] {
+        CountedLine compared(display, "Compared with what is on the account: ", plan.pictures.items.size());
+        return FindPublished(plan.pictures.items, *plan.journal, plan.account, [&] { return compared(); });
+    }();
     LeaveOut(plan.pictures, entries, SendsUnknown(line, CountUnknown(entries), display));
     for (const RefusedFile &left : plan.pictures.leftOut)
     {

@@ -20,7 +20,7 @@ struct PlannedRun
 
 // The pictures of the command line and of the list that it names. Folders without --recursive, and a list that can't
 // be read, are added to faults, in words.
-ItemCollection CollectNamed(const CommandLine &line, std::vector<std::string> &faults);
+ItemCollection CollectNamed(const CommandLine &line, std::vector<std::string> &faults, LiveDisplay &display);
 
 // May ask the user. Throws ProfileError for a journal that can't be used.
 PlannedRun PlanRun(ItemCollection pictures, const CommandLine &line, const Profile &profile,

@@ -212,7 +212,9 @@ ExitCode RunPublishCommand(const CommandLine &line, const Profile &profile)
 {
     std::vector<std::string> faults;
     const std::vector<SettingAssignment> changes = ParseSettingAssignments(line.assignments, faults);
-    ItemCollection pictures = CollectNamed(line, faults);
+    // Until a run begins no thread is made, and Ctrl-C ends the process.
+    LiveDisplay display(OptionsFor(line), line.porcelain ? WriteFaults : WriteOut, WriteFaults);
+    ItemCollection pictures = CollectNamed(line, faults, display);
     if (!faults.empty())
     {
         std::ranges::for_each(faults, Complain);
@@ -223,8 +225,6 @@ ExitCode RunPublishCommand(const CommandLine &line, const Profile &profile)
     {
         settings.emplace(changes);
     }
-    // Before any thread is made: until a run begins, Ctrl-C ends the process.
-    LiveDisplay display(OptionsFor(line), line.porcelain ? WriteFaults : WriteOut, WriteFaults);
     InitDataStore store(profile);
     store.Load();
     for (const std::string &notice : store.Notices())

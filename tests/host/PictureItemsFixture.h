@@ -32,7 +32,7 @@ protected:
         {
             name = m_folder.Path() / name;
         }
-        return CollectItems(names, recursive);
+        return CollectItems(names, recursive, [this] { ++m_looks; });
     }
 
     std::string ReasonFor(const std::filesystem::path &name)
@@ -43,4 +43,5 @@ protected:
     }
 
     TemporaryFolder m_folder;
+    int m_looks = 0; // at files
 };

@@ -33,6 +33,7 @@ TEST_F(PictureItems, AWalkIsInNaturalOrderAndLeavesOutWhatIsHiddenOrNoPicture)
     const auto collection = Collect({"p"}, true);
     EXPECT_THAT(Told(collection, m_folder.Path()),
                 ElementsAre("p/deep/er/x[gif]", "p/IMG1[jpg]", "p/img2[jpg]", "p/img10[jpg]"));
+    EXPECT_EQ(m_looks, 4);
     EXPECT_THAT(collection.refused, IsEmpty());
 }
 

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <map>
-#include <tuple>
 
 using testing::ElementsAre;
 using testing::ElementsAreArray;
@@ -151,62 +150,6 @@ TEST_F(ImagePreparation, WritesThePictureThatTheHostProcessed)
     EXPECT_THAT(Calls().LinesOf("Options.Write "),
                 ElementsAre("ImageQuality 1 VT_R4=3F400000, JpegYCrCbSubsampling 1 VT_UI1=1"));
     EXPECT_THAT(Calls().LinesOf("Frame.SetResolution "), ElementsAre("96 96"));
-}
-
-// Every call of a pass fails once: most failures end the upload at once, some cost only the call's own effect.
-TEST_F(ImagePreparation, EndsAtTheFirstFailureThatMatters)
-{
-    enum Consequence
-    {
-        Ends,
-        IsPassedOver,
-        StartsAPassWithoutBlocks
-    };
-    const std::map<std::string, Consequence> intact{
-        {"CreateColorContext", IsPassedOver},
-        {"CreateDecoder jpeg other", IsPassedOver},
-        {"Other decoder.Initialize 0", IsPassedOver},
-        {"Other decoder.GetFrame 0", IsPassedOver},
-        {"Other source.GetColorContexts 1", IsPassedOver},
-        {"Frame.SetColorContexts 1", IsPassedOver},
-        {"Source.BlockReader", IsPassedOver},
-        {"Frame.InitializeFromBlockReader", IsPassedOver},
-        {"Metadata.Remove /xmp", IsPassedOver},
-        {"Metadata.Remove /app13", IsPassedOver},
-        {"WriteImageMetadata 1111110 800x600 at 96x96 copyright exif xmp gps iptc", StartsAPassWithoutBlocks},
-    };
-    const std::map<std::string, Consequence> processed{
-        {"Metadata.Set /app1/ifd/exif/{ushort=41985} VT_UI2=1", IsPassedOver},
-    };
-    for (const auto &[mode, calls, exceptions] :
-         {std::tuple(SendPixelsIntact, AfterFactory(IntactPass), intact),
-          std::tuple(SendProcessed, AfterFactory(ProcessedPass), processed)})
-    {
-        UploadOptions options = SingleUpload::Options(mode);
-        options.LongEdgePixels = mode == SendProcessed ? 1024 : 0;
-        for (size_t number = 1; number <= calls.size(); ++number)
-        {
-            const std::string &call = calls[number - 1];
-            const auto exception = exceptions.find(call);
-            const Consequence consequence = exception == exceptions.end() ? Ends : exception->second;
-            Calls().Clear();
-            Calls().FailCall(number, SomeFailure);
-            EXPECT_EQ(Upload(options), consequence == Ends ? SomeFailure : S_OK) << call;
-            Lines made = Calls().Lines();
-            ASSERT_GE(made.size(), number) << call;
-            EXPECT_EQ(made[number - 1], call);
-            EXPECT_THAT(Single.Pauses, IsEmpty()) << call;
-            if (consequence == Ends)
-            {
-                EXPECT_EQ(made.size(), number) << call << " is not the last call";
-                continue;
-            }
-            made.erase(made.begin(), made.begin() + static_cast<ptrdiff_t>(number));
-            EXPECT_EQ(made.back(), "Encoder.Commit") << call;
-            const bool isNewPass = std::ranges::count(made, "CreateEncoder jpeg Microsoft") != 0;
-            EXPECT_EQ(isNewPass, consequence == StartsAPassWithoutBlocks) << call;
-        }
-    }
 }
 
 TEST_F(ImagePreparation, TakesNoOtherFileForAJpeg)

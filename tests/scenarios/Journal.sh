@@ -27,6 +27,8 @@ halvora settings JPEGMode=0 >/dev/null
 expect 0 publish -n 10.jpg 11.jpg
 says 'A run would publish 2 ('
 arrived 0
+TERM=xterm script -qec "'$bin/halvora' --profile '$work/profile' publish -n 10.jpg 11.jpg" /dev/null </dev/null >"$work/out"
+says 'Files looked at: 1'
 
 # What was published is left out, also under another name; its page is told; --again sends it.
 halvora publish --porcelain 10.jpg 11.jpg >"$work/lines" 2>"$work/out" || fail 'not published'
