@@ -235,7 +235,7 @@ void HostWindow::StartThread()
 
 void HostWindow::CancelRun()
 {
-    m_use->Plugin().Cancel(CommandsIn(State()).isCancelAbrupt);
+    m_use->Cancel(CommandsIn(State()).isCancelAbrupt);
     m_phase = AfterCancel(m_phase);
     if (m_phase == RunPhase::Finishing)
     {

@@ -354,7 +354,7 @@ bool HostWindow::OnClose()
         }
         m_closesAfterRun = true;
         m_phase = RunPhase::Stopping;
-        m_use->Plugin().Cancel(TRUE);
+        m_use->Cancel(true);
         UpdateCommands();
     }
     return false;

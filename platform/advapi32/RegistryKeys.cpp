@@ -8,27 +8,22 @@
 
 namespace
 {
-struct OpenKey
-{
-    WideText path;
-    REGSAM access;
-};
-
 std::mutex tableLock;
 
-std::map<HKEY, OpenKey> &Table()
+// The paths of open keys.
+std::map<HKEY, WideText> &Table()
 {
-    static auto *table = new std::map<HKEY, OpenKey>;
+    static auto *table = new std::map<HKEY, WideText>;
     return *table;
 }
 
-HKEY OpenHandle(const WideText &path, REGSAM access)
+HKEY OpenHandle(const WideText &path)
 {
     const std::lock_guard guard(tableLock);
     static ULONG_PTR last = 0x100;
     // A value is never used again, so that a closed handle is recognised.
     const auto key = reinterpret_cast<HKEY>(last += 4);
-    Table().emplace(key, OpenKey{path, access});
+    Table().emplace(key, path);
     return key;
 }
 
@@ -50,7 +45,7 @@ LSTATUS Exists(const WideText &path)
 }
 } // namespace
 
-LSTATUS LocateKey(HKEY key, LPCWSTR subkey, REGSAM needed, WideText &path)
+LSTATUS LocateKey(HKEY key, LPCWSTR subkey, WideText &path)
 {
     if (key == HKEY_CLASSES_ROOT || key == HKEY_LOCAL_MACHINE)
     {
@@ -65,17 +60,13 @@ LSTATUS LocateKey(HKEY key, LPCWSTR subkey, REGSAM needed, WideText &path)
         {
             return ERROR_INVALID_HANDLE;
         }
-        if ((found->second.access & needed) != needed)
-        {
-            return ERROR_ACCESS_DENIED;
-        }
-        path = found->second.path;
+        path = found->second;
     }
     Append(path, subkey ? WideView(subkey) : WideView());
     return ERROR_SUCCESS;
 }
 
-LSTATUS WINAPI RegOpenKeyExW(HKEY key, LPCWSTR subkey, DWORD, REGSAM access, PHKEY opened)
+LSTATUS WINAPI RegOpenKeyExW(HKEY key, LPCWSTR subkey, DWORD, REGSAM, PHKEY opened)
 {
     if (opened == nullptr)
     {
@@ -84,14 +75,14 @@ LSTATUS WINAPI RegOpenKeyExW(HKEY key, LPCWSTR subkey, DWORD, REGSAM access, PHK
     *opened = nullptr;
     return WithoutExceptions([&] {
         WideText path;
-        LSTATUS result = LocateKey(key, subkey, 0, path);
+        LSTATUS result = LocateKey(key, subkey, path);
         result = result == ERROR_SUCCESS ? Exists(path) : result;
-        *opened = result == ERROR_SUCCESS ? OpenHandle(path, access) : nullptr;
+        *opened = result == ERROR_SUCCESS ? OpenHandle(path) : nullptr;
         return result;
     });
 }
 
-LSTATUS WINAPI RegCreateKeyExW(HKEY key, LPCWSTR subkey, DWORD reserved, LPWSTR, DWORD, REGSAM access,
+LSTATUS WINAPI RegCreateKeyExW(HKEY key, LPCWSTR subkey, DWORD reserved, LPWSTR, DWORD, REGSAM,
                                LPSECURITY_ATTRIBUTES, PHKEY opened, LPDWORD disposition)
 {
     if (opened == nullptr || subkey == nullptr || reserved != 0)
@@ -101,19 +92,17 @@ LSTATUS WINAPI RegCreateKeyExW(HKEY key, LPCWSTR subkey, DWORD reserved, LPWSTR,
     *opened = nullptr;
     return WithoutExceptions([&] {
         WideText path;
-        LSTATUS result = LocateKey(key, subkey, 0, path);
+        LSTATUS result = LocateKey(key, subkey, path);
         result = result == ERROR_SUCCESS ? Exists(path) : result;
         const bool isNew = result == ERROR_FILE_NOT_FOUND;
         if (isNew)
         {
-            result = LocateKey(key, subkey, KEY_CREATE_SUB_KEY, path);
-            result = result != ERROR_SUCCESS ? result
-                                             : RegistryDatabase::Instance().Write([&](RegistryContent &content) {
-                                                   content.Make(path);
-                                                   return ERROR_SUCCESS;
-                                               });
+            result = RegistryDatabase::Instance().Write([&](RegistryContent &content) {
+                content.Make(path);
+                return ERROR_SUCCESS;
+            });
         }
-        *opened = result == ERROR_SUCCESS ? OpenHandle(path, access) : nullptr;
+        *opened = result == ERROR_SUCCESS ? OpenHandle(path) : nullptr;
         if (result == ERROR_SUCCESS && disposition != nullptr)
         {
             *disposition = isNew ? REG_CREATED_NEW_KEY : REG_OPENED_EXISTING_KEY;
@@ -136,7 +125,7 @@ LSTATUS WINAPI RegDeleteKeyW(HKEY key, LPCWSTR subkey)
     }
     return WithoutExceptions([&] {
         WideText path;
-        LSTATUS result = LocateKey(key, subkey, 0, path);
+        LSTATUS result = LocateKey(key, subkey, path);
         result = result == ERROR_SUCCESS ? Exists(path) : result;
         return result != ERROR_SUCCESS
                    ? result

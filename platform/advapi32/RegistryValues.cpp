@@ -6,12 +6,12 @@
 
 namespace
 {
-// Calls body with the key, null if it holds nothing, if the handle has the rights that are needed.
+// Calls body with the key, null if it holds nothing.
 template <class Body>
-LSTATUS ReadKey(HKEY key, REGSAM needed, Body &&body)
+LSTATUS ReadKey(HKEY key, Body &&body)
 {
     WideText path;
-    const LSTATUS located = LocateKey(key, nullptr, needed, path);
+    const LSTATUS located = LocateKey(key, nullptr, path);
     return located != ERROR_SUCCESS
                ? located
                : RegistryDatabase::Instance().Read([&](const RegistryContent &content) -> LSTATUS {
@@ -23,7 +23,7 @@ template <class Body>
 LSTATUS WriteKey(HKEY key, Body &&body)
 {
     WideText path;
-    const LSTATUS located = LocateKey(key, nullptr, KEY_SET_VALUE, path);
+    const LSTATUS located = LocateKey(key, nullptr, path);
     return located != ERROR_SUCCESS ? located
                                     : RegistryDatabase::Instance().Write([&](RegistryContent &content) -> LSTATUS {
                                           return content.Has(path) ? body(content.Make(path)) : ERROR_KEY_DELETED;
@@ -64,7 +64,7 @@ LSTATUS WINAPI RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWOR
         return ERROR_INVALID_PARAMETER;
     }
     return WithoutExceptions([&] {
-        return ReadKey(key, KEY_QUERY_VALUE, [&](const RegistryKey *found) -> LSTATUS {
+        return ReadKey(key, [&](const RegistryKey *found) -> LSTATUS {
             const RegistryValue *const value = found ? found->FindValue(NameOf(name)) : nullptr;
             return value ? HandOut(*value, type, data, size) : ERROR_FILE_NOT_FOUND;
         });
@@ -80,7 +80,7 @@ LSTATUS WINAPI RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type
     return WithoutExceptions([&] {
         RegistryValue wanted{WideText(NameOf(name)), type, std::vector<BYTE>(data, data + size)};
         // If the value is stored already, the file isn't replaced.
-        const LSTATUS stored = ReadKey(key, KEY_SET_VALUE, [&](const RegistryKey *found) -> LSTATUS {
+        const LSTATUS stored = ReadKey(key, [&](const RegistryKey *found) -> LSTATUS {
             const RegistryValue *const value = found ? found->FindValue(wanted.name) : nullptr;
             return value && value->type == type && value->data == wanted.data ? ERROR_SUCCESS
                                                                               : ERROR_FILE_NOT_FOUND;

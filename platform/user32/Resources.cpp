@@ -31,27 +31,17 @@ WideView FindString(HINSTANCE module, UINT id)
 }
 } // namespace
 
+// Only with a capacity of 0: buffer is really the address of a pointer, which receives the table's own text.
 int WINAPI LoadStringW(HINSTANCE module, UINT id, WCHAR *buffer, int capacity)
 {
-    if (buffer == nullptr || capacity < 0)
+    if (buffer == nullptr || capacity != 0)
     {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
     const WideView text = FindString(module, id);
-    if (capacity == 0)
-    {
-        // With length 0, `buffer` is really the address of a pointer, which receives the table's own text.
-        *reinterpret_cast<const WCHAR **>(buffer) = text.empty() ? nullptr : text.data();
-        return static_cast<int>(text.size());
-    }
-    const size_t length = std::min(text.size(), static_cast<size_t>(capacity) - 1);
-    *std::copy_n(text.begin(), length, buffer) = 0;
-    if (text.empty())
-    {
-        SetLastError(ERROR_RESOURCE_NAME_NOT_FOUND);
-    }
-    return static_cast<int>(length);
+    *reinterpret_cast<const WCHAR **>(buffer) = text.empty() ? nullptr : text.data();
+    return static_cast<int>(text.size());
 }
 
 // Natively icons are never drawn. An icon's handle is the address of its resource entry, so that each

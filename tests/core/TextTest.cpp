@@ -21,6 +21,7 @@ TEST(StringTable, GivesATextAndTellsAnAbsentOne)
     BstrOwner text;
     EXPECT_TRUE(LoadStringResource(IDS_DISPLAY_NAME, text));
     EXPECT_EQ(Narrow(text.View()), "Publish to Flickr");
+    EXPECT_FALSE(LoadStringResource(101, text)) << "in a block that is there";
     EXPECT_FALSE(LoadStringResource(65000, text));
     EXPECT_EQ(text.Get(), nullptr);
     EXPECT_EQ(Narrow(LoadStringOrPlaceholder(65000)), "?");

@@ -1,6 +1,6 @@
 #include "host/ImageTexts.h"
 
-#include "com/BstrOwner.h"
+#include "publish/ItemRecord.h"
 
 #include <gmock/gmock.h>
 
@@ -16,21 +16,18 @@ TEST(ImageTexts, KeywordsStayWhatTheyAreInTheJoinedList)
 
 TEST(ImageTexts, AbsentTextsStayNullInTheRecord)
 {
-    ItemRecord record = {};
+    ItemRecordOwner owner;
+    ItemRecord &record = *owner.Get();
     ImageTexts texts;
     texts.title = TEXT("Title");
     texts.keywords = {TEXT("a"), TEXT("b")};
     texts.comment = TEXT("Comment");
     texts.copyright = TEXT("me");
     FillTexts(record, texts);
-    const BstrOwner title = BstrOwner::Adopt(record.Iptc.Texts[IPTC_TEXT_CAPTION]);
-    const BstrOwner keywords = BstrOwner::Adopt(record.Iptc.Texts[IPTC_TEXT_KEYWORDS]);
-    const BstrOwner comment = BstrOwner::Adopt(record.ExifComment);
-    const BstrOwner copyright = BstrOwner::Adopt(record.CopyrightTexts[1]);
-    EXPECT_EQ(title.View(), TEXT("Title"));
-    EXPECT_EQ(keywords.View(), TEXT("a;b"));
-    EXPECT_EQ(comment.View(), TEXT("Comment"));
-    EXPECT_EQ(copyright.View(), TEXT("me"));
+    EXPECT_EQ(WideView(record.Iptc.Texts[IPTC_TEXT_CAPTION]), TEXT("Title"));
+    EXPECT_EQ(WideView(record.Iptc.Texts[IPTC_TEXT_KEYWORDS]), TEXT("a;b"));
+    EXPECT_EQ(WideView(record.ExifComment), TEXT("Comment"));
+    EXPECT_EQ(WideView(record.CopyrightTexts[1]), TEXT("me"));
     EXPECT_EQ(record.Iptc.Texts[IPTC_TEXT_DESCRIPTION], nullptr);
     EXPECT_EQ(record.CopyrightTexts[0], nullptr);
 }

@@ -2,12 +2,15 @@
 
 #include "tests/host/ProfileFixture.h"
 
+#include "database/Database.h"
 #include "host/FileDigest.h"
 #include "host/RunJournal.h"
 
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <fstream>
+#include <thread>
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
@@ -115,6 +118,21 @@ TEST_F(JournalTest, EntriesGetTheAddressOfTheAccountOnceItIsKnown)
     journal.Settle(journal.Begin({"", Ada.token}, Look(file)), JournalOutcome::Published, "1", "");
     journal.Recognize(Ada);
     EXPECT_EQ(Found({Ada.photosUrl, "another token"}, file), "one.jpg 1");
+}
+
+TEST_F(JournalTest, WaitsForAnotherProcessThatWrites)
+{
+    const fs::path file = m_folder.Write("one.jpg", "bytes");
+    Journal journal(m_profile);
+    Database other(m_profile.JournalFile());
+    other.Run("BEGIN IMMEDIATE");
+    std::thread end([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        other.Run("COMMIT");
+    });
+    Publish(journal, file);
+    end.join();
+    EXPECT_EQ(Found(Ada, file), "one.jpg 1");
 }
 
 TEST_F(JournalTest, ADamagedOneIsSetAsideAndReadAsFarAsItGoes)

@@ -9,6 +9,7 @@
 #include "com/BstrOwner.h"
 #include "com/ComObject.h"
 #include "com/ComPtr.h"
+#include "publish/ItemRecord.h"
 
 #include <wincodec.h>
 
@@ -69,6 +70,13 @@ protected:
             std::move(support));
     }
 
+    // The plug-in turns to the item.
+    void Begin(UINT64 item)
+    {
+        ItemRecordOwner record;
+        EXPECT_EQ(m_host->GetItemRecord(item, record.Get()), S_OK);
+    }
+
     ComPtr<PublishingHost> m_host = NewHost(TryWritingMetadata);
 };
 } // namespace
@@ -88,19 +96,17 @@ TEST_F(PublishingHostTest, GivesTheItemsAndTheirRecords)
     ASSERT_EQ(count, 2);
     const auto *handles = static_cast<const UINT64 *>(GlobalLock(list));
     ASSERT_NE(handles, nullptr);
-    ItemRecord record = {};
-    ASSERT_EQ(m_host->GetItemRecord(handles[0], &record), S_OK);
+    ItemRecordOwner record;
+    ASSERT_EQ(m_host->GetItemRecord(handles[0], record.Get()), S_OK);
     GlobalUnlock(list);
-    const BstrOwner path = BstrOwner::Adopt(record.Path);
-    const BstrOwner extensions = BstrOwner::Adopt(record.Extensions);
-    EXPECT_EQ(path.View(), TEXT("/p/caf") + WideText(1, 0xDCE9));
-    EXPECT_EQ(extensions.View(), TEXT("tif;jpg"));
+    EXPECT_EQ(WideView(record.Get()->Path), TEXT("/p/caf") + WideText(1, 0xDCE9));
+    EXPECT_EQ(WideView(record.Get()->Extensions), TEXT("tif;jpg"));
     EXPECT_EQ(m_record.EndOf(0), ItemEnd::NotTried) << "it is running";
     m_record.RunEnds();
     EXPECT_EQ(m_record.EndOf(0), ItemEnd::Published);
     EXPECT_EQ(m_record.EndOf(1), ItemEnd::NotTried);
-    EXPECT_EQ(m_host->GetItemRecord(3, &record), E_INVALIDARG);
-    EXPECT_EQ(m_host->GetItemRecord(0, &record), E_INVALIDARG);
+    EXPECT_EQ(m_host->GetItemRecord(3, record.Get()), E_INVALIDARG);
+    EXPECT_EQ(m_host->GetItemRecord(0, record.Get()), E_INVALIDARG);
 }
 
 TEST_F(PublishingHostTest, AnEmptyListCanBeLocked)
@@ -117,10 +123,7 @@ TEST_F(PublishingHostTest, AnEmptyListCanBeLocked)
 
 TEST_F(PublishingHostTest, LogEntriesReachSinkAndRecord)
 {
-    ItemRecord record = {};
-    m_host->GetItemRecord(2, &record);
-    const BstrOwner path = BstrOwner::Adopt(record.Path);
-    const BstrOwner extensions = BstrOwner::Adopt(record.Extensions);
+    Begin(2);
     EXPECT_EQ(m_host->WriteLogEntry(3, TEXT("Flickr"), TEXT("größe")), S_OK);
     EXPECT_EQ(m_host->WriteLogEntry(1, nullptr, nullptr), S_OK);
     EXPECT_THAT(m_log, ElementsAre("3 Flickr: größe", "1 : "));
@@ -152,11 +155,8 @@ TEST_F(PublishingHostTest, LearnsFromTheWebComponentWhatTheServiceGave)
         const UploadObservation observed(*m_host.Get());
         ComPtr<IUploadObserver> observer;
         ASSERT_EQ(create(observer), S_OK);
-        ItemRecord record = {};
         m_record.TryAgain(1);
-        m_host->GetItemRecord(2, &record);
-        const BstrOwner path = BstrOwner::Adopt(record.Path);
-        const BstrOwner extensions = BstrOwner::Adopt(record.Extensions);
+        Begin(2);
         EXPECT_EQ(observer->OnUploadReply(one.result, one.reply ? MakeDocument(one.reply).Get() : nullptr), S_OK);
         EXPECT_EQ(m_record.IdsOf(1).photo, one.ids.photo);
         EXPECT_EQ(m_record.IdsOf(1).ticket, one.ids.ticket);
@@ -171,10 +171,7 @@ TEST_F(PublishingHostTest, StopsWhereThereIsNoConnection)
     m_host->StopBy(2, [&] { ++stops; });
     for (const UINT64 item : {1, 2})
     {
-        ItemRecord record = {};
-        m_host->GetItemRecord(item, &record);
-        const BstrOwner path = BstrOwner::Adopt(record.Path);
-        const BstrOwner extensions = BstrOwner::Adopt(record.Extensions);
+        Begin(item);
         EXPECT_EQ(stops, 0);
         m_host->WriteLogEntry(3, TEXT("Flickr"), TEXT("\"p\" (Error code: 0x80072efd) No connection, refused."));
     }
@@ -194,10 +191,7 @@ TEST_F(PublishingHostTest, WaitsAsTheServiceAsksWhereAnotherItemFollows)
     std::vector<int> pauses;
     m_host->PauseBy([&](std::chrono::seconds pause) { pauses.push_back(static_cast<int>(pause.count())); });
     const auto fail = [&](UINT64 item, const WCHAR *words) {
-        ItemRecord record = {};
-        m_host->GetItemRecord(item, &record);
-        const BstrOwner path = BstrOwner::Adopt(record.Path);
-        const BstrOwner extensions = BstrOwner::Adopt(record.Extensions);
+        Begin(item);
         m_host->WriteLogEntry(3, TEXT("Flickr"), words);
     };
     const WCHAR *const asks = TEXT("Could not publish \"p\" (Error code: 0x801901ad) HTTP Status = 429: Too Many ")
@@ -211,11 +205,8 @@ TEST_F(PublishingHostTest, WaitsAsTheServiceAsksWhereAnotherItemFollows)
 
 TEST_F(PublishingHostTest, SaysOnceWhichFilesAreLeftOutForTheOneThatIsPublished)
 {
-    ItemRecord record = {};
     const auto publish = [&](UINT64 item, WideView file) {
-        m_host->GetItemRecord(item, &record);
-        const BstrOwner path = BstrOwner::Adopt(record.Path);
-        const BstrOwner extensions = BstrOwner::Adopt(record.Extensions);
+        Begin(item);
         for (int entry = 0; entry < 2; ++entry)
         {
             const WideText words = TEXT("Publishing \"") + WideText(file) + TEXT("\".");

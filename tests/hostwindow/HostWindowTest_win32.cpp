@@ -316,7 +316,7 @@ TEST_F(HostRun, LeavesOutWhatAnotherWindowPublished)
 TEST_F(HostRun, IsCancelledInTwoSteps)
 {
     Authorize();
-    const HostProgram host(Profile(), {Sample("one.jpg"), Sample("two.jpg"), Sample("three.jpg")});
+    const HostProgram host(Profile(), {Sample("one.jpg"), Sample("busy.jpg"), Sample("three.jpg")});
     ASSERT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
     host.Press(IDC_PUBLISH);
     ASSERT_TRUE(host.AwaitText(IDC_STATUS, L"Picture 1 of 3"));
@@ -328,9 +328,21 @@ TEST_F(HostRun, IsCancelledInTwoSteps)
     EXPECT_TRUE(host.AwaitLog(L"Published 1 of 3 pictures"));
     EXPECT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
 
-    host.Press(IDC_PUBLISH);
-    ASSERT_TRUE(host.AwaitText(IDC_STATUS, L"Picture 1 of 2"));
-    EXPECT_EQ(host.Text(IDC_CANCEL), firstStep);
+    // Also while the service has asked for a pause.
+    const auto publishTheRest = [&] {
+        host.Press(IDC_PUBLISH);
+        EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Picture 1 of 2"));
+        EXPECT_EQ(host.Text(IDC_CANCEL), firstStep);
+    };
+    publishTheRest();
+    LetOnePictureEnd();
+    EXPECT_TRUE(host.AwaitLog(L"Flickr asks for a pause: going on in 300 seconds."));
+    EXPECT_FALSE(WaitFor([&] { return host.Text(IDC_STATUS) == L"Picture 2 of 2"; }, 500));
+    host.Press(IDC_CANCEL);
+    EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Trial cancelled."));
+    EXPECT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
+
+    publishTheRest();
     host.Press(IDC_CANCEL);
     ASSERT_TRUE(WaitFor([&] { return host.Text(IDC_CANCEL) != firstStep; }));
     host.Press(IDC_CANCEL);

@@ -48,13 +48,3 @@ TEST(LoopbackService, KeepsItsStoreToItselfAndForTheNextRun)
             << key;
     }
 }
-
-TEST(LoopbackService, RefusesWhatItCannotDo)
-{
-    TestFolder folder;
-    EXPECT_THROW(RunningService({.faults = {"kind=smoke"}}, folder), std::runtime_error);
-    EXPECT_THROW(RunningService({.accountProperties = {"level=gold"}}, folder), std::runtime_error);
-    EXPECT_THROW(RunningService({.tokens = {"no-secret"}}, folder), std::runtime_error);
-    const RunningService service({}, folder);
-    EXPECT_THROW(RunningService({.port = service.Port()}), std::runtime_error);
-}

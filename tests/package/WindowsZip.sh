@@ -104,6 +104,9 @@ for local in 'C:\users\jo\AppData\Local' 'C:\users\Zoë 写真 (neu)\Local'; do
         grep -qF "@=\"${local//\\/\\\\}\\\\Halvora\\\\Publish to Flickr\\\\$module\"" "$work/installed" ||
             fail "$module is not registered where it lies"
     done
+    # The plug-in's class and the three of the web components.
+    [ "$(grep -c '"ThreadingModel"="Both"' <(comm -13 <(sort "$work/before") <(sort "$work/installed")))" -eq 4 ] ||
+        fail 'not four classes for any thread'
     diff <(machine before) <(machine installed) >&2 || fail 'something is registered for the whole machine'
     grep -qi 'typelib\\{20FB81F4' "$work/by-wine" || fail 'Wine keeps the type library to the user now: the allowance can go'
     run "$unpacked" uninstall.cmd 0

@@ -22,4 +22,3 @@ inline const int WineVersion = [] {
 }();
 
 inline const bool UnderWine = WineVersion != 0;
-inline const bool UnderWineBefore10 = UnderWine && WineVersion < 10;

@@ -1,14 +1,15 @@
 #include "tests/privacy/MarkedPicture.h"
 
 #include "tests/host/SampleDng.h"
+#include "tests/host/TemporaryFolder.h"
 #include "tests/platform/windowscodecs_jpeg/SamplePictures_posix.h"
 #include "tests/privacy/MarkedPng.h"
 #include "tests/privacy/MarkedValues.h"
 
 #include <exiv2/exiv2.hpp>
-#include <vips/vips.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <stdexcept>
 
 using namespace std::string_literals;
@@ -87,21 +88,6 @@ std::string Thumbnail()
     SampleOptions small{.Width = 16, .Height = 12};
     small.Markers = {{0xE1, "Exif\0\0"s + ValueOf("thumbnail, EXIF")}, {0xFE, ValueOf("thumbnail, COM")}};
     return AsString(MakeJpeg(small));
-}
-
-// Eight by eight pixels of gray: the smallest set of tags, pointing behind themselves.
-std::string MakePlainTiff()
-{
-    const std::pair<int, int> shorts[] = {{256, 8}, {257, 8},   {258, 8}, {259, 1},
-                                          {262, 1}, {273, 110}, {277, 1}, {278, 8}};
-    const auto number = [](int value, int bytes) { return NumberBytes(static_cast<size_t>(value), bytes, false); };
-    std::string file = "II*\0\x08\0\0\0"s + number(std::size(shorts), 2);
-    for (const auto &[tag, value] : shorts)
-    {
-        file += number(tag, 2) + number(3, 2) + number(1, 4) + number(value, 4);
-    }
-    file += number(0, 4);
-    return file + std::string(64, '\x80');
 }
 
 void AddExif(Exiv2::ExifData &data, const std::string &thumbnail)
@@ -219,22 +205,24 @@ std::string Written(Exiv2::Image &image)
     return file;
 }
 
+// What vips makes: its words, the new file with such an extension, and further words.
+std::string MadeByVips(Contents contents, const std::string &words, const char *further)
+{
+    const TemporaryFolder folder;
+    const std::string name = std::string("made") + ExtensionOf(contents);
+    const std::string command = "vips " + words + " " + (folder.Path() / name).string() + further;
+    if (std::system(command.c_str()) != 0)
+    {
+        throw std::runtime_error(command);
+    }
+    return folder.Read(name);
+}
+
 // EXIF and XMP of a JPEG, and its pixels, in a file of boxes, which Exiv2 reads but doesn't write.
 std::string AsHeif(const std::string &jpeg)
 {
-    VipsImage *image = nullptr;
-    void *bytes = nullptr;
-    size_t size = 0;
-    if (VIPS_INIT("tests") != 0 ||
-        (image = vips_image_new_from_buffer(jpeg.data(), jpeg.size(), "", nullptr)) == nullptr ||
-        vips_heifsave_buffer(image, &bytes, &size, "compression", VIPS_FOREIGN_HEIF_COMPRESSION_AV1, nullptr) != 0)
-    {
-        throw std::runtime_error(vips_error_buffer());
-    }
-    std::string file(static_cast<const char *>(bytes), size);
-    g_free(bytes);
-    g_object_unref(image);
-    return file;
+    const TemporaryFolder folder;
+    return MadeByVips(Contents::Heif, "copy " + folder.Write("p.jpg", jpeg).string(), "");
 }
 
 std::string MakePlainPicture(Contents contents)
@@ -242,12 +230,9 @@ std::string MakePlainPicture(Contents contents)
     switch (contents)
     {
     case Contents::Tiff:
-        return MakePlainTiff();
     case Contents::WebP:
-        // One pixel, coded without loss.
-        return "RIFF\x1A\0\0\0WEBPVP8L\x0D\0\0\0\x2F\0\0\0\x10\x07\x10\x11\x11\x88\x88\xFE\x07\0"s;
     case Contents::Png:
-        return MakePlainPng();
+        return MadeByVips(contents, "black", " 16 12 --bands 3");
     case Contents::Raw:
         return MakeDng(64, 48, 1);
     default:

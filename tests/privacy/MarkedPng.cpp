@@ -27,32 +27,7 @@ std::string Chunk(const std::string &type, const std::string &contents)
     return BigEndian(contents.size()) + checked +
            BigEndian(crc32(0, BytesOf(checked), static_cast<uInt>(checked.size())));
 }
-
-std::string Deflated(const std::string &bytes)
-{
-    uLongf size = compressBound(bytes.size());
-    std::string result(size, '\0');
-    compress(reinterpret_cast<Bytef *>(result.data()), &size, BytesOf(bytes), bytes.size());
-    result.resize(size);
-    return result;
-}
 } // namespace
-
-std::string MakePlainPng()
-{
-    // Rows of RGB, each behind the number of its filter.
-    std::string pixels;
-    for (int y = 0; y < 12; ++y)
-    {
-        pixels += '\0';
-        for (int x = 0; x < 16; ++x)
-        {
-            pixels += {static_cast<char>(x * 15), static_cast<char>(y * 20), '\x40'};
-        }
-    }
-    return "\x89PNG\r\n\x1A\n"s + Chunk("IHDR", BigEndian(16) + BigEndian(12) + "\x08\x02\0\0\0"s) +
-           Chunk("IDAT", Deflated(pixels)) + Chunk("IEND", "");
-}
 
 void AddPngChunks(std::string &file, const std::string &exif)
 {

@@ -316,6 +316,13 @@ TEST_F(PrivacyMatrix, IntactPixels)
     {
         EXPECT_NE(FindValue(sent, ValueAt(place)), std::string::npos) << place;
     }
+    // A maker note's offsets count from the block's start, so it stays where it was, though all else moves.
+    const auto placeOfNote = [](const std::string &file) {
+        return file.find("qzMakerSerial") - file.find("Exif\0\0II*\0"s);
+    };
+    EXPECT_EQ(placeOfNote(sent), placeOfNote(Marked));
+    const auto tags = ReadWithExiftool(Octets(sent.begin(), sent.end()));
+    EXPECT_EQ(tags.at("IFD0:XResolution"), tags.at("JFIF:XResolution"));
 }
 
 TEST_F(PrivacyMatrix, IntactPixelsWithoutBlocksAfterAFailure)

@@ -66,22 +66,6 @@ TEST_F(Dialogs, AskForPermission)
     }
 }
 
-TEST_F(Dialogs, WaitForTheUser)
-{
-    ASSERT_TRUE(m_document.LoadFromResource(IDX_COMPLETION, TEXT("TDXML"), ThisModule()));
-    WideText texts;
-    {
-        const DialogDriver driver(TEXT("Authorization Completion"), [&](HWND dialog) {
-            texts = TextsOf(dialog);
-            PostMessageW(dialog, TDM_CLICK_BUTTON, 1, 0);
-        });
-        EXPECT_EQ(ShowTaskDialog(m_document, m_owner.Handle(), false, Completion), 1);
-    }
-    EXPECT_TRUE(Has(texts, TEXT("Return to this window once you've authorized Halvora on Flickr.")));
-    EXPECT_TRUE(Has(texts, TEXT("click the Authorization Granted button below to complete the process")));
-    EXPECT_TRUE(Has(texts, TEXT("Authorization Granted\n")));
-}
-
 // The platform itself would put this one in the middle of the screen.
 TEST_F(Dialogs, AreCentredByTheHookAlone)
 {

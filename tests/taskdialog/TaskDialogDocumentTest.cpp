@@ -120,70 +120,54 @@ TEST_F(TaskDialogDocuments, KnowFourIcons)
 
 TEST_F(TaskDialogDocuments, HaveCommonButtonsByWordAndOthersByNumber)
 {
+    const std::string text = "'><text line='1'>No</text></button>";
     const struct
     {
-        const char *buttons;
-        int common;
-        int byDefault;
-        const WCHAR *custom;
-        std::vector<INT32> shields;
+        std::string buttons;
+        int common = 0;
+        int byDefault = 0;
+        const WCHAR *custom = TEXT("");
+        std::vector<INT32> shields = {};
     } cases[] = {
-        {"<buttons/>", 0, 0, TEXT(""), {}},
-        {"<buttons><button id='ok'/></buttons>", 1, 0, TEXT(""), {}},
-        {"<buttons><button id='yes'/><button id='no'/></buttons>", 6, 0, TEXT(""), {}},
-        {"<buttons><button id='cancel'/></buttons>", 8, 0, TEXT(""), {}},
-        {"<buttons><button id='retry'/><button id='close'/></buttons>", 48, 0, TEXT(""), {}},
-        {"<buttons><button id='Cancel'/><button id=' ok'/><button id=''/><button/></buttons>", 0, 0, TEXT(""), {}},
-        {"<buttons><button id='ok' icon='shield'><text line='1'>Go</text></button></buttons>", 1, 0, TEXT(""), {}},
-        {"<buttons><button id='0'><text line='1'>No</text></button><button id='7'/></buttons>",
-         0,
-         0,
-         TEXT(""),
-         {}},
-        {"<buttons><button id='7x'><text line='1'>No</text></button>"
-         "<button id='99999999999'><text line='1'>No</text></button></buttons>",
-         0,
-         0,
-         TEXT(""),
-         {}},
-        {"<buttons><button id='7'><text>No</text></button><button id='8'><text "
-         "line='2'>No</text></button></buttons>",
-         0,
-         0,
-         TEXT(""),
-         {}},
-        {"<buttons><button id='20'><text line='2'>Note</text><text line='1'>Two</text></button>"
+        {"/>"},
+        {"><button id='ok'/></buttons>", 1},
+        {"><button id='yes'/><button id='no'/></buttons>", 6},
+        {"><button id='cancel'/></buttons>", 8},
+        {"><button id='retry'/><button id='close'/></buttons>", 48},
+        {"><button id='Cancel'/><button id=' ok'/><button id=''/><button/></buttons>"},
+        {"><button id='ok' icon='shield" + text + "</buttons>", 1},
+        {"><button id='0" + text + "<button id='7'/></buttons>"},
+        {"><button id='7x" + text + "<button id='99999999999" + text + "</buttons>"},
+        {"><button id='7'><text>No</text></button><button id='8'><text line='2'>No</text></button></buttons>"},
+        {"><button id='20'><text line='2'>Note</text><text line='1'>Two</text></button>"
          "<button id='cancel'/><button id='10'><text line='1'/></button></buttons>",
-         8,
-         0,
-         TEXT("20:Two\nNote|10:"),
-         {}},
-        {"<buttons><button id='5' icon='shield'><text line='1'>A</text></button>"
-         "<button id='6' icon='Shield'><text line='1'>B</text></button>"
-         "<button id='4' icon='shield'><text line='1'>C</text></button></buttons>",
+         8, 0, TEXT("20:Two\nNote|10:")},
+        {"><button id='5' icon='shield" + text + "<button id='6' icon='Shield" + text +
+             "<button id='4' icon='shield" + text + "</buttons>",
          0,
          0,
-         TEXT("5:A|6:B|4:C"),
+         TEXT("5:No|6:No|4:No"),
          {5, 4}},
-        {"<buttons default='cancel'/>", 0, 2, TEXT(""), {}},
-        {"<buttons default='ok'/>", 0, 1, TEXT(""), {}},
-        {"<buttons default='yes'/>", 0, 6, TEXT(""), {}},
-        {"<buttons default='no'/>", 0, 7, TEXT(""), {}},
-        {"<buttons default='retry'/>", 0, 4, TEXT(""), {}},
-        {"<buttons default='close'/>", 0, 8, TEXT(""), {}},
-        {"<buttons default='120'/>", 0, 120, TEXT(""), {}},
-        {"<buttons default='12 apples'/>", 0, 0, TEXT(""), {}},
-        {"<buttons default='Close'/>", 0, 0, TEXT(""), {}},
+        {" default='cancel'/>", 0, 2},
+        {" default='ok'/>", 0, 1},
+        {" default='yes'/>", 0, 6},
+        {" default='no'/>", 0, 7},
+        {" default='retry'/>", 0, 4},
+        {" default='close'/>", 0, 8},
+        {" default='120'/>", 0, 120},
+        {" default='12 apples'/>"},
+        {" default='Close'/>"},
     };
     for (const auto &c : cases)
     {
-        ASSERT_TRUE(LoadParts(c.buttons)) << c.buttons;
+        SCOPED_TRACE(c.buttons);
+        ASSERT_TRUE(LoadParts("<buttons" + c.buttons));
         const TASKDIALOGCONFIG &config = m_document.config;
-        EXPECT_EQ(config.dwCommonButtons, c.common) << c.buttons;
-        EXPECT_EQ(config.nDefaultButton, c.byDefault) << c.buttons;
-        EXPECT_EQ(Buttons(config.pButtons, config.cButtons), c.custom) << c.buttons;
-        EXPECT_EQ(config.pButtons == nullptr, config.cButtons == 0) << c.buttons;
-        EXPECT_EQ(m_document.shieldButtonIds, c.shields) << c.buttons;
+        EXPECT_EQ(config.dwCommonButtons, c.common);
+        EXPECT_EQ(config.nDefaultButton, c.byDefault);
+        EXPECT_EQ(Buttons(config.pButtons, config.cButtons), c.custom);
+        EXPECT_EQ(config.pButtons == nullptr, config.cButtons == 0);
+        EXPECT_EQ(m_document.shieldButtonIds, c.shields);
     }
 }
 
@@ -192,13 +176,13 @@ TEST_F(TaskDialogDocuments, HaveRadioButtonsByNumberAlone)
     const struct
     {
         const char *buttons;
-        int byDefault;
-        int flags;
-        const WCHAR *radioButtons;
+        int byDefault = 0;
+        int flags = 0;
+        const WCHAR *radioButtons = TEXT("");
     } cases[] = {
-        {"<radio_buttons/>", 0, 0, TEXT("")},
-        {"<radio_buttons default='none'/>", 0, 0x4000, TEXT("")},
-        {"<radio_buttons default='None'/>", 0, 0, TEXT("")},
+        {"<radio_buttons/>"},
+        {"<radio_buttons default='none'/>", 0, 0x4000},
+        {"<radio_buttons default='None'/>"},
         {"<radio_buttons default='3'><button id='2'><text>B</text></button><button id='3'><text line='9'>C</text>"
          "<text>D</text></button></radio_buttons>",
          3, 0, TEXT("2:B|3:C")},
@@ -206,16 +190,17 @@ TEST_F(TaskDialogDocuments, HaveRadioButtonsByNumberAlone)
          "<button id='4'/><button><text>C</text></button><button id='-5'><text>D</text></button></radio_buttons>",
          0, 0, TEXT("-5:D")},
         // The flags are read after the radio buttons and keep the bit.
-        {"<flags>position_relative</flags><radio_buttons default='none'/>", 0, 0x5000, TEXT("")},
+        {"<flags>position_relative</flags><radio_buttons default='none'/>", 0, 0x5000},
     };
     for (const auto &c : cases)
     {
-        ASSERT_TRUE(LoadParts(c.buttons)) << c.buttons;
+        SCOPED_TRACE(c.buttons);
+        ASSERT_TRUE(LoadParts(c.buttons));
         const TASKDIALOGCONFIG &config = m_document.config;
-        EXPECT_EQ(config.nDefaultRadioButton, c.byDefault) << c.buttons;
-        EXPECT_EQ(config.dwFlags, c.flags) << c.buttons;
-        EXPECT_EQ(Buttons(config.pRadioButtons, config.cRadioButtons), c.radioButtons) << c.buttons;
-        EXPECT_EQ(config.pRadioButtons == nullptr, config.cRadioButtons == 0) << c.buttons;
+        EXPECT_EQ(config.nDefaultRadioButton, c.byDefault);
+        EXPECT_EQ(config.dwFlags, c.flags);
+        EXPECT_EQ(Buttons(config.pRadioButtons, config.cRadioButtons), c.radioButtons);
+        EXPECT_EQ(config.pRadioButtons == nullptr, config.cRadioButtons == 0);
     }
 }
 
@@ -224,30 +209,29 @@ TEST_F(TaskDialogDocuments, HaveFlagsInWordsAndNumbers)
     const struct
     {
         const char *flags;
-        int expected;
-        UINT width;
-        INT64 marquee;
+        int expected = 0;
+        UINT width = 0;
+        INT64 marquee = 0;
     } cases[] = {
-        {"<flags/>", 0, 0, 0},
-        {"<flags>allow_hyperlinks allow_cancellation use_command_links use_command_links_no_icon</flags>", 0x39, 0,
-         0},
-        {"<flags>expand_footer expanded_by_default checked_by_default</flags>", 0x1C0, 0, 0},
-        {"<flags>show_progress_bar show_marquee position_relative can_be_minimized</flags>", 0x9600, 0, 0},
-        {"<flags>show_marquee  can_be_minimized</flags>", 0x8400, 0, 0},
-        {"<flags>show_marquee\ncan_be_minimized</flags>", 0, 0, 0},
-        {"<flags>show_marquee\tcan_be_minimized expand_footer</flags>", 0x40, 0, 0},
-        {"<flags>Show_Marquee minimized</flags>", 0, 0, 0},
-        {"<flags extra='2048'/>", 0x800, 0, 0},
-        {"<flags extra='2048'>show_marquee</flags>", 0xC00, 0, 0},
-        {"<flags extra='none' dialog_width='abc' marquee_time='40'/>", 0, 0, 40},
-        {"<flags extra='-1' dialog_width='215' marquee_time='-5'/>", -1, 215, -5},
-        {"<flags dialog_width='4294967295' marquee_time='9007199254740993'/>", 0, 4294967295, 9007199254740993},
-        {"<flags dialog_width='-1' marquee_time='soon'/>", 0, 0, 0},
-        {"<flags dialog_width=''/>", 0, 0, 0},
+        {"/>"},
+        {">allow_hyperlinks allow_cancellation use_command_links use_command_links_no_icon</flags>", 0x39},
+        {">expand_footer expanded_by_default checked_by_default</flags>", 0x1C0},
+        {">show_progress_bar show_marquee position_relative can_be_minimized</flags>", 0x9600},
+        {">show_marquee  can_be_minimized</flags>", 0x8400},
+        {">show_marquee\ncan_be_minimized</flags>"},
+        {">show_marquee\tcan_be_minimized expand_footer</flags>", 0x40},
+        {">Show_Marquee minimized</flags>"},
+        {" extra='2048'/>", 0x800},
+        {" extra='2048'>show_marquee</flags>", 0xC00},
+        {" extra='none' dialog_width='abc' marquee_time='40'/>", 0, 0, 40},
+        {" extra='-1' dialog_width='215' marquee_time='-5'/>", -1, 215, -5},
+        {" dialog_width='4294967295' marquee_time='9007199254740993'/>", 0, 4294967295, 9007199254740993},
+        {" dialog_width='-1' marquee_time='soon'/>"},
+        {" dialog_width=''/>"},
     };
     for (const auto &c : cases)
     {
-        ASSERT_TRUE(LoadParts(c.flags)) << c.flags;
+        ASSERT_TRUE(LoadParts(std::string("<flags") + c.flags)) << c.flags;
         EXPECT_EQ(m_document.config.dwFlags, c.expected) << c.flags;
         EXPECT_EQ(m_document.config.cxWidth, c.width) << c.flags;
         EXPECT_EQ(m_document.marqueeTime, c.marquee) << c.flags;

@@ -1,4 +1,5 @@
-// The encoder: one frame into one stream, written from where the stream stands.
+// The encoder: one frame into one stream, written from where the stream stands. Its calls come in their usual order,
+// which isn't checked.
 #include "com/ComObject.h"
 #include "platform/windowscodecs/UncalledMethods.h"
 #include "platform/windowscodecs/jpeg/EncoderOptions.h"
@@ -17,10 +18,6 @@ public:
         {
             return E_INVALIDARG;
         }
-        if (m_stream)
-        {
-            return WINCODEC_ERR_WRONGSTATE;
-        }
         m_stream = ComPtr<IStream>(stream);
         return S_OK;
     }
@@ -37,17 +34,8 @@ public:
             *options = nullptr;
         }
         return AtBoundary([&] {
-            if (!m_stream)
-            {
-                return WINCODEC_ERR_NOTINITIALIZED;
-            }
-            if (m_frame || m_committed)
-            {
-                return WINCODEC_ERR_WRONGSTATE;
-            }
             ComPtr<IPropertyBag2> bag = options != nullptr ? MakeOptionBag() : nullptr;
-            m_frame = CJpegFrameEncode::Make(m_stream);
-            *frame = ComPtr<IWICBitmapFrameEncode>(m_frame).Detach();
+            *frame = ComPtr<IWICBitmapFrameEncode>(CJpegFrameEncode::Make(m_stream)).Detach();
             if (options != nullptr)
             {
                 *options = bag.Detach();
@@ -58,24 +46,12 @@ public:
 
     STDMETHODIMP Commit() noexcept override
     {
-        if (!m_stream)
-        {
-            return WINCODEC_ERR_NOTINITIALIZED;
-        }
-        if (!m_frame || !m_frame->IsCommitted() || m_committed)
-        {
-            return WINCODEC_ERR_WRONGSTATE;
-        }
-        m_committed = true;
-        m_frame.Reset();
         m_stream->Commit(STGC_DEFAULT);
         return S_OK;
     }
 
 private:
     ComPtr<IStream> m_stream;
-    ComPtr<CJpegFrameEncode> m_frame;
-    bool m_committed = false;
 };
 } // namespace
 

@@ -39,23 +39,10 @@ OutputSegment AdobeMarker(BYTE transform)
 }
 } // namespace
 
-void CJpegFrameEncode::RequireSetting() const
-{
-    if (m_state != State::Setting)
-    {
-        ThrowHresult(m_state == State::Created ? WINCODEC_ERR_NOTINITIALIZED : WINCODEC_ERR_WRONGSTATE);
-    }
-}
-
 HRESULT CJpegFrameEncode::Initialize(IPropertyBag2 *options) noexcept
 {
     return AtBoundary([&] {
-        if (m_state != State::Created)
-        {
-            return WINCODEC_ERR_WRONGSTATE;
-        }
         m_options = ReadOptions(options);
-        m_state = State::Setting;
         return S_OK;
     });
 }
@@ -63,7 +50,6 @@ HRESULT CJpegFrameEncode::Initialize(IPropertyBag2 *options) noexcept
 HRESULT CJpegFrameEncode::SetSize(UINT width, UINT height) noexcept
 {
     return AtBoundary([&] {
-        RequireSetting();
         if (width == 0 || height == 0)
         {
             return E_INVALIDARG;
@@ -81,7 +67,6 @@ HRESULT CJpegFrameEncode::SetSize(UINT width, UINT height) noexcept
 HRESULT CJpegFrameEncode::SetResolution(double x, double y) noexcept
 {
     return AtBoundary([&] {
-        RequireSetting();
         if (!(x > 0) || !(y > 0) || !std::isfinite(x) || !std::isfinite(y))
         {
             return E_INVALIDARG;
@@ -99,7 +84,6 @@ HRESULT CJpegFrameEncode::SetPixelFormat(WICPixelFormatGUID *format) noexcept
         return E_INVALIDARG;
     }
     return AtBoundary([&] {
-        RequireSetting();
         *format = GUID_WICPixelFormat24bppBGR;
         return S_OK;
     });
@@ -109,7 +93,6 @@ HRESULT CJpegFrameEncode::SetPixelFormat(WICPixelFormatGUID *format) noexcept
 HRESULT CJpegFrameEncode::SetColorContexts(UINT count, IWICColorContext **contexts) noexcept
 {
     return AtBoundary([&] {
-        RequireSetting();
         if (count > 0 && contexts == nullptr)
         {
             return E_INVALIDARG;
@@ -164,10 +147,7 @@ void CJpegFrameEncode::CopyIntact(const IJpegFrameSource &source)
         head.push_back(AdobeMarker(structure.AdobeTransform));
     }
     StreamBytes bytes = source.OpenBytes();
-    m_state = State::Writing;
-    m_closed = true;
     CopyScans(bytes, head, unread, m_stream.Get());
-    m_state = State::Complete;
 }
 
 void CJpegFrameEncode::EncodeSource(IWICBitmapSource *source)
@@ -181,8 +161,6 @@ void CJpegFrameEncode::EncodeSource(IWICBitmapSource *source)
     const float quality = m_options.Quality.value_or(StandardQuality);
     RowEncoder encoder(m_stream, {m_width, m_height, std::max(1, static_cast<int>(std::lround(quality * 100))),
                                   m_options.Subsampling.value_or(WICJpegYCrCbSubsampling420), Head(true)});
-    m_state = State::Writing;
-    m_closed = true;
     const UINT stride = (m_width * PixelBytes + 3) / 4 * 4;
     const UINT rows = std::clamp(StripBytes / stride, 1u, m_height);
     Bytes strip(size_t{stride} * rows);
@@ -197,7 +175,6 @@ void CJpegFrameEncode::EncodeSource(IWICBitmapSource *source)
         }
     }
     encoder.Finish();
-    m_state = State::Complete;
 }
 
 // Only a whole source.
@@ -208,13 +185,12 @@ HRESULT CJpegFrameEncode::WriteSource(IWICBitmapSource *source, WICRect *part) n
         return E_INVALIDARG;
     }
     return AtBoundary([&] {
-        RequireSetting();
         UINT width = 0;
         UINT height = 0;
         ThrowIfFailed(source->GetSize(&width, &height));
         if (width != m_width || height != m_height)
         {
-            return m_width == 0 ? WINCODEC_ERR_WRONGSTATE : WINCODEC_ERR_SOURCERECTDOESNOTMATCHDIMENSIONS;
+            return WINCODEC_ERR_SOURCERECTDOESNOTMATCHDIMENSIONS;
         }
         if (const auto frame = m_options.AreGiven() ? nullptr : QueryFor<IJpegFrameSource>(source))
         {
@@ -230,11 +206,6 @@ HRESULT CJpegFrameEncode::WriteSource(IWICBitmapSource *source, WICRect *part) n
 
 HRESULT CJpegFrameEncode::Commit() noexcept
 {
-    if (m_state != State::Complete)
-    {
-        return m_state == State::Created ? WINCODEC_ERR_NOTINITIALIZED : WINCODEC_ERR_WRONGSTATE;
-    }
-    m_state = State::Committed;
     return S_OK;
 }
 
@@ -246,12 +217,8 @@ HRESULT CJpegFrameEncode::GetMetadataQueryWriter(IWICMetadataQueryWriter **write
     }
     *writer = nullptr;
     return AtBoundary([&] {
-        if (m_state == State::Created)
-        {
-            return WINCODEC_ERR_NOTINITIALIZED;
-        }
         const ComPtr<IUnknown> self(static_cast<IWICBitmapFrameEncode *>(this));
-        *writer = MakeQueryWriter(self, m_metadata, m_closed).Detach();
+        *writer = MakeQueryWriter(self, m_metadata).Detach();
         return S_OK;
     });
 }
@@ -263,7 +230,6 @@ HRESULT CJpegFrameEncode::InitializeFromBlockReader(IWICMetadataBlockReader *rea
         return E_INVALIDARG;
     }
     return AtBoundary([&] {
-        RequireSetting();
         const auto frame = QueryFor<IJpegFrameSource>(reader);
         if (!frame)
         {

@@ -1,6 +1,5 @@
 // The frame that the encoder writes. Order of calls: Initialize; size, resolution, format, profile
-// and metadata in any order; WriteSource; Commit. The file's head is written with the first pixels, so what comes
-// after them is too late: WINCODEC_ERR_WRONGSTATE.
+// and metadata in any order; WriteSource, which writes the file's head too; Commit. The order isn't checked.
 //
 // A JPEG frame of this component that is written without options goes over with its compressed
 // data as it is, in its own coding whatever format was set; see ScanCopy.h. Any other source has to give rows of
@@ -35,27 +34,12 @@ public:
     // Takes the blocks of a frame of this component; WINCODEC_ERR_UNSUPPORTEDOPERATION for others.
     STDMETHODIMP InitializeFromBlockReader(IWICMetadataBlockReader *reader) noexcept override;
 
-    bool IsCommitted() const noexcept { return m_state == State::Committed; }
-
 private:
-    enum class State
-    {
-        Created,
-        Setting,
-        Writing, // or failed at it
-        Complete,
-        Committed
-    };
-
-    // WINCODEC_ERR_NOTINITIALIZED or WINCODEC_ERR_WRONGSTATE, thrown, unless settings may change.
-    void RequireSetting() const;
     std::vector<OutputSegment> Head(bool allowsJfif);
     void CopyIntact(const IJpegFrameSource &source);
     void EncodeSource(IWICBitmapSource *source);
 
     ComPtr<IStream> m_stream;
-    State m_state = State::Created;
-    bool m_closed = false; // the head is written
     EncoderOptions m_options;
     UINT m_width = 0;
     UINT m_height = 0;

@@ -8,16 +8,13 @@
 
 namespace
 {
-// Reader and writer in one class: a reader is a writer without a flag that allows changes.
+// Reader and writer in one class; the reader's interface has no methods that change anything.
 class CMetadataQuery final
     : public UncalledOfMetadataQueries<
           ComObject<CMetadataQuery, Answers<IWICMetadataQueryWriter, IWICMetadataQueryReader>>>
 {
 public:
-    CMetadataQuery(ComPtr<IUnknown> owner, MetadataBlocks &blocks, const bool *closed)
-        : m_owner(std::move(owner)), m_blocks(blocks), m_closed(closed)
-    {
-    }
+    CMetadataQuery(ComPtr<IUnknown> owner, MetadataBlocks &blocks) : m_owner(std::move(owner)), m_blocks(blocks) {}
 
     // value may be null to ask whether there is one.
     STDMETHODIMP GetMetadataByName(LPCWSTR name, PROPVARIANT *value) noexcept override
@@ -66,14 +63,6 @@ private:
     HRESULT Change(Work work) noexcept
     {
         return AtBoundary([&] {
-            if (m_closed == nullptr)
-            {
-                return WINCODEC_ERR_UNSUPPORTEDOPERATION;
-            }
-            if (*m_closed)
-            {
-                return WINCODEC_ERR_WRONGSTATE;
-            }
             const std::lock_guard guard(m_mutex);
             work();
             return S_OK;
@@ -82,17 +71,16 @@ private:
 
     ComPtr<IUnknown> m_owner;
     MetadataBlocks &m_blocks;
-    const bool *m_closed; // null for a reader
     std::mutex m_mutex;
 };
 } // namespace
 
 ComPtr<IWICMetadataQueryReader> MakeQueryReader(ComPtr<IUnknown> owner, MetadataBlocks &blocks)
 {
-    return CMetadataQuery::Make(std::move(owner), blocks, nullptr);
+    return CMetadataQuery::Make(std::move(owner), blocks);
 }
 
-ComPtr<IWICMetadataQueryWriter> MakeQueryWriter(ComPtr<IUnknown> owner, MetadataBlocks &blocks, const bool &closed)
+ComPtr<IWICMetadataQueryWriter> MakeQueryWriter(ComPtr<IUnknown> owner, MetadataBlocks &blocks)
 {
-    return CMetadataQuery::Make(std::move(owner), blocks, &closed);
+    return CMetadataQuery::Make(std::move(owner), blocks);
 }

@@ -9,6 +9,4 @@
 
 ComPtr<IWICMetadataQueryReader> MakeQueryReader(ComPtr<IUnknown> owner, MetadataBlocks &blocks);
 
-// closed is looked at before each change; while it is true, changes answer WINCODEC_ERR_WRONGSTATE.
-ComPtr<IWICMetadataQueryWriter> MakeQueryWriter(ComPtr<IUnknown> owner, MetadataBlocks &blocks,
-                                                const bool &closed);
+ComPtr<IWICMetadataQueryWriter> MakeQueryWriter(ComPtr<IUnknown> owner, MetadataBlocks &blocks);

@@ -184,6 +184,13 @@ TEST(TerminalTaskDialog, WithMoreThanItCanShowIsRefused)
         add(config);
         EXPECT_EQ(TaskDialogIndirect(&config, nullptr, nullptr, nullptr), E_NOTIMPL);
     }
+    for (const int off : {-1, 1})
+    {
+        TASKDIALOGCONFIG config = FullRecord();
+        config.cbSize += off;
+        EXPECT_EQ(TaskDialogIndirect(&config, nullptr, nullptr, nullptr), E_INVALIDARG);
+    }
+    EXPECT_EQ(TaskDialogIndirect(nullptr, nullptr, nullptr, nullptr), E_INVALIDARG);
 }
 
 TEST(TerminalTaskDialog, KeepsItsTextsFromTheTerminal)

@@ -18,26 +18,6 @@ extern "C"
 
 namespace
 {
-HMODULE ModuleAt(const void *address)
-{
-    HMODULE module = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                       static_cast<const WCHAR *>(address), &module);
-    return module;
-}
-
-TEST(Modules, AreFoundByAddressAndByName)
-{
-    EXPECT_EQ(ModuleAt(reinterpret_cast<const void *>(&ExportedForTheTest)), GetModuleHandleW(nullptr));
-    EXPECT_NE(GetModuleHandleW(nullptr), nullptr);
-    SetLastError(0);
-    EXPECT_EQ(ModuleAt(reinterpret_cast<const void *>(16)), nullptr);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_MOD_NOT_FOUND});
-    SetLastError(0);
-    EXPECT_EQ(GetModuleHandleW(TEXT("no-such-module.so")), nullptr);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_MOD_NOT_FOUND});
-}
-
 TEST(Modules, TheFileNameIsCutAndReportedIfTheBufferIsSmall)
 {
     WCHAR path[1024];
@@ -66,27 +46,5 @@ TEST(Modules, ExportedFunctionsAreFoundInTheirOwnModuleOnly)
     SetLastError(0);
     EXPECT_EQ(GetProcAddress(program, "CoCreateInstance"), nullptr);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_PROC_NOT_FOUND});
-}
-
-TEST(Modules, WhatCannotBeLoadedSaysWhy)
-{
-    EXPECT_EQ(LoadLibraryW(TEXT("/no/such/module.so")), nullptr);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_MOD_NOT_FOUND});
-    if (!IsWindowsBuild)
-    {
-        EXPECT_EQ(LoadLibraryW(TEXT("/etc/passwd")), nullptr);
-        EXPECT_EQ(GetLastError(), DWORD{ERROR_BAD_EXE_FORMAT});
-    }
-}
-TEST(Modules, TheSystemsOwnAreKnownByName)
-{
-    for (const WCHAR *const name : {TEXT("kernel32"), TEXT("KERNEL32.dll"), TEXT("ole32.DLL")})
-    {
-        EXPECT_NE(GetModuleHandleW(name), nullptr);
-    }
-    const auto entry =
-        reinterpret_cast<void *>(GetProcAddress(GetModuleHandleW(TEXT("kernel32")), "GetModuleHandleW"));
-    EXPECT_NE(entry, nullptr);
-    EXPECT_EQ(GetProcAddress(GetModuleHandleW(TEXT("kernel32")), "NoSuchFunction"), nullptr);
 }
 } // namespace
