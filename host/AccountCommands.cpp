@@ -2,25 +2,19 @@
 
 #include "host/InitData.h"
 #include "host/PluginSettings.h"
-#include "com/SafeText.h"
 #include "host/SettingsKey_posix.h"
 #include "host/SystemWords.h"
 #include "host/Terminal_posix.h"
 #include "host/TextEncodings.h"
+
+#include "com/AsciiText.h"
+#include "com/SafeText.h"
 
 #include <algorithm>
 #include <iostream>
 
 namespace
 {
-void TellNotices(const InitDataStore &store)
-{
-    for (const std::string &notice : store.Notices())
-    {
-        Complain(notice);
-    }
-}
-
 std::string Shown(const std::optional<WideText> &text)
 {
     return text && !text->empty() ? OneSafeLine(Utf8FromText(*text)) : "(not known)";
@@ -40,15 +34,8 @@ std::string DescribeAccount(const AccountData &account)
            (account.maxFileSize > 0 ? std::to_string(account.maxFileSize) + " bytes" : "(not known)") + "\n";
 }
 
-std::string WithoutLineEnd(std::string line)
-{
-    const auto last = line.find_last_not_of(" \t\r\n");
-    line.resize(last == line.npos ? 0 : last + 1);
-    return line;
-}
-
 // Nothing if the bytes can't be a token.
-std::optional<WideText> TokenText(const std::string &bytes)
+std::optional<WideText> TokenText(std::string_view bytes)
 {
     const bool isPrintable =
         !bytes.empty() && std::all_of(bytes.begin(), bytes.end(), [](char c) { return c > 0x20 && c < 0x7F; });
@@ -64,8 +51,8 @@ ExitCode SetToken(std::vector<std::string> words, InitDataStore &store, const Pr
         std::getline(std::cin, words[0]);
         std::getline(std::cin, words[1]);
     }
-    const auto token = TokenText(WithoutLineEnd(words[0]));
-    const auto secret = TokenText(WithoutLineEnd(words[1]));
+    const auto token = TokenText(Trimmed(words[0]));
+    const auto secret = TokenText(Trimmed(words[1]));
     if (!token || !secret)
     {
         Complain("A token and its secret are two words of printable ASCII characters; nothing was stored.");
@@ -106,10 +93,7 @@ ExitCode RunSettingsCommand(const CommandLine &line)
         return ExitCode::SomeFailed;
     }
     WriteOut(changes.empty() ? ListSettings() : DescribeChanges(changes));
-    for (const std::string &warning : SizeWarnings())
-    {
-        Complain(warning);
-    }
+    std::ranges::for_each(SizeWarnings(), Complain);
     return ExitCode::Success;
 }
 
@@ -117,7 +101,7 @@ ExitCode RunAccountCommand(const CommandLine &line, const Profile &profile)
 {
     InitDataStore store(profile);
     store.Load();
-    TellNotices(store);
+    std::ranges::for_each(store.Notices(), Complain);
     if (!line.setToken.empty())
     {
         return SetToken(line.setToken, store, profile);

@@ -12,26 +12,14 @@ struct CloseConverter
     void operator()(UConverter *converter) const noexcept { ucnv_close(converter); }
 };
 
-const char *NameOf(Charset charset)
-{
-    switch (charset)
-    {
-    case Charset::Windows1252:
-        return "windows-1252";
-    case Charset::Iso2022Jp:
-        return "ISO-2022-JP";
-    case Charset::ShiftJis:
-        return "Shift_JIS";
-    default:
-        return "EUC-JP";
-    }
-}
+// In the order of Charset.
+constexpr const char *Names[] = {"windows-1252", "ISO-2022-JP", "Shift_JIS", "EUC-JP"};
 } // namespace
 
 std::optional<WideText> TextFromCharset(Charset charset, std::string_view bytes, Faults faults)
 {
     UErrorCode status = U_ZERO_ERROR;
-    std::unique_ptr<UConverter, CloseConverter> converter(ucnv_open(NameOf(charset), &status));
+    std::unique_ptr<UConverter, CloseConverter> converter(ucnv_open(Names[static_cast<size_t>(charset)], &status));
     if (U_FAILURE(status))
     {
         return std::nullopt;

@@ -4,21 +4,12 @@
 
 namespace
 {
-UINT CodePageOf(Charset charset)
-{
-    switch (charset)
-    {
-    case Charset::Windows1252:
-        return 1252;
-    case Charset::ShiftJis:
-        return 932;
-    default:
-        return 20932;
-    }
-}
+constexpr UINT NoCodePage = 0; // that of ISO-2022-JP checks nothing, and isn't there everywhere
 
-// The rows of JIS X 0208 behind an escape are those of EUC-JP without the eighth bit. The system's own
-// code page for these bytes checks nothing, and isn't there everywhere.
+// In the order of Charset.
+constexpr UINT CodePages[] = {1252, NoCodePage, 932, 20932};
+
+// The rows of JIS X 0208 behind an escape are those of EUC-JP without the eighth bit.
 std::optional<std::string> EucFromIso2022(std::string_view bytes)
 {
     std::string euc;
@@ -54,7 +45,7 @@ std::optional<WideText> TextFromCharset(Charset charset, std::string_view bytes,
     {
         return WideText();
     }
-    const UINT page = CodePageOf(charset);
+    const UINT page = CodePages[static_cast<size_t>(charset)];
     const DWORD flags = faults == Faults::Refuse ? MB_ERR_INVALID_CHARS : 0;
     const int size = static_cast<int>(bytes.size());
     const int length = MultiByteToWideChar(page, flags, bytes.data(), size, nullptr, 0);

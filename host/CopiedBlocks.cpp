@@ -3,6 +3,7 @@
 #include "host/ExifTags.h"
 
 #include "com/Hresult.h"
+#include "com/TextConversion.h"
 
 #include <string>
 
@@ -18,9 +19,8 @@ constexpr int MostSegments = 10000;
 WideText ExifPath(ExifField::Directory directory, WORD tag)
 {
     static constexpr WideView Folders[] = {TEXT("/app1/ifd/"), TEXT("/app1/ifd/exif/"), TEXT("/app1/ifd/gps/")};
-    const std::string number = std::to_string(tag);
-    return WideText(Folders[static_cast<size_t>(directory)]) + TEXT("{ushort=") +
-           WideText(number.begin(), number.end()) + TEXT("}");
+    return WideText(Folders[static_cast<size_t>(directory)]) + TEXT("{ushort=") + FromUtf8(std::to_string(tag)) +
+           TEXT("}");
 }
 
 bool CopiedBlocks::Remove(const WideText &path, Name name)
@@ -65,8 +65,7 @@ void CopiedBlocks::RemoveAll()
     RemoveEach(TEXT("/unknown"), Name::Foreign);
     for (int number = 0; number <= 15; ++number)
     {
-        const std::string digits = std::to_string(number);
-        RemoveEach((number == 1 ? TEXT("/[1]app") : TEXT("/app")) + WideText(digits.begin(), digits.end()),
+        RemoveEach((number == 1 ? TEXT("/[1]app") : TEXT("/app")) + FromUtf8(std::to_string(number)),
                    Name::Foreign);
     }
 }

@@ -25,6 +25,12 @@ constexpr WORD PixelXDimension = 40962;
 constexpr WORD PixelYDimension = 40963;
 } // namespace ExifTag
 
+// EXIF's numbers, 1 to 8; what is none of them stands for an upright picture.
+constexpr UINT16 ValidOrientation(long number)
+{
+    return static_cast<UINT16>(number >= 1 && number <= 8 ? number : 1);
+}
+
 // Adobe RGB is told by the optional colour space of DCF 2.0: "uncalibrated" and the interoperability index R03.
 // Some cameras write a colour space of 2 instead, which EXIF doesn't know.
 inline constexpr unsigned UncalibratedColorSpace = 65535;

@@ -1,8 +1,12 @@
 #include "host/FileDigest.h"
 
+#include <chrono>
 #include <fstream>
 #include <utility>
 #include <vector>
+
+namespace fs = std::filesystem;
+using namespace std::chrono;
 
 namespace
 {
@@ -19,7 +23,20 @@ std::string HexDigits(const Sha256Digest &digest)
 }
 } // namespace
 
-std::string DigestOfFile(const std::filesystem::path &file)
+std::optional<FileState> LookAtFile(const fs::path &file)
+{
+    std::error_code error;
+    FileState state{file, fs::file_size(file, error), 0, ""};
+    const auto time = error ? fs::file_time_type() : fs::last_write_time(file, error);
+    if (error)
+    {
+        return std::nullopt;
+    }
+    state.time = duration_cast<nanoseconds>(file_clock::to_sys(time).time_since_epoch()).count();
+    return state;
+}
+
+std::string DigestOfFile(const fs::path &file)
 {
     std::ifstream stream(file, std::ios::binary);
     if (!stream)

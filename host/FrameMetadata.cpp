@@ -6,6 +6,7 @@
 #include "host/SnapshotFields.h"
 
 #include "com/ComPtr.h"
+#include "com/TextConversion.h"
 
 #include <objbase.h>
 
@@ -138,8 +139,7 @@ public:
         }
         else if (const auto number = Number())
         {
-            const std::string digits = std::to_string(*number);
-            add(WideText(digits.begin(), digits.end()));
+            add(FromUtf8(std::to_string(*number)));
         }
         return texts;
     }
@@ -150,8 +150,7 @@ private:
 
 WideText NumberedItem(const char *kind, int number)
 {
-    const std::string item = "/{" + std::string(kind) + "=" + std::to_string(number) + "}";
-    return WideText(item.begin(), item.end());
+    return FromUtf8("/{" + std::string(kind) + "=" + std::to_string(number) + "}");
 }
 
 WideText FieldItem(WORD tag)
@@ -277,8 +276,7 @@ UINT16 ReadFrameOrientation(IWICMetadataQueryReader &reader)
 {
     QueryValue value;
     value.Read(reader, MainPaths, FieldItem(ExifTag::Orientation));
-    const long orientation = value.Number().value_or(1);
-    return orientation >= 1 && orientation <= 8 ? static_cast<UINT16>(orientation) : UINT16{1};
+    return ValidOrientation(value.Number().value_or(1));
 }
 
 bool IsFrameInAdobeRgb(IWICMetadataQueryReader &reader)

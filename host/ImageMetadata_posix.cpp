@@ -207,8 +207,7 @@ private:
         const std::string group = datum.groupName();
         if (group == "Image" && datum.tag() == ExifTag::Orientation && datum.count() > 0)
         {
-            const long orientation = datum.toLong();
-            m_groups.orientation = static_cast<UINT16>(orientation >= 1 && orientation <= 8 ? orientation : 1);
+            m_groups.orientation = ValidOrientation(datum.toLong());
         }
         else if (group == "Image" || group == "Photo" || group == "GPSInfo")
         {

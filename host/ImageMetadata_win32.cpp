@@ -1,6 +1,6 @@
 #include "host/ImageMetadata.h"
 
-#include "host/Apartment_win32.h"
+#include "host/Apartment.h"
 #include "host/FrameMetadata.h"
 #include "host/ImagingTrial.h"
 #include "com/WholeFile.h"

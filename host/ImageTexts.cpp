@@ -2,6 +2,7 @@
 
 #include "com/AsciiText.h"
 #include "com/BstrOwner.h"
+#include "core/TextPieces.h"
 
 #include <algorithm>
 
@@ -42,14 +43,12 @@ WideText JoinKeywords(const std::vector<WideText> &keywords)
 std::vector<WideText> SplitKeywords(WideView list)
 {
     std::vector<WideText> words;
-    while (!list.empty())
+    for (const WideView piece : SplitText(list, TEXT(';')))
     {
-        const size_t end = std::min(list.find(TEXT(';')), list.size());
-        if (const WideView word = Trimmed(list.substr(0, end)); !word.empty())
+        if (const WideView word = Trimmed(piece); !word.empty())
         {
             words.emplace_back(word);
         }
-        list.remove_prefix(std::min(end + 1, list.size()));
     }
     return words;
 }

@@ -3,17 +3,15 @@
 // its outcome is entered too, it is unknown, and stays so if the process ends in between, however it ends.
 #pragma once
 
+#include "host/FileDigest.h"
 #include "host/InitData.h"
+#include "host/JournalFile.h"
 #include "host/Profile.h"
-
-#include "database/Database.h"
 
 #include <cstdint>
 #include <filesystem>
-#include <mutex>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 enum class JournalOutcome
@@ -22,18 +20,6 @@ enum class JournalOutcome
     Published, // the service gave it an id, or nothing but its consent
     HandedIn   // the service gave a ticket, and publishes it in its own time, or refuses it
 };
-
-// A file as it lies on disk.
-struct FileState
-{
-    std::filesystem::path path; // absolute
-    std::uintmax_t size = 0;    // bytes
-    std::int64_t time = 0;      // of the last change, in nanoseconds since 1970
-    std::string sha256;         // 64 hexadecimal digits, empty if it wasn't read
-};
-
-// Without its digest; nothing if there is no such file.
-std::optional<FileState> LookAtFile(const std::filesystem::path &file);
 
 // By which uploads of one account are told from those of others. The service's address of its photos, once it is
 // known, also tells it after a new authorization; the token tells it before.
@@ -67,12 +53,10 @@ struct JournalEntry
 class Journal
 {
 public:
-    // A damaged journal is set aside, here or when the damage is met, what can still be read of it goes into a new
-    // one, and a notice says so.
-    explicit Journal(const Profile &profile);
+    explicit Journal(const Profile &profile) : m_file(profile) {}
 
-    // Those that weren't taken before.
-    std::vector<std::string> TakeNotices();
+    // As JournalFile::TakeNotices.
+    std::vector<std::string> TakeNotices() { return m_file.TakeNotices(); }
 
     // Entries that were made before the account's address was known get it.
     void Recognize(const JournalAccount &account);
@@ -93,13 +77,5 @@ public:
     std::vector<JournalEntry> Entries(const std::filesystem::path &file = {});
 
 private:
-    void Open();
-    bool IsMended();
-    void SetAside(const std::string &words);
-    std::vector<Database::Row> Run(const std::string &sql, const std::vector<Database::Value> &values = {});
-
-    const Profile m_profile;
-    std::recursive_mutex m_lock;
-    std::unique_ptr<Database> m_database;
-    std::vector<std::string> m_notices;
+    JournalFile m_file;
 };

@@ -1,4 +1,5 @@
 // `halvora`, the host for the terminal.
+#include "host/Apartment.h"
 #include "host/Commands.h"
 #include "host/FileNames.h"
 #include "host/SystemWords.h"
@@ -9,7 +10,6 @@
 #include "com/Hresult.h"
 
 #include <malloc.h>
-#include <objbase.h>
 
 #include <clocale>
 #include <csignal>
@@ -18,16 +18,6 @@
 
 namespace
 {
-// COM for the main thread.
-class Apartment
-{
-public:
-    Apartment() { ThrowIfFailed(CoInitializeEx(nullptr, COINIT_MULTITHREADED)); }
-    ~Apartment() { CoUninitialize(); }
-    Apartment(const Apartment &) = delete;
-    Apartment &operator=(const Apartment &) = delete;
-};
-
 constexpr char WhatToDo[] = " Look at the settings and choose them again with: halvora settings";
 
 std::string WordsOf(const RegistryProblem &problem)

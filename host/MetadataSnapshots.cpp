@@ -1,5 +1,7 @@
 #include "host/MetadataSnapshots.h"
 
+#include "host/ExifTags.h"
+
 #include "com/BstrOwner.h"
 
 #include <algorithm>
@@ -84,7 +86,7 @@ UINT16 OrientationOf(const ItemRecord &record)
 {
     UINT16 orientation = 0;
     std::memcpy(&orientation, record.Opaque11C, sizeof(orientation));
-    return orientation >= 1 && orientation <= 8 ? orientation : UINT16{1};
+    return ValidOrientation(orientation);
 }
 
 bool IsAdobeRgb(const ItemRecord &record)

@@ -41,7 +41,7 @@ struct MetadataSnapshot
     int urgency = NoNumber; // 0 to 8
     WideText label;
     UINT16 orientation = 1;  // EXIF's numbers, 1 to 8
-    bool isAdobeRgb = false; // by DcfColours.h
+    bool isAdobeRgb = false; // by IsAdobeRgb of ExifTags.h
 };
 
 using SnapshotPtr = std::shared_ptr<const MetadataSnapshot>;

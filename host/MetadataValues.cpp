@@ -3,12 +3,12 @@
 #include "host/CopiedBlocks.h"
 #include "host/ExifFieldValue.h"
 #include "host/ExifTags.h"
+#include "host/SystemWords.h"
 #include "host/TextEncodings.h"
 
 #include "com/Hresult.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace
 {
@@ -90,9 +90,7 @@ void MetadataValues::Set(const WideText &path, const PROPVARIANT &value, const s
     }
     if (FAILED(result))
     {
-        char code[16];
-        std::snprintf(code, sizeof(code), "0x%08x", static_cast<unsigned>(result));
-        m_notice("The metadata " + Utf8FromText(path) + " can't be written (" + code + ").");
+        m_notice("The metadata " + Utf8FromText(path) + " can't be written (" + CodeText(result) + ").");
     }
 }
 

@@ -6,6 +6,8 @@
 #include "host/IptcTexts.h"
 #include "host/MetadataValues.h"
 
+#include "com/TextConversion.h"
+
 namespace
 {
 WideView ViewOf(BSTR text)
@@ -55,8 +57,7 @@ void WriteXmp(MetadataValues &values, const MetadataSnapshot &snapshot)
     const auto number = [&](const WCHAR *name, int value) {
         if (value != NoNumber)
         {
-            const std::string digits = std::to_string(value);
-            values.SetProperty(name, WideText(digits.begin(), digits.end()));
+            values.SetProperty(name, FromUtf8(std::to_string(value)));
         }
     };
     number(TEXT("xmp:Rating"), snapshot.rating);

@@ -1,6 +1,6 @@
 #include "host/PictureDecoding.h"
 
-#include "host/Apartment_win32.h"
+#include "host/Apartment.h"
 #include "host/FrameMetadata.h"
 #include "host/FrameOrientation_win32.h"
 #include "host/JpegFile.h"
@@ -176,7 +176,7 @@ private:
     }
 
     // The frame's profile, or the colour space that its EXIF block names instead of one. The component gives
-    // both alike, in an order that it doesn't promise, and of the EXIF block less than DcfColours.h tells.
+    // both alike, in an order that it doesn't promise, and of the EXIF block less than ExifTags.h tells.
     ComPtr<IWICColorContext> ProfileOf(IWICBitmapFrameDecode *frame)
     {
         UINT count = 0;

@@ -53,8 +53,7 @@ std::shared_ptr<const DecodedPicture> PicturesAhead::Take(const fs::path &file, 
         {
             // A job that hasn't begun is decoded below: that is sooner than waiting for the job before it.
             m_changed.wait(lock, [&] { return job->stage != Stage::Making || m_stopped; });
-            Stamp now;
-            if (job->stage == Stage::Ready && StampOf(file, now) && now == job->stamp)
+            if (job->stage == Stage::Ready && LookAtFile(file) == job->state)
             {
                 picture = job->picture;
                 ++m_hits;
@@ -124,21 +123,10 @@ size_t PicturesAhead::Hits() const
     return m_hits;
 }
 
-bool PicturesAhead::StampOf(const fs::path &file, Stamp &stamp)
-{
-    std::error_code error;
-    stamp.size = fs::file_size(file, error);
-    if (!error)
-    {
-        stamp.time = fs::last_write_time(file, error);
-    }
-    return !error;
-}
-
 PicturesAhead::JobPtr PicturesAhead::Find(const fs::path &file, UINT longEdge) const
 {
     const auto found = std::find_if(m_jobs.begin(), m_jobs.end(), [&](const JobPtr &job) {
-        return job->file == file && job->longEdge == longEdge;
+        return job->state.path == file && job->longEdge == longEdge;
     });
     return found == m_jobs.end() ? nullptr : *found;
 }
@@ -176,13 +164,10 @@ void PicturesAhead::PlanLocked(const fs::path &asked, UINT longEdge, size_t byte
         {
             continue;
         }
-        const auto job = std::make_shared<Job>();
-        job->item = item;
-        job->file = m_items[item].FileWith(*guess);
-        job->longEdge = longEdge;
-        if (!Find(job->file, longEdge) && StampOf(job->file, job->stamp))
+        const auto state = LookAtFile(m_items[item].FileWith(*guess));
+        if (state && !Find(state->path, longEdge))
         {
-            m_jobs.push_back(job);
+            m_jobs.push_back(std::make_shared<Job>(item, *state, longEdge));
         }
     }
     try
@@ -228,7 +213,8 @@ void PicturesAhead::Work()
         std::shared_ptr<const DecodedPicture> made;
         try
         {
-            made = std::make_shared<const DecodedPicture>(m_decoder(next->file, next->longEdge, &next->dropped));
+            made = std::make_shared<const DecodedPicture>(
+                m_decoder(next->state.path, next->longEdge, &next->dropped));
         }
         catch (...)
         {

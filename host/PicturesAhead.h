@@ -5,10 +5,11 @@
 // asked for. A wrong guess costs time on another core and nothing else.
 //
 // They are made on several threads, and one more picture than there are threads is ready or in the making, so that
-// no thread waits for the plug-in. What the plug-in's own thread makes meanwhile counts as one of them. There are fewer where so many could take more than 32 MB for each thread, down to
-// one.
+// no thread waits for the plug-in. What the plug-in's own thread makes meanwhile counts as one of them. There are fewer
+// where so many could take more than 32 MB for each thread, down to one.
 #pragma once
 
+#include "host/FileDigest.h"
 #include "host/PictureDecoding.h"
 #include "host/PictureItems.h"
 
@@ -57,12 +58,6 @@ public:
     size_t Hits() const;
 
 private:
-    struct Stamp
-    {
-        std::uintmax_t size = 0;
-        std::filesystem::file_time_type time;
-        bool operator==(const Stamp &) const = default;
-    };
     enum class Stage
     {
         Waiting,
@@ -72,17 +67,17 @@ private:
     };
     struct Job
     {
-        size_t item;
-        std::filesystem::path file;
-        UINT longEdge;
-        Stamp stamp;
+        Job(size_t index, FileState file, UINT edge) : item(index), state(std::move(file)), longEdge(edge) {}
+
+        const size_t item;
+        const FileState state; // when it was planned
+        const UINT longEdge;
         Stage stage = Stage::Waiting;
         std::shared_ptr<const DecodedPicture> picture;
         std::atomic<bool> dropped = false;
     };
     using JobPtr = std::shared_ptr<Job>;
 
-    static bool StampOf(const std::filesystem::path &file, Stamp &stamp);
     JobPtr Find(const std::filesystem::path &file, UINT longEdge) const;
     void PlanLocked(const std::filesystem::path &asked, UINT longEdge, size_t bytes);
     const std::string *GuessExtension(const PictureItem &item, const std::string &asked) const;

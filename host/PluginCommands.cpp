@@ -6,16 +6,16 @@
 #include "host/InstalledModules_posix.h"
 #include "host/LinkText.h"
 #include "host/PluginSession.h"
+#include "host/PluginSettings.h"
 #include "host/PublishingHost.h"
-#include "com/SafeText.h"
 #include "host/SettingsKey_posix.h"
 #include "host/SystemWords.h"
 #include "host/Terminal_posix.h"
 #include "host/TextEncodings.h"
-#include "host/PluginSettings.h"
 
 #include "com/BstrOwner.h"
 #include "com/Hresult.h"
+#include "com/SafeText.h"
 
 #include <algorithm>
 
@@ -55,10 +55,7 @@ public:
           m_host(PublishingHost::Make(m_record, [](int, const std::string &, const std::string &) {})),
           m_session(static_cast<IHalvoraPublishingHost *>(m_host.Get()), m_store)
     {
-        for (const std::string &notice : m_store.Notices())
-        {
-            Complain(notice);
-        }
+        std::ranges::for_each(m_store.Notices(), Complain);
     }
 
     IHalvoraPublishingPlugin &Get() const { return *m_session.Plugin(); }
@@ -85,10 +82,7 @@ private:
     AccountData LoadAccount()
     {
         m_store.Load();
-        for (const std::string &problem : UseInstalledModules(ModuleFolders()))
-        {
-            Complain(problem);
-        }
+        std::ranges::for_each(UseInstalledModules(ModuleFolders()), Complain);
         return Now();
     }
 
@@ -145,14 +139,6 @@ void TellTextsNoLongerSent(const TextSwitches &before)
                  " are no longer sent. To send them: halvora settings " + Utf8FromText(text.setting) + "=1");
     }
 }
-
-void TellSizeWarnings()
-{
-    for (const std::string &warning : SizeWarnings())
-    {
-        Complain(warning);
-    }
-}
 } // namespace
 
 ExitCode RunStatusCommand(const Profile &profile)
@@ -161,7 +147,7 @@ ExitCode RunStatusCommand(const Profile &profile)
     BstrOwner line;
     ThrowIfFailed(plugin.Get().GetDisplayState(line.Put()));
     WriteOut(OneSafeLine(LinksAsText(Utf8FromText(line.View()))) + "\n");
-    TellSizeWarnings();
+    std::ranges::for_each(SizeWarnings(), Complain);
     return ExitCode::Success;
 }
 
@@ -215,6 +201,6 @@ ExitCode RunSheetCommand(const Profile &profile)
                  "To publish again: halvora authorize\n");
     }
     TellTextsNoLongerSent(before);
-    TellSizeWarnings();
+    std::ranges::for_each(SizeWarnings(), Complain);
     return ExitCode::Success;
 }

@@ -101,27 +101,13 @@ void InitDataStore::SetAsideDamaged()
     }
 }
 
-StoreOutcome InitDataStore::Store(const std::string &content)
+template <class Act>
+auto InitDataStore::WhileLocked(const Act &act)
 {
-    if (content == m_content)
-    {
-        return StoreOutcome::Unchanged;
-    }
     try
     {
         const FileLock lock(m_profile.LockFile());
-        const auto file = ReadWholeFile(m_profile.InitDataFile(), LongestInitData);
-        const std::string present = file ? ParseInitDataFile(*file).value_or(*file) : std::string();
-        if (present == content)
-        {
-            return StoreOutcome::Unchanged;
-        }
-        if (present != m_content)
-        {
-            return StoreOutcome::KeptNewer;
-        }
-        Replace(content);
-        return StoreOutcome::Stored;
+        return act();
     }
     catch (const std::system_error &error)
     {
@@ -130,18 +116,27 @@ StoreOutcome InitDataStore::Store(const std::string &content)
     }
 }
 
+StoreOutcome InitDataStore::Store(const std::string &content)
+{
+    if (content == m_content)
+    {
+        return StoreOutcome::Unchanged;
+    }
+    return WhileLocked([&] {
+        const auto file = ReadWholeFile(m_profile.InitDataFile(), LongestInitData);
+        const std::string present = file ? ParseInitDataFile(*file).value_or(*file) : std::string();
+        if (present == content || present != m_content)
+        {
+            return present == content ? StoreOutcome::Unchanged : StoreOutcome::KeptNewer;
+        }
+        Replace(content);
+        return StoreOutcome::Stored;
+    });
+}
+
 void InitDataStore::Overwrite(const std::string &content)
 {
-    try
-    {
-        const FileLock lock(m_profile.LockFile());
-        Replace(content);
-    }
-    catch (const std::system_error &error)
-    {
-        throw ProfileError(Failure("The account data can't be kept in " + ShownPath(m_profile.InitDataFile()),
-                                   error, "What was there before is still there."));
-    }
+    WhileLocked([&] { Replace(content); });
 }
 
 void InitDataStore::Replace(const std::string &content)

@@ -68,6 +68,8 @@ public:
     void Overwrite(const std::string &content);
 
 private:
+    template <class Act>
+    auto WhileLocked(const Act &act);
     void Replace(const std::string &content);
 
     const Profile &m_profile;

@@ -1,5 +1,6 @@
 #include "host/PublishRun.h"
 
+#include "host/Apartment.h"
 #include "host/ProgressWindows.h"
 #include "host/Terminal_posix.h"
 #include "host/UploadObservation.h"
@@ -66,14 +67,10 @@ RunEnd RunPublication(IHalvoraPublishingPlugin &plugin, IUploadObserver &observe
     RunEnd end;
     std::atomic<bool> over = false;
     std::thread worker([&] {
-        const HRESULT apartment = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
         {
+            const Apartment apartment;
             const UploadObservation observed(observer);
             end.result = plugin.Publish(windows.Bar(), windows.Status());
-        }
-        if (SUCCEEDED(apartment))
-        {
-            CoUninitialize();
         }
         over = true;
         signals.Wake();

@@ -1,6 +1,8 @@
 #include "host/RunRecord.h"
 
 #include "host/FileNames.h"
+#include "host/SystemWords.h"
+
 #include "com/AsciiText.h"
 #include "com/SafeText.h"
 
@@ -8,7 +10,6 @@
 #include <wincodec.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <utility>
@@ -44,7 +45,7 @@ const char *AdviceFor(HRESULT code)
     }
 }
 
-// The eight digits of the code in an error entry of the plug-in, empty if it has none. The last "(0x...)": the path
+// The code in an error entry of the plug-in, as CodeText has it; empty if it has none. The last "(0x...)": the path
 // before it may contain one too.
 std::string CodeOfEntry(const std::string &entry)
 {
@@ -55,17 +56,10 @@ std::string CodeOfEntry(const std::string &entry)
         const size_t end = at + CodeMark.size() + CodeDigits;
         if (end < entry.size() && entry[end] == ')' && digits.find_first_not_of(HexDigits) == digits.npos)
         {
-            return digits;
+            return CodeMark + digits;
         }
     }
     return std::string();
-}
-
-std::string HexCode(HRESULT code)
-{
-    char digits[CodeDigits + 1];
-    std::snprintf(digits, sizeof(digits), "%08x", static_cast<unsigned>(code));
-    return digits;
 }
 
 std::string Count(size_t number, const char *one, const char *several)
@@ -107,21 +101,21 @@ private:
 
 std::string ReasonOfEntry(const std::string &entry, const ErrorWords &words)
 {
-    const std::string digits = CodeOfEntry(entry);
-    if (digits.empty())
+    const std::string codeText = CodeOfEntry(entry);
+    if (codeText.empty())
     {
         return entry;
     }
-    const size_t end = entry.rfind(CodeMark + digits + ")") + CodeMark.size() + CodeDigits + 1;
+    const size_t end = entry.rfind(codeText + ")") + codeText.size() + 1;
     const std::string rest(Trimmed(std::string_view(entry).substr(end)));
     if (!SaysNothing(rest))
     {
         return rest;
     }
-    const auto code = static_cast<HRESULT>(std::strtoul(digits.c_str(), nullptr, 16));
+    const auto code = static_cast<HRESULT>(std::strtoul(codeText.c_str(), nullptr, 16));
     const std::string said = words(code);
     const std::string meaning(Trimmed(said));
-    return (meaning.empty() ? "error" : meaning) + " (" + CodeMark + digits + ")" + AdviceFor(code);
+    return (meaning.empty() ? "error" : meaning) + " (" + codeText + ")" + AdviceFor(code);
 }
 
 RunRecord::RunRecord(ItemCollection collection)
@@ -285,7 +279,7 @@ std::string RunRecord::ItemState::Reason(const ErrorWords &words) const
     {
         return std::string();
     }
-    if (!faultWords.empty() && CodeOfEntry(errors.back()) == HexCode(faultCode))
+    if (!faultWords.empty() && CodeOfEntry(errors.back()) == CodeText(faultCode))
     {
         return faultWords + AdviceFor(faultCode);
     }

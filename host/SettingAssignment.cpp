@@ -2,6 +2,7 @@
 
 #include "host/TextEncodings.h"
 
+#include "com/AsciiText.h"
 #include "core/StringTable.h"
 #include "core/TextPieces.h"
 #include "resources/resource.h"
@@ -13,21 +14,11 @@
 
 namespace
 {
-std::string Lower(std::string_view text)
-{
-    std::string lower(text);
-    for (char &c : lower)
-    {
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    }
-    return lower;
-}
-
 const StoredSetting *FindByName(std::string_view name)
 {
     for (const StoredSetting &setting : StoredSettings())
     {
-        if (Lower(Utf8FromText(setting.Name)) == Lower(name))
+        if (EqualsIgnoringCase(Utf8FromText(setting.Name), name))
         {
             return &setting;
         }
@@ -51,7 +42,7 @@ std::optional<UINT32> NumberOfWord(const StoredSetting &setting, const std::stri
 
 std::optional<UINT32> ParseNumber(const StoredSetting &setting, std::string_view text)
 {
-    const std::string word = Lower(text);
+    const std::string word = LowerAscii(text);
     if (const auto number = NumberOfWord(setting, word))
     {
         return number;
@@ -117,10 +108,10 @@ std::string FaultOfSize(WideView text, const LocaleNumberFormat &format)
         return "\"" + thousands + "\" separates thousands here, and \"" + Utf8FromText(format.DecimalSeparator) +
                "\" decimals";
     }
-    std::string unit = Lower(Utf8FromText(rest));
+    std::string unit = LowerAscii(Utf8FromText(rest));
     const bool isPixels = IsOneOf(unit, {"", "px", "pix", "pixel", "pixels"});
     // The plug-in's own form has a word behind a print size.
-    const std::string print = Lower(Utf8FromText(LoadStringOrPlaceholder(IDS_SIZE_PRINT)));
+    const std::string print = LowerAscii(Utf8FromText(LoadStringOrPlaceholder(IDS_SIZE_PRINT)));
     unit.resize(unit.size() - (unit.ends_with(print) ? print.size() : 0));
     if (!isPixels && !IsOneOf(unit, {"\"", "in", "inch", "inches", "cm"}))
     {
@@ -140,7 +131,7 @@ std::variant<WideText, std::string> ParseSize(std::string_view text)
         return "";
     }
     std::erase_if(*wide, IsWhiteSpace);
-    const bool isOriginal = Lower(Utf8FromText(*wide)) == "original";
+    const bool isOriginal = EqualsIgnoringCase(Utf8FromText(*wide), "original");
     if (!isOriginal && (wide->size() >= OutputSizeCapacity || Digits.find((*wide + u' ').front()) == Digits.npos))
     {
         return "";

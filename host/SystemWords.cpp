@@ -6,6 +6,13 @@
 
 #include <cstdio>
 
+std::string CodeText(HRESULT code)
+{
+    char number[16];
+    std::snprintf(number, sizeof(number), "0x%08x", static_cast<unsigned>(code));
+    return number;
+}
+
 std::string SystemWordsOrNone(HRESULT code)
 {
     LocalTextOwner message;
@@ -18,11 +25,5 @@ std::string SystemWordsOrNone(HRESULT code)
 std::string SystemWords(HRESULT code)
 {
     const std::string words = SystemWordsOrNone(code);
-    if (!words.empty())
-    {
-        return words;
-    }
-    char number[16];
-    std::snprintf(number, sizeof(number), "0x%08x", static_cast<unsigned>(code));
-    return std::string("error ") + number;
+    return words.empty() ? "error " + CodeText(code) : words;
 }

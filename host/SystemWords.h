@@ -5,6 +5,9 @@
 
 #include <string>
 
+// "0x80004005"
+std::string CodeText(HRESULT code);
+
 // UTF-8 without a line break; the code itself where the system has no words.
 std::string SystemWords(HRESULT code);
 

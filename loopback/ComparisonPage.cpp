@@ -1,4 +1,4 @@
-#include "loopback/ComparisonPage.h"
+#include "loopback/GalleryPage.h"
 
 #include "loopback/PageFrame.h"
 

@@ -1,6 +1,5 @@
 #include "loopback/Gallery.h"
 
-#include "loopback/ComparisonPage.h"
 #include "loopback/FormFields.h"
 #include "loopback/GalleryPage.h"
 #include "loopback/PageFrame.h"

@@ -30,4 +30,9 @@ std::string OverviewPage(const Account &account, const std::vector<PhotoRecord> 
 std::string PhotoPage(const PhotoRecord &photo, const PhotoFacts &facts);
 std::string MissingPage();
 
+// Uploads of the same title side by side: what of the picture and of its metadata arrived each time, measured against
+// the upload whose run is called "As on disk". `photos` begin with the newest, and so do the comparisons. Of several
+// uploads with the same title and run only the newest is shown.
+std::string ComparisonPage(const std::vector<PhotoRecord> &photos, const FactsOf &facts);
+
 } // namespace loopback

@@ -72,14 +72,6 @@ public:
     HttpReply Run();
 
 private:
-    enum class Stop
-    {
-        No,
-        Stalled,
-        NoAnswer,
-        Resend
-    };
-
     template <class Value>
     void Set(CURLoption option, Value value)
     {
@@ -101,7 +93,6 @@ private:
     int OnProgress(UINT64 received, UINT64 sent);
     int OnBeforeRequest();
     bool IsPatienceOver(UINT64 received, UINT64 sent);
-    Stop StopOf(Clock::time_point now) const;
 
     UINT64 SentBytes() const;
     bool IsAllSent() const;
@@ -128,7 +119,7 @@ private:
     std::optional<Clock::time_point> m_lastMove; // set when the request starts on its connection
     std::optional<Clock::time_point> m_allSent;
     std::optional<long> m_requestSize; // what libcurl had sent when the request started
-    Stop m_stop = Stop::No;
+    std::optional<TransportProblem> m_passedLimit;
     HRESULT m_readFailure = S_OK;
     HRESULT m_callerFailure = S_OK;
 };
@@ -284,7 +275,6 @@ int CurlExchange::OnBeforeRequest()
     // long as nothing of the request went out.
     if (m_requestSize && (requestSize > *m_requestSize || m_bodyRead > 0))
     {
-        m_stop = Stop::Resend;
         return CURL_PREREQFUNC_ABORT;
     }
     if (!m_requestSize)
@@ -318,24 +308,9 @@ bool CurlExchange::IsPatienceOver(UINT64 received, UINT64 sent)
     {
         m_allSent = now;
     }
-    m_stop = StopOf(now);
-    return m_stop != Stop::No;
-}
-
-CurlExchange::Stop CurlExchange::StopOf(Clock::time_point now) const
-{
-    const bool isAnswering = m_reply.status != 0;
-    const auto answerLimit = m_request.isSmall && !isAnswering ? m_limits.smallAnswer : m_limits.answer;
-    if (m_allSent && now - *m_allSent > answerLimit)
-    {
-        return Stop::NoAnswer;
-    }
-    const bool isStill = (!m_allSent || isAnswering) && now - *m_lastMove > m_limits.stall;
-    if (isStill || (m_request.isSmall && now - m_start > m_limits.smallWhole))
-    {
-        return m_allSent ? Stop::NoAnswer : Stop::Stalled;
-    }
-    return Stop::No;
+    m_passedLimit =
+        PassedLimit({m_start, *m_lastMove, m_allSent}, m_request.isSmall, m_reply.status != 0, m_limits);
+    return m_passedLimit.has_value();
 }
 
 int CurlExchange::OnProgress(UINT64 received, UINT64 sent)
@@ -456,9 +431,9 @@ TransportError CurlExchange::ErrorOf(CURLcode code) const
     {
         return {TransportProblem::BodyUnreadable, m_readFailure};
     }
-    if (m_stop == Stop::Stalled || m_stop == Stop::NoAnswer)
+    if (m_passedLimit)
     {
-        return {m_stop == Stop::Stalled ? TransportProblem::SendStalled : TransportProblem::AnswerMissing};
+        return {*m_passedLimit};
     }
     if (code == CURLE_OUT_OF_MEMORY)
     {

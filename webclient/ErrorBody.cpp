@@ -132,20 +132,18 @@ std::string Describe(std::string_view body)
     {
         body.remove_prefix(3);
     }
-    const size_t first = body.find_first_not_of(" \t\r\n");
-    if (first == std::string_view::npos || IsBinary(body))
+    body = Trimmed(body);
+    if (body.empty() || IsBinary(body))
     {
         return {};
     }
-    body.remove_prefix(first);
     if (body.front() != '<')
     {
         return std::string(body);
     }
     const std::string lower = LowerAscii(body);
     const std::string title = ElementText(body, lower, "title");
-    const bool isBlank = title.find_first_not_of(" \t\r\n") == title.npos;
-    return isBlank ? ElementText(body, lower, "h1") : title;
+    return Trimmed(title).empty() ? ElementText(body, lower, "h1") : title;
 }
 } // namespace
 

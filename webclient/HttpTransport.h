@@ -19,6 +19,7 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -116,6 +117,31 @@ struct TransportLimits
     std::chrono::milliseconds smallWhole{60'000};  // of a small call, connecting included
     size_t replyBytes = LargestReply;
 };
+
+// When an exchange began, connecting included, when a byte moved last, and when the last one was sent.
+struct ExchangeTimes
+{
+    using Clock = std::chrono::steady_clock;
+
+    Clock::time_point start;
+    Clock::time_point lastMove;
+    std::optional<Clock::time_point> allSent;
+};
+
+// What is wrong with an exchange that has passed one of the limits behind that for connecting.
+inline std::optional<TransportProblem> PassedLimit(const ExchangeTimes &times, bool isSmall, bool isAnswering,
+                                                   const TransportLimits &limits)
+{
+    const auto now = ExchangeTimes::Clock::now();
+    const auto answerLimit = isSmall && !isAnswering ? limits.smallAnswer : limits.answer;
+    const bool isUnanswered = times.allSent && now - *times.allSent > answerLimit;
+    const bool isStill = (!times.allSent || isAnswering) && now - times.lastMove > limits.stall;
+    if (!isUnanswered && !isStill && !(isSmall && now - times.start > limits.smallWhole))
+    {
+        return std::nullopt;
+    }
+    return times.allSent ? TransportProblem::AnswerMissing : TransportProblem::SendStalled;
+}
 
 class HttpTransport
 {

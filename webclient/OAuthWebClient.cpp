@@ -84,7 +84,7 @@ BstrOwner BstrOf(const SecretText &text)
 // An empty or blank text is no token.
 bool IsToken(std::string_view text)
 {
-    return text.find_first_not_of(" \t\r\n") != text.npos;
+    return !Trimmed(text).empty();
 }
 
 // Owns a reply that holds a token pair, and wipes it in the end.

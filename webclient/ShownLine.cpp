@@ -1,5 +1,6 @@
 #include "webclient/ShownLine.h"
 
+#include "com/AsciiText.h"
 #include "com/SafeText.h"
 
 #include <algorithm>
@@ -11,7 +12,7 @@ std::string WithoutSecrets(std::string text, SecretViews secrets)
               [](std::string_view a, std::string_view b) { return a.size() > b.size(); });
     for (const std::string_view secret : secrets)
     {
-        if (secret.find_first_not_of(" \t\r\n") == secret.npos)
+        if (Trimmed(secret).empty())
         {
             continue;
         }

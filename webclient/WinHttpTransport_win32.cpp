@@ -206,24 +206,18 @@ void WinHttpExchange::SetHeaders()
 
 void WinHttpExchange::CheckPatience() const
 {
-    const auto now = Clock::now();
     if (!m_isConnected)
     {
-        if (now - m_start > m_limits.connect)
+        if (Clock::now() - m_start > m_limits.connect)
         {
             throw TransportError{TransportProblem::ConnectTimedOut};
         }
         return;
     }
-    const auto answerLimit = m_request.isSmall && !m_isAnswering ? m_limits.smallAnswer : m_limits.answer;
-    if (m_allSent && now - *m_allSent > answerLimit)
+    if (const auto problem =
+            PassedLimit({m_start, m_lastMove, m_allSent}, m_request.isSmall, m_isAnswering, m_limits))
     {
-        throw TransportError{TransportProblem::AnswerMissing};
-    }
-    const bool isStill = (!m_allSent || m_isAnswering) && now - m_lastMove > m_limits.stall;
-    if (isStill || (m_request.isSmall && now - m_start > m_limits.smallWhole))
-    {
-        throw TransportError{m_allSent ? TransportProblem::AnswerMissing : TransportProblem::SendStalled};
+        throw TransportError{*problem};
     }
 }
 

@@ -1,6 +1,6 @@
 #include "host/window/PluginUse_win32.h"
 
-#include "host/Apartment_win32.h"
+#include "host/Apartment.h"
 #include "host/UploadObservation.h"
 
 PluginUse::PluginUse(const CLSID &plugin, InitDataStore &store, ItemCollection pictures, Journal *journal,

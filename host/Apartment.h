@@ -1,6 +1,7 @@
 // COM on whatever thread calls.
 #pragma once
 
+#include <windows.h>
 #include <objbase.h>
 
 // A thread that hasn't initialized COM is one of the multithreaded apartment while this lives; any other
