@@ -183,3 +183,16 @@ HRESULT QueryUploadStatus(AccountRecord &account, const VersionBlock &version)
     }
     return result;
 }
+
+HRESULT AnswerCanPublish(AccountRecord &account, const VersionBlock &version, bool withCheck)
+{
+    if (!account.IsAuthorized())
+    {
+        return S_FALSE;
+    }
+    if (!withCheck)
+    {
+        return S_OK;
+    }
+    return SUCCEEDED(QueryUploadStatus(account, version)) && account.UploadLeftThisMonth != 0 ? S_OK : S_FALSE;
+}

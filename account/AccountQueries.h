@@ -1,4 +1,4 @@
-// Queries of the account at the service. Both block the calling thread for as long as the web
+// Queries of the account at the service. All block the calling thread for as long as the web
 // client takes, show nothing and log nothing. E_UNEXPECTED if no web client can be made; a string that
 // can't be allocated throws E_OUTOFMEMORY.
 #pragma once
@@ -16,3 +16,8 @@ HRESULT RefreshAccount(AccountRecord &account, const VersionBlock &version);
 // failure, its limits as they were: E_POINTER if the request failed, E_FAIL if the service refused or
 // a value is missing from its reply.
 HRESULT QueryUploadStatus(AccountRecord &account, const VersionBlock &version);
+
+// Answers the host's question whether publishing is possible now, by S_OK or S_FALSE. Without the check the token pair
+// alone decides. With it the limits are read from the service, which blocks the calling thread and refreshes the
+// account; an exhausted allowance counts as no, and so does any failure. Throws E_OUTOFMEMORY.
+HRESULT AnswerCanPublish(AccountRecord &account, const VersionBlock &version, bool withCheck);

@@ -3,7 +3,7 @@
 #include "core/ThisModule.h"
 #include "resources/resource.h"
 #include "taskdialog/TaskDialogRunner.h"
-#include "ui/CentredMessageBox.h"
+#include "ui/CentredDialogs.h"
 
 #include <shellapi.h>
 

@@ -1,6 +1,7 @@
 #include "account/ProxyDiscovery.h"
 
 #include "com/BstrOwner.h"
+#include "com/InternetHandleOwner.h"
 
 #include <algorithm>
 #include <iterator>
@@ -121,6 +122,32 @@ BstrOwner TextOf(const GlobalTextOwner &list)
 {
     return list ? BstrOwner(WideView(list.Get())) : BstrOwner();
 }
+
+// The code of the call that failed just now; never 0.
+DWORD FailureCode()
+{
+    const DWORD error = GetLastError();
+    return error != 0 ? error : ERROR_WINHTTP_INTERNAL_ERROR;
+}
+
+// If WinHTTP refuses to open a session, the two calls fail.
+class Session final : public ProxyLookup
+{
+public:
+    DWORD ReadUserSettings(WINHTTP_CURRENT_USER_IE_PROXY_CONFIG &settings) override
+    {
+        return WinHttpGetIEProxyConfigForCurrentUser(&settings) ? 0 : FailureCode();
+    }
+
+    DWORD FindProxy(const WCHAR *url, WINHTTP_AUTOPROXY_OPTIONS &options, WINHTTP_PROXY_INFO &found) override
+    {
+        return WinHttpGetProxyForUrl(m_session.Get(), url, &options, &found) ? 0 : FailureCode();
+    }
+
+private:
+    InternetHandleOwner m_session{
+        WinHttpOpen(TEXT("Halvora"), WINHTTP_ACCESS_TYPE_DEFAULT_PROXY, nullptr, nullptr, 0)};
+};
 } // namespace
 
 DWORD DiscoverProxy(const WCHAR *url, ProxySetting &setting, ProxyLookup &lookup)
@@ -147,4 +174,10 @@ HRESULT SendThroughProxy(const ProxySetting &setting, IServerXMLHTTPRequest2 &re
                          ListArgument(bypass));
     }
     return request.send(body);
+}
+
+DWORD DiscoverSystemProxy(const WCHAR *url, ProxySetting &setting)
+{
+    Session session;
+    return DiscoverProxy(url, setting, session);
 }

@@ -34,6 +34,9 @@ protected:
 // as long as the system takes to find and run a script. Nothing is kept from one call to the next.
 DWORD DiscoverProxy(const WCHAR *url, ProxySetting &setting, ProxyLookup &lookup);
 
+// The same by the system's own WinHTTP, with a session that lives for the call alone.
+DWORD DiscoverSystemProxy(const WCHAR *url, ProxySetting &setting);
+
 // Discovery as a parameter of its callers.
 using ProxyDiscovery = std::function<DWORD(const WCHAR *url, ProxySetting &setting)>;
 

@@ -28,20 +28,31 @@ struct Database::State
     {
         if (result != wanted)
         {
-            throw DatabaseError(sqlite3_errmsg(database.get()),
-                                result == SQLITE_CORRUPT || result == SQLITE_NOTADB);
+            const bool isOfDisk = result == SQLITE_CANTOPEN || result == SQLITE_READONLY ||
+                                  result == SQLITE_IOERR || result == SQLITE_FULL;
+            throw DatabaseError(
+                (result == SQLITE_BUSY ? "another process is using it" : sqlite3_errmsg(database.get())) +
+                    std::string(isOfDisk ? ". Check its permissions and the space on the disk" : ""),
+                result == SQLITE_CORRUPT || result == SQLITE_NOTADB);
         }
     }
 };
 
-Database::Database(const std::filesystem::path &file) : m_state(std::make_unique<State>())
+Database::Database(const std::filesystem::path &file, DatabaseUse use) : m_state(std::make_unique<State>())
 {
     sqlite3 *database = nullptr;
     const std::u8string name = file.u8string();
     const int result = sqlite3_open(reinterpret_cast<const char *>(name.c_str()), &database);
     m_state->database.reset(database);
     m_state->Check(result, SQLITE_OK);
-    sqlite3_busy_timeout(database, 5000);
+    if (use == DatabaseUse::Alone)
+    {
+        Run("PRAGMA locking_mode = EXCLUSIVE");
+    }
+    else
+    {
+        sqlite3_busy_timeout(database, 5000);
+    }
     Run("PRAGMA journal_mode = WAL");
     Run("PRAGMA synchronous = NORMAL");
 }

@@ -1,6 +1,5 @@
 // A file of tables, by SQLite. A process that ends at any moment leaves it whole, and so does a crash of the system,
-// after which the last changes may be missing. Several processes may use one file. Thread-safe: a lock admits
-// one statement at a time.
+// after which the last changes may be missing. Thread-safe: a lock admits one statement at a time.
 #pragma once
 
 #include <cstdint>
@@ -14,6 +13,7 @@
 class DatabaseError : public std::runtime_error
 {
 public:
+    // The words don't end with a full stop.
     DatabaseError(const std::string &words, bool isDamaged) : std::runtime_error(words), m_isDamaged(isDamaged) {}
 
     // The file isn't what was written: no database, or one with spoiled pages.
@@ -23,6 +23,13 @@ private:
     bool m_isDamaged;
 };
 
+// Whether several processes may use a file at a time, or the first one has it alone until it closes it.
+enum class DatabaseUse
+{
+    Shared,
+    Alone
+};
+
 class Database
 {
 public:
@@ -30,7 +37,7 @@ public:
     using Row = std::vector<Value>;
 
     // Opens or creates the file. Throws DatabaseError, as every member does.
-    explicit Database(const std::filesystem::path &file);
+    explicit Database(const std::filesystem::path &file, DatabaseUse use = DatabaseUse::Shared);
     ~Database();
 
     // Runs one statement with the values in place of its "?", in order, and returns all rows. NULL reads as 0.

@@ -6,7 +6,7 @@
 
 namespace
 {
-constexpr char NoLibrary[] = "This Windows has no winsqlite3.dll; it comes with Windows 10 and later.";
+constexpr char NoLibrary[] = "this Windows has no winsqlite3.dll, which comes with Windows 10 and later";
 
 HMODULE Library()
 {
@@ -32,7 +32,7 @@ extern "C"
         if (Library() == nullptr)
         {
             *database = nullptr;
-            return SQLITE_CANTOPEN;
+            return SQLITE_ERROR;
         }
         FORWARD(sqlite3_open, file, database);
     }

@@ -1,7 +1,7 @@
 #include "host/Commands.h"
 
 #include "host/InitData.h"
-#include "host/SettingsKeyMaking.h"
+#include "host/PluginSettings.h"
 #include "com/SafeText.h"
 #include "host/SettingsKey_posix.h"
 #include "host/SystemWords.h"

@@ -1,8 +1,10 @@
-// Numbers of EXIF's fields, in whichever directory each lies (EXIF 2.32, 4.6; those for texts of Windows and the rating
-// by Microsoft).
+// Numbers of EXIF: those of its fields, in whichever directory each lies (EXIF 2.32, 4.6; those for texts of Windows and
+// the rating by Microsoft), and those for colours that a file tells by this block alone, without a profile.
 #pragma once
 
 #include <windows.h>
+
+#include <string_view>
 
 namespace ExifTag
 {
@@ -22,3 +24,14 @@ constexpr WORD ColorSpace = 40961;
 constexpr WORD PixelXDimension = 40962;
 constexpr WORD PixelYDimension = 40963;
 } // namespace ExifTag
+
+// Adobe RGB is told by the optional colour space of DCF 2.0: "uncalibrated" and the interoperability index R03.
+// Some cameras write a colour space of 2 instead, which EXIF doesn't know.
+inline constexpr unsigned UncalibratedColorSpace = 65535;
+inline constexpr char AdobeRgbIndex[] = "R03";
+
+constexpr bool IsAdobeRgb(long colorSpace, std::string_view interoperabilityIndex)
+{
+    return colorSpace == 2 ||
+           (colorSpace == UncalibratedColorSpace && interoperabilityIndex.starts_with(AdobeRgbIndex));
+}

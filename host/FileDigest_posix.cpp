@@ -1,14 +1,11 @@
 #include "host/FileDigest.h"
 
-#include "host/HexDigits.h"
-
 #include <openssl/evp.h>
 
-#include <array>
 #include <memory>
 #include <new>
 
-std::string Sha256OfChunks(const std::function<std::string_view()> &next)
+Sha256Digest Sha256OfChunks(const std::function<std::string_view()> &next)
 {
     const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context(EVP_MD_CTX_new(), EVP_MD_CTX_free);
     if (!context || EVP_DigestInit_ex(context.get(), EVP_sha256(), nullptr) != 1)
@@ -19,7 +16,7 @@ std::string Sha256OfChunks(const std::function<std::string_view()> &next)
     {
         EVP_DigestUpdate(context.get(), chunk.data(), chunk.size());
     }
-    std::array<unsigned char, 32> digest{};
+    Sha256Digest digest{};
     EVP_DigestFinal_ex(context.get(), digest.data(), nullptr);
-    return HexDigits(digest);
+    return digest;
 }

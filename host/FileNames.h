@@ -28,6 +28,11 @@ inline std::string ExtensionOf(const std::filesystem::path &file)
     return extension.empty() ? extension : extension.substr(1);
 }
 
+// The order in which a user expects names: numbers by value, letters without regard to case. A strict weak order over
+// bytes; names that differ only in case or in leading zeros are ordered by their bytes, so that no two different names
+// are equal.
+bool NaturallyBefore(std::string_view left, std::string_view right);
+
 // The same for every name that leads to a file of this name in the same folder: links to folders are
 // resolved, and case is folded where the system doesn't tell it apart. To be compared, not opened.
 std::filesystem::path IdentityOf(const std::filesystem::path &file);

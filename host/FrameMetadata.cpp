@@ -1,6 +1,5 @@
 #include "host/FrameMetadata.h"
 
-#include "host/DcfColours.h"
 #include "host/ExifFieldValue.h"
 #include "host/ExifTags.h"
 #include "host/MetadataTexts.h"

@@ -14,5 +14,5 @@ void ReadFrameMetadata(IWICMetadataQueryReader &reader, ImageTexts &texts, Metad
 // EXIF's number, 1 to 8; 1 where there is none.
 UINT16 ReadFrameOrientation(IWICMetadataQueryReader &reader);
 
-// By DcfColours.h.
+// By IsAdobeRgb of ExifTags.h.
 bool IsFrameInAdobeRgb(IWICMetadataQueryReader &reader);

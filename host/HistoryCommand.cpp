@@ -3,9 +3,7 @@
 #include "host/FileNames.h"
 #include "host/InstalledModules_posix.h"
 #include "host/Journal.h"
-#include "host/LocalTime.h"
 #include "host/Terminal_posix.h"
-#include "host/Tickets.h"
 
 #include <nlohmann/json.hpp>
 
@@ -28,7 +26,7 @@ const char *WordFor(JournalOutcome outcome)
 
 std::string Line(const JournalEntry &entry)
 {
-    std::string line = LocalTime(entry.when) + "  " + WordFor(entry.outcome) + "  " + ShownPath(entry.file.path);
+    std::string line = entry.LocalTime() + "  " + WordFor(entry.outcome) + "  " + ShownPath(entry.file.path);
     if (!entry.photo.empty())
     {
         line += "  " + entry.Page();

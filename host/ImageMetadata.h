@@ -16,8 +16,3 @@ HRESULT ReadMetadata(const std::filesystem::path &file, ImageTexts &texts, Metad
 // Whether the system can read the metadata of JPEG files at all. Where it can't, a reading finds nothing,
 // which is no failure.
 bool CanReadMetadata() noexcept;
-
-inline HRESULT ReadImageTexts(const std::filesystem::path &file, ImageTexts &texts) noexcept
-{
-    return ReadMetadata(file, texts, nullptr);
-}

@@ -1,6 +1,5 @@
 #include "host/ImageMetadata.h"
 
-#include "host/DcfColours.h"
 #include "com/ErrnoCodes_posix.h"
 #include "host/ExifTags.h"
 #include "host/ExtendedXmp_posix.h"

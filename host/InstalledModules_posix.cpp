@@ -2,7 +2,7 @@
 
 #include "host/FileNames.h"
 #include "host/Profile.h"
-#include "host/SettingsKeyMaking.h"
+#include "host/PluginSettings.h"
 #include "host/SystemWords.h"
 
 #include "platform/advapi32/RegistryStore.h"

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <ctime>
 #include <fstream>
 #include <limits>
 #include <map>
@@ -113,6 +114,18 @@ JournalAccount JournalAccount::Of(const AccountData &account)
 {
     return {Utf8FromText(account.photosUrl.value_or(WideText())),
             DigestOfText(Utf8FromText(account.token.value_or(WideText())))};
+}
+
+std::string JournalEntry::LocalTime() const
+{
+    const auto time = static_cast<std::time_t>(when);
+    const std::tm *const parts = std::localtime(&time);
+    std::string text(16, '-');
+    if (parts != nullptr)
+    {
+        text.resize(std::strftime(text.data(), text.size() + 1, "%Y-%m-%d %H:%M", parts));
+    }
+    return text;
 }
 
 std::string JournalEntry::Page() const
@@ -227,8 +240,7 @@ std::vector<Database::Row> Journal::Run(const std::string &sql, const std::vecto
     catch (const std::exception &error)
     {
         throw ProfileError("The journal of what was published, " + ShownPath(m_profile.JournalFile()) +
-                           ", can't be used: " + error.what() +
-                           ". Check its permissions and the space on the disk.");
+                           ", can't be used: " + error.what() + ".");
     }
 }
 

@@ -55,6 +55,9 @@ struct JournalEntry
     std::string photo;  // the service's id, empty if it isn't known
     std::string ticket; // of a picture that was handed in
 
+    // When, as the day and minute of the user's clock: "2026-03-01 17:05". To be called on one thread.
+    std::string LocalTime() const;
+
     // The photo's page, empty if its id isn't known.
     std::string Page() const;
 };

@@ -1,7 +1,6 @@
 #include "host/MetadataValues.h"
 
 #include "host/CopiedBlocks.h"
-#include "host/DcfColours.h"
 #include "host/ExifFieldValue.h"
 #include "host/ExifTags.h"
 #include "host/TextEncodings.h"

@@ -2,7 +2,7 @@
 
 #include "com/ErrnoCodes_posix.h"
 #include "host/FileNames.h"
-#include "host/PictureCheck.h"
+#include "host/JpegFile.h"
 #include "host/PixelDecoding_posix.h"
 #include "host/RawDecoding_posix.h"
 #include "com/WholeFile.h"

@@ -1,7 +1,7 @@
 #include "host/PictureHeader_posix.h"
 
-#include "host/DcfColours.h"
-#include "host/JfifProportions.h"
+#include "host/ExifTags.h"
+#include "host/JpegFile.h"
 #include "host/PictureDecoding.h"
 
 #include <vips/vips.h>

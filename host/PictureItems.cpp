@@ -1,12 +1,11 @@
 #include "host/PictureItems.h"
 
 #include "host/FileNames.h"
-#include "host/NaturalOrder.h"
-#include "host/PictureExtensions.h"
 #include "host/TextEncodings.h"
 #include "com/WholeFile.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -16,6 +15,25 @@ namespace fs = std::filesystem;
 
 namespace
 {
+// Sorted. JPEG, GIF and PNG can be sent as they are on disk; TIFF, WebP, HEIF, the camera makers' raw
+// formats and the rest are decoded.
+constexpr auto Pictures = std::to_array<std::string_view>({
+    "3fr",  "arw", "avif", "bmp",  "cap", "cr2",  "cr3", "crw", "dcr", "dng", "erf", "exif", "fff",  "gif", "heic",
+    "heif", "hif", "iiq",  "jfif", "jpe", "jpeg", "jpg", "k25", "kdc", "mef", "mos", "mrw",  "nef",  "nrw", "orf",
+    "pef",  "png", "psd",  "raf",  "raw", "rw2",  "rwl", "sr2", "srf", "srw", "tif", "tiff", "webp", "x3f",
+});
+static_assert(std::is_sorted(Pictures.begin(), Pictures.end()));
+
+constexpr auto Sidecars = std::to_array<std::string_view>({"dop", "pp3", "thm", "xmp"});
+static_assert(std::is_sorted(Sidecars.begin(), Sidecars.end()));
+
+// An extension without its dot; case doesn't matter.
+template <size_t Count>
+bool IsAmong(const std::array<std::string_view, Count> &sorted, std::string_view extension)
+{
+    return std::ranges::binary_search(sorted, std::string_view(LowerAscii(extension)));
+}
+
 // The plug-in passes lengths to the web client as unsigned 32-bit numbers of bytes.
 constexpr uintmax_t LargestFile = 0xFFFFFFFF;
 
@@ -92,7 +110,7 @@ private:
         {
             m_collection.refused.push_back({file, *fault});
         }
-        else if (IsSidecarExtension(extension))
+        else if (IsAmong(Sidecars, extension))
         {
             m_collection.passedOver.push_back(file);
         }
@@ -101,7 +119,7 @@ private:
             m_collection.refused.push_back(
                 {file, "has no extension to tell what kind of picture it is; give it one, such as .jpg"});
         }
-        else if (!IsPictureExtension(extension))
+        else if (!IsAmong(Pictures, extension))
         {
             m_collection.refused.push_back(
                 {file, "is not a supported picture type (." + extension + "); if it is a picture, rename it"});
@@ -114,7 +132,7 @@ private:
 
     void TakeFoundFile(const fs::path &file)
     {
-        if (!IsPictureExtension(ExtensionOf(file)))
+        if (!IsAmong(Pictures, ExtensionOf(file)))
         {
             return;
         }
@@ -239,4 +257,9 @@ void TellOfOtherFiles(const ItemCollection &collection,
     {
         tell(1, ShownPath(path) + " belongs to a picture and isn't published by itself.");
     }
+}
+
+std::span<const std::string_view> PictureExtensions()
+{
+    return Pictures;
 }

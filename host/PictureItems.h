@@ -4,7 +4,9 @@
 
 #include <filesystem>
 #include <functional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // One picture. Its files lie in one folder and differ only in their extension. Extensions that differ only
@@ -52,3 +54,6 @@ ItemCollection CollectItems(const std::vector<std::filesystem::path> &arguments,
 // Says which of the files that were named aren't pictures to publish; levels as in WriteLogEntry.
 void TellOfOtherFiles(const ItemCollection &collection,
                       const std::function<void(int level, const std::string &text)> &tell);
+
+// The file name extensions by which pictures are known: without dots, in lower case and sorted.
+std::span<const std::string_view> PictureExtensions();

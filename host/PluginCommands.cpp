@@ -12,7 +12,7 @@
 #include "host/SystemWords.h"
 #include "host/Terminal_posix.h"
 #include "host/TextEncodings.h"
-#include "host/TextSwitches.h"
+#include "host/PluginSettings.h"
 
 #include "com/BstrOwner.h"
 #include "com/Hresult.h"

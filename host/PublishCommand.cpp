@@ -10,14 +10,14 @@
 #include "host/PublishRun.h"
 #include "host/RunCourse.h"
 #include "host/RunJournal.h"
-#include "host/SettingsForOneRun_posix.h"
 #include "host/SettingsKey_posix.h"
 #include "host/SystemWords.h"
 #include "host/Terminal_posix.h"
 
+#include "platform/http/EnvironmentProxy.h"
+
 #include <algorithm>
-#include <atomic>
-#include <thread>
+#include <cstdlib>
 
 namespace
 {
@@ -85,13 +85,13 @@ void Report(const RunTools &tools, const RunRecord &record, size_t item)
 
 // Runs the plug-in until every item has been tried, or nothing more is to be had.
 RunEnd RunToTheEnd(PluginSession &session, PublishingHost &host, RunRecord &record, const RunTools &tools,
-                   std::atomic<bool> &isCancelled)
+                   CancellablePause &servicePause)
 {
     GrowingPause pause;
     for (;;)
     {
         RunEnd end =
-            RunPublication(*session.Plugin(), host, tools.display, tools.signals, [&] { isCancelled = true; });
+            RunPublication(*session.Plugin(), host, tools.display, tools.signals, [&] { servicePause.Cancel(); });
         record.RunEnds();
         const NextRun next =
             end.cancelled || FAILED(end.result) ? NextRun::None : NextRunAfter(record, tools.line.keepTrying);
@@ -136,17 +136,13 @@ RunEnd Publish(RunRecord &record, const RunTools &tools)
         }
     });
     host->StopBy(tools.line.keepTrying ? 1 : MostFailuresToConnect, [&] { session.Plugin()->Cancel(FALSE); });
-    std::atomic<bool> isCancelled = false;
+    CancellablePause servicePause;
     host->PauseBy([&](std::chrono::seconds pause) {
         tools.display.Log(1, "Flickr asks for a pause: going on in " + std::to_string(pause.count()) +
                                  " seconds. Ctrl-C cancels.");
-        const auto end = std::chrono::steady_clock::now() + pause;
-        while (!isCancelled && std::chrono::steady_clock::now() < end)
-        {
-            std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        }
+        servicePause.Wait(pause);
     });
-    const RunEnd end = RunToTheEnd(session, *host.Get(), record, tools, isCancelled);
+    const RunEnd end = RunToTheEnd(session, *host.Get(), record, tools, servicePause);
     host->RunEnds();
     journal.RunEnds();
     record.WatchBy(nullptr);
@@ -178,6 +174,13 @@ bool ChecksSettings(const CommandLine &line, LiveDisplay &display)
     return true;
 }
 
+ConnectionSettings OfThisProcess()
+{
+    const ProxyChoice proxy = EnvironmentProxy("https:");
+    const char *const trustFile = std::getenv("HALVORA_CA_FILE");
+    return {ShownProxy(proxy.server), proxy.variable, trustFile != nullptr ? trustFile : ""};
+}
+
 ExitCode RunPlan(PlannedRun plan, const CommandLine &line, InitDataStore &store, LiveDisplay &display)
 {
     SignalWatch signals;
@@ -193,7 +196,7 @@ ExitCode RunPlan(PlannedRun plan, const CommandLine &line, InitDataStore &store,
     {
         Report(tools, record, item);
     }
-    const RunSummary summary = record.Summarize(end.cancelled, SystemWordsOrNone, ProcessVariable);
+    const RunSummary summary = record.Summarize(end.cancelled, SystemWordsOrNone, OfThisProcess());
     display.Print(summary.text, summary.exitCode != ExitCode::Success);
     if (!notTried.empty() && plan.journal)
     {

@@ -1,7 +1,6 @@
 #include "host/PublishedBefore.h"
 
 #include "host/FileNames.h"
-#include "host/LocalTime.h"
 
 #include <algorithm>
 
@@ -14,7 +13,7 @@ std::string WordsFor(const JournalEntry &entry, const PictureItem &item)
     {
         isItself = isItself || item.File(i) == entry.file.path;
     }
-    const std::string when = LocalTime(entry.when) + (isItself ? "" : " as " + ShownPath(entry.file.path));
+    const std::string when = entry.LocalTime() + (isItself ? "" : " as " + ShownPath(entry.file.path));
     switch (entry.outcome)
     {
     case JournalOutcome::Published:

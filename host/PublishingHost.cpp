@@ -3,7 +3,7 @@
 #include "host/FileNames.h"
 #include "host/ImageMetadata.h"
 #include "host/MetadataWriting.h"
-#include "host/PictureCheck.h"
+#include "host/JpegFile.h"
 #include "host/PictureSource.h"
 #include "host/RunAdvice.h"
 #include "host/TextEncodings.h"

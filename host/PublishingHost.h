@@ -62,7 +62,7 @@ public:
     }
 
     // wait is called on the plug-in's thread when the service asks for a pause and further items follow. It
-    // returns when the pause is over or the user cancels. Without it nothing waits.
+    // returns when the pause is over or the user cancels.
     void PauseBy(std::function<void(std::chrono::seconds)> wait) { m_wait = std::move(wait); }
 
     // Ends the work ahead of the plug-in's requests. To be called when a run is over, also a cancelled one.

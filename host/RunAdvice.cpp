@@ -56,43 +56,21 @@ long NumberBehind(std::string_view mark, std::string_view words)
     return at == words.npos ? 0 : std::strtol(std::string(words.substr(at + mark.size())).c_str(), nullptr, 10);
 }
 
-// Without the name and password that it may hold.
-std::string ShownProxy(const std::string &proxy)
+std::string ProxyAdvice(const ConnectionSettings &settings)
 {
-    const size_t scheme = proxy.find("://");
-    const size_t start = scheme == proxy.npos ? 0 : scheme + 3;
-    const size_t at = proxy.rfind('@');
-    return at == proxy.npos || at < start ? proxy.substr(start) : proxy.substr(at + 1);
+    return settings.proxy.empty()
+               ? settings.proxy
+               : "Connections go through the proxy " + settings.proxy + ", which the variable " +
+                     settings.proxyVariable + " names. Check that it is right and that the proxy runs.";
 }
 
-std::string ProxyAdvice(const Variables &variables)
+std::string TrustAdvice(const ConnectionSettings &settings)
 {
-    // In libcurl's order for secure addresses.
-    for (const char *name : {"https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"})
-    {
-        if (const std::string proxy = variables(name); !proxy.empty())
-        {
-            return "Connections go through the proxy " + ShownProxy(proxy) + ", which the variable " + name +
-                   " names. Check that it is right and that the proxy runs.";
-        }
-    }
-    return std::string();
-}
-
-std::string TrustAdvice(const Variables &variables)
-{
-    const std::string file = variables("HALVORA_CA_FILE");
-    return file.empty() ? file
-                        : "Trusted certificates are read from " + file +
-                              " alone, which the variable HALVORA_CA_FILE names. Check that file.";
+    return settings.trustFile.empty() ? settings.trustFile
+                                      : "Trusted certificates are read from " + settings.trustFile +
+                                            " alone, which the variable HALVORA_CA_FILE names. Check that file.";
 }
 } // namespace
-
-std::string ProcessVariable(const char *name)
-{
-    const char *const value = std::getenv(name);
-    return value != nullptr ? value : "";
-}
 
 long ServiceCode(const std::string &entry)
 {
@@ -116,7 +94,7 @@ std::chrono::seconds RequestedWait(const std::string &entry)
     return std::chrono::seconds(std::clamp(NumberBehind(asks, WordsOf(entry)), 0L, longest));
 }
 
-std::vector<std::string> AdviceFor(const std::vector<std::string> &entries, const Variables &variables)
+std::vector<std::string> AdviceFor(const std::vector<std::string> &entries, const ConnectionSettings &settings)
 {
     std::vector<std::string> lines;
     const auto add = [&](const std::string &line) {
@@ -125,7 +103,6 @@ std::vector<std::string> AdviceFor(const std::vector<std::string> &entries, cons
             lines.push_back(line);
         }
     };
-    const auto value = [&](const char *name) { return variables ? variables(name) : std::string(); };
     for (const std::string &entry : entries)
     {
         const std::string_view words = WordsOf(entry);
@@ -139,11 +116,11 @@ std::vector<std::string> AdviceFor(const std::vector<std::string> &entries, cons
         }
         if (SaysNoConnection(entry))
         {
-            add(ProxyAdvice(value));
+            add(ProxyAdvice(settings));
         }
         if (words.find("Connection not secure") != words.npos)
         {
-            add(TrustAdvice(value));
+            add(TrustAdvice(settings));
         }
     }
     return lines;

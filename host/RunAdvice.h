@@ -3,15 +3,16 @@
 #pragma once
 
 #include <chrono>
-#include <functional>
 #include <string>
 #include <vector>
 
-// The value of an environment variable, empty if it isn't set. May be null: no variable counts then.
-using Variables = std::function<std::string(const char *name)>;
-
-// Of this process.
-std::string ProcessVariable(const char *name);
+// What connections depend on by environment variables; a text is empty if it isn't set.
+struct ConnectionSettings
+{
+    std::string proxy; // "host:port"
+    std::string proxyVariable;
+    std::string trustFile; // of HALVORA_CA_FILE
+};
 
 // The service's code in an error entry of the plug-in, 0 if it has none.
 long ServiceCode(const std::string &entry);
@@ -27,4 +28,4 @@ bool SaysNoConnection(const std::string &entry);
 std::chrono::seconds RequestedWait(const std::string &entry);
 
 // A line for each kind of error among the plug-in's error entries, in UTF-8.
-std::vector<std::string> AdviceFor(const std::vector<std::string> &entries, const Variables &variables);
+std::vector<std::string> AdviceFor(const std::vector<std::string> &entries, const ConnectionSettings &settings);

@@ -21,3 +21,16 @@ std::chrono::seconds GrowingPause::Next(size_t item)
     m_item = item;
     return m_pause;
 }
+
+void CancellablePause::Wait(std::chrono::seconds time)
+{
+    std::unique_lock guard(m_lock);
+    m_cancelling.wait_for(guard, time, [this] { return m_isCancelled; });
+}
+
+void CancellablePause::Cancel()
+{
+    const std::lock_guard guard(m_lock);
+    m_isCancelled = true;
+    m_cancelling.notify_all();
+}

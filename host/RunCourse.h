@@ -4,6 +4,8 @@
 #include "host/RunRecord.h"
 
 #include <chrono>
+#include <condition_variable>
+#include <mutex>
 #include <optional>
 
 enum class NextRun
@@ -25,4 +27,18 @@ public:
 private:
     std::optional<size_t> m_item;
     std::chrono::seconds m_pause{};
+};
+
+// The pause that the service asks for within a run. Thread-safe: one thread waits, another cancels.
+class CancellablePause
+{
+public:
+    // Returns when the time is over, or at once when the pause is or was cancelled.
+    void Wait(std::chrono::seconds time);
+    void Cancel();
+
+private:
+    std::mutex m_lock;
+    std::condition_variable m_cancelling;
+    bool m_isCancelled = false;
 };

@@ -309,7 +309,7 @@ std::vector<std::string> RunRecord::Errors() const
     return all;
 }
 
-RunSummary RunRecord::Summarize(bool cancelled, const ErrorWords &words, const Variables &variables) const
+RunSummary RunRecord::Summarize(bool cancelled, const ErrorWords &words, const ConnectionSettings &settings) const
 {
     size_t published = 0;
     size_t handedIn = 0;
@@ -390,7 +390,7 @@ RunSummary RunRecord::Summarize(bool cancelled, const ErrorWords &words, const V
         summary.text += "Flickr could not be reached " + std::to_string(MostFailuresToConnect) +
                         " times in a row, so the run was stopped. Publish the rest when there is a connection.\n";
     }
-    for (const std::string &advice : AdviceFor(Errors(), variables))
+    for (const std::string &advice : AdviceFor(Errors(), settings))
     {
         summary.text += OneSafeLine(advice) + "\n";
     }

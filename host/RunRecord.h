@@ -101,7 +101,7 @@ public:
 
     // Counts, each file that wasn't published with the reason, and what a user can do about the commonest
     // reasons. Of files that weren't tried only a few are named.
-    RunSummary Summarize(bool cancelled, const ErrorWords &words, const Variables &variables = {}) const;
+    RunSummary Summarize(bool cancelled, const ErrorWords &words, const ConnectionSettings &settings = {}) const;
 
 private:
     struct ItemState

@@ -3,6 +3,7 @@
 
 #include "host/SettingAssignment.h"
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,3 +27,18 @@ std::vector<std::string> SizeWarnings();
 
 // The reason not to publish: a maximum size under SmallestUsualEdge that the next run would use.
 std::optional<std::string> TooSmallSize();
+
+// Settings that hold for one run and are stored nowhere. While it lives, the process uses a copy of the registry store
+// with the changes in it. The copy's folder is removed at the end. Throws ProfileError.
+class SettingsForOneRun
+{
+public:
+    explicit SettingsForOneRun(const std::vector<SettingAssignment> &changes);
+    ~SettingsForOneRun();
+    SettingsForOneRun(const SettingsForOneRun &) = delete;
+    SettingsForOneRun &operator=(const SettingsForOneRun &) = delete;
+
+private:
+    const std::string m_store;
+    std::filesystem::path m_folder;
+};

@@ -1,4 +1,4 @@
-#include "host/Tickets.h"
+#include "host/Commands.h"
 
 #include "host/FileNames.h"
 #include "host/SystemWords.h"

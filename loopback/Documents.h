@@ -2,10 +2,11 @@
 // Thread-safe.
 #pragma once
 
+#include "database/Database.h"
+
 #include <nlohmann/json_fwd.hpp>
 
 #include <filesystem>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,20 +22,18 @@ class Documents
 public:
     // Opens or creates the file. Throws std::runtime_error, as every member does.
     explicit Documents(const std::filesystem::path &file);
-    ~Documents();
 
     // A document of that name is replaced, and keeps its place.
     void Put(const std::string &collection, const std::string &name, const Json &document);
-    std::optional<Json> Find(const std::string &collection, const std::string &name) const;
+    std::optional<Json> Find(const std::string &collection, const std::string &name);
     // In the order in which they were added.
-    std::vector<Json> All(const std::string &collection) const;
+    std::vector<Json> All(const std::string &collection);
 
 private:
-    std::vector<std::string> Run(const char *sql, const std::vector<std::string> &values = {}) const;
-    void Check(int result, int wanted) const;
+    std::vector<Database::Row> Run(const char *sql, const std::vector<Database::Value> &values);
 
-    struct State;
-    std::unique_ptr<State> m_state;
+    const std::filesystem::path m_file;
+    Database m_database;
 };
 
 } // namespace loopback

@@ -2,8 +2,7 @@
 
 #include "account/AccountQueries.h"
 #include "account/AuthorizationDialogs.h"
-#include "account/Connectivity.h"
-#include "account/SystemProxy.h"
+#include "account/ProxyDiscovery.h"
 #include "account/WebClientFactory.h"
 #include "core/StringTable.h"
 #include "core/ThisModule.h"

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "com/WideText.h"
-#include "publish/ItemTexts.h"
+#include "publish/ItemRecord.h"
 
 #include "WebComponents.h"
 

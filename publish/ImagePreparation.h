@@ -8,7 +8,7 @@
 
 #include "com/ComPtr.h"
 #include "core/Pause.h"
-#include "publish/ItemTexts.h"
+#include "publish/ItemRecord.h"
 #include "publish/UploadOptions.h"
 
 #include "HostContract.h"

@@ -1,6 +1,8 @@
 // Creation and release of the record by which host and plug-in describe one picture to each other. The
-// structure itself is part of the host contract.
+// structure itself is part of the host contract. And the picture's texts at the service, which are chosen from it.
 #pragma once
+
+#include "com/BstrOwner.h"
 
 #include "HostContract.h"
 
@@ -30,3 +32,17 @@ public:
 private:
     ItemRecord m_record;
 };
+
+// The texts of a picture at the service. They don't depend on which metadata groups stay inside the uploaded picture.
+// Each may be absent (null), or present and empty.
+struct ItemTexts
+{
+    BstrOwner Title;
+    BstrOwner Description;
+    BstrOwner Tags;
+};
+
+// Copies them from a record that the host's reader has filled. Without a caption the title is the upload name;
+// an empty caption gives an empty title. Without a description the EXIF comment takes its place.
+// E_OUTOFMEMORY is thrown.
+ItemTexts ChooseItemTexts(const ItemRecord &record, const WCHAR *uploadName);

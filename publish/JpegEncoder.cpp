@@ -1,10 +1,12 @@
 #include "publish/JpegEncoder.h"
 
+#include "com/HandleOwner.h"
 #include "com/Hresult.h"
-#include "publish/JpegSubsampling.h"
+#include "com/WideText.h"
 
 #include <objbase.h>
 #include <oleauto.h>
+#include <shlwapi.h>
 
 #include <cmath>
 
@@ -12,6 +14,17 @@ namespace
 {
 // For a size without a resolution: the 72 dpi of a screen, as printing programs assume it.
 constexpr double ScreenDpi = 72.0;
+
+const WCHAR *const ImagingServerKey = TEXT("CLSID\\{CACAF262-9370-4615-A13B-9F5539DA4C0A}\\InProcServer32");
+
+bool FindOut() noexcept
+{
+    OSVERSIONINFOW version{};
+    version.dwOSVersionInfoSize = sizeof version;
+    const bool isKnown = GetVersionExW(&version);
+    return (isKnown && VersionHasJpegSubsampling(version.dwMajorVersion, version.dwMinorVersion)) ||
+           IsFreeThreaded(HKEY_CLASSES_ROOT, ImagingServerKey);
+}
 } // namespace
 
 JpegEncoder CreateJpegEncoder(IWICImagingFactory *factory, const UploadOptions &options)
@@ -88,4 +101,36 @@ Resolution ChooseResolution(const UploadOptions &options, IWICBitmapSource *sour
     Resolution own{};
     ThrowIfFailed(source->GetResolution(&own.X, &own.Y));
     return own.X >= 1.0 && own.Y >= 1.0 ? own : Resolution{wanted, wanted};
+}
+
+bool JpegSubsamplingSupported()
+{
+    static const bool Answer = FindOut();
+    return Answer;
+}
+
+bool VersionHasJpegSubsampling(DWORD major, DWORD minor) noexcept
+{
+    return major > 6 || (major == 6 && minor != 0);
+}
+
+bool IsFreeThreaded(HKEY root, const WCHAR *serverKey) noexcept
+{
+    RegistryKeyOwner key;
+    if (RegOpenKeyExW(root, serverKey, 0, KEY_QUERY_VALUE, key.Put()) != ERROR_SUCCESS)
+    {
+        return false;
+    }
+    // The last unit stays zero, since a stored text may lack its terminator. A text too long for the buffer is
+    // neither of the two.
+    WCHAR model[16] = {};
+    DWORD type = REG_NONE;
+    DWORD size = sizeof model - sizeof(WCHAR);
+    const LSTATUS read = RegQueryValueExW(key.Get(), TEXT("ThreadingModel"), nullptr, &type,
+                                          reinterpret_cast<BYTE *>(model), &size);
+    if (read != ERROR_SUCCESS || (type != REG_SZ && type != REG_EXPAND_SZ))
+    {
+        return false;
+    }
+    return StrCmpIW(model, TEXT("Both")) == 0 || StrCmpIW(model, TEXT("Free")) == 0;
 }

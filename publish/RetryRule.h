@@ -7,6 +7,7 @@
 #pragma once
 
 #include <windows.h>
+#include <wincodec.h>
 
 #include <optional>
 
@@ -29,3 +30,24 @@ public:
 private:
     bool m_isIntact;
 };
+
+inline std::optional<DWORD> RetryRule::AfterMetadataFailure() noexcept
+{
+    if (!m_isIntact || BlocksDropped)
+    {
+        return std::nullopt;
+    }
+    BlocksDropped = true;
+    return 0;
+}
+
+inline std::optional<DWORD> RetryRule::AfterPixels(HRESULT result) noexcept
+{
+    if (result == WINCODEC_ERR_BADIMAGE && RetriesLeft != 0)
+    {
+        --RetriesLeft;
+        return 100 * (MostRetries - RetriesLeft);
+    }
+    RetriesLeft = MostRetries;
+    return result == WINCODEC_ERR_PROPERTYUNEXPECTEDTYPE ? AfterMetadataFailure() : std::nullopt;
+}

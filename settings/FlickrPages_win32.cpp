@@ -2,7 +2,7 @@
 
 #include "resources/resource.h"
 #include "settings/WinDataExchange_win32.h"
-#include "ui/CentredMessageBox.h"
+#include "ui/CentredDialogs.h"
 
 namespace
 {

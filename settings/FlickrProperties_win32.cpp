@@ -9,7 +9,7 @@
 #include "settings/SheetLayout_win32.h"
 #include "ui/ActivationContext_win32.h"
 #include "ui/PlacementArithmetic.h"
-#include "ui/WindowPlacement.h"
+#include "ui/WindowPlacement_win32.h"
 
 #include <commctrl.h>
 #include <shellapi.h>

@@ -1,7 +1,7 @@
 #include "settings/SheetLayout_win32.h"
 
 #include "ui/PlacementArithmetic.h"
-#include "ui/WindowPlacement.h"
+#include "ui/WindowPlacement_win32.h"
 
 #include <commctrl.h>
 

@@ -1,8 +1,7 @@
 #include "taskdialog/TaskDialogRunner.h"
 
 #include "core/StringTable.h"
-#include "ui/CentredMessageBox.h"
-#include "ui/DialogHook.h"
+#include "ui/CentredDialogs.h"
 
 #include <optional>
 

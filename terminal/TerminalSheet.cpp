@@ -8,7 +8,7 @@
 #include "settings/PhotosPage.h"
 #include "settings/RawPage.h"
 #include "terminal/SheetView.h"
-#include "ui/CentredMessageBox.h"
+#include "ui/CentredDialogs.h"
 
 #include <shellapi.h>
 

@@ -1,4 +1,4 @@
-#include "ui/WindowPlacement.h"
+#include "ui/WindowPlacement_win32.h"
 
 #include "ui/PlacementArithmetic.h"
 

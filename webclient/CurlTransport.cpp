@@ -414,6 +414,23 @@ TransportError CurlExchange::CertificateError() const
 // Of what failed before the request could start.
 TransportError CurlExchange::ConnectingError(CURLcode code) const
 {
+    switch (code)
+    {
+    case CURLE_COULDNT_RESOLVE_HOST:
+        return {TransportProblem::NameNotFound};
+    case CURLE_COULDNT_RESOLVE_PROXY:
+        return {TransportProblem::ProxyNotFound};
+    case CURLE_COULDNT_CONNECT:
+        return {TransportProblem::CannotConnect};
+    case CURLE_OPERATION_TIMEDOUT:
+        return {TransportProblem::ConnectTimedOut}; // no other limit is libcurl's
+    case CURLE_PEER_FAILED_VERIFICATION:
+        return CertificateError();
+    case CURLE_SSL_CACERT_BADFILE:
+        return {TransportProblem::TrustFileUnreadable};
+    default:
+        break;
+    }
     long proxyStatus = 0;
     curl_easy_getinfo(m_handle, CURLINFO_HTTP_CONNECTCODE, &proxyStatus);
     if (proxyStatus == 407)
@@ -443,25 +460,12 @@ TransportError CurlExchange::ErrorOf(CURLcode code) const
     {
         return {m_stop == Stop::Stalled ? TransportProblem::SendStalled : TransportProblem::AnswerMissing};
     }
-    switch (code)
+    if (code == CURLE_OUT_OF_MEMORY)
     {
-    case CURLE_COULDNT_RESOLVE_HOST:
-        return {TransportProblem::NameNotFound};
-    case CURLE_COULDNT_RESOLVE_PROXY:
-        return {TransportProblem::ProxyNotFound};
-    case CURLE_COULDNT_CONNECT:
-        return {TransportProblem::CannotConnect};
-    case CURLE_OPERATION_TIMEDOUT:
-        return {TransportProblem::ConnectTimedOut}; // no other limit is libcurl's
-    case CURLE_PEER_FAILED_VERIFICATION:
-        return CertificateError();
-    case CURLE_SSL_CACERT_BADFILE:
-        return {TransportProblem::TrustFileUnreadable};
-    case CURLE_OUT_OF_MEMORY:
         return {TransportProblem::Other, E_OUTOFMEMORY};
-    default:
-        break;
     }
+    // Once the request was on a connection, a failure to connect is that of libcurl's own second attempt, after the
+    // first connection was lost: what went out on that one counts.
     if (!m_lastMove)
     {
         return ConnectingError(code);

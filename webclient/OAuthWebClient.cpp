@@ -2,19 +2,31 @@
 
 #include "com/AsciiText.h"
 #include "com/BstrOwner.h"
+#include "com/ComPtr.h"
 #include "webclient/MimeType.h"
 #include "webclient/PercentEncoding.h"
 #include "webclient/ReplyDocument.h"
 #include "webclient/RequestBodies.h"
 #include "webclient/RequestParameters.h"
 #include "webclient/TransportWords.h"
-#include "webclient/UploadObserver.h"
 #include "webclient/Utf8.h"
 
 #include <algorithm>
 
 namespace
 {
+// Tells the host's observer of uploads, if this process has one, the result and the reply of an upload. reply may be
+// null.
+void TellUploadObserver(HRESULT result, IUnknown *reply) noexcept
+{
+    ComPtr<IUploadObserver> observer;
+    if (SUCCEEDED(CoCreateInstance(CLSID_UploadObserver, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IUploadObserver),
+                                   observer.PutVoid())))
+    {
+        observer->OnUploadReply(result, reply);
+    }
+}
+
 constexpr HRESULT InsecureAddress = static_cast<HRESULT>(0x80072EE6); // ERROR_INTERNET_UNRECOGNIZED_SCHEME
 
 RequestUrl SecureUrl(LPCWSTR text)

@@ -1,5 +1,6 @@
 #include "webclient/ReplyDocument.h"
 
+#include "com/AsciiText.h"
 #include "com/BstrOwner.h"
 #include "com/Hresult.h"
 #include "webclient/ErrorBody.h"
@@ -60,7 +61,7 @@ std::string_view DocumentText(std::string_view body)
     {
         body.remove_prefix(3);
     }
-    body.remove_prefix(std::min(body.find_first_not_of(" \t\r\n"), body.size()));
+    body = Trimmed(body);
     if (body.starts_with("<?xml"))
     {
         const size_t end = body.find("?>");
@@ -69,19 +70,14 @@ std::string_view DocumentText(std::string_view body)
     return body;
 }
 
-std::string_view WithoutBlanks(std::string_view text)
-{
-    return text.substr(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
-}
-
 // The first name behind comments: "!DOCTYPE" where there is a document type.
 std::string_view RootName(std::string_view text)
 {
-    text = WithoutBlanks(text);
+    text = Trimmed(text);
     while (text.starts_with("<!--"))
     {
         const size_t end = text.find("-->", 4);
-        text = WithoutBlanks(text.substr(end == text.npos ? text.size() : end + 3));
+        text = Trimmed(text.substr(end == text.npos ? text.size() : end + 3));
     }
     if (!text.starts_with('<'))
     {

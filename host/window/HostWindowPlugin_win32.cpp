@@ -3,9 +3,8 @@
 
 #include "host/PublishedBefore.h"
 #include "host/RunCourse.h"
-#include "host/SettingsKeyMaking.h"
 #include "host/SystemWords.h"
-#include "host/TextSwitches.h"
+#include "host/PluginSettings.h"
 #include "host/window/WindowText_win32.h"
 #include "host/window/resource.h"
 
@@ -236,7 +235,7 @@ void HostWindow::StartThread()
 
 void HostWindow::CancelRun()
 {
-    m_use->Plugin().Cancel(CommandsIn(State()).isCancelAbrupt);
+    m_use->Cancel(CommandsIn(State()).isCancelAbrupt);
     m_phase = AfterCancel(m_phase);
     if (m_phase == RunPhase::Finishing)
     {

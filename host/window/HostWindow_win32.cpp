@@ -3,7 +3,6 @@
 #include "host/FileNames.h"
 #include "host/SystemWords.h"
 #include "host/TextEncodings.h"
-#include "host/window/Clipboard_win32.h"
 #include "host/window/OpenPictures_win32.h"
 #include "host/window/WindowText_win32.h"
 #include "host/window/resource.h"
@@ -191,7 +190,14 @@ void HostWindow::OnCreate()
     {
         m_log->Append(LOG_LEVEL_WARNING, notice);
     }
-    Guarded([&] { m_journal = std::make_unique<Journal>(m_profile); });
+    try
+    {
+        m_journal = std::make_unique<Journal>(m_profile);
+    }
+    catch (const ProfileError &error)
+    {
+        m_log->Append(LOG_LEVEL_WARNING, error.what() + std::string(" What is published isn't remembered."));
+    }
     TellJournalNotices();
     FindPlugin();
     Guarded([&] { BeginUse({}); });
@@ -348,7 +354,7 @@ bool HostWindow::OnClose()
         }
         m_closesAfterRun = true;
         m_phase = RunPhase::Stopping;
-        m_use->Plugin().Cancel(TRUE);
+        m_use->Cancel(true);
         UpdateCommands();
     }
     return false;

@@ -1,6 +1,6 @@
 #include "host/window/OpenPictures_win32.h"
 
-#include "host/PictureExtensions.h"
+#include "host/PictureItems.h"
 #include "host/window/WindowText_win32.h"
 #include "host/window/resource.h"
 

@@ -3,6 +3,7 @@
 
 #include "host/PluginSession.h"
 #include "host/PublishingHost.h"
+#include "host/RunCourse.h"
 #include "host/RunJournal.h"
 #include "host/RunRecord.h"
 
@@ -23,6 +24,9 @@ public:
     PublishingHost &Host() const { return *m_host.Get(); }
     RunRecord &Record() { return m_record; }
 
+    // Cancels the run on another thread: after the picture on its way, or abruptly.
+    void Cancel(bool abruptly);
+
     // The plug-in's last run is over: ends the host's own work ahead.
     void RunEnds();
 
@@ -32,6 +36,7 @@ public:
 private:
     RunRecord m_record;
     RunJournal m_journal;
+    CancellablePause m_servicePause;
     ComPtr<PublishingHost> m_host;
     PluginSession m_session;
 };

@@ -1,5 +1,7 @@
-// Texts for windows.
+// Texts of the program's windows: from its resources, and to the clipboard.
 #pragma once
+
+#include <windows.h>
 
 #include <string>
 #include <string_view>
@@ -11,3 +13,6 @@ std::wstring ResourceText(unsigned id);
 std::wstring ResourceText(unsigned id, std::wstring_view insert);
 
 std::wstring WideOf(std::string_view utf8);
+
+// Leaves the clipboard as it was if the text is empty or another program holds the clipboard open.
+void CopyToClipboard(HWND owner, const std::wstring &text);

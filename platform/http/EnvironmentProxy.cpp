@@ -3,17 +3,19 @@
 #include <cstdlib>
 #include <initializer_list>
 #include <strings.h>
+#include <utility>
 
 namespace
 {
-std::string FirstOf(std::initializer_list<const char *> variables)
+// Name and value of the first variable that isn't empty.
+std::pair<std::string, std::string> FirstOf(std::initializer_list<const char *> variables)
 {
     for (const char *variable : variables)
     {
         const char *value = std::getenv(variable);
         if (value != nullptr && *value != 0)
         {
-            return value;
+            return {variable, value};
         }
     }
     return {};
@@ -27,8 +29,10 @@ bool IsSecure(std::string_view url)
 
 ProxyChoice EnvironmentProxy(std::string_view url)
 {
-    const std::string own = IsSecure(url) ? FirstOf({"https_proxy", "HTTPS_PROXY"}) : FirstOf({"http_proxy"});
-    return {own.empty() ? FirstOf({"all_proxy", "ALL_PROXY"}) : own, FirstOf({"no_proxy", "NO_PROXY"})};
+    const auto [variable, server] = IsSecure(url)
+                                        ? FirstOf({"https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"})
+                                        : FirstOf({"http_proxy", "all_proxy", "ALL_PROXY"});
+    return {server, FirstOf({"no_proxy", "NO_PROXY"}).second, variable};
 }
 
 std::string ShownProxy(std::string_view server)

@@ -7,8 +7,9 @@
 // Both texts in libcurl's form, to be taken apart by it.
 struct ProxyChoice
 {
-    std::string server; // empty for a direct connection
-    std::string bypass; // hosts that are connected to directly
+    std::string server;   // empty for a direct connection
+    std::string bypass;   // hosts that are connected to directly
+    std::string variable; // that names the server
 };
 
 // The server is https_proxy, or http_proxy for an http address, or else all_proxy; the bypass list is no_proxy.

@@ -1,6 +1,5 @@
 target_sources(platform PRIVATE
-  kernel32/FormatMessage.cpp
-  kernel32/LastError.cpp
+  kernel32/Errors.cpp
   kernel32/LoadedModules.cpp
   kernel32/LocaleConventions.cpp
   kernel32/LocaleInformation.cpp

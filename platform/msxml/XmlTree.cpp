@@ -7,6 +7,7 @@
 
 #include "platform/msxml/XmlTree.h"
 
+#include "com/AsciiText.h"
 #include "com/Hresult.h"
 #include "com/TextConversion.h"
 
@@ -43,23 +44,15 @@ WideText Wide(const xmlChar *text)
     return text ? FromUtf8(reinterpret_cast<const char *>(text)) : WideText();
 }
 
-bool IsSpace(WCHAR unit)
+WideText Trim(const WideText &text, bool atStart, bool atEnd)
 {
-    return unit == u' ' || unit == u'\t' || unit == u'\r' || unit == u'\n';
-}
-
-WideText Trim(WideText text, bool atStart, bool atEnd)
-{
-    while (atEnd && !text.empty() && IsSpace(text.back()))
+    const WideView whole = text;
+    const WideView inner = Trimmed(whole);
+    if (inner.empty())
     {
-        text.pop_back();
+        return atStart || atEnd ? WideText() : text;
     }
-    size_t start = 0;
-    while (atStart && start < text.size() && IsSpace(text[start]))
-    {
-        ++start;
-    }
-    return text.substr(start);
+    return WideText(atStart ? inner.begin() : whole.begin(), atEnd ? inner.end() : whole.end());
 }
 
 // Whether an element's text starts (or ends) in a CDATA section, whose blanks are meant.

@@ -8,6 +8,7 @@
 
 #include "XmlInterfaces.h"
 
+#include <ole2.h>
 #include <wincodec.h>
 
 #include <dlfcn.h>
@@ -167,4 +168,22 @@ HRESULT WINAPI CoRevokeClassObject(DWORD cookie)
     released = std::move(found->object);
     all.erase(found);
     return S_OK;
+}
+
+// Natively no class has a program identifier: a host knows its classes by their own identifiers.
+HRESULT WINAPI ProgIDFromCLSID(REFCLSID, LPOLESTR *progId)
+{
+    if (progId == nullptr)
+    {
+        return E_INVALIDARG;
+    }
+    *progId = nullptr;
+    return REGDB_E_CLASSNOTREG;
+}
+
+// An object without IRunnableObject is always running.
+HRESULT WINAPI OleRun(IUnknown *object)
+{
+    const auto runnable = QueryFor<IRunnableObject>(object);
+    return object == nullptr ? E_INVALIDARG : runnable ? runnable->Run(nullptr) : S_OK;
 }

@@ -4,8 +4,6 @@ target_sources(platform PRIVATE
   ole32/FileStream.cpp
   ole32/FreeThreadedMarshaler.cpp
   ole32/Guids.cpp
-  ole32/ProgramIdentifiers.cpp
   ole32/MemoryStream.cpp
   ole32/PropVariant.cpp
-  ole32/RunnableObject.cpp
   ole32/TaskMemory.cpp)

@@ -1,4 +1,4 @@
-#include "platform/windowscodecs/Decoder.h"
+#include "platform/windowscodecs/Codecs.h"
 
 #include "com/ComObject.h"
 #include "platform/windowscodecs/UncalledMethods.h"

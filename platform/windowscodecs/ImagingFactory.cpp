@@ -1,7 +1,6 @@
 #include "platform/windowscodecs/ImagingFactory.h"
 
-#include "platform/windowscodecs/Decoder.h"
-#include "platform/windowscodecs/jpeg/JpegCodec.h"
+#include "platform/windowscodecs/Codecs.h"
 
 namespace
 {

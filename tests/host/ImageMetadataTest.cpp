@@ -87,7 +87,7 @@ protected:
     ImageTexts Read(const Edit &edit)
     {
         ImageTexts texts;
-        EXPECT_EQ(ReadImageTexts(Make(edit), texts), S_OK);
+        EXPECT_EQ(ReadMetadata(Make(edit), texts, nullptr), S_OK);
         return texts;
     }
 
@@ -148,7 +148,7 @@ TEST_F(ImageMetadata, XmpIsReadBeyondTheFirstPacket)
         std::string bytes = first;
         bytes.insert(2, part(half, packet.size()) + (isWhole ? part(0, half) : std::string()));
         ImageTexts texts;
-        ASSERT_EQ(ReadImageTexts(m_folder.Write("far.jpg", bytes), texts), S_OK);
+        ASSERT_EQ(ReadMetadata(m_folder.Write("far.jpg", bytes), texts, nullptr), S_OK);
         EXPECT_EQ(texts.title, u"Title");
         EXPECT_EQ(texts.description.size(), isWhole ? 70000u : 0u);
         EXPECT_EQ(texts.keywords.size(), isWhole ? 1u : 0u);
@@ -242,10 +242,10 @@ TEST_F(ImageMetadata, ExifAndWindowsTagsFillWhatTheOthersLack)
 TEST_F(ImageMetadata, AFileThatIsNoPictureFailsInCodes)
 {
     ImageTexts texts;
-    EXPECT_EQ(ReadImageTexts(m_folder.Write("text.jpg", "not a picture at all, really"), texts),
+    EXPECT_EQ(ReadMetadata(m_folder.Write("text.jpg", "not a picture at all, really"), texts, nullptr),
               WINCODEC_ERR_UNKNOWNIMAGEFORMAT);
-    EXPECT_LT(ReadImageTexts(m_folder.Write("empty.jpg", ""), texts), 0);
-    EXPECT_LT(ReadImageTexts(m_folder.Path(), texts), 0);
+    EXPECT_LT(ReadMetadata(m_folder.Write("empty.jpg", ""), texts, nullptr), 0);
+    EXPECT_LT(ReadMetadata(m_folder.Path(), texts, nullptr), 0);
 }
 
 TEST_F(ImageMetadata, NoDamageBreaksTheReader)
@@ -261,15 +261,15 @@ TEST_F(ImageMetadata, NoDamageBreaksTheReader)
     for (const fs::path &file : {whole, boxes})
     {
         ImageTexts texts;
-        ASSERT_EQ(ReadImageTexts(file, texts), S_OK);
+        ASSERT_EQ(ReadMetadata(file, texts, nullptr), S_OK);
         EXPECT_EQ(texts.title + texts.comment + texts.artist, u"Titletextsomeone") << file;
         const std::string bytes = m_folder.Read(file.filename());
         for (size_t at = 2; at < bytes.size(); at += 17)
         {
             std::string broken = bytes;
             broken[at] = static_cast<char>(broken[at] ^ 0xFF);
-            ReadImageTexts(m_folder.Write("broken", broken), texts);
-            ReadImageTexts(m_folder.Write("cut", bytes.substr(0, at)), texts);
+            ReadMetadata(m_folder.Write("broken", broken), texts, nullptr);
+            ReadMetadata(m_folder.Write("cut", bytes.substr(0, at)), texts, nullptr);
         }
     }
 }
@@ -281,7 +281,7 @@ TEST_F(ImageMetadata, AHugeFileIsNotLoaded)
     fs::resize_file(file, 1500u << 20);
     const long before = PeakMemory();
     ImageTexts texts;
-    ASSERT_EQ(ReadImageTexts(file, texts), S_OK);
+    ASSERT_EQ(ReadMetadata(file, texts, nullptr), S_OK);
     EXPECT_EQ(texts.title, u"huge");
     EXPECT_LT(PeakMemory() - before, 32 << 10) << "KiB";
 }

@@ -1,6 +1,6 @@
 #include "tests/host/PictureItemsFixture.h"
 
-#include "host/NaturalOrder.h"
+#include "host/FileNames.h"
 
 #include <gmock/gmock.h>
 

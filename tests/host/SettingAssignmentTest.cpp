@@ -2,7 +2,7 @@
 #include "host/SettingsKey_posix.h"
 
 #include "host/InstalledModules_posix.h"
-#include "host/SettingsKeyMaking.h"
+#include "host/PluginSettings.h"
 
 #include <gmock/gmock.h>
 

@@ -306,7 +306,7 @@ TEST_F(HostRun, LeavesOutWhatAnotherWindowPublished)
 TEST_F(HostRun, IsCancelledInTwoSteps)
 {
     Authorize();
-    const HostProgram host(Profile(), {Sample("one.jpg"), Sample("two.jpg"), Sample("three.jpg")});
+    const HostProgram host(Profile(), {Sample("one.jpg"), Sample("busy.jpg"), Sample("three.jpg")});
     Publish(host, L"Picture 1 of 3");
     const std::wstring firstStep = host.Text(IDC_CANCEL);
     host.Press(IDC_CANCEL);
@@ -314,6 +314,15 @@ TEST_F(HostRun, IsCancelledInTwoSteps)
     LetOnePictureEnd();
     EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Trial cancelled."));
     EXPECT_TRUE(host.AwaitLog(L"Published 1 of 3 pictures"));
+    Publish(host, L"Picture 1 of 2");
+    EXPECT_EQ(host.Text(IDC_CANCEL), firstStep);
+    // Also while the service has asked for a pause.
+    LetOnePictureEnd();
+    EXPECT_TRUE(host.AwaitLog(L"Flickr asks for a pause: going on in 300 seconds."));
+    EXPECT_FALSE(WaitFor([&] { return host.Text(IDC_STATUS) == L"Picture 2 of 2"; }, 500));
+    host.Press(IDC_CANCEL);
+    EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Trial cancelled."));
+
     Publish(host, L"Picture 1 of 2");
     EXPECT_EQ(host.Text(IDC_CANCEL), firstStep);
     host.Press(IDC_CANCEL);

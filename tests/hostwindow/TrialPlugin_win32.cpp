@@ -169,6 +169,11 @@ private:
         {
             Log(LOG_LEVEL_ERROR, L"Could not publish " + name + L" (0x80004005) The trial wants better pictures.");
         }
+        else if (name.find(L"busy") != std::wstring::npos)
+        {
+            Log(LOG_LEVEL_ERROR,
+                L"Could not publish " + name + L" (Error code: 0x801901ad) The service asks to wait 300 seconds");
+        }
     }
 
     ComPtr<IHalvoraPublishingHost> m_host;

@@ -1,7 +1,6 @@
 // The authorization as a user at a terminal meets it.
 #include "account/AuthorizationDialogs.h"
 #include "account/ProxyDiscovery.h"
-#include "account/SystemProxy.h"
 #include "plugin/FlickrPublisher.h"
 #include "tests/doubles/PublishFixture.h"
 #include "tests/platform/PseudoTerminal.h"

@@ -2,7 +2,6 @@
 #include "publish/FileChoice.h"
 #include "publish/FormFields.h"
 #include "publish/ItemRecord.h"
-#include "publish/ItemTexts.h"
 #include "tests/doubles/CallRecord.h"
 
 #include "com/BstrOwner.h"

@@ -2,7 +2,6 @@
 #include "com/HandleOwner.h"
 #include "com/Hresult.h"
 #include "publish/JpegEncoder.h"
-#include "publish/JpegSubsampling.h"
 #include "tests/doubles/CallRecord.h"
 #include "tests/doubles/FakeImaging.h"
 

@@ -3,11 +3,14 @@
 # without a trace: WindowsHost.sh ZIP SERVICE PROXY DRIVER [FOLDER]
 # A new Windows of Wine's on a display that nobody sees; SERVICE is flickr-loopback, PROXY the proxy that
 # leads to it, DRIVER (host_driver.exe) works on the windows, Chromium on the page. With FOLDER pictures of the
-# host are left there. Every step says what it saw; the first that isn't as promised ends the test.
+# host are left there, named by the dots per inch, HALVORA_DPI or 96. Every step says what it saw; the first that
+# isn't as promised ends the test.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 root=$(cd "$here/../.." && pwd)
 zip=$1 service_program=$2 proxy_program=$3 driver_program=$4 pictures_folder=${5-}
+dots=${HALVORA_DPI:-96}
+unset HALVORA_DPI
 for program in "$service_program" "$proxy_program" "$driver_program" "$zip"; do
     [ -f "$program" ] || {
         echo "FAILED: there is no $program. The service is built by the native preset, the rest by this one." >&2
@@ -18,6 +21,8 @@ work=$(mktemp -d)
 # shellcheck source=tests/scenarios/Service.sh
 . "$(dirname "$0")/Service.sh"
 export HALVORA_WINEPREFIX=$work/wine LC_ALL=C.UTF-8
+WINEDLLPATH=$(dirname "$(dirname "$(readlink -f "$driver_program")")")/wine-system
+export WINEDLLPATH
 proxy_process='' screen='' host=''
 finish() {
     exec 7>&-
@@ -89,6 +94,7 @@ export PATH="$root/tools/user:$PATH" HALVORA_BROWSER=$work/browser HALVORA_ANSWE
     # The frames of windows are drawn in a desktop of Wine's own; there is no window manager on this display.
     set_value 'HKCU\Software\Wine\Explorer' /v Desktop /d Trial
     set_value 'HKCU\Software\Wine\Explorer\Desktops' /v Trial /d 1280x1024
+    set_value 'HKCU\Control Panel\Desktop' /v LogPixels /t REG_DWORD /d "$dots"
 } 7>&- >/dev/null
 end_windows # so that the next program makes that desktop
 cp /usr/share/wine/fonts/*.ttf "$HALVORA_WINEPREFIX/drive_c/windows/Fonts/"
@@ -163,14 +169,14 @@ driver press "$sheet_window" $ok
 driver await-end "$sheet_window"
 shows "$state" 'Send JPEG files intact'
 driver await-row "$main_window" "$(control IDC_LOG)" 'titles are no longer sent'
-picture host-96
+picture "host-$dots"
 
 # A run that is stopped while the second picture is under way: what hadn't arrived is still to do.
 admin faults -d 'kind=stall&skip=1&after=100000&ms=600000&target=upload' >/dev/null
 driver press "$main_window" "$publish"
 for _ in $(seq 300); do [ "$(uploads | jq length)" = 0 ] || break; sleep 0.1; done
 shows "$status" 'Published 1 of 3'
-picture host-run-96
+picture "host-run-$dots"
 driver press "$main_window" "$cancel"
 driver press "$main_window" "$cancel"
 shows "$status" 'Cancelled, aborted uploads.'

@@ -191,7 +191,7 @@ void HttpTestServer::Start()
 HttpTestServer::~HttpTestServer()
 {
     m_isEnding = true;
-    shutdown(m_listener, SHUT_RDWR);
+    StopListening();
     m_acceptor.join();
     {
         const std::lock_guard guard(m_lock);
@@ -205,6 +205,11 @@ HttpTestServer::~HttpTestServer()
         thread.join();
     }
     close(m_listener);
+}
+
+void HttpTestServer::StopListening()
+{
+    shutdown(m_listener, SHUT_RDWR);
 }
 
 void HttpTestServer::Accept()

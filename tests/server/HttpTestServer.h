@@ -83,6 +83,9 @@ public:
     static void AnswerAll(Conversation &conversation);
     static constexpr const char *Success = "<rsp stat=\"ok\"><photoid>17</photoid></rsp>";
 
+    // Refuses every further connection.
+    void StopListening();
+
     unsigned Port() const { return m_port; }
     std::vector<SeenRequest> Requests();
     int Connections() const { return m_connections; }

@@ -8,7 +8,7 @@
 #include "tests/doubles/SettingsKey.h"
 #include "tests/sheet/SheetDriver.h"
 #include "tests/sheet/WindowPicture.h"
-#include "ui/CentredMessageBox.h"
+#include "ui/CentredDialogs.h"
 
 #include <objbase.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "tests/ui/DialogDriver_win32.h"
 
-#include "ui/DialogHook.h"
+#include "ui/CentredDialogs.h"
 
 // Not a detached std::thread: one that starts while another ends was seen to vanish before it ran (winpthreads).
 bool AnotherThreadCanHook()

@@ -1,6 +1,5 @@
 #include "tests/ui/DialogDriver_win32.h"
-#include "ui/CentredMessageBox.h"
-#include "ui/DialogHook.h"
+#include "ui/CentredDialogs.h"
 
 #include <atomic>
 

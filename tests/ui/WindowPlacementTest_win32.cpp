@@ -1,5 +1,5 @@
 #include "tests/ui/DialogDriver_win32.h"
-#include "ui/WindowPlacement.h"
+#include "ui/WindowPlacement_win32.h"
 
 namespace
 {

@@ -1,7 +1,7 @@
 // A colour context: a profile's bytes.
 #include "com/ComObject.h"
 #include "platform/windowscodecs/UncalledMethods.h"
-#include "platform/windowscodecs/jpeg/JpegCodec.h"
+#include "platform/windowscodecs/Codecs.h"
 #include "platform/windowscodecs/jpeg/StreamBytes.h"
 
 #include <cstring>

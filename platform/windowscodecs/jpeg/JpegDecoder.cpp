@@ -1,7 +1,7 @@
 // The decoder: recognises a JPEG and gives its one frame.
 #include "com/ComObject.h"
 #include "platform/windowscodecs/UncalledMethods.h"
-#include "platform/windowscodecs/jpeg/JpegCodec.h"
+#include "platform/windowscodecs/Codecs.h"
 #include "platform/windowscodecs/jpeg/JpegFrameDecode.h"
 
 namespace

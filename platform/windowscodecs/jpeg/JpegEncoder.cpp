@@ -3,7 +3,7 @@
 #include "com/ComObject.h"
 #include "platform/windowscodecs/UncalledMethods.h"
 #include "platform/windowscodecs/jpeg/EncoderOptions.h"
-#include "platform/windowscodecs/jpeg/JpegCodec.h"
+#include "platform/windowscodecs/Codecs.h"
 #include "platform/windowscodecs/jpeg/JpegFrameEncode.h"
 
 namespace

@@ -1,6 +1,6 @@
 #include "tests/platform/windowscodecs_jpeg/CodecUse_posix.h"
 
-#include "platform/windowscodecs/jpeg/JpegCodec.h"
+#include "platform/windowscodecs/Codecs.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -2,7 +2,7 @@
 #include "tests/host/DamagedBytes.h"
 #include "tests/platform/windowscodecs_jpeg/CodecUse_posix.h"
 
-#include "platform/windowscodecs/jpeg/JpegCodec.h"
+#include "platform/windowscodecs/Codecs.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // What the decoder says of good and bad files.
 #include "tests/platform/windowscodecs_jpeg/CodecUse_posix.h"
 
-#include "platform/windowscodecs/jpeg/JpegCodec.h"
+#include "platform/windowscodecs/Codecs.h"
 
 #include <gtest/gtest.h>
 

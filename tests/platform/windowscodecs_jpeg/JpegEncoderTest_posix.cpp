@@ -1,7 +1,7 @@
 // The encoder's options, states and colour profile.
 #include "tests/platform/windowscodecs_jpeg/CodecUse_posix.h"
 
-#include "platform/windowscodecs/jpeg/JpegCodec.h"
+#include "platform/windowscodecs/Codecs.h"
 
 #include "host/PictureSource.h"
 

@@ -63,6 +63,8 @@ TEST(ProxySettings, AreThoseOfTheEnvironment)
         EXPECT_EQ(c.bypass, Take(config.lpszProxyBypass));
         EXPECT_EQ(c.ofHttp, EnvironmentProxy("http://https.example").server);
         EXPECT_EQ(EnvironmentProxy("https:").server, EnvironmentProxy("HTTPS://a.example/").server);
+        const std::string variable = EnvironmentProxy("https:").variable;
+        EXPECT_EQ(EnvironmentProxy("https:").server, variable.empty() ? "" : getenv(variable.c_str())) << variable;
     }
     Clear();
 }

@@ -1,7 +1,4 @@
-// Which of a picture's texts are sent along with it: title, description and tags.
-//
-// Until the settings sheet's first OK all three are sent, though the sheet shows them as off; OK stores what it
-// shows. A host that compares the switches before and after can tell the user what has changed.
+// What a host of either build has to do with the plug-in's settings.
 #pragma once
 
 #include <windows.h>
@@ -10,6 +7,13 @@
 #include <string>
 #include <vector>
 
+// Makes the key of the settings, which the plug-in itself never makes, where it is missing.
+HRESULT MakeSettingsKey();
+
+// Which of a picture's texts are sent along with it: title, description and tags.
+//
+// Until the settings sheet's first OK all three are sent, though the sheet shows them as off; OK stores what it
+// shows. A host that compares the switches before and after can tell the user what has changed.
 class TextSwitches
 {
 public:

@@ -1,4 +1,4 @@
-// The string table: blocks of 16 strings, each a length and that many characters.
+// Strings and icons from a module's resources. The string table has blocks of 16 strings, each a length and that many characters.
 #include "platform/kernel32/ResourceSection.h"
 
 #include "com/WideText.h"
@@ -42,4 +42,17 @@ int WINAPI LoadStringW(HINSTANCE module, UINT id, WCHAR *buffer, int capacity)
     const WideView text = FindString(module, id);
     *reinterpret_cast<const WCHAR **>(buffer) = text.empty() ? nullptr : text.data();
     return static_cast<int>(text.size());
+}
+
+// Natively icons are never drawn. An icon's handle is the address of its resource entry, so that each
+// resource has exactly one handle and nothing must be freed.
+HICON WINAPI LoadIconW(HINSTANCE module, LPCWSTR name)
+{
+    constexpr WORD iconGroup = 14;
+    const HRSRC group = FindResourceW(module, name, MAKEINTRESOURCEW(iconGroup));
+    if (group == nullptr)
+    {
+        SetLastError(ERROR_RESOURCE_NAME_NOT_FOUND);
+    }
+    return reinterpret_cast<HICON>(group);
 }

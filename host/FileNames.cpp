@@ -1,4 +1,4 @@
-#include "host/NaturalOrder.h"
+#include "host/FileNames.h"
 
 #include <cstddef>
 
@@ -11,7 +11,7 @@ bool IsDigit(char c)
 
 unsigned char Folded(char c)
 {
-    return static_cast<unsigned char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+    return static_cast<unsigned char>(LowerAsciiUnit(c));
 }
 
 // Takes the run of digits at the front of text, without its leading zeros.

@@ -1,7 +1,7 @@
-#include "ui/DialogHook.h"
+#include "ui/CentredDialogs.h"
 
 #include "ui/WindowImpl_win32.h"
-#include "ui/WindowPlacement.h"
+#include "ui/WindowPlacement_win32.h"
 
 #include <atomic>
 #include <utility>
@@ -127,4 +127,13 @@ void DisarmHook() noexcept
 bool IsHookArmed() noexcept
 {
     return state.armedThread == GetCurrentThreadId();
+}
+
+int CentredMessageBox(HWND owner, const WCHAR *text, const WCHAR *caption, UINT type) noexcept
+{
+    ArmMessageBoxHook();
+    const int result = MessageBoxW(owner, text, caption, type);
+    // If the box was never shown or never activated, the hook is still armed.
+    DisarmHook();
+    return result;
 }

@@ -1,5 +1,4 @@
-// Placement of windows. Nothing here reports failures: a window that can't be placed stays where it is. In the
-// native build, whose dialogs are text in a terminal, these functions do nothing.
+// Placement of windows. Nothing here reports failures: a window that can't be placed stays where it is.
 #pragma once
 
 #include <windows.h>

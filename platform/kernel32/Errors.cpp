@@ -1,11 +1,27 @@
-// FormatMessageW for the system's own messages, in a new buffer. Messages of modules are not supported, and the
-// system's messages have no inserts.
+// The calling thread's last error code, and the system's words for codes.
 #include "platform/kernel32/SystemMessages.h"
 
 #include "com/WideText.h"
 
 #include <algorithm>
 
+namespace
+{
+thread_local DWORD lastError = ERROR_SUCCESS;
+}
+
+DWORD WINAPI GetLastError()
+{
+    return lastError;
+}
+
+void WINAPI SetLastError(DWORD code)
+{
+    lastError = code;
+}
+
+// For the system's own messages, in a new buffer. Messages of modules are not supported, and the system's messages have
+// no inserts.
 DWORD WINAPI FormatMessageW(DWORD flags, LPCVOID, DWORD code, DWORD, LPWSTR buffer, DWORD, va_list *)
 {
     constexpr DWORD needed =
