@@ -1,6 +1,8 @@
 // The reading half.
 #include "tests/doubles/FakeImaging.h"
 
+#include "platform/windowscodecs/UncalledMethods.h"
+
 #include <wincodecsdk.h>
 
 #include <string_view>
@@ -8,7 +10,8 @@
 namespace
 {
 // A frame of a decoder or, with the name "picture", the picture of a host.
-class Frame final : public ComObject<Frame, Answers<IWICBitmapFrameDecode, IWICBitmapSource>>
+class Frame final
+    : public UncalledOfFrameDecode<ComObject<Frame, Answers<IWICBitmapFrameDecode, IWICBitmapSource>>>
 {
 public:
     Frame(FakeImaging &imaging, std::string name, std::string prefix)
@@ -47,18 +50,14 @@ public:
         *count = FAILED(result) ? 0 : Name == "frame" ? m_imaging.ProfileCount : m_imaging.OtherProfileCount;
         return result;
     }
-    STDMETHODIMP GetPixelFormat(WICPixelFormatGUID *) override { return E_NOTIMPL; }
-    STDMETHODIMP CopyPalette(IWICPalette *) override { return E_NOTIMPL; }
-    STDMETHODIMP CopyPixels(const WICRect *, UINT, UINT, BYTE *) override { return E_NOTIMPL; }
     STDMETHODIMP GetMetadataQueryReader(IWICMetadataQueryReader **) override { return E_NOTIMPL; }
-    STDMETHODIMP GetThumbnail(IWICBitmapSource **) override { return E_NOTIMPL; }
 
 private:
     FakeImaging &m_imaging;
     const std::string m_prefix;
 };
 
-class Decoder final : public ComObject<Decoder, IWICBitmapDecoder>
+class Decoder final : public UncalledOfDecoder<ComObject<Decoder, IWICBitmapDecoder>>
 {
 public:
     Decoder(FakeImaging &imaging, std::string prefix, const GUID &format)
@@ -94,14 +93,6 @@ public:
         }
         return result;
     }
-    STDMETHODIMP QueryCapability(IStream *, DWORD *) override { return E_NOTIMPL; }
-    STDMETHODIMP GetDecoderInfo(IWICBitmapDecoderInfo **) override { return E_NOTIMPL; }
-    STDMETHODIMP CopyPalette(IWICPalette *) override { return E_NOTIMPL; }
-    STDMETHODIMP GetMetadataQueryReader(IWICMetadataQueryReader **) override { return E_NOTIMPL; }
-    STDMETHODIMP GetPreview(IWICBitmapSource **) override { return E_NOTIMPL; }
-    STDMETHODIMP GetColorContexts(UINT, IWICColorContext **, UINT *) override { return E_NOTIMPL; }
-    STDMETHODIMP GetThumbnail(IWICBitmapSource **) override { return E_NOTIMPL; }
-    STDMETHODIMP GetFrameCount(UINT *) override { return E_NOTIMPL; }
 
 private:
     HRESULT Enter(const char *operation, const std::string &details)

@@ -1,6 +1,8 @@
 // The writing half.
 #include "tests/doubles/FakeImaging.h"
 
+#include "platform/windowscodecs/UncalledMethods.h"
+
 #include <ocidl.h>
 #include <wincodecsdk.h>
 
@@ -23,7 +25,7 @@ std::string Number(double value)
     return digits;
 }
 
-class OptionBag final : public ComObject<OptionBag, IPropertyBag2>
+class OptionBag final : public UncalledOfPropertyBag<ComObject<OptionBag, IPropertyBag2>>
 {
 public:
     explicit OptionBag(FakeImaging &imaging) : m_imaging(imaging) {}
@@ -53,16 +55,14 @@ public:
         return m_imaging.Calls.Enter("Options.Write", {line});
     }
     STDMETHODIMP Read(ULONG, PROPBAG2 *, IErrorLog *, VARIANT *, HRESULT *) override { return E_NOTIMPL; }
-    STDMETHODIMP CountProperties(ULONG *) override { return E_NOTIMPL; }
-    STDMETHODIMP GetPropertyInfo(ULONG, ULONG, PROPBAG2 *, ULONG *) override { return E_NOTIMPL; }
-    STDMETHODIMP LoadObject(LPCOLESTR, DWORD, IUnknown *, IErrorLog *) override { return E_NOTIMPL; }
 
 private:
     FakeImaging &m_imaging;
 };
 
 // The metadata blocks of a source or of a new frame.
-class Blocks final : public ComObject<Blocks, Answers<IWICMetadataBlockWriter, IWICMetadataBlockReader>>
+class Blocks final
+    : public UncalledOfBlockWriter<ComObject<Blocks, Answers<IWICMetadataBlockWriter, IWICMetadataBlockReader>>>
 {
 public:
     explicit Blocks(FakeImaging &imaging) : m_imaging(imaging) {}
@@ -71,20 +71,12 @@ public:
     {
         return m_imaging.Calls.Enter("Frame.InitializeFromBlockReader", {reader ? "" : "(null)"});
     }
-    STDMETHODIMP GetContainerFormat(GUID *) override { return E_NOTIMPL; }
-    STDMETHODIMP GetCount(UINT *) override { return E_NOTIMPL; }
-    STDMETHODIMP GetReaderByIndex(UINT, IWICMetadataReader **) override { return E_NOTIMPL; }
-    STDMETHODIMP GetEnumerator(IEnumUnknown **) override { return E_NOTIMPL; }
-    STDMETHODIMP GetWriterByIndex(UINT, IWICMetadataWriter **) override { return E_NOTIMPL; }
-    STDMETHODIMP AddWriter(IWICMetadataWriter *) override { return E_NOTIMPL; }
-    STDMETHODIMP SetWriterByIndex(UINT, IWICMetadataWriter *) override { return E_NOTIMPL; }
-    STDMETHODIMP RemoveWriterByIndex(UINT) override { return E_NOTIMPL; }
 
 private:
     FakeImaging &m_imaging;
 };
 
-class QueryWriter final : public ComObject<QueryWriter, IWICMetadataQueryWriter>
+class QueryWriter final : public UncalledOfMetadataQueries<ComObject<QueryWriter, IWICMetadataQueryWriter>>
 {
 public:
     explicit QueryWriter(FakeImaging &imaging) : m_imaging(imaging) {}
@@ -98,16 +90,13 @@ public:
     {
         return m_imaging.Calls.Enter("Metadata.Remove", {Narrow(name)});
     }
-    STDMETHODIMP GetContainerFormat(GUID *) override { return E_NOTIMPL; }
-    STDMETHODIMP GetLocation(UINT, WCHAR *, UINT *) override { return E_NOTIMPL; }
     STDMETHODIMP GetMetadataByName(LPCWSTR, PROPVARIANT *) override { return E_NOTIMPL; }
-    STDMETHODIMP GetEnumerator(IEnumString **) override { return E_NOTIMPL; }
 
 private:
     FakeImaging &m_imaging;
 };
 
-class FrameEncode final : public ComObject<FrameEncode, IWICBitmapFrameEncode>
+class FrameEncode final : public UncalledOfFrameEncode<ComObject<FrameEncode, IWICBitmapFrameEncode>>
 {
 public:
     explicit FrameEncode(FakeImaging &imaging) : m_imaging(imaging) {}
@@ -160,9 +149,6 @@ public:
         return Enter("WriteSource", NameOfSource(source) + (rectangle ? " in part" : ""));
     }
     STDMETHODIMP Commit() override { return Enter("Commit"); }
-    STDMETHODIMP SetPalette(IWICPalette *) override { return E_NOTIMPL; }
-    STDMETHODIMP SetThumbnail(IWICBitmapSource *) override { return E_NOTIMPL; }
-    STDMETHODIMP WritePixels(UINT, UINT, UINT, BYTE *) override { return E_NOTIMPL; }
 
 private:
     HRESULT Enter(const char *operation, const std::string &details = {})
@@ -174,7 +160,7 @@ private:
 };
 
 // Writes its bytes at the commit and leaves the stream at their end.
-class Encoder final : public ComObject<Encoder, IWICBitmapEncoder>
+class Encoder final : public UncalledOfEncoder<ComObject<Encoder, IWICBitmapEncoder>>
 {
 public:
     explicit Encoder(FakeImaging &imaging) : m_imaging(imaging) {}
@@ -209,13 +195,6 @@ public:
         }
         return result;
     }
-    STDMETHODIMP GetContainerFormat(GUID *) override { return E_NOTIMPL; }
-    STDMETHODIMP GetEncoderInfo(IWICBitmapEncoderInfo **) override { return E_NOTIMPL; }
-    STDMETHODIMP SetColorContexts(UINT, IWICColorContext **) override { return E_NOTIMPL; }
-    STDMETHODIMP SetPalette(IWICPalette *) override { return E_NOTIMPL; }
-    STDMETHODIMP SetThumbnail(IWICBitmapSource *) override { return E_NOTIMPL; }
-    STDMETHODIMP SetPreview(IWICBitmapSource *) override { return E_NOTIMPL; }
-    STDMETHODIMP GetMetadataQueryWriter(IWICMetadataQueryWriter **) override { return E_NOTIMPL; }
 
 private:
     FakeImaging &m_imaging;

@@ -1,5 +1,7 @@
 #include "tests/doubles/FakeImaging.h"
 
+#include "platform/windowscodecs/UncalledMethods.h"
+
 #include <windows.h>
 #include <wincodec.h>
 
@@ -17,20 +19,17 @@ std::string NameOf(REFGUID format, const GUID *vendor)
                                                                             : "Microsoft");
 }
 
-class ColorContext final : public ComObject<ColorContext, IWICColorContext>
+class ColorContext final : public UncalledOfColorContext<ComObject<ColorContext, IWICColorContext>>
 {
 public:
-    STDMETHODIMP InitializeFromFilename(LPCWSTR) override { return E_NOTIMPL; }
     STDMETHODIMP InitializeFromMemory(const BYTE *, UINT) override { return E_NOTIMPL; }
-    STDMETHODIMP InitializeFromExifColorSpace(UINT) override { return E_NOTIMPL; }
     STDMETHODIMP GetType(WICColorContextType *) override { return E_NOTIMPL; }
     STDMETHODIMP GetProfileBytes(UINT, BYTE *, UINT *) override { return E_NOTIMPL; }
-    STDMETHODIMP GetExifColorSpace(UINT *) override { return E_NOTIMPL; }
 };
 
 using Format = REFWICPixelFormatGUID;
 
-class Factory final : public ComObject<Factory, IWICImagingFactory>
+class Factory final : public UncalledOfFactory<ComObject<Factory, IWICImagingFactory>>
 {
 public:
     explicit Factory(FakeImaging &imaging) : m_imaging(imaging) {}
@@ -78,64 +77,6 @@ public:
             *context = ColorContext::Make().Detach();
         }
         return result;
-    }
-    STDMETHODIMP CreateDecoderFromFilename(LPCWSTR, const GUID *, DWORD, WICDecodeOptions,
-                                           IWICBitmapDecoder **) override
-    {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP CreateDecoderFromFileHandle(ULONG_PTR, const GUID *, WICDecodeOptions,
-                                             IWICBitmapDecoder **) override
-    {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP CreateComponentInfo(REFCLSID, IWICComponentInfo **) override { return E_NOTIMPL; }
-    STDMETHODIMP CreatePalette(IWICPalette **) override { return E_NOTIMPL; }
-    STDMETHODIMP CreateFormatConverter(IWICFormatConverter **) override { return E_NOTIMPL; }
-    STDMETHODIMP CreateBitmapScaler(IWICBitmapScaler **) override { return E_NOTIMPL; }
-    STDMETHODIMP CreateBitmapClipper(IWICBitmapClipper **) override { return E_NOTIMPL; }
-    STDMETHODIMP CreateBitmapFlipRotator(IWICBitmapFlipRotator **) override { return E_NOTIMPL; }
-    STDMETHODIMP CreateStream(IWICStream **) override { return E_NOTIMPL; }
-    STDMETHODIMP CreateColorTransformer(IWICColorTransform **) override { return E_NOTIMPL; }
-    STDMETHODIMP CreateBitmap(UINT, UINT, Format, WICBitmapCreateCacheOption, IWICBitmap **) override
-    {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP CreateBitmapFromSource(IWICBitmapSource *, WICBitmapCreateCacheOption, IWICBitmap **) override
-    {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP CreateBitmapFromSourceRect(IWICBitmapSource *, UINT, UINT, UINT, UINT, IWICBitmap **) override
-    {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP CreateBitmapFromMemory(UINT, UINT, Format, UINT, UINT, BYTE *, IWICBitmap **) override
-    {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP CreateBitmapFromHBITMAP(HBITMAP, HPALETTE, WICBitmapAlphaChannelOption, IWICBitmap **) override
-    {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP CreateBitmapFromHICON(HICON, IWICBitmap **) override { return E_NOTIMPL; }
-    STDMETHODIMP CreateComponentEnumerator(DWORD, DWORD, IEnumUnknown **) override { return E_NOTIMPL; }
-    STDMETHODIMP CreateFastMetadataEncoderFromDecoder(IWICBitmapDecoder *, IWICFastMetadataEncoder **) override
-    {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP CreateFastMetadataEncoderFromFrameDecode(IWICBitmapFrameDecode *,
-                                                          IWICFastMetadataEncoder **) override
-    {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP CreateQueryWriter(REFGUID, const GUID *, IWICMetadataQueryWriter **) override
-    {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP CreateQueryWriterFromReader(IWICMetadataQueryReader *, const GUID *,
-                                             IWICMetadataQueryWriter **) override
-    {
-        return E_NOTIMPL;
     }
 
 private:

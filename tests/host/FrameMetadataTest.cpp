@@ -7,6 +7,7 @@
 #include "com/ComPtr.h"
 #include "com/Hresult.h"
 #include "com/WideText.h"
+#include "platform/windowscodecs/UncalledMethods.h"
 
 #include <gmock/gmock.h>
 
@@ -42,7 +43,8 @@ T *TaskCopy(const T *data, size_t count)
 // A block of metadata that answers as Windows documents it: alternatives and lists of XMP by a block of
 // their own, narrow text of EXIF and IPTC as bytes. Of blocks to remove it has a number by name; other names mean
 // nothing to it.
-class Block final : public ComObject<Block, Answers<IWICMetadataQueryWriter, IWICMetadataQueryReader>>
+class Block final
+    : public UncalledOfMetadataQueries<ComObject<Block, Answers<IWICMetadataQueryWriter, IWICMetadataQueryReader>>>
 {
 public:
     explicit Block(std::map<WideText, Value> values, std::map<WideText, int> blocks = {})
@@ -74,9 +76,6 @@ public:
         std::visit([&](const auto &each) { Put(each, *value); }, found->second);
         return S_OK;
     }
-    STDMETHODIMP GetContainerFormat(GUID *) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetLocation(UINT, WCHAR *, UINT *) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetEnumerator(IEnumString **) noexcept override { return E_NOTIMPL; }
 
 private:
     static void Put(const WideText &text, PROPVARIANT &value)

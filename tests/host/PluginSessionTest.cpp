@@ -84,7 +84,6 @@ protected:
     }
 
     Script m_script;
-    InitDataStore m_store{m_profile};
 
 private:
     ClassFactory<ScriptedPlugin> m_factory;

@@ -28,4 +28,5 @@ protected:
 
     TemporaryFolder m_folder;
     Profile m_profile{m_folder.Path() / "profile"};
+    InitDataStore m_store{m_profile};
 };

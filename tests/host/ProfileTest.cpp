@@ -14,12 +14,11 @@ using testing::HasSubstr;
 
 TEST_F(ProfileTest, StoresWhatChanged)
 {
-    InitDataStore store(m_profile);
-    store.Load();
-    EXPECT_EQ(store.Content(), "");
-    EXPECT_EQ(store.Store(AccountOf(TEXT("a"))), StoreOutcome::Stored);
+    m_store.Load();
+    EXPECT_EQ(m_store.Content(), "");
+    EXPECT_EQ(m_store.Store(AccountOf(TEXT("a"))), StoreOutcome::Stored);
     EXPECT_EQ(Kept(), AccountOf(TEXT("a")));
-    EXPECT_EQ(store.Store(AccountOf(TEXT("a"))), StoreOutcome::Unchanged);
+    EXPECT_EQ(m_store.Store(AccountOf(TEXT("a"))), StoreOutcome::Unchanged);
     InitDataStore next(m_profile);
     next.Load();
     EXPECT_EQ(next.Content(), AccountOf(TEXT("a")));
@@ -28,9 +27,8 @@ TEST_F(ProfileTest, StoresWhatChanged)
 TEST_F(ProfileTest, WhatACrashLeftBehindIsOverwritten)
 {
     m_folder.Write("profile/init-data.bin.new", "half of something much longer than what follows it");
-    InitDataStore store(m_profile);
-    store.Load();
-    EXPECT_EQ(store.Store(AccountOf(TEXT("new"))), StoreOutcome::Stored);
+    m_store.Load();
+    EXPECT_EQ(m_store.Store(AccountOf(TEXT("new"))), StoreOutcome::Stored);
     EXPECT_EQ(Kept(), AccountOf(TEXT("new")));
     EXPECT_FALSE(fs::exists(m_folder.Path() / "profile" / "init-data.bin.new"));
 }

@@ -40,9 +40,8 @@ std::string RefusalOf(const fs::path &folder)
 
 TEST_F(ProfileTest, IsForTheOwnersEyesAlone)
 {
-    InitDataStore store(m_profile);
-    store.Load();
-    EXPECT_EQ(store.Store(AccountOf(TEXT("a"))), StoreOutcome::Stored);
+    m_store.Load();
+    EXPECT_EQ(m_store.Store(AccountOf(TEXT("a"))), StoreOutcome::Stored);
     EXPECT_EQ(ModeOf(m_profile.Folder()), 0700u);
     EXPECT_EQ(ModeOf(m_profile.InitDataFile()), 0600u);
 }
@@ -75,26 +74,23 @@ TEST_F(ProfileTest, APipeInThePlaceOfAFileHangsNobody)
 {
     ASSERT_EQ(::mkfifo(m_profile.InitDataFile().c_str(), 0600), 0);
     EXPECT_TRUE(TryToRead(m_profile.InitDataFile()));
-    InitDataStore store(m_profile);
-    EXPECT_THROW(store.Load(), ProfileError);
+    EXPECT_THROW(m_store.Load(), ProfileError);
 }
 
 TEST_F(ProfileTest, ALinkToTheAccountStaysOne)
 {
     m_folder.Write("account", AccountOf(TEXT("old")));
     fs::create_symlink(m_folder.Path() / "account", m_profile.InitDataFile());
-    InitDataStore store(m_profile);
-    store.Load();
-    EXPECT_EQ(store.Store(AccountOf(TEXT("new"))), StoreOutcome::Stored);
+    m_store.Load();
+    EXPECT_EQ(m_store.Store(AccountOf(TEXT("new"))), StoreOutcome::Stored);
     EXPECT_TRUE(fs::is_symlink(m_profile.InitDataFile()));
     EXPECT_EQ(ParseInitDataFile(m_folder.Read("account")), AccountOf(TEXT("new")));
 }
 
 TEST_F(ProfileTest, ACrashBeforeTheRenameLeavesTheOldContentWhole)
 {
-    InitDataStore store(m_profile);
-    store.Load();
-    store.Store(AccountOf(TEXT("old")));
+    m_store.Load();
+    m_store.Store(AccountOf(TEXT("old")));
     const pid_t child = ::fork();
     if (child == 0)
     {
@@ -115,9 +111,8 @@ TEST_F(ProfileTest, ACrashBeforeTheRenameLeavesTheOldContentWhole)
 
 TEST_F(ProfileTest, AFullDiskLosesNothing)
 {
-    InitDataStore store(m_profile);
-    store.Load();
-    store.Store(AccountOf(TEXT("old")));
+    m_store.Load();
+    m_store.Store(AccountOf(TEXT("old")));
     const pid_t child = ::fork();
     if (child == 0)
     {
@@ -127,7 +122,7 @@ TEST_F(ProfileTest, AFullDiskLosesNothing)
         ::setrlimit(RLIMIT_FSIZE, &limit);
         try
         {
-            store.Store(AccountOf(TEXT("something longer")));
+            m_store.Store(AccountOf(TEXT("something longer")));
             ::_exit(1);
         }
         catch (const ProfileError &error)
@@ -148,13 +143,12 @@ TEST_F(ProfileTest, AReadOnlyFolderIsToldInWordsAndReadsStillWork)
     {
         GTEST_SKIP() << "nothing is read-only to root";
     }
-    InitDataStore store(m_profile);
-    store.Load();
-    store.Store(AccountOf(TEXT("old")));
+    m_store.Load();
+    m_store.Store(AccountOf(TEXT("old")));
     fs::permissions(m_profile.Folder(), fs::perms::owner_read | fs::perms::owner_exec);
-    store.Load();
-    EXPECT_EQ(store.Content(), AccountOf(TEXT("old")));
-    EXPECT_THROW(store.Store(AccountOf(TEXT("new"))), ProfileError);
+    m_store.Load();
+    EXPECT_EQ(m_store.Content(), AccountOf(TEXT("old")));
+    EXPECT_THROW(m_store.Store(AccountOf(TEXT("new"))), ProfileError);
     fs::permissions(m_profile.Folder(), fs::perms::owner_all);
     EXPECT_EQ(Kept(), AccountOf(TEXT("old")));
 }

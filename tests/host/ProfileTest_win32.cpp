@@ -27,15 +27,14 @@ std::string FailureOf(const std::function<void()> &deed)
 TEST_F(ProfileTest, AFileThatAnotherProgramHoldsIsToldInWordsAndKeepsItsContent)
 {
     m_folder.Write("profile/init-data.bin", AccountOf(TEXT("old")));
-    InitDataStore store(m_profile);
-    store.Load();
+    m_store.Load();
     {
         const FileOwner held(
             CreateFileW(m_profile.InitDataFile().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
         ASSERT_TRUE(held);
-        EXPECT_THAT(FailureOf([&] { store.Load(); }), HasSubstr("can't be read"));
-        EXPECT_THAT(FailureOf([&] { store.Store(AccountOf(TEXT("new"))); }), HasSubstr("still there"));
-        EXPECT_THAT(FailureOf([&] { store.Overwrite(AccountOf(TEXT("new"))); }), HasSubstr("still there"));
+        EXPECT_THAT(FailureOf([&] { m_store.Load(); }), HasSubstr("can't be read"));
+        EXPECT_THAT(FailureOf([&] { m_store.Store(AccountOf(TEXT("new"))); }), HasSubstr("still there"));
+        EXPECT_THAT(FailureOf([&] { m_store.Overwrite(AccountOf(TEXT("new"))); }), HasSubstr("still there"));
     }
     EXPECT_EQ(Kept(), AccountOf(TEXT("old")));
     EXPECT_FALSE(std::filesystem::exists(m_profile.InitDataFile().native() + L".new"));

@@ -10,6 +10,7 @@
 #include "com/ComObject.h"
 #include "com/ComPtr.h"
 #include "publish/ItemRecord.h"
+#include "platform/windowscodecs/UncalledMethods.h"
 
 #include <wincodec.h>
 
@@ -21,7 +22,7 @@ using testing::IsEmpty;
 
 namespace
 {
-class AnsweringWriter final : public ComObject<AnsweringWriter, IWICMetadataQueryWriter>
+class AnsweringWriter final : public UncalledOfMetadataQueries<ComObject<AnsweringWriter, IWICMetadataQueryWriter>>
 {
 public:
     explicit AnsweringWriter(HRESULT removal) : m_removal(removal) {}
@@ -35,10 +36,7 @@ public:
     {
         return SUCCEEDED(m_removal) ? WINCODEC_ERR_PROPERTYNOTFOUND : m_removal;
     }
-    STDMETHODIMP GetContainerFormat(GUID *) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetLocation(UINT, WCHAR *, UINT *) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP GetMetadataByName(LPCWSTR, PROPVARIANT *) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP GetEnumerator(IEnumString **) noexcept override { return E_NOTIMPL; }
 
     int settings = 0;
 

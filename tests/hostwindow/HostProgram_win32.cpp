@@ -15,33 +15,21 @@ constexpr DWORD Patience = 20000; // milliseconds
 // LM_GETIDEALSIZE, which the headers of this compiler lack.
 constexpr UINT GetIdealSize = WM_USER + 0x301;
 
-struct Search
-{
-    DWORD process;
-    bool isQuestion;
-    HWND found = nullptr;
-};
-
 // A visible window at the top: a message box, or one that is none.
 HWND FindTop(DWORD process, bool isQuestion)
 {
-    Search search{process, isQuestion};
-    EnumWindows(
-        [](HWND window, LPARAM parameter) -> BOOL {
-            auto &search = *reinterpret_cast<Search *>(parameter);
-            DWORD owner = 0;
-            wchar_t name[32];
-            GetWindowThreadProcessId(window, &owner);
-            GetClassNameW(window, name, ARRAYSIZE(name));
-            if (owner == search.process && IsWindowVisible(window) &&
-                (std::wstring(name) == L"#32770") == search.isQuestion)
-            {
-                search.found = window;
-            }
-            return search.found == nullptr;
-        },
-        reinterpret_cast<LPARAM>(&search));
-    return search.found;
+    for (const HWND window : TopWindows())
+    {
+        DWORD owner = 0;
+        wchar_t name[32];
+        GetWindowThreadProcessId(window, &owner);
+        GetClassNameW(window, name, ARRAYSIZE(name));
+        if (owner == process && (std::wstring(name) == L"#32770") == isQuestion)
+        {
+            return window;
+        }
+    }
+    return nullptr;
 }
 
 std::wstring CommandLineOf(const std::filesystem::path &profile,

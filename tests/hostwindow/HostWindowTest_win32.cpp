@@ -71,6 +71,14 @@ protected:
 
     void LetOnePictureEnd() const { SetEvent(m_next.Get()); }
 
+    // Begins the run and waits for its first words.
+    static void Publish(const HostProgram &host, const wchar_t *status)
+    {
+        ASSERT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
+        host.Press(IDC_PUBLISH);
+        ASSERT_TRUE(host.AwaitText(IDC_STATUS, status));
+    }
+
     TemporaryFolder m_folder;
     mutable int m_made = 0;
     const FileOwner m_next{CreateEventW(nullptr, FALSE, FALSE, NextPicture)};
@@ -136,17 +144,6 @@ RECT PlaceIn(HWND window, HWND part)
 }
 } // namespace
 
-TEST_F(HostWithoutPlugin, TellsWhatToDo)
-{
-    const HostProgram host(Profile(), {Sample("one.jpg")});
-    EXPECT_TRUE(host.AwaitText(IDC_STATE, L"install.cmd"));
-    EXPECT_FALSE(host.IsEnabled(IDC_PUBLISH));
-    EXPECT_FALSE(host.IsEnabled(IDC_CANCEL));
-    EXPECT_TRUE(host.IsEnabled(IDC_ADD));
-    host.Close();
-    EXPECT_EQ(host.AwaitEnd(), 0u);
-}
-
 TEST_F(HostWithoutPlugin, ShowsPicturesAndRefusesTheRest)
 {
     Sample("folder/deep.png");
@@ -160,15 +157,21 @@ TEST_F(HostWithoutPlugin, ShowsPicturesAndRefusesTheRest)
     EXPECT_TRUE(WaitFor([&] { return CountPixels(host.Part(IDC_PICTURES), RGB(0, 255, 0)) > 2 * 1200; }));
 }
 
-TEST_F(HostWithoutPlugin, RemovesWhatIsSelected)
+TEST_F(HostWithoutPlugin, TellsWhatToDoAndRemovesWhatIsSelected)
 {
     const HostProgram host(Profile(), {Sample("one.jpg"), Sample("two.jpg")});
+    EXPECT_TRUE(host.AwaitText(IDC_STATE, L"install.cmd"));
+    EXPECT_FALSE(host.IsEnabled(IDC_PUBLISH));
+    EXPECT_FALSE(host.IsEnabled(IDC_CANCEL));
+    EXPECT_TRUE(host.IsEnabled(IDC_ADD));
     EXPECT_FALSE(host.IsEnabled(IDC_REMOVE));
     host.Choose(ID_SELECT_ALL);
     EXPECT_TRUE(host.AwaitEnabled(IDC_REMOVE, true));
     PostMessageW(host.Part(IDC_PICTURES), WM_KEYDOWN, VK_DELETE, 1);
     EXPECT_TRUE(WaitFor([&] { return host.Rows(IDC_PICTURES).empty(); }));
     EXPECT_TRUE(host.AwaitEnabled(IDC_REMOVE, false));
+    host.Close();
+    EXPECT_EQ(host.AwaitEnd(), 0u);
 }
 
 TEST_F(HostWithoutPlugin, OpensFilesByTheSystemsDialog)
@@ -207,24 +210,17 @@ TEST_F(HostWithoutPlugin, TakesWhatIsDropped)
     CoUninitialize();
 }
 
-TEST_F(HostWithPlugin, ShowsItAndAsksForAuthorization)
-{
-    const HostProgram host(Profile(), {Sample("one.jpg")});
-    EXPECT_EQ(host.Text(IDC_PLUGIN_NAME), L"Publish for trial");
-    EXPECT_THAT(host.Text(IDC_PLUGIN_VERSION), HasSubstr(L"7.5 (Build 3)"));
-    EXPECT_TRUE(host.AwaitText(IDC_STATE, L"needs your leave"));
-    EXPECT_EQ(host.Text(IDC_PUBLISH), L"Au&thorize...");
-    host.Press(IDC_PUBLISH);
-    EXPECT_TRUE(host.AwaitText(IDC_STATE, L"Settings..."));
-    EXPECT_TRUE(host.AwaitText(IDC_PUBLISH, L"&Publish"));
-}
-
-TEST_F(HostWithPlugin, FollowsItsLinksAndKeepsTheAccount)
+TEST_F(HostWithPlugin, AsksForAuthorizationFollowsLinksAndKeepsTheAccount)
 {
     {
         const HostProgram host(Profile(), {Sample("one.jpg")});
-        host.Follow(IDC_STATE, L"authorize");
+        EXPECT_EQ(host.Text(IDC_PLUGIN_NAME), L"Publish for trial");
+        EXPECT_THAT(host.Text(IDC_PLUGIN_VERSION), HasSubstr(L"7.5 (Build 3)"));
+        EXPECT_TRUE(host.AwaitText(IDC_STATE, L"needs your leave"));
+        EXPECT_EQ(host.Text(IDC_PUBLISH), L"Au&thorize...");
+        host.Press(IDC_PUBLISH);
         EXPECT_TRUE(host.AwaitText(IDC_STATE, L"Settings..."));
+        EXPECT_TRUE(host.AwaitText(IDC_PUBLISH, L"&Publish"));
         EXPECT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
         // Not only at the program's end.
         EXPECT_TRUE(IsKeptAuthorized());
@@ -235,15 +231,15 @@ TEST_F(HostWithPlugin, FollowsItsLinksAndKeepsTheAccount)
     again.Follow(IDC_STATE, L"settings");
     EXPECT_TRUE(again.AwaitText(IDC_STATE, L"needs your leave"));
     EXPECT_TRUE(WaitFor([&] { return !IsKeptAuthorized(); }));
+    again.Follow(IDC_STATE, L"authorize");
+    EXPECT_TRUE(again.AwaitText(IDC_STATE, L"Settings..."));
 }
 
 TEST_F(HostRun, PublishesAndMarksWhatBecameOfEach)
 {
     Authorize();
     const HostProgram host(Profile(), {Sample("one.jpg"), Sample("bad.jpg"), Sample("two.jpg")});
-    ASSERT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
-    host.Press(IDC_PUBLISH);
-    EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Picture 1 of 3"));
+    Publish(host, L"Picture 1 of 3");
     EXPECT_TRUE(host.IsAlive());
     EXPECT_FALSE(SendMessageW(host.Window(), WM_QUERYENDSESSION, 0, 0)) << "the user's session ends under the run";
     EXPECT_TRUE(host.AwaitEnabled(IDC_CANCEL, true));
@@ -278,9 +274,7 @@ TEST_F(HostRun, PublishesAndMarksWhatBecameOfEach)
     EXPECT_TRUE(WaitFor([&] { return pixels(green) > 300 && pixels(red) > 150; }));
 
     // A published picture isn't sent again.
-    EXPECT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
-    host.Press(IDC_PUBLISH);
-    EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Picture 1 of 1"));
+    Publish(host, L"Picture 1 of 1");
     LetOnePictureEnd();
     EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Trial done."));
 }
@@ -289,21 +283,17 @@ TEST_F(HostRun, LeavesOutWhatAnotherWindowPublished)
 {
     Authorize();
     const std::vector<std::filesystem::path> one = {Sample("one.jpg")};
-    const auto publish = [&](const HostProgram &host) {
-        ASSERT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
-        host.Press(IDC_PUBLISH);
-    };
     {
         const HostProgram host(Profile(), one);
-        publish(host);
-        ASSERT_TRUE(host.AwaitText(IDC_STATUS, L"Picture 1 of 1"));
+        Publish(host, L"Picture 1 of 1");
         LetOnePictureEnd();
         ASSERT_TRUE(host.AwaitText(IDC_STATUS, L"Trial done."));
     }
     {
         const HostProgram host(Profile(), one);
         EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Nothing here is left"));
-        publish(host);
+        ASSERT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
+        host.Press(IDC_PUBLISH);
         const HWND question = host.AwaitQuestion();
         ASSERT_NE(question, nullptr) << "published again without a word";
         PostMessageW(question, WM_COMMAND, IDYES, 0);
@@ -317,32 +307,24 @@ TEST_F(HostRun, IsCancelledInTwoSteps)
 {
     Authorize();
     const HostProgram host(Profile(), {Sample("one.jpg"), Sample("busy.jpg"), Sample("three.jpg")});
-    ASSERT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
-    host.Press(IDC_PUBLISH);
-    ASSERT_TRUE(host.AwaitText(IDC_STATUS, L"Picture 1 of 3"));
+    Publish(host, L"Picture 1 of 3");
     const std::wstring firstStep = host.Text(IDC_CANCEL);
     host.Press(IDC_CANCEL);
     EXPECT_TRUE(WaitFor([&] { return host.Text(IDC_CANCEL) != firstStep; }));
     LetOnePictureEnd();
     EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Trial cancelled."));
     EXPECT_TRUE(host.AwaitLog(L"Published 1 of 3 pictures"));
-    EXPECT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
-
+    Publish(host, L"Picture 1 of 2");
+    EXPECT_EQ(host.Text(IDC_CANCEL), firstStep);
     // Also while the service has asked for a pause.
-    const auto publishTheRest = [&] {
-        host.Press(IDC_PUBLISH);
-        EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Picture 1 of 2"));
-        EXPECT_EQ(host.Text(IDC_CANCEL), firstStep);
-    };
-    publishTheRest();
     LetOnePictureEnd();
     EXPECT_TRUE(host.AwaitLog(L"Flickr asks for a pause: going on in 300 seconds."));
     EXPECT_FALSE(WaitFor([&] { return host.Text(IDC_STATUS) == L"Picture 2 of 2"; }, 500));
     host.Press(IDC_CANCEL);
     EXPECT_TRUE(host.AwaitText(IDC_STATUS, L"Trial cancelled."));
-    EXPECT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
 
-    publishTheRest();
+    Publish(host, L"Picture 1 of 2");
+    EXPECT_EQ(host.Text(IDC_CANCEL), firstStep);
     host.Press(IDC_CANCEL);
     ASSERT_TRUE(WaitFor([&] { return host.Text(IDC_CANCEL) != firstStep; }));
     host.Press(IDC_CANCEL);
@@ -354,9 +336,7 @@ TEST_F(HostRun, IsNotTornByClosingTheWindow)
 {
     Authorize();
     const HostProgram host(Profile(), {Sample("one.jpg"), Sample("two.jpg")});
-    ASSERT_TRUE(host.AwaitEnabled(IDC_PUBLISH, true));
-    host.Press(IDC_PUBLISH);
-    ASSERT_TRUE(host.AwaitText(IDC_STATUS, L"Picture 1 of 2"));
+    Publish(host, L"Picture 1 of 2");
     host.Close();
     const HWND stay = host.AwaitQuestion();
     ASSERT_NE(stay, nullptr);

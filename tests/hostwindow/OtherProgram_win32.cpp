@@ -14,6 +14,15 @@ HANDLE ProcessOf(HWND window)
     GetWindowThreadProcessId(window, &process);
     return OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE, FALSE, process);
 }
+
+BOOL CALLBACK AddIfSeen(HWND window, LPARAM all)
+{
+    if (IsWindowVisible(window))
+    {
+        reinterpret_cast<std::vector<HWND> *>(all)->push_back(window);
+    }
+    return TRUE;
+}
 } // namespace
 
 OtherMemory::OtherMemory(HWND window, size_t size)
@@ -49,19 +58,17 @@ std::wstring TextOf(HWND window)
     return text;
 }
 
+std::vector<HWND> TopWindows()
+{
+    std::vector<HWND> windows;
+    EnumWindows(AddIfSeen, reinterpret_cast<LPARAM>(&windows));
+    return windows;
+}
+
 std::vector<HWND> PartsOf(HWND window)
 {
     std::vector<HWND> parts;
-    EnumChildWindows(
-        window,
-        [](HWND part, LPARAM all) -> BOOL {
-            if (IsWindowVisible(part))
-            {
-                reinterpret_cast<std::vector<HWND> *>(all)->push_back(part);
-            }
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&parts));
+    EnumChildWindows(window, AddIfSeen, reinterpret_cast<LPARAM>(&parts));
     return parts;
 }
 

@@ -30,6 +30,9 @@ private:
 // A program that hangs gives no text, after some seconds.
 std::wstring TextOf(HWND window);
 
+// Those that are seen, of all programs.
+std::vector<HWND> TopWindows();
+
 // Those within the window that are seen.
 std::vector<HWND> PartsOf(HWND window);
 

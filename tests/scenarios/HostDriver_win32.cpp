@@ -11,8 +11,6 @@
 //     host-driver await-rows CAPTION ID COUNT  until the list has so many rows
 //     host-driver await-row CAPTION ID TEXT    until a row of the list has TEXT in it
 //     host-driver screen                       all texts of all windows
-//     host-driver texts CAPTION                all texts of the window, by lines
-//     host-driver text CAPTION ID
 //     host-driver press CAPTION ID             without waiting for what comes of it
 //     host-driver answer CAPTION BUTTON        a task dialog, until it has gone
 //     host-driver follow CAPTION ID NAME       the link with that id or address among the control's links
@@ -54,21 +52,6 @@ std::string Utf8(const std::wstring &text)
                                            static_cast<int>(bytes.size()), nullptr, nullptr);
     bytes.resize(static_cast<size_t>(length));
     return bytes;
-}
-
-std::vector<HWND> TopWindows()
-{
-    std::vector<HWND> windows;
-    EnumWindows(
-        [](HWND window, LPARAM all) -> BOOL {
-            if (IsWindowVisible(window))
-            {
-                reinterpret_cast<std::vector<HWND> *>(all)->push_back(window);
-            }
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&windows));
-    return windows;
 }
 
 std::wstring AllTexts(HWND window)
@@ -207,8 +190,6 @@ const Command Commands[] = {
          Await(a[2], [&] { return std::ranges::any_of(RowsOf(list), holds); });
      }},
     {L"screen", 0, [](const Arguments &) { TellScreen(); }},
-    {L"texts", 1, [](const Arguments &a) { Say(AllTexts(Top(a[0]))); }},
-    {L"text", 2, [](const Arguments &a) { Say(TextOf(Part(a[0], a[1]))); }},
     {L"press", 2, [](const Arguments &a) { Press(Part(a[0], a[1])); }},
     {L"answer", 2, [](const Arguments &a) { Answer(a[0], std::stoul(a[1])); }},
     {L"follow", 3,

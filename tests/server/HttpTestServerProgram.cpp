@@ -23,78 +23,35 @@ std::string Reply(const std::string &head, const std::string &body)
     return "HTTP/1.1 " + head + "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
 }
 
-// Reads one request, says this and leaves.
-HttpTestServer::Script Saying(const std::string &text)
+// Reads one request, does this and leaves.
+HttpTestServer::Script Once(std::function<void(Conversation &)> deed)
 {
-    return [text](Conversation &conversation) {
-        conversation.ReadRequest();
-        conversation.Write(text);
+    return [deed](Conversation &conversation) {
+        if (conversation.ReadRequest())
+        {
+            deed(conversation);
+        }
     };
 }
 
-void Echo(Conversation &conversation)
+HttpTestServer::Script Saying(const std::string &text)
 {
-    while (const auto request = conversation.ReadRequest())
-    {
-        conversation.WriteReply(200, "Fine", request->line + "\r\n" + request->headers + "\r\n" + request->body);
-    }
+    return Once([text](Conversation &conversation) { conversation.Write(text); });
 }
 
-void Measure(Conversation &conversation)
+// Answers each request of a connection.
+HttpTestServer::Script Each(std::function<void(Conversation &, const SeenRequest &)> answer)
 {
-    while (const auto request = conversation.ReadRequest())
-    {
-        conversation.WriteReply(200, "OK", std::to_string(request->bodyBytes));
-    }
-}
-
-void Challenge(Conversation &conversation)
-{
-    while (conversation.ReadRequest())
-    {
-        ++cutRequests;
-        conversation.WriteReply(401, "Unauthorized", "who?", "WWW-Authenticate: NTLM\r\n");
-    }
-}
-
-// Takes all and leaves without a word.
-void Cut(Conversation &conversation)
-{
-    if (conversation.ReadRequest())
-    {
-        ++cutRequests;
-    }
-}
-
-void CutHead(Conversation &conversation)
-{
-    if (conversation.ReadHead())
-    {
-        ++cutRequests;
-    }
-}
-
-void CountCut(Conversation &conversation)
-{
-    conversation.ReadRequest();
-    conversation.WriteReply(200, "OK", std::to_string(cutRequests.exchange(0)));
-}
-
-void TakeNothing(Conversation &conversation)
-{
-    conversation.ReadHead();
-    conversation.WaitForEnd();
-}
-
-void NeverAnswer(Conversation &conversation)
-{
-    conversation.ReadRequest();
-    conversation.WaitForEnd();
+    return [answer](Conversation &conversation) {
+        while (const auto request = conversation.ReadRequest())
+        {
+            answer(conversation, *request);
+        }
+    };
 }
 
 void AnswerLate(Conversation &conversation)
 {
-    conversation.ReadRequest();
     std::this_thread::sleep_for(std::chrono::milliseconds(2500));
     conversation.WriteReply(200, "OK", "at last");
 }
@@ -102,19 +59,16 @@ void AnswerLate(Conversation &conversation)
 // Says at once that the answer will come.
 void AnswerInterim(Conversation &conversation)
 {
-    conversation.ReadRequest();
     for (const char *interim : {"100 Continue", "102 Processing", "103 Early Hints"})
     {
         conversation.Write(std::string("HTTP/1.1 ") + interim + "\r\n\r\n");
     }
-    std::this_thread::sleep_for(std::chrono::milliseconds(2500));
-    conversation.WriteReply(200, "OK", "at last");
+    AnswerLate(conversation);
 }
 
 // Never stands still, and never comes to an end.
 void AnswerInDrops(Conversation &conversation)
 {
-    conversation.ReadRequest();
     conversation.Write("HTTP/1.1 200 OK\r\nContent-Length: 500\r\n\r\n");
     for (int i = 0; i < 40; ++i)
     {
@@ -128,32 +82,48 @@ class Proxy
 public:
     Proxy()
     {
+        // Takes all and leaves without a word.
+        const HttpTestServer::Script cut = Once([](Conversation &) { ++cutRequests; });
         const IssuedCertificate usual = m_authority.Issue("DNS:*.server.test");
         const std::pair<const char *, HttpTestServer::Script> scripts[] = {
-            {"echo", Echo},
-            {"measure", Measure},
+            {"echo", Each([](Conversation &conversation, const SeenRequest &request) {
+                 const std::string all = request.line + "\r\n" + request.headers + "\r\n" + request.body;
+                 conversation.WriteReply(200, "Fine", all);
+             })},
+            {"measure", Each([](Conversation &conversation, const SeenRequest &request) {
+                 conversation.WriteReply(200, "OK", std::to_string(request.bodyBytes));
+             })},
             {"refuse", Saying(Reply("500 Out Of Order\r\nRetry-After: 120", "try tomorrow"))},
             {"redirect",
              Saying(Reply("302 Found\r\nLocation: https://echo.server.test/elsewhere\r\nSet-Cookie: a=b", ""))},
-            {"challenge", Challenge},
-            {"cut", Cut},
-            {"cut-head", CutHead},
-            {"count", CountCut},
-            {"deaf", TakeNothing},
-            {"mute", NeverAnswer},
-            {"late", AnswerLate},
+            {"challenge", Each([](Conversation &conversation, const SeenRequest &) {
+                 ++cutRequests;
+                 conversation.WriteReply(401, "Unauthorized", "who?", "WWW-Authenticate: NTLM\r\n");
+             })},
+            {"cut", cut},
+            {"cut-head", [](Conversation &conversation) { cutRequests += conversation.ReadHead() ? 1 : 0; }},
+            {"count", Once([](Conversation &conversation) {
+                 conversation.WriteReply(200, "OK", std::to_string(cutRequests.exchange(0)));
+             })},
+            {"deaf",
+             [](Conversation &conversation) {
+                 conversation.ReadHead();
+                 conversation.WaitForEnd();
+             }},
+            {"mute", Once([](Conversation &conversation) { conversation.WaitForEnd(); })},
+            {"late", Once(AnswerLate)},
             {"half", Saying("HTTP/1.1 200 OK\r\nContent-Length: 500\r\n\r\n<rsp stat=\"ok\">")},
             {"huge", Saying(Reply("200 OK", std::string(300'000, 'x')))},
             {"nonsense", Saying("what do you want?\r\n\r\n")},
-            {"interim", AnswerInterim},
-            {"drops", AnswerInDrops}};
+            {"interim", Once(AnswerInterim)},
+            {"drops", Once(AnswerInDrops)}};
         for (const auto &[name, script] : scripts)
         {
             Add(name, usual, script);
         }
-        Add("expired", m_authority.Issue("DNS:expired.server.test", -20, -10), Cut);
-        Add("other", m_authority.Issue("DNS:somebody.else.test"), Cut);
-        Add("stranger", TestAuthority("Another authority").Issue("DNS:stranger.server.test"), Cut);
+        Add("expired", m_authority.Issue("DNS:expired.server.test", -20, -10), cut);
+        Add("other", m_authority.Issue("DNS:somebody.else.test"), cut);
+        Add("stranger", TestAuthority("Another authority").Issue("DNS:stranger.server.test"), cut);
     }
 
     void Lead(std::string host, unsigned port) { m_ports[std::move(host)] = port; }

@@ -48,7 +48,6 @@ TEST(OutputSize, HasOneDisplayFormAndOneValueForEachWayOfWritingIt)
         OutputSizeUnit unit;
     } cases[] = {
         {English(), TEXT(""), TEXT("Original"), 0, 300, UNIT_PIXELS},
-        {English(), TEXT("Original"), TEXT("Original"), 0, 300, UNIT_PIXELS},
         {English(), TEXT("0"), TEXT("Original"), 0, 300, UNIT_PIXELS},
         {English(), TEXT("0 cm"), TEXT("Original"), 0, 330, UNIT_CENTIMETRES},
         {English(), TEXT("0.4"), TEXT("0 px"), 0, 300, UNIT_PIXELS},

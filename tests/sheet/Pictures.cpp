@@ -40,36 +40,16 @@ public:
     }
 
     // Takes a picture of the dialog that show opens on this thread, and closes the dialog.
-    void TakeDialog(const std::string &name, HWND owner, const std::function<void()> &show) const
+    void TakeDialog(const std::string &name, const WideText &caption, const std::function<void()> &show) const
     {
-        std::thread photographer([&, thread = GetCurrentThreadId()] {
-            HWND dialog = nullptr;
-            ASSERT_TRUE(OpenSheet::WaitUntil([&] {
-                dialog = FindOther(thread, owner);
-                return dialog != nullptr;
-            })) << name;
+        const DialogDriver photographer(caption.c_str(), [&](HWND dialog) {
             Take(dialog, name);
             PostMessageW(dialog, WM_CLOSE, 0, 0);
         });
         show();
-        photographer.join();
     }
 
 private:
-    static HWND FindOther(DWORD thread, HWND owner)
-    {
-        std::pair<HWND, HWND> search{owner, nullptr};
-        EnumThreadWindows(
-            thread,
-            [](HWND window, LPARAM parameter) -> BOOL {
-                auto &[known, found] = *reinterpret_cast<std::pair<HWND, HWND> *>(parameter);
-                found = window != known && IsWindowVisible(window) ? window : nullptr;
-                return found == nullptr;
-            },
-            reinterpret_cast<LPARAM>(&search));
-        return search.second;
-    }
-
     std::string m_folder;
     std::string m_suffix;
 };
@@ -112,9 +92,10 @@ void TakePages(const Album &album, HWND owner)
 void TakeDialogs(const Album &album, HWND owner)
 {
     AuthorizationDialogs dialogs;
-    album.TakeDialog("dialog-authorize", owner, [&] { dialogs.AskConsent(owner); });
+    album.TakeDialog("dialog-authorize", TEXT("Authorize Halvora Professional"),
+                     [&] { dialogs.AskConsent(owner); });
     dialogs.PrepareCompletion();
-    album.TakeDialog("dialog-completion", owner, [&] { dialogs.AskCompletion(owner); });
+    album.TakeDialog("dialog-completion", TEXT("Authorization Completion"), [&] { dialogs.AskCompletion(owner); });
     const struct
     {
         const char *name;
@@ -128,7 +109,7 @@ void TakeDialogs(const Album &album, HWND owner)
     {
         const WideText text = LoadStringOrPlaceholder(textId);
         const WideText caption = LoadStringOrPlaceholder(captionId);
-        album.TakeDialog(name, owner,
+        album.TakeDialog(name, caption,
                          [&] { CentredMessageBox(owner, text.c_str(), caption.c_str(), MB_ICONERROR); });
     }
 }

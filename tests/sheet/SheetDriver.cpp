@@ -3,13 +3,9 @@
 #include "resources/resource.h"
 
 #include <commctrl.h>
-#include <gtest/gtest.h>
-
-#include <chrono>
 
 namespace
 {
-constexpr auto Patience = std::chrono::seconds(30);
 constexpr const WCHAR *Caption = TEXT("Publish to Flickr");
 
 LRESULT Ask(HWND window, UINT message, WPARAM wParam = 0, LPARAM lParam = 0)
@@ -19,46 +15,7 @@ LRESULT Ask(HWND window, UINT message, WPARAM wParam = 0, LPARAM lParam = 0)
         << "message " << message << " wasn't answered";
     return static_cast<LRESULT>(result);
 }
-
-// A visible dialog of the thread with that title, other than one.
-HWND FindDialog(DWORD thread, const WCHAR *title, HWND other)
-{
-    struct Search
-    {
-        const WCHAR *Title;
-        HWND Other;
-        HWND Found;
-    } search{title, other, nullptr};
-    EnumThreadWindows(
-        thread,
-        [](HWND window, LPARAM parameter) -> BOOL {
-            auto &wanted = *reinterpret_cast<Search *>(parameter);
-            WCHAR text[100] = {};
-            GetWindowTextW(window, text, 100);
-            if (window != wanted.Other && IsWindowVisible(window) && WideView(text) == wanted.Title)
-            {
-                wanted.Found = window;
-            }
-            return wanted.Found == nullptr;
-        },
-        reinterpret_cast<LPARAM>(&search));
-    return search.Found;
-}
 } // namespace
-
-bool OpenSheet::WaitUntil(const std::function<bool()> &condition)
-{
-    const auto end = std::chrono::steady_clock::now() + Patience;
-    while (!condition())
-    {
-        if (std::chrono::steady_clock::now() > end)
-        {
-            return false;
-        }
-        Sleep(10);
-    }
-    return true;
-}
 
 HWND OpenSheet::Tabs() const
 {
@@ -170,45 +127,27 @@ void OpenSheet::CloseByTitleBar() const
 
 void OpenSheet::WaitForEnd() const
 {
-    EXPECT_TRUE(WaitUntil([this] { return !IsWindow(m_sheet) || !IsWindowVisible(m_sheet); }))
+    EXPECT_TRUE(WaitFor([this] { return !IsWindow(m_sheet) || !IsWindowVisible(m_sheet); }))
         << "the sheet stays open";
 }
 
 HWND OpenSheet::WaitForDialog(const WCHAR *title) const
 {
     HWND dialog = nullptr;
-    EXPECT_TRUE(WaitUntil([&] { return (dialog = FindDialog(m_thread, title, m_sheet)) != nullptr; }))
+    EXPECT_TRUE(WaitFor([&] { return (dialog = FindTop(m_thread, title, m_sheet)) != nullptr; }))
         << "no dialog comes";
     return dialog;
 }
 
 SheetDriver::SheetDriver(std::function<void(const OpenSheet &)> act)
-    : m_thread([this, thread = GetCurrentThreadId(), act = std::move(act)] { Drive(thread, act); })
+    : DialogDriver(Caption, [thread = GetCurrentThreadId(), act = std::move(act)](HWND sheet) {
+          EXPECT_TRUE(WaitFor([&] { return Ask(sheet, PSM_GETCURRENTPAGEHWND) != 0; }));
+          const OpenSheet open(sheet, thread);
+          act(open);
+          if (IsWindow(sheet) && IsWindowVisible(sheet))
+          {
+              open.Close(IDCANCEL);
+          }
+      })
 {
-}
-
-SheetDriver::~SheetDriver()
-{
-    m_thread.join();
-}
-
-void SheetDriver::Drive(DWORD thread, const std::function<void(const OpenSheet &)> &act)
-{
-    HWND sheet = nullptr;
-    const bool isThere = OpenSheet::WaitUntil([&] {
-        sheet = FindDialog(thread, Caption, nullptr);
-        return sheet != nullptr && SendMessageW(sheet, PSM_GETCURRENTPAGEHWND, 0, 0) != 0;
-    });
-    if (!isThere)
-    {
-        ADD_FAILURE() << "no sheet comes";
-        PostThreadMessageW(thread, WM_QUIT, 0, 0);
-        return;
-    }
-    const OpenSheet open(sheet, thread);
-    act(open);
-    if (IsWindow(sheet) && IsWindowVisible(sheet))
-    {
-        open.Close(IDCANCEL);
-    }
 }

@@ -1,14 +1,7 @@
 // Drives the settings sheet's real windows from a thread beside the one that shows it.
 #pragma once
 
-#include "com/WideText.h"
-
-#include <windows.h>
-
-#include <atomic>
-#include <functional>
-#include <optional>
-#include <thread>
+#include "tests/ui/DialogDriver_win32.h"
 
 // The open sheet. A window or control that is missing, or doesn't appear in time, fails the test.
 class OpenSheet
@@ -55,9 +48,6 @@ public:
     // Waits for another dialog with that title over the sheet.
     HWND WaitForDialog(const WCHAR *title) const;
 
-    // Returns false if the condition isn't true in time.
-    static bool WaitUntil(const std::function<bool()> &condition);
-
 private:
     void WaitForEnd() const;
 
@@ -65,19 +55,10 @@ private:
     DWORD m_thread;
 };
 
-class SheetDriver
+class SheetDriver : public DialogDriver
 {
 public:
-    // The next sheet that the calling thread shows is handed to act, and cancelled if act leaves it open.
+    // The next sheet that the calling thread shows is handed to act, and cancelled if act leaves it open. The
+    // destructor waits for act to end.
     explicit SheetDriver(std::function<void(const OpenSheet &)> act);
-
-    // Waits for act to end.
-    ~SheetDriver();
-    SheetDriver(const SheetDriver &) = delete;
-    SheetDriver &operator=(const SheetDriver &) = delete;
-
-private:
-    void Drive(DWORD thread, const std::function<void(const OpenSheet &)> &act);
-
-    std::thread m_thread;
 };

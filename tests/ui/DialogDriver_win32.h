@@ -33,6 +33,29 @@ inline RECT PlaceOf(HWND window)
     return place;
 }
 
+// A visible window of the thread with that caption, but for one; null if there is none.
+inline HWND FindTop(DWORD thread, const WideText &caption, HWND other = nullptr)
+{
+    struct Search
+    {
+        const WideText &caption;
+        HWND other;
+        HWND found = nullptr;
+    } search{caption, other};
+    EnumThreadWindows(
+        thread,
+        [](HWND window, LPARAM parameter) -> BOOL {
+            auto &wanted = *reinterpret_cast<Search *>(parameter);
+            WCHAR text[100] = {};
+            GetWindowTextW(window, text, ARRAYSIZE(text));
+            const bool isIt = window != wanted.other && IsWindowVisible(window) && text == wanted.caption;
+            wanted.found = isIt ? window : nullptr;
+            return !isIt;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
 // The texts of a window and of all windows in it, one a line.
 inline WideText TextsOf(HWND window)
 {
@@ -73,10 +96,7 @@ private:
     void Drive()
     {
         HWND dialog = nullptr;
-        m_came = WaitFor([&] {
-            dialog = FindWindowW(nullptr, m_caption.c_str());
-            return dialog != nullptr && IsWindowVisible(dialog);
-        });
+        m_came = WaitFor([&] { return (dialog = FindTop(m_blocked, m_caption)) != nullptr; });
         if (m_came)
         {
             // A modal dialog is ready when its thread handles messages.

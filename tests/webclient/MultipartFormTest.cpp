@@ -48,11 +48,21 @@ UINT32 LengthOf(IMultipartFormData *form)
     return length;
 }
 
-class MultipartFormTest : public testing::Test
+// A form with the picture in it, if there is one, and the form's bytes as a stream.
+struct Form
 {
-protected:
+    explicit Form(IStream *picture = nullptr, const WCHAR *name = TEXT("a.jpg"))
+    {
+        EXPECT_TRUE(picture == nullptr ||
+                    form->AddFilePart(TEXT("photo"), picture, TEXT("image/jpeg"), name, 0, 0) == S_OK);
+    }
+
     ComPtr<CMultipartFormData> form = CMultipartFormData::Make();
     ComPtr<IStream> body = QueryFor<IStream>(static_cast<IMultipartFormData *>(form.Get()));
+};
+
+class MultipartFormTest : public testing::Test, protected Form
+{
 };
 
 TEST_F(MultipartFormTest, BodyIsByteForByteWhatTheFormHolds)
@@ -87,10 +97,7 @@ TEST_F(MultipartFormTest, FileNameIsQuotedAndWithoutFolders)
     };
     for (const auto &[name, expected] : cases)
     {
-        const auto one = CMultipartFormData::Make();
-        ASSERT_EQ(one->AddFilePart(TEXT("photo"), ScriptedStream::Make("x").Get(), TEXT("image/jpeg"), name, 0, 0),
-                  S_OK);
-        const auto text = ReadAll(QueryFor<IStream>(static_cast<IMultipartFormData *>(one.Get())).Get(), 4096);
+        const auto text = ReadAll(Form(ScriptedStream::Make("x").Get(), name).body.Get(), 4096);
         EXPECT_THAT(text, HasSubstr("filename=" + std::string(expected) + "\r\n"));
     }
 }
@@ -101,30 +108,27 @@ TEST_F(MultipartFormTest, FileGoesFromItsPresentPosition)
     LARGE_INTEGER four{};
     four.QuadPart = 4;
     ASSERT_EQ(picture->Seek(four, STREAM_SEEK_SET, nullptr), S_OK);
-    ASSERT_EQ(form->AddFilePart(TEXT("photo"), picture.Get(), TEXT("image/gif"), TEXT("a.gif"), 0, 0), S_OK);
+    const Form rest(picture.Get());
     for (int pass = 0; pass < 2; ++pass)
     {
-        const std::string text = ReadAll(body.Get(), 100);
-        EXPECT_EQ(text.size(), LengthOf(form.Get()));
+        const std::string text = ReadAll(rest.body.Get(), 100);
+        EXPECT_EQ(text.size(), LengthOf(rest.form.Get()));
         EXPECT_THAT(text, HasSubstr("\r\n\r\n456789\r\n--"));
-        body->Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr);
+        rest.body->Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr);
     }
 }
 
 TEST_F(MultipartFormTest, BodyOfFourGibibytesFailsItsLength)
 {
-    const auto picture = ScriptedStream::Make("x");
-    ASSERT_EQ(form->AddFilePart(TEXT("photo"), picture.Get(), TEXT("image/jpeg"), TEXT("a.jpg"), 0, 0), S_OK);
-    const UINT64 frame = LengthOf(form.Get()) - 1;
+    const UINT64 frame = LengthOf(Form(ScriptedStream::Make("x").Get()).form.Get()) - 1;
     for (const UINT64 whole : {UINT64(0xFFFFFFFF), UINT64(0x100000000)})
     {
-        const auto big = CMultipartFormData::Make();
         const auto content = ScriptedStream::Make("x");
         content->claimedSize = whole - frame;
-        ASSERT_EQ(big->AddFilePart(TEXT("photo"), content.Get(), TEXT("image/jpeg"), TEXT("a.jpg"), 0, 0), S_OK);
         UINT32 length = 77;
         const bool fits = whole <= 0xFFFFFFFF;
-        EXPECT_EQ(big->GetBodyLength(&length), fits ? S_OK : static_cast<HRESULT>(0x800700DF));
+        EXPECT_EQ(Form(content.Get()).form->GetBodyLength(&length),
+                  fits ? S_OK : static_cast<HRESULT>(0x800700DF));
         EXPECT_EQ(length, fits ? 0xFFFFFFFFu : 0u);
     }
 }
@@ -133,17 +137,13 @@ TEST_F(MultipartFormTest, TroubleWithTheFileIsTold)
 {
     const auto shrunk = ScriptedStream::Make("12345");
     shrunk->claimedSize = 9;
-    ASSERT_EQ(form->AddFilePart(TEXT("photo"), shrunk.Get(), TEXT("image/jpeg"), TEXT("a.jpg"), 0, 0), S_OK);
     HRESULT result = S_OK;
-    EXPECT_THAT(ReadAll(body.Get(), 4096, &result), HasSubstr("\r\n\r\n12345"));
+    EXPECT_THAT(ReadAll(Form(shrunk.Get()).body.Get(), 4096, &result), HasSubstr("\r\n\r\n12345"));
     EXPECT_EQ(result, HRESULT_FROM_WIN32(ERROR_HANDLE_EOF));
 
-    const auto other = CMultipartFormData::Make();
     const auto broken = ScriptedStream::Make("12345");
     broken->failAt = 3;
-    broken->failure = STG_E_READFAULT;
-    ASSERT_EQ(other->AddFilePart(TEXT("photo"), broken.Get(), TEXT("image/jpeg"), TEXT("a.jpg"), 0, 0), S_OK);
-    ReadAll(QueryFor<IStream>(static_cast<IMultipartFormData *>(other.Get())).Get(), 4096, &result);
+    ReadAll(Form(broken.Get()).body.Get(), 4096, &result);
     EXPECT_EQ(result, STG_E_READFAULT);
 }
 

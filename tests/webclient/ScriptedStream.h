@@ -1,16 +1,14 @@
 // A stream over bytes in memory that can claim another size, give out small portions, and fail.
 #pragma once
 
-#include "com/ComObject.h"
-
-#include <objidl.h>
+#include "platform/ole32/StreamBase.h"
 
 #include <algorithm>
 #include <cstring>
 #include <optional>
 #include <string>
 
-class ScriptedStream final : public ComObject<ScriptedStream, Answers<IStream, ISequentialStream>>
+class ScriptedStream final : public StreamBase<ScriptedStream>
 {
 public:
     explicit ScriptedStream(std::string bytes, ULONG portion = 0xFFFFFFFF)
@@ -91,15 +89,6 @@ public:
 
     STDMETHODIMP Write(const void *, ULONG, ULONG *) noexcept override { return E_NOTIMPL; }
     STDMETHODIMP SetSize(ULARGE_INTEGER) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP CopyTo(IStream *, ULARGE_INTEGER, ULARGE_INTEGER *, ULARGE_INTEGER *) noexcept override
-    {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP Commit(DWORD) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP Revert() noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP LockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP UnlockRegion(ULARGE_INTEGER, ULARGE_INTEGER, DWORD) noexcept override { return E_NOTIMPL; }
-    STDMETHODIMP Clone(IStream **) noexcept override { return E_NOTIMPL; }
 
 private:
     std::string m_bytes;

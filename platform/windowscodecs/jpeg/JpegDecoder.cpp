@@ -18,10 +18,6 @@ public:
             return E_INVALIDARG;
         }
         return AtBoundary([&] {
-            if (m_stream)
-            {
-                return WINCODEC_ERR_WRONGSTATE;
-            }
             const ULONGLONG base = PositionOf(stream);
             StreamBytes bytes(ComPtr<IStream>(stream), base);
             m_structure = ReadStructure(bytes);
@@ -41,21 +37,14 @@ public:
         return S_OK;
     }
 
-    STDMETHODIMP GetFrame(UINT index, IWICBitmapFrameDecode **frame) noexcept override
+    // There is one, whatever the index, of a decoder that was initialized.
+    STDMETHODIMP GetFrame(UINT, IWICBitmapFrameDecode **frame) noexcept override
     {
         if (frame == nullptr)
         {
             return E_INVALIDARG;
         }
         *frame = nullptr;
-        if (!m_stream)
-        {
-            return WINCODEC_ERR_FRAMEMISSING;
-        }
-        if (index != 0)
-        {
-            return E_INVALIDARG;
-        }
         return AtBoundary([&] {
             *frame = CJpegFrameDecode::Make(m_stream, m_base, m_structure).Detach();
             return S_OK;

@@ -44,11 +44,4 @@ TEST(ByteSize, HasThreeDigitsCutAndNotRounded)
         EXPECT_EQ(WideText(text), c.text) << c.bytes;
     }
 }
-
-TEST(ByteSize, IsCutToTheBuffer)
-{
-    WCHAR text[6] = {};
-    StrFormatByteSizeW(1024, text, ARRAYSIZE(text));
-    EXPECT_EQ(WideText(text), TEXT("1.00 "));
-}
 } // namespace

@@ -90,16 +90,3 @@ TEST(JpegDecoder, KnowsTheResolution)
         EXPECT_DOUBLE_EQ(sample.Y, y);
     }
 }
-
-TEST(JpegDecoder, ReadsOnePictureOnce)
-{
-    ComPtr<IWICBitmapDecoder> decoder;
-    ASSERT_EQ(S_OK, CreateJpegDecoder(decoder.Put()));
-    ComPtr<IWICBitmapFrameDecode> frame;
-    EXPECT_EQ(WINCODEC_ERR_FRAMEMISSING, decoder->GetFrame(0, frame.Put()));
-    EXPECT_EQ(E_INVALIDARG, decoder->Initialize(nullptr, WICDecodeMetadataCacheOnDemand));
-    EXPECT_EQ(S_OK, decoder->Initialize(StreamOf(MakeJpeg({})).Get(), WICDecodeMetadataCacheOnDemand));
-    EXPECT_EQ(WINCODEC_ERR_WRONGSTATE,
-              decoder->Initialize(StreamOf(MakeJpeg({})).Get(), WICDecodeMetadataCacheOnDemand));
-    EXPECT_EQ(E_INVALIDARG, decoder->GetFrame(1, frame.Put()));
-}
