@@ -180,19 +180,6 @@ TEST(WaitingStrip, IsPremultipliedAndItsFramesDiffer)
     }
 }
 
-TEST(WaitingStrip, TheFirstFrameIsFaintAndPointsNowhere)
-{
-    const Pixels first = Expected(0, 0);
-    Pixels turned; // by a quarter
-    for (size_t i = 0; i < first.size(); ++i)
-    {
-        const size_t row = i / FrameSize;
-        turned[i % FrameSize * FrameSize + FrameSize - 1 - row] = first[i];
-        EXPECT_LT(first[i] & 0xFF, 0x60u) << "a strong dot looks like work going on";
-    }
-    EXPECT_TRUE(IsNearly(first, turned));
-}
-
 TEST_F(WaitingAnimationCtrl, IsAsLargeAsOneFrame)
 {
     RECT client{};

@@ -1,6 +1,7 @@
 #include "tests/webclient/ClientUse.h"
 
 #include "com/BstrOwner.h"
+#include "tests/platform/msxml/DocumentUse.h"
 #include "webclient/OAuthSignature.h"
 #include "webclient/PercentEncoding.h"
 #include "webclient/RequestParameters.h"
@@ -37,18 +38,7 @@ ComPtr<IRequestParameters> Parameters(const std::vector<std::pair<const WCHAR *,
 std::string DocumentText(IUnknown *document, const char *path)
 {
     const auto loaded = QueryFor<IXMLDOMDocument2>(document);
-    if (!loaded)
-    {
-        return "(no document)";
-    }
-    ComPtr<IXMLDOMNode> node;
-    BstrOwner text;
-    const BstrOwner widePath(WideFromUtf8(path));
-    if (loaded->selectSingleNode(widePath.Get(), node.Put()) != S_OK || FAILED(node->get_text(text.Put())))
-    {
-        return "(none)";
-    }
-    return Utf8FromWide(text.View());
+    return loaded ? Utf8FromWide(ReadText(*loaded.Get(), WideFromUtf8(path).c_str())) : "(no document)";
 }
 
 bool IsSignedRight(const std::string &header, const std::string &method, const std::string &url,
