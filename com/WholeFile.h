@@ -51,14 +51,15 @@ private:
 // The file that a symbolic link leads to; the path itself if it is none, or leads nowhere, and on Windows.
 std::filesystem::path WithoutLinks(const std::filesystem::path &file);
 
-// Renames the file, of a symbolic link the one that it leads to, to its name with the suffix and "-1", "-2" and so on, the first that is free. Returns the
-// new path. Throws std::system_error.
+// Renames the file, of a symbolic link the one that it leads to, to its name with the suffix and "-1", "-2" and so
+// on, the first that is free. Returns the new path. Throws std::system_error.
 std::filesystem::path SetFileAside(const std::filesystem::path &file, const std::string &suffix);
 
 // Makes the folder and the missing ones above it, readable by their owner alone. Throws std::system_error.
 void MakePrivateFolder(const std::filesystem::path &folder);
 
-// Where programs keep the files of one user: $XDG_DATA_HOME, else ~/.local/share. Empty if there is no home. Linux alone.
+// Where programs keep the files of one user: $XDG_DATA_HOME, else ~/.local/share. Empty if there is no home. Linux
+// alone.
 std::filesystem::path UserDataFolder();
 
 // Who besides the user may change the file or folder, as words that follow its name; empty if nobody, or if there

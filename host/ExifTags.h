@@ -1,5 +1,5 @@
-// Numbers of EXIF: those of its fields, in whichever directory each lies (EXIF 2.32, 4.6; those for texts of Windows and
-// the rating by Microsoft), and those for colours that a file tells by this block alone, without a profile.
+// Numbers of EXIF: those of its fields, in whichever directory each lies (EXIF 2.32, 4.6; those for texts of Windows
+// and the rating by Microsoft), and those for colours that a file tells by this block alone, without a profile.
 #pragma once
 
 #include <windows.h>

@@ -1,4 +1,5 @@
-// What a JPEG file's bytes tell and the decoders don't: whether its picture is whole, and the proportions of its pixels.
+// What a JPEG file's bytes tell and the decoders don't: whether its picture is whole, and the proportions of its
+// pixels.
 #pragma once
 
 #include "jpegdata/PictureSurvey.h"
@@ -20,8 +21,8 @@ struct DotsPerInch
     double y;
 };
 
-// JFIF files may tell proportions instead of a resolution (ITU-T T.871, 10.1). The resolution that stands for them, 96
-// on the axis with fewer dots; nothing if the file tells none, or square pixels. No picture is resampled for it, here as
-// where the pixels stay intact: the new file tells the proportions as its source did, and viewers make of it what they
-// made of the source.
+// JFIF files may tell proportions instead of a resolution (ITU-T T.871, 10.1). The resolution that stands for them,
+// 96 on the axis with fewer dots; nothing if the file tells none, or square pixels. No picture is resampled for it,
+// here as where the pixels stay intact: the new file tells the proportions as its source did, and viewers make of it
+// what they made of the source.
 std::optional<DotsPerInch> JfifProportions(const std::filesystem::path &file);

@@ -1,7 +1,7 @@
 // The folder of the files that the program keeps for one user: the registry store, the plug-in's stream with the
-// account, and the journal of what was published. Nobody else may change them: they decide on whose account and for whose eyes pictures
-// are published. A folder that is made here has mode 0700, its files 0600; on Windows it lies where the system
-// keeps others out.
+// account, and the journal of what was published. Nobody else may change them: they decide on whose account and for
+// whose eyes pictures are published. A folder that is made here has mode 0700, its files 0600; on Windows it lies
+// where the system keeps others out.
 #pragma once
 
 #include <filesystem>

@@ -16,9 +16,9 @@ struct RunEnd
     bool cancelled = false;        // the user asked to stop
 };
 
-// observer learns what the service answers. The first interrupt lets the current item finish; the second stops it, as the first SIGTERM or SIGHUP
-// does; the third ends the process. onCancel is called at each of them. Throws the HRESULT of windows that
-// can't be made.
+// observer learns what the service answers. The first interrupt lets the current item finish; the second stops it, as
+// the first SIGTERM or SIGHUP does; the third ends the process. onCancel is called at each of them. Throws the
+// HRESULT of windows that can't be made.
 RunEnd RunPublication(IHalvoraPublishingPlugin &plugin, IUploadObserver &observer, LiveDisplay &display,
                       SignalWatch &signals, const std::function<void()> &onCancel);
 

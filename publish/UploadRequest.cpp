@@ -40,9 +40,9 @@ void VerifyContainer(IStream *stream)
     }
 }
 
-// A picture whose bytes are uploaded as they are. A stream at the file's start; the file is shared with readers but not with writers. With verifyContainer
-// the file must really be JPEG, GIF or PNG: an image of another kind is thrown as WINCODEC_ERR_BADHEADER,
-// other failures with the code of the call that failed.
+// A picture whose bytes are uploaded as they are. A stream at the file's start; the file is shared with readers but
+// not with writers. With verifyContainer the file must really be JPEG, GIF or PNG: an image of another kind is thrown
+// as WINCODEC_ERR_BADHEADER, other failures with the code of the call that failed.
 ComPtr<IStream> OpenPictureFile(const WCHAR *path, bool verifyContainer)
 {
     ComPtr<IStream> stream;

@@ -13,8 +13,8 @@ size_t TerminalWidth(std::u16string_view text);
 // Of UTF-8 that is shown as it is.
 size_t TerminalWidth(std::string_view text);
 
-// The text in UTF-8, made safe by SafeText (com/SafeText.h). If the terminal isn't a Unicode one, characters that it can't show
-// become "?".
+// The text in UTF-8, made safe by SafeText (com/SafeText.h). If the terminal isn't a Unicode one, characters that it
+// can't show become "?".
 std::string TerminalLine(std::u16string_view text, bool isUnicode);
 
 // The longest beginning that fits in columns; never cut inside a character.

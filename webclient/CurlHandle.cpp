@@ -37,7 +37,8 @@ public:
         curl_global_cleanup();
     }
 
-    // The handle that was used last for this origin, whose connection is the most likely to be open still, or a new one.
+    // The handle that was used last for this origin, whose connection is the most likely to be open still, or a new
+    // one.
     EasyHandle Take(std::string_view origin)
     {
         {

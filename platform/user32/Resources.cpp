@@ -1,4 +1,5 @@
-// Strings and icons from a module's resources. The string table has blocks of 16 strings, each a length and that many characters.
+// Strings and icons from a module's resources. The string table has blocks of 16 strings, each a length and that many
+// characters.
 #include "platform/kernel32/ResourceSection.h"
 
 #include "com/WideText.h"
