@@ -13,7 +13,7 @@
 
 namespace
 {
-constexpr size_t KeptBody = 1024 * 1024;
+constexpr size_t KeptBody = 2 * 1024 * 1024;
 
 std::string LowerAscii(std::string text)
 {

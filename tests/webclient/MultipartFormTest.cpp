@@ -80,6 +80,9 @@ TEST_F(MultipartFormTest, BodyIsByteForByteWhatTheFormHolds)
         "\r\nContent-Disposition: form-data; name=\"photo\"; filename=\"b.jpg\"\r\n" +
         "Content-Type: image/jpeg\r\n\r\n" + picture->Bytes() + "\r\n--" + b + "--\r\n";
     EXPECT_EQ(LengthOf(form.Get()), expected.size());
+    STATSTG status{};
+    EXPECT_EQ(body->Stat(&status, STATFLAG_NONAME), S_OK);
+    EXPECT_EQ(status.cbSize.QuadPart, expected.size());
     for (const ULONG chunk : {1u, 7u, 65536u})
     {
         EXPECT_EQ(ReadAll(body.Get(), chunk), expected) << chunk;
@@ -155,6 +158,11 @@ TEST_F(MultipartFormTest, IncompleteCallsAreRefused)
     EXPECT_EQ(form->AddFilePart(TEXT("x"), nullptr, TEXT("y"), TEXT("z"), 0, 0), E_INVALIDARG);
     EXPECT_EQ(form->GetBodyLength(nullptr), E_INVALIDARG);
     EXPECT_EQ(form->GetContentType(nullptr), E_INVALIDARG);
+    LARGE_INTEGER one{};
+    one.QuadPart = 1;
+    EXPECT_EQ(body->Seek(one, STREAM_SEEK_SET, nullptr), STG_E_INVALIDFUNCTION);
+    EXPECT_EQ(body->Seek(LARGE_INTEGER{}, STREAM_SEEK_END, nullptr), STG_E_INVALIDFUNCTION);
+    EXPECT_EQ(body->Read(nullptr, 1, nullptr), STG_E_INVALIDPOINTER);
     EXPECT_NE(BoundaryOf(form.Get()), BoundaryOf(CMultipartFormData::Make().Get()));
 }
 

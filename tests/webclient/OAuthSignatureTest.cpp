@@ -152,7 +152,7 @@ TEST(RequestUrl, RefusesWhatIsNoPlainAddress)
 {
     for (const char *bad :
          {"", "flickr.com/x", "ftp://h/", "https://", "https://u:p@h/", "https://h:0/", "https://h:70000/",
-          "https://h:x/", "https://h/a b", "https://h/\xC3\xA9", "https://h/\r\nX: y"})
+          "https://h:x/", "https://h:80x/", "https://h/a b", "https://h/\xC3\xA9", "https://h/\r\nX: y"})
     {
         EXPECT_THROW(RequestUrl::Parse(bad), HresultError) << bad;
     }
@@ -160,9 +160,12 @@ TEST(RequestUrl, RefusesWhatIsNoPlainAddress)
 
 TEST(RequestUrl, IsUpgradedWithItsDefaultPort)
 {
-    auto url = RequestUrl::Parse("http://www.flickr.com:80/services?a=b");
-    url.UpgradeToHttps();
-    EXPECT_EQ(url.Text(), "https://www.flickr.com/services?a=b");
+    for (const char *port : {":80", ":443", ""})
+    {
+        auto url = RequestUrl::Parse(std::string("http://www.flickr.com") + port + "/services?a=b");
+        url.UpgradeToHttps();
+        EXPECT_EQ(url.Text(), "https://www.flickr.com/services?a=b");
+    }
 }
 
 TEST(Form, IsEncodedOnceAndDecodedAsItWas)

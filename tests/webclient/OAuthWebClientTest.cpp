@@ -297,6 +297,8 @@ TEST_F(OAuthWebClientTest, IncompleteCallsAreRefused)
     EXPECT_EQ(Utf8FromWide(type.View()), "image/jpeg");
     BSTR left[] = {type.Get(), type.Get(), type.Get(), type.Get()};
     EXPECT_EQ(m_client->GetAccessToken(0, nullptr, &left[0], &left[1]), E_INVALIDARG);
+    EXPECT_EQ(m_client->GetAccessToken(0, TEXT("v"), nullptr, left), E_INVALIDARG);
+    EXPECT_EQ(m_client->GetAccessToken(0, TEXT("v"), left, nullptr), E_INVALIDARG);
     EXPECT_EQ(bare->GetAuthorizationUrl(0, nullptr, &left[2]), E_UNEXPECTED);
     EXPECT_EQ(m_client->GetMimeTypeForFile(nullptr, &left[3]), E_INVALIDARG);
     EXPECT_THAT(left, testing::Each(nullptr)); // a caller may free what a failed call gave
