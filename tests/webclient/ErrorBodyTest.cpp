@@ -126,6 +126,24 @@ TEST(TransportWords, EveryProblemFailsWithWords)
               "4004 4004 4004 4004 ");
     EXPECT_EQ(unknown, "7 10 17 18 21 ") << "no answer though all was sent";
     EXPECT_EQ(descriptions.size(), 22u) << "each has its own, but for the two of a connection that was lost";
+    const std::pair<TransportProblem, const char *> ofTheSameCode[] = {
+        {TransportProblem::NameNotFound, "name h was not found"},
+        {TransportProblem::ProxyNotFound, "name of the proxy"},
+        {TransportProblem::ConnectTimedOut, "h timed out"},
+        {TransportProblem::SendStalled, "no byte moved"},
+        {TransportProblem::ProxyRefused, "it answered"},
+        {TransportProblem::CannotConnect, "was refused"},
+        {TransportProblem::CertificateExpired, "has expired"},
+        {TransportProblem::CertificateNotYetValid, "not valid yet"},
+        {TransportProblem::TrustFileUnreadable, "can't be read"},
+        {TransportProblem::TlsFailed, "No secure connection"},
+        {TransportProblem::AnswerTooLong, "more than 256 KB"},
+        {TransportProblem::BodyUnreadable, "it did not arrive."},
+    };
+    for (const auto &[problem, words] : ofTheSameCode)
+    {
+        EXPECT_THAT(WordsFor({problem}, "h", "picture").description, HasSubstr(words));
+    }
     EXPECT_EQ(WordsFor({TransportProblem::NameNotFound}, "h", "picture").code, static_cast<HRESULT>(0x80072EE7));
     EXPECT_EQ(WordsFor({TransportProblem::EndedByCaller, E_ABORT}, "h", "picture").code, E_ABORT);
 }

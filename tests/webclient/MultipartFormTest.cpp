@@ -186,6 +186,9 @@ TEST(RequestParameters, ValuesBecomeTheTextsOfTheForm)
     V_VT(&value) = VT_R8;
     EXPECT_EQ(parameters->Add(TEXT("real"), value), DISP_E_BADVARTYPE);
     EXPECT_EQ(parameters->Add(nullptr, value), E_INVALIDARG);
+    BSTR left = text.Get();
+    EXPECT_EQ(parameters->ReadParameter(0, nullptr, &left), E_INVALIDARG);
+    EXPECT_EQ(parameters->ReadParameter(0, &left, nullptr), E_INVALIDARG);
 
     const ParameterList read = ReadParameters(parameters.Get());
     ASSERT_EQ(read.size(), 4u);

@@ -97,6 +97,10 @@ TEST_F(OAuthWebClientTest, UploadIsSignedOverItsFieldsAndGoesOutAsItIs)
     const auto headers = Parameters({{TEXT("Content-Type"), TEXT("multipart/form-data; boundary=b")},
                                      {TEXT("content-length"), TEXT("-5")},
                                      {TEXT("HOST"), TEXT("elsewhere")},
+                                     {TEXT("Expect"), TEXT("100-continue")},
+                                     {TEXT("Connection"), TEXT("close")},
+                                     {TEXT("Transfer-Encoding"), TEXT("chunked")},
+                                     {TEXT("User-Agent"), TEXT("Other/1.0")},
                                      {TEXT("Authorization"), TEXT("none")}});
     ASSERT_EQ(UploadText("the picture", headers.Get(), Parameters({{TEXT("title"), title}}).Get()), S_OK);
     EXPECT_EQ(ReplyText("/rsp/photoid"), "17");
@@ -291,7 +295,10 @@ TEST_F(OAuthWebClientTest, IncompleteCallsAreRefused)
                                       m_reply.Put()),
               static_cast<HRESULT>(0x80072EE6));
     EXPECT_THAT(ReplyText("/HttpError/Description"), HasSubstr("on flickr.example, is not secure"));
-    EXPECT_EQ(UploadText("x", Parameters({{TEXT("X"), TEXT("a\r\nY: b")}}).Get()), E_INVALIDARG);
+    for (const WCHAR *value : {TEXT("a\r\nY: b"), TEXT("a\x7F")})
+    {
+        EXPECT_EQ(UploadText("x", Parameters({{TEXT("X"), value}}).Get()), E_INVALIDARG);
+    }
     BstrOwner type;
     EXPECT_EQ(m_client->GetMimeTypeForFile(TEXT("x.JPG"), type.Put()), S_OK);
     EXPECT_EQ(Utf8FromWide(type.View()), "image/jpeg");
