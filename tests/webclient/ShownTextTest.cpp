@@ -1,5 +1,5 @@
-#include "webclient/ErrorBody.h"
-#include "webclient/TransportWords.h"
+#include "webclient/HttpTransport.h"
+#include "webclient/ShownText.h"
 
 #include <gmock/gmock.h>
 

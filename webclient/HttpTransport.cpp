@@ -1,6 +1,6 @@
-#include "webclient/TransportWords.h"
+#include "webclient/HttpTransport.h"
 
-#include "webclient/ErrorBody.h"
+#include "webclient/ShownText.h"
 
 namespace
 {
@@ -108,4 +108,18 @@ TransportWords WordsFor(const TransportError &error, std::string_view host, std:
     std::string description = Fill(Fill(row.description, "{host}", host), "{what}", what);
     description = Fill(Fill(description, "{proxy}", error.proxy), "{status}", ShownStatus(error.proxyStatus));
     return {row.code != 0 ? row.code : own, row.status, description};
+}
+
+std::optional<TransportProblem> PassedLimit(const ExchangeTimes &times, bool isSmall, bool isAnswering,
+                                            const TransportLimits &limits)
+{
+    const auto now = ExchangeTimes::Clock::now();
+    const auto answerLimit = isSmall && !isAnswering ? limits.smallAnswer : limits.answer;
+    const bool isUnanswered = times.allSent && now - *times.allSent > answerLimit;
+    const bool isStill = (!times.allSent || isAnswering) && now - times.lastMove > limits.stall;
+    if (!isUnanswered && !isStill && !(isSmall && now - times.start > limits.smallWhole))
+    {
+        return std::nullopt;
+    }
+    return times.allSent ? TransportProblem::AnswerMissing : TransportProblem::SendStalled;
 }
