@@ -1,4 +1,4 @@
-// The one place of the module where the identifiers that headers only declare are defined.
+// The identifiers that headers only declare, defined once in each module and program.
 #include <initguid.h>
 
 #include "HVRPublishToFlickr.h"

@@ -1,4 +1,4 @@
-#include "host/CharsetConversion.h"
+#include "host/TextEncodings.h"
 
 #include <windows.h>
 

@@ -1,7 +1,7 @@
 // ICU's headers come first: the Windows headers make them take the system for Windows.
 #include <unicode/ucnv.h>
 
-#include "host/CharsetConversion.h"
+#include "host/TextEncodings.h"
 
 #include <memory>
 

@@ -1,9 +1,11 @@
-// Makes thumbnails, one after the other, on a thread of its own.
+// Thumbnails: their making, one after the other, on a thread of its own; the empty frame that stands for a missing one,
+// and the badge drawn on one.
 #pragma once
 
 #include "com/HandleOwner.h"
 
 #include <windows.h>
+#include <commctrl.h>
 
 #include <atomic>
 #include <condition_variable>
@@ -12,6 +14,20 @@
 #include <mutex>
 #include <thread>
 #include <vector>
+
+// Bitmaps here are squares of 32 bits a pixel whose sides have edge pixels.
+BitmapOwner EmptyFrame(int edge);
+BitmapOwner CopyOf(HIMAGELIST images, int image, int edge);
+
+enum class Badge
+{
+    Published, // a check mark
+    Failed,    // a cross; also if the outcome is unknown
+    Uploading  // an arrow that points up
+};
+
+// In the corner at the lower right; covers one that is there.
+void DrawBadge(HBITMAP bitmap, int edge, Badge badge);
 
 struct Thumbnail
 {

@@ -1,4 +1,6 @@
-#include "host/window/Badge_win32.h"
+#include "host/window/Thumbnails_win32.h"
+
+#include "host/PictureDecoding.h"
 
 #include <algorithm>
 
@@ -8,6 +10,7 @@ constexpr COLORREF Green = RGB(16, 124, 16);
 constexpr COLORREF Blue = RGB(0, 95, 184);
 constexpr COLORREF Red = RGB(196, 43, 28);
 constexpr COLORREF White = RGB(255, 255, 255);
+constexpr DWORD FrameColour = 0xFFC8C8C8;
 
 // A device context to draw into a bitmap.
 class Canvas
@@ -44,7 +47,8 @@ private:
     HGDIOBJ m_before;
 };
 
-BitmapOwner NewSquare(int edge)
+// 32 bits a pixel, rows from the top; pixels get its memory.
+BitmapOwner NewSquare(int edge, void *&pixels)
 {
     BITMAPINFO layout{};
     layout.bmiHeader.biSize = sizeof(layout.bmiHeader);
@@ -52,8 +56,8 @@ BitmapOwner NewSquare(int edge)
     layout.bmiHeader.biHeight = -edge;
     layout.bmiHeader.biPlanes = 1;
     layout.bmiHeader.biBitCount = 32;
-    void *bits = nullptr;
-    return BitmapOwner(CreateDIBSection(nullptr, &layout, DIB_RGB_COLORS, &bits, nullptr, 0));
+    layout.bmiHeader.biCompression = BI_RGB;
+    return BitmapOwner(CreateDIBSection(nullptr, &layout, DIB_RGB_COLORS, &pixels, nullptr, 0));
 }
 
 // GDI leaves the alpha of what it draws at 0, which an image list takes for "not there".
@@ -68,11 +72,39 @@ void MakeOpaque(HBITMAP bitmap)
         std::for_each(pixels, pixels + count, [](DWORD &pixel) { pixel |= 0xFF000000u; });
     }
 }
+
+BitmapOwner InTheMiddle(const DecodedPicture &picture, int edge)
+{
+    void *bits = nullptr;
+    BitmapOwner square = NewSquare(edge, bits);
+    const int width = static_cast<int>(picture.width), height = static_cast<int>(picture.height);
+    if (!square || width > edge || height > edge)
+    {
+        return {};
+    }
+    auto *const pixels = static_cast<DWORD *>(bits);
+    const COLORREF back = GetSysColor(COLOR_WINDOW);
+    std::fill_n(pixels, static_cast<size_t>(edge) * edge,
+                0xFF000000u | GetRValue(back) << 16 | GetGValue(back) << 8 | GetBValue(back));
+    DWORD *line = pixels + static_cast<size_t>((edge - height) / 2) * edge + (edge - width) / 2;
+    const BYTE *from = picture.pixels.data();
+    for (int y = 0; y < height; ++y, line += edge)
+    {
+        for (int x = 0; x < width; ++x, from += 3)
+        {
+            // A frame, or white pictures would not be seen.
+            const bool isFrame = x == 0 || y == 0 || x == width - 1 || y == height - 1;
+            line[x] = isFrame ? FrameColour : 0xFF000000u | DWORD{from[2]} << 16 | DWORD{from[1]} << 8 | from[0];
+        }
+    }
+    return square;
+}
 } // namespace
 
 BitmapOwner EmptyFrame(int edge)
 {
-    BitmapOwner frame = NewSquare(edge);
+    void *pixels = nullptr;
+    BitmapOwner frame = NewSquare(edge, pixels);
     {
         const Canvas canvas(frame.Get());
         const RECT all{0, 0, edge, edge};
@@ -87,7 +119,8 @@ BitmapOwner EmptyFrame(int edge)
 
 BitmapOwner CopyOf(HIMAGELIST images, int image, int edge)
 {
-    BitmapOwner copy = NewSquare(edge);
+    void *pixels = nullptr;
+    BitmapOwner copy = NewSquare(edge, pixels);
     {
         const Canvas canvas(copy.Get());
         ImageList_Draw(images, image, canvas.Get(), 0, 0, ILD_NORMAL);
@@ -130,4 +163,72 @@ void DrawBadge(HBITMAP bitmap, int edge, Badge badge)
         });
     }
     MakeOpaque(bitmap);
+}
+
+ThumbnailMaker::ThumbnailMaker(int edge, HWND window, UINT message)
+    : m_edge(edge), m_window(window), m_message(message), m_thread([this] { Work(); })
+{
+}
+
+ThumbnailMaker::~ThumbnailMaker()
+{
+    {
+        const std::lock_guard guard(m_lock);
+        m_stop = true;
+    }
+    m_changed.notify_all();
+    m_thread.join();
+}
+
+void ThumbnailMaker::Ask(int picture, std::vector<std::filesystem::path> files)
+{
+    {
+        const std::lock_guard guard(m_lock);
+        m_orders.push_back({picture, std::move(files)});
+    }
+    m_changed.notify_all();
+}
+
+std::vector<Thumbnail> ThumbnailMaker::Take()
+{
+    const std::lock_guard guard(m_lock);
+    return std::exchange(m_ready, {});
+}
+
+void ThumbnailMaker::Work()
+{
+    SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_BELOW_NORMAL);
+    for (;;)
+    {
+        std::unique_lock guard(m_lock);
+        m_changed.wait(guard, [this] { return m_stop || !m_orders.empty(); });
+        if (m_stop)
+        {
+            return;
+        }
+        const Order order = std::move(m_orders.front());
+        m_orders.pop_front();
+        guard.unlock();
+        Thumbnail made{order.picture, Make(order)};
+        guard.lock();
+        m_ready.push_back(std::move(made));
+        guard.unlock();
+        PostMessageW(m_window, m_message, 0, 0);
+    }
+}
+
+BitmapOwner ThumbnailMaker::Make(const Order &order) const
+{
+    for (const auto &file : order.files)
+    {
+        try
+        {
+            return InTheMiddle(DecodePicture(file, static_cast<UINT>(m_edge), &m_stop), m_edge);
+        }
+        catch (const std::exception &)
+        {
+            // A publish says why; here the thumbnail is only missing.
+        }
+    }
+    return {};
 }
