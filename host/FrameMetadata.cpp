@@ -1,9 +1,7 @@
-#include "host/FrameMetadata.h"
+#include "host/ImageMetadata.h"
 
-#include "host/ExifFieldValue.h"
-#include "host/ExifTags.h"
+#include "host/ExifFields.h"
 #include "host/MetadataTexts.h"
-#include "host/SnapshotFields.h"
 
 #include "com/ComPtr.h"
 #include "com/TextConversion.h"

@@ -1,6 +1,6 @@
 #include "host/ImagingTrial.h"
 
-#include "host/FrameMetadata.h"
+#include "host/ImageMetadata.h"
 #include "host/MetadataWriting.h"
 #include "host/PictureSource.h"
 #include "host/TextEncodings.h"

@@ -1,6 +1,6 @@
 #include "host/MetadataTexts.h"
 
-#include "host/ExifTags.h"
+#include "host/ExifFields.h"
 
 #include <initializer_list>
 

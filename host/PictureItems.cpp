@@ -1,8 +1,8 @@
 #include "host/PictureItems.h"
 
+#include "com/WholeFile.h"
 #include "host/FileNames.h"
 #include "host/TextEncodings.h"
-#include "com/WholeFile.h"
 
 #include <algorithm>
 #include <array>

@@ -2,8 +2,8 @@
 
 #include "host/FileNames.h"
 #include "host/ImageMetadata.h"
-#include "host/MetadataWriting.h"
 #include "host/JpegFile.h"
+#include "host/MetadataWriting.h"
 #include "host/PictureSource.h"
 #include "host/RunAdvice.h"
 #include "host/TextEncodings.h"

@@ -1,7 +1,7 @@
 #include "host/window/PictureList_win32.h"
 
 #include "host/FileNames.h"
-#include "host/window/Badge_win32.h"
+#include "host/window/Thumbnails_win32.h"
 
 #include <algorithm>
 #include <map>

@@ -1,6 +1,6 @@
 #include "LoopbackClient.h"
 
-#include "loopback/UploadParameters.h"
+#include "loopback/PhotoIndex.h"
 
 #include <gmock/gmock.h>
 

@@ -3,7 +3,6 @@
 #include "tests/platform/KnownGaps.h"
 #include "tests/webclient/TrustedAuthority.h"
 #include "webclient/HttpTransport.h"
-#include "webclient/TransportWords.h"
 
 #include <gmock/gmock.h>
 

@@ -1,10 +1,10 @@
 #include "com/BstrOwner.h"
+#include "com/TextConversion.h"
 #include "tests/platform/KnownGaps.h"
 #include "tests/webclient/ScriptedStream.h"
-#include "webclient/MimeType.h"
 #include "webclient/MultipartForm.h"
+#include "webclient/RequestBodies.h"
 #include "webclient/RequestParameters.h"
-#include "webclient/Utf8.h"
 
 #include <gmock/gmock.h>
 
@@ -36,7 +36,7 @@ std::string BoundaryOf(IMultipartFormData *form)
 {
     BstrOwner type;
     EXPECT_EQ(form->GetContentType(type.Put()), S_OK);
-    const std::string text = Utf8FromWide(type.View());
+    const std::string text = ToUtf8(type.View());
     EXPECT_TRUE(text.starts_with("multipart/form-data; boundary=")) << text;
     return text.substr(text.find('=') + 1);
 }
@@ -186,9 +186,6 @@ TEST(RequestParameters, ValuesBecomeTheTextsOfTheForm)
     V_VT(&value) = VT_R8;
     EXPECT_EQ(parameters->Add(TEXT("real"), value), DISP_E_BADVARTYPE);
     EXPECT_EQ(parameters->Add(nullptr, value), E_INVALIDARG);
-    BSTR left = text.Get();
-    EXPECT_EQ(parameters->ReadParameter(0, nullptr, &left), E_INVALIDARG);
-    EXPECT_EQ(parameters->ReadParameter(0, &left, nullptr), E_INVALIDARG);
 
     const ParameterList read = ReadParameters(parameters.Get());
     ASSERT_EQ(read.size(), 4u);
@@ -222,7 +219,7 @@ TEST(MimeType, GoesByTheExtension)
     {
         for (const WCHAR *name : names)
         {
-            EXPECT_EQ(WideText(MimeTypeOfFile(name)), expected) << Utf8FromWide(name);
+            EXPECT_EQ(WideText(MimeTypeOfFile(name)), expected) << ToUtf8(name);
         }
     }
 }

@@ -1,11 +1,11 @@
 // The client by itself: what it hands to a transport, and what it makes of what comes back.
 #include "com/BstrOwner.h"
+#include "com/TextConversion.h"
 #include "tests/doubles/ClassInPlace.h"
 #include "tests/webclient/ClientUse.h"
 #include "tests/webclient/ScriptedStream.h"
 #include "webclient/OAuthWebClient.h"
-#include "webclient/PercentEncoding.h"
-#include "webclient/Utf8.h"
+#include "webclient/RequestUrl.h"
 
 #include <gmock/gmock.h>
 
@@ -113,7 +113,7 @@ TEST_F(OAuthWebClientTest, UploadIsSignedOverItsFieldsAndGoesOutAsItIs)
     EXPECT_EQ(request.Header("Content-Type"), "multipart/form-data; boundary=b");
     EXPECT_THAT(request.Header("Authorization"), HasSubstr("oauth_token=\"the-token\""));
     EXPECT_TRUE(IsSignedRight(request.Header("Authorization"), request.method, request.url,
-                              {{"title", SecretText(Utf8FromWide(title))}}, "token-secret"));
+                              {{"title", SecretText(ToUtf8(title))}}, "token-secret"));
 }
 
 TEST_F(OAuthWebClientTest, MethodIsCalledByASignedForm)
@@ -252,11 +252,11 @@ TEST_F(OAuthWebClientTest, AuthorizationTradesItsTokens)
     BstrOwner url;
     const auto perms = Parameters({{TEXT("perms"), TEXT("write")}});
     ASSERT_EQ(m_client->GetAuthorizationUrl(0, perms.Get(), url.Put()), S_OK);
-    EXPECT_EQ(Utf8FromWide(url.View()),
+    EXPECT_EQ(ToUtf8(url.View()),
               "https://www.flickr.com/services/oauth/authorize?perms=write&oauth_token=req%2B1");
     ASSERT_EQ(m_client->GetAccessToken(0, TEXT("ver/1"), token.Put(), secret.Put()), S_OK);
-    EXPECT_EQ(Utf8FromWide(token.View()), "acc");
-    EXPECT_EQ(Utf8FromWide(secret.View()), "accs!");
+    EXPECT_EQ(ToUtf8(token.View()), "acc");
+    EXPECT_EQ(ToUtf8(secret.View()), "accs!");
     EXPECT_EQ(m_client->GetAccessToken(0, TEXT("v"), token.Put(), secret.Put()), E_UNEXPECTED) << "it is used up";
 
     const auto &requests = m_transport->requests;
@@ -301,7 +301,7 @@ TEST_F(OAuthWebClientTest, IncompleteCallsAreRefused)
     }
     BstrOwner type;
     EXPECT_EQ(m_client->GetMimeTypeForFile(TEXT("x.JPG"), type.Put()), S_OK);
-    EXPECT_EQ(Utf8FromWide(type.View()), "image/jpeg");
+    EXPECT_EQ(ToUtf8(type.View()), "image/jpeg");
     BSTR left[] = {type.Get(), type.Get(), type.Get(), type.Get()};
     EXPECT_EQ(m_client->GetAccessToken(0, nullptr, &left[0], &left[1]), E_INVALIDARG);
     EXPECT_EQ(m_client->GetAccessToken(0, TEXT("v"), nullptr, left), E_INVALIDARG);
