@@ -91,14 +91,29 @@ TEST_F(RegistryStore, WritesKeysAndValuesInUtf8)
                     key.Put(), nullptr);
     const WCHAR text[] = TEXT("say \"C:\\\" \xD83D\xDE00");
     RegSetValueExW(key.Get(), nullptr, 0, REG_SZ, reinterpret_cast<const BYTE *>(text), sizeof(text));
-    RegSetValueExW(key.Get(), TEXT("Bytes"), 0, REG_BINARY, reinterpret_cast<const BYTE *>("\x01\xFF"), 2);
-    EXPECT_EQ(Heading + "\n[HKEY_CURRENT_USER\\Software\\Test]\n\"B\xC3\xA4\"=dword:00000002\n"
-                        "\n[HKEY_CURRENT_USER\\Software\\Test\\Below]\n@=\"say \\\"C:\\\\\\\" \xF0\x9F\x98\x80\"\n"
-                        "\"Bytes\"=hex(3):01,ff\n",
+    EXPECT_EQ(Heading +
+                  "\n[HKEY_CURRENT_USER\\Software\\Test]\n\"B\xC3\xA4\"=dword:00000002\n"
+                  "\n[HKEY_CURRENT_USER\\Software\\Test\\Below]\n@=\"say \\\"C:\\\\\\\" \xF0\x9F\x98\x80\"\n",
               UncheckedText());
     struct stat status;
     ASSERT_EQ(0, stat(m_file.c_str(), &status));
     EXPECT_EQ(0600u, status.st_mode & 0777);
+
+    SetRegistryStorePath(m_file); // read anew, under names in any case
+    EXPECT_EQ(ERROR_SUCCESS,
+              RegOpenKeyExW(HKEY_CURRENT_USER, TEXT("SOFTWARE\\TEST\\below"), 0, KEY_READ, key.Put()));
+    WCHAR found[32] = {};
+    DWORD type = 0;
+    DWORD size = sizeof(text) - 1;
+    const auto read = [&] {
+        return RegQueryValueExW(key.Get(), nullptr, nullptr, &type, reinterpret_cast<BYTE *>(found), &size);
+    };
+    EXPECT_EQ(ERROR_MORE_DATA, read());
+    EXPECT_EQ(sizeof(text), size);
+    EXPECT_EQ(ERROR_SUCCESS, read());
+    EXPECT_EQ(WideText(text), found);
+    EXPECT_EQ(DWORD{REG_SZ}, type);
+    EXPECT_EQ(2, Get(TEXT("b\u00C4")));
 }
 
 TEST_F(RegistryStore, TakesOverWhatEarlierVersionsWrote)
@@ -115,29 +130,13 @@ TEST_F(RegistryStore, TakesOverWhatEarlierVersionsWrote)
               UncheckedText());
 }
 
-TEST_F(RegistryStore, WritesNothingWhenNothingChanges)
-{
-    ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("A"), 1));
-    const auto before = fs::last_write_time(m_file);
-    struct stat first, second;
-    stat(m_file.c_str(), &first);
-    ASSERT_EQ(ERROR_SUCCESS, Set(TEXT("A"), 1));
-    stat(m_file.c_str(), &second);
-    EXPECT_EQ(first.st_ino, second.st_ino);
-    EXPECT_EQ(before, fs::last_write_time(m_file));
-}
-
 TEST_F(RegistryStore, PutsADamagedFileAsideAndSaysSoOnce)
 {
     const std::string cases[] = {
         "<html>not a registry</html>\n",
-        Heading + std::string(100, '\0'),
         Heading + "[HKEY_CURRENT_USER\\Software\\Test]\n\"A\"=dword:1\n\"Text\"=\"cut o",
-        Heading + "[HKEY_CURRENT_USER\\Software\\Te",
         Heading + "[HKEY_CURRENT_USER\\Software\\Test]\n\"A\"=hex(3):01,02,",
-        "\xFF\xFEW",
         "",
-        Heading,
     };
     int number = 0;
     for (const std::string &text : cases)

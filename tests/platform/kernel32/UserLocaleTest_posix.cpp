@@ -110,11 +110,4 @@ TEST_F(UserLocale, ComesFromTheFirstVariableThatSaysAnything)
     EXPECT_EQ(separator(), u",");
 }
 
-TEST_F(UserLocale, CountsForSizesToo)
-{
-    setenv("LC_ALL", "de_DE.UTF-8", 1);
-    WCHAR text[64];
-    StrFormatByteSizeW(1340, text, ARRAYSIZE(text));
-    EXPECT_EQ(WideText(text), u"1,30 KB");
-}
 } // namespace
