@@ -2,6 +2,8 @@
 
 #include "webclient/ShownText.h"
 
+#include <algorithm>
+
 namespace
 {
 // Codes of WinINet and WinHTTP, which number their errors alike.
@@ -90,14 +92,7 @@ std::string ShownStatus(int status)
 
 const Row &RowOf(TransportProblem problem)
 {
-    for (const Row &row : Rows)
-    {
-        if (row.problem == problem)
-        {
-            return row;
-        }
-    }
-    return Rows[std::size(Rows) - 1];
+    return *std::ranges::find(Rows, problem, &Row::problem); // each has one
 }
 } // namespace
 
