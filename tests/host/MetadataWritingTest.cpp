@@ -79,6 +79,29 @@ protected:
 };
 } // namespace
 
+TEST_F(MetadataWriting, FieldsOfEveryTypeArriveAsTheyAre)
+{
+    const std::string fields[] = {
+        "ExifIFD:FNumber=5.6",    "ExifIFD:ExposureCompensation=-1.5", "ExifIFD:ISO=400",
+        "GPS:GPSAltitude=12.25",  "ExifIFD:SubjectArea=1 2 3",         "IFD0:Artist=größer",
+        "ExifIFD:LensModel=L 漢", "GPS:GPSLatitude=49.5034277777778",  "IPTC:Keywords=sea"};
+    std::string arguments;
+    for (const std::string &field : fields)
+    {
+        arguments += "'-" + field + "' ";
+    }
+    Exiftool("-charset iptc=UTF8 " + arguments, m_file);
+    const auto tags = ReadWithExiftool({Make(false), Make(true)});
+    for (const std::string &field : fields)
+    {
+        const size_t equals = field.find('=');
+        for (const TagValues &result : tags)
+        {
+            EXPECT_THAT(result, Contains(Pair(field.substr(0, equals), field.substr(equals + 1))));
+        }
+    }
+}
+
 TEST_F(MetadataWriting, APlaceToldInXmpAloneBelongsToGps)
 {
     Exiftool("-gps:all= -XMP-exif:GPSLatitude=12.5 -XMP-exif:GPSLongitude=-7.25", m_file);
