@@ -1,11 +1,11 @@
 #include "com/HandleOwner.h"
 #include "com/WideText.h"
 #include "platform/advapi32/RegistryStore.h"
+#include "tests/host/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <thread>
 
@@ -24,27 +24,15 @@ const std::string Heading = "Windows Registry Editor Version 5.00\n";
 class RegistryStore : public testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        char name[] = "/tmp/registry-test-XXXXXX";
-        m_folder = mkdtemp(name);
-        m_file = m_folder + "/registry.reg";
-        SetRegistryStorePath(m_file);
-    }
-
-    void TearDown() override
-    {
-        SetRegistryStorePath("");
-        fs::remove_all(m_folder);
-    }
+    void SetUp() override { SetRegistryStorePath(m_file); }
+    void TearDown() override { SetRegistryStorePath(""); }
 
     void Put(const std::string &text) const { std::ofstream(m_file, std::ios::binary) << text; }
 
     static std::string TextOf(const std::string &file)
     {
-        std::ostringstream text;
-        text << std::ifstream(file, std::ios::binary).rdbuf();
-        return text.str();
+        std::ifstream bytes(file, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(bytes), {});
     }
     std::string FileText() const { return TextOf(m_file); }
 
@@ -79,8 +67,8 @@ protected:
         return result == ERROR_SUCCESS ? static_cast<int>(number) : -1;
     }
 
-    std::string m_folder;
-    std::string m_file;
+    const TemporaryFolder m_folder;
+    const std::string m_file = m_folder.Path() / "registry.reg";
 };
 
 TEST_F(RegistryStore, WritesKeysAndValuesInUtf8)

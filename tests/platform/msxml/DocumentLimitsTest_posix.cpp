@@ -17,6 +17,16 @@ std::string WithAttributes(int count)
     return text + "/>";
 }
 
+std::string Nested(int depth)
+{
+    std::string text;
+    for (int i = 0; i < depth; ++i)
+    {
+        text += "<a>";
+    }
+    return text;
+}
+
 // Within half a second: a parser that takes a large document needs many. And without a word on the terminal.
 TEST(DocumentLimits, HostileBytesAreRefusedSoonAndSilently)
 {
@@ -25,6 +35,7 @@ TEST(DocumentLimits, HostileBytesAreRefusedSoonAndSilently)
     const std::pair<std::string, const char *> cases[] = {
         {WithAttributes(1000), "taken"},
         {WithAttributes(1001), "refused"},
+        {Nested(80'000), "refused"},
         {"<a>" + std::string(255 * 1024, 'x') + "</a>", "taken"},
         {"<a>" + std::string(256 * 1024, 'x') + "</a>", "refused"},
         {"<!DOCTYPE a [<!ENTITY x \"y\">]><a>&x;</a>", "refused"},
