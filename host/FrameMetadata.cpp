@@ -8,6 +8,7 @@
 
 #include <objbase.h>
 
+#include <algorithm>
 #include <optional>
 #include <span>
 #include <string>
@@ -47,14 +48,7 @@ public:
 
     bool Read(IWICMetadataQueryReader &reader, BlockPaths blocks, const WideText &item)
     {
-        for (const WideView block : blocks)
-        {
-            if (Read(reader, WideText(block) + item))
-            {
-                return true;
-            }
-        }
-        return false;
+        return std::ranges::any_of(blocks, [&](WideView block) { return Read(reader, WideText(block) + item); });
     }
 
     // Bytes of a field, whether it is called a text, undefined or a list of bytes.

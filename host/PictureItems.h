@@ -19,6 +19,7 @@ struct PictureItem
 
     std::filesystem::path File(size_t index) const { return FileWith(extensions[index]); }
     std::filesystem::path FileWith(const std::string &extension) const;
+    std::vector<std::filesystem::path> Files() const;
 
     // The first file, which stands for the picture, as the user wrote it.
     std::filesystem::path TypedFile() const;

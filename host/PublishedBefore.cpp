@@ -10,11 +10,7 @@ namespace
 {
 std::string WordsFor(const JournalEntry &entry, const PictureItem &item)
 {
-    bool isItself = false;
-    for (size_t i = 0; i < item.extensions.size(); ++i)
-    {
-        isItself = isItself || item.File(i) == entry.file.path;
-    }
+    const bool isItself = std::ranges::count(item.Files(), entry.file.path) > 0;
     const std::string when = entry.LocalTime() + (isItself ? "" : " as " + ShownPath(entry.file.path));
     switch (entry.outcome)
     {
@@ -35,9 +31,9 @@ std::vector<std::optional<JournalEntry>> FindPublished(const std::vector<Picture
     std::vector<std::optional<JournalEntry>> entries(items.size());
     for (size_t i = 0; i < items.size() && goesOn(); ++i)
     {
-        for (size_t file = 0; file < items[i].extensions.size(); ++file)
+        for (const std::filesystem::path &file : items[i].Files())
         {
-            auto entry = journal.Find(account, items[i].File(file));
+            auto entry = journal.Find(account, file);
             if (entry && (!entries[i] || entries[i]->outcome == JournalOutcome::Unknown))
             {
                 entries[i] = std::move(entry);

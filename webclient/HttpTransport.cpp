@@ -89,16 +89,11 @@ std::string ShownStatus(int status)
     const std::string_view words = StandardStatusWords(status);
     return std::to_string(status) + (words.empty() ? "" : " ") + std::string(words);
 }
-
-const Row &RowOf(TransportProblem problem)
-{
-    return *std::ranges::find(Rows, problem, &Row::problem); // each has one
-}
 } // namespace
 
 TransportWords WordsFor(const TransportError &error, std::string_view host, std::string_view what)
 {
-    const Row &row = RowOf(error.problem);
+    const Row &row = *std::ranges::find(Rows, error.problem, &Row::problem); // each has one
     const HRESULT own = FAILED(error.code) ? error.code : E_FAIL;
     std::string description = Fill(Fill(row.description, "{host}", host), "{what}", what);
     description = Fill(Fill(description, "{proxy}", error.proxy), "{status}", ShownStatus(error.proxyStatus));

@@ -97,17 +97,10 @@ HRESULT UploadBody::Report(UINT64 sent)
 
 const WCHAR *MimeTypeOfFile(WideView fileName) noexcept
 {
-    const size_t dot = fileName.find_last_of(TEXT("./\\"));
-    if (dot != WideView::npos && fileName[dot] == '.')
-    {
-        const WideView extension = fileName.substr(dot + 1);
-        for (const MediaType &type : MediaTypes)
-        {
-            if (EqualsIgnoringCase(extension, type.extension))
-            {
-                return type.mimeType;
-            }
-        }
-    }
-    return TEXT("application/octet-stream");
+    const size_t dot = std::min(fileName.find_last_of(TEXT("./\\")), fileName.size());
+    const auto *const type = std::ranges::find_if(MediaTypes, [&](const MediaType &each) {
+        return fileName.substr(dot).starts_with('.') &&
+               EqualsIgnoringCase(fileName.substr(dot + 1), each.extension);
+    });
+    return type != std::end(MediaTypes) ? type->mimeType : TEXT("application/octet-stream");
 }

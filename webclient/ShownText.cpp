@@ -74,15 +74,10 @@ std::string DescribeOAuthProblem(std::string_view body)
             absent = PlainWord(parameter.value.View());
         }
     }
-    std::string text = "The service refused the request";
-    for (const Words &known : OAuthProblems)
-    {
-        if (known.first == problem)
-        {
-            text = known.second;
-        }
-    }
-    return text + (absent.empty() ? "" : ": " + absent) + " (" + problem + ")";
+    const auto *const known = std::ranges::find(OAuthProblems, problem, &Words::first);
+    const std::string_view text =
+        known != std::end(OAuthProblems) ? known->second : "The service refused the request";
+    return std::string(text) + (absent.empty() ? "" : ": " + absent) + " (" + problem + ")";
 }
 
 std::string WithoutTags(std::string_view html)
@@ -225,12 +220,6 @@ std::string_view StandardStatusWords(int status)
                                                                  {502, "Bad Gateway"},
                                                                  {503, "Service Unavailable"},
                                                                  {504, "Gateway Timeout"}};
-    for (const auto &[number, words] : Names)
-    {
-        if (number == status)
-        {
-            return words;
-        }
-    }
-    return {};
+    const auto *const found = std::ranges::find(Names, status, &std::pair<int, std::string_view>::first);
+    return found != std::end(Names) ? found->second : std::string_view();
 }
