@@ -3,13 +3,15 @@
 //
 //     fuzz-readers TARGET FOLDER [FOLDER...] [-runs=N] [-max_total_time=SECONDS] ...
 //
-// The folders hold the bytes to begin with; the target's samples are put into the first, and then what is found worth
-// keeping. tools/fuzz builds and starts it. With a compiler that has no libFuzzer, Replay.cpp reads each file once.
+// The folders hold the bytes to begin with. The target's samples and what earlier searches kept, each a line of
+// hexadecimal digits in corpus/TARGET, are put into the first; so is what is found worth keeping. tools/fuzz builds and
+// starts it. With a compiler that has no libFuzzer, Replay.cpp reads each file once.
 #include "fuzz/FuzzTarget.h"
 
 #include <windows.h>
 #include <objbase.h>
 
+#include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -51,11 +53,29 @@ const FuzzTarget *TargetOf(std::string_view name)
     std::exit(2);
 }
 
+std::string BytesOfDigits(std::string_view digits)
+{
+    std::string bytes;
+    for (; digits.size() >= 2; digits.remove_prefix(2))
+    {
+        unsigned byte = 0;
+        std::from_chars(digits.data(), digits.data() + 2, byte, 16);
+        bytes += static_cast<char>(byte);
+    }
+    return bytes;
+}
+
 void WriteSamples(const std::filesystem::path &folder)
 {
+    std::vector<std::string> samples = g_target->Samples();
+    std::ifstream kept(std::filesystem::path(FUZZ_CORPUS) / g_target->Name);
+    for (std::string line; std::getline(kept, line);)
+    {
+        samples.push_back(BytesOfDigits(line));
+    }
     std::filesystem::create_directories(folder);
     int number = 0;
-    for (const std::string &sample : g_target->Samples())
+    for (const std::string &sample : samples)
     {
         std::ofstream(folder / ("sample" + std::to_string(++number)), std::ios::binary) << sample;
     }
