@@ -1,6 +1,7 @@
-// Cost of the plug-in without the network: a progress report, a state line, one item of a run with web
-// components that answer at once.
+// Cost of plug-in and host without the network: a progress report, a state line, one item of a run with web
+// components that answer at once, the journal's part in it.
 #include "core/NumberFormat.h"
+#include "host/Journal.h"
 #include "plugin/FlickrPublisher.h"
 #include "publish/ProgressReport.h"
 #include "settings/StateLine.h"
@@ -8,8 +9,23 @@
 
 #include <benchmark/benchmark.h>
 
+#include <fstream>
+
 namespace
 {
+class ScratchFolder
+{
+public:
+    ~ScratchFolder() { std::filesystem::remove_all(m_path); }
+    const std::filesystem::path &Path() const { return m_path; }
+
+private:
+    const std::filesystem::path m_path = [] {
+        std::string path = std::filesystem::temp_directory_path() / "publish-bench-XXXXXX";
+        return std::filesystem::path(mkdtemp(path.data()));
+    }();
+};
+
 // Windows and estimator of a run of 40 items.
 struct ProgressFixture
 {
@@ -87,6 +103,42 @@ void OneItem(benchmark::State &state)
     }
 }
 BENCHMARK(OneItem);
+
+// What the journal writes for a picture, before it is sent and after the reply, once 20,000 are in it.
+void JournalOfOneItem(benchmark::State &state)
+{
+    const ScratchFolder folder;
+    Journal journal{Profile(folder.Path())};
+    const JournalAccount account{"https://www.flickr.com/photos/a/", "token"};
+    int number = 0;
+    const auto enter = [&] {
+        const std::string name = std::to_string(++number);
+        FileState file{folder.Path() / (name + ".jpg"), 2'500'000, number, name};
+        file.sha256.insert(0, 64 - name.size(), '0');
+        journal.Settle(journal.Begin(account, file), JournalOutcome::Published, name, "");
+    };
+    while (number < 20'000)
+    {
+        enter();
+    }
+    for (auto _ : state)
+    {
+        enter();
+    }
+}
+BENCHMARK(JournalOfOneItem)->Iterations(1000)->Unit(benchmark::kMicrosecond)->UseRealTime();
+
+// The digest by which the journal knows a file of 2.5 MB again.
+void DigestOfOneItem(benchmark::State &state)
+{
+    const ScratchFolder folder;
+    std::ofstream(folder.Path() / "a.jpg", std::ios::binary) << std::string(2'500'000, 'x');
+    for (auto _ : state)
+    {
+        benchmark::DoNotOptimize(DigestOfFile(folder.Path() / "a.jpg"));
+    }
+}
+BENCHMARK(DigestOfOneItem)->Unit(benchmark::kMicrosecond);
 } // namespace
 
 int main(int argc, char **argv)
