@@ -37,14 +37,6 @@ TEST_F(PictureItems, AWalkIsInNaturalOrderAndLeavesOutWhatIsHiddenOrNoPicture)
     EXPECT_THAT(collection.refused, IsEmpty());
 }
 
-TEST_F(PictureItems, AFolderNeedsLeaveToBeWalked)
-{
-    m_folder.Write("p/a.jpg", "x");
-    const auto collection = Collect({"p"});
-    EXPECT_THAT(collection.folders, ElementsAre(m_folder.Path() / "p"));
-    EXPECT_THAT(collection.items, IsEmpty());
-}
-
 TEST_F(PictureItems, EveryFileThatCanNotBePublishedIsRefusedInWords)
 {
     m_folder.Write("empty.jpg", "");

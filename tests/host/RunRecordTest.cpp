@@ -116,33 +116,6 @@ TEST(RunRecord, OfManyThatWereNotTriedTheCountIsEnough)
     }
 }
 
-TEST(RunRecord, WhatTheServiceGaveAndWhatWasLeftOutIsTold)
-{
-    ItemCollection collection = Items(2);
-    collection.leftOut.push_back({"/p/old.jpg", "was published on a day"});
-    RunRecord record(std::move(collection));
-    record.ItemBegins(0);
-    record.NoteEntry(3, "a complaint that an upload followed");
-    record.NoteIds({"7", ""});
-    EXPECT_EQ(record.EndOf(0), ItemEnd::Published) << "already";
-    record.ItemBegins(1);
-    record.NoteIds({"", "ticket"});
-    record.RunEnds();
-    EXPECT_EQ(record.EndOf(1), ItemEnd::HandedIn);
-    const RunSummary summary = record.Summarize(false, Words);
-    EXPECT_EQ(summary.text,
-              "Published 1 of 2 pictures. Handed in 1 picture, which Flickr publishes in its own time, or "
-              "refuses.\n1 picture is on the account already and was left out.\n");
-    EXPECT_EQ(summary.exitCode, ExitCode::Success);
-
-    collection = ItemCollection();
-    collection.leftOut.push_back({"/p/old.jpg", "was published on a day"});
-    collection.undecided.push_back({"/p/0.jpg", "was being sent"});
-    EXPECT_EQ(RunRecord(collection).Summarize(false, Words).exitCode, ExitCode::SomeFailed);
-    collection.undecided.clear();
-    EXPECT_EQ(RunRecord(collection).Summarize(false, Words).exitCode, ExitCode::Success);
-}
-
 TEST(RunRecord, TheDecodersReasonIsToldIfItIsWhatFailed)
 {
     RunRecord record(Items(2));
