@@ -57,6 +57,7 @@ TEST_F(JournalTest, KnowsAFileByItsPlaceOrItsBytes)
         Journal journal(m_profile);
         EXPECT_FALSE(journal.Find(Ada, file));
         Publish(journal, file, "1");
+        Publish(journal, m_folder.Write("long.jpg", std::string(1000000, 'a') + "b"), "2");
     }
     const auto elsewhere = Ada.token;
     EXPECT_EQ(Found(Ada, file), "one.jpg 1");
@@ -66,6 +67,7 @@ TEST_F(JournalTest, KnowsAFileByItsPlaceOrItsBytes)
     EXPECT_EQ(Found({"", "another token"}, file), "none");
     EXPECT_EQ(Found(Ada, m_folder.Write("copy.jpg", "bytes")), "one.jpg 1");
     EXPECT_EQ(Found(Ada, m_folder.Write("other.jpg", "BYTES")), "none");
+    EXPECT_EQ(Found(Ada, m_folder.Write("other.jpg", std::string(1000000, 'a') + "c")), "none");
     fs::last_write_time(file, fs::last_write_time(file) + std::chrono::hours(1));
     EXPECT_EQ(Found(Ada, file), "one.jpg 1") << "touched";
     EXPECT_EQ(Found(Ada, m_folder.Write("one.jpg", "retouched")), "none");
