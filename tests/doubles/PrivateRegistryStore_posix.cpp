@@ -1,4 +1,4 @@
-#include "tests/doubles/PrivateRegistryStore.h"
+#include "tests/doubles/SettingsKey.h"
 
 #include <cstdlib>
 #include <filesystem>

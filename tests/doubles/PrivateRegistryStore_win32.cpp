@@ -1,4 +1,4 @@
-#include "tests/doubles/PrivateRegistryStore.h"
+#include "tests/doubles/SettingsKey.h"
 
 // The prefix of the build folder is private already.
 void UsePrivateRegistryStore() {}

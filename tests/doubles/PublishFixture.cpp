@@ -1,10 +1,31 @@
 #include "tests/doubles/PublishFixture.h"
 
+#include "com/ComObject.h"
 #include "core/TextPieces.h"
+
+#include "HostContract.h"
+
+namespace
+{
+class UsageMetrics final : public ComObject<UsageMetrics, IUsageMetrics>
+{
+public:
+    explicit UsageMetrics(CallRecord &record) : m_record(record) {}
+
+    STDMETHODIMP RecordUsage(LPCWSTR category, LPCWSTR action, INT32 count) noexcept override
+    {
+        m_record.Add("usage " + Narrow(category) + " " + Narrow(action) + " " + std::to_string(count));
+        return E_FAIL;
+    }
+
+private:
+    CallRecord &m_record;
+};
+} // namespace
 
 PublishFixture::PublishFixture()
     : Usage(CLSID_UsageMetrics, [this](REFIID iid, void **object) {
-          return FakeUsageMetrics::CreateInstance(nullptr, iid, object, Record);
+          return UsageMetrics::CreateInstance(nullptr, iid, object, Record);
       })
 {
     Host->Metadata->Calls = &Imaging.Calls;

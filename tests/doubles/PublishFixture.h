@@ -7,7 +7,6 @@
 #include "tests/doubles/FakeHost.h"
 #include "tests/doubles/FakeImaging.h"
 #include "tests/doubles/FakeProgressWindows.h"
-#include "tests/doubles/FakeUsageMetrics.h"
 #include "tests/doubles/FakeWebComponents.h"
 #include "tests/doubles/MemoryStream.h"
 #include "tests/doubles/SettingsKey.h"
@@ -26,7 +25,7 @@ public:
     // The path of an item's file as log lines show it.
     std::string PathOf(const std::string &file) const;
 
-    // The lines that begin with "log " and "status ", and moves of the bar, in order.
+    // The lines that begin with "log " and "status ", moves of the bar, and "usage CATEGORY ACTION COUNT", in order.
     CallRecord Record;
     ComPtr<FakeHost> Host = FakeHost::Make(Record);
     FakeProgressWindows Windows{Record};

@@ -3,7 +3,6 @@
 #include "com/HandleOwner.h"
 #include "settings/StoredSettings.h"
 #include "tests/doubles/CallRecord.h"
-#include "tests/doubles/PrivateRegistryStore.h"
 
 #include <gtest/gtest.h>
 

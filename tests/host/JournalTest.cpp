@@ -47,13 +47,6 @@ protected:
                    ? "unknown"
                    : entry->file.path.filename().string() + " " + entry->photo;
     }
-
-    void Spoil(size_t from, const std::string &bytes) const
-    {
-        std::fstream file(m_profile.JournalFile(), std::ios::binary | std::ios::in | std::ios::out);
-        file.seekp(static_cast<std::streamoff>(from));
-        file << bytes;
-    }
 };
 } // namespace
 
@@ -64,6 +57,7 @@ TEST_F(JournalTest, KnowsAFileByItsPlaceOrItsBytes)
         Journal journal(m_profile);
         EXPECT_FALSE(journal.Find(Ada, file));
         Publish(journal, file, "1");
+        Publish(journal, m_folder.Write("long.jpg", std::string(1000000, 'a') + "b"), "2");
     }
     const auto elsewhere = Ada.token;
     EXPECT_EQ(Found(Ada, file), "one.jpg 1");
@@ -73,6 +67,10 @@ TEST_F(JournalTest, KnowsAFileByItsPlaceOrItsBytes)
     EXPECT_EQ(Found({"", "another token"}, file), "none");
     EXPECT_EQ(Found(Ada, m_folder.Write("copy.jpg", "bytes")), "one.jpg 1");
     EXPECT_EQ(Found(Ada, m_folder.Write("other.jpg", "BYTES")), "none");
+    for (const auto &[end, found] : {std::pair("b", "long.jpg 2"), {"c", "none"}})
+    {
+        EXPECT_EQ(Found(Ada, m_folder.Write("other.jpg", std::string(1000000, 'a') + end)), found);
+    }
     fs::last_write_time(file, fs::last_write_time(file) + std::chrono::hours(1));
     EXPECT_EQ(Found(Ada, file), "one.jpg 1") << "touched";
     EXPECT_EQ(Found(Ada, m_folder.Write("one.jpg", "retouched")), "none");
@@ -126,35 +124,22 @@ TEST_F(JournalTest, WaitsForAnotherProcessThatWrites)
 
 TEST_F(JournalTest, ADamagedOneIsSetAsideAndReadAsFarAsItGoes)
 {
-    const struct
     {
-        const char *what;
-        size_t from;
-        std::string bytes;
-        size_t least; // entries that are saved
-    } cases[] = {
-        {"no database", 0, std::string(200, 'x'), 0},
-        {"a page in the middle", 20 * 4096, std::string(4096, 'x'), 1},
-    };
-    for (const auto &one : cases)
-    {
-        SCOPED_TRACE(one.what);
-        fs::remove(m_profile.JournalFile());
-        {
-            Journal journal(m_profile);
-            for (int i = 0; i < 500; ++i)
-            {
-                Publish(journal, m_folder.Write("one.jpg", std::to_string(i)));
-            }
-        }
-        Spoil(one.from, one.bytes);
         Journal journal(m_profile);
-        EXPECT_THAT(journal.TakeNotices(), ElementsAre(HasSubstr("kept as journal.db.damaged-")));
-        EXPECT_GE(journal.Entries().size(), one.least);
-        const fs::path next = m_folder.Write("next.jpg", "next");
-        Publish(journal, next, "7");
-        EXPECT_EQ(Found(Ada, next), "next.jpg 7");
+        for (int i = 0; i < 500; ++i)
+        {
+            Publish(journal, m_folder.Write("one.jpg", std::to_string(i)));
+        }
     }
+    std::fstream file(m_profile.JournalFile(), std::ios::binary | std::ios::in | std::ios::out);
+    file.seekp(20 * 4096) << std::string(4096, 'x'); // a page in the middle
+    file.close();
+    Journal journal(m_profile);
+    EXPECT_THAT(journal.TakeNotices(), ElementsAre(HasSubstr("kept as journal.db.damaged-")));
+    EXPECT_GE(journal.Entries().size(), 1u);
+    const fs::path next = m_folder.Write("next.jpg", "next");
+    Publish(journal, next, "7");
+    EXPECT_EQ(Found(Ada, next), "next.jpg 7");
 }
 
 namespace
@@ -204,26 +189,6 @@ protected:
     }
 };
 } // namespace
-
-TEST_F(RunJournalTest, EntersEachFileBeforeAndAfter)
-{
-    Begin(0, "a.jpg");
-    EXPECT_EQ(Outcomes(m_journal), "a.jpg U; ");
-    m_record.NoteIds({"11", ""});
-    EXPECT_EQ(Outcomes(m_journal), "a.jpg P11; ") << "at once";
-    Begin(1, "b.jpg");
-    m_run.FileBegins(1, m_folder.Path() / "b.jpg"); // the plug-in tries again
-    m_record.NoteIds({"", "t-1"});
-    Begin(2, "c.jpg");
-    m_record.NoteEntry(3, "an encoder's complaint, without an end");
-    EXPECT_EQ(Outcomes(m_journal), "c.jpg U; b.jpg Ht-1; a.jpg P11; ");
-    m_record.NoteEntry(3, "Could not publish \"c\" (Error code: 0x80004005) Flickr Status = 5: no");
-    EXPECT_EQ(Outcomes(m_journal), "b.jpg Ht-1; a.jpg P11; ") << "what failed isn't there";
-    m_record.RunEnds();
-    m_run.RunEnds();
-    EXPECT_EQ(Outcomes(m_journal), "b.jpg Ht-1; a.jpg P11; ");
-    EXPECT_THAT(m_told, IsEmpty());
-}
 
 TEST_F(RunJournalTest, WithoutAnObserverTheLogDecides)
 {

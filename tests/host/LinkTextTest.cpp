@@ -4,8 +4,6 @@
 
 TEST(LinkText, LinksNameTheCommandThatDoesTheSame)
 {
-    EXPECT_EQ(LinksAsText("Needs permission. <a id=\"authorize\" href=\"\">Authorize...</a>"),
-              "Needs permission. [Authorize...: halvora authorize]");
     EXPECT_EQ(LinksAsText("Ready. <a id=\"settings\" href=\"parameters\">Settings...</a> now"),
               "Ready. [Settings...: halvora settings] now");
     EXPECT_EQ(LinksAsText("<a id=\"other\">Words</a> &lt;x&gt; &amp;lt;"), "Words <x> &lt;");

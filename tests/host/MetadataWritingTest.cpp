@@ -193,16 +193,3 @@ TEST_F(MetadataWriting, AnOldRecordWritesNothingOfAnotherPicture)
     EXPECT_TRUE(Holds(result, "secretcopy")) << "the record's own texts are its own";
     EXPECT_THAT(m_log, Contains(HasSubstr("no longer known")));
 }
-
-TEST_F(MetadataWriting, APictureThatIsDamagedHasNoRecordEither)
-{
-    const std::string whole = m_folder.Read("source.jpg");
-    m_folder.Write("source.jpg", whole.substr(0, whole.size() - 300));
-    ItemRecordOwner record;
-    ComPtr<IWICBitmapSource> source;
-    EXPECT_LT(m_host->ReadImageMetadata(TextOfPath(m_file).c_str(), 0, 32, source.Put(), READ_METADATA_AND_PICTURE,
-                                        record.Get()),
-              0);
-    EXPECT_FALSE(source);
-    EXPECT_EQ(record.Get()->CopyrightTexts[1], nullptr);
-}

@@ -35,6 +35,7 @@ TEST_F(PictureDecoding, EveryOrientationComesUpright)
         const DecodedPicture picture = DecodePicture(file, 0, nullptr);
         EXPECT_EQ(picture.width, orientation >= 5 ? 20u : 40u);
         EXPECT_EQ(picture.height, orientation >= 5 ? 40u : 20u);
+        EXPECT_NEAR(picture.dpiX, 150, 0.5);
         ExpectQuarters(picture, upright[orientation - 1], 0);
         const DecodedPicture reduced = DecodePicture(file, 20, nullptr);
         EXPECT_EQ(std::max(reduced.width, reduced.height), 20u);

@@ -7,20 +7,6 @@
 namespace fs = std::filesystem;
 using namespace std::string_literals;
 
-TEST_F(PictureDecoding, EveryKindGivesTheSamePicture)
-{
-    ExpectKinds({
-        {"a.jpg", {.saver = "[Q=100,subsample-mode=off]"}, 3},
-        {"a16.png", {.interpretation = "rgb16"}, 0},
-        {"a.gif", {}, 0},
-        {"tiled.tif", {.saver = "[tile,compression=deflate]"}, 0},
-        {"a16.tif", {.interpretation = "rgb16"}, 0},
-        {"a.webp", {.saver = "[lossless]"}, 0},
-        {"a.avif", {}, 30},
-        {"profiled.png", {.profile = "srgb"}, 1},
-    });
-}
-
 TEST_F(PictureDecoding, ColoursAreConvertedFromTheFilesProfile)
 {
     const SampleProfiles profiles(m_folder.Path());
@@ -127,20 +113,6 @@ TEST_F(PictureDecoding, ACamerasRawFileIsDeveloped)
     std::string cut = sample;
     cut.replace(cut.find("\x11\1") + 2, 10, "\4\0\1\0\0\0\0\x20\1\0"s);
     ExpectFailure(m_folder.Write("cut.dng", cut), WINCODEC_ERR_BADIMAGE, "can't be developed");
-}
-
-TEST_F(PictureDecoding, TheResolutionIsTheFiles)
-{
-    for (const char *name : {"told.jpg", "told.webp", "told.avif"})
-    {
-        const DecodedPicture told = DecodePicture(Sample(name, 80, 40, {.dpi = 240}), 40, nullptr);
-        EXPECT_NEAR(told.dpiX, 240, 0.5) << name;
-        EXPECT_NEAR(told.dpiY, 240, 0.5) << name;
-    }
-    for (const char *name : {"untold.png", "untold.avif"})
-    {
-        EXPECT_EQ(DecodePicture(Sample(name, 8, 8, {.saver = "[strip]"}), 0, nullptr).dpiX, 0) << name;
-    }
 }
 
 TEST_F(PictureDecoding, WhatIsNoRawFileFailsWithCodeAndWords)

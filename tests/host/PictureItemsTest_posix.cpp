@@ -32,12 +32,3 @@ TEST_F(PictureItems, WhatOnlyLooksLikeAFileIsRefused)
     EXPECT_THAT(ReasonFor("broken.jpg"), HasSubstr("link to a file that isn't there"));
     EXPECT_THAT(ReasonFor("pipe.jpg"), HasSubstr("not an ordinary file"));
 }
-
-TEST_F(PictureItems, NamesOfAnyBytesSurvive)
-{
-    const std::string name = "caf\xE9 \xF0\x9F\x93\xB7\n.jpg";
-    m_folder.Write(name, "x");
-    const auto collection = Collect({name});
-    ASSERT_EQ(collection.items.size(), 1u);
-    EXPECT_EQ(collection.items[0].File(0).filename().native(), name);
-}

@@ -6,8 +6,10 @@
 
 #include <wincodec.h>
 
+#include <atomic>
 #include <chrono>
 #include <memory>
+#include <thread>
 
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
@@ -22,7 +24,17 @@ public:
     {
         std::unique_lock lock(m_lock);
         m_asked.push_back(file.filename().string() + (stop != nullptr ? " ahead" : ""));
+        m_most = std::max(m_most, ++m_running);
+        const struct End
+        {
+            ~End() { --running; }
+            size_t &running;
+        } end{m_running};
         m_changed.notify_all();
+        if (stop == nullptr)
+        {
+            m_changed.wait_for(lock, 10ms, [&] { return m_running > 1; });
+        }
         while (stop != nullptr && m_held)
         {
             if (*stop)
@@ -42,39 +54,37 @@ public:
         return picture;
     }
 
-    std::vector<std::string> WaitFor(size_t count)
+    // What it was asked for, as soon as that is so much, or after a while.
+    std::vector<std::string> Asked(size_t count = 0)
     {
         std::unique_lock lock(m_lock);
         m_changed.wait_for(lock, 20s, [&] { return m_asked.size() >= count; });
         return m_asked;
     }
 
-    std::vector<std::string> Asked()
+    size_t MostAtATime()
     {
         const std::lock_guard guard(m_lock);
-        return m_asked;
+        return m_most;
     }
 
     void Forget()
     {
         const std::lock_guard guard(m_lock);
         m_asked.clear();
-    }
-
-    void Hold(bool held)
-    {
-        const std::lock_guard guard(m_lock);
-        m_held = held;
+        m_most = 0;
     }
 
     std::string m_broken;
     size_t m_bytes = 3;
+    std::atomic<bool> m_held = false;
 
 private:
     std::mutex m_lock;
     std::condition_variable m_changed;
     std::vector<std::string> m_asked;
-    bool m_held = false;
+    size_t m_running = 0;
+    size_t m_most = 0;
 };
 
 class PicturesAheadTest : public testing::Test
@@ -110,7 +120,7 @@ protected:
             },
             threads);
         ahead->Take(File("a.tif"), longEdge);
-        m_decoder.WaitFor(begun);
+        m_decoder.Asked(begun);
         return ahead;
     }
 
@@ -132,13 +142,27 @@ TEST_F(PicturesAheadTest, MakesTheNextOnesAndEachOnce)
         {
             // One more than there are threads, unless the items end.
             const size_t begun = std::min(i + 1 + threads, m_items.size());
-            EXPECT_EQ(m_decoder.WaitFor(begun).size(), begun);
+            EXPECT_EQ(m_decoder.Asked(begun).size(), begun);
             ahead->ItemBegins(i);
             EXPECT_EQ(ahead->Take(m_items[i].File(0), 100)->width, 100u);
         }
         EXPECT_THAT(m_decoder.Asked(), testing::UnorderedElementsAre("a.tif", "b.tif ahead", "c.tif ahead",
                                                                      "d.tif ahead", "e.tif ahead", "f.tif ahead"));
         EXPECT_EQ(ahead->Hits(), 5u);
+    }
+}
+
+TEST_F(PicturesAheadTest, MakesAsManyAtATimeAsThereAreThreads)
+{
+    AddTifs(9);
+    m_decoder.m_held = true;
+    for (const unsigned threads : {1u, 2u, 8u})
+    {
+        m_decoder.Forget();
+        const auto ahead = Begin(1 + threads, 100, threads);
+        std::this_thread::sleep_for(20ms);
+        EXPECT_EQ(m_decoder.Asked().size(), 1 + threads);
+        EXPECT_LE(m_decoder.MostAtATime(), threads);
     }
 }
 
@@ -208,7 +232,7 @@ TEST_F(PicturesAheadTest, GuessesByExtension)
     ahead->ItemBegins(1);
     ahead->Take(File("b.gif"), 50);
     ahead->Take(File("a.tif"), 40);
-    EXPECT_THAT(m_decoder.WaitFor(7), testing::Contains("e.gif ahead").Times(2));
+    EXPECT_THAT(m_decoder.Asked(7), testing::Contains("e.gif ahead").Times(2));
     ahead->NoteUndecoded(File("b.gif"));
     ahead->ItemBegins(2);
     ahead->Take(File("c.jpg"), 30);
@@ -220,7 +244,7 @@ TEST_F(PicturesAheadTest, GuessesByExtension)
 TEST_F(PicturesAheadTest, StoppingEndsWhatIsBeingMade)
 {
     AddTifs(4);
-    m_decoder.Hold(true);
+    m_decoder.m_held = true;
     const auto ahead = Begin(3);
     ahead->Stop();
     ahead->Stop();

@@ -91,16 +91,6 @@ private:
 };
 } // namespace
 
-TEST_F(PluginSessionTest, StoredDataGoInAndComeBackChanged)
-{
-    m_folder.Write("profile/init-data.bin", AccountOf(TEXT("old")));
-    m_store.Load();
-    m_script.gives = AccountOf(TEXT("new"));
-    EXPECT_EQ(PluginSession(nullptr, m_store).Finish(), StoreOutcome::Stored);
-    EXPECT_THAT(m_script.got, testing::ElementsAre(AccountOf(TEXT("old"))));
-    EXPECT_EQ(Kept(), AccountOf(TEXT("new")));
-}
-
 TEST_F(PluginSessionTest, RefusedDataIsSetAsideAndThePluginGetsNone)
 {
     const std::string refused = AccountOf(TEXT("refused"));

@@ -17,13 +17,6 @@ using testing::IsEmpty;
 
 namespace
 {
-mode_t ModeOf(const fs::path &file)
-{
-    struct stat status = {};
-    ::stat(file.c_str(), &status);
-    return status.st_mode & 07777;
-}
-
 std::string RefusalOf(const fs::path &folder)
 {
     try
@@ -37,14 +30,6 @@ std::string RefusalOf(const fs::path &folder)
     }
 }
 } // namespace
-
-TEST_F(ProfileTest, IsForTheOwnersEyesAlone)
-{
-    m_store.Load();
-    EXPECT_EQ(m_store.Store(AccountOf(TEXT("a"))), StoreOutcome::Stored);
-    EXPECT_EQ(ModeOf(m_profile.Folder()), 0700u);
-    EXPECT_EQ(ModeOf(m_profile.InitDataFile()), 0600u);
-}
 
 TEST_F(ProfileTest, WhatOthersMayWriteIsRefused)
 {

@@ -79,18 +79,6 @@ protected:
 };
 } // namespace
 
-TEST_F(PublishingHostTest, AnEmptyListCanBeLocked)
-{
-    RunRecord record{ItemCollection()};
-    const auto host = PublishingHost::Make(record, [](int, const std::string &, const std::string &) {});
-    INT32 count = -1;
-    HGLOBAL list = nullptr;
-    ASSERT_EQ(host->GetItemList(&count, &list), S_OK);
-    EXPECT_EQ(count, 0);
-    EXPECT_NE(GlobalLock(list), nullptr);
-    GlobalUnlock(list);
-}
-
 // The web component creates the class of the observer; what it gets is the host of the run.
 TEST_F(PublishingHostTest, LearnsFromTheWebComponentWhatTheServiceGave)
 {

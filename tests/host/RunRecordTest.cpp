@@ -56,13 +56,6 @@ TEST(RunRecord, SaysWhatBecameOfTheItems)
     } cases[] = {
         {1, {""}, true, "Published 1 picture.\n", ExitCode::Success}, // the cancel came too late
         {3,
-         {"", "HTTP Status = 504: Gateway Timeout", ""},
-         false,
-         "Published 2 of 3 pictures. 1 file was not uploaded:\n"
-         "  /p/1.jpg: HTTP Status = 504: Gateway Timeout\n"
-         "Flickr is out of order or overloaded. Publish the rest later.\n",
-         ExitCode::SomeFailed},
-        {3,
          {unknown, ""},
          true,
          "Published 1 of 3 pictures. 1 file was not tried:\n"
@@ -121,33 +114,6 @@ TEST(RunRecord, OfManyThatWereNotTriedTheCountIsEnough)
         EXPECT_EQ(text.find("11 files were not tried.\n") != text.npos, left == 11) << text;
         EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), left == 11 ? 3 : 13) << text;
     }
-}
-
-TEST(RunRecord, WhatTheServiceGaveAndWhatWasLeftOutIsTold)
-{
-    ItemCollection collection = Items(2);
-    collection.leftOut.push_back({"/p/old.jpg", "was published on a day"});
-    RunRecord record(std::move(collection));
-    record.ItemBegins(0);
-    record.NoteEntry(3, "a complaint that an upload followed");
-    record.NoteIds({"7", ""});
-    EXPECT_EQ(record.EndOf(0), ItemEnd::Published) << "already";
-    record.ItemBegins(1);
-    record.NoteIds({"", "ticket"});
-    record.RunEnds();
-    EXPECT_EQ(record.EndOf(1), ItemEnd::HandedIn);
-    const RunSummary summary = record.Summarize(false, Words);
-    EXPECT_EQ(summary.text,
-              "Published 1 of 2 pictures. Handed in 1 picture, which Flickr publishes in its own time, or "
-              "refuses.\n1 picture is on the account already and was left out.\n");
-    EXPECT_EQ(summary.exitCode, ExitCode::Success);
-
-    collection = ItemCollection();
-    collection.leftOut.push_back({"/p/old.jpg", "was published on a day"});
-    collection.undecided.push_back({"/p/0.jpg", "was being sent"});
-    EXPECT_EQ(RunRecord(collection).Summarize(false, Words).exitCode, ExitCode::SomeFailed);
-    collection.undecided.clear();
-    EXPECT_EQ(RunRecord(collection).Summarize(false, Words).exitCode, ExitCode::Success);
 }
 
 TEST(RunRecord, TheDecodersReasonIsToldIfItIsWhatFailed)

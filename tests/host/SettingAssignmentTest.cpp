@@ -83,21 +83,6 @@ TEST(SettingAssignment, SaysWhatIsWrongAndWhatWouldBeRight)
     }
 }
 
-TEST(SettingsKey, ListsWhatWasStoredAndWhatIsDefault)
-{
-    ASSERT_EQ(MakeSettingsKey(), S_OK);
-    EXPECT_THAT(ListSettings(), HasSubstr("JPEGMode=2 (default)"));
-    ASSERT_EQ(StoreSettings({Taken("JPEGMode=1"), Taken("JPEGLongDimension=900")}), S_OK);
-    EXPECT_THAT(ListSettings(), HasSubstr("JPEGMode=1 "));
-    EXPECT_THAT(ListSettings(), HasSubstr("JPEGLongDimension=900 px "));
-    ASSERT_EQ(StoreSettings({Taken("JPEGMode="), Taken("JPEGLongDimension="), Taken("RAWMinimize=")}), S_OK);
-    EXPECT_THAT(ListSettings(), HasSubstr("JPEGMode=2 (default)"));
-    EXPECT_THAT(ListSettings(), HasSubstr("JPEGLongDimension=Original (default)"));
-    EXPECT_EQ(DescribeChanges({Taken("JPEGLongDimension=9in"), Taken("JPEGMode=")}),
-              "JPEGLongDimension=Original (default)\nJPEGMode=2 (default)\n")
-        << "what holds, not what was asked for";
-}
-
 TEST(SettingsKey, ListsWhatHoldsAndMarksWhatIsStoredAndNotTaken)
 {
     ASSERT_EQ(MakeSettingsKey(), S_OK);
@@ -110,12 +95,10 @@ TEST(SettingsKey, ListsWhatHoldsAndMarksWhatIsStoredAndNotTaken)
         ASSERT_EQ(StoreSettings({change}), S_OK);
     };
     store(TEXT("JPEGMode"), {}, 7);
-    store(TEXT("JPEGMinimize"), {}, 5);
     store(TEXT("SafetyLevel"), {}, 9);
     store(TEXT("JPEGLongDimension"), TEXT("huge"), 0);
     store(TEXT("RAWLongDimension"), TEXT("1.024 px"), 0); // as it is written in German
     EXPECT_THAT(ListSettings(), HasSubstr("JPEGMode=2 (stored: 7) "));
-    EXPECT_THAT(ListSettings(), HasSubstr("JPEGMinimize=1 (stored: 5) "));
     EXPECT_THAT(ListSettings(), HasSubstr("SafetyLevel=9 ")) << "is sent as it is";
     EXPECT_THAT(ListSettings(), HasSubstr("JPEGLongDimension=Original (stored: \"huge\") "));
     EXPECT_THAT(ListSettings(), HasSubstr("RAWLongDimension=1 px (stored: \"1.024 px\") "));
@@ -124,7 +107,6 @@ TEST(SettingsKey, ListsWhatHoldsAndMarksWhatIsStoredAndNotTaken)
     ASSERT_TRUE(TooSmallSize());
     EXPECT_THAT(*TooSmallSize(), HasSubstr("RAWLongDimension"));
 
-    // A size may be written without separators and blanks.
     store(TEXT("JPEGLongDimension"), TEXT("1,024 px"), 0);
     store(TEXT("RAWLongDimension"), TEXT("64px"), 0);
     EXPECT_THAT(SizeWarnings(), IsEmpty());
@@ -133,7 +115,7 @@ TEST(SettingsKey, ListsWhatHoldsAndMarksWhatIsStoredAndNotTaken)
     EXPECT_TRUE(TooSmallSize());
     store(TEXT("JPEGMode"), {}, 1);
     EXPECT_FALSE(TooSmallSize()) << "with intact pixels no size counts";
-    ASSERT_EQ(StoreSettings({Taken("JPEGMode="), Taken("JPEGMinimize="), Taken("SafetyLevel="),
-                             Taken("JPEGLongDimension="), Taken("RAWLongDimension=")}),
+    ASSERT_EQ(StoreSettings({Taken("JPEGMode="), Taken("SafetyLevel="), Taken("JPEGLongDimension="),
+                             Taken("RAWLongDimension=")}),
               S_OK);
 }

@@ -1,11 +1,10 @@
 #include "tests/hostwindow/HostProgram_win32.h"
 #include "tests/hostwindow/TrialPlugin_win32.h"
 
-#include "host/InitData.h"
 #include "host/window/HostWindow_win32.h"
 #include "host/window/resource.h"
+#include "tests/host/ProfileFixture.h"
 #include "tests/host/SampleFiles.h"
-#include "tests/host/TemporaryFolder.h"
 #include "tests/ui/DialogDriver_win32.h"
 
 #include <gmock/gmock.h>
@@ -55,13 +54,7 @@ protected:
     }
     std::filesystem::path Profile() const { return m_folder.Path() / "profile"; }
 
-    void Authorize() const
-    {
-        AccountData account;
-        account.token = L"trial-token";
-        account.tokenSecret = L"trial-secret";
-        m_folder.Write("profile/init-data.bin", ComposeInitData(account));
-    }
+    void Authorize() const { m_folder.Write("profile/init-data.bin", AccountOf(L"trial-token")); }
     bool IsKeptAuthorized() const
     {
         const auto account =

@@ -3,10 +3,11 @@
 #include "tests/host/SampleDng.h"
 #include "tests/host/TemporaryFolder.h"
 #include "tests/platform/windowscodecs_jpeg/SamplePictures_posix.h"
-#include "tests/privacy/MarkedPng.h"
 #include "tests/privacy/MarkedValues.h"
 
 #include <exiv2/exiv2.hpp>
+
+#include <zlib.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -190,6 +191,29 @@ void AddSegments(std::string &file)
     small.Markers = {{0xE1, "Exif\0\0"s + ValueOf("second picture behind the end")}};
     file += AsString(MakeJpeg(small));
     file += Box("ftyp", "mp42\0\0\0\0mp42isom"s) + Box("udta", ValueOf("a motion photo's video behind that"));
+}
+
+std::string PngChunk(const std::string &type, const std::string &contents)
+{
+    const std::string checked = type + contents;
+    const auto *bytes = reinterpret_cast<const Bytef *>(checked.data());
+    return BigEndian(contents.size()) + checked + BigEndian(crc32(0, bytes, static_cast<uInt>(checked.size())));
+}
+
+// What a PNG's own chunks can say: the values of PngPlaces, and exif, a block from its byte order mark on.
+void AddPngChunks(std::string &file, const std::string &exif)
+{
+    constexpr size_t behindTheHeader = 8 + 25;
+    std::string chunks = PngChunk("eXIf", exif);
+    for (const MarkedPlace &place : PngPlaces)
+    {
+        // "PNG tEXt Author" is the chunk's type and its keyword.
+        const std::string type = std::string(place.key).substr(4, 4);
+        const std::string keyword = std::string(place.key).substr(9);
+        chunks += PngChunk(type, keyword + (type == "iTXt" ? "\0\0\0en\0\0"s : "\0"s) + place.value);
+    }
+    file.insert(behindTheHeader, chunks);
+    file += "behind the end: "s + PngPlaces.front().value;
 }
 
 std::string Written(Exiv2::Image &image)

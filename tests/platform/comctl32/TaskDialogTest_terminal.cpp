@@ -144,38 +144,4 @@ TEST(TerminalTaskDialog, KeepsItsTextsFromTheTerminal)
     EXPECT_THAT(run.Screen(), HasSubstr("reversed tab"));
 }
 
-TEST(TerminalTaskDialog, WrapsWideTextsToTheTerminal)
-{
-    TASKDIALOGCONFIG config{};
-    config.cbSize = sizeof(config);
-    config.pszWindowTitle = u"A title that leaves too little room";
-    config.pszMainIcon = MAKEINTRESOURCEW(-3);
-    // 30 characters of two columns; then a word without a break; then combining marks.
-    const std::u16string text =
-        std::u16string(30, u'\u65E5') + u"\n" + std::u16string(70, u'w') + u"\n" + u"e\u0301e\u0301 second";
-    config.pszContent = text.c_str();
-    static constexpr TASKDIALOG_BUTTON longButton = {100, u"Fits into no row beside the other one"};
-    config.cButtons = 1;
-    config.pButtons = &longButton;
-    config.dwCommonButtons = TDCBF_CANCEL_BUTTON;
-    TerminalRun run([&] { return Show(config); }, 50, 24);
-    ASSERT_TRUE(run.Answer("\n"));
-    // 43 columns are left for text between the frame's sides.
-    std::string wide;
-    for (int i = 0; i < 21; ++i)
-    {
-        wide += "\u65E5";
-    }
-    const std::string side = "\u2502";
-    const std::string lines[] = {"  Information" + std::string(34, ' '),
-                                 "  " + wide + "   ",
-                                 "  " + std::string(43, 'w') + "  ",
-                                 "  e\u0301e\u0301 second" + std::string(34, ' ') + "  ",
-                                 "  1 [ Fits into no row beside the other one ]  ",
-                                 "  2 [ Cancel ]" + std::string(33, ' ')};
-    for (const std::string &line : lines)
-    {
-        EXPECT_THAT(run.Screen(), HasSubstr(side + line + side));
-    }
-}
 } // namespace

@@ -6,9 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <map>
-#include <optional>
-#include <string>
+#include <utility>
 
 namespace
 {
@@ -19,17 +17,7 @@ protected:
     {
         for (const char *name : {"LC_ALL", "LC_NUMERIC", "LANG"})
         {
-            const char *const value = std::getenv(name);
-            m_saved[name] = value ? std::optional<std::string>(value) : std::nullopt;
             unsetenv(name);
-        }
-    }
-
-    void TearDown() override
-    {
-        for (const auto &[name, value] : m_saved)
-        {
-            value ? setenv(name.c_str(), value->c_str(), 1) : unsetenv(name.c_str());
         }
     }
 
@@ -39,9 +27,6 @@ protected:
         GetLocaleInfoW(LOCALE_USER_DEFAULT, type, text, ARRAYSIZE(text));
         return text;
     }
-
-private:
-    std::map<std::string, std::optional<std::string>> m_saved;
 };
 
 TEST_F(UserLocale, IsThatOfTheName)

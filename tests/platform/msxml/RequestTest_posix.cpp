@@ -200,19 +200,6 @@ public:
     ComPtr<IXMLHTTPRequest> object;
 };
 
-TEST_F(Request, ObjectsHaveAReplyOnceItIsThere)
-{
-    HttpTestServer server(Saying(Reply(Document)));
-    ServerRequest request;
-    ASSERT_EQ(S_OK, request.Open(UrlOf(server)));
-    EXPECT_EQ(u"(no reply)", request.Word());
-    EXPECT_EQ(S_OK, request.object->send(VARIANT{}));
-    EXPECT_EQ(u"forty two", request.Word());
-    ASSERT_EQ(S_OK, request.Open("http://127.0.0.1:1/"));
-    EXPECT_EQ(HRESULT_FROM_WIN32(12029), request.object->send(VARIANT{}));
-    EXPECT_EQ(u"(no reply)", request.Word());
-}
-
 TEST_F(Request, ObjectsGoThroughTheProxyThatTheyAreTold)
 {
     HttpTestServer server(Saying(Reply("<word>itself</word>")));
