@@ -34,8 +34,9 @@ void AskForMetadata(IWICBitmapFrameDecode *frame)
          {TEXT("/app1/ifd/{ushort=271}"), TEXT("/app1/ifd/exif/{ushort=36867}"), TEXT("/app1/ifd/gps/{ushort=2}"),
           TEXT("/app1/thumb/{ushort=315}"), TEXT("/xmp/dc:title")})
     {
-        QueryValue value;
-        reader->GetMetadataByName(path, &value.Value);
+        PROPVARIANT value{};
+        reader->GetMetadataByName(path, &value);
+        PropVariantClear(&value);
     }
 }
 
@@ -58,7 +59,10 @@ void ReadJpeg(std::string_view bytes)
         {
             writer->RemoveMetadataByName(path);
         }
-        const PROPVARIANT name = QueryValue::Narrow("somebody");
+        char words[] = "somebody";
+        PROPVARIANT name{};
+        name.vt = VT_LPSTR;
+        name.pszVal = words;
         writer->SetMetadataByName(TEXT("/app1/ifd/{ushort=315}"), &name);
     };
     if (SUCCEEDED(Rewrite(file, rewriting, rewritten)))

@@ -41,6 +41,7 @@ struct ItemCollection
     std::vector<RefusedFile> refused;              // count as pictures that weren't published
     std::vector<RefusedFile> undecided;            // may have been published before
     std::vector<RefusedFile> leftOut;              // were published before; reason tells when
+    std::vector<RefusedFile> copies;               // of other items; reason tells of which
     std::vector<std::filesystem::path> folders;    // given although recursive is false
     std::vector<std::filesystem::path> empty;      // folders without pictures
     std::vector<std::filesystem::path> passedOver; // sidecars named beside pictures

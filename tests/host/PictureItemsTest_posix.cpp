@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
@@ -32,17 +31,6 @@ TEST_F(PictureItems, WhatOnlyLooksLikeAFileIsRefused)
     ASSERT_EQ(::mkfifo((m_folder.Path() / "pipe.jpg").c_str(), 0600), 0);
     EXPECT_THAT(ReasonFor("broken.jpg"), HasSubstr("link to a file that isn't there"));
     EXPECT_THAT(ReasonFor("pipe.jpg"), HasSubstr("not an ordinary file"));
-}
-
-TEST_F(PictureItems, AnUnreadableFileOrFolderIsRefused)
-{
-    if (::geteuid() == 0)
-    {
-        GTEST_SKIP() << "nothing is unreadable to root";
-    }
-    const fs::path file = m_folder.Write("closed.jpg", "x");
-    fs::permissions(file, fs::perms::none);
-    EXPECT_THAT(ReasonFor("closed.jpg"), HasSubstr("permissions"));
 }
 
 TEST_F(PictureItems, NamesOfAnyBytesSurvive)

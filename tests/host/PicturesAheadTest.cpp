@@ -22,17 +22,7 @@ public:
     {
         std::unique_lock lock(m_lock);
         m_asked.push_back(file.filename().string() + (stop != nullptr ? " ahead" : ""));
-        m_most = std::max(m_most, ++m_running);
-        const struct End
-        {
-            ~End() { --running; }
-            size_t &running;
-        } end{m_running};
         m_changed.notify_all();
-        if (stop == nullptr)
-        {
-            m_changed.wait_for(lock, 10ms, [&] { return m_running > 1; });
-        }
         while (stop != nullptr && m_held)
         {
             if (*stop)
@@ -69,13 +59,6 @@ public:
     {
         const std::lock_guard guard(m_lock);
         m_asked.clear();
-        m_most = 0;
-    }
-
-    size_t MostAtATime()
-    {
-        const std::lock_guard guard(m_lock);
-        return m_most;
     }
 
     void Hold(bool held)
@@ -92,8 +75,6 @@ private:
     std::condition_variable m_changed;
     std::vector<std::string> m_asked;
     bool m_held = false;
-    size_t m_running = 0;
-    size_t m_most = 0;
 };
 
 class PicturesAheadTest : public testing::Test
@@ -159,22 +140,6 @@ TEST_F(PicturesAheadTest, MakesTheNextOnesAndEachOnce)
                                                                      "d.tif ahead", "e.tif ahead", "f.tif ahead"));
         EXPECT_EQ(ahead->Hits(), 5u);
     }
-}
-
-TEST_F(PicturesAheadTest, MakesAsManyAtATimeAsThereAreThreads)
-{
-    AddTifs(9);
-    for (const unsigned threads : {1u, 2u, 3u, 8u})
-    {
-        SCOPED_TRACE(threads);
-        m_decoder.Forget();
-        m_decoder.Hold(true);
-        const auto ahead = Begin(1 + threads, 100, threads);
-        std::this_thread::sleep_for(20ms);
-        EXPECT_EQ(m_decoder.Asked().size(), 1 + threads);
-        EXPECT_LE(m_decoder.MostAtATime(), threads);
-    }
-    EXPECT_THAT(DecodingThreads(), testing::AllOf(testing::Ge(1u), testing::Le(8u)));
 }
 
 TEST_F(PicturesAheadTest, WhatWasMadeForAnotherRequestIsNoResult)

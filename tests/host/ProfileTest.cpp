@@ -64,12 +64,15 @@ TEST_F(ProfileTest, AFolderThatCanNotBeMadeEndsInWords)
     }
 }
 
-TEST_F(ProfileTest, AReplacementThatIsGivenUpLeavesNothing)
+TEST_F(ProfileTest, AReplacementThatIsGivenUpLeavesTheOldContent)
 {
+    m_folder.Write("profile/init-data.bin", AccountOf(TEXT("old")));
     {
         FileReplacement replacement(m_profile.InitDataFile(), "x");
+        EXPECT_EQ(Kept(), AccountOf(TEXT("old")));
     }
-    EXPECT_TRUE(fs::is_empty(m_profile.Folder()));
+    EXPECT_EQ(Kept(), AccountOf(TEXT("old")));
+    EXPECT_FALSE(fs::exists(m_folder.Path() / "profile" / "init-data.bin.new"));
 }
 
 TEST_F(ProfileTest, DamagedDataIsKeptAsideUnderNamesOfTheirOwn)

@@ -87,28 +87,6 @@ TEST_F(ProfileTest, ALinkToTheAccountStaysOne)
     EXPECT_EQ(ParseInitDataFile(m_folder.Read("account")), AccountOf(TEXT("new")));
 }
 
-TEST_F(ProfileTest, ACrashBeforeTheRenameLeavesTheOldContentWhole)
-{
-    m_store.Load();
-    m_store.Store(AccountOf(TEXT("old")));
-    const pid_t child = ::fork();
-    if (child == 0)
-    {
-        FileReplacement replacement(m_profile.InitDataFile(), AccountOf(TEXT("half")));
-        ::_exit(0);
-    }
-    ::waitpid(child, nullptr, 0);
-    ASSERT_TRUE(fs::exists(m_profile.InitDataFile().native() + ".new"));
-
-    InitDataStore next(m_profile);
-    next.Load();
-    EXPECT_EQ(next.Content(), AccountOf(TEXT("old")));
-    EXPECT_THAT(next.Notices(), IsEmpty());
-    EXPECT_EQ(next.Store(AccountOf(TEXT("new"))), StoreOutcome::Stored);
-    EXPECT_EQ(Kept(), AccountOf(TEXT("new")));
-    EXPECT_FALSE(fs::exists(m_profile.InitDataFile().native() + ".new"));
-}
-
 TEST_F(ProfileTest, AFullDiskLosesNothing)
 {
     m_store.Load();
@@ -135,22 +113,6 @@ TEST_F(ProfileTest, AFullDiskLosesNothing)
     EXPECT_EQ(WEXITSTATUS(status), 0);
     EXPECT_EQ(Kept(), AccountOf(TEXT("old")));
     EXPECT_FALSE(fs::exists(m_profile.InitDataFile().native() + ".new"));
-}
-
-TEST_F(ProfileTest, AReadOnlyFolderIsToldInWordsAndReadsStillWork)
-{
-    if (::geteuid() == 0)
-    {
-        GTEST_SKIP() << "nothing is read-only to root";
-    }
-    m_store.Load();
-    m_store.Store(AccountOf(TEXT("old")));
-    fs::permissions(m_profile.Folder(), fs::perms::owner_read | fs::perms::owner_exec);
-    m_store.Load();
-    EXPECT_EQ(m_store.Content(), AccountOf(TEXT("old")));
-    EXPECT_THROW(m_store.Store(AccountOf(TEXT("new"))), ProfileError);
-    fs::permissions(m_profile.Folder(), fs::perms::owner_all);
-    EXPECT_EQ(Kept(), AccountOf(TEXT("old")));
 }
 
 TEST(ProfileFolder, FollowsTheBaseDirectories)

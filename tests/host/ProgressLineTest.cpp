@@ -24,15 +24,6 @@ TEST(ProgressLine, ShowsBarPercentAndStatus)
     EXPECT_EQ(RenderProgressLine(View(200, ""), {25, true, false}), "██████ 100%");
 }
 
-TEST(ProgressLine, TheBarGivesWayToTheStatus)
-{
-    const std::string status = "Published 5 of 6 items. Estimated time left: less than one minute.";
-    for (const size_t columns : {size_t{80}, size_t{100}, size_t{200}})
-    {
-        EXPECT_THAT(RenderProgressLine(View(100, status), {columns, true, false}), testing::EndsWith(status));
-    }
-}
-
 TEST(ProgressLine, APositionOutsideOfTheRangeIsHeldInIt)
 {
     EXPECT_THAT(RenderProgressLine(View(-5, ""), {40, false, false}), HasSubstr("  0%"));

@@ -79,34 +79,6 @@ protected:
 };
 } // namespace
 
-TEST_F(PublishingHostTest, AnswersBothInterfaces)
-{
-    const auto metadata = m_host.As<IHalvoraImageMetadata>();
-    ASSERT_TRUE(metadata);
-    EXPECT_TRUE(metadata.As<IHalvoraPublishingHost>());
-}
-
-TEST_F(PublishingHostTest, GivesTheItemsAndTheirRecords)
-{
-    INT32 count = 0;
-    HGLOBAL list = nullptr;
-    ASSERT_EQ(m_host->GetItemList(&count, &list), S_OK);
-    ASSERT_EQ(count, 2);
-    const auto *handles = static_cast<const UINT64 *>(GlobalLock(list));
-    ASSERT_NE(handles, nullptr);
-    ItemRecordOwner record;
-    ASSERT_EQ(m_host->GetItemRecord(handles[0], record.Get()), S_OK);
-    GlobalUnlock(list);
-    EXPECT_EQ(WideView(record.Get()->Path), TEXT("/p/caf") + WideText(1, 0xDCE9));
-    EXPECT_EQ(WideView(record.Get()->Extensions), TEXT("tif;jpg"));
-    EXPECT_EQ(m_record.EndOf(0), ItemEnd::NotTried) << "it is running";
-    m_record.RunEnds();
-    EXPECT_EQ(m_record.EndOf(0), ItemEnd::Published);
-    EXPECT_EQ(m_record.EndOf(1), ItemEnd::NotTried);
-    EXPECT_EQ(m_host->GetItemRecord(3, record.Get()), E_INVALIDARG);
-    EXPECT_EQ(m_host->GetItemRecord(0, record.Get()), E_INVALIDARG);
-}
-
 TEST_F(PublishingHostTest, AnEmptyListCanBeLocked)
 {
     RunRecord record{ItemCollection()};
@@ -117,16 +89,6 @@ TEST_F(PublishingHostTest, AnEmptyListCanBeLocked)
     EXPECT_EQ(count, 0);
     EXPECT_NE(GlobalLock(list), nullptr);
     GlobalUnlock(list);
-}
-
-TEST_F(PublishingHostTest, LogEntriesReachSinkAndRecord)
-{
-    Begin(2);
-    EXPECT_EQ(m_host->WriteLogEntry(3, TEXT("Flickr"), TEXT("größe")), S_OK);
-    EXPECT_EQ(m_host->WriteLogEntry(1, nullptr, nullptr), S_OK);
-    EXPECT_THAT(m_log, ElementsAre("3 Flickr: größe", "1 : "));
-    m_record.RunEnds();
-    EXPECT_EQ(m_record.EndOf(1), ItemEnd::Failed);
 }
 
 // The web component creates the class of the observer; what it gets is the host of the run.
@@ -163,27 +125,6 @@ TEST_F(PublishingHostTest, LearnsFromTheWebComponentWhatTheServiceGave)
     EXPECT_EQ(create(observer), REGDB_E_CLASSNOTREG) << "the run is over";
 }
 
-TEST_F(PublishingHostTest, StopsWhereThereIsNoConnection)
-{
-    int stops = 0;
-    m_host->StopBy(2, [&] { ++stops; });
-    for (const UINT64 item : {1, 2})
-    {
-        Begin(item);
-        EXPECT_EQ(stops, 0);
-        m_host->WriteLogEntry(3, TEXT("Flickr"), TEXT("\"p\" (Error code: 0x80072efd) No connection, refused."));
-    }
-    EXPECT_EQ(stops, 1);
-    m_record.RunEnds();
-    INT32 count = -1;
-    HGLOBAL list = nullptr;
-    m_record.TryAgain(1);
-    EXPECT_EQ(m_host->GetItemList(&count, &list), S_OK);
-    ASSERT_EQ(count, 1) << "what was tried isn't in the next run's list";
-    EXPECT_EQ(*static_cast<const UINT64 *>(GlobalLock(list)), 2u);
-    GlobalUnlock(list);
-}
-
 TEST_F(PublishingHostTest, WaitsAsTheServiceAsksWhereAnotherItemFollows)
 {
     std::vector<int> pauses;
@@ -199,23 +140,6 @@ TEST_F(PublishingHostTest, WaitsAsTheServiceAsksWhereAnotherItemFollows)
     fail(1, TEXT("\"The service asks to wait 5 seconds.jpg\" (Error code: 0x801901f7) HTTP Status = 503: Busy"));
     fail(2, asks);
     EXPECT_THAT(pauses, ElementsAre(30, 600));
-}
-
-TEST_F(PublishingHostTest, SaysOnceWhichFilesAreLeftOutForTheOneThatIsPublished)
-{
-    const auto publish = [&](UINT64 item, WideView file) {
-        Begin(item);
-        for (int entry = 0; entry < 2; ++entry)
-        {
-            const WideText words = TEXT("Publishing \"") + WideText(file) + TEXT("\".");
-            EXPECT_EQ(m_host->WriteLogEntry(1, TEXT("Flickr"), words.c_str()), S_OK);
-        }
-    };
-    publish(1, TEXT("/p/caf") + WideText(1, 0xDCE9) + TEXT(".jpg"));
-    publish(2, TEXT("/p/two.png"));
-    ASSERT_EQ(m_log.size(), 5u);
-    EXPECT_EQ(m_log[1],
-              "1 halvora: Left out, since caf\xEF\xBF\xBD.jpg is the same picture: caf\xEF\xBF\xBD.tif.");
 }
 
 TEST_F(PublishingHostTest, MetadataThatCanNotBeReadFailInCodes)

@@ -54,7 +54,6 @@ TEST(RunRecord, SaysWhatBecameOfTheItems)
         std::string text;
         ExitCode exitCode;
     } cases[] = {
-        {2, {"", ""}, false, "Published 2 pictures.\n", ExitCode::Success},
         {1, {""}, true, "Published 1 picture.\n", ExitCode::Success}, // the cancel came too late
         {3,
          {"", "HTTP Status = 504: Gateway Timeout", ""},
@@ -83,19 +82,6 @@ TEST(RunRecord, SaysWhatBecameOfTheItems)
     }
 }
 
-TEST(RunRecord, WhatAStopOrACancelLeftIsNamedToo)
-{
-    for (const bool cancelled : {false, true})
-    {
-        RunRecord record(Items(3));
-        Publish(record, {"", "Flickr Status = 6: Limit"});
-        const RunSummary summary = record.Summarize(cancelled, Words);
-        EXPECT_THAT(summary.text, HasSubstr("/p/1.jpg: Flickr Status = 6: Limit\n"));
-        EXPECT_THAT(summary.text, HasSubstr("/p/2.jpg: not tried"));
-        EXPECT_EQ(summary.exitCode, cancelled ? ExitCode::Cancelled : ExitCode::SomeFailed);
-    }
-}
-
 TEST(RunRecord, TheCommonestErrorsSayWhatToDoOnce)
 {
     const ConnectionSettings settings{"127.0.0.1:9", "all_proxy", "/etc/my.pem"};
@@ -103,13 +89,10 @@ TEST(RunRecord, TheCommonestErrorsSayWhatToDoOnce)
         {"Flickr Status = 6: User exceeded upload limit", "when there is space again"},
         {"Flickr Status = 96: Invalid signature", "Check the clock"},
         {"Flickr Status = 98: Invalid auth token", "halvora authorize"},
-        {"Flickr Status = 99: Insufficient permissions", "halvora authorize"},
         {"Flickr Status = 100: Invalid API Key", "a key of your own"},
         {"Flickr Status = 105: Service currently unavailable", "later"},
         {"HTTP Status = 401: Unauthorized, fault", "halvora authorize"},
-        {"HTTP Status = 403: Forbidden", "halvora authorize"},
         {"HTTP Status = 429: Too Many Requests", "Wait some minutes"},
-        {"HTTP Status = 503: Service Unavailable", "later"},
         {"No connection, The connection was refused.",
          "through the proxy 127.0.0.1:9, which the variable all_proxy"},
         {"Connection not secure, The file can't be read.",
@@ -180,17 +163,6 @@ TEST(RunRecord, TheDecodersReasonIsToldIfItIsWhatFailed)
     record.RunEnds();
     EXPECT_EQ(record.ReasonOf(0, Words), "ends in the middle; copy the file again from its source");
     EXPECT_EQ(record.ReasonOf(1, Words), "Access is denied. (0x80070005)");
-}
-
-TEST(RunRecord, RefusedFilesCountAmongThoseThatWereNotUploaded)
-{
-    ItemCollection collection = Items(1);
-    collection.refused.push_back({"/p/gone\x1b.jpg", "isn't there"});
-    RunRecord record(std::move(collection));
-    Publish(record, {""});
-    const RunSummary summary = record.Summarize(false, Words);
-    EXPECT_EQ(summary.text, "Published 1 of 2 pictures. 1 file was not uploaded:\n  /p/gone^[.jpg: isn't there\n");
-    EXPECT_EQ(summary.exitCode, ExitCode::SomeFailed);
 }
 
 TEST(RunRecord, AFailureOfTheRunItselfIsTold)

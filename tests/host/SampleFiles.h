@@ -34,12 +34,6 @@ void MakeSample(const std::filesystem::path &file, int width, int height, const 
 // Changes the file by exiftool's arguments, quoted for a shell; throws if that fails.
 void Exiftool(const std::string &arguments, const std::filesystem::path &file);
 
-// Red and green pages one behind the other.
-void MakeAnimation(const std::filesystem::path &file);
-
-// One row of grays in 16 bits, from black up by steps of 1.
-void MakeRamp(const std::filesystem::path &file, int width, const std::string &profile);
-
 // Six numbers: x and y of red, green and blue.
 void SaveRgbProfile(const double (&primaries)[6], double gamma, const std::string &file);
 

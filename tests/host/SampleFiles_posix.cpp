@@ -84,25 +84,6 @@ void Exiftool(const std::string &arguments, const std::filesystem::path &file)
     }
 }
 
-void MakeAnimation(const std::filesystem::path &file)
-{
-    StartLibrary();
-    VImage image = Flat(20, 10, {255, 0, 0}).join(Flat(20, 10, {0, 255, 0}), VIPS_DIRECTION_VERTICAL);
-    image = image.copy();
-    image.set(VIPS_META_PAGE_HEIGHT, 10);
-    image.write_to_file(file.c_str());
-}
-
-void MakeRamp(const std::filesystem::path &file, int width, const std::string &profile)
-{
-    StartLibrary();
-    const VImage row = VImage::identity(VImage::option()->set("ushort", true)->set("size", width));
-    row.bandjoin(row)
-        .bandjoin(row)
-        .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_RGB16))
-        .write_to_file(file.c_str(), VImage::option()->set("profile", profile.c_str()));
-}
-
 namespace
 {
 void Save(cmsHPROFILE profile, const std::string &file)

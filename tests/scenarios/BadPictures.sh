@@ -17,6 +17,7 @@ vips cast "$work/noise.v" "$work/gray.v" uchar
 vips bandjoin "$work/gray.v $work/gray.v $work/gray.v" "$work/rgb.v"
 vips copy "$work/rgb.v" "$work/plain.png" --interpretation srgb
 vips jpegsave "$work/plain.png" good.jpg --strip
+vips gifsave "$work/plain.png" a.gif
 vips tiffsave "$work/plain.png" "$work/plain.tif"
 vips bandjoin "$work/gray.v $work/gray.v $work/gray.v $work/gray.v" "$work/four.v"
 vips copy "$work/four.v" "$work/cmyk.tif" --interpretation cmyk
@@ -67,6 +68,7 @@ endless.jpg      up                         up                         up
 spoiled.jpg      up                         copy_the_file_again        copy_the_file_again
 exifcut.jpg      up                         up                         up
 jpeg.png         up                         up                         up
+a.gif            up                         up                         up
 noraw.nef        up                         up                         up
 png.jpg          up                         not_what_it_appears_to_be  up
 tiff.jpg         not_what_it_appears_to_be  not_what_it_appears_to_be  up

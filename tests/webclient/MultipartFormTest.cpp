@@ -163,6 +163,10 @@ TEST_F(MultipartFormTest, IncompleteCallsAreRefused)
     EXPECT_EQ(body->Seek(one, STREAM_SEEK_SET, nullptr), STG_E_INVALIDFUNCTION);
     EXPECT_EQ(body->Seek(LARGE_INTEGER{}, STREAM_SEEK_END, nullptr), STG_E_INVALIDFUNCTION);
     EXPECT_EQ(body->Read(nullptr, 1, nullptr), STG_E_INVALIDPOINTER);
+    EXPECT_EQ(body->LockRegion({}, {}, 0), STG_E_INVALIDFUNCTION);
+    EXPECT_EQ(body->UnlockRegion({}, {}, 0), STG_E_INVALIDFUNCTION);
+    EXPECT_EQ(body->CopyTo(nullptr, {}, nullptr, nullptr), E_NOTIMPL);
+    EXPECT_EQ(body->Clone(nullptr), E_NOTIMPL);
     EXPECT_NE(BoundaryOf(form.Get()), BoundaryOf(CMultipartFormData::Make().Get()));
 }
 

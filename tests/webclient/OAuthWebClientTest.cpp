@@ -9,6 +9,8 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
+#include <cctype>
 #include <vector>
 
 namespace
@@ -129,6 +131,9 @@ TEST_F(OAuthWebClientTest, MethodIsCalledByASignedForm)
     EXPECT_TRUE(IsSignedRight(request.Header("Authorization"), "POST", request.url, ParseForm(request.body),
                               "token-secret"));
     EXPECT_TRUE(request.isSmall);
+    m_client->RestRequest(TEXT("/more"), TEXT("GET"), nullptr, Parameters({{TEXT("a"), TEXT("b c")}}).Get(), 0,
+                          m_reply.Put());
+    EXPECT_EQ(m_transport->requests.at(1).url, "https://api.flickr.com/services/rest/more?a=b%20c");
 }
 
 namespace
@@ -210,6 +215,15 @@ TEST_F(OAuthWebClientTest, PictureThatAKeptConnectionLostIsSignedAndSentOnceMore
     EXPECT_EQ(requests[1].headers.size(), requests[0].headers.size());
     EXPECT_NE(requests[1].Header("Authorization"), requests[0].Header("Authorization"));
 
+    // A stream that can't be rewound holds no whole picture any more.
+    m_transport->requests.clear();
+    const auto once = ScriptedStream::Make("the picture");
+    once->seekFails = true;
+    EXPECT_EQ(m_client->UploadRequest(TEXT("https://up.flickr.com/"), nullptr, TEXT("POST"), nullptr, nullptr,
+                                      nullptr, once.Get(), 11, nullptr, 0, m_reply.Put()),
+              static_cast<HRESULT>(0x80072EFE));
+    EXPECT_EQ(requests.size(), 1u);
+
     m_transport->failures = 1000;
     for (const TransportProblem problem : {TransportProblem::KeptConnectionLost,
                                            TransportProblem::LostWhileSending, TransportProblem::LostBeforeAnswer})
@@ -236,6 +250,27 @@ TEST_F(OAuthWebClientTest, BrokenConnectionsAreToldInWords)
                                       nullptr, ScriptedStream::Make("short").Get(), 1000, nullptr, 0,
                                       m_reply.Put()),
               HRESULT_FROM_WIN32(ERROR_HANDLE_EOF));
+}
+
+TEST(TransportWords, AreWholeSentencesAndSayWhetherAPictureMayHaveArrived)
+{
+    for (int i = 0; i <= static_cast<int>(TransportProblem::Other); ++i)
+    {
+        const auto problem = static_cast<TransportProblem>(i);
+        const TransportWords words = WordsFor({problem, E_FAIL, "p", 502}, "h.test", "picture");
+        EXPECT_TRUE(std::ranges::all_of(words.status, [](char c) { return c == ' ' || std::isalpha(c); }))
+            << words.status;
+        EXPECT_TRUE(words.description.ends_with('.') || words.description.ends_with('?') ||
+                    words.description.ends_with("PORT"))
+            << words.description;
+        EXPECT_THAT(words.description, Not(HasSubstr("{")));
+        const bool isUnknown =
+            problem == TransportProblem::AnswerMissing || problem == TransportProblem::LostBeforeAnswer ||
+            problem == TransportProblem::AnswerGarbled || problem == TransportProblem::AnswerTooLong ||
+            problem == TransportProblem::EndedBeforeAnswer;
+        EXPECT_EQ(words.description.find("may or may not have arrived") != std::string::npos, isUnknown)
+            << words.description;
+    }
 }
 
 TEST_F(OAuthWebClientTest, AuthorizationTradesItsTokens)
@@ -287,6 +322,13 @@ TEST_F(OAuthWebClientTest, IncompleteCallsAreRefused)
     EXPECT_EQ(bare->SetService(TEXT("a"), TEXT("https://h/"), TEXT("PLAINTEXT"), TEXT("k"), TEXT("s"),
                                TEXT("https://h/"), TEXT("https://h/"), TEXT("https://h/"), TEXT("x"), 0),
               E_INVALIDARG);
+    for (const WCHAR *agent : {static_cast<const WCHAR *>(nullptr), TEXT("a\r\nX: y")})
+    {
+        EXPECT_EQ(bare->SetService(agent, TEXT("https://h/"), TEXT("HMAC-SHA1"), TEXT("k"), TEXT("s"),
+                                   TEXT("https://h/"), TEXT("https://h/"), TEXT("https://h/"), TEXT("x"), 0),
+                  E_INVALIDARG);
+    }
+    EXPECT_THAT((std::array{bare->Reserved1(), bare->Reserved2(), bare->Reserved3()}), testing::Each(E_NOTIMPL));
     EXPECT_EQ(m_client->SetAccessToken(TEXT(" "), TEXT("b")), E_INVALIDARG);
     EXPECT_EQ(m_client->SetAccessToken(TEXT("a"), TEXT("")), E_INVALIDARG);
     EXPECT_EQ(UploadText(""), E_INVALIDARG);

@@ -17,6 +17,16 @@ std::string WithAttributes(int count)
     return text + "/>";
 }
 
+std::string Nested(int depth)
+{
+    std::string text;
+    for (int i = 0; i < depth; ++i)
+    {
+        text += "<a>";
+    }
+    return text;
+}
+
 // Within half a second: a parser that takes a large document needs many. And without a word on the terminal.
 TEST(DocumentLimits, HostileBytesAreRefusedSoonAndSilently)
 {
@@ -25,16 +35,14 @@ TEST(DocumentLimits, HostileBytesAreRefusedSoonAndSilently)
     const std::pair<std::string, const char *> cases[] = {
         {WithAttributes(1000), "taken"},
         {WithAttributes(1001), "refused"},
-        {WithAttributes(26'000), "refused"},
+        {Nested(80'000), "refused"},
         {"<a>" + std::string(255 * 1024, 'x') + "</a>", "taken"},
         {"<a>" + std::string(256 * 1024, 'x') + "</a>", "refused"},
-        {"<!DOCTYPE a><a/>", "refused"},
         {"<!DOCTYPE a [<!ENTITY x \"y\">]><a>&x;</a>", "refused"},
         {"<!DOCTYPE a SYSTEM \"file:///etc/passwd\"><a/>", "refused"},
         {"<?xm\xFF version=\"1.0\" encoding=\"utf-8\"?><a/>", "refused"},
         {"\xFF\xFE<\0a\0>\0\0\xDC<\0/\0a\0>\0"s, "refused"},
         {"<?xml version=\"1.0\" encoding=\"us-ascii\"?><a>\x80\x80</a>", "refused"},
-        {"<?xml version=\"1.0\" encoding=\"shift_jis\"?><a>\x80\0\0\0</a>"s, "refused"},
         {"<?xml version=\"1.0\" encoding=\"utf-7\"?><a>\xC0\x80</a>", "refused"},
     };
     for (const auto &[bytes, outcome] : cases)

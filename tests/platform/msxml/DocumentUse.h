@@ -19,19 +19,12 @@ inline ComPtr<IXMLDOMDocument2> NewDocument()
     return document;
 }
 
-// Whether the document takes the text, or the bytes; "(torn)" where result and switch differ.
+// Whether the document takes the bytes; "(torn)" where result and switch differ.
 inline std::string Outcome(HRESULT result, VARIANT_BOOL success)
 {
     const bool isTaken = result == S_OK && success == VARIANT_TRUE;
     const bool isRefused = result == S_FALSE && success == VARIANT_FALSE;
     return isTaken ? "taken" : isRefused ? "refused" : "(torn)";
-}
-
-inline std::string LoadText(IXMLDOMDocument2 &document, const WideText &text)
-{
-    VARIANT_BOOL success = 77;
-    const HRESULT result = document.loadXML(BstrOwner(text).Get(), &success);
-    return Outcome(result, success);
 }
 
 inline std::string LoadBytes(IXMLDOMDocument2 &document, const std::string &bytes)

@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
 namespace
 {
 TEST(ByteSize, HasThreeDigitsCutAndNotRounded)
@@ -17,23 +15,16 @@ TEST(ByteSize, HasThreeDigitsCutAndNotRounded)
         const WCHAR *text;
     } cases[] = {
         {0, TEXT("0 bytes")},
-        {512, TEXT("512 bytes")},
         {1023, TEXT("1023 bytes")},
         {-24, TEXT("-24 bytes")},
         {1024, TEXT("1.00 KB")},
-        {1340, TEXT("1.30 KB")},
         {1034, TEXT("1.00 KB")},
         {1035, TEXT("1.01 KB")},
         {23506, TEXT("22.9 KB")},
         {1023999, TEXT("999 KB")},
         {1024000, TEXT("0.97 MB")},
-        {1046862, TEXT("0.99 MB")},
-        {2400016, TEXT("2.28 MB")},
         {2400000000, TEXT("2.23 GB")},
-        {209715200, TEXT("200 MB")},
         {1073741775, TEXT("0.99 GB")},
-        {2400000000000, TEXT("2.18 TB")},
-        {2400000000000000, TEXT("2.13 PB")},
         {2400000000000000000, TEXT("2.08 EB")},
         {0x7FFFFFFFFFFFFFFF, TEXT("7.99 EB")},
     };

@@ -1,14 +1,13 @@
 #include "tests/platform/windowscodecs_jpeg/CodecUse_posix.h"
 
 #include "platform/windowscodecs/Codecs.h"
+#include "tests/host/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-
-#include <unistd.h>
 
 ComPtr<IStream> StreamOf(const Octets &bytes)
 {
@@ -120,106 +119,41 @@ HRESULT Rewrite(const Octets &file, const Rewriting &rewriting, Octets &result)
     return code;
 }
 
-QueryValue::~QueryValue()
-{
-    PropVariantClear(&Value);
-}
-
-PROPVARIANT QueryValue::Short(USHORT value)
-{
-    PROPVARIANT variant{};
-    variant.vt = VT_UI2;
-    variant.uiVal = value;
-    return variant;
-}
-
-PROPVARIANT QueryValue::Rational(ULONG numerator, ULONG denominator)
-{
-    PROPVARIANT variant{};
-    variant.vt = VT_UI8;
-    variant.uhVal.QuadPart = static_cast<ULONGLONG>(denominator) << 32 | numerator;
-    return variant;
-}
-
-PROPVARIANT QueryValue::Text(const WCHAR *text)
-{
-    PROPVARIANT variant{};
-    variant.vt = VT_LPWSTR;
-    variant.pwszVal = const_cast<WCHAR *>(text);
-    return variant;
-}
-
-PROPVARIANT QueryValue::Narrow(const char *text)
-{
-    PROPVARIANT variant{};
-    variant.vt = VT_LPSTR;
-    variant.pszVal = const_cast<char *>(text);
-    return variant;
-}
-
 bool Holds(const Octets &file, const std::string &bytes)
 {
     return std::search(file.begin(), file.end(), bytes.begin(), bytes.end(),
                        [](unsigned char a, char b) { return a == static_cast<unsigned char>(b); }) != file.end();
 }
 
-namespace
-{
-// "[IFD0]          Make                            : Value"
-void NoteLine(const std::string &text, TagValues &tags)
-{
-    const size_t end = text.find(']');
-    const size_t colon = text.find(": ");
-    if (text[0] != '[' || end == std::string::npos || colon == std::string::npos)
-    {
-        return;
-    }
-    const size_t name = text.find_first_not_of(' ', end + 1);
-    const std::string tag = text.substr(name, text.find_first_of(" :", name) - name);
-    const std::string group = text.substr(1, end - 1);
-    const std::string value = text.substr(colon + 2, text.size() - colon - 3);
-    if (group != "ExifTool" && group != "System")
-    {
-        tags.emplace(group + ":" + tag, value);
-    }
-    else if (tag == "Warning" || tag == "Error")
-    {
-        tags.emplace(tag, value);
-    }
-}
-} // namespace
-
 std::vector<TagValues> ReadWithExiftool(const std::vector<Octets> &files)
 {
-    char folder[] = "/tmp/codec-test-XXXXXX";
-    std::vector<TagValues> all(files.size());
-    if (mkdtemp(folder) == nullptr)
-    {
-        return all;
-    }
+    const TemporaryFolder folder;
     for (size_t i = 0; i < files.size(); ++i)
     {
-        std::ofstream file(std::string(folder) + "/" + std::to_string(i) + ".jpg", std::ios::binary);
-        file.write(reinterpret_cast<const char *>(files[i].data()), static_cast<std::streamsize>(files[i].size()));
+        folder.Write(std::to_string(i) + ".jpg", std::string(files[i].begin(), files[i].end()));
     }
-    const std::string command = std::string("exiftool -n -a -G1 -s -charset UTF8 -e ") + folder + " 2>&1";
-    if (FILE *output = popen(command.c_str(), "r"))
+    const std::string command = "exiftool -n -a -G1 -j -charset UTF8 -e -ext jpg " + folder.Path().string() +
+                                " 2>/dev/null >" + (folder.Path() / "tags.json").string();
+    std::vector<TagValues> all(files.size());
+    if (std::system(command.c_str()) != 0)
     {
-        size_t current = 0;
-        char line[4096];
-        while (std::fgets(line, sizeof line, output) != nullptr)
-        {
-            // "======== /tmp/codec-test-abcdef/12.jpg"
-            const std::string text(line);
-            if (text.rfind("======== ", 0) == 0)
-            {
-                current = std::stoul(text.substr(text.rfind('/') + 1));
-            }
-            NoteLine(text, all[current]);
-        }
-        pclose(output);
+        ADD_FAILURE() << command;
+        return all;
     }
-    std::filesystem::remove_all(folder);
+    for (const auto &file : nlohmann::json::parse(folder.Read("tags.json")))
+    {
+        TagValues &tags = all[std::stoul(std::filesystem::path(file.at("SourceFile").get<std::string>()).stem())];
+        for (const auto &[name, value] : file.items())
+        {
+            const std::string group = name.substr(0, name.find(':'));
+            const std::string tag = name.substr(name.find(':') + 1);
+            const bool isOwn = group == "ExifTool" || group == "System" || group == "SourceFile";
+            if (!isOwn || tag == "Warning" || tag == "Error")
+            {
+                tags.emplace(isOwn ? tag : name, value.is_string() ? value.get<std::string>() : value.dump());
+            }
+        }
+    }
     return all;
 }
 

@@ -31,22 +31,6 @@ struct Rewriting
 // in result.
 HRESULT Rewrite(const Octets &file, const Rewriting &rewriting, Octets &result);
 
-// A value of a metadata query; frees what it holds.
-class QueryValue
-{
-public:
-    QueryValue() = default;
-    QueryValue(const QueryValue &) = delete;
-    ~QueryValue();
-
-    static PROPVARIANT Short(USHORT value);
-    static PROPVARIANT Rational(ULONG numerator, ULONG denominator);
-    static PROPVARIANT Text(const WCHAR *text); // not owned
-    static PROPVARIANT Narrow(const char *text);
-
-    PROPVARIANT Value{};
-};
-
 // Whether the bytes are anywhere in the file.
 bool Holds(const Octets &file, const std::string &bytes);
 

@@ -60,7 +60,7 @@ TEST(IntactPixels, AreIdenticalInEveryCoding)
         Octets result;
         ASSERT_EQ(S_OK, Rewrite(source, {}, result));
         EXPECT_EQ(before, DecodeJpeg(result));
-        EXPECT_EQ(sample.Options.Progressive, FactsOf(result).Progressive);
+        EXPECT_EQ(sample.Options.Progressive, Holds(result, sample.Options.Arithmetic ? "\xFF\xCA" : "\xFF\xC2"));
         ComPtr<IWICBitmapFrameDecode> again;
         ASSERT_EQ(S_OK, OpenFrame(result, again));
         double x = 0;

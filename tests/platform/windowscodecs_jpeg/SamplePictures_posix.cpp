@@ -152,22 +152,3 @@ Octets DecodeJpeg(const Octets &file)
     delete samples;
     return result;
 }
-
-JpegFacts FactsOf(const Octets &file)
-{
-    jpeg_decompress_struct decoder;
-    jpeg_error_mgr errors;
-    decoder.err = jpeg_std_error(&errors);
-    jpeg_create_decompress(&decoder);
-    jpeg_mem_src(&decoder, file.data(), file.size());
-    jpeg_read_header(&decoder, TRUE);
-    const JpegFacts facts{static_cast<int>(decoder.image_width),
-                          static_cast<int>(decoder.image_height),
-                          decoder.comp_info[0].h_samp_factor,
-                          decoder.comp_info[0].v_samp_factor,
-                          decoder.quant_tbl_ptrs[decoder.comp_info[0].quant_tbl_no]->quantval[0],
-                          decoder.progressive_mode != 0,
-                          decoder.X_density};
-    jpeg_destroy_decompress(&decoder);
-    return facts;
-}

@@ -35,15 +35,3 @@ Octets MakeJpeg(const SampleOptions &options);
 // The decoded samples in the file's own colour space, with size and colour space in front; empty if
 // the library finds fault with the file, even one it only warns of.
 Octets DecodeJpeg(const Octets &file);
-
-struct JpegFacts
-{
-    int Width = 0;
-    int Height = 0;
-    int HorizontalSampling = 0;
-    int VerticalSampling = 0;
-    int FirstQuantizer = 0; // of the DC coefficient of the first component
-    bool Progressive = false;
-    int DensityX = 0;
-};
-JpegFacts FactsOf(const Octets &file);

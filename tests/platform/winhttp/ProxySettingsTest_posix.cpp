@@ -69,17 +69,6 @@ TEST(ProxySettings, AreThoseOfTheEnvironment)
     Clear();
 }
 
-TEST(ProxySettings, AreNotDetected)
-{
-    const HINTERNET session = WinHttpOpen(TEXT("Halvora"), WINHTTP_ACCESS_TYPE_DEFAULT_PROXY, nullptr, nullptr, 0);
-    ASSERT_NE(nullptr, session);
-    WINHTTP_PROXY_INFO info{};
-    WINHTTP_AUTOPROXY_OPTIONS options{};
-    EXPECT_FALSE(WinHttpGetProxyForUrl(session, TEXT("https://a.example/"), &options, &info));
-    EXPECT_EQ(DWORD{ERROR_WINHTTP_AUTODETECTION_FAILED}, GetLastError());
-    EXPECT_TRUE(WinHttpCloseHandle(session));
-}
-
 TEST(ProxySettings, AreShownWithoutAPassword)
 {
     for (const char *server : {"p:1", "http://p:1", "http://me:a@b/c@p:1/", "me:sesame@p:1"})
