@@ -99,7 +99,7 @@ function(halvora_precompiled target)
     # A file that defines the GUIDs of the Windows headers (INITGUID) must include these headers itself.
     get_target_property(files ${target} SOURCES)
     list(FILTER files INCLUDE REGEX "(Identifiers|Guids|Module)\\.cpp$")
-    set_source_files_properties(${files} "${CMAKE_SOURCE_DIR}/com/Identifiers.cpp"
+    set_source_files_properties(${files} "${CMAKE_SOURCE_DIR}/plugin/Identifiers.cpp"
       PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
   endif()
 endfunction()

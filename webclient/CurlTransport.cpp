@@ -36,25 +36,18 @@ struct ListCloser
     }
 };
 
-class TextList
+using TextList = std::unique_ptr<curl_slist, ListCloser>;
+
+void Append(TextList &list, const char *line)
 {
-public:
-    void Add(const char *line)
+    curl_slist *const longer = curl_slist_append(list.get(), line);
+    if (longer == nullptr)
     {
-        curl_slist *longer = curl_slist_append(m_list.get(), line);
-        if (longer == nullptr)
-        {
-            throw std::bad_alloc();
-        }
-        static_cast<void>(m_list.release());
-        m_list.reset(longer);
+        throw std::bad_alloc();
     }
-
-    curl_slist *Get() const noexcept { return m_list.get(); }
-
-private:
-    std::unique_ptr<curl_slist, ListCloser> m_list;
-};
+    static_cast<void>(list.release());
+    list.reset(longer);
+}
 
 // One request and its answer.
 class CurlExchange
@@ -82,13 +75,20 @@ private:
         }
     }
 
+    // A callback for bytes, whose user pointer is the exchange.
+    template <auto Method>
+    static size_t Pass(char *bytes, size_t one, size_t size, void *self)
+    {
+        return (static_cast<CurlExchange *>(self)->*Method)(bytes, one * size);
+    }
+
     void SetConnection();
     void SetRequest();
     void SetBody();
     void SetCallbacks();
 
     size_t OnRead(char *buffer, size_t size);
-    size_t OnHeader(std::string_view line);
+    size_t OnHeader(const char *bytes, size_t size);
     size_t OnWrite(const char *bytes, size_t size);
     int OnProgress(UINT64 received, UINT64 sent);
     int OnBeforeRequest();
@@ -149,10 +149,7 @@ void CurlExchange::SetBody()
     }
     Set(CURLOPT_UPLOAD_BUFFERSIZE, 256L * 1024);
     Set(CURLOPT_READDATA, this);
-    Set(
-        CURLOPT_READFUNCTION, +[](char *buffer, size_t one, size_t size, void *self) -> size_t {
-            return static_cast<CurlExchange *>(self)->OnRead(buffer, one * size);
-        });
+    Set(CURLOPT_READFUNCTION, &Pass<&CurlExchange::OnRead>);
     // libcurl asks for this when it wants to send a body once more.
     Set(
         CURLOPT_SEEKFUNCTION, +[](void *, curl_off_t, int) -> int { return CURL_SEEKFUNC_FAIL; });
@@ -170,10 +167,10 @@ void CurlExchange::SetRequest()
     {
         Set(CURLOPT_HTTPGET, 1L);
     }
-    m_headers.Add("Expect:"); // no waiting for "100 Continue"
+    Append(m_headers, "Expect:"); // no waiting for "100 Continue"
     if (m_request.BodyLength() == 0)
     {
-        m_headers.Add("Content-Type:"); // libcurl would name one for a POST without a body
+        Append(m_headers, "Content-Type:"); // libcurl would name one for a POST without a body
     }
     for (const HttpHeader &header : m_request.headers)
     {
@@ -181,23 +178,17 @@ void CurlExchange::SetRequest()
         line.Append(": ");
         line.Append(header.value.View());
         line.Append('\0');
-        m_headers.Add(line.View().data());
+        Append(m_headers, line.View().data());
     }
-    Set(CURLOPT_HTTPHEADER, m_headers.Get());
+    Set(CURLOPT_HTTPHEADER, m_headers.get());
 }
 
 void CurlExchange::SetCallbacks()
 {
     Set(CURLOPT_WRITEDATA, this);
-    Set(
-        CURLOPT_WRITEFUNCTION, +[](char *bytes, size_t one, size_t size, void *self) -> size_t {
-            return static_cast<CurlExchange *>(self)->OnWrite(bytes, one * size);
-        });
+    Set(CURLOPT_WRITEFUNCTION, &Pass<&CurlExchange::OnWrite>);
     Set(CURLOPT_HEADERDATA, this);
-    Set(
-        CURLOPT_HEADERFUNCTION, +[](char *line, size_t one, size_t size, void *self) -> size_t {
-            return static_cast<CurlExchange *>(self)->OnHeader({line, one * size});
-        });
+    Set(CURLOPT_HEADERFUNCTION, &Pass<&CurlExchange::OnHeader>);
     Set(CURLOPT_NOPROGRESS, 0L);
     Set(CURLOPT_XFERINFODATA, this);
     Set(
@@ -231,8 +222,9 @@ size_t CurlExchange::OnRead(char *buffer, size_t size)
     return read;
 }
 
-size_t CurlExchange::OnHeader(std::string_view line)
+size_t CurlExchange::OnHeader(const char *bytes, size_t size)
 {
+    const std::string_view line(bytes, size);
     m_hasMoved = true;
     if (line.starts_with("HTTP/"))
     {
@@ -251,7 +243,7 @@ size_t CurlExchange::OnHeader(std::string_view line)
             }
         }
     }
-    return line.size();
+    return size;
 }
 
 size_t CurlExchange::OnWrite(const char *bytes, size_t size)

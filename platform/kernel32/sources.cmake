@@ -8,6 +8,5 @@ target_sources(platform PRIVATE
   kernel32/NumberFormat.cpp
   kernel32/ResourceSection.cpp
   kernel32/Resources.cpp
-  kernel32/SystemMessages.cpp
   kernel32/SystemVersion.cpp
   kernel32/Time.cpp)

@@ -1,9 +1,8 @@
-// Creation of objects: by a class object that the process has registered, else by the module that the class table
+// Apartments, and creation of objects: by a class object that the process has registered, else by the module that the class table
 // names. A module, once loaded, stays until the process ends.
 #include "com/ComPtr.h"
 #include "com/Hresult.h"
 #include "platform/kernel32/LoadedModules.h"
-#include "platform/ole32/Apartment.h"
 #include "platform/ole32/ClassServers.h"
 
 #include "XmlInterfaces.h"
@@ -14,10 +13,27 @@
 #include <dlfcn.h>
 
 #include <algorithm>
+#include <atomic>
 #include <mutex>
 
 namespace
 {
+struct ThreadState
+{
+    unsigned entries = 0;
+    bool multithreaded = false;
+};
+
+thread_local ThreadState threadState;
+std::atomic<unsigned> multithreadedThreads{0};
+
+// True after CoInitializeEx on this thread, and on every thread while some thread holds the multithreaded apartment
+// open.
+bool IsInApartment()
+{
+    return threadState.entries != 0 || multithreadedThreads.load() != 0;
+}
+
 struct Registration
 {
     CLSID clsid;
@@ -105,6 +121,35 @@ HRESULT GetFactory(REFCLSID clsid, ComPtr<IClassFactory> &factory)
     return result;
 }
 } // namespace
+
+HRESULT WINAPI CoInitializeEx(LPVOID reserved, DWORD flags)
+{
+    constexpr DWORD known = COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE | COINIT_SPEED_OVER_MEMORY;
+    if (reserved != nullptr || (flags & ~known) != 0)
+    {
+        return E_INVALIDARG;
+    }
+    const bool multithreaded = (flags & COINIT_APARTMENTTHREADED) == 0;
+    if (threadState.entries != 0 && threadState.multithreaded != multithreaded)
+    {
+        return RPC_E_CHANGED_MODE;
+    }
+    if (threadState.entries++ != 0)
+    {
+        return S_FALSE;
+    }
+    threadState.multithreaded = multithreaded;
+    multithreadedThreads += multithreaded ? 1 : 0;
+    return S_OK;
+}
+
+void WINAPI CoUninitialize()
+{
+    if (threadState.entries != 0 && --threadState.entries == 0 && threadState.multithreaded)
+    {
+        --multithreadedThreads;
+    }
+}
 
 void SetClassServers(std::vector<ClassServer> servers)
 {

@@ -1,8 +1,10 @@
-// Values of properties: freeing what they hold. Of the types that hold something these are the ones of metadata.
+// Values of properties: freeing what they hold. Of the types that hold something these are the ones of metadata. And
+// task memory, which is the C heap: what one side allocates the other may free.
 #include <windows.h>
 #include <objbase.h>
 #include <propidl.h>
 
+#include <cstdlib>
 #include <cstring>
 
 namespace
@@ -49,4 +51,14 @@ HRESULT WINAPI PropVariantClear(PROPVARIANT *value)
         std::memset(value, 0, sizeof *value);
     }
     return S_OK;
+}
+
+LPVOID WINAPI CoTaskMemAlloc(SIZE_T size)
+{
+    return std::malloc(size ? size : 1);
+}
+
+void WINAPI CoTaskMemFree(LPVOID memory)
+{
+    std::free(memory);
 }

@@ -1,3 +1,1 @@
-target_sources(platform PRIVATE
-  shell32/DetachedProgram.cpp
-  shell32/ShellExecute.cpp)
+target_sources(platform PRIVATE shell32/ShellExecute.cpp)

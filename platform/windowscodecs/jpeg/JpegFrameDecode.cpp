@@ -2,7 +2,7 @@
 
 #include "com/Hresult.h"
 #include "jpegdata/PictureSurvey.h"
-#include "platform/windowscodecs/jpeg/MetadataQueryObject.h"
+#include "platform/windowscodecs/jpeg/MetadataQueries.h"
 #include "platform/windowscodecs/jpeg/PixelCoding.h"
 
 #include <algorithm>

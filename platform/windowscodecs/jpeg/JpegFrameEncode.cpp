@@ -1,7 +1,7 @@
 #include "platform/windowscodecs/jpeg/JpegFrameEncode.h"
 
 #include "jpegdata/JpegMarkers.h"
-#include "platform/windowscodecs/jpeg/MetadataQueryObject.h"
+#include "platform/windowscodecs/jpeg/MetadataQueries.h"
 #include "platform/windowscodecs/jpeg/ScanCopy.h"
 
 #include <algorithm>

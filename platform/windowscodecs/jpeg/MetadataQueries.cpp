@@ -1,15 +1,18 @@
 #include "platform/windowscodecs/jpeg/MetadataQueries.h"
 
 #include "com/AsciiText.h"
+#include "com/ComObject.h"
 #include "com/Hresult.h"
-#include "jpegdata/JpegMarkers.h"
 #include "com/TextConversion.h"
+#include "jpegdata/JpegMarkers.h"
+#include "platform/windowscodecs/UncalledMethods.h"
 #include "platform/windowscodecs/jpeg/ExifQueries.h"
 #include "platform/windowscodecs/jpeg/PropertyValue.h"
 
 #include <wincodec.h>
 
 #include <algorithm>
+#include <mutex>
 #include <span>
 
 namespace
@@ -101,7 +104,6 @@ bool Remove(MetadataBlocks &blocks, Items path)
            : Is(path[0], TEXT("app13")) ? DropCopies(blocks, IsApp13) | blocks.Texts.RemoveIptc()
                                         : RemoveSegment(blocks, path[0]);
 }
-} // namespace
 
 void GetMetadata(const MetadataBlocks &blocks, WideView text, PROPVARIANT *value)
 {
@@ -142,4 +144,81 @@ void RemoveMetadata(MetadataBlocks &blocks, WideView text)
     {
         ThrowHresult(WINCODEC_ERR_PROPERTYNOTFOUND);
     }
+}
+
+// Reader and writer in one class; the reader's interface has no methods that change anything.
+class CMetadataQuery final
+    : public UncalledOfMetadataQueries<
+          ComObject<CMetadataQuery, Answers<IWICMetadataQueryWriter, IWICMetadataQueryReader>>>
+{
+public:
+    CMetadataQuery(ComPtr<IUnknown> owner, MetadataBlocks &blocks) : m_owner(std::move(owner)), m_blocks(blocks) {}
+
+    // value may be null to ask whether there is one.
+    STDMETHODIMP GetMetadataByName(LPCWSTR name, PROPVARIANT *value) noexcept override
+    {
+        if (name == nullptr)
+        {
+            return E_INVALIDARG;
+        }
+        PROPVARIANT found{};
+        const HRESULT result = AtBoundary([&] {
+            const std::lock_guard guard(m_mutex);
+            GetMetadata(m_blocks, name, &found);
+            return S_OK;
+        });
+        if (value != nullptr)
+        {
+            *value = found;
+        }
+        else
+        {
+            PropVariantClear(&found);
+        }
+        return result;
+    }
+
+    STDMETHODIMP SetMetadataByName(LPCWSTR name, const PROPVARIANT *value) noexcept override
+    {
+        if (name == nullptr || value == nullptr)
+        {
+            return E_INVALIDARG;
+        }
+        return Change([&] { SetMetadata(m_blocks, name, *value); });
+    }
+
+    STDMETHODIMP RemoveMetadataByName(LPCWSTR name) noexcept override
+    {
+        if (name == nullptr)
+        {
+            return E_INVALIDARG;
+        }
+        return Change([&] { RemoveMetadata(m_blocks, name); });
+    }
+
+private:
+    template <class Work>
+    HRESULT Change(Work work) noexcept
+    {
+        return AtBoundary([&] {
+            const std::lock_guard guard(m_mutex);
+            work();
+            return S_OK;
+        });
+    }
+
+    ComPtr<IUnknown> m_owner;
+    MetadataBlocks &m_blocks;
+    std::mutex m_mutex;
+};
+} // namespace
+
+ComPtr<IWICMetadataQueryReader> MakeQueryReader(ComPtr<IUnknown> owner, MetadataBlocks &blocks)
+{
+    return CMetadataQuery::Make(std::move(owner), blocks);
+}
+
+ComPtr<IWICMetadataQueryWriter> MakeQueryWriter(ComPtr<IUnknown> owner, MetadataBlocks &blocks)
+{
+    return CMetadataQuery::Make(std::move(owner), blocks);
 }

@@ -1,4 +1,5 @@
-// Reading, setting and removing metadata by the paths of the query interfaces.
+// The objects behind the metadata query interfaces, which read, set and remove metadata by paths. They work on blocks
+// that belong to a frame, which they keep alive.
 //
 //   /app1/ifd/{ushort=tag}                 a field of the EXIF block; exif, exif/interop or gps in front of it names its
 //                                          directory. The only one of these that is read.
@@ -13,12 +14,11 @@
 // there, WINCODEC_ERR_TOOMUCHMETADATA for one that doesn't fit into its block's segment.
 #pragma once
 
-#include "com/WideText.h"
+#include "com/ComPtr.h"
 #include "platform/windowscodecs/jpeg/MetadataBlocks.h"
 
-#include <objidl.h>
-#include <propidl.h>
+#include <wincodec.h>
 
-void GetMetadata(const MetadataBlocks &blocks, WideView path, PROPVARIANT *value);
-void SetMetadata(MetadataBlocks &blocks, WideView path, const PROPVARIANT &value);
-void RemoveMetadata(MetadataBlocks &blocks, WideView path);
+ComPtr<IWICMetadataQueryReader> MakeQueryReader(ComPtr<IUnknown> owner, MetadataBlocks &blocks);
+
+ComPtr<IWICMetadataQueryWriter> MakeQueryWriter(ComPtr<IUnknown> owner, MetadataBlocks &blocks);
