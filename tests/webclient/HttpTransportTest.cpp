@@ -282,7 +282,9 @@ TEST_F(HttpTransportTest, LimitsEndWhatDoesNotMove)
     limits.stall = 20s;
     limits.smallAnswer = 700ms;
     CountedBody query(50);
+    const auto start = Clock::now();
     EXPECT_EQ(Send("mute", &query, limits, "POST", true).problem, TransportProblem::AnswerMissing);
+    EXPECT_LT(Clock::now() - start, 10s);
     limits.smallAnswer = 20s;
     limits.smallWhole = 1500ms;
     query.Rewind();

@@ -37,5 +37,6 @@ TEST(WebComponentsModule, KnowsWhenItMayBeUnloaded)
     void *object = &object;
     EXPECT_EQ(getClassObject(CLSID_DOMDocument60, __uuidof(IClassFactory), &object), CLASS_E_CLASSNOTAVAILABLE);
     EXPECT_EQ(object, nullptr);
+    EXPECT_EQ(getClassObject(CLSID_OAuthWebClient, __uuidof(IClassFactory), nullptr), E_INVALIDARG);
 }
 } // namespace

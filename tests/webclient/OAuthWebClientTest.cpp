@@ -331,6 +331,12 @@ TEST_F(OAuthWebClientTest, IncompleteCallsAreRefused)
     EXPECT_THAT((std::array{bare->Reserved1(), bare->Reserved2(), bare->Reserved3()}), testing::Each(E_NOTIMPL));
     EXPECT_EQ(m_client->SetAccessToken(TEXT(" "), TEXT("b")), E_INVALIDARG);
     EXPECT_EQ(m_client->SetAccessToken(TEXT("a"), TEXT("")), E_INVALIDARG);
+    EXPECT_EQ(m_client->SetAccessToken(nullptr, TEXT("b")), E_INVALIDARG);
+    EXPECT_EQ(m_client->GetAuthorizationUrl(0, nullptr, nullptr), E_INVALIDARG);
+    EXPECT_EQ(m_client->RestRequest(nullptr, TEXT("PUT"), nullptr, nullptr, 0, m_reply.Put()), E_INVALIDARG);
+    EXPECT_EQ(m_client->UploadRequest(nullptr, nullptr, TEXT("POST"), nullptr, nullptr, nullptr, nullptr, 1,
+                                      nullptr, 0, nullptr),
+              E_INVALIDARG);
     EXPECT_EQ(UploadText(""), E_INVALIDARG);
     EXPECT_EQ(m_client->UploadRequest(TEXT("http://flickr.example/upload/"), nullptr, TEXT("POST"), nullptr,
                                       nullptr, nullptr, ScriptedStream::Make("x").Get(), 1, nullptr, 0,

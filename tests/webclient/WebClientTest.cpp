@@ -233,7 +233,8 @@ TEST_F(WebClientTest, ProxyGetsTheNameAndPasswordOfItsAddressAndIsNamedWhenItRef
     } cases[] = {{"", static_cast<HRESULT>(0x80072EEF), asks},
                  {"me:sesame@", S_OK, "(none)"},
                  {"me:wrong@", static_cast<HRESULT>(0x80072EEF), asks},
-                 {"me:banned@", static_cast<HRESULT>(0x80072EFD), refuses}};
+                 {"me:banned@", static_cast<HRESULT>(0x80072EFD), refuses},
+                 {"nowhere.invalid:8080/", static_cast<HRESULT>(0x80072EE7), "The name of the proxy"}};
     for (const auto &c : cases)
     {
         setenv("https_proxy", ("http://" + (c.login + place)).c_str(), 1);
