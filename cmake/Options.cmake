@@ -39,7 +39,7 @@ endif()
 # Flags of our own code; third-party sources built here don't get them.
 add_library(halvora_flags INTERFACE)
 target_compile_options(halvora_flags INTERFACE -Wall -Wextra -Wno-missing-field-initializers
-  -Wno-restrict) # g++ 12 warns falsely of "literal" + std::string&&
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>) # g++ 12 warns falsely of "literal" + std::string&&
 target_compile_definitions(halvora_flags INTERFACE UNICODE _UNICODE NOMINMAX)
 
 if(HALVORA_NATIVE)
@@ -57,6 +57,9 @@ if(HALVORA_NATIVE)
   if(HALVORA_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL Clang) # its libFuzzer sees what has been reached
+      add_compile_options(-fsanitize=fuzzer-no-link)
+    endif()
   endif()
 else()
   target_compile_definitions(halvora_flags INTERFACE STRSAFE_NO_DEPRECATE
@@ -96,7 +99,7 @@ function(halvora_precompiled target)
     # A file that defines the GUIDs of the Windows headers (INITGUID) must include these headers itself.
     get_target_property(files ${target} SOURCES)
     list(FILTER files INCLUDE REGEX "(Identifiers|Guids|Module)\\.cpp$")
-    set_source_files_properties(${files} "${CMAKE_SOURCE_DIR}/tests/doubles/Identifiers.cpp"
+    set_source_files_properties(${files} "${CMAKE_SOURCE_DIR}/com/Identifiers.cpp"
       PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
   endif()
 endfunction()

@@ -1,20 +1,22 @@
-// fuzz-readers TARGET [--seconds N] [--count N] [--seed N] spoils samples in new ways until the time is over or
-// the number is reached. fuzz-readers TARGET --file F reads one file. Bytes that abort the program remain in
-// fuzz-TARGET.found in the working folder, to be read again with --file.
+// The readers of untrusted bytes under libFuzzer (https://llvm.org/docs/LibFuzzer.html), which calls
+// LLVMFuzzerTestOneInput with bytes that it changes so that they reach more and more of the code:
+//
+//     fuzz-readers TARGET FOLDER [FOLDER...] [-runs=N] [-max_total_time=SECONDS] ...
+//
+// The folders hold the bytes to begin with. The target's samples and what earlier searches kept, each a line of
+// hexadecimal digits in corpus/TARGET, are put into the first; so is what is found worth keeping. tools/fuzz builds and
+// starts it. With a compiler that has no libFuzzer, Replay.cpp reads each file once.
 #include "fuzz/FuzzTarget.h"
-#include "fuzz/Mutation.h"
 
 #include <windows.h>
 #include <objbase.h>
 
-#include <chrono>
-#include <csignal>
+#include <charconv>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
-#include <iterator>
-
-#include <unistd.h>
 
 // Not our leak: exiv2's XMP toolkit keeps the namespaces of every packet until the process ends.
 extern "C" __attribute__((visibility("default"))) const char *__lsan_default_suppressions()
@@ -22,119 +24,88 @@ extern "C" __attribute__((visibility("default"))) const char *__lsan_default_sup
     return "leak:Exiv2::XmpProperties::registerNs";
 }
 
-extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*callback)());
-
 namespace
 {
 constexpr const FuzzTarget *Targets[] = {&JpegFiles, &MetadataPaths, &RegistryFiles,   &AccountStreams, &Addresses,
                                          &Replies,   &TaskDialogs,   &MultipartBodies, &Forms};
-constexpr unsigned SecondsForOne = 20;
-
 const FuzzTarget *g_target;
-const std::string *g_bytes;
 
-void KeepBytes()
+const FuzzTarget *TargetOf(std::string_view name)
 {
-    if (g_bytes != nullptr)
+    for (const FuzzTarget *target : Targets)
     {
-        const std::string name = std::string("fuzz-") + g_target->Name + ".found";
-        std::ofstream(name, std::ios::binary) << *g_bytes;
-        std::fprintf(stderr, "fuzz-readers: the bytes are in %s\n", name.c_str());
+        if (name == target->Name)
+        {
+            return target;
+        }
     }
+    return nullptr;
 }
 
-void EndLate(int)
+[[noreturn]] void Refuse()
 {
-    std::fprintf(stderr, "fuzz-readers: %s is still reading after %u s\n", g_target->Name, SecondsForOne);
-    KeepBytes();
-    _exit(1);
-}
-
-void ReadOne(const std::string &bytes)
-{
-    g_bytes = &bytes;
-    alarm(SecondsForOne);
-    g_target->Read(bytes);
-    alarm(0);
-    g_bytes = nullptr;
-}
-
-int Usage()
-{
-    std::fputs("fuzz-readers TARGET [--seconds N] [--count N] [--seed N] [--file F]; targets:", stderr);
+    std::fputs("fuzz-readers TARGET FOLDER...; the targets are", stderr);
     for (const FuzzTarget *target : Targets)
     {
         std::fprintf(stderr, " %s", target->Name);
     }
     std::fputs("\n", stderr);
-    return 2;
+    std::exit(2);
+}
+
+std::string BytesOfDigits(std::string_view digits)
+{
+    std::string bytes;
+    for (; digits.size() >= 2; digits.remove_prefix(2))
+    {
+        unsigned byte = 0;
+        std::from_chars(digits.data(), digits.data() + 2, byte, 16);
+        bytes += static_cast<char>(byte);
+    }
+    return bytes;
+}
+
+void WriteSamples(const std::filesystem::path &folder)
+{
+    std::vector<std::string> samples = g_target->Samples();
+    std::ifstream kept(std::filesystem::path(FUZZ_CORPUS) / g_target->Name);
+    for (std::string line; std::getline(kept, line);)
+    {
+        samples.push_back(BytesOfDigits(line));
+    }
+    std::filesystem::create_directories(folder);
+    int number = 0;
+    for (const std::string &sample : samples)
+    {
+        std::ofstream(folder / ("sample" + std::to_string(++number)), std::ios::binary) << sample;
+    }
 }
 } // namespace
 
 void Broken(const char *promise)
 {
     std::fprintf(stderr, "fuzz-readers: %s: not so: %s\n", g_target->Name, promise);
-    KeepBytes();
-    _exit(1);
+    std::abort();
 }
 
-int main(int argc, char **argv)
+extern "C" int LLVMFuzzerInitialize(int *count, char ***arguments)
 {
-    for (const FuzzTarget *target : Targets)
-    {
-        if (argc % 2 == 0 && std::string_view(argv[1]) == target->Name)
-        {
-            g_target = target;
-        }
-    }
+    g_target = *count > 2 ? TargetOf((*arguments)[1]) : nullptr;
     if (g_target == nullptr)
     {
-        return Usage();
+        Refuse();
     }
-    double seconds = 1e9;
-    unsigned long count = ~0ul;
-    uint64_t seed = 1;
-    std::string file;
-    for (int i = 2; i + 1 < argc; i += 2)
-    {
-        const std::string_view option = argv[i];
-        if (option == "--seconds")
-            seconds = std::atof(argv[i + 1]);
-        else if (option == "--count")
-            count = std::strtoul(argv[i + 1], nullptr, 10);
-        else if (option == "--seed")
-            seed = std::strtoull(argv[i + 1], nullptr, 10);
-        else if (option == "--file")
-            file = argv[i + 1];
-        else
-            return Usage();
-    }
-    std::signal(SIGALRM, EndLate);
-    std::signal(SIGABRT, [](int) { KeepBytes(); });
-    if (__sanitizer_set_death_callback != nullptr)
-    {
-        __sanitizer_set_death_callback(KeepBytes);
-    }
+    WriteSamples((*arguments)[2]);
+    // libFuzzer reads the rest.
+    (*arguments)[1] = (*arguments)[0];
+    ++*arguments;
+    --*count;
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-    if (!file.empty())
-    {
-        std::ifstream stream(file, std::ios::binary);
-        ReadOne(std::string(std::istreambuf_iterator<char>(stream), {}));
-        return 0;
-    }
-    const std::vector<std::string> samples = g_target->Samples();
-    for (const std::string &sample : samples)
-    {
-        ReadOne(sample);
-    }
-    Mutation mutation(samples, seed);
-    const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
-    unsigned long done = 0;
-    for (; done < count && std::chrono::steady_clock::now() < end; ++done)
-    {
-        ReadOne(mutation.Next());
-    }
-    std::printf("%s: %lu readings, seed %llu\n", g_target->Name, done, static_cast<unsigned long long>(seed));
-    CoUninitialize();
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, size_t size)
+{
+    g_target->Read({reinterpret_cast<const char *>(bytes), size});
     return 0;
 }

@@ -3,9 +3,9 @@
 #pragma once
 
 #include "host/CommandLine.h"
-#include "host/ExitCode.h"
 #include "host/Journal.h"
 #include "host/Profile.h"
+#include "host/RunRecord.h"
 
 #include <string>
 #include <vector>

@@ -1,6 +1,6 @@
 #include "host/CopiedBlocks.h"
 
-#include "host/ExifTags.h"
+#include "host/ExifFields.h"
 
 #include "com/Hresult.h"
 #include "com/TextConversion.h"

@@ -1,27 +1,13 @@
 #include "host/FileDigest.h"
 
+#include "com/Hash.h"
+
 #include <chrono>
 #include <fstream>
-#include <utility>
 #include <vector>
 
 namespace fs = std::filesystem;
 using namespace std::chrono;
-
-namespace
-{
-// Two lower-case hexadecimal digits for each byte.
-std::string HexDigits(const Sha256Digest &digest)
-{
-    constexpr char digits[] = "0123456789abcdef";
-    std::string text;
-    for (const unsigned char byte : digest)
-    {
-        text += {digits[byte >> 4], digits[byte & 15]};
-    }
-    return text;
-}
-} // namespace
 
 std::optional<FileState> LookAtFile(const fs::path &file)
 {
@@ -44,14 +30,18 @@ std::string DigestOfFile(const fs::path &file)
         return std::string();
     }
     std::vector<char> buffer(size_t{256} << 10);
-    const Sha256Digest digest = Sha256OfChunks([&] {
+    Sha256 hash;
+    do
+    {
         stream.read(buffer.data(), static_cast<std::streamsize>(buffer.size()));
-        return std::string_view(buffer.data(), static_cast<size_t>(stream.gcount()));
-    });
-    return stream.eof() ? HexDigits(digest) : std::string();
+        hash.Add({buffer.data(), static_cast<size_t>(stream.gcount())});
+    } while (stream);
+    return stream.eof() ? hash.Finish() : std::string();
 }
 
 std::string DigestOfText(std::string_view text)
 {
-    return HexDigits(Sha256OfChunks([&] { return std::exchange(text, std::string_view()); }));
+    Sha256 hash;
+    hash.Add(text);
+    return hash.Finish();
 }

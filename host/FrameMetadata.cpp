@@ -1,15 +1,14 @@
-#include "host/FrameMetadata.h"
+#include "host/ImageMetadata.h"
 
-#include "host/ExifFieldValue.h"
-#include "host/ExifTags.h"
+#include "host/ExifFields.h"
 #include "host/MetadataTexts.h"
-#include "host/SnapshotFields.h"
 
 #include "com/ComPtr.h"
 #include "com/TextConversion.h"
 
 #include <objbase.h>
 
+#include <algorithm>
 #include <optional>
 #include <span>
 #include <string>
@@ -49,14 +48,7 @@ public:
 
     bool Read(IWICMetadataQueryReader &reader, BlockPaths blocks, const WideText &item)
     {
-        for (const WideView block : blocks)
-        {
-            if (Read(reader, WideText(block) + item))
-            {
-                return true;
-            }
-        }
-        return false;
+        return std::ranges::any_of(blocks, [&](WideView block) { return Read(reader, WideText(block) + item); });
     }
 
     // Bytes of a field, whether it is called a text, undefined or a list of bytes.

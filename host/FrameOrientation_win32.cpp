@@ -1,6 +1,6 @@
 #include "host/FrameOrientation_win32.h"
 
-#include "host/FrameMetadata.h"
+#include "host/ImageMetadata.h"
 
 #include "com/ComPtr.h"
 

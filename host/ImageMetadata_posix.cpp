@@ -1,11 +1,10 @@
 #include "host/ImageMetadata.h"
 
 #include "com/ErrnoCodes_posix.h"
-#include "host/ExifTags.h"
+#include "com/WholeFile.h"
+#include "host/ExifFields.h"
 #include "host/ExtendedXmp_posix.h"
 #include "host/MetadataTexts.h"
-#include "host/SnapshotFields.h"
-#include "com/WholeFile.h"
 
 #include "com/Hresult.h"
 

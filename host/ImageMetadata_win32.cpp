@@ -1,9 +1,8 @@
 #include "host/ImageMetadata.h"
 
-#include "host/Apartment.h"
-#include "host/FrameMetadata.h"
-#include "host/ImagingTrial.h"
 #include "com/WholeFile.h"
+#include "host/Apartment.h"
+#include "host/ImagingTrial.h"
 
 #include "com/ComPtr.h"
 #include "com/Hresult.h"

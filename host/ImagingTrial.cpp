@@ -1,6 +1,6 @@
 #include "host/ImagingTrial.h"
 
-#include "host/FrameMetadata.h"
+#include "host/ImageMetadata.h"
 #include "host/MetadataWriting.h"
 #include "host/PictureSource.h"
 #include "host/TextEncodings.h"
@@ -191,34 +191,28 @@ private:
 
     ComPtr<IWICImagingFactory> m_factory;
 };
+
+// What the trial finds out, or the value for one that fails.
+template <class Value>
+Value Tried(Value (Trial::*trial)(), Value failed) noexcept
+{
+    AtBoundary([&] {
+        failed = (Trial().*trial)();
+        return S_OK;
+    });
+    return failed;
+}
 } // namespace
 
 MetadataSupport TryWritingMetadata() noexcept
 {
-    static const MetadataSupport Found = [] {
-        MetadataSupport support;
-        AtBoundary([&] {
-            support.copies = Trial().Copies();
-            return S_OK;
-        });
-        AtBoundary([&] {
-            support.writes = Trial().Writes();
-            return S_OK;
-        });
-        return support;
-    }();
+    static const MetadataSupport Found = {Tried(&Trial::Copies, CopiedMetadata::Unknown),
+                                          Tried(&Trial::Writes, false)};
     return Found;
 }
 
 bool TryReadingMetadata() noexcept
 {
-    static const bool ReadingAnswer = [] {
-        bool Found = false;
-        const HRESULT result = AtBoundary([&] {
-            Found = Trial().Reads();
-            return S_OK;
-        });
-        return SUCCEEDED(result) && Found;
-    }();
-    return ReadingAnswer;
+    static const bool Found = Tried(&Trial::Reads, false);
+    return Found;
 }

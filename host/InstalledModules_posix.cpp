@@ -1,8 +1,8 @@
 #include "host/InstalledModules_posix.h"
 
 #include "host/FileNames.h"
-#include "host/Profile.h"
 #include "host/PluginSettings.h"
+#include "host/Profile.h"
 #include "host/SystemWords.h"
 
 #include "platform/advapi32/RegistryStore.h"

@@ -1,5 +1,6 @@
 #include "host/LinkText.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace
@@ -11,14 +12,9 @@ constexpr std::pair<std::string_view, std::string_view> Commands[] = {
 
 std::string_view CommandOf(std::string_view id)
 {
-    for (const auto &[name, command] : Commands)
-    {
-        if (name == id)
-        {
-            return command;
-        }
-    }
-    return {};
+    const auto *const found =
+        std::ranges::find(Commands, id, &std::pair<std::string_view, std::string_view>::first);
+    return found != std::end(Commands) ? found->second : std::string_view();
 }
 
 std::string_view AttributeOf(std::string_view tag, std::string_view name)
@@ -40,18 +36,10 @@ std::string WithoutEntities(std::string_view text)
     std::string plain;
     while (!text.empty())
     {
-        size_t taken = 1;
-        char character = text.front();
-        for (const auto &[entity, meaning] : Entities)
-        {
-            if (text.starts_with(entity))
-            {
-                taken = entity.size();
-                character = meaning;
-            }
-        }
-        plain += character;
-        text.remove_prefix(taken);
+        const auto *const found =
+            std::ranges::find_if(Entities, [&](const auto &entity) { return text.starts_with(entity.first); });
+        plain += found != std::end(Entities) ? found->second : text.front();
+        text.remove_prefix(found != std::end(Entities) ? found->first.size() : 1);
     }
     return plain;
 }

@@ -1,6 +1,6 @@
 #include "host/MetadataSnapshots.h"
 
-#include "host/ExifTags.h"
+#include "host/ExifFields.h"
 
 #include "com/BstrOwner.h"
 

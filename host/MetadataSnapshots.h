@@ -35,13 +35,13 @@ constexpr int NoNumber = -100;
 
 struct MetadataSnapshot
 {
-    std::vector<ExifField> camera; // camera and shooting data, by the lists in SnapshotFields.h
+    std::vector<ExifField> camera; // camera and shooting data, by the lists in ExifFields.cpp
     std::vector<ExifField> gps;
     int rating = NoNumber;  // -1 (rejected) to 5
     int urgency = NoNumber; // 0 to 8
     WideText label;
     UINT16 orientation = 1;  // EXIF's numbers, 1 to 8
-    bool isAdobeRgb = false; // by IsAdobeRgb of ExifTags.h
+    bool isAdobeRgb = false; // by IsAdobeRgb of ExifFields.h
 };
 
 using SnapshotPtr = std::shared_ptr<const MetadataSnapshot>;

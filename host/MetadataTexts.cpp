@@ -1,21 +1,16 @@
 #include "host/MetadataTexts.h"
 
-#include "host/ExifTags.h"
+#include "host/ExifFields.h"
 
+#include <algorithm>
 #include <initializer_list>
 
 namespace
 {
 WideText FirstText(std::initializer_list<WideText> candidates)
 {
-    for (const WideText &candidate : candidates)
-    {
-        if (!candidate.empty())
-        {
-            return candidate;
-        }
-    }
-    return WideText();
+    const auto *const found = std::ranges::find_if(candidates, [](const WideText &each) { return !each.empty(); });
+    return found != candidates.end() ? *found : WideText();
 }
 
 std::vector<WideText> ChooseKeywords(const MetadataTexts &blocks)

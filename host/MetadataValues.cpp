@@ -1,8 +1,7 @@
 #include "host/MetadataValues.h"
 
 #include "host/CopiedBlocks.h"
-#include "host/ExifFieldValue.h"
-#include "host/ExifTags.h"
+#include "host/ExifFields.h"
 #include "host/SystemWords.h"
 #include "host/TextEncodings.h"
 

@@ -1,7 +1,7 @@
 #include "host/MetadataWriting.h"
 
 #include "host/CopiedBlocks.h"
-#include "host/ExifTags.h"
+#include "host/ExifFields.h"
 #include "host/ImageTexts.h"
 #include "host/IptcTexts.h"
 #include "host/MetadataValues.h"

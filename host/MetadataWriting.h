@@ -21,7 +21,7 @@
 //
 // Orientation isn't metadata: it says how the pixels lie, as the colour profile says how they look. Pixels
 // that weren't turned keep it, whatever the switches say, and so do pixels in Adobe RGB the two fields that say
-// so where there is no profile (ExifTags.h).
+// so where there is no profile (ExifFields.h).
 #pragma once
 
 #include "host/MetadataSnapshots.h"

@@ -1,11 +1,10 @@
 #include "host/PictureDecoding.h"
 
 #include "com/ErrnoCodes_posix.h"
+#include "com/WholeFile.h"
 #include "host/FileNames.h"
 #include "host/JpegFile.h"
 #include "host/PixelDecoding_posix.h"
-#include "host/RawDecoding_posix.h"
-#include "com/WholeFile.h"
 
 #include <wincodec.h>
 

@@ -1,12 +1,12 @@
 #include "host/PictureDecoding.h"
 
+#include "com/WholeFile.h"
 #include "host/Apartment.h"
-#include "host/FrameMetadata.h"
+#include "host/FileNames.h"
 #include "host/FrameOrientation_win32.h"
+#include "host/ImageMetadata.h"
 #include "host/JpegFile.h"
 #include "host/SystemWords.h"
-#include "com/WholeFile.h"
-#include "host/FileNames.h"
 
 #include "com/ComPtr.h"
 #include "com/Hresult.h"
@@ -176,7 +176,7 @@ private:
     }
 
     // The frame's profile, or the colour space that its EXIF block names instead of one. The component gives
-    // both alike, in an order that it doesn't promise, and of the EXIF block less than ExifTags.h tells.
+    // both alike, in an order that it doesn't promise, and of the EXIF block less than ExifFields.h tells.
     ComPtr<IWICColorContext> ProfileOf(IWICBitmapFrameDecode *frame)
     {
         UINT count = 0;

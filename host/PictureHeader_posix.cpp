@@ -1,6 +1,6 @@
 #include "host/PictureHeader_posix.h"
 
-#include "host/ExifTags.h"
+#include "host/ExifFields.h"
 #include "host/JpegFile.h"
 #include "host/PictureDecoding.h"
 

@@ -1,12 +1,13 @@
 #include "host/PictureItems.h"
 
+#include "com/WholeFile.h"
 #include "host/FileNames.h"
 #include "host/TextEncodings.h"
-#include "com/WholeFile.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <iterator>
 #include <map>
 #include <optional>
 #include <set>
@@ -229,6 +230,14 @@ fs::path PictureItem::FileWith(const std::string &extension) const
 {
     fs::path file = stem;
     return file += "." + extension;
+}
+
+std::vector<fs::path> PictureItem::Files() const
+{
+    std::vector<fs::path> files;
+    std::ranges::transform(extensions, std::back_inserter(files),
+                           [&](const auto &each) { return FileWith(each); });
+    return files;
 }
 
 fs::path PictureItem::TypedFile() const

@@ -19,6 +19,7 @@ struct PictureItem
 
     std::filesystem::path File(size_t index) const { return FileWith(extensions[index]); }
     std::filesystem::path FileWith(const std::string &extension) const;
+    std::vector<std::filesystem::path> Files() const;
 
     // The first file, which stands for the picture, as the user wrote it.
     std::filesystem::path TypedFile() const;
@@ -40,6 +41,7 @@ struct ItemCollection
     std::vector<RefusedFile> refused;              // count as pictures that weren't published
     std::vector<RefusedFile> undecided;            // may have been published before
     std::vector<RefusedFile> leftOut;              // were published before; reason tells when
+    std::vector<RefusedFile> copies;               // of other items; reason tells of which
     std::vector<std::filesystem::path> folders;    // given although recursive is false
     std::vector<std::filesystem::path> empty;      // folders without pictures
     std::vector<std::filesystem::path> passedOver; // sidecars named beside pictures

@@ -192,6 +192,11 @@ PlannedRun PlanRun(ItemCollection pictures, const CommandLine &line, const Profi
         return FindPublished(plan.pictures.items, *plan.journal, plan.account, [&] { return compared(); });
     }();
     LeaveOut(plan.pictures, entries, SendsUnknown(line, CountUnknown(entries), display));
+    LeaveOutCopies(plan.pictures);
+    for (const RefusedFile &copy : plan.pictures.copies)
+    {
+        display.Log(1, ShownPath(copy.path) + " " + copy.reason + ".");
+    }
     for (const RefusedFile &left : plan.pictures.leftOut)
     {
         display.Log(left.reason.find(" as ") == left.reason.npos ? 0 : 1,
@@ -212,9 +217,10 @@ void ReportLeftOut(const ItemCollection &pictures, const CommandLine &line)
     {
         return;
     }
-    for (const auto &[outcome, files] : {std::pair(PorcelainLeftOut, &pictures.leftOut),
-                                         std::pair(PorcelainWord(ItemEnd::Unknown), &pictures.undecided),
-                                         std::pair(PorcelainWord(ItemEnd::Failed), &pictures.refused)})
+    for (const auto &[outcome, files] :
+         {std::pair(PorcelainLeftOut, &pictures.leftOut), std::pair(PorcelainLeftOut, &pictures.copies),
+          std::pair(PorcelainWord(ItemEnd::Unknown), &pictures.undecided),
+          std::pair(PorcelainWord(ItemEnd::Failed), &pictures.refused)})
     {
         for (const RefusedFile &file : *files)
         {
@@ -244,6 +250,7 @@ ExitCode RunDry(const PlannedRun &plan, const CommandLine &line, LiveDisplay &di
     };
     display.Print("A run would publish " + std::to_string(plan.pictures.items.size()) + " (" + SizeText(bytes) +
                   ")" + count(plan.pictures.leftOut, " on the account already") +
+                  count(plan.pictures.copies, " are copies of others") +
                   count(plan.pictures.undecided, " may be published or not") +
                   count(plan.pictures.refused, " can't be published") + ". Nothing was sent.\n");
     return plan.pictures.refused.empty() && plan.pictures.undecided.empty() ? ExitCode::Success

@@ -3,10 +3,10 @@
 #pragma once
 
 #include "host/CommandLine.h"
-#include "host/ExitCode.h"
 #include "host/Journal.h"
 #include "host/LiveDisplay.h"
 #include "host/PictureItems.h"
+#include "host/RunRecord.h"
 
 #include <memory>
 #include <optional>

@@ -2,6 +2,7 @@
 
 #include "host/InitData.h"
 
+#include "com/ComObject.h"
 #include "com/Hresult.h"
 #include "core/TextPieces.h"
 
@@ -39,6 +40,27 @@ ComPtr<IStream> MakeStream(const std::string &content)
     ThrowIfFailed(stream->Seek(start, STREAM_SEEK_SET, nullptr));
     return stream;
 }
+
+// Its "new" objects are the one observer.
+class ObserverFactory final : public ComObject<ObserverFactory, IClassFactory>
+{
+public:
+    explicit ObserverFactory(IUploadObserver &observer) : m_observer(&observer) {}
+
+    STDMETHODIMP CreateInstance(IUnknown *outer, REFIID iid, void **object) noexcept override
+    {
+        if (object == nullptr)
+        {
+            return E_POINTER;
+        }
+        *object = nullptr;
+        return outer != nullptr ? CLASS_E_NOAGGREGATION : m_observer->QueryInterface(iid, object);
+    }
+    STDMETHODIMP LockServer(BOOL) noexcept override { return S_OK; }
+
+private:
+    const ComPtr<IUploadObserver> m_observer;
+};
 } // namespace
 
 Storing StoringAfter(WideView verb, HRESULT result)
@@ -85,4 +107,20 @@ StoreOutcome PluginSession::Finish(Storing storing)
     }
     m_store.Overwrite(content);
     return StoreOutcome::Stored;
+}
+
+UploadObservation::UploadObservation(IUploadObserver &observer) noexcept
+{
+    AtBoundary([&] {
+        return CoRegisterClassObject(CLSID_UploadObserver, ObserverFactory::Make(observer).Get(),
+                                     CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &m_cookie);
+    });
+}
+
+UploadObservation::~UploadObservation()
+{
+    if (m_cookie != 0)
+    {
+        CoRevokeClassObject(m_cookie);
+    }
 }

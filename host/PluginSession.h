@@ -8,6 +8,7 @@
 #include "com/WideText.h"
 
 #include "HVRPublishToFlickr.h"
+#include "WebComponents.h"
 
 #include <objidl.h>
 
@@ -42,4 +43,19 @@ private:
     InitDataStore &m_store;
     ComPtr<IHalvoraPublishingPlugin> m_plugin;
     ComPtr<IStream> m_stream;
+};
+
+// Registers the host of a run as the one to whom the web component tells what the service answered.
+class UploadObservation
+{
+public:
+    // On the thread that publishes, and to be destroyed there: on Windows a class object belongs to the threads of
+    // its apartment. Where it can't be registered the run goes on without.
+    explicit UploadObservation(IUploadObserver &observer) noexcept;
+    ~UploadObservation();
+    UploadObservation(const UploadObservation &) = delete;
+    UploadObservation &operator=(const UploadObservation &) = delete;
+
+private:
+    DWORD m_cookie = 0;
 };

@@ -1,8 +1,8 @@
 #include "host/Profile.h"
 
+#include "com/WholeFile.h"
 #include "host/FileNames.h"
 #include "host/InitData.h"
-#include "com/WholeFile.h"
 
 namespace fs = std::filesystem;
 

@@ -1,9 +1,9 @@
 #include "host/PublishRun.h"
 
 #include "host/Apartment.h"
+#include "host/PluginSession.h"
 #include "host/ProgressWindows.h"
 #include "host/Terminal_posix.h"
-#include "host/UploadObservation.h"
 
 #include <atomic>
 #include <thread>

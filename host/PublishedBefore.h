@@ -1,5 +1,5 @@
-// Which pictures of a collection the journal knows: those that are on the account already are left out of a run, and
-// those whose outcome is unknown are for the user to decide.
+// What of a collection isn't to be sent: pictures that the journal knows to be on the account already, and copies within
+// the collection. Those whose outcome is unknown are for the user to decide.
 #pragma once
 
 #include "host/Journal.h"
@@ -22,3 +22,6 @@ size_t CountUnknown(const std::vector<std::optional<JournalEntry>> &entries);
 // sendsUnknown these stay items.
 void LeaveOut(ItemCollection &collection, const std::vector<std::optional<JournalEntry>> &entries,
               bool sendsUnknown);
+
+// Moves to the copies each item that has a file with the same bytes as one of an item before it.
+void LeaveOutCopies(ItemCollection &collection);

@@ -2,8 +2,8 @@
 
 #include "host/FileNames.h"
 #include "host/ImageMetadata.h"
-#include "host/MetadataWriting.h"
 #include "host/JpegFile.h"
+#include "host/MetadataWriting.h"
 #include "host/PictureSource.h"
 #include "host/RunAdvice.h"
 #include "host/TextEncodings.h"
@@ -134,9 +134,8 @@ void PublishingHost::NoteChoice(const std::string &entry)
     }
     std::string chosen;
     std::string others;
-    for (size_t i = 0; i < picture->extensions.size(); ++i)
+    for (const std::filesystem::path &file : picture->Files())
     {
-        const std::filesystem::path file = picture->File(i);
         std::string &names =
             entry.find("\"" + Utf8FromText(TextOfPath(file)) + "\"") != entry.npos ? chosen : others;
         names += (names.empty() ? "" : ", ") + ShownPath(file.filename());

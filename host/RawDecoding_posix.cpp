@@ -1,4 +1,4 @@
-#include "host/RawDecoding_posix.h"
+#include "host/PixelDecoding_posix.h"
 
 #include "host/FileNames.h"
 

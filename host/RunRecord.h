@@ -2,7 +2,6 @@
 // asks for, and by what it writes to the log in between.
 #pragma once
 
-#include "host/ExitCode.h"
 #include "host/PictureItems.h"
 #include "host/RunAdvice.h"
 
@@ -21,6 +20,15 @@ enum class ItemEnd
     HandedIn, // the service gave a ticket: it publishes the picture in its own time, or refuses it
     Unknown,  // sent, but the service's answer didn't come: it may be published
     Failed
+};
+
+// How the program ends, for the scripts that call it.
+enum class ExitCode
+{
+    Success = 0,    // of publish: every picture was published
+    SomeFailed = 1, // some or all of what was asked for was not done
+    Usage = 2,      // the command line was wrong; nothing was done
+    Cancelled = 3
 };
 
 struct RunSummary

@@ -16,14 +16,11 @@ namespace
 {
 const StoredSetting *FindByName(std::string_view name)
 {
-    for (const StoredSetting &setting : StoredSettings())
-    {
-        if (EqualsIgnoringCase(Utf8FromText(setting.Name), name))
-        {
-            return &setting;
-        }
-    }
-    return nullptr;
+    const auto &settings = StoredSettings();
+    const auto found = std::ranges::find_if(settings, [&](const StoredSetting &setting) {
+        return EqualsIgnoringCase(Utf8FromText(setting.Name), name);
+    });
+    return found != settings.end() ? &*found : nullptr;
 }
 
 // The number that a word stands for in a meaning such as "0 safe, 1 moderate, 2 restricted".

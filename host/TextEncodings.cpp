@@ -1,7 +1,5 @@
 #include "host/TextEncodings.h"
 
-#include "host/CharsetConversion.h"
-
 #include <algorithm>
 
 namespace

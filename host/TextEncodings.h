@@ -39,3 +39,21 @@ inline std::string Utf8FromText(WideView text)
 
 // Cuts the text at its first NUL and strips white space from the end.
 WideText WithoutPadding(WideText text);
+
+// The character sets of files other than UTF-8.
+enum class Charset
+{
+    Windows1252,
+    Iso2022Jp,
+    ShiftJis,
+    EucJp
+};
+
+enum class Faults
+{
+    Refuse, // nullopt for bytes that aren't valid
+    Replace // by U+FFFD
+};
+
+// By the system or its library. Also nullopt if the system lacks the character set.
+std::optional<WideText> TextFromCharset(Charset charset, std::string_view bytes, Faults faults);

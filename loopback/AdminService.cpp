@@ -1,6 +1,6 @@
 #include "loopback/AdminService.h"
 
-#include "loopback/UploadParameters.h"
+#include "loopback/PhotoIndex.h"
 
 #include <nlohmann/json.hpp>
 

@@ -141,7 +141,7 @@ Certificate NewCertificate(EVP_PKEY *key, const char *commonName, long life)
 std::string NameList(const char *dnsPrefix, const char *ipPrefix, const char *ipSuffix)
 {
     std::string list;
-    for (const auto &host : KnownHosts())
+    for (const auto &host : KnownHosts)
     {
         list += list.empty() ? "" : ",";
         list += host == "127.0.0.1" ? ipPrefix + host + ipSuffix : dnsPrefix + host;
@@ -209,7 +209,7 @@ bool IsUsable(const Pair &server, const Pair &authority)
         return false;
     }
     bool usable = X509_verify(server.certificate.get(), authority.key.get()) == 1;
-    for (const auto &host : KnownHosts())
+    for (const auto &host : KnownHosts)
     {
         usable = usable && (host == "127.0.0.1"
                                 ? X509_check_ip_asc(server.certificate.get(), host.c_str(), 0) == 1

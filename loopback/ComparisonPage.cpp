@@ -1,4 +1,4 @@
-#include "loopback/GalleryPage.h"
+#include "loopback/Gallery.h"
 
 #include "loopback/PageFrame.h"
 

@@ -2,7 +2,7 @@
 // destructor deletes the file unless Keep was called.
 #pragma once
 
-#include "loopback/Secrets.h"
+#include "com/Hash.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -37,7 +37,7 @@ private:
     int m_file = -1;
     std::int64_t m_size = 0;
     std::string m_firstBytes;
-    loopback::Sha256 m_hash;
+    ::Sha256 m_hash;
 };
 
 } // namespace loopback

@@ -59,6 +59,18 @@ std::pair<std::string, std::string> SplitAt(const std::string &text, char mark)
     return {text.substr(0, at), text.substr(at + 1)};
 }
 
+// The value of HALVORA_CONNECT_TO that directs a client's connections to this port.
+std::string ConnectToEntries(int port)
+{
+    std::string entries;
+    for (const char *host : {ApiHost, UploadHost, WebHost, MakerHost})
+    {
+        entries +=
+            fmt::format("{0}{1}:443:127.0.0.1:{2};{1}:80:127.0.0.1:{2}", entries.empty() ? "" : ";", host, port);
+    }
+    return entries;
+}
+
 void ThrowIf(const std::optional<std::string> &complaint)
 {
     if (complaint)
@@ -171,7 +183,7 @@ const LoopbackService::Parts::Route &LoopbackService::Parts::Route::Of(const Htt
             host == "localhost" || host == "127.0.0.1" || std::ranges::count(route->hosts, host) > 0;
         return isHere ? *route : Nowhere;
     }
-    return !IsKnownHost(host)                        ? Stranger
+    return std::ranges::count(KnownHosts, host) == 0 ? Stranger
            : request.target.starts_with(AdminPrefix) ? Admin
            : host == MakerHost                       ? Maker
            : path.starts_with("/services/")          ? Nowhere

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "loopback/Documents.h"
+#include "loopback/FormFields.h"
 
 #include <cstdint>
 #include <mutex>
@@ -18,7 +19,7 @@ struct PhotoRecord
     std::int64_t id = 0;
     std::string title;
     std::string description;
-    // As sent; SplitTags of UploadParameters.h separates them.
+    // As sent; SplitTags separates them.
     std::string tags;
     // 0 or 1
     int isPublic = 1;
@@ -65,5 +66,12 @@ private:
     Documents &m_documents;
     std::mutex m_mutex;
 };
+
+// White space separates tags; a tag in double quotes may contain blanks.
+std::vector<std::string> SplitTags(std::string_view tags);
+
+// Sets the record's members from title to isAsynchronous; those whose field is absent keep their defaults. Returns what
+// is wrong with the fields, or an empty text.
+std::string ReadUploadParameters(const FormFields &fields, PhotoRecord &record);
 
 } // namespace loopback

@@ -1,9 +1,9 @@
 #include "loopback/Secrets.h"
 
-#include <fmt/format.h>
+#include "com/Hash.h"
+
 #include <openssl/crypto.h>
 #include <openssl/evp.h>
-#include <openssl/hmac.h>
 #include <openssl/rand.h>
 
 #include <stdexcept>
@@ -14,16 +14,6 @@ namespace loopback
 
 namespace
 {
-
-std::string Hexadecimal(const unsigned char *bytes, std::size_t count)
-{
-    std::string text;
-    for (std::size_t i = 0; i < count; ++i)
-    {
-        text += fmt::format("{:02x}", bytes[i]);
-    }
-    return text;
-}
 
 std::vector<unsigned char> RandomBytes(std::size_t count)
 {
@@ -39,12 +29,9 @@ std::vector<unsigned char> RandomBytes(std::size_t count)
 
 std::string HmacSha1(std::string_view key, std::string_view message)
 {
-    unsigned char mac[EVP_MAX_MD_SIZE];
-    unsigned size = 0;
-    HMAC(EVP_sha1(), key.data(), static_cast<int>(key.size()),
-         reinterpret_cast<const unsigned char *>(message.data()), message.size(), mac, &size);
+    const auto mac = ::HmacSha1(key, message).value();
     unsigned char text[EVP_MAX_MD_SIZE * 2];
-    const int length = EVP_EncodeBlock(text, mac, static_cast<int>(size));
+    const int length = EVP_EncodeBlock(text, mac.data(), static_cast<int>(mac.size()));
     return std::string(reinterpret_cast<char *>(text), static_cast<std::size_t>(length));
 }
 
@@ -55,8 +42,7 @@ bool EqualSecretly(std::string_view one, std::string_view other)
 
 std::string RandomHex(std::size_t bytes)
 {
-    const auto random = RandomBytes(bytes);
-    return Hexadecimal(random.data(), bytes);
+    return HexDigits(RandomBytes(bytes));
 }
 
 std::string RandomDigits(std::size_t count)
@@ -72,29 +58,6 @@ std::string RandomDigits(std::size_t count)
 std::string NewToken()
 {
     return "72157" + RandomDigits(12) + "-" + RandomHex(8);
-}
-
-void Sha256::Release::operator()(evp_md_ctx_st *context) const
-{
-    EVP_MD_CTX_free(context);
-}
-
-Sha256::Sha256() : m_context(EVP_MD_CTX_new())
-{
-    EVP_DigestInit_ex(m_context.get(), EVP_sha256(), nullptr);
-}
-
-void Sha256::Add(std::string_view bytes)
-{
-    EVP_DigestUpdate(m_context.get(), bytes.data(), bytes.size());
-}
-
-std::string Sha256::Finish()
-{
-    unsigned char digest[EVP_MAX_MD_SIZE];
-    unsigned size = 0;
-    EVP_DigestFinal_ex(m_context.get(), digest, &size);
-    return Hexadecimal(digest, size);
 }
 
 } // namespace loopback

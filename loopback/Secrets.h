@@ -1,13 +1,10 @@
-// What needs OpenSSL: the hashes of signatures and files, comparison in constant time, and texts that can't be
+// What needs OpenSSL: the hash of signatures, comparison in constant time, and texts that can't be
 // guessed. Throws std::runtime_error if the random generator fails.
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <string>
 #include <string_view>
-
-struct evp_md_ctx_st;
 
 namespace loopback
 {
@@ -26,21 +23,5 @@ std::string RandomDigits(std::size_t count);
 
 // A token in the form that the real service's have.
 std::string NewToken();
-
-class Sha256
-{
-public:
-    Sha256();
-    void Add(std::string_view bytes);
-    // Returns 64 lower-case hexadecimal digits. The object can't be used again.
-    std::string Finish();
-
-private:
-    struct Release
-    {
-        void operator()(evp_md_ctx_st *context) const;
-    };
-    std::unique_ptr<evp_md_ctx_st, Release> m_context;
-};
 
 } // namespace loopback

@@ -14,11 +14,7 @@ inline constexpr char WebHost[] = HALVORA_WEB_HOST;
 inline constexpr char MakerHost[] = HALVORA_MAKER_HOST;
 
 // Every name in the server's certificate, which also holds 127.0.0.1 as an address.
-std::vector<std::string> KnownHosts();
-
-bool IsKnownHost(const std::string &name);
-
-// The value of HALVORA_CONNECT_TO that directs a client's connections to this port.
-std::string ConnectToEntries(int port);
+inline const std::vector<std::string> KnownHosts = {ApiHost,   UploadHost,  WebHost,
+                                                    MakerHost, "localhost", "127.0.0.1"};
 
 } // namespace loopback

@@ -68,17 +68,18 @@ TokenService::TokenService(AccountBook &accounts, RequestTokenBook &requests, OA
 {
 }
 
-HttpReply TokenService::RequestToken(const HttpRequest &request, const FormFields &fields)
+HttpReply TokenService::Answer(const HttpRequest &request, const FormFields &fields, Step step)
 {
     if (!request.secure)
     {
         return FailReply(95, "SSL is required");
     }
     const OAuthOutcome outcome = m_verifier.Check(request, fields);
-    if (!outcome.accepted)
-    {
-        return TextReply(401, outcome.problem);
-    }
+    return outcome.accepted ? (this->*step)(outcome) : TextReply(401, outcome.problem);
+}
+
+HttpReply TokenService::GiveRequestToken(const OAuthOutcome &outcome)
+{
     const std::string callback = FindField(outcome.parameters, "oauth_callback").value_or("");
     if (callback.empty())
     {
@@ -94,17 +95,8 @@ HttpReply TokenService::RequestToken(const HttpRequest &request, const FormField
                       {"oauth_token_secret", token.secret}});
 }
 
-HttpReply TokenService::AccessToken(const HttpRequest &request, const FormFields &fields)
+HttpReply TokenService::GiveAccessToken(const OAuthOutcome &outcome)
 {
-    if (!request.secure)
-    {
-        return FailReply(95, "SSL is required");
-    }
-    const OAuthOutcome outcome = m_verifier.Check(request, fields);
-    if (!outcome.accepted)
-    {
-        return TextReply(401, outcome.problem);
-    }
     if (outcome.token.empty())
     {
         return Absent("oauth_token");

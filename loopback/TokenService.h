@@ -15,11 +15,25 @@ class TokenService
 public:
     TokenService(AccountBook &accounts, RequestTokenBook &requests, OAuthVerifier::Clock clock);
 
-    HttpReply RequestToken(const HttpRequest &request, const FormFields &fields);
+    HttpReply RequestToken(const HttpRequest &request, const FormFields &fields)
+    {
+        return Answer(request, fields, &TokenService::GiveRequestToken);
+    }
+
     // Exchanges a request token, with its verifier, for an access token, once.
-    HttpReply AccessToken(const HttpRequest &request, const FormFields &fields);
+    HttpReply AccessToken(const HttpRequest &request, const FormFields &fields)
+    {
+        return Answer(request, fields, &TokenService::GiveAccessToken);
+    }
 
 private:
+    using Step = HttpReply (TokenService::*)(const OAuthOutcome &);
+
+    // The step's answer to a request that is rightly signed.
+    HttpReply Answer(const HttpRequest &request, const FormFields &fields, Step step);
+    HttpReply GiveRequestToken(const OAuthOutcome &outcome);
+    HttpReply GiveAccessToken(const OAuthOutcome &outcome);
+
     AccountBook &m_accounts;
     RequestTokenBook &m_requests;
     OAuthVerifier m_verifier;

@@ -1,8 +1,8 @@
 #include "loopback/UploadService.h"
 
+#include "loopback/PhotoIndex.h"
 #include "loopback/RestService.h"
 #include "loopback/Secrets.h"
-#include "loopback/UploadParameters.h"
 #include "loopback/XmlReply.h"
 
 #include <algorithm>

@@ -3,11 +3,8 @@
 #pragma once
 
 #include "settings/AboutPage.h"
-#include "settings/JpegPage.h"
-#include "settings/OptionsPage.h"
-#include "settings/PhotosPage.h"
 #include "settings/PropertyPage_win32.h"
-#include "settings/RawPage.h"
+#include "settings/SettingsPages.h"
 
 // Calls Load when the page is first shown, Click at clicks, and Save when the sheet is applied.
 class CSettingsPageImpl : public CPropertyPageImpl

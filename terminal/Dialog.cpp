@@ -1,6 +1,6 @@
 #include "terminal/Dialog.h"
 
-#include "terminal/DialogAnswer.h"
+#include "com/AsciiText.h"
 #include "terminal/DialogDrawing.h"
 #include "terminal/TerminalDevice.h"
 #include "terminal/TerminalText.h"
@@ -16,6 +16,66 @@
 namespace
 {
 constexpr std::string_view Prompt = "   > ";
+
+// How a typed line answers the dialog. Neither: the line means nothing.
+struct DialogAnswer
+{
+    const DialogButton *Button = nullptr;
+    bool IsExpando = false;
+};
+
+// The button with the typed number, counted from 1.
+const DialogButton *Numbered(const DialogPage &page, std::u16string_view typed)
+{
+    for (size_t i = 0; i < page.Buttons.size(); ++i)
+    {
+        const std::string number = std::to_string(i + 1);
+        if (std::ranges::equal(number, typed))
+        {
+            return &page.Buttons[i];
+        }
+    }
+    return nullptr;
+}
+
+// The button whose text is the name, otherwise the only one whose text begins with it.
+const DialogButton *Named(const DialogPage &page, std::u16string_view name)
+{
+    const DialogButton *beginning = nullptr;
+    bool isAmbiguous = false;
+    for (const DialogButton &button : page.Buttons)
+    {
+        if (!BeginsWithIgnoringCase(button.Text, name))
+        {
+            continue;
+        }
+        if (BeginsWithIgnoringCase(name, button.Text))
+        {
+            return &button;
+        }
+        isAmbiguous = beginning != nullptr;
+        beginning = &button;
+    }
+    return isAmbiguous ? nullptr : beginning;
+}
+
+// A button is chosen by its number or by an unambiguous beginning of its name, the expandable text by "+" or "-".
+// An empty line chooses the default button. The page must outlive the answer.
+DialogAnswer ReadAnswer(const DialogPage &page, std::u16string_view typed)
+{
+    const std::u16string_view answer = Trimmed(typed);
+    if (answer.empty())
+    {
+        const auto found = std::ranges::find(page.Buttons, page.DefaultButton, &DialogButton::Id);
+        return {found == page.Buttons.end() ? nullptr : &*found};
+    }
+    if (!page.ExpandedText.empty() && (answer == u"+" || answer == u"-"))
+    {
+        return {nullptr, true};
+    }
+    const DialogButton *const numbered = Numbered(page, answer);
+    return {numbered != nullptr ? numbered : Named(page, answer)};
+}
 
 // One run of the dialog, from its first drawing to the button that closes it.
 class DialogRun

@@ -1,7 +1,6 @@
 #include "terminal/TerminalDevice.h"
 
 #include "terminal/KeyDecoding.h"
-#include "terminal/TerminalSignals.h"
 
 #include <fcntl.h>
 #include <langinfo.h>
@@ -10,12 +9,91 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
+#include <iterator>
+#include <mutex>
 
 namespace
 {
+constexpr int EndingSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGABRT, SIGSEGV};
+
+// State that the signal handler needs to restore the terminal. Written only while our handler is not
+// installed.
+struct Lent
+{
+    int descriptor;
+    termios before;
+    struct sigaction handling[std::size(EndingSignals)];
+} lent;
+
+std::atomic<const char *> farewell = "";
+
+// Signal handler: restores the terminal, then passes the signal to the previous handling.
+void GiveTerminalBack(int number)
+{
+    const char *const text = farewell;
+    [[maybe_unused]] const ssize_t written = write(lent.descriptor, text, std::strlen(text));
+    tcsetattr(lent.descriptor, TCSANOW, &lent.before);
+    for (size_t i = 0; i < std::size(EndingSignals); ++i)
+    {
+        sigaction(EndingSignals[i], &lent.handling[i], nullptr);
+    }
+    raise(number);
+}
+
+// Nested devices: only the outermost saves and restores the settings.
+std::mutex watchLock;
+int watchers = 0;
+
+// The one rule for signals while the state of a terminal is changed: between these calls, a signal that ends the process
+// gives the terminal back as it was before, and then does what it did before the first call. They may be nested; the
+// outermost pair counts.
+void WatchSignals(int descriptor, const termios &before)
+{
+    const std::lock_guard guard(watchLock);
+    if (++watchers > 1)
+    {
+        return;
+    }
+    lent.descriptor = fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+    lent.before = before;
+    for (size_t i = 0; i < std::size(EndingSignals); ++i)
+    {
+        sigaction(EndingSignals[i], nullptr, &lent.handling[i]);
+        if (lent.handling[i].sa_handler != SIG_IGN)
+        {
+            struct sigaction watch = {};
+            watch.sa_handler = GiveTerminalBack;
+            sigaction(EndingSignals[i], &watch, nullptr);
+        }
+    }
+}
+
+void LeaveSignals()
+{
+    const std::lock_guard guard(watchLock);
+    if (--watchers > 0)
+    {
+        return;
+    }
+    for (size_t i = 0; i < std::size(EndingSignals); ++i)
+    {
+        sigaction(EndingSignals[i], &lent.handling[i], nullptr);
+    }
+    close(lent.descriptor);
+}
+
+// What the terminal must also be sent to be as it was. The text must stay where it is.
+void SetFarewell(const char *text)
+{
+    farewell = text;
+}
+
 // Bytes that follow an Escape within this time belong to a key that sends several bytes.
 constexpr int SequenceMilliseconds = 50;
 

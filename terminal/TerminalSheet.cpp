@@ -3,10 +3,7 @@
 #include "account/AccountRecord.h"
 #include "resources/resource.h"
 #include "settings/AboutPage.h"
-#include "settings/JpegPage.h"
-#include "settings/OptionsPage.h"
-#include "settings/PhotosPage.h"
-#include "settings/RawPage.h"
+#include "settings/SettingsPages.h"
 #include "terminal/SheetView.h"
 #include "ui/CentredDialogs.h"
 

@@ -96,7 +96,6 @@ private:
 
     UINT64 SentBytes() const;
     bool IsAllSent() const;
-    UINT64 BodyLength() const { return m_request.body != nullptr ? m_request.body->Length() : 0; }
     void ReportLast();
     TransportError ErrorOf(CURLcode code) const;
     TransportError CertificateError() const;
@@ -142,8 +141,8 @@ void CurlExchange::SetConnection()
 void CurlExchange::SetBody()
 {
     Set(CURLOPT_POST, 1L);
-    Set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(BodyLength()));
-    if (BodyLength() == 0)
+    Set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(m_request.BodyLength()));
+    if (m_request.BodyLength() == 0)
     {
         Set(CURLOPT_POSTFIELDS, "");
         return;
@@ -172,7 +171,7 @@ void CurlExchange::SetRequest()
         Set(CURLOPT_HTTPGET, 1L);
     }
     m_headers.Add("Expect:"); // no waiting for "100 Continue"
-    if (BodyLength() == 0)
+    if (m_request.BodyLength() == 0)
     {
         m_headers.Add("Content-Type:"); // libcurl would name one for a POST without a body
     }
@@ -216,7 +215,7 @@ void CurlExchange::SetCallbacks()
 
 size_t CurlExchange::OnRead(char *buffer, size_t size)
 {
-    const UINT64 left = BodyLength() - m_bodyRead;
+    const UINT64 left = m_request.BodyLength() - m_bodyRead;
     if (left == 0)
     {
         return 0;
@@ -285,7 +284,7 @@ int CurlExchange::OnBeforeRequest()
     }
     m_requestSize = requestSize;
     m_lastMove = Clock::now();
-    if (BodyLength() == 0)
+    if (m_request.BodyLength() == 0)
     {
         m_allSent = m_lastMove;
     }
@@ -304,7 +303,7 @@ bool CurlExchange::IsPatienceOver(UINT64 received, UINT64 sent)
         m_lastMove = now;
         m_hasMoved = false;
     }
-    if (!m_allSent && sent == BodyLength())
+    if (!m_allSent && sent == m_request.BodyLength())
     {
         m_allSent = now;
     }
@@ -321,7 +320,7 @@ int CurlExchange::OnProgress(UINT64 received, UINT64 sent)
     }
     m_received = received;
     m_sent = std::max(m_sent, sent);
-    m_callerFailure = m_request.body != nullptr ? m_request.body->Report(m_sent) : S_OK;
+    m_callerFailure = m_request.Report(m_sent);
     return FAILED(m_callerFailure) ? 1 : 0;
 }
 
@@ -336,16 +335,16 @@ UINT64 CurlExchange::SentBytes() const
 
 bool CurlExchange::IsAllSent() const
 {
-    return m_lastMove && SentBytes() >= BodyLength();
+    return m_lastMove && SentBytes() >= m_request.BodyLength();
 }
 
 // The last bytes may have been sent, and answered, since the last report. The exchange is over then, so the
 // result of this one comes too late to end it.
 void CurlExchange::ReportLast()
 {
-    if (m_request.body != nullptr && SentBytes() > m_sent)
+    if (SentBytes() > m_sent)
     {
-        static_cast<void>(m_request.body->Report(SentBytes()));
+        static_cast<void>(m_request.Report(SentBytes()));
     }
 }
 

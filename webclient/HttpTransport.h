@@ -58,6 +58,9 @@ struct HttpRequest
     RequestBody *body = nullptr;     // null for a request without one
     bool isSmall = false;            // without a picture: the limits of small calls hold
     bool needsNewConnection = false; // not one that was kept
+
+    UINT64 BodyLength() const { return body != nullptr ? body->Length() : 0; }
+    HRESULT Report(UINT64 sent) const { return body != nullptr ? body->Report(sent) : S_OK; }
 };
 
 struct HttpReply
@@ -105,6 +108,18 @@ struct TransportError
     int proxyStatus = 0; // likewise
 };
 
+// Result code and words for a request that got no answer. Each of the three outcomes has its own words: an
+// unknown one says "may or may not have arrived".
+struct TransportWords
+{
+    HRESULT code;            // always a failure
+    std::string status;      // "No connection"
+    std::string description; // a sentence or two, on one line
+};
+
+// what is "picture" or "request".
+TransportWords WordsFor(const TransportError &error, std::string_view host, std::string_view what);
+
 // Bytes. The service's replies have some kilobytes; XML parsers can take minutes for megabytes.
 constexpr size_t LargestReply = 256 * 1024;
 
@@ -129,19 +144,8 @@ struct ExchangeTimes
 };
 
 // What is wrong with an exchange that has passed one of the limits behind that for connecting.
-inline std::optional<TransportProblem> PassedLimit(const ExchangeTimes &times, bool isSmall, bool isAnswering,
-                                                   const TransportLimits &limits)
-{
-    const auto now = ExchangeTimes::Clock::now();
-    const auto answerLimit = isSmall && !isAnswering ? limits.smallAnswer : limits.answer;
-    const bool isUnanswered = times.allSent && now - *times.allSent > answerLimit;
-    const bool isStill = (!times.allSent || isAnswering) && now - times.lastMove > limits.stall;
-    if (!isUnanswered && !isStill && !(isSmall && now - times.start > limits.smallWhole))
-    {
-        return std::nullopt;
-    }
-    return times.allSent ? TransportProblem::AnswerMissing : TransportProblem::SendStalled;
-}
+std::optional<TransportProblem> PassedLimit(const ExchangeTimes &times, bool isSmall, bool isAnswering,
+                                            const TransportLimits &limits);
 
 class HttpTransport
 {

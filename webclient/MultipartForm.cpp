@@ -1,9 +1,9 @@
 #include "webclient/MultipartForm.h"
 
 #include "com/BstrOwner.h"
-#include "webclient/PercentEncoding.h"
+#include "com/TextConversion.h"
 #include "webclient/RandomText.h"
-#include "webclient/Utf8.h"
+#include "webclient/RequestUrl.h"
 
 #include <shlwapi.h>
 
@@ -35,7 +35,7 @@ WideView NameWithoutFolder(WideView name)
 // A header value must stay on its line.
 std::string HeaderText(WideView text)
 {
-    std::string result = Utf8FromWide(text);
+    std::string result = ToUtf8(text);
     std::erase_if(result, [](unsigned char c) { return c < ' ' || c == 0x7F; });
     return result;
 }
@@ -59,8 +59,7 @@ CMultipartFormData::CMultipartFormData() : m_boundary("----HalvoraFormBoundary" 
 
 std::string CMultipartFormData::OpenPart(LPCWSTR name) const
 {
-    return "--" + m_boundary + "\r\nContent-Disposition: form-data; name=\"" + QuotedName(Utf8FromWide(name)) +
-           "\"";
+    return "--" + m_boundary + "\r\nContent-Disposition: form-data; name=\"" + QuotedName(ToUtf8(name)) + "\"";
 }
 
 std::string CMultipartFormData::Closing() const
@@ -92,7 +91,7 @@ HRESULT CMultipartFormData::AddTextField(LPCWSTR name, LPCWSTR value) noexcept
         {
             return E_INVALIDARG;
         }
-        AddField(name, Utf8FromWide(value));
+        AddField(name, ToUtf8(value));
         return S_OK;
     });
 }
@@ -107,7 +106,7 @@ HRESULT CMultipartFormData::AddFilePart(LPCWSTR name, IStream *content, LPCWSTR 
         }
         const WideView type = mimeType != nullptr && *mimeType != 0 ? mimeType : TEXT("application/octet-stream");
         Part part;
-        part.bytes = OpenPart(name) + "; filename=\"" + QuotedName(Utf8FromWide(NameWithoutFolder(fileName))) +
+        part.bytes = OpenPart(name) + "; filename=\"" + QuotedName(ToUtf8(NameWithoutFolder(fileName))) +
                      "\"\r\nContent-Type: " + HeaderText(type) + "\r\n\r\n";
         part.content = ComPtr<IStream>(content);
         part.start = PositionOf(content);
@@ -157,7 +156,7 @@ HRESULT CMultipartFormData::GetContentType(BSTR *contentType) noexcept
     }
     *contentType = nullptr;
     return AtBoundary([&] {
-        *contentType = BstrOwner(WideFromUtf8("multipart/form-data; boundary=" + m_boundary)).Detach();
+        *contentType = BstrOwner(FromUtf8("multipart/form-data; boundary=" + m_boundary)).Detach();
         return S_OK;
     });
 }

@@ -1,8 +1,9 @@
 #include "webclient/OAuthSignature.h"
 
-#include "webclient/HmacSha1.h"
-#include "webclient/PercentEncoding.h"
+#include "com/Hash.h"
+#include "com/Hresult.h"
 #include "webclient/RandomText.h"
+#include "webclient/RequestUrl.h"
 
 #include <algorithm>
 #include <chrono>
@@ -17,7 +18,7 @@ SecretText Encoded(std::string_view bytes)
     return result;
 }
 
-std::string Base64(const HmacSha1Digest &digest)
+std::string Base64(const Sha1Digest &digest)
 {
     static constexpr char Letters[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     std::string result;
@@ -95,7 +96,12 @@ std::string SignText(std::string_view baseString, std::string_view applicationSe
     AppendPercentEncoded(key, applicationSecret);
     key.Append('&');
     AppendPercentEncoded(key, tokenSecret);
-    return Base64(HmacSha1(key.View(), baseString));
+    const auto digest = HmacSha1(key.View(), baseString);
+    if (!digest)
+    {
+        ThrowHresult(E_FAIL);
+    }
+    return Base64(*digest);
 }
 
 SecretText ComposeAuthorization(std::string_view method, const RequestUrl &url, const OAuthIdentity &identity,

@@ -3,13 +3,12 @@
 #include "com/AsciiText.h"
 #include "com/BstrOwner.h"
 #include "com/ComPtr.h"
-#include "webclient/MimeType.h"
-#include "webclient/PercentEncoding.h"
+#include "com/TextConversion.h"
+#include "webclient/HttpTransport.h"
 #include "webclient/ReplyDocument.h"
 #include "webclient/RequestBodies.h"
 #include "webclient/RequestParameters.h"
-#include "webclient/TransportWords.h"
-#include "webclient/Utf8.h"
+#include "webclient/RequestUrl.h"
 
 #include <algorithm>
 
@@ -31,7 +30,7 @@ constexpr HRESULT InsecureAddress = static_cast<HRESULT>(0x80072EE6); // ERROR_I
 
 RequestUrl SecureUrl(LPCWSTR text)
 {
-    RequestUrl url = RequestUrl::Parse(Utf8FromWide(text));
+    RequestUrl url = RequestUrl::Parse(ToUtf8(text));
     url.UpgradeToHttps();
     return url;
 }
@@ -65,14 +64,8 @@ std::vector<HttpHeader> CallersHeaders(const ParameterList &headers)
 
 SecretText ValueOf(const ParameterList &parameters, std::string_view name)
 {
-    for (const Parameter &parameter : parameters)
-    {
-        if (parameter.name == name)
-        {
-            return parameter.value;
-        }
-    }
-    return {};
+    const auto found = std::ranges::find(parameters, name, &Parameter::name);
+    return found != parameters.end() ? found->value : SecretText();
 }
 
 BstrOwner BstrOf(const SecretText &text)
@@ -87,34 +80,21 @@ bool IsToken(std::string_view text)
     return !Trimmed(text).empty();
 }
 
-// Owns a reply that holds a token pair, and wipes it in the end.
-class WipedReply
+// The token pair in a reply and what came with it; throws if the reply has none. The reply is wiped.
+ParameterList TakePair(HttpReply &reply)
 {
-public:
-    explicit WipedReply(HttpReply reply) : m_reply(std::move(reply)) {}
-    ~WipedReply() { WipeMemory(m_reply.body.data(), m_reply.body.size()); }
-    WipedReply(const WipedReply &) = delete;
-    WipedReply &operator=(const WipedReply &) = delete;
-
-    // The pair and what came with it; throws if the reply has none.
-    ParameterList Pair() const
+    ParameterList values = ParseForm(reply.body);
+    WipeMemory(reply.body.data(), reply.body.size());
+    if (!IsSuccess(reply.status))
     {
-        if (m_reply.status < 200 || m_reply.status > 299)
-        {
-            ThrowHresult(ResultOfStatus(m_reply.status));
-        }
-        ParameterList values = ParseForm(m_reply.body);
-        if (!IsToken(ValueOf(values, "oauth_token").View()) ||
-            !IsToken(ValueOf(values, "oauth_token_secret").View()))
-        {
-            ThrowHresult(InvalidServerResponse);
-        }
-        return values;
+        ThrowHresult(ResultOfStatus(reply.status));
     }
-
-private:
-    HttpReply m_reply;
-};
+    if (!IsToken(ValueOf(values, "oauth_token").View()) || !IsToken(ValueOf(values, "oauth_token_secret").View()))
+    {
+        ThrowHresult(InvalidServerResponse);
+    }
+    return values;
+}
 
 bool IsServiceHost(std::string_view host, std::initializer_list<std::string_view> configured)
 {
@@ -142,7 +122,7 @@ HRESULT COAuthWebClient::SetService(LPCWSTR userAgent, LPCWSTR restEndpoint, LPC
             return E_INVALIDARG;
         }
         Service service;
-        service.userAgent = Utf8FromWide(userAgent);
+        service.userAgent = ToUtf8(userAgent);
         if (HasControls(service.userAgent))
         {
             return E_INVALIDARG;
@@ -151,7 +131,7 @@ HRESULT COAuthWebClient::SetService(LPCWSTR userAgent, LPCWSTR restEndpoint, LPC
         service.requestTokenUrl = SecureUrl(requestTokenUrl);
         service.authorizeUrl = SecureUrl(authorizeUrl);
         service.accessTokenUrl = SecureUrl(accessTokenUrl);
-        service.callbackUrl = Utf8FromWide(callbackUrl);
+        service.callbackUrl = ToUtf8(callbackUrl);
         service.identity.applicationKey = SecretUtf8FromWide(applicationKey);
         service.identity.applicationSecret = SecretUtf8FromWide(applicationSecret);
         const std::lock_guard guard(m_lock);
@@ -194,8 +174,8 @@ COAuthWebClient::Service COAuthWebClient::CurrentService()
     return *m_service;
 }
 
-HttpReply COAuthWebClient::AskForToken(const Service &service, const RequestUrl &url,
-                                       const OAuthIdentity &identity, const ParameterList &further)
+ParameterList COAuthWebClient::AskForToken(const Service &service, const RequestUrl &url,
+                                           const OAuthIdentity &identity, const ParameterList &further)
 {
     HttpRequest request{"POST", url.Text(), service.userAgent, {}, nullptr};
     request.isSmall = true;
@@ -203,7 +183,8 @@ HttpReply COAuthWebClient::AskForToken(const Service &service, const RequestUrl 
         {"Authorization", ComposeAuthorization("POST", url, identity, OAuthMoment::Now(), {}, further)});
     try
     {
-        return m_transport->Exchange(request);
+        HttpReply reply = m_transport->Exchange(request);
+        return TakePair(reply);
     }
     catch (const TransportError &error)
     {
@@ -225,9 +206,8 @@ HRESULT COAuthWebClient::GetAuthorizationUrl(UINT32, IRequestParameters *paramet
         // Signed without the token that the client may hold: a new authorization doesn't build on it.
         const OAuthIdentity application{
             service.identity.applicationKey, service.identity.applicationSecret, {}, {}};
-        const WipedReply reply(AskForToken(service, service.requestTokenUrl, application,
-                                           {{"oauth_callback", SecretText(service.callbackUrl)}}));
-        const ParameterList pair = reply.Pair();
+        const ParameterList pair = AskForToken(service, service.requestTokenUrl, application,
+                                               {{"oauth_callback", SecretText(service.callbackUrl)}});
         // Last in the query, where the caller looks for it.
         SecretText address(page.Text());
         address.Append(page.query.empty() ? "?oauth_token=" : "&oauth_token=");
@@ -261,9 +241,8 @@ HRESULT COAuthWebClient::GetAccessToken(UINT32, LPCWSTR verifier, BSTR *token, B
         }
         const OAuthIdentity identity{service.identity.applicationKey, service.identity.applicationSecret,
                                      service.requestToken, service.requestTokenSecret};
-        const WipedReply reply(AskForToken(service, service.accessTokenUrl, identity,
-                                           {{"oauth_verifier", SecretUtf8FromWide(verifier)}}));
-        const ParameterList pair = reply.Pair();
+        const ParameterList pair = AskForToken(service, service.accessTokenUrl, identity,
+                                               {{"oauth_verifier", SecretUtf8FromWide(verifier)}});
         BstrOwner tokenText = BstrOf(ValueOf(pair, "oauth_token"));
         BstrOwner secretText = BstrOf(ValueOf(pair, "oauth_token_secret"));
         const std::lock_guard guard(m_lock);
@@ -337,7 +316,7 @@ HRESULT COAuthWebClient::RestRequest(LPCWSTR resource, LPCWSTR method, IRequestP
     return AtBoundary([&] {
         const Service service = CurrentService();
         RequestUrl url = service.restEndpoint;
-        url.path += resource != nullptr ? Utf8FromWide(resource) : std::string();
+        url.path += resource != nullptr ? ToUtf8(resource) : std::string();
         const ParameterList parameters = ReadParameters(fields);
         ParameterList sentHeaders = ReadParameters(headers);
         const WideView verb = method != nullptr ? WideView(method) : WideView();
@@ -373,8 +352,8 @@ HRESULT COAuthWebClient::UploadRequest(LPCWSTR url, LPCWSTR resource, LPCWSTR me
             return E_INVALIDARG;
         }
         const Service service = CurrentService();
-        RequestUrl address = RequestUrl::Parse(Utf8FromWide(url));
-        address.path += resource != nullptr ? Utf8FromWide(resource) : std::string();
+        RequestUrl address = RequestUrl::Parse(ToUtf8(url));
+        address.path += resource != nullptr ? ToUtf8(resource) : std::string();
         address.AddQuery(ReadParameters(query));
         if (IsServiceHost(address.host, {service.restEndpoint.host, service.requestTokenUrl.host,
                                          service.authorizeUrl.host, service.accessTokenUrl.host}))

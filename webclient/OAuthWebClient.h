@@ -16,8 +16,6 @@
 #include <string>
 #include <string_view>
 
-struct IXMLDOMDocument2;
-
 class COAuthWebClient final : public ComObject<COAuthWebClient, IOAuthWebClient>
 {
 public:
@@ -57,8 +55,8 @@ private:
     };
 
     Service CurrentService();
-    HttpReply AskForToken(const Service &service, const RequestUrl &url, const OAuthIdentity &identity,
-                          const ParameterList &further);
+    ParameterList AskForToken(const Service &service, const RequestUrl &url, const OAuthIdentity &identity,
+                              const ParameterList &further);
     HttpReply SendSigned(HttpRequest &request, const std::function<SecretText()> &sign);
     HRESULT Carry(const Service &service, std::string_view method, const RequestUrl &url,
                   const ParameterList &headers, const ParameterList &signedParameters, RequestBody *body,

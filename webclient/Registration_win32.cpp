@@ -1,5 +1,4 @@
 // The entries in the registry by which COM finds the module's classes.
-#include "com/HandleOwner.h"
 #include "com/Hresult.h"
 #include "com/WideText.h"
 #include "core/TextPieces.h"
@@ -18,19 +17,11 @@ WideText ClassKeyPath(const CLSID &clsid)
     return WideText(TEXT("Software\\Classes\\CLSID\\")) + text;
 }
 
-void SetText(HKEY key, const WCHAR *name, const WideText &text)
+// Creates the key if there is none.
+void SetText(HKEY scope, const WideText &path, const WCHAR *name, const WideText &text)
 {
-    const auto *bytes = reinterpret_cast<const BYTE *>(text.c_str());
     const auto size = static_cast<DWORD>((text.size() + 1) * sizeof(WCHAR));
-    ThrowIfFailed(HRESULT_FROM_WIN32(RegSetValueExW(key, name, 0, REG_SZ, bytes, size)));
-}
-
-RegistryKeyOwner CreateKey(HKEY parent, const WideText &path)
-{
-    RegistryKeyOwner key;
-    ThrowIfFailed(HRESULT_FROM_WIN32(
-        RegCreateKeyExW(parent, path.c_str(), 0, nullptr, 0, KEY_READ | KEY_WRITE, nullptr, key.Put(), nullptr)));
-    return key;
+    ThrowIfFailed(HRESULT_FROM_WIN32(RegSetKeyValueW(scope, path.c_str(), name, REG_SZ, text.c_str(), size)));
 }
 
 // Where classes are registered. Not HKEY_CLASSES_ROOT, the merged view of both: it writes to the user's
@@ -41,10 +32,10 @@ const HKEY User = HKEY_CURRENT_USER;
 void Register(const ComponentClass &component, HKEY scope, const WideText &modulePath)
 {
     const WideText path = ClassKeyPath(component.clsid);
-    SetText(CreateKey(scope, path).Get(), nullptr, component.name);
-    const RegistryKeyOwner server = CreateKey(scope, path + TEXT("\\InprocServer32"));
-    SetText(server.Get(), nullptr, modulePath);
-    SetText(server.Get(), TEXT("ThreadingModel"), TEXT("Both"));
+    const WideText server = path + TEXT("\\InprocServer32");
+    SetText(scope, path, nullptr, component.name);
+    SetText(scope, server, nullptr, modulePath);
+    SetText(scope, server, TEXT("ThreadingModel"), TEXT("Both"));
 }
 
 // A key that doesn't exist counts as deleted.

@@ -3,8 +3,8 @@
 #include "com/AsciiText.h"
 #include "com/BstrOwner.h"
 #include "com/Hresult.h"
-#include "webclient/ErrorBody.h"
-#include "webclient/Utf8.h"
+#include "com/TextConversion.h"
+#include "webclient/ShownText.h"
 
 #include <objbase.h>
 
@@ -15,18 +15,13 @@
 
 namespace
 {
-bool IsSuccess(int status)
-{
-    return status >= 200 && status <= 299;
-}
-
 // Text as the content of an element or a quoted attribute; characters that XML can't hold become blanks.
 WideText Escaped(std::string_view text)
 {
     static constexpr std::pair<WCHAR, const WCHAR *> Entities[] = {
         {'&', TEXT("&amp;")}, {'<', TEXT("&lt;")}, {'>', TEXT("&gt;")}, {'"', TEXT("&quot;")}};
     WideText result;
-    for (const WCHAR c : WideFromUtf8(text))
+    for (const WCHAR c : FromUtf8(text))
     {
         const auto *const entity = std::ranges::find(Entities, c, &std::pair<WCHAR, const WCHAR *>::first);
         const WCHAR shown = c < ' ' || c >= 0xFFFE ? static_cast<WCHAR>(' ') : c;
@@ -90,7 +85,7 @@ std::string_view RootName(std::string_view text)
 bool LoadServiceDocument(IXMLDOMDocument2 *document, std::string_view body)
 {
     const std::string_view text = DocumentText(body);
-    return RootName(text) == "rsp" && Load(document, WideFromUtf8(text));
+    return RootName(text) == "rsp" && Load(document, FromUtf8(text));
 }
 
 std::optional<std::string> NodeText(IXMLDOMDocument2 *document, const WCHAR *expression)
@@ -102,7 +97,7 @@ std::optional<std::string> NodeText(IXMLDOMDocument2 *document, const WCHAR *exp
     {
         return std::nullopt;
     }
-    return Utf8FromWide(text.View());
+    return ToUtf8(text.View());
 }
 
 // The service's message is shown as it stands in the document. Where it can't be, the document is replaced by

@@ -8,7 +8,7 @@
 #include "XmlInterfaces.h"
 #include "com/ComPtr.h"
 #include "webclient/HttpTransport.h"
-#include "webclient/ShownLine.h"
+#include "webclient/ShownText.h"
 
 #include <string_view>
 
@@ -28,6 +28,11 @@ HRESULT LoadReply(IXMLDOMDocument2 *document, const HttpReply &reply, std::strin
 
 // Status 0 means that there was no answer.
 void LoadHttpError(IXMLDOMDocument2 *document, int status, std::string_view words, std::string_view description);
+
+inline bool IsSuccess(int status) noexcept
+{
+    return status >= 200 && status <= 299;
+}
 
 // The failing code of a status that is no success.
 HRESULT ResultOfStatus(int status) noexcept;

@@ -1,14 +1,34 @@
 #include "webclient/RequestBodies.h"
 
+#include "com/AsciiText.h"
+
 #include <algorithm>
 #include <cstring>
+
+namespace
+{
+struct MediaType
+{
+    const WCHAR *extension;
+    const WCHAR *mimeType;
+};
+
+constexpr MediaType MediaTypes[] = {
+    {TEXT("jpg"), TEXT("image/jpeg")},  {TEXT("jpeg"), TEXT("image/jpeg")}, {TEXT("jpe"), TEXT("image/jpeg")},
+    {TEXT("jfif"), TEXT("image/jpeg")}, {TEXT("exif"), TEXT("image/jpeg")}, {TEXT("png"), TEXT("image/png")},
+    {TEXT("gif"), TEXT("image/gif")},   {TEXT("tif"), TEXT("image/tiff")},  {TEXT("tiff"), TEXT("image/tiff")},
+    {TEXT("webp"), TEXT("image/webp")}, {TEXT("bmp"), TEXT("image/bmp")},   {TEXT("heic"), TEXT("image/heic")},
+    {TEXT("heif"), TEXT("image/heif")}, {TEXT("avif"), TEXT("image/avif")}, {TEXT("mov"), TEXT("video/quicktime")},
+    {TEXT("mp4"), TEXT("video/mp4")},   {TEXT("m4v"), TEXT("video/mp4")},   {TEXT("avi"), TEXT("video/x-msvideo")},
+};
+} // namespace
 
 HRESULT TextBody::Read(void *buffer, ULONG size, ULONG *read)
 {
     *read = static_cast<ULONG>(std::min<size_t>(size, m_text.size() - m_position));
     std::memcpy(buffer, m_text.data() + m_position, *read);
     m_position += *read;
-    return *read > 0 ? S_OK : HRESULT_FROM_WIN32(ERROR_HANDLE_EOF);
+    return S_OK;
 }
 
 HRESULT TextBody::Rewind()
@@ -73,4 +93,14 @@ HRESULT UploadBody::Report(UINT64 sent)
     m_reported = sent;
     m_reportTime = now;
     return m_callback->OnUploadProgress(UPLOAD_BYTES, m_length, static_cast<UINT32>(sent));
+}
+
+const WCHAR *MimeTypeOfFile(WideView fileName) noexcept
+{
+    const size_t dot = std::min(fileName.find_last_of(TEXT("./\\")), fileName.size());
+    const auto *const type = std::ranges::find_if(MediaTypes, [&](const MediaType &each) {
+        return fileName.substr(dot).starts_with('.') &&
+               EqualsIgnoringCase(fileName.substr(dot + 1), each.extension);
+    });
+    return type != std::end(MediaTypes) ? type->mimeType : TEXT("application/octet-stream");
 }

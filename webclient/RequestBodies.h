@@ -1,8 +1,9 @@
-// The two kinds of bodies that requests have.
+// The two kinds of bodies that requests have, and the types of the files in them.
 #pragma once
 
 #include "WebComponents.h"
 #include "com/ComPtr.h"
+#include "com/WideText.h"
 #include "webclient/HttpTransport.h"
 
 #include <objidl.h>
@@ -52,3 +53,7 @@ private:
     std::optional<UINT64> m_reported;
     Clock::time_point m_reportTime;
 };
+
+// The media type of a file by its extension, in upper or lower case; "application/octet-stream" for an
+// extension that isn't known, or none.
+const WCHAR *MimeTypeOfFile(WideView fileName) noexcept;

@@ -1,22 +1,22 @@
 #include "webclient/RequestParameters.h"
 
-#include "com/BstrOwner.h"
-#include "webclient/Utf8.h"
+#include "com/TextConversion.h"
 
 namespace
 {
-WideText TextOf(const VARIANT &value)
+SecretText TextOf(const VARIANT &value)
 {
     switch (V_VT(&value))
     {
     case VT_BSTR:
         // Up to the first zero, where the form's zero-terminated copy of the same value ends too: the
         // signed text must be the text that is sent.
-        return V_BSTR(&value) != nullptr ? WideText(static_cast<const WCHAR *>(V_BSTR(&value))) : WideText();
+        return V_BSTR(&value) != nullptr ? SecretUtf8FromWide(static_cast<const WCHAR *>(V_BSTR(&value)))
+                                         : SecretText();
     case VT_I4:
-        return WideFromUtf8(std::to_string(V_I4(&value)));
+        return SecretText(std::to_string(V_I4(&value)));
     case VT_UI4:
-        return WideFromUtf8(std::to_string(V_UI4(&value)));
+        return SecretText(std::to_string(V_UI4(&value)));
     default:
         ThrowHresult(DISP_E_BADVARTYPE);
     }
@@ -30,52 +30,21 @@ HRESULT CRequestParameters::Add(LPCWSTR name, VARIANT value) noexcept
         {
             return E_INVALIDARG;
         }
-        m_entries.push_back({name, TextOf(value)});
-        return S_OK;
-    });
-}
-
-HRESULT CRequestParameters::ReadParameter(UINT32 index, BSTR *name, BSTR *value) noexcept
-{
-    if (name == nullptr || value == nullptr)
-    {
-        return E_INVALIDARG;
-    }
-    *name = nullptr;
-    *value = nullptr;
-    return AtBoundary([&] {
-        if (index >= m_entries.size())
-        {
-            return S_FALSE;
-        }
-        BstrOwner nameText(m_entries[index].name);
-        BstrOwner valueText(m_entries[index].value);
-        *name = nameText.Detach();
-        *value = valueText.Detach();
+        m_parameters.push_back({ToUtf8(name), TextOf(value)});
         return S_OK;
     });
 }
 
 ParameterList ReadParameters(IRequestParameters *parameters)
 {
-    ParameterList result;
     if (parameters == nullptr)
     {
-        return result;
+        return {};
     }
     const auto reader = QueryFor<IParameterReader>(parameters);
     if (!reader)
     {
         ThrowHresult(E_INVALIDARG);
     }
-    for (UINT32 index = 0;; ++index)
-    {
-        BstrOwner name;
-        BstrOwner value;
-        if (ThrowIfFailed(reader->ReadParameter(index, name.Put(), value.Put())) == S_FALSE)
-        {
-            return result;
-        }
-        result.push_back({Utf8FromWide(name.View()), SecretUtf8FromWide(value.View())});
-    }
+    return reader->Collected();
 }

@@ -2,15 +2,30 @@
 
 #include "com/AsciiText.h"
 #include "com/Hresult.h"
-#include "webclient/PercentEncoding.h"
 
 #include <algorithm>
 #include <charconv>
 
 namespace
 {
+constexpr char Digits[] = "0123456789ABCDEF";
+
+bool IsUnreserved(unsigned char c)
+{
+    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '-' || c == '.' ||
+           c == '_' || c == '~';
+}
+
 // ERROR_INTERNET_INVALID_URL, which is ERROR_WINHTTP_INVALID_URL too.
 constexpr HRESULT InvalidUrl = static_cast<HRESULT>(0x80072EE5);
+
+// Takes what stands ahead of the mark, or all, off the text, and the mark itself.
+std::string_view TakeUntil(std::string_view &text, char mark)
+{
+    const std::string_view part = text.substr(0, text.find(mark));
+    text.remove_prefix(std::min(part.size() + 1, text.size()));
+    return part;
+}
 
 unsigned DefaultPort(std::string_view scheme)
 {
@@ -43,19 +58,59 @@ void ParseAuthority(std::string_view authority, RequestUrl &url)
 }
 } // namespace
 
+void AppendPercentEncoded(SecretText &text, std::string_view bytes)
+{
+    for (const unsigned char byte : bytes)
+    {
+        if (IsUnreserved(byte))
+        {
+            text.Append(static_cast<char>(byte));
+        }
+        else
+        {
+            const char encoded[] = {'%', Digits[byte >> 4], Digits[byte & 15]};
+            text.Append({encoded, sizeof(encoded)});
+        }
+    }
+}
+
+std::string PercentEncode(std::string_view bytes)
+{
+    SecretText result;
+    AppendPercentEncoded(result, bytes);
+    return std::string(result.View());
+}
+
+SecretText FormDecode(std::string_view encoded)
+{
+    SecretText result;
+    for (size_t i = 0; i < encoded.size(); ++i)
+    {
+        const char *digits = encoded.data() + i + 1;
+        unsigned value = 0;
+        if (encoded[i] == '%' && i + 2 < encoded.size() &&
+            std::from_chars(digits, digits + 2, value, 16).ptr == digits + 2)
+        {
+            result.Append(static_cast<char>(value));
+            i += 2;
+        }
+        else
+        {
+            result.Append(encoded[i] == '+' ? ' ' : encoded[i]);
+        }
+    }
+    return result;
+}
+
 ParameterList ParseForm(std::string_view encoded)
 {
     ParameterList result;
     while (!encoded.empty())
     {
-        const size_t end = std::min(encoded.find('&'), encoded.size());
-        const std::string_view pair = encoded.substr(0, end);
-        encoded.remove_prefix(std::min(end + 1, encoded.size()));
-        if (!pair.empty())
+        if (std::string_view value = TakeUntil(encoded, '&'); !value.empty())
         {
-            const size_t equals = std::min(pair.find('='), pair.size());
-            result.push_back({std::string(FormDecode(pair.substr(0, equals)).View()),
-                              FormDecode(pair.substr(std::min(equals + 1, pair.size())))});
+            const std::string_view name = TakeUntil(value, '=');
+            result.push_back({std::string(FormDecode(name).View()), FormDecode(value)});
         }
     }
     return result;
@@ -94,9 +149,8 @@ RequestUrl RequestUrl::Parse(std::string_view text)
     const size_t authorityEnd = std::min(text.find_first_of("/?"), text.size());
     ParseAuthority(text.substr(0, authorityEnd), url);
     text.remove_prefix(authorityEnd);
-    const size_t question = std::min(text.find('?'), text.size());
-    url.path = text.substr(0, question);
-    url.query = text.substr(std::min(question + 1, text.size()));
+    url.path = TakeUntil(text, '?');
+    url.query = text;
     if (url.path.empty())
     {
         url.path.assign(1, '/');

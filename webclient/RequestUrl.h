@@ -1,4 +1,5 @@
-// An absolute http or https address, split into the parts that signing and sending need.
+// An absolute http or https address, split into the parts that signing and sending need, and the encoding of what it
+// holds.
 #pragma once
 
 #include "com/AsciiText.h" // by which schemes, hosts and names of headers are compared
@@ -15,6 +16,14 @@ struct Parameter
     SecretText value;
 };
 using ParameterList = std::vector<Parameter>;
+
+// Percent-encoding as OAuth wants it (RFC 5849, 3.6): all but letters, digits and -._~ becomes %XX with upper-case
+// digits. Bodies of form requests use the same encoding, so that a value is always encoded in one way.
+void AppendPercentEncoded(SecretText &text, std::string_view bytes);
+std::string PercentEncode(std::string_view bytes);
+
+// Decodes one name or value of a query or of a form: "+" is a blank; a "%" without two digits stays.
+SecretText FormDecode(std::string_view encoded);
 
 // Names and values of a query or of a form, decoded.
 ParameterList ParseForm(std::string_view encoded);

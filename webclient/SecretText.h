@@ -2,6 +2,8 @@
 // them is overwritten before it is freed, so that nothing is left in memory for a dump or a swap file.
 #pragma once
 
+#include "com/TextConversion.h"
+
 #include <compare>
 #include <cstddef>
 #include <memory>
@@ -63,3 +65,29 @@ private:
     // A vector: a string keeps short texts inside the object, where the allocator doesn't wipe them.
     std::vector<char, WipingAllocator<char>> m_bytes;
 };
+
+using SecretWideText = std::vector<WCHAR, WipingAllocator<WCHAR>>; // without a closing zero
+
+// UTF-16 to UTF-8 and back, as ToUtf8 and FromUtf8 convert what is no secret: what is malformed becomes U+FFFD.
+inline SecretText SecretUtf8FromWide(WideView text)
+{
+    SecretText result;
+    while (!text.empty())
+    {
+        const char32_t character = TakeUtf16(text);
+        AppendUtf8(IsSurrogate(character) ? ReplacementCharacter : character,
+                   [&](char byte) { result.Append(byte); });
+    }
+    return result;
+}
+
+inline SecretWideText SecretWideFromUtf8(std::string_view bytes)
+{
+    SecretWideText result;
+    while (!bytes.empty())
+    {
+        const char32_t character = TakeUtf8(bytes);
+        AppendUtf16(result, character == MalformedUtf8 ? ReplacementCharacter : character);
+    }
+    return result;
+}

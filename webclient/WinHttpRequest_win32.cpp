@@ -2,15 +2,20 @@
 
 #include "com/Hresult.h"
 
+void ThrowUnless(BOOL isDone)
+{
+    if (!isDone)
+    {
+        ThrowHresult(HRESULT_FROM_WIN32(GetLastError()));
+    }
+}
+
 WinHttpRequest::WinHttpRequest(InternetHandleOwner handle)
     : m_state(std::make_shared<State>()), m_context(nullptr), m_handle(std::move(handle))
 {
     auto context = std::make_unique<std::shared_ptr<State>>(m_state);
     auto value = reinterpret_cast<DWORD_PTR>(context.get());
-    if (!WinHttpSetOption(m_handle.Get(), WINHTTP_OPTION_CONTEXT_VALUE, &value, sizeof(value)))
-    {
-        ThrowHresult(HRESULT_FROM_WIN32(GetLastError()));
-    }
+    ThrowUnless(WinHttpSetOption(m_handle.Get(), WINHTTP_OPTION_CONTEXT_VALUE, &value, sizeof(value)));
     m_context = context.release();
 }
 
@@ -19,11 +24,6 @@ WinHttpRequest::~WinHttpRequest()
     m_handle.Reset();
     std::unique_lock guard(m_state->lock);
     m_state->changed.wait_for(guard, std::chrono::milliseconds(500), [this] { return m_state->isClosed; });
-}
-
-char *WinHttpRequest::Buffer() noexcept
-{
-    return m_state->buffer.data();
 }
 
 void WinHttpRequest::Started(BOOL isStarted)

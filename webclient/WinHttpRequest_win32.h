@@ -16,6 +16,9 @@
 #include <optional>
 #include <vector>
 
+// Throws the thread's last error as an HRESULT if a function has failed.
+void ThrowUnless(BOOL isDone);
+
 class WinHttpRequest
 {
 public:
@@ -47,7 +50,7 @@ public:
     HINTERNET Get() const noexcept { return m_handle.Get(); }
 
     // BufferSize bytes, which Write sends and Read fills. Don't touch them while one of the two runs.
-    char *Buffer() noexcept;
+    char *Buffer() noexcept { return m_state->buffer.data(); }
 
     void Send(DWORD totalLength);
     void Write(DWORD offset, DWORD size);

@@ -6,7 +6,7 @@
 
 #include "com/HandleOwner.h"
 #include "com/Hresult.h"
-#include "webclient/Utf8.h"
+#include "com/TextConversion.h"
 #include "webclient/WinHttpRequest_win32.h"
 
 #include <algorithm>
@@ -24,10 +24,7 @@ constexpr DWORD LogInToProxiesOnly = 3; // WINHTTP_AUTOLOGON_SECURITY_LEVEL_PROX
 
 InternetHandleOwner Opened(HINTERNET handle)
 {
-    if (handle == nullptr)
-    {
-        ThrowHresult(HRESULT_FROM_WIN32(GetLastError()));
-    }
+    ThrowUnless(handle != nullptr);
     return InternetHandleOwner(handle);
 }
 
@@ -64,10 +61,8 @@ InternetHandleOwner OpenSession()
     if (!WinHttpSetOption(opened.Get(), WINHTTP_OPTION_SECURE_PROTOCOLS, &protocols, sizeof(protocols)))
     {
         protocols = ProtocolTls12;
-        if (!WinHttpSetOption(opened.Get(), WINHTTP_OPTION_SECURE_PROTOCOLS, &protocols, sizeof(protocols)))
-        {
-            ThrowHresult(HRESULT_FROM_WIN32(GetLastError()));
-        }
+        ThrowUnless(
+            WinHttpSetOption(opened.Get(), WINHTTP_OPTION_SECURE_PROTOCOLS, &protocols, sizeof(protocols)));
     }
     return opened;
 }
@@ -101,7 +96,6 @@ private:
     void CheckPatience() const;
     void Report();
 
-    UINT64 BodyLength() const { return m_request.body != nullptr ? m_request.body->Length() : 0; }
     DWORD NumberHeader(DWORD query) const;
     std::string TextHeader(DWORD query) const;
 
@@ -126,14 +120,11 @@ private:
 
 InternetHandleOwner WinHttpExchange::Connect(HINTERNET session)
 {
-    const WideText url = WideFromUtf8(m_request.url);
+    const WideText url = FromUtf8(m_request.url);
     URL_COMPONENTS parts{};
     parts.dwStructSize = sizeof(parts);
     parts.dwHostNameLength = parts.dwUrlPathLength = parts.dwExtraInfoLength = static_cast<DWORD>(-1);
-    if (!WinHttpCrackUrl(url.c_str(), static_cast<DWORD>(url.size()), 0, &parts))
-    {
-        ThrowHresult(HRESULT_FROM_WIN32(GetLastError()));
-    }
+    ThrowUnless(WinHttpCrackUrl(url.c_str(), static_cast<DWORD>(url.size()), 0, &parts));
     m_host.assign(parts.lpszHostName, parts.dwHostNameLength);
     m_path.assign(parts.lpszUrlPath, parts.dwUrlPathLength);
     m_path.append(parts.lpszExtraInfo, parts.dwExtraInfoLength);
@@ -146,7 +137,7 @@ InternetHandleOwner WinHttpExchange::OpenRequest()
     // The address is sent exactly as it was signed.
     const DWORD flags =
         WINHTTP_FLAG_ESCAPE_DISABLE | WINHTTP_FLAG_ESCAPE_DISABLE_QUERY | (m_isSecure ? WINHTTP_FLAG_SECURE : 0);
-    return Opened(WinHttpOpenRequest(m_connection.Get(), WideFromUtf8(m_request.method).c_str(), m_path.c_str(),
+    return Opened(WinHttpOpenRequest(m_connection.Get(), FromUtf8(m_request.method).c_str(), m_path.c_str(),
                                      nullptr, WINHTTP_NO_REFERER, WINHTTP_DEFAULT_ACCEPT_TYPES, flags));
 }
 
@@ -159,10 +150,7 @@ void WinHttpExchange::SetPolicy()
         WinHttpSetOption(m_http.Get(), WINHTTP_OPTION_AUTOLOGON_POLICY, &logIn, sizeof(logIn)) != FALSE;
     DWORD disabled = WINHTTP_DISABLE_COOKIES | WINHTTP_DISABLE_REDIRECTS | WINHTTP_DISABLE_KEEP_ALIVE |
                      (isProxyOnly ? 0 : WINHTTP_DISABLE_AUTHENTICATION);
-    if (!WinHttpSetOption(m_http.Get(), WINHTTP_OPTION_DISABLE_FEATURE, &disabled, sizeof(disabled)))
-    {
-        ThrowHresult(HRESULT_FROM_WIN32(GetLastError()));
-    }
+    ThrowUnless(WinHttpSetOption(m_http.Get(), WINHTTP_OPTION_DISABLE_FEATURE, &disabled, sizeof(disabled)));
     // CheckPatience keeps the limits, which span several of WinHTTP's steps; WinHTTP's own come later.
     const auto later = [](std::chrono::milliseconds time) { return static_cast<int>((time + 5s).count()); };
     WinHttpSetTimeouts(m_http.Get(), later(m_limits.connect), later(m_limits.connect), later(m_limits.stall),
@@ -184,11 +172,8 @@ void WinHttpExchange::AddHeader(std::string_view name, std::string_view value)
     append(name);
     append(": ");
     append(value);
-    if (!WinHttpAddRequestHeaders(m_http.Get(), line.data(), static_cast<DWORD>(line.size()),
-                                  WINHTTP_ADDREQ_FLAG_ADD | WINHTTP_ADDREQ_FLAG_REPLACE))
-    {
-        ThrowHresult(HRESULT_FROM_WIN32(GetLastError()));
-    }
+    ThrowUnless(WinHttpAddRequestHeaders(m_http.Get(), line.data(), static_cast<DWORD>(line.size()),
+                                         WINHTTP_ADDREQ_FLAG_ADD | WINHTTP_ADDREQ_FLAG_REPLACE));
 }
 
 void WinHttpExchange::SetHeaders()
@@ -198,9 +183,10 @@ void WinHttpExchange::SetHeaders()
     {
         AddHeader(header.name, header.value.View());
     }
-    if (BodyLength() > MAXDWORD)
+    if (m_request.BodyLength() > MAXDWORD)
     {
-        AddHeader("Content-Length", std::to_string(BodyLength())); // more than WinHttpSendRequest can say
+        AddHeader("Content-Length",
+                  std::to_string(m_request.BodyLength())); // more than WinHttpSendRequest can say
     }
 }
 
@@ -223,7 +209,7 @@ void WinHttpExchange::CheckPatience() const
 
 void WinHttpExchange::Report()
 {
-    const HRESULT answer = m_request.body != nullptr ? m_request.body->Report(m_sent) : S_OK;
+    const HRESULT answer = m_request.Report(m_sent);
     if (FAILED(answer))
     {
         throw TransportError{m_allSent ? TransportProblem::EndedBeforeAnswer : TransportProblem::EndedByCaller,
@@ -248,7 +234,8 @@ WinHttpRequest::Ending WinHttpExchange::Wait()
 void WinHttpExchange::SendHead()
 {
     Report();
-    m_http.Send(BodyLength() > MAXDWORD ? WINHTTP_IGNORE_REQUEST_TOTAL_LENGTH : static_cast<DWORD>(BodyLength()));
+    m_http.Send(m_request.BodyLength() > MAXDWORD ? WINHTTP_IGNORE_REQUEST_TOTAL_LENGTH
+                                                  : static_cast<DWORD>(m_request.BodyLength()));
     if (const DWORD error = Wait().error)
     {
         throw ErrorOf(error);
@@ -259,7 +246,7 @@ void WinHttpExchange::SendHead()
 // Returns false if the connection was lost before everything was sent.
 bool WinHttpExchange::SendBody()
 {
-    const UINT64 length = BodyLength();
+    const UINT64 length = m_request.BodyLength();
     while (m_sent < length)
     {
         ULONG read = 0;
@@ -392,7 +379,7 @@ std::string WinHttpExchange::TextHeader(DWORD query) const
     DWORD size = sizeof(text);
     return WinHttpQueryHeaders(m_http.Get(), query, WINHTTP_HEADER_NAME_BY_INDEX, text, &size,
                                WINHTTP_NO_HEADER_INDEX)
-               ? Utf8FromWide(WideView(text, size / sizeof(WCHAR)))
+               ? ToUtf8(WideView(text, size / sizeof(WCHAR)))
                : std::string();
 }
 
@@ -458,7 +445,8 @@ TransportError WinHttpExchange::ErrorOf(DWORD error)
     {
         return {TransportProblem::CannotConnect};
     }
-    return {m_sent == BodyLength() ? TransportProblem::LostBeforeAnswer : TransportProblem::LostWhileSending};
+    return {m_sent == m_request.BodyLength() ? TransportProblem::LostBeforeAnswer
+                                             : TransportProblem::LostWhileSending};
 }
 
 class WinHttpTransport final : public HttpTransport

@@ -1,10 +1,10 @@
 // How the window uses the plug-in: between runs, in its dialogs, and in a run.
 #include "host/window/HostWindow_win32.h"
 
+#include "host/PluginSettings.h"
 #include "host/PublishedBefore.h"
 #include "host/RunCourse.h"
 #include "host/SystemWords.h"
-#include "host/PluginSettings.h"
 #include "host/window/WindowText_win32.h"
 #include "host/window/resource.h"
 

@@ -3,7 +3,7 @@
 #include "host/FileNames.h"
 #include "host/SystemWords.h"
 #include "host/TextEncodings.h"
-#include "host/window/OpenPictures_win32.h"
+#include "host/window/Shell_win32.h"
 #include "host/window/WindowText_win32.h"
 #include "host/window/resource.h"
 

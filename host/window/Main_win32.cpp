@@ -1,7 +1,7 @@
 // HalvoraPublish.exe: [--profile FOLDER] [PICTURE or FOLDER]...
 // HalvoraPublish.exe --shell-entries add|remove, for the installer: no window; the exit code is 0 or 1.
 #include "host/window/HostWindow_win32.h"
-#include "host/window/ShellEntries_win32.h"
+#include "host/window/Shell_win32.h"
 #include "host/window/WindowText_win32.h"
 #include "host/window/resource.h"
 

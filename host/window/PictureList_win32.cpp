@@ -1,24 +1,15 @@
 #include "host/window/PictureList_win32.h"
 
 #include "host/FileNames.h"
-#include "host/window/Badge_win32.h"
+#include "host/window/Thumbnails_win32.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <utility>
 
 namespace
 {
-std::vector<std::filesystem::path> FilesOf(const PictureItem &item)
-{
-    std::vector<std::filesystem::path> files;
-    for (size_t i = 0; i < item.extensions.size(); ++i)
-    {
-        files.push_back(item.File(i));
-    }
-    return files;
-}
-
 std::wstring NameOf(const PictureItem &item)
 {
     return item.File(0).filename().wstring();
@@ -26,13 +17,9 @@ std::wstring NameOf(const PictureItem &item)
 
 void AddExtensions(PictureItem &item, const std::vector<std::string> &extensions)
 {
-    for (const std::string &extension : extensions)
-    {
-        if (std::find(item.extensions.begin(), item.extensions.end(), extension) == item.extensions.end())
-        {
-            item.extensions.push_back(extension);
-        }
-    }
+    std::ranges::copy_if(
+        extensions, std::back_inserter(item.extensions),
+        [known = item.extensions](const auto &each) { return std::ranges::count(known, each) == 0; });
 }
 } // namespace
 
@@ -97,7 +84,7 @@ void PictureList::Insert(const PictureItem &item, const std::filesystem::path &i
     row.pszText = name.data();
     row.iImage = 0;
     ListView_InsertItem(m_view, &row);
-    m_maker.Ask(m_lastNumber, FilesOf(item));
+    m_maker.Ask(m_lastNumber, item.Files());
 }
 
 void PictureList::RemoveSelected()

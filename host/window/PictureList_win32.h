@@ -3,7 +3,7 @@
 
 #include "host/PictureItems.h"
 #include "host/RunRecord.h"
-#include "host/window/ThumbnailMaker_win32.h"
+#include "host/window/Thumbnails_win32.h"
 
 #include <windows.h>
 #include <commctrl.h>

@@ -1,7 +1,7 @@
 #include "host/window/PluginUse_win32.h"
 
 #include "host/Apartment.h"
-#include "host/UploadObservation.h"
+#include "host/PluginSession.h"
 
 PluginUse::PluginUse(const CLSID &plugin, InitDataStore &store, ItemCollection pictures, Journal *journal,
                      LogSink log)

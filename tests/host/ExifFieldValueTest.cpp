@@ -1,4 +1,4 @@
-#include "host/ExifFieldValue.h"
+#include "host/ExifFields.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // A frame's metadata by the imaging component's queries: read, and removed.
-#include "host/FrameMetadata.h"
+#include "host/ImageMetadata.h"
 
 #include "host/CopiedBlocks.h"
 

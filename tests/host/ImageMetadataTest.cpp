@@ -4,8 +4,6 @@
 #include "tests/host/TemporaryFolder.h"
 #include "tests/platform/windowscodecs_jpeg/CodecUse_posix.h"
 
-#include "host/FrameMetadata.h"
-
 #include <wincodec.h>
 
 #include <exiv2/exiv2.hpp>

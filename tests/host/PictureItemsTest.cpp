@@ -1,6 +1,7 @@
 #include "tests/host/PictureItemsFixture.h"
 
 #include "host/FileNames.h"
+#include "host/PublishedBefore.h"
 
 #include <gmock/gmock.h>
 
@@ -35,6 +36,26 @@ TEST_F(PictureItems, AWalkIsInNaturalOrderAndLeavesOutWhatIsHiddenOrNoPicture)
                 ElementsAre("p/deep/er/x[gif]", "p/IMG1[jpg]", "p/img2[jpg]", "p/img10[jpg]"));
     EXPECT_EQ(m_looks, 4);
     EXPECT_THAT(collection.refused, IsEmpty());
+}
+
+TEST_F(PictureItems, ACopyOfAnotherIsLeftOutAndSaysOfWhich)
+{
+    for (const auto &[name, bytes] : {std::pair("a.jpg", "same"),
+                                      {"b.png", "other"},
+                                      {"sub/c.jpg", "same"},
+                                      {"d.jpg", "unlike"},
+                                      {"d.tif", "other"},
+                                      {"e.jpg", "size"}})
+    {
+        m_folder.Write(name, bytes);
+    }
+    ItemCollection collection = Collect({"a.jpg", "b.png", "sub/c.jpg", "d.jpg", "d.tif", "e.jpg"});
+    LeaveOutCopies(collection);
+    EXPECT_THAT(Told(collection, m_folder.Path()), ElementsAre("a[jpg]", "b[png]", "e[jpg]"));
+    ASSERT_EQ(collection.copies.size(), 2u);
+    EXPECT_EQ(collection.copies[0].path, m_folder.Path() / "sub/c.jpg");
+    EXPECT_THAT(collection.copies[0].reason, HasSubstr(ShownPath(m_folder.Path() / "a.jpg")));
+    EXPECT_THAT(collection.copies[1].reason, HasSubstr("b.png"));
 }
 
 TEST_F(PictureItems, EveryFileThatCanNotBePublishedIsRefusedInWords)

@@ -4,13 +4,13 @@
 #include "tests/host/TemporaryFolder.h"
 
 #include "host/FileNames.h"
-#include "host/UploadObservation.h"
+#include "host/PluginSession.h"
 
 #include "com/BstrOwner.h"
 #include "com/ComObject.h"
 #include "com/ComPtr.h"
-#include "publish/ItemRecord.h"
 #include "platform/windowscodecs/UncalledMethods.h"
+#include "publish/ItemRecord.h"
 
 #include <wincodec.h>
 

@@ -1,4 +1,4 @@
-#include "loopback/UploadParameters.h"
+#include "loopback/PhotoIndex.h"
 
 #include <gmock/gmock.h>
 

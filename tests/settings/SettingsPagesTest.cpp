@@ -1,10 +1,7 @@
 // The logic of the pages, without windows.
 #include "core/NumberFormat.h"
 #include "resources/resource.h"
-#include "settings/JpegPage.h"
-#include "settings/OptionsPage.h"
-#include "settings/PhotosPage.h"
-#include "settings/RawPage.h"
+#include "settings/SettingsPages.h"
 #include "settings/SettingsStore.h"
 #include "tests/doubles/SettingsKey.h"
 #include "tests/settings/FakePageControls.h"

@@ -1,11 +1,11 @@
 #include "tests/webclient/ClientUse.h"
 
 #include "com/BstrOwner.h"
+#include "com/TextConversion.h"
 #include "tests/platform/msxml/DocumentUse.h"
 #include "webclient/OAuthSignature.h"
-#include "webclient/PercentEncoding.h"
 #include "webclient/RequestParameters.h"
-#include "webclient/Utf8.h"
+#include "webclient/RequestUrl.h"
 
 #include <gtest/gtest.h>
 
@@ -38,7 +38,7 @@ ComPtr<IRequestParameters> Parameters(const std::vector<std::pair<const WCHAR *,
 std::string DocumentText(IUnknown *document, const char *path)
 {
     const auto loaded = QueryFor<IXMLDOMDocument2>(document);
-    return loaded ? Utf8FromWide(ReadText(*loaded.Get(), WideFromUtf8(path).c_str())) : "(no document)";
+    return loaded ? ToUtf8(ReadText(*loaded.Get(), FromUtf8(path).c_str())) : "(no document)";
 }
 
 bool IsSignedRight(const std::string &header, const std::string &method, const std::string &url,

@@ -1,8 +1,7 @@
 // Published vectors, and the corners of RFC 5849 in which signatures of others have failed.
 #include "com/Hresult.h"
 #include "webclient/OAuthSignature.h"
-#include "webclient/PercentEncoding.h"
-#include "webclient/Utf8.h"
+#include "webclient/RequestUrl.h"
 
 #include <gmock/gmock.h>
 

@@ -1,14 +1,16 @@
 // The client by itself: what it hands to a transport, and what it makes of what comes back.
 #include "com/BstrOwner.h"
+#include "com/TextConversion.h"
 #include "tests/doubles/ClassInPlace.h"
 #include "tests/webclient/ClientUse.h"
 #include "tests/webclient/ScriptedStream.h"
 #include "webclient/OAuthWebClient.h"
-#include "webclient/PercentEncoding.h"
-#include "webclient/Utf8.h"
+#include "webclient/RequestUrl.h"
 
 #include <gmock/gmock.h>
 
+#include <array>
+#include <cctype>
 #include <vector>
 
 namespace
@@ -113,7 +115,7 @@ TEST_F(OAuthWebClientTest, UploadIsSignedOverItsFieldsAndGoesOutAsItIs)
     EXPECT_EQ(request.Header("Content-Type"), "multipart/form-data; boundary=b");
     EXPECT_THAT(request.Header("Authorization"), HasSubstr("oauth_token=\"the-token\""));
     EXPECT_TRUE(IsSignedRight(request.Header("Authorization"), request.method, request.url,
-                              {{"title", SecretText(Utf8FromWide(title))}}, "token-secret"));
+                              {{"title", SecretText(ToUtf8(title))}}, "token-secret"));
 }
 
 TEST_F(OAuthWebClientTest, MethodIsCalledByASignedForm)
@@ -129,6 +131,9 @@ TEST_F(OAuthWebClientTest, MethodIsCalledByASignedForm)
     EXPECT_TRUE(IsSignedRight(request.Header("Authorization"), "POST", request.url, ParseForm(request.body),
                               "token-secret"));
     EXPECT_TRUE(request.isSmall);
+    m_client->RestRequest(TEXT("/more"), TEXT("GET"), nullptr, Parameters({{TEXT("a"), TEXT("b c")}}).Get(), 0,
+                          m_reply.Put());
+    EXPECT_EQ(m_transport->requests.at(1).url, "https://api.flickr.com/services/rest/more?a=b%20c");
 }
 
 namespace
@@ -210,6 +215,15 @@ TEST_F(OAuthWebClientTest, PictureThatAKeptConnectionLostIsSignedAndSentOnceMore
     EXPECT_EQ(requests[1].headers.size(), requests[0].headers.size());
     EXPECT_NE(requests[1].Header("Authorization"), requests[0].Header("Authorization"));
 
+    // A stream that can't be rewound holds no whole picture any more.
+    m_transport->requests.clear();
+    const auto once = ScriptedStream::Make("the picture");
+    once->seekFails = true;
+    EXPECT_EQ(m_client->UploadRequest(TEXT("https://up.flickr.com/"), nullptr, TEXT("POST"), nullptr, nullptr,
+                                      nullptr, once.Get(), 11, nullptr, 0, m_reply.Put()),
+              static_cast<HRESULT>(0x80072EFE));
+    EXPECT_EQ(requests.size(), 1u);
+
     m_transport->failures = 1000;
     for (const TransportProblem problem : {TransportProblem::KeptConnectionLost,
                                            TransportProblem::LostWhileSending, TransportProblem::LostBeforeAnswer})
@@ -238,6 +252,27 @@ TEST_F(OAuthWebClientTest, BrokenConnectionsAreToldInWords)
               HRESULT_FROM_WIN32(ERROR_HANDLE_EOF));
 }
 
+TEST(TransportWords, AreWholeSentencesAndSayWhetherAPictureMayHaveArrived)
+{
+    for (int i = 0; i <= static_cast<int>(TransportProblem::Other); ++i)
+    {
+        const auto problem = static_cast<TransportProblem>(i);
+        const TransportWords words = WordsFor({problem, E_FAIL, "p", 502}, "h.test", "picture");
+        EXPECT_TRUE(std::ranges::all_of(words.status, [](char c) { return c == ' ' || std::isalpha(c); }))
+            << words.status;
+        EXPECT_TRUE(words.description.ends_with('.') || words.description.ends_with('?') ||
+                    words.description.ends_with("PORT"))
+            << words.description;
+        EXPECT_THAT(words.description, Not(HasSubstr("{")));
+        const bool isUnknown =
+            problem == TransportProblem::AnswerMissing || problem == TransportProblem::LostBeforeAnswer ||
+            problem == TransportProblem::AnswerGarbled || problem == TransportProblem::AnswerTooLong ||
+            problem == TransportProblem::EndedBeforeAnswer;
+        EXPECT_EQ(words.description.find("may or may not have arrived") != std::string::npos, isUnknown)
+            << words.description;
+    }
+}
+
 TEST_F(OAuthWebClientTest, AuthorizationTradesItsTokens)
 {
     m_transport->replies = {
@@ -252,11 +287,11 @@ TEST_F(OAuthWebClientTest, AuthorizationTradesItsTokens)
     BstrOwner url;
     const auto perms = Parameters({{TEXT("perms"), TEXT("write")}});
     ASSERT_EQ(m_client->GetAuthorizationUrl(0, perms.Get(), url.Put()), S_OK);
-    EXPECT_EQ(Utf8FromWide(url.View()),
+    EXPECT_EQ(ToUtf8(url.View()),
               "https://www.flickr.com/services/oauth/authorize?perms=write&oauth_token=req%2B1");
     ASSERT_EQ(m_client->GetAccessToken(0, TEXT("ver/1"), token.Put(), secret.Put()), S_OK);
-    EXPECT_EQ(Utf8FromWide(token.View()), "acc");
-    EXPECT_EQ(Utf8FromWide(secret.View()), "accs!");
+    EXPECT_EQ(ToUtf8(token.View()), "acc");
+    EXPECT_EQ(ToUtf8(secret.View()), "accs!");
     EXPECT_EQ(m_client->GetAccessToken(0, TEXT("v"), token.Put(), secret.Put()), E_UNEXPECTED) << "it is used up";
 
     const auto &requests = m_transport->requests;
@@ -287,6 +322,13 @@ TEST_F(OAuthWebClientTest, IncompleteCallsAreRefused)
     EXPECT_EQ(bare->SetService(TEXT("a"), TEXT("https://h/"), TEXT("PLAINTEXT"), TEXT("k"), TEXT("s"),
                                TEXT("https://h/"), TEXT("https://h/"), TEXT("https://h/"), TEXT("x"), 0),
               E_INVALIDARG);
+    for (const WCHAR *agent : {static_cast<const WCHAR *>(nullptr), TEXT("a\r\nX: y")})
+    {
+        EXPECT_EQ(bare->SetService(agent, TEXT("https://h/"), TEXT("HMAC-SHA1"), TEXT("k"), TEXT("s"),
+                                   TEXT("https://h/"), TEXT("https://h/"), TEXT("https://h/"), TEXT("x"), 0),
+                  E_INVALIDARG);
+    }
+    EXPECT_THAT((std::array{bare->Reserved1(), bare->Reserved2(), bare->Reserved3()}), testing::Each(E_NOTIMPL));
     EXPECT_EQ(m_client->SetAccessToken(TEXT(" "), TEXT("b")), E_INVALIDARG);
     EXPECT_EQ(m_client->SetAccessToken(TEXT("a"), TEXT("")), E_INVALIDARG);
     EXPECT_EQ(UploadText(""), E_INVALIDARG);
@@ -301,7 +343,7 @@ TEST_F(OAuthWebClientTest, IncompleteCallsAreRefused)
     }
     BstrOwner type;
     EXPECT_EQ(m_client->GetMimeTypeForFile(TEXT("x.JPG"), type.Put()), S_OK);
-    EXPECT_EQ(Utf8FromWide(type.View()), "image/jpeg");
+    EXPECT_EQ(ToUtf8(type.View()), "image/jpeg");
     BSTR left[] = {type.Get(), type.Get(), type.Get(), type.Get()};
     EXPECT_EQ(m_client->GetAccessToken(0, nullptr, &left[0], &left[1]), E_INVALIDARG);
     EXPECT_EQ(m_client->GetAccessToken(0, TEXT("v"), nullptr, left), E_INVALIDARG);

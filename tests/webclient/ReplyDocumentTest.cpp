@@ -109,5 +109,6 @@ TEST_F(ReplyDocumentTest, WordsOfAnyKindFitIntoTheDocument)
     EXPECT_EQ(Text("/HttpError/Description"), "a b  \xF0\x9F\x98\x80");
     LoadHttpError(document.Get(), 7, "", "");
     EXPECT_EQ(Text("/HttpError/Status"), "(none)");
+    EXPECT_EQ(Text("/HttpError"), "");
 }
 } // namespace

@@ -42,6 +42,7 @@ public:
     std::optional<UINT64> claimedSize;
     std::optional<UINT64> failAt; // a read at or behind this position fails
     HRESULT failure = STG_E_READFAULT;
+    bool seekFails = false;
     bool endless = false; // the last bytes repeat up to the claimed size
 
     STDMETHODIMP Read(void *buffer, ULONG size, ULONG *read) noexcept override
@@ -71,6 +72,10 @@ public:
 
     STDMETHODIMP Seek(LARGE_INTEGER move, DWORD origin, ULARGE_INTEGER *position) noexcept override
     {
+        if (seekFails)
+        {
+            return STG_E_INVALIDFUNCTION;
+        }
         m_position = (origin == STREAM_SEEK_CUR ? m_position : 0) + static_cast<UINT64>(move.QuadPart);
         if (position != nullptr)
         {

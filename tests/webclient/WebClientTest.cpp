@@ -1,8 +1,8 @@
 // Requests through the registered component, against a TLS server that keeps a record of them.
 #include "com/BstrOwner.h"
+#include "com/TextConversion.h"
 #include "tests/webclient/ScriptedStream.h"
 #include "tests/webclient/ServiceFixture.h"
-#include "webclient/Utf8.h"
 
 #include <cstdio>
 #include <thread>
@@ -44,13 +44,13 @@ TEST_F(WebClientTest, UploadCarriesTheFormAsItIs)
     const SeenRequest request = server.Requests()[0];
     EXPECT_EQ(request.line, "POST /services/upload/ HTTP/1.1");
     EXPECT_EQ(request.Header("content-length"), std::to_string(length));
-    EXPECT_EQ(request.Header("content-type"), Utf8FromWide(type.View()));
+    EXPECT_EQ(request.Header("content-type"), ToUtf8(type.View()));
     EXPECT_EQ(request.bodyBytes, length);
-    EXPECT_THAT(request.body, HasSubstr("\r\n\r\n" + Utf8FromWide(Title) + "\r\n"));
+    EXPECT_THAT(request.body, HasSubstr("\r\n\r\n" + ToUtf8(Title) + "\r\n"));
     EXPECT_THAT(request.body, HasSubstr("filename=\"b\xC3\xA4r.jpg\""));
     EXPECT_THAT(request.body, HasSubstr("\r\n\r\n" + std::string(300'000, 'p') + "\r\n--"));
     EXPECT_TRUE(IsSignedRight(request.Header("authorization"), "POST", "https://api.flickr.com/services/upload/",
-                              {{"title", SecretText(Utf8FromWide(Title))}, {"is_public", SecretText("1")}},
+                              {{"title", SecretText(ToUtf8(Title))}, {"is_public", SecretText("1")}},
                               "token-secret"));
 
     const auto &entries = progress->entries;
