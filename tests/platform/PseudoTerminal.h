@@ -41,7 +41,10 @@ public:
             setenv("TERM", terminal, 1);
             setenv("NO_COLOR", "1", 1);
             setenv("LC_ALL", "C.UTF-8", 1);
-            signal(SIGHUP, SIG_DFL); // also where the tests run under nohup
+            for (const int number : {SIGHUP, SIGINT, SIGQUIT})
+            {
+                signal(number, SIG_DFL); // also where the tests run under nohup, or in a script's background
+            }
             const std::string result = ResultOf(ask);
             const bool told =
                 write(results[1], result.data(), result.size()) == static_cast<ssize_t>(result.size());
