@@ -22,7 +22,7 @@ std::optional<std::string> ReadWholeFile(const std::filesystem::path &file, size
 class FileReplacement
 {
 public:
-    FileReplacement(std::filesystem::path file, std::string_view content);
+    FileReplacement(const std::filesystem::path &file, std::string_view content);
     ~FileReplacement();
     FileReplacement(const FileReplacement &) = delete;
     FileReplacement &operator=(const FileReplacement &) = delete;

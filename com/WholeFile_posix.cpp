@@ -126,7 +126,7 @@ std::optional<std::string> ReadWholeFile(const fs::path &file, size_t limit)
     }
 }
 
-FileReplacement::FileReplacement(fs::path file, std::string_view content)
+FileReplacement::FileReplacement(const fs::path &file, std::string_view content)
     : m_file(WithoutLinks(file)), m_pending(m_file.native() + ".new")
 {
     // What a crash left may be readable by others, or a link.
@@ -192,7 +192,7 @@ fs::path SetFileAside(const fs::path &given, const std::string &suffix)
     const fs::path file = WithoutLinks(given);
     for (int number = 1;; ++number)
     {
-        const fs::path aside(file.native() + suffix + "-" + std::to_string(number));
+        fs::path aside(file.native() + suffix + "-" + std::to_string(number));
         // link fails where the name is taken; rename would replace the file of that name.
         if (::link(file.c_str(), aside.c_str()) == 0)
         {

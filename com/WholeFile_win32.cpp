@@ -104,7 +104,7 @@ std::optional<std::string> ReadWholeFile(const fs::path &file, size_t limit)
 }
 
 // A file inherits who may read it from its folder; the profile's lets in its user alone.
-FileReplacement::FileReplacement(fs::path file, std::string_view content)
+FileReplacement::FileReplacement(const fs::path &file, std::string_view content)
     : m_file(std::move(file)), m_pending(m_file.native() + L".new")
 {
     // A leftover could be readable by others, or a link.

@@ -19,6 +19,7 @@
 #include <fstream>
 
 // Not our leak: exiv2's XMP toolkit keeps the namespaces of every packet until the process ends.
+// NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming): the sanitizer looks for this name
 extern "C" __attribute__((visibility("default"))) const char *__lsan_default_suppressions()
 {
     return "leak:Exiv2::XmpProperties::registerNs";

@@ -206,6 +206,7 @@ void MetadataValues::SetTexts(const WideText &path, std::vector<WideText> texts,
         return;
     }
     std::vector<WCHAR *> elements;
+    elements.reserve(texts.size());
     for (WideText &text : texts)
     {
         elements.push_back(text.data());
