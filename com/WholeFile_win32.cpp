@@ -105,7 +105,7 @@ std::optional<std::string> ReadWholeFile(const fs::path &file, size_t limit)
 
 // A file inherits who may read it from its folder; the profile's lets in its user alone.
 FileReplacement::FileReplacement(const fs::path &file, std::string_view content)
-    : m_file(std::move(file)), m_pending(m_file.native() + L".new")
+    : m_file(file), m_pending(m_file.native() + L".new")
 {
     // A leftover could be readable by others, or a link.
     DeleteFileW(m_pending.c_str());
