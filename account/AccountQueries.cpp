@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <optional>
 #include <string>
 
@@ -51,15 +52,8 @@ HRESULT CallMethod(IOAuthWebClient &client, const WCHAR *method, Document &reply
 std::optional<INT64> ParseNumber(WideView text)
 {
     std::string digits;
-    for (WCHAR character : text)
-    {
-        const bool sign = character == '-' && digits.empty();
-        if (!sign && (character < '0' || character > '9'))
-        {
-            break;
-        }
-        digits.push_back(static_cast<char>(character));
-    }
+    std::ranges::transform(text, std::back_inserter(digits),
+                           [](WCHAR c) { return c < 0x80 ? static_cast<char>(c) : ' '; });
     INT64 number = 0;
     const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), number);
     if (parsed.ec == std::errc::result_out_of_range)

@@ -197,7 +197,6 @@ void RawPage::Load(IPageControls &controls)
     m_conversion.FillLists(controls);
     m_conversion.Load(SettingsReader());
     m_conversion.Show(controls);
-    m_conversion.Take(controls);
 }
 
 void RawPage::Save(IPageControls &controls)

@@ -71,6 +71,9 @@ TEST(QueryUploadStatus, TakesLevelAndLimitsFromTheReply)
         {Status(TEXT("ok"), TEXT("0"), TEXT("5"), TEXT("100"), TEXT("101")), S_OK, TEXT("Basic"), 5, 0},
         {Status(TEXT("ok"), TEXT("0"), TEXT(""), huge, TEXT("-1")), S_OK, TEXT("Basic"), 1000, unlimited},
         {Status(TEXT("ok"), TEXT("0"), TEXT("5"), none, none), E_FAIL, TEXT("Basic"), 5, 500},
+        {TEXT("<rsp stat='ok'><user ispro='0'><filesize maxbytes='99999999999999999999'/>")
+             TEXT("<bandwidth maxbytes='300'/></user></rsp>"),
+         E_FAIL, TEXT("Basic"), INT64_MAX, 500},
         {Status(TEXT("ok"), TEXT("0"), none, TEXT("300"), TEXT("100")), E_FAIL, TEXT("Basic"), 1000, 500},
         {Status(TEXT("ok"), none, TEXT("5"), none, none), E_FAIL, TEXT("Basic"), 1000, 500},
         {Status(TEXT("fail"), TEXT("1"), none, none, none), E_FAIL, TEXT("Basic"), 1000, 500},

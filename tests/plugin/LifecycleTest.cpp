@@ -149,6 +149,9 @@ TEST(Lifecycle, ChecksTheHostAndTakesItOnce)
         EXPECT_EQ(plugin->CanPublish(nullptr, FALSE), E_UNEXPECTED);
     }
 
+    EXPECT_EQ(plugin->Initialize(fixture.Host.Get(), 0, fixture.Stream.Get(), 0), S_OK);
+    EXPECT_EQ(plugin->Initialize(nullptr, 0, nullptr, 0), E_INVALIDARG);
+    EXPECT_EQ(plugin->CanPublish(nullptr, FALSE), S_OK) << "no host at all changes nothing";
     EXPECT_EQ(plugin->Initialize(fixture.Host.Get(), 0, nullptr, 0), S_OK);
     fixture.Host->AddRef();
     const ULONG references = fixture.Host->Release();
