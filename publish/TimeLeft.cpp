@@ -44,10 +44,6 @@ WideText Pieces(UINT64 first, const Unit &firstUnit, UINT64 second, const Unit &
 // items, from 15 for 31 up to 50 for 1000. Linear in between.
 UINT64 Threshold(UINT64 count)
 {
-    if (count == 1)
-    {
-        return 75;
-    }
     if (count < 30)
     {
         return 75 - static_cast<UINT64>((static_cast<double>(count) * 25 - 25) * 0.034482758620689655);

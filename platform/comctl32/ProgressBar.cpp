@@ -118,7 +118,7 @@ bool RegisterProgressBar()
 {
     WNDCLASSEXW description{sizeof(description)};
     description.lpfnWndProc = ProgressBarProcedure;
-    description.cbWndExtra = sizeof(ProgressBar *);
+    description.cbWndExtra = sizeof(LONG_PTR); // the address of its ProgressBar
     description.lpszClassName = PROGRESS_CLASSW;
     return RegisterClassExW(&description) != 0;
 }

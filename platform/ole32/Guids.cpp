@@ -12,4 +12,4 @@
 #include "XmlInterfaces.h"
 
 // Windows has this one in a library for linking; here it is the platform's for every module.
-extern "C" const IID GUID_NULL = {};
+extern "C" const IID GUID_NULL = {}; // NOLINT(readability-identifier-naming): its name on Windows

@@ -214,9 +214,10 @@ TEST_F(TaskDialogDocuments, HaveFlagsInWordsAndNumbers)
         INT64 marquee = 0;
     } cases[] = {
         {"/>"},
-        {">allow_hyperlinks allow_cancellation use_command_links use_command_links_no_icon</flags>", 0x39},
-        {">expand_footer expanded_by_default checked_by_default</flags>", 0x1C0},
-        {">show_progress_bar show_marquee position_relative can_be_minimized</flags>", 0x9600},
+        {">allow_hyperlinks use_command_links</flags>", 0x11},
+        {">allow_cancellation use_command_links_no_icon</flags>", 0x28},
+        {">expand_footer checked_by_default show_marquee</flags>", 0x540},
+        {">expanded_by_default show_progress_bar position_relative</flags>", 0x1280},
         {">show_marquee  can_be_minimized</flags>", 0x8400},
         {">show_marquee\ncan_be_minimized</flags>"},
         {">show_marquee\tcan_be_minimized expand_footer</flags>", 0x40},
