@@ -93,7 +93,7 @@ std::string FindProgram(const std::string &name)
     for (std::string_view rest = path ? path : ""; !rest.empty();)
     {
         const size_t end = std::min(rest.find(':'), rest.size());
-        const std::string file = std::string(rest.substr(0, end)) + '/' + name;
+        std::string file = std::string(rest.substr(0, end)) + '/' + name;
         struct stat about
         {
         };
