@@ -509,6 +509,7 @@ TEST_F(PublishRun, MovesTheBarByWholePercents)
         for (const UINT32 done :
              {0u, 4'000'000'000u / 100, 41'000'000u, 3'000'000'000u, 2'000'000'000u, 4'000'000'000u})
         {
+            EXPECT_EQ(callback->OnUploadProgress(UPLOAD_BYTES, 0, 0), S_OK);
             EXPECT_EQ(callback->OnUploadProgress(UPLOAD_BYTES, 4'000'000'000u, done), S_OK);
         }
         callback->OnUploadProgress(99, 1, 1);

@@ -78,7 +78,7 @@ TEST(ItemTexts, FallBackOnTheNameAndTheComment)
         {TEXT("Caption"), TEXT("Words"), TEXT("Comment"), "Caption", "Words"},
         {TEXT(""), {}, {}, "", ""},
         {{}, TEXT(""), TEXT("Comment"), "IMG 1.jpg", "Comment"},
-        {{}, {}, TEXT("Comment"), "IMG 1.jpg", "Comment"},
+        {{}, {}, TEXT("C"), "IMG 1.jpg", "C"},
         {{}, TEXT("Words"), TEXT(""), "IMG 1.jpg", "Words"},
     };
     for (const auto &c : cases)
