@@ -91,17 +91,25 @@ void Broken(const char *promise)
 
 extern "C" int LLVMFuzzerInitialize(int *count, char ***arguments)
 {
+    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    // libFuzzer starts the program again to merge or to work in parallel, with arguments of its own.
+    constexpr char inherited[] = "HALVORA_FUZZ_TARGET";
+    if (const char *const name = std::getenv(inherited))
+    {
+        g_target = TargetOf(name);
+        return 0;
+    }
     g_target = *count > 2 ? TargetOf((*arguments)[1]) : nullptr;
     if (g_target == nullptr)
     {
         Refuse();
     }
+    setenv(inherited, g_target->Name, 1);
     WriteSamples((*arguments)[2]);
     // libFuzzer reads the rest.
     (*arguments)[1] = (*arguments)[0];
     ++*arguments;
     --*count;
-    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     return 0;
 }
 

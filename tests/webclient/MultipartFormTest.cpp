@@ -119,6 +119,8 @@ TEST_F(MultipartFormTest, FileGoesFromItsPresentPosition)
         EXPECT_THAT(text, HasSubstr("\r\n\r\n456789\r\n--"));
         rest.body->Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr);
     }
+    ASSERT_EQ(form->AddFilePart(TEXT("photo"), picture.Get(), nullptr, TEXT("a"), 0, 0), S_OK);
+    EXPECT_THAT(ReadAll(body.Get(), 100), HasSubstr("Content-Type: application/octet-stream\r\n"));
 }
 
 TEST_F(MultipartFormTest, BodyOfFourGibibytesFailsItsLength)

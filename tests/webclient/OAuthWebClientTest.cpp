@@ -215,6 +215,12 @@ TEST_F(OAuthWebClientTest, PictureThatAKeptConnectionLostIsSignedAndSentOnceMore
     EXPECT_EQ(requests[1].headers.size(), requests[0].headers.size());
     EXPECT_NE(requests[1].Header("Authorization"), requests[0].Header("Authorization"));
 
+    m_transport->requests.clear();
+    EXPECT_EQ(m_client->RestRequest(nullptr, TEXT("POST"), nullptr, Parameters({{TEXT("a"), TEXT("b")}}).Get(), 0,
+                                    m_reply.Put()),
+              S_OK);
+    EXPECT_EQ(requests.at(1).body, "a=b");
+
     // A stream that can't be rewound holds no whole picture any more.
     m_transport->requests.clear();
     const auto once = ScriptedStream::Make("the picture");
@@ -342,6 +348,7 @@ TEST_F(OAuthWebClientTest, IncompleteCallsAreRefused)
                                       nullptr, nullptr, ScriptedStream::Make("x").Get(), 1, nullptr, 0,
                                       m_reply.Put()),
               static_cast<HRESULT>(0x80072EE6));
+    EXPECT_EQ(ReplyText("/HttpError/Status"), "Not sent");
     EXPECT_THAT(ReplyText("/HttpError/Description"), HasSubstr("on flickr.example, is not secure"));
     for (const WCHAR *value : {TEXT("a\r\nY: b"), TEXT("a\x7F")})
     {

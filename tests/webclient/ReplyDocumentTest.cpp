@@ -67,6 +67,15 @@ TEST_F(ReplyDocumentTest, OtherStatusesBecomeHttpErrors)
     EXPECT_EQ(Text("/HttpError/Description"), "Service down");
     EXPECT_EQ(Text("/rsp/err/@code"), "(none)");
 
+    for (const auto &[status, isUnknown] :
+         {std::pair(500, true), {501, false}, {502, true}, {503, false}, {504, true}, {505, false}})
+    {
+        Load(status, "", "words");
+        EXPECT_EQ(Text("/HttpError/Description").find("may or may not have arrived") != std::string::npos,
+                  isUnknown)
+            << status;
+    }
+
     // No part of a secret is left by a cut, and none stands in the status words.
     EXPECT_TRUE(FAILED(Load(400, "Echo the-secret\tof yours", std::string(195, 'x') + "the-secret, sir")));
     EXPECT_EQ(Text("/HttpError/Status"), "Echo of yours");
