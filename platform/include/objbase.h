@@ -8,7 +8,7 @@ extern "C++"
 {
     // Converts the address of an interface pointer to void **; fails to compile for any other type.
     template <class T>
-    void **IID_PPV_ARGS_Helper(T **object) noexcept
+    void **IID_PPV_ARGS_Helper(T **object) noexcept // NOLINT(readability-identifier-naming): its name on Windows
     {
         static_cast<void>(static_cast<IUnknown *>(*object));
         return reinterpret_cast<void **>(object);

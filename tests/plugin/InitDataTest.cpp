@@ -98,7 +98,7 @@ TEST(InitData, RefusesEachMalformedShape)
         HRESULT result;
     } cases[] = {
         {"", E_FAIL},
-        {"\2\0\0", E_FAIL},
+        {"\2\0\0"s, E_FAIL},
         {"\1\0\0\0xx"s, E_FAIL},
         {"\1\0\x10\0"s + std::string(0x100001, 'x'), E_ACCESSDENIED},
         {"\xFF\xFF\xFF\xFF"s, E_ACCESSDENIED},

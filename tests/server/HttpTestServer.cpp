@@ -9,7 +9,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
+#include <system_error>
 
 namespace
 {
@@ -28,8 +30,10 @@ int Listen(unsigned &port)
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    bind(listener, reinterpret_cast<sockaddr *>(&address), sizeof(address));
-    listen(listener, 16);
+    if (bind(listener, reinterpret_cast<sockaddr *>(&address), sizeof(address)) != 0 || listen(listener, 16) != 0)
+    {
+        throw std::system_error(errno, std::generic_category(), "listening on 127.0.0.1");
+    }
     socklen_t size = sizeof(address);
     getsockname(listener, reinterpret_cast<sockaddr *>(&address), &size);
     port = ntohs(address.sin_port);

@@ -113,7 +113,7 @@ TEST(SecretsInMemory, NoTokenIsLeftWhereItWasFreed)
 
     // What is searched for is found.
     isSearching = true;
-    std::string(url.View().begin(), url.View().end());
+    static_cast<void>(std::string(url.View().begin(), url.View().end()));
     static_cast<void>(WideText(token.View()));
     isSearching = false;
     EXPECT_GE(leftOvers[0].exchange(0), 1);
