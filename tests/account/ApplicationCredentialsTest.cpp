@@ -129,6 +129,7 @@ TEST(ApplicationCredentials, OverlappingOpensShareOneBufferThatTheLastCloseWipes
     const WideText text = first;
     watched = reinterpret_cast<const unsigned char *>(first);
     watchedLength = 66;
+    bytesLeft.reset();
     EXPECT_EQ(OpenSecuredString(record), first);
     CloseSecuredString(record);
     EXPECT_FALSE(bytesLeft) << "still open";
